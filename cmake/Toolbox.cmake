@@ -1,0 +1,50 @@
+# What every room of the house is built with: warnings, sanitizers, compiler cache, fast linker.
+
+set(ZENTROVA_SANITIZE "" CACHE STRING "comma list for -fsanitize=, empty for none")
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+find_program(LLD_PROGRAM ld.lld)
+if(LLD_PROGRAM)
+  add_link_options(-fuse-ld=lld)
+endif()
+add_link_options(-Wl,--disable-new-dtags)
+
+if(ZENTROVA_SANITIZE)
+  add_compile_options(-fsanitize=${ZENTROVA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+  add_link_options(-fsanitize=${ZENTROVA_SANITIZE})
+endif()
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+
+add_library(zv_options INTERFACE)
+target_compile_options(zv_options INTERFACE -Wall -Wextra -Wconversion -Wno-sign-conversion -Werror)
+target_include_directories(zv_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_link_libraries(zv_options INTERFACE Threads::Threads)
+
+# zv_room(NAME [STATIC|SHARED] DEPENDS target...): a library of all sources of the current folder.
+function(zv_room name kind)
+  cmake_parse_arguments(ROOM "" "" "DEPENDS" ${ARGN})
+  file(GLOB room_sources CONFIGURE_DEPENDS *.cpp *.h)
+  add_library(${name} ${kind} ${room_sources})
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+  target_link_libraries(${name} PUBLIC zv_options ${ROOM_DEPENDS})
+endfunction()
+
+# zv_test(NAME DEPENDS target...): one executable of all test sources of tests/NAME, known to ctest.
+function(zv_test name)
+  cmake_parse_arguments(TEST "" "" "DEPENDS" ${ARGN})
+  file(GLOB_RECURSE test_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.h)
+  if(NOT test_sources)
+    return()
+  endif()
+  add_executable(test_${name} ${test_sources})
+  target_link_libraries(test_${name} PRIVATE zv_options ${TEST_DEPENDS} GTest::gmock GTest::gtest_main)
+  target_compile_definitions(test_${name} PRIVATE ZV_SOURCE_DIR="${PROJECT_SOURCE_DIR}" ZV_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
+  add_test(NAME ${name} COMMAND test_${name})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 600)
+endfunction()

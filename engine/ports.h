@@ -1,0 +1,138 @@
+/// What the engine takes from its surroundings: decoders, a time stretcher and devices. The program installs
+/// them once, before the first BASS_Init; platform/ implements them. The engine knows no library of its own.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace zv {
+
+/// Format of decoded sound.
+struct SoundFormat {
+    std::uint32_t rate = 0;      ///< Hz
+    std::uint32_t channels = 0;  ///< 1 and up, interleaved
+    std::uint32_t bits = 0;      ///< bits of a sample in the file, 0 unknown
+};
+
+/// One open sound. Owned and called by one thread at a time [worker] or [control].
+class Decoder {
+  public:
+    virtual ~Decoder() = default;
+    virtual SoundFormat format() const = 0;
+    /// Exact frames that a full decode yields, encoder delay and padding taken off where the file tells them;
+    /// nothing for an endless source (a web stream).
+    virtual std::optional<std::uint64_t> length() const = 0;
+    /// Fills `out` (interleaved frames); returns the frames written. 0 is the end; for a web stream 0 with
+    /// ended() false means that no data is there yet.
+    virtual std::size_t read(std::span<float> out) = 0;
+    /// Moves to `frame`, exact. False when the source cannot.
+    virtual bool seek(std::uint64_t frame) = 0;
+    virtual bool ended() const = 0;
+};
+
+/// Opens decoders. `error` receives a BASS_ERROR_ code when nothing is returned. [any]
+class DecoderSource {
+  public:
+    virtual ~DecoderSource() = default;
+    virtual std::unique_ptr<Decoder> openFile(const std::string& path, int& error) = 0;
+    virtual std::unique_ptr<Decoder> openModule(const std::string& path, int& error) = 0;
+    /// Waits for the connection, at most `timeoutMs`.
+    virtual std::unique_ptr<Decoder> openUrl(const std::string& url, std::uint32_t timeoutMs, int& error) = 0;
+};
+
+/// Changes tempo and pitch of interleaved sound. Called by one thread at a time, never by a device callback.
+class Stretcher {
+  public:
+    virtual ~Stretcher() = default;
+    virtual void setTempo(double percent) = 0;         ///< 0 = unchanged
+    virtual void setPitch(double semitones) = 0;       ///< 0 = unchanged
+    virtual void setRate(double ratio) = 0;            ///< 1 = unchanged; speed and pitch together
+    virtual void put(std::span<const float> in) = 0;   ///< interleaved frames
+    virtual void flush() = 0;                          ///< the input has ended: pushes out what is held
+    virtual std::size_t take(std::span<float> out) = 0;  ///< frames written
+    virtual std::size_t ready() const = 0;             ///< frames that take() would give
+    virtual void clear() = 0;
+};
+
+class StretcherSource {
+  public:
+    virtual ~StretcherSource() = default;
+    virtual std::unique_ptr<Stretcher> make(std::uint32_t rate, std::uint32_t channels) = 0;
+};
+
+/// Who is called for sound: interleaved stereo frames in float. Never blocks. [audio]
+class SoundClient {
+  public:
+    virtual ~SoundClient() = default;
+    /// Output: fills `frames`. Input: hands over what was heard.
+    virtual void render(std::span<float> stereo) = 0;
+    virtual void heard(std::span<const float> stereo) = 0;
+    /// The device went away or came back; the sound goes on by itself when it is back. [any]
+    virtual void deviceLost() = 0;
+    virtual void deviceBack() = 0;
+};
+
+struct DeviceDescription {
+    std::string name;         ///< UTF-8, as the user reads it; stable over replugging
+    std::string id;           ///< the system's own identifier, stable over replugging
+    bool isDefault = false;
+    std::uint32_t rate = 0;   ///< its own rate in Hz, 0 unknown
+};
+
+/// An open device: calls its client from its own thread until it is destroyed. Destroying it waits for a call
+/// that is under way; afterwards the client is not called again. [control]
+class Device {
+  public:
+    virtual ~Device() = default;
+    virtual std::uint32_t rate() const = 0;    ///< Hz at which the client is called
+    virtual std::uint32_t period() const = 0;  ///< largest frames of one call
+};
+
+class DeviceSource {
+  public:
+    virtual ~DeviceSource() = default;
+    virtual std::vector<DeviceDescription> outputs() = 0;
+    virtual std::vector<DeviceDescription> inputs() = 0;
+    /// `id` empty: the default. Nothing is returned when the device cannot be opened.
+    virtual std::unique_ptr<Device> openOutput(const std::string& id, std::uint32_t rate, SoundClient& client) = 0;
+    virtual std::unique_ptr<Device> openInput(const std::string& id, std::uint32_t rate, SoundClient& client) = 0;
+    /// The no-sound device: pulls its client at the pace of a clock and throws the sound away.
+    virtual std::unique_ptr<Device> openNoSound(std::uint32_t rate, SoundClient& client) = 0;
+    /// True when sound is pulled by the program's clock and not by hardware: the engine then waits for decoders
+    /// instead of stalling, so that every run gives the same bits.
+    virtual bool offline() const = 0;
+};
+
+struct EnginePorts {
+    std::shared_ptr<DecoderSource> decoders;
+    std::shared_ptr<StretcherSource> stretchers;
+    std::shared_ptr<DeviceSource> devices;
+};
+
+/// Counters of a device, all since it was opened.
+struct DeviceStatistics {
+    std::uint64_t callbacks = 0;
+    std::uint64_t underruns = 0;           ///< callbacks that took longer than their sound lasts
+    std::uint64_t longestCallbackNs = 0;
+    std::uint64_t commandOverflows = 0;    ///< commands that found the ring full
+    std::uint64_t starvations = 0;         ///< times a decoder was not ahead in time
+};
+
+/// The table through which the program reaches what is not an operation on channels.
+struct EngineControl {
+    /// Hands the surroundings over; replaces earlier ones, which must not be in use. [control]
+    void (*install)(const EnginePorts& ports);
+    /// Counters of output `device` (a number of BASS_Init). [any]
+    DeviceStatistics (*statistics)(int device);
+    /// Offline only: waits until all sync procedures due so far have run. [control]
+    void (*settleSyncs)();
+};
+
+/// The one C++ entry of the shared library.
+extern "C" const EngineControl* engineControl();
+
+}  // namespace zv

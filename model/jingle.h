@@ -1,0 +1,91 @@
+/// The jingle records and the values that belong to them. `J` is the one store of jingle state: 0 to 95 the slots
+/// of the current palette, 96 to 119 the hot jingles. Touched on the interface thread only, except that the sync
+/// procedures read hPlay, FadeOut and FadeAttrib and write Playing. [control]
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <string>
+
+namespace zv {
+
+inline constexpr int kJingles = 120;
+inline constexpr int kPaletteSlots = 96;   ///< 0..95; hot jingles follow
+inline constexpr int kNotFound = kJingles;  ///< what a search over J ends with
+
+/// A flag that the sync dispatcher may write while the interface reads it.
+class SharedFlag {
+  public:
+    SharedFlag() = default;
+    SharedFlag(const SharedFlag& o) : v_(o.v_.load(std::memory_order_relaxed)) {}
+    SharedFlag& operator=(const SharedFlag& o) { v_.store(o.v_.load(std::memory_order_relaxed), std::memory_order_relaxed); return *this; }
+    SharedFlag& operator=(bool on) { v_.store(on, std::memory_order_relaxed); return *this; }
+    operator bool() const { return v_.load(std::memory_order_relaxed); }
+
+  private:
+    std::atomic<bool> v_{false};
+};
+
+/// Values of JingleRecord::State.
+enum class PlayState : std::uint8_t { idle = 0, playing = 1, leavingLoop = 3, stopping = 4 };
+/// Values of JingleRecord::PlayMod.
+enum class PlayMode : std::uint8_t { global = 0, autoRepeat = 1, touch = 2, playStop = 3, noStop = 4 };
+/// Values of JingleRecord::Kind.
+enum class SlotKind : std::uint8_t { nothing = 0, stream = 1, playlist = 2 };
+
+inline constexpr const char* kFaceColourText = "vbButtonFace";
+
+struct JingleRecord {
+    std::uint8_t AutoDuck = 0;      ///< 0 not chosen, 1 ducks, 2 deliberately does not
+    std::string AutoDuckKey;        ///< raw text of the key as last read
+    bool Unplayable = false;        ///< the file exists but the engine refuses it
+    std::string BTNCol = kFaceColourText;  ///< RRGGBB or "vbButtonFace"
+    std::int32_t BackRGB = 0;       ///< 0xBBGGRR in effect
+    double CueStart = 0;            ///< bytes
+    double Duration = 0;            ///< seconds, never below 0
+    double EndOffset = 0;           ///< bytes cut from the end, never below 0
+    std::int16_t BassErr = 0;       ///< code of the last failed opening
+    std::int32_t FadeOut = 0;       ///< ms
+    std::int32_t FadeAttrib = 2;    ///< BASS_ATTRIB_VOL, with BASS_SLIDE_LOG for a logarithmic fade
+    std::int32_t ForeRGB = 0;
+    std::int32_t Freq = 0;          ///< Hz
+    std::string FXV;                ///< eleven numbers separated by commas
+    bool PlayingOtherPal = false;   ///< still sounding from an earlier palette
+    std::uint8_t LogFadeOut = 0;
+    std::uint8_t Loop = 0;
+    std::uint8_t LoopFadeOut = 0;
+    double LoopIn = 0, LoopLen = 0, LoopOut = 0;  ///< bytes
+    bool MissingFile = false;
+    std::uint8_t NoAutomix = 0;
+    std::uint8_t NoTrigDuck = 0;
+    SharedFlag Playing;
+    std::string Path;               ///< as the file has it
+    PlayState State = PlayState::idle;
+    SlotKind Kind = SlotKind::nothing;
+    PlayMode PlayMod = PlayMode::global;
+    std::string Playlist;
+    std::int32_t ReverbMs = 0;      ///< ms of reverb tail
+    std::uint32_t FadeSync = 0;     ///< sync that ends a stop with tail; 0 none
+    std::uint8_t Seq = 0;
+    std::uint8_t SeqBefore = 0;
+    std::uint8_t Pressed = 0;
+    double StopPos = 0;             ///< bytes, 0 = to the end
+    std::uint32_t hPlay = 0, hSrc = 0;
+    int Volm = 100;                 ///< percent
+    std::int64_t Spare = 0;
+};
+
+extern std::array<JingleRecord, kJingles> J;
+extern std::array<std::uint8_t, kJingles> JExists;   ///< 1 when the button exists and is in use
+extern std::array<std::uint32_t, kJingles> JReverbFx, JVolFx, JEqFx;
+extern int LastPalIdx;                               ///< JinglesRows x JinglesCols - 1
+
+/// Slot of a channel handle, kNotFound (120) when none has it. [any]
+int FindJingle(std::uint32_t channel);
+/// Last live index: 95 + 2 x JinglesCols.
+int LastLiveIdx();
+/// The loop filter of all walks: not above LastPalIdx, or 96 and up to LastLiveIdx().
+bool IsLive(int index);
+
+}  // namespace zv

@@ -1,0 +1,167 @@
+/// Controls as records: what a window's logic sees of the screen. A control is a plain record of state; the shell
+/// (platform/qt) shows it and turns events into calls of its handlers. No widget is ever seen from here.
+///
+/// Measures are twips (15 to the pixel at 100 %). Colours are 0xBBGGRR (red + 256 x green + 65536 x blue).
+/// All of it is touched on the interface thread only. [control]
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zv {
+
+using Colour = std::int32_t;  ///< 0xBBGGRR; negative numbers are theme colours, see below
+
+inline constexpr int kTwipsPerPixel = 15;
+inline constexpr Colour kButtonFace = static_cast<Colour>(0x8000000FU);  ///< the theme's own button face
+inline constexpr Colour kNoColour = -1;                                   ///< the shell's default
+
+enum class ControlKind : std::uint8_t {
+    window,
+    frame,         ///< groups children; back colour fills it
+    label,
+    symbol,        ///< a label in the symbol font
+    button,
+    toggle,        ///< armed when its back colour is not the face
+    checkBox,
+    option,
+    listBox,
+    comboBox,
+    textBox,
+    slider,
+    progress,
+    panel,         ///< the display: one painted widget; its child labels are painted by it (digits, date, name)
+    jingle,        ///< a jingle button: one painted widget; its child records are painted by it
+    shape,         ///< a filled rectangle (bars), painted by its parent
+    meter,         ///< a level bar
+    colourField,
+    picture,
+};
+
+enum class MouseButton : std::uint8_t { left = 1, right = 2, middle = 4 };
+
+/// Bits of a shift state.
+inline constexpr int kShiftMask = 1;
+inline constexpr int kCtrlMask = 2;
+inline constexpr int kAltMask = 4;
+
+struct MouseEvent {
+    MouseButton button = MouseButton::left;
+    int shift = 0;  ///< kShiftMask | kCtrlMask | kAltMask
+    int x = 0, y = 0;  ///< twips inside the control
+};
+
+/// Keys by their published virtual key numbers; letters and digits are their upper-case ASCII codes.
+enum class Key : int {
+    none = 0, backspace = 8, tab = 9, enter = 13, shift = 16, control = 17, alt = 18, escape = 27, space = 32,
+    pageUp = 33, pageDown = 34, end = 35, home = 36, left = 37, up = 38, right = 39, down = 40, insert = 45,
+    del = 46, f1 = 112, f2, f3, f4, f5, f6, f7, f8, f9, f10, f11, f12,
+};
+
+struct KeyEvent {
+    Key key = Key::none;
+    int shift = 0;
+    bool repeat = false;    ///< the keyboard's own auto-repeat
+    bool consumed = false;  ///< set by the handler: the focused control does not see the key
+};
+
+class Control;
+
+/// A value of a control: assigning compares and, only when it differs, raises the control's revision.
+template <class T>
+class Property {
+  public:
+    Property(Control& owner, T initial) : owner_(owner), value_(std::move(initial)) {}
+    Property(const Property&) = delete;
+    Property& operator=(const Property&) = delete;
+    Property& operator=(const T& value);
+    operator const T&() const { return value_; }
+    const T& operator()() const { return value_; }
+
+  private:
+    Control& owner_;
+    T value_;
+};
+
+/// One control. Created once, never moved, lives as long as its window (as a rule: the whole run).
+class Control {
+  public:
+    /// `index` is -1 for a single control and 0 and up for an element of an array. Registers itself by name.
+    Control(std::string_view name, ControlKind kind, Control* parent = nullptr, int index = -1);
+    ~Control();
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
+
+    const std::string name;
+    const ControlKind kind;
+    Control* const parent;
+    const int index;
+
+    Property<bool> visible{*this, true};
+    Property<bool> enabled{*this, true};
+    Property<int> left{*this, 0}, top{*this, 0}, width{*this, 0}, height{*this, 0};  ///< twips, in the parent
+    Property<Colour> backColor{*this, kNoColour}, foreColor{*this, kNoColour};
+    Property<Colour> borderColor{*this, kNoColour};
+    Property<std::string> caption{*this, {}};  ///< label and button text, text box contents; "&&" is an ampersand
+    Property<std::string> toolTip{*this, {}};
+    Property<std::string> fontName{*this, {}};  ///< empty: the program's own font
+    Property<double> fontSize{*this, 0};        ///< points; 0: the shell's default
+    Property<bool> fontBold{*this, false}, fontItalic{*this, false};
+    Property<int> value{*this, 0};              ///< check box and option 0/1, slider, progress, meter
+    Property<int> minimum{*this, 0}, maximum{*this, 100};
+    Property<int> listIndex{*this, -1};         ///< selected row of a list or combo box, -1 none
+    Property<std::vector<std::string>> items{*this, {}};
+    Property<int> topRow{*this, 0};             ///< first visible row of a list
+    Property<bool> sorted{*this, false};        ///< a list that the shell shows as it is given; logic sorts
+
+    // Handlers; an empty one does nothing. The shell calls them guarded by nothing: a handler guards itself.
+    std::function<void(const MouseEvent&)> onMouseDown, onMouseUp, onMouseMove, onDoubleClick;
+    std::function<void()> onClick;    ///< a press and release inside, or the keyboard's way to do it
+    std::function<void()> onChange;   ///< the user moved, typed, ticked or selected: the record holds the new value
+    std::function<void(KeyEvent&)> onKeyDown, onKeyUp;
+    std::function<void()> onFocus;
+    std::function<void(const std::string& path)> onDrop;  ///< a file let go over the control
+    std::function<bool(int reason)> onQueryClose;  ///< window: false keeps it open
+    std::function<void()> onClose;                 ///< window: it closes now
+    std::function<void()> onResize;                ///< window: width and height hold the new inner size
+
+    /// Text of the selected row, empty without a selection.
+    std::string text() const;
+    const std::vector<Control*>& children() const { return children_; }
+    std::uint64_t revision() const { return revision_; }
+    void touch();  ///< raises the revision and remembers the control as changed
+
+  private:
+    friend std::vector<Control*> takeChanged();
+    std::vector<Control*> children_;
+    std::uint64_t revision_ = 0;
+    bool changed_ = false;
+};
+
+template <class T>
+Property<T>& Property<T>::operator=(const T& value) {
+    if (!(value_ == value)) {
+        value_ = value;
+        owner_.touch();
+    }
+    return *this;
+}
+
+/// The control of that name (without regard to case) and index; null when there is none.
+Control* findControl(std::string_view name, int index = -1);
+/// All registered controls in the order of their making.
+const std::vector<Control*>& allControls();
+/// Controls changed since the last call, each once, in the order of their first change.
+std::vector<Control*> takeChanged();
+/// Called once when the first control changes after takeChanged(): the shell arms its flush there.
+void onFirstChange(std::function<void()> arm);
+
+/// A property by its name ("visible", "caption", "backColor", ... without regard to case) as text: numbers in
+/// decimal, flags 0 and 1, lists joined by "|". Nothing known: empty and `known` false.
+std::string propertyText(const Control& control, std::string_view property, bool& known);
+
+}  // namespace zv

@@ -1,0 +1,40 @@
+/// Devices without hardware: sound is pulled by whoever drives the clock, and what went out can be kept. Used by
+/// the rehearsal and by tests. Deterministic: outputs are pulled in the order of their opening, in periods of a
+/// fixed number of frames. [control]
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "engine/ports.h"
+
+namespace zv {
+
+struct OfflineOptions {
+    std::uint32_t period = 441;  ///< frames of one call at the device's rate
+    std::vector<std::string> outputs{"Main output", "Auxiliary output"};
+    std::vector<std::string> inputs{"Microphone"};
+    bool keepSound = true;  ///< remember what each output sent
+};
+
+class OfflineDevices : public DeviceSource {
+  public:
+    /// Renders `frames` (at `rate` Hz of wall time; devices of another rate render their share) on every open
+    /// output, the no-sound device included.
+    virtual void pull(std::uint64_t frames, std::uint32_t rate) = 0;
+    /// Interleaved stereo that output `name` has sent since kept sound was last taken.
+    virtual std::vector<float> takeSound(const std::string& name) = 0;
+    /// What input `name` hears from now on (interleaved stereo at `rate`), silence after its end.
+    virtual void feedInput(const std::string& name, std::vector<float> stereo, std::uint32_t rate) = 0;
+    /// Takes a device away and brings it back.
+    virtual void unplug(const std::string& name) = 0;
+    virtual void plug(const std::string& name) = 0;
+    virtual void setPeriod(std::uint32_t frames) = 0;
+};
+
+std::shared_ptr<OfflineDevices> makeOfflineDevices(OfflineOptions options = {});
+
+}  // namespace zv

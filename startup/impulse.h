@@ -1,0 +1,54 @@
+/// The INI file store: one object a file, reading and writing straight through to the file at every call. The
+/// results are those of the profile services that such files come from: names without regard to case, order and
+/// comments kept, blanks around values and matching quotes dropped on reading, a value cut to 1023 characters,
+/// the list of sections cut to 32,767 characters.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace zv {
+
+class cImpulse {
+  public:
+    void SetIniPath(std::string path);
+    const std::string& GetIniPath() const;
+    void SetSection(std::string name);
+    const std::string& GetSection() const;
+
+    /// The value of `key`, `def` when it is missing. `valueType` 5: a value that is no number gives "0" and sets
+    /// Failed. An empty `section` means the object's own. Never fails otherwise. [control]
+    std::string GetValue(std::string_view key, int valueType = 0, std::string_view section = {},
+                         std::string_view def = {});
+    /// Writes `value`; an empty one deletes the key. A write that fails leaves the file as it was. [control]
+    void PutValue(std::string_view key, int valueType, std::string_view section, int spare, std::string_view value);
+    void PutValue(std::string_view key, std::string_view value, std::string_view section = {}) {
+        PutValue(key, 0, section, 0, value);
+    }
+    void DeleteSection(std::string_view name);
+    void ListSections();
+    int SectionCount() const;
+    const std::string& SectionName(int i) const;
+    bool Failed() const;
+
+    using Line = std::pair<std::string, std::string>;  ///< key, value; an empty value is left out
+    /// Writes a whole section in one atomic rewrite. `replace`: the section holds exactly `lines` afterwards
+    /// (its comments go with it); otherwise they are written over what is there. No lines and `replace`: the
+    /// section goes. False when the file could not be written; it is then as it was. [control]
+    bool PutSection(std::string_view section, const std::vector<Line>& lines, bool replace = true);
+    /// All key=value lines of a section in file order, values as GetValue gives them. [control]
+    std::vector<Line> GetSectionLines(std::string_view section);
+
+  private:
+    std::string IniPath_;
+    std::string Section_;
+    bool Failed_ = false;
+    std::vector<std::string> SectionNames_;
+};
+
+/// Copies every key of one section into another, adding to it. [control]
+void CopySection(std::string_view fromSection, std::string_view toSection, const std::string& file);
+
+}  // namespace zv
