@@ -69,6 +69,18 @@ struct KeyEvent {
     bool consumed = false;  ///< set by the handler: the focused control does not see the key
 };
 
+/// How a meter is drawn (kind `meter`): its value runs from 0 to `maximum`, levels are percent of it.
+struct MeterLook {
+    bool gradient = true;      ///< colours run into each other
+    bool solid = false;        ///< the whole bar has the colour of its level
+    bool peak = true;          ///< a line stays at the highest value
+    int peakDelayMs = 100;     ///< how long it stays before it falls
+    int midLevel = 70, hiLevel = 90;
+    Colour backColor = 0, lowColor = 0xFF00, midColor = 0xFFFF, hiColor = 0xFF;
+    bool vertical = true;
+    bool operator==(const MeterLook&) const = default;
+};
+
 class Control;
 
 /// A value of a control: assigning compares and, only when it differs, raises the control's revision.
@@ -117,6 +129,7 @@ class Control {
     Property<std::vector<std::string>> items{*this, {}};
     Property<int> topRow{*this, 0};             ///< first visible row of a list
     Property<bool> sorted{*this, false};        ///< a list that the shell shows as it is given; logic sorts
+    Property<MeterLook> meterLook{*this, {}};   ///< kind meter only
 
     // Handlers; an empty one does nothing. The shell calls them guarded by nothing: a handler guards itself.
     std::function<void(const MouseEvent&)> onMouseDown, onMouseUp, onMouseMove, onDoubleClick;
@@ -128,6 +141,9 @@ class Control {
     std::function<bool(int reason)> onQueryClose;  ///< window: false keeps it open
     std::function<void()> onClose;                 ///< window: it closes now
     std::function<void()> onResize;                ///< window: width and height hold the new inner size
+
+    /// What a screen reader says behind the caption (state, time left). Asked when it is wanted, never each tick.
+    std::function<std::string()> describe;
 
     /// Text of the selected row, empty without a selection.
     std::string text() const;

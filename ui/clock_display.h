@@ -1,0 +1,26 @@
+/// Date and time on the display when nothing counts. [control]
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/clock.h"
+
+namespace zv {
+
+/// A time or date by a format such as "HH:mm:ss", "hh:mm:ss AM/PM" or "ddd dd mmmm yyyy"; names of days and
+/// months come from the language. Pure but for those names.
+std::string FormatTime(std::string_view format, const WallTime& time);
+std::string FormatDate(std::string_view format, const WallTime& time);
+
+/// Writes lblDate and lblTime when their text changed; normal view only.
+void DateTimeUpdate();
+/// Writes the big digits; minimal view only.
+void ClockUpdate();
+/// Hides the clock of the minimal view at once (a jingle starts).
+void StopClock();
+void TimerClockTick();
+void TimerIdleClockTick();
+void TimerReleaseSepTick();
+
+}  // namespace zv
