@@ -1,0 +1,158 @@
+#include "platform/paths.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <system_error>
+#include <unordered_map>
+
+namespace zv {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string theProgramFolder;
+std::string theShippedFolder;
+
+bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+
+bool hasDrive(std::string_view path) {
+    return path.size() >= 3 && isLetter(path[0]) && path[1] == ':' && (path[2] == '\\' || path[2] == '/');
+}
+
+bool isUnc(std::string_view path) { return path.size() >= 2 && path[0] == '\\' && path[1] == '\\'; }
+
+std::string withoutTrailingSeparator(std::string folder) {
+    while (folder.size() > 1 && (folder.back() == '/' || folder.back() == '\\')) folder.pop_back();
+    return folder;
+}
+
+fs::path fromUtf8(std::string_view text) {
+#ifdef _WIN32
+    return fs::path(std::u8string(text.begin(), text.end()));
+#else
+    return fs::path(text);
+#endif
+}
+
+#ifndef _WIN32
+
+/// ASCII and the Latin letters of two bytes in lower case: what names on a case-blind disk differ in.
+std::string folded(std::string_view name) {
+    std::string out(name);
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        const auto c = static_cast<unsigned char>(out[i]);
+        if (c >= 'A' && c <= 'Z') {
+            out[i] = static_cast<char>(c + 32);
+        } else if (c == 0xC3 && i + 1 < out.size()) {
+            const auto next = static_cast<unsigned char>(out[i + 1]);
+            if (next >= 0x80 && next <= 0x9E && next != 0x97) out[i + 1] = static_cast<char>(next + 0x20);
+            ++i;
+        }
+    }
+    return out;
+}
+
+/// Names of a folder by their folded form, kept as long as the folder has not changed: a palette of missing
+/// files asks for 96 names of one folder in a row.
+class FolderNames {
+  public:
+    /// The name in `folder` that differs from `wanted` in case only; empty when there is none.
+    std::string find(const fs::path& folder, std::string_view wanted) {
+        std::lock_guard lock(mutex_);
+        std::error_code error;
+        const fs::file_time_type changed = fs::last_write_time(folder, error);
+        if (error) return {};
+        if (folders_.size() > kMostFolders) folders_.clear();
+        Listing& listing = folders_[folder.native()];
+        const bool settled = fs::file_time_type::clock::now() - changed > std::chrono::milliseconds(50);
+        if (listing.changed != changed || !listing.settled) {
+            listing.names.clear();
+            for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
+                std::string name = it->path().filename().native();
+                listing.names.emplace(folded(name), std::move(name));
+            }
+            listing.changed = changed;
+            listing.settled = settled;
+        }
+        const auto found = listing.names.find(folded(wanted));
+        return found == listing.names.end() ? std::string() : found->second;
+    }
+
+  private:
+    static constexpr std::size_t kMostFolders = 32;
+    struct Listing {
+        fs::file_time_type changed{};
+        bool settled = false;  ///< its last change is older than the clock's grain
+        std::unordered_map<std::string, std::string> names;
+    };
+    std::mutex mutex_;
+    std::map<std::string, Listing> folders_;
+};
+
+FolderNames& folderNames() {
+    static FolderNames names;
+    return names;
+}
+
+bool isThere(const fs::path& path) {
+    std::error_code error;
+    return fs::exists(path, error);
+}
+
+/// `path` with each element replaced by the one that is really there; elements that are not there stay.
+fs::path caseBlind(const fs::path& path) {
+    fs::path out;
+    bool there = true;
+    for (const fs::path& element : path) {
+        const fs::path next = out / element;
+        if (there && !isThere(next)) {
+            const std::string real = folderNames().find(out.empty() ? fs::path(".") : out, element.native());
+            if (!real.empty()) {
+                out /= real;
+                continue;
+            }
+            there = false;
+        }
+        out = next;
+    }
+    return out;
+}
+
+#endif
+
+}  // namespace
+
+bool isAbsolutePath(std::string_view path) { return hasDrive(path) || isUnc(path) || path.starts_with('/'); }
+
+char separatorOf(std::string_view path) { return path.starts_with('/') ? '/' : '\\'; }
+
+std::filesystem::path nativePath(std::string_view path) {
+    if (path.empty()) return {};
+#ifdef _WIN32
+    if (!isAbsolutePath(path) && !theProgramFolder.empty())
+        return fromUtf8(theProgramFolder) / fromUtf8(path);
+    return fromUtf8(path);
+#else
+    if (hasDrive(path) || isUnc(path)) return fromUtf8(path);  // another system's: names nothing here
+    // A system path may hold a backslash in a name of its own.
+    if (path.starts_with('/') && isThere(fromUtf8(path))) return fromUtf8(path);
+    std::string text(path);
+    std::replace(text.begin(), text.end(), '\\', '/');
+    fs::path native = fromUtf8(text);
+    if (!path.starts_with('/')) {
+        const std::size_t start = text.find_first_not_of('/');  // "\Fonts\x.ttf" is below the program folder
+        native = start == std::string::npos ? fs::path() : fromUtf8(std::string_view(text).substr(start));
+        if (!theProgramFolder.empty()) native = fromUtf8(theProgramFolder) / native;
+    }
+    return isThere(native) ? native : caseBlind(native);
+#endif
+}
+
+const std::string& programFolder() { return theProgramFolder; }
+void setProgramFolder(std::string folder) { theProgramFolder = withoutTrailingSeparator(std::move(folder)); }
+const std::string& shippedFolder() { return theShippedFolder; }
+void setShippedFolder(std::string folder) { theShippedFolder = withoutTrailingSeparator(std::move(folder)); }
+
+}  // namespace zv
