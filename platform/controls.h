@@ -123,6 +123,7 @@ class Control {
     Property<std::string> fontName{*this, {}};  ///< empty: the program's own font
     Property<double> fontSize{*this, 0};        ///< points; 0: the shell's default
     Property<bool> fontBold{*this, false}, fontItalic{*this, false};
+    Property<int> alignment{*this, 0};          ///< of a text in its control: 0 left, 1 right, 2 centred
     Property<int> value{*this, 0};              ///< check box and option 0/1, slider, progress, meter
     Property<int> minimum{*this, 0}, maximum{*this, 100};
     Property<int> listIndex{*this, -1};         ///< selected row of a list or combo box, -1 none
