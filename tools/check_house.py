@@ -21,7 +21,7 @@ MAY = {
 }
 FREE = {"app", "tests", "bench", "tools"}
 THIRD_PARTY = re.compile(r"^(Q[A-Z]\w*|Qt\w*/.*|lib(av|sw|openmpt)\w*/.*|pulse/.*|rtaudio/.*|RtAudio\.h|soundtouch/.*|SoundTouch\.h|SDL.*|zip\.h)$")
-ENGINE_PUBLIC = {"engine/bass.h", "engine/ports.h"}
+ENGINE_PUBLIC = {"engine/bass.h", "engine/ports.h", "engine/import/library.h"}
 
 
 def main():
