@@ -145,6 +145,8 @@ class Control {
 
     /// What a screen reader says behind the caption (state, time left). Asked when it is wanted, never each tick.
     std::function<std::string()> describe;
+    /// Asked when a screen reader wants to know more than the caption: state and time left, in the user's words.
+    std::function<std::string()> onDescribe;
 
     /// Text of the selected row, empty without a selection.
     std::string text() const;
