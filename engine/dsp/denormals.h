@@ -1,0 +1,21 @@
+/// Flush-to-zero for the thread that renders: a decaying tail of denormal numbers costs many times as much.
+#pragma once
+
+#include <cstdint>
+
+namespace zv {
+
+/// While it lives, the calling thread's denormal results and operands count as zero; the former mode comes
+/// back with its end. Stands at the render root and at the top of workers that compute sound. [any]
+class FlushToZero {
+  public:
+    FlushToZero();
+    ~FlushToZero();
+    FlushToZero(const FlushToZero&) = delete;
+    FlushToZero& operator=(const FlushToZero&) = delete;
+
+  private:
+    std::uint64_t before_;
+};
+
+}  // namespace zv

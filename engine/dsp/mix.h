@@ -1,0 +1,63 @@
+/// The inner loops of mixing: copy, scale and add blocks of interleaved float frames. Every function gives
+/// the same bits on every processor (the wide paths use no fused multiply-add) and for any division of the
+/// sound into blocks. Nothing allocates; buffers need no alignment; `frames` may be 0. [audio]
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace zv::dsp {
+
+/// A gain that moves in equal steps: frame i of a block has the gain float(from + step * (at + i)). `at`
+/// counts frames since the ramp began, so that a ramp does not depend on where blocks end.
+struct GainRamp {
+    double from = 1;
+    double step = 0;  ///< a frame
+    std::uint64_t at = 0;
+    float value(std::size_t i) const { return static_cast<float>(from + step * static_cast<double>(at + i)); }
+};
+
+/// One stereo source of a mix.
+struct MixSource {
+    const float* frames = nullptr;  ///< interleaved stereo
+    float gain = 1;
+};
+
+/// out += in * gain. A gain of 1 adds unchanged, a gain of 0 leaves `out` alone.
+void mixStereo(float* out, const float* in, std::size_t frames, float gain);
+/// All of `sources` in one call, up to four of them a pass: the result of mixStereo for each in turn.
+void mixStereo(float* out, std::span<const MixSource> sources, std::size_t frames);
+/// out += in * ramp.
+void mixStereo(float* out, const float* in, std::size_t frames, const GainRamp& ramp);
+/// out += in * gains[i], one gain a frame (a logarithmic slide).
+void mixStereo(float* out, const float* in, std::size_t frames, const float* gains);
+/// out += in * gain, a mono source to both sides.
+void mixMono(float* out, const float* in, std::size_t frames, float gain);
+
+/// out = in * gain for `count` samples; out may be in. A gain of 1 copies.
+void scale(float* out, const float* in, std::size_t count, float gain);
+/// Stereo frames times a ramp; out may be in.
+void scaleStereo(float* out, const float* in, std::size_t frames, const GainRamp& ramp);
+/// Stereo frames times one gain a frame; out may be in.
+void scaleStereo(float* out, const float* in, std::size_t frames, const float* gains);
+
+/// Mono to both sides, unchanged. `out` must not overlap `in`.
+void monoToStereo(float* out, const float* in, std::size_t frames);
+/// Any number of channels to stereo: 1 to both sides, 2 unchanged, more folded down. Channels are taken in
+/// the customary order FL FR FC LFE BL BR SL SR (3: FL FR FC; 4: FL FR BL BR; 5: FL FR FC BL BR); centre and
+/// surrounds enter at -3 dB, LFE not at all, channels beyond the eighth alternate left and right at -3 dB.
+/// The sum is not scaled down: nothing clips before the device. `out` must not overlap `in` except when
+/// channels is 2.
+void foldToStereo(float* out, const float* in, std::size_t frames, std::uint32_t channels);
+
+/// 16-bit samples to float: value / 32768, exact.
+void fromInt16(float* out, const std::int16_t* in, std::size_t count);
+/// Float to 16-bit: times 32768, rounded to the nearest (halves to even), cut to the range. NaN becomes 0.
+void toInt16(std::int16_t* out, const float* in, std::size_t count);
+
+/// Whether the wide (AVX2) path is in use; false forces the plain one. For tests of their equality. [control]
+bool usesWidePath();
+void setWidePath(bool on);
+
+}  // namespace zv::dsp

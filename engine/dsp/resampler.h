@@ -1,0 +1,68 @@
+/// Sample rate conversion: windowed-sinc polyphase, any ratio, streaming.
+///
+/// Quality: flat within 0.1 dB to 0.45 of the lower rate; images and aliases under -90 dB (the stop band
+/// begins at half the lower rate). Equal rates with a correction of 0: the samples themselves, without delay.
+/// Output frame n is the source at exactly n * inRate / outRate frames (no start-up delay: the converter asks
+/// for the few frames ahead that it needs; see inputNeeded). The source before frame 0 is silence.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace zv::dsp {
+
+struct ResamplerTable;  // filter coefficients, shared by all converters of a ratio
+
+class Resampler {
+  public:
+    /// Rates in Hz, 1 and up; channels 1 and up. Coefficient tables are made once a ratio and kept. [control]
+    /// [worker]
+    Resampler(std::uint32_t inRate, std::uint32_t outRate, std::uint32_t channels);
+    ~Resampler();
+    Resampler(Resampler&&) noexcept;
+    Resampler& operator=(Resampler&&) noexcept;
+
+    /// Source frames that must be handed to process() to make the next `outFrames`. [audio]
+    std::size_t inputNeeded(std::size_t outFrames) const;
+    /// Makes out.size() / channels frames from exactly inputNeeded() frames. At the end of the source hand
+    /// over silence. Any sizes; no allocation. [audio]
+    void process(std::span<const float> in, std::span<float> out);
+
+    /// Slow correction of the speed in parts per million, -2000..2000: with +100 the source is consumed 100
+    /// ppm faster. Takes effect with the next frame, without a jump in the sound. [audio]
+    void setCorrection(double ppm);
+    double correction() const { return correctionPpm_; }
+
+    /// Forgets the sound that is held; the next output frame is source frame 0 again. [audio]
+    void reset();
+    /// Source frames (with fraction) from the last reset to the next output frame: the heard position.
+    /// [audio]
+    double position() const;
+    /// Source frames that were handed over beyond position(); what a position counter must take off. [audio]
+    double held() const { return static_cast<double>(fed_) - position(); }
+    /// True when frames pass through unchanged now. [audio]
+    bool bypassed() const { return unity_ && step_.whole == 1 && step_.fraction == 0 && at_.fraction == 0; }
+
+  private:
+    struct Fixed {  // frames in 64.64
+        std::uint64_t whole = 0, fraction = 0;
+    };
+    static Fixed sum(Fixed a, Fixed b);
+    std::size_t neededFor(std::size_t outFrames) const;
+    void push(const float* in, std::size_t frames);
+    void render(float* out, std::size_t frames);
+
+    std::shared_ptr<const ResamplerTable> table_;
+    std::uint32_t inRate_, outRate_, channels_;
+    bool unity_;
+    double correctionPpm_ = 0;
+    Fixed at_, step_;            // the next output frame, in source frames since reset; its advance
+    std::uint64_t fed_ = 0;      // source frames handed over since reset
+    std::vector<float> window_;  // the last frames handed over, contiguous, channel by channel interleaved
+    std::size_t filled_ = 0;     // frames in window_
+};
+
+}  // namespace zv::dsp

@@ -1,0 +1,66 @@
+/// Reverb: a network of eight delay lines fed back through a Hadamard matrix, behind short diffusers, stereo.
+/// Line of length D has the gain 10^(-3 D / T60), so that all of the tail falls by 60 dB in T60.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace zv::dsp {
+
+struct ReverbSettings {
+    double inGainDb = 0;       ///< -96..0, of dry and wet
+    double mixDb = -96;        ///< -96..0: wet = 10^(mix/20), dry = sqrt(1 - wet^2); -96: bit-exact bypass
+    double timeMs = 1000;      ///< T60, 1..20000
+    double highRatio = 0.001;  ///< T60 of the highest frequencies / T60, 0.001..0.999
+};
+
+class Reverb {
+  public:
+    /// `rate` in Hz, 4000 and up. [control] [worker]
+    explicit Reverb(double rate);
+
+    /// While sound passes, changes are spread over 20 ms; before the first frame after construction or
+    /// reset() they are there at once. Out-of-range values are cut to the range. No allocation. [audio]
+    void set(const ReverbSettings& settings);
+    const ReverbSettings& settings() const { return settings_; }
+    /// Stereo frames in place. [audio]
+    void process(float* stereo, std::size_t frames);
+    /// Silences the tail and ends ramps; nothing to do (and no cost) when nothing has passed. [audio]
+    void reset();
+    /// True when process() leaves the samples alone. [audio]
+    bool bypassed() const { return !running_; }
+
+    static constexpr std::size_t kLines = 8;
+    static constexpr std::size_t kDiffusers = 3;  ///< a side
+    static constexpr std::size_t kChunk = 64;     ///< most frames computed in one go
+
+    /// A delay of fixed length in a buffer of a power of two, written and read in runs. Internals.
+    struct Delay {
+        std::size_t length = 0, offset = 0, mask = 0;  // frames; where in the memory; size - 1
+    };
+    /// What moves when settings change; all of it in the same 20 ms.
+    struct Gains {
+        std::array<float, kLines> line{};  // of the feedback, falling by 60 dB in T60
+        float damp = 0;                    // weight of the former sample in the lines' damping
+        float in = 1, dry = 1, wet = 0;    // `wet` with the normalisation over T60
+    };
+
+  private:
+    void startRamp();
+    void chunk(float* stereo, std::size_t frames);
+
+    double rate_;
+    std::size_t chunk_;  // frames that fit into the shortest delay, kChunk at most
+    ReverbSettings settings_;
+    std::array<Delay, kLines> lines_;
+    std::array<std::array<Delay, kDiffusers>, 2> diffusers_;
+    std::vector<float> memory_;
+    std::uint64_t time_ = 0;  // frames since reset, the write position of every delay
+    Gains now_, from_, target_;
+    std::uint32_t rampFrames_, rampLeft_ = 0;
+    bool running_ = false, leaving_ = false, passed_ = false;
+};
+
+}  // namespace zv::dsp

@@ -1,0 +1,115 @@
+/// The inside of a tempo channel: tempo, pitch and rate over a source of frames.
+///
+/// Neutral, the audio thread reads the source itself, bit-exact and without delay, and only reports what it
+/// played. Stretched, it reads a ring that a worker fills ahead: the stretching library allocates, so none of
+/// it runs in a callback. Going from one to the other, and every change of the parameters or of the loop, is
+/// prepared by the worker as a new ring (a lane) whose first 10 ms are already cross-faded with what sounds
+/// now, together with the exact frame at which the audio thread changes over; a lane that comes too late is
+/// thrown away and made again.
+///
+/// Frames are counted at the source's rate. Use by one channel:
+///   [control]  setParameters(); after a seek prime(); both may be called at any time
+///   [audio]    render loop: while frames are wanted { if neutral(): up to neutralRun() frames from the
+///   source, then
+///              passed(); else read() }; restart() when the channel is moved, setRange() when loop or end
+///              change
+///   [worker]   work() every 10 to 20 ms, and at once after setParameters(), restart() and setRange();
+///   offline
+///              before every rendered block, on the rendering thread itself
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <vector>
+
+#include "engine/ports.h"
+
+namespace zv {
+
+/// The source by frame number, for the worker: does not move the position of what is playing.
+class FrameReader {
+  public:
+    virtual ~FrameReader() = default;
+    /// Copies frames from `frame` on, interleaved, into `out`; returns the frames copied. Fewer than asked:
+    /// the end of the data, or not decoded yet. Asked for places near the heard position and near the loop
+    /// start, in rising order mostly. [worker] [control]
+    virtual std::size_t readAt(std::uint64_t frame, std::span<float> out) = 0;
+};
+
+/// Where the source ends or wraps.
+struct PlayRange {
+    std::uint64_t end = ~std::uint64_t{0};  ///< frame after the last; all ones: unknown yet, the data ends it
+    std::uint64_t loopStart = 0;            ///< frame
+    bool loop = false;
+    bool operator==(const PlayRange&) const = default;
+};
+
+struct TempoParameters {
+    double tempo = 0;  ///< percent, -95..5000; 0 unchanged
+    double pitch = 0;  ///< semitones, -60..60; 0 unchanged
+    double rate = 1;   ///< speed and pitch together, 0.05..20; 1 unchanged
+    bool neutral() const { return tempo == 0 && pitch == 0 && rate == 1; }
+    /// Source frames a frame of output.
+    double speed() const { return (1 + tempo * 0.01) * rate; }
+    bool operator==(const TempoParameters&) const = default;
+};
+
+class TempoProcessor {
+  public:
+    /// `rate` and `channels` are the source's. Cheap: buffers come with the first stretch. [control]
+    TempoProcessor(std::uint32_t rate, std::uint32_t channels, std::shared_ptr<StretcherSource> stretchers,
+                   FrameReader& reader);
+    ~TempoProcessor();
+
+    // ---- [control]
+    /// Cut to the ranges of TempoParameters. Heard within about 50 ms (at once on a channel that does not
+    /// sound, when work() has run before it starts).
+    void setParameters(const TempoParameters& parameters);
+    TempoParameters parameters() const;
+    /// Prepares the sound from `frame` on, so that the restart(frame) that follows is stretched from its
+    /// first frame. Takes about a millisecond; nothing to do while neutral. Without it restart() sounds
+    /// neutral for the first 50 ms.
+    void prime(std::uint64_t frame, const PlayRange& range);
+
+    // ---- [audio]
+    /// The channel goes on at `frame`: what is held is dropped.
+    void restart(std::uint64_t frame);
+    /// Loop and end from now on. Governs the very next wrap that is heard.
+    void setRange(const PlayRange& range);
+    /// True: the next frame comes from the source itself, at sourceFrame().
+    bool neutral() const { return current_ == nullptr; }
+    /// Frames to take from the source before looking at neutral() again; at least 1 while neutral.
+    std::size_t neutralRun();
+    /// `frames` frames of the source were played; the source stands at `frame` now (wrapped where it
+    /// wrapped).
+    void passed(std::size_t frames, std::uint64_t frame);
+    /// Stretched frames into `out`; returns the frames written. Fewer than asked: ask neutral() (the sound
+    /// goes on from the source) and ended(), else the worker was late (counted by starvations()).
+    std::size_t read(std::span<float> out);
+    /// The source has come to its end and everything of it was read.
+    bool ended() const { return ended_; }
+
+    // ---- [any]
+    /// Heard position in the source's frames; stretched it is exact to 10 ms.
+    std::uint64_t sourceFrame() const { return heard_.load(std::memory_order_relaxed); }
+    std::uint64_t starvations() const { return starvations_.load(std::memory_order_relaxed); }
+    /// Whether work() would do something now.
+    bool workDue() const;
+
+    // ---- [worker]
+    /// Fills ahead, prepares changes. Returns at once when nothing is due. Calls from several threads take
+    /// turns.
+    void work();
+
+  private:
+    struct Lane;
+    Lane* current_ = nullptr;  // [audio]
+    bool ended_ = false;       // [audio]
+    std::atomic<std::uint64_t> heard_{0}, starvations_{0};
+};
+
+}  // namespace zv
