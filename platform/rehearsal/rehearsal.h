@@ -1,0 +1,47 @@
+/// A show without a screen and without waiting: a script's actions are performed on the whole program at their
+/// virtual times, and what came of it is left in a folder: main.wav, aux.wav (32-bit float stereo, frame 0 is 0 ms
+/// of the script), midi.log, events.log, state.json and the pictures. The same script gives the same bytes.
+/// [control]
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zv {
+
+/// What a rehearsal needs of the program and cannot see from the controls; filled by the executable.
+struct RehearsedProgram {
+    std::function<bool()> start;  ///< start-up, until the palette is open; false: it ended there
+    std::function<void()> close;  ///< the closing path, after the script's end
+    /// A value that no control shows: "J(3).State", "PaletteIndex", a setting. Nothing when unknown.
+    std::function<std::optional<std::string>(std::string_view name)> value;
+    /// Members of the state file: "jingles": [...], "settings": {...}.
+    std::function<void(std::ostream& json)> state;
+    /// What the records, the buttons and the sound disagree on, empty while they agree. Asked after each tick.
+    std::function<std::string()> fault;
+};
+
+struct RehearsalOptions {
+    std::string script;      ///< file
+    std::string home;        ///< program folder, worked in place
+    std::string out;         ///< folder for the results, made when missing
+    std::uint64_t seed = 1;  ///< of random actions that name none (SEED 0)
+    bool keepSound = true;   ///< write main.wav and aux.wav
+};
+
+inline constexpr int kRehearsalPassed = 0;
+inline constexpr int kRehearsalFailed = 1;  ///< an expectation failed, or the program disagreed with itself
+inline constexpr int kRehearsalBad = 2;     ///< the script or a folder cannot be used; nothing was performed
+
+/// Performs the script; returns one of the statuses above. Messages go to standard error, the script's name and
+/// line in front.
+int rehearse(const RehearsalOptions& options, const RehearsedProgram& program);
+
+/// Adds a line to events.log: the present time in ms of the script, `kind`, `text` with line ends as " / ".
+void noteEvent(std::string_view kind, std::string_view text);
+
+}  // namespace zv
