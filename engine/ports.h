@@ -48,13 +48,13 @@ class DecoderSource {
 class Stretcher {
   public:
     virtual ~Stretcher() = default;
-    virtual void setTempo(double percent) = 0;         ///< 0 = unchanged
-    virtual void setPitch(double semitones) = 0;       ///< 0 = unchanged
-    virtual void setRate(double ratio) = 0;            ///< 1 = unchanged; speed and pitch together
-    virtual void put(std::span<const float> in) = 0;   ///< interleaved frames
-    virtual void flush() = 0;                          ///< the input has ended: pushes out what is held
+    virtual void setTempo(double percent) = 0;           ///< 0 = unchanged
+    virtual void setPitch(double semitones) = 0;         ///< 0 = unchanged
+    virtual void setRate(double ratio) = 0;              ///< 1 = unchanged; speed and pitch together
+    virtual void put(std::span<const float> in) = 0;     ///< interleaved frames
+    virtual void flush() = 0;                            ///< the input has ended: pushes out what is held
     virtual std::size_t take(std::span<float> out) = 0;  ///< frames written
-    virtual std::size_t ready() const = 0;             ///< frames that take() would give
+    virtual std::size_t ready() const = 0;               ///< frames that take() would give
     virtual void clear() = 0;
 };
 
@@ -77,10 +77,10 @@ class SoundClient {
 };
 
 struct DeviceDescription {
-    std::string name;         ///< UTF-8, as the user reads it; stable over replugging
-    std::string id;           ///< the system's own identifier, stable over replugging
+    std::string name;  ///< UTF-8, as the user reads it; stable over replugging
+    std::string id;    ///< the system's own identifier, stable over replugging
     bool isDefault = false;
-    std::uint32_t rate = 0;   ///< its own rate in Hz, 0 unknown
+    std::uint32_t rate = 0;  ///< its own rate in Hz, 0 unknown
 };
 
 /// An open device: calls its client from its own thread until it is destroyed. Destroying it waits for a call
@@ -98,13 +98,18 @@ class DeviceSource {
     virtual std::vector<DeviceDescription> outputs() = 0;
     virtual std::vector<DeviceDescription> inputs() = 0;
     /// `id` empty: the default. Nothing is returned when the device cannot be opened.
-    virtual std::unique_ptr<Device> openOutput(const std::string& id, std::uint32_t rate, SoundClient& client) = 0;
-    virtual std::unique_ptr<Device> openInput(const std::string& id, std::uint32_t rate, SoundClient& client) = 0;
+    virtual std::unique_ptr<Device> openOutput(const std::string& id, std::uint32_t rate,
+                                               SoundClient& client) = 0;
+    virtual std::unique_ptr<Device> openInput(const std::string& id, std::uint32_t rate,
+                                              SoundClient& client) = 0;
     /// The no-sound device: pulls its client at the pace of a clock and throws the sound away.
     virtual std::unique_ptr<Device> openNoSound(std::uint32_t rate, SoundClient& client) = 0;
-    /// True when sound is pulled by the program's clock and not by hardware: the engine then waits for decoders
-    /// instead of stalling, so that every run gives the same bits.
+    /// True when sound is pulled by the program's clock and not by hardware: the engine then waits for
+    /// decoders instead of stalling, so that every run gives the same bits.
     virtual bool offline() const = 0;
+    /// True when all devices run on exactly one clock: two devices of one rate then stay in step for ever and
+    /// no correction between them is needed.
+    virtual bool oneClock() const { return offline(); }
 };
 
 struct EnginePorts {
@@ -116,10 +121,10 @@ struct EnginePorts {
 /// Counters of a device, all since it was opened.
 struct DeviceStatistics {
     std::uint64_t callbacks = 0;
-    std::uint64_t underruns = 0;           ///< callbacks that took longer than their sound lasts
+    std::uint64_t underruns = 0;  ///< callbacks that took longer than their sound lasts
     std::uint64_t longestCallbackNs = 0;
-    std::uint64_t commandOverflows = 0;    ///< commands that found the ring full
-    std::uint64_t starvations = 0;         ///< times a decoder was not ahead in time
+    std::uint64_t commandOverflows = 0;  ///< commands that found the ring full
+    std::uint64_t starvations = 0;       ///< times a decoder was not ahead in time
 };
 
 /// The table through which the program reaches what is not an operation on channels.
