@@ -1,9 +1,10 @@
 /// The INI file store: one object a file, reading and writing straight through to the file at every call. The
-/// results are those of the profile services that such files come from: names without regard to case, order and
-/// comments kept, blanks around values and matching quotes dropped on reading, a value cut to 1023 characters,
-/// the list of sections cut to 32,767 characters.
+/// results are those of the profile services that such files come from: names without regard to case, order
+/// and comments kept, blanks around values and matching quotes dropped on reading, a value cut to 1023
+/// characters, the list of sections cut to 32,767 characters.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -11,40 +12,58 @@
 
 namespace zv {
 
+class IniFile;
+
 class cImpulse {
   public:
+    cImpulse();
+    ~cImpulse();
+    cImpulse(const cImpulse&) = delete;
+    cImpulse& operator=(const cImpulse&) = delete;
+
     void SetIniPath(std::string path);
     const std::string& GetIniPath() const;
     void SetSection(std::string name);
     const std::string& GetSection() const;
 
-    /// The value of `key`, `def` when it is missing. `valueType` 5: a value that is no number gives "0" and sets
-    /// Failed. An empty `section` means the object's own. Never fails otherwise. [control]
+    /// The value of `key`, `def` when it is missing. `valueType` 5: a value that is no number gives "0" and
+    /// sets Failed. An empty `section` means the object's own. Never fails otherwise. [control]
     std::string GetValue(std::string_view key, int valueType = 0, std::string_view section = {},
                          std::string_view def = {});
     /// Writes `value`; an empty one deletes the key. A write that fails leaves the file as it was. [control]
-    void PutValue(std::string_view key, int valueType, std::string_view section, int spare, std::string_view value);
+    void PutValue(std::string_view key, int valueType, std::string_view section, int spare,
+                  std::string_view value);
     void PutValue(std::string_view key, std::string_view value, std::string_view section = {}) {
         PutValue(key, 0, section, 0, value);
     }
+    /// The section with all its lines goes.
     void DeleteSection(std::string_view name);
+    /// Reads the names of all sections in file order; two sections of one name are one.
     void ListSections();
     int SectionCount() const;
+    /// Names that ListSections left out because the list is limited to 32,767 characters.
+    int HiddenSections() const { return HiddenSections_; }
     const std::string& SectionName(int i) const;
     bool Failed() const;
 
-    using Line = std::pair<std::string, std::string>;  ///< key, value; an empty value is left out
+    using Line = std::pair<std::string, std::string>;  ///< key, value
     /// Writes a whole section in one atomic rewrite. `replace`: the section holds exactly `lines` afterwards
-    /// (its comments go with it); otherwise they are written over what is there. No lines and `replace`: the
-    /// section goes. False when the file could not be written; it is then as it was. [control]
+    /// (its comments go with it, lines with an empty value are left out), and goes when none is left.
+    /// Otherwise they are written over what is there, each as PutValue does it. False when the file could not
+    /// be written; it is then as it was. [control]
     bool PutSection(std::string_view section, const std::vector<Line>& lines, bool replace = true);
     /// All key=value lines of a section in file order, values as GetValue gives them. [control]
     std::vector<Line> GetSectionLines(std::string_view section);
 
   private:
+    IniFile& file();
+    const std::string& sectionOr(std::string_view section);
+
     std::string IniPath_;
     std::string Section_;
     bool Failed_ = false;
+    int HiddenSections_ = 0;
+    std::shared_ptr<IniFile> file_;
     std::vector<std::string> SectionNames_;
 };
 
