@@ -44,24 +44,28 @@ class Resampler {
     /// Source frames that were handed over beyond position(); what a position counter must take off. [audio]
     double held() const { return static_cast<double>(fed_) - position(); }
     /// True when frames pass through unchanged now. [audio]
-    bool bypassed() const { return unity_ && step_.whole == 1 && step_.fraction == 0 && at_.fraction == 0; }
+    bool bypassed() const { return step_.whole == 1 && step_.fraction == 0 && at_.fraction == 0; }
 
   private:
-    struct Fixed {  // frames in 64.64
+    /// Frames in 64.64 fixed point.
+    struct Fixed {
         std::uint64_t whole = 0, fraction = 0;
+        Fixed& operator+=(const Fixed& o) {
+            fraction += o.fraction;
+            whole += o.whole + (fraction < o.fraction ? 1 : 0);
+            return *this;
+        }
     };
-    static Fixed sum(Fixed a, Fixed b);
-    std::size_t neededFor(std::size_t outFrames) const;
     void push(const float* in, std::size_t frames);
     void render(float* out, std::size_t frames);
 
     std::shared_ptr<const ResamplerTable> table_;
     std::uint32_t inRate_, outRate_, channels_;
-    bool unity_;
     double correctionPpm_ = 0;
-    Fixed at_, step_;            // the next output frame, in source frames since reset; its advance
+    Fixed at_, step_;            // the next output frame, in source frames since reset; what one frame adds
     std::uint64_t fed_ = 0;      // source frames handed over since reset
-    std::vector<float> window_;  // the last frames handed over, contiguous, channel by channel interleaved
+    std::vector<float> window_;  // the last of them, one channel after the other; begins with silence
+    std::size_t stride_ = 0;     // frames of room in the window, from one channel to the next
     std::size_t filled_ = 0;     // frames in window_
 };
 

@@ -16,6 +16,14 @@ struct ReverbSettings {
     double highRatio = 0.001;  ///< T60 of the highest frequencies / T60, 0.001..0.999
 };
 
+/// What moves when settings change, all of it in the same 20 ms.
+struct ReverbGains {
+    static constexpr std::size_t kLines = 8;
+    std::array<float, kLines> line{};  ///< of the feedback: 60 dB in T60
+    std::array<float, kLines> damp{};  ///< weight of the former frame in a line's damping
+    float in = 1, dry = 1, wet = 0;    ///< `wet` with the normalisation over T60
+};
+
 class Reverb {
   public:
     /// `rate` in Hz, 4000 and up. [control] [worker]
@@ -32,35 +40,30 @@ class Reverb {
     /// True when process() leaves the samples alone. [audio]
     bool bypassed() const { return !running_; }
 
-    static constexpr std::size_t kLines = 8;
-    static constexpr std::size_t kDiffusers = 3;  ///< a side
-    static constexpr std::size_t kChunk = 64;     ///< most frames computed in one go
-
-    /// A delay of fixed length in a buffer of a power of two, written and read in runs. Internals.
-    struct Delay {
-        std::size_t length = 0, offset = 0, mask = 0;  // frames; where in the memory; size - 1
-    };
-    /// What moves when settings change; all of it in the same 20 ms.
-    struct Gains {
-        std::array<float, kLines> line{};  // of the feedback, falling by 60 dB in T60
-        float damp = 0;                    // weight of the former sample in the lines' damping
-        float in = 1, dry = 1, wet = 0;    // `wet` with the normalisation over T60
-    };
-
   private:
-    void startRamp();
+    struct Delay {
+        std::size_t length = 0, at = 0, offset = 0;  // frames; where it stands; where it lies in the memory
+    };
+    static constexpr std::size_t kLines = ReverbGains::kLines, kDiffusers = 3;
+
+    void begin(const ReverbGains& goal);
     void chunk(float* stereo, std::size_t frames);
+    void turn(float* left, float* right, const float* way, std::size_t frames);
+    void clear();
 
     double rate_;
-    std::size_t chunk_;  // frames that fit into the shortest delay, kChunk at most
+    std::size_t chunk_;  // frames that fit into the shortest delay
     ReverbSettings settings_;
     std::array<Delay, kLines> lines_;
     std::array<std::array<Delay, kDiffusers>, 2> diffusers_;
+    std::array<float, kLines> last_{};  // what left each line a frame ago
     std::vector<float> memory_;
-    std::uint64_t time_ = 0;  // frames since reset, the write position of every delay
-    Gains now_, from_, target_;
-    std::uint32_t rampFrames_, rampLeft_ = 0;
-    bool running_ = false, leaving_ = false, passed_ = false;
+    ReverbGains from_, target_;
+    std::uint32_t rampFrames_, rampAt_;
+    bool running_ = false;  // process() computes
+    bool leaving_ = false;  // towards the bypass at the end of the ramp
+    bool passed_ = false;   // sound has passed since construction or reset
+    bool filled_ = false;   // the memory is not silent
 };
 
 }  // namespace zv::dsp

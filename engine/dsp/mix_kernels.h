@@ -1,0 +1,85 @@
+// Included by mix.cpp once a path, inside a namespace of the path's own; no include guard for that reason.
+
+inline Float8 load(const float* p) { return *reinterpret_cast<const Float8Memory*>(p); }
+inline void store(float* p, Float8 v) { *reinterpret_cast<Float8Memory*>(p) = v; }
+
+void add1(float* out, const float* a, std::size_t samples, float ga) {
+    std::size_t i = 0;
+    for (; i + 8 <= samples; i += 8) store(out + i, load(out + i) + load(a + i) * ga);
+    for (; i < samples; ++i) out[i] = out[i] + a[i] * ga;
+}
+
+void add2(float* out, const float* a, const float* b, std::size_t samples, float ga, float gb) {
+    std::size_t i = 0;
+    for (; i + 8 <= samples; i += 8) store(out + i, (load(out + i) + load(a + i) * ga) + load(b + i) * gb);
+    for (; i < samples; ++i) out[i] = (out[i] + a[i] * ga) + b[i] * gb;
+}
+
+void add4(float* out, const MixSource* s, std::size_t samples) {
+    const float *a = s[0].frames, *b = s[1].frames, *c = s[2].frames, *d = s[3].frames;
+    const float ga = s[0].gain, gb = s[1].gain, gc = s[2].gain, gd = s[3].gain;
+    std::size_t i = 0;
+    for (; i + 8 <= samples; i += 8) {
+        Float8 v = load(out + i) + load(a + i) * ga;
+        v = v + load(b + i) * gb;
+        v = v + load(c + i) * gc;
+        store(out + i, v + load(d + i) * gd);
+    }
+    for (; i < samples; ++i) out[i] = (((out[i] + a[i] * ga) + b[i] * gb) + c[i] * gc) + d[i] * gd;
+}
+
+/// Gains of four frames of a ramp, each for both sides.
+inline Float8 rampGains(const GainRamp& r, double at) {
+    const Double4 index = at + Double4{0, 1, 2, 3};
+    const Float4 g = __builtin_convertvector(r.from + r.step * index, Float4);
+    return __builtin_shufflevector(g, g, 0, 0, 1, 1, 2, 2, 3, 3);
+}
+
+inline Float8 pairGains(const float* g) { return Float8{g[0], g[0], g[1], g[1], g[2], g[2], g[3], g[3]}; }
+
+template <bool Add, typename Gains, typename Gain>
+inline void shaped(float* out, const float* in, std::size_t frames, Gains four, Gain one) {
+    std::size_t i = 0;
+    for (; i + 4 <= frames; i += 4) {
+        const Float8 v = load(in + 2 * i) * four(i);
+        store(out + 2 * i, Add ? load(out + 2 * i) + v : v);
+    }
+    for (; i < frames; ++i) {
+        const float g = one(i);
+        for (std::size_t side = 0; side < 2; ++side) {
+            const float v = in[2 * i + side] * g;
+            out[2 * i + side] = Add ? out[2 * i + side] + v : v;
+        }
+    }
+}
+
+template <bool Add>
+void ramped(float* out, const float* in, std::size_t frames, const GainRamp& r) {
+    const double at = static_cast<double>(r.at);
+    shaped<Add>(
+        out, in, frames, [&](std::size_t i) { return rampGains(r, at + static_cast<double>(i)); },
+        [&](std::size_t i) { return r.value(i); });
+}
+
+template <bool Add>
+void gained(float* out, const float* in, std::size_t frames, const float* gains) {
+    shaped<Add>(
+        out, in, frames, [&](std::size_t i) { return pairGains(gains + i); },
+        [&](std::size_t i) { return gains[i]; });
+}
+
+void addMono(float* out, const float* in, std::size_t frames, float gain) {
+    std::size_t i = 0;
+    for (; i + 4 <= frames; i += 4) store(out + 2 * i, load(out + 2 * i) + pairGains(in + i) * gain);
+    for (; i < frames; ++i) {
+        const float v = in[i] * gain;
+        out[2 * i] = out[2 * i] + v;
+        out[2 * i + 1] = out[2 * i + 1] + v;
+    }
+}
+
+void scaled(float* out, const float* in, std::size_t count, float gain) {
+    std::size_t i = 0;
+    for (; i + 8 <= count; i += 8) store(out + i, load(in + i) * gain);
+    for (; i < count; ++i) out[i] = in[i] * gain;
+}

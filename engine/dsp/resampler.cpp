@@ -1,0 +1,227 @@
+#include "engine/dsp/resampler.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <mutex>
+#include <numbers>
+#include <numeric>
+#include <utility>
+
+#include "engine/dsp/lanes.h"
+
+namespace zv::dsp {
+
+/// Row p holds the filter for a frame that lies p / phases behind the middle of the window; one row more than
+/// phases.
+struct ResamplerTable {
+    std::size_t taps = 0, phases = 0;
+    std::vector<float> rows;
+};
+
+namespace {
+
+__extension__ using Wide = unsigned __int128;
+
+/// One call of the kernel.
+struct Conversion {
+    const float* rows;
+    std::size_t taps, phases;
+    const float* window;  // of the first channel
+    std::size_t stride;   // from one channel's window to the next
+    std::uint32_t channels;
+    std::uint64_t whole, fraction;  // first frame, from the beginning of the window
+    std::uint64_t stepWhole, stepFraction;
+};
+
+namespace plain {
+#include "engine/dsp/resampler_kernels.h"
+}
+#if defined(__x86_64__)
+#pragma GCC push_options
+#pragma GCC target("avx2")
+namespace wide {
+#include "engine/dsp/resampler_kernels.h"
+}
+#pragma GCC pop_options
+#else
+namespace wide = plain;
+#endif
+
+constexpr double kAttenuation = 98;  // dB in the stop band
+constexpr double kPassEdge = 0.45;   // of the lower rate
+constexpr double kStopEdge = 0.5;
+constexpr double kPhases = 512;           // linear interpolation between them stays under -105 dB
+constexpr std::size_t kMostExact = 1024;  // output frames until the phases repeat that get rows of their own
+constexpr std::size_t kWindowRoom = 1024;
+
+/// Modified Bessel function of the first kind, order 0.
+double bessel0(double x) {
+    double sum = 1, term = 1;
+    for (int k = 1; term > sum * 1e-17; ++k) {
+        term *= (x / (2 * k)) * (x / (2 * k));
+        sum += term;
+    }
+    return sum;
+}
+
+std::shared_ptr<const ResamplerTable> makeTable(std::uint32_t in, std::uint32_t out) {
+    // Equal rates are only ever corrected by parts per million: a filter through half the rate, whose phase 0
+    // is the sample itself, so that a correction comes and goes without a seam.
+    const double lower = std::min(in, out) / static_cast<double>(in);
+    const double stop = in == out ? 1 - kPassEdge : kStopEdge;
+    const double width = (stop - kPassEdge) * lower, cutoff = (stop + kPassEdge) / 2 * lower;
+    const double length = (kAttenuation - 8) / (2.285 * 2 * std::numbers::pi * width);
+    const double beta = 0.1102 * (kAttenuation - 8.7), scale = 1 / bessel0(beta);
+
+    ResamplerTable table;
+    table.taps = (static_cast<std::size_t>(length) + 16) / 16 * 16;
+    const std::size_t repeat = out / std::gcd(in, out);
+    const auto wanted = static_cast<std::size_t>(std::ceil(std::max(16.0, kPhases * lower)));
+    table.phases = repeat <= kMostExact ? repeat * ((wanted + repeat - 1) / repeat) : wanted;
+    table.rows.resize((table.phases + 1) * table.taps);
+
+    const double half = static_cast<double>(table.taps) / 2;
+    std::vector<double> row(table.taps);
+    for (std::size_t p = 0; p <= table.phases; ++p) {
+        const double back = static_cast<double>(p) / static_cast<double>(table.phases);
+        for (std::size_t k = 0; k < table.taps; ++k) {
+            const double x = static_cast<double>(k) - half + 1 - back,
+                         angle = 2 * std::numbers::pi * cutoff * x;
+            const double place = 1 - (x / half) * (x / half);
+            const double sinc = std::fabs(x) < 1e-12 ? 1 : std::sin(angle) / angle;
+            row[k] = place <= 0 ? 0 : sinc * bessel0(beta * std::sqrt(place)) * scale;
+        }
+        const double sum = std::accumulate(row.begin(), row.end(), 0.0);
+        for (std::size_t k = 0; k < table.taps; ++k)
+            table.rows[p * table.taps + k] = static_cast<float>(row[k] / sum);
+    }
+    if (in == out) {  // exactly the sample: what the sine of a multiple of pi leaves over goes
+        for (std::size_t k = 0; k < table.taps; ++k) {
+            table.rows[k] = k == table.taps / 2 - 1 ? 1.0f : 0.0f;
+            table.rows[table.phases * table.taps + k] = k == table.taps / 2 ? 1.0f : 0.0f;
+        }
+    }
+    return std::make_shared<const ResamplerTable>(std::move(table));
+}
+
+std::shared_ptr<const ResamplerTable> tableFor(std::uint32_t in, std::uint32_t out) {
+    static std::mutex guard;
+    static std::map<std::pair<std::uint32_t, std::uint32_t>, std::shared_ptr<const ResamplerTable>> made;
+    const std::uint32_t common = std::gcd(in, out);
+    std::lock_guard lock(guard);
+    auto& table = made[{in / common, out / common}];
+    if (!table) table = makeTable(in / common, out / common);
+    return table;
+}
+
+}  // namespace
+
+Resampler::Resampler(std::uint32_t inRate, std::uint32_t outRate, std::uint32_t channels)
+    : inRate_(std::max(inRate, 1u)), outRate_(std::max(outRate, 1u)), channels_(std::max(channels, 1u)) {
+    table_ = tableFor(inRate_, outRate_);
+    setCorrection(0);
+    stride_ = 2 * table_->taps + kWindowRoom + 2 * (static_cast<std::size_t>(step_.whole) + 1);
+    window_.assign(stride_ * channels_, 0.0f);
+    reset();
+}
+
+Resampler::~Resampler() = default;
+Resampler::Resampler(Resampler&&) noexcept = default;
+Resampler& Resampler::operator=(Resampler&&) noexcept = default;
+
+void Resampler::setCorrection(double ppm) {
+    constexpr double kMost = 2000, kOne = 18446744073709551616.0;  // 2^64
+    correctionPpm_ = std::clamp(std::isfinite(ppm) ? ppm : 0.0, -kMost, kMost);
+    step_.whole = inRate_ / outRate_;
+    step_.fraction = static_cast<std::uint64_t>((static_cast<Wide>(inRate_ % outRate_) << 64) / outRate_);
+    if (correctionPpm_ == 0) return;
+    const double change = static_cast<double>(inRate_) / outRate_ * correctionPpm_ * 1e-6;
+    const auto size = static_cast<std::uint64_t>(std::min(std::fabs(change), 0.99) * kOne);
+    // Taking away is adding the complement and one whole frame less.
+    step_ += change >= 0 ? Fixed{0, size} : Fixed{~std::uint64_t{0}, ~size + 1};
+}
+
+void Resampler::reset() {
+    at_ = {};
+    fed_ = 0;
+    filled_ = table_->taps / 2;
+    for (std::uint32_t c = 0; c < channels_; ++c) std::fill_n(window_.data() + c * stride_, filled_, 0.0f);
+}
+
+double Resampler::position() const {
+    return static_cast<double>(at_.whole) + static_cast<double>(at_.fraction) * 0x1p-64;
+}
+
+std::size_t Resampler::inputNeeded(std::size_t outFrames) const {
+    if (outFrames == 0) return 0;
+    const Wide fraction = static_cast<Wide>(step_.fraction) * (outFrames - 1) + at_.fraction;
+    const std::uint64_t last =
+        at_.whole + step_.whole * (outFrames - 1) + static_cast<std::uint64_t>(fraction >> 64);
+    const std::uint64_t end = last + 1 + (bypassed() ? 0 : table_->taps / 2);
+    return end > fed_ ? static_cast<std::size_t>(end - fed_) : 0;
+}
+
+/// Takes frames into the window, whose oldest ones go as far as nothing needs them any more.
+void Resampler::push(const float* in, std::size_t frames) {
+    if (filled_ + frames > stride_) {
+        const auto behind = static_cast<std::size_t>(fed_ - std::min(fed_, at_.whole));  // still to be heard
+        const std::size_t keep = std::min(filled_, behind + table_->taps / 2);
+        for (std::uint32_t c = 0; c < channels_; ++c) {
+            float* window = window_.data() + c * stride_;
+            std::copy(window + filled_ - keep, window + filled_, window);
+        }
+        filled_ = keep;
+    }
+    for (std::uint32_t c = 0; c < channels_; ++c) {
+        float* window = window_.data() + c * stride_ + filled_;
+        for (std::size_t i = 0; i < frames; ++i) window[i] = in[i * channels_ + c];
+    }
+    filled_ += frames;
+    fed_ += frames;
+}
+
+void Resampler::render(float* out, std::size_t frames) {
+    // Frame `whole` of the source is the middle of the window that begins taps / 2 - 1 before it.
+    const std::uint64_t first = fed_ - filled_;  // of the window; may lie before 0, the arithmetic wraps
+    Conversion c{table_->rows.data(), table_->taps, table_->phases, window_.data(), stride_, channels_, 0,
+                 at_.fraction,        step_.whole,  step_.fraction};
+    c.whole = at_.whole - first - (table_->taps / 2 - 1);
+    if (bypassed()) {
+        for (std::size_t i = 0; i < frames; ++i)
+            for (std::uint32_t channel = 0; channel < channels_; ++channel)
+                *out++ = window_[channel * stride_ + static_cast<std::size_t>(at_.whole - first) + i];
+    } else {
+        (wideChosen() ? wide::convert : plain::convert)(c, out, frames);
+    }
+    const Wide fraction = static_cast<Wide>(step_.fraction) * frames + at_.fraction;
+    at_.whole += step_.whole * frames + static_cast<std::uint64_t>(fraction >> 64);
+    at_.fraction = static_cast<std::uint64_t>(fraction);
+}
+
+void Resampler::process(std::span<const float> in, std::span<float> out) {
+    std::size_t given = in.size() / channels_, wanted = out.size() / channels_;
+    const float* from = in.data();
+    float* to = out.data();
+    if (bypassed() && fed_ == at_.whole) {  // nothing held: only the window's memory has to follow
+        std::copy_n(from, wanted * channels_, to);
+        const std::size_t tail = std::min(wanted, kWindowRoom);
+        fed_ += wanted - tail;
+        at_.whole += wanted;
+        push(from + (wanted - tail) * channels_, tail);
+        return;
+    }
+    const std::size_t room = kWindowRoom / (static_cast<std::size_t>(step_.whole) + 1);
+    while (wanted > 0) {
+        const std::size_t part = std::min(wanted, std::max<std::size_t>(room, 1));
+        const std::size_t need = std::min(inputNeeded(part), given);
+        push(from, need);
+        from += need * channels_;
+        given -= need;
+        render(to, part);
+        to += part * channels_;
+        wanted -= part;
+    }
+}
+
+}  // namespace zv::dsp
