@@ -1,13 +1,15 @@
-/// The window shell without a word of the toolkit: what the executables need to show records and to press them.
+/// The window shell without a word of the toolkit: what the executables need to show records and to press
+/// them.
 ///
 /// The view answers these functions of platform/desktop.h for both the desktop and the rehearsal:
-///   showWindow, hideWindow, lockUpdates, unlockUpdates, setFocus, focusedControl, setAlwaysOnTop, setFullScreen,
-///   setMinimumSize, isMinimised, grabWindow, centreListRow, visibleListRows, registerFont, fontInstalled,
-///   installedFonts.
-/// Everything else there (dialogs, menus, the keyboard's state, the clipboard, monitors, events, launching) and
-/// platform/clock.h are answered by platform/qt/desktop or platform/rehearsal, whichever is linked.
+///   showWindow, hideWindow, lockUpdates, unlockUpdates, setFocus, focusedControl, setAlwaysOnTop,
+///   setFullScreen, setMinimumSize, isMinimised, grabWindow, centreListRow, visibleListRows, registerFont,
+///   fontInstalled, installedFonts.
+/// Everything else there (dialogs, menus, the keyboard's state, the clipboard, monitors, events, launching)
+/// and platform/clock.h are answered by platform/qt/desktop or platform/rehearsal, whichever is linked.
 ///
-/// The view has no timers, dialogs or event loop of its own. All of it is called on the interface thread. [control]
+/// The view has no timers, dialogs or event loop of its own. All of it is called on the interface thread.
+/// [control]
 #pragma once
 
 #include <string>
@@ -17,14 +19,15 @@
 
 namespace zv::shell {
 
-/// Makes the application object; call once, before any window is shown. `offscreen` paints without a screen, at a
-/// scale of 1 and with fixed font rendering, so that pictures can be compared. `argc` and `argv` must live on.
+/// Makes the application object; call once, before any window is shown. `offscreen` paints without a screen,
+/// at a scale of 1 and with fixed font rendering, so that pictures can be compared. `argc` and `argv` must
+/// live on.
 void startQt(int& argc, char** argv, bool offscreen);
 /// Ends it: deletes all windows and the application object. Records stay.
 void endQt();
 
-/// Shows what changed in the records since the last call: sets widgets, marks rectangles for painting. The desktop
-/// needs no call (one is queued by the first change of a turn); the rehearsal calls it when it likes.
+/// Shows what changed in the records since the last call: sets widgets, marks rectangles for painting. The
+/// desktop needs no call (one is queued by the first change of a turn); the rehearsal calls it when it likes.
 void flushChanged();
 /// Delivers what waits in the toolkit's queue (posted events, painting) without waiting for more.
 void deliverEvents();
@@ -33,10 +36,11 @@ void dropWindow(Control& window);
 /// True when the record is on the screen: it, its parents and its window are visible.
 bool isShown(const Control& control);
 
-// ---- pressing what is shown ---------------------------------------------------------------------------------
-// Each goes through the real widgets as the events of a mouse, a finger or a keyboard do: what is hidden, disabled
-// or covered by something else gets nothing and the function returns false. Handlers have run when it returns.
-// Places are twips inside the control, -1 its middle; shift states are kShiftMask | kCtrlMask | kAltMask.
+// ---- pressing what is shown
+// --------------------------------------------------------------------------------- Each goes through the
+// real widgets as the events of a mouse, a finger or a keyboard do: what is hidden, disabled or covered by
+// something else gets nothing and the function returns false. Handlers have run when it returns. Places are
+// twips inside the control, -1 its middle; shift states are kShiftMask | kCtrlMask | kAltMask.
 
 struct Place {
     int x = -1;
@@ -55,8 +59,8 @@ bool doubleClick(Control& control, int shift = 0, Place at = {});
 bool touchDown(Control& control, int finger);
 bool touchUp(Control& control, int finger);
 
-/// A key to the window that has the focus (or the last one shown): the window's onKeyDown first, then the focused
-/// control. `text` is what it types, empty for the key's own letter or nothing.
+/// A key to the window that has the focus (or the last one shown): the window's onKeyDown first, then the
+/// focused control. `text` is what it types, empty for the key's own letter or nothing.
 bool keyDown(Key key, int shift = 0, bool repeat = false, std::string_view text = {});
 bool keyUp(Key key, int shift = 0);
 /// Replaces a text box's (or an editable combo box's) contents as by typing.
@@ -65,8 +69,8 @@ bool typeText(Control& control, std::string_view text);
 bool selectRow(Control& control, int row);
 /// Moves a slider as by dragging it.
 bool moveSlider(Control& control, int value);
-/// Ticks or unticks a check box (also one inside a jingle button), or chooses an option, as by a click; nothing
-/// happens when it already is so.
+/// Ticks or unticks a check box (also one inside a jingle button), or chooses an option, as by a click;
+/// nothing happens when it already is so.
 bool setTicked(Control& control, bool on);
 /// A file is dragged from elsewhere and let go over the control.
 bool dropFile(Control& control, const std::string& path);

@@ -1,0 +1,85 @@
+// The rest of the desktop: keyboard state, clipboard, monitors, launching, the system's name and language.
+#include <sys/resource.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileInfo>
+#include <QLocale>
+#include <QProcess>
+#include <QScreen>
+#include <QSysInfo>
+#include <QUrl>
+#include <array>
+
+#include "platform/desktop.h"
+#include "platform/qt/view/keys.h"
+#include "platform/qt/view/theme.h"
+
+namespace zv {
+
+using shell::textOf;
+using shell::utf8;
+
+int modifierKeys() { return shell::shiftOf(QGuiApplication::queryKeyboardModifiers()); }
+
+bool keyHeld(int virtualKey) {
+    const int held = modifierKeys();
+    switch (virtualKey) {
+        case static_cast<int>(Key::shift):
+            return (held & kShiftMask) != 0;
+        case static_cast<int>(Key::control):
+            return (held & kCtrlMask) != 0;
+        case static_cast<int>(Key::alt):
+            return (held & kAltMask) != 0;
+        case 1:
+            return (QGuiApplication::mouseButtons() & Qt::LeftButton) != 0;  // the mouse's buttons have
+        case 2:
+            return (QGuiApplication::mouseButtons() & Qt::RightButton) != 0;  // key numbers too
+        default:
+            return false;
+    }
+}
+
+void setClipboard(const std::string& text) { QGuiApplication::clipboard()->setText(textOf(text)); }
+
+std::string clipboard() { return utf8(QGuiApplication::clipboard()->text()); }
+
+std::vector<Monitor> monitors() {
+    std::vector<Monitor> out;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect r = screen->geometry();
+        out.push_back({r.left(), r.top(), r.width(), r.height()});
+    }
+    return out;
+}
+
+void openDocument(const std::string& target) {
+    const QString text = textOf(target);
+    const QFileInfo file(text);
+    QDesktopServices::openUrl(file.exists() ? QUrl::fromLocalFile(file.absoluteFilePath()) : QUrl(text));
+}
+
+void runMinimised(const std::string& command) {
+    QStringList words = QProcess::splitCommand(textOf(command));
+    if (words.isEmpty()) return;
+    const QString program = words.takeFirst();
+    QProcess::startDetached(program, words, QFileInfo(program).absolutePath());
+}
+
+bool setProcessPriority(int priorityClass) {
+    // Priority classes in their published numbers, and what they are called where priorities are a scale.
+    static constexpr std::array<std::pair<int, int>, 5> kNice{
+        std::pair{32, 0}, std::pair{16384, 5}, std::pair{32768, -5}, std::pair{128, -10}, std::pair{64, 19}};
+    for (const auto& [ours, nice] : kNice) {
+        if (ours == priorityClass) return setpriority(PRIO_PROCESS, 0, nice) == 0;
+    }
+    return false;
+}
+
+std::string systemDescription() { return utf8(QSysInfo::prettyProductName()); }
+
+bool systemIsFrench() { return QLocale::system().language() == QLocale::French; }
+
+}  // namespace zv

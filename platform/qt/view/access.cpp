@@ -1,0 +1,83 @@
+// What screen readers see of a jingle button: a button with its name, its state, and a press. The toolkit's
+// own widgets speak for themselves.
+#include <QAccessible>
+#include <QAccessibleWidget>
+
+#include "platform/qt/view/jingle_text.h"
+#include "platform/qt/view/theme.h"
+#include "platform/qt/view/view.h"
+
+namespace zv::shell {
+namespace {
+
+class JingleInterface final : public QAccessibleWidget {
+  public:
+    JingleInterface(QWidget* widget, RecordView& view)
+        : QAccessibleWidget(widget, QAccessible::Button), view_(view) {}
+
+    QString text(QAccessible::Text which) const override {
+        const Control& record = view_.record;
+        switch (which) {
+            case QAccessible::Name: {
+                const CaptionParts parts = splitCaption(captionOf(record.caption));
+                const QString number = QString::number(record.index);
+                return parts.name.isEmpty() ? number : parts.name;
+            }
+            case QAccessible::Description: {
+                std::string told;
+                if (record.onDescribe) call([&] { told = record.onDescribe(); });
+                if (!told.empty()) return textOf(told);
+                const CaptionParts parts = splitCaption(captionOf(record.caption));
+                return parts.duration.isEmpty() ? textOf(record.toolTip) : parts.duration;
+            }
+            default:
+                return QAccessibleWidget::text(which);
+        }
+    }
+
+    QStringList actionNames() const override {
+        QStringList names{pressAction()};
+        names << setFocusAction();
+        return names;
+    }
+
+    void doAction(const QString& action) override {
+        if (action == pressAction()) {
+            if (widget()->isEnabled()) view_.press();
+        } else {
+            QAccessibleWidget::doAction(action);
+        }
+    }
+
+  private:
+    RecordView& view_;
+};
+
+QAccessibleInterface* make(const QString&, QObject* object) {
+    auto* widget = qobject_cast<QWidget*>(object);
+    if (widget == nullptr) return nullptr;
+    Control* record = recordOf(object);
+    RecordView* view = record != nullptr ? viewOf(*record) : nullptr;
+    if (view == nullptr || &view->widget != widget) return nullptr;
+    if (record->kind == ControlKind::jingle) return new JingleInterface(widget, *view);
+    if (record->kind == ControlKind::label) return new QAccessibleWidget(widget, QAccessible::StaticText);
+    return nullptr;
+}
+
+}  // namespace
+
+void installAccessibility() { QAccessible::installFactory(make); }
+
+void tellNameChanged(QWidget& widget, const QString& name, int state) {
+    // Asked for by nobody, it is not even compared: each tick passes here.
+    if (!QAccessible::isActive()) return;
+    if (widget.accessibleName() != name) widget.setAccessibleName(name);  // tells the change itself
+    const QVariant before = widget.property("zvState");
+    if (before.isValid() && before.toInt() == state) return;
+    widget.setProperty("zvState", state);
+    if (!before.isValid()) return;
+    QAccessibleEvent event(&widget, QAccessible::DescriptionChanged);
+    QAccessible::updateAccessibility(&event);
+}
+
+}  // namespace zv::shell

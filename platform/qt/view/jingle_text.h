@@ -1,0 +1,40 @@
+/// The caption of a jingle button: what of it is the duration, and how the name is set in the room there is.
+/// Internal to the shell. [control]
+#pragma once
+
+#include <QFont>
+#include <QPointF>
+#include <QRectF>
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+class QWidget;
+
+namespace zv::shell {
+
+struct CaptionParts {
+    QString duration;  ///< empty without one
+    QString name;      ///< further lines joined by line feeds
+};
+/// "1:04.2 CR LF name" has a duration; other texts are all name.
+CaptionParts splitCaption(const QString& caption);
+
+struct CaptionLayout {
+    QStringList lines;            ///< one or two
+    std::vector<QPointF> starts;  ///< of each line's base line
+    QFont font;                   ///< as asked for or somewhat smaller
+    QRectF box;                   ///< around all of it
+    bool cut = false;             ///< an ellipsis stands for the rest
+};
+inline constexpr double kCornerHeight = 15;  ///< of a number or duration in a corner, pixels
+
+/// Sets the name centred: in one line, else in two, else in two smaller ones, else with an ellipsis. `corner`
+/// is the height at head and foot that the corners' small texts need; two lines may take it only where they
+/// must.
+CaptionLayout layOutCaption(const QString& name, const QFont& font, const QRectF& room, double corner);
+
+/// Tells screen readers of a new name, or of a new state (its colour), when either changed.
+void tellNameChanged(QWidget& widget, const QString& name, int state);
+
+}  // namespace zv::shell

@@ -1,0 +1,261 @@
+// A jingle button: one widget that paints its record and the parts below it.
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QRegularExpression>
+#include <QTextLayout>
+#include <array>
+#include <cmath>
+#include <vector>
+
+#include "platform/qt/view/jingle_text.h"
+#include "platform/qt/view/painted.h"
+#include "platform/qt/view/style.h"
+#include "platform/qt/view/theme.h"
+
+namespace zv::shell {
+namespace {
+
+constexpr double kCaptionSize = 15;
+constexpr double kDurationSize = 11.5;
+constexpr double kNumberSize = 10.5;
+constexpr int kMargin = 8;      ///< between the face's edge and its text
+constexpr double kDotSize = 9;  ///< of a state mark
+constexpr int kLowButton = 40;  ///< pixels of height below which duration and caption share one line
+
+class JingleWidget final : public PaintedWidget {
+  public:
+    JingleWidget(Control& r, QWidget* parent) : PaintedWidget(r, parent) {
+        setAttribute(Qt::WA_AcceptTouchEvents);
+        setAttribute(Qt::WA_Hover);
+        setFocusPolicy(Qt::StrongFocus);
+        relayEvents(*this, *this);
+    }
+
+    /// What a screen reader says of it.
+    QString spokenName() const { return parts_.name.isEmpty() ? textOf(record.toolTip) : parts_.name; }
+
+    void apply() override {
+        const Seen now{record.caption(),
+                       record.backColor(),
+                       record.foreColor(),
+                       record.enabled(),
+                       size(),
+                       fontOf(record, kCaptionSize, QFont::DemiBold)};
+        if (now == seen_) return;
+        if (now.caption != seen_.caption) parts_ = splitCaption(captionOf(record.caption));
+        seen_ = now;
+        layOut();
+        askAll();
+        placesChanged();
+        if (toolTip().isEmpty() && cut_) setToolTip(parts_.name);
+        tellReaders();
+    }
+
+    void themeChanged() override {
+        refresh();
+        askAll();
+    }
+
+  protected:
+    bool takesMouse(const Control& part) const override {
+        return part.kind == ControlKind::checkBox || part.onMouseDown || part.onMouseUp || part.onClick;
+    }
+
+    QRect partPlace(const Control& part) const override {
+        QRect place = PaintedWidget::partPlace(part);
+        // Small texts may be wider than the field that their record gives them.
+        if (!place.isEmpty() && (part.kind == ControlKind::label || part.kind == ControlKind::symbol)) {
+            place.adjust(-4, -4, 4, 4);
+        }
+        return place;
+    }
+
+    void resizeEvent(QResizeEvent*) override {
+        seen_.size = QSize();
+        apply();
+    }
+    void focusInEvent(QFocusEvent*) override { askAll(); }
+    void focusOutEvent(QFocusEvent*) override { askAll(); }
+    void enterEvent(QEnterEvent*) override { askAll(); }
+    void leaveEvent(QEvent*) override { askAll(); }
+
+    void paintEvent(QPaintEvent* e) override {
+        QPainter p(this);
+        const Theme theme = themeOf(record);
+        const QColor ink = colourOf(record.foreColor, theme.text);
+        paintFace(p, theme);
+        if (!layout_.lines.isEmpty() && e->region().intersects(layout_.box.toAlignedRect())) {
+            p.setFont(layout_.font);
+            p.setPen(record.enabled() ? ink : theme.muted);
+            for (qsizetype i = 0; i < layout_.lines.size(); ++i) {
+                p.drawText(layout_.starts[static_cast<std::size_t>(i)], layout_.lines[i]);
+            }
+        }
+        if (!parts_.duration.isEmpty() && !empty()) {
+            p.setFont(textFont(kDurationSize, QFont::DemiBold));
+            p.setPen(softened(ink, 0.22));
+            drawFigures(p, QRectF(rect()).adjusted(kMargin, 2, -kMargin + 1, -5),
+                        Qt::AlignRight | (height() < kLowButton ? Qt::AlignVCenter : Qt::AlignBottom),
+                        parts_.duration);
+        }
+        paintBelow(p, record, theme, ink);
+        if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange)) {
+            drawFocus(p, rect(), lightness(face(theme)) < 0.5 ? QColor(Qt::white) : theme.accent);
+        }
+    }
+
+  private:
+    struct Seen {
+        std::string caption;
+        Colour back = 0, fore = 0;
+        bool enabled = true;
+        QSize size;
+        QFont font;
+        bool operator==(const Seen&) const = default;
+    };
+
+    bool empty() const { return parts_.name.isEmpty() && isNeutral(record, record.backColor); }
+
+    QColor face(const Theme& theme) const {
+        return isNeutral(record, record.backColor) ? (empty() ? theme.ground : theme.face)
+                                                   : colourOf(record.backColor, theme.face);
+    }
+
+    QColor softened(const QColor& ink, double share) const {
+        return mixed(ink, face(themeOf(record)), share);
+    }
+
+    void paintFace(QPainter& p, const Theme& theme) const {
+        const bool held = isHeld(record);
+        if (empty()) {
+            if (held || underMouse()) {
+                p.fillRect(rect().adjusted(2, 2, -2, -2),
+                           mixed(theme.ground, theme.text, held ? 0.12 : 0.04));
+            }
+            drawOutline(p, rect(), mixed(theme.ground, theme.text, 0.2));
+            return;
+        }
+        QColor colour = face(theme);
+        const bool deep = lightness(colour) < 0.5;
+        QColor border = isNeutral(record, record.backColor)
+                            ? theme.border
+                            : mixed(colour, deep ? QColor(Qt::white) : QColor(Qt::black), deep ? 0.16 : 0.2);
+        if (held) colour = mixed(colour, deep ? QColor(Qt::white) : QColor(Qt::black), 0.16);
+        if (!held && underMouse()) border = mixed(border, theme.text, 0.3);
+        drawFace(p, rect(), colour, border);
+    }
+
+    void paintBelow(QPainter& p, const Control& from, const Theme& theme, const QColor& ink) const {
+        for (const Control* part : from.children()) {
+            if (!part->visible()) continue;
+            paintPart(p, *part, theme, ink);
+            paintBelow(p, *part, theme, ink);
+        }
+    }
+
+    void paintPart(QPainter& p, const Control& part, const Theme& theme, const QColor& ink) const {
+        const QRectF place = placeIn(part, record);
+        switch (part.kind) {
+            case ControlKind::shape:
+                paintShape(p, part, place, theme);
+                return;
+            case ControlKind::checkBox: {
+                const double side = std::min({16.0, place.width(), place.height()});
+                drawTickBox(p, QRectF(place.topLeft(), QSizeF(side, side)), part.value() != 0, theme.field,
+                            theme.muted, theme.accent);
+                return;
+            }
+            case ControlKind::symbol:
+            case ControlKind::label:
+                paintMark(p, part, place, ink);
+                return;
+            default:
+                return;
+        }
+    }
+
+    /// The bar and its track; what is as high as wide is a mark.
+    void paintShape(QPainter& p, const Control& part, const QRectF& place, const Theme& theme) const {
+        if (place.width() <= 0 || place.height() <= 0) return;
+        p.save();
+        p.setRenderHint(QPainter::Antialiasing);
+        p.setPen(Qt::NoPen);
+        p.setBrush(colourOf(part.backColor, theme.muted));
+        const double radius = std::min({2.0, place.height() / 2, place.width() / 2});
+        p.drawRoundedRect(place, radius, radius);
+        p.restore();
+    }
+
+    static bool isStateMark(const Control& part) {
+        static constexpr std::array kMarks{"lp_", "sq_", "fx_", "pm_"};
+        const std::string head = part.name.substr(0, 3);
+        return std::any_of(kMarks.begin(), kMarks.end(), [&](const char* m) { return head == m; });
+    }
+
+    void paintMark(QPainter& p, const Control& part, const QRectF& place, const QColor& ink) const {
+        if (isStateMark(part)) {
+            const Colour own = part.foreColor() >= 0 ? part.foreColor() : part.backColor();
+            const QColor colour = colourOf(own, ink);
+            const double side = std::min({kDotSize, place.width(), place.height()});
+            p.save();
+            p.setRenderHint(QPainter::Antialiasing);
+            // A thin ring in the opposite lightness, so that a dot is seen on a face of its own colour.
+            const QColor under = face(themeOf(record));
+            p.setPen(QPen(
+                mixed(under, lightness(under) < 0.5 ? QColor(Qt::black) : QColor(0x30, 0x34, 0x3A), 0.55),
+                1));
+            p.setBrush(colour);
+            const QPointF c = place.center();
+            p.drawEllipse(c, side / 2, side / 2);
+            p.restore();
+            return;
+        }
+        const QString text = captionOf(part.caption);
+        if (text.isEmpty()) return;
+        const bool symbol =
+            part.kind == ControlKind::symbol || part.fontName() == "ZVR" || part.fontName() == "MSSSMod";
+        p.setFont(symbol ? symbolFont(std::max(10.0, std::min(place.height(), 14.0)))
+                         : textFont(kNumberSize));
+        p.setPen(softened(colourOf(part.foreColor, ink), symbol ? 0.1 : 0.42));
+        // Numbers stand at the side that their place is nearer to.
+        const bool rightHalf = place.center().x() > width() / 2.0;
+        const QRectF room = rightHalf ? place.adjusted(-20, -4, 0, 4) : place.adjusted(0, -4, 20, 4);
+        if (symbol) {
+            p.drawText(place.adjusted(-4, -4, 4, 4), Qt::AlignCenter, text);
+        } else {
+            drawFigures(p, room, (rightHalf ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter, text);
+        }
+    }
+
+    void layOut() {
+        const double duration = parts_.duration.isEmpty()
+                                    ? 0
+                                    : figuresWidth(textFont(kDurationSize, QFont::DemiBold), parts_.duration);
+        QRectF room = QRectF(rect()).adjusted(kMargin, 2, -kMargin, -2);
+        if (height() < kLowButton && duration > 0) {
+            // One line for both: the caption keeps clear of the duration at both sides so that it stays
+            // centred, or, where that leaves too little, at its right only.
+            const double aside = duration + 6;
+            room.adjust(room.width() > 3.4 * aside ? aside : 0, 0, -aside, 0);
+        }
+        layout_ = layOutCaption(parts_.name, seen_.font, room, height() < kLowButton ? 0 : kCornerHeight);
+        cut_ = layout_.cut;
+    }
+
+    void tellReaders() {
+#if QT_CONFIG(accessibility)
+        tellNameChanged(*this, spokenName(), record.backColor());
+#endif
+    }
+
+    CaptionParts parts_;
+    CaptionLayout layout_;
+    Seen seen_;
+    bool cut_ = false;
+};
+
+}  // namespace
+
+void makeJingleView(Control& record, QWidget* parent) { new JingleWidget(record, parent); }
+
+}  // namespace zv::shell

@@ -1,0 +1,42 @@
+/// What jingle buttons and the display share: one widget that paints the records below its own and repaints
+/// only the old and the new rectangle of what changed. Internal to the shell. [control]
+#pragma once
+
+#include <QPaintEvent>
+#include <QWidget>
+#include <unordered_map>
+
+#include "platform/qt/view/view.h"
+
+namespace zv::shell {
+
+class PaintedWidget : public QWidget, public RecordView {
+  public:
+    PaintedWidget(Control& record, QWidget* parent);
+
+    bool paintsChildren() const override { return true; }
+    void partChanged(Control& part) override;
+    Control* partAt(QPoint at) const override;
+    /// Rectangles asked to be painted since the last call, for the tests of what a change costs.
+    QRegion takeAsked();
+
+  protected:
+    /// Where a part paints now; empty when it shows nothing.
+    virtual QRect partPlace(const Control& part) const;
+    /// True when a part takes the mouse instead of the record itself.
+    virtual bool takesMouse(const Control& part) const = 0;
+    /// Marks for painting.
+    void ask(const QRect& rect);
+    void askAll() { ask(rect()); }
+    /// Parts stand elsewhere: their remembered places are forgotten.
+    void placesChanged();
+
+  private:
+    Control* hitBelow(const Control& from, QPoint at) const;
+    void remember(const Control& from);
+
+    std::unordered_map<const Control*, QRect> places_;
+    QRegion asked_;
+};
+
+}  // namespace zv::shell

@@ -1,0 +1,377 @@
+// Events of widgets as calls of the records' handlers: mouse, fingers, keys, focus, files let go.
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QDropEvent>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPointer>
+#include <QTouchEvent>
+#include <QUrl>
+#include <QWindow>
+#include <unordered_map>
+
+#include "platform/qt/view/keys.h"
+#include "platform/qt/view/theme.h"
+#include "platform/qt/view/view.h"
+
+namespace zv::shell {
+namespace {
+
+/// Who holds what down: a press and its release go to the same record, wherever it ends.
+struct Held {
+    Control* part = nullptr;
+    int buttons = 0;
+    std::unordered_map<int, Control*> fingers;
+};
+
+std::unordered_map<const Control*, int>& heldCounts() {
+    static auto* counts = new std::unordered_map<const Control*, int>;
+    return *counts;
+}
+
+void hold(const Control* record, int by) {
+    if (record == nullptr) return;
+    int& count = heldCounts()[record];
+    count = std::max(0, count + by);
+}
+
+class Relay final : public QObject {
+  public:
+    Relay(RecordView& view, QWidget& source) : QObject(&source), view_(view), source_(source) {
+        source.installEventFilter(this);
+    }
+    ~Relay() override {
+        heldCounts().erase(&view_.record);
+        if (held_.part != nullptr) heldCounts().erase(held_.part);
+        for (const auto& [id, record] : held_.fingers) heldCounts().erase(record);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* e) override {
+        if (watched != &source_) return false;
+        switch (e->type()) {
+            case QEvent::MouseButtonPress:
+            case QEvent::MouseButtonDblClick:
+                return mousePressed(*static_cast<QMouseEvent*>(e));
+            case QEvent::MouseButtonRelease:
+                return mouseReleased(*static_cast<QMouseEvent*>(e));
+            case QEvent::MouseMove:
+                return mouseMoved(*static_cast<QMouseEvent*>(e));
+            case QEvent::ContextMenu:
+                return true;  // the right button's press and release have said it
+            case QEvent::TouchBegin:
+            case QEvent::TouchUpdate:
+            case QEvent::TouchEnd:
+            case QEvent::TouchCancel:
+                return touched(*static_cast<QTouchEvent*>(e));
+            case QEvent::KeyPress:
+                return keyPressed(*static_cast<QKeyEvent*>(e));
+            case QEvent::KeyRelease:
+                return keyReleased(*static_cast<QKeyEvent*>(e));
+            case QEvent::FocusIn:
+                call(view_.record.onFocus);
+                return false;
+            case QEvent::DragEnter:
+            case QEvent::DragMove:
+                return dragged(*static_cast<QDropEvent*>(e));
+            case QEvent::Drop:
+                return dropped(*static_cast<QDropEvent*>(e));
+            default:
+                return false;
+        }
+    }
+
+  private:
+    /// True for what has no widget of the toolkit behind it, which would tell clicks itself.
+    bool painted() const {
+        switch (view_.record.kind) {
+            case ControlKind::button:
+            case ControlKind::toggle:
+            case ControlKind::checkBox:
+            case ControlKind::option:
+            case ControlKind::listBox:
+            case ControlKind::comboBox:
+            case ControlKind::textBox:
+            case ControlKind::slider:
+                return false;
+            default:
+                return true;
+        }
+    }
+
+    void showHeld() {
+        if (view_.record.kind == ControlKind::jingle) view_.widget.update();
+    }
+
+    Control& hit(QPoint at) const {
+        Control* part = view_.partAt(toView(at));
+        return part != nullptr ? *part : view_.record;
+    }
+
+    QPoint toView(QPoint at) const { return source_.mapTo(&view_.widget, at); }
+
+    MouseEvent told(const Control& record, QPoint at, MouseButton button, int shift) const {
+        QPoint inside = toView(at);
+        if (&record != &view_.record) inside -= placeIn(record, view_.record).topLeft();
+        return {button, shift, inside.x() * kTwipsPerPixel, inside.y() * kTwipsPerPixel};
+    }
+
+    bool mousePressed(QMouseEvent& e) {
+        // A finger comes as a touch event; the mouse that the system makes of it would press a second time.
+        if (e.source() == Qt::MouseEventSynthesizedBySystem &&
+            view_.widget.testAttribute(Qt::WA_AcceptTouchEvents)) {
+            return true;
+        }
+        const QPoint at = e.position().toPoint();
+        Control& record = held_.part != nullptr ? *held_.part : hit(at);
+        if (held_.part == nullptr) {
+            held_.part = &record;
+            hold(&record, 1);
+        }
+        const MouseButton button = buttonOf(e.button());
+        held_.buttons |= static_cast<int>(button);
+        showHeld();
+        const MouseEvent event = told(record, at, button, shiftOf(e.modifiers()));
+        // A quick second press is a press as well: on air each counts.
+        const QPointer<QWidget> alive(&source_);
+        call(record.onMouseDown, event);
+        if (alive && e.type() == QEvent::MouseButtonDblClick) call(record.onDoubleClick, event);
+        return painted();
+    }
+
+    bool mouseReleased(QMouseEvent& e) {
+        if (held_.part == nullptr) return painted();
+        Control& record = *held_.part;
+        const QPoint at = e.position().toPoint();
+        const MouseButton button = buttonOf(e.button());
+        held_.buttons &= ~static_cast<int>(button);
+        if (held_.buttons == 0) {
+            hold(&record, -1);
+            held_.part = nullptr;
+        }
+        showHeld();
+        const MouseEvent event = told(record, at, button, shiftOf(e.modifiers()));
+        const QPointer<QWidget> alive(&source_);
+        call(record.onMouseUp, event);
+        if (!alive || !painted()) return painted();
+        if (button == MouseButton::left && &hit(at) == &record && source_.rect().contains(at))
+            clicked(record);
+        return true;
+    }
+
+    /// Painted records have no widget that would tell a click.
+    void clicked(Control& record) {
+        if (record.kind == ControlKind::checkBox && record.enabled()) {
+            record.value = record.value() == 0 ? 1 : 0;
+            call(record.onChange);
+        }
+        call(record.onClick);
+    }
+
+    bool mouseMoved(QMouseEvent& e) {
+        const QPoint at = e.position().toPoint();
+        Control& record = held_.part != nullptr ? *held_.part : hit(at);
+        const MouseButton button = held_.buttons & 2 ? MouseButton::right : MouseButton::left;
+        call(record.onMouseMove, told(record, at, button, shiftOf(e.modifiers())));
+        return false;
+    }
+
+    bool touched(QTouchEvent& e) {
+        if (!view_.widget.testAttribute(Qt::WA_AcceptTouchEvents)) return false;
+        const int shift = shiftOf(e.modifiers());
+        if (e.type() == QEvent::TouchCancel) {
+            auto fingers = std::exchange(held_.fingers, {});
+            for (const auto& [id, record] : fingers) fingerUp(*record, {}, shift, false);
+            e.accept();
+            return true;
+        }
+        for (const QEventPoint& point : e.points()) {
+            const QPoint at = point.position().toPoint();
+            if (point.state() == QEventPoint::Pressed) {
+                Control& record = hit(at);
+                held_.fingers[point.id()] = &record;
+                hold(&record, 1);
+                showHeld();
+                call(record.onMouseDown, told(record, at, MouseButton::left, shift));
+            } else if (point.state() == QEventPoint::Released) {
+                const auto found = held_.fingers.find(point.id());
+                if (found == held_.fingers.end()) continue;
+                Control& record = *found->second;
+                held_.fingers.erase(found);
+                fingerUp(record, at, shift, source_.rect().contains(at) && &hit(at) == &record);
+            }
+        }
+        e.accept();
+        return true;
+    }
+
+    void fingerUp(Control& record, QPoint at, int shift, bool inside) {
+        hold(&record, -1);
+        showHeld();
+        call(record.onMouseUp, told(record, at, MouseButton::left, shift));
+        if (inside) clicked(record);
+    }
+
+    bool keyPressed(QKeyEvent& e) {
+        if (view_.record.kind == ControlKind::window) return false;  // it saw the key first
+        const int key = e.key();
+        // Moving between controls is the shell's; a control never sees these keys.
+        if (key == Qt::Key_Tab || key == Qt::Key_Backtab) return false;
+        if (view_.record.kind == ControlKind::jingle) return jingleKey(e);
+        KeyEvent event{keyOf(e), shiftOf(e.modifiers()), e.isAutoRepeat(), false};
+        if (view_.record.onKeyDown) call([&] { view_.record.onKeyDown(event); });
+        if (event.consumed) return true;
+        const bool pressable =
+            view_.record.kind == ControlKind::button || view_.record.kind == ControlKind::toggle;
+        if (pressable && (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space)) {
+            if (!e.isAutoRepeat()) view_.press();
+            return true;
+        }
+        return false;
+    }
+
+    bool jingleKey(QKeyEvent& e) {
+        switch (e.key()) {
+            case Qt::Key_Left:
+            case Qt::Key_Right:
+            case Qt::Key_Up:
+            case Qt::Key_Down:
+                focusNeighbour(e.key());
+                return true;
+            case Qt::Key_Return:
+            case Qt::Key_Enter:
+                // Space belongs to the window as soon as something was played; Enter always presses the
+                // button that has the focus, down and up as the key goes.
+                if (!e.isAutoRepeat() && e.modifiers() == Qt::NoModifier) {
+                    hold(&view_.record, 1);
+                    showHeld();
+                    call(view_.record.onMouseDown, middle());
+                }
+                return true;
+            default:
+                break;
+        }
+        KeyEvent event{keyOf(e), shiftOf(e.modifiers()), e.isAutoRepeat(), false};
+        if (view_.record.onKeyDown) call([&] { view_.record.onKeyDown(event); });
+        return event.consumed;
+    }
+
+    bool keyReleased(QKeyEvent& e) {
+        if (view_.record.kind == ControlKind::window) return false;
+        if (e.isAutoRepeat()) return true;
+        if (view_.record.kind == ControlKind::jingle &&
+            (e.key() == Qt::Key_Return || e.key() == Qt::Key_Enter)) {
+            if (heldCounts()[&view_.record] > 0) {
+                hold(&view_.record, -1);
+                showHeld();
+                call(view_.record.onMouseUp, middle());
+            }
+            return true;
+        }
+        KeyEvent event{keyOf(e), shiftOf(e.modifiers()), false, false};
+        if (view_.record.onKeyUp) call([&] { view_.record.onKeyUp(event); });
+        return event.consumed;
+    }
+
+    MouseEvent middle() const {
+        return {MouseButton::left, 0, view_.record.width / 2, view_.record.height / 2};
+    }
+
+    /// The nearest jingle button in that direction takes the focus.
+    void focusNeighbour(int key) {
+        const QPoint from = view_.widget.mapToGlobal(view_.widget.rect().center());
+        QWidget* best = nullptr;
+        int bestCost = 0;
+        for (Control* c : allControls()) {
+            const RecordView* other = c->kind == ControlKind::jingle ? viewOf(*c) : nullptr;
+            if (other == nullptr || other == &view_ || !other->widget.isVisible()) continue;
+            if (other->widget.window() != view_.widget.window()) continue;
+            const QPoint d = other->widget.mapToGlobal(other->widget.rect().center()) - from;
+            const bool sideways = key == Qt::Key_Left || key == Qt::Key_Right;
+            const int ahead = key == Qt::Key_Left    ? -d.x()
+                              : key == Qt::Key_Right ? d.x()
+                              : key == Qt::Key_Up    ? -d.y()
+                                                     : d.y();
+            if (ahead <= 0) continue;
+            const int cost = ahead + 4 * std::abs(sideways ? d.y() : d.x());
+            if (best == nullptr || cost < bestCost) {
+                best = &other->widget;
+                bestCost = cost;
+            }
+        }
+        if (best != nullptr) best->setFocus(Qt::TabFocusReason);
+    }
+
+    bool dragged(QDropEvent& e) {
+        if (!view_.record.onDrop || !e.mimeData()->hasUrls()) return false;
+        e.acceptProposedAction();
+        return true;
+    }
+
+    bool dropped(QDropEvent& e) {
+        if (!view_.record.onDrop) return false;
+        const QList<QUrl> urls = e.mimeData()->urls();
+        e.acceptProposedAction();
+        // One file at a time; more are ignored without a word.
+        if (urls.size() == 1 && urls.front().isLocalFile()) {
+            const std::string path = utf8(urls.front().toLocalFile());
+            call([&] { view_.record.onDrop(path); });
+        }
+        return true;
+    }
+
+    RecordView& view_;
+    QWidget& source_;
+    Held held_;
+};
+
+/// Sees each key of a window once, before the focused control: it stands at the door by which the system's
+/// keys come in, not at the widgets that pass them on among themselves.
+class WindowKeys final : public QObject {
+  public:
+    explicit WindowKeys(RecordView& view) : QObject(&view.widget), view_(view) {
+        view.widget.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* e) override {
+        if (watched == &view_.widget) {
+            // The door is made with the window on the screen.
+            if (e->type() == QEvent::WinIdChange || e->type() == QEvent::Show) watchDoor();
+            return false;
+        }
+        if (e->type() != QEvent::KeyPress && e->type() != QEvent::KeyRelease) return false;
+        auto& key = *static_cast<QKeyEvent*>(e);
+        if (e->type() == QEvent::KeyRelease && key.isAutoRepeat()) return true;
+        KeyEvent event{keyOf(key), shiftOf(key.modifiers()), key.isAutoRepeat(), false};
+        const auto& handler = e->type() == QEvent::KeyPress ? view_.record.onKeyDown : view_.record.onKeyUp;
+        if (handler) call([&] { handler(event); });
+        return event.consumed;
+    }
+
+  private:
+    void watchDoor() {
+        QWindow* door = view_.widget.windowHandle();
+        if (door == nullptr || door == door_) return;
+        door_ = door;
+        door->installEventFilter(this);
+    }
+
+    RecordView& view_;
+    QPointer<QWindow> door_;
+};
+
+}  // namespace
+
+void relayEvents(RecordView& view, QWidget& source) {
+    new Relay(view, source);  // owned by the widget
+    source.setAcceptDrops(true);
+}
+
+void relayWindowKeys(RecordView& view) { new WindowKeys(view); }
+
+bool isHeld(const Control& record) {
+    const auto found = heldCounts().find(&record);
+    return found != heldCounts().end() && found->second > 0;
+}
+
+}  // namespace zv::shell

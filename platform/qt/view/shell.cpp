@@ -1,0 +1,115 @@
+#include "platform/qt/view/shell.h"
+
+#include <QApplication>
+#include <QCoreApplication>
+#include <QEvent>
+#include <QPointer>
+#include <memory>
+#include <vector>
+
+#include "platform/clock.h"
+#include "platform/desktop.h"
+#include "platform/qt/view/theme.h"
+#include "platform/qt/view/view.h"
+#include "platform/qt/view/windows.h"
+
+namespace zv::shell {
+namespace {
+
+std::unique_ptr<QApplication>& application() {
+    static auto* app = new std::unique_ptr<QApplication>;
+    return *app;
+}
+
+/// Takes the one queued call of a turn of the event loop.
+class FlushTarget final : public QObject {
+  public:
+    static QEvent::Type flushEvent() {
+        static const int type = QEvent::registerEventType();
+        return static_cast<QEvent::Type>(type);
+    }
+    bool event(QEvent* e) override {
+        if (e->type() != flushEvent()) return QObject::event(e);
+        flushChanged();
+        return true;
+    }
+};
+
+QPointer<FlushTarget>& flushTarget() {
+    static auto* target = new QPointer<FlushTarget>;
+    return *target;
+}
+
+void showChange(Control& record) {
+    if (RecordView* view = viewOf(record)) {
+        view->refresh();
+        if (record.kind == ControlKind::window) windowChanged(record);
+        return;
+    }
+    // Painted by a record above, or made after its window was.
+    for (Control* c = record.parent; c != nullptr; c = c->parent) {
+        RecordView* view = viewOf(*c);
+        if (view == nullptr) continue;
+        if (view->paintsChildren()) {
+            view->partChanged(record);
+        } else {
+            makeChildren(*c, &view->widget);
+        }
+        return;
+    }
+}
+
+}  // namespace
+
+void startQt(int& argc, char** argv, bool offscreen) {
+    if (application()) return;
+    if (offscreen) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        qputenv("QT_SCALE_FACTOR",
+                qEnvironmentVariableIsSet("ZENTROVA_SCALE") ? qgetenv("ZENTROVA_SCALE") : "1");
+        qputenv("QT_FONT_DPI", "96");
+    }
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    application() = std::make_unique<QApplication>(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Zentrova"));
+    QApplication::setQuitOnLastWindowClosed(false);
+    installStyle();
+    installAccessibility();
+    flushTarget() = new FlushTarget;
+    onFirstChange([] {
+        if (flushTarget()) QCoreApplication::postEvent(flushTarget(), new QEvent(FlushTarget::flushEvent()));
+    });
+}
+
+void endQt() {
+    onFirstChange({});
+    dropAllWindows();
+    delete flushTarget();
+    application().reset();
+}
+
+void flushChanged() {
+    if (!application()) return;
+    // Showing a record changes no record, so one pass is enough; a handler that a widget calls back comes
+    // again by its own change.
+    for (Control* record : takeChanged()) showChange(*record);
+    const std::int64_t now = monotonicMs();
+    advanceViews(now);
+}
+
+void deliverEvents() {
+    if (!application()) return;
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
+}
+
+bool isShown(const Control& control) {
+    const Control* c = &control;
+    for (; c->parent != nullptr; c = c->parent) {
+        if (!c->visible()) return false;
+    }
+    const RecordView* view = viewOf(*c);
+    return view != nullptr && view->widget.isVisible();
+}
+
+}  // namespace zv::shell

@@ -1,0 +1,294 @@
+#include "platform/qt/view/windows.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QPainter>
+#include <QResizeEvent>
+#include <QWindow>
+#include <algorithm>
+#include <vector>
+
+#include "platform/desktop.h"
+#include "platform/qt/view/native.h"
+#include "platform/qt/view/shell.h"
+#include "platform/qt/view/theme.h"
+#include "platform/qt/view/view.h"
+
+namespace zv::shell {
+namespace {
+
+std::vector<Control*>& shownWindows() {
+    static auto* windows = new std::vector<Control*>;  // the one in front last
+    return *windows;
+}
+
+int lockDepth = 0;
+
+/// A window of the program. Its size follows its record and the record follows the user's resizing.
+class WindowWidget final : public QWidget, public RecordView {
+  public:
+    explicit WindowWidget(Control& r) : QWidget(nullptr), RecordView(r, static_cast<QWidget&>(*this)) {
+        setAttribute(Qt::WA_OpaquePaintEvent);
+        setFocusPolicy(Qt::ClickFocus);
+        resize(px(r.width), px(r.height));
+    }
+
+    void apply() override {
+        setWindowTitle(captionOf(record.caption));
+        const QSize wanted(px(record.width), px(record.height));
+        if (!resizing_ && wanted != size() && !wanted.isEmpty()) resize(wanted);
+        if (record.backColor() != themed_ || !hasTheme_) {
+            themed_ = record.backColor;
+            hasTheme_ = true;
+            const Theme theme = themeFor(record);
+            if (shownWindows().empty() || shownWindows().front() == &record) {
+                setProgramTheme(theme);
+                QApplication::setPalette(paletteOf(theme));
+            }
+            setPalette(paletteOf(theme));
+            restyle(record);
+            update();
+        }
+    }
+
+    void closeEvent(QCloseEvent* e) override {
+        // A window that the program closes is hidden through its record; this is the user's or the session's
+        // doing.
+        if (!askClose(0)) e->ignore();
+    }
+
+    bool wasShown = false;  ///< only then does the record's visibility count
+
+    bool askClose(int reason) {
+        if (record.onQueryClose) {
+            bool may = true;
+            call([&] { may = record.onQueryClose(reason); });
+            if (!may) return false;
+        }
+        call(record.onClose);
+        return true;
+    }
+
+  protected:
+    void paintEvent(QPaintEvent* e) override {
+        QPainter p(this);
+        p.fillRect(e->rect(), themeFor(record).ground);
+    }
+
+    void resizeEvent(QResizeEvent* e) override {
+        const int w = e->size().width() * kTwipsPerPixel;
+        const int h = e->size().height() * kTwipsPerPixel;
+        if (w == record.width() && h == record.height()) return;
+        resizing_ = true;
+        record.width = w;
+        record.height = h;
+        resizing_ = false;
+        call(record.onResize);
+    }
+
+  private:
+    void restyle(Control& from) {
+        for (Control* child : from.children()) {
+            if (RecordView* view = viewOf(*child)) {
+                view->themeChanged();
+                view->widget.update();
+                restyle(*child);
+            }
+        }
+    }
+
+    Colour themed_ = 0;
+    bool hasTheme_ = false;
+    bool resizing_ = false;
+};
+
+WindowWidget* windowWidget(const Control& window) {
+    RecordView* view = viewOf(window);
+    return view != nullptr && window.kind == ControlKind::window ? static_cast<WindowWidget*>(view) : nullptr;
+}
+
+void advanceBelow(const Control& record, std::int64_t now) {
+    for (Control* child : record.children()) {
+        RecordView* view = viewOf(*child);
+        if (view == nullptr) continue;
+        if (child->kind == ControlKind::meter) view->advance(now);
+        if (child->kind == ControlKind::frame && child->visible()) advanceBelow(*child, now);
+    }
+}
+
+}  // namespace
+
+RecordView* makeWindowView(Control& record) {
+    auto* made = new WindowWidget(record);
+    relayEvents(*made, *made);
+    relayWindowKeys(*made);
+    return made;
+}
+
+void windowChanged(Control& window) {
+    WindowWidget* w = windowWidget(window);
+    if (w == nullptr) return;
+    if (!window.visible() && w->isVisible()) {
+        hideWindow(window);
+    } else if (window.visible() && w->isHidden() && w->wasShown) {
+        showWindow(window);
+    }
+}
+
+void advanceViews(std::int64_t now) {
+    for (const Control* window : shownWindows()) advanceBelow(*window, now);
+}
+
+Control* activeWindow() {
+    if (Control* c = recordOf(QApplication::activeWindow())) return c;
+    return shownWindows().empty() ? nullptr : shownWindows().back();
+}
+
+void dropWindow(Control& window) {
+    std::erase(shownWindows(), &window);
+    delete windowWidget(window);
+}
+
+void dropAllWindows() {
+    while (!shownWindows().empty()) dropWindow(*shownWindows().back());
+    for (Control* c : allControls()) {
+        if (c->kind == ControlKind::window) dropWindow(*c);
+    }
+}
+
+bool closeWindow(Control& window) {
+    WindowWidget* w = windowWidget(window);
+    return w != nullptr && w->isVisible() && w->close();
+}
+
+bool resizeWindow(Control& window, int widthPixels, int heightPixels) {
+    WindowWidget* w = windowWidget(window);
+    if (w == nullptr || !w->isVisible()) return false;
+    w->resize(widthPixels, heightPixels);
+    deliverEvents();
+    return true;
+}
+
+}  // namespace zv::shell
+
+namespace zv {
+
+using namespace shell;
+
+namespace {
+
+WindowWidget* builtWindow(Control& window) {
+    WindowWidget* w = windowWidget(window);
+    if (w != nullptr || window.kind != ControlKind::window) return w;
+    w = static_cast<WindowWidget*>(makeWindowView(window));
+    if (lockDepth > 0) w->setUpdatesEnabled(false);
+    w->refresh();
+    makeChildren(window, w);
+    return w;
+}
+
+}  // namespace
+
+void showWindow(Control& window) {
+    WindowWidget* w = builtWindow(window);
+    if (w == nullptr) return;
+    std::erase(shownWindows(), &window);
+    shownWindows().push_back(&window);
+    window.visible = true;
+    w->wasShown = true;
+    flushChanged();
+    w->show();
+    w->raise();
+    w->activateWindow();
+}
+
+void hideWindow(Control& window) {
+    std::erase(shownWindows(), &window);
+    window.visible = false;
+    if (WindowWidget* w = windowWidget(window)) w->hide();
+}
+
+void lockUpdates() {
+    if (++lockDepth != 1) return;
+    for (Control* c : allControls()) {
+        if (c->kind == ControlKind::window) {
+            if (WindowWidget* w = windowWidget(*c)) w->setUpdatesEnabled(false);
+        }
+    }
+}
+
+void unlockUpdates() {
+    if (lockDepth == 0 || --lockDepth > 0) return;
+    flushChanged();
+    for (Control* c : allControls()) {
+        if (c->kind == ControlKind::window) {
+            if (WindowWidget* w = windowWidget(*c)) w->setUpdatesEnabled(true);
+        }
+    }
+}
+
+void setFocus(Control& control) {
+    flushChanged();
+    if (QWidget* w = widgetOf(control)) w->setFocus(Qt::OtherFocusReason);
+}
+
+Control* focusedControl() {
+    if (QWidget* w = QApplication::focusWidget()) return recordOf(w);
+    if (const Control* window = activeWindow()) {
+        if (RecordView* view = viewOf(*window)) {
+            if (QWidget* w = view->widget.focusWidget()) return recordOf(w);
+        }
+    }
+    return nullptr;
+}
+
+void setAlwaysOnTop(Control& window, bool on) {
+    WindowWidget* w = builtWindow(window);
+    if (w == nullptr || w->windowFlags().testFlag(Qt::WindowStaysOnTopHint) == on) return;
+    const bool shown = w->isVisible();
+    w->setWindowFlag(Qt::WindowStaysOnTopHint, on);
+    if (shown) w->show();
+}
+
+void setFullScreen(Control& window, bool on) {
+    WindowWidget* w = builtWindow(window);
+    if (w == nullptr || w->isFullScreen() == on) return;
+    if (on) {
+        w->showFullScreen();
+    } else {
+        w->showNormal();
+    }
+}
+
+void setMinimumSize(Control& window, int widthPixels, int heightPixels) {
+    if (WindowWidget* w = builtWindow(window)) w->setMinimumSize(widthPixels, heightPixels);
+}
+
+bool isMinimised(const Control& window) {
+    const WindowWidget* w = windowWidget(window);
+    return w != nullptr && w->isMinimized();
+}
+
+bool grabWindow(Control& window, const std::string& file) {
+    WindowWidget* w = builtWindow(window);
+    if (w == nullptr) return false;
+    flushChanged();
+    const bool locked = !w->updatesEnabled();
+    if (locked) w->setUpdatesEnabled(true);
+    const bool done = w->grab().save(textOf(file), "PNG");
+    if (locked) w->setUpdatesEnabled(false);
+    return done;
+}
+
+void centreListRow(Control& list, int row) {
+    flushChanged();
+    if (RecordView* view = viewOf(list)) centreRow(*view, row);
+}
+
+int visibleListRows(const Control& list) {
+    flushChanged();
+    const RecordView* view = viewOf(list);
+    return view == nullptr ? 0 : visibleRows(*view);
+}
+
+}  // namespace zv
