@@ -1,0 +1,320 @@
+#include "platform/ffmpeg/media_input.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <mutex>
+
+#include "engine/bass.h"
+
+extern "C" {
+#include <libavutil/channel_layout.h>
+#include <libavutil/mem.h>
+}
+
+namespace zv {
+namespace {
+
+using namespace std::chrono_literals;
+
+// What a sound or video file can be. Playlists, picture series and devices are kept out: a file must not make
+// the program open other files or addresses, and random bytes must not pass for something exotic.
+constexpr const char* knownContainers =
+    "wav,w64,aiff,au,caf,voc,flac,ogg,mp3,aac,ac3,eac3,dts,amr,amrnb,amrwb,wv,ape,tta,mpc,mpc8,"
+    "mov,mp4,m4a,3gp,asf,asf_o,xwma,mpeg,mpegvideo,mpegts,avi,matroska,webm,flv";
+
+constexpr std::int64_t quickProbe = 32'768;    // a WAV opens four times as fast as with the library's 5 MB
+constexpr std::int64_t deepProbe = 5'000'000;  // large pictures in front of the sound
+constexpr int largestChannels = 64;
+constexpr int largestRate = 768'000;
+constexpr auto fileLimit = 30s;
+constexpr std::size_t largestAllocation = std::size_t{256} << 20;
+
+void prepareLibraries() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        av_log_set_level(AV_LOG_QUIET);
+        av_max_alloc(largestAllocation);
+        avformat_network_init();
+    });
+}
+
+int codeOf(int averror) {
+    switch (averror) {
+        case AVERROR(ENOMEM):
+            return BASS_ERROR_MEM;
+        case AVERROR(ENOENT):
+        case AVERROR(EACCES):
+        case AVERROR(EPERM):
+        case AVERROR(EISDIR):
+        case AVERROR(EMFILE):
+        case AVERROR(ENFILE):
+        case AVERROR(EIO):
+        case AVERROR(ECONNREFUSED):
+        case AVERROR(ECONNRESET):
+        case AVERROR(EPIPE):
+        case AVERROR_HTTP_BAD_REQUEST:
+        case AVERROR_HTTP_UNAUTHORIZED:
+        case AVERROR_HTTP_FORBIDDEN:
+        case AVERROR_HTTP_NOT_FOUND:
+        case AVERROR_HTTP_OTHER_4XX:
+        case AVERROR_HTTP_SERVER_ERROR:
+            return BASS_ERROR_FILEOPEN;
+        case AVERROR(ENETUNREACH):
+        case AVERROR(ENETDOWN):
+        case AVERROR(EHOSTUNREACH):
+            return BASS_ERROR_NONET;
+        case AVERROR(ETIMEDOUT):
+        case AVERROR_EXIT:
+            return BASS_ERROR_TIMEOUT;
+        case AVERROR_DECODER_NOT_FOUND:
+            return BASS_ERROR_CODEC;
+        case AVERROR_PROTOCOL_NOT_FOUND:
+            return BASS_ERROR_PROTOCOL;
+        case AVERROR_STREAM_NOT_FOUND:
+            return BASS_ERROR_NOTAUDIO;
+        default:
+            return BASS_ERROR_FILEFORM;
+    }
+}
+
+struct Options {
+    AVDictionary* dictionary = nullptr;
+    Options() = default;
+    Options(const Options&) = delete;
+    Options& operator=(const Options&) = delete;
+    ~Options() { av_dict_free(&dictionary); }
+    void set(const char* key, const char* value) { av_dict_set(&dictionary, key, value, 0); }
+    void set(const char* key, std::int64_t value) { av_dict_set_int(&dictionary, key, value, 0); }
+};
+
+/// The float decoder where there are two: the others add noise that depends on where decoding began.
+const AVCodec* findDecoder(AVCodecID codec) {
+    const char* name = codec == AV_CODEC_ID_MP1   ? "mp1float"
+                       : codec == AV_CODEC_ID_MP2 ? "mp2float"
+                       : codec == AV_CODEC_ID_MP3 ? "mp3float"
+                                                  : nullptr;
+    const AVCodec* decoder = name ? avcodec_find_decoder_by_name(name) : nullptr;
+    return decoder ? decoder : avcodec_find_decoder(codec);
+}
+
+std::uint32_t bitsInFile(const AVCodecParameters& parameters) {
+    if (parameters.bits_per_raw_sample > 0) return static_cast<std::uint32_t>(parameters.bits_per_raw_sample);
+    return static_cast<std::uint32_t>(std::max(0, av_get_bits_per_sample(parameters.codec_id)));
+}
+
+}  // namespace
+
+int MediaInput::interrupted(void* self) {
+    const auto& input = *static_cast<const MediaInput*>(self);
+    return input.aborted_ || input.timedOut() ? 1 : 0;
+}
+
+bool MediaInput::timedOut() const { return std::chrono::steady_clock::now() > deadline_; }
+
+void MediaInput::setLimit(std::chrono::milliseconds limit) {
+    deadline_ = limit == std::chrono::milliseconds::max() ? std::chrono::steady_clock::time_point::max()
+                                                          : std::chrono::steady_clock::now() + limit;
+}
+
+std::int64_t MediaInput::fileSize() const { return context_->pb ? avio_size(context_->pb) : -1; }
+
+int MediaInput::openCodec() {
+    const AVCodec* decoder = findDecoder(stream_->codecpar->codec_id);
+    if (!decoder) return AVERROR_DECODER_NOT_FOUND;
+    codec_.reset(avcodec_alloc_context3(decoder));
+    if (!codec_) return AVERROR(ENOMEM);
+    if (const int result = avcodec_parameters_to_context(codec_.get(), stream_->codecpar); result < 0)
+        return result;
+    codec_->pkt_timebase = stream_->time_base;
+    codec_->thread_count = 1;
+    // Encoder delay is cut here, by positions: the codec would cut it only where the stream is entered at its
+    // start.
+    codec_->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
+    return avcodec_open2(codec_.get(), decoder, nullptr);
+}
+
+int MediaInput::open(const AVDictionary* given, std::int64_t probeBytes) {
+    codec_.reset();
+    context_.reset();
+    AVFormatContext* context = avformat_alloc_context();
+    if (!context) return AVERROR(ENOMEM);
+    context->interrupt_callback = {&MediaInput::interrupted, this};
+    context->fps_probe_size = 0;
+    Options options;
+    av_dict_copy(&options.dictionary, given, 0);
+    options.set("format_whitelist", knownContainers);
+    options.set("probesize", probeBytes);
+    // On failure the library frees the context itself.
+    if (const int result = avformat_open_input(&context, address_.c_str(), nullptr, &options.dictionary);
+        result < 0)
+        return result;
+    context_.reset(context);
+
+    for (unsigned i = 0; i < context->nb_streams; ++i)
+        if (context->streams[i]->codecpar->codec_type != AVMEDIA_TYPE_AUDIO)
+            context->streams[i]->discard = AVDISCARD_ALL;
+    if (const int result = avformat_find_stream_info(context, nullptr); result < 0) return result;
+    const int best = av_find_best_stream(context, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+    if (best < 0) return context->nb_streams == 0 ? AVERROR_INVALIDDATA : AVERROR_STREAM_NOT_FOUND;
+    for (unsigned i = 0; i < context->nb_streams; ++i)
+        context->streams[i]->discard = static_cast<int>(i) == best ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+    stream_ = context->streams[best];
+    return openCodec();
+}
+
+std::unique_ptr<MediaInput> MediaInput::openFile(const std::string& path, int& error) {
+    prepareLibraries();
+    std::error_code failure;
+    // Devices and pipes could hold the caller for ever.
+    if (!std::filesystem::is_regular_file(std::filesystem::path(path), failure)) {
+        error = BASS_ERROR_FILEOPEN;
+        return nullptr;
+    }
+    std::unique_ptr<MediaInput> input(new MediaInput);
+    input->address_ = "file:" + path;
+    input->packet_.reset(av_packet_alloc());
+    input->frame_.reset(av_frame_alloc());
+    if (!input->packet_ || !input->frame_) {
+        error = BASS_ERROR_MEM;
+        return nullptr;
+    }
+    input->setLimit(fileLimit);
+    Options options;
+    options.set("protocol_whitelist", "file");
+    int result = input->open(options.dictionary, quickProbe);
+    const bool worthAnotherLook = result == AVERROR_INVALIDDATA || result == AVERROR_STREAM_NOT_FOUND ||
+                                  (result >= 0 && input->codec_->sample_rate <= 0);
+    if (worthAnotherLook &&
+        std::filesystem::file_size(path, failure) > static_cast<std::uintmax_t>(quickProbe))
+        result = input->open(options.dictionary, deepProbe);
+    error = result < 0 ? codeOf(result) : BASS_OK;
+    return result < 0 ? nullptr : std::move(input);
+}
+
+std::unique_ptr<MediaInput> MediaInput::openUrl(const std::string& url, std::uint32_t timeoutMs, int& error) {
+    prepareLibraries();
+    std::unique_ptr<MediaInput> input(new MediaInput);
+    input->address_ = url;
+    input->network_ = true;
+    input->packet_.reset(av_packet_alloc());
+    input->frame_.reset(av_frame_alloc());
+    if (!input->packet_ || !input->frame_) {
+        error = BASS_ERROR_MEM;
+        return nullptr;
+    }
+    input->setLimit(std::chrono::milliseconds(timeoutMs));
+    Options options;
+    options.set("protocol_whitelist", "http,https,tcp,tls,httpproxy");
+    options.set("user_agent", "Zentrova");
+    options.set("rw_timeout", std::int64_t{timeoutMs} * 1000);
+    const int result = input->open(options.dictionary, quickProbe);
+    error = result < 0 ? codeOf(result) : BASS_OK;
+    if (result < 0 && input->timedOut()) error = BASS_ERROR_TIMEOUT;
+    return result < 0 ? nullptr : std::move(input);
+}
+
+bool MediaInput::reopen() {
+    Options options;
+    options.set("protocol_whitelist", "file");
+    return open(options.dictionary, quickProbe) >= 0 || open(options.dictionary, deepProbe) >= 0;
+}
+
+bool MediaInput::readPacket() {
+    for (;;) {
+        av_packet_unref(packet_.get());
+        readError_ = aborted_ || timedOut() ? AVERROR_EXIT : av_read_frame(context_.get(), packet_.get());
+        if (readError_ < 0) return false;
+        if (packet_->stream_index == stream_->index) return true;
+        // A web stream's next title may come as a stream of its own.
+        AVStream& other = *context_->streams[packet_->stream_index];
+        if (network_ && other.codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
+            stream_ = &other;
+            if (readError_ = openCodec(); readError_ < 0) return false;
+            return true;
+        }
+    }
+}
+
+bool MediaInput::seek(std::int64_t ticks) {
+    const int result = av_seek_frame(context_.get(), stream_->index, ticks, AVSEEK_FLAG_BACKWARD);
+    avcodec_flush_buffers(codec_.get());
+    return result >= 0;
+}
+
+bool MediaInput::seekByte(std::int64_t byte) {
+    const int result = av_seek_frame(context_.get(), stream_->index, byte, AVSEEK_FLAG_BYTE);
+    avcodec_flush_buffers(codec_.get());
+    return result >= 0;
+}
+
+void MediaInput::appendFrame(const AVFrame& frame, std::vector<float>& out) {
+    const int channels = frame.ch_layout.nb_channels;
+    if (channels < 1 || channels > largestChannels || frame.sample_rate < 1 ||
+        frame.sample_rate > largestRate || frame.nb_samples < 1)
+        return;
+    if (format_.rate == 0) {
+        format_ = {static_cast<std::uint32_t>(frame.sample_rate), static_cast<std::uint32_t>(channels),
+                   bitsInFile(*stream_->codecpar)};
+    }
+    const auto sample = static_cast<AVSampleFormat>(frame.format);
+    if (!converter_ || sample != converterSample_ || frame.sample_rate != converterRate_ ||
+        av_channel_layout_compare(&frame.ch_layout, &converterLayout_) != 0) {
+        // A layout without names of its own, or another one than at the start, is taken as the usual one of
+        // as many channels.
+        AVChannelLayout in{}, result{};
+        if (frame.ch_layout.order == AV_CHANNEL_ORDER_UNSPEC)
+            av_channel_layout_default(&in, channels);
+        else
+            av_channel_layout_copy(&in, &frame.ch_layout);
+        if (static_cast<int>(format_.channels) == channels)
+            av_channel_layout_copy(&result, &in);
+        else
+            av_channel_layout_default(&result, static_cast<int>(format_.channels));
+        SwrContext* converter = nullptr;
+        const int failed =
+            swr_alloc_set_opts2(&converter, &result, AV_SAMPLE_FMT_FLT, static_cast<int>(format_.rate), &in,
+                                sample, frame.sample_rate, 0, nullptr);
+        av_channel_layout_uninit(&in);
+        av_channel_layout_uninit(&result);
+        converter_.reset(converter);
+        if (failed < 0 || swr_init(converter) < 0) {
+            converter_.reset();
+            return;
+        }
+        av_channel_layout_uninit(&converterLayout_);
+        av_channel_layout_copy(&converterLayout_, &frame.ch_layout);
+        converterSample_ = sample;
+        converterRate_ = frame.sample_rate;
+    }
+    const int room = swr_get_out_samples(converter_.get(), frame.nb_samples);
+    if (room <= 0) return;
+    const std::size_t before = out.size();
+    out.resize(before + static_cast<std::size_t>(room) * format_.channels);
+    auto* target = reinterpret_cast<std::uint8_t*>(out.data() + before);
+    const int written = swr_convert(converter_.get(), &target, room,
+                                    const_cast<const std::uint8_t**>(frame.extended_data), frame.nb_samples);
+    out.resize(before + static_cast<std::size_t>(std::max(0, written)) * format_.channels);
+}
+
+Yield MediaInput::decode(const AVPacket* packet, std::vector<float>& out) {
+    Yield yield;
+    const std::size_t before = out.size();
+    if (avcodec_send_packet(codec_.get(), packet) < 0) yield.failed = true;
+    while (avcodec_receive_frame(codec_.get(), frame_.get()) >= 0) {
+        if (yield.stamp == AV_NOPTS_VALUE) yield.stamp = frame_->pts;
+        const AVFrameSideData* skip = av_frame_get_side_data(frame_.get(), AV_FRAME_DATA_SKIP_SAMPLES);
+        if (skip && skip->size >= 4) {
+            const std::uint8_t* bytes = skip->data;
+            yield.skip += bytes[0] | static_cast<std::uint32_t>(bytes[1]) << 8 |
+                          static_cast<std::uint32_t>(bytes[2]) << 16 |
+                          static_cast<std::uint32_t>(bytes[3]) << 24;
+        }
+        appendFrame(*frame_, out);
+        av_frame_unref(frame_.get());
+    }
+    if (format_.channels > 0) yield.frames = (out.size() - before) / format_.channels;
+    return yield;
+}
+
+}  // namespace zv

@@ -1,0 +1,89 @@
+/// The sound of one file or address: its packets, and what the codec makes of them. Private to
+/// platform/ffmpeg.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/ports.h"
+#include "platform/ffmpeg/av_handles.h"
+
+namespace zv {
+
+/// What one packet became.
+struct Yield {
+    std::size_t frames = 0;               ///< frames of sound
+    std::int64_t stamp = AV_NOPTS_VALUE;  ///< of the first of them, in ticks of the stream
+    std::uint32_t skip = 0;               ///< frames at its start that are encoder delay
+    bool failed = false;                  ///< the codec refused it
+};
+
+/// Owned and called by one thread at a time; only abort() may come from another.
+class MediaInput {
+  public:
+    MediaInput(const MediaInput&) = delete;
+    MediaInput& operator=(const MediaInput&) = delete;
+    ~MediaInput() { av_channel_layout_uninit(&converterLayout_); }
+
+    /// Opens a file by its path. `error` as openFileDecoder has it.
+    static std::unique_ptr<MediaInput> openFile(const std::string& path, int& error);
+    /// Connects to an http address. `error` as openUrlDecoder has it.
+    static std::unique_ptr<MediaInput> openUrl(const std::string& url, std::uint32_t timeoutMs, int& error);
+
+    /// Reads the next packet of the sound. False at the end, after a failure and past the deadline.
+    bool readPacket();
+    const AVPacket& packet() const { return *packet_; }
+    /// The AVERROR_ code of the last readPacket() that gave false.
+    int readError() const { return readError_; }
+
+    /// Decodes `packet`, or what the codec still holds (null), and appends the sound to `out`.
+    Yield decode(const AVPacket* packet, std::vector<float>& out);
+    /// Goes to the packet at or before `ticks` (as far as the container can tell) and empties the codec.
+    bool seek(std::int64_t ticks);
+    /// Goes to the packet that begins at byte `byte` of the file and empties the codec.
+    bool seekByte(std::int64_t byte);
+    /// Goes back to the first packet by opening the file anew.
+    bool reopen();
+
+    /// Format of what decode() appends: that of the first frame decoded.
+    const SoundFormat& format() const { return format_; }
+    const AVStream& stream() const { return *stream_; }
+    const AVCodecContext& codec() const { return *codec_; }
+    const AVInputFormat& container() const { return *context_->iformat; }
+    std::int64_t fileSize() const;
+
+    /// From now on, everything that takes longer than `limit` in all is given up.
+    void setLimit(std::chrono::milliseconds limit);
+    /// Gives up whatever waits, now and later. [any]
+    void abort() { aborted_ = true; }
+    bool timedOut() const;
+
+  private:
+    MediaInput() = default;
+    int open(const AVDictionary* options, std::int64_t probeBytes);
+    int openCodec();
+    void appendFrame(const AVFrame& frame, std::vector<float>& out);
+    static int interrupted(void* self);
+
+    std::string address_;
+    bool network_ = false;
+    FormatHandle context_;
+    CodecHandle codec_;
+    AVStream* stream_ = nullptr;
+    PacketHandle packet_;
+    FrameHandle frame_;
+    ResamplerHandle converter_;
+    AVChannelLayout converterLayout_{};
+    AVSampleFormat converterSample_ = AV_SAMPLE_FMT_NONE;
+    int converterRate_ = 0;
+    SoundFormat format_;
+    int readError_ = 0;
+    std::chrono::steady_clock::time_point deadline_ = std::chrono::steady_clock::time_point::max();
+    std::atomic<bool> aborted_ = false;
+};
+
+}  // namespace zv

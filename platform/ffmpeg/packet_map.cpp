@@ -1,0 +1,333 @@
+#include "platform/ffmpeg/packet_map.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <numeric>
+#include <string_view>
+
+namespace zv {
+namespace {
+
+constexpr std::size_t probedPackets = 64;  // decoded at most, to see the first sound
+constexpr std::size_t probedYields = 8;    // packets whose sound is compared with what their headers say
+constexpr int neededAgreement = 3;         // packets in a row that show where in the file they are
+constexpr std::size_t tailPackets = 12;    // decoded at the end, for what the codec holds back
+
+constexpr std::int64_t largestStamp = std::int64_t{1} << 50;  // of a file that means it
+constexpr std::int64_t largestRatio = 1 << 12;                // of stamps to frames
+
+std::int64_t stampOfPacket(const AVPacket& packet) {
+    const std::int64_t stamp = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+    return stamp > -largestStamp && stamp < largestStamp ? stamp : AV_NOPTS_VALUE;
+}
+
+/// Frames that the container wants cut off the end of this packet's sound.
+std::uint32_t discardOf(const AVPacket& packet) {
+    std::size_t size = 0;
+    const std::uint8_t* side = av_packet_get_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, &size);
+    if (!side || size < 8) return 0;
+    return side[4] | static_cast<std::uint32_t>(side[5]) << 8 | static_cast<std::uint32_t>(side[6]) << 16 |
+           static_cast<std::uint32_t>(side[7]) << 24;
+}
+
+/// WMA 1 and 2 tell in each block how many frames of sound end in it.
+std::int64_t framesOfWindowsMedia(const AVCodecContext& codec, const AVPacket& packet) {
+    const bool first = codec.codec_id == AV_CODEC_ID_WMAV1;
+    const int flagsAt = first ? 2 : 4;
+    if (codec.extradata_size < flagsAt + 2 || codec.block_align <= 0) return 0;
+    const int rate = codec.sample_rate;
+    std::int64_t frame = 2048;
+    if (rate <= 16'000)
+        frame = 512;
+    else if (rate <= 22'050 || (rate <= 32'000 && first))
+        frame = 1024;
+    else if (rate > 48'000)
+        frame = rate <= 96'000 ? 4096 : 8192;
+    constexpr int bitReservoir = 2;
+    if (!(codec.extradata[flagsAt] & bitReservoir)) return frame * (packet.size / codec.block_align);
+    std::int64_t frames = 0;
+    for (int at = 0; at + codec.block_align <= packet.size; at += codec.block_align)
+        frames += (packet.data[at] & 0x0F) * frame;
+    return frames;
+}
+
+/// Frames of a packet's sound as its header tells; 0 unknown.
+std::int64_t framesByHeader(const AVCodecContext& codec, const AVCodecParameters& parameters,
+                            const AVPacket& packet) {
+    if (codec.codec_id == AV_CODEC_ID_WMAV1 || codec.codec_id == AV_CODEC_ID_WMAV2)
+        return framesOfWindowsMedia(codec, packet);
+    // Their packets vary in length, and only the container's stamps tell by how much.
+    if (codec.codec_id == AV_CODEC_ID_VORBIS || codec.codec_id == AV_CODEC_ID_OPUS) return 0;
+    return av_get_audio_frame_duration2(const_cast<AVCodecParameters*>(&parameters), packet.size);
+}
+
+}  // namespace
+
+struct PacketMap::Packet {
+    std::int64_t stamp;
+    std::int64_t duration;
+    std::int64_t header;  ///< frames by its header
+    std::int64_t byte;    ///< where it stands in the file, -1 unknown
+    int size;
+};
+
+struct PacketMap::Pass {
+    std::vector<Packet> packets;
+    std::vector<std::size_t> yields;  ///< frames of the first packets, as decoded
+    std::size_t firstSound = 0;       ///< packet that gave the first frame
+    std::int64_t soundStamp = AV_NOPTS_VALUE;
+    std::uint32_t skip = 0;
+    std::uint32_t discard = 0;  ///< of the last packet
+};
+
+std::optional<PacketMap> PacketMap::survey(MediaInput& input) {
+    PacketMap map;
+    Pass pass;
+    std::vector<float> sound;
+    bool heard = false;
+    while (input.readPacket()) {
+        const AVPacket& packet = input.packet();
+        const std::size_t index = pass.packets.size();
+        pass.packets.push_back({stampOfPacket(packet), packet.duration < largestStamp ? packet.duration : 0,
+                                framesByHeader(input.codec(), *input.stream().codecpar, packet), packet.pos,
+                                packet.size});
+        pass.discard = discardOf(packet);
+        const bool probe = heard ? index < pass.firstSound + probedYields : index < probedPackets;
+        if (!probe) {
+            if (!heard) return std::nullopt;
+            continue;
+        }
+        sound.clear();
+        const Yield yield = input.decode(&packet, sound);
+        pass.yields.push_back(yield.frames);
+        if (!heard && yield.frames > 0) {
+            heard = true;
+            pass.firstSound = index;
+            pass.soundStamp = yield.stamp;
+            pass.skip = yield.skip;
+            map.firstStamp_ = pass.packets.front().stamp;
+            if (map.takePlainSamples(input)) return map;
+        }
+    }
+    if (pass.packets.empty()) return std::nullopt;
+    if (!heard) {
+        // The codec may hold back a sound that is over at once.
+        sound.clear();
+        if (input.decode(nullptr, sound).frames == 0) return std::nullopt;
+    }
+    if (input.timedOut()) return std::nullopt;
+    map.firstStamp_ = pass.packets.front().stamp;
+    if (!map.takeStamps(pass, input) && !map.takeHeaders(pass, input) && !map.takeDecoded(input))
+        return std::nullopt;
+    if (map.length_ == 0) return std::nullopt;
+    return map;
+}
+
+/// Plain samples in a row: their number is the size of the data, whatever the header says of it.
+bool PacketMap::takePlainSamples(const MediaInput& input) {
+    const AVCodecParameters& parameters = *input.stream().codecpar;
+    const std::string_view container = input.container().name;
+    const bool plain = container == "wav" || container == "w64" || container == "aiff" || container == "au";
+    const std::int64_t start = input.packet().pos, size = input.fileSize();
+    const int bits = av_get_exact_bits_per_sample(parameters.codec_id);
+    const std::int64_t block = parameters.block_align;
+    if (!plain || bits <= 0 || bits % 8 != 0 || block != parameters.ch_layout.nb_channels * (bits / 8) ||
+        start < 0 || size <= start || input.stream().time_base.num != 1 ||
+        input.stream().time_base.den != static_cast<int>(input.format().rate))
+        return false;
+    std::int64_t frames = (size - start) / block;
+    if (input.stream().duration > 0) frames = std::min(frames, input.stream().duration);
+    if (frames <= 0) return false;
+    exactStamps_ = true;
+    length_ = static_cast<std::uint64_t>(frames);
+    return true;
+}
+
+bool PacketMap::takeStamps(const Pass& pass, MediaInput& input) {
+    const AVRational base = input.stream().time_base;
+    const std::int64_t up = std::int64_t{base.num} * input.format().rate, down = base.den;
+    if (up <= 0 || down <= 0) return false;
+    const std::int64_t common = std::gcd(up, down);
+    framesPerTick_ = up / common;
+    ticksPerFrame_ = down / common;
+    if ((framesPerTick_ != 1 && ticksPerFrame_ != 1) || framesPerTick_ > largestRatio ||
+        ticksPerFrame_ > largestRatio || pass.soundStamp == AV_NOPTS_VALUE)
+        return false;
+
+    const auto& packets = pass.packets;
+    for (std::size_t i = pass.firstSound; i < packets.size(); ++i) {
+        const Packet& packet = packets[i];
+        if (packet.stamp == AV_NOPTS_VALUE || packet.duration <= 0) return false;
+        const bool last = i + 1 == packets.size();
+        if (!last && packets[i + 1].stamp != packet.stamp + packet.duration) return false;
+        if (!last && i < pass.yields.size() &&
+            toFrames(packet.duration) != static_cast<std::int64_t>(pass.yields[i]))
+            return false;
+    }
+    origin_ = toFrames(pass.soundStamp) + pass.skip;
+    takeBlocks(input, packets.front().byte);
+    if (blocks_.bytes == 0 && !stampsHoldAfterSeek(pass, input)) return false;
+    exactStamps_ = true;
+    // Ogg's last stamp is already where the sound ends.
+    const std::uint32_t discard = std::string_view(input.container().name) == "ogg" ? 0 : pass.discard;
+    const std::int64_t end = toFrames(packets.back().stamp + packets.back().duration);
+    length_ = static_cast<std::uint64_t>(std::max<std::int64_t>(0, end - discard - origin_));
+    return true;
+}
+
+/// A WAV of compressed blocks: after a seek its stamps are estimates, but its blocks are where they are.
+void PacketMap::takeBlocks(const MediaInput& input, std::int64_t firstByte) {
+    const std::string_view container = input.container().name;
+    const std::int64_t bytes = input.stream().codecpar->block_align;
+    if ((container != "wav" && container != "w64") || bytes <= 1 || firstByte < 0 || origin_ != 0) return;
+    const int frames = av_get_audio_frame_duration2(input.stream().codecpar, static_cast<int>(bytes));
+    const bool eachByItself = input.stream().codecpar->codec_id >= AV_CODEC_ID_ADPCM_IMA_QT &&
+                              input.stream().codecpar->codec_id < AV_CODEC_ID_AMR_NB;
+    if (frames > 0 && eachByItself) blocks_ = {firstByte, bytes, frames};
+}
+
+/// Tries two seeks: some containers count stamps on from a guess after one.
+bool PacketMap::stampsHoldAfterSeek(const Pass& pass, MediaInput& input) const {
+    const auto& packets = pass.packets;
+    for (const std::size_t part : {std::size_t{1}, std::size_t{2}}) {
+        const Packet& wanted = packets[packets.size() * part / 3];
+        if (!input.seek(wanted.stamp) || !input.readPacket()) return false;
+        const std::int64_t stamp = stampOfPacket(input.packet());
+        const auto found =
+            std::find_if(packets.begin(), packets.end(), [&](const Packet& p) { return p.stamp == stamp; });
+        if (found == packets.end() || found->byte != input.packet().pos || stamp > wanted.stamp) return false;
+    }
+    return true;
+}
+
+bool PacketMap::takeHeaders(const Pass& pass, MediaInput& input) {
+    const auto& packets = pass.packets;
+    for (std::size_t i = 0; i < packets.size(); ++i) {
+        if (packets[i].header <= 0 && i >= pass.yields.size()) return false;
+        const bool compared = i > pass.firstSound && i < pass.yields.size() && i + 1 < packets.size();
+        if (compared && packets[i].header != static_cast<std::int64_t>(pass.yields[i])) return false;
+    }
+    std::vector<Mark> marks;
+    std::int64_t at = -static_cast<std::int64_t>(pass.skip);
+    for (std::size_t i = 0; i < packets.size(); ++i) {
+        marks.push_back({packets[i].stamp, at, packets[i].size});
+        at += i < pass.yields.size() ? static_cast<std::int64_t>(pass.yields[i]) : packets[i].header;
+    }
+    marks_ = std::move(marks);
+    length_ = static_cast<std::uint64_t>(std::max<std::int64_t>(0, at - pass.discard));
+
+    // What the last packets and the emptied codec really give.
+    if (packets.size() <= tailPackets) return takeDecoded(input);
+    const std::size_t from = packets.size() - tailPackets;
+    searchable_ = searchable();
+    if (!searchable_ || !input.seek(packets[from].stamp)) return takeDecoded(input);
+    Walker walker(*this);
+    walker.restart(false);
+    std::vector<float> sound;
+    std::int64_t end = -1;
+    while (input.readPacket()) {
+        const auto place = walker.place(input.packet());
+        sound.clear();
+        const Yield yield = input.decode(&input.packet(), sound);
+        end = place ? *place + static_cast<std::int64_t>(yield.frames) : -1;
+    }
+    if (end < 0) return takeDecoded(input);
+    sound.clear();
+    end += static_cast<std::int64_t>(input.decode(nullptr, sound).frames);
+    length_ = static_cast<std::uint64_t>(std::max<std::int64_t>(0, end - pass.discard));
+    return true;
+}
+
+/// Whether a packet can be recognised by its stamp.
+bool PacketMap::searchable() const {
+    return std::adjacent_find(marks_.begin(), marks_.end(), [](const Mark& a, const Mark& b) {
+               return a.stamp == AV_NOPTS_VALUE || b.stamp == AV_NOPTS_VALUE || a.stamp >= b.stamp;
+           }) == marks_.end();
+}
+
+bool PacketMap::takeDecoded(MediaInput& input) {
+    if (!input.reopen()) return false;
+    marks_.clear();
+    exactStamps_ = false;
+    std::vector<float> sound;
+    std::int64_t at = 0;
+    std::uint32_t discard = 0;
+    bool heard = false;
+    while (input.readPacket()) {
+        const std::int64_t stamp = stampOfPacket(input.packet());
+        discard = discardOf(input.packet());
+        sound.clear();
+        const Yield yield = input.decode(&input.packet(), sound);
+        if (!heard && yield.frames > 0) {
+            heard = true;
+            at = -static_cast<std::int64_t>(yield.skip);
+            for (Mark& mark : marks_) mark.frame = at;
+        }
+        marks_.push_back({stamp, at, input.packet().size});
+        at += static_cast<std::int64_t>(yield.frames);
+    }
+    sound.clear();
+    at += static_cast<std::int64_t>(input.decode(nullptr, sound).frames);
+    if (input.timedOut()) return false;
+    searchable_ = searchable();
+    length_ = static_cast<std::uint64_t>(std::max<std::int64_t>(0, at - discard));
+    return !marks_.empty();
+}
+
+std::int64_t PacketMap::stampOf(std::int64_t frame) const {
+    if (exactStamps_) return (frame + origin_) * ticksPerFrame_ / framesPerTick_;
+    const auto after = std::upper_bound(marks_.begin(), marks_.end(), frame,
+                                        [](std::int64_t f, const Mark& m) { return f < m.frame; });
+    return after == marks_.begin() ? firstStamp_ : std::prev(after)->stamp;
+}
+
+std::optional<std::int64_t> PacketMap::frameOf(std::int64_t stamp) const {
+    if (!exactStamps_ || blocks_.bytes > 0 || stamp == AV_NOPTS_VALUE) return std::nullopt;
+    return toFrames(stamp) - origin_;
+}
+
+bool PacketMap::enter(MediaInput& input, std::int64_t frame) const {
+    if (blocks_.bytes > 0) return input.seekByte(blocks_.start + frame / blocks_.frames * blocks_.bytes);
+    return input.seek(stampOf(frame));
+}
+
+void PacketMap::Walker::restart(bool atStart) {
+    next_ = 0;
+    agreed_ = atStart ? neededAgreement : 0;
+}
+
+std::optional<std::int64_t> PacketMap::Walker::place(const AVPacket& packet) {
+    const std::int64_t stamp = stampOfPacket(packet);
+    const Blocks& blocks = map_->blocks_;
+    if (map_->exactStamps_ && blocks.bytes > 0) {
+        if (packet.pos < blocks.start) return std::nullopt;
+        return (packet.pos - blocks.start) / blocks.bytes * blocks.frames;
+    }
+    if (map_->exactStamps_) return map_->frameOf(stamp);
+
+    const auto& marks = map_->marks_;
+    if (agreed_ < neededAgreement) {
+        // The first packets after a seek may be pieces, and their stamps off by their rounding: a packet
+        // counts as found when some in a row agree with the map.
+        if (stamp == AV_NOPTS_VALUE || !map_->searchable_) return std::nullopt;
+        auto nearest =
+            std::lower_bound(marks.begin(), marks.end(), stamp,
+                             [](const Mark& mark, std::int64_t wanted) { return mark.stamp < wanted; });
+        if (nearest == marks.end() ||
+            (nearest != marks.begin() && stamp - std::prev(nearest)->stamp < nearest->stamp - stamp))
+            nearest = std::prev(nearest);
+        const std::int64_t off = std::abs(nearest->stamp - stamp);
+        const auto ambiguous = [&](auto from, auto to) { return 3 * off >= to->stamp - from->stamp; };
+        const bool clear = (nearest == marks.begin() || !ambiguous(std::prev(nearest), nearest)) &&
+                           (std::next(nearest) == marks.end() || !ambiguous(nearest, std::next(nearest)));
+        const auto index = static_cast<std::size_t>(nearest - marks.begin());
+        const bool follows = agreed_ == 0 || index == next_;
+        agreed_ = clear && nearest->size == packet.size ? (follows ? agreed_ + 1 : 1) : 0;
+        next_ = index + 1;
+        return agreed_ < neededAgreement ? std::nullopt : std::optional(nearest->frame);
+    }
+    if (next_ >= marks.size()) return std::nullopt;
+    return marks[next_++].frame;
+}
+
+}  // namespace zv
