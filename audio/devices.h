@@ -1,0 +1,44 @@
+/// Outputs, the microphone and the mix topology between them. Two topologies: DeviceSingle 1 plays every channel
+/// straight on one device; 0 mixes jingles and microphone onto two outputs. [control]
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace zv {
+
+using StreamHandle = std::uint32_t;
+
+extern int DeviceSingle;         ///< topology in force for this run
+extern int DeviceSinglePending;  ///< chosen in the window, saved, in force at the next start
+extern int MixerFreqAtStart;     ///< Hz in force for this run
+extern std::array<int, 2> Device;    ///< device numbers of the main and auxiliary output; 0 none
+extern std::array<int, 2> DeviceId;  ///< as saved
+
+extern StreamHandle MainMixer, MicMixer, AuxKeepAlive, hMic;
+extern std::array<StreamHandle, 2> MainSplit, MicSplit, OutMixer, OutSplit;
+extern StreamHandle hTmAnSrc, hTmAn, hTmAnVoice, hLive;  ///< announcer and live stream
+extern std::vector<std::string> InputNames;
+/// No output device could be opened: the program plays into the no-sound device.
+extern bool NoOutputDevice;
+
+/// Mix topology: (re)opens output 0 or 1. Single topology: opens the one device.
+void bassini(int output);
+/// Builds the whole mix topology.
+void SetupMixers();
+/// Closes everything.
+void FreeBASS();
+/// Frees the playing stream of an output.
+void FreeOutp(int output);
+void OpenMic();
+void CloseMic();
+/// Fills the lists of outputs and settles the saved devices.
+void ListOutDev();
+/// Fills the list of inputs and settles the saved one.
+void ListInDev();
+/// Level of an output in percent, reached in 50 ms.
+void SetOutputVolume(int output, int percent);
+
+}  // namespace zv

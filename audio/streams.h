@@ -1,0 +1,25 @@
+/// From a slot's keys to live channels. [control]
+#pragma once
+
+#include <string>
+
+namespace zv {
+
+/// Reads the persisted fields of slot `index` from `section` of the palette file, or of the hot jingles' when
+/// `isHot` (numbers less 96). A slot that still sounds keeps its record and is marked PlayingOtherPal. A slot
+/// without a usable path becomes empty. Nothing when the button does not exist.
+void openNames(int index, const std::string& section, bool isHot);
+/// Opens the channels of a slot and works out what depends on the file. A file that cannot be opened shows on its
+/// button and disturbs nothing else.
+void openStreams(int index);
+/// Bytes cut from the end of the playable range.
+double EndOffsetCalc(int index);
+/// Playable seconds, never below 0.
+double JDurationCalc(int index);
+
+/// Frees both channels of a slot and zeroes the handles.
+void FreeJingle(int index);
+/// The record becomes the empty one (its channels must be free).
+void ClearRecord(int index);
+
+}  // namespace zv
