@@ -12,7 +12,7 @@
 
 namespace zv {
 
-class IniFile;
+class StoredIni;
 
 class cImpulse {
   public:
@@ -56,14 +56,14 @@ class cImpulse {
     std::vector<Line> GetSectionLines(std::string_view section);
 
   private:
-    IniFile& file();
-    const std::string& sectionOr(std::string_view section);
+    StoredIni& file();
+    std::string_view sectionOr(std::string_view section) const;
 
     std::string IniPath_;
     std::string Section_;
     bool Failed_ = false;
     int HiddenSections_ = 0;
-    std::shared_ptr<IniFile> file_;
+    std::shared_ptr<StoredIni> file_;
     std::vector<std::string> SectionNames_;
 };
 

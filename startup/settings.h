@@ -109,10 +109,11 @@ struct Settings {
     std::string SavDevBy = "ID";  ///< "ID" or "Name"
     std::string DeviceName, DeviceAuxName, DeviceInName;
     int Device = 1, DeviceAux = 0, DeviceIn = 0;
-    int DeviceSingle = 0;                                     ///< 1 when the key holds anything but 0
-    int MixerFreq = 44100;                                    ///< Hz
-    int TempoMax = 30;                                        ///< percent, 5 and up
-    int EQVMax = 10;                                          ///< dB
+    int DeviceSingle = 0;         ///< as in force for this run; 1 when the key holds anything
+    int DeviceSinglePending = 0;  ///< as chosen in the window; the one that is saved
+    int MixerFreq = 44100;        ///< Hz
+    int TempoMax = 30;            ///< percent, 5 and up
+    int EQVMax = 10;              ///< dB
     std::string EQBands = "60,150,400,1000,2400,6000,15000";  ///< Hz
     std::string StreamPoint = kDefaultStreamUrl;
     int NoAutomixLive = 0, LiveAutoDuck = 0, VolLive = 0, CoefVolLive = 1;
@@ -142,6 +143,9 @@ void LoadZVini(bool firstLoad = true);
 /// Writes what differs from the file, in one rewrite, then sorts the file if it is newer than at start.
 /// A file that cannot be written stays as it was.
 void SaveZVini();
+
+/// What the field of `key` holds from now on counts for this run only: SaveZVini leaves the key alone.
+void KeepOutOfFile(const std::string& key);
 
 /// Replaces the file by "[Settings]" and its other lines in sorted order; its first line goes, whatever it
 /// holds.

@@ -31,6 +31,8 @@ struct StartupUpcalls {
     std::function<bool()> consolePaused;       ///< ckPause of frmConsole
     std::function<void(const std::vector<std::string>& lines, bool clear)> consoleLines;
 
+    std::string serviceAddress;  ///< base address of the support site, for the link in a report
+
     // ---- live stream (audio) ----
     std::function<void(const std::string& text)> showStreamError;  ///< text of the stream combo box
     std::function<void()> stopPlayStream;

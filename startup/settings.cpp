@@ -1,0 +1,322 @@
+#include "startup/settings.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <set>
+#include <system_error>
+
+#include "platform/clock.h"
+#include "platform/desktop.h"
+#include "platform/paths.h"
+#include "startup/backups.h"
+#include "startup/errors.h"
+#include "startup/helpers.h"
+#include "startup/language.h"
+#include "startup/settings_table.h"
+#include "startup/stores.h"
+#include "startup/text_codec.h"
+#include "startup/upcalls.h"
+
+namespace zv {
+
+Settings settings;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kObsoleteKeys[] = {"CueRepeater", "BottomMargin", "RightMargin"};
+constexpr std::array kMixerRates{11025, 22050, 44100, 48000, 96000};
+constexpr int kDefaultMixerRate = 44100;
+constexpr const char* kSamplePalette = "Sample Radio";
+constexpr const char* kNoImportFolder = ":";
+constexpr int kFullScreenMode = 2;
+
+fs::file_time_type iniFileDate{};
+std::set<std::string> keptOut;  ///< keys that hold for this run only
+
+fs::file_time_type dateOfIniFile() {
+    std::error_code error;
+    const fs::file_time_type date = fs::last_write_time(nativePath(IniFile), error);
+    return error ? fs::file_time_type{} : date;
+}
+
+cImpulse& storeOf(const SettingKey& key) {
+    return key.special == Special::account ? AccountStore : SettingsStore;
+}
+
+std::int32_t& numberOf(const SettingKey& key) {
+    return settings.*std::get<std::int32_t Settings::*>(key.field);
+}
+std::string& textOf(const SettingKey& key) { return settings.*std::get<std::string Settings::*>(key.field); }
+bool isNumber(const SettingKey& key) { return std::holds_alternative<std::int32_t Settings::*>(key.field); }
+
+/// Values in the course of one load: the keys that need a default and those that could not be used.
+struct Load {
+    bool first = true;
+    std::vector<cImpulse::Line> defaults;
+    std::string bad;
+    int errorNumber = 0;
+};
+
+std::string defaultOf(const SettingKey& key, const Load& load) {
+    switch (key.special) {
+        case Special::palette:
+            return FileLength(PalFile) > 0 ? kSamplePalette : "";
+        case Special::lastFolder:
+            return GetRelPath(settings.SampleDir);
+        case Special::language:
+            return settings.Sealed.empty() ? LanguageChosenBySystem() : kEnglish;
+        case Special::ignoredUpdate:
+            return ProgramVersionDigits();
+        case Special::today:
+            return LogDate();
+        case Special::grid:
+            return load.first ? key.def : NumberText(numberOf(key));
+        default:
+            return key.def;
+    }
+}
+
+bool hasDefault(const SettingKey& key) {
+    return key.special != Special::anything && key.special != Special::mixerFreq &&
+           key.special != Special::sealed;
+}
+
+/// The reading idiom; the default reaches the file with all others at the end.
+std::string readKey(const SettingKey& key, Load& load) {
+    std::string value = storeOf(key).GetValue(key.key);
+    if (!value.empty() || !hasDefault(key)) return value;
+    value = defaultOf(key, load);
+    if (!value.empty()) load.defaults.emplace_back(key.key, value);
+    return value;
+}
+
+void complain(Load& load, const SettingKey& key, const std::string& value, Conversion why) {
+    if (load.bad.empty()) load.errorNumber = why == Conversion::overflow ? kErrorOverflow : kErrorMismatch;
+    load.bad += (load.bad.empty() ? "" : ", ") + std::string(key.key) + "=" + value;
+}
+
+void loadNumber(const SettingKey& key, const std::string& value, Load& load) {
+    std::int32_t number = 0;
+    if (value.empty() && key.def[0] == '\0') return;
+    const Conversion result = ToWhole(value, key.width, number);
+    if (result != Conversion::good) {
+        complain(load, key, value, result);
+        return;
+    }
+    if (number < key.low || number > key.high) {
+        if (key.outside == Outside::clamp) number = std::clamp(number, key.low, key.high);
+        if (key.outside == Outside::value) number = key.otherwise;
+    }
+    numberOf(key) = number;
+}
+
+void loadMixerFreq(const std::string& value, const SettingKey& key, Load& load) {
+    settings.MixerFreq = kDefaultMixerRate;
+    if (value.empty()) return;
+    std::int32_t rate = 0;
+    const Conversion result = ToWhole(value, Width::whole, rate);
+    if (result != Conversion::good) {
+        complain(load, key, value, result);
+    } else if (std::find(kMixerRates.begin(), kMixerRates.end(), rate) != kMixerRates.end()) {
+        settings.MixerFreq = rate;
+    }
+}
+
+std::string usableLanguage(const std::string& name) {
+    const std::string language = SameText(name, "French") ? kFrench : name;
+    return LanguageExists(language) ? language : kEnglish;
+}
+
+void loadKey(const SettingKey& key, Load& load) {
+    std::string value = readKey(key, load);
+    switch (key.special) {
+        case Special::alwaysOnTop:
+            settings.AlwaysOnTop =
+                value.empty() || value == "0" || SameText(value, "Faux") || SameText(value, "False") ? 0 : 1;
+            return;
+        case Special::anything:
+            numberOf(key) = value.empty() ? 0 : 1;
+            return;
+        case Special::mixerFreq:
+            loadMixerFreq(value, key, load);
+            return;
+        case Special::sealed:
+            settings.Sealed = value;
+            if (value.empty()) load.defaults.emplace_back(key.key, key.def);
+            return;
+        case Special::folder:
+            textOf(key) = GetFullPath(value);
+            return;
+        case Special::lastFolder:
+            textOf(key) = GetFullPath(value);
+            if (!FolderExists(textOf(key))) textOf(key) = settings.SampleDir;
+            return;
+        case Special::importFolder:
+            textOf(key) = value == kNoImportFolder ? "" : value;
+            return;
+        case Special::language:
+            settings.Language = usableLanguage(value);
+            return;
+        case Special::font:
+            settings.JLabelFont = fontInstalled(value) ? value : kSplashFont;
+            return;
+        case Special::ignoredUpdate:
+            settings.IgnoredUpdate = std::max(value, ProgramVersionDigits());
+            return;
+        default:
+            break;
+    }
+    if (isNumber(key)) {
+        loadNumber(key, value, load);
+    } else {
+        textOf(key) = value;
+    }
+}
+
+/// The text that the file is to hold for a field.
+std::string textToSave(const SettingKey& key) {
+    switch (key.special) {
+        case Special::anything:
+            return numberOf(key) != 0 ? "1" : "";
+        case Special::mixerFreq:
+            return settings.MixerFreq == kDefaultMixerRate ? "" : NumberText(settings.MixerFreq);
+        case Special::folder:
+        case Special::lastFolder:
+            return GetRelPath(textOf(key));
+        case Special::importFolder:
+            return textOf(key).empty() ? kNoImportFolder : textOf(key);
+        default:
+            return isNumber(key) ? NumberText(numberOf(key)) : textOf(key);
+    }
+}
+
+/// True when what the file holds means what the field holds.
+bool sameInFile(const SettingKey& key, const std::string& inFile, const std::string& wanted) {
+    if (inFile == wanted) return true;
+    if (key.special == Special::anything) return inFile.empty() == wanted.empty();
+    if (key.special == Special::folder || key.special == Special::lastFolder) {
+        return !inFile.empty() && GetFullPath(inFile) == textOf(key);
+    }
+    if (!isNumber(key)) return false;
+    const std::optional<double> number = ToNumber(inFile);
+    return number && !wanted.empty() && *number == ToNumber(wanted);
+}
+
+}  // namespace
+
+void NoteIniFileDate() { iniFileDate = dateOfIniFile(); }
+
+void KeepOutOfFile(const std::string& key) { keptOut.insert(LowerCase(key)); }
+
+void LoadZVini(bool firstLoad) {
+    Load load;
+    load.first = firstLoad;
+    for (const SettingKey& key : SettingKeys()) loadKey(key, load);
+    settings.DeviceSingle = settings.DeviceSinglePending;
+    if (settings.FullScreen == 1) settings.WindowMode = kFullScreenMode;
+    for (const char* key : kObsoleteKeys) {
+        if (!SettingsStore.GetValue(key).empty()) load.defaults.emplace_back(key, "");
+    }
+    if (!load.defaults.empty()) SettingsStore.PutSection(kSettingsSection, load.defaults, false);
+    callUp(startupUpcalls.gridChanged);
+    callUp(startupUpcalls.prepareHotLists);
+    if (!load.bad.empty()) {
+        const char* what = load.errorNumber == kErrorOverflow ? "Overflow: " : "Type mismatch: ";
+        ErrorReport("modMain.LoadZVini", load.errorNumber, what + load.bad);
+    }
+}
+
+void SaveZVini() {
+    std::vector<cImpulse::Line> changed;
+    std::vector<cImpulse::Line> account;
+    for (const SettingKey& key : SettingKeys()) {
+        if (!key.saved || keptOut.contains(LowerCase(key.key))) continue;
+        const std::string wanted = textToSave(key);
+        if (sameInFile(key, storeOf(key).GetValue(key.key), wanted)) continue;
+        (key.special == Special::account ? account : changed).emplace_back(key.key, wanted);
+    }
+    if (!changed.empty()) SettingsStore.PutSection(kSettingsSection, changed, false);
+    if (!account.empty()) AccountStore.PutSection(kAccountSection, account, false);
+    if (dateOfIniFile() > iniFileDate) SortZVini();
+}
+
+void SortZVini() {
+    std::string bytes;
+    if (!readFile(nativePath(IniFile), bytes)) return;
+    const Encoding encoding = encodingOf(bytes);
+    std::vector<std::string> lines = Split(toUtf8(bytes, encoding), "\n");
+    if (!lines.empty() && lines.back().empty()) lines.pop_back();
+    if (!lines.empty()) lines.erase(lines.begin());
+    for (std::string& line : lines) {
+        if (line.ends_with('\r')) line.pop_back();
+    }
+    QuickSort(lines);
+    const char* lineEnd =
+        bytes.find('\n') != std::string::npos && bytes.find("\r\n") == std::string::npos ? "\n" : "\r\n";
+    std::string text = std::string("[") + kSettingsSection + "]" + lineEnd;
+    for (const std::string& line : lines) text.append(line).append(lineEnd);
+    std::string sorted;
+    fromUtf8(text, encoding, sorted);
+    if (sorted != bytes) replaceFile(nativePath(IniFile), sorted);
+}
+
+std::string ReadSetting(std::string_view key, std::string_view def) {
+    std::string value = SettingsStore.GetValue(key);
+    if (!value.empty()) return value;
+    SettingsStore.PutValue(key, def);
+    value = SettingsStore.GetValue(key);
+    return value.empty() ? std::string(def) : value;
+}
+
+void WriteSetting(std::string_view key, std::string_view value) { SettingsStore.PutValue(key, value); }
+
+int ReadMonitorSetting(int monitorCount) {
+    std::int32_t monitor = 0;
+    const bool good = ToWhole(ReadSetting("Monitor", "0"), Width::word, monitor) == Conversion::good;
+    settings.Monitor = good && monitor >= 0 && monitor < monitorCount ? monitor : 0;
+    return settings.Monitor;
+}
+
+bool ReadErrorLogSetting() {
+    std::int32_t on = 0;
+    ToWhole(ReadSetting("ErrorLog", "0"), Width::byte, on);
+    settings.ErrorLog = on;
+    ErrorLogOn = on != 0;
+    return ErrorLogOn;
+}
+
+std::string JDurationPrefix() {
+    const std::size_t at = settings.JDispDurationEncap.find("duration");
+    return at == std::string::npos ? std::string() : settings.JDispDurationEncap.substr(0, at);
+}
+
+std::string JDurationSuffix() {
+    constexpr std::string_view kWord = "duration";
+    const std::size_t at = settings.JDispDurationEncap.find(kWord);
+    return at == std::string::npos ? std::string() : settings.JDispDurationEncap.substr(at + kWord.size());
+}
+
+std::string CheckSection(const std::string& name) {
+    if (!startupUpcalls.paletteNames) return name;
+    const std::vector<std::string> names = startupUpcalls.paletteNames();
+    for (const std::string& entry : names) {
+        if (SameText(entry, name)) return entry;
+    }
+    return names.empty() ? std::string() : names.front();
+}
+
+std::string SettingsDump() {
+    std::string out;
+    for (const SettingKey& key : SettingKeys()) {
+        out.append(key.key)
+            .append("=")
+            .append(isNumber(key) ? NumberText(numberOf(key)) : textOf(key))
+            .append("\n");
+    }
+    return out;
+}
+
+}  // namespace zv

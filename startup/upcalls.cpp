@@ -1,0 +1,7 @@
+#include "startup/upcalls.h"
+
+namespace zv {
+
+StartupUpcalls startupUpcalls;
+
+}  // namespace zv
