@@ -56,6 +56,8 @@ class Stretcher {
     virtual std::size_t take(std::span<float> out) = 0;  ///< frames written
     virtual std::size_t ready() const = 0;               ///< frames that take() would give
     virtual void clear() = 0;
+    /// Source frames by which the output lies, on average, behind the place that speed x output frames names.
+    virtual double lag() const { return 0; }
 };
 
 class StretcherSource {

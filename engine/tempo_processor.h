@@ -58,6 +58,8 @@ struct TempoParameters {
     bool operator==(const TempoParameters&) const = default;
 };
 
+class TempoLane;
+
 class TempoProcessor {
   public:
     /// `rate` and `channels` are the source's. Cheap: buffers come with the first stretch. [control]
@@ -82,7 +84,8 @@ class TempoProcessor {
     void setRange(const PlayRange& range);
     /// True: the next frame comes from the source itself, at sourceFrame().
     bool neutral() const { return current_ == nullptr; }
-    /// Frames to take from the source before looking at neutral() again; at least 1 while neutral.
+    /// Frames to take from the source before asking again; 0 when this very frame changes over: then
+    /// neutral() is false.
     std::size_t neutralRun();
     /// `frames` frames of the source were played; the source stands at `frame` now (wrapped where it
     /// wrapped).
@@ -106,10 +109,58 @@ class TempoProcessor {
     void work();
 
   private:
-    struct Lane;
-    Lane* current_ = nullptr;  // [audio]
-    bool ended_ = false;       // [audio]
+    /// What the audio thread tells the worker, whole: written between two raises of `version`.
+    struct Published {
+        std::atomic<std::uint32_t> version{0}, epoch{0};
+        std::atomic<std::uint64_t> clock{0}, start{0}, source{0}, end{~std::uint64_t{0}}, loopStart{0};
+        std::atomic<bool> loop{false};
+        std::atomic<TempoLane*> current{nullptr};
+    };
+    struct Snapshot {
+        std::uint32_t epoch;
+        std::uint64_t clock, start, source;
+        PlayRange range;
+        TempoLane* current;
+    };
+
+    void publish();
+    TempoLane* next();
+    void takeOver();
+    void drop(TempoLane* lane);
+    Snapshot snapshot() const;
+
+    TempoLane* freeLane();
+    void offer(TempoLane* lane);
+    bool offerStands(const TempoLane& lane, const Snapshot& now, const TempoParameters& wanted) const;
+    void enter(const Snapshot& now, const TempoParameters& wanted);
+    void change(const Snapshot& now, const TempoParameters& wanted);
+    std::int64_t bestLag(std::span<const float> old, std::uint64_t source, const PlayRange& range);
+
+    const std::uint32_t rate_, channels_;
+    const std::shared_ptr<StretcherSource> stretchers_;
+    FrameReader& reader_;
+
+    mutable std::mutex parametersMutex_;  // control and worker
+    TempoParameters parameters_;
+    std::atomic<bool> wanted_{false};  // not neutral
+
+    // [audio]
+    TempoLane *current_ = nullptr, *next_ = nullptr;
+    bool ended_ = false;
+    std::uint32_t epoch_ = 0;
+    std::uint64_t clock_ = 0, start_ = 0,
+                  source_ = 0;  // frames passed while neutral; where that began; the source's frame
+    PlayRange range_;
+
+    // from the worker to the audio thread
+    std::atomic<TempoLane*> offered_{nullptr}, primed_{nullptr};
     std::atomic<std::uint64_t> heard_{0}, starvations_{0};
+    Published published_;
+
+    std::mutex workMutex_;  // of everything below: control and worker
+    std::vector<std::unique_ptr<TempoLane>> lanes_;
+    TempoLane* pending_ = nullptr;  // made last
+    std::vector<float> old_, search_;
 };
 
 }  // namespace zv

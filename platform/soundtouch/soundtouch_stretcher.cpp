@@ -2,7 +2,7 @@
 
 #include <SoundTouch.h>
 
-#include <algorithm>
+#include <cmath>
 
 namespace zv {
 namespace {
@@ -15,9 +15,18 @@ class SoundTouchStretcher final : public Stretcher {
         touch_.setSampleRate(rate);
         touch_.setChannels(channels);
     }
-    void setTempo(double percent) override { touch_.setTempoChange(percent); }
-    void setPitch(double semitones) override { touch_.setPitchSemiTones(semitones); }
-    void setRate(double ratio) override { touch_.setRate(ratio); }
+    void setTempo(double percent) override {
+        tempo_ = 1 + percent / 100;
+        touch_.setTempo(tempo_);
+    }
+    void setPitch(double semitones) override {
+        pitch_ = std::exp2(semitones / 12);
+        touch_.setPitch(pitch_);
+    }
+    void setRate(double ratio) override {
+        rate_ = ratio;
+        touch_.setRate(rate_);
+    }
     void put(std::span<const float> in) override {
         touch_.putSamples(in.data(), static_cast<unsigned>(in.size() / channels_));
     }
@@ -27,8 +36,15 @@ class SoundTouchStretcher final : public Stretcher {
     }
     std::size_t ready() const override { return touch_.numSamples(); }
     void clear() override { touch_.clear(); }
+    double lag() const override {
+        // The sound is cut into sequences that play at their own speed and are strung together at another:
+        // their middle lies in place, their beginnings and ends do not. The first one begins in place.
+        const double inner = tempo_ / pitch_;
+        return inner == 1 ? 0 : (1 - 1 / inner) * touch_.getSetting(SETTING_NOMINAL_INPUT_SEQUENCE) / 2;
+    }
 
   private:
+    double tempo_ = 1, pitch_ = 1, rate_ = 1;
     soundtouch::SoundTouch touch_;
     std::uint32_t channels_;
 };
