@@ -207,9 +207,13 @@ std::unique_ptr<MediaInput> MediaInput::openUrl(const std::string& url, std::uin
     Options options;
     options.set("protocol_whitelist", "http,https,tcp,tls,httpproxy");
     options.set("user_agent", "Zentrova");
-    options.set("rw_timeout", std::int64_t{timeoutMs} * 1000);
     const int result = input->open(options.dictionary, quickProbe);
     error = result < 0 ? codeOf(result) : BASS_OK;
+    // The library has one code for all that goes wrong below the sound; the host was found before.
+    const bool belowTheSound =
+        result == AVERROR(EIO) || result == AVERROR_UNKNOWN || result == AVERROR_EXTERNAL;
+    if (belowTheSound)
+        error = url.size() > 5 && (url[4] == 's' || url[4] == 'S') ? BASS_ERROR_SSL : BASS_ERROR_FILEOPEN;
     if (result < 0 && input->timedOut()) error = BASS_ERROR_TIMEOUT;
     return result < 0 ? nullptr : std::move(input);
 }

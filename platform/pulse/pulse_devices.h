@@ -9,14 +9,14 @@
 namespace zv {
 
 struct PulseOptions {
-    std::string server;               ///< address; empty: what the user's environment says
+    std::string server;                ///< address; empty: what the user's environment says
     std::uint32_t periodFrames = 256;  ///< frames asked for at a time, at the rate of the device
 };
 
-/// Devices of a sound server. Names are the descriptions that the server gives, ids its own names: both stable
-/// over replugging. A device that vanishes is told to its client (deviceLost) and opened again by itself as soon as
-/// the server lists it again (deviceBack), also when the server itself was restarted. While no server answers the
-/// lists are empty, at once. [control]
+/// Devices of a sound server. Names are the descriptions that the server gives, ids its own names: both
+/// stable over replugging. A device that vanishes is told to its client (deviceLost) and opened again by
+/// itself as soon as the server lists it again (deviceBack), also when the server itself was restarted. While
+/// no server answers the lists are empty, at once. [control]
 std::shared_ptr<DeviceSource> makePulseDevices(PulseOptions options = {});
 
 /// Whether a server answers at `options.server`; waits at most half a second. [control]

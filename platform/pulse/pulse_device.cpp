@@ -1,0 +1,326 @@
+#include "platform/pulse/pulse_device.h"
+
+#include <pthread.h>
+#include <sys/time.h>
+
+#include <algorithm>
+#include <chrono>
+
+namespace zv {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::uint32_t channels = 2;
+constexpr std::size_t frameBytes = channels * sizeof(float);
+constexpr std::uint32_t bufferedPeriods = 2;
+constexpr auto openLimit = 2s;
+constexpr pa_usec_t soon = 20 * PA_USEC_PER_MSEC;
+constexpr pa_usec_t later = 500 * PA_USEC_PER_MSEC;
+constexpr int audioPriority = 10;
+
+timeval inMicroseconds(pa_usec_t microseconds) {
+    timeval when{};
+    pa_gettimeofday(&when);
+    return *pa_timeval_add(&when, microseconds);
+}
+
+/// Refused without the right to it; the sound then runs at the usual priority.
+void raisePriority() {
+    sched_param parameters{};
+    parameters.sched_priority = audioPriority;
+    pthread_setschedparam(pthread_self(), SCHED_RR, &parameters);
+}
+
+}  // namespace
+
+PulseDevice::PulseDevice(const PulseOptions& options, Direction direction, std::string id, std::uint32_t rate,
+                         SoundClient& client)
+    : options_(options),
+      direction_(direction),
+      id_(std::move(id)),
+      rate_(rate),
+      client_(&client),
+      thrownAway_(std::size_t{options.periodFrames} * channels),
+      silence_(std::size_t{options.periodFrames} * channels) {}
+
+PulseDevice::~PulseDevice() {
+    if (!loop_) return;
+    pa_threaded_mainloop_lock(loop_);
+    if (retryTimer_) api_->time_free(retryTimer_);
+    if (paceTimer_) api_->time_free(paceTimer_);
+    dropStream();
+    dropContext();
+    pa_threaded_mainloop_unlock(loop_);
+    pa_threaded_mainloop_stop(loop_);
+    pa_threaded_mainloop_free(loop_);
+}
+
+bool PulseDevice::open() {
+    loop_ = pa_threaded_mainloop_new();
+    if (!loop_) return false;
+    api_ = pa_threaded_mainloop_get_api(loop_);
+    if (!connectContext() || pa_threaded_mainloop_start(loop_) < 0) return false;
+    std::unique_lock lock(openMutex_);
+    opened_.wait_for(lock, openLimit, [&] { return openState_ != State::Opening; });
+    return openState_ == State::Running;
+}
+
+void PulseDevice::settle(State state) {
+    const bool opening = state_ == State::Opening;
+    state_ = state;
+    if (!opening) return;
+    const std::lock_guard lock(openMutex_);
+    openState_ = state;
+    opened_.notify_all();
+}
+
+bool PulseDevice::connectContext() {
+    context_ = pa_context_new(api_, "Zentrova");
+    if (!context_) return false;
+    pa_context_set_state_callback(context_, &PulseDevice::onContextState, this);
+    pa_context_set_subscribe_callback(context_, &PulseDevice::onChange, this);
+    const char* server = options_.server.empty() ? nullptr : options_.server.c_str();
+    return pa_context_connect(context_, server, PA_CONTEXT_NOAUTOSPAWN, nullptr) >= 0;
+}
+
+void PulseDevice::dropStream() {
+    if (!stream_) return;
+    pa_stream_set_state_callback(stream_, nullptr, nullptr);
+    pa_stream_set_write_callback(stream_, nullptr, nullptr);
+    pa_stream_set_read_callback(stream_, nullptr, nullptr);
+    pa_stream_disconnect(stream_);
+    pa_stream_unref(stream_);
+    stream_ = nullptr;
+}
+
+void PulseDevice::dropContext() {
+    if (!context_) return;
+    pa_context_set_state_callback(context_, nullptr, nullptr);
+    pa_context_set_subscribe_callback(context_, nullptr, nullptr);
+    pa_context_disconnect(context_);
+    pa_context_unref(context_);
+    context_ = nullptr;
+}
+
+void PulseDevice::onContextState(pa_context* context, void* self) {
+    auto& device = *static_cast<PulseDevice*>(self);
+    switch (pa_context_get_state(context)) {
+        case PA_CONTEXT_READY: {
+            raisePriority();
+            const auto wanted = device.direction_ == Direction::Output ? PA_SUBSCRIPTION_MASK_SINK
+                                                                       : PA_SUBSCRIPTION_MASK_SOURCE;
+            if (pa_operation* operation = pa_context_subscribe(context, wanted, nullptr, nullptr))
+                pa_operation_unref(operation);
+            device.lookForDevice();
+            break;
+        }
+        case PA_CONTEXT_FAILED:
+        case PA_CONTEXT_TERMINATED:
+            device.streamGone();
+            break;
+        default:
+            break;
+    }
+}
+
+void PulseDevice::onChange(pa_context*, pa_subscription_event_type_t event, std::uint32_t, void* self) {
+    auto& device = *static_cast<PulseDevice*>(self);
+    const bool isNew = (event & PA_SUBSCRIPTION_EVENT_TYPE_MASK) == PA_SUBSCRIPTION_EVENT_NEW;
+    if (isNew && device.state_ == State::Lost) device.retryIn(soon);
+}
+
+/// Asks whether the device is there before a stream is opened on it: some servers would take another one.
+void PulseDevice::lookForDevice() {
+    if (id_.empty()) {
+        openStream();
+        return;
+    }
+    pa_operation* operation = nullptr;
+    if (direction_ == Direction::Output) {
+        operation = pa_context_get_sink_info_by_name(
+            context_, id_.c_str(),
+            [](pa_context*, const pa_sink_info* info, int end, void* self) {
+                auto& device = *static_cast<PulseDevice*>(self);
+                if (info) device.openStream();
+                if (end < 0) device.streamGone();
+            },
+            this);
+    } else {
+        operation = pa_context_get_source_info_by_name(
+            context_, id_.c_str(),
+            [](pa_context*, const pa_source_info* info, int end, void* self) {
+                auto& device = *static_cast<PulseDevice*>(self);
+                if (info) device.openStream();
+                if (end < 0) device.streamGone();
+            },
+            this);
+    }
+    if (operation)
+        pa_operation_unref(operation);
+    else
+        streamGone();
+}
+
+void PulseDevice::openStream() {
+    dropStream();
+    const pa_sample_spec format{PA_SAMPLE_FLOAT32NE, rate_, channels};
+    stream_ =
+        pa_stream_new(context_, direction_ == Direction::Output ? "On air" : "Microphone", &format, nullptr);
+    if (!stream_) {
+        streamGone();
+        return;
+    }
+    pa_stream_set_state_callback(stream_, &PulseDevice::onStreamState, this);
+    const char* name = id_.empty() ? nullptr : id_.c_str();
+    const auto periodBytes = static_cast<std::uint32_t>(options_.periodFrames * frameBytes);
+    constexpr auto unset = static_cast<std::uint32_t>(-1);
+    // The stream stays where it was put: one that wanders to another card would be on air from the wrong
+    // output.
+    const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
+    int result = 0;
+    if (direction_ == Direction::Output) {
+        pa_stream_set_write_callback(
+            stream_,
+            [](pa_stream*, std::size_t bytes, void* self) {
+                static_cast<PulseDevice*>(self)->giveSound(bytes);
+            },
+            this);
+        const pa_buffer_attr buffer{unset, bufferedPeriods * periodBytes, 0, periodBytes, unset};
+        result = pa_stream_connect_playback(stream_, name, &buffer, flags, nullptr, nullptr);
+    } else {
+        pa_stream_set_read_callback(
+            stream_,
+            [](pa_stream*, std::size_t, void* self) { static_cast<PulseDevice*>(self)->takeSound(); }, this);
+        const pa_buffer_attr buffer{unset, unset, unset, unset, periodBytes};
+        result = pa_stream_connect_record(stream_, name, &buffer, flags);
+    }
+    if (result < 0) streamGone();
+}
+
+void PulseDevice::onStreamState(pa_stream* stream, void* self) {
+    auto& device = *static_cast<PulseDevice*>(self);
+    switch (pa_stream_get_state(stream)) {
+        case PA_STREAM_READY:
+            device.streamReady();
+            break;
+        case PA_STREAM_FAILED:
+        case PA_STREAM_TERMINATED:
+            device.streamGone();
+            break;
+        default:
+            break;
+    }
+}
+
+void PulseDevice::streamReady() {
+    const bool back = state_ == State::Lost;
+    settle(State::Running);
+    if (paceTimer_) {
+        api_->time_free(paceTimer_);
+        paceTimer_ = nullptr;
+    }
+    if (back) client_->deviceBack();
+}
+
+void PulseDevice::streamGone() {
+    if (state_ == State::Opening) {
+        settle(State::Failed);
+        return;
+    }
+    if (state_ == State::Failed) return;
+    if (state_ == State::Running) {
+        settle(State::Lost);
+        client_->deviceLost();
+        paceOn();
+    }
+    retryIn(later);
+}
+
+void PulseDevice::retryIn(pa_usec_t microseconds) {
+    const timeval when = inMicroseconds(microseconds);
+    if (retryTimer_) {
+        api_->time_restart(retryTimer_, &when);
+        return;
+    }
+    retryTimer_ = api_->time_new(
+        api_, &when,
+        [](pa_mainloop_api*, pa_time_event*, const timeval*, void* self) {
+            static_cast<PulseDevice*>(self)->retry();
+        },
+        this);
+}
+
+void PulseDevice::retry() {
+    if (state_ != State::Lost) return;
+    dropStream();
+    if (context_ && pa_context_get_state(context_) == PA_CONTEXT_READY) {
+        lookForDevice();
+        return;
+    }
+    dropContext();
+    if (!connectContext()) {
+        dropContext();
+        retryIn(later);
+    }
+}
+
+/// While an output is away its client goes on being asked at the pace of a clock: the show does not stand
+/// still.
+void PulseDevice::paceOn() {
+    if (direction_ != Direction::Output || paceTimer_) return;
+    lostAt_ = pa_rtclock_now();
+    pacedFrames_ = 0;
+    const timeval now = inMicroseconds(0);
+    paceTimer_ = api_->time_new(
+        api_, &now,
+        [](pa_mainloop_api*, pa_time_event*, const timeval*, void* self) {
+            static_cast<PulseDevice*>(self)->pace();
+        },
+        this);
+}
+
+void PulseDevice::pace() {
+    const std::uint64_t due = (pa_rtclock_now() - lostAt_) * rate_ / PA_USEC_PER_SEC;
+    if (due > pacedFrames_ + rate_) pacedFrames_ = due - rate_;  // what a sleeping machine missed is gone
+    for (; pacedFrames_ + options_.periodFrames <= due; pacedFrames_ += options_.periodFrames)
+        client_->render(thrownAway_);
+    const timeval next = inMicroseconds(PA_USEC_PER_SEC * options_.periodFrames / rate_);
+    api_->time_restart(paceTimer_, &next);
+}
+
+void PulseDevice::giveSound(std::size_t bytes) {
+    std::size_t frames = bytes / frameBytes;
+    while (frames > 0) {
+        void* room = nullptr;
+        std::size_t roomBytes = std::min<std::size_t>(frames, options_.periodFrames) * frameBytes;
+        if (pa_stream_begin_write(stream_, &room, &roomBytes) < 0 || !room) return;
+        const std::size_t now =
+            std::min<std::size_t>({roomBytes / frameBytes, frames, options_.periodFrames});
+        if (now == 0) {
+            pa_stream_cancel_write(stream_);
+            return;
+        }
+        client_->render({static_cast<float*>(room), now * channels});
+        if (pa_stream_write(stream_, room, now * frameBytes, nullptr, 0, PA_SEEK_RELATIVE) < 0) return;
+        frames -= now;
+    }
+}
+
+void PulseDevice::takeSound() {
+    const void* data = nullptr;
+    std::size_t bytes = 0;
+    while (pa_stream_readable_size(stream_) > 0) {
+        if (pa_stream_peek(stream_, &data, &bytes) < 0 || bytes == 0) return;
+        for (std::size_t done = 0; done + frameBytes <= bytes;) {
+            const std::size_t now = std::min<std::size_t>((bytes - done) / frameBytes, options_.periodFrames);
+            const auto* from = data ? reinterpret_cast<const float*>(static_cast<const char*>(data) + done)
+                                    : silence_.data();
+            client_->heard({from, now * channels});
+            done += now * frameBytes;
+        }
+        pa_stream_drop(stream_);
+    }
+}
+
+}  // namespace zv

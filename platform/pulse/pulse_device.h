@@ -1,0 +1,80 @@
+/// One open stream to or from a sound server. Private to platform/pulse.
+#pragma once
+
+#include <pulse/pulseaudio.h>
+
+#include <condition_variable>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "engine/ports.h"
+#include "platform/pulse/pulse_devices.h"
+
+namespace zv {
+
+enum class Direction { Output, Input };
+
+/// A connection and a thread of its own for each device, so that none waits for another. All that follows the
+/// opening happens on that thread.
+class PulseDevice : public Device {
+  public:
+    PulseDevice(const PulseOptions& options, Direction direction, std::string id, std::uint32_t rate,
+                SoundClient& client);
+    ~PulseDevice() override;
+
+    /// Connects; false when there is no such device or the server does not answer in time. [control]
+    bool open();
+
+    std::uint32_t rate() const override { return rate_; }
+    std::uint32_t period() const override { return options_.periodFrames; }
+
+  private:
+    enum class State { Opening, Running, Lost, Failed };
+
+    bool connectContext();
+    void dropContext();
+    void dropStream();
+    void lookForDevice();
+    void openStream();
+    void streamGone();
+    void streamReady();
+    void giveSound(std::size_t bytes);
+    void takeSound();
+    void retryIn(pa_usec_t microseconds);
+    void retry();
+    void paceOn();
+    void pace();
+    void settle(State state);
+
+    static void onContextState(pa_context* context, void* self);
+    static void onChange(pa_context* context, pa_subscription_event_type_t event, std::uint32_t index,
+                         void* self);
+    static void onStreamState(pa_stream* stream, void* self);
+
+    PulseOptions options_;
+    Direction direction_;
+    std::string id_;
+    std::uint32_t rate_;
+    SoundClient* client_;
+
+    pa_threaded_mainloop* loop_ = nullptr;
+    pa_mainloop_api* api_ = nullptr;
+    pa_context* context_ = nullptr;
+    pa_stream* stream_ = nullptr;
+    pa_time_event* retryTimer_ = nullptr;
+    pa_time_event* paceTimer_ = nullptr;
+    pa_usec_t lostAt_ = 0;           ///< when the device went away
+    std::uint64_t pacedFrames_ = 0;  ///< asked for since
+    std::vector<float> thrownAway_;  ///< sound of a device that is away
+    std::vector<float> silence_;     ///< what an input gives for a hole in its stream
+    State state_ = State::Opening;
+
+    std::mutex openMutex_;  ///< between open() and the thread, while opening only
+    std::condition_variable opened_;
+    State openState_ = State::Opening;
+};
+
+}  // namespace zv

@@ -1,0 +1,145 @@
+#include "platform/rtaudio/rtaudio_devices.h"
+
+#include <rtaudio/RtAudio.h>
+
+#include <algorithm>
+
+#include "platform/paced/paced_device.h"
+
+namespace zv {
+namespace {
+
+constexpr std::uint32_t wantedPeriod = 256;  // frames
+constexpr std::uint32_t channels = 2;
+
+enum class Direction { Output, Input };
+
+class RtAudioDevice : public Device {
+  public:
+    RtAudioDevice(RtAudio::Api api, Direction direction, SoundClient& client)
+        : audio_(api), direction_(direction), client_(&client) {
+        audio_.showWarnings(false);
+    }
+    ~RtAudioDevice() override {
+        try {
+            if (audio_.isStreamOpen()) audio_.closeStream();
+        } catch (const RtAudioError&) {
+            // It is gone already.
+        }
+    }
+
+    bool open(const std::string& id, std::uint32_t rate) {
+        const bool output = direction_ == Direction::Output;
+        RtAudio::StreamParameters parameters;
+        parameters.deviceId = output ? audio_.getDefaultOutputDevice() : audio_.getDefaultInputDevice();
+        parameters.nChannels = channels;
+        if (!id.empty()) {
+            bool found = false;
+            for (unsigned n = 0; n < audio_.getDeviceCount() && !found; ++n) {
+                found = audio_.getDeviceInfo(n).name == id;
+                if (found) parameters.deviceId = n;
+            }
+            if (!found) return false;
+        }
+        RtAudio::StreamOptions options;
+        options.flags = RTAUDIO_MINIMIZE_LATENCY | RTAUDIO_SCHEDULE_REALTIME;
+        options.numberOfBuffers = 2;
+        options.streamName = "Zentrova";
+        unsigned period = wantedPeriod;
+        audio_.openStream(output ? &parameters : nullptr, output ? nullptr : &parameters, RTAUDIO_FLOAT32,
+                          rate, &period, &RtAudioDevice::onPeriod, this, &options);
+        period_ = period;
+        rate_ = audio_.getStreamSampleRate();
+        audio_.startStream();
+        return true;
+    }
+
+    std::uint32_t rate() const override { return rate_; }
+    std::uint32_t period() const override { return period_; }
+
+  private:
+    static int onPeriod(void* out, void* in, unsigned frames, double, RtAudioStreamStatus, void* self) {
+        auto& device = *static_cast<RtAudioDevice*>(self);
+        const std::size_t samples = std::size_t{frames} * channels;
+        if (out) device.client_->render({static_cast<float*>(out), samples});
+        if (in) device.client_->heard({static_cast<const float*>(in), samples});
+        return 0;
+    }
+
+    RtAudio audio_;
+    Direction direction_;
+    SoundClient* client_;
+    std::uint32_t rate_ = 0;
+    std::uint32_t period_ = wantedPeriod;
+};
+
+class RtAudioDevices : public DeviceSource {
+  public:
+    explicit RtAudioDevices(RtAudio::Api api) : api_(api) {}
+
+    std::vector<DeviceDescription> outputs() override { return list(Direction::Output); }
+    std::vector<DeviceDescription> inputs() override { return list(Direction::Input); }
+    std::unique_ptr<Device> openOutput(const std::string& id, std::uint32_t rate,
+                                       SoundClient& client) override {
+        return open(Direction::Output, id, rate, client);
+    }
+    std::unique_ptr<Device> openInput(const std::string& id, std::uint32_t rate,
+                                      SoundClient& client) override {
+        return open(Direction::Input, id, rate, client);
+    }
+    std::unique_ptr<Device> openNoSound(std::uint32_t rate, SoundClient& client) override {
+        return openPacedDevice(rate, wantedPeriod, client);
+    }
+    bool offline() const override { return false; }
+
+  private:
+    std::vector<DeviceDescription> list(Direction direction) const {
+        std::vector<DeviceDescription> devices;
+        try {
+            RtAudio audio(api_);
+            audio.showWarnings(false);
+            for (unsigned n = 0; n < audio.getDeviceCount(); ++n) {
+                const RtAudio::DeviceInfo info = audio.getDeviceInfo(n);
+                const bool output = direction == Direction::Output;
+                if (!info.probed || (output ? info.outputChannels : info.inputChannels) < channels) continue;
+                devices.push_back({info.name, info.name, output ? info.isDefaultOutput : info.isDefaultInput,
+                                   info.preferredSampleRate});
+            }
+        } catch (const RtAudioError&) {
+            devices.clear();
+        }
+        return devices;
+    }
+
+    std::unique_ptr<Device> open(Direction direction, const std::string& id, std::uint32_t rate,
+                                 SoundClient& client) const {
+        try {
+            auto device = std::make_unique<RtAudioDevice>(api_, direction, client);
+            if (device->open(id, rate)) return device;
+        } catch (const RtAudioError&) {
+            // No such device, or it is in use.
+        }
+        return nullptr;
+    }
+
+    RtAudio::Api api_;
+};
+
+}  // namespace
+
+std::shared_ptr<DeviceSource> makeRtAudioDevices() {
+    std::vector<RtAudio::Api> built;
+    RtAudio::getCompiledApi(built);
+    // The sound server is asked elsewhere, over its own interface.
+    std::erase(built, RtAudio::LINUX_PULSE);
+    std::erase(built, RtAudio::RTAUDIO_DUMMY);
+    const auto jack = std::find(built.begin(), built.end(), RtAudio::UNIX_JACK);
+    if (jack != built.end()) std::rotate(built.begin(), jack, jack + 1);
+    for (const RtAudio::Api api : built) {
+        auto devices = std::make_shared<RtAudioDevices>(api);
+        if (!devices->outputs().empty()) return devices;
+    }
+    return std::make_shared<RtAudioDevices>(built.empty() ? RtAudio::RTAUDIO_DUMMY : built.front());
+}
+
+}  // namespace zv
