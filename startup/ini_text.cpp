@@ -37,6 +37,12 @@ bool writableKey(std::string_view text) {
 
 bool writableSection(std::string_view text) { return !trimmedBlanks(onOneLine(text)).empty(); }
 
+/// False for a name that nobody can ask for.
+bool askable(std::string_view name) {
+    constexpr std::string_view kNever("\0\r", 2);
+    return !name.empty() && name.find_first_of(kNever) == std::string_view::npos;
+}
+
 /// Offsets of the text without the blanks around it.
 std::pair<std::size_t, std::size_t> trimmedRange(std::string_view bytes, std::size_t begin, std::size_t end) {
     while (begin < end && isBlank(bytes[begin])) ++begin;
@@ -181,7 +187,7 @@ std::vector<IniText::Line> IniText::lines(std::string_view section) {
     index(*s);
     for (const Key& k : s->keys) {
         const std::string_view key = view(s->begin + k.name, s->begin + k.nameEnd);
-        if (find(*s, key) != &k) continue;  // a second one of that name
+        if (!askable(key) || find(*s, key) != &k) continue;  // a second one of that name
         std::string text = toUtf8(withoutQuotes(view(s->begin + k.value, s->begin + k.valueEnd)), encoding_);
         if (text.size() > kLongestValue) text.resize(firstCharacters(text, kLongestValue).size());
         out.emplace_back(toUtf8(key, encoding_), std::move(text));
@@ -194,7 +200,7 @@ std::vector<std::string> IniText::sectionNames() const {
     out.reserve(sections_.size());
     for (const Section& s : sections_) {
         const std::string_view name = view(s.name, s.nameEnd);
-        if (!name.empty() && find(name) == &s) out.push_back(toUtf8(name, encoding_));
+        if (askable(name) && find(name) == &s) out.push_back(toUtf8(name, encoding_));
     }
     return out;
 }
@@ -296,16 +302,16 @@ bool IniText::putEncoded(std::string_view section, std::string_view key, std::st
         splice(begin, end, value);
         return true;
     }
-    closeLastLine();
     std::string line;
     line.append(key).append("=").append(value).append(lineEnd_);
-    s = find(section);  // anew: closing the last line moves the sections
     if (s != nullptr) {
-        index(*s);
         const std::size_t at = s->begin + s->lastLineEnd;
-        splice(at, at, line);
+        const bool cutShort = bytes_[at - 1] != '\n';  // the file's last line
+        splice(at, at, cutShort ? lineEnd_ + line : line);
+        if (cutShort) findSections();
         return true;
     }
+    closeLastLine();
     bytes_.append("[").append(section).append("]").append(lineEnd_).append(line);
     findSections();
     return true;

@@ -1,0 +1,44 @@
+// What the ground floor asks of its surroundings, answered for the tests, and a folder of its own for each
+// test.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "platform/clock.h"
+#include "platform/desktop.h"
+
+namespace zv::test {
+
+/// The answers; reset for each test.
+struct Surroundings {
+    std::int64_t nowMs = 1000;
+    WallTime wall{2026, 1, 31, 6, 14, 5, 9, 0};
+    int engineError = 0;
+    bool french = false;
+    bool fontsThere = true;
+    BoxAnswer answer = BoxAnswer::no;
+    std::vector<std::string> boxes;  ///< texts of the message boxes shown
+    std::string clipboard;
+};
+extern Surroundings around;
+
+/// A program folder of its own, with all stores on it; gone afterwards.
+class ProgramFolderTest : public ::testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    std::filesystem::path path(const std::string& name) const { return folder / name; }
+    /// Writes and reads without the code under test.
+    void write(const std::string& name, const std::string& bytes) const;
+    std::string read(const std::string& name) const;
+    bool there(const std::string& name) const { return std::filesystem::exists(path(name)); }
+
+    std::filesystem::path folder;
+};
+
+}  // namespace zv::test
