@@ -143,8 +143,6 @@ class Control {
     std::function<void()> onClose;                 ///< window: it closes now
     std::function<void()> onResize;                ///< window: width and height hold the new inner size
 
-    /// What a screen reader says behind the caption (state, time left). Asked when it is wanted, never each tick.
-    std::function<std::string()> describe;
     /// Asked when a screen reader wants to know more than the caption: state and time left, in the user's words.
     std::function<std::string()> onDescribe;
 

@@ -13,6 +13,8 @@ namespace zv {
 std::string FormatTime(std::string_view format, const WallTime& time);
 std::string FormatDate(std::string_view format, const WallTime& time);
 
+extern bool ClockShowDate;  ///< the display is held down in minimal view
+
 /// Writes lblDate and lblTime when their text changed; normal view only.
 void DateTimeUpdate();
 /// Writes the big digits; minimal view only.

@@ -17,6 +17,8 @@ extern ShadedColours Shaded;
 
 /// Computes the shaded colours and repaints what shows them.
 void ReColorizeBtn();
+/// Colours of Repeat, Touch and Automix among the keys by their states.
+void ShowGlobalToggles();
 /// Light (0) or dark (1).
 void SwitchDarkMode(int dark);
 /// Colour of frames' borders.
@@ -33,5 +35,7 @@ void clColorSet(int index);
 /// A click on a field of the picker: applies it to SelJ and closes the picker.
 void PickColour(int field);
 void CloseColorPicker();
+void TimerTrigColSelTick();
+void TimerCloseColorPickerTick();
 
 }  // namespace zv

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "model/jingle.h"
 #include "platform/controls.h"
 
 namespace zv {
@@ -18,7 +19,32 @@ extern bool PrevCtrlDown, PrevShiftDown;
 extern bool DeletePromptOn;      ///< Alt shows the delete prompt
 extern std::string FocusedName;  ///< control that had the focus at the last poll
 
-/// The decision order of a press: the first meaning that applies acts. [control]
+/// What a press can mean.
+enum class PressMeaning {
+    nothing,
+    assign,
+    announcerJingle,
+    loop,
+    sequence,
+    autoRepeat,
+    touch,
+    playStop,
+    noStop,
+    colour,
+    effects,
+    relocate,
+    cut,
+    copy,
+    paste,
+    rename,
+    remove,
+    removeWithFile,
+    play,
+};
+/// The decision order of a press: the first line that fits settles it. Changes nothing.
+PressMeaning DecidePress(int index);
+/// Does what DecidePress says; the only entry for a press from mouse, keyboard and control surfaces.
+/// [control]
 void btClic(int index);
 
 // Events of the button array. Each button is independent: several fingers press and release at once.
@@ -40,6 +66,8 @@ void ckLoopITog();
 void CkAssignTog();
 void ckTab_MouseDown(int tab);
 
+/// Paints every live button: those that fit in the option's colour, the others as faces.
+void HighlightButtons(Colour shaded, bool (*fits)(const JingleRecord&));
 /// Ends highlighting: every button that does not play gets its colours back. `except` keeps one as it is.
 void ResetJingles(int except = -1);
 /// Disarms all toggles when a control was in use (LastCtrl).
@@ -60,14 +88,14 @@ void clSeqSet(int index);
 /// Marks the palette as changed: the message "mPalToSave" in the mode "save".
 void MarkPalToSave();
 
-// Global toggles among the keys.
-void CkAutoRepTog();
-void CkTouchTog();
 /// Stops everything and disarms the announcer and the stream.
 void btStop_MouseDown(const MouseEvent& event);
 /// Delete on the keyboard.
 void DeleteObj();
 
+/// What the display says while modifier keys are held.
+enum class ModifierMessage { none, move, copy, rename, remove, removeFile };
+ModifierMessage MessageFor(bool ctrl, bool shift, bool alt);
 /// Poll of Ctrl, Shift and Alt with its messages on the display.
 void TimerKeyModifiersTick();
 

@@ -26,6 +26,8 @@ void TimerControlFlashTick();
 /// Writes the digits from DispRemain; `text` is DispText.
 void WriteDigits(double remain, const std::string& text);
 void SetDigitsColour(Colour colour);
+/// The part of the tick behind the warning: clock of the minimal view, digits, end of the blink.
+void ShowRemain();
 /// Interval of TimerWarnBlink for a blink rate, ms; 0 for none.
 int WarnBlinkInterval(int blinkWarn);
 

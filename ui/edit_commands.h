@@ -24,8 +24,13 @@ void clFXSet(int index);
 /// Removes a button's jingle after a question, with the file on disk when `withFile`.
 void DelJing(int index, bool withFile);
 
+/// Frees a button's sound, empties its record and its look. Marks nothing as changed.
+void ClearButton(int index);
+
 void ShowSelectors();
 void HideSelectors();
+/// The tick of a box that travels with a move is forgotten.
+void ForgetMoveTick();
 /// Ticks every box that is shown.
 void CheckAllSelectors();
 /// Captions of the ticked buttons on the clipboard.
@@ -33,6 +38,8 @@ void CopyAllJings();
 
 /// SelJ from the ticked boxes when Ctrl is held, else the button alone. False: two or more boxes are ticked.
 bool BuildSelJ(int index);
+/// Clears the buttons of SelJ after one question.
+void ClearSelection();
 /// The menu of a button, and that of several.
 void OpenJingleMenu(int index);
 void ckJingleMenu();

@@ -105,6 +105,9 @@ bool Form_QueryUnload(int reason);
 /// hidden.
 void frmMainUnload();
 
+/// Notes place and size of the window in the settings; a minimised or full window keeps what was noted.
+void TimerMainPosTick();
+
 inline constexpr int MinWinWidth = 790;   ///< pixels
 inline constexpr int MinWinHeight = 590;  ///< pixels
 

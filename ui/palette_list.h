@@ -10,8 +10,6 @@ namespace zv {
 extern int PalLoadIdx;  ///< next slot that TimerLoadPal opens
 
 void lstPalRefresh();
-/// `name` when the list has it, else the first entry, else empty.
-std::string CheckSection(const std::string& name);
 /// Selects the entry of that name; none when it is missing.
 void SelectPalette(const std::string& name);
 void CentrePaletteList();

@@ -1,0 +1,162 @@
+#include "ui/jingle_buttons.h"
+
+#include <array>
+#include <memory>
+
+#include "model/jingle.h"
+#include "model/state.h"
+#include "startup/guard.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "ui/clock_display.h"
+#include "ui/colours_ui.h"
+#include "ui/commands.h"
+#include "ui/display.h"
+#include "ui/edit_commands.h"
+#include "ui/main_window.h"
+
+namespace zv {
+
+namespace {
+
+using enum ControlKind;
+
+std::array<std::unique_ptr<JingleButton>, kJingles> family;
+
+bool inRange(int index) { return index >= 0 && index < kJingles; }
+
+JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
+
+/// State and time left, for a screen reader.
+std::string described(int index) {
+    const JingleRecord& j = record(index);
+    if (j.Path.empty()) {
+        return Ln("aEmpty");
+    }
+    if (j.MissingFile || j.Unplayable) {
+        return Ln("aMissing");
+    }
+    const JingleButton* b = Button(index);
+    if (b == nullptr || !b->JRemLev.visible) {
+        return Ln("aReady") + " " + seconds2msd(j.Duration);
+    }
+    const int full = b->b_Jingle.width() - 2 * b->JremBG.left();
+    const double share = full > 0 ? static_cast<double>(b->JRemLev.width()) / full : 0;
+    const std::string left = seconds2msd(j.Duration * share);
+    if (j.State == PlayState::stopping) {
+        return Ln("aFading") + ", " + Ln("aTimeLeft") + " " + left;
+    }
+    if (j.PlayingOtherPal) {
+        return Ln("aOtherPal") + ", " + Ln("aTimeLeft") + " " + left;
+    }
+    return Ln("aPlaying") + " " + left;
+}
+
+}  // namespace
+
+JingleButton::JingleButton(Control& block, int index)
+    : b_Jingle("b_Jingle", jingle, &block, index),
+      JremBG("JremBG", shape, &b_Jingle, index),
+      JRemLev("JRemLev", shape, &b_Jingle, index),
+      lp_Jingle("lp_Jingle", symbol, &b_Jingle, index),
+      sq_Jingle("sq_Jingle", symbol, &b_Jingle, index),
+      fx_Jingle("fx_Jingle", symbol, &b_Jingle, index),
+      pm_Jingle("pm_Jingle", symbol, &b_Jingle, index),
+      picPlaylist("picPlaylist", picture, &b_Jingle, index),
+      lblPlaylist("lblPlaylist", symbol, &b_Jingle, index),
+      picbtnumber("picbtnumber", picture, &b_Jingle, index),
+      lblbtnumber("lblbtnumber", label, &b_Jingle, index),
+      ckJingSel("ckJingSel", checkBox, &b_Jingle, index) {
+    for (Control* c :
+         {&JremBG, &JRemLev, &lp_Jingle, &sq_Jingle, &fx_Jingle, &pm_Jingle, &picPlaylist, &ckJingSel}) {
+        c->visible = false;
+    }
+    lblbtnumber.caption = std::to_string(index);
+    JremBG.backColor = settings.JRemLevTrBg == 1 ? kNoColour : settings.JRemLevColBg;
+    JRemLev.backColor = settings.JRemLevCol;
+    lp_Jingle.foreColor = Shaded.lp;
+    sq_Jingle.foreColor = Shaded.sq;
+    fx_Jingle.foreColor = Shaded.fx;
+    b_Jingle.onMouseDown = [index](const MouseEvent& e) { b_Jingle_MouseDown(index, e); };
+    b_Jingle.onMouseUp = [index](const MouseEvent& e) { b_Jingle_MouseUp(index, e); };
+    b_Jingle.onKeyDown = [index](KeyEvent& e) { b_Jingle_KeyDown(index, e); };
+    b_Jingle.onDrop = [index](const std::string& path) { b_Jingle_OLEDragDrop(index, path); };
+    b_Jingle.onDescribe = [index] {
+        return guardedOr(".b_Jingle_Describe", std::string(), [&] { return described(index); });
+    };
+    ckJingSel.onMouseDown = [](const MouseEvent& e) {
+        if (e.button == MouseButton::right) {
+            ckJingleMenu();
+        }
+    };
+}
+
+JingleButton* Button(int index) {
+    return inRange(index) ? family[static_cast<std::size_t>(index)].get() : nullptr;
+}
+
+JingleButton& MakeButton(int index) {
+    auto& slot = family.at(static_cast<std::size_t>(index));
+    if (!slot) {
+        MainWindow& w = frmMain();
+        slot = std::make_unique<JingleButton>(index >= kPaletteSlots ? w.fraHotJingles : w.fraJingles, index);
+        slot->b_Jingle.visible = false;
+        PaintButton(index, BtnFaceColor, JingleForeColor);
+    }
+    return *slot;
+}
+
+void ShowButton(int index, bool visible) {
+    if (JingleButton* b = Button(index)) {
+        b->b_Jingle.visible = visible;
+    }
+}
+
+void HideMarks(int index) {
+    if (JingleButton* b = Button(index)) {
+        for (Control* c : {&b->lp_Jingle, &b->sq_Jingle, &b->fx_Jingle, &b->pm_Jingle}) {
+            c->visible = false;
+        }
+    }
+}
+
+void ShowMarks(int index) {
+    if (JingleButton* b = Button(index)) {
+        const JingleRecord& j = record(index);
+        b->lp_Jingle.visible = j.Loop != 0;
+        b->sq_Jingle.visible = j.Seq != 0;
+        ShowPlayModeMark(index);
+    }
+}
+
+void PaintButton(int index, Colour back, Colour fore) {
+    if (JingleButton* b = Button(index)) {
+        b->b_Jingle.backColor = back;
+        b->b_Jingle.foreColor = fore;
+        b->picPlaylist.backColor = back;
+        b->picbtnumber.backColor = back;
+        b->lblPlaylist.foreColor = fore;
+        b->lblbtnumber.foreColor = fore;
+    }
+}
+
+void RestColours(int index, Colour& back, Colour& fore) {
+    const JingleRecord& j = record(index);
+    if (j.MissingFile) {
+        back = BtnFaceColor;
+        fore = kMissingColour;
+    } else if (j.BTNCol.empty() || j.BTNCol == kFaceColourText) {
+        back = BtnFaceColor;
+        fore = JingleForeColor;
+    } else {
+        back = j.BackRGB;
+        fore = j.ForeRGB;
+    }
+}
+
+bool HasPlaylistMark(int index, char letter) {
+    const JingleButton* b = Button(index);
+    return b != nullptr && b->picPlaylist.visible && b->lblPlaylist.caption() == std::string(1, letter);
+}
+
+}  // namespace zv

@@ -1,0 +1,229 @@
+#include "ui/upcalls_fill.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "audio/streams.h"
+#include "audio/upcalls.h"
+#include "model/colours.h"
+#include "model/jingle.h"
+#include "model/palette_files.h"
+#include "model/state.h"
+#include "model/upcalls.h"
+#include "platform/desktop.h"
+#include "startup/errors.h"
+#include "startup/helpers.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "startup/upcalls.h"
+#include "ui/clock_display.h"
+#include "ui/colours_ui.h"
+#include "ui/commands.h"
+#include "ui/console_window.h"
+#include "ui/display.h"
+#include "ui/edit_commands.h"
+#include "ui/global_keys.h"
+#include "ui/jingle_buttons.h"
+#include "ui/language_ui.h"
+#include "ui/layout.h"
+#include "ui/main_window.h"
+#include "ui/palette_list.h"
+#include "ui/report_window.h"
+#include "ui/splash.h"
+#include "ui/timers.h"
+
+namespace zv {
+
+namespace {
+
+constexpr Colour kMarkOff = 0;
+
+JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
+
+void showErrorMark(const ErrorMark& mark) {
+    DisplayControls& d = frmMain().display;
+    if (mark.character != 0) {
+        d.lblErr.caption = std::string(1, mark.character);
+    }
+    d.lblErr.foreColor = mark.usesPlayingColor ? settings.PlayingColor : settings.DateTimeColor;
+    d.lblErr.toolTip = mark.toolTip;
+    d.lblErr.visible = mark.visible;
+    if (mark.visible && settings.MinimalView == 1) {
+        for (Control& playMode : d.lblPlayMode) {
+            playMode.visible = false;
+        }
+    }
+}
+
+void fillStartup() {
+    startupUpcalls.showErrorMark = showErrorMark;
+    startupUpcalls.startSaveTimer = [] { timers().SaveTimer.restart(); };
+    startupUpcalls.applyText = ApplyText;
+    startupUpcalls.paletteNames = [] { return frmMain().palettes.lstPal.items(); };
+    startupUpcalls.gridChanged = [] { LastPalIdx = settings.JinglesRows * settings.JinglesCols - 1; };
+    startupUpcalls.splashStep = [](const std::string& text) { frmSplash().lblStep.caption = text; };
+    startupUpcalls.splashBar = [](int width) { frmSplash().picLoad.width = width; };
+}
+
+/// The small field, the number and the marks of a slot that holds nothing.
+void showEmpty(int index) {
+    JingleButton* b = Button(index);
+    if (b == nullptr) {
+        return;
+    }
+    b->b_Jingle.caption = std::string();
+    b->b_Jingle.toolTip = std::string();
+    b->picPlaylist.visible = false;
+    HideMarks(index);
+    PaintButton(index, BtnFaceColor, JingleForeColor);
+}
+
+void paintAtRest(int index) {
+    if (SelectorsOn) {
+        return;
+    }
+    if (record(index).PlayingOtherPal) {
+        PaintButton(index, settings.PlayingColorAnotherPal, GetForeColor(settings.PlayingColorAnotherPal));
+        return;
+    }
+    Colour back = 0;
+    Colour fore = 0;
+    RestColours(index, back, fore);
+    PaintButton(index, back, fore);
+}
+
+void showNames(int index) {
+    JingleButton* b = Button(index);
+    if (b == nullptr) {
+        return;
+    }
+    if (!record(index).PlayingOtherPal) {
+        b->b_Jingle.caption = Ampersand(btCaption(record(index).Path));
+        HideMarks(index);
+    }
+    paintAtRest(index);
+}
+
+void showLoaded(int index) {
+    JingleButton* b = Button(index);
+    if (b == nullptr) {
+        return;
+    }
+    const JingleRecord& j = record(index);
+    b->b_Jingle.caption = ButtonText(index);
+    b->b_Jingle.toolTip = std::string();
+    ShowMarks(index);
+    b->fx_Jingle.visible = j.CueStart != 0 || j.FadeOut != 0 || j.StopPos != 0 || j.FXV != NeutralFXV(j.Freq);
+    paintAtRest(index);
+}
+
+void showFailed(int index) {
+    JingleButton* b = Button(index);
+    if (b == nullptr) {
+        return;
+    }
+    const JingleRecord& j = record(index);
+    b->b_Jingle.caption = Ampersand(btCaption(j.Path));
+    b->b_Jingle.toolTip =
+        j.MissingFile ? Ln("errMissFile") : MakeBJingName(BassErrMessage(j.BassErr), j.Path);
+    HideMarks(index);
+    paintAtRest(index);
+}
+
+void showStarting(int index) {
+    if (JingleButton* b = Button(index)) {
+        b->JRemLev.width = b->JremBG.width();
+        b->JRemLev.backColor = settings.JRemLevCol;
+    }
+}
+
+void showStarted(int index) {
+    if (JingleButton* b = Button(index)) {
+        b->JRemLev.visible = settings.JRemLevPos > 0;
+        b->JremBG.visible = settings.JRemLevPos > 0;
+        b->fx_Jingle.foreColor = Shaded.fx;
+    }
+}
+
+void fillAudio() {
+    audioUpcalls.slotReset = showEmpty;
+    audioUpcalls.namesRead = showNames;
+    audioUpcalls.fileMissing = [](int index) {
+        if (JingleButton* b = Button(index)) {
+            b->b_Jingle.toolTip = Ln("errMissFile");
+        }
+    };
+    audioUpcalls.slotFailed = showFailed;
+    audioUpcalls.slotLoaded = showLoaded;
+    audioUpcalls.slotOpened = [](int index) {
+        if (record(index).PlayingOtherPal) {
+            paintAtRest(index);
+        }
+    };
+    audioUpcalls.playStarting = showStarting;
+    audioUpcalls.playStarted = showStarted;
+    audioUpcalls.loopLeft = [](int index) {
+        if (JingleButton* b = Button(index)) {
+            b->sq_Jingle.foreColor = kMarkOff;
+        }
+    };
+    audioUpcalls.hideClock = StopClock;
+    audioUpcalls.noOutputDevice = [] { ErrDisp("no", 0, Ln("mNoOutDev")); };
+    audioUpcalls.automixPress = AutomixPress;
+}
+
+void fillModel() {
+    modelUpcalls.openNames = openNames;
+    modelUpcalls.openStreams = openStreams;
+    modelUpcalls.beginLoad = [] {
+        ErrDisp("hide");
+        ErrDisp("wait", 0, Ln("errLoadPal"));
+        HideSelectors();
+        if (settings.CenterLstPal == 1) {
+            CentrePaletteList();
+        }
+    };
+    modelUpcalls.endLoad = [] {
+        if (ErrMarkShows("h")) {
+            HideErrMark();
+        }
+    };
+    modelUpcalls.showPaletteName = [](const std::string& name) {
+        frmMain().display.txtDisPal.caption = name;
+    };
+    modelUpcalls.paletteListChanged = [](const std::string& name) {
+        lstPalRefresh();
+        SelectPalette(name);
+        if (settings.CenterLstPal == 1) {
+            CentrePaletteList();
+        }
+    };
+    modelUpcalls.selectedPalette = [] { return frmMain().palettes.lstPal.text(); };
+    modelUpcalls.pendingRemovals = [] {
+        const std::vector<std::string>& sections = frmMain().palettes.lstSection.items();
+        const std::vector<std::string>& slots = frmMain().palettes.lstJID.items();
+        std::vector<std::pair<std::string, int>> pending;
+        for (std::size_t i = 0; i < sections.size() && i < slots.size(); ++i) {
+            pending.emplace_back(sections[i], static_cast<int>(Val(slots[i])));
+        }
+        return pending;
+    };
+    modelUpcalls.clearPendingRemovals = [] {
+        frmMain().palettes.lstSection.items = std::vector<std::string>();
+        frmMain().palettes.lstJID.items = std::vector<std::string>();
+    };
+    modelUpcalls.pumpEvents = processEvents;
+}
+
+}  // namespace
+
+void FillUpcalls() {
+    fillStartup();
+    FillConsoleUpcalls();
+    FillReportUpcalls();
+    fillModel();
+    fillAudio();
+}
+
+}  // namespace zv
