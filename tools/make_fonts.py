@@ -160,7 +160,7 @@ def symbols(w):
              head(740, 200, 0, 190), head(740, 520, 0, 190)]
     put("a", "automix on its own", *cross)
     put("n", "automix, all", *cross, line(w, (110, 20), (690, 20)))
-    put("r", "repeats by itself", arc(400, 340, 230, w, -60, 240), head(560, 60, 200, 220))
+    put("r", "repeats by itself", arc(400, 350, 230, w, -45, 250), head(470, 172, 215, 230))
     put("v", "plays while touched", disc(400, 360, 90), arc(400, 360, 190, w * 0.8, 0, 350), arc(400, 360, 300, w * 0.8, 20, 160),
         arc(400, 360, 300, w * 0.8, 200, 340))
     put("w", "plays to its end", triangle)
@@ -175,13 +175,15 @@ def symbols(w):
     put("A", "before noon", disc(400, 360, 150), *[line(w * 0.9, (400 + 230 * math.cos(a), 360 + 230 * math.sin(a)),
                                                        (400 + 310 * math.cos(a), 360 + 310 * math.sin(a)))
                                                   for a in [math.pi * i / 4 for i in range(8)]])
-    moon = [(400 + 290 * math.cos(math.radians(a)), 360 + 290 * math.sin(math.radians(a))) for a in range(70, 381, 10)]
-    moon += [(520 + 235 * math.cos(math.radians(a)), 470 + 235 * math.sin(math.radians(a))) for a in range(330, 119, -10)]
+    # The outer bow from one horn to the other, back along the bow of the shadow.
+    moon = [(380 + 290 * math.cos(math.radians(a)), 360 + 290 * math.sin(math.radians(a))) for a in range(80, 361, 8)]
+    moon += [(530 + 205 * math.cos(math.radians(a)), 500 + 205 * math.sin(math.radians(a)))
+             for a in range(306, 144, -8)]
     put("N", "after noon", [clockwise(moon)])
-    put("l", "loop", line(w, (230, 560), (570, 560)), arc(570, 420, 140, w, -10, 90), head(725, 350, 265, 200),
-        line(w, (570, 160), (230, 160)), arc(230, 300, 140, w, 170, 270), head(75, 370, 85, 200))
+    put("l", "loop", line(w, (250, 560), (560, 560)), arc(250, 430, 130, w, 90, 190), head(720, 560, 0, 190),
+        line(w, (550, 160), (240, 160)), arc(550, 290, 130, w, -90, 10), head(80, 160, 180, 190))
     put("s", "sequence", *[rect(x, 100, x + 120, 100 + hgt, 20) for x, hgt in ((110, 180), (270, 320), (430, 460))],
-        line(w, (600, 100), (600, 560)), head(600, 680, 90, 200))
+        line(w, (640, 110), (640, 520)), head(640, 690, 90, 200))
     put("e", "effects", *[line(w * 0.8, (x, 70), (x, 650)) for x in (190, 400, 610)],
         rect(110, 400, 270, 500, 30), rect(320, 190, 480, 290, 30), rect(530, 450, 690, 550, 30))
     put("m", "play mode", triangle, line(w, (130, 110), (130, 610)))
@@ -203,7 +205,7 @@ def symbols(w):
     put("i", "about", disc(400, 620, 62), line(w * 1.3, (400, 430), (400, 100)))
     put("!", "attention", poly((60, 40), (740, 40), (400, 690)), hole(rect(368, 230, 432, 480)), hole(disc(400, 140, 42)))
     put("+", "add", line(w, (400, 110), (400, 610)), line(w, (150, 360), (650, 360)))
-    put("k", "linked", arc(270, 360, 150, w, 40, 320), arc(530, 360, 150, w, 220, 500), line(w, (290, 360), (510, 360)))
+    put("k", "linked", arc(250, 360, 150, w, 50, 310), arc(550, 360, 150, w, 230, 490), line(w, (280, 360), (520, 360)))
     return g
 
 

@@ -176,6 +176,8 @@ class JingleWidget final : public PaintedWidget {
 
     /// The bar and its track; what is as high as wide is a mark.
     void paintShape(QPainter& p, const Control& part, const QRectF& place, const Theme& theme) const {
+        // A track without a colour of its own is transparent.
+        if (part.backColor() == kNoColour) return;
         if (place.width() <= 0 || place.height() <= 0) return;
         p.save();
         p.setRenderHint(QPainter::Antialiasing);

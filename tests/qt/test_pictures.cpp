@@ -1,0 +1,289 @@
+// What the records say is what is painted, and no more is painted than changed.
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QFontMetricsF>
+#include <QSlider>
+
+#include "platform/qt/view/jingle_text.h"
+#include "platform/qt/view/painted.h"
+#include "platform/qt/view/theme.h"
+#include "tests/qt/stage.h"
+
+namespace zv::test {
+namespace {
+
+using namespace shell;
+
+bool near(const QColor& a, const QColor& b, int by = 6) {
+    return std::abs(a.red() - b.red()) <= by && std::abs(a.green() - b.green()) <= by &&
+           std::abs(a.blue() - b.blue()) <= by;
+}
+
+/// Pixels of the colour inside a rectangle.
+int count(const QImage& picture, const QRect& where, const QColor& colour, int by = 6) {
+    int n = 0;
+    for (int y = where.top(); y <= where.bottom(); ++y) {
+        for (int x = where.left(); x <= where.right(); ++x)
+            n += near(picture.pixelColor(x, y), colour, by) ? 1 : 0;
+    }
+    return n;
+}
+
+QWidget& widgetFor(const Control& c) { return viewOf(c)->widget; }
+
+PaintedWidget& paintedFor(const Control& c) { return dynamic_cast<PaintedWidget&>(*viewOf(c)); }
+
+TEST(Records, StandWhereTheyWerePlacedAndFollow) {
+    Stage s;
+    EXPECT_EQ(widgetFor(s.key).geometry(), QRect(8, 210, 100, 40));
+    s.key.left = twips(20);
+    s.key.width = twips(120);
+    s.key.toolTip = "tip";
+    s.key.enabled = false;
+    s.list.visible = false;
+    s.slide.maximum = 200;
+    s.slide.value = 150;
+    flushChanged();
+    EXPECT_EQ(widgetFor(s.key).geometry(), QRect(20, 210, 120, 40));
+    EXPECT_EQ(widgetFor(s.key).toolTip(), "tip");
+    EXPECT_FALSE(widgetFor(s.key).isEnabled());
+    EXPECT_FALSE(widgetFor(s.list).isVisible());
+    EXPECT_EQ(qobject_cast<QSlider*>(&widgetFor(s.slide))->value(), 150);
+
+    Control late("lblLate", ControlKind::label, &s.block);
+    place(late, 700, 10, 50, 20);
+    late.caption = "late";
+    flushChanged();
+    ASSERT_NE(viewOf(late), nullptr) << "a record made after its window";
+    EXPECT_TRUE(widgetFor(late).isVisible());
+}
+
+TEST(Jingle, ItsStateIsReadFromItsFace) {
+    Stage s;
+    Family& f = *s.families[0];
+    const QRect face = widgetFor(f.button).geometry();
+    const QRect inner = face.adjusted(4, 12, -4, -4);
+    const int all = inner.width() * inner.height();
+
+    f.button.backColor = 0xBFFFBF;  // playing: the whole face
+    f.button.foreColor = 0;
+    EXPECT_GT(count(s.picture(), inner, QColor(0xBF, 0xFF, 0xBF)), all * 8 / 10);
+
+    f.button.backColor = kButtonFace;  // missing: red text on the usual face
+    f.button.foreColor = 255;
+    QImage p = s.picture();
+    EXPECT_GT(count(p, inner, Qt::red, 40), 40);
+    EXPECT_GT(count(p, inner, themeFor(s.window).face), all * 8 / 10);
+
+    f.button.caption = "";  // empty: the ground shows through, dashes around it
+    p = s.picture();
+    EXPECT_GT(count(p, inner, themeFor(s.window).ground), all * 9 / 10);
+    EXPECT_GT(count(p, QRect(face.left() + 8, face.top(), 180, 1), themeFor(s.window).ground), 40);
+    EXPECT_LT(count(p, QRect(face.left() + 8, face.top(), 180, 1), themeFor(s.window).ground), 160);
+
+    f.button.backColor = 0x00AAFF;  // an empty one to which an armed option can go
+    EXPECT_GT(count(s.picture(), inner, QColor(0xFF, 0xAA, 0x00)), all * 8 / 10);
+}
+
+TEST(Jingle, BarMarksAndDurationArePaintedFromTheirRecords) {
+    Stage s;
+    Family& f = *s.families[0];
+    f.button.caption = "1:04.2\r\nLong & &&";
+    for (Control* c : {&f.track, &f.bar, &f.lp}) c->visible = true;
+    f.bar.width = twips(80);
+    const QPoint at = widgetFor(f.button).geometry().topLeft();
+    QImage p = s.picture();
+    EXPECT_EQ(p.pixelColor(at + QPoint(40, 5)), QColor(Qt::red)) << "0x0000FF is red";
+    EXPECT_EQ(p.pixelColor(at + QPoint(120, 5)), QColor(0x40, 0x40, 0x40)) << "the track behind it";
+    EXPECT_EQ(p.pixelColor(at + QPoint(185, 15)), QColor(Qt::green)) << "the dot";
+    const QRect corner(at + QPoint(140, 56), QSize(54, 16));
+    EXPECT_GT(count(p, corner, themeFor(s.window).face, 2), 100);
+    EXPECT_LT(count(p, corner, themeFor(s.window).face, 2), 54 * 16 - 60) << "the duration at lower right";
+    f.lp.visible = false;
+    f.bar.visible = false;
+    p = s.picture();
+    EXPECT_NE(p.pixelColor(at + QPoint(185, 15)), QColor(Qt::green));
+    EXPECT_EQ(p.pixelColor(at + QPoint(40, 5)), QColor(0x40, 0x40, 0x40));
+}
+
+TEST(Jingle, OnlyWhatChangedIsPaintedAgain) {
+    Stage s;
+    Family& f = *s.families[0];
+    f.bar.visible = true;
+    s.picture();
+    PaintedWidget& w = paintedFor(f.button);
+    w.takeAsked();
+
+    f.bar.width = twips(150);
+    flushChanged();
+    EXPECT_TRUE(QRect(0, 0, 200, 10).contains(w.takeAsked().boundingRect())) << "the bar's rows only";
+    f.bar.width = twips(150);
+    f.button.backColor = f.button.backColor();
+    flushChanged();
+    EXPECT_TRUE(w.takeAsked().isEmpty()) << "the same value asks for nothing";
+    f.lp.foreColor = 0x123456;
+    flushChanged();
+    EXPECT_TRUE(w.takeAsked().isEmpty()) << "a hidden mark asks for nothing";
+    f.lp.visible = true;
+    flushChanged();
+    EXPECT_EQ(w.takeAsked().boundingRect().width(), 20) << "its place and what is around it";
+    f.button.backColor = 0xFFFFFF;
+    flushChanged();
+    EXPECT_EQ(w.takeAsked().boundingRect(), w.rect());
+    EXPECT_TRUE(paintedFor(s.families[1]->button).takeAsked().boundingRect().isEmpty() ||
+                s.families[1]->button.revision() > 0);
+}
+
+TEST(Jingle, ScreenRepaintsGiveTheSamePictureAsAFreshOne) {
+    Stage s;
+    Family& f = *s.families[1];
+    const QImage before = s.picture();
+    f.button.backColor = 0x80FF80;
+    f.bar.visible = true;
+    f.lp.visible = true;
+    EXPECT_NE(s.picture(), before);
+    f.button.backColor = kNoColour;
+    f.bar.visible = false;
+    f.lp.visible = false;
+    EXPECT_EQ(s.picture(), before);
+}
+
+TEST(Caption, IsTakenApartAndSetInTheRoomThereIs) {
+    struct Case {
+        const char* text;
+        const char* duration;
+        const char* name;
+    };
+    for (const Case& c : {Case{"News", "", "News"}, Case{"1:04.2\r\nNews", "1:04.2", "News"},
+                          Case{"3,4\nTop 40", "3,4", "Top 40"},
+                          Case{"News\r\nNot found", "", "News\nNot found"}, Case{"", "", ""}}) {
+        const CaptionParts parts = splitCaption(c.text);
+        EXPECT_EQ(parts.duration, c.duration) << c.text;
+        EXPECT_EQ(parts.name, c.name) << c.text;
+    }
+    const QFont font = textFont(15, QFont::DemiBold);
+    const QRectF room(0, 0, 180, 72);
+    const auto set = [&](const char* name, double corner = 15) {
+        return layOutCaption(name, font, room, corner);
+    };
+    EXPECT_EQ(set("News Sting").lines.size(), 1);
+    const CaptionLayout two = set("The Long Morning Show Opener");
+    EXPECT_EQ(two.lines.size(), 2);
+    EXPECT_FALSE(two.cut);
+    const CaptionLayout cut =
+        set("The very long name of a jingle that nobody could ever read on a button in time");
+    EXPECT_TRUE(cut.cut);
+    EXPECT_TRUE(cut.lines.last().endsWith(QChar(0x2026)));
+    const CaptionLayout word = set("Donaudampfschifffahrtsgesellschaft");
+    for (const CaptionLayout* l : {&two, &cut, &word}) {
+        for (const QString& line : l->lines)
+            EXPECT_LE(QFontMetricsF(l->font).horizontalAdvance(line), room.width() + 1);
+        EXPECT_TRUE(room.adjusted(-3, -3, 3, 3).contains(l->box));
+    }
+    Stage s;
+    s.families[0]->button.caption =
+        "The very long name of a jingle that nobody could ever read on a button in time";
+    flushChanged();
+    EXPECT_EQ(widgetFor(s.families[0]->button).toolTip(), textOf(s.families[0]->button.caption()));
+}
+
+TEST(Display, FiguresAreLitAndTheirRestIsFaintlyThere) {
+    Stage s;
+    const QRect place(420 + 100, 210 + 20, 40, 80);
+    const auto share = [&](const QColor& c) { return count(s.picture(), place, c, 3); };
+    const QColor lit(0x80, 0xFF, 0xFF), faint = mixed(Qt::black, lit, 0.14);
+    const int one = share(lit);
+    const int rest = share(faint);
+    EXPECT_GT(one, 100);
+    EXPECT_GT(rest, 2 * one) << "five of seven segments";
+    s.digit.caption = "8";
+    EXPECT_GT(share(lit), one * 3);
+    EXPECT_LT(share(faint), rest / 10);
+    s.digit.foreColor = 0;  // blinked away: the ground's colour
+    EXPECT_EQ(share(lit), 0);
+    EXPECT_GT(share(faint), rest) << "the glass stays";
+    s.digit.foreColor = 0xFFFF80;
+    s.digit.visible = false;
+    EXPECT_EQ(share(lit), 0);
+    EXPECT_GT(share(faint), rest) << "also for a figure that is hidden";
+}
+
+TEST(Meter, ItsPeakStaysForItsDelayAndFalls) {
+    Stage s;
+    MeterLook look;
+    look.gradient = false;
+    look.peakDelayMs = 500;
+    s.meter.meterLook = look;
+    setNow(1000);
+    s.meter.value = 50;
+    const auto at = [&](int percent) {
+        return s.picture().pixelColor(650, 210 + 150 - 150 * percent / 100 + 1);
+    };
+    EXPECT_EQ(at(25), QColor(Qt::green));
+    EXPECT_NE(at(60), QColor(Qt::green));
+    s.meter.value = 0;
+    EXPECT_EQ(at(50), QColor(Qt::yellow)) << "the line at the highest level";
+    setNow(1400);
+    EXPECT_EQ(at(50), QColor(Qt::yellow));
+    setNow(1900);
+    EXPECT_NE(at(50), QColor(Qt::yellow));
+    setNow(4000);
+    EXPECT_EQ(count(s.picture(), QRect(640, 210, 20, 150), Qt::yellow), 0);
+}
+
+TEST(Theme, FollowsTheWindowsLightness) {
+    Stage s(0x202020);
+    EXPECT_LT(lightness(s.pixel(790, 390)), 0.2);
+    s.window.backColor = 0xF0F0F0;
+    EXPECT_GT(lightness(s.pixel(790, 390)), 0.8);
+    EXPECT_GT(lightness(s.pixel(60, 245)), 0.8) << "a key without a colour of its own follows";
+}
+
+TEST(Pictures, LockedUpdatesPaintOnceWhenAllLocksAreGone) {
+    Stage s;
+    QWidget& w = widgetFor(s.window);
+    lockUpdates();
+    lockUpdates();
+    s.key.caption = "Locked";
+    flushChanged();
+    EXPECT_FALSE(w.updatesEnabled());
+    unlockUpdates();
+    EXPECT_FALSE(w.updatesEnabled());
+    unlockUpdates();
+    EXPECT_TRUE(w.updatesEnabled());
+    unlockUpdates();
+    lockUpdates();
+    EXPECT_FALSE(w.updatesEnabled()) << "one unlock too many does not count";
+    unlockUpdates();
+}
+
+TEST(ScreenReader, HearsNameStateAndCanPress) {
+    Stage s;
+    Family& f = *s.families[0];
+    f.button.caption = "2.5\r\nNews Sting";
+    f.button.onDescribe = [] { return std::string("playing, 1.2 seconds left"); };
+    s.listen(f.button);
+    flushChanged();
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&widgetFor(f.button));
+    ASSERT_NE(spoken, nullptr);
+    EXPECT_EQ(spoken->role(), QAccessible::Button);
+    EXPECT_EQ(spoken->text(QAccessible::Name), "News Sting");
+    EXPECT_EQ(spoken->text(QAccessible::Description), "playing, 1.2 seconds left");
+    ASSERT_NE(spoken->actionInterface(), nullptr);
+    spoken->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(s.told(), "b_Jingle(0):click");
+    f.button.onClick = nullptr;
+    spoken->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(s.told(), "b_Jingle(0):down b_Jingle(0):up");
+    f.button.enabled = false;
+    flushChanged();
+    spoken->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(s.told(), "");
+    QAccessibleInterface* key = QAccessible::queryAccessibleInterface(&widgetFor(s.key));
+    EXPECT_EQ(key->role(), QAccessible::PushButton);
+    EXPECT_EQ(key->text(QAccessible::Name), "Key");
+}
+
+}  // namespace
+}  // namespace zv::test
