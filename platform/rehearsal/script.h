@@ -41,15 +41,15 @@ enum class Verb : std::uint8_t {
 /// One action. Which fields are filled depends on the verb.
 struct Action {
     Verb verb = Verb::end;
-    std::int64_t at = 0;  ///< ms from the start of the script
-    int line = 0;         ///< line of the file, 0 for a generated action
-    int index = -1;       ///< jingle button (press, down, up, drop) or element of a control array
-    std::string name;     ///< control, window, menu item, key, device, comparison's left side
-    std::string property; ///< expect: property, empty for the control's own value
-    std::string text;     ///< value, file, palette, answer, time
-    std::string compare;  ///< expect: "=", "!=", "<", "<=", ">", ">="
-    Key key = Key::none;  ///< key, keydown, keyup
-    int mods = 0;         ///< mods: kShiftMask | kCtrlMask | kAltMask
+    std::int64_t at = 0;   ///< ms from the start of the script
+    int line = 0;          ///< line of the file, 0 for a generated action
+    int index = -1;        ///< jingle button (press, down, up, drop) or element of a control array
+    std::string name;      ///< control, window, menu item, key, device, comparison's left side
+    std::string property;  ///< expect: property, empty for the control's own value
+    std::string text;      ///< value, file, palette, answer, time
+    std::string compare;   ///< expect: "=", "!=", "<", "<=", ">", ">="
+    Key key = Key::none;   ///< key, keydown, keyup
+    int mods = 0;          ///< mods: kShiftMask | kCtrlMask | kAltMask
     std::int64_t count = 0, number = 0;  ///< random: COUNT, SEED; resize: WIDTH, HEIGHT
 };
 

@@ -1,6 +1,6 @@
-/// The rehearsal's time. It stands still while the program works and moves only when the rehearsal, or a wait of the
-/// program, moves it: then sound is rendered up to the next due time and what is due fires, in the order of due
-/// time, then of declaration. It answers platform/clock.h. [control]
+/// The rehearsal's time. It stands still while the program works and moves only when the rehearsal, or a wait
+/// of the program, moves it: then sound is rendered up to the next due time and what is due fires, in the
+/// order of due time, then of declaration. It answers platform/clock.h. [control]
 #pragma once
 
 #include <cstdint>
@@ -27,7 +27,8 @@ class VirtualClock {
     void onPeriod(std::function<void()> step);
 
     std::int64_t now() const { return now_; }
-    /// Time goes on to `until`: what falls due on the way is fired at its own moment, what is due at `until` last.
+    /// Time goes on to `until`: what falls due on the way is fired at its own moment, what is due at `until`
+    /// last.
     void advanceTo(std::int64_t until);
     /// Time goes on without a timer, as for a thread that waits.
     void waitUntil(std::int64_t until);
@@ -49,7 +50,8 @@ class VirtualClock {
     std::int64_t wallOffset_ = 0;
 };
 
-/// "HH:MM:SS" or "YYYY-MM-DD HH:MM:SS" as milliseconds; without a date those of `today`'s day. False when it is none.
+/// "HH:MM:SS" or "YYYY-MM-DD HH:MM:SS" as milliseconds; without a date those of `today`'s day. False when it
+/// is none.
 bool parseWallTime(std::string_view text, std::int64_t today, std::int64_t& ms);
 
 }  // namespace zv

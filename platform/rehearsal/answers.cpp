@@ -1,0 +1,157 @@
+// The parts of platform/desktop.h that a presenter, a keyboard or the system answers on a real screen: here
+// the script does.
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "platform/desktop.h"
+#include "platform/qt/view/shell.h"
+#include "platform/rehearsal/rehearsal.h"
+#include "platform/rehearsal/stage.h"
+#include "platform/sound.h"
+
+namespace zv {
+namespace {
+
+constexpr int kVirtualShift = 16;
+constexpr int kVirtualControl = 17;
+constexpr int kVirtualAlt = 18;
+constexpr Monitor kScreen{0, 0, 1280, 800};
+
+std::optional<std::string> nextAnswer() {
+    Stage& stage = Stage::instance();
+    if (stage.answers.empty()) return std::nullopt;
+    std::string answer = std::move(stage.answers.front());
+    stage.answers.pop_front();
+    return answer;
+}
+
+const char* text(BoxAnswer answer) {
+    switch (answer) {
+        case BoxAnswer::ok:
+            return "ok";
+        case BoxAnswer::cancel:
+            return "cancel";
+        case BoxAnswer::yes:
+            return "yes";
+        case BoxAnswer::no:
+            return "no";
+    }
+    return "";
+}
+
+/// The answer that agrees or declines, as the box words it.
+BoxAnswer worded(BoxButtons buttons, bool agree) {
+    switch (buttons) {
+        case BoxButtons::yesNo:
+            return agree ? BoxAnswer::yes : BoxAnswer::no;
+        case BoxButtons::okCancel:
+            return agree ? BoxAnswer::ok : BoxAnswer::cancel;
+        case BoxButtons::ok:
+            break;
+    }
+    return BoxAnswer::ok;
+}
+
+std::string dialog(const std::string& kind, const std::string& title) {
+    const std::optional<std::string> answer = nextAnswer();
+    const bool given = answer && *answer != "cancel" && *answer != "no";
+    std::string path = given ? Stage::instance().file(*answer) : std::string{};
+    noteEvent(kind, title + " -> " +
+                        (given    ? *answer
+                         : answer ? "cancel"
+                                  : "cancel (no answer was prepared)"));
+    return path;
+}
+
+}  // namespace
+
+// ---- dialogs
+// ---------------------------------------------------------------------------------------------------
+
+BoxAnswer messageBox(const std::string& message, const std::string& title, BoxKind, BoxButtons buttons) {
+    const Stage& stage = Stage::instance();
+    const std::optional<std::string> answer = nextAnswer();
+    BoxAnswer given = worded(buttons, stage.closing);
+    std::string remark;
+    if (!answer) {
+        if (buttons != BoxButtons::ok && !stage.closing) remark = " (no answer was prepared)";
+    } else if (*answer == "yes" || *answer == "ok") {
+        given = worded(buttons, true);
+    } else if (*answer == "no" || *answer == "cancel") {
+        given = worded(buttons, false);
+    } else if (stage.fail) {
+        stage.fail("the answer \"" + *answer + "\" does not fit the message box \"" + message + "\"");
+    }
+    noteEvent("box", title + ": " + message + " -> " + text(given) + remark);
+    return given;
+}
+
+std::string openFileDialog(const std::string& title, const std::string&, const std::string&) {
+    return dialog("open", title);
+}
+
+std::string saveFileDialog(const std::string& title, const std::string&, const std::string&) {
+    return dialog("save", title);
+}
+
+std::string folderDialog(const std::string& title, const std::string&) { return dialog("folder", title); }
+
+void popupMenu(Control&, const std::vector<MenuItem>& items) {
+    const Stage& stage = Stage::instance();
+    if (!stage.chooseFromMenu) return;
+    const std::string name = stage.chooseFromMenu(items);
+    const auto item = std::ranges::find(items, name, &MenuItem::name);
+    if (item == items.end()) return;
+    // The choice outlives the list: a handler may rebuild the menu that it came from.
+    const std::function<void()> chosen = item->chosen;
+    if (chosen) chosen();
+}
+
+// ---- events, keyboard, system
+// ----------------------------------------------------------------------------------
+
+void processEvents() {
+    shell::flushChanged();
+    shell::deliverEvents();
+}
+
+int runEventLoop() { return 0; }  // the script is the loop
+
+void quit(int) { Stage::instance().quitAsked = true; }
+
+int modifierKeys() { return Stage::instance().mods; }
+
+bool keyHeld(int virtualKey) {
+    const Stage& stage = Stage::instance();
+    switch (virtualKey) {
+        case kVirtualShift:
+            return (stage.mods & kShiftMask) != 0;
+        case kVirtualControl:
+            return (stage.mods & kCtrlMask) != 0;
+        case kVirtualAlt:
+            return (stage.mods & kAltMask) != 0;
+        default:
+            return stage.heldKeys.contains(virtualKey);
+    }
+}
+
+void setClipboard(const std::string& contents) { Stage::instance().clipboard = contents; }
+
+std::string clipboard() { return Stage::instance().clipboard; }
+
+std::vector<Monitor> monitors() { return {kScreen}; }
+
+bool screenAvailable() { return true; }
+
+void openDocument(const std::string& target) { noteEvent("document", target); }
+
+void runMinimised(const std::string& command) { noteEvent("run", command); }
+
+bool setProcessPriority(int) { return true; }
+
+std::string systemDescription() { return "Rehearsal - Version: 1"; }
+
+bool systemIsFrench() { return false; }
+
+}  // namespace zv

@@ -1,0 +1,202 @@
+#include "platform/rehearsal/rehearsal.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <system_error>
+
+#include "platform/clock.h"
+#include "platform/controls.h"
+#include "platform/file_decoders/file_decoders.h"
+#include "platform/paths.h"
+#include "platform/qt/view/shell.h"
+#include "platform/rehearsal/json.h"
+#include "platform/rehearsal/player.h"
+#include "platform/rehearsal/script.h"
+#include "platform/rehearsal/stage.h"
+#include "platform/rehearsal/virtual_clock.h"
+#include "platform/rehearsal/wav_file.h"
+#include "platform/sound.h"
+#include "platform/soundtouch/soundtouch_stretcher.h"
+
+namespace zv {
+namespace {
+
+/// How often kept sound goes to the files, so that long shows need no memory for it.
+constexpr std::int64_t kCollectMs = 1000;
+constexpr std::uint32_t kUsualRate = 44100;
+
+std::shared_ptr<OfflineDevices> stageDevices() {
+    Stage& stage = Stage::instance();
+    if (!stage.devices) {
+        OfflineOptions options;
+        options.outputs = {kMainOutput, kAuxOutput};
+        options.inputs = {kMicrophone};
+        stage.devices = makeOfflineDevices(options);
+    }
+    return stage.devices;
+}
+
+/// One output and the file that keeps what it sent.
+class Recording {
+  public:
+    explicit Recording(const char* device) : device_(device) {}
+
+    bool open(const std::string& path, std::uint32_t rate) {
+        rate_ = rate;
+        return file_.open(path, rate);
+    }
+
+    /// Writes what was sent up to `ms` of the script; an output that is closed has sent silence.
+    void collect(std::int64_t ms) {
+        const auto wanted = static_cast<std::uint64_t>(ms) * rate_ / 1000;
+        std::vector<float> sound = stageDevices()->takeSound(device_);
+        if (wanted <= file_.frames()) return;
+        const std::uint64_t room = wanted - file_.frames();
+        if (sound.size() / 2 > room) sound.resize(static_cast<std::size_t>(room) * 2);
+        file_.write(sound);
+        if (wanted > file_.frames()) file_.writeSilence(wanted - file_.frames());
+    }
+
+    bool close() { return file_.close(); }
+
+  private:
+    const char* device_;
+    std::uint32_t rate_ = kUsualRate;
+    WavFile file_;
+};
+
+bool readScript(const RehearsalOptions& options, Script& script) {
+    std::ifstream file(options.script, std::ios::binary);
+    std::string text{std::istreambuf_iterator<char>(file), {}};
+    if (!file.is_open()) {
+        std::fprintf(stderr, "%s: cannot be read\n", options.script.c_str());
+        return false;
+    }
+    script = parseScript(text);
+    for (const ScriptFault& fault : script.faults) {
+        std::fprintf(stderr, "%s:%d: %s\n", options.script.c_str(), fault.line, fault.text.c_str());
+    }
+    return script.faults.empty();
+}
+
+void writeControl(std::ostream& json, const Control& control) {
+    static constexpr const char* kProperties[] = {"enabled",   "left",      "top",     "width", "height",
+                                                  "backColor", "foreColor", "caption", "value", "listIndex"};
+    json << "{\"name\": " << jsonText(control.name) << ", \"index\": " << control.index;
+    for (const char* property : kProperties) {
+        bool known = false;
+        const std::string text = propertyText(control, property, known);
+        if (known) json << ", " << jsonText(property) << ": " << jsonText(text);
+    }
+    json << "}";
+}
+
+bool writeState(const RehearsalOptions& options, const RehearsedProgram& program) {
+    std::ofstream json(std::filesystem::path(options.out) / "state.json", std::ios::binary | std::ios::trunc);
+    json << "{\"ms\": " << monotonicMs() - Stage::instance().startMs << ",\n";
+    if (program.state) {
+        program.state(json);
+        json << ",\n";
+    }
+    json << "\"controls\": [";
+    const char* separator = "\n";
+    for (const Control* control : allControls()) {
+        if (!shell::isShown(*control)) continue;
+        json << separator;
+        writeControl(json, *control);
+        separator = ",\n";
+    }
+    json << "\n]}\n";
+    json.close();
+    return !json.fail();
+}
+
+}  // namespace
+
+EnginePorts soundPorts() { return {makeFileDecoders(), soundTouchStretchers(), stageDevices()}; }
+
+int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
+    Script script;
+    if (!readScript(options, script)) return kRehearsalBad;
+    std::error_code error;
+    const std::filesystem::path out(options.out);
+    std::filesystem::create_directories(out, error);
+    Stage& stage = Stage::instance();
+    stage.events.open(out / "events.log", std::ios::binary | std::ios::trunc);
+    std::ofstream midiLog(out / "midi.log", std::ios::binary | std::ios::trunc);
+    if (!stage.events.is_open() || !midiLog.is_open()) {
+        std::fprintf(stderr, "%s: cannot be written\n", options.out.c_str());
+        return kRehearsalBad;
+    }
+    stage.scriptFolder = std::filesystem::absolute(options.script).parent_path().string();
+
+    VirtualClock& clock = VirtualClock::instance();
+    clock.drive(stageDevices());
+    clock.onPeriod([] {
+        if (const EngineControl* engine = audioLibraryControl()) engine->settleSyncs();
+    });
+    if (!program.start()) {
+        std::fprintf(stderr, "%s: the program did not start; see events.log\n", options.script.c_str());
+        return kRehearsalFailed;
+    }
+    clock.alignToPeriod();
+    stage.startMs = clock.now();
+
+    std::uint32_t rate = kUsualRate;
+    if (program.value) {
+        if (const auto text = program.value("MixerFreq"); text && !text->empty())
+            rate = static_cast<std::uint32_t>(std::stoul(*text));
+    }
+    Recording recordings[] = {Recording(kMainOutput), Recording(kAuxOutput)};
+    // What was sent while the program started is not part of the show.
+    for (const char* device : {kMainOutput, kAuxOutput}) stageDevices()->takeSound(device);
+    if (options.keepSound && (!recordings[0].open((out / "main.wav").string(), rate) ||
+                              !recordings[1].open((out / "aux.wav").string(), rate))) {
+        std::fprintf(stderr, "%s: cannot be written\n", options.out.c_str());
+        return kRehearsalBad;
+    }
+    const auto collect = [&] {
+        for (Recording& recording : recordings) {
+            if (options.keepSound) recording.collect(clock.now() - stage.startMs);
+        }
+        if (!options.keepSound) {
+            for (const char* device : {kMainOutput, kAuxOutput}) stageDevices()->takeSound(device);
+        }
+    };
+    clock.onPeriod([&] {
+        if (const EngineControl* engine = audioLibraryControl()) engine->settleSyncs();
+        if ((clock.now() - stage.startMs) % kCollectMs == 0) collect();
+    });
+
+    Player player(options, program, std::move(script.actions));
+    stage.fail = [&player](const std::string& text) { player.fail(text); };
+    stage.chooseFromMenu = [&player](const std::vector<MenuItem>& items) {
+        return player.chooseFromMenu(items);
+    };
+    player.checkAfterTick();
+    player.play();
+
+    processEvents();
+    collect();
+    clock.onPeriod([] {
+        if (const EngineControl* engine = audioLibraryControl()) engine->settleSyncs();
+    });
+    for (const std::string& answer : stage.answers) noteEvent("unused", "answer " + answer);
+    stage.answers.clear();
+    bool written = writeState(options, program);
+    if (options.keepSound) {
+        for (Recording& recording : recordings) written = recording.close() && written;
+    }
+    stage.chooseFromMenu = nullptr;
+    stage.closing = true;
+    if (program.close) program.close();
+    if (!written) {
+        std::fprintf(stderr, "%s: not everything could be written\n", options.out.c_str());
+        return kRehearsalFailed;
+    }
+    return player.failed() ? kRehearsalFailed : kRehearsalPassed;
+}
+
+}  // namespace zv

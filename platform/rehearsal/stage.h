@@ -1,0 +1,50 @@
+/// What stands around the program while it rehearses: devices, held keys, prepared answers, the log of
+/// events. One for the run; the answers of platform/desktop.h and the player of the script share it.
+/// [control]
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/desktop.h"
+#include "platform/offline/offline_devices.h"
+
+namespace zv {
+
+inline constexpr const char* kMainOutput = "Main output";
+inline constexpr const char* kAuxOutput = "Auxiliary output";
+inline constexpr const char* kMicrophone = "Microphone";
+
+struct Stage {
+    static Stage& instance();
+
+    std::shared_ptr<OfflineDevices> devices;  ///< made at first use of soundPorts()
+
+    int mods = 0;                     ///< kShiftMask | kCtrlMask | kAltMask
+    std::set<int> heldKeys;           ///< virtual key numbers
+    std::deque<std::string> answers;  ///< for the next message boxes and dialogs
+    bool closing = false;             ///< the script has ended: questions are answered with yes
+    bool quitAsked = false;
+    std::string clipboard;
+
+    /// Waits, performing the script, until an item of the open menu is chosen; its name, or nothing.
+    std::function<std::string(const std::vector<MenuItem>&)> chooseFromMenu;
+    /// Tells of something that makes the rehearsal fail.
+    std::function<void(const std::string&)> fail;
+
+    std::ofstream events;
+    std::int64_t startMs = -1;  ///< monotonic time of the script's 0 ms, -1 before
+
+    /// A file named in a script: absolute, or in the program's folder, or beside the script.
+    std::string file(const std::string& name) const;
+    std::string scriptFolder;
+};
+
+}  // namespace zv
