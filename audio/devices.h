@@ -1,4 +1,4 @@
-/// Outputs, the microphone and the mix topology between them. Two topologies: DeviceSingle 1 plays every channel
+/// Outputs, the microphone and the mix topology between them. Two topologies: settings.DeviceSingle 1 plays every channel
 /// straight on one device; 0 mixes jingles and microphone onto two outputs. [control]
 #pragma once
 
@@ -11,8 +11,6 @@ namespace zv {
 
 using StreamHandle = std::uint32_t;
 
-extern int DeviceSingle;         ///< topology in force for this run
-extern int DeviceSinglePending;  ///< chosen in the window, saved, in force at the next start
 extern int MixerFreqAtStart;     ///< Hz in force for this run
 extern std::array<int, 2> Device;    ///< device numbers of the main and auxiliary output; 0 none
 extern std::array<int, 2> DeviceId;  ///< as saved

@@ -19,7 +19,5 @@ void evStop();
 // Called by the engine on its dispatcher. [sync]
 void FadeOutSync(HSYNC handle, DWORD channel, DWORD data, void* user);
 void StopSync(HSYNC handle, DWORD channel, DWORD data, void* user);
-/// For the time announcer's jingle: its saved fade on hTmAn.
-void FadeOutSynctmJn(HSYNC handle, DWORD channel, DWORD data, void* user);
 
 }  // namespace zv

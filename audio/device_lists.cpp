@@ -1,0 +1,103 @@
+// The lists of outputs and inputs, and which of them the saved settings mean.
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "audio/devices.h"
+#include "audio/upcalls.h"
+#include "engine/bass.h"
+#include "startup/guard.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "startup/upcalls.h"
+
+namespace zv {
+
+std::vector<std::string> InputNames;
+
+namespace {
+
+constexpr const char* kByName = "Name";
+
+int indexOf(const std::vector<std::string>& names, const std::string& name) {
+    const auto found = std::find(names.begin(), names.end(), name);
+    return found == names.end() ? -1 : static_cast<int>(found - names.begin());
+}
+
+void settleByName(OutputLists& lists) {
+    lists.byName = true;
+    const int last = static_cast<int>(lists.aux.size()) - 1;
+
+    lists.mainSelected = 0;
+    if (settings.DeviceName.empty()) {
+        if (!lists.main.empty()) settings.DeviceName = lists.main.front();
+    } else {
+        const int found = indexOf(lists.main, settings.DeviceName);
+        lists.mainSelected = std::max(0, found);
+        Device[0] = lists.mainSelected + 1;
+    }
+
+    if (settings.DeviceAuxName.empty()) {
+        lists.auxSelected = last;
+        Device[1] = 0;
+    } else {
+        lists.auxSelected = std::max(0, indexOf(lists.aux, settings.DeviceAuxName));
+        Device[1] = lists.auxSelected + 1;
+    }
+    if (Device[1] == last + 1) Device[1] = 0;
+}
+
+void settleById(OutputLists& lists) {
+    const int size = static_cast<int>(lists.main.size());
+    Device[0] = DeviceId[0] > size ? 1 : DeviceId[0];
+    Device[1] = DeviceId[1] > size ? 0 : DeviceId[1];
+    lists.mainSelected = Device[0] == 0 ? size - 1 : Device[0] - 1;
+    lists.auxSelected = Device[1] == 0 ? static_cast<int>(lists.aux.size()) - 1 : Device[1] - 1;
+}
+
+}  // namespace
+
+void ListOutDev() {
+    guarded("modDevices.ListOutDev", [] {
+        DeviceId = {settings.Device, settings.DeviceAux};
+        OutputLists lists;
+        BASS_DEVICEINFO info{};
+        for (DWORD n = 1; BASS_GetDeviceInfo(n, &info); ++n) {
+            lists.main.emplace_back(info.name);
+            lists.aux.emplace_back(info.name);
+        }
+        lists.aux.push_back(Ln("sNoDevice"));
+        if (Device[0] == Device[1]) {
+            Device[1] = 0;
+            lists.auxSelected = static_cast<int>(lists.aux.size()) - 1;
+        }
+        if (settings.SavDevBy == kByName)
+            settleByName(lists);
+        else
+            settleById(lists);
+        callUp(audioUpcalls.outputsListed, lists);
+    });
+}
+
+void ListInDev() {
+    guarded("modDevices.ListInDev", [] {
+        InputNames.clear();
+        BASS_DEVICEINFO info{};
+        for (DWORD n = 0; BASS_RecordGetDeviceInfo(n, &info); ++n) InputNames.emplace_back(info.name);
+        InputLists lists{InputNames, -1};
+        const int last = static_cast<int>(InputNames.size()) - 1;
+        if (last >= 0) {
+            if (settings.SavDevBy == kByName) {
+                if (!settings.DeviceInName.empty())
+                    settings.DeviceIn = std::max(0, indexOf(InputNames, settings.DeviceInName));
+                if (settings.DeviceIn <= last) lists.selected = settings.DeviceIn;
+            } else {
+                if (settings.DeviceIn > last) settings.DeviceIn = 0;
+                lists.selected = settings.DeviceIn;
+            }
+        }
+        callUp(audioUpcalls.inputsListed, lists);
+    });
+}
+
+}  // namespace zv

@@ -1,0 +1,193 @@
+// The graph from the buses to the sound cards.
+#include "audio/devices.h"
+
+#include "audio/upcalls.h"
+#include "engine/bass.h"
+#include "startup/guard.h"
+#include "startup/settings.h"
+#include "startup/upcalls.h"
+
+namespace zv {
+
+int MixerFreqAtStart = 44100;
+std::array<int, 2> Device{1, 0};
+std::array<int, 2> DeviceId{1, 0};
+StreamHandle MainMixer = 0, MicMixer = 0, AuxKeepAlive = 0, hMic = 0;
+std::array<StreamHandle, 2> MainSplit{}, MicSplit{}, OutMixer{}, OutSplit{};
+StreamHandle hTmAnSrc = 0, hTmAn = 0, hTmAnVoice = 0, hLive = 0;
+bool NoOutputDevice = false;
+
+namespace {
+
+constexpr DWORD kFallbackRate = 44100;
+constexpr int kDefaultDevice = -1;
+constexpr DWORD kNoSound = 0;
+constexpr DWORD kVolumeMs = 50;
+constexpr DWORD kMicMs = 10;
+constexpr DWORD kPercentToGlobal = 100;
+constexpr DWORD kMixerFlags = BASS_STREAM_DECODE | BASS_MIXER_NONSTOP | BASS_SAMPLE_FLOAT;
+
+bool single() { return settings.DeviceSingle != 0; }
+DWORD rate() { return static_cast<DWORD>(MixerFreqAtStart); }
+
+std::size_t at(int output) { return static_cast<std::size_t>(output); }
+
+/// The device or, failing that, the default one. False when there is none at all.
+bool initDevice(int device) {
+    if (BASS_Init(device, rate(), 0, nullptr, nullptr) || BASS_ErrorGetCode() == BASS_ERROR_ALREADY)
+        return true;
+    return BASS_Init(kDefaultDevice, kFallbackRate, 0, nullptr, nullptr) ||
+           BASS_ErrorGetCode() == BASS_ERROR_ALREADY;
+}
+
+StreamHandle newMixer() { return BASS_Mixer_StreamCreate(rate(), 2, kMixerFlags); }
+
+void startOutput(int output) {
+    StreamHandle& split = OutSplit[at(output)];
+    split = BASS_Split_StreamCreate(OutMixer[at(output)], 0, nullptr);
+    BASS_ChannelSetAttribute(split, BASS_ATTRIB_BUFFER, 0);
+    BASS_ChannelStart(split);
+}
+
+void reportNoDevice() {
+    NoOutputDevice = true;
+    callUp(audioUpcalls.noOutputDevice);
+}
+
+void openSingle() {
+    if (!initDevice(Device[0])) {
+        BASS_Init(static_cast<int>(kNoSound), rate(), 0, nullptr, nullptr);
+        BASS_SetDevice(kNoSound);
+        reportNoDevice();
+    }
+    BASS_SetConfig(BASS_CONFIG_BUFFER, 2 * BASS_GetConfig(BASS_CONFIG_BUFFER));
+    BASS_SetConfig(BASS_CONFIG_GVOL_STREAM, static_cast<DWORD>(settings.Volume) * kPercentToGlobal);
+}
+
+}  // namespace
+
+void bassini(int output) {
+    guarded("modDevices.bassini", [&] {
+        if (single()) {
+            openSingle();
+            return;
+        }
+        FreeOutp(output);
+        if (output == 1 && Device[1] == 0) return;
+        BASS_SetConfig(BASS_CONFIG_DEV_NONSTOP, 1);
+        const auto device = static_cast<DWORD>(Device[at(output)]);
+        if (output == 0) {
+            NoOutputDevice = false;
+            // The fallback selects the default device; the saved one is selected when it is there.
+            if (initDevice(Device[0])) {
+                BASS_SetDevice(device);
+            } else {
+                BASS_SetDevice(kNoSound);
+                reportNoDevice();
+            }
+        } else {
+            BASS_Init(Device[1], rate(), 0, nullptr, nullptr);
+            // Without its device the auxiliary branch must not land on the main one.
+            if (!BASS_SetDevice(device)) return;
+        }
+        startOutput(output);
+    });
+}
+
+void SetupMixers() {
+    guarded("modDevices.SetupMixers", [] {
+        MixerFreqAtStart = settings.MixerFreq;
+        FreeBASS();
+        BASS_SetConfig(BASS_CONFIG_DEV_NONSTOP, 1);
+        BASS_Init(static_cast<int>(kNoSound), rate(), 0, nullptr, nullptr);
+        MainMixer = newMixer();
+        MicMixer = newMixer();
+        for (std::size_t i = 0; i < 2; ++i) {
+            MainSplit[i] = BASS_Split_StreamCreate(MainMixer, BASS_STREAM_DECODE, nullptr);
+            MicSplit[i] = BASS_Split_StreamCreate(MicMixer, BASS_STREAM_DECODE, nullptr);
+        }
+        for (int i = 0; i < 2; ++i) {
+            OutMixer[at(i)] = newMixer();
+            SetOutputVolume(i, i == 0 ? settings.Volume : settings.VolumeAux);
+        }
+        for (const auto* splits : {&MainSplit, &MicSplit})
+            for (std::size_t i = 0; i < 2; ++i)
+                BASS_Mixer_StreamAddChannel(OutMixer[i], (*splits)[i], BASS_MIXER_CHAN_BUFFER);
+        bassini(0);
+        AuxKeepAlive = BASS_Split_StreamCreate(OutMixer[1], 0, nullptr);
+        BASS_ChannelSetAttribute(AuxKeepAlive, BASS_ATTRIB_BUFFER, 0);
+        BASS_ChannelSlideAttribute(AuxKeepAlive, BASS_ATTRIB_VOLDSP, 0, 0);
+        BASS_ChannelStart(AuxKeepAlive);
+        bassini(1);
+    });
+}
+
+void FreeOutp(int output) {
+    guarded("modDevices.FreeOutp", [&] {
+        StreamHandle& split = OutSplit[at(output)];
+        if (split != 0) BASS_StreamFree(split);
+        split = 0;
+    });
+}
+
+void FreeBASS() {
+    guarded("modDevices.FreeBASS", [] {
+        BASS_RecordSetDevice(static_cast<DWORD>(settings.DeviceIn == 0 ? kDefaultDevice : settings.DeviceIn));
+        BASS_RecordFree();
+        if (single()) {
+            BASS_Free();
+            return;
+        }
+        FreeOutp(0);
+        FreeOutp(1);
+        if (AuxKeepAlive != 0) BASS_StreamFree(AuxKeepAlive);
+        AuxKeepAlive = 0;
+        for (std::size_t i = 0; i < 2; ++i) {
+            if (OutSplit[i] != 0) BASS_StreamFree(OutSplit[i]);
+            // The second pair is harmless, and closes the device where the first call only selected it.
+            for (int twice = 0; twice < 2; ++twice)
+                if (BASS_SetDevice(static_cast<DWORD>(Device[i]))) BASS_Free();
+        }
+    });
+}
+
+void OpenMic() {
+    guarded("modDevices.OpenMic", [] {
+        if (!BASS_RecordInit(settings.DeviceIn == 0 ? kDefaultDevice : settings.DeviceIn) &&
+            BASS_ErrorGetCode() != BASS_ERROR_ALREADY)
+            return;
+        BASS_RECORDINFO info{};
+        BASS_RecordGetInfo(&info);
+        const HRECORD input = BASS_RecordStart(info.freq, 2, 0, nullptr, nullptr);
+        if (input == 0) return;
+        if (single()) {
+            hMic = BASS_FX_TempoCreate(input, BASS_FX_FREESOURCE);
+            return;
+        }
+        hMic = BASS_FX_TempoCreate(input, BASS_STREAM_DECODE | BASS_FX_FREESOURCE);
+        for (const StreamHandle split : MicSplit)
+            BASS_ChannelSlideAttribute(split, BASS_ATTRIB_VOLDSP, 0, kMicMs);
+        BASS_Mixer_StreamAddChannel(MicMixer, hMic, BASS_MIXER_CHAN_BUFFER);
+    });
+}
+
+void CloseMic() {
+    guarded("modDevices.CloseMic", [] {
+        BASS_Mixer_ChannelRemove(hMic);
+        BASS_StreamFree(hMic);
+        BASS_RecordFree();
+        hMic = 0;
+    });
+}
+
+void SetOutputVolume(int output, int percent) {
+    if (single()) {
+        if (output == 0)
+            BASS_SetConfig(BASS_CONFIG_GVOL_STREAM, static_cast<DWORD>(percent) * kPercentToGlobal);
+        return;
+    }
+    BASS_ChannelSlideAttribute(OutMixer[at(output)], BASS_ATTRIB_VOLDSP, static_cast<float>(percent) * 0.01F,
+                               kVolumeMs);
+}
+
+}  // namespace zv

@@ -1,0 +1,17 @@
+#include "audio/duck.h"
+
+#include "model/jingle.h"
+#include "model/state.h"
+
+namespace zv {
+
+void DuckTickBegin() { DuckRemain = 0; }
+
+void DuckTickJingle(int index, double left) {
+    if (J[static_cast<std::size_t>(index)].AutoDuck == 1) return;
+    if (DuckRemain == 0 || DuckRemain > left) DuckRemain = left;
+}
+
+void DuckTickEnd() {}
+
+}  // namespace zv

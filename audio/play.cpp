@@ -1,0 +1,230 @@
+// The state machine of a jingle.
+#include "audio/play.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
+#include "audio/devices.h"
+#include "audio/upcalls.h"
+#include "model/jingle.h"
+#include "model/state.h"
+#include "platform/clock.h"
+#include "startup/errors.h"
+#include "startup/guard.h"
+#include "startup/settings.h"
+#include "startup/upcalls.h"
+
+namespace zv {
+namespace {
+
+constexpr int kFullVelocity = 127;
+constexpr int kAutomixCrossfade = 1;
+constexpr int kAutomixRefuse = 2;
+constexpr float kStopAtEnd = -1;     // of a slide: to silence, then stop
+constexpr float kTailPriority = 50;  // the direct sound is cut before the reverb
+constexpr double kMsPerSecond = 1000;
+
+JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
+bool inRange(int index) { return index >= 0 && index < kJingles; }
+
+QWORD bytes(double position) { return static_cast<QWORD>(std::max(0.0, position)); }
+bool plays(const JingleRecord& j) { return BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_PLAYING; }
+bool modifierHeld() { return CtrlDown || ShiftDown || AltDown; }
+
+DWORD ms(std::int32_t value) { return static_cast<DWORD>(std::max(0, value)); }
+
+void fadeAndStop(const JingleRecord& j, DWORD length) {
+    BASS_ChannelSlideAttribute(j.hPlay, static_cast<DWORD>(j.FadeAttrib), kStopAtEnd, length);
+}
+
+void trace(int index, const char* what) {
+    const WallTime now = wallTime();
+    char line[96];
+    std::snprintf(line, sizeof line, "%d%s%02d:%02d:%02d.%03d", index, what, now.hour, now.minute, now.second,
+                  now.millisecond);
+    ConsoleAdd(line);
+}
+
+void setLoops(const JingleRecord& j) {
+    if (j.Loop == 0 && j.Seq == 0) {
+        BASS_ChannelFlags(j.hSrc, 0, BASS_SAMPLE_LOOP);
+        BASS_ChannelSetPosition(j.hSrc, BASS_NO_POSITION, BASS_POS_END);
+        return;
+    }
+    BASS_ChannelFlags(j.hSrc, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
+    if (j.Loop != 0) {
+        BASS_ChannelSetPosition(j.hSrc, 0, BASS_POS_LOOP);
+        BASS_ChannelSetPosition(j.hSrc, BASS_ChannelGetLength(j.hSrc, BASS_POS_BYTE), BASS_POS_END);
+    }
+    if (j.Seq != 0) {
+        BASS_ChannelSetPosition(j.hSrc, bytes(j.LoopIn), BASS_POS_LOOP);
+        BASS_ChannelSetPosition(j.hSrc, bytes(j.LoopOut), BASS_POS_END);
+    }
+}
+
+/// From rest, or again: everything is set before the channel plays.
+void start(int index, int velocity) {
+    JingleRecord& j = record(index);
+    if (settings.AutoMix == kAutomixRefuse && DispRemain != 0) return;
+    const QWORD length = BASS_ChannelGetLength(j.hSrc, BASS_POS_BYTE);
+    if (length == 0 || length == BASS_NO_POSITION) return;
+    trace(index, " clPlay ");
+    callUp(audioUpcalls.playStarting, index);
+    j.Playing = true;
+    setLoops(j);
+    BASS_ChannelSetPosition(j.hPlay, bytes(j.CueStart), BASS_POS_BYTE);
+    BASS_ChannelSlideAttribute(j.hPlay, BASS_ATTRIB_VOL, static_cast<float>(velocity) / kFullVelocity,
+                               ClickFadeMs);
+    BASS_ChannelSetAttribute(j.hPlay, BASS_ATTRIB_VOLDSP, 1);
+    if (j.FadeSync != 0) {
+        BASS_ChannelRemoveSync(j.hPlay, j.FadeSync);
+        j.FadeSync = 0;
+    }
+    BASS_ChannelPlay(j.hPlay, false);
+    if (j.StopPos != 0)
+        BASS_ChannelSetSync(j.hPlay, BASS_SYNC_POS | BASS_SYNC_ONETIME, bytes(j.StopPos), &FadeOutSync,
+                            nullptr);
+    if (BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_STOPPED) {
+        Error_("Can't play jingle stream from the main button palette");
+        j.State = PlayState::idle;
+        j.Playing = false;
+        return;
+    }
+    callUp(audioUpcalls.playStarted, index);
+    j.Playing = true;
+    j.State = PlayState::playing;
+}
+
+void pressInSequence(int index) {
+    JingleRecord& j = record(index);
+    if (j.LoopFadeOut == 0) {
+        BASS_ChannelSetPosition(j.hSrc, BASS_ChannelGetLength(j.hSrc, BASS_POS_BYTE), BASS_POS_END);
+        BASS_ChannelFlags(j.hSrc, 0, BASS_SAMPLE_LOOP);
+        callUp(audioUpcalls.loopLeft, index);
+    }
+    const auto position = static_cast<double>(BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE));
+    switch (j.State) {
+        case PlayState::playing:
+            if (position < j.LoopIn || (position > j.LoopIn && j.LoopFadeOut != 0)) {
+                fadeAndStop(j, ms(j.FadeOut));
+                j.State = PlayState::stopping;
+            } else if (position > j.LoopIn) {
+                j.State = PlayState::leavingLoop;
+            }
+            break;
+        case PlayState::leavingLoop:
+            fadeAndStop(j, ms(j.FadeOut));
+            j.State = PlayState::stopping;
+            break;
+        case PlayState::stopping:
+            fadeAndStop(j, 0);
+            j.State = PlayState::idle;
+            break;
+        case PlayState::idle:
+            break;
+    }
+}
+
+void restart(int index, int velocity) {
+    JingleRecord& j = record(index);
+    BASS_ChannelSlideAttribute(j.hPlay, BASS_ATTRIB_VOLDSP, 0, ClickFadeMs);
+    sleepMs(ClickFadeMs + 10);
+    BASS_ChannelStop(j.hPlay);
+    start(index, velocity);
+}
+
+void pressWhilePlaying(int index, int velocity) {
+    JingleRecord& j = record(index);
+    if (modifierHeld()) return;
+    if (j.Seq != 0) {
+        pressInSequence(index);
+        return;
+    }
+    const bool global = j.PlayMod == PlayMode::global;
+    if (j.PlayMod == PlayMode::autoRepeat || (global && ToggleAutoRep == 1)) {
+        restart(index, velocity);
+    } else if (j.PlayMod == PlayMode::touch || (global && ToggleTouch == 1)) {
+        // The reset goes to the record that the display walked last: devices' users know its sound.
+        if (j.State == PlayState::stopping && inRange(DispLoopIdx)) BASS_FXReset(record(DispLoopIdx).hPlay);
+        start(index, velocity);
+    } else if (global || j.PlayMod == PlayMode::playStop) {
+        if (j.State == PlayState::stopping) {
+            BASS_ChannelStop(j.hPlay);
+            j.State = PlayState::idle;
+            j.Playing = false;
+        } else {
+            clTouchStop(index);
+            j.State = PlayState::stopping;
+        }
+    }
+}
+
+}  // namespace
+
+void clPlay(int index, int velocity) {
+    guarded("modClick.clPlay", [&] {
+        if (!inRange(index)) return;
+        LastPlayedJ = index;
+        if (MIDILearnActive) return;
+        if (velocity < 0 || velocity > kFullVelocity) velocity = kFullVelocity;
+        if (settings.AutoMix == kAutomixCrossfade && audioUpcalls.automixPress &&
+            audioUpcalls.automixPress(index, velocity))
+            return;
+        if (record(index).hPlay == 0) return;
+        if (settings.MinimalView == 1 && ClockShown) callUp(audioUpcalls.hideClock);
+        if (plays(record(index)))
+            pressWhilePlaying(index, velocity);
+        else
+            start(index, velocity);
+    });
+}
+
+void clTouchStop(int index) {
+    guarded("modClick.clTouchStop", [&] {
+        if (!inRange(index)) return;
+        JingleRecord& j = record(index);
+        if (!SelectorsOn) callUp(audioUpcalls.feedback, index, Feedback::stopping);
+        trace(index, " clTouchStop ");
+        j.State = PlayState::stopping;
+        if (j.FadeOut < j.ReverbMs) {
+            BASS_ChannelSetAttribute(j.hPlay, BASS_ATTRIB_VOLDSP_PRIORITY, kTailPriority);
+            BASS_ChannelSetAttribute(j.hPlay, BASS_ATTRIB_VOLDSP, 0);
+            const QWORD tail = BASS_ChannelSeconds2Bytes(j.hPlay, j.ReverbMs / kMsPerSecond);
+            const QWORD now = BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE);
+            j.FadeSync = BASS_ChannelSetSync(j.hPlay, BASS_SYNC_POS | BASS_SYNC_ONETIME, now + tail,
+                                             &StopSync, nullptr);
+            trace(index, " StopSync ");
+        } else {
+            fadeAndStop(j, ms(j.FadeOut));
+            trace(index, " FadeOut ");
+        }
+        j.Playing = false;
+    });
+}
+
+void evStop() {
+    guarded("modClick.evStop", [] {
+        if (MIDILearnActive) return;
+        LastCtrl = "evStop";
+        for (int i = 0; i <= LastLiveIdx(); ++i)
+            if (IsLive(i) && record(i).hPlay != 0) BASS_ChannelStop(record(i).hPlay);
+        callUp(audioUpcalls.stopAnnouncer);
+        callUp(audioUpcalls.stopStream);
+    });
+}
+
+void FadeOutSync(HSYNC, DWORD channel, DWORD, void*) {
+    const int index = FindJingle(channel);
+    if (index == kNotFound) return;
+    fadeAndStop(record(index), ms(record(index).FadeOut));
+}
+
+void StopSync(HSYNC, DWORD channel, DWORD, void*) {
+    const int index = FindJingle(channel);
+    if (index == kNotFound) return;
+    BASS_ChannelStop(channel);
+    record(index).Playing = false;
+}
+
+}  // namespace zv

@@ -1,0 +1,26 @@
+#include "model/jingle.h"
+
+#include "startup/settings.h"
+
+namespace zv {
+
+std::array<JingleRecord, kJingles> J;
+std::array<std::uint8_t, kJingles> JExists{};
+std::array<std::uint32_t, kJingles> JReverbFx{}, JVolFx{}, JEqFx{};
+int LastPalIdx = 29;
+
+int FindJingle(std::uint32_t channel) {
+    if (channel == 0) return kNotFound;
+    for (int i = 0; i < kJingles; ++i)
+        if (J[static_cast<std::size_t>(i)].hPlay == channel) return i;
+    return kNotFound;
+}
+
+int LastLiveIdx() { return kPaletteSlots - 1 + 2 * settings.JinglesCols; }
+
+bool IsLive(int index) {
+    if (index < 0 || index > LastLiveIdx()) return false;
+    return index <= LastPalIdx || index >= kPaletteSlots;
+}
+
+}  // namespace zv

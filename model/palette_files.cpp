@@ -1,0 +1,235 @@
+#include "model/palette_files.h"
+
+#include <cmath>
+#include <filesystem>
+#include <utility>
+
+#include "engine/bass.h"
+#include "model/state.h"
+#include "model/upcalls.h"
+#include "platform/paths.h"
+#include "startup/errors.h"
+#include "startup/guard.h"
+#include "startup/helpers.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+#include "startup/upcalls.h"
+
+namespace zv {
+
+ModelUpcalls modelUpcalls;
+
+namespace {
+
+JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
+
+/// The text of the wholly rounded loop end; "0" when it is the end of the sound, which needs no key.
+std::string loopOutText(const JingleRecord& jingle) {
+    const double rounded = std::round(jingle.LoopOut);
+    if (jingle.hSrc != 0 && rounded == static_cast<double>(BASS_ChannelGetLength(jingle.hSrc, BASS_POS_BYTE)))
+        return "0";
+    return NumberText(rounded);
+}
+
+bool holds(const std::string& text, const std::string& part) {
+    return !part.empty() && text.find(part) != std::string::npos;
+}
+
+/// A path of a file that an import would copy: absolute, or in the sample folder.
+bool wantsImport(const std::string& path) {
+    return isAbsolutePath(path) || holds(path, "\\\\") || holds(path, ":\\") ||
+           holds(path, settings.SampleDir);
+}
+
+/// Copies the file into the sample folder; the path of the copy, or `path` when it could not be made.
+std::string importFile(const std::string& path) {
+    std::string folder = RPP(settings.SampleDir);
+    if (!settings.ImportFolderName.empty()) folder = RPP(folder + settings.ImportFolderName);
+    const std::string name = GetFileName(path);
+    const std::string target = folder + name;
+    const auto from = nativePath(path);
+    const auto to = nativePath(target);
+    std::error_code error;
+    if (std::filesystem::equivalent(from, to, error)) return target;
+    error.clear();
+    bool copied = MkDirs(folder);
+    if (copied) {
+        // Through a file of its own name, so that a failed copy never leaves half a sound in the target's
+        // place.
+        auto part = to;
+        part += ".part";
+        copied = std::filesystem::copy_file(from, part, std::filesystem::copy_options::overwrite_existing,
+                                            error) &&
+                 !error;
+        if (copied) std::filesystem::rename(part, to, error);
+        copied = copied && !error;
+        if (!copied) {
+            std::error_code ignored;
+            std::filesystem::remove(part, ignored);
+        }
+    }
+    if (!copied) {
+        ErrDisp("no", 0, Ln("mMslockedFile1") + " " + name + " " + Ln("mMslockedFile2"));
+        return path;
+    }
+    return target;
+}
+
+/// Lines of slots `first` to `last` with their numbers less `first`.
+std::vector<cImpulse::Line> linesOf(int first, int last) {
+    std::vector<cImpulse::Line> lines;
+    for (int i = first; i <= last; ++i) {
+        JingleRecord& jingle = record(i);
+        const int suffix = i - first;
+        if (jingle.Kind == SlotKind::playlist) {
+            lines.emplace_back("Playlist_" + std::to_string(suffix), jingle.Playlist);
+            if (jingle.BTNCol != kFaceColourText)
+                lines.emplace_back("BTNCol_" + std::to_string(suffix), jingle.BTNCol);
+            continue;
+        }
+        if (jingle.Path.empty()) continue;
+        // An imported file is the slot's file from now on, also when the section cannot be written.
+        jingle.Path = StoredPath(jingle.Path);
+        const auto own = JingleLines(jingle, suffix, jingle.Path);
+        lines.insert(lines.end(), own.begin(), own.end());
+    }
+    return lines;
+}
+
+bool sayWhetherWritten(bool written, const std::string& file) {
+    if (!written) ErrDisp("no", 1, Ln("mFolderNotWritable") + " " + file);
+    return written;
+}
+
+}  // namespace
+
+std::string NeutralFXV(int freq) { return "0,0,0,0,0,0,0,0,0," + std::to_string(freq) + ",0"; }
+
+std::string StoredPath(const std::string& path) {
+    std::string stored = GetRelPath(path);
+    if (settings.ImportFiles == 1 && wantsImport(stored) && FileExists(GetFullPath(stored)))
+        stored = importFile(stored);
+    return GetRelPath(stored);
+}
+
+std::vector<cImpulse::Line> JingleLines(const JingleRecord& jingle, int suffix, const std::string& path) {
+    std::vector<cImpulse::Line> lines;
+    const std::string number = std::to_string(suffix);
+    const auto put = [&](const char* stem, const std::string& value) {
+        lines.emplace_back(stem + number, value);
+    };
+    const auto putUnless = [&](const char* stem, const std::string& value, const char* standard) {
+        if (value != standard) put(stem, value);
+    };
+    put("Path_", path);
+    putUnless("Volm_", std::to_string(jingle.Volm), "100");
+    putUnless("AutoDuck_", std::to_string(jingle.AutoDuck), "0");
+    if (jingle.NoAutomix == 1) put("NoAutomix_", "1");
+    if (jingle.NoTrigDuck == 1) put("NoTrigDuck_", "1");
+    if (jingle.Loop != 0) put("Loop_", "1");
+    if (jingle.Seq != 0) put("Seq_", "1");
+    putUnless("LoopIn_", NumberText(jingle.LoopIn), "0");
+    putUnless("LoopOut_", loopOutText(jingle), "0");
+    putUnless("FadeOut_", std::to_string(jingle.FadeOut), "0");
+    if (jingle.LogFadeOut != 0) put("LogFadeOut_", "1");
+    if (jingle.LoopFadeOut != 0) put("LoopFadeOut_", "1");
+    putUnless("BTNCol_", jingle.BTNCol, kFaceColourText);
+    putUnless("PlayMod_", std::to_string(static_cast<int>(jingle.PlayMod)), "0");
+    putUnless("CueStart_", NumberText(jingle.CueStart), "0");
+    putUnless("StopPos_", NumberText(jingle.StopPos), "0");
+    if (jingle.FXV != NeutralFXV(jingle.Freq)) put("FXV_", jingle.FXV);
+    return lines;
+}
+
+void OpenFile(const std::string& name) {
+    guarded("modMain.OpenFile", [&] {
+        ErrDisp("hide");
+        callUp(modelUpcalls.beginLoad);
+        SaveMode.clear();
+        callUp(modelUpcalls.showPaletteName, name);
+        for (int i = 0; i < kPaletteSlots; ++i) {
+            if (JExists[static_cast<std::size_t>(i)] != 1) continue;
+            callUp(modelUpcalls.openNames, i, name, false);
+            callUp(modelUpcalls.pumpEvents);
+        }
+        for (int i = 0; i < kPaletteSlots; ++i) {
+            if (JExists[static_cast<std::size_t>(i)] != 1) continue;
+            callUp(modelUpcalls.openStreams, i);
+            callUp(modelUpcalls.pumpEvents);
+        }
+        callUp(modelUpcalls.endLoad);
+    });
+}
+
+void OpenFile() {
+    guarded("modMain.OpenFile", [] {
+        for (int i = kPaletteSlots; i < kJingles; ++i) {
+            callUp(modelUpcalls.openNames, i, kHotSection, true);
+            if (JExists[static_cast<std::size_t>(i)] == 1) callUp(modelUpcalls.openStreams, i);
+        }
+    });
+}
+
+bool CloseFile(const std::string& name) {
+    bool written = false;
+    guarded("modMain.CloseFile", [&] {
+        if (name.empty()) return;
+        const std::string old = SaveMode == "rename" && modelUpcalls.selectedPalette
+                                    ? modelUpcalls.selectedPalette()
+                                    : std::string();
+        ErrDisp("save");
+        PaletteStore.SetIniPath(PalFile);
+        auto lines = linesOf(0, kPaletteSlots - 1);
+        if (lines.empty()) lines.emplace_back(kEmptyPaletteKey, "Yes");
+
+        // The section is replaced where its old one has to go; otherwise the keys are written over what is
+        // there.
+        const bool replace = SaveMode == "save" || SameText(old, name);
+        written = sayWhetherWritten(PaletteStore.PutSection(name, lines, replace), PalFile);
+        if (!written) return;
+        if (!replace) {
+            for (int i = 0; i < kPaletteSlots; ++i) {
+                const JingleRecord& jingle = record(i);
+                if (jingle.Path.empty()) continue;
+                if (jingle.NoAutomix != 1) PaletteStore.PutValue("NoAutomix_" + std::to_string(i), "", name);
+                if (jingle.NoTrigDuck != 1)
+                    PaletteStore.PutValue("NoTrigDuck_" + std::to_string(i), "", name);
+            }
+        }
+        // Only now that the palette stands under its new name may the old one go.
+        if (!old.empty() && !SameText(old, name)) PaletteStore.DeleteSection(old);
+
+        if (modelUpcalls.pendingRemovals)
+            for (const auto& [section, slot] : modelUpcalls.pendingRemovals())
+                if (!section.empty()) RemJing(section, slot);
+        callUp(modelUpcalls.paletteListChanged, name);
+        callUp(modelUpcalls.showPaletteName, name);
+        written = CloseFileHotJingles();
+        callUp(modelUpcalls.clearPendingRemovals);
+        SaveMode.clear();
+        if (written) {
+            ErrDisp("hide");
+            PalToSave = false;
+        }
+    });
+    return written;
+}
+
+bool CloseFileHotJingles() {
+    bool written = false;
+    guarded("modMain.CloseFileHotJingles", [&] {
+        ErrDisp("save");
+        HotStore.SetIniPath(HotFile);
+        written = sayWhetherWritten(
+            HotStore.PutSection(kHotSection, linesOf(kPaletteSlots, kJingles - 1), true), HotFile);
+    });
+    return written;
+}
+
+bool PalFileTest() {
+    std::string text;
+    return readFile(nativePath(PalFile), text) && text.find('[') != std::string::npos;
+}
+
+}  // namespace zv
