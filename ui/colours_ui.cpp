@@ -21,17 +21,9 @@ namespace {
 constexpr Colour kStopRed = 0x2020B0;  // the one red key
 constexpr Colour kWhite = 0xFFFFFF;
 constexpr Colour kLightBorder = 0x808080;
-constexpr Colour kLightWindow = 0xEBE8E7;
-constexpr Colour kLightPanel = 0xF7F5F5;
-constexpr Colour kDisplayBorder = 0x3C3835;
+constexpr Colour kLightLine = 0xC3BFBB;
 
 JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
-
-/// A colour made darker in proportion.
-Colour darkened(Colour colour, int percent) {
-    const RGBParts c = LongToRGB(colour);
-    return c.red * percent / 100 + 256 * (c.green * percent / 100) + 65536 * (c.blue * percent / 100);
-}
 
 void computeShaded() {
     const int offset = settings.ShadeOffsetVal;
@@ -112,17 +104,15 @@ void paintFrames() {
     MainWindow& w = frmMain();
     const bool dark = settings.DarkMode == 1;
     const Colour border = BorderColour();
-    w.window.backColor = dark ? darkened(settings.DarkBackColor, 65) : kLightWindow;
+    // The shell works out ground, panel and borders from the window's colour; the light theme is its own.
+    w.window.backColor = dark ? settings.DarkBackColor : kNoColour;
     w.window.foreColor = BtnForeColor;
-    w.fraPanel.backColor = dark ? settings.DarkBackColor : kLightPanel;
     w.fraPanel.foreColor = BtnForeColor;
-    for (Control* frame : {&w.fraPanel, &w.fraVU, &w.display.picDispBack}) {
+    for (Control* frame : {&w.fraPanel, &w.fraVU, &w.display.picDispBack, &w.linHotJingles}) {
         frame->borderColor = border;
     }
-    w.display.picDispBack.borderColor = dark ? border : kDisplayBorder;
-    w.linHotJingles.backColor = border;
+    w.linHotJingles.backColor = dark ? border : kLightLine;
     for (Control& tab : w.fraTab) {
-        tab.backColor = w.fraPanel.backColor();
         tab.foreColor = BtnForeColor;
     }
 }
@@ -145,7 +135,6 @@ void paintKeys() {
     }
     for (Control* text :
          {&p.PalNameCar, &a.lblMinute, &a.lblSecond, &a.lblDelay, &l.lblStream, &l.ckAutoDuckLive}) {
-        text->backColor = w.fraPanel.backColor();
         text->foreColor = BtnForeColor;
     }
     const bool darkList = settings.DarkMode == 1 || settings.DarkLstPal == 1;
@@ -160,7 +149,6 @@ void paintKeys() {
     }
     for (Control& tab : w.ckTab) {
         tab.foreColor = BtnForeColor;
-        tab.backColor = w.fraPanel.backColor();
     }
     k.btStop.backColor = kStopRed;
     k.btStop.foreColor = kWhite;

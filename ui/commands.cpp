@@ -251,9 +251,7 @@ void b_Jingle_KeyDown(int index, KeyEvent& event) {
             event.key == Key::tab) {
             return;
         }
-        // Enter stands in for Space, which the window gives to the jingle played last.
-        const bool presses = event.key == Key::space || event.key == Key::enter;
-        if (ToggleTouch == 0 ? presses : !record(index).Playing) {
+        if (ToggleTouch == 0 ? event.key == Key::space : !record(index).Playing) {
             event.consumed = true;
             btClic(index);
         }

@@ -72,6 +72,10 @@ JingleButton::JingleButton(Control& block, int index)
         c->visible = false;
     }
     lblbtnumber.caption = std::to_string(index);
+    lp_Jingle.caption = "l";
+    sq_Jingle.caption = "s";
+    fx_Jingle.caption = "e";
+    pm_Jingle.caption = "m";
     JremBG.backColor = settings.JRemLevTrBg == 1 ? kNoColour : settings.JRemLevColBg;
     JRemLev.backColor = settings.JRemLevCol;
     lp_Jingle.foreColor = Shaded.lp;

@@ -167,6 +167,20 @@ void HotJinglesDraw() {
     }
 }
 
+namespace {
+
+/// The largest caption that leaves room for the duration below it, in points. A low button has one line for
+/// both.
+double largestCaption(int buttonHeight) {
+    constexpr double pointsPerTwip = 0.05;
+    constexpr double ordinary = 225;  // twips: the caption of an ordinary button
+    return std::min(0.6 * buttonHeight, std::max(ordinary, 0.24 * buttonHeight)) * pointsPerTwip;
+}
+
+double halfPoints(double size) { return static_cast<int>(size * 2) / 2.0; }
+
+}  // namespace
+
 void UpdateJLblFont() {
     const auto apply = [](int index) {
         JingleButton* b = Button(index);
@@ -175,8 +189,9 @@ void UpdateJLblFont() {
         }
         double size = settings.JLabelFontSize;
         if (settings.JLabelAutoSize == 1) {
-            // Half points are as fine as a font shows.
-            size = static_cast<int>(size * b->b_Jingle.width() / 12 / 110 * 2) / 2.0;
+            // The width sets the size; the height keeps it from being cut.
+            size = halfPoints(
+                std::min(size * b->b_Jingle.width() / 12 / 110, largestCaption(b->b_Jingle.height)));
         }
         b->b_Jingle.fontName = settings.JLabelFont;
         b->b_Jingle.fontSize = size;

@@ -40,6 +40,9 @@ DisplayControls::DisplayControls(Control& window)
     for (Control& mark : lblClock) {
         mark.visible = false;
     }
+    lblClock[0].caption = "t";
+    lblClock[1].caption = "A";
+    lblClock[2].caption = "N";
     for (Control& mark : lblPlayMode) {
         mark.visible = false;
     }
@@ -63,6 +66,12 @@ PaletteTab::PaletteTab(Control& frame)
       txtSave("txtSave", textBox, &frame),
       lstSection("lstSection", listBox, &frame),
       lstJID("lstJID", listBox, &frame) {
+    btUp.caption = "U";
+    btDn.caption = "D";
+    btSearchJingle.caption = "g";
+    for (Control* key : {&btUp, &btDn, &btSearchJingle}) {
+        key->fontName = "ZVR";
+    }
     ckAssign.caption = "Assign";
     btSave.caption = "Save";
     btNew.caption = "New";
