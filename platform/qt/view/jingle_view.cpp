@@ -128,10 +128,7 @@ class JingleWidget final : public PaintedWidget {
     void paintFace(QPainter& p, const Theme& theme) const {
         const bool held = isHeld(record);
         if (empty()) {
-            if (held || underMouse()) {
-                p.fillRect(rect().adjusted(2, 2, -2, -2),
-                           mixed(theme.ground, theme.text, held ? 0.12 : 0.04));
-            }
+            if (held) p.fillRect(rect().adjusted(2, 2, -2, -2), mixed(theme.ground, theme.text, 0.12));
             drawOutline(p, rect(), mixed(theme.ground, theme.text, 0.2));
             return;
         }

@@ -12,12 +12,21 @@
 #include <QWindow>
 #include <map>
 
+#include "platform/clock.h"
 #include "platform/qt/view/keys.h"
 #include "platform/qt/view/native.h"
 #include "platform/qt/view/shell.h"
 #include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
 #include "platform/qt/view/windows.h"
+
+// The toolkit's own gates for the events of a test: the same way that a screen's driver takes, with a time of
+// our own, so that two quick presses are a double click here too.
+Q_GUI_EXPORT void qt_handleMouseEvent(QWindow* window, const QPointF& local, const QPointF& global,
+                                      Qt::MouseButtons state, Qt::MouseButton button, QEvent::Type type,
+                                      Qt::KeyboardModifiers mods, int timestamp);
+Q_GUI_EXPORT void qt_handleTouchEvent(QWindow* window, const QPointingDevice* device,
+                                      const QList<QEventPoint>& points, Qt::KeyboardModifiers mods);
 
 namespace zv::shell {
 namespace {
@@ -80,14 +89,15 @@ void sendMouse(QWidget& widget, QPoint at, QEvent::Type type, Qt::MouseButton bu
     if (door == nullptr) return;
     const QPointF local = widget.mapTo(window, at);
     const QPointF global = window->mapToGlobal(local.toPoint());
-    QMouseEvent e(type, local, local, global, button, qtButtons(heldButtons()), modifiersOf(shift));
-    QCoreApplication::sendEvent(door, &e);
+    const int stamp = static_cast<int>(monotonicMs() & 0x7FFFFFFF);
+    qt_handleMouseEvent(door, local, global, qtButtons(heldButtons()), button, type, modifiersOf(shift),
+                        stamp);
+    deliverEvents();
 }
 
-void press(QWidget& widget, QPoint at, MouseButton button, int shift,
-           QEvent::Type type = QEvent::MouseButtonPress) {
+void press(QWidget& widget, QPoint at, MouseButton button, int shift) {
     heldButtons() |= static_cast<int>(button);
-    sendMouse(widget, at, type, qtButtonOf(button), shift);
+    sendMouse(widget, at, QEvent::MouseButtonPress, qtButtonOf(button), shift);
 }
 
 void release(QWidget& widget, QPoint at, MouseButton button, int shift) {
@@ -108,19 +118,19 @@ const QPointingDevice& touchScreen() {
     return *device;
 }
 
-bool sendTouch(QWidget& window, QPointF local, int finger, QEventPoint::State state, bool first, bool last) {
+bool sendTouch(QWidget& window, QPointF local, int finger, QEventPoint::State state) {
     QWindow* door = window.windowHandle();
     if (door == nullptr) return false;
     QList<QEventPoint> points;
+    const auto add = [&](int id, QEventPoint::State what, QPointF at) {
+        points << QEventPoint(id, what, at, window.mapToGlobal(at.toPoint()));
+    };
     for (const auto& [id, held] : fingers()) {
-        if (id == finger) continue;
-        points << QEventPoint(id, QEventPoint::Stationary, held.second,
-                              window.mapToGlobal(held.second.toPoint()));
+        if (id != finger) add(id, QEventPoint::Stationary, held.second);
     }
-    points << QEventPoint(finger, state, local, window.mapToGlobal(local.toPoint()));
-    const QEvent::Type type = first ? QEvent::TouchBegin : last ? QEvent::TouchEnd : QEvent::TouchUpdate;
-    QTouchEvent e(type, &touchScreen(), Qt::NoModifier, points);
-    QCoreApplication::sendEvent(door, &e);
+    add(finger, state, local);
+    qt_handleTouchEvent(door, &touchScreen(), points, Qt::NoModifier);
+    deliverEvents();
     return true;
 }
 
@@ -162,9 +172,11 @@ bool mouseUp(Control& control, MouseButton button, int shift, Place at) {
     // A release goes to whoever got the press, even when it is covered or disabled by now.
     QWidget* widget = widgetOf(control);
     if (widget == nullptr || (heldButtons() & static_cast<int>(button)) == 0) return false;
-    const Target target = targetOf(control, at);
-    release(target.widget != nullptr ? *target.widget : *widget,
-            target.widget != nullptr ? target.at : widget->rect().center(), button, shift);
+    QRect area = widget->rect();
+    if (viewOf(control) == nullptr) area = placeIn(control, *recordOf(widget));
+    const QPoint there(area.left() + (at.x < 0 ? area.width() / 2 : px(at.x)),
+                       area.top() + (at.y < 0 ? area.height() / 2 : px(at.y)));
+    release(*widget, there, button, shift);
     return true;
 }
 
@@ -185,7 +197,7 @@ bool doubleClick(Control& control, int shift, Place at) {
     if (!click(control, MouseButton::left, shift, at)) return false;
     const Target target = targetOf(control, at);
     if (!reaches(target, control)) return false;
-    press(*target.widget, target.at, MouseButton::left, shift, QEvent::MouseButtonDblClick);
+    press(*target.widget, target.at, MouseButton::left, shift);
     release(*target.widget, target.at, MouseButton::left, shift);
     return true;
 }
@@ -195,9 +207,8 @@ bool touchDown(Control& control, int finger) {
     if (!reaches(target, control) || fingers().contains(finger)) return false;
     QWidget* window = target.widget->window();
     const QPointF local = target.widget->mapTo(window, target.at);
-    const bool first = fingers().empty();
     fingers()[finger] = {&control, local};
-    return sendTouch(*window, local, finger, QEventPoint::Pressed, first, false);
+    return sendTouch(*window, local, finger, QEventPoint::Pressed);
 }
 
 bool touchUp(Control& control, int finger) {
@@ -206,7 +217,7 @@ bool touchUp(Control& control, int finger) {
     if (found == fingers().end() || found->second.first != &control || widget == nullptr) return false;
     const QPointF local = found->second.second;
     fingers().erase(found);
-    return sendTouch(*widget->window(), local, finger, QEventPoint::Released, false, fingers().empty());
+    return sendTouch(*widget->window(), local, finger, QEventPoint::Released);
 }
 
 bool keyDown(Key key, int shift, bool repeat, std::string_view text) {
