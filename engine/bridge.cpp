@@ -1,0 +1,114 @@
+#include "engine/bridge.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zv {
+namespace {
+
+constexpr std::size_t kChunk = 256;       ///< frames made in one go
+constexpr double kLongestMs = 90;         ///< more distance than that is given up at once
+constexpr double kMostPpm = 480;          ///< 0.048 %: under what anyone hears
+constexpr double kAverageSeconds = 4;     ///< periods come in lumps; only their mean counts
+constexpr double kIntegralSeconds = 600;  ///< a lasting difference of the clocks is learnt in this time
+constexpr double kStepSlackMs = 50;       ///< in step: more than that ahead was not read for a while
+
+}  // namespace
+
+Bridge::Bridge(const BridgeOptions& options)
+    : options_(options),
+      inStep_(options.oneClock && options.inRate == options.outRate),
+      ring_(std::size_t{options.inRate}),  // half a second
+      resampler_(options.inRate, options.outRate, 2) {
+    if (!inStep_) {
+        resampler_.setCorrection(kMostPpm);
+        in_.resize((resampler_.inputNeeded(kChunk) + 64) * 2);
+        resampler_.setCorrection(0);
+        resampler_.reset();
+    }
+}
+
+void Bridge::write(std::span<const float> stereo) {
+    // Whole frames only.
+    const std::size_t room = ring_.free() / 2 * 2;
+    ring_.write(stereo.data(), std::min(stereo.size(), room));
+}
+
+void Bridge::read(std::span<float> stereo) {
+    if (restart_.exchange(false, std::memory_order_acq_rel)) {
+        ring_.read(nullptr, ring_.filled());
+        running_ = averaging_ = false;
+        integral_ = 0;
+        resampler_.setCorrection(0);
+        resampler_.reset();
+    }
+    if (inStep_) {
+        readInStep(stereo);
+    } else {
+        readCorrected(stereo);
+    }
+}
+
+void Bridge::readInStep(std::span<float> stereo) {
+    const auto slack = static_cast<std::size_t>(kStepSlackMs * 0.001 * options_.inRate) * 2;
+    const std::size_t filled = ring_.filled();
+    if (filled > stereo.size() + slack) ring_.read(nullptr, filled - stereo.size());
+    // What is missing stands in front: from then on the reader is that far behind, and has enough.
+    const std::size_t there = std::min(ring_.filled(), stereo.size());
+    const std::size_t missing = stereo.size() - there;
+    std::fill_n(stereo.begin(), missing, 0.0F);
+    ring_.read(stereo.data() + missing, there);
+    if (missing > 0 && running_ && there > 0) starvations_.fetch_add(1, std::memory_order_relaxed);
+    if (there > 0) running_ = true;
+}
+
+void Bridge::readCorrected(std::span<float> stereo) {
+    const double perMs = options_.inRate * 0.001;
+    const double lump = static_cast<double>(stereo.size() / 2) * options_.inRate / options_.outRate;
+    const auto longest = static_cast<std::size_t>(kLongestMs * perMs + lump);
+    if (ring_.filled() / 2 > longest) {
+        const auto keep = static_cast<std::size_t>(options_.targetMs * perMs);
+        ring_.read(nullptr, (ring_.filled() / 2 - keep) * 2);
+        averaging_ = false;
+    }
+    if (!running_) {
+        if (static_cast<double>(ring_.filled() / 2) < options_.targetMs * perMs) {
+            std::ranges::fill(stereo, 0.0F);
+            return;
+        }
+        running_ = true;
+        averaging_ = false;
+    }
+    follow(static_cast<double>(ring_.filled() / 2),
+           static_cast<double>(stereo.size() / 2) / options_.outRate);
+    for (std::size_t done = 0; done < stereo.size();) {
+        const std::size_t frames = std::min(kChunk, (stereo.size() - done) / 2);
+        const std::size_t need = resampler_.inputNeeded(frames) * 2;
+        const std::size_t got = ring_.read(in_.data(), std::min(need, in_.size()));
+        if (got < need) {
+            std::fill(in_.begin() + static_cast<std::ptrdiff_t>(got),
+                      in_.begin() + static_cast<std::ptrdiff_t>(need), 0.0F);
+            if (running_) starvations_.fetch_add(1, std::memory_order_relaxed);
+            running_ = false;
+        }
+        resampler_.process({in_.data(), need}, stereo.subspan(done, frames * 2));
+        done += frames * 2;
+    }
+}
+
+void Bridge::follow(double distance, double seconds) {
+    const double perMs = options_.inRate * 0.001;
+    const double deviation = distance - options_.targetMs * perMs;
+    if (!averaging_) {
+        average_ = deviation;
+        averaging_ = true;
+    }
+    average_ += (deviation - average_) * std::min(1.0, seconds / kAverageSeconds);
+    const double proportional = average_ / perMs * options_.ppmPerMs;
+    integral_ = std::clamp(integral_ + proportional * seconds / kIntegralSeconds, -kMostPpm, kMostPpm);
+    const double ppm = std::clamp(proportional + integral_, -kMostPpm, kMostPpm);
+    resampler_.setCorrection(ppm);
+    published_.store(ppm, std::memory_order_relaxed);
+}
+
+}  // namespace zv

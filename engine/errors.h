@@ -1,0 +1,25 @@
+/// Result codes of the operations, one a thread.
+#pragma once
+
+#include "engine/bass.h"
+
+namespace zv {
+
+/// Leaves `code` for BASS_ErrorGetCode of this thread. [any]
+void setError(int code);
+int lastError();
+
+/// Leaves `code` and returns `result`: `return fail(BASS_ERROR_HANDLE, false);`
+template <typename T>
+T fail(int code, T result) {
+    setError(code);
+    return result;
+}
+/// Leaves success and returns `result`.
+template <typename T>
+T succeed(T result) {
+    setError(BASS_OK);
+    return result;
+}
+
+}  // namespace zv

@@ -1,0 +1,99 @@
+// Slides of VOL and VOLDSP: ordered, advanced with the sound, and let run on where nothing sounds.
+#include <cmath>
+
+#include "engine/graph.h"
+
+namespace zv {
+namespace {
+
+std::uint64_t framesOf(std::uint32_t ms, std::uint32_t rate) {
+    return (std::uint64_t{ms} * rate + 500) / 1000;
+}
+
+/// Whole frames of `rate` in `frames` of `of`; the rest is kept for the next block.
+std::uint64_t share(std::uint32_t frames, std::uint32_t rate, std::uint32_t of, double& rest) {
+    if (rate == of) return frames;
+    const double exact = static_cast<double>(frames) * rate / of + rest;
+    const double whole = std::floor(exact);
+    rest = exact - whole;
+    return static_cast<std::uint64_t>(whole);
+}
+
+}  // namespace
+
+void Graph::keepSliding(Channel& channel) {
+    if (channel.audio.inSlides) return;
+    channel.audio.inSlides = true;
+    channel.audio.nextSlide = slides_;
+    slides_ = &channel;
+}
+
+void Graph::forgetSlides(Channel& channel) {
+    if (!channel.audio.inSlides) return;
+    for (Channel** at = &slides_; *at; at = &(*at)->audio.nextSlide) {
+        if (*at != &channel) continue;
+        *at = channel.audio.nextSlide;
+        break;
+    }
+    channel.audio.inSlides = false;
+}
+
+void Graph::slideVolume(const Command& command) {
+    Channel& channel = *command.channel;
+    AudioState& a = channel.audio;
+    const std::uint32_t rate = a.plug ? a.plug->rate : channel.rate;
+    a.volume.start(command.value, framesOf(command.ms, rate), (command.flags & kSlideLog) != 0,
+                   (command.flags & kSlideStops) != 0);
+    channel.shared.volume.store(a.volume.value(), std::memory_order_relaxed);
+    channel.shared.volumeSlides.store(a.volume.active(), std::memory_order_relaxed);
+    channel.shared.appliedVolume.store(static_cast<std::uint32_t>(command.b), std::memory_order_release);
+    if (a.volume.active()) {
+        a.volumeDone = 0;
+        keepSliding(channel);
+    } else if (a.volume.stopsAtEnd()) {
+        finish(channel);
+    }
+}
+
+void Graph::slideVoldsp(const Command& command) {
+    Channel& channel = *command.channel;
+    AudioState& a = channel.audio;
+    a.voldsp.start(command.value, framesOf(command.ms, channel.rate), (command.flags & kSlideLog) != 0,
+                   false);
+    channel.shared.voldsp.store(a.voldsp.value(), std::memory_order_relaxed);
+    channel.shared.voldspSlides.store(a.voldsp.active(), std::memory_order_relaxed);
+    channel.shared.appliedVoldsp.store(static_cast<std::uint32_t>(command.b), std::memory_order_release);
+    if (a.voldsp.active()) keepSliding(channel);
+}
+
+void Graph::volumeEnded(Channel& channel) {
+    if (channel.audio.volume.stopsAtEnd()) finish(channel);
+}
+
+void Graph::passTime(std::uint32_t frames) {
+    Channel** at = &slides_;
+    while (Channel* channel = *at) {
+        AudioState& a = channel->audio;
+        if (a.volume.active()) {
+            const std::uint64_t due =
+                share(frames, a.plug ? a.plug->rate : channel->rate, rate(), a.volumeRest);
+            if (due > a.volumeDone && a.volume.advance(due - a.volumeDone)) volumeEnded(*channel);
+        }
+        a.volumeDone = 0;
+        if (a.voldsp.active() && a.chainBlock != block_)
+            a.voldsp.advance(share(frames, channel->rate, rate(), a.voldspRest));
+        SharedState& s = channel->shared;
+        s.volume.store(a.volume.value(), std::memory_order_relaxed);
+        s.voldsp.store(a.voldsp.value(), std::memory_order_relaxed);
+        s.volumeSlides.store(a.volume.active(), std::memory_order_relaxed);
+        s.voldspSlides.store(a.voldsp.active(), std::memory_order_relaxed);
+        if (a.volume.active() || a.voldsp.active()) {
+            at = &a.nextSlide;
+        } else {
+            a.inSlides = false;
+            *at = a.nextSlide;
+        }
+    }
+}
+
+}  // namespace zv

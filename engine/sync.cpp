@@ -1,0 +1,51 @@
+#include "engine/sync.h"
+
+#include <chrono>
+
+namespace zv {
+namespace {
+constexpr auto kPoll = std::chrono::milliseconds(2);
+}
+
+void SyncDispatcher::start(void (*drain)(), bool polls) {
+    stop();
+    drain_ = drain;
+    polls_ = polls;
+    thread_ = std::jthread([this](const std::stop_token& stop) { run(stop); });
+}
+
+void SyncDispatcher::stop() {
+    if (!thread_.joinable()) return;
+    thread_.request_stop();
+    thread_.join();
+}
+
+void SyncDispatcher::settle() {
+    if (!thread_.joinable() || isThisThread()) return;
+    std::unique_lock lock(mutex_);
+    const std::uint64_t mine = ++asked_;
+    changed_.notify_all();
+    changed_.wait(lock, [&] { return done_ >= mine; });
+}
+
+void SyncDispatcher::run(const std::stop_token& stop) {
+    std::unique_lock lock(mutex_);
+    while (!stop.stop_requested()) {
+        const auto due = [this] { return asked_ != done_; };
+        if (polls_) {
+            changed_.wait_for(lock, stop, kPoll, due);
+        } else {
+            changed_.wait(lock, stop, due);
+        }
+        const std::uint64_t upTo = asked_;
+        lock.unlock();
+        drain_();
+        lock.lock();
+        done_ = upTo;
+        changed_.notify_all();
+    }
+    done_ = asked_;
+    changed_.notify_all();
+}
+
+}  // namespace zv
