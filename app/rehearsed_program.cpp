@@ -13,7 +13,7 @@
 
 #include "engine/bass.h"
 #include "model/jingle.h"
-#include "model/palette_state.h"
+#include "model/state.h"
 #include "platform/rehearsal/json.h"
 #include "platform/rehearsal/rehearsal.h"
 #include "startup/settings.h"

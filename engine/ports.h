@@ -87,9 +87,9 @@ struct DeviceDescription {
 
 /// An open device: calls its client from its own thread until it is destroyed. Destroying it waits for a call
 /// that is under way; afterwards the client is not called again. [control]
-class Device {
+class SoundDevice {
   public:
-    virtual ~Device() = default;
+    virtual ~SoundDevice() = default;
     virtual std::uint32_t rate() const = 0;    ///< Hz at which the client is called
     virtual std::uint32_t period() const = 0;  ///< largest frames of one call
 };
@@ -100,12 +100,12 @@ class DeviceSource {
     virtual std::vector<DeviceDescription> outputs() = 0;
     virtual std::vector<DeviceDescription> inputs() = 0;
     /// `id` empty: the default. Nothing is returned when the device cannot be opened.
-    virtual std::unique_ptr<Device> openOutput(const std::string& id, std::uint32_t rate,
+    virtual std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
                                                SoundClient& client) = 0;
-    virtual std::unique_ptr<Device> openInput(const std::string& id, std::uint32_t rate,
+    virtual std::unique_ptr<SoundDevice> openInput(const std::string& id, std::uint32_t rate,
                                               SoundClient& client) = 0;
     /// The no-sound device: pulls its client at the pace of a clock and throws the sound away.
-    virtual std::unique_ptr<Device> openNoSound(std::uint32_t rate, SoundClient& client) = 0;
+    virtual std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) = 0;
     /// True when sound is pulled by the program's clock and not by hardware: the engine then waits for
     /// decoders instead of stalling, so that every run gives the same bits.
     virtual bool offline() const = 0;

@@ -56,7 +56,7 @@ struct World {
 };
 
 /// One open device.
-class Line final : public Device {
+class Line final : public SoundDevice {
   public:
     Line(std::shared_ptr<World> world, Jack* jack, bool input, std::uint32_t rate, SoundClient& client)
         : world_(std::move(world)), jack_(jack), input_(input), rate_(rate), client_(client) {
@@ -167,15 +167,15 @@ class Offline final : public OfflineDevices {
 
     std::vector<DeviceDescription> outputs() override { return describe(world_->outputs); }
     std::vector<DeviceDescription> inputs() override { return describe(world_->inputs); }
-    std::unique_ptr<Device> openOutput(const std::string& id, std::uint32_t rate,
+    std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
                                        SoundClient& client) override {
         return open(world_->outputs, id, false, rate, client);
     }
-    std::unique_ptr<Device> openInput(const std::string& id, std::uint32_t rate,
+    std::unique_ptr<SoundDevice> openInput(const std::string& id, std::uint32_t rate,
                                       SoundClient& client) override {
         return open(world_->inputs, id, true, rate, client);
     }
-    std::unique_ptr<Device> openNoSound(std::uint32_t rate, SoundClient& client) override {
+    std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) override {
         return std::make_unique<Line>(world_, nullptr, false, std::max(rate, 1U), client);
     }
     bool offline() const override { return true; }
@@ -246,7 +246,7 @@ class Offline final : public OfflineDevices {
             if (jack->plugged) list.push_back({jack->name, jack->name, list.empty(), 0});
         return list;
     }
-    std::unique_ptr<Device> open(const std::vector<std::unique_ptr<Jack>>& jacks, const std::string& id,
+    std::unique_ptr<SoundDevice> open(const std::vector<std::unique_ptr<Jack>>& jacks, const std::string& id,
                                  bool input, std::uint32_t rate, SoundClient& client) {
         if (rate == 0) return nullptr;
         for (const auto& jack : jacks)

@@ -13,7 +13,7 @@ using Clock = std::chrono::steady_clock;
 constexpr auto longestLag =
     std::chrono::milliseconds(200);  // a machine that slept does not catch up on its sleep
 
-class PacedDevice : public Device {
+class PacedDevice : public SoundDevice {
   public:
     PacedDevice(std::uint32_t rate, std::uint32_t period, SoundClient& client)
         : rate_(rate), period_(period), client_(&client), thread_([this] { run(); }) {}
@@ -55,7 +55,7 @@ class PacedDevice : public Device {
 
 }  // namespace
 
-std::unique_ptr<Device> openPacedDevice(std::uint32_t rate, std::uint32_t periodFrames, SoundClient& client) {
+std::unique_ptr<SoundDevice> openPacedDevice(std::uint32_t rate, std::uint32_t periodFrames, SoundClient& client) {
     if (rate == 0 || periodFrames == 0) return nullptr;
     return std::make_unique<PacedDevice>(rate, periodFrames, client);
 }

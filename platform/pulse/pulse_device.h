@@ -19,7 +19,7 @@ enum class Direction { Output, Input };
 
 /// A connection and a thread of its own for each device, so that none waits for another. All that follows the
 /// opening happens on that thread.
-class PulseDevice : public Device {
+class PulseDevice : public SoundDevice {
   public:
     PulseDevice(const PulseOptions& options, Direction direction, std::string id, std::uint32_t rate,
                 SoundClient& client);

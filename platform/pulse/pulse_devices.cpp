@@ -127,21 +127,21 @@ class PulseDevices : public DeviceSource {
 
     std::vector<DeviceDescription> outputs() override { return ask(options_).outputs; }
     std::vector<DeviceDescription> inputs() override { return ask(options_).inputs; }
-    std::unique_ptr<Device> openOutput(const std::string& id, std::uint32_t rate,
+    std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
                                        SoundClient& client) override {
         return open(Direction::Output, id, rate, client);
     }
-    std::unique_ptr<Device> openInput(const std::string& id, std::uint32_t rate,
+    std::unique_ptr<SoundDevice> openInput(const std::string& id, std::uint32_t rate,
                                       SoundClient& client) override {
         return open(Direction::Input, id, rate, client);
     }
-    std::unique_ptr<Device> openNoSound(std::uint32_t rate, SoundClient& client) override {
+    std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) override {
         return openPacedDevice(rate, options_.periodFrames, client);
     }
     bool offline() const override { return false; }
 
   private:
-    std::unique_ptr<Device> open(Direction direction, const std::string& id, std::uint32_t rate,
+    std::unique_ptr<SoundDevice> open(Direction direction, const std::string& id, std::uint32_t rate,
                                  SoundClient& client) {
         if (rate < 1 || rate > PA_RATE_MAX) return nullptr;
         auto device = std::make_unique<PulseDevice>(options_, direction, id, rate, client);

@@ -14,7 +14,7 @@ constexpr std::uint32_t channels = 2;
 
 enum class Direction { Output, Input };
 
-class RtAudioDevice : public Device {
+class RtAudioDevice : public SoundDevice {
   public:
     RtAudioDevice(RtAudio::Api api, Direction direction, SoundClient& client)
         : audio_(api), direction_(direction), client_(&client) {
@@ -79,15 +79,15 @@ class RtAudioDevices : public DeviceSource {
 
     std::vector<DeviceDescription> outputs() override { return list(Direction::Output); }
     std::vector<DeviceDescription> inputs() override { return list(Direction::Input); }
-    std::unique_ptr<Device> openOutput(const std::string& id, std::uint32_t rate,
+    std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
                                        SoundClient& client) override {
         return open(Direction::Output, id, rate, client);
     }
-    std::unique_ptr<Device> openInput(const std::string& id, std::uint32_t rate,
+    std::unique_ptr<SoundDevice> openInput(const std::string& id, std::uint32_t rate,
                                       SoundClient& client) override {
         return open(Direction::Input, id, rate, client);
     }
-    std::unique_ptr<Device> openNoSound(std::uint32_t rate, SoundClient& client) override {
+    std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) override {
         return openPacedDevice(rate, wantedPeriod, client);
     }
     bool offline() const override { return false; }
@@ -111,7 +111,7 @@ class RtAudioDevices : public DeviceSource {
         return devices;
     }
 
-    std::unique_ptr<Device> open(Direction direction, const std::string& id, std::uint32_t rate,
+    std::unique_ptr<SoundDevice> open(Direction direction, const std::string& id, std::uint32_t rate,
                                  SoundClient& client) const {
         try {
             auto device = std::make_unique<RtAudioDevice>(api_, direction, client);

@@ -1,0 +1,260 @@
+#include "app/start.h"
+
+#include <string>
+#include <string_view>
+
+#include "audio/devices.h"
+#include "engine/bass.h"
+#include "engine/ports.h"
+#include "model/jingle.h"
+#include "model/palette_files.h"
+#include "model/state.h"
+#include "platform/clock.h"
+#include "platform/desktop.h"
+#include "platform/paths.h"
+#include "platform/sound.h"
+#include "startup/datafiles.h"
+#include "startup/errors.h"
+#include "startup/guard.h"
+#include "startup/helpers.h"
+#include "startup/instance_lock.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+#include "startup/trace.h"
+#include "ui/clock_display.h"
+#include "ui/colours_ui.h"
+#include "ui/display.h"
+#include "ui/layout.h"
+#include "ui/main_window.h"
+#include "ui/palette_list.h"
+#include "ui/splash.h"
+#include "ui/timers.h"
+#include "ui/upcalls_fill.h"
+
+namespace zv {
+namespace {
+
+constexpr const char* kTitle = "Zentrova";
+constexpr const char* kLogSeparator = "---8<-------8<-------8<-------8<-------8<-------8<-------8<---";
+constexpr DWORD kWantedBass = 516;  // high word of the version: 2.4
+
+InstanceLock instanceLock;
+
+/// One step of the start: guarded, traced under `name` unless that is empty, events pumped behind it.
+template <class Body>
+void step(std::string_view name, Body&& body) {
+    guarded("modMain.Main", std::forward<Body>(body));
+    if (!name.empty()) FillTraceLog(name);
+    processEvents();
+}
+
+void unloadSplash() { hideWindow(frmSplash().window); }
+
+/// The one fatal condition of the start.
+bool refuse(const std::string& logged, const std::string& shown) {
+    unloadSplash();
+    ErrLog(audioLibraryName(), logged);
+    messageBox(shown, kTitle, BoxKind::stop, BoxButtons::ok);
+    return false;
+}
+
+bool loadEngine() {
+    const std::string library = audioLibraryName();
+    const std::string path = shippedFolder() + "/" + library;
+    if (!FileExists(path))
+        return refuse(" " + library + " does not exist!", "The file " + library + " does not exist!");
+    const bool loaded = loadAudioLibrary(path);
+    if (!loaded || (BASS_GetVersion() >> 16) != kWantedBass) {
+        const std::string text = " BASS version 2.4 was not loaded";
+        return refuse(text, text.substr(1));
+    }
+    audioLibraryControl()->install(soundPorts());
+    const DWORD version = BASS_GetVersion();
+    ConsoleAdd("Bass : " + std::to_string(version >> 24) + "." + std::to_string(version >> 16 & 0xFF) + "." +
+               std::to_string(version >> 8 & 0xFF) + "." + std::to_string(version & 0xFF));
+    FreeBASS();
+    return true;
+}
+
+/// A second program on the same folder would write over the first one's files: the presenter decides.
+bool secondProgramAllowed() {
+    if (instanceLock.acquire(programFolder()) != InstanceLock::Result::shared) return true;
+    const std::string text = LnBox("mSecondInstance");
+    return messageBox(
+               text.empty() ? "Zentrova already runs on this folder. Start a second one all the same?" : text,
+               kTitle, BoxKind::question, BoxButtons::yesNo) == BoxAnswer::yes;
+}
+
+void warnOfReadOnlyFolder() {
+    if (ProgramFolderWritable()) return;
+    std::string text = LnBox("mFolderNotWritable");
+    if (text.empty()) text = "Nothing will be saved: this folder cannot be written:";
+    messageBox(text + "\r\n" + programFolder(), kTitle, BoxKind::warning, BoxButtons::ok);
+}
+
+void openDataFiles() {
+    SetProgress(2);
+    SplashStep("Loading ini files");
+    step("zv.ini", [] {
+        SetStorePaths();
+        SweepTemporaries();
+        OpenIniFile();
+    });
+    step("", [] {
+        const auto screens = monitors();
+        const int monitor = ReadMonitorSetting(static_cast<int>(screens.size()));
+        if (monitor >= 0 && monitor < static_cast<int>(screens.size())) {
+            const Monitor& screen = screens[static_cast<std::size_t>(monitor)];
+            Control& splash = frmSplash().window;
+            splash.left = (screen.left + screen.width / 2) * kTwipsPerPixel - splash.width / 2;
+            splash.top = (screen.top + screen.height / 2) * kTwipsPerPixel - splash.height / 2;
+        }
+        showWindow(frmSplash().window);
+    });
+    step("", [] {
+        ErrorLogOn = ReadErrorLogSetting();
+        ErrLog("", kLogSeparator);
+        ErrLog("", "Starting program");
+    });
+    step("language.ini", OpenLanguageFile);
+    step("account.ini", OpenAccountFile);
+    step("palette.ini", OpenPaletteFile);
+    if (PlaylistsEnabled) step("playlist.ini", OpenPlaylistFile);
+    step("urls.txt", [] { OpenUrlsFile(); });
+    step("DISPpresets.ini", OpenDispPresets);
+    step("VUpresets.ini", OpenVUPresets);
+    step("FXpresets.ini", OpenFXPresets);
+}
+
+void loadSettings() {
+    SetProgress(6);
+    SplashStep("Loading settings");
+    step("LoadZVini", [] { LoadZVini(); });
+    SetProgress(7);
+    step("HotJingles.ini", OpenHotFile);
+    SplashStep("Loading MIDI settings");
+    SetProgress(18);
+    step("MIDI.ini", OpenMIDIFile);
+}
+
+void loadLanguage() {
+    SplashStep("Loading main window language");
+    for (const char* window : {"frmMain", "frmShortcuts", "frmRenameFile"})
+        step("LnStrings(" + std::string(window) + ")", [&] { LnStrings(window); });
+    SetProgress(23);
+    SplashStep("Loading settings window language");
+    for (const char* window : {"frmSett", "frmMixer", "frmMIDI"})
+        step("LnStrings(" + std::string(window) + ")", [&] { LnStrings(window); });
+    SetProgress(30);
+}
+
+void buildWindows() {
+    SplashStep("Loading main interface");
+    step("Load frmMain", [] {
+        frmMain().window.onClose = [] { Form_Unload(); };
+        Form_Load();
+    });
+    SetProgress(30);
+    SplashStep("Building main interface");
+    step("FormsLoad frmMain", [] { FormsLoad("frmMain"); });
+    SetProgress(70);
+}
+
+void startAudio() {
+    SplashStep("Starting audio devices");
+    SetProgress(95);
+    step("", ListOutDev);
+    step("", [] {
+        if (settings.DeviceSingle != 0)
+            bassini(0);
+        else
+            SetupMixers();
+    });
+    step("", ListInDev);
+    step("", [] {
+        if (settings.InputEnabled == 1) OpenMic();
+    });
+}
+
+void showMain() {
+    SplashStep("Enjoy!");
+    SetProgress(100);
+    step("", [] { showWindow(frmMain().window); });
+    step("frmMain.Show", [] {
+        PalFileTest();
+        lstPalRefresh();
+        settings.PaletteIndex = CheckSection(settings.PaletteIndex);
+        frmMain().display.txtDisPal.caption = settings.PaletteIndex;
+        SelectPalette(settings.PaletteIndex);
+        LoadingUI = false;
+        FormDraw("init");
+        StartTimers();
+        if (settings.CenterLstPal == 1) CentrePaletteList();
+    });
+    step("", [] { setAlwaysOnTop(frmMain().window, settings.AlwaysOnTop == 1); });
+    step("", unloadSplash);
+}
+
+void openPalette() {
+    step("", [] { OpenFile(settings.PaletteIndex); });
+    step("", [] { OpenFile(); });
+}
+
+}  // namespace
+
+bool Main(const CommandLine& commandLine) {
+    guarded("modMain.Main", [] {
+        FillUpcalls();
+        CtrlDown = (modifierKeys() & kCtrlMask) != 0;
+        LoadingUI = true;
+    });
+    SetProgress(0);
+    SplashStep("Starting Zentrova");
+    StartTrace();
+    FillTraceLog("Start");
+
+    bool ready = false;
+    guarded("modMain.Main", [&] { ready = loadEngine(); });
+    if (!ready) return false;
+    FillTraceLog("BASS");
+    SetProgress(80);
+    processEvents();
+
+    openDataFiles();
+    bool allowed = true;
+    guarded("modMain.Main", [&] { allowed = secondProgramAllowed(); });
+    if (!allowed) {
+        unloadSplash();
+        return false;
+    }
+    step("", warnOfReadOnlyFolder);
+    loadSettings();
+    loadLanguage();
+    buildWindows();
+    startAudio();
+    showMain();
+    openPalette();
+    guarded("modMain.Main", [&] {
+        setFocus(frmMain().window);
+        if (commandLine.trace) WriteTraceStart();
+    });
+    return true;
+}
+
+void Form_Unload() {
+    guarded("frmMain.Form_Unload", [] {
+        LoadingUI = true;
+        StopTimers();
+        frmMainUnload();
+    });
+    guarded("frmMain.Form_Unload", [] { FreeBASS(); });
+    guarded("frmMain.Form_Unload", [] { ErrLog("", "Program normal exit at " + LogTime()); });
+    guarded("frmMain.Form_Unload", [] {
+        instanceLock.release();
+        if (settings.ShutdownOnQuit == 1) runMinimised("systemctl poweroff");
+    });
+    quit(0);
+}
+
+}  // namespace zv

@@ -1,0 +1,43 @@
+/// The desktop program.
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "app/start.h"
+#include "platform/desktop.h"
+#include "platform/qt/view/shell.h"
+
+namespace {
+
+std::string executableFolder(const char* argv0) {
+    std::error_code error;
+    auto self = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (error) self = std::filesystem::absolute(argv0, error);
+    return self.parent_path().string();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    using namespace zv;
+    const CommandLine commandLine = ParseCommandLine(std::vector<std::string>(argv + 1, argv + argc));
+    if (!commandLine.error.empty()) {
+        std::fprintf(stderr, "%s\n", commandLine.error.c_str());
+        return kUsageStatus;
+    }
+    if (commandLine.help) {
+        std::printf("%s\n", UsageLine().c_str());
+        return 0;
+    }
+    if (!screenAvailable()) {
+        std::fprintf(stderr, "zentrova: no screen here; set DISPLAY, or perform a rehearsal instead\n");
+        return 1;
+    }
+    shell::startQt(argc, argv, false);
+    EnterProgramFolder(commandLine, executableFolder(argv[0]));
+    const int status = Main(commandLine) ? runEventLoop() : 1;
+    shell::endQt();
+    return status;
+}
