@@ -15,7 +15,7 @@ std::string lowered(std::string_view text) {
     return out;
 }
 
-/// Made by the first control and therefore torn down after the last one.
+/// Made by the first control and never torn down: controls in statics may end after any other static.
 struct Registry {
     std::vector<Control*> all;
     std::unordered_set<const Control*> alive;
@@ -25,7 +25,7 @@ struct Registry {
 };
 
 Registry& registry() {
-    static Registry r;
+    static Registry& r = *new Registry;
     return r;
 }
 

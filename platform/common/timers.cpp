@@ -21,7 +21,7 @@ struct Registry {
 };
 
 Registry& registry() {
-    static Registry r;
+    static Registry& r = *new Registry;  // timers in statics may end after any other static
     return r;
 }
 
