@@ -51,27 +51,30 @@ TempoLane::TempoLane(std::uint32_t rate, std::uint32_t channels, std::size_t fra
     chunk_.resize(kChunk * channels_);
 }
 
-bool TempoLane::open(StretcherSource& stretchers, std::uint64_t start, const TempoParameters& wanted,
-                     const PlayRange& where) {
+bool TempoLane::open(StretcherSource& stretchers, const TempoParameters& wanted) {
     if (stretcher_)
         stretcher_->clear();
     else
         stretcher_ = stretchers.make(rate_, channels_);
     if (!stretcher_) return false;
     parameters = wanted;
-    adopt(where);
     leaves = false;
-    startSource = nextSource_ = start;
     stretcher_->setTempo(wanted.tempo);
     stretcher_->setPitch(wanted.pitch);
     stretcher_->setRate(wanted.rate);
     speed_ = wanted.speed();
     lag_ = stretcher_->lag();
+    return true;
+}
+
+void TempoLane::begin(std::uint64_t start, const PlayRange& where, bool settled) {
+    adopt(where);
+    startSource = nextSource_ = start;
+    least_ = settled ? -std::min(lag_, static_cast<double>(start)) : 0;
     fed_ = 0;
     wrapped_ = flushed_ = false;
     written_ = read_ = 0;
     endAt_ = kNoEnd;
-    return true;
 }
 
 void TempoLane::openLeaving(std::span<const float> content, std::uint64_t start, std::uint64_t next,
@@ -82,7 +85,7 @@ void TempoLane::openLeaving(std::span<const float> content, std::uint64_t start,
     startSource = start;
     leaveSource = next;
     speed_ = 1;
-    lag_ = 0;
+    lag_ = least_ = 0;
     wrapped_ = false;
     flushed_ = true;
     written_ = read_ = 0;
@@ -190,7 +193,10 @@ std::size_t TempoLane::read(std::span<float> out, std::uint64_t limit) {
 }
 
 std::uint64_t TempoLane::sourceAt(std::uint64_t frame) const {
-    const double played = std::max(0.0, static_cast<double>(frame) * speed_ - lag_);
+    const double played = std::max(least_, static_cast<double>(frame) * speed_ - lag_);
+    if (played < 0)
+        return startSource -
+               static_cast<std::uint64_t>(std::min<double>(-played, static_cast<double>(startSource)));
     return advance(startSource, static_cast<std::uint64_t>(std::llround(played)), range());
 }
 

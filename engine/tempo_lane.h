@@ -35,9 +35,13 @@ class TempoLane {
     std::uint64_t startSource = 0;  ///< of frame 0
 
     // ---- [worker]
-    /// Begins at source frame `start`; false when the stretcher cannot be had.
-    bool open(StretcherSource& stretchers, std::uint64_t start, const TempoParameters& wanted,
-              const PlayRange& where);
+    /// Takes the stretcher's parameters, before begin(); false when the stretcher cannot be had.
+    bool open(StretcherSource& stretchers, const TempoParameters& wanted);
+    /// Source frames by which the sound lies behind the place it is counted at, on average; after open().
+    double lag() const { return lag_; }
+    /// The first frame is source frame `start`. `settled`: it is counted by that much earlier, as all later
+    /// ones are; else the count waits at `start` (nothing sounded before).
+    void begin(std::uint64_t start, const PlayRange& where, bool settled);
     /// Begins a lane of `content` only, after which the source goes on at `next`.
     void openLeaving(std::span<const float> content, std::uint64_t start, std::uint64_t next,
                      const PlayRange& where);
@@ -81,7 +85,7 @@ class TempoLane {
     // One by one is enough: adopt() only changes what lies ahead of everything rendered.
     std::atomic<std::uint64_t> end_{0}, loopStart_{0};
     std::atomic<bool> loop_{false};
-    double speed_ = 1, lag_ = 0;
+    double speed_ = 1, lag_ = 0, least_ = 0;
     std::uint64_t fed_ = 0, nextSource_ = 0;  // source frames handed to the stretcher; the next one
     bool wrapped_ = false, flushed_ = false;
 };

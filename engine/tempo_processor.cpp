@@ -14,9 +14,16 @@ constexpr double kFadeSeconds = 0.01;
 constexpr double kAheadSeconds = 0.2;   // that a lane keeps rendered
 constexpr double kReadySeconds = 0.06;  // that a lane has when it is offered
 constexpr double kRingSeconds = 0.3;
+constexpr double kHoldSeconds = 0.05;    // that a position waits at most after a change
 constexpr double kSearchSeconds = 0.01;  // to either side, for the best place to cross over
 
 std::size_t framesOf(double seconds, std::uint32_t rate) { return static_cast<std::size_t>(seconds * rate); }
+
+/// A little before or after `frame`; never before the beginning or behind the end.
+std::uint64_t shifted(std::uint64_t frame, std::int64_t by, const PlayRange& range) {
+    if (by >= 0) return advance(frame, static_cast<std::uint64_t>(by), range);
+    return frame - std::min(frame, static_cast<std::uint64_t>(-by));
+}
 
 TempoParameters cut(const TempoParameters& p) {
     const auto in = [](double v, double low, double high, double fallback) {
@@ -56,7 +63,8 @@ void TempoProcessor::prime(std::uint64_t frame, const PlayRange& range) {
     const FlushToZero flush;
     if (TempoLane* before = primed_.exchange(nullptr)) drop(before);
     TempoLane* lane = freeLane();
-    if (!lane || !lane->open(*stretchers_, frame, wanted, range)) return;
+    if (!lane || !lane->open(*stretchers_, wanted)) return;
+    lane->begin(frame, range, false);
     lane->after = nullptr;
     lane->fill(reader_, framesOf(kReadySeconds, rate_));
     lane->state.store(TempoLane::State::made, std::memory_order_release);
@@ -130,17 +138,21 @@ void TempoProcessor::takeOver() {
     current_ = next_;
     next_ = nullptr;
     current_->state.store(TempoLane::State::playing, std::memory_order_release);
+    heldLeft_ = framesOf(kHoldSeconds, rate_);
     publish();
 }
 
-std::size_t TempoProcessor::neutralRun() {
-    constexpr std::size_t kNoSwitch = ~std::size_t{0};
-    if (current_) return 0;
+bool TempoProcessor::neutral() {
+    if (current_) return false;
     const TempoLane* lane = next();
-    if (!lane) return kNoSwitch;
-    if (lane->switchAt > clock_) return static_cast<std::size_t>(lane->switchAt - clock_);
+    if (!lane || lane->switchAt > clock_) return true;
     takeOver();
-    return 0;
+    return false;
+}
+
+std::size_t TempoProcessor::neutralRun() const {
+    return next_ && next_->switchAt > clock_ ? static_cast<std::size_t>(next_->switchAt - clock_)
+                                             : ~std::size_t{0};
 }
 
 void TempoProcessor::passed(std::size_t frames, std::uint64_t frame) {
@@ -180,8 +192,18 @@ std::size_t TempoProcessor::read(std::span<float> out) {
             break;
         }
     }
-    if (current_) heard_.store(current_->sourceAt(current_->readAt()), std::memory_order_relaxed);
+    if (current_) report(done);
     return done;
+}
+
+/// The heard position. A lane may begin a few milliseconds before the place where the last one was left: the
+/// position then waits, it does not go back.
+void TempoProcessor::report(std::size_t frames) {
+    const std::uint64_t before = heard_.load(std::memory_order_relaxed);
+    const std::uint64_t now = current_->sourceAt(current_->readAt());
+    const bool back = now < before && before - now < framesOf(kHoldSeconds, rate_);
+    if (!(back && heldLeft_ > 0)) heard_.store(now, std::memory_order_relaxed);
+    heldLeft_ -= std::min(heldLeft_, frames);
 }
 
 // ---- [worker]
@@ -241,7 +263,8 @@ void TempoProcessor::enter(const Snapshot& now, const TempoParameters& wanted) {
     const std::size_t lead = fresh ? 0 : framesOf(kLeadSeconds, rate_);
     const std::uint64_t source = advance(now.source, lead, now.range);
     if (source == now.range.end && !now.range.loop) return;  // over before it could begin
-    if (!lane->open(*stretchers_, source, wanted, now.range)) return;
+    if (!lane->open(*stretchers_, wanted)) return;
+    lane->begin(source, now.range, false);
     lane->after = nullptr;
     lane->epoch = now.epoch;
     lane->switchAt = now.clock + lead;
@@ -267,19 +290,19 @@ void TempoProcessor::change(const Snapshot& now, const TempoParameters& wanted) 
     if (!lane) return;
     const std::uint64_t place = current.sourceAt(at);
     if (wanted.neutral()) {
-        const std::uint64_t start = place + static_cast<std::uint64_t>(bestLag(old_, place, now.range));
+        const std::uint64_t start = shifted(place, bestLag(old_, place, now.range), now.range);
         std::vector<float>& fresh = search_;
         fresh.assign(fade * channels_, 0.0f);
         std::uint64_t next = start;
         readInOrder(reader_, next, fresh, channels_, now.range);
         lane->openLeaving(fresh, start, next, now.range);
     } else {
-        if (!lane->open(*stretchers_, place, wanted, now.range)) return;
+        if (!lane->open(*stretchers_, wanted)) return;
+        const std::uint64_t start = shifted(place, std::llround(lane->lag()), now.range);
         // Only sound of the same pitch can be laid over itself.
         const bool alike = wanted.pitch == current.parameters.pitch && wanted.rate == current.parameters.rate;
-        const std::uint64_t start =
-            alike ? place + static_cast<std::uint64_t>(bestLag(old_, place, now.range)) : place;
-        if (start != place && !lane->open(*stretchers_, start, wanted, now.range)) return;
+        lane->begin(alike ? shifted(start, bestLag(old_, start, now.range), now.range) : start, now.range,
+                    true);
         lane->fill(reader_, framesOf(kReadySeconds, rate_));
     }
     lane->fadeFrom(old_);

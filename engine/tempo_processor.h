@@ -82,11 +82,11 @@ class TempoProcessor {
     void restart(std::uint64_t frame);
     /// Loop and end from now on. Governs the very next wrap that is heard.
     void setRange(const PlayRange& range);
-    /// True: the next frame comes from the source itself, at sourceFrame().
-    bool neutral() const { return current_ == nullptr; }
-    /// Frames to take from the source before asking again; 0 when this very frame changes over: then
-    /// neutral() is false.
-    std::size_t neutralRun();
+    /// True: the next frame comes from the source itself, at sourceFrame(). Changes over when its frame has
+    /// come.
+    bool neutral();
+    /// After neutral() was true: frames to take from the source before asking again; at least 1.
+    std::size_t neutralRun() const;
     /// `frames` frames of the source were played; the source stands at `frame` now (wrapped where it
     /// wrapped).
     void passed(std::size_t frames, std::uint64_t frame);
@@ -124,6 +124,7 @@ class TempoProcessor {
     };
 
     void publish();
+    void report(std::size_t frames);
     TempoLane* next();
     void takeOver();
     void drop(TempoLane* lane);
@@ -151,6 +152,7 @@ class TempoProcessor {
     std::uint64_t clock_ = 0, start_ = 0,
                   source_ = 0;  // frames passed while neutral; where that began; the source's frame
     PlayRange range_;
+    std::size_t heldLeft_ = 0;
 
     // from the worker to the audio thread
     std::atomic<TempoLane*> offered_{nullptr}, primed_{nullptr};

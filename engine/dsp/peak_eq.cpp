@@ -23,7 +23,6 @@ namespace wide = plain;
 #endif
 
 constexpr double kRampSeconds = 0.02;
-constexpr double kSettleSeconds = 0.3;    // longer than any band of the program rings
 constexpr std::size_t kRunFrames = 4096;  // most frames of one run of a kernel
 
 bool sensible(const PeakBand& band, double rate) {
@@ -31,20 +30,38 @@ bool sensible(const PeakBand& band, double rate) {
            band.centreHz > 0 && band.centreHz < rate / 2 && (band.q > 0 || band.octaves > 0);
 }
 
-void setLane(std::array<EqGroup::Lanes, EqGroup::kCoefficients>& lanes, std::size_t lane,
-             const Biquad& biquad) {
-    lanes[EqGroup::kB0][lane] = biquad.b0;
-    lanes[EqGroup::kB1][lane] = biquad.b1;
-    lanes[EqGroup::kB2][lane] = biquad.b2;
-    lanes[EqGroup::kA1][lane] = biquad.a1;
-    lanes[EqGroup::kA2][lane] = biquad.a2;
+/// alpha of the cookbook.
+double alphaOf(const PeakBand& band, double w0) {
+    constexpr double kMostExponent = 50;  // just below half the rate the bandwidth formula runs to infinity
+    const double sine = std::sin(w0);
+    if (band.q > 0) return sine / (2 * band.q);
+    return sine * std::sinh(std::min(std::numbers::ln2 / 2 * band.octaves * w0 / sine, kMostExponent));
 }
 
-bool sameLane(const std::array<EqGroup::Lanes, EqGroup::kCoefficients>& a,
-              const std::array<EqGroup::Lanes, EqGroup::kCoefficients>& b, std::size_t lane) {
-    for (std::size_t k = 0; k < a.size(); ++k)
-        if (a[k][lane] != b[k][lane]) return false;
-    return true;
+double amplitudeOf(const PeakBand& band) {
+    return std::pow(10.0, std::clamp(band.gainDb, -120.0, 120.0) / 40);
+}
+
+void setFlat(EqGroup::Table& table, std::size_t lane) {
+    table[EqGroup::kG][lane] = 1;
+    table[EqGroup::kC1][lane] = table[EqGroup::kC2][lane] = 0;
+}
+
+void setLane(EqGroup::Table& table, std::size_t lane, const PeakBand& band, double rate) {
+    const double w0 = 2 * std::numbers::pi * band.centreHz / rate, a = amplitudeOf(band);
+    const double g = std::tan(w0 / 2), k = 2 * alphaOf(band, w0) / (std::sin(w0) * a), m = k * (a * a - 1);
+    const double a1 = 1 / (1 + g * (g + k)), a2 = g * a1, a3 = g * a2;
+    const auto set = [&](EqGroup::Coefficient c, double v) { table[c][lane] = static_cast<float>(v); };
+    set(EqGroup::kP, 2 * a1 - 1);
+    set(EqGroup::kQ, 2 * a2);
+    set(EqGroup::kB, 2 * a3);
+    set(EqGroup::kG, 1 + m * a2);
+    set(EqGroup::kC1, m * a1);
+    set(EqGroup::kC2, m * a2);
+}
+
+bool allFlat(const EqGroup& group) {
+    return std::all_of(group.flat.begin(), group.flat.end(), [](bool f) { return f; });
 }
 
 }  // namespace
@@ -53,15 +70,8 @@ bool isFlat(const PeakBand& band, double rate) { return band.gainDb == 0 || !sen
 
 Biquad designPeak(const PeakBand& band, double rate) {
     if (!sensible(band, rate)) return {};
-    constexpr double kMostExponent = 50;  // just below half the rate the bandwidth formula runs to infinity
     const double w0 = 2 * std::numbers::pi * band.centreHz / rate;
-    const double sine = std::sin(w0);
-    const double alpha =
-        band.q > 0
-            ? sine / (2 * band.q)
-            : sine * std::sinh(std::min(std::numbers::ln2 / 2 * band.octaves * w0 / sine, kMostExponent));
-    const double a = std::pow(10.0, std::clamp(band.gainDb, -120.0, 120.0) / 40);
-    const double a0 = 1 + alpha / a;
+    const double alpha = alphaOf(band, w0), a = amplitudeOf(band), a0 = 1 + alpha / a;
     const auto cut = [a0](double v) { return static_cast<float>(v / a0); };
     const float middle = cut(-2 * std::cos(w0));
     return {cut(1 + alpha * a), middle, cut(1 - alpha * a), middle, cut(1 - alpha / a)};
@@ -70,13 +80,12 @@ Biquad designPeak(const PeakBand& band, double rate) {
 PeakEq::PeakEq(double rate, std::size_t bands)
     : rate_(rate),
       rampFrames_(static_cast<std::uint32_t>(std::max(1.0, rate * kRampSeconds))),
-      settleFrames_(static_cast<std::uint32_t>(std::max(1.0, rate * kSettleSeconds))),
       groups_(std::max<std::size_t>(1, (bands + 7) / 8)) {
     for (EqGroup& group : groups_) {
+        group.flat.fill(true);
         for (std::size_t lane = 0; lane < kLaneCount; ++lane) {
-            setLane(group.now, lane, {});
-            setLane(group.target, lane, {});
-            group.flat[lane] = true;
+            setFlat(group.now, lane);
+            setFlat(group.target, lane);
         }
     }
 }
@@ -85,33 +94,31 @@ void PeakEq::setBand(std::size_t index, const PeakBand& band) {
     if (index >= capacity()) return;
     EqGroup& group = groups_[index / kLaneCount];
     const std::size_t lane = index % kLaneCount;
-    const auto before = group.target;
-    group.flat[lane] = isFlat(band, rate_);
-    // At rest a flat band has no memory to keep alive; in a group that runs it keeps its poles and fades to b
-    // = a.
-    setLane(group.target, lane,
-            group.flat[lane] && !(group.active && passed_) ? Biquad{} : designPeak(band, rate_));
-    if (sameLane(before, group.target, lane)) return;
-
-    const bool flat = std::all_of(group.flat.begin(), group.flat.end(), [](bool f) { return f; });
-    if (!passed_ || (!group.active && flat)) {
-        group.now = group.target;
-        group.active = !flat;
+    const bool flat = isFlat(band, rate_), wasFlat = group.flat[lane];
+    if (band == group.bands[lane] || (flat && wasFlat)) return;
+    group.bands[lane] = flat ? PeakBand{} : band;
+    group.flat[lane] = flat;
+    if (flat) {
+        setFlat(group.target, lane);  // and keeps its poles on the way there
     } else {
-        if (!group.active && sameLane(group.now, before, lane)) {
-            PeakBand start = band;
-            start.gainDb = 0;
-            setLane(group.now, lane, designPeak(start, rate_));
+        setLane(group.target, lane, band, rate_);
+        if (wasFlat && group.now[EqGroup::kC1][lane] == 0) {  // from nothing, with the new poles at once
+            for (const auto c : {EqGroup::kP, EqGroup::kQ, EqGroup::kB})
+                group.now[c][lane] = group.target[c][lane];
+            group.left.i1[lane] = group.left.i2[lane] = group.right.i1[lane] = group.right.i2[lane] = 0;
         }
+    }
+    if (!passed_) {
+        group.now = group.target;
+    } else {
         for (std::size_t k = 0; k < group.now.size(); ++k)
             for (std::size_t l = 0; l < kLaneCount; ++l)
                 group.step[k][l] = (group.target[k][l] - group.now[k][l]) / static_cast<float>(rampFrames_);
         group.rampLeft = rampFrames_;
-        group.active = true;
     }
-    group.settleLeft = flat ? settleFrames_ : 0;
-    active_ = static_cast<std::size_t>(
-        std::count_if(groups_.begin(), groups_.end(), [](auto& g) { return g.active; }));
+    const bool active = group.rampLeft > 0 || !allFlat(group);
+    if (active != group.active) active_ = active ? active_ + 1 : active_ - 1;
+    group.active = active;
 }
 
 void PeakEq::run(EqGroup& group, float* stereo, std::size_t frames) {
@@ -122,14 +129,12 @@ void PeakEq::run(EqGroup& group, float* stereo, std::size_t frames) {
             part = std::min<std::size_t>(part, group.rampLeft);
             (w ? wide::filter<true> : plain::filter<true>)(group, stereo, part);
             group.rampLeft -= static_cast<std::uint32_t>(part);
-            if (group.rampLeft == 0) group.now = group.target;
-        } else {
-            if (group.settleLeft > 0) part = std::min<std::size_t>(part, group.settleLeft);
-            (w ? wide::filter<false> : plain::filter<false>)(group, stereo, part);
-            if (group.settleLeft > 0) {
-                group.settleLeft -= static_cast<std::uint32_t>(part);
-                if (group.settleLeft == 0) return settle(group);
+            if (group.rampLeft == 0) {
+                group.now = group.target;
+                if (allFlat(group)) return rest(group);
             }
+        } else {
+            (w ? wide::filter<false> : plain::filter<false>)(group, stereo, part);
         }
         stereo += 2 * part;
         frames -= part;
@@ -137,9 +142,7 @@ void PeakEq::run(EqGroup& group, float* stereo, std::size_t frames) {
 }
 
 /// The group changes nothing any more: out of the path with it.
-void PeakEq::settle(EqGroup& group) {
-    for (std::size_t lane = 0; lane < kLaneCount; ++lane) setLane(group.target, lane, {});
-    group.now = group.target;
+void PeakEq::rest(EqGroup& group) {
     group.left = group.right = {};
     group.active = false;
     --active_;
@@ -159,9 +162,9 @@ void PeakEq::reset() {
     for (EqGroup& group : groups_) {
         if (!group.active) continue;
         group.left = group.right = {};
-        group.rampLeft = group.settleLeft = 0;
+        group.rampLeft = 0;
         group.now = group.target;
-        if (std::all_of(group.flat.begin(), group.flat.end(), [](bool f) { return f; })) settle(group);
+        if (allFlat(group)) rest(group);
     }
 }
 

@@ -30,18 +30,22 @@ Biquad designPeak(const PeakBand& band, double rate);
 /// Whether `band` leaves sound at `rate` as it is. [any]
 bool isFlat(const PeakBand& band, double rate);
 
-/// Eight bands of the equaliser and what they remember.
+/// Eight bands of the equaliser and what they remember. Each is the cookbook's filter as a pair of
+/// trapezoidal integrators, because the direct form is too coarse in 32 bits for bands of some 100 Hz:
+///   d = x - i2;  i1' = p i1 + q d;  i2' = i2 + q i1 + b d;  y = g x + (c1 i1 - c2 i2)
+/// A flat band has g = 1 and c1 = c2 = 0: the very samples, whatever the integrators hold.
 struct alignas(32) EqGroup {
     using Lanes = std::array<float, 8>;
-    enum Coefficient { kB0, kB1, kB2, kA1, kA2, kCoefficients };
+    enum Coefficient { kP, kQ, kB, kG, kC1, kC2, kCoefficients };
+    using Table = std::array<Lanes, kCoefficients>;
     struct Memory {
-        Lanes s1{}, s2{};
+        Lanes i1{}, i2{};
     };
-    std::array<Lanes, kCoefficients> now{}, step{}, target{};  // step: a frame, while a change is under way
+    Table now{}, step{}, target{};  // step: a frame, while a change is under way
     Memory left, right;
-    std::array<bool, 8> flat{};    // the lane's target changes nothing
-    std::uint32_t rampLeft = 0;    // frames until now equals target
-    std::uint32_t settleLeft = 0;  // frames that a group gone flat still runs, until its memory has died away
+    std::array<PeakBand, 8> bands;
+    std::array<bool, 8> flat{};  // the lane's target changes nothing
+    std::uint32_t rampLeft = 0;  // frames until now equals target
     bool active = false;
 };
 
@@ -64,10 +68,10 @@ class PeakEq {
 
   private:
     void run(EqGroup& group, float* stereo, std::size_t frames);
-    void settle(EqGroup& group);
+    void rest(EqGroup& group);
 
     double rate_;
-    std::uint32_t rampFrames_, settleFrames_;
+    std::uint32_t rampFrames_;
     std::vector<EqGroup> groups_;
     std::size_t active_ = 0;
     bool passed_ = false;  // sound has passed since construction or reset

@@ -2,11 +2,11 @@
 // reason.
 
 struct Side {
-    Float8 s1, s2, y;
+    Float8 i1, i2, y;
 };
 
 struct Coefficients {
-    Float8 b0, b1, b2, a1, a2;
+    Float8 p, q, b, g, c1, c2;
 };
 
 inline Float8 get(const EqGroup::Lanes& lanes) {
@@ -14,9 +14,9 @@ inline Float8 get(const EqGroup::Lanes& lanes) {
 }
 inline void put(EqGroup::Lanes& lanes, Float8 v) { *reinterpret_cast<Float8Memory*>(lanes.data()) = v; }
 
-inline Coefficients getAll(const std::array<EqGroup::Lanes, EqGroup::kCoefficients>& c) {
-    return {get(c[EqGroup::kB0]), get(c[EqGroup::kB1]), get(c[EqGroup::kB2]), get(c[EqGroup::kA1]),
-            get(c[EqGroup::kA2])};
+inline Coefficients getAll(const EqGroup::Table& t) {
+    return {get(t[EqGroup::kP]), get(t[EqGroup::kQ]),  get(t[EqGroup::kB]),
+            get(t[EqGroup::kG]), get(t[EqGroup::kC1]), get(t[EqGroup::kC2])};
 }
 
 /// Every lane hands its result to the next; lane 0 gets `x`.
@@ -28,32 +28,34 @@ inline Float8 shifted(Float8 y, float x) {
 
 inline void step(Side& side, float x, const Coefficients& c) {
     const Float8 in = shifted(side.y, x);
-    side.y = c.b0 * in + side.s1;
-    side.s1 = (c.b1 * in + side.s2) - c.a1 * side.y;
-    side.s2 = c.b2 * in - c.a2 * side.y;
+    side.y = c.g * in + (c.c1 * side.i1 - c.c2 * side.i2);
+    const Float8 d = in - side.i2;
+    side.i2 = (side.i2 + c.q * side.i1) + c.b * d;
+    side.i1 = c.p * side.i1 + c.q * d;
 }
 
 /// Lanes outside `valid` keep their memory: their frame lies before or behind the block.
 inline void step(Side& side, float x, const Coefficients& c, Int8 valid) {
-    const Float8 s1 = side.s1, s2 = side.s2;
+    const Float8 i1 = side.i1, i2 = side.i2;
     step(side, x, c);
-    side.s1 = valid ? side.s1 : s1;
-    side.s2 = valid ? side.s2 : s2;
+    side.i1 = valid ? side.i1 : i1;
+    side.i2 = valid ? side.i2 : i2;
 }
 
 inline void advance(Coefficients& c, const Coefficients& d) {
-    c.b0 = c.b0 + d.b0;
-    c.b1 = c.b1 + d.b1;
-    c.b2 = c.b2 + d.b2;
-    c.a1 = c.a1 + d.a1;
-    c.a2 = c.a2 + d.a2;
+    c.p = c.p + d.p;
+    c.q = c.q + d.q;
+    c.b = c.b + d.b;
+    c.g = c.g + d.g;
+    c.c1 = c.c1 + d.c1;
+    c.c2 = c.c2 + d.c2;
 }
 
 inline void advance(Coefficients& c, const Coefficients& d, Int8 valid) {
     Coefficients n = c;
     advance(n, d);
-    c = {valid ? n.b0 : c.b0, valid ? n.b1 : c.b1, valid ? n.b2 : c.b2, valid ? n.a1 : c.a1,
-         valid ? n.a2 : c.a2};
+    c = {valid ? n.p : c.p, valid ? n.q : c.q,   valid ? n.b : c.b,
+         valid ? n.g : c.g, valid ? n.c1 : c.c1, valid ? n.c2 : c.c2};
 }
 
 template <bool Ramp>
@@ -63,8 +65,8 @@ void filter(EqGroup& group, float* stereo, std::size_t frames) {
     const Int8 lane{0, 1, 2, 3, 4, 5, 6, 7};
     Coefficients c = getAll(group.now);
     const Coefficients d = Ramp ? getAll(group.step) : Coefficients{};
-    Side left{get(group.left.s1), get(group.left.s2), Float8{}};
-    Side right{get(group.right.s1), get(group.right.s2), Float8{}};
+    Side left{get(group.left.i1), get(group.left.i2), Float8{}};
+    Side right{get(group.right.i1), get(group.right.i2), Float8{}};
 
     const auto partial = [&](std::int32_t t) {
         const Int8 valid = (lane <= t) & (lane > t - count);
@@ -88,15 +90,16 @@ void filter(EqGroup& group, float* stereo, std::size_t frames) {
     }
     for (; t < count + kLast; ++t) partial(t);
 
-    put(group.left.s1, left.s1);
-    put(group.left.s2, left.s2);
-    put(group.right.s1, right.s1);
-    put(group.right.s2, right.s2);
+    put(group.left.i1, left.i1);
+    put(group.left.i2, left.i2);
+    put(group.right.i1, right.i1);
+    put(group.right.i2, right.i2);
     if (Ramp) {
-        put(group.now[EqGroup::kB0], c.b0);
-        put(group.now[EqGroup::kB1], c.b1);
-        put(group.now[EqGroup::kB2], c.b2);
-        put(group.now[EqGroup::kA1], c.a1);
-        put(group.now[EqGroup::kA2], c.a2);
+        put(group.now[EqGroup::kP], c.p);
+        put(group.now[EqGroup::kQ], c.q);
+        put(group.now[EqGroup::kB], c.b);
+        put(group.now[EqGroup::kG], c.g);
+        put(group.now[EqGroup::kC1], c.c1);
+        put(group.now[EqGroup::kC2], c.c2);
     }
 }

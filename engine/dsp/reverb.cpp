@@ -90,7 +90,7 @@ void Reverb::set(const ReverbSettings& wish) {
     if (settings_.mixDb <= kLowestMix) {
         if (!running_) return;
         ReverbGains out = target_;
-        out.in = out.dry = 1;
+        out.dry = 1;
         out.wet = 0;
         begin(out);
         leaving_ = true;
@@ -112,14 +112,15 @@ void Reverb::set(const ReverbSettings& wish) {
     const double wet = std::pow(10.0, settings_.mixDb / 20);
     const double norm = std::min<double>(kMostNormalisation, std::sqrt((1 - power) / (4 * power + 1e-30)));
     goal.wet = static_cast<float>(wet * norm);
-    goal.dry = static_cast<float>(std::sqrt(std::max(0.0, 1 - wet * wet)));
-    goal.in = static_cast<float>(std::pow(10.0, settings_.inGainDb / 20));
+    const double in = std::pow(10.0, settings_.inGainDb / 20);
+    goal.dry = static_cast<float>(in * std::sqrt(std::max(0.0, 1 - wet * wet)));
+    goal.send = static_cast<float>(in);
     if (!running_) {
         clear();
         running_ = true;
         target_ = goal;
-        target_.in = target_.dry = 1;
-        target_.wet = 0;
+        target_.send = target_.wet = 0;  // sound that is under way enters the lines without an edge
+        target_.dry = 1;
     }
     begin(goal);
     leaving_ = false;
@@ -135,7 +136,7 @@ void Reverb::begin(const ReverbGains& goal) {
                 from_.line[k] = now(from_.line[k], target_.line[k]);
                 from_.damp[k] = now(from_.damp[k], target_.damp[k]);
             }
-            from_.in = now(from_.in, target_.in);
+            from_.send = now(from_.send, target_.send);
             from_.dry = now(from_.dry, target_.dry);
             from_.wet = now(from_.wet, target_.wet);
         } else {

@@ -21,7 +21,8 @@ struct ReverbGains {
     static constexpr std::size_t kLines = 8;
     std::array<float, kLines> line{};  ///< of the feedback: 60 dB in T60
     std::array<float, kLines> damp{};  ///< weight of the former frame in a line's damping
-    float in = 1, dry = 1, wet = 0;    ///< `wet` with the normalisation over T60
+    float send = 0;                    ///< into the lines
+    float dry = 1, wet = 0;            ///< `dry` with the input gain, `wet` normalised over T60
 };
 
 class Reverb {

@@ -12,10 +12,10 @@ struct Gain {
     float at(float t) const { return Ramp ? from + way * t : from; }
 };
 
-/// Splits stereo into two sides with the input gain.
+/// Splits stereo into what each side sends into the lines.
 template <bool Ramp>
 void spread(const float* stereo, std::size_t frames, const Block& block, float* left, float* right) {
-    const Gain<Ramp> in(block.from->in, block.to->in);
+    const Gain<Ramp> in(block.from->send, block.to->send);
     std::size_t i = 0;
     for (; i + 8 <= frames; i += 8) {
         const Float8 a = load(stereo + 2 * i), b = load(stereo + 2 * i + 8), g = in.at(load(block.way + i));
@@ -91,12 +91,11 @@ void network(const Run& run, std::size_t frames, const Block& block) {
 template <bool Ramp>
 void blend(float* stereo, std::size_t frames, const Block& block, const float* wetLeft,
            const float* wetRight) {
-    const Gain<Ramp> wet(block.from->wet, block.to->wet), dry(block.from->dry, block.to->dry),
-        in(block.from->in, block.to->in);
+    const Gain<Ramp> wet(block.from->wet, block.to->wet), dry(block.from->dry, block.to->dry);
     std::size_t i = 0;
     for (; i + 8 <= frames; i += 8) {
         const Float8 t = load(block.way + i);
-        const Float8 g = wet.at(t), d = dry.at(t) * in.at(t);
+        const Float8 g = wet.at(t), d = dry.at(t);
         const Float8 l = load(wetLeft + i) * g, r = load(wetRight + i) * g;
         const Float8 wetLow = __builtin_shufflevector(l, r, 0, 8, 1, 9, 2, 10, 3, 11);
         const Float8 wetHigh = __builtin_shufflevector(l, r, 4, 12, 5, 13, 6, 14, 7, 15);
@@ -107,7 +106,7 @@ void blend(float* stereo, std::size_t frames, const Block& block, const float* w
     }
     for (; i < frames; ++i) {
         const float t = block.way[i];
-        const float g = wet.at(t), d = dry.at(t) * in.at(t);
+        const float g = wet.at(t), d = dry.at(t);
         stereo[2 * i] = stereo[2 * i] * d + wetLeft[i] * g;
         stereo[2 * i + 1] = stereo[2 * i + 1] * d + wetRight[i] * g;
     }

@@ -1,0 +1,294 @@
+#include <gtest/gtest.h>
+
+#include <complex>
+
+#include "engine/dsp/peak_eq.h"
+#include "engine/dsp/reverb.h"
+#include "tests/engine/dsp_signals.h"
+
+namespace zv::dsp {
+namespace {
+
+using test::decibels;
+using test::inBlocks;
+using test::noise;
+using test::roughness;
+using test::sine;
+
+constexpr double kRate = 44100;
+
+/// Size of a biquad's transfer function at `hz`.
+double transfer(const Biquad& f, double hz, double rate) {
+    const std::complex<double> z = std::polar(1.0, -2 * std::numbers::pi * hz / rate);
+    const double b0 = f.b0, b1 = f.b1, b2 = f.b2, a1 = f.a1, a2 = f.a2;
+    return std::abs((b0 + b1 * z + b2 * z * z) / (1.0 + a1 * z + a2 * z * z));
+}
+
+TEST(DspPeakEq, FormulaHasItsGainInTheMiddleAndHalfOfItAtTheEdges) {
+    for (double gain : {-10.0, -3.0, 6.0, 12.0}) {
+        for (double octaves : {0.5, 1.0, 2.5}) {
+            const PeakBand band{1000, gain, octaves, 0};
+            const Biquad f = designPeak(band, kRate);
+            EXPECT_NEAR(decibels(transfer(f, 1000, kRate)), gain, 0.01);
+            EXPECT_NEAR(decibels(transfer(f, 1000 * std::exp2(octaves / 2), kRate)), gain / 2, 0.12);
+            EXPECT_NEAR(decibels(transfer(f, 1000 / std::exp2(octaves / 2), kRate)), gain / 2, 0.12);
+            EXPECT_NEAR(decibels(transfer(f, 1, kRate)), 0, 0.05);
+        }
+        const Biquad q = designPeak({2000, gain, 99, 2}, kRate);  // the quality counts when it is given
+        EXPECT_NEAR(decibels(transfer(q, 2000, kRate)), gain, 0.01);
+        EXPECT_NEAR(std::abs(decibels(transfer(q, 4000, kRate))), 0, std::abs(gain) * 0.15);
+    }
+}
+
+TEST(DspPeakEq, SevenBandsMeasuredAgainstTheProductOfTheirFormulas) {
+    const double centres[] = {60, 150, 400, 1000, 2400, 6000, 15000};
+    const double gains[] = {9, -6, 3, -10, 10, 5, -7};
+    for (double rate : {22050.0, 44100.0, 96000.0}) {
+        for (double hz : {40.0, 60.0, 200.0, 400.0, 1000.0, 3000.0, 6000.0, 10000.0}) {
+            PeakEq eq(rate);
+            double expected = 1;
+            for (std::size_t k = 0; k < 7; ++k) {
+                const PeakBand band{centres[k], gains[k], 2.5, 0};
+                eq.setBand(k, band);
+                expected *= transfer(designPeak(band, rate), hz, rate);
+            }
+            const auto frames = static_cast<std::size_t>(rate);
+            auto sound = sine(hz, rate, frames, 0.1);
+            eq.process(sound.data(), frames);
+            const auto left = test::tone(sound, hz, rate, frames / 2, frames, 0);
+            const auto right = test::tone(sound, hz, rate, frames / 2, frames, 1);
+            EXPECT_NEAR(decibels(left.size / 0.1), decibels(expected), 0.02) << hz << " at " << rate;
+            EXPECT_NEAR(decibels(right.size / 0.1), decibels(expected), 0.02);
+            EXPECT_LT(decibels(left.rest / left.size), -110) << hz << " at " << rate;
+        }
+    }
+}
+
+TEST(DspPeakEq, FlatBandsChangeNoBit) {
+    const auto sound = noise(2000, 5);
+    for (const PeakBand& band :
+         {PeakBand{1000, 0, 2.5, 0}, PeakBand{22050, 6, 2.5, 0}, PeakBand{50000, 6, 1, 0},
+          PeakBand{-5, 6, 1, 0}, PeakBand{1000, std::nan(""), 1, 0}}) {
+        PeakEq eq(kRate);
+        eq.setBand(0, band);
+        EXPECT_TRUE(eq.bypassed());
+        auto out = sound;
+        eq.process(out.data(), 1000);
+        EXPECT_EQ(out, sound);
+    }
+}
+
+TEST(DspPeakEq, BlocksDoNotMatterNotEvenDuringAChange) {
+    const auto sound = noise(2 * 5000, 6);
+    std::vector<std::vector<float>> results;
+    for (const auto& sizes : test::kBlockings) {
+        PeakEq eq(kRate, 20);
+        std::size_t done = 0;
+        const auto set = [&](double gain) {
+            for (std::size_t k = 0; k < 20; ++k)
+                eq.setBand(k, {100.0 * std::pow(1.2, double(k)), gain, 0.5, 0});
+        };
+        set(3);
+        results.push_back(inBlocks(sound, sizes, [&](float* block, std::size_t n) {
+            if (done < 2000 && done + n > 2000) {  // the change comes at the same frame for all
+                eq.process(block, 2000 - done);
+                block += 2 * (2000 - done);
+                n -= 2000 - done;
+                done = 2000;
+            }
+            if (done == 2000) set(-4);
+            eq.process(block, n);
+            done += n;
+        }));
+    }
+    for (const auto& result : results) EXPECT_EQ(result, results[0]);
+}
+
+TEST(DspPeakEq, LiveChangesDoNotClickAndEndInBypass) {
+    const std::size_t frames = 88200;
+    const auto sound = sine(100, kRate, frames);
+    PeakEq eq(kRate);
+    std::size_t turn = 0;
+    const double gains[] = {0, 10, -10, 10, 5, 0};
+    const auto out = inBlocks(sound, {11025}, [&](float* block, std::size_t n) {
+        if (turn < 6) eq.setBand(0, {110, gains[turn], 2.5, 0});
+        if (turn == 2) eq.setBand(1, {3000, 10, 2.5, 0});
+        if (turn == 4) eq.setBand(1, {3000, 0, 2.5, 0});
+        ++turn;
+        eq.process(block, n);
+    });
+    const double boost = std::pow(10, 10.0 / 20);
+    EXPECT_LT(roughness(out, 0, frames), roughness(sound, 0, frames) * boost * 1.3);
+    EXPECT_TRUE(eq.bypassed());
+    for (std::size_t i = 2 * 80000; i < 2 * frames; ++i) ASSERT_EQ(out[i], sound[i]);
+}
+
+// ---- reverb
+
+/// T60 by backward integration and a line through -5..-35 dB.
+double decaySeconds(const std::vector<float>& stereo, std::size_t side, double rate) {
+    const std::size_t frames = stereo.size() / 2;
+    std::vector<double> energy(frames);
+    double sum = 0;
+    for (std::size_t i = frames; i-- > 0;)
+        energy[i] = sum += double(stereo[2 * i + side]) * stereo[2 * i + side];
+    double n = 0, t = 0, d = 0, tt = 0, td = 0;
+    for (std::size_t i = 0; i < frames; ++i) {
+        const double level = 10 * std::log10(energy[i] / sum + 1e-30), time = static_cast<double>(i) / rate;
+        if (level > -5 || level < -35) continue;
+        ++n, t += time, d += level, tt += time * time, td += time * level;
+    }
+    return -60 / ((n * td - t * d) / (n * tt - t * t));
+}
+
+std::vector<float> impulse(double rate, double seconds, float left = 1, float right = 1) {
+    std::vector<float> out(2 * static_cast<std::size_t>(rate * seconds));
+    out[0] = left, out[1] = right;
+    return out;
+}
+
+TEST(DspReverb, FallsBySixtyDecibelsInItsTime) {
+    for (double rate : {22050.0, 44100.0, 96000.0}) {
+        for (double high : {0.001, 0.5, 0.999}) {
+            for (double ms : {200.0, 300.0, 500.0, 1000.0, 2000.0, 3000.0}) {
+                Reverb reverb(rate);
+                reverb.set({0, 0, ms, high});
+                auto sound = impulse(rate, 2.5 * ms / 1000, 1, 0.5f);
+                reverb.process(sound.data(), sound.size() / 2);
+                for (std::size_t side : {0u, 1u})
+                    EXPECT_NEAR(decaySeconds(sound, side, rate) * 1000, ms, 0.1 * ms)
+                        << rate << " Hz, " << ms << " ms, " << high << ", side " << side;
+            }
+        }
+    }
+}
+
+TEST(DspReverb, HighFrequenciesDieSoonerAsTold) {
+    const auto highDecay = [](double ratio) {
+        Reverb reverb(kRate);
+        reverb.set({0, 0, 1500, ratio});
+        auto sound = impulse(kRate, 2.5);
+        reverb.process(sound.data(), sound.size() / 2);
+        for (int pass = 0; pass < 4; ++pass)  // what is left is above 8 kHz
+            for (std::size_t i = sound.size(); i-- > 2;) sound[i] = (sound[i] - sound[i - 2]) * 0.5f;
+        return decaySeconds(sound, 0, kRate);
+    };
+    EXPECT_NEAR(highDecay(0.999), 1.5, 0.1);
+    EXPECT_LT(highDecay(0.5), 0.75 * highDecay(0.999));
+}
+
+TEST(DspReverb, WetAndDryKeepTheLoudnessOverTheTime) {
+    for (double mix : {-20.0, -6.0, 0.0}) {
+        for (double ms : {300.0, 1000.0, 3000.0}) {
+            Reverb reverb(kRate);
+            reverb.set({0, mix, ms, 0.999});
+            const std::size_t frames = 44100 * 6;
+            auto sound = noise(2 * frames, 3, 0.3f);
+            double before = 0, after = 0;
+            for (std::size_t i = frames; i < 2 * frames; ++i) before += double(sound[i]) * sound[i];
+            reverb.process(sound.data(), frames);
+            for (std::size_t i = frames; i < 2 * frames; ++i) after += double(sound[i]) * sound[i];
+            EXPECT_NEAR(10 * std::log10(after / before), 0, 1) << mix << " dB, " << ms << " ms";
+        }
+    }
+}
+
+TEST(DspReverb, TailIsDenseStereoAndHasNoRing) {
+    Reverb reverb(kRate);
+    reverb.set({0, 0, 3000, 0.999});
+    auto sound = impulse(kRate, 3);
+    reverb.process(sound.data(), sound.size() / 2);
+    // From 0.5 s on: how the samples are spread (3 for noise), how alike the sides are, and how much the
+    // loudest spectral line of a stretch stands out (noise: about 10 to 12 dB above the mean of 2000 lines).
+    const std::size_t from = 22050, count = 16384;
+    double two = 0, four = 0, right = 0, both = 0;
+    std::vector<double> flat(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double grow = std::pow(10.0, 3 * static_cast<double>(i) / kRate / 3);  // takes the decay away
+        const double l = sound[2 * (from + i)] * grow, r = sound[2 * (from + i) + 1] * grow;
+        flat[i] = l;
+        two += l * l, four += l * l * l * l, right += r * r, both += l * r;
+    }
+    EXPECT_NEAR(four / two / two * static_cast<double>(count), 3, 0.7);
+    EXPECT_LT(std::abs(both) / std::sqrt(two * right), 0.15);
+    double sum = 0, most = 0;
+    constexpr int kLines = 2000;
+    for (int k = 1; k <= kLines; ++k) {
+        const double w = 2 * std::numbers::pi * (k * 4) / static_cast<double>(count);
+        const double c2 = 2 * std::cos(w);
+        double s0 = 0, s1 = 0, s2 = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            const double window = 0.5 - 0.5 * std::cos(2 * std::numbers::pi * double(i) / double(count));
+            s0 = flat[i] * window + c2 * s1 - s2, s2 = s1, s1 = s0;
+        }
+        const double power = s1 * s1 + s2 * s2 - c2 * s1 * s2;
+        sum += power, most = std::max(most, power);
+    }
+    EXPECT_LT(10 * std::log10(most / (sum / kLines)), 14);
+}
+
+TEST(DspReverb, NoMixIsABypassToTheBit) {
+    const auto sound = noise(4000, 8);
+    Reverb reverb(kRate);
+    reverb.set({-10, -96, 1000, 0.5});
+    EXPECT_TRUE(reverb.bypassed());
+    auto out = sound;
+    reverb.process(out.data(), 2000);
+    EXPECT_EQ(out, sound);
+}
+
+TEST(DspReverb, BlocksDoNotMatterNotEvenDuringAChange) {
+    const auto sound = noise(2 * 12000, 9);
+    for (double rate : {8000.0, 44100.0}) {
+        std::vector<std::vector<float>> results;
+        for (const auto& sizes : test::kBlockings) {
+            Reverb reverb(rate);
+            reverb.set({0, -6, 700, 0.5});
+            std::size_t done = 0;
+            results.push_back(inBlocks(sound, sizes, [&](float* block, std::size_t n) {
+                if (done < 5000 && done + n > 5000) {
+                    reverb.process(block, 5000 - done);
+                    block += 2 * (5000 - done);
+                    n -= 5000 - done;
+                    done = 5000;
+                }
+                if (done == 5000) reverb.set({-3, -1, 2000, 0.2});
+                reverb.process(block, n);
+                done += n;
+            }));
+        }
+        for (const auto& result : results) EXPECT_EQ(result, results[0]);
+    }
+}
+
+TEST(DspReverb, LiveChangesDoNotClick) {
+    const std::size_t frames = 88200;
+    const auto sound = sine(100, kRate, frames, 0.25);
+    Reverb reverb(kRate);
+    const ReverbSettings steps[] = {
+        {0, -96, 1000, 0.5}, {0, -3, 1000, 0.5}, {0, 0, 3000, 0.5}, {-6, -10, 200, 0.9}, {0, -96, 200, 0.9}};
+    std::size_t turn = 0;
+    const auto out = inBlocks(sound, {16000}, [&](float* block, std::size_t n) {
+        if (turn < 5) reverb.set(steps[turn]);
+        ++turn;
+        reverb.process(block, n);
+    });
+    // The tail adds up in resonances of the lines: loudness may rise, but nothing may jump.
+    EXPECT_LT(roughness(out, 0, frames), 8 * roughness(sound, 0, frames));
+    EXPECT_TRUE(reverb.bypassed());
+    for (std::size_t i = 2 * 70000; i < 2 * frames; ++i) ASSERT_EQ(out[i], sound[i]);
+}
+
+TEST(DspReverb, ResetSilencesTheTail) {
+    Reverb reverb(kRate);
+    reverb.set({0, 0, 3000, 0.5});
+    auto sound = noise(8000, 10);
+    reverb.process(sound.data(), 4000);
+    reverb.reset();
+    std::vector<float> quiet(8000);
+    reverb.process(quiet.data(), 4000);
+    EXPECT_EQ(quiet, std::vector<float>(8000));
+}
+
+}  // namespace
+}  // namespace zv::dsp

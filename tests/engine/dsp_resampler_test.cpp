@@ -1,0 +1,149 @@
+#include <gtest/gtest.h>
+
+#include "engine/dsp/resampler.h"
+#include "tests/engine/dsp_signals.h"
+
+namespace zv::dsp {
+namespace {
+
+using test::decibels;
+
+/// All of `in`, followed by silence, in calls of the given sizes.
+std::vector<float> convert(Resampler& resampler, const std::vector<float>& in, std::size_t outFrames,
+                           const std::vector<std::size_t>& sizes) {
+    std::vector<float> out(2 * outFrames), part;
+    std::size_t done = 0, fed = 0, turn = 0;
+    while (done < outFrames) {
+        const std::size_t n = std::min(sizes[turn++ % sizes.size()], outFrames - done);
+        part.assign(2 * resampler.inputNeeded(n), 0.0f);
+        for (std::size_t i = 0; i < part.size(); ++i)
+            if (fed + i < in.size()) part[i] = in[fed + i];
+        fed += part.size();
+        resampler.process(part, std::span(out).subspan(2 * done, 2 * n));
+        done += n;
+    }
+    return out;
+}
+
+struct Rates {
+    std::uint32_t in, out;
+};
+
+const Rates kRates[] = {{44100, 48000}, {48000, 44100},  {8000, 44100},  {11025, 44100}, {22050, 48000},
+                        {96000, 44100}, {192000, 44100}, {44100, 96000}, {44100, 11025}, {44101, 47999}};
+
+TEST(DspResampler, KeepsThePassbandAndNothingElse) {
+    for (const Rates& rates : kRates) {
+        const double lower = std::min(rates.in, rates.out);
+        for (double part : {0.01, 0.1, 0.3, 0.4, 0.45}) {
+            const double hz = part * lower;
+            const std::size_t frames = rates.out / 4;
+            Resampler resampler(rates.in, rates.out, 2);
+            const auto in = test::sine(hz, rates.in, rates.in, 0.5);
+            const auto out = convert(resampler, in, frames, {512});
+            const std::size_t settled = frames / 4;  // behind the beginning, which is cut out of silence
+            const auto tone = test::tone(out, hz, rates.out, settled, frames, 1);
+            EXPECT_NEAR(decibels(tone.size / 0.5), 0, 0.1)
+                << rates.in << " to " << rates.out << ", " << hz << " Hz";
+            EXPECT_LT(decibels(tone.rest / (0.5 / std::numbers::sqrt2)), -90)
+                << rates.in << " to " << rates.out << ", " << hz << " Hz";
+        }
+    }
+}
+
+TEST(DspResampler, WhatDoesNotFitIsGone) {
+    for (const Rates& rates : kRates) {
+        if (rates.in <= rates.out) continue;
+        for (double hz = 0.5 * rates.out * 1.001; hz < 0.5 * rates.in; hz += 0.083 * rates.out) {
+            Resampler resampler(rates.in, rates.out, 2);
+            const auto in = test::sine(hz, rates.in, rates.in / 2, 0.5);
+            const std::size_t frames = rates.out / 4;
+            const auto out = convert(resampler, in, frames, {512});
+            double power = 0;
+            for (std::size_t i = frames / 2; i < frames; ++i) power += double(out[2 * i]) * out[2 * i];
+            EXPECT_LT(
+                decibels(std::sqrt(power / static_cast<double>(frames / 2)) / (0.5 / std::numbers::sqrt2)),
+                -90)
+                << rates.in << " to " << rates.out << ", " << hz << " Hz";
+        }
+    }
+}
+
+TEST(DspResampler, FramesLieExactlyWhereTheyBelong) {
+    for (const Rates& rates : kRates) {
+        Resampler resampler(rates.in, rates.out, 2);
+        const double hz = 0.02 * std::min(rates.in, rates.out);
+        const auto in = test::sine(hz, rates.in, rates.in, 0.5);
+        const auto out = convert(resampler, in, rates.out / 2, {441});
+        for (std::size_t i = rates.out / 8; i < rates.out / 2; ++i)
+            ASSERT_NEAR(out[2 * i], 0.5 * std::sin(2 * std::numbers::pi * hz * double(i) / rates.out), 1e-4)
+                << i;
+        EXPECT_NEAR(resampler.position(), double(rates.out / 2) * rates.in / rates.out, 1e-6);
+    }
+}
+
+TEST(DspResampler, BlocksDoNotMatter) {
+    const auto in = test::noise(2 * 9000, 4);
+    for (double ppm : {0.0, 173.0, -2000.0}) {
+        for (const Rates& rates :
+             {Rates{44100, 48000}, Rates{48000, 44100}, Rates{44100, 44100}, Rates{192000, 8000}}) {
+            std::vector<std::vector<float>> results;
+            for (const auto& sizes : test::kBlockings) {
+                Resampler resampler(rates.in, rates.out, 2);
+                resampler.setCorrection(ppm);
+                results.push_back(convert(resampler, in, rates.in > 100000 ? 350 : 7000, sizes));
+            }
+            for (const auto& result : results)
+                EXPECT_EQ(result, results[0]) << rates.in << ' ' << rates.out << ' ' << ppm;
+        }
+    }
+}
+
+TEST(DspResampler, EqualRatesPassTheSamplesThemselves) {
+    const auto in = test::noise(2 * 5000, 4);
+    Resampler resampler(48000, 48000, 2);
+    EXPECT_EQ(resampler.inputNeeded(100), 100u);
+    EXPECT_EQ(convert(resampler, in, 5000, {1, 997, 64}), in);
+    EXPECT_EQ(resampler.held(), 0);
+}
+
+TEST(DspResampler, CorrectionsComeAndGoWithoutASeam) {
+    const std::size_t frames = 48000;
+    const auto in = test::sine(440, 48000, 2 * frames, 0.5);
+    Resampler resampler(48000, 48000, 2);
+    std::vector<float> out, part;
+    std::size_t fed = 0, turn = 0;
+    const double corrections[] = {0, 200, -200, 0, 500, 0};
+    double consumed = 0;
+    while (out.size() < 2 * frames) {
+        const double ppm = corrections[turn++ / 20 % 6];
+        resampler.setCorrection(ppm);
+        const std::size_t need = resampler.inputNeeded(441);
+        part.resize(2 * 441);
+        const double before = resampler.position();
+        resampler.process({in.data() + 2 * fed, 2 * need}, part);
+        EXPECT_NEAR(resampler.position() - before, 441 * (1 + ppm * 1e-6), 1e-9);
+        consumed += 441 * (1 + ppm * 1e-6);
+        fed += need;
+        out.insert(out.end(), part.begin(), part.end());
+    }
+    EXPECT_NEAR(resampler.position(), consumed, 1e-6);
+    EXPECT_LT(test::roughness(out, 100, frames), test::roughness(in, 0, frames) * 1.01);
+}
+
+TEST(DspResampler, AnyNumberOfChannels) {
+    for (std::uint32_t channels : {1u, 6u}) {
+        Resampler many(44100, 48000, channels), two(44100, 48000, 2);
+        const auto sound = test::noise(2 * 3000, 7);
+        std::vector<float> in(many.inputNeeded(2000) * channels), out(2000 * channels);
+        for (std::size_t i = 0; i < in.size() / channels; ++i)
+            for (std::uint32_t c = 0; c < channels; ++c) in[i * channels + c] = sound[2 * i];
+        many.process(in, out);
+        const auto expected = convert(two, sound, 2000, {2000});
+        for (std::size_t i = 0; i < 2000; ++i)
+            for (std::uint32_t c = 0; c < channels; ++c) ASSERT_EQ(out[i * channels + c], expected[2 * i]);
+    }
+}
+
+}  // namespace
+}  // namespace zv::dsp
