@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -67,6 +68,7 @@ class PacketMap {
     bool takeDecoded(MediaInput& input);
     void takeBlocks(const MediaInput& input, std::int64_t firstByte);
     std::int64_t stampOf(std::int64_t frame) const;
+    void keepOffLastPage(const Pass& pass);
     bool searchable() const;
     bool stampsHoldAfterSeek(const Pass& pass, MediaInput& input) const;
     std::int64_t toFrames(std::int64_t ticks) const { return ticks * framesPerTick_ / ticksPerFrame_; }
@@ -76,6 +78,8 @@ class PacketMap {
     std::int64_t framesPerTick_ = 1, ticksPerFrame_ = 1;
     std::int64_t origin_ = 0;  ///< frame 0 in frames of the stamps' own count
     std::int64_t firstStamp_ = 0;
+    std::int64_t lastEntry_ =
+        std::numeric_limits<std::int64_t>::max();  ///< frame beyond which nothing is sought
     std::uint64_t length_ = 0;
     Blocks blocks_;
     std::vector<Mark> marks_;  ///< of each packet, where stamps are not exact

@@ -108,8 +108,10 @@ class UrlDecoder : public Decoder {
             const bool more = input_->readPacket();
             input_->decode(more ? &input_->packet() : nullptr, sound);
             std::unique_lock lock(mutex_);
-            store_.erase(store_.begin(), store_.begin() + static_cast<std::ptrdiff_t>(taken_));
-            taken_ = 0;
+            if (taken_ > store_.size() / 2) {
+                store_.erase(store_.begin(), store_.begin() + static_cast<std::ptrdiff_t>(taken_));
+                taken_ = 0;
+            }
             store_.insert(store_.end(), sound.begin(), sound.end());
             over_ = !more;
             if (over_) return;

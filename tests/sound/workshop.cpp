@@ -1,0 +1,110 @@
+#include "tests/sound/workshop.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <numbers>
+#include <stdexcept>
+
+namespace zv::test {
+
+Folder::Folder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "zv-sound-XXXXXX").string();
+    if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
+    path_ = pattern;
+}
+
+Folder::~Folder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+int run(const std::string& command) { return std::system(command.c_str()); }
+
+std::vector<char> outputOf(const std::string& command) {
+    std::vector<char> all;
+    FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe) return all;
+    std::array<char, 65536> some{};
+    for (std::size_t got = 0; (got = std::fread(some.data(), 1, some.size(), pipe)) > 0;)
+        all.insert(all.end(), some.begin(), some.begin() + static_cast<std::ptrdiff_t>(got));
+    pclose(pipe);
+    return all;
+}
+
+std::vector<float> wanderingTones(std::uint32_t rate, std::uint32_t channels, std::size_t frames) {
+    std::vector<float> sound(frames * channels);
+    for (std::uint32_t channel = 0; channel < channels; ++channel) {
+        double low = 0, high = 0;
+        for (std::size_t i = 0; i < frames; ++i) {
+            const double seconds = static_cast<double>(i) / rate;
+            low += (300 + 170 * std::sin(1.7 * seconds + channel) + 90 * seconds) / rate;
+            high += (1900 + 900 * std::sin(5.3 * seconds + 2 * channel)) / rate;
+            const double tones =
+                0.35 * std::sin(2 * std::numbers::pi * low) + 0.2 * std::sin(2 * std::numbers::pi * high);
+            sound[i * channels + channel] = static_cast<float>(tones);
+        }
+    }
+    return sound;
+}
+
+void writeWav(const std::string& path, std::span<const float> sound, std::uint32_t rate,
+              std::uint32_t channels) {
+    std::vector<char> bytes;
+    const auto put = [&](std::uint32_t value, int count) {
+        for (int i = 0; i < count; ++i) bytes.push_back(static_cast<char>(value >> (8 * i) & 0xFF));
+    };
+    const auto text = [&](const char* four) { bytes.insert(bytes.end(), four, four + 4); };
+    const auto dataBytes = static_cast<std::uint32_t>(sound.size() * 2);
+    text("RIFF"), put(36 + dataBytes, 4), text("WAVE"), text("fmt "), put(16, 4), put(1, 2), put(channels, 2);
+    put(rate, 4), put(rate * channels * 2, 4), put(channels * 2, 2), put(16, 2), text("data"),
+        put(dataBytes, 4);
+    for (const float sample : sound)
+        put(static_cast<std::uint32_t>(std::lround(std::clamp(sample, -1.0F, 0.9999F) * 32768)), 2);
+    writeBytes(path, bytes);
+}
+
+std::vector<char> readBytes(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+void writeBytes(const std::string& path, std::span<const char> bytes) {
+    std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+std::vector<float> readWhole(Decoder& decoder) {
+    const std::size_t channels = decoder.format().channels;
+    std::vector<float> all, some;
+    std::size_t frames = 1;
+    for (;;) {
+        frames = frames * 5 % 9973 + 1;
+        some.resize(frames * channels);
+        const std::size_t got = decoder.read(some);
+        if (got == 0) return all;
+        all.insert(all.end(), some.begin(), some.begin() + static_cast<std::ptrdiff_t>(got * channels));
+    }
+}
+
+int lagOf(std::span<const float> sound, std::span<const float> original, std::uint32_t channels, int most) {
+    const auto frames = static_cast<int>(std::min(sound.size(), original.size()) / channels);
+    const int from = frames / 3, count = std::min(4000, frames / 3);
+    double best = -1e300;
+    int bestLag = 0;
+    for (int lag = -most; lag <= most; ++lag) {
+        double product = 0;
+        for (int i = from; i < from + count; ++i) {
+            if (i + lag < 0 || i + lag >= frames) continue;
+            product += static_cast<double>(sound[static_cast<std::size_t>(i + lag) * channels]) *
+                       static_cast<double>(original[static_cast<std::size_t>(i) * channels]);
+        }
+        if (product > best) best = product, bestLag = lag;
+    }
+    return bestLag;
+}
+
+}  // namespace zv::test
