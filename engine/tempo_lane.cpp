@@ -7,6 +7,7 @@ namespace zv {
 namespace {
 
 constexpr std::size_t kChunk = 512;  // source frames handed over at a time
+constexpr std::uint64_t kTransposerFrames = 128;
 constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
 
 bool loops(const PlayRange& range) {
@@ -69,7 +70,12 @@ bool TempoLane::open(StretcherSource& stretchers, const TempoParameters& wanted)
 
 void TempoLane::begin(std::uint64_t start, const PlayRange& where, bool settled) {
     adopt(where);
-    startSource = nextSource_ = start;
+    startSource = start;
+    // A transposer that begins in the middle of a sound would take the beginning for an edge.
+    const bool transposes = parameters.pitch != 0 || parameters.rate != 1;
+    lead_ = transposes ? std::min<std::uint64_t>(start, kTransposerFrames) : 0;
+    skip_ = static_cast<std::size_t>(std::llround(static_cast<double>(lead_) / speed_));
+    nextSource_ = start - lead_;
     least_ = settled ? -std::min(lag_, static_cast<double>(start)) : 0;
     fed_ = 0;
     wrapped_ = flushed_ = false;
@@ -130,9 +136,14 @@ void TempoLane::fill(FrameReader& reader, std::size_t ahead) {
             break;
         }
         std::size_t part = kChunk;
+        if (skip_ > 0) {
+            skip_ -= stretcher_->take({chunk_.data(), std::min(skip_, kChunk) * channels_});
+            continue;
+        }
         const std::uint64_t written = written_.load(std::memory_order_relaxed);
         if (flushed_) {  // a flush pushes silence out too: what belongs to the source counts
-            const auto total = static_cast<std::uint64_t>(std::llround(static_cast<double>(fed_) / speed_));
+            const auto total = static_cast<std::uint64_t>(
+                std::llround(static_cast<double>(fed_ - std::min(fed_, lead_)) / speed_));
             part = static_cast<std::size_t>(std::min<std::uint64_t>(part, total - std::min(total, written)));
         }
         const std::size_t got = part == 0 ? 0 : stretcher_->take({chunk_.data(), part * channels_});
@@ -144,7 +155,8 @@ void TempoLane::fill(FrameReader& reader, std::size_t ahead) {
 void TempoLane::fadeFrom(std::span<const float> old) {
     const std::size_t frames = std::min<std::size_t>(old.size() / channels_, ahead());
     for (std::size_t i = 0; i < frames; ++i) {
-        const float t = (static_cast<float>(i) + 0.5f) / static_cast<float>(frames);
+        const float way = (static_cast<float>(i) + 0.5f) / static_cast<float>(frames);
+        const float t = way * way * (3 - 2 * way);  // without a corner at either end
         for (std::uint32_t c = 0; c < channels_; ++c) {
             float& v = ring_[i * channels_ + c];
             v = old[i * channels_ + c] + (v - old[i * channels_ + c]) * t;

@@ -87,6 +87,8 @@ class TempoLane {
     std::atomic<bool> loop_{false};
     double speed_ = 1, lag_ = 0, least_ = 0;
     std::uint64_t fed_ = 0, nextSource_ = 0;  // source frames handed to the stretcher; the next one
+    std::uint64_t lead_ = 0;                  // of fed_: only to fill the transposer's filter
+    std::size_t skip_ = 0;                    // frames of output that belong to it and are still to come
     bool wrapped_ = false, flushed_ = false;
 };
 
