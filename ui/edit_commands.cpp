@@ -98,6 +98,22 @@ void clAssign(int index) {
     });
 }
 
+void b_Jingle_OLEDragDrop(int index, const std::string& path) {
+    guarded(".b_Jingle_OLEDragDrop", [&] {
+        if (path.empty()) {
+            messageBox(LnBox("mNoClipB"), "Zentrova", BoxKind::information, BoxButtons::ok);
+            return;
+        }
+        if (record(index).State != PlayState::idle || !supported(path)) {
+            return;
+        }
+        settings.LastcmDlgDir = GetPath(path);
+        ClipPath = path;
+        clAssign(index);
+        ClipPath.clear();
+    });
+}
+
 void clReloc(int index) {
     guarded("modClick.clReloc", [&] {
         JingleRecord& j = record(index);

@@ -13,6 +13,7 @@
 #include "startup/settings.h"
 #include "startup/stores.h"
 #include "startup/trace.h"
+#include "ui/clock_display.h"
 #include "ui/commands.h"
 #include "ui/jingle_buttons.h"
 #include "ui/layout_parts.h"
@@ -145,6 +146,7 @@ void FormDraw(const std::string& mode) {
         drawMeterBlock(area);
         drawBlocks(area);
         UpdateJLblFont();
+        DateTimeUpdate();
         unlockUpdates();
     });
 }

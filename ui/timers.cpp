@@ -63,6 +63,8 @@ void StartTimers() {
     t.TimerVU.setInterval(meterInterval());
     t.TimerWarnBlink.setInterval(WarnBlinkInterval(settings.BlinkWarn));
     t.TimerDispAndJButtons.start();
+    t.TimerVU.start();
+    t.TimerMainPos.start();
     t.TimerKeyModifiers.start();
     t.TimerTimeAndTA.start();
     t.TimerFadeOutLED.start();

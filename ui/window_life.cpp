@@ -224,7 +224,6 @@ void FormsLoad(const std::string& window) {
             w.fraTab[at].visible = i == ActiveTab;
             w.ckTab[at].value = i == ActiveTab ? 1 : 0;
         }
-        StartTimers();
     });
 }
 
