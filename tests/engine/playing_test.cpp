@@ -1,0 +1,243 @@
+// Playing, positions, loops, slides: computed sounds go in, and every frame that comes out is known.
+#include "tests/engine/show.h"
+
+namespace zv::test {
+namespace {
+
+constexpr std::uint64_t kFadeIn = 441;
+
+using Playing = Show;
+
+TEST_F(Playing, APressedJingleIsOnBothOutputsToTheBit) {
+    const Topology studio;
+    const DWORD jingle = studio.jingle(file("sine"));
+    pull(44100);
+    take();
+    take(kAuxName);
+    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_VOL, 0);
+    press(jingle);
+    pull(44100);
+    const std::vector<float> main = take();
+    const std::vector<float> aux = take(kAuxName);
+    ASSERT_EQ(main.size(), 88200U);
+    EXPECT_EQ(main, aux);
+    for (std::size_t f = 0; f < 44100; ++f) {
+        const float expected = sine(f, 1000, 44100, 0.5);
+        if (f >= kFadeIn)
+            ASSERT_EQ(main[f * 2], expected) << f;
+        else
+            ASSERT_NEAR(main[f * 2], expected * static_cast<float>(f) / kFadeIn, 1e-6) << f;
+    }
+}
+
+TEST_F(Playing, PositionsAndStatesAreThoseOfTheCaller) {
+    const Topology studio;
+    const DWORD source = file("ramp");
+    const DWORD jingle = studio.jingle(source);
+    EXPECT_EQ(BASS_ChannelGetLength(jingle, BASS_POS_BYTE), 441000U * 4);
+    EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
+    pull(4410);
+    press(jingle, 40003);  // cut to a whole frame
+    EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_PLAYING);
+    EXPECT_EQ(BASS_ChannelGetPosition(jingle, BASS_POS_BYTE), 40000U);
+    take();
+    const std::vector<float> sound = pullAndTake(4410);
+    for (std::size_t f = kFadeIn; f < 4410; ++f) ASSERT_EQ(sound[f * 2], ramp(10000 + f, 0)) << f;
+    EXPECT_EQ(BASS_ChannelGetPosition(jingle, BASS_POS_BYTE), 40000U + 4410 * 4);
+    EXPECT_EQ(BASS_ChannelGetPosition(source, BASS_POS_BYTE), 40000U + 4410 * 4);
+    BASS_ChannelStop(jingle);
+    EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
+    EXPECT_EQ(BASS_ChannelGetPosition(jingle, BASS_POS_BYTE), 40000U + 4410 * 4);
+    for (const float sample : pullAndTake(882)) ASSERT_EQ(sample, 0);
+    // Played on from where it stands.
+    BASS_ChannelPlay(jingle, false);
+    EXPECT_EQ(pullAndTake(441)[0], ramp(14410, 0));
+    EXPECT_FALSE(BASS_ChannelSetPosition(jingle, 441001 * 4, BASS_POS_BYTE));
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_POSITION);
+}
+
+TEST_F(Playing, TheEndIsNoticedAndTheTailRings) {
+    const Topology studio;
+    decoders->sounds["short"] = {.length = 1000, .sample = [](auto, auto) { return 0.25F; }};
+    const DWORD jingle = studio.jingle(file("short"));
+    press(jingle);
+    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_VOL, 1);
+    const std::vector<float> sound = pullAndTake(1323);
+    EXPECT_EQ(sound[999 * 2], 0.25F);
+    EXPECT_EQ(sound[1000 * 2], 0);
+    EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
+    EXPECT_EQ(BASS_ChannelGetPosition(jingle, BASS_POS_BYTE), 4000U);
+    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TAIL, 0.1F);
+    press(jingle);
+    pull(1000 + 4410 - 441);
+    EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_PLAYING);
+    pull(882);
+    EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
+}
+
+/// Where each frame of a looped ramp must come from, and what is changed while it sounds.
+struct LoopCase {
+    const char* name;
+    std::uint64_t start, loopStart, end;
+    std::function<void(DWORD source, std::uint64_t frame)> during;
+    std::function<std::uint64_t(std::uint64_t n)> expected;
+};
+
+TEST_F(Playing, LoopsAreExactAndChangesGovernTheNextWrap) {
+    const std::vector<LoopCase> cases{
+        {"whole loop", 440000, 0, 441000, {}, [](std::uint64_t n) { return (440000 + n) % 441000; }},
+        {"range",
+         500,
+         1000,
+         3000,
+         {},
+         [](std::uint64_t n) { return n < 2500 ? 500 + n : 1000 + (n - 2500) % 2000; }},
+        {"loop of three frames",
+         0,
+         10,
+         13,
+         {},
+         [](std::uint64_t n) { return n < 13 ? n : 10 + (n - 13) % 3; }},
+        {"flag cleared just before the wrap", 0, 100, 5000,
+         [](DWORD source, std::uint64_t frame) {
+             if (frame == 4851) BASS_ChannelFlags(source, 0, BASS_SAMPLE_LOOP);
+             if (frame == 4851) BASS_ChannelSetPosition(source, BASS_NO_POSITION, BASS_POS_END);
+         },
+         [](std::uint64_t n) { return n; }},
+        {"end moved while it sounds", 0, 100, 20000,
+         [](DWORD source, std::uint64_t frame) {
+             if (frame == 4851) BASS_ChannelSetPosition(source, 5000 * 4, BASS_POS_END);
+         },
+         [](std::uint64_t n) { return n < 5000 ? n : 100 + (n - 5000) % 4900; }},
+        {"loop start moved far away", 0, 100, 5000,
+         [](DWORD source, std::uint64_t frame) {
+             if (frame == 4851) BASS_ChannelSetPosition(source, 300000 * 4, BASS_POS_LOOP);
+             if (frame == 4851) BASS_ChannelSetPosition(source, 400000 * 4, BASS_POS_END);
+             if (frame == 4851) BASS_ChannelSetPosition(source, 5000 * 4, BASS_POS_END);
+             if (frame == 4851) BASS_ChannelSetPosition(source, 200 * 4, BASS_POS_LOOP);
+         },
+         [](std::uint64_t n) { return n < 5000 ? n : 200 + (n - 5000) % 4800; }},
+    };
+    for (const LoopCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        begin({});
+        const Topology studio;
+        const DWORD source = file("ramp");
+        const DWORD jingle = studio.jingle(source);
+        BASS_ChannelFlags(source, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
+        BASS_ChannelSetPosition(source, c.loopStart * 4, BASS_POS_LOOP);
+        BASS_ChannelSetPosition(source, c.end * 4, BASS_POS_END);
+        pull(4410);
+        take();
+        BASS_ChannelSetPosition(jingle, c.start * 4, BASS_POS_BYTE);
+        BASS_ChannelPlay(jingle, false);
+        std::vector<float> sound;
+        for (std::uint64_t frame = 0; frame < 22050; frame += 441) {
+            if (c.during) c.during(source, frame);
+            const std::vector<float> part = pullAndTake(441);
+            sound.insert(sound.end(), part.begin(), part.end());
+        }
+        for (std::uint64_t n = 0; n < 22050; ++n)
+            ASSERT_EQ(frameOf(sound[n * 2]), static_cast<double>(c.expected(n))) << n;
+    }
+}
+
+TEST_F(Playing, SlidesAreExactToTheSample) {
+    const Topology studio;
+    const DWORD jingle = studio.jingle(file("one"));
+    pull(4410);
+    take();
+    BASS_ChannelPlay(jingle, false);
+    EXPECT_EQ(pullAndTake(441)[0], 1);
+
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOL, 0.5F, 100);
+    EXPECT_TRUE(BASS_ChannelIsSliding(jingle, BASS_ATTRIB_VOL));
+    std::vector<float> s = pullAndTake(4851);
+    for (std::size_t f = 0; f < 4410; ++f)
+        ASSERT_NEAR(s[f * 2], 1 - 0.5 * static_cast<double>(f) / 4410, 1e-6) << f;
+    EXPECT_GT(s[4409 * 2], 0.5F);
+    EXPECT_EQ(s[4410 * 2], 0.5F);
+    EXPECT_FALSE(BASS_ChannelIsSliding(jingle, BASS_ATTRIB_VOL));
+
+    // A new slide replaces a running one from the value it has reached.
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOL, 1, 100);
+    pullAndTake(2205);
+    float now = 0;
+    BASS_ChannelGetAttribute(jingle, BASS_ATTRIB_VOL, &now);
+    EXPECT_NEAR(now, 0.75, 1e-4);
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOL, 0, 100);
+    s = pullAndTake(441);
+    EXPECT_NEAR(s[0], 0.75, 1e-6);
+
+    // Logarithmic: equal ratios over 60 dB.
+    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_VOL, 1);
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOL | BASS_SLIDE_LOG, 0, 100);
+    s = pullAndTake(4851);
+    for (const std::size_t f : {0U, 1000U, 2205U, 4000U})
+        EXPECT_NEAR(20 * std::log10(s[f * 2]), -60.0 * static_cast<double>(f) / 4410, 1e-3) << f;
+    EXPECT_EQ(s[4410 * 2], 0);
+
+    // A slide that ends the channel, on that very sample; the attribute stays 0.
+    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_VOL, 1);
+    const QWORD before = BASS_ChannelGetPosition(jingle, BASS_POS_BYTE);
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOL, -1, 50);
+    pull(4410);
+    EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
+    EXPECT_EQ(BASS_ChannelGetPosition(jingle, BASS_POS_BYTE), before + 2205 * 4);
+    BASS_ChannelGetAttribute(jingle, BASS_ATTRIB_VOL, &now);
+    EXPECT_EQ(now, 0);
+    // Slides run on while nothing sounds.
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOL, 1, 100);
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOLDSP, 0, 100);
+    pull(2205);
+    BASS_ChannelGetAttribute(jingle, BASS_ATTRIB_VOL, &now);
+    EXPECT_NEAR(now, 0.5, 1e-3);
+    BASS_ChannelGetAttribute(jingle, BASS_ATTRIB_VOLDSP, &now);
+    EXPECT_NEAR(now, 0.5, 1e-3);
+    take();
+    BASS_ChannelPlay(jingle, false);
+    EXPECT_NEAR(pullAndTake(441)[0], 0.25, 1e-3);
+    // 0 ms acts at once, also as the caller sees it.
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOL, -1, 0);
+    EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
+    for (const float sample : pullAndTake(441)) ASSERT_EQ(sample, 0);
+}
+
+TEST_F(Playing, OppositeSoundsCancel) {
+    const Topology studio;
+    decoders->sounds["noise"] = {.length = 441000, .sample = [](std::uint64_t f, std::uint32_t c) {
+                                     return static_cast<float>((f * 2 + c) * 2654435761U % 65536) / 65536 -
+                                            0.5F;
+                                 }};
+    auto against = decoders->sounds["noise"];
+    against.sample = [noise = against.sample](std::uint64_t f, std::uint32_t c) { return -noise(f, c); };
+    decoders->sounds["against"] = against;
+    const DWORD a = studio.jingle(file("noise")), b = studio.jingle(file("against"));
+    take();
+    press(a);
+    press(b);
+    pull(2205);
+    BASS_ChannelSlideAttribute(a, BASS_ATTRIB_VOL, 0.3F, 40);
+    BASS_ChannelSlideAttribute(b, BASS_ATTRIB_VOL, 0.3F, 40);
+    pull(4410);
+    for (const float sample : take()) ASSERT_LT(std::abs(sample), 1e-7);  // -140 dB
+}
+
+TEST_F(Playing, ThePlainTopologyPlaysStraightOnTheOutput) {
+    openMain();
+    const DWORD play = BASS_FX_TempoCreate(file("ramp"), BASS_FX_FREESOURCE);
+    ASSERT_NE(play, 0U);
+    EXPECT_EQ(BASS_ChannelIsActive(play), BASS_ACTIVE_STOPPED);
+    BASS_ChannelSetPosition(play, 4000, BASS_POS_BYTE);
+    BASS_ChannelPlay(play, false);
+    EXPECT_EQ(frameOf(pullAndTake(441)[0]), 1000);
+    BASS_SetConfig(BASS_CONFIG_GVOL_STREAM, 5000);
+    pull(4410);
+    take();
+    EXPECT_NEAR(frameOf(pullAndTake(441)[0]), (1000 + 441 * 11) / 2.0, 1);
+    BASS_StreamFree(play);
+    for (const float sample : pullAndTake(441)) ASSERT_EQ(sample, 0);
+}
+
+}  // namespace
+}  // namespace zv::test
