@@ -1,0 +1,91 @@
+#include "tests/support/desktop.h"
+
+#include <algorithm>
+
+#include "platform/controls.h"
+
+namespace zv::test {
+
+Desktop& desktop() {
+    static Desktop one;
+    return one;
+}
+
+namespace {
+
+template <class T>
+T next(std::deque<T>& queue, T otherwise) {
+    if (queue.empty()) return otherwise;
+    T value = queue.front();
+    queue.pop_front();
+    return value;
+}
+
+constexpr Monitor kScreen{0, 0, 1280, 800};
+constexpr int kListRows = 10;
+
+}  // namespace
+}  // namespace zv::test
+
+namespace zv {
+
+using test::desktop;
+
+// ---- windows
+void showWindow(Control& window) { window.visible = true; }
+void hideWindow(Control& window) { window.visible = false; }
+void lockUpdates() {}
+void unlockUpdates() {}
+void processEvents() {}
+int runEventLoop() { return 0; }
+void quit(int) { desktop().quitAsked = true; }
+void setFocus(Control& control) { desktop().focus = &control; }
+Control* focusedControl() { return desktop().focus; }
+void setAlwaysOnTop(Control&, bool) {}
+void setFullScreen(Control&, bool) {}
+void setMinimumSize(Control&, int, int) {}
+bool isMinimised(const Control&) { return false; }
+bool grabWindow(Control&, const std::string&) { return false; }
+void centreListRow(Control& list, int row) { list.topRow = std::max(0, row - test::kListRows / 2); }
+int visibleListRows(const Control&) { return test::kListRows; }
+
+// ---- dialogs
+BoxAnswer messageBox(const std::string& text, const std::string&, BoxKind, BoxButtons buttons) {
+    desktop().boxes.push_back(text);
+    return test::next(desktop().answers, buttons == BoxButtons::ok ? BoxAnswer::ok : BoxAnswer::no);
+}
+std::string openFileDialog(const std::string&, const std::string&, const std::string&) {
+    return test::next(desktop().paths, std::string());
+}
+std::string saveFileDialog(const std::string&, const std::string&, const std::string&) {
+    return test::next(desktop().paths, std::string());
+}
+std::string folderDialog(const std::string&, const std::string&) {
+    return test::next(desktop().paths, std::string());
+}
+void popupMenu(Control&, const std::vector<MenuItem>& items) {
+    desktop().menu = items;
+    for (const MenuItem& item : items)
+        if (item.name == desktop().menuChoice && item.chosen) {
+            item.chosen();
+            return;
+        }
+}
+
+// ---- the rest
+int modifierKeys() { return desktop().modifiers; }
+bool keyHeld(int virtualKey) { return desktop().keys.contains(virtualKey); }
+void setClipboard(const std::string& text) { desktop().clipboard = text; }
+std::string clipboard() { return desktop().clipboard; }
+bool registerFont(const std::string&) { return true; }
+bool fontInstalled(const std::string&) { return true; }
+std::vector<std::string> installedFonts() { return {"MS Sans Serif"}; }
+std::vector<Monitor> monitors() { return {test::kScreen}; }
+bool screenAvailable() { return true; }
+void openDocument(const std::string& target) { desktop().documents.push_back(target); }
+void runMinimised(const std::string& command) { desktop().commands.push_back(command); }
+bool setProcessPriority(int) { return true; }
+std::string systemDescription() { return "Test system - Version: 1"; }
+bool systemIsFrench() { return false; }
+
+}  // namespace zv

@@ -1,0 +1,32 @@
+/// The desktop as the tests see it: it answers platform/desktop.h from a queue and keeps what it was asked.
+/// Time (platform/clock.h) is the virtual clock: a wait renders the sound that passes meanwhile.
+#pragma once
+
+#include <deque>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/desktop.h"
+
+namespace zv::test {
+
+struct Desktop {
+    std::deque<BoxAnswer> answers;       ///< of the next message boxes; then "no", or "ok" where that is all
+    std::deque<std::string> paths;       ///< of the next file and folder dialogs; then cancelled
+    std::vector<std::string> boxes;      ///< texts of the message boxes shown
+    std::vector<std::string> documents;  ///< opened with the user's program
+    std::vector<std::string> commands;   ///< started
+    std::string clipboard;
+    int modifiers = 0;  ///< kShiftMask | kCtrlMask | kAltMask
+    std::set<int> keys;
+    std::vector<MenuItem> menu;  ///< the context menu opened last
+    std::string menuChoice;      ///< item that the user picks from it
+    Control* focus = nullptr;
+    bool quitAsked = false;
+};
+
+/// The one desktop; a test begins with `desktop() = {}`.
+Desktop& desktop();
+
+}  // namespace zv::test

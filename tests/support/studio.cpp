@@ -1,0 +1,176 @@
+#include "tests/support/studio.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <iterator>
+#include <numbers>
+
+#include "audio/devices.h"
+#include "audio/upcalls.h"
+#include "model/jingle.h"
+#include "model/state.h"
+#include "model/upcalls.h"
+#include "platform/clock.h"
+#include "platform/file_decoders/file_decoders.h"
+#include "platform/paths.h"
+#include "platform/rehearsal/virtual_clock.h"
+#include "platform/soundtouch/soundtouch_stretcher.h"
+#include "startup/errors.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+#include "startup/upcalls.h"
+#include "tests/support/desktop.h"
+
+namespace zv::test {
+namespace {
+
+void put(std::string& bytes, std::uint32_t value, int count) {
+    for (int i = 0; i < count; ++i) bytes += static_cast<char>(value >> (8 * i) & 0xFF);
+}
+
+/// All that lives for the whole run of the program, as it is before its start.
+void beginRun() {
+    settings = {};
+    startupUpcalls = {};
+    modelUpcalls = {};
+    audioUpcalls = {};
+    ErrCount = 0;
+    ErrorLogOn = false;
+    for (JingleRecord& jingle : J) jingle = {};
+    JExists.fill(1);
+    JReverbFx.fill(0);
+    JVolFx.fill(0);
+    JEqFx.fill(0);
+    LastPalIdx = settings.JinglesRows * settings.JinglesCols - 1;
+    PalToSave = SelectorsOn = MIDILearnActive = ClockShown = FxOpen = false;
+    CtrlDown = ShiftDown = AltDown = false;
+    SaveMode.clear();
+    LastCtrl.clear();
+    ToggleAutoRep = ToggleTouch = 0;
+    DispRemain = 0;
+    DispLoopIdx = 0;
+    LastPlayedJ = -1;
+    desktop() = {};
+}
+
+}  // namespace
+
+void writeWav(const std::filesystem::path& file, std::span<const std::int16_t> samples, std::uint32_t rate,
+              std::uint16_t channels) {
+    constexpr std::uint32_t bytesPerSample = 2;
+    const auto size = static_cast<std::uint32_t>(samples.size() * bytesPerSample);
+    std::string bytes = "RIFF";
+    put(bytes, 36 + size, 4);
+    bytes += "WAVEfmt ";
+    put(bytes, 16, 4);
+    put(bytes, 1, 2);  // PCM
+    put(bytes, channels, 2);
+    put(bytes, rate, 4);
+    put(bytes, rate * channels * bytesPerSample, 4);
+    put(bytes, channels * bytesPerSample, 2);
+    put(bytes, 8 * bytesPerSample, 2);
+    bytes += "data";
+    put(bytes, size, 4);
+    for (const std::int16_t sample : samples) put(bytes, static_cast<std::uint16_t>(sample), 2);
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << bytes;
+}
+
+std::vector<std::int16_t> ramp(std::size_t frames) {
+    std::vector<std::int16_t> samples(frames * 2);
+    for (std::size_t i = 0; i < frames; ++i)
+        samples[2 * i] = samples[2 * i + 1] = static_cast<std::int16_t>((i + 1) % 32768);
+    return samples;
+}
+
+std::vector<std::int16_t> level(std::size_t frames, std::int16_t value) {
+    return std::vector<std::int16_t>(frames * 2, value);
+}
+
+std::vector<std::int16_t> sine(std::size_t frames, double hz, double amplitude) {
+    std::vector<std::int16_t> samples(frames * 2);
+    for (std::size_t i = 0; i < frames; ++i)
+        samples[2 * i] = samples[2 * i + 1] = static_cast<std::int16_t>(
+            std::lround(32767 * amplitude * std::sin(2 * std::numbers::pi * hz * static_cast<double>(i) / kRate)));
+    return samples;
+}
+
+std::size_t Heard::firstSound(std::size_t from, float floor) const {
+    for (std::size_t i = from; i < frames(); ++i)
+        if (std::abs(stereo[2 * i]) > floor || std::abs(stereo[2 * i + 1]) > floor) return i;
+    return frames();
+}
+
+std::size_t Heard::end(float floor) const {
+    for (std::size_t i = frames(); i > 0; --i)
+        if (std::abs(stereo[2 * i - 2]) > floor || std::abs(stereo[2 * i - 1]) > floor) return i;
+    return 0;
+}
+
+float Heard::loudest(std::size_t from, std::size_t to) const {
+    float most = 0;
+    for (std::size_t i = 2 * from; i < 2 * std::min(to, frames()); ++i) most = std::max(most, std::abs(stereo[i]));
+    return most;
+}
+
+FolderTest::FolderTest() {
+    std::string name = (std::filesystem::temp_directory_path() / "zv-test-XXXXXX").string();
+    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder for the test");
+    folder = name;
+    beginRun();
+    setProgramFolder(name);
+    setShippedFolder(name + "/shipped");
+    SetStorePaths();
+    settings.SampleDir = name + "/Audio_Sample";
+    startupUpcalls.showErrorMark = [this](const ErrorMark& mark) {
+        marks.push_back(mark.mode + (mark.toolTip.empty() ? "" : ": " + mark.toolTip));
+    };
+    startupUpcalls.showReportWindow = [this](const std::string& title, const std::string&) {
+        reports.push_back(title);
+    };
+}
+
+FolderTest::~FolderTest() {
+    beginRun();
+    std::error_code error;
+    std::filesystem::remove_all(folder, error);
+}
+
+void FolderTest::write(const std::string& name, const std::string& bytes) const {
+    std::filesystem::create_directories(path(name).parent_path());
+    std::ofstream(path(name), std::ios::binary) << bytes;
+}
+
+std::string FolderTest::read(const std::string& name) const {
+    std::ifstream in(path(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+StudioTest::StudioTest(OfflineOptions given) : options(std::move(given)) {
+    devices = makeOfflineDevices(options);
+    engineControl()->install({makeFileDecoders(), soundTouchStretchers(), devices});
+    VirtualClock::instance().alignToPeriod();
+    VirtualClock::instance().drive(devices);
+    VirtualClock::instance().onPeriod([] { engineControl()->settleSyncs(); });
+    ListOutDev();
+    if (settings.DeviceSingle == 1)
+        bassini(0);
+    else
+        SetupMixers();
+}
+
+StudioTest::~StudioTest() {
+    for (JingleRecord& jingle : J) BASS_StreamFree(jingle.hPlay);
+    FreeBASS();
+    VirtualClock::instance().drive(nullptr);
+    VirtualClock::instance().onPeriod({});
+}
+
+void StudioTest::pass(int ms) { VirtualClock::instance().advanceTo(monotonicMs() + ms); }
+
+Heard StudioTest::heard(int output) { return {devices->takeSound(options.outputs.at(static_cast<std::size_t>(output)))}; }
+
+}  // namespace zv::test
