@@ -132,6 +132,8 @@ bool readFile(const fs::path& file, std::string& contents) {
 }
 
 bool replaceFile(const fs::path& wanted, std::string_view contents) {
+    // A drive or a server of another system would become a file of that name in the current folder.
+    if (isAbsolutePath(wanted.native()) && !wanted.is_absolute()) return false;
     const fs::path file = behindLinks(wanted);
     struct stat old {};
     const bool exists = ::stat(file.c_str(), &old) == 0;

@@ -1,0 +1,169 @@
+// The mark, the log, the report with its fuse, the console, and the guard that leads to them.
+#include <gmock/gmock.h>
+
+#include "startup/errors.h"
+#include "startup/guard.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+#include "startup/upcalls.h"
+#include "tests/startup/surroundings.h"
+
+namespace zv::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+class Errors : public ProgramFolderTest {
+  protected:
+    void SetUp() override {
+        ProgramFolderTest::SetUp();
+        startupUpcalls.reportWindowOpen = [this] { return reportOpen; };
+        startupUpcalls.showReportWindow = [this](const std::string& title, const std::string&) {
+            reports.push_back(title);
+        };
+        startupUpcalls.endProgram = [this] { ended = true; };
+        write("language.ini",
+              "[English]\nErrorNotice1=Sorry.<br>An error.\nErrorStop=Again.<br>Stop?\nmStrEr=Code \n"
+              "mStrEr40=Too slow\nBASS_ERROR_UNSTREAMABLE =no\xC3\xA9\nBASS_ERROR_FILEOPE=no file\n");
+        LanguageStore.SetSection(kEnglish);
+    }
+    bool reportOpen = false, ended = false;
+    std::vector<std::string> reports;
+};
+
+TEST_F(Errors, LogHasTheNewestLineFirst) {
+    ErrLog("x", "not on");
+    EXPECT_FALSE(there("Error.log"));
+    ErrLog("bass.dll", "forced", true);
+    ErrorLogOn = true;
+    ErrLog("", "second");
+    EXPECT_EQ(read("Error.log"),
+              "2026-01-31 14:05:09 : second\r\n2026-01-31 14:05:09 : bass.dll : forced\r\n");
+    ClearErrorFiles();
+    EXPECT_FALSE(there("Error.log"));
+}
+
+TEST_F(Errors, MarkShowsEachMode) {
+    std::vector<ErrorMark> marks;
+    int saves = 0;
+    startupUpcalls.showErrorMark = [&](const ErrorMark& mark) { marks.push_back(mark); };
+    startupUpcalls.startSaveTimer = [&] { ++saves; };
+    struct {
+        const char* mode;
+        char character;
+        bool visible;
+    } const table[] = {{"save", 'f', true}, {"wait", 'h', true},         {"ok", '?', true},
+                       {"no", 'x', true},   {"notification", 'b', true}, {"hide", 0, false}};
+    for (const auto& row : table) {
+        ErrBlinkCount = 5;
+        ErrDisp(row.mode, 1, "tip");
+        EXPECT_EQ(marks.back().character, row.character) << row.mode;
+        EXPECT_EQ(marks.back().visible, row.visible) << row.mode;
+        EXPECT_EQ(marks.back().toolTip, "tip");
+        EXPECT_TRUE(marks.back().blink);
+        EXPECT_EQ(ErrBlinkCount, 0);
+    }
+    EXPECT_EQ(saves, 0);
+    settings.AutoSave = 1;
+    ErrDisp("save");
+    ErrDisp("no");
+    EXPECT_EQ(saves, 1);
+}
+
+TEST_F(Errors, EngineErrors) {
+    ErrorLogOn = true;
+    around.engineError = 2;
+    Error_("gone.wav");
+    EXPECT_EQ(read("Error.log"), "2026-01-31 14:05:09 : gone.wav\r\n");
+    around.engineError = 41;
+    Error_("bad.wav");
+    EXPECT_THAT(read("Error.log"), HasSubstr(" : Bass, code: 41 : bad.wav \r\n"));
+
+    std::string shown;
+    int stops = 0;
+    startupUpcalls.showStreamError = [&](const std::string& text) { shown = text; };
+    startupUpcalls.stopPlayStream = [&] { ++stops; };
+    around.engineError = 40;
+    ErrorLive_("http://x");
+    EXPECT_EQ(shown, "Too slow: http://x");
+    EXPECT_THAT(read("Error.log"), HasSubstr(" : Bass, code: 40: Too slow : http://x, \r\n"));
+    around.engineError = 7;
+    ErrorLive_("http://x");
+    EXPECT_EQ(shown, "Code7: http://x");
+    EXPECT_EQ(stops, 2);
+
+    EXPECT_EQ(BassErrMessage(2), "no file");
+    EXPECT_EQ(BassErrMessage(47), "no\xC3\xA9");  // its key ends with a blank
+    EXPECT_EQ(BassErrMessage(40), "");
+    EXPECT_EQ(BassErrMessage(1000), "");
+}
+
+TEST_F(Errors, ReportTellsWhatHappened) {
+    EXPECT_FALSE(guarded("modMain.CloseFile", [] { throw ProgramError(13, "Type mismatch", 120); }));
+    EXPECT_EQ(ReportTitle, "1.0.0:modMain.CloseFile:Type mismatch at line 120");
+    EXPECT_THAT(reports, ElementsAre(ReportTitle));
+    EXPECT_EQ(around.clipboard, ReportText);
+    EXPECT_THAT(ReportText, HasSubstr("Sorry.\r\nAn error.\r\n"));
+    EXPECT_THAT(ReportText, HasSubstr("Version: 1.0.0\r\nFunction: modMain.CloseFile\r\nError Number: 13\r\n"
+                                      "Error Description: Type mismatch\r\nLast known line number: 120\r\n"
+                                      "Operating System: Test system - Version: 1\r\n"));
+    const std::string first = read("Errors.txt");
+    EXPECT_EQ(first, "2026-01-31\r\n" + ReportText + "End of report\r\n" + std::string(65, '=') + "\r\n");
+    EXPECT_EQ(guardedOr(".lstPal_MouseUp", 7, []() -> int { throw std::out_of_range("slot 120"); }), 7);
+    EXPECT_THAT(ReportText, Not(HasSubstr("Last known line number")));
+    EXPECT_EQ(read("Errors.txt").find("2026-01-31\r\n" + ReportText), 0U);  // the newest block first
+    EXPECT_TRUE(read("Errors.txt").ends_with(first));
+}
+
+TEST_F(Errors, FuseStopsALoopOfReports) {
+    const auto fail = [] { guarded(".Timer", [] { throw std::runtime_error("x"); }); };
+    fail();
+    reportOpen = true;
+    fail();  // dropped: a report is open
+    EXPECT_EQ(ErrCount, 1);
+    reportOpen = false;
+    fail();
+    fail();
+    EXPECT_EQ(reports.size(), 3U);
+    EXPECT_TRUE(around.boxes.empty());
+    fail();
+    EXPECT_EQ(reports.size(), 3U);
+    EXPECT_THAT(around.boxes, ElementsAre("Again.\r\nStop?"));
+    EXPECT_FALSE(ended);
+    around.answer = BoxAnswer::yes;
+    fail();
+    EXPECT_TRUE(ended);
+}
+
+TEST_F(Errors, ReportNeverThrows) {
+    startupUpcalls.showReportWindow = [](const std::string&, const std::string&) {
+        throw std::runtime_error("window");
+    };
+    startupUpcalls.reportWindowOpen = nullptr;
+    EXPECT_FALSE(guarded("x", [] { throw 42; }));
+    startupUpcalls.reportWindowOpen = []() -> bool { throw std::runtime_error("open"); };
+    EXPECT_FALSE(guarded("x", [] { throw 42; }));
+}
+
+TEST_F(Errors, ConsoleSplitsLinesUnlessPaused) {
+    std::vector<std::string> lines;
+    bool paused = false;
+    startupUpcalls.consolePaused = [&] { return paused; };
+    startupUpcalls.consoleLines = [&](const std::vector<std::string>& more, bool clear) {
+        if (clear) lines.clear();
+        lines.insert(lines.end(), more.begin(), more.end());
+    };
+    ConsoleAdd("one");
+    ConsoleAdd("two\r\nthree\nfour");
+    EXPECT_THAT(lines, ElementsAre("one", "two", "three", "four"));
+    paused = true;
+    ConsoleAdd("not seen", true);
+    paused = false;
+    ConsoleAdd("five", true);
+    EXPECT_THAT(lines, ElementsAre("five"));
+}
+
+}  // namespace
+}  // namespace zv::test

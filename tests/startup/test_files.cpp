@@ -1,0 +1,236 @@
+// The files that come into being at the start, their backups, the folder they lie in, the lock and the trace.
+#include <gmock/gmock.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "platform/paths.h"
+#include "startup/backups.h"
+#include "startup/command_line.h"
+#include "startup/datafiles.h"
+#include "startup/instance_lock.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+#include "startup/trace.h"
+#include "startup/upcalls.h"
+#include "tests/startup/surroundings.h"
+
+namespace zv::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+namespace fs = std::filesystem;
+
+class Files : public ProgramFolderTest {
+  protected:
+    std::vector<std::string> generations(const std::string& stem) const {
+        std::vector<std::string> out;
+        for (int k = 1; k <= kBackups + 1; ++k) {
+            const std::string name = stem + "_backup" + std::to_string(k) + ".ini";
+            if (there(name)) out.push_back(read(name));
+        }
+        return out;
+    }
+    void setAge(const std::string& name, int minutes) const {
+        fs::last_write_time(path(name), fs::file_time_type::clock::now() - std::chrono::minutes(minutes));
+    }
+};
+
+TEST_F(Files, AllComeIntoBeingAndStay) {
+    write("shipped/language_original.ini", "[English]\n" + std::string(25000, ';'));
+    for (int start = 0; start < 2; ++start) {
+        OpenIniFile();
+        OpenLanguageFile();
+        OpenAccountFile();
+        OpenPaletteFile();
+        EXPECT_EQ(OpenUrlsFile(), false);
+        OpenDispPresets();
+        OpenVUPresets();
+        OpenFXPresets();
+        OpenHotFile();
+        OpenMIDIFile();
+        for (const char* name :
+             {"zv.ini", "language.ini", "account.ini", "palette.ini", "palette_pre100.ini", "urls.txt",
+              "DISPpresets.ini", "VUpresets.ini", "FXpresets.ini", "HotJingles.ini", "MIDI.ini"}) {
+            EXPECT_TRUE(there(name)) << name;
+        }
+        EXPECT_FALSE(there("HotJingles_pre100.ini"));
+        if (start == 1) break;
+        write("urls.txt", "http://mine\r\n");
+        write("MIDI.ini", "[mine]\r\n");
+    }
+    EXPECT_EQ(read("urls.txt"), "http://mine\r\n");
+    EXPECT_EQ(read("MIDI.ini"), "[mine]\r\n");
+    EXPECT_EQ(DispPresetsStore.GetValue("PalColor", 0, "Negative LCD"), std::to_string(0xB3B3));
+    EXPECT_EQ(VUPresetsStore.GetValue("HiColor", 0, "LCD"), std::to_string(0x3C3C));
+    EXPECT_EQ(FXPresetsStore.GetValue("Tempo +10%", 0, kFXPresetsSection), "0,0,0,0,0,0,0,0,10,0,0");
+    setAge("urls.txt", 60 * 24 * 365 * 20);
+    EXPECT_TRUE(OpenUrlsFile());  // the program file is newer
+}
+
+TEST_F(Files, LanguageRepairsItself) {
+    const std::string original = "[English]\n" + std::string(30000, ';');
+    write("language_original.ini", original);
+    setAge("language_original.ini", 60);
+    struct {
+        const char* what;
+        std::size_t size;
+        int ageMinutes;
+        bool kept;
+    } const table[] = {{"one byte short", 24999, 1, false},
+                       {"just long enough", 25000, 1, true},
+                       {"older than the original", 40000, 90, false}};
+    for (const auto& row : table) {
+        write("language.ini", std::string(row.size, 'x'));
+        setAge("language.ini", row.ageMinutes);
+        OpenLanguageFile();
+        EXPECT_EQ(read("language.ini"), row.kept ? std::string(row.size, 'x') : original) << row.what;
+    }
+    fs::remove(path("language_original.ini"));
+    fs::remove(path("language.ini"));
+    OpenLanguageFile();  // nothing to repair from
+    EXPECT_FALSE(there("language.ini"));
+}
+
+TEST_F(Files, ChecksumIsBlindToOrderAndLineEnds) {
+    EXPECT_EQ(FileChecksum("ab\r\ncd\r\n"), 'a' + 'b' + 'c' + 'd');
+    EXPECT_EQ(FileChecksum("cd\nab"), FileChecksum("ab\r\ncd\r\n"));
+    EXPECT_EQ(FileChecksum("\xE9"), 0xE9);
+    EXPECT_EQ(FileChecksum("\xC3\xA9"), 0xE9);
+    EXPECT_EQ(FileChecksum("\xE9\xA3\x9F"), static_cast<std::int16_t>(0x98DF));
+    EXPECT_EQ(FileChecksum(""), 0);
+}
+
+TEST_F(Files, BackupsRotateThroughDistinctStates) {
+    for (int start = 1; start <= 7; ++start) {
+        write("palette.ini", "[state " + std::to_string(start) + "]");
+        for (int again = 0; again < 2; ++again) OpenPaletteFile();  // a start without a change takes none
+    }
+    EXPECT_THAT(generations("palette"),
+                ElementsAre("[state 7]", "[state 6]", "[state 5]", "[state 4]", "[state 3]"));
+    EXPECT_EQ(read("palette_pre100.ini"), "[state 1]");
+    write("palette.ini", "[7 state]");  // the same sum: taken for unchanged
+    OpenPaletteFile();
+    EXPECT_EQ(generations("palette")[0], "[state 7]");
+    fs::remove(path("palette_backup3.ini"));
+    write("palette.ini", "[state 8]");
+    OpenPaletteFile();
+    EXPECT_EQ(read("palette_backup2.ini"), "[state 7]");
+    EXPECT_EQ(read("palette_backup3.ini"), "[state 6]");
+    EXPECT_EQ(read("palette_backup5.ini"), "[state 4]");
+}
+
+TEST_F(Files, CommandLine) {
+    struct {
+        std::vector<std::string> arguments;
+        bool trace;
+        std::string home, error;
+    } const table[] = {
+        {{}, false, "", ""},
+        {{"-t"}, true, "", ""},
+        {{"--home", "/x", "-T"}, true, "/x", ""},
+        {{"--home=/y"}, false, "/y", ""},
+        {{"--home", "-t"}, false, "-t", ""},
+        {{"--home"}, false, "", "--home needs a folder; usage: zentrova [-t] [--home FOLDER]"},
+        {{"-t", "--fast"}, true, "", "unknown option --fast; usage: zentrova [-t] [--home FOLDER]"},
+    };
+    for (const auto& row : table) {
+        const CommandLine got = ParseCommandLine(row.arguments);
+        EXPECT_EQ(got.trace, row.trace);
+        EXPECT_EQ(got.home, row.home);
+        EXPECT_EQ(got.error, row.error);
+    }
+}
+
+TEST_F(Files, ChoosesAndSeedsTheProgramFolder) {
+    const fs::path cwd = fs::current_path();
+    write("bin/palette.ini", "[Sample Radio]\r\nPath_0=Audio_Sample\\a.wav\r\n");
+    write("bin/Audio_Sample/a.wav", "sound");
+    const std::string bin = path("bin").string();
+    ::setenv("XDG_DATA_HOME", path("data").c_str(), 1);
+    ::unsetenv("ZENTROVA_HOME");
+    // The user's own folder, filled once.
+    ASSERT_TRUE(EnterProgramFolder({}, bin));
+    EXPECT_EQ(programFolder(), path("data/zentrova"));
+    EXPECT_EQ(PalFile, path("data/zentrova/palette.ini"));
+    EXPECT_EQ(fs::current_path(), path("data/zentrova"));
+    EXPECT_EQ(read("data/zentrova/Audio_Sample/a.wav"), "sound");
+    OpenIniFile();
+    fs::remove(path("data/zentrova/palette.ini"));
+    ASSERT_TRUE(EnterProgramFolder({}, bin));
+    EXPECT_FALSE(there("data/zentrova/palette.ini"));
+    // A portable copy lies beside its zv.ini.
+    write("bin/zv.ini", "");
+    ASSERT_TRUE(EnterProgramFolder({}, bin));
+    EXPECT_EQ(programFolder(), bin);
+    // A folder that is named wins and is not filled.
+    ::setenv("ZENTROVA_HOME", path("env").c_str(), 1);
+    ASSERT_TRUE(EnterProgramFolder({}, bin));
+    EXPECT_EQ(programFolder(), path("env"));
+    CommandLine named;
+    named.home = path("named").string();
+    ASSERT_TRUE(EnterProgramFolder(named, bin));
+    EXPECT_EQ(programFolder(), path("named"));
+    EXPECT_TRUE(fs::is_empty(path("named")));
+    EXPECT_EQ(ShippedFile("palette.ini"), bin + "/palette.ini");
+    named.home = (path("bin/palette.ini") / "x").string();  // cannot be made
+    EXPECT_FALSE(EnterProgramFolder(named, bin));
+    ::unsetenv("ZENTROVA_HOME");
+    ::unsetenv("XDG_DATA_HOME");
+    fs::current_path(cwd);
+}
+
+TEST_F(Files, SecondProgramIsNoticedAndACrashBlocksNobody) {
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        InstanceLock lock;
+        const char result = lock.acquire(programFolder()) == InstanceLock::Result::alone ? 'a' : 's';
+        if (::write(ready[1], &result, 1) == 1) ::pause();
+        ::_exit(1);
+    }
+    char result = 0;
+    ASSERT_EQ(::read(ready[0], &result, 1), 1);
+    EXPECT_EQ(result, 'a');
+    InstanceLock lock;
+    EXPECT_EQ(lock.acquire(programFolder()), InstanceLock::Result::shared);
+    EXPECT_EQ(lock.other(), "process " + std::to_string(child) + " since 2026-01-31 14:05:09");
+    EXPECT_FALSE(lock.held());
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    EXPECT_EQ(lock.acquire(programFolder()), InstanceLock::Result::alone);
+    InstanceLock second;
+    EXPECT_EQ(second.acquire(programFolder()), InstanceLock::Result::shared);
+    lock.release();
+    EXPECT_EQ(second.acquire(programFolder()), InstanceLock::Result::alone);
+    EXPECT_EQ(InstanceLock().acquire("/nowhere/at/all"), InstanceLock::Result::unknown);
+    ::close(ready[0]);
+    ::close(ready[1]);
+}
+
+TEST_F(Files, TraceAndProgress) {
+    int bar = 0;
+    startupUpcalls.splashBar = [&](int width) { bar = width; };
+    write("Trace_start.log", "older");
+    StartTrace();
+    around.nowMs += 12;
+    FillTraceLog("Start");
+    around.nowMs += 1300;
+    FillTraceLog("BASS");
+    WriteTraceStart();
+    EXPECT_EQ(read("Trace_start.log"),
+              "0.012 : Start\r\n1.300 : BASS\r\nSoftware loaded in 1.312 seconds\r\n");
+    SetProgress(80);
+    EXPECT_EQ(bar, 3372);
+    SetProgress(2);
+    AddProgress(40.0 / 30);
+    EXPECT_EQ(bar, 140);
+    EXPECT_THAT(UnloadReasonText(2), HasSubstr("session is ending"));
+    EXPECT_EQ(UnloadReasonText(9), "");
+}
+
+}  // namespace
+}  // namespace zv::test

@@ -1,0 +1,202 @@
+// The helpers on paths, files, texts, numbers and colours, over both kinds of path.
+#include <gmock/gmock.h>
+
+#include "platform/paths.h"
+#include "startup/errors.h"
+#include "startup/helpers.h"
+#include "startup/settings.h"
+#include "tests/startup/surroundings.h"
+
+namespace zv::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+namespace fs = std::filesystem;
+
+class Helpers : public ProgramFolderTest {};
+
+TEST_F(Helpers, TakePathsApart) {
+    struct {
+        const char *path, *rpp, *folder, *name, *extension;
+    } const table[] = {
+        {"C:\\", "C:\\", "C:\\", "", ""},
+        {"C:\\Music\\a.b\\c", "C:\\Music\\a.b\\c\\", "C:\\Music\\a.b\\", "c", ""},
+        {"\\\\server\\share\\x.mp3", "\\\\server\\share\\x.mp3\\", "\\\\server\\share\\", "x.mp3", "mp3"},
+        {"Audio_Sample\\x.y.wav", "Audio_Sample\\x.y.wav\\", "Audio_Sample\\", "x.y.wav", "wav"},
+        {"x.wav", "x.wav\\", "", "x.wav", "wav"},
+        {"/home/me/x.flac", "/home/me/x.flac/", "/home/me/", "x.flac", "flac"},
+        {"/home/a\\b.ogg", "/home/a\\b.ogg/", "/home/", "a\\b.ogg", "ogg"},
+        {"/", "/", "/", "", ""},
+        {"", "\\", "", "", ""},
+    };
+    for (const auto& row : table) {
+        EXPECT_EQ(RPP(row.path), row.rpp);
+        EXPECT_EQ(GetPath(row.path), row.folder);
+        EXPECT_EQ(GetFileName(row.path), row.name);
+        EXPECT_EQ(NameOnly(row.path), row.name);
+        EXPECT_EQ(GetFileExt(row.path), row.extension) << row.path;
+    }
+}
+
+TEST_F(Helpers, PathsUnderTheProgramFolderAreRelative) {
+    const std::string here = programFolder();
+    EXPECT_EQ(GetFullPath("Audio_Sample\\x.wav"), here + "/Audio_Sample/x.wav");
+    EXPECT_EQ(GetRelPath(here + "/Audio_Sample/x.wav"), "Audio_Sample\\x.wav");
+    EXPECT_EQ(GetRelPath(GetFullPath("a\\b\\c.wav")), "a\\b\\c.wav");
+    for (const char* path : {"C:\\x.wav", "\\\\server\\x.wav", "/elsewhere/x.wav"}) {
+        EXPECT_EQ(GetFullPath(path), path);
+        EXPECT_EQ(GetRelPath(path), path);
+    }
+    EXPECT_EQ(GetRelPath(here + "2/x.wav"), here + "2/x.wav");
+    setProgramFolder("C:\\Zentrova\\");
+    EXPECT_EQ(GetFullPath("\\Fonts\\x.ttf"), "C:\\Zentrova\\Fonts\\x.ttf");
+    EXPECT_EQ(GetRelPath("c:\\zentrova\\A.wav"), "A.wav");
+}
+
+TEST_F(Helpers, FindsAndMakesFiles) {
+    write("Sounds/Caf\xC3\xA9.WAV", "x");
+    EXPECT_TRUE(FileExists("Sounds\\Caf\xC3\xA9.WAV"));
+    EXPECT_TRUE(FileExists("sounds\\CAF\xC3\x89.wav"));  // differs in case only
+    EXPECT_TRUE(FileExists(programFolder() + "/sounds/caf\xC3\xA9.wav"));
+    EXPECT_FALSE(FileExists("Sounds"));
+    EXPECT_TRUE(FolderExists("SOUNDS"));
+    EXPECT_EQ(FileLength("sounds\\caf\xC3\xA9.wav"), 1);
+    write("sounds2/x.wav", "");
+    EXPECT_TRUE(FileExists("Sounds2\\X.wav"));  // made after the folder was first looked at
+    EXPECT_FALSE(FileExists("C:\\Sounds\\x.wav"));
+
+    EXPECT_TRUE(MkDirs("New\\Folder\\Here\\"));
+    EXPECT_TRUE(fs::is_directory(path("New/Folder/Here")));
+    EXPECT_FALSE(MkDirs("Z:\\New"));
+    EXPECT_FALSE(MkDirs("\\\\server\\New"));
+    EXPECT_FALSE(MkDirs("Sounds\\Caf\xC3\xA9.WAV\\x"));
+
+    write("New/1.wav", "");
+    write("New/Folder/2.wav", "");
+    FolderList list;
+    ListFolder("New", true, list);
+    ListFolder("sounds2", false, list);
+    EXPECT_EQ(list.count, 3);
+    EXPECT_EQ(list.text, (folder / "New/1.wav\r\n").string() + (folder / "New/Folder/2.wav\r\n").string() +
+                             (folder / "sounds2/x.wav\r\n").string());
+    fs::create_directories(path("New/Empty/Deep"));
+    ClearEmptySubFolder("New");
+    EXPECT_FALSE(there("New/Empty"));
+    EXPECT_FALSE(there("New/Folder/Here"));
+    EXPECT_TRUE(there("New/Folder/2.wav"));
+}
+
+TEST_F(Helpers, Texts) {
+    EXPECT_EQ(Ampersand("R&B && Soul"), "R&&B &&&& Soul");
+    EXPECT_EQ(br2chr13("a<br>b<BR>c"), "a\r\nb\r\nc");
+    EXPECT_EQ(br2space("a<br>b"), "a b");
+    EXPECT_EQ(ReturnNumbers("a1b22"), "122");
+    EXPECT_EQ(ReturnNonNumbers("a1b22"), "ab");
+    EXPECT_EQ(NoAccents("ÀÁÂÃÄÅàáâãäåÒÓÔÕÖØòóôõöøÈÉÊËèéêëÌÍÎÏìíîïÙÚÛÜùúûüÿÑñÇç"),
+              "AAAAAAaaaaaaOOOOOOooooooEEEEeeeeIIIIiiiiUUUUuuuuyNnCc");
+    EXPECT_EQ(NoAccents("ß×日"), "ß×日");
+    EXPECT_EQ(CannotBeEmpty(" ", "3"), "3");
+    EXPECT_EQ(CannotBeEmpty("7", "3"), "7");
+    EXPECT_THAT(Split("a,,b", ","), ElementsAre("a", "", "b"));
+    std::vector<std::string> words{"zoo", "Élan", "elan", "ELBE", "Eland", "Ångström", "angel"};
+    QuickSort(words);
+    EXPECT_THAT(words, ElementsAre("angel", "Ångström", "elan", "Élan", "Eland", "ELBE", "zoo"));
+    std::vector<std::string> part{"d", "c", "b", "a"};
+    QuickSort(part, 1, 2);
+    EXPECT_THAT(part, ElementsAre("d", "b", "c", "a"));
+}
+
+TEST_F(Helpers, SizesInUnits) {
+    EXPECT_EQ(BytesToUnits(1023, 0), "1023 bytes");
+    EXPECT_EQ(BytesToUnits(1024, 1), "1.0 KB");
+    EXPECT_EQ(BytesToUnits(1572864, 2), "1.50 MB");
+    EXPECT_EQ(BytesToUnits(5e15, 0), "4547 TB");
+    write("language.ini",
+          "[Fran\xC3\xA7"
+          "ais]\nSizeUnits=octets,Ko,Mo,Go,To\n");
+    settings.Language = kFrench;
+    EXPECT_EQ(BytesToUnits(2048, 0), "2 Ko");
+}
+
+TEST_F(Helpers, LegalFileNames) {
+    struct {
+        const char *text, *replacement;
+        bool shortName;
+        const char* name;
+    } const table[] = {
+        {" News: 9/10 \"live\"? ", "_", false, "News_ 9_10 ''live''_"},
+        {"a<b>c|d*e\\f", "", false, "abcdef"},
+        {"name. . .", "", false, "name"},
+        {"name.  wav", "", false, "name.wav"},
+        {"con", "", false, "_con"},
+        {"LPT9.wav", "", false, "_LPT9.wav"},
+        {"com10.wav", "", false, "com10.wav"},
+        {"A long name.flac", "", true, "Alongnam.fla"},
+        {"Größe.wav", "", false, "Größe.wav"},
+    };
+    for (const auto& row : table)
+        EXPECT_EQ(ValidFileName(row.text, row.replacement, row.shortName), row.name);
+    const std::string longName = ValidFileName(std::string(400, 'x') + ".wav");
+    EXPECT_EQ(longName, std::string(255, 'x'));
+    EXPECT_LE(
+        ValidFileName(std::string(140, 'x') + std::string("\xC3\xA9\xC3\xA9") + std::string(130, 'y')).size(),
+        255U);
+    try {
+        ValidFileName("x", "*");
+        FAIL() << "a replacement that is not allowed itself";
+    } catch (const ProgramError& e) {
+        EXPECT_EQ(e.number, 2069);
+        EXPECT_STREQ(e.what(), "ReplacementChar is not valid.");
+    }
+}
+
+TEST_F(Helpers, Numbers) {
+    struct {
+        const char* text;
+        std::optional<double> number;
+        double leading;
+    } const table[] = {
+        {"12", 12, 12},
+        {" -3.5 ", -3.5, -3.5},
+        {"2,5", 2.5, 2},
+        {"1e3", 1000, 1000},
+        {"+7", 7, 7},
+        {"&HFF", 255, 0},
+        {"", std::nullopt, 0},
+        {"12 Hz", std::nullopt, 12},
+        {"abc", std::nullopt, 0},
+        {"-", std::nullopt, 0},
+        {"inf", std::nullopt, 0},
+        {"nan", std::nullopt, 0},
+        {"1e999", std::nullopt, 0},
+        {"--1", std::nullopt, 0},
+    };
+    for (const auto& row : table) {
+        EXPECT_EQ(ToNumber(row.text), row.number) << row.text;
+        EXPECT_EQ(Val(row.text), row.leading) << row.text;
+    }
+    EXPECT_EQ(NumberText(176400), "176400");
+    EXPECT_EQ(NumberText(12345678901.0), "12345678901");
+    EXPECT_EQ(NumberText(0.1), "0.1");
+    EXPECT_EQ(NumberText(-2), "-2");
+    EXPECT_EQ(GetMultipleOf(17, 5), 15);
+    EXPECT_EQ(GetMultipleOf(-1, 5), -5);
+    EXPECT_EQ(GetMultipleOf(3, 0), 3);
+    EXPECT_EQ(KeepDigit('5'), '5');
+    EXPECT_EQ(KeepDigit('-'), 0);
+    EXPECT_EQ(KeepNumeric('-'), '-');
+    EXPECT_EQ(KeepNumeric('x'), 0);
+}
+
+TEST_F(Helpers, Colours) {
+    EXPECT_EQ(ColorToHex(0x0000FF), "FF0000");  // red has the low byte
+    EXPECT_EQ(HexToRGB("FF8000"), 0x0080FF);
+    EXPECT_EQ(HexToRGB(ColorToHex(0x123456)), 0x123456);
+    for (const char* bad : {"", "FF80", "FF80000", "GG0000", "vbButtonFace"})
+        EXPECT_EQ(HexToRGB(bad), 0) << bad;
+    EXPECT_EQ(Hex2Digits(10), "0A");
+}
+
+}  // namespace
+}  // namespace zv::test

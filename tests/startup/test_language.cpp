@@ -1,0 +1,120 @@
+// The texts: applied in their order, in the language there is; and the shipped file has every key in every
+// language.
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <set>
+
+#include "startup/datafiles.h"
+#include "startup/helpers.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+#include "startup/upcalls.h"
+#include "tests/startup/surroundings.h"
+
+namespace zv::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace fs = std::filesystem;
+
+class Language : public ProgramFolderTest {
+  protected:
+    void SetUp() override {
+        ProgramFolderTest::SetUp();
+        startupUpcalls.applyText = [this](const std::string& window, const std::string& key,
+                                          const std::string& text) {
+            applied.push_back(window + "." + key + "=" + text);
+        };
+    }
+    std::vector<std::string> applied;
+};
+
+TEST_F(Language, TextsGoToTheirControlsInOrder) {
+    write("language.ini",
+          "[English]\nmbtSave=Save\nmb_tmAnJin=Jingle\nfxForm=Editor\nmckAssign=As<br>sign\nmbtNew="
+          "EntryNotFoundFlag\n"
+          "[Deutsch]\nmbtSave=Speichern\n");
+    settings.Language = kEnglish;
+    LnStrings();
+    EXPECT_THAT(applied, ElementsAre("frmMain.mb_tmAnJin=Jingle", "frmFX.fxForm=Editor  ",
+                                     "frmMain.mckAssign=As\r\nsign", "frmMain.mbtSave=Save"));
+    applied.clear();
+    settings.Language = "Deutsch";  // without the key that every language has
+    LnStrings("frmfx");
+    EXPECT_THAT(applied, ElementsAre("frmFX.fxForm=Editor  "));
+    EXPECT_EQ(settings.Language, kEnglish);
+    EXPECT_EQ(Ln("mbtSave"), "Save");
+    EXPECT_EQ(Ln("mbtNew"), "");
+    EXPECT_EQ(LnBox("mckAssign"), "As\r\nsign");
+}
+
+// ---- the shipped file
+// --------------------------------------------------------------------------------------
+
+std::string contentsOf(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+/// Every key that the sources ask for by name, but for the tests.
+std::set<std::string> keysInTheCode() {
+    static const std::regex call("\\b(?:Ln|LnBox)\\(\\s*\"([A-Za-z_][A-Za-z0-9_ -]*)\"\\s*[,)]");
+    std::set<std::string> keys;
+    for (const char* room :
+         {"app", "ui", "audio", "model", "midi", "backup", "online", "startup", "platform"}) {
+        const fs::path folder = fs::path(ZV_SOURCE_DIR) / room;
+        if (!fs::exists(folder)) continue;
+        for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+            const std::string extension = entry.path().extension().string();
+            if (extension != ".cpp" && extension != ".h") continue;
+            const std::string text = contentsOf(entry.path());
+            for (std::sregex_iterator it(text.begin(), text.end(), call), end; it != end; ++it)
+                keys.insert((*it)[1]);
+        }
+    }
+    return keys;
+}
+
+TEST_F(Language, ShippedFileHasEveryKeyInEveryLanguage) {
+    const fs::path original = fs::path(ZV_SOURCE_DIR) / "data/language_original.ini";
+    ASSERT_TRUE(fs::exists(original));
+    EXPECT_GE(fs::file_size(original), static_cast<std::uintmax_t>(kSmallestLanguageFile));
+    cImpulse store;
+    store.SetIniPath(original.string());
+    std::set<std::string> wanted = keysInTheCode();
+    EXPECT_GE(wanted.size(), 10U) << "the search for keys finds nothing any more";
+    for (const LanguageKey& key : LanguageKeys()) wanted.insert(key.key);
+    for (const char* key : {"SizeUnits", "mDlgType", "ErrorStop", "mStrEr", "mStrEr-1"}) wanted.insert(key);
+    const std::string codes = contentsOf(fs::path(ZV_SOURCE_DIR) / "startup/errors.cpp");
+    static const std::regex code("\"(BASS_ERROR_[A-Z0-9]+ ?)\"");
+    for (std::sregex_iterator it(codes.begin(), codes.end(), code), end; it != end; ++it)
+        wanted.insert((*it)[1]);
+    store.ListSections();
+    ASSERT_GE(store.SectionCount(), 4);
+    for (int i = 0; i < store.SectionCount(); ++i) {
+        const std::string language = store.SectionName(i);
+        std::vector<std::string> missing;
+        for (const std::string& key : wanted) {
+            if (store.GetValue(key, 0, language).empty()) missing.push_back(key);
+        }
+        EXPECT_THAT(missing, IsEmpty()) << language;
+        // What one language has, all have.
+        for (const auto& [key, text] : store.GetSectionLines(store.SectionName(0))) {
+            EXPECT_FALSE(store.GetValue(key, 0, language).empty()) << language << " " << key;
+            const auto pieces = [](const std::string& t) { return Split(t, ",").size(); };
+            const bool list =
+                key == "mDayNames" || key == "mMonthNames" || key == "mMonthNamesShort" || key == "SizeUnits";
+            EXPECT_TRUE(!list || pieces(store.GetValue(key, 0, language)) == pieces(text))
+                << language << " " << key;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace zv::test

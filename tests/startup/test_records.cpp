@@ -1,0 +1,158 @@
+// Timers, controls and paths as records: the order of firing, what counts as a change, what a path means
+// here.
+#include <gmock/gmock.h>
+
+#include "platform/controls.h"
+#include "platform/paths.h"
+#include "platform/timers.h"
+#include "startup/helpers.h"
+#include "tests/startup/surroundings.h"
+
+namespace zv::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class Timers : public ::testing::Test {
+  protected:
+    void SetUp() override { around = {}; }
+    std::function<void()> note(const std::string& name) {
+        return [this, name] { fired.push_back(name); };
+    }
+    void advance(int ms) {
+        around.nowMs += ms;
+        fireDueTimers(around.nowMs);
+    }
+    std::vector<std::string> fired;
+};
+
+TEST_F(Timers, FireByDueTimeThenDeclaration) {
+    Timer late("late", 30, note("late")), a("a", 10, note("a")), b("b", 10, note("b")),
+        off("off", 1, note("off"));
+    Timer never("never", 0, note("never"));
+    for (Timer* t : {&b, &a, &late, &never}) t->start();
+    EXPECT_EQ(nextTimerDue(), around.nowMs + 10);
+    advance(10);
+    EXPECT_THAT(fired, ElementsAre("a", "b"));
+    fired.clear();
+    advance(20);  // late is due at 30, a and b were at 20
+    EXPECT_THAT(fired, ElementsAre("a", "b", "late"));
+    fired.clear();
+    advance(1000);  // each once, not once per interval missed
+    EXPECT_THAT(fired, ElementsAre("a", "b", "late"));
+    EXPECT_EQ(nextTimerDue(), around.nowMs + 10);
+}
+
+TEST_F(Timers, KeepTheirBeat) {
+    Timer t("t", 40, note("t"));
+    t.start();
+    around.nowMs += 43;  // three late: the next is not late because of it
+    fireDueTimers(around.nowMs);
+    EXPECT_EQ(nextTimerDue(), around.nowMs + 37);
+    t.start();  // runs already: goes on as it is
+    EXPECT_EQ(nextTimerDue(), around.nowMs + 37);
+    t.restart();
+    EXPECT_EQ(nextTimerDue(), around.nowMs + 40);
+    t.setInterval(40);
+    t.setInterval(100);
+    EXPECT_EQ(nextTimerDue(), around.nowMs + 100);
+    t.stop();
+    EXPECT_EQ(nextTimerDue(), std::nullopt);
+    EXPECT_EQ(findTimer("T"), &t);
+    EXPECT_EQ(findTimer("x"), nullptr);
+}
+
+TEST_F(Timers, HandlersMayDoAnythingToTimers) {
+    int rearmed = 0;
+    onTimersChanged([&] { ++rearmed; });
+    auto gone = std::make_unique<Timer>("gone", 10, note("gone"));
+    Timer stopped("stopped", 10, note("stopped"));
+    std::unique_ptr<Timer> born;
+    Timer killer("killer", 5, [&] {
+        fired.push_back("killer");
+        gone.reset();
+        stopped.stop();
+        killer.restart();
+        born = std::make_unique<Timer>("born", 5, note("born"));
+        born->start();
+        fireDueTimers(around.nowMs);  // as when a message box runs the events
+    });
+    gone->start();
+    stopped.start();
+    killer.start();
+    EXPECT_EQ(rearmed, 3);
+    advance(10);
+    EXPECT_THAT(fired, ElementsAre("killer"));
+    fired.clear();
+    killer.stop();
+    advance(5);
+    EXPECT_THAT(fired, ElementsAre("born"));
+    onTimersChanged({});
+}
+
+TEST(Controls, OnlyADifferenceIsAChange) {
+    takeChanged();
+    int armed = 0;
+    onFirstChange([&] { ++armed; });
+    {
+        Control window("testWindow", ControlKind::window);
+        Control button("testButton", ControlKind::button, &window, 3);
+        button.caption = std::string("Play");
+        button.caption = std::string("Play");
+        window.width = 100;
+        EXPECT_EQ(button.revision(), 1U);
+        EXPECT_EQ(armed, 1);
+        EXPECT_THAT(takeChanged(), ElementsAre(&button, &window));
+        EXPECT_THAT(takeChanged(), IsEmpty());
+        EXPECT_THAT(window.children(), ElementsAre(&button));
+        EXPECT_EQ(findControl("TESTBUTTON", 3), &button);
+        EXPECT_EQ(findControl("testButton"), nullptr);
+
+        Control list("testList", ControlKind::listBox, &window);
+        list.items = std::vector<std::string>{"a", "b"};
+        SelectListItem(list, "b");
+        SelectListItem(list, "c");
+        struct {
+            const char *property, *text;
+        } const table[] = {{"items", "a|b"}, {"TEXT", "b"},       {"listIndex", "1"},
+                           {"visible", "1"}, {"backColor", "-1"}, {"name", "testList"}};
+        for (const auto& row : table) {
+            bool known = false;
+            EXPECT_EQ(propertyText(list, row.property, known), row.text);
+            EXPECT_TRUE(known) << row.property;
+        }
+        bool known = true;
+        propertyText(list, "nonsense", known);
+        EXPECT_FALSE(known);
+    }
+    EXPECT_EQ(findControl("testButton", 3), nullptr);
+    EXPECT_THAT(takeChanged(), IsEmpty());  // what is gone is not in the list
+    onFirstChange({});
+}
+
+class Paths : public ProgramFolderTest {};
+
+TEST_F(Paths, MapToWhatTheSystemOpens) {
+    write("Audio_Sample/Jingle.wav", "");
+    write("with\\backslash.wav", "");
+    const std::string here = programFolder();
+    struct {
+        std::string path, native;
+    } const table[] = {
+        {"Audio_Sample\\Jingle.wav", here + "/Audio_Sample/Jingle.wav"},
+        {"\\audio_sample\\JINGLE.WAV", here + "/Audio_Sample/Jingle.wav"},
+        {"audio_sample\\new.wav", here + "/Audio_Sample/new.wav"},
+        {here + "\\Audio_Sample\\Jingle.wav", here + "/Audio_Sample/Jingle.wav"},
+        {here + "/with\\backslash.wav", here + "/with\\backslash.wav"},
+        {"C:\\Jingles\\x.wav", "C:\\Jingles\\x.wav"},
+        {"", ""},
+    };
+    for (const auto& row : table) EXPECT_EQ(nativePath(row.path).string(), row.native) << row.path;
+    for (const char* path : {"C:\\x", "c:/x", "\\\\server\\x", "/x"})
+        EXPECT_TRUE(isAbsolutePath(path)) << path;
+    for (const char* path : {"", "x", "\\x", "C:x", "1:\\x"}) EXPECT_FALSE(isAbsolutePath(path)) << path;
+}
+
+}  // namespace
+}  // namespace zv::test
