@@ -176,8 +176,11 @@ TEST(Caption, IsTakenApartAndSetInTheRoomThereIs) {
         set("The very long name of a jingle that nobody could ever read on a button in time");
     EXPECT_TRUE(cut.cut);
     EXPECT_TRUE(cut.lines.last().endsWith(QChar(0x2026)));
+    const CaptionLayout smaller = set("Mittagsnachrichtenmusik");
+    EXPECT_EQ(smaller.lines.size(), 1) << "a word is set smaller before it is torn";
+    EXPECT_LT(smaller.font.pixelSize(), font.pixelSize());
     const CaptionLayout word = set("Donaudampfschifffahrtsgesellschaft");
-    for (const CaptionLayout* l : {&two, &cut, &word}) {
+    for (const CaptionLayout* l : {&two, &cut, &word, &smaller}) {
         for (const QString& line : l->lines)
             EXPECT_LE(QFontMetricsF(l->font).horizontalAdvance(line), room.width() + 1);
         EXPECT_TRUE(room.adjusted(-3, -3, 3, 3).contains(l->box));

@@ -10,8 +10,8 @@
 namespace zv::shell {
 namespace {
 
-/// The name broken into lines of that width; words that are too long are broken anywhere.
-QStringList broken(const QString& name, const QFont& font, double width) {
+/// The name broken into lines of that width; words that are too long are broken anywhere (`torn` tells).
+QStringList broken(const QString& name, const QFont& font, double width, bool* torn = nullptr) {
     QStringList lines;
     for (const QString& given : name.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
         QTextLayout layout(given, font);
@@ -21,6 +21,10 @@ QStringList broken(const QString& name, const QFont& font, double width) {
         layout.beginLayout();
         for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
             line.setLineWidth(width);
+            const int end = line.textStart() + line.textLength();
+            if (torn != nullptr && end < given.size()) {
+                *torn = *torn || (given[end - 1].isLetterOrNumber() && given[end].isLetterOrNumber());
+            }
             lines << given.mid(line.textStart(), line.textLength()).trimmed();
         }
         layout.endLayout();
@@ -33,15 +37,12 @@ QStringList balanced(const QString& name, const QFont& font, double width) {
     const QStringList full = broken(name, font, width);
     if (full.size() != 2) return full;
     const QFontMetricsF m(font);
-    double narrow = std::max(m.horizontalAdvance(full[0]), m.horizontalAdvance(full[1])) * 0.5;
+    const double narrow = std::max(m.horizontalAdvance(full[0]), m.horizontalAdvance(full[1])) * 0.5;
     QStringList best = full;
     for (double w = width * 0.95; w > narrow; w *= 0.95) {
-        const QStringList tried = broken(name, font, w);
-        if (tried.size() != 2) break;
-        // Not by breaking a word apart.
-        if ((tried[0] + QLatin1Char(' ') + tried[1]).size() != (full[0] + QLatin1Char(' ') + full[1]).size())
-            break;
-        if (!name.contains(tried[0] + QLatin1Char(' ')) && !name.contains(QLatin1Char('\n'))) break;
+        bool torn = false;
+        const QStringList tried = broken(name, font, w, &torn);
+        if (tried.size() != 2 || torn) break;
         best = tried;
     }
     return best;
@@ -69,18 +70,22 @@ CaptionLayout layOutCaption(const QString& name, const QFont& font, const QRectF
     struct Try {
         double scale;
         int lines;
+        bool mayTear;
     };
-    // The user's size first, then two lines in it, then down to three quarters of it.
-    static constexpr std::array kTries{Try{1, 1}, Try{1, 2}, Try{0.9, 1}, Try{0.87, 2}, Try{0.75, 2}};
+    // The user's size first, then two lines in it, then down to three quarters of it; a word is torn only at
+    // last.
+    static constexpr std::array kTries{Try{1, 1, false},    Try{1, 2, false},    Try{0.9, 1, false},
+                                       Try{0.87, 2, false}, Try{0.75, 1, false}, Try{0.75, 2, false},
+                                       Try{1, 2, true},     Try{0.75, 2, true}};
     for (const Try& t : kTries) {
         QFont f = font;
         f.setPixelSize(std::max(8, static_cast<int>(std::lround(size * t.scale))));
         const double line = QFontMetricsF(f).height();
-        const double need = t.lines == 1 ? line : line * 2 + corner;
-        if (t.lines == 2 && need > room.height()) continue;
-        const QStringList lines =
-            t.lines == 1 ? broken(name, f, room.width()) : balanced(name, f, room.width());
-        if (lines.size() > t.lines) continue;
+        if (t.lines == 2 && line * 2 + corner > room.height()) continue;
+        bool torn = false;
+        QStringList lines = broken(name, f, room.width(), &torn);
+        if (lines.size() > t.lines || (torn && !t.mayTear)) continue;
+        if (t.lines == 2 && !torn) lines = balanced(name, f, room.width());
         made.font = f;
         made.lines = lines;
         break;
