@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <mutex>
 
 #include "engine/bass.h"
@@ -27,6 +29,7 @@ constexpr std::int64_t quickProbe = 32'768;    // a WAV opens four times as fast
 constexpr std::int64_t deepProbe = 5'000'000;  // large pictures in front of the sound
 constexpr int largestChannels = 64;
 constexpr int largestRate = 768'000;
+constexpr float loudestSample = 16;
 constexpr auto fileLimit = 30s;
 constexpr std::size_t largestAllocation = std::size_t{256} << 20;
 
@@ -49,7 +52,6 @@ int codeOf(int averror) {
         case AVERROR(EISDIR):
         case AVERROR(EMFILE):
         case AVERROR(ENFILE):
-        case AVERROR(EIO):
         case AVERROR(ECONNREFUSED):
         case AVERROR(ECONNRESET):
         case AVERROR(EPIPE):
@@ -96,6 +98,16 @@ const AVCodec* findDecoder(AVCodecID codec) {
                                                   : nullptr;
     const AVCodec* decoder = name ? avcodec_find_decoder_by_name(name) : nullptr;
     return decoder ? decoder : avcodec_find_decoder(codec);
+}
+
+/// Whether this is a film, and not just something that was taken for one by its name.
+bool hasPicture(const AVFormatContext& context) {
+    for (unsigned i = 0; i < context.nb_streams; ++i) {
+        const AVCodecParameters& parameters = *context.streams[i]->codecpar;
+        const bool declared = parameters.codec_id != AV_CODEC_ID_NONE && parameters.codec_tag != 0;
+        if (parameters.codec_type == AVMEDIA_TYPE_VIDEO && (declared || parameters.width > 0)) return true;
+    }
+    return false;
 }
 
 std::uint32_t bitsInFile(const AVCodecParameters& parameters) {
@@ -154,9 +166,10 @@ int MediaInput::open(const AVDictionary* given, std::int64_t probeBytes) {
     for (unsigned i = 0; i < context->nb_streams; ++i)
         if (context->streams[i]->codecpar->codec_type != AVMEDIA_TYPE_AUDIO)
             context->streams[i]->discard = AVDISCARD_ALL;
-    if (const int result = avformat_find_stream_info(context, nullptr); result < 0) return result;
+    if (const int result = avformat_find_stream_info(context, nullptr); result < 0)
+        return hasPicture(*context) ? AVERROR_STREAM_NOT_FOUND : result;
     const int best = av_find_best_stream(context, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
-    if (best < 0) return context->nb_streams == 0 ? AVERROR_INVALIDDATA : AVERROR_STREAM_NOT_FOUND;
+    if (best < 0) return hasPicture(*context) ? AVERROR_STREAM_NOT_FOUND : AVERROR_INVALIDDATA;
     for (unsigned i = 0; i < context->nb_streams; ++i)
         context->streams[i]->discard = static_cast<int>(i) == best ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
     stream_ = context->streams[best];
@@ -167,7 +180,7 @@ std::unique_ptr<MediaInput> MediaInput::openFile(const std::string& path, int& e
     prepareLibraries();
     std::error_code failure;
     // Devices and pipes could hold the caller for ever.
-    if (!std::filesystem::is_regular_file(std::filesystem::path(path), failure)) {
+    if (!std::filesystem::is_regular_file(std::filesystem::path(path), failure) || !std::ifstream(path)) {
         error = BASS_ERROR_FILEOPEN;
         return nullptr;
     }
@@ -299,6 +312,9 @@ void MediaInput::appendFrame(const AVFrame& frame, std::vector<float>& out) {
     const int written = swr_convert(converter_.get(), &target, room,
                                     const_cast<const std::uint8_t**>(frame.extended_data), frame.nb_samples);
     out.resize(before + static_cast<std::size_t>(std::max(0, written)) * format_.channels);
+    // A damaged packet can come out of a codec as anything; nothing that was meant to be sound is that loud.
+    for (std::size_t i = before; i < out.size(); ++i)
+        if (!(std::abs(out[i]) <= loudestSample)) out[i] = 0;
 }
 
 Yield MediaInput::decode(const AVPacket* packet, std::vector<float>& out) {

@@ -1,6 +1,7 @@
 #include "platform/openmpt/openmpt_decoder.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -16,55 +17,62 @@ namespace {
 
 constexpr std::uint32_t moduleRate = 44'100;
 constexpr std::uint32_t moduleChannels = 2;
-constexpr std::size_t renderedAtOnce = 4096;              // frames
-constexpr std::size_t longestModule = moduleRate * 3600;  // frames; one that jumps about for ever is cut there
+constexpr std::size_t renderedAtOnce = 4096;  // frames
+constexpr double longestModule = 3600;        // seconds; one that jumps about for ever is cut there
 constexpr std::uintmax_t largestFile = 64U << 20;
 constexpr int sincInterpolation = 8;  // taps
 
+/// Renders as far as it is asked for and keeps it, since the library's own seeks land on rows: opening costs
+/// nothing but the length, and what was heard once can be entered at any frame.
 class ModuleDecoder : public Decoder {
   public:
-    explicit ModuleDecoder(std::vector<float> sound) : sound_(std::move(sound)) {}
+    explicit ModuleDecoder(std::unique_ptr<openmpt::module> module) : module_(std::move(module)) {
+        module_->set_repeat_count(0);
+        module_->set_render_param(openmpt::module::RENDER_INTERPOLATIONFILTER_LENGTH, sincInterpolation);
+        const double seconds = std::clamp(module_->get_duration_seconds(), 0.0, longestModule);
+        frames_ = static_cast<std::size_t>(std::llround(seconds * moduleRate));
+    }
 
     SoundFormat format() const override { return {moduleRate, moduleChannels, 0}; }
-    std::optional<std::uint64_t> length() const override { return frames(); }
+    std::optional<std::uint64_t> length() const override { return frames_; }
     std::size_t read(std::span<float> out) override {
-        const std::size_t count = std::min(out.size() / moduleChannels, frames() - cursor_);
-        std::copy_n(sound_.begin() + static_cast<std::ptrdiff_t>(cursor_ * moduleChannels), count * moduleChannels,
-                    out.begin());
+        const std::size_t count = std::min(out.size() / moduleChannels, frames_ - cursor_);
+        renderUpTo(cursor_ + count);
+        std::copy_n(sound_.begin() + static_cast<std::ptrdiff_t>(cursor_ * moduleChannels),
+                    count * moduleChannels, out.begin());
         cursor_ += count;
         return count;
     }
     bool seek(std::uint64_t frame) override {
-        if (frame > frames()) return false;
+        if (frame > frames_) return false;
         cursor_ = static_cast<std::size_t>(frame);
         return true;
     }
-    bool ended() const override { return cursor_ >= frames(); }
+    bool ended() const override { return cursor_ >= frames_; }
 
   private:
-    std::size_t frames() const { return sound_.size() / moduleChannels; }
+    void renderUpTo(std::size_t frame) {
+        while (sound_.size() < frame * moduleChannels) {
+            const std::size_t before = sound_.size();
+            const std::size_t wanted = std::min(renderedAtOnce, frames_ - before / moduleChannels);
+            sound_.resize(before + wanted * moduleChannels);
+            std::size_t frames = 0;
+            try {
+                if (module_)
+                    frames = module_->read_interleaved_stereo(static_cast<std::int32_t>(moduleRate), wanted,
+                                                              sound_.data() + before);
+            } catch (const openmpt::exception&) {
+                // What cannot be rendered stays silent.
+            }
+            if (frames == 0 || before / moduleChannels + wanted == frames_) module_.reset();
+        }
+    }
 
+    std::unique_ptr<openmpt::module> module_;  ///< until all of it is rendered
     std::vector<float> sound_;
+    std::size_t frames_ = 0;
     std::size_t cursor_ = 0;
 };
-
-std::vector<float> renderWhole(openmpt::module& module) {
-    module.set_repeat_count(0);
-    module.set_render_param(openmpt::module::RENDER_INTERPOLATIONFILTER_LENGTH, sincInterpolation);
-    std::vector<float> sound;
-    sound.reserve(static_cast<std::size_t>(std::clamp(module.get_duration_seconds(), 0.0, 3600.0) * moduleRate) *
-                  moduleChannels);
-    while (sound.size() < longestModule * moduleChannels) {
-        const std::size_t before = sound.size();
-        sound.resize(before + renderedAtOnce * moduleChannels);
-        const std::size_t frames =
-            module.read_interleaved_stereo(static_cast<std::int32_t>(moduleRate), renderedAtOnce, sound.data() + before);
-        sound.resize(before + frames * moduleChannels);
-        if (frames == 0) break;
-    }
-    sound.shrink_to_fit();
-    return sound;
-}
 
 }  // namespace
 
@@ -84,11 +92,10 @@ std::unique_ptr<Decoder> openModuleDecoder(const std::string& path, int& error) 
     if (std::filesystem::file_size(file, failure) > largestFile) return nullptr;
     try {
         std::ostringstream log;  // the library's remarks, which would go to the console
-        openmpt::module module(in, log);
-        std::vector<float> sound = renderWhole(module);
-        if (sound.empty()) return nullptr;
+        auto decoder = std::make_unique<ModuleDecoder>(std::make_unique<openmpt::module>(in, log));
+        if (decoder->length() == 0U) return nullptr;
         error = BASS_OK;
-        return std::make_unique<ModuleDecoder>(std::move(sound));
+        return decoder;
     } catch (const std::bad_alloc&) {
         error = BASS_ERROR_MEM;
     } catch (const std::exception&) {

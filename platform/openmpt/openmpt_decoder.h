@@ -8,8 +8,8 @@
 
 namespace zv {
 
-/// Opens the module at `path` (UTF-8) as 44,100 Hz stereo, played once through without an endless repeat. It is
-/// rendered into memory, so that length and seeks are exact. `error` receives 0, or BASS_ERROR_FILEOPEN (missing or
+/// Opens the module at `path` (UTF-8) as 44,100 Hz stereo, played once through without an endless repeat. What is
+/// read is rendered into memory and kept, so that seeks are exact; a seek far ahead renders what lies between. `error` receives 0, or BASS_ERROR_FILEOPEN (missing or
 /// unreadable), _FILEFORM (not a module), _MEM. [any]
 std::unique_ptr<Decoder> openModuleDecoder(const std::string& path, int& error);
 

@@ -1,0 +1,142 @@
+// Files that are not what they seem: an error or as much sound as there is, never a crash or a wait.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <fstream>
+#include <random>
+
+#include "engine/bass.h"
+#include "platform/file_decoders/file_decoders.h"
+#include "tests/sound/workshop.h"
+
+namespace zv::test {
+namespace {
+
+constexpr auto patience = std::chrono::seconds(3);
+
+const char* const extensions[] = {"wma",  "wav", "ogg",  "mpa", "mp3", "mp2", "mp1", "m4a",
+                                  "flac", "aif", "mod",  "mo3", "s3m", "xm",  "it",  "mtm",
+                                  "mp4",  "mpg", "mpeg", "avi", "wmv", "3gp", "asf", "asx"};
+
+std::vector<char> randomBytes(std::size_t count, unsigned seed) {
+    std::mt19937 random(seed);
+    std::vector<char> bytes(count);
+    for (char& byte : bytes) byte = static_cast<char>(random());
+    return bytes;
+}
+
+/// Opens, reads a little everywhere, and returns the error.
+int handle(const std::string& path) {
+    const auto begin = std::chrono::steady_clock::now();
+    int error = -99;
+    if (const auto decoder = makeFileDecoders()->openFile(path, error)) {
+        EXPECT_EQ(BASS_OK, error) << path;
+        EXPECT_GT(*decoder->length(), 0U) << path;
+        std::vector<float> some(decoder->format().channels * 3000);
+        for (const std::uint64_t part : {0U, 1U, 2U, 3U}) {
+            const std::uint64_t from = *decoder->length() * part / 4;
+            EXPECT_TRUE(decoder->seek(from)) << path;
+            EXPECT_EQ(std::min<std::uint64_t>(3000, *decoder->length() - from), decoder->read(some)) << path;
+            for (const float sample : some) EXPECT_LE(std::abs(sample), 16) << path;
+        }
+    } else {
+        EXPECT_GT(error, 0) << path;
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, patience) << path;
+    return error;
+}
+
+TEST(DamagedFiles, WhatIsNoSoundIsRefusedUnderEveryName) {
+    const Folder folder;
+    const struct {
+        const char* what;
+        std::vector<char> bytes;
+    } contents[] = {
+        {"empty", {}},
+        {"one byte", {'R'}},
+        {"zeros", std::vector<char>(100'000, 0)},
+        {"random", randomBytes(40'000, 3)},
+        {"random, short", randomBytes(300, 4)},
+        {"text", std::vector<char>(20'000, 'a')},
+        {"list of other files", {}},
+    };
+    for (const char* extension : extensions) {
+        const std::string path = folder / (std::string("file.") + extension);
+        for (const auto& content : contents) {
+            writeBytes(path, content.bytes);
+            if (std::string_view(content.what) == "list of other files")
+                std::ofstream(path) << "#EXTM3U\n#EXTINF:10,\nother.wav\n";
+            EXPECT_EQ(BASS_ERROR_FILEFORM, handle(path)) << content.what;
+        }
+    }
+}
+
+TEST(DamagedFiles, PathsThatAreNoFiles) {
+    const Folder folder;
+    EXPECT_EQ(BASS_ERROR_FILEOPEN, handle(folder / "missing.wav"));
+    EXPECT_EQ(BASS_ERROR_FILEOPEN, handle(folder.path().string()));
+    EXPECT_EQ(BASS_ERROR_FILEOPEN, handle("/dev/zero"));
+    EXPECT_EQ(BASS_ERROR_FILEOPEN, handle(""));
+    ASSERT_EQ(0, run("mkfifo " + (folder / "pipe.wav")));
+    EXPECT_EQ(BASS_ERROR_FILEOPEN, handle(folder / "pipe.wav"));
+    ASSERT_EQ(
+        0, run("ffmpeg -v error -y -f lavfi -i testsrc=s=64x64:d=1 -c:v mpeg4 " + (folder / "silent.mp4")));
+    EXPECT_EQ(BASS_ERROR_NOTAUDIO, handle(folder / "silent.mp4"));
+    // Names of other alphabets, and one that looks like an address.
+    writeWav(folder / "Größe – ελ 音.wav", wanderingTones(44'100, 2, 5000), 44'100, 2);
+    writeWav(folder / "http:x.wav", wanderingTones(44'100, 2, 5000), 44'100, 2);
+    EXPECT_EQ(BASS_OK, handle(folder / "Größe – ελ 音.wav"));
+    EXPECT_EQ(BASS_OK, handle(folder / "http:x.wav"));
+}
+
+// Cut anywhere, or with bytes changed: what is left of it plays, and its length is what it gives.
+TEST(DamagedFiles, CutAndScratched) {
+    const Folder folder;
+    writeWav(folder / "source.wav", wanderingTones(44'100, 2, 44'100 * 3), 44'100, 2);
+    int opened = 0;
+    for (const char* name : {"a.wav", "a.aiff", "a.flac", "a.ogg", "a.opus", "a.mp3", "a.mp2", "a.m4a",
+                             "a.wma", "a.mpg", "a.avi", "a.mkv"}) {
+        const std::string path = folder / name;
+        ASSERT_EQ(0, run("ffmpeg -v error -y -i " + (folder / "source.wav") + " " + path));
+        const auto whole = readBytes(path);
+        std::mt19937 random(11);
+        for (const double part : {0.001, 0.01, 0.1, 0.5, 0.9, 0.999}) {
+            writeBytes(path, std::span(whole).first(
+                                 static_cast<std::size_t>(static_cast<double>(whole.size()) * part)));
+            opened += handle(path) == BASS_OK;
+        }
+        for (int scratches = 1; scratches < 3000; scratches *= 7) {
+            auto damaged = whole;
+            for (int i = 0; i < scratches; ++i)
+                damaged[random() % damaged.size()] = static_cast<char>(random());
+            writeBytes(path, damaged);
+            opened += handle(path) == BASS_OK;
+        }
+    }
+    // Most of it is still sound.
+    EXPECT_GT(opened, 60);
+}
+
+// A WAV whose header promises more than the file holds, or nothing at all, as recorders leave it after a
+// power cut.
+TEST(DamagedFiles, WavHeadersThatLie) {
+    const Folder folder;
+    const std::string path = folder / "a.wav";
+    writeWav(path, wanderingTones(44'100, 2, 10'000), 44'100, 2);
+    const auto whole = readBytes(path);
+    for (const std::uint32_t claimed : {0U, 0xFFFFFFFFU, 0x7FFFFFFFU, 30'000U}) {
+        auto bytes = whole;
+        for (int i = 0; i < 4; ++i)
+            bytes[static_cast<std::size_t>(40 + i)] = static_cast<char>(claimed >> (8 * i));
+        writeBytes(path, bytes);
+        int error = 0;
+        const auto decoder = makeFileDecoders()->openFile(path, error);
+        ASSERT_TRUE(decoder) << claimed;
+        EXPECT_EQ(claimed == 30'000U ? 7'500U : 10'000U, *decoder->length()) << claimed;
+        EXPECT_EQ(*decoder->length() * 2, readWhole(*decoder).size()) << claimed;
+    }
+}
+
+}  // namespace
+}  // namespace zv::test
