@@ -1,0 +1,110 @@
+#!/bin/bash
+# From a mouse press in the real program to the recording of a real sound server: starts an X server, a window
+# manager and a sound server of its own, presses a button, listens to the output, stops again.
+#   press_is_heard.sh BIN_FOLDER
+set -u
+bin=$(cd "$1" && pwd)
+here=$(cd "$(dirname "$0")" && pwd)
+work=$(mktemp -d)
+pids=()
+
+cleanup() {
+    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null; done
+    for pid in "${pids[@]}"; do wait "$pid" 2>/dev/null; done
+    rm -rf "$work"
+}
+trap cleanup EXIT
+
+fail() {
+    echo "press_is_heard: $*" >&2
+    for log in "$work"/*.log; do echo "--- $log" >&2; tail -20 "$log" >&2; done
+    exit 1
+}
+
+# Waits up to 20 seconds until a command succeeds.
+await() {
+    local what=$1
+    shift
+    for _ in $(seq 200); do
+        "$@" >/dev/null 2>&1 && return
+        sleep 0.1
+    done
+    fail "$what did not come"
+}
+
+for tool in Xvfb openbox xdotool xprop pulseaudio pactl parec python3; do
+    command -v "$tool" >/dev/null || fail "$tool is not installed"
+done
+
+export XDG_RUNTIME_DIR=$work/run HOME=$work/user
+mkdir -m 700 -p "$XDG_RUNTIME_DIR" "$HOME" "$work/home"
+export PULSE_SERVER=unix:$work/run/native
+unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
+
+pulseaudio -n --daemonize=no --exit-idle-time=-1 --disallow-exit --use-pid-file=no \
+    --load="module-native-protocol-unix auth-anonymous=1 socket=$work/run/native" \
+    --load="module-null-sink sink_name=out1 rate=44100 format=float32le norewinds=1 sink_properties=device.description=OutOne" \
+    --load="module-null-sink sink_name=out2 rate=44100 format=float32le norewinds=1 sink_properties=device.description=OutTwo" \
+    >"$work/pulseaudio.log" 2>&1 &
+pids+=($!)
+await "the sound server" pactl info
+
+# The X server chooses a free display and tells its number.
+mkfifo "$work/display"
+Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$work/display" >"$work/xvfb.log" 2>&1 &
+pids+=($!)
+read -r number <"$work/display"
+export DISPLAY=:$number
+openbox >"$work/openbox.log" 2>&1 &
+pids+=($!)
+await "the window manager" sh -c "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q '#'"
+
+# A palette with one tone of 700 Hz on the first button, and settings that ask nothing.
+python3 "$here/tone.py" write "$work/home/Audio_Sample/Tone.wav"
+printf '[Test]\r\nPath_0=Audio_Sample\\Tone.wav\r\n' >"$work/home/palette.ini"
+printf '[Settings]\r\nPaletteIndex=Test\r\nConfirmExit=0\r\nCheckUpdate=0\r\nDeviceAux=2\r\nMIDIEnabled=0\r\n' >"$work/home/zv.ini"
+
+"$bin/zentrova" --home "$work/home" >"$work/zentrova.log" 2>&1 &
+program=$!
+pids+=($program)
+for _ in $(seq 200); do
+    window=$(xdotool search --onlyvisible --pid $program --name '^Zentrova' 2>/dev/null | tail -1)
+    [ -n "$window" ] && break
+    kill -0 $program 2>/dev/null || fail "the program has ended"
+    sleep 0.1
+done
+[ -n "$window" ] || fail "the window did not come"
+await "the program's sound stream" sh -c "pactl list short sink-inputs | grep -q ."
+sleep 1
+
+for sink in out1 out2; do
+    parec -d $sink.monitor --rate=44100 --format=float32le --channels=2 --raw --latency-msec=20 >"$work/$sink.raw" 2>"$work/parec-$sink.log" &
+    pids+=($!)
+done
+await "the recording" test -s "$work/out1.raw"
+
+# Where the first button stands is asked from the program's own settings of its grid: the window's lower left quarter
+# begins well below the display, so the press goes to the first button by its place in the picture of the window.
+eval "$(xdotool getwindowgeometry --shell "$window")"
+read -r x y < <(python3 "$here/tone.py" button "$WIDTH" "$HEIGHT")
+xdotool mousemove --window "$window" "$x" "$y" click 1
+sleep 1.2
+xdotool mousemove --window "$window" "$x" "$y" click 1
+sleep 0.6
+sync
+for sink in out1 out2; do
+    python3 "$here/tone.py" find "$work/$sink.raw" || fail "the press was not heard on $sink"
+done
+
+# The program closes as from its window's own button, and saves.
+xdotool key --window "$window" alt+F4
+for _ in $(seq 100); do
+    kill -0 $program 2>/dev/null || break
+    sleep 0.1
+done
+kill -0 $program 2>/dev/null && fail "the program did not close"
+wait $program
+status=$?
+[ $status -eq 0 ] || fail "the program ended with status $status"
+grep -q '^\[Settings\]' "$work/home/zv.ini" || fail "the settings were not kept"
+echo "press_is_heard: a press was heard on both outputs, a second one stopped it"

@@ -1,0 +1,66 @@
+#!/usr/bin/env python3
+"""The tone of the end-to-end test: written, looked for in a recording, and where its button stands."""
+import array
+import math
+import os
+import struct
+import sys
+
+RATE = 44100
+HERTZ = 700
+LEVEL = 0.5
+SECONDS = 20
+
+
+def write(path):
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    samples = array.array("h")
+    for i in range(RATE * SECONDS):
+        value = round(LEVEL * 32767 * math.sin(2 * math.pi * HERTZ * i / RATE))
+        samples.extend((value, value))
+    data = samples.tobytes()
+    with open(path, "wb") as file:
+        file.write(b"RIFF" + struct.pack("<I", 36 + len(data)) + b"WAVEfmt " +
+                   struct.pack("<IHHIIHH", 16, 1, 2, RATE, RATE * 4, 4, 16) + b"data" + struct.pack("<I", len(data)) + data)
+
+
+def amplitude(left, start, count):
+    """Level of the tone in a stretch, by correlation."""
+    a = sum(left[start + i] * math.cos(2 * math.pi * HERTZ * i / RATE) for i in range(count))
+    b = sum(left[start + i] * math.sin(2 * math.pi * HERTZ * i / RATE) for i in range(count))
+    return 2 * math.hypot(a, b) / count
+
+
+def find(path):
+    """The tone sounds for about 1.2 s at its own level, without a gap, with silence before and after."""
+    samples = array.array("f")
+    with open(path, "rb") as file:
+        raw = file.read()
+    samples.frombytes(raw[:len(raw) // 8 * 8])
+    left = samples[0::2]
+    block = RATE // 100 * 2  # 20 ms: whole periods of the tone
+    levels = [amplitude(left, i, block) for i in range(0, len(left) - block, block)]
+    loud = [i for i, level in enumerate(levels) if level > 0.9 * LEVEL]
+    if not loud:
+        print(f"{path}: loudest {max(levels, default=0):.4f}, wanted {LEVEL}", file=sys.stderr)
+        return 1
+    first, last = loud[0], loud[-1]
+    gaps = [i for i in range(first, last) if abs(levels[i] - LEVEL) > 0.01 * LEVEL]
+    seconds = (last - first + 1) * block / RATE
+    silent = max(levels[last + 3:], default=0) < 0.001 and first > 0
+    print(f"{os.path.basename(path)}: {seconds:.2f} s of tone, {len(gaps)} gaps, silence around: {silent}")
+    return 0 if not gaps and 0.8 < seconds < 2.5 and silent else 1
+
+
+def button(width, height):
+    """A place inside the first button of the grid of 6 x 5: at the left, under the control strip."""
+    print(int(width * 0.08), int(height * 0.28))
+
+
+if __name__ == "__main__":
+    if sys.argv[1] == "write":
+        write(sys.argv[2])
+    elif sys.argv[1] == "find":
+        sys.exit(find(sys.argv[2]))
+    else:
+        button(int(sys.argv[2]), int(sys.argv[3]))

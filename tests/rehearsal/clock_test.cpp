@@ -1,0 +1,72 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/clock.h"
+#include "platform/rehearsal/virtual_clock.h"
+#include "platform/timers.h"
+
+namespace zv {
+namespace {
+
+struct Listener : SoundClient {
+    std::vector<std::int64_t> calls;  ///< ms at which a period was asked for
+    void render(std::span<float>) override { calls.push_back(monotonicMs()); }
+    void heard(std::span<const float>) override {}
+    void deviceLost() override {}
+    void deviceBack() override {}
+};
+
+TEST(VirtualClock, FiresAtTheDueTimeThenInTheOrderOfDeclaration) {
+    VirtualClock& clock = VirtualClock::instance();
+    clock.alignToPeriod();
+    const std::int64_t start = monotonicMs();
+    std::string log;
+    const auto note = [&](const char* name) {
+        log += std::string(name) + "@" + std::to_string(monotonicMs() - start) + " ";
+    };
+    Timer slow("testSlow", 30, [&] { note("slow"); });
+    Timer fast("testFast", 15, [&] { note("fast"); });
+    slow.start();
+    fast.start();
+    clock.advanceTo(start + 60);
+    EXPECT_EQ(log, "fast@15 slow@30 fast@30 fast@45 slow@60 fast@60 ");
+}
+
+TEST(VirtualClock, AWaitHoldsTimersBackButNotTheSound) {
+    VirtualClock& clock = VirtualClock::instance();
+    const auto devices = makeOfflineDevices();
+    clock.drive(devices);
+    clock.alignToPeriod();
+    const std::int64_t start = monotonicMs();
+    Listener listener;
+    const auto device = devices->openOutput("", kClockRate, listener);
+    int fired = 0;
+    Timer tick("testTick", 10, [&] { ++fired; });
+    tick.start();
+    sleepMs(100);
+    EXPECT_EQ(fired, 0);
+    EXPECT_EQ(listener.calls.size(), 10U);
+    clock.advanceTo(start + 120);
+    EXPECT_EQ(fired, 2) << "one that is late fires once, then at its pace";
+    clock.drive(nullptr);
+}
+
+TEST(VirtualClock, WallTimeRunsOverMidnightAndMonths) {
+    VirtualClock& clock = VirtualClock::instance();
+    ASSERT_TRUE(clock.setWallTime("2028-02-28 23:59:58"));
+    clock.advanceTo(monotonicMs() + 2500);
+    WallTime t = wallTime();
+    EXPECT_EQ(t.day, 29);
+    EXPECT_EQ(t.weekday, 2);
+    EXPECT_EQ(t.hour * 3600 + t.minute * 60 + t.second, 0);
+    EXPECT_EQ(t.millisecond, 500);
+    ASSERT_TRUE(clock.setWallTime("10:59:50"));
+    t = wallTime();
+    EXPECT_EQ(t.day, 29) << "a time without a date is one of today";
+    EXPECT_EQ(t.minute, 59);
+}
+
+}  // namespace
+}  // namespace zv

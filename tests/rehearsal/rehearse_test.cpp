@@ -1,0 +1,98 @@
+// The rehearsal itself: its statuses, its messages, and that it is the same each time.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "show.h"
+
+namespace zv::test {
+namespace {
+
+TEST(Rehearse, TellsAFailedExpectationWithItsLineAndABadScriptBeforeAnythingIsDone) {
+    Show show;
+    EXPECT_EQ(show.perform("at 0 expect btStop.caption STOP\nat 10 expect lstPal.items nothing\nat 20 end\n"),
+              1);
+    EXPECT_NE(show.messages().find("script.txt:2: at 10: expect lstPal.items nothing: it is \"\""),
+              std::string::npos)
+        << show.messages();
+    EXPECT_EQ(show.perform("at 0 click btNowhere\nat 20 end\n"), 1);
+    EXPECT_NE(show.messages().find("there is no control btNowhere"), std::string::npos) << show.messages();
+    EXPECT_EQ(show.perform("at 0 click\nat 20 press 400\nat 30 end\n"), 2);
+    EXPECT_NE(show.messages().find("script.txt:1: "), std::string::npos) << show.messages();
+    EXPECT_NE(show.messages().find("script.txt:2: "), std::string::npos) << show.messages();
+    EXPECT_EQ(show.perform("at 0 end\n", "--faster"), 2);
+    EXPECT_NE(show.messages().find("usage: rehearse"), std::string::npos) << show.messages();
+}
+
+TEST(Rehearse, AnswersBoxesAndMenusAsPrepared) {
+    Show show;
+    show.tone("tone.wav", 1);
+    show.write("palette.ini", "[Test]\r\nPath_0=Audio_Sample\\tone.wav\r\n");
+    const int status = show.perform(
+        "at 100 rclick b_Jingle(0)\n"
+        "at 150 expect J(0).Loop 0\n"
+        "at 200 menu mnuLoop\n"
+        "at 250 expect J(0).Loop 1\n"
+        "at 300 rclick b_Jingle(0)\n"
+        "at 350 press 0\n"  // a click elsewhere closes the menu, and is done
+        "at 450 expect J(0).State 1\n"
+        "at 500 press 0\n"
+        "at 600 answer no\n"
+        "at 610 rclick b_Jingle(0)\n"
+        "at 620 menu mnuClr\n"
+        "at 650 expect J(0).Path Audio_Sample\\tone.wav\n"
+        "at 700 answer yes\n"
+        "at 710 rclick b_Jingle(0)\n"
+        "at 720 menu mnuClr\n"
+        "at 750 expect J(0).Path \"\"\n"
+        "at 800 end\n");
+    EXPECT_EQ(status, 0) << show.messages() << show.result("events.log");
+}
+
+TEST(Rehearse, GivesTheSameBytesEachTime) {
+    const std::string script =
+        "at 0 random 150 9\n"
+        "at 9000 shot window.png\n"
+        "at 9000 end\n";
+    const char* const files[] = {"main.wav", "aux.wav", "midi.log", "events.log", "state.json", "window.png"};
+    std::string first[std::size(files)];
+    for (int round = 0; round < 2; ++round) {
+        Show show;
+        const std::string data = std::string(ZV_SOURCE_DIR) + "/data";
+        for (const char* name : {"palette.ini", "HotJingles.ini"})
+            std::filesystem::copy(data + "/" + name, show.home() / name);
+        std::filesystem::copy(data + "/Audio_Sample", show.home() / "Audio_Sample",
+                              std::filesystem::copy_options::recursive);
+        ASSERT_EQ(show.perform(script), 0) << show.messages();
+        for (std::size_t i = 0; i < std::size(files); ++i) {
+            std::string text = show.result(files[i]);
+            EXPECT_TRUE(!text.empty() || std::string(files[i]) == "midi.log") << files[i];
+            // The folder has another name each time.
+            for (std::size_t at; (at = text.find(show.home().string())) != std::string::npos;)
+                text.replace(at, show.home().string().size(), "HOME");
+            if (round == 0)
+                first[i] = text;
+            else
+                EXPECT_TRUE(text == first[i]) << files[i] << " differs";
+        }
+        if (round == 1) {
+            EXPECT_GT(peak(show.heard(), 0, framesOf(9000)), 0.1F) << "chance has pressed something";
+        }
+    }
+}
+
+TEST(Rehearse, PerformsTheFirstShow) {
+    Show show;
+    const std::string data = std::string(ZV_SOURCE_DIR) + "/data";
+    std::filesystem::remove(show.home() / "zv.ini");
+    for (const char* name : {"palette.ini", "HotJingles.ini"})
+        std::filesystem::copy(data + "/" + name, show.home() / name);
+    std::filesystem::copy(data + "/Audio_Sample", show.home() / "Audio_Sample",
+                          std::filesystem::copy_options::recursive);
+    EXPECT_EQ(show.perform(contents(data + "/rehearsals/first-show.txt")), 0)
+        << show.messages() << show.result("events.log");
+}
+
+}  // namespace
+}  // namespace zv::test
