@@ -53,7 +53,7 @@ void placeParts(JingleButton& b) {
     place(b.JRemLev, kBarInset, barTop, b.JRemLev.visible ? b.JRemLev.width() : w - 2 * kBarInset, thickness);
     b.JRemLev.width = std::min(b.JRemLev.width(), w - 2 * kBarInset);
 
-    const int marksTop = bar == BarPlace::top ? kBarInset + thickness + 30 : 60;
+    const int marksTop = bar == BarPlace::top ? kBarInset + thickness : 60;
     const int number = b.b_Jingle.index;
     const int digits = number < 10 ? 1 : number < 100 ? 2 : 3;
     const bool numberRight = settings.JNumbPos == 2;

@@ -167,7 +167,8 @@ void DrawDisplay() {
     const int inner = width - 2 * margin;
     const int timeWidth = std::min(width < 4000 ? 2220 : 2800, inner / 2 / kTwipsPerPixel * kTwipsPerPixel);
     const int top = px(8);
-    place(d.lblDate, margin, top, inner - timeWidth, line);
+    // The time stands at the right of its field: the date may go on to where it begins.
+    place(d.lblDate, margin, top, std::max(inner - timeWidth, inner - px(78)), line);
     place(d.lblTime, margin + inner - timeWidth, top, timeWidth, line);
     d.lblTime.alignment = 1;
     place(d.lblDispMessage, margin, top, inner, line);
@@ -175,15 +176,26 @@ void DrawDisplay() {
     place(d.lblErr, width - margin - line, foot, line, line);
     place(d.txtDisPal, margin, foot, inner - line - px(8), line);
 
+    const auto gapOf = [](int height) { return px(std::max(2.0, height / px(1) * 0.08)); };
     const int digitsTop = top + line + px(4);
     const int digitsRoom = foot - digitsTop - px(4);
     const int big = std::max(px(24), std::min(px(80 * u), digitsRoom / kTwipsPerPixel * kTwipsPerPixel));
     const int digitsLine = digitsTop + std::max(0, (digitsRoom - big) / 2 / kTwipsPerPixel * kTwipsPerPixel);
-    const int bigWidth = px(big / px(1) * 0.44);
-    const int gap = px(std::max(3.0, big / px(1) * 0.13));
-    const int separator = px(std::max(5.0, big / px(1) * 0.15));
+    // A figure is drawn inside its field with some room at its sides.
     const int small = px(big / px(1) * 0.64);
-    const int smallWidth = px(small / px(1) * 0.5);
+    int bigWidth = px(big / px(1) * 0.57);
+    int smallWidth = px(small / px(1) * 0.57);
+    const int separator = px(std::max(5.0, big / px(1) * 0.16));
+    const int smallFigures = settings.DispCSec == 1 ? 2 : 1;
+    const int gaps = (6 + smallFigures) * gapOf(big);
+    const int wanted = 5 * bigWidth + smallFigures * smallWidth + 2 * separator + gaps;
+    if (wanted > inner) {
+        const double squeeze =
+            static_cast<double>(inner - gaps - 2 * separator) / (wanted - gaps - 2 * separator);
+        bigWidth = px(bigWidth / px(1) * squeeze);
+        smallWidth = px(smallWidth / px(1) * squeeze);
+    }
+    const int gap = gapOf(big);
     int right = width - margin;
     const auto fromRight = [&](Control& c, int w, int h) {
         right -= w;
@@ -211,6 +223,16 @@ void DrawDisplay() {
     }
 }
 
+namespace {
+
+/// Points of a key's text: it grows with the key and stays readable on a narrow one.
+double keyPoints(int width) {
+    constexpr double pointsPerPixel = 0.75;
+    return static_cast<int>(std::clamp(width / kTwipsPerPixel * 0.15, 10.5, 18.0) * pointsPerPixel * 2) / 2.0;
+}
+
+}  // namespace
+
 void DrawKeys() {
     KeyControls& k = frmMain().keys;
     const Stretch wide{0, k.fraKeys.width, 3, kKeyGap};
@@ -224,6 +246,11 @@ void DrawKeys() {
     }
     place(k.btStop, 0, rows.at(2), wide.at(1) + wide.size(1), rows.size(2));
     place(k.btExit, wide.at(2), rows.at(2), wide.size(2), rows.size(2));
+    const double points = keyPoints(wide.size(2));
+    for (Control* key : k.fraKeys.children()) {
+        key->fontSize = points;
+    }
+    k.btStop.fontSize = points + 1.5;
 }
 
 void DrawMeters() {
