@@ -14,8 +14,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What a new user finds: the sample palettes and the sounds they name.
-constexpr const char* kSeeds[] = {"palette.ini", "HotJingles.ini", "Audio_Sample", "Time_Announce.wav"};
+/// What a new user finds: the sample palettes, the sounds they name, and the settings that show them best.
+struct Seed {
+    const char* shipped;
+    const char* name;
+};
+constexpr Seed kSeeds[] = {{"palette.ini", "palette.ini"},
+                           {"HotJingles.ini", "HotJingles.ini"},
+                           {"Audio_Sample", "Audio_Sample"},
+                           {"Time_Announce.wav", "Time_Announce.wav"},
+                           {"first_start.ini", "zv.ini"}};
 
 std::string environment(const char* name) {
     const char* value = std::getenv(name);
@@ -50,10 +58,10 @@ bool explicitFolder(const CommandLine& commandLine) {
 }
 
 void seed(const fs::path& home, const fs::path& shipped) {
-    for (const char* name : kSeeds) {
+    for (const Seed& seed : kSeeds) {
         std::error_code error;
-        fs::copy(shipped / name, home / name, fs::copy_options::recursive | fs::copy_options::skip_existing,
-                 error);
+        fs::copy(shipped / seed.shipped, home / seed.name,
+                 fs::copy_options::recursive | fs::copy_options::skip_existing, error);
     }
 }
 
