@@ -75,11 +75,8 @@ void Engine::freeEverything() {
     urls.clear();
     outputRegister.clear();
     inputRegister.clear();
-    SyncEvent event;
-    while (graph.syncEvents.pop(event)) {
-    }
+    graph.restart();
     selectedOutput() = selectedInput() = -1;
-    graph.outputGain.store(1);
     config[BASS_CONFIG_GVOL_STREAM] = 10000;
     config[BASS_CONFIG_BUFFER] = 500;
 }

@@ -36,6 +36,15 @@ void Graph::release() {
     busy_.store(false, std::memory_order_release);
 }
 
+void Graph::restart() {
+    for (Output& output : outputs_) output.gain.set(1);
+    outputGain.store(1, std::memory_order_relaxed);
+    starvations.store(0, std::memory_order_relaxed);
+    SyncEvent event;
+    while (syncEvents.pop(event)) {
+    }
+}
+
 void Graph::applyCommands() {
     Command command;
     while (commands.pop(command)) apply(command);
@@ -46,7 +55,10 @@ void Graph::renderBlock(std::uint32_t frames) {
     ++block_;
     const float wanted = outputGain.load(std::memory_order_relaxed);
     for (Output& output : outputs_) {
-        if (!output.first) continue;
+        if (!output.first) {
+            output.gain.set(wanted);
+            continue;
+        }
         std::fill_n(output.bus.begin(), std::size_t{frames} * 2, 0.0F);
         mixInputs(output.first, output.bus.data(), frames);
         if (!output.gain.active() && output.gain.value() != wanted)

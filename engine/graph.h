@@ -50,6 +50,9 @@ class Graph {
     void acquire();
     void release();
 
+    /// Forgets gains, counters and events. While nothing renders. [control]
+    void restart();
+
     // ---- by the holder of that right
     void applyCommands();
     /// Computes `frames` (kBlock at most) for every output.

@@ -1,0 +1,247 @@
+// What goes out does not depend on how it is asked for: periods, outputs, clocks, readers.
+#include <algorithm>
+#include <random>
+
+#include "tests/engine/show.h"
+
+namespace zv::test {
+namespace {
+
+using Rendering = Show;
+
+TEST_F(Rendering, TheSoundIsTheSameForAllPeriods) {
+    // Orders come at moments that are period boundaries for all: 32 * 64 * 441 * 997 is far, so at 0.
+    std::vector<float> reference;
+    for (const std::uint32_t period : {441U, 1U, 32U, 64U, 512U, 997U}) {
+        SCOPED_TRACE(period);
+        begin({.period = period});
+        decoders->sounds["48k"] = {.format = {48000, 2, 16}, .length = 96000, .sample = [](auto f, auto c) {
+                                       return sine(f, c == 0 ? 440 : 660, 48000, 0.4);
+                                   }};
+        decoders->sounds["mono"] = {.format = {22050, 1, 16}, .length = 44100, .sample = [](auto f, auto) {
+                                        return sine(f, 300, 22050, 0.4);
+                                    }};
+        const Topology studio;
+        const DWORD plain = studio.jingle(file("sine"));
+        const DWORD looped = file("48k");
+        const DWORD converted = studio.jingle(looped);
+        const DWORD mono = studio.jingle(file("mono"));
+        BASS_ChannelFlags(looped, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
+        BASS_ChannelSetPosition(looped, 5000 * 4, BASS_POS_END);
+        const HFX eq = BASS_ChannelSetFX(converted, BASS_FX_BFX_PEAKEQ, 5);
+        const BASS_BFX_PEAKEQ band{0, 2.5F, 0, 1000, 9, BASS_BFX_CHANALL};
+        BASS_FXSetParameters(eq, &band);
+        const HFX reverb = BASS_ChannelSetFX(mono, BASS_FX_DX8_REVERB, 10);
+        const BASS_DX8_REVERB room{0, -12, 400, 0.5F};
+        BASS_FXSetParameters(reverb, &room);
+        BASS_ChannelSetAttribute(mono, BASS_ATTRIB_TAIL, 0.4F);
+        for (const DWORD channel : {plain, converted, mono}) {
+            BASS_ChannelSetAttribute(channel, BASS_ATTRIB_VOL, 0);
+            press(channel);
+        }
+        BASS_ChannelSlideAttribute(converted, BASS_ATTRIB_VOL | BASS_SLIDE_LOG, 0.1F, 333);
+        BASS_ChannelSlideAttribute(converted, BASS_ATTRIB_VOLDSP, 0.7F, 211);
+        BASS_ChannelSlideAttribute(plain, BASS_ATTRIB_VOL, -1, 456);
+        BASS_ChannelSlideAttribute(studio.mainSplit[0], BASS_ATTRIB_VOLDSP, 0.25F, 123);
+        pull(period == 1 ? 22050 : 66150);
+        std::vector<float> sound = take();
+        if (reference.empty()) {
+            reference = std::move(sound);
+            continue;
+        }
+        std::size_t same = 0;
+        while (same < sound.size() && sound[same] == reference[same]) ++same;
+        EXPECT_EQ(same, sound.size()) << sound[same] << " instead of " << reference[same];
+    }
+    EXPECT_GT(*std::ranges::max_element(reference), 0.3F);
+}
+
+TEST_F(Rendering, EverySplitOfASourceIsItToTheBit) {
+    const DWORD source = file("ramp", BASS_STREAM_DECODE | BASS_SAMPLE_FLOAT);
+    const DWORD a = BASS_Split_StreamCreate(source, BASS_STREAM_DECODE | BASS_SAMPLE_FLOAT, nullptr);
+    const DWORD b = BASS_Split_StreamCreate(source, BASS_STREAM_DECODE | BASS_SAMPLE_FLOAT, nullptr);
+    const auto read = [](DWORD channel, std::size_t frames) {
+        std::vector<float> out(frames * 2);
+        const DWORD got = BASS_ChannelGetData(channel, out.data(), static_cast<DWORD>(out.size() * 4));
+        out.resize(got / 4);
+        return out;
+    };
+    std::mt19937 random(7);
+    std::uint64_t atA = 0, atB = 0;
+    for (int turn = 0; turn < 200; ++turn) {
+        const std::size_t n = 1 + random() % 900;
+        std::uint64_t& at = turn % 2 == 0 ? atA : atB;
+        const std::vector<float> part = read(turn % 2 == 0 ? a : b, n);
+        ASSERT_EQ(part.size(), n * 2);
+        for (std::size_t f = 0; f < n; ++f, ++at) ASSERT_EQ(part[f * 2 + 1], ramp(at, 1));
+    }
+    EXPECT_EQ(BASS_ChannelGetPosition(a, BASS_POS_BYTE), atA * 8);
+}
+
+TEST_F(Rendering, BusesHaveTheirOwnGainsAndTheSourceIsComputedOnce) {
+    const Topology studio;
+    int reads = 0;
+    decoders->sounds["counted"] = {.length = 441000, .sample = [&reads](std::uint64_t, std::uint32_t) {
+                                       ++reads;
+                                       return 0.5F;
+                                   }};
+    const DWORD jingle = studio.jingle(file("counted"));
+    BASS_ChannelPlay(jingle, false);
+    BASS_ChannelSlideAttribute(studio.mainSplit[0], BASS_ATTRIB_VOLDSP, 0.5F, 0);
+    BASS_ChannelSlideAttribute(studio.outMixer[1], BASS_ATTRIB_VOLDSP, 0.25F, 0);
+    pull(44100);
+    EXPECT_EQ(take().back(), 0.25F);
+    EXPECT_EQ(take(kAuxName).back(), 0.125F);
+    // What stays within reach of a second of sound was decoded once, however many listen.
+    EXPECT_LT(reads, 3 * 88200);
+    EXPECT_EQ(BASS_ChannelGetPosition(jingle, BASS_POS_BYTE), 44100U * 4);
+}
+
+TEST_F(Rendering, OneOutputGoesAndTheOtherDoesNotNotice) {
+    const Topology studio;
+    const DWORD jingle = studio.jingle(file("ramp"));
+    pull(4410);
+    take();
+    take(kAuxName);
+    BASS_ChannelPlay(jingle, false);
+    pull(4410);
+    // The main output drives; it goes, another takes over within a period, and nothing hangs.
+    devices->unplug(kMainName);
+    pull(8820);
+    const std::vector<float> aux = take(kAuxName);
+    const double heard = frameOf(aux.back() - 0.5F / 16777216.0F);
+    EXPECT_NEAR(heard, 4410 + 8820, 1000);
+    EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_PLAYING);
+    devices->plug(kMainName);
+    pull(4410);
+    const std::vector<float> main = take();
+    EXPECT_NEAR(frameOf(main.back() - 0.5F / 16777216.0F), 4410 * 4, 1000);
+    // Both gone: the no-sound device keeps time.
+    const QWORD before = BASS_ChannelGetPosition(jingle, BASS_POS_BYTE);
+    devices->unplug(kMainName);
+    devices->unplug(kAuxName);
+    pull(44100);
+    EXPECT_NEAR(static_cast<double>(BASS_ChannelGetPosition(jingle, BASS_POS_BYTE) - before), 44100.0 * 4,
+                4000);
+}
+
+TEST_F(Rendering, WithoutAnAuxiliaryDeviceItsBranchStaysInStep) {
+    const Topology studio(44100, false);
+    const DWORD jingle = studio.jingle(file("sine"));
+    BASS_ChannelPlay(jingle, false);
+    pull(44100);
+    take();
+    BASS_Init(kAux, 44100, 0, nullptr, nullptr);
+    BASS_SetDevice(kAux);
+    const DWORD late = BASS_Split_StreamCreate(studio.outMixer[1], 0, nullptr);
+    BASS_ChannelStart(late);
+    pull(44100);
+    EXPECT_EQ(take(), take(kAuxName));
+}
+
+TEST_F(Rendering, OutputsOfAnotherRateAreConverted) {
+    begin({});
+    ASSERT_TRUE(BASS_Init(0, 96000, 0, nullptr, nullptr));  // the graph runs at this rate
+    ASSERT_TRUE(BASS_Init(kMain, 44100, 0, nullptr, nullptr));
+    const DWORD play = BASS_FX_TempoCreate(file("sine"), BASS_FX_FREESOURCE);
+    BASS_ChannelPlay(play, false);
+    pull(44100);
+    const std::vector<float> sound = take();
+    double worst = 0;
+    for (std::size_t f = 2000; f < 40000; ++f)
+        worst = std::max(worst, std::abs(static_cast<double>(sound[f * 2] - sine(f, 1000, 44100, 0.5))));
+    // Up and down again: both conversions are transparent.
+    EXPECT_LT(worst, 1e-3);
+}
+
+/// Two outputs whose clocks differ. A ramp of phase shows every gap and every change of pitch.
+class Drift : public Show, public testing::WithParamInterface<std::pair<double, double>> {};
+
+TEST_P(Drift, TheAuxiliaryFollowsWithoutGapOrLag) {
+    constexpr double hz = 100, rate = 44100;
+    decoders->sounds["long"] = {
+        .length = std::uint64_t{44100} * 60,
+        .sample = [](std::uint64_t f, std::uint32_t) { return sine(f % 441, hz, rate, 0.5); }};
+    devices->setClockError(kMainName, GetParam().first);
+    devices->setClockError(kAuxName, GetParam().second);
+    const Topology studio;
+    const DWORD source = file("long");
+    const DWORD jingle = studio.jingle(source);
+    BASS_ChannelFlags(source, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
+    BASS_ChannelPlay(jingle, false);
+    pull(44100);
+    take();
+    take(kAuxName);
+    constexpr int seconds = 240;
+    std::uint64_t expectedFrame = 0;
+    double lastPhase = 0;
+    bool first = true;
+    for (int second = 0; second < seconds; ++second) {
+        pull(44100);
+        // The main output is the file itself, to the bit, whatever the clocks do.
+        const std::vector<float> main = take();
+        if (first) {
+            while (expectedFrame < 441 && main[200] != sine((expectedFrame + 100) % 441, hz, rate, 0.5))
+                ++expectedFrame;
+            ASSERT_LT(expectedFrame, 441U);
+        }
+        for (std::size_t f = 0; f < main.size() / 2; ++f)
+            if (!first || f > 100) {
+                ASSERT_EQ(main[f * 2], sine((expectedFrame + f) % 441, hz, rate, 0.5)) << second << " " << f;
+            }
+        expectedFrame += main.size() / 2;
+
+        // The auxiliary: a sine without a corner, of the right frequency by its own clock.
+        const std::vector<float> aux = take(kAuxName);
+        const std::size_t n = aux.size() / 2 / 441 * 441;
+        for (std::size_t f = 2; f < aux.size() / 2; ++f) {
+            const double bend = aux[f * 2] - 2.0 * aux[(f - 1) * 2] + aux[(f - 2) * 2];
+            ASSERT_LT(std::abs(bend), 2e-4) << "a gap at " << second << " s, frame " << f;
+        }
+        double re = 0, im = 0;
+        for (std::size_t f = 0; f < n; ++f) {
+            const double angle = 2 * std::numbers::pi * hz * static_cast<double>(f) / rate;
+            re += aux[f * 2] * std::cos(angle);
+            im += aux[f * 2] * std::sin(angle);
+        }
+        ASSERT_GT(std::hypot(re, im) / static_cast<double>(n) * 2, 0.49);
+        double phase = std::atan2(re, im);
+        // Phases of two seconds compare over the frames that lay between their beginnings.
+        const double span = static_cast<double>(aux.size() / 2) / rate;
+        if (!first) {
+            const double turned = std::remainder(phase - lastPhase, 2 * std::numbers::pi);
+            EXPECT_LT(std::abs(turned) / (2 * std::numbers::pi * hz * span), 0.0005) << second;
+        }
+        lastPhase = phase + 2 * std::numbers::pi * hz * span;
+        first = false;
+    }
+    EXPECT_EQ(engineControl()->statistics(kAux).starvations, 0U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Clocks, Drift,
+                         testing::Values(std::pair{200.0, 0.0}, std::pair{-200.0, 0.0},
+                                         std::pair{100.0, -100.0}, std::pair{0.0, 0.0}));
+
+TEST_F(Rendering, TheLagBetweenTwoClocksStaysShort) {
+    // The marks of a clock that counts frames show how far the auxiliary is behind.
+    decoders->sounds["count"] = {.length = 40000, .sample = ramp};
+    devices->setClockError(kAuxName, -200);
+    const Topology studio;
+    const DWORD source = file("count");
+    const DWORD jingle = studio.jingle(source);
+    BASS_ChannelFlags(source, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
+    BASS_ChannelPlay(jingle, false);
+    pull(88200);
+    double worst = 0;
+    for (int second = 0; second < 400; ++second) {
+        pull(44100);
+        const std::vector<float> main = take(), aux = take(kAuxName);
+        const double behind = frameOf(main[main.size() - 2]) - frameOf(aux[aux.size() - 2]);
+        if (std::abs(behind) < 20000) worst = std::max(worst, std::abs(behind));
+    }
+    EXPECT_LT(worst, 4410);
+    EXPECT_GT(worst, 100);
+}
+
+}  // namespace
+}  // namespace zv::test
