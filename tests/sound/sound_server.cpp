@@ -1,0 +1,79 @@
+#include "tests/sound/sound_server.h"
+
+#include <csignal>
+#include <cstring>
+#include <fstream>
+
+namespace zv::test {
+namespace {
+
+// Without norewinds recordings come back rendered anew, and the first client stalls.
+std::string nullSink(const std::string& name, const std::string& description, int rate) {
+    return "module-null-sink sink_name=" + name + " rate=" + std::to_string(rate) +
+           " format=float32le norewinds=1 sink_properties=device.description=" + description;
+}
+
+}  // namespace
+
+std::vector<std::pair<std::string, std::string>> SoundServer::environment() const {
+    const std::string home = folder_.path().string();
+    return {
+        {"HOME", home}, {"XDG_RUNTIME_DIR", home}, {"PULSE_SERVER", address()}, {"PULSE_RUNTIME_PATH", home}};
+}
+
+void SoundServer::start() {
+    server_ = Process(
+        {"pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--disallow-exit", "--use-pid-file=no",
+         "--load=module-native-protocol-unix auth-anonymous=1 socket=" + (folder_ / "native"),
+         "--load=" + nullSink("out1", "OutOne", 44'100), "--load=" + nullSink("out2", "OutTwo", 44'100),
+         "--load=" + nullSink("micfeed", "MicFeed", 44'100),
+         "--load=module-remap-source master=micfeed.monitor source_name=mic1 "
+         "source_properties=device.description=MicOne"},
+        environment());
+    within(5, [&] { return answers(); });
+}
+
+void SoundServer::freeze(bool frozen) const { server_.signal(frozen ? SIGSTOP : SIGCONT); }
+
+int SoundServer::pactl(const std::string& arguments) const {
+    return run("PULSE_SERVER=" + address() + " timeout 5 pactl " + arguments + " >/dev/null 2>&1");
+}
+
+bool SoundServer::answers() const { return pactl("info") == 0; }
+
+void SoundServer::plugOutput(const std::string& name, const std::string& description, int rate) {
+    pactl("load-module " + nullSink(name, description, rate));
+}
+
+void SoundServer::unplugOutput(const std::string& name) {
+    run("PULSE_SERVER=" + address() + " sh -c 'pactl list short modules | grep sink_name=" + name +
+        " | cut -f1 | xargs -r -n1 pactl unload-module'");
+}
+
+SoundServer::Recording::Recording(const SoundServer& server, const std::string& output)
+    : file_(server.folder_ / (output + ".raw")),
+      recorder_({"parec", "-d", output + ".monitor", "--format=float32le", "--rate=44100", "--channels=2",
+                 "--raw", "--latency-msec=10"},
+                server.environment(), file_) {
+    within(3, [&] { return frames() > 0; });
+}
+
+std::size_t SoundServer::Recording::frames() const {
+    std::error_code none;
+    const auto bytes = std::filesystem::file_size(file_, none);
+    return none ? 0 : bytes / (2 * sizeof(float));
+}
+
+std::vector<float> SoundServer::Recording::stop() {
+    recorder_.end();
+    const auto bytes = readBytes(file_);
+    std::vector<float> sound(bytes.size() / sizeof(float));
+    std::memcpy(sound.data(), bytes.data(), sound.size() * sizeof(float));
+    return sound;
+}
+
+Process SoundServer::feedMicrophone(const std::string& wav) const {
+    return Process({"paplay", "-d", "micfeed", "--latency-msec=20", wav}, environment());
+}
+
+}  // namespace zv::test

@@ -1,0 +1,66 @@
+/// A PulseAudio server of the test's own: two outputs, and a microphone that hears what is sent to "micfeed".
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tests/sound/process.h"
+#include "tests/sound/workshop.h"
+
+namespace zv::test {
+
+class SoundServer {
+  public:
+    SoundServer() { start(); }
+
+    /// What a client calls the server.
+    std::string address() const { return "unix:" + (folder_ / "native"); }
+    bool answers() const;
+    void start();
+    void stop() { server_.end(); }
+    /// Stops the server's program in its tracks, or lets it go on.
+    void freeze(bool frozen) const;
+
+    void plugOutput(const std::string& name, const std::string& description, int rate = 44'100);
+    void unplugOutput(const std::string& name);
+    int pactl(const std::string& arguments) const;
+
+    /// Records what output `name` sends until the recording is stopped. 44.1 kHz stereo float.
+    class Recording {
+      public:
+        Recording(const SoundServer& server, const std::string& output);
+        std::vector<float> stop();
+        std::size_t frames() const;
+
+      private:
+        std::string file_;
+        Process recorder_;
+    };
+    /// Plays a WAV into the microphone.
+    Process feedMicrophone(const std::string& wav) const;
+
+  private:
+    std::vector<std::pair<std::string, std::string>> environment() const;
+
+    Folder folder_;
+    Process server_;
+};
+
+/// Waits until `holds` does, at most `seconds`.
+template <class Condition>
+bool within(double seconds, Condition holds);
+
+}  // namespace zv::test
+
+#include <chrono>
+#include <thread>
+
+template <class Condition>
+bool zv::test::within(double seconds, Condition holds) {
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    while (!holds()) {
+        if (std::chrono::steady_clock::now() > limit) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
