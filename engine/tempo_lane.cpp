@@ -8,6 +8,7 @@ namespace {
 
 constexpr std::size_t kChunk = 512;  // source frames handed over at a time
 constexpr std::uint64_t kTransposerFrames = 128;
+constexpr double kMostLagSeconds = 0.008;
 constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
 
 bool loops(const PlayRange& range) {
@@ -76,6 +77,10 @@ void TempoLane::begin(std::uint64_t start, const PlayRange& where, bool settled)
     lead_ = transposes ? std::min<std::uint64_t>(start, kTransposerFrames) : 0;
     skip_ = static_cast<std::size_t>(std::llround(static_cast<double>(lead_) / speed_));
     nextSource_ = start - lead_;
+    // Where nothing sounded before, counting stays near to what speed and time say, however far apart the
+    // sequences.
+    const double most = kMostLagSeconds * rate_;
+    if (!settled) lag_ = std::clamp(lag_, -most, most);
     least_ = settled ? -std::min(lag_, static_cast<double>(start)) : 0;
     fed_ = 0;
     wrapped_ = flushed_ = false;
