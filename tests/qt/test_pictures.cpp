@@ -156,18 +156,19 @@ TEST(Caption, IsTakenApartAndSetInTheRoomThereIs) {
         const char* duration;
         const char* name;
     };
-    for (const Case& c : {Case{"News", "", "News"}, Case{"1:04.2\r\nNews", "1:04.2", "News"},
-                          Case{"3,4\nTop 40", "3,4", "Top 40"},
-                          Case{"News\r\nNot found", "", "News\nNot found"}, Case{"", "", ""}}) {
+    for (const Case& c :
+         {Case{"News", "", "News"}, Case{"1:04.2\r\nNews", "1:04.2", "News"},
+          Case{"3,4\nTop 40", "3,4", "Top 40"}, Case{"News\r\nNot found", "", "News\nNot found"},
+          Case{"[3.4]\r\nNews", "[3.4]", "News"}, Case{"Top 40\na\nb", "", "Top 40\na\nb"},
+          Case{"", "", ""}}) {
         const CaptionParts parts = splitCaption(c.text);
         EXPECT_EQ(parts.duration, c.duration) << c.text;
         EXPECT_EQ(parts.name, c.name) << c.text;
     }
     const QFont font = textFont(15, QFont::DemiBold);
     const QRectF room(0, 0, 180, 72);
-    const auto set = [&](const char* name, double corner = 15) {
-        return layOutCaption(name, font, room, corner);
-    };
+    const std::vector<QRectF> corners{QRectF(0, 0, 16, 12), QRectF(130, 57, 50, 14)};
+    const auto set = [&](const char* name) { return layOutCaption(name, font, room, corners); };
     EXPECT_EQ(set("News Sting").lines.size(), 1);
     const CaptionLayout two = set("The Long Morning Show Opener");
     EXPECT_EQ(two.lines.size(), 2);

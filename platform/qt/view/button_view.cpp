@@ -16,7 +16,8 @@
 namespace zv::shell {
 namespace {
 
-constexpr double kKeySize = 13;
+constexpr double kKeySize = 13;  ///< of a key's text; more on high keys
+constexpr double kHighKeySize = 17;
 
 QColor faceOf(const Control& record, const Theme& theme) {
     return isNeutral(record, record.backColor) ? theme.face : colourOf(record.backColor, theme.face);
@@ -50,6 +51,8 @@ class KeyWidget final : public QPushButton, public RecordView {
         setPalette(p);
         update();
     }
+
+    QString fallbackTip() const override { return cut_ ? captionOf(record.caption) : QString(); }
 
   protected:
     void paintEvent(QPaintEvent*) override {
@@ -99,12 +102,19 @@ class KeyWidget final : public QPushButton, public RecordView {
             p.drawText(rect(), Qt::AlignCenter, text);
             return;
         }
-        const CaptionLayout set = layOutCaption(text.trimmed(), fontOf(record, kKeySize, weight), room, 0);
-        if (set.cut && toolTip().isEmpty()) setToolTip(text);
+        const CaptionLayout set =
+            layOutCaption(text.trimmed(),
+                          fontOf(record, std::clamp(height() * 0.22, kKeySize, kHighKeySize), weight), room);
+        if (set.cut != cut_) {
+            cut_ = set.cut;
+            setToolTip(record.toolTip().empty() ? fallbackTip() : textOf(record.toolTip));
+        }
         p.setFont(set.font);
         for (qsizetype i = 0; i < set.lines.size(); ++i)
             p.drawText(set.starts[static_cast<std::size_t>(i)], set.lines[i]);
     }
+
+    bool cut_ = false;
 };
 
 /// A check box or an option.

@@ -1,7 +1,6 @@
 #include "platform/qt/view/jingle_text.h"
 
 #include <QFontMetricsF>
-#include <QRegularExpression>
 #include <QTextLayout>
 #include <algorithm>
 #include <array>
@@ -54,70 +53,158 @@ CaptionParts splitCaption(const QString& caption) {
     QString text = caption;
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
-    static const QRegularExpression duration(QStringLiteral("^\\s*[0-9][0-9:.,]*\\s*$"));
+    // Two lines, the first with a figure, are duration and name; what failed to open tells more or less than
+    // that.
     const qsizetype end = text.indexOf(QLatin1Char('\n'));
-    if (end > 0 && duration.match(text.left(end)).hasMatch()) {
-        return {text.left(end).trimmed(), text.mid(end + 1).trimmed()};
+    if (end > 0 && end == text.lastIndexOf(QLatin1Char('\n'))) {
+        const QString first = text.left(end).trimmed();
+        if (std::any_of(first.begin(), first.end(), [](QChar c) { return c.isDigit(); })) {
+            return {first, text.mid(end + 1).trimmed()};
+        }
     }
     return {{}, text.trimmed()};
 }
 
-CaptionLayout layOutCaption(const QString& name, const QFont& font, const QRectF& room, double corner) {
-    CaptionLayout made;
-    made.font = font;
-    if (name.isEmpty() || room.width() < 8) return made;
-    const double size = font.pixelSize();
-    struct Try {
-        double scale;
-        int lines;
-        bool mayTear;
-    };
-    // The user's size first, then two lines in it, then down to three quarters of it; a word is torn only at
-    // last.
-    static constexpr std::array kTries{Try{1, 1, false},    Try{1, 2, false},    Try{0.9, 1, false},
-                                       Try{0.87, 2, false}, Try{0.75, 1, false}, Try{0.75, 2, false},
-                                       Try{1, 2, true},     Try{0.75, 2, true}};
-    for (const Try& t : kTries) {
-        QFont f = font;
-        f.setPixelSize(std::max(8, static_cast<int>(std::lround(size * t.scale))));
-        const double line = QFontMetricsF(f).height();
-        if (t.lines == 2 && line * 2 + corner > room.height()) continue;
-        bool torn = false;
-        QStringList lines = broken(name, f, room.width(), &torn);
-        if (lines.size() > t.lines || (torn && !t.mayTear)) continue;
-        if (t.lines == 2 && !torn) lines = balanced(name, f, room.width());
-        made.font = f;
-        made.lines = lines;
-        break;
-    }
-    const auto elided = [&](const QString& text) {
-        return QFontMetricsF(made.font).elidedText(text, Qt::ElideRight, room.width());
-    };
-    if (made.lines.isEmpty()) {
-        made.cut = true;
-        made.font.setPixelSize(std::max(8, static_cast<int>(std::lround(size * 0.87))));
-        const QFontMetricsF m(made.font);
-        const QStringList lines = broken(name, made.font, room.width());
-        if (lines.size() > 1 && m.height() * 2 + corner <= room.height()) {
-            // The second line takes all the rest, so that the ellipsis stands where the room ends.
-            QString rest = name.simplified().mid(lines[0].size()).trimmed();
-            made.lines = {lines[0], elided(rest)};
-        } else {
-            made.lines = {elided(name.simplified())};
+namespace {
+
+/// One way to set a name: how large, in how many lines, and how far from the middle, as a share of the
+/// height.
+struct Way {
+    double scale;
+    int lines;
+    bool mayTear;  ///< words may be broken apart
+    bool beside;   ///< in what the corners leave free of one line, not in the middle of the room
+};
+
+/// The user's size first, then two lines in it, then down to three quarters; a word is torn only at last.
+constexpr std::array kWays{
+    Way{1, 1, false, false},    Way{1, 2, false, false},   Way{0.87, 1, false, false},
+    Way{0.87, 2, false, false}, Way{0.87, 1, false, true}, Way{0.75, 1, false, false},
+    Way{0.75, 2, false, false}, Way{0.75, 1, false, true}, Way{0.87, 2, true, false},
+    Way{0.75, 2, true, false},
+};
+constexpr std::array kShifts{0.0, -0.06, 0.06, -0.12};
+
+class Setter {
+  public:
+    Setter(const QString& name, const QFont& font, const QRectF& room, const std::vector<QRectF>& corners)
+        : name_(name), font_(font), room_(room), corners_(corners) {}
+
+    CaptionLayout set() {
+        for (const Way& way : kWays) {
+            if (tryWay(way)) return made_;
         }
+        return cutShort();
     }
-    const QFontMetricsF m(made.font);
-    const double line = m.height();
-    double top = room.center().y() - line * static_cast<double>(made.lines.size()) / 2;
-    for (const QString& text : made.lines) {
-        const double w = m.horizontalAdvance(text);
-        const QPointF start(std::round(room.center().x() - w / 2), std::round(top + m.ascent()));
-        made.starts.push_back(start);
-        made.box |= QRectF(start.x(), top, w, line);
-        top += line;
+
+  private:
+    QFont scaled(double scale) const {
+        QFont f = font_;
+        f.setPixelSize(std::max(8, static_cast<int>(std::lround(font_.pixelSize() * scale))));
+        return f;
     }
-    made.box.adjust(-2, -2, 2, 2);
-    return made;
+
+    bool tryWay(const Way& way) {
+        const QFont f = scaled(way.scale);
+        const double line = QFontMetricsF(f).height();
+        if (line * way.lines > room_.height() + line * 0.3) return false;
+        const QRectF room = way.beside ? freeSpan(line) : room_;
+        bool torn = false;
+        QStringList lines = broken(name_, f, room.width(), &torn);
+        if (lines.isEmpty() || lines.size() > way.lines || (torn && !way.mayTear)) return false;
+        if (way.lines == 2 && !torn) lines = balanced(name_, f, room.width());
+        for (const double shift : kShifts) {
+            if (place(lines, f, room, shift * room_.height())) return true;
+        }
+        return false;
+    }
+
+    /// Sets the lines around the middle of the room; false when they touch a corner.
+    bool place(const QStringList& lines, const QFont& f, const QRectF& room, double shift) {
+        const QFontMetricsF m(f);
+        const double line = m.height();
+        CaptionLayout out;
+        out.font = f;
+        out.lines = lines;
+        double top = room.center().y() + shift - line * static_cast<double>(lines.size()) / 2;
+        for (const QString& text : lines) {
+            const double w = m.horizontalAdvance(text);
+            const QPointF start(std::round(room.center().x() - w / 2), std::round(top + m.ascent()));
+            // What is really inked: a line's height has air above and below.
+            const QRectF ink(start.x() - 2, top + line * 0.16, w + 4, line * 0.72);
+            if (ink.top() < room_.top() - 1 || ink.bottom() > room_.bottom() + 1) return false;
+            for (const QRectF& corner : corners_) {
+                if (corner.intersects(ink)) return false;
+            }
+            out.starts.push_back(start);
+            out.box |= QRectF(start.x(), top, w, line).adjusted(-2, -2, 2, 2);
+            top += line;
+        }
+        made_ = out;
+        return true;
+    }
+
+    /// What the corners leave of the room for one line in its middle.
+    QRectF freeSpan(double line) const {
+        QRectF span = room_;
+        const double top = room_.center().y() - line * 0.36, bottom = top + line * 0.72;
+        for (const QRectF& c : corners_) {
+            if (c.bottom() < top || c.top() > bottom) continue;
+            if (c.center().x() < room_.center().x()) {
+                span.setLeft(std::max(span.left(), c.right() + 4));
+            } else {
+                span.setRight(std::min(span.right(), c.left() - 4));
+            }
+        }
+        return span;
+    }
+
+    /// Too long for all ways: as much of it as there is room for, with an ellipsis.
+    CaptionLayout cutShort() {
+        for (const int count : {2, 1}) {
+            const QFont f = scaled(0.87);
+            const QFontMetricsF m(f);
+            const QRectF room = count == 2 ? room_ : freeSpan(m.height());
+            const QStringList all = broken(name_, f, room.width());
+            QStringList lines;
+            if (count == 2 && all.size() > 1) {
+                const QString rest = name_.simplified().mid(all[0].size()).trimmed();
+                lines = {all[0], m.elidedText(rest, Qt::ElideRight, room.width())};
+            } else if (count == 1) {
+                lines = {m.elidedText(name_.simplified(), Qt::ElideRight, std::max(0.0, room.width()))};
+            }
+            for (const double shift : kShifts) {
+                if (lines.isEmpty() || !place(lines, f, room, shift * room_.height())) continue;
+                made_.cut = true;
+                return made_;
+            }
+        }
+        // Not even that is free of the corners: the name goes before the small texts.
+        corners_.clear();
+        const QFont f = scaled(0.75);
+        place({QFontMetricsF(f).elidedText(name_.simplified(), Qt::ElideRight, room_.width())}, f, room_, 0);
+        made_.font = f;
+        made_.cut = true;
+        return made_;
+    }
+
+    QString name_;
+    QFont font_;
+    QRectF room_;
+    std::vector<QRectF> corners_;
+    CaptionLayout made_;
+};
+
+}  // namespace
+
+CaptionLayout layOutCaption(const QString& name, const QFont& font, const QRectF& room,
+                            const std::vector<QRectF>& corners) {
+    if (name.isEmpty() || room.width() < 8) {
+        CaptionLayout none;
+        none.font = font;
+        return none;
+    }
+    return Setter(name, font, room, corners).set();
 }
 
 }  // namespace zv::shell

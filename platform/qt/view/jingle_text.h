@@ -17,7 +17,7 @@ struct CaptionParts {
     QString duration;  ///< empty without one
     QString name;      ///< further lines joined by line feeds
 };
-/// "1:04.2 CR LF name" has a duration; other texts are all name.
+/// Of two lines "1:04.2 CR LF name" the first is the duration; other texts are all name.
 CaptionParts splitCaption(const QString& caption);
 
 struct CaptionLayout {
@@ -26,13 +26,13 @@ struct CaptionLayout {
     QFont font;                   ///< as asked for or somewhat smaller
     QRectF box;                   ///< around all of it
     bool cut = false;             ///< an ellipsis stands for the rest
-};
-inline constexpr double kCornerHeight = 15;  ///< of a number or duration in a corner, pixels
 
-/// Sets the name centred: in one line, else in two, else in two smaller ones, else with an ellipsis. `corner`
-/// is the height at head and foot that the corners' small texts need; two lines may take it only where they
-/// must.
-CaptionLayout layOutCaption(const QString& name, const QFont& font, const QRectF& room, double corner);
+    bool operator==(const CaptionLayout&) const = default;
+};
+/// Sets the name in the middle: in one line, else in two, else smaller, else with an ellipsis, clear of what
+/// stands in the corners (number, marks, duration).
+CaptionLayout layOutCaption(const QString& name, const QFont& font, const QRectF& room,
+                            const std::vector<QRectF>& corners = {});
 
 /// Tells screen readers of a new name, or of a new state (its colour), when either changed.
 void tellNameChanged(QWidget& widget, const QString& name, int state);

@@ -1,8 +1,6 @@
 // A jingle button: one widget that paints its record and the parts below it.
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QRegularExpression>
-#include <QTextLayout>
 #include <array>
 #include <cmath>
 #include <vector>
@@ -16,8 +14,10 @@ namespace zv::shell {
 namespace {
 
 constexpr double kCaptionSize = 15;
-constexpr double kDurationSize = 11.5;
-constexpr double kNumberSize = 10.5;
+constexpr double kDurationShare = 0.76;  ///< of the caption's size, and the limits of what comes out
+constexpr double kDurationMin = 8, kDurationMax = 15;
+constexpr double kNumberShare = 0.68;
+constexpr double kNumberMin = 8, kNumberMax = 13;
 constexpr int kMargin = 8;      ///< between the face's edge and its text
 constexpr double kDotSize = 9;  ///< of a state mark
 constexpr int kLowButton = 40;  ///< pixels of height below which duration and caption share one line
@@ -47,8 +47,19 @@ class JingleWidget final : public PaintedWidget {
         layOut();
         askAll();
         placesChanged();
-        if (toolTip().isEmpty() && cut_) setToolTip(parts_.name);
         tellReaders();
+    }
+
+    QString fallbackTip() const override { return layout_.cut ? parts_.name : QString(); }
+
+    void partChanged(Control& part) override {
+        PaintedWidget::partChanged(part);
+        // A mark or number that came or went leaves the caption more or less room.
+        if (part.kind == ControlKind::shape) return;  // bars move at each tick
+        if (corners() == corners_) return;
+        const CaptionLayout before = layout_;
+        layOut();
+        if (!(layout_ == before)) askAll();
     }
 
     void themeChanged() override {
@@ -92,11 +103,9 @@ class JingleWidget final : public PaintedWidget {
             }
         }
         if (!parts_.duration.isEmpty() && !empty()) {
-            p.setFont(textFont(kDurationSize, QFont::DemiBold));
+            p.setFont(durationFont());
             p.setPen(softened(ink, 0.22));
-            drawFigures(p, QRectF(rect()).adjusted(kMargin, 2, -kMargin + 1, -5),
-                        Qt::AlignRight | (height() < kLowButton ? Qt::AlignVCenter : Qt::AlignBottom),
-                        parts_.duration);
+            drawFigures(p, durationPlace(), Qt::AlignRight | Qt::AlignVCenter, parts_.duration);
         }
         paintBelow(p, record, theme, ink);
         if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange)) {
@@ -195,7 +204,7 @@ class JingleWidget final : public PaintedWidget {
         if (isStateMark(part)) {
             const Colour own = part.foreColor() >= 0 ? part.foreColor() : part.backColor();
             const QColor colour = colourOf(own, ink);
-            const double side = std::min({kDotSize, place.width(), place.height()});
+            const QRectF dot = dotPlace(place);
             p.save();
             p.setRenderHint(QPainter::Antialiasing);
             // A thin ring in the opposite lightness, so that a dot is seen on a face of its own colour.
@@ -204,8 +213,7 @@ class JingleWidget final : public PaintedWidget {
                 mixed(under, lightness(under) < 0.5 ? QColor(Qt::black) : QColor(0x30, 0x34, 0x3A), 0.55),
                 1));
             p.setBrush(colour);
-            const QPointF c = place.center();
-            p.drawEllipse(c, side / 2, side / 2);
+            p.drawEllipse(dot);
             p.restore();
             return;
         }
@@ -213,32 +221,79 @@ class JingleWidget final : public PaintedWidget {
         if (text.isEmpty()) return;
         const bool symbol =
             part.kind == ControlKind::symbol || part.fontName() == "ZVR" || part.fontName() == "MSSSMod";
-        p.setFont(symbol ? symbolFont(std::max(10.0, std::min(place.height(), 14.0)))
-                         : textFont(kNumberSize));
+        p.setFont(symbol ? symbolFont(std::max(10.0, std::min(place.height(), 14.0))) : numberFont());
         p.setPen(softened(colourOf(part.foreColor, ink), symbol ? 0.1 : 0.42));
-        // Numbers stand at the side that their place is nearer to.
-        const bool rightHalf = place.center().x() > width() / 2.0;
-        const QRectF room = rightHalf ? place.adjusted(-20, -4, 0, 4) : place.adjusted(0, -4, 20, 4);
         if (symbol) {
             p.drawText(place.adjusted(-4, -4, 4, 4), Qt::AlignCenter, text);
         } else {
-            drawFigures(p, room, (rightHalf ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter, text);
+            const QRectF room = numberPlace(place, text);
+            drawFigures(p, room, Qt::AlignHCenter | Qt::AlignVCenter, text);
         }
     }
 
-    void layOut() {
-        const double duration = parts_.duration.isEmpty()
-                                    ? 0
-                                    : figuresWidth(textFont(kDurationSize, QFont::DemiBold), parts_.duration);
-        QRectF room = QRectF(rect()).adjusted(kMargin, 2, -kMargin, -2);
-        if (height() < kLowButton && duration > 0) {
-            // One line for both: the caption keeps clear of the duration at both sides so that it stays
-            // centred, or, where that leaves too little, at its right only.
-            const double aside = duration + 6;
-            room.adjust(room.width() > 3.4 * aside ? aside : 0, 0, -aside, 0);
+    double captionSize() const { return seen_.font.pixelSize(); }
+    QFont durationFont() const {
+        const double size = std::min(captionSize() * kDurationShare, height() * 0.66);
+        return textFont(std::clamp(size, kDurationMin, kDurationMax), QFont::DemiBold);
+    }
+    QFont numberFont() const {
+        const double size = std::min(captionSize() * kNumberShare, height() * 0.6);
+        return textFont(std::clamp(size, kNumberMin, kNumberMax));
+    }
+
+    /// Lower right; on a low button in its middle, left of the marks.
+    QRectF durationPlace() const {
+        const QFont font = durationFont();
+        const double w = figuresWidth(font, parts_.duration), h = QFontMetricsF(font).height();
+        if (height() >= kLowButton) return {width() - kMargin + 1 - w, height() - h - 3, w, h};
+        double right = width() - kMargin + 1;
+        for (const Control* part : record.children()) {
+            if (part->visible() && isStateMark(*part))
+                right = std::min(right, dotPlace(placeIn(*part, record)).left() - 4);
         }
-        layout_ = layOutCaption(parts_.name, seen_.font, room, height() < kLowButton ? 0 : kCornerHeight);
-        cut_ = layout_.cut;
+        return {right - w, (height() - h) / 2, w, h};
+    }
+
+    /// A dot in the place of its mark, kept inside the face.
+    QRectF dotPlace(const QRectF& place) const {
+        const double side = std::min({kDotSize, place.width(), place.height(), height() - 6.0});
+        double y = place.center().y();
+        if (height() < kLowButton / 2 + 4) y = height() / 2.0;
+        return {place.center().x() - side / 2, y - side / 2, side, side};
+    }
+
+    /// Numbers keep some pixels from the edge that their place is nearer to.
+    QRectF numberPlace(const QRectF& place, const QString& text) const {
+        const QFont font = numberFont();
+        const double w = figuresWidth(font, text), h = QFontMetricsF(font).height();
+        const double y = std::clamp(place.center().y() - h / 2, 1.0, std::max(1.0, height() - h - 1));
+        if (place.center().x() > width() / 2.0) return {std::min(place.right(), width() - 7.0) - w, y, w, h};
+        return {std::max(place.left(), 7.0), y, w, h};
+    }
+
+    /// What stands in the corners, for the caption to keep clear of.
+    std::vector<QRectF> corners() const {
+        std::vector<QRectF> out;
+        if (!parts_.duration.isEmpty()) out.push_back(durationPlace().adjusted(-2, 2, 2, 0));
+        for (const Control* part : record.children()) {
+            if (!part->visible()) continue;
+            const QRectF place = placeIn(*part, record);
+            if (isStateMark(*part)) {
+                out.push_back(dotPlace(place).adjusted(-2, -1, 2, 1));
+            } else if (part->kind == ControlKind::label && !part->caption().empty()) {
+                out.push_back(numberPlace(place, captionOf(part->caption)).adjusted(0, 2, 2, -2));
+            } else if (part->kind == ControlKind::checkBox ||
+                       (part->kind == ControlKind::symbol && !part->caption().empty())) {
+                out.push_back(place);
+            }
+        }
+        return out;
+    }
+
+    void layOut() {
+        corners_ = corners();
+        layout_ = layOutCaption(parts_.name, seen_.font, QRectF(rect()).adjusted(kMargin, 1, -kMargin, -1),
+                                corners_);
     }
 
     void tellReaders() {
@@ -250,7 +305,7 @@ class JingleWidget final : public PaintedWidget {
     CaptionParts parts_;
     CaptionLayout layout_;
     Seen seen_;
-    bool cut_ = false;
+    std::vector<QRectF> corners_;
 };
 
 }  // namespace

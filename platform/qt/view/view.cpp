@@ -37,9 +37,9 @@ void RecordView::refresh() {
         if (widget.geometry() != place) widget.setGeometry(place);
     }
     if (widget.isEnabled() != record.enabled()) widget.setEnabled(record.enabled);
-    const QString tip = textOf(record.toolTip);
-    if (widget.toolTip() != tip) widget.setToolTip(tip);
     apply();
+    const QString tip = record.toolTip().empty() ? fallbackTip() : textOf(record.toolTip);
+    if (widget.toolTip() != tip) widget.setToolTip(tip);
     if (record.kind != ControlKind::window && widget.isHidden() == record.visible()) {
         widget.setVisible(record.visible);
     }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QRect>
+#include <QString>
 #include <QWidget>
 #include <functional>
 
@@ -29,6 +30,8 @@ class RecordView {
     virtual Control* partAt(QPoint) const { return nullptr; }
     /// Something moves by itself (a falling peak): called at each flush with the time.
     virtual void advance(std::int64_t) {}
+    /// The tool tip while the record has none: the whole of a text that was cut.
+    virtual QString fallbackTip() const { return {}; }
     /// The user works the control by keyboard or through a screen reader.
     virtual void press();
 
