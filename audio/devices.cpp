@@ -1,6 +1,9 @@
 // The graph from the buses to the sound cards.
 #include "audio/devices.h"
 
+#include <algorithm>
+#include <array>
+
 #include "audio/upcalls.h"
 #include "engine/bass.h"
 #include "startup/guard.h"
@@ -14,11 +17,14 @@ std::array<int, 2> Device{1, 0};
 std::array<int, 2> DeviceId{1, 0};
 StreamHandle MainMixer = 0, MicMixer = 0, AuxKeepAlive = 0, hMic = 0;
 std::array<StreamHandle, 2> MainSplit{}, MicSplit{}, OutMixer{}, OutSplit{};
-StreamHandle hTmAnSrc = 0, hTmAn = 0, hTmAnVoice = 0, hLive = 0;
+StreamHandle hTmAnSrc = 0, hTmAnVoice = 0, hLive = 0;
+Shared<StreamHandle> hTmAn = 0;
 bool NoOutputDevice = false;
 
 namespace {
 
+constexpr std::array kRates{11025, 22050, 44100, 48000, 96000};
+constexpr std::size_t kUsualRate = 2;
 constexpr DWORD kFallbackRate = 44100;
 constexpr int kDefaultDevice = -1;
 constexpr DWORD kNoSound = 0;
@@ -32,15 +38,34 @@ DWORD rate() { return static_cast<DWORD>(MixerFreqAtStart); }
 
 std::size_t at(int output) { return static_cast<std::size_t>(output); }
 
-/// The device or, failing that, the default one. False when there is none at all.
+/// The rate of this run: one of the list's, whatever the file says.
+void settleRate() {
+    const bool known = std::find(kRates.begin(), kRates.end(), settings.MixerFreq) != kRates.end();
+    if (!known) settings.MixerFreq = kRates[kUsualRate];
+    MixerFreqAtStart = settings.MixerFreq;
+}
+
+/// Selects the output that the system calls its default, if it is open.
+bool selectDefault() {
+    BASS_DEVICEINFO info{};
+    for (DWORD n = 1; BASS_GetDeviceInfo(n, &info); ++n)
+        if ((info.flags & BASS_DEVICE_DEFAULT) != 0 && BASS_SetDevice(n)) return true;
+    return false;
+}
+
+/// Opens and selects the device or, failing that, the default one. False when there is none at all.
 bool initDevice(int device) {
-    if (BASS_Init(device, rate(), 0, nullptr, nullptr) || BASS_ErrorGetCode() == BASS_ERROR_ALREADY)
-        return true;
-    return BASS_Init(kDefaultDevice, kFallbackRate, 0, nullptr, nullptr) ||
-           BASS_ErrorGetCode() == BASS_ERROR_ALREADY;
+    if (BASS_Init(device, rate(), 0, nullptr, nullptr)) return true;
+    if (BASS_ErrorGetCode() == BASS_ERROR_ALREADY && BASS_SetDevice(static_cast<DWORD>(device))) return true;
+    return BASS_Init(kDefaultDevice, kFallbackRate, 0, nullptr, nullptr) || selectDefault();
 }
 
 StreamHandle newMixer() { return BASS_Mixer_StreamCreate(rate(), 2, kMixerFlags); }
+
+void freeStream(StreamHandle& stream) {
+    if (stream != 0) BASS_StreamFree(stream);
+    stream = 0;
+}
 
 void startOutput(int output) {
     StreamHandle& split = OutSplit[at(output)];
@@ -55,6 +80,8 @@ void reportNoDevice() {
 }
 
 void openSingle() {
+    settleRate();
+    NoOutputDevice = false;
     if (!initDevice(Device[0])) {
         BASS_Init(static_cast<int>(kNoSound), rate(), 0, nullptr, nullptr);
         BASS_SetDevice(kNoSound);
@@ -75,20 +102,16 @@ void bassini(int output) {
         FreeOutp(output);
         if (output == 1 && Device[1] == 0) return;
         BASS_SetConfig(BASS_CONFIG_DEV_NONSTOP, 1);
-        const auto device = static_cast<DWORD>(Device[at(output)]);
         if (output == 0) {
             NoOutputDevice = false;
-            // The fallback selects the default device; the saved one is selected when it is there.
-            if (initDevice(Device[0])) {
-                BASS_SetDevice(device);
-            } else {
+            if (!initDevice(Device[0])) {
                 BASS_SetDevice(kNoSound);
                 reportNoDevice();
             }
         } else {
             BASS_Init(Device[1], rate(), 0, nullptr, nullptr);
             // Without its device the auxiliary branch must not land on the main one.
-            if (!BASS_SetDevice(device)) return;
+            if (!BASS_SetDevice(static_cast<DWORD>(Device[1]))) return;
         }
         startOutput(output);
     });
@@ -96,7 +119,7 @@ void bassini(int output) {
 
 void SetupMixers() {
     guarded("modDevices.SetupMixers", [] {
-        MixerFreqAtStart = settings.MixerFreq;
+        settleRate();
         FreeBASS();
         BASS_SetConfig(BASS_CONFIG_DEV_NONSTOP, 1);
         BASS_Init(static_cast<int>(kNoSound), rate(), 0, nullptr, nullptr);
@@ -123,11 +146,7 @@ void SetupMixers() {
 }
 
 void FreeOutp(int output) {
-    guarded("modDevices.FreeOutp", [&] {
-        StreamHandle& split = OutSplit[at(output)];
-        if (split != 0) BASS_StreamFree(split);
-        split = 0;
-    });
+    guarded("modDevices.FreeOutp", [&] { freeStream(OutSplit[at(output)]); });
 }
 
 void FreeBASS() {
@@ -140,19 +159,31 @@ void FreeBASS() {
         }
         FreeOutp(0);
         FreeOutp(1);
-        if (AuxKeepAlive != 0) BASS_StreamFree(AuxKeepAlive);
-        AuxKeepAlive = 0;
+        freeStream(AuxKeepAlive);
         for (std::size_t i = 0; i < 2; ++i) {
-            if (OutSplit[i] != 0) BASS_StreamFree(OutSplit[i]);
+            freeStream(OutSplit[i]);
             // The second pair is harmless, and closes the device where the first call only selected it.
             for (int twice = 0; twice < 2; ++twice)
                 if (BASS_SetDevice(static_cast<DWORD>(Device[i]))) BASS_Free();
         }
+        // What the calls above leave: the default device of a fallback, the decoding streams and their
+        // device.
+        if (selectDefault()) BASS_Free();
+        freeStream(hMic);
+        for (std::size_t i = 0; i < 2; ++i) {
+            freeStream(OutMixer[i]);
+            freeStream(MainSplit[i]);
+            freeStream(MicSplit[i]);
+        }
+        freeStream(MainMixer);
+        freeStream(MicMixer);
+        if (BASS_SetDevice(kNoSound)) BASS_Free();
     });
 }
 
 void OpenMic() {
     guarded("modDevices.OpenMic", [] {
+        if (hMic != 0) CloseMic();
         if (!BASS_RecordInit(settings.DeviceIn == 0 ? kDefaultDevice : settings.DeviceIn) &&
             BASS_ErrorGetCode() != BASS_ERROR_ALREADY)
             return;

@@ -1,5 +1,5 @@
-/// Outputs, the microphone and the mix topology between them. Two topologies: settings.DeviceSingle 1 plays every channel
-/// straight on one device; 0 mixes jingles and microphone onto two outputs. [control]
+/// Outputs, the microphone and the mix topology between them. Two topologies: settings.DeviceSingle 1 plays
+/// every channel straight on one device; 0 mixes jingles and microphone onto two outputs. [control]
 #pragma once
 
 #include <array>
@@ -7,18 +7,22 @@
 #include <string>
 #include <vector>
 
+#include "model/jingle.h"
+
 namespace zv {
 
 using StreamHandle = std::uint32_t;
 
-extern int MixerFreqAtStart;     ///< Hz in force for this run
+extern int MixerFreqAtStart;         ///< Hz in force for this run
 extern std::array<int, 2> Device;    ///< device numbers of the main and auxiliary output; 0 none
 extern std::array<int, 2> DeviceId;  ///< as saved
 
 extern StreamHandle MainMixer, MicMixer, AuxKeepAlive, hMic;
 extern std::array<StreamHandle, 2> MainSplit, MicSplit, OutMixer, OutSplit;
-extern StreamHandle hTmAnSrc, hTmAn, hTmAnVoice, hLive;  ///< announcer and live stream
+extern StreamHandle hTmAnSrc, hTmAnVoice, hLive;  ///< announcer and live stream
 extern std::vector<std::string> InputNames;
+/// The announcer's play channel; its sync procedure reads it.
+extern Shared<StreamHandle> hTmAn;
 /// No output device could be opened: the program plays into the no-sound device.
 extern bool NoOutputDevice;
 

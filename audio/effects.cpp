@@ -23,6 +23,7 @@ double twoDecimals(double value) { return std::floor(value * 100 + 0.5) / 100; }
 std::vector<double> SplitFXV(const std::string& vector) {
     std::vector<double> values;
     for (const std::string& part : Split(vector, ",")) values.push_back(Val(part));
+    values.resize(kFxvElements);
     return values;
 }
 

@@ -1,5 +1,5 @@
-/// The effects of a jingle, from its vector FXV: seven equaliser gains (stored with the slider's sign, so negated),
-/// reverb in ms, tempo in percent, rate in Hz, pitch in semitones. [control]
+/// The effects of a jingle, from its vector FXV: seven equaliser gains (stored with the slider's sign, so
+/// negated), reverb in ms, tempo in percent, rate in Hz, pitch in semitones. [control]
 #pragma once
 
 #include <array>
@@ -10,6 +10,7 @@
 namespace zv {
 
 inline constexpr int kEqBands = 7;
+inline constexpr int kFxvElements = 11;
 
 /// What UpdateTempo changes.
 enum class TempoPart { tempo = 0, rate = 1, pitch = 2 };
@@ -29,7 +30,7 @@ double ReverbMix(double ms);
 void UpdateTempo(std::uint32_t channel, TempoPart what, double value);
 /// Level of a volume effect, percent.
 void SetVolFx(std::uint32_t effect, double percent);
-/// Elements of FXV as numbers.
+/// Elements of FXV as numbers, always eleven: one that is missing or no number is 0, which changes nothing.
 std::vector<double> SplitFXV(const std::string& vector);
 
 }  // namespace zv

@@ -2,6 +2,7 @@
 #include "audio/play.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <string>
 
@@ -16,6 +17,10 @@
 #include "startup/upcalls.h"
 
 namespace zv {
+
+Shared<std::int32_t> TmAnFadeOut = 0;
+Shared<std::int32_t> TmAnFadeAttrib = 2;
+
 namespace {
 
 constexpr int kFullVelocity = 127;
@@ -25,11 +30,17 @@ constexpr float kStopAtEnd = -1;     // of a slide: to silence, then stop
 constexpr float kTailPriority = 50;  // the direct sound is cut before the reverb
 constexpr double kMsPerSecond = 1000;
 
+/// Syncs at the stop positions, so that a jingle that was stopped before it does not gather them.
+std::array<HSYNC, kJingles> stopPosSyncs{};
+
 JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
 bool inRange(int index) { return index >= 0 && index < kJingles; }
 
-QWORD bytes(double position) { return static_cast<QWORD>(std::max(0.0, position)); }
-bool plays(const JingleRecord& j) { return BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_PLAYING; }
+/// A channel that waits for data still plays: a press must be able to stop it.
+bool plays(const JingleRecord& j) {
+    const DWORD active = BASS_ChannelIsActive(j.hPlay);
+    return active == BASS_ACTIVE_PLAYING || active == BASS_ACTIVE_STALLED;
+}
 bool modifierHeld() { return CtrlDown || ShiftDown || AltDown; }
 
 DWORD ms(std::int32_t value) { return static_cast<DWORD>(std::max(0, value)); }
@@ -58,8 +69,8 @@ void setLoops(const JingleRecord& j) {
         BASS_ChannelSetPosition(j.hSrc, BASS_ChannelGetLength(j.hSrc, BASS_POS_BYTE), BASS_POS_END);
     }
     if (j.Seq != 0) {
-        BASS_ChannelSetPosition(j.hSrc, bytes(j.LoopIn), BASS_POS_LOOP);
-        BASS_ChannelSetPosition(j.hSrc, bytes(j.LoopOut), BASS_POS_END);
+        BASS_ChannelSetPosition(j.hSrc, BytePosition(j.LoopIn), BASS_POS_LOOP);
+        BASS_ChannelSetPosition(j.hSrc, BytePosition(j.LoopOut), BASS_POS_END);
     }
 }
 
@@ -73,7 +84,7 @@ void start(int index, int velocity) {
     callUp(audioUpcalls.playStarting, index);
     j.Playing = true;
     setLoops(j);
-    BASS_ChannelSetPosition(j.hPlay, bytes(j.CueStart), BASS_POS_BYTE);
+    BASS_ChannelSetPosition(j.hPlay, BytePosition(j.CueStart), BASS_POS_BYTE);
     BASS_ChannelSlideAttribute(j.hPlay, BASS_ATTRIB_VOL, static_cast<float>(velocity) / kFullVelocity,
                                ClickFadeMs);
     BASS_ChannelSetAttribute(j.hPlay, BASS_ATTRIB_VOLDSP, 1);
@@ -82,9 +93,11 @@ void start(int index, int velocity) {
         j.FadeSync = 0;
     }
     BASS_ChannelPlay(j.hPlay, false);
-    if (j.StopPos != 0)
-        BASS_ChannelSetSync(j.hPlay, BASS_SYNC_POS | BASS_SYNC_ONETIME, bytes(j.StopPos), &FadeOutSync,
-                            nullptr);
+    HSYNC& stopPosSync = stopPosSyncs[static_cast<std::size_t>(index)];
+    if (stopPosSync != 0) BASS_ChannelRemoveSync(j.hPlay, stopPosSync);
+    stopPosSync = j.StopPos == 0 ? 0
+                                 : BASS_ChannelSetSync(j.hPlay, BASS_SYNC_POS | BASS_SYNC_ONETIME,
+                                                       BytePosition(j.StopPos), &FadeOutSync, nullptr);
     if (BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_STOPPED) {
         Error_("Can't play jingle stream from the main button palette");
         j.State = PlayState::idle;
@@ -126,6 +139,19 @@ void pressInSequence(int index) {
     }
 }
 
+/// Where a tail that begins now has rung out. A jingle that loops comes past its end again: the place is
+/// looked for inside the loop, or the silent jingle would play for ever.
+QWORD tailEnd(const JingleRecord& j) {
+    const QWORD now = BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE);
+    const QWORD end = now + BASS_ChannelSeconds2Bytes(j.hPlay, j.ReverbMs / kMsPerSecond);
+    const DWORD flags = BASS_ChannelFlags(j.hSrc, 0, 0);
+    if (flags == ~DWORD{0} || (flags & BASS_SAMPLE_LOOP) == 0) return end;
+    const QWORD from = j.Seq != 0 ? BytePosition(j.LoopIn) : 0;
+    const QWORD to = j.Seq != 0 ? BytePosition(j.LoopOut) : BASS_ChannelGetLength(j.hSrc, BASS_POS_BYTE);
+    if (end < to || now >= to || from >= to) return end;
+    return from + (end - to) % (to - from);
+}
+
 void restart(int index, int velocity) {
     JingleRecord& j = record(index);
     BASS_ChannelSlideAttribute(j.hPlay, BASS_ATTRIB_VOLDSP, 0, ClickFadeMs);
@@ -145,7 +171,8 @@ void pressWhilePlaying(int index, int velocity) {
     if (j.PlayMod == PlayMode::autoRepeat || (global && ToggleAutoRep == 1)) {
         restart(index, velocity);
     } else if (j.PlayMod == PlayMode::touch || (global && ToggleTouch == 1)) {
-        // The reset goes to the record that the display walked last: devices' users know its sound.
+        // The reset goes to the record that the display walked last, not to this one: its tail rings on into
+        // the new start.
         if (j.State == PlayState::stopping && inRange(DispLoopIdx)) BASS_FXReset(record(DispLoopIdx).hPlay);
         start(index, velocity);
     } else if (global || j.PlayMod == PlayMode::playStop) {
@@ -190,9 +217,8 @@ void clTouchStop(int index) {
         if (j.FadeOut < j.ReverbMs) {
             BASS_ChannelSetAttribute(j.hPlay, BASS_ATTRIB_VOLDSP_PRIORITY, kTailPriority);
             BASS_ChannelSetAttribute(j.hPlay, BASS_ATTRIB_VOLDSP, 0);
-            const QWORD tail = BASS_ChannelSeconds2Bytes(j.hPlay, j.ReverbMs / kMsPerSecond);
-            const QWORD now = BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE);
-            j.FadeSync = BASS_ChannelSetSync(j.hPlay, BASS_SYNC_POS | BASS_SYNC_ONETIME, now + tail,
+            if (j.FadeSync != 0) BASS_ChannelRemoveSync(j.hPlay, j.FadeSync);
+            j.FadeSync = BASS_ChannelSetSync(j.hPlay, BASS_SYNC_POS | BASS_SYNC_ONETIME, tailEnd(j),
                                              &StopSync, nullptr);
             trace(index, " StopSync ");
         } else {
@@ -225,6 +251,10 @@ void StopSync(HSYNC, DWORD channel, DWORD, void*) {
     if (index == kNotFound) return;
     BASS_ChannelStop(channel);
     record(index).Playing = false;
+}
+
+void FadeOutSynctmJn(HSYNC, DWORD, DWORD, void*) {
+    BASS_ChannelSlideAttribute(hTmAn, static_cast<DWORD>(TmAnFadeAttrib), kStopAtEnd, ms(TmAnFadeOut));
 }
 
 }  // namespace zv

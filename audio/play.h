@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "engine/bass.h"
+#include "model/jingle.h"
 
 namespace zv {
 
@@ -13,11 +14,16 @@ namespace zv {
 void clPlay(int index, int velocity);
 /// Stops with the jingle's fade, or lets its reverb ring out. [control]
 void clTouchStop(int index);
-/// Stops all live jingles at once, without fade, and what else sounds. Nothing while controls are learnt. [control]
+/// Stops all live jingles at once, without fade, and what else sounds. Nothing while controls are learnt.
+/// [control]
 void evStop();
 
 // Called by the engine on its dispatcher. [sync]
 void FadeOutSync(HSYNC handle, DWORD channel, DWORD data, void* user);
 void StopSync(HSYNC handle, DWORD channel, DWORD data, void* user);
+/// For the time announcer's jingle: its saved fade on hTmAn.
+void FadeOutSynctmJn(HSYNC handle, DWORD channel, DWORD data, void* user);
+/// The fade saved for it: ms, and an attribute as in the records.
+extern Shared<std::int32_t> TmAnFadeOut, TmAnFadeAttrib;
 
 }  // namespace zv

@@ -11,6 +11,7 @@
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/palette_files.h"
+#include "model/slot_keys.h"
 #include "model/state.h"
 #include "platform/paths.h"
 #include "startup/guard.h"
@@ -25,8 +26,9 @@ AudioUpcalls audioUpcalls;
 
 namespace {
 
-constexpr int kEqBandwidthTenths = 25;  // octaves x 10
-constexpr double kLongJingle = 120;     // s: longer ones duck the others unless told otherwise
+constexpr double kEqBandwidth = 2.5;  // octaves
+constexpr double kLongJingle = 120;   // s: longer ones duck the others unless told otherwise
+constexpr double kLongestReverbMs = 60'000;
 constexpr int kReverbElement = 7;
 constexpr int kTempoElement = 8;
 constexpr int kRateElement = 9;
@@ -37,65 +39,18 @@ constexpr float kSecondsPerMs = 0.001F;
 
 JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
 bool inRange(int index) { return index >= 0 && index < kJingles; }
+/// A channel that must not be taken away: it plays, or waits for data.
+bool sounds(std::uint32_t channel) {
+    if (channel == 0) return false;
+    const DWORD active = BASS_ChannelIsActive(channel);
+    return active == BASS_ACTIVE_PLAYING || active == BASS_ACTIVE_STALLED;
+}
 bool exists(int index) { return inRange(index) && JExists[static_cast<std::size_t>(index)] == 1; }
 
-void freeChannel(std::uint32_t& handle) {
-    if (handle != 0) {
-        BASS_StreamFree(handle);
-        BASS_MusicFree(handle);
-    }
-    handle = 0;
-}
-
-/// The keys of one slot.
-class SlotKeys {
-  public:
-    SlotKeys(cImpulse& store, const std::string& section, int suffix)
-        : store_(store), section_(section), suffix_(std::to_string(suffix)) {}
-    std::string text(const char* stem, const char* otherwise = "") const {
-        std::string value = section_.empty() ? std::string() : store_.GetValue(stem + suffix_, 0, section_);
-        return value.empty() ? otherwise : value;
-    }
-    double number(const char* stem, double otherwise = 0) const {
-        const std::string value = text(stem);
-        return value.empty() ? otherwise : Val(value);
-    }
-    std::uint8_t byte(const char* stem) const {
-        return static_cast<std::uint8_t>(std::clamp(number(stem), 0.0, 255.0));
-    }
-    std::int32_t whole(const char* stem, double otherwise = 0) const {
-        return static_cast<std::int32_t>(std::clamp(number(stem, otherwise), -2147483648.0, 2147483647.0));
-    }
-
-  private:
-    cImpulse& store_;
-    const std::string& section_;
-    std::string suffix_;
-};
-
-void readFields(JingleRecord& j, const SlotKeys& keys) {
-    j.Volm = keys.whole("Volm_", 100);
-    j.AutoDuckKey = keys.text("AutoDuck_");
-    j.NoAutomix = keys.byte("NoAutomix_");
-    j.NoTrigDuck = keys.byte("NoTrigDuck_");
-    j.Loop = keys.byte("Loop_");
-    j.Seq = keys.byte("Seq_");
-    j.LoopIn = keys.number("LoopIn_");
-    j.LoopOut = keys.number("LoopOut_");
-    j.FadeOut = keys.whole("FadeOut_");
-    j.LogFadeOut = keys.byte("LogFadeOut_");
-    j.LoopFadeOut = keys.byte("LoopFadeOut_");
-    j.FadeAttrib =
-        static_cast<std::int32_t>(j.LogFadeOut == 1 ? BASS_ATTRIB_VOL | BASS_SLIDE_LOG : BASS_ATTRIB_VOL);
-    j.BTNCol = keys.text("BTNCol_", kFaceColourText);
-    const int mode = keys.whole("PlayMod_");
-    j.PlayMod = mode >= 0 && mode <= static_cast<int>(PlayMode::noStop) ? static_cast<PlayMode>(mode)
-                                                                        : PlayMode::global;
-    j.CueStart = keys.number("CueStart_");
-    j.StopPos = keys.number("StopPos_");
-    j.FXV = keys.text("FXV_");
-    j.BackRGB = ButtonColour(j.BTNCol);
-    j.ForeRGB = GetForeColor(j.BackRGB, "jingle");
+void freeChannel(std::uint32_t handle) {
+    if (handle == 0) return;
+    BASS_StreamFree(handle);
+    BASS_MusicFree(handle);
 }
 
 double lengthOf(std::uint32_t channel) {
@@ -103,29 +58,34 @@ double lengthOf(std::uint32_t channel) {
     return length == BASS_NO_POSITION ? 0 : static_cast<double>(length);
 }
 
-QWORD bytes(double position) { return static_cast<QWORD>(std::max(0.0, position)); }
-
-/// Opens the file as a sound, else as a tracker module. False with BASS_ErrorGetCode set.
-bool openSource(JingleRecord& j, const std::string& file) {
-    freeChannel(j.hPlay);
-    freeChannel(j.hSrc);
-    j.hSrc = BASS_StreamCreateFile(false, file.c_str(), 0, 0, BASS_STREAM_DECODE | BASS_UNICODE);
-    if (lengthOf(j.hSrc) > 0) return true;
-    const int streamError = BASS_ErrorGetCode();
-    freeChannel(j.hSrc);
-    j.hSrc = BASS_MusicLoad(false, file.c_str(), 0, 0,
+/// Opens the file as a sound, else as a tracker module; 0 with the engine's code in `error`.
+std::uint32_t openSource(const std::string& file, int& error) {
+    std::uint32_t source =
+        BASS_StreamCreateFile(false, file.c_str(), 0, 0, BASS_STREAM_DECODE | BASS_UNICODE);
+    if (lengthOf(source) > 0) return source;
+    freeChannel(source);
+    source = BASS_MusicLoad(false, file.c_str(), 0, 0,
                             BASS_STREAM_DECODE | BASS_MUSIC_PRESCAN | BASS_MUSIC_RAMP | BASS_UNICODE, 0);
-    if (lengthOf(j.hSrc) > 0) return true;
-    const int moduleError = BASS_ErrorGetCode();
-    freeChannel(j.hSrc);
-    j.BassErr = static_cast<std::int16_t>(moduleError != BASS_OK ? moduleError : streamError);
-    return false;
+    error = BASS_ErrorGetCode();
+    if (lengthOf(source) > 0) return source;
+    freeChannel(source);
+    return 0;
 }
 
-void openFailed(int index) {
+/// The record shows a slot that cannot play; what the file says of its volume and loops is kept for the next
+/// save.
+void openFailed(int index, int error) {
+    if (error == BASS_OK) return;  // no sound in it, but nothing wrong either
     JingleRecord& j = record(index);
-    if (j.BassErr == BASS_OK) return;
-    if (j.BassErr != BASS_ERROR_FILEOPEN && !j.MissingFile) j.Unplayable = true;
+    j.BassErr = static_cast<std::int16_t>(error);
+    if (error != BASS_ERROR_FILEOPEN && !j.MissingFile) j.Unplayable = true;
+    if (!j.KeepsStored) {
+        j.KeepsStored = true;
+        j.StoredVolm = j.Volm;
+        j.StoredLoop = j.Loop;
+        j.StoredSeq = j.Seq;
+    }
+    j.Freq = 0;  // a vector in the file must not pass for the neutral one of another sound
     j.Volm = 100;
     j.Loop = 0;
     j.Seq = 0;
@@ -135,27 +95,30 @@ void openFailed(int index) {
 
 void chooseAutoDuck(JingleRecord& j) {
     if (j.AutoDuckKey.empty())
-        j.AutoDuck = j.Duration > kLongJingle ? 1 : 0;
+        j.AutoDuck = j.AutoDuck == 0 && j.Duration > kLongJingle ? 1 : 0;
     else
-        j.AutoDuck = static_cast<std::uint8_t>(std::clamp(Val(j.AutoDuckKey), 0.0, 2.0));
+        j.AutoDuck = static_cast<std::uint8_t>(std::clamp(Val(j.AutoDuckKey), 0.0, 255.0));
     if (j.AutoDuck == 1) j.NoTrigDuck = 1;
 }
 
 void attachEffects(int index) {
     JingleRecord& j = record(index);
-    const std::vector<double> values = SplitFXV(j.FXV);
-    std::array<double, kEqBands> gains{};
-    for (std::size_t band = 0; band < kEqBands; ++band) gains[band] = -values.at(band);
-    SetDSP_EQ(index, j.hPlay, 0, kEqBandwidthTenths / 10.0, 0, EqCentres(), gains);
-    UpdateTempo(j.hPlay, TempoPart::tempo, values.at(kTempoElement));
-    UpdateTempo(j.hPlay, TempoPart::rate, values.at(kRateElement));
-    UpdateTempo(j.hPlay, TempoPart::pitch, values.at(kPitchElement));
-    j.ReverbMs = static_cast<std::int32_t>(values.at(kReverbElement));
     const auto slot = static_cast<std::size_t>(index);
+    const std::vector<double> values = SplitFXV(j.FXV);
+    // Centres that are missing in the settings must not cost the jingle its other effects.
+    guarded("modClick.openStreams", [&] {
+        std::array<double, kEqBands> gains{};
+        for (std::size_t band = 0; band < kEqBands; ++band) gains[band] = -values[band];
+        SetDSP_EQ(index, j.hPlay, 0, kEqBandwidth, 0, EqCentres(), gains);
+    });
+    UpdateTempo(j.hPlay, TempoPart::tempo, values[kTempoElement]);
+    UpdateTempo(j.hPlay, TempoPart::rate, values[kRateElement]);
+    UpdateTempo(j.hPlay, TempoPart::pitch, values[kPitchElement]);
+    j.ReverbMs = static_cast<std::int32_t>(std::clamp(values[kReverbElement], 0.0, kLongestReverbMs));
     JReverbFx[slot] = BASS_ChannelSetFX(j.hPlay, BASS_FX_DX8_REVERB, kReverbPriority);
     UpdateReverb(JReverbFx[slot], j.ReverbMs);
     BASS_ChannelSetAttribute(j.hPlay, BASS_ATTRIB_TAIL, static_cast<float>(j.ReverbMs) * kSecondsPerMs);
-    BASS_ChannelSetPosition(j.hPlay, bytes(j.CueStart), BASS_POS_BYTE);
+    BASS_ChannelSetPosition(j.hPlay, BytePosition(j.CueStart), BASS_POS_BYTE);
     JVolFx[slot] = BASS_ChannelSetFX(j.hPlay, BASS_FX_BFX_VOLUME, kVolumePriority);
     SetVolFx(JVolFx[slot], j.Volm);
 }
@@ -169,9 +132,10 @@ void buildChannel(int index) {
     j.EndOffset = EndOffsetCalc(index);
     j.Duration = JDurationCalc(index);
     callUp(audioUpcalls.slotLoaded, index);
-    // A vector that cannot be read must not keep the jingle from sounding.
     guarded("modClick.openStreams", [&] { attachEffects(index); });
     if (mix) {
+        // Stopped before it is in the mixer, so that no period can catch it sounding.
+        BASS_ChannelStop(j.hPlay);
         BASS_Mixer_StreamAddChannel(MainMixer, j.hPlay, BASS_MIXER_CHAN_BUFFER);
         BASS_ChannelStop(j.hPlay);
     }
@@ -189,14 +153,17 @@ void openSlot(int index) {
     const std::string file = nativePath(full).string();
     j.MissingFile = !FileExists(full);
     if (j.MissingFile) callUp(audioUpcalls.fileMissing, index);
-    j.BassErr = 0;
-    if (!openSource(j, file)) {
-        openFailed(index);
+    if (sounds(j.hPlay)) return;
+    FreeJingle(index);
+    int error = BASS_OK;
+    j.hSrc = openSource(file, error);
+    if (j.hSrc == 0) {
+        openFailed(index, error);
         return;
     }
     callUp(audioUpcalls.feedback, index, Feedback::loaded);
     j.Kind = SlotKind::stream;
-    j.MissingFile = j.Unplayable = false;
+    j.MissingFile = j.Unplayable = j.KeepsStored = false;
     j.BassErr = 0;
     BASS_CHANNELINFO info{};
     BASS_ChannelGetInfo(j.hSrc, &info);
@@ -215,6 +182,9 @@ void FreeJingle(int index) {
     JingleRecord& j = record(index);
     freeChannel(j.hPlay);
     freeChannel(j.hSrc);
+    j.hPlay = 0;
+    j.hSrc = 0;
+    if (j.Kind == SlotKind::stream) j.Kind = SlotKind::nothing;
     j.FadeSync = 0;
     const auto slot = static_cast<std::size_t>(index);
     JEqFx[slot] = JReverbFx[slot] = JVolFx[slot] = 0;
@@ -233,8 +203,9 @@ void openNames(int index, const std::string& section, bool isHot) {
         if (!exists(index)) return;
         JingleRecord& j = record(index);
         j.Kind = SlotKind::nothing;
-        if (j.hPlay != 0 && BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_PLAYING) {
+        if (sounds(j.hPlay)) {
             j.PlayingOtherPal = true;
+            callUp(audioUpcalls.namesRead, index);
             return;
         }
         FreeJingle(index);
@@ -249,14 +220,17 @@ void openNames(int index, const std::string& section, bool isHot) {
             return;
         }
         j.Path = path;
-        readFields(j, keys);
+        j.MissingFile = j.Unplayable = false;
+        j.BassErr = 0;
+        j.State = PlayState::idle;
+        ReadSlot(j, keys);
         callUp(audioUpcalls.namesRead, index);
     });
 }
 
 void openStreams(int index) {
     guarded("modClick.openStreams", [&] {
-        if (!exists(index) || record(index).Kind == SlotKind::playlist) return;
+        if (!exists(index) || record(index).Kind != SlotKind::nothing) return;
         openSlot(index);
         callUp(audioUpcalls.slotOpened, index);
     });
@@ -275,7 +249,7 @@ double JDurationCalc(int index) {
     const JingleRecord& j = record(index);
     const double playable = lengthOf(j.hSrc) - j.CueStart - j.EndOffset;
     if (playable <= 0) return 0;
-    return std::max(0.0, BASS_ChannelBytes2Seconds(j.hSrc, bytes(playable)));
+    return std::max(0.0, BASS_ChannelBytes2Seconds(j.hSrc, BytePosition(playable)));
 }
 
 }  // namespace zv

@@ -24,22 +24,23 @@ struct InputLists {
 
 struct AudioUpcalls {
     // ---- a slot's button ----
-    std::function<void(int)> slotReset;     ///< nothing is on it: theme colours, no caption, marks hidden
-    std::function<void(int)> namesRead;     ///< colours anew from the record
-    std::function<void(int)> fileMissing;   ///< tool tip "errMissFile"
-    std::function<void(int)> slotFailed;    ///< could not be opened: number, name, red or with the reason in the tip
-    std::function<void(int)> slotLoaded;    ///< caption, colours, marks, tool tip cleared
-    std::function<void(int)> slotOpened;    ///< last step of every opening: selectable or other-palette colours
+    std::function<void(int)> slotReset;    ///< nothing is on it: theme colours, no caption, marks hidden
+    std::function<void(int)> namesRead;    ///< colours anew from the record
+    std::function<void(int)> fileMissing;  ///< tool tip "errMissFile"
+    std::function<void(int)>
+        slotFailed;  ///< could not be opened: number, name, red or with the reason in the tip
+    std::function<void(int)> slotLoaded;  ///< caption, colours, marks, tool tip cleared
+    std::function<void(int)> slotOpened;  ///< last step of every opening: selectable or other-palette colours
     std::function<void(int)> playStarting;  ///< the bar is full, in its own colour
     std::function<void(int)> playStarted;   ///< the bar is shown, the effects' mark is lit
     std::function<void(int)> loopLeft;      ///< the sequence mark takes its off colour
     std::function<void(int, Feedback)> feedback;
 
     // ---- the display ----
-    std::function<void()> hideClock;        ///< minimal view: the counter takes over
-    std::function<void()> stopAnnouncer;    ///< ckTmAnn and b_tmAnJin off when armed
-    std::function<void()> stopStream;       ///< the live stream, when it plays
-    std::function<void()> noOutputDevice;   ///< the program plays into the no-sound device
+    std::function<void()> hideClock;       ///< minimal view: the counter takes over
+    std::function<void()> stopAnnouncer;   ///< ckTmAnn and b_tmAnJin off when armed
+    std::function<void()> stopStream;      ///< the live stream, when it plays
+    std::function<void()> noOutputDevice;  ///< the program plays into the no-sound device
 
     // ---- the mixer window ----
     std::function<void(const OutputLists&)> outputsListed;

@@ -1,6 +1,7 @@
 #include "model/colours.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "model/state.h"
 #include "startup/helpers.h"
@@ -20,7 +21,7 @@ int Luminosity(std::int32_t colour) {
     const RGBParts parts = LongToRGB(colour);
     const double largest = std::max({parts.red, parts.green, parts.blue}) / 255.0;
     const double smallest = std::min({parts.red, parts.green, parts.blue}) / 255.0;
-    return static_cast<int>((largest + smallest) / 2 * 240);
+    return static_cast<int>(std::lround((largest + smallest) / 2 * 240));
 }
 
 std::int32_t ShadeColor(std::int32_t colour, int offset) {

@@ -1,5 +1,7 @@
 #include "model/jingle.h"
 
+#include <algorithm>
+
 #include "startup/settings.h"
 
 namespace zv {
@@ -14,6 +16,12 @@ int FindJingle(std::uint32_t channel) {
     for (int i = 0; i < kJingles; ++i)
         if (J[static_cast<std::size_t>(i)].hPlay == channel) return i;
     return kNotFound;
+}
+
+std::uint64_t BytePosition(double position) {
+    constexpr double kBeyondAll = 9007199254740992.0;  // 2^53
+    if (!(position > 0)) return 0;
+    return static_cast<std::uint64_t>(std::min(position, kBeyondAll));
 }
 
 int LastLiveIdx() { return kPaletteSlots - 1 + 2 * settings.JinglesCols; }

@@ -1,6 +1,6 @@
-/// The jingle records and the values that belong to them. `J` is the one store of jingle state: 0 to 95 the slots
-/// of the current palette, 96 to 119 the hot jingles. Touched on the interface thread only, except that the sync
-/// procedures read hPlay, FadeOut and FadeAttrib and write Playing. [control]
+/// The jingle records and the values that belong to them. `J` is the one store of jingle state: 0 to 95 the
+/// slots of the current palette, 96 to 119 the hot jingles. Touched on the interface thread only, except that
+/// the sync procedures read hPlay, FadeOut and FadeAttrib and write Playing. [control]
 #pragma once
 
 #include <array>
@@ -11,20 +11,24 @@
 namespace zv {
 
 inline constexpr int kJingles = 120;
-inline constexpr int kPaletteSlots = 96;   ///< 0..95; hot jingles follow
+inline constexpr int kPaletteSlots = 96;    ///< 0..95; hot jingles follow
 inline constexpr int kNotFound = kJingles;  ///< what a search over J ends with
 
-/// A flag that the sync dispatcher may write while the interface reads it.
-class SharedFlag {
+/// A value that the interface and the sync dispatcher share: each store is one whole, none orders another.
+template <class T>
+class Shared {
   public:
-    SharedFlag() = default;
-    SharedFlag(const SharedFlag& o) : v_(o.v_.load(std::memory_order_relaxed)) {}
-    SharedFlag& operator=(const SharedFlag& o) { v_.store(o.v_.load(std::memory_order_relaxed), std::memory_order_relaxed); return *this; }
-    SharedFlag& operator=(bool on) { v_.store(on, std::memory_order_relaxed); return *this; }
-    operator bool() const { return v_.load(std::memory_order_relaxed); }
+    Shared(T value = {}) : v_(value) {}
+    Shared(const Shared& o) : v_(T(o)) {}
+    Shared& operator=(const Shared& o) { return *this = T(o); }
+    Shared& operator=(T value) {
+        v_.store(value, std::memory_order_relaxed);
+        return *this;
+    }
+    operator T() const { return v_.load(std::memory_order_relaxed); }
 
   private:
-    std::atomic<bool> v_{false};
+    std::atomic<T> v_;
 };
 
 /// Values of JingleRecord::State.
@@ -37,21 +41,21 @@ enum class SlotKind : std::uint8_t { nothing = 0, stream = 1, playlist = 2 };
 inline constexpr const char* kFaceColourText = "vbButtonFace";
 
 struct JingleRecord {
-    std::uint8_t AutoDuck = 0;      ///< 0 not chosen, 1 ducks, 2 deliberately does not
-    std::string AutoDuckKey;        ///< raw text of the key as last read
-    bool Unplayable = false;        ///< the file exists but the engine refuses it
+    std::uint8_t AutoDuck = 0;             ///< 0 not chosen, 1 ducks, 2 deliberately does not
+    std::string AutoDuckKey;               ///< raw text of the key as last read
+    bool Unplayable = false;               ///< the file exists but the engine refuses it
     std::string BTNCol = kFaceColourText;  ///< RRGGBB or "vbButtonFace"
-    std::int32_t BackRGB = 0;       ///< 0xBBGGRR in effect
-    double CueStart = 0;            ///< bytes
-    double Duration = 0;            ///< seconds, never below 0
-    double EndOffset = 0;           ///< bytes cut from the end, never below 0
-    std::int16_t BassErr = 0;       ///< code of the last failed opening
-    std::int32_t FadeOut = 0;       ///< ms
-    std::int32_t FadeAttrib = 2;    ///< BASS_ATTRIB_VOL, with BASS_SLIDE_LOG for a logarithmic fade
+    std::int32_t BackRGB = 0;              ///< 0xBBGGRR in effect
+    double CueStart = 0;                   ///< bytes
+    double Duration = 0;                   ///< seconds, never below 0
+    double EndOffset = 0;                  ///< bytes cut from the end, never below 0
+    std::int16_t BassErr = 0;              ///< code of the last failed opening
+    Shared<std::int32_t> FadeOut = 0;      ///< ms
+    Shared<std::int32_t> FadeAttrib = 2;   ///< BASS_ATTRIB_VOL, with BASS_SLIDE_LOG for a logarithmic fade
     std::int32_t ForeRGB = 0;
-    std::int32_t Freq = 0;          ///< Hz
-    std::string FXV;                ///< eleven numbers separated by commas
-    bool PlayingOtherPal = false;   ///< still sounding from an earlier palette
+    std::int32_t Freq = 0;         ///< Hz
+    std::string FXV;               ///< eleven numbers separated by commas
+    bool PlayingOtherPal = false;  ///< still sounding from an earlier palette
     std::uint8_t LogFadeOut = 0;
     std::uint8_t Loop = 0;
     std::uint8_t LoopFadeOut = 0;
@@ -59,30 +63,37 @@ struct JingleRecord {
     bool MissingFile = false;
     std::uint8_t NoAutomix = 0;
     std::uint8_t NoTrigDuck = 0;
-    SharedFlag Playing;
-    std::string Path;               ///< as the file has it
+    Shared<bool> Playing;
+    std::string Path;  ///< as the file has it
     PlayState State = PlayState::idle;
     SlotKind Kind = SlotKind::nothing;
     PlayMode PlayMod = PlayMode::global;
     std::string Playlist;
-    std::int32_t ReverbMs = 0;      ///< ms of reverb tail
-    std::uint32_t FadeSync = 0;     ///< sync that ends a stop with tail; 0 none
+    std::int32_t ReverbMs = 0;   ///< ms of reverb tail
+    std::uint32_t FadeSync = 0;  ///< sync that ends a stop with tail; 0 none
     std::uint8_t Seq = 0;
     std::uint8_t SeqBefore = 0;
     std::uint8_t Pressed = 0;
-    double StopPos = 0;             ///< bytes, 0 = to the end
-    std::uint32_t hPlay = 0, hSrc = 0;
-    int Volm = 100;                 ///< percent
+    double StopPos = 0;               ///< bytes, 0 = to the end
+    Shared<std::uint32_t> hPlay = 0;  ///< the tempo channel that is played and mixed
+    std::uint32_t hSrc = 0;           ///< the decoding source under it
+    int Volm = 100;                   ///< percent
+    /// Of a file that could not be opened: the record shows defaults, the palette file keeps what it had.
+    bool KeepsStored = false;
+    int StoredVolm = 100;
+    std::uint8_t StoredLoop = 0, StoredSeq = 0;
     std::int64_t Spare = 0;
 };
 
 extern std::array<JingleRecord, kJingles> J;
-extern std::array<std::uint8_t, kJingles> JExists;   ///< 1 when the button exists and is in use
+extern std::array<std::uint8_t, kJingles> JExists;  ///< 1 when the button exists and is in use
 extern std::array<std::uint32_t, kJingles> JReverbFx, JVolFx, JEqFx;
-extern int LastPalIdx;                               ///< JinglesRows x JinglesCols - 1
+extern int LastPalIdx;  ///< JinglesRows x JinglesCols - 1
 
 /// Slot of a channel handle, kNotFound (120) when none has it. [any]
 int FindJingle(std::uint32_t channel);
+/// A position as the engine takes it: whole bytes, 0 for what is below or no number.
+std::uint64_t BytePosition(double position);
 /// Last live index: 95 + 2 x JinglesCols.
 int LastLiveIdx();
 /// The loop filter of all walks: not above LastPalIdx, or 96 and up to LastLiveIdx().

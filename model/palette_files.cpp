@@ -26,10 +26,10 @@ JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
 
 /// The text of the wholly rounded loop end; "0" when it is the end of the sound, which needs no key.
 std::string loopOutText(const JingleRecord& jingle) {
-    const double rounded = std::round(jingle.LoopOut);
-    if (jingle.hSrc != 0 && rounded == static_cast<double>(BASS_ChannelGetLength(jingle.hSrc, BASS_POS_BYTE)))
+    if (jingle.hSrc != 0 &&
+        jingle.LoopOut == static_cast<double>(BASS_ChannelGetLength(jingle.hSrc, BASS_POS_BYTE)))
         return "0";
-    return NumberText(rounded);
+    return NumberText(std::nearbyint(jingle.LoopOut));
 }
 
 bool holds(const std::string& text, const std::string& part) {
@@ -41,6 +41,9 @@ bool wantsImport(const std::string& path) {
     return isAbsolutePath(path) || holds(path, "\\\\") || holds(path, ":\\") ||
            holds(path, settings.SampleDir);
 }
+
+/// Names of files that this save could not import.
+std::vector<std::string> lockedFiles;
 
 /// Copies the file into the sample folder; the path of the copy, or `path` when it could not be made.
 std::string importFile(const std::string& path) {
@@ -70,31 +73,53 @@ std::string importFile(const std::string& path) {
         }
     }
     if (!copied) {
-        ErrDisp("no", 0, Ln("mMslockedFile1") + " " + name + " " + Ln("mMslockedFile2"));
+        lockedFiles.push_back(name);
         return path;
     }
     return target;
 }
 
-/// Lines of slots `first` to `last` with their numbers less `first`.
-std::vector<cImpulse::Line> linesOf(int first, int last) {
+/// What a section holds for one slot, as it stands there.
+std::vector<cImpulse::Line> storedLines(const std::vector<cImpulse::Line>& section, int suffix) {
+    const std::string ending = "_" + std::to_string(suffix);
+    std::vector<cImpulse::Line> lines;
+    for (const cImpulse::Line& line : section)
+        if (line.first.ends_with(ending)) lines.push_back(line);
+    return lines;
+}
+
+/// Lines of slots `first` to `last` with their numbers less `first`. `stored` is what the file holds for
+/// them.
+std::vector<cImpulse::Line> linesOf(int first, int last, const std::vector<cImpulse::Line>& stored) {
     std::vector<cImpulse::Line> lines;
     for (int i = first; i <= last; ++i) {
         JingleRecord& jingle = record(i);
         const int suffix = i - first;
-        if (jingle.Kind == SlotKind::playlist) {
-            lines.emplace_back("Playlist_" + std::to_string(suffix), jingle.Playlist);
-            if (jingle.BTNCol != kFaceColourText)
-                lines.emplace_back("BTNCol_" + std::to_string(suffix), jingle.BTNCol);
-            continue;
+        std::vector<cImpulse::Line> own;
+        if (jingle.PlayingOtherPal) {
+            // The record is still that of an earlier palette; this one's slot waits in the file.
+            own = storedLines(stored, suffix);
+        } else if (jingle.Kind == SlotKind::playlist) {
+            own.emplace_back("Playlist_" + std::to_string(suffix), jingle.Playlist);
+            own.emplace_back("BTNCol_" + std::to_string(suffix),
+                             jingle.BTNCol == kFaceColourText ? std::string() : jingle.BTNCol);
+        } else if (!jingle.Path.empty()) {
+            // An imported file is the slot's file from now on, also when the section cannot be written.
+            jingle.Path = StoredPath(jingle.Path);
+            own = JingleLines(jingle, suffix, jingle.Path);
         }
-        if (jingle.Path.empty()) continue;
-        // An imported file is the slot's file from now on, also when the section cannot be written.
-        jingle.Path = StoredPath(jingle.Path);
-        const auto own = JingleLines(jingle, suffix, jingle.Path);
         lines.insert(lines.end(), own.begin(), own.end());
     }
     return lines;
+}
+
+/// What is to be said once a save is over: nothing hides it any more.
+void sayLockedFiles() {
+    if (lockedFiles.empty()) return;
+    std::string names;
+    for (const std::string& name : lockedFiles) names += " " + name;
+    lockedFiles.clear();
+    ErrDisp("no", 0, Ln("mMslockedFile1") + names + ". " + Ln("mMslockedFile2"));
 }
 
 bool sayWhetherWritten(bool written, const std::string& file) {
@@ -122,13 +147,17 @@ std::vector<cImpulse::Line> JingleLines(const JingleRecord& jingle, int suffix, 
     const auto putUnless = [&](const char* stem, const std::string& value, const char* standard) {
         if (value != standard) put(stem, value);
     };
+    const bool kept = jingle.KeepsStored;
+    const int loop = kept ? jingle.StoredLoop : jingle.Loop;
+    const int seq = kept ? jingle.StoredSeq : jingle.Seq;
     put("Path_", path);
-    putUnless("Volm_", std::to_string(jingle.Volm), "100");
+    putUnless("Volm_", std::to_string(kept ? jingle.StoredVolm : jingle.Volm), "100");
     putUnless("AutoDuck_", std::to_string(jingle.AutoDuck), "0");
-    if (jingle.NoAutomix == 1) put("NoAutomix_", "1");
-    if (jingle.NoTrigDuck == 1) put("NoTrigDuck_", "1");
-    if (jingle.Loop != 0) put("Loop_", "1");
-    if (jingle.Seq != 0) put("Seq_", "1");
+    // These two go from the section also where it is written over.
+    put("NoAutomix_", jingle.NoAutomix == 1 ? "1" : "");
+    put("NoTrigDuck_", jingle.NoTrigDuck == 1 ? "1" : "");
+    if (loop != 0) put("Loop_", "1");
+    if (seq != 0) put("Seq_", "1");
     putUnless("LoopIn_", NumberText(jingle.LoopIn), "0");
     putUnless("LoopOut_", loopOutText(jingle), "0");
     putUnless("FadeOut_", std::to_string(jingle.FadeOut), "0");
@@ -175,12 +204,11 @@ bool CloseFile(const std::string& name) {
     bool written = false;
     guarded("modMain.CloseFile", [&] {
         if (name.empty()) return;
-        const std::string old = SaveMode == "rename" && modelUpcalls.selectedPalette
-                                    ? modelUpcalls.selectedPalette()
-                                    : std::string();
+        const bool rename = SaveMode == "rename" && modelUpcalls.selectedPalette;
+        const std::string old = rename ? modelUpcalls.selectedPalette() : std::string();
         ErrDisp("save");
         PaletteStore.SetIniPath(PalFile);
-        auto lines = linesOf(0, kPaletteSlots - 1);
+        auto lines = linesOf(0, kPaletteSlots - 1, PaletteStore.GetSectionLines(settings.PaletteIndex));
         if (lines.empty()) lines.emplace_back(kEmptyPaletteKey, "Yes");
 
         // The section is replaced where its old one has to go; otherwise the keys are written over what is
@@ -188,31 +216,23 @@ bool CloseFile(const std::string& name) {
         const bool replace = SaveMode == "save" || SameText(old, name);
         written = sayWhetherWritten(PaletteStore.PutSection(name, lines, replace), PalFile);
         if (!written) return;
-        if (!replace) {
-            for (int i = 0; i < kPaletteSlots; ++i) {
-                const JingleRecord& jingle = record(i);
-                if (jingle.Path.empty()) continue;
-                if (jingle.NoAutomix != 1) PaletteStore.PutValue("NoAutomix_" + std::to_string(i), "", name);
-                if (jingle.NoTrigDuck != 1)
-                    PaletteStore.PutValue("NoTrigDuck_" + std::to_string(i), "", name);
-            }
-        }
         // Only now that the palette stands under its new name may the old one go.
         if (!old.empty() && !SameText(old, name)) PaletteStore.DeleteSection(old);
 
+        bool removed = true;
         if (modelUpcalls.pendingRemovals)
             for (const auto& [section, slot] : modelUpcalls.pendingRemovals())
-                if (!section.empty()) RemJing(section, slot);
-        callUp(modelUpcalls.paletteListChanged, name);
-        callUp(modelUpcalls.showPaletteName, name);
-        written = CloseFileHotJingles();
-        callUp(modelUpcalls.clearPendingRemovals);
+                if (!section.empty()) removed = RemJing(section, slot) && removed;
+        guarded("modMain.CloseFile", [&] {
+            callUp(modelUpcalls.paletteListChanged, name);
+            callUp(modelUpcalls.showPaletteName, name);
+        });
+        written = CloseFileHotJingles() && removed;
+        if (removed) callUp(modelUpcalls.clearPendingRemovals);
+        if (written) ErrDisp("hide");
         SaveMode.clear();
-        if (written) {
-            ErrDisp("hide");
-            PalToSave = false;
-        }
     });
+    guarded("modMain.CloseFile", sayLockedFiles);
     return written;
 }
 
@@ -221,8 +241,8 @@ bool CloseFileHotJingles() {
     guarded("modMain.CloseFileHotJingles", [&] {
         ErrDisp("save");
         HotStore.SetIniPath(HotFile);
-        written = sayWhetherWritten(
-            HotStore.PutSection(kHotSection, linesOf(kPaletteSlots, kJingles - 1), true), HotFile);
+        const auto lines = linesOf(kPaletteSlots, kJingles - 1, HotStore.GetSectionLines(kHotSection));
+        written = sayWhetherWritten(HotStore.PutSection(kHotSection, lines, true), HotFile);
     });
     return written;
 }

@@ -1,5 +1,5 @@
-/// What the model asks of the rooms above it. They fill the table at start; an unfilled callback does nothing.
-/// [control]
+/// What the model asks of the rooms above it. They fill the table at start; an unfilled callback does
+/// nothing. [control]
 #pragma once
 
 #include <functional>
@@ -15,11 +15,12 @@ struct ModelUpcalls {
     std::function<void(int index)> openStreams;
 
     // ---- ui ----
-    std::function<void()> beginLoad;   ///< mark "wait" shown, selection marks hidden, centred list scrolled
-    std::function<void()> endLoad;     ///< the wait mark goes if it still shows
-    std::function<void(const std::string& name)> showPaletteName;    ///< txtDisPal
-    std::function<void(const std::string& name)> paletteListChanged;  ///< refresh lstPal, select and centre `name`
-    std::function<std::string()> selectedPalette;                     ///< text of lstPal, empty without a selection
+    std::function<void()> beginLoad;  ///< mark "wait" shown, selection marks hidden, centred list scrolled
+    std::function<void()> endLoad;    ///< the wait mark goes if it still shows
+    std::function<void(const std::string& name)> showPaletteName;  ///< txtDisPal
+    std::function<void(const std::string& name)>
+        paletteListChanged;                        ///< refresh lstPal, select and centre `name`
+    std::function<std::string()> selectedPalette;  ///< text of lstPal, empty without a selection
     /// Slots moved away from other palettes: section and slot; worked off by the save.
     std::function<std::vector<std::pair<std::string, int>>()> pendingRemovals;
     std::function<void()> clearPendingRemovals;
