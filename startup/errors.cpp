@@ -130,6 +130,12 @@ std::string BassErrMessage(int code) {
     return first.empty() ? first : LanguageStore.GetValue(key, 0, settings.Language, first);
 }
 
+std::vector<const char*> EngineErrorKeys() {
+    std::vector<const char*> keys;
+    for (const CodeName& c : kCodes) keys.push_back(c.key);
+    return keys;
+}
+
 void ConsoleAdd(std::string_view line, bool clear) {
     if (startupUpcalls.consolePaused && startupUpcalls.consolePaused()) return;
     std::vector<std::string> pieces;

@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zv {
 
@@ -45,6 +46,8 @@ void Error_(std::string_view message);
 void ErrorLive_(std::string_view message);
 /// The language's text for an engine error code; empty for a code that has none.
 std::string BassErrMessage(int code);
+/// The language keys of all codes that have one.
+std::vector<const char*> EngineErrorKeys();
 
 /// The report of an unexpected error in `procedure` ("modMain.CloseFile", ".lstPal_MouseUp"): clipboard,
 /// Errors.txt, report window. One at a time: while the window is open further ones are dropped. The fourth of
