@@ -76,11 +76,11 @@ std::array<int, 6> GetLevels() {
             }
         }
     }
-    for (const DWORD other : {hLive, hTmAnVoice, hTmAn}) {
+    for (const DWORD other : {DWORD{hLive}, DWORD{hTmAnVoice}, DWORD{hTmAn}}) {
         const Pair level = levelOf(other);
         meter.raise(level);
         trigger = std::max({trigger, level.left, level.right});
-        if (other != hLive) {
+        if (other != DWORD{hLive}) {
             duck.raise(level);
         }
     }

@@ -1,0 +1,98 @@
+#include "tests/ui/window_test.h"
+
+#include "audio/streams.h"
+#include "model/jingle.h"
+#include "model/state.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+#include "ui/commands.h"
+#include "ui/edit_commands.h"
+#include "ui/layout.h"
+#include "ui/palette_list.h"
+#include "ui/timers.h"
+#include "ui/upcalls_fill.h"
+
+namespace zv::test {
+
+namespace {
+
+constexpr int kFramesPerMs = static_cast<int>(kRate) / 1000;
+
+}  // namespace
+
+WindowTest::WindowTest() {
+    std::filesystem::copy_file(ZV_SOURCE_DIR "/data/language_original.ini", path("language.ini"));
+    settings.Language = kEnglish;
+    settings.ConfirmExit = 0;
+    LoadingUI = false;
+    Unloading = false;
+    MoveSrcJ = MoveDstJ = RenameJ = -1;
+    ClipPath.clear();
+    OptionCode.clear();
+    OptionControl.clear();
+    LoopToggleStep = 0;
+    JExists.fill(0);
+    FillUpcalls();
+    Form_Load();
+    FormsLoad("frmMain");
+    LnStrings("frmMain");
+    MainWindow& w = frmMain();
+    w.palettes.lstPal.items = std::vector<std::string>();
+    w.palettes.lstPal.listIndex = -1;
+    w.display.lblErr.visible = false;
+    w.display.txtDisPal.caption = "";
+    NotSavePal();
+    HideSelectors();
+    for (int i = 0; i < kJingles; ++i) {
+        ClearButton(i);
+    }
+    PalToSave = false;
+    resize(1280, 800);
+    StartTimers();
+}
+
+WindowTest::~WindowTest() {
+    StopTimers();
+    for (int i = 0; i < kJingles; ++i) {
+        ClearButton(i);
+    }
+}
+
+void WindowTest::resize(int widthPixels, int heightPixels) {
+    frmMain().window.width = widthPixels * kTwipsPerPixel;
+    frmMain().window.height = heightPixels * kTwipsPerPixel;
+    FormDraw("init");
+}
+
+void WindowTest::load(int index, int ms, const std::string& keys) {
+    const bool hot = index >= kPaletteSlots;
+    const std::string number = std::to_string(hot ? index - kPaletteSlots : index);
+    const std::string file = "Audio_Sample/sound_" + std::to_string(index) + ".wav";
+    writeWav(path(file), sine(static_cast<std::size_t>(ms * kFramesPerMs), 1000));
+    std::string& bytes = palettes_;
+    bytes = "[Test]\r\nPath_" + number + "=Audio_Sample\\sound_" + std::to_string(index) + ".wav\r\n" + keys +
+            "\r\n";
+    if (hot) {
+        bytes.replace(0, 6, "[HotJingles]");
+    }
+    const std::string before = read(hot ? "HotJingles.ini" : "palette.ini");
+    write(hot ? "HotJingles.ini" : "palette.ini", bytes);
+    openNames(index, hot ? kHotSection : "Test", hot);
+    openStreams(index);
+    write(hot ? "HotJingles.ini" : "palette.ini", before);
+}
+
+void WindowTest::writePalette(const std::string& name, int slots) {
+    writeWav(path("Audio_Sample/short.wav"), sine(4410, 440));
+    std::string bytes = read("palette.ini") + "[" + name + "]\r\n";
+    for (int i = 0; i < slots; ++i) {
+        bytes += "Path_" + std::to_string(i) + "=Audio_Sample\\short.wav\r\n";
+    }
+    write("palette.ini", bytes);
+}
+
+void WindowTest::press(int index) { button(index).onMouseDown({}); }
+void WindowTest::release(int index) { button(index).onMouseUp({}); }
+
+}  // namespace zv::test

@@ -1,0 +1,36 @@
+// The main window over the studio: records, timers and sound as in the program, without a widget.
+#pragma once
+
+#include <string>
+
+#include "model/jingle.h"
+#include "tests/support/desktop.h"
+#include "tests/support/studio.h"
+#include "ui/jingle_buttons.h"
+#include "ui/main_window.h"
+
+namespace zv::test {
+
+class WindowTest : public StudioTest {
+  protected:
+    WindowTest();
+    ~WindowTest() override;
+
+    /// Gives the window an inner size in pixels and lays it out.
+    void resize(int widthPixels, int heightPixels);
+    /// A sound of `ms` on a slot, opened as a palette's is. `keys` are further lines of its section
+    /// ("Loop_3=1").
+    void load(int index, int ms, const std::string& keys = {});
+    /// Writes a palette of one jingle a slot in `slots`.
+    void writePalette(const std::string& name, int slots);
+    void press(int index);
+    void release(int index);
+    Control& button(int index) { return Button(index)->b_Jingle; }
+
+  private:
+    std::string palettes_;
+};
+
+inline JingleRecord& rec(int index) { return J[static_cast<std::size_t>(index)]; }
+
+}  // namespace zv::test
