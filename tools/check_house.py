@@ -19,7 +19,7 @@ MAY = {
     "online": {"audio", "model", "startup", "engine", "platform"},
     "platform": {"engine"},
 }
-FREE = {"app", "tests", "bench", "tools"}
+FREE = {"app", "tests", "benchmarks", "tools"}
 THIRD_PARTY = re.compile(r"^(Q[A-Z]\w*|Qt\w*/.*|lib(av|sw|openmpt)\w*/.*|pulse/.*|rtaudio/.*|RtAudio\.h|soundtouch/.*|SoundTouch\.h|SDL.*|zip\.h)$")
 ENGINE_PUBLIC = {"engine/bass.h", "engine/ports.h", "engine/import/library.h"}
 

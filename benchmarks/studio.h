@@ -1,0 +1,61 @@
+/// The whole mix topology of two outputs over sounds in memory, driven by hand: each call of play() is one callback of
+/// each device, on the calling thread, while the engine's own workers run as on air.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "engine/bass.h"
+#include "engine/ports.h"
+
+namespace zv::bench {
+
+inline constexpr std::uint32_t kRate = 44100;
+inline constexpr std::uint32_t kPeriod = 256;
+
+/// Devices that wait to be asked.
+class HandDevices final : public DeviceSource {
+  public:
+    std::vector<DeviceDescription> outputs() override;
+    std::vector<DeviceDescription> inputs() override { return {}; }
+    std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate, SoundClient& client) override;
+    std::unique_ptr<SoundDevice> openInput(const std::string&, std::uint32_t, SoundClient&) override { return nullptr; }
+    std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) override;
+    bool offline() const override { return false; }
+
+    /// One period on every output.
+    void period();
+    /// Processor seconds of the longest callback since the last call.
+    double takeLongest();
+    const std::vector<float>& heard() const { return buffer_; }
+
+  private:
+    friend class HandDevice;
+    std::vector<SoundClient*> clients_;
+    std::vector<float> buffer_ = std::vector<float>(2 * kPeriod);
+    double longest_ = 0;
+};
+
+/// Sounds of noise: `count` of them, `frames` long, stereo.
+std::vector<std::vector<float>> makeSounds(std::size_t count, std::size_t frames);
+
+class Studio {
+  public:
+    /// `sounds` must outlive it. Sound k is the file "k".
+    explicit Studio(const std::vector<std::vector<float>>& sounds);
+    ~Studio();
+    Studio(const Studio&) = delete;
+    Studio& operator=(const Studio&) = delete;
+
+    /// Opens file "k" as a jingle in its place in the main mixer, stopped, looping.
+    DWORD jingle(std::size_t k);
+    void play(std::size_t periods);
+
+    std::shared_ptr<HandDevices> devices = std::make_shared<HandDevices>();
+
+  private:
+    DWORD mainMixer_ = 0;
+};
+
+}  // namespace zv::bench
