@@ -1,4 +1,5 @@
 // Playing, states, positions, flags.
+#include <algorithm>
 #include <cmath>
 
 #include "engine/engine.h"
@@ -45,8 +46,8 @@ DWORD BASS_ChannelIsActive(DWORD handle) {
     setError(BASS_OK);
     if (channel->control.paused) return BASS_ACTIVE_PAUSED;
     if (!call.engine.active(*channel)) return BASS_ACTIVE_STOPPED;
-    // A file that waits for its decoder is not what a caller calls stalled: it is about to sound.
-    const bool stalled = channel->shared.stalled.load(std::memory_order_relaxed);
+    // Only what comes from outside stalls; a file whose decoder is a moment late is playing.
+    const bool stalled = !channel->root().sound && channel->shared.stalled.load(std::memory_order_relaxed);
     return stalled ? BASS_ACTIVE_STALLED : BASS_ACTIVE_PLAYING;
 }
 
@@ -151,17 +152,12 @@ bool BASS_ChannelPlay(DWORD handle, bool restart) {
     Engine& e = call.engine;
     const auto channel = e.find(handle);
     if (!channel) return fail(BASS_ERROR_HANDLE, false);
-    ControlState& c = channel->control;
-    if (channel->decoding && c.mixer == 0) return fail(BASS_ERROR_DECODE, false);
+    if (channel->decoding && channel->control.mixer == 0) return fail(BASS_ERROR_DECODE, false);
     if (restart && channel->root().sound) setPosition(e, *channel, 0);
-    c.playing = true;
-    c.paused = false;
-    Command command;
-    command.order = Order::Play;
-    command.channel = channel.get();
-    command.a = ++c.generation;
-    e.send(command);
-    e.workers.wake();
+    orderPlay(e, *channel);
+    if (!channel->decoding && (channel->flags & BASS_STREAM_AUTOFREE) != 0 &&
+        std::ranges::find(e.freedWhenStopped, handle) == e.freedWhenStopped.end())
+        e.freedWhenStopped.push_back(handle);
     return succeed(true);
 }
 

@@ -181,6 +181,7 @@ HSYNC BASS_ChannelSetSync(DWORD handle, DWORD type, QWORD position, SYNCPROC* pr
         command.channel = channel.get();
         command.object = node.release();
         e.send(command);
+        e.dispatcher.watch();
         return succeed(sync);
     } catch (...) {
         return fail<HSYNC>(BASS_ERROR_MEM, 0);

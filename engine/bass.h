@@ -33,6 +33,7 @@ inline constexpr DWORD BASS_SAMPLE_LOOP = 4;
 inline constexpr DWORD BASS_SAMPLE_FLOAT = 0x100;
 inline constexpr DWORD BASS_MUSIC_RAMP = 0x200;
 inline constexpr DWORD BASS_MUSIC_PRESCAN = 0x20000;
+inline constexpr DWORD BASS_STREAM_AUTOFREE = 0x40000;  ///< a playing channel: freed when it has stopped
 inline constexpr DWORD BASS_STREAM_DECODE = 0x200000;
 inline constexpr DWORD BASS_UNICODE = 0x80000000;
 inline constexpr DWORD BASS_FX_FREESOURCE = 0x10000;

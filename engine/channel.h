@@ -107,6 +107,7 @@ struct AudioState {
     Plug* plug = nullptr;
     Chain* chain = nullptr;
     SyncNode* syncs = nullptr;
+    std::uint64_t firstSync = ~std::uint64_t{0};  ///< the lowest frame that a sync waits for
 
     Slide volume, voldsp;
     bool inSlides = false;

@@ -62,6 +62,19 @@ void orderMove(Engine& engine, Channel& channel, std::uint64_t frame) {
     engine.workers.wake();
 }
 
+void orderPlay(Engine& engine, Channel& channel) {
+    ControlState& c = channel.control;
+    c.playing = true;
+    c.paused = false;
+    Command command;
+    command.order = Order::Play;
+    command.channel = &channel;
+    command.a = ++c.generation;
+    engine.send(command);
+    engine.workers.wake();
+    engine.dispatcher.watch();
+}
+
 void orderStop(Engine& engine, Channel& channel) {
     Command command;
     command.order = Order::Stop;

@@ -59,6 +59,7 @@ class CommandQueue {
     void flush();
     bool pop(Command& command) { return ring_.pop(command); }  ///< [audio]
     bool empty() const { return ring_.filled() == 0; }
+    bool settled() const { return empty() && waiting_.empty(); }  ///< under the engine's lock
     std::uint64_t overflows() const { return overflows_.load(std::memory_order_relaxed); }
 
     static constexpr std::size_t kCapacity = 8192, kReserved = 1024;

@@ -23,7 +23,7 @@ void OutputSlot::deviceBack() {
     lost_.store(false, std::memory_order_release);
 }
 
-bool OutputSlot::open(std::unique_ptr<Device> device, std::uint32_t graphRate, bool oneClock) {
+bool OutputSlot::open(std::unique_ptr<SoundDevice> device, std::uint32_t graphRate, bool oneClock) {
     device_ = std::move(device);
     rate_ = device_->rate();
     if (rate_ == 0) return false;

@@ -39,7 +39,7 @@ class OutputSlot final : public SoundClient {
     /// Lower drives. [control] writes
     std::atomic<std::uint64_t> rank{~std::uint64_t{0}};
 
-    bool open(std::unique_ptr<Device> device, std::uint32_t graphRate, bool oneClock);
+    bool open(std::unique_ptr<SoundDevice> device, std::uint32_t graphRate, bool oneClock);
     void close();
     std::uint32_t rate() const { return rate_; }
     Bridge* bridge() { return bridge_.get(); }
@@ -51,7 +51,7 @@ class OutputSlot final : public SoundClient {
     Outputs& outputs_;
     const int number_;
     std::atomic<bool> ready_{false}, lost_{false};
-    std::unique_ptr<Device> device_;
+    std::unique_ptr<SoundDevice> device_;
     std::uint32_t rate_ = 0;
     std::unique_ptr<Bridge> bridge_;
     std::unique_ptr<dsp::Resampler> resampler_;  ///< from the graph's rate, null when equal
@@ -107,7 +107,7 @@ class InputSlot final : public SoundClient {
     void remove(const RecordInput* input);
     std::string id;
     bool initialised = false;
-    std::unique_ptr<Device> device;
+    std::unique_ptr<SoundDevice> device;
 
   private:
     std::array<std::atomic<RecordInput*>, kMostRecordings> inputs_{};

@@ -59,7 +59,7 @@ void Engine::install(const EnginePorts& newPorts) {
         ports = newPorts;
         outputs.hooks = {offline(), beforeBlock, afterPeriod};
     }
-    dispatcher.start([] { Engine::instance().runSyncs(); }, !offline());
+    dispatcher.start([] { return Engine::instance().runSyncs(); }, !offline());
     if (!offline()) workers.start();
 }
 
@@ -73,6 +73,7 @@ void Engine::freeEverything() {
     settleOrders();
     inputs.clear();
     urls.clear();
+    freedWhenStopped.clear();
     outputRegister.clear();
     inputRegister.clear();
     graph.restart();
@@ -178,6 +179,16 @@ void Engine::rankOutputs() {
     }
 }
 
+void Engine::reap() {
+    std::erase_if(freedWhenStopped, [this](DWORD handle) {
+        const auto channel = find(handle);
+        if (channel && (active(*channel) || channel->control.paused)) return false;
+        std::unique_lock<std::mutex> none;
+        if (channel) freeChannel(channel, none);
+        return true;
+    });
+}
+
 void Engine::settleOrders() {
     graph.commands.flush();
     if (!outputs.anyOpen()) {
@@ -205,7 +216,7 @@ void Engine::waitForOrders(std::unique_lock<std::mutex>& lock) {
     }
 }
 
-void Engine::runSyncs() {
+bool Engine::runSyncs() {
     SyncEvent event;
     while (graph.syncEvents.pop(event)) {
         std::unique_lock lock(mutex);
@@ -229,7 +240,14 @@ void Engine::runSyncs() {
         settleOrders();
         finished_.notify_all();
     }
-    if (const std::unique_lock lock(mutex, std::try_to_lock); lock) settleOrders();
+    const std::unique_lock lock(mutex, std::try_to_lock);
+    if (!lock) return true;
+    settleOrders();
+    // While something with a sync sounds, or orders wait for room, another look is worth it.
+    return !graph.commands.settled() || std::ranges::any_of(syncs, [this](const auto& entry) {
+        const auto channel = find(entry.second.channel);
+        return channel && active(*channel);
+    });
 }
 
 void Engine::refreshDevices() {

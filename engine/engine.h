@@ -41,6 +41,7 @@ class Engine {
     std::unordered_map<HFX, std::shared_ptr<Effect>> effects;
     std::unordered_map<HSYNC, SyncRecord> syncs;
     std::vector<std::weak_ptr<UrlInput>> urls;
+    std::vector<DWORD> freedWhenStopped;  ///< channels that ask for it, once they have been started
 
     DeviceRegister outputRegister, inputRegister;
     std::vector<bool> outputInitialised = std::vector<bool>(kMostDevices, false);
@@ -67,12 +68,15 @@ class Engine {
     void refreshDevices();
     InputSlot* input(int number);
 
+    /// Frees what asked for it and has stopped.
+    void reap();
     /// Runs orders at once where no callback does it, and throws away what came back.
     void settleOrders();
     /// Waits until all orders so far have been heard: for a read by hand. At most 200 ms.
     void waitForOrders(std::unique_lock<std::mutex>& lock);
 
-    void runSyncs();
+    /// True: more may come soon.
+    bool runSyncs();
 
   private:
     void freeEverything();
@@ -86,7 +90,9 @@ class Engine {
 /// Stands in every operation: holds the lock, and leaves orders settled.
 class Call {
   public:
-    Call() : engine(Engine::instance()), lock(engine.mutex) {}
+    Call() : engine(Engine::instance()), lock(engine.mutex) {
+        if (!engine.freedWhenStopped.empty()) engine.reap();
+    }
     ~Call() {
         if (!lock.owns_lock()) lock.lock();
         engine.settleOrders();
@@ -107,6 +113,7 @@ void orderVolume(Engine& engine, Channel& channel, float value, std::uint32_t ms
                  bool stops);
 void orderVoldsp(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic);
 void orderMove(Engine& engine, Channel& channel, std::uint64_t frame);
+void orderPlay(Engine& engine, Channel& channel);
 void orderStop(Engine& engine, Channel& channel);
 std::uint64_t positionOf(Channel& channel);
 

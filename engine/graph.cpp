@@ -175,6 +175,12 @@ void Graph::free(const Command& command) {
     trash.add(command.object);
 }
 
+void Graph::findFirstSync(AudioState& a) {
+    a.firstSync = ~std::uint64_t{0};
+    for (const SyncNode* node = a.syncs; node; node = node->next)
+        a.firstSync = std::min(a.firstSync, node->frame);
+}
+
 void Graph::apply(const Command& command) {
     Channel& channel = *command.channel;
     AudioState& a = channel.audio;
@@ -242,6 +248,7 @@ void Graph::applyOrder(const Command& command) {
             auto* node = static_cast<SyncNode*>(command.object);
             node->next = a.syncs;
             a.syncs = node;
+            a.firstSync = std::min(a.firstSync, node->frame);
             break;
         }
         case Order::RemoveSync:
@@ -254,6 +261,7 @@ void Graph::applyOrder(const Command& command) {
                 *at = node->next;
                 trash.add(node);
             }
+            findFirstSync(command.channel->audio);
             break;
         case Order::EqBand:
             command.effect->eqUnit->setBand(command.a, {command.x, command.value, command.y, command.z});

@@ -84,6 +84,7 @@ class Graph {
     void stop(Channel& channel);
     void unplug(Channel& channel);
     void free(const Command& command);
+    static void findFirstSync(AudioState& a);
     void link(Channel& channel);
     void unlink(Channel& channel);
     void move(Channel& channel, std::uint64_t frame, std::uint32_t moves);

@@ -24,11 +24,16 @@ void Graph::setDry(Channel& channel, bool dry) {
 
 /// Positions from..to (without `to`) were passed: whoever waits for one of them is told.
 void Graph::passed(Channel& channel, std::uint64_t from, std::uint64_t to) {
-    for (SyncNode* node = channel.audio.syncs; node; node = node->next) {
+    AudioState& a = channel.audio;
+    if (to <= a.firstSync) return;
+    bool fired = false;
+    for (SyncNode* node = a.syncs; node; node = node->next) {
         if (node->frame < from || node->frame >= to) continue;
         if (!syncEvents.push({node->handle, channel.handle, channel.root().audio.moves})) continue;
+        fired = true;
         if (node->once) node->frame = ~std::uint64_t{0};
     }
+    if (fired) findFirstSync(a);
 }
 
 void Graph::publishPosition(Channel& channel) {

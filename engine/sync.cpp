@@ -1,13 +1,15 @@
 #include "engine/sync.h"
 
 #include <chrono>
+#include <utility>
 
 namespace zv {
 namespace {
 constexpr auto kPoll = std::chrono::milliseconds(2);
-}
+constexpr auto kIdlePoll = std::chrono::milliseconds(100);
+}  // namespace
 
-void SyncDispatcher::start(void (*drain)(), bool polls) {
+void SyncDispatcher::start(bool (*drain)(), bool polls) {
     stop();
     drain_ = drain;
     polls_ = polls;
@@ -28,19 +30,32 @@ void SyncDispatcher::settle() {
     changed_.wait(lock, [&] { return done_ >= mine; });
 }
 
+void SyncDispatcher::watch() {
+    if (!polls_) return;
+    {
+        const std::lock_guard lock(mutex_);
+        if (watching_) return;
+        watching_ = true;
+    }
+    changed_.notify_all();
+}
+
 void SyncDispatcher::run(const std::stop_token& stop) {
     std::unique_lock lock(mutex_);
     while (!stop.stop_requested()) {
         const auto due = [this] { return asked_ != done_; };
         if (polls_) {
-            changed_.wait_for(lock, stop, kPoll, due);
+            const bool watching = std::exchange(watching_, false);
+            changed_.wait_for(lock, stop, watching ? kPoll : kIdlePoll,
+                              [&] { return due() || (!watching && watching_); });
         } else {
             changed_.wait(lock, stop, due);
         }
         const std::uint64_t upTo = asked_;
         lock.unlock();
-        drain_();
+        const bool more = drain_();
         lock.lock();
+        watching_ |= more;
         done_ = upTo;
         changed_.notify_all();
     }

@@ -1,0 +1,357 @@
+// Handles, errors, arguments without sense, states, devices, levels, recordings, web streams.
+#include <limits>
+#include <random>
+#include <set>
+
+#include "tests/engine/show.h"
+
+namespace zv::test {
+namespace {
+
+using Contract = Show;
+
+TEST_F(Contract, StaleHandlesFailAndDoNothing) {
+    const Topology studio;
+    std::set<DWORD> seen;
+    DWORD stale = 0;
+    for (int i = 0; i < 500; ++i) {
+        const DWORD source = file("ramp");
+        const DWORD play = studio.jingle(source);
+        ASSERT_NE(play, 0U);
+        EXPECT_TRUE(seen.insert(source).second && seen.insert(play).second) << "a handle came back";
+        EXPECT_TRUE(BASS_StreamFree(play));
+        EXPECT_FALSE(BASS_StreamFree(source)) << "its tempo channel freed it";
+        EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_HANDLE);
+        EXPECT_FALSE(BASS_MusicFree(play));
+        stale = play;
+    }
+    EXPECT_FALSE(BASS_ChannelPlay(stale, false));
+    EXPECT_EQ(BASS_ChannelIsActive(stale), BASS_ACTIVE_STOPPED);
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_HANDLE);
+    EXPECT_EQ(BASS_ChannelGetLength(stale, 0), BASS_NO_POSITION);
+    pull(4410);
+    for (const float sample : take()) ASSERT_EQ(sample, 0);
+}
+
+TEST_F(Contract, WrongKindsAndMissingFilesFailHarmlessly) {
+    const DWORD stream = file("ramp");
+    const DWORD music = BASS_MusicLoad(false, "ramp", 0, 0, BASS_STREAM_DECODE, 0);
+    EXPECT_FALSE(BASS_MusicFree(stream));
+    EXPECT_FALSE(BASS_StreamFree(music));
+    EXPECT_FALSE(BASS_MusicFree(0));
+    EXPECT_TRUE(BASS_MusicFree(music));
+    EXPECT_EQ(file("nothing"), 0U);
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_FILEOPEN);
+    EXPECT_EQ(file("ramp", 0), 0U) << "a playing channel needs an output";
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_INIT);
+    EXPECT_FALSE(BASS_ChannelPlay(stream, false));
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_DECODE);
+    const DWORD mixer = BASS_Mixer_StreamCreate(44100, 2, BASS_STREAM_DECODE);
+    EXPECT_FALSE(BASS_Mixer_StreamAddChannel(mixer, mixer, 0)) << "a mixer in itself";
+    const DWORD outer = BASS_Mixer_StreamCreate(44100, 2, BASS_STREAM_DECODE);
+    EXPECT_TRUE(BASS_Mixer_StreamAddChannel(outer, mixer, 0));
+    EXPECT_FALSE(BASS_Mixer_StreamAddChannel(mixer, outer, 0)) << "round in a circle";
+    EXPECT_TRUE(BASS_Mixer_StreamAddChannel(mixer, stream, 0));
+    EXPECT_FALSE(BASS_Mixer_StreamAddChannel(outer, stream, 0)) << "in one mixer at a time";
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_ALREADY);
+    EXPECT_TRUE(BASS_Mixer_ChannelRemove(stream));
+    EXPECT_FALSE(BASS_Mixer_ChannelRemove(stream));
+}
+
+TEST_F(Contract, ConversionsAreExact) {
+    decoders->sounds["mono"] = {.format = {8000, 1, 8}, .length = 8000, .sample = ramp};
+    const DWORD mono = file("mono");
+    const DWORD floats = file("ramp", BASS_STREAM_DECODE | BASS_SAMPLE_FLOAT);
+    EXPECT_EQ(BASS_ChannelGetLength(mono, BASS_POS_BYTE), 16000U);
+    EXPECT_EQ(BASS_ChannelGetLength(floats, BASS_POS_BYTE), 441000U * 8);
+    EXPECT_EQ(BASS_ChannelBytes2Seconds(mono, 8000), 0.5);
+    EXPECT_EQ(BASS_ChannelSeconds2Bytes(floats, 0.5), 22050U * 8);
+    for (std::uint64_t frame = 0; frame < 441000; frame += 997)
+        ASSERT_EQ(BASS_ChannelSeconds2Bytes(floats, BASS_ChannelBytes2Seconds(floats, frame * 8)), frame * 8);
+    EXPECT_EQ(BASS_ChannelSeconds2Bytes(floats, -1), BASS_NO_POSITION);
+    BASS_CHANNELINFO info{};
+    EXPECT_TRUE(BASS_ChannelGetInfo(mono, &info));
+    EXPECT_EQ(info.freq, 8000U);
+    EXPECT_EQ(info.chans, 1U);
+    std::vector<std::int16_t> data(100);
+    EXPECT_EQ(BASS_ChannelGetData(mono, data.data(), 200), 200U);
+    EXPECT_TRUE(BASS_ChannelSetPosition(floats, 440990 * 8, BASS_POS_BYTE));
+    std::vector<float> rest(100);
+    EXPECT_EQ(BASS_ChannelGetData(floats, rest.data(), 400), 80U);
+    EXPECT_EQ(frameOf(rest[0]), 440990);
+    EXPECT_EQ(BASS_ChannelGetData(floats, rest.data(), 400), ~DWORD{0});
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_ENDED);
+}
+
+TEST_F(Contract, DevicesOpenCloseAndFallBack) {
+    EXPECT_FALSE(BASS_Init(7, 44100, 0, nullptr, nullptr));
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_DEVICE);
+    EXPECT_FALSE(BASS_Free());
+    EXPECT_TRUE(BASS_Init(-1, 44100, 0, nullptr, nullptr));
+    EXPECT_EQ(BASS_GetDevice(), 1U);
+    EXPECT_FALSE(BASS_Init(1, 44100, 0, nullptr, nullptr));
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_ALREADY);
+    EXPECT_FALSE(BASS_SetDevice(2));
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_INIT);
+    BASS_DEVICEINFO info{};
+    EXPECT_TRUE(BASS_GetDeviceInfo(2, &info));
+    EXPECT_STREQ(info.name, kAuxName.c_str());
+    EXPECT_FALSE(BASS_GetDeviceInfo(3, &info));
+    // A device keeps its number when another one goes.
+    devices->unplug(kMainName);
+    EXPECT_TRUE(BASS_GetDeviceInfo(2, &info));
+    EXPECT_STREQ(info.name, kAuxName.c_str());
+    devices->plug(kMainName);
+    const DWORD playing = file("one", 0);
+    EXPECT_TRUE(BASS_ChannelPlay(playing, false));
+    EXPECT_TRUE(BASS_Free());
+    EXPECT_EQ(BASS_ChannelIsActive(playing), BASS_ACTIVE_STOPPED);
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_HANDLE);
+    EXPECT_FALSE(BASS_Free());
+    EXPECT_TRUE(BASS_Init(1, 44100, 0, nullptr, nullptr));
+    begin({.outputs = {}});
+    EXPECT_FALSE(BASS_Init(1, 44100, 0, nullptr, nullptr));
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_DEVICE);
+    EXPECT_FALSE(BASS_Init(-1, 44100, 0, nullptr, nullptr));
+    EXPECT_TRUE(BASS_Init(0, 44100, 0, nullptr, nullptr));
+    // Into the no-sound device everything plays as ever.
+    const DWORD silent = BASS_FX_TempoCreate(file("ramp"), 0);
+    BASS_ChannelPlay(silent, false);
+    pull(44100);
+    EXPECT_EQ(BASS_ChannelGetPosition(silent, BASS_POS_BYTE), 44100U * 4);
+}
+
+TEST_F(Contract, LevelsAreThoseOfTheLastMoment) {
+    const Topology studio;
+    decoders->sounds["sides"] = {.length = 441000, .sample = [](std::uint64_t f, std::uint32_t c) {
+                                     return c == 0 ? sine(f, 1000, 44100, 0.8) : 0.25F;
+                                 }};
+    const DWORD jingle = studio.jingle(file("sides"));
+    float levels[2]{};
+    constexpr DWORD stereo = BASS_LEVEL_STEREO | BASS_LEVEL_VOLPAN;
+    EXPECT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.04F, stereo));
+    EXPECT_EQ(levels[0], 0);
+    BASS_ChannelPlay(jingle, false);
+    pull(4410);
+    EXPECT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.04F, stereo));
+    EXPECT_NEAR(levels[0], 0.8, 0.01);
+    EXPECT_NEAR(levels[1], 0.25, 1e-6);
+    EXPECT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.04F, stereo | BASS_LEVEL_RMS));
+    EXPECT_NEAR(levels[0], 0.8 / std::numbers::sqrt2, 0.01);
+    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_VOL, 0.5F);
+    pull(4410);
+    EXPECT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.04F, stereo));
+    EXPECT_NEAR(levels[0], 0.4, 0.01);
+    EXPECT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.04F, BASS_LEVEL_STEREO));
+    EXPECT_NEAR(levels[0], 0.8, 0.01);
+    EXPECT_FALSE(BASS_Mixer_ChannelGetLevelEx(0, levels, 0.04F, stereo));
+    EXPECT_FALSE(BASS_Mixer_ChannelGetLevelEx(jingle, nullptr, 0.04F, stereo));
+}
+
+TEST_F(Contract, ARecordingIsPulledLikeAFile) {
+    const Topology studio;
+    std::vector<float> voice(88200 * 2);
+    for (std::size_t f = 0; f < 88200; ++f) voice[f * 2] = voice[f * 2 + 1] = ramp(f, 0);
+    EXPECT_TRUE(BASS_RecordInit(-1));
+    EXPECT_FALSE(BASS_RecordInit(0));
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_ALREADY);
+    BASS_RECORDINFO info{};
+    EXPECT_TRUE(BASS_RecordGetInfo(&info));
+    const DWORD record = BASS_RecordStart(info.freq, 2, 0, nullptr, nullptr);
+    const DWORD mic = BASS_FX_TempoCreate(record, BASS_STREAM_DECODE | BASS_FX_FREESOURCE);
+    ASSERT_NE(mic, 0U);
+    BASS_ChannelSlideAttribute(studio.micSplit[0], BASS_ATTRIB_VOLDSP, 0, 10);
+    EXPECT_TRUE(BASS_Mixer_StreamAddChannel(studio.micMixer, mic, BASS_MIXER_CHAN_BUFFER));
+    pull(4410);
+    take();
+    take(kAuxName);
+    devices->feedInput(kMicName, voice, 44100);
+    pull(44100);
+    const std::vector<float> main = take(), aux = take(kAuxName);
+    for (const float sample : main) ASSERT_EQ(sample, 0);
+    // What was said is there to the bit, a period later.
+    for (std::size_t f = 1000; f < 44100; ++f) ASSERT_EQ(frameOf(aux[f * 2]), static_cast<double>(f) - 441);
+    EXPECT_EQ(BASS_ChannelIsActive(mic), BASS_ACTIVE_PLAYING);
+    // Closed and opened again while it sounds.
+    EXPECT_TRUE(BASS_Mixer_ChannelRemove(mic));
+    EXPECT_TRUE(BASS_StreamFree(mic));
+    EXPECT_TRUE(BASS_RecordFree());
+    pull(441);
+    take(kAuxName);
+    pull(441);
+    for (const float sample : take(kAuxName)) ASSERT_EQ(sample, 0);
+    EXPECT_TRUE(BASS_RecordInit(0));
+    const DWORD again = BASS_RecordStart(48000, 2, 0, nullptr, nullptr);
+    EXPECT_TRUE(BASS_Mixer_StreamAddChannel(studio.micMixer, again, 0));
+    pull(4410);
+    const std::vector<float> heard = take(kAuxName);
+    EXPECT_GT(heard.back(), heard[4410]) << "the voice goes on";
+}
+
+TEST_F(Contract, AWebStreamStallsAndGoesOn) {
+    // A stream that holds two seconds and then dries up.
+    class Drip final : public Decoder {
+      public:
+        explicit Drip(std::shared_ptr<std::size_t> budget) : budget_(std::move(budget)) {}
+        SoundFormat format() const override { return {44100, 2, 16}; }
+        std::optional<std::uint64_t> length() const override { return std::nullopt; }
+        std::size_t read(std::span<float> out) override {
+            const std::size_t n = std::min(out.size() / 2, *budget_);
+            *budget_ -= n;
+            std::fill_n(out.begin(), n * 2, 0.5F);
+            return n;
+        }
+        bool seek(std::uint64_t) override { return false; }
+        bool ended() const override { return false; }
+
+      private:
+        std::shared_ptr<std::size_t> budget_;
+    };
+    class Web final : public DecoderSource {
+      public:
+        std::shared_ptr<std::size_t> budget = std::make_shared<std::size_t>(88200);
+        std::unique_ptr<Decoder> openFile(const std::string&, int&) override { return nullptr; }
+        std::unique_ptr<Decoder> openModule(const std::string&, int&) override { return nullptr; }
+        std::unique_ptr<Decoder> openUrl(const std::string& url, std::uint32_t, int& error) override {
+            error = BASS_ERROR_TIMEOUT;
+            return url == "http://here" ? std::make_unique<Drip>(budget) : nullptr;
+        }
+    };
+    const auto web = std::make_shared<Web>();
+    engineControl()->install({web, nullptr, devices});
+    const Topology studio;
+    EXPECT_EQ(BASS_StreamCreateURL("http://there", 0, BASS_STREAM_DECODE, nullptr, nullptr), 0U);
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_TIMEOUT);
+    const DWORD live = BASS_StreamCreateURL("http://here", 0, BASS_STREAM_DECODE, nullptr, nullptr);
+    EXPECT_EQ(BASS_ChannelGetLength(live, BASS_POS_BYTE), BASS_NO_POSITION);
+    EXPECT_TRUE(BASS_Mixer_StreamAddChannel(studio.mainMixer, live, 0));
+    pull(44100);
+    EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_PLAYING);
+    EXPECT_EQ(take().back(), 0.5F);
+    pull(66150);
+    EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_STALLED);
+    EXPECT_EQ(take().back(), 0);
+    *web->budget = 441000;
+    pull(4410);
+    EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_PLAYING);
+    EXPECT_EQ(take().back(), 0.5F);
+}
+
+/// Every operation with arguments drawn from what is likely to hurt.
+TEST_F(Contract, NothingThatIsAskedHurts) {
+    const Topology studio;
+    std::mt19937 random(11);
+    std::vector<DWORD> handles{0, 1, ~DWORD{0}, studio.mainMixer, studio.mainSplit[0], studio.outSplit[0]};
+    for (int i = 0; i < 6; ++i) handles.push_back(studio.jingle(file(i % 2 == 0 ? "ramp" : "sine")));
+    const std::vector<QWORD> wide{0, 1, 3, 4, 1764000, 1764001, ~QWORD{0}, QWORD{1} << 63};
+    const std::vector<float> floats{0,
+                                    1,
+                                    -1,
+                                    0.5F,
+                                    1e30F,
+                                    -1e30F,
+                                    std::numeric_limits<float>::quiet_NaN(),
+                                    std::numeric_limits<float>::infinity()};
+    const std::vector<DWORD> words{0,  1,  2,  4,       8,       11,      13,        16,
+                                   19, 20, 50, 0x10000, 0x10001, 0x10002, 0x1000002, ~DWORD{0}};
+    const auto any = [&](const auto& list) { return list[random() % list.size()]; };
+    float levels[2]{};
+    std::vector<float> buffer(4096);
+    std::vector<HFX> effects{0, 5};
+    for (int turn = 0; turn < 4000; ++turn) {
+        const DWORD h = any(handles);
+        switch (random() % 26) {
+            case 0:
+                BASS_ChannelSetPosition(h, any(wide), any(words));
+                break;
+            case 1:
+                BASS_ChannelSlideAttribute(h, any(words), any(floats), any(words) % 100000);
+                break;
+            case 2:
+                BASS_ChannelSetAttribute(h, any(words), any(floats));
+                break;
+            case 3:
+                BASS_ChannelGetAttribute(h, any(words), random() % 2 == 0 ? levels : nullptr);
+                break;
+            case 4:
+                BASS_ChannelPlay(h, random() % 2 == 0);
+                break;
+            case 5:
+                BASS_ChannelStop(h);
+                break;
+            case 6:
+                BASS_ChannelPause(h);
+                break;
+            case 7:
+                BASS_ChannelFlags(h, any(words), any(words));
+                break;
+            case 8:
+                BASS_ChannelGetLength(h, any(words));
+                break;
+            case 9:
+                BASS_ChannelGetPosition(h, any(words));
+                break;
+            case 10:
+                BASS_ChannelGetLevelEx(h, levels, any(floats), any(words));
+                break;
+            case 11:
+                BASS_Mixer_ChannelGetLevelEx(h, levels, any(floats), any(words));
+                break;
+            case 12:
+                BASS_ChannelSetSync(h, any(words), any(wide), nullptr, nullptr);
+                break;
+            case 13:
+                BASS_ChannelRemoveSync(h, any(words));
+                break;
+            case 14:
+                effects.push_back(BASS_ChannelSetFX(h, any(words), static_cast<int>(any(words))));
+                break;
+            case 15:
+                BASS_FXReset(random() % 2 == 0 ? h : any(effects));
+                break;
+            case 16:
+                BASS_ChannelRemoveFX(h, any(effects));
+                break;
+            case 17:
+                BASS_ChannelBytes2Seconds(h, any(wide));
+                break;
+            case 18:
+                BASS_ChannelSeconds2Bytes(h, static_cast<double>(any(floats)));
+                break;
+            case 19:
+                BASS_Mixer_StreamAddChannel(any(handles), h, any(words));
+                break;
+            case 20:
+                if (h != studio.outSplit[0]) BASS_Mixer_ChannelRemove(h);
+                break;
+            case 21:
+                handles.push_back(BASS_FX_TempoCreate(h, any(words)));
+                break;
+            case 22:
+                handles.push_back(BASS_Split_StreamCreate(h, any(words), nullptr));
+                break;
+            case 23:
+                BASS_ChannelGetData(h, buffer.data(), any(words) % 16000);
+                break;
+            case 24:
+                BASS_StreamFree(h);
+                break;
+            case 25:
+                BASS_SetConfig(any(words), any(words));
+                break;
+        }
+        if (handles.size() < 12) handles.push_back(studio.jingle(file("ramp")));
+        if (turn % 10 == 0) pull(300);
+    }
+    EXPECT_FALSE(BASS_ChannelGetInfo(studio.mainMixer, nullptr));
+    EXPECT_FALSE(BASS_GetDeviceInfo(1, nullptr));
+    EXPECT_FALSE(BASS_FXSetParameters(0, nullptr));
+    EXPECT_EQ(BASS_StreamCreateFile(false, nullptr, 0, 0, 0), 0U);
+    EXPECT_EQ(BASS_StreamCreateFile(true, "ramp", 0, 10, 0), 0U);
+    EXPECT_EQ(BASS_StreamCreateURL(nullptr, 0, 0, nullptr, nullptr), 0U);
+    EXPECT_EQ(BASS_RecordStart(0, 0, 0, nullptr, nullptr), 0U);
+    EXPECT_EQ(BASS_Mixer_StreamCreate(0, 0, 0), 0U);
+}
+
+}  // namespace
+}  // namespace zv::test

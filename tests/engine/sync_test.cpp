@@ -1,0 +1,125 @@
+// Syncs: on the right frame, once, never late; what they order acts a period later at most.
+#include <atomic>
+#include <thread>
+
+#include "tests/engine/show.h"
+
+namespace zv::test {
+namespace {
+
+struct Fired {
+    int count = 0;
+    QWORD position = 0;
+    DWORD channel = 0;
+    std::thread::id thread;
+    float slideMs = -1;
+};
+
+void note(HSYNC, DWORD channel, DWORD, void* user) {
+    auto& fired = *static_cast<Fired*>(user);
+    ++fired.count;
+    fired.channel = channel;
+    fired.position = BASS_ChannelGetPosition(channel, BASS_POS_BYTE);
+    fired.thread = std::this_thread::get_id();
+    if (fired.slideMs >= 0)
+        BASS_ChannelSlideAttribute(channel, BASS_ATTRIB_VOL, -1, static_cast<DWORD>(fired.slideMs));
+}
+
+class Syncs : public Show {
+  protected:
+    Topology studio;
+    DWORD source = file("one");
+    DWORD jingle = studio.jingle(source);
+    Fired fired;
+
+    HSYNC at(std::uint64_t frame, DWORD type = BASS_SYNC_POS | BASS_SYNC_ONETIME) {
+        return BASS_ChannelSetSync(jingle, type, frame * 4, note, &fired);
+    }
+};
+
+TEST_F(Syncs, AFadeOrderedThereBeginsAPeriodLaterAtMost) {
+    fired.slideMs = 100;
+    pull(4410);
+    take();
+    BASS_ChannelPlay(jingle, false);
+    at(1000);
+    const std::vector<float> sound = pullAndTake(44100);
+    EXPECT_EQ(fired.count, 1);
+    EXPECT_EQ(fired.channel, jingle);
+    EXPECT_NE(fired.thread, std::this_thread::get_id());
+    std::size_t fade = 0;
+    while (sound[fade * 2] == 1) ++fade;
+    EXPECT_GE(fade, 1000U);
+    EXPECT_LE(fade, 1000U + 441);
+    std::size_t end = fade;
+    while (sound[end * 2] > 0) ++end;
+    EXPECT_NEAR(static_cast<double>(end - fade), 4410, 1);
+    EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
+}
+
+TEST_F(Syncs, EveryRunGivesTheSameBits) {
+    std::vector<float> before;
+    for (int run = 0; run < 3; ++run) {
+        begin({});
+        const Topology again;
+        const DWORD one = again.jingle(file("ramp"));
+        Fired mine;
+        mine.slideMs = 30;
+        BASS_ChannelSetSync(one, BASS_SYNC_POS | BASS_SYNC_ONETIME, 3333 * 4, note, &mine);
+        BASS_ChannelPlay(one, false);
+        std::vector<float> sound = pullAndTake(8820);
+        EXPECT_EQ(mine.count, 1);
+        EXPECT_TRUE(run == 0 || sound == before);
+        before = std::move(sound);
+    }
+}
+
+TEST_F(Syncs, OnceAlwaysRemovedJumpedOverAndInsideALoop) {
+    BASS_ChannelPlay(jingle, false);
+    at(500);
+    at(600, BASS_SYNC_POS);
+    const HSYNC removed = at(700);
+    EXPECT_TRUE(BASS_ChannelRemoveSync(jingle, removed));
+    EXPECT_FALSE(BASS_ChannelRemoveSync(jingle, removed));
+    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_HANDLE);
+    pull(882);
+    EXPECT_EQ(fired.count, 2);
+    // The one-time sync is gone, the other fires again.
+    BASS_ChannelSetPosition(jingle, 0, BASS_POS_BYTE);
+    pull(882);
+    EXPECT_EQ(fired.count, 3);
+    // Jumped over: silent.
+    at(2000);
+    BASS_ChannelSetPosition(jingle, 3000 * 4, BASS_POS_BYTE);
+    pull(882);
+    EXPECT_EQ(fired.count, 3);
+    // Inside a loop pass.
+    BASS_ChannelFlags(source, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
+    BASS_ChannelSetPosition(source, 1000 * 4, BASS_POS_LOOP);
+    BASS_ChannelSetPosition(source, 5000 * 4, BASS_POS_END);
+    pull(4410);
+    EXPECT_EQ(fired.count, 4);
+    // A freed channel is silent.
+    at(2500);
+    BASS_StreamFree(jingle);
+    pull(8820);
+    EXPECT_EQ(fired.count, 4);
+}
+
+TEST_F(Syncs, ManyForgottenOnesDoNotAddUp) {
+    // A program sets its stop position anew at every press and is stopped before it comes.
+    for (int press = 0; press < 500; ++press) {
+        BASS_ChannelSetPosition(jingle, 0, BASS_POS_BYTE);
+        BASS_ChannelPlay(jingle, false);
+        at(100000);
+        pull(441);
+        BASS_ChannelStop(jingle);
+    }
+    BASS_ChannelSetPosition(jingle, 99900 * 4, BASS_POS_BYTE);
+    BASS_ChannelPlay(jingle, false);
+    pull(441);
+    EXPECT_EQ(fired.count, 500);
+}
+
+}  // namespace
+}  // namespace zv::test

@@ -1,0 +1,217 @@
+// The engine under devices with threads of their own: for the sanitizers, and for what must never wait.
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <random>
+#include <thread>
+
+#include "engine/engine.h"
+#include "tests/engine/show.h"
+
+namespace zv::test {
+namespace {
+
+/// Devices whose callbacks run on threads, a fixed number of periods ahead of nobody: as fast as the test
+/// lets them. No clock.
+class ThreadedDevices final : public DeviceSource {
+  public:
+    class Line final : public SoundDevice {
+      public:
+        Line(SoundClient& client, std::uint32_t rate, bool input)
+            : client_(client), rate_(rate), input_(input) {
+            thread_ = std::jthread([this](const std::stop_token& stop) { run(stop); });
+        }
+        std::uint32_t rate() const override { return rate_; }
+        std::uint32_t period() const override { return 256; }
+
+      private:
+        void run(const std::stop_token& stop) {
+            std::vector<float> buffer(512);
+            while (!stop.stop_requested()) {
+                input_ ? client_.heard(buffer) : client_.render(buffer);
+                std::this_thread::yield();
+            }
+        }
+        SoundClient& client_;
+        std::uint32_t rate_;
+        bool input_;
+        std::jthread thread_;
+    };
+    std::vector<DeviceDescription> outputs() override {
+        return {{"one", "one", true, 44100}, {"two", "two", false, 48000}};
+    }
+    std::vector<DeviceDescription> inputs() override { return {{"mic", "mic", true, 48000}}; }
+    std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
+                                            SoundClient& client) override {
+        return std::make_unique<Line>(client, id == "two" ? 48000 : rate, false);
+    }
+    std::unique_ptr<SoundDevice> openInput(const std::string&, std::uint32_t rate,
+                                           SoundClient& client) override {
+        return std::make_unique<Line>(client, rate, true);
+    }
+    std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) override {
+        return std::make_unique<Line>(client, rate, false);
+    }
+    bool offline() const override { return false; }
+};
+
+class Threads : public Show {
+  protected:
+    Threads() {
+        engineControl()->install({decoders, nullptr, std::make_shared<ThreadedDevices>()});
+        decoders->sounds["long"] = {.length = 44100 * 180, .sample = [](std::uint64_t f, std::uint32_t) {
+                                        return f % 100 < 50 ? 0.1F : -0.1F;
+                                    }};
+    }
+};
+
+void fade(HSYNC, DWORD channel, DWORD, void* user) {
+    BASS_ChannelSlideAttribute(channel, BASS_ATTRIB_VOL, -1, 5);
+    static_cast<std::atomic<int>*>(user)->fetch_add(1);
+}
+
+TEST_F(Threads, TenThousandRandomOperations) {
+    Topology studio;
+    std::mt19937 random(3);
+    std::atomic<int> fired{0};
+    BASS_RecordInit(-1);
+    const DWORD mic = BASS_FX_TempoCreate(BASS_RecordStart(48000, 2, 0, nullptr, nullptr),
+                                          BASS_STREAM_DECODE | BASS_FX_FREESOURCE);
+    BASS_Mixer_StreamAddChannel(studio.micMixer, mic, 0);
+    struct Slot {
+        DWORD source = 0, play = 0, eq = 0, reverb = 0;
+    };
+    std::vector<Slot> slots(12);
+    for (int turn = 0; turn < 10000; ++turn) {
+        Slot& s = slots[random() % slots.size()];
+        const auto ms = static_cast<DWORD>(random() % 30);
+        const QWORD somewhere = random() % 441000 * 4;
+        switch (s.play == 0 ? 0 : random() % 18) {
+            case 0:
+                BASS_StreamFree(s.play);
+                s.source = file(std::array{"long", "ramp", "sine"}[random() % 3]);
+                s.play = studio.jingle(s.source);
+                s.eq = BASS_ChannelSetFX(s.play, BASS_FX_BFX_PEAKEQ, 5);
+                s.reverb = BASS_ChannelSetFX(s.play, BASS_FX_DX8_REVERB, 10);
+                break;
+            case 1:
+            case 2:
+            case 3:
+                press(s.play, random() % 2 == 0 ? 0 : somewhere);
+                break;
+            case 4:
+                BASS_ChannelStop(s.play);
+                break;
+            case 5:
+                BASS_ChannelSlideAttribute(s.play, BASS_ATTRIB_VOL | BASS_SLIDE_LOG, -1, ms);
+                break;
+            case 6:
+                BASS_ChannelSlideAttribute(s.play, BASS_ATTRIB_VOLDSP, 0.5F, ms);
+                break;
+            case 7:
+                BASS_ChannelFlags(s.source, random() % 2 == 0 ? BASS_SAMPLE_LOOP : 0, BASS_SAMPLE_LOOP);
+                break;
+            case 8:
+                BASS_ChannelSetPosition(s.source, somewhere, BASS_POS_LOOP);
+                break;
+            case 9:
+                BASS_ChannelSetPosition(s.source, somewhere, BASS_POS_END);
+                break;
+            case 10:
+                BASS_ChannelSetSync(s.play, BASS_SYNC_POS | BASS_SYNC_ONETIME,
+                                    BASS_ChannelGetPosition(s.play, BASS_POS_BYTE) + 20000, fade, &fired);
+                break;
+            case 11:
+                BASS_ChannelRemoveSync(s.play, 0);
+                break;
+            case 12: {
+                const BASS_BFX_PEAKEQ band{static_cast<int>(random() % 7), 2, 0, 800,
+                                           static_cast<float>(ms) - 15,    -1};
+                BASS_FXSetParameters(s.eq, &band);
+                break;
+            }
+            case 13: {
+                const BASS_DX8_REVERB room{0, ms % 2 == 0 ? -96.0F : -10.0F, 300, 0.5F};
+                BASS_FXSetParameters(s.reverb, &room);
+                break;
+            }
+            case 14:
+                BASS_FXReset(s.play);
+                break;
+            case 15:
+                BASS_ChannelSetAttribute(s.play, BASS_ATTRIB_VOLDSP_PRIORITY, static_cast<float>(ms));
+                break;
+            case 16:
+                BASS_Mixer_ChannelRemove(s.play);
+                BASS_Mixer_StreamAddChannel(studio.mainMixer, s.play, 0);
+                break;
+            case 17:
+                if (random() % 20 == 0) studio.openOutput(1, kAux, 44100);
+                break;
+        }
+        float levels[2];
+        for (const Slot& other : slots) {
+            if (BASS_ChannelIsActive(other.play) == BASS_ACTIVE_PLAYING) {
+                BASS_Mixer_ChannelGetLevelEx(other.play, levels, 0.04F,
+                                             BASS_LEVEL_STEREO | BASS_LEVEL_VOLPAN);
+                EXPECT_LE(BASS_ChannelGetPosition(other.play, BASS_POS_BYTE), QWORD{44100} * 180 * 4);
+            }
+        }
+    }
+    BASS_StreamFree(mic);
+    BASS_RecordFree();
+    BASS_SetDevice(kMain);
+    EXPECT_TRUE(BASS_Free());
+    BASS_SetDevice(kAux);
+    EXPECT_TRUE(BASS_Free());
+}
+
+TEST_F(Threads, AFloodOfOrdersLosesNothing) {
+    // Nothing pulls while the flood comes: more orders than the ring holds.
+    begin({});
+    const Topology studio;
+    const DWORD jingle = studio.jingle(file("one"));
+    BASS_ChannelPlay(jingle, false);
+    pull(441);
+    for (int i = 0; i < 20000; ++i) BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOLDSP, 0.5F, 10);
+    EXPECT_GT(engineControl()->statistics(kMain).commandOverflows, 0U);
+    BASS_ChannelStop(jingle);
+    pull(441);
+    take();
+    for (const float sample : pullAndTake(441))
+        ASSERT_EQ(sample, 0) << "a stop finds room in the fullest ring";
+    for (int i = 0; i < 10; ++i) {
+        BASS_ChannelIsActive(jingle);
+        pull(441);
+    }
+    float gain = 0;
+    BASS_ChannelGetAttribute(jingle, BASS_ATTRIB_VOLDSP, &gain);
+    EXPECT_EQ(gain, 0.5F);
+}
+
+TEST_F(Threads, APaletteOfLongFilesStaysSmall) {
+    begin({});
+    decoders->sounds["long"] = {.length = 44100 * 180,
+                                .sample = [](std::uint64_t, std::uint32_t) { return 0.1F; }};
+    const Topology studio;
+    std::vector<DWORD> jingles;
+    for (int i = 0; i < 96; ++i) {
+        const DWORD source = file("long");
+        BASS_ChannelFlags(source, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
+        BASS_ChannelSetPosition(source, 100 * 176400, BASS_POS_LOOP);
+        jingles.push_back(studio.jingle(source));
+        BASS_ChannelSetPosition(jingles.back(), 50 * 176400, BASS_POS_BYTE);
+    }
+    Engine::instance().workers.serveAll();
+    EXPECT_LT(Engine::instance().workers.memory(), 100U << 20);
+    for (const DWORD jingle : jingles) BASS_ChannelPlay(jingle, false);
+    for (int second = 0; second < 5; ++second) {
+        pull(44100);
+        Engine::instance().workers.serveAll();
+    }
+    EXPECT_LT(Engine::instance().workers.memory(), 200U << 20);
+    EXPECT_EQ(engineControl()->statistics(kMain).starvations, 0U);
+}
+
+}  // namespace
+}  // namespace zv::test
