@@ -13,12 +13,14 @@ namespace zv {
 
 struct AvDeleter {
     void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
+    void operator()(AVIOContext* io) const { avio_closep(&io); }
     void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
     void operator()(SwrContext* context) const { swr_free(&context); }
 };
 
+using IoHandle = std::unique_ptr<AVIOContext, AvDeleter>;
 using FormatHandle = std::unique_ptr<AVFormatContext, AvDeleter>;
 using CodecHandle = std::unique_ptr<AVCodecContext, AvDeleter>;
 using PacketHandle = std::unique_ptr<AVPacket, AvDeleter>;

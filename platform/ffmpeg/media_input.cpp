@@ -25,6 +25,8 @@ constexpr const char* knownContainers =
     "wav,w64,aiff,au,caf,voc,flac,ogg,mp3,aac,ac3,eac3,dts,amr,amrnb,amrwb,wv,ape,tta,mpc,mpc8,"
     "mov,mp4,m4a,3gp,asf,asf_o,xwma,mpeg,mpegvideo,mpegts,avi,matroska,webm,flv";
 
+constexpr const char* webProtocols = "http,https,tcp,tls,httpproxy";
+
 constexpr std::int64_t quickProbe = 32'768;    // a WAV opens four times as fast as with the library's 5 MB
 constexpr std::int64_t deepProbe = 5'000'000;  // large pictures in front of the sound
 constexpr int largestChannels = 64;
@@ -43,6 +45,7 @@ void prepareLibraries() {
 }
 
 int codeOf(int averror) {
+    if (averror >= 0) return BASS_OK;
     switch (averror) {
         case AVERROR(ENOMEM):
             return BASS_ERROR_MEM;
@@ -100,6 +103,8 @@ const AVCodec* findDecoder(AVCodecID codec) {
     return decoder ? decoder : avcodec_find_decoder(codec);
 }
 
+bool isSecure(const std::string& url) { return url.size() > 5 && (url[4] == 's' || url[4] == 'S'); }
+
 /// Whether this is a film, and not just something that was taken for one by its name.
 bool hasPicture(const AVFormatContext& context) {
     for (unsigned i = 0; i < context.nb_streams; ++i) {
@@ -146,15 +151,28 @@ int MediaInput::openCodec() {
     return avcodec_open2(codec_.get(), decoder, nullptr);
 }
 
-int MediaInput::open(const AVDictionary* given, std::int64_t probeBytes) {
+int MediaInput::connect() {
+    Options options;
+    options.set("protocol_whitelist", webProtocols);
+    options.set("user_agent", "Zentrova");
+    const AVIOInterruptCB interrupt{&MediaInput::interrupted, this};
+    AVIOContext* connection = nullptr;
+    const int result =
+        avio_open2(&connection, address_.c_str(), AVIO_FLAG_READ, &interrupt, &options.dictionary);
+    connection_.reset(connection);
+    return result;
+}
+
+int MediaInput::open(std::int64_t probeBytes) {
     codec_.reset();
     context_.reset();
     AVFormatContext* context = avformat_alloc_context();
     if (!context) return AVERROR(ENOMEM);
     context->interrupt_callback = {&MediaInput::interrupted, this};
+    context->pb = connection_.get();
     context->fps_probe_size = 0;
     Options options;
-    av_dict_copy(&options.dictionary, given, 0);
+    options.set("protocol_whitelist", network_ ? webProtocols : "file");
     options.set("format_whitelist", knownContainers);
     options.set("probesize", probeBytes);
     // On failure the library frees the context itself.
@@ -193,15 +211,13 @@ std::unique_ptr<MediaInput> MediaInput::openFile(const std::string& path, int& e
         return nullptr;
     }
     input->setLimit(fileLimit);
-    Options options;
-    options.set("protocol_whitelist", "file");
-    int result = input->open(options.dictionary, quickProbe);
+    int result = input->open(quickProbe);
     const bool worthAnotherLook = result == AVERROR_INVALIDDATA || result == AVERROR_STREAM_NOT_FOUND ||
                                   (result >= 0 && input->codec_->sample_rate <= 0);
     if (worthAnotherLook &&
         std::filesystem::file_size(path, failure) > static_cast<std::uintmax_t>(quickProbe))
-        result = input->open(options.dictionary, deepProbe);
-    error = result < 0 ? codeOf(result) : BASS_OK;
+        result = input->open(deepProbe);
+    error = codeOf(result);
     return result < 0 ? nullptr : std::move(input);
 }
 
@@ -217,25 +233,19 @@ std::unique_ptr<MediaInput> MediaInput::openUrl(const std::string& url, std::uin
         return nullptr;
     }
     input->setLimit(std::chrono::milliseconds(timeoutMs));
-    Options options;
-    options.set("protocol_whitelist", "http,https,tcp,tls,httpproxy");
-    options.set("user_agent", "Zentrova");
-    const int result = input->open(options.dictionary, quickProbe);
-    error = result < 0 ? codeOf(result) : BASS_OK;
-    // The library has one code for all that goes wrong below the sound; the host was found before.
-    const bool belowTheSound =
-        result == AVERROR(EIO) || result == AVERROR_UNKNOWN || result == AVERROR_EXTERNAL;
-    if (belowTheSound)
-        error = url.size() > 5 && (url[4] == 's' || url[4] == 'S') ? BASS_ERROR_SSL : BASS_ERROR_FILEOPEN;
-    if (result < 0 && input->timedOut()) error = BASS_ERROR_TIMEOUT;
-    return result < 0 ? nullptr : std::move(input);
+    if (const int result = input->connect(); result < 0) {
+        error = codeOf(result);
+        // The library has few codes for what goes wrong below the sound; that the host is there was found
+        // before.
+        if (error == BASS_ERROR_FILEFORM) error = isSecure(url) ? BASS_ERROR_SSL : BASS_ERROR_FILEOPEN;
+    } else {
+        error = codeOf(input->open(quickProbe));
+    }
+    if (error != BASS_OK && input->timedOut()) error = BASS_ERROR_TIMEOUT;
+    return error == BASS_OK ? std::move(input) : nullptr;
 }
 
-bool MediaInput::reopen() {
-    Options options;
-    options.set("protocol_whitelist", "file");
-    return open(options.dictionary, quickProbe) >= 0 || open(options.dictionary, deepProbe) >= 0;
-}
+bool MediaInput::reopen() { return open(quickProbe) >= 0 || open(deepProbe) >= 0; }
 
 bool MediaInput::readPacket() {
     for (;;) {

@@ -64,13 +64,15 @@ class MediaInput {
 
   private:
     MediaInput() = default;
-    int open(const AVDictionary* options, std::int64_t probeBytes);
+    int connect();
+    int open(std::int64_t probeBytes);
     int openCodec();
     void appendFrame(const AVFrame& frame, std::vector<float>& out);
     static int interrupted(void* self);
 
     std::string address_;
     bool network_ = false;
+    IoHandle connection_;  ///< of an address; outlives the container that reads from it
     FormatHandle context_;
     CodecHandle codec_;
     AVStream* stream_ = nullptr;

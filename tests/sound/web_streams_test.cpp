@@ -1,0 +1,300 @@
+// Web streams from a server of the test's own, from Icecast, and everything that can go wrong on the way.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cmath>
+#include <fstream>
+
+#include "engine/bass.h"
+#include "platform/file_decoders/file_decoders.h"
+#include "tests/sound/sound_server.h"
+#include "tests/sound/stream_server.h"
+
+namespace zv::test {
+namespace {
+
+constexpr std::uint32_t timeoutMs = 4000;
+constexpr double seconds = 3;
+
+/// Reads until the stream is over or `frames` came.
+std::vector<float> readStream(Decoder& decoder, std::size_t frames = SIZE_MAX, double patience = 10) {
+    std::vector<float> all, some(4096 * decoder.format().channels);
+    within(patience, [&] {
+        for (;;) {
+            const std::size_t got = decoder.read(some) * decoder.format().channels;
+            all.insert(all.end(), some.begin(), some.begin() + static_cast<std::ptrdiff_t>(got));
+            if (decoder.ended() || all.size() / decoder.format().channels >= frames) return true;
+            if (got == 0) return false;
+        }
+    });
+    return all;
+}
+
+class WebStreams : public testing::Test {
+  protected:
+    void SetUp() override {
+        tones = wanderingTones(44'100, 2, static_cast<std::size_t>(44'100 * seconds));
+        writeWav(folder / "source.wav", tones, 44'100, 2);
+    }
+    std::vector<char> encoded(const std::string& name, const std::string& arguments = {}) {
+        EXPECT_EQ(0, run("ffmpeg -v error -y -i " + (folder / "source.wav") + " " + arguments + " " +
+                         (folder / name)));
+        return readBytes(folder / name);
+    }
+    std::unique_ptr<Decoder> open(const std::string& url) {
+        return makeFileDecoders()->openUrl(url, timeoutMs, error);
+    }
+    void expectTones(std::span<const float> sound, const std::string& what) {
+        ASSERT_NEAR(seconds * 44'100, static_cast<double>(sound.size()) / 2, 3000) << what;
+        const int late = lagOf(sound, tones, 2, 2600);
+        double product = 0, power = 0;
+        for (int i = 20'000; i < 100'000; ++i) {
+            const double is = static_cast<double>(sound[static_cast<std::size_t>(i + late) * 2]);
+            const double was = static_cast<double>(tones[static_cast<std::size_t>(i) * 2]);
+            product += is * was, power += was * was;
+        }
+        EXPECT_NEAR(1.0, product / power, 0.05) << what;
+    }
+
+    Folder folder;
+    std::vector<float> tones;
+    StreamServer server;
+    int error = -1;
+};
+
+std::string header(const std::string& type, const std::string& more = {}) {
+    return "HTTP/1.0 200 OK\r\nContent-Type: " + type + "\r\n" + more + "\r\n";
+}
+
+TEST_F(WebStreams, RepliesOfAllKinds) {
+    const auto mp3 = encoded("a.mp3"), ogg = encoded("a.ogg"), aac = encoded("a.aac"),
+               opus = encoded("a.opus", "-ar 48000"), flac = encoded("a.flac");
+    const auto plain = [](std::string type, std::vector<char> body) {
+        return [=](StreamServer::Client& client) { client.say(header(type)), client.send(body); };
+    };
+    server.answer("/mp3", plain("audio/mpeg", mp3));
+    server.answer("/untyped", plain("application/octet-stream", mp3));
+    server.answer("/ogg", plain("application/ogg", ogg));
+    server.answer("/aac", plain("audio/aacp", aac));
+    server.answer("/flac", plain("audio/flac", flac));
+    server.answer("/chunked", [&](StreamServer::Client& client) {
+        client.say("HTTP/1.1 200 OK\r\nContent-Type: audio/mpeg\r\nTransfer-Encoding: chunked\r\n\r\n");
+        for (std::size_t at = 0; at < mp3.size(); at += 1777) {
+            const auto piece = std::span(mp3).subspan(at, std::min<std::size_t>(1777, mp3.size() - at));
+            char size[32];
+            std::snprintf(size, sizeof size, "%zx\r\n", piece.size());
+            client.say(std::string(size)), client.send(piece), client.say("\r\n");
+        }
+        client.say("0\r\n\r\n");
+    });
+    // Shoutcast: no HTTP in its reply, and titles between the sound.
+    server.answer("/shout", [&](StreamServer::Client& client) {
+        EXPECT_NE(std::string::npos, client.request().find("Icy-MetaData: 1"));
+        client.say("ICY 200 OK\r\nicy-name:Test\r\ncontent-type:audio/mpeg\r\nicy-metaint:4096\r\n\r\n");
+        std::string title = "StreamTitle='A - B';";
+        title.resize(32, '\0');
+        for (std::size_t at = 0; at < mp3.size(); at += 4096) {
+            const auto piece = std::span(mp3).subspan(at, std::min<std::size_t>(4096, mp3.size() - at));
+            client.send(piece);
+            if (piece.size() == 4096)
+                client.say(at % 8192 == 0 ? std::string(1, '\x02') + title : std::string(1, '\0'));
+        }
+    });
+    server.answer("/moved", [&](StreamServer::Client& client) {
+        client.say("HTTP/1.1 302 Found\r\nLocation: " + server.url("/again") +
+                   "\r\nContent-Length: 0\r\n\r\n");
+    });
+    server.answer("/again", [&](StreamServer::Client& client) {
+        client.say("HTTP/1.1 301 Moved\r\nLocation: /mp3\r\nContent-Length: 0\r\n\r\n");
+    });
+    for (const char* path : {"/mp3", "/untyped", "/ogg", "/aac", "/flac", "/chunked", "/shout", "/moved"}) {
+        const auto decoder = open(server.url(path));
+        ASSERT_TRUE(decoder) << path << " " << error;
+        EXPECT_EQ(0, error);
+        EXPECT_EQ(44'100U, decoder->format().rate);
+        EXPECT_FALSE(decoder->length());
+        EXPECT_FALSE(decoder->seek(0));
+        expectTones(readStream(*decoder), path);
+        EXPECT_TRUE(decoder->ended()) << path;
+    }
+    server.answer("/opus", plain("audio/ogg", opus));
+    const auto decoder = open(server.url("/opus"));
+    ASSERT_TRUE(decoder);
+    EXPECT_EQ(48'000U, decoder->format().rate);
+    EXPECT_NEAR(seconds * 48'000, static_cast<double>(readStream(*decoder).size()) / 2, 1000);
+}
+
+TEST_F(WebStreams, DriesUpAndGoesOn) {
+    const auto mp3 = encoded("a.mp3");
+    std::atomic<bool> open{false};
+    server.answer("/live", [&](StreamServer::Client& client) {
+        client.say(header("audio/mpeg"));
+        client.send(std::span(mp3).first(mp3.size() / 2));
+        client.waitFor(open);
+        client.send(std::span(mp3).subspan(mp3.size() / 2));
+    });
+    const auto decoder = this->open(server.url("/live"));
+    ASSERT_TRUE(decoder) << error;
+    auto sound = readStream(*decoder, SIZE_MAX, 0.5);
+    EXPECT_FALSE(decoder->ended());
+    EXPECT_NEAR(seconds * 44'100 / 2, static_cast<double>(sound.size()) / 2, 5000);
+    std::vector<float> none(512);
+    EXPECT_EQ(0U, decoder->read(none));
+    open = true;
+    const auto rest = readStream(*decoder);
+    EXPECT_TRUE(decoder->ended());
+    sound.insert(sound.end(), rest.begin(), rest.end());
+    expectTones(sound, "after the gap");
+}
+
+TEST_F(WebStreams, ClosingDoesNotWaitForADryStream) {
+    const auto mp3 = encoded("a.mp3");
+    server.answer("/live", [&](StreamServer::Client& client) {
+        client.say(header("audio/mpeg"));
+        client.send(std::span(mp3).first(mp3.size() / 2));
+        client.waitForHangUp();
+    });
+    auto decoder = open(server.url("/live"));
+    ASSERT_TRUE(decoder);
+    readStream(*decoder, SIZE_MAX, 0.3);
+    const auto start = std::chrono::steady_clock::now();
+    decoder.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
+}
+
+TEST_F(WebStreams, EveryFailureHasItsCode) {
+    const auto status = [](std::string line) {
+        return [=](StreamServer::Client& client) {
+            client.say("HTTP/1.1 " + line + "\r\nContent-Length: 0\r\n\r\n");
+        };
+    };
+    server.answer("/forbidden", status("403 Forbidden"));
+    server.answer("/password", status("401 Unauthorized"));
+    server.answer("/full", status("503 Service Unavailable"));
+    server.answer("/hangs-up", [](StreamServer::Client&) {});
+    server.answer("/page", [](StreamServer::Client& client) {
+        client.say(header("text/html") + "<html>" + std::string(20'000, 'x') + "</html>");
+    });
+    server.answer("/empty", [](StreamServer::Client& client) { client.say(header("audio/mpeg")); });
+    server.answer("/silent", [](StreamServer::Client& client) { client.waitForHangUp(); });
+    server.answer("/promises", [](StreamServer::Client& client) {
+        client.say(header("audio/mpeg")), client.waitForHangUp();
+    });
+    server.answer("/circle", [&](StreamServer::Client& client) {
+        client.say("HTTP/1.1 302 Found\r\nLocation: /circle\r\nContent-Length: 0\r\n\r\n");
+    });
+    server.answer("/to-file", [&](StreamServer::Client& client) {
+        client.say("HTTP/1.1 302 Found\r\nLocation: file:///etc/passwd\r\nContent-Length: 0\r\n\r\n");
+    });
+    server.answer("garbled",
+                  [](StreamServer::Client& client) { client.say("HTTP/1.1 400 Bad Request\r\n\r\n"); });
+    const struct {
+        std::string url;
+        int error;
+    } failures[] = {
+        {server.url("/missing"), BASS_ERROR_FILEOPEN},
+        {server.url("/forbidden"), BASS_ERROR_FILEOPEN},
+        {server.url("/password"), BASS_ERROR_FILEOPEN},
+        {server.url("/full"), BASS_ERROR_FILEOPEN},
+        {server.url("/hangs-up"), BASS_ERROR_FILEOPEN},
+        {server.url("/circle"), BASS_ERROR_FILEOPEN},
+        {"http://127.0.0.1:" + std::to_string(freePort()) + "/", BASS_ERROR_FILEOPEN},
+        {server.url("/page"), BASS_ERROR_FILEFORM},
+        {server.url("/empty"), BASS_ERROR_FILEFORM},
+        {server.url("/silent"), BASS_ERROR_TIMEOUT},
+        {server.url("/promises"), BASS_ERROR_TIMEOUT},
+        {"http://no-such-host.invalid/", BASS_ERROR_NONET},
+        {server.url("/", "https"), BASS_ERROR_SSL},
+        {"ftp://127.0.0.1/a.mp3", BASS_ERROR_PROTOCOL},
+        {"file:///etc/passwd", BASS_ERROR_PROTOCOL},
+        {"", BASS_ERROR_PROTOCOL},
+        {server.url("/to-file"), BASS_ERROR_FILEOPEN},
+    };
+    for (const auto& [url, expected] : failures) {
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_FALSE(makeFileDecoders()->openUrl(url, 700, error)) << url;
+        EXPECT_EQ(expected, error) << url;
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1500)) << url;
+    }
+}
+
+TEST_F(WebStreams, SecureOnes) {
+    encoded("a.mp3");
+    const std::string key = folder / "key.pem", certificate = folder / "certificate.pem";
+    ASSERT_EQ(0, run("openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=localhost -keyout " + key +
+                     " -out " + certificate + " 2>/dev/null"));
+    const int port = freePort();
+    std::ofstream(folder / "serve.py")
+        << "import http.server, ssl, os\nos.chdir('" << folder.path().string()
+        << "')\ns = http.server.ThreadingHTTPServer(('127.0.0.1', " << port
+        << "), http.server.SimpleHTTPRequestHandler)\nc = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)\n"
+           "c.load_cert_chain('certificate.pem', 'key.pem')\n"
+           "s.socket = c.wrap_socket(s.socket, server_side=True)\ns.serve_forever()\n";
+    const Process secure({"/usr/bin/python3", folder / "serve.py"}, {});
+    std::unique_ptr<Decoder> decoder;
+    within(5, [&] {
+        decoder = open("https://localhost:" + std::to_string(port) + "/a.mp3");
+        return decoder != nullptr;
+    });
+    ASSERT_TRUE(decoder) << error;
+    expectTones(readStream(*decoder), "https");
+}
+
+TEST_F(WebStreams, Icecast) {
+    const int port = freePort();
+    const std::string home = folder.path().string();
+    std::ofstream(folder / "icecast.xml")
+        << "<icecast><limits><clients>10</clients><sources>5</sources><burst-size>65535</burst-size></limits>"
+           "<authentication><source-password>secret</source-password><admin-user>admin</admin-user>"
+           "<admin-password>secret</admin-password></authentication><hostname>localhost</"
+           "hostname><listen-socket><port>"
+        << port << "</port><bind-address>127.0.0.1</bind-address></listen-socket><paths><basedir>" << home
+        << "</basedir><logdir>" << home
+        << "</logdir><webroot>/usr/share/icecast2/web</webroot><adminroot>"
+           "/usr/share/icecast2/admin</adminroot></paths><logging><accesslog>a.log</"
+           "accesslog><errorlog>e.log</errorlog>"
+           "</logging></icecast>";
+    std::filesystem::permissions(folder.path(), std::filesystem::perms::all);
+    // It refuses to run as root.
+    const Process icecast({"icecast2", "-c", folder / "icecast.xml"}, {}, "/dev/null",
+                          geteuid() == 0 ? "nobody" : "");
+    const std::string base = "127.0.0.1:" + std::to_string(port);
+    struct Mount {
+        const char* name;
+        const char* arguments;
+    };
+    std::vector<Process> sources;
+    const Mount mounts[] = {{"/live.mp3", "-c:a libmp3lame -f mp3 -content_type audio/mpeg"},
+                            {"/live.ogg", "-c:a libvorbis -f ogg -content_type application/ogg"},
+                            {"/live.aac", "-c:a aac -f adts -content_type audio/aac"}};
+    ASSERT_TRUE(within(5, [&] {
+        return run("/usr/bin/python3 -c \"import socket; socket.create_connection(('127.0.0.1', " +
+                   std::to_string(port) + "))\" 2>/dev/null") == 0;
+    }));
+    for (const auto& mount : mounts)
+        sources.emplace_back(std::vector<std::string>{"sh", "-c",
+                                                      "exec ffmpeg -v error -re -stream_loop -1 -i " +
+                                                          (folder / "source.wav") + " " + mount.arguments +
+                                                          " icecast://source:secret@" + base + mount.name},
+                             std::vector<std::pair<std::string, std::string>>{});
+    for (const auto& mount : mounts) {
+        std::unique_ptr<Decoder> decoder;
+        within(6, [&] {
+            decoder = open("http://" + base + mount.name);
+            return decoder != nullptr;
+        });
+        ASSERT_TRUE(decoder) << mount.name << " " << error;
+        const auto sound = readStream(*decoder, 44'100, 6);
+        ASSERT_GE(sound.size() / 2, 44'100U) << mount.name;
+        EXPECT_FALSE(decoder->ended());
+        double power = 0;
+        for (const float sample : sound) power += static_cast<double>(sample) * static_cast<double>(sample);
+        EXPECT_NEAR(0.285, std::sqrt(power / static_cast<double>(sound.size())), 0.05) << mount.name;
+    }
+    EXPECT_FALSE(open("http://" + base + "/nothing"));
+    EXPECT_EQ(BASS_ERROR_FILEOPEN, error);
+}
+
+}  // namespace
+}  // namespace zv::test
