@@ -24,9 +24,11 @@ void setProgramFolder(std::string folder);
 const std::string& shippedFolder();
 void setShippedFolder(std::string folder);
 
-/// Replaces `file` by `contents`: a temporary file beside it, flushed to disk, renamed over it; permissions are
-/// kept. False (and nothing changed) when it cannot.
-bool replaceFile(const std::filesystem::path& file, std::string_view contents);
+enum class Flush { now, later };
+/// Replaces `file` by `contents`: a temporary file beside it, flushed to disk, renamed over it; permissions and links
+/// are kept. `Flush::later` leaves the flushing to the system, for logs: a power cut may lose the last lines. False
+/// (and nothing changed) when it cannot.
+bool replaceFile(const std::filesystem::path& file, std::string_view contents, Flush flush = Flush::now);
 /// The whole file; false when it cannot be opened.
 bool readFile(const std::filesystem::path& file, std::string& contents);
 

@@ -61,8 +61,10 @@ void keepReport() {
     const std::filesystem::path file = nativePath(InProgramFolder("Errors.txt"));
     std::string old;
     readFile(file, old);
-    replaceFile(file, LogDate() + "\r\n" + ReportText + "End of report\r\n" + std::string(kRuleLength, '=') +
-                          "\r\n" + old);
+    replaceFile(
+        file,
+        LogDate() + "\r\n" + ReportText + "End of report\r\n" + std::string(kRuleLength, '=') + "\r\n" + old,
+        Flush::later);
 }
 
 /// One step of the report; what fails in it is dropped.

@@ -83,7 +83,7 @@ void ErrLog(std::string_view source, std::string_view message, bool force) {
     const std::string path = InProgramFolder("Error.log");
     std::string old;
     readFile(nativePath(path), old);
-    replaceFile(nativePath(path), text + old);
+    replaceFile(nativePath(path), text + old, Flush::later);
 }
 
 void ErrDisp(std::string_view mode, int blink, std::string_view text) {

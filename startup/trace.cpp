@@ -53,7 +53,7 @@ std::string TraceFile() { return InProgramFolder("Trace_start.log"); }
 
 void WriteTraceStart() {
     replaceFile(nativePath(TraceFile()),
-                TraceText + "Software loaded in " + seconds(TraceTotal) + " seconds\r\n");
+                TraceText + "Software loaded in " + seconds(TraceTotal) + " seconds\r\n", Flush::later);
 }
 
 void SetProgress(double percent) {

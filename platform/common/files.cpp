@@ -29,7 +29,7 @@ bool readFile(const fs::path& file, std::string& contents) {
     return !in.bad();
 }
 
-bool replaceFile(const fs::path& file, std::string_view contents) {
+bool replaceFile(const fs::path& file, std::string_view contents, Flush) {
     fs::path temporary = file;
     temporary += ".zvtmp";
     {
@@ -131,7 +131,7 @@ bool readFile(const fs::path& file, std::string& contents) {
     return true;
 }
 
-bool replaceFile(const fs::path& wanted, std::string_view contents) {
+bool replaceFile(const fs::path& wanted, std::string_view contents, Flush flush) {
     // A drive or a server of another system would become a file of that name in the current folder.
     if (isAbsolutePath(wanted.native()) && !wanted.is_absolute()) return false;
     const fs::path file = behindLinks(wanted);
@@ -144,7 +144,7 @@ bool replaceFile(const fs::path& wanted, std::string_view contents) {
     bool good = writeAll(out.get(), contents);
     if (good && exists) good = ::fchmod(out.get(), old.st_mode & kPermissions) == 0;
     if (good) stampFinely(out.get());
-    good = good && ::fsync(out.get()) == 0;
+    if (flush == Flush::now) good = good && ::fsync(out.get()) == 0;
     good = out.close() && good;
     good = good && ::rename(temporary.c_str(), file.c_str()) == 0;
     if (!good) ::unlink(temporary.c_str());

@@ -20,7 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kJingles = 60;
-constexpr int kKills = 250;
+constexpr int kKills = 500;
 
 class Crash : public ProgramFolderTest {
   protected:
@@ -79,7 +79,7 @@ TEST_F(Crash, KilledAtAnyMoment) {
     for (int kill = 0; kill < kKills; ++kill) {
         const pid_t child = ::fork();
         if (child == 0) session(reached + 1);
-        std::this_thread::sleep_for(std::chrono::microseconds(500 + random() % 12000));
+        std::this_thread::sleep_for(std::chrono::microseconds(300 + random() % 6000));
         ::kill(child, SIGKILL);
         int status = 0;
         ::waitpid(child, &status, 0);
