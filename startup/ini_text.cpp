@@ -37,10 +37,10 @@ bool writableKey(std::string_view text) {
 
 bool writableSection(std::string_view text) { return !trimmedBlanks(onOneLine(text)).empty(); }
 
-/// False for a name that nobody can ask for.
+/// False for a name that nobody can ask for, or that is noise: a file of random bytes has no sections.
 bool askable(std::string_view name) {
-    constexpr std::string_view kNever("\0\r", 2);
-    return !name.empty() && name.find_first_of(kNever) == std::string_view::npos;
+    const auto control = [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\t'; };
+    return !name.empty() && std::none_of(name.begin(), name.end(), control);
 }
 
 /// Offsets of the text without the blanks around it.
