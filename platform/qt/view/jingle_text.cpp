@@ -107,7 +107,7 @@ class Setter {
     bool tryWay(const Way& way) {
         const QFont f = scaled(way.scale);
         const double line = QFontMetricsF(f).height();
-        if (line * way.lines > room_.height() + line * 0.3) return false;
+        if (way.lines > 1 && line * way.lines > room_.height() + 2) return false;
         const QRectF room = way.beside ? freeSpan(line) : room_;
         bool torn = false;
         QStringList lines = broken(name_, f, room.width(), &torn);
@@ -131,7 +131,8 @@ class Setter {
             const double w = m.horizontalAdvance(text);
             const QPointF start(std::round(room.center().x() - w / 2), std::round(top + m.ascent()));
             // What is really inked: a line's height has air above and below.
-            const QRectF ink(start.x() - 2, top + line * 0.16, w + 4, line * 0.72);
+            const QRectF tight = m.tightBoundingRect(text);
+            const QRectF ink(start.x() - 2, start.y() + tight.top() - 1, w + 4, tight.height() + 2);
             if (ink.top() < room_.top() - 1 || ink.bottom() > room_.bottom() + 1) return false;
             for (const QRectF& corner : corners_) {
                 if (corner.intersects(ink)) return false;

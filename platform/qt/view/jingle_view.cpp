@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <array>
 #include <cmath>
+#include <tuple>
 #include <vector>
 
 #include "platform/qt/view/jingle_text.h"
@@ -18,9 +19,10 @@ constexpr double kDurationShare = 0.76;  ///< of the caption's size, and the lim
 constexpr double kDurationMin = 8, kDurationMax = 15;
 constexpr double kNumberShare = 0.68;
 constexpr double kNumberMin = 8, kNumberMax = 13;
-constexpr int kMargin = 8;      ///< between the face's edge and its text
-constexpr double kDotSize = 9;  ///< of a state mark
-constexpr int kLowButton = 40;  ///< pixels of height below which duration and caption share one line
+constexpr int kMargin = 8;          ///< between the face's edge and its text
+constexpr double kDotSize = 9;      ///< of a state mark
+constexpr int kNarrowButton = 110;  ///< pixels of width below which small texts give way to the name
+constexpr int kLowButton = 40;      ///< pixels of height below which duration and caption share one line
 
 class JingleWidget final : public PaintedWidget {
   public:
@@ -56,10 +58,12 @@ class JingleWidget final : public PaintedWidget {
         PaintedWidget::partChanged(part);
         // A mark or number that came or went leaves the caption more or less room.
         if (part.kind == ControlKind::shape) return;  // bars move at each tick
-        if (corners() == corners_) return;
-        const CaptionLayout before = layout_;
+        const auto shown = [this] {
+            return std::tuple(layout_, durationPlace(), marksAside_, showDuration_, showNumber_);
+        };
+        const auto before = shown();
         layOut();
-        if (!(layout_ == before)) askAll();
+        if (before != shown()) askAll();
     }
 
     void themeChanged() override {
@@ -102,7 +106,7 @@ class JingleWidget final : public PaintedWidget {
                 p.drawText(layout_.starts[static_cast<std::size_t>(i)], layout_.lines[i]);
             }
         }
-        if (!parts_.duration.isEmpty() && !empty()) {
+        if (showDuration_ && !parts_.duration.isEmpty() && !empty()) {
             p.setFont(durationFont());
             p.setPen(softened(ink, 0.22));
             drawFigures(p, durationPlace(), Qt::AlignRight | Qt::AlignVCenter, parts_.duration);
@@ -218,7 +222,7 @@ class JingleWidget final : public PaintedWidget {
             return;
         }
         const QString text = captionOf(part.caption);
-        if (text.isEmpty()) return;
+        if (text.isEmpty() || (isNumber(part) && !showNumber_)) return;
         const bool symbol =
             part.kind == ControlKind::symbol || part.fontName() == "ZVR" || part.fontName() == "MSSSMod";
         p.setFont(symbol ? symbolFont(std::max(10.0, std::min(place.height(), 14.0))) : numberFont());
@@ -231,6 +235,8 @@ class JingleWidget final : public PaintedWidget {
         }
     }
 
+    static bool isNumber(const Control& part) { return part.kind == ControlKind::label; }
+
     double captionSize() const { return seen_.font.pixelSize(); }
     QFont durationFont() const {
         const double size = std::min(captionSize() * kDurationShare, height() * 0.66);
@@ -241,12 +247,20 @@ class JingleWidget final : public PaintedWidget {
         return textFont(std::clamp(size, kNumberMin, kNumberMax));
     }
 
-    /// Lower right; on a low button in its middle, left of the marks.
+    /// Lower right, above a bar that runs there; on a low button in its middle, left of the marks.
     QRectF durationPlace() const {
         const QFont font = durationFont();
         const double w = figuresWidth(font, parts_.duration), h = QFontMetricsF(font).height();
-        if (height() >= kLowButton) return {width() - kMargin + 1 - w, height() - h - 3, w, h};
         double right = width() - kMargin + 1;
+        if (height() >= kLowButton) {
+            double foot = height() - 3;
+            for (const Control* part : record.children()) {
+                const QRect bar = placeIn(*part, record);
+                if (part->kind == ControlKind::shape && bar.center().y() > height() / 2)
+                    foot = std::min(foot, bar.top() + 0.0);
+            }
+            return {right - w, foot - h, w, h};
+        }
         for (const Control* part : record.children()) {
             if (part->visible() && isStateMark(*part))
                 right = std::min(right, dotPlace(placeIn(*part, record)).left() - 4);
@@ -254,12 +268,26 @@ class JingleWidget final : public PaintedWidget {
         return {right - w, (height() - h) / 2, w, h};
     }
 
-    /// A dot in the place of its mark, kept inside the face.
+    /// A dot in the place of its mark, kept inside the face and clear of a number at its side.
     QRectF dotPlace(const QRectF& place) const {
         const double side = std::min({kDotSize, place.width(), place.height(), height() - 6.0});
         double y = place.center().y();
         if (height() < kLowButton / 2 + 4) y = height() / 2.0;
-        return {place.center().x() - side / 2, y - side / 2, side, side};
+        return {place.center().x() - side / 2 - marksAside_, y - side / 2, side, side};
+    }
+
+    /// How far the marks stand aside for a number at the upper right: by all of them, shown or not, so that
+    /// none moves when another one comes.
+    double marksAside() const {
+        double left = width(), marks = 0;
+        for (const Control* part : record.children()) {
+            const QRectF place = placeIn(*part, record);
+            if (isStateMark(*part)) marks = std::max(marks, place.right());
+            if (isNumber(*part) && part->visible() && place.center().x() > width() / 2.0) {
+                left = numberPlace(place, captionOf(part->caption)).left();
+            }
+        }
+        return std::max(0.0, marks + 2 - left);
     }
 
     /// Numbers keep some pixels from the edge that their place is nearer to.
@@ -267,20 +295,21 @@ class JingleWidget final : public PaintedWidget {
         const QFont font = numberFont();
         const double w = figuresWidth(font, text), h = QFontMetricsF(font).height();
         const double y = std::clamp(place.center().y() - h / 2, 1.0, std::max(1.0, height() - h - 1));
-        if (place.center().x() > width() / 2.0) return {std::min(place.right(), width() - 7.0) - w, y, w, h};
+        if (place.center().x() > width() / 2.0) return {std::min(place.right(), width() - 5.0) - w, y, w, h};
         return {std::max(place.left(), 7.0), y, w, h};
     }
 
     /// What stands in the corners, for the caption to keep clear of.
     std::vector<QRectF> corners() const {
         std::vector<QRectF> out;
-        if (!parts_.duration.isEmpty()) out.push_back(durationPlace().adjusted(-2, 2, 2, 0));
+        if (showDuration_ && !parts_.duration.isEmpty()) out.push_back(durationPlace().adjusted(-2, 3, 2, 0));
         for (const Control* part : record.children()) {
             if (!part->visible()) continue;
             const QRectF place = placeIn(*part, record);
             if (isStateMark(*part)) {
                 out.push_back(dotPlace(place).adjusted(-2, -1, 2, 1));
-            } else if (part->kind == ControlKind::label && !part->caption().empty()) {
+            } else if (isNumber(*part)) {
+                if (!showNumber_ || part->caption().empty()) continue;
                 out.push_back(numberPlace(place, captionOf(part->caption)).adjusted(0, 2, 2, -2));
             } else if (part->kind == ControlKind::checkBox ||
                        (part->kind == ControlKind::symbol && !part->caption().empty())) {
@@ -290,10 +319,22 @@ class JingleWidget final : public PaintedWidget {
         return out;
     }
 
+    /// On a button too small for all of it the name comes first, then the number, then the duration.
     void layOut() {
-        corners_ = corners();
-        layout_ = layOutCaption(parts_.name, seen_.font, QRectF(rect()).adjusted(kMargin, 1, -kMargin, -1),
-                                corners_);
+        const QRectF room = QRectF(rect()).adjusted(kMargin, 1, -kMargin, -1);
+        const QRectF small = QRectF(rect()).adjusted(3, 1, -3, -1);
+        const bool narrow = width() < kNarrowButton;
+        const auto attempt = [&](bool duration, bool number) {
+            showDuration_ = duration;
+            showNumber_ = number;
+            marksAside_ = number ? marksAside() : 0;
+            corners_ = corners();
+            layout_ = layOutCaption(parts_.name, seen_.font, narrow ? small : room, corners_);
+            return !layout_.cut;
+        };
+        if (attempt(true, true) || (attempt(false, true) && narrow) || (narrow && attempt(false, false)))
+            return;
+        if (!narrow) attempt(true, true);  // long for any button: nothing is won by leaving them out
     }
 
     void tellReaders() {
@@ -306,6 +347,8 @@ class JingleWidget final : public PaintedWidget {
     CaptionLayout layout_;
     Seen seen_;
     std::vector<QRectF> corners_;
+    double marksAside_ = 0;
+    bool showDuration_ = true, showNumber_ = true;
 };
 
 }  // namespace
