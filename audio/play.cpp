@@ -139,17 +139,15 @@ void pressInSequence(int index) {
     }
 }
 
-/// Where a tail that begins now has rung out. A jingle that loops comes past its end again: the place is
-/// looked for inside the loop, or the silent jingle would play for ever.
+/// Where a tail that begins now has rung out. A jingle that would wrap before it gets there is taken out of
+/// its loop, which nobody hears any more: it then ends by itself, where it would have played on in silence
+/// for ever.
 QWORD tailEnd(const JingleRecord& j) {
     const QWORD now = BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE);
     const QWORD end = now + BASS_ChannelSeconds2Bytes(j.hPlay, j.ReverbMs / kMsPerSecond);
-    const DWORD flags = BASS_ChannelFlags(j.hSrc, 0, 0);
-    if (flags == ~DWORD{0} || (flags & BASS_SAMPLE_LOOP) == 0) return end;
-    const QWORD from = j.Seq != 0 ? BytePosition(j.LoopIn) : 0;
-    const QWORD to = j.Seq != 0 ? BytePosition(j.LoopOut) : BASS_ChannelGetLength(j.hSrc, BASS_POS_BYTE);
-    if (end < to || now >= to || from >= to) return end;
-    return from + (end - to) % (to - from);
+    const QWORD wrapsAt = j.Seq != 0 ? BytePosition(j.LoopOut) : BASS_ChannelGetLength(j.hSrc, BASS_POS_BYTE);
+    if (end >= wrapsAt) BASS_ChannelFlags(j.hSrc, 0, BASS_SAMPLE_LOOP);
+    return end;
 }
 
 void restart(int index, int velocity) {

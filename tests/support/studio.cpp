@@ -93,8 +93,8 @@ std::vector<std::int16_t> level(std::size_t frames, std::int16_t value) {
 std::vector<std::int16_t> sine(std::size_t frames, double hz, double amplitude) {
     std::vector<std::int16_t> samples(frames * 2);
     for (std::size_t i = 0; i < frames; ++i)
-        samples[2 * i] = samples[2 * i + 1] = static_cast<std::int16_t>(
-            std::lround(32767 * amplitude * std::sin(2 * std::numbers::pi * hz * static_cast<double>(i) / kRate)));
+        samples[2 * i] = samples[2 * i + 1] = static_cast<std::int16_t>(std::lround(
+            32767 * amplitude * std::sin(2 * std::numbers::pi * hz * static_cast<double>(i) / kRate)));
     return samples;
 }
 
@@ -112,7 +112,8 @@ std::size_t Heard::end(float floor) const {
 
 float Heard::loudest(std::size_t from, std::size_t to) const {
     float most = 0;
-    for (std::size_t i = 2 * from; i < 2 * std::min(to, frames()); ++i) most = std::max(most, std::abs(stereo[i]));
+    for (std::size_t i = 2 * from; i < 2 * std::min(to, frames()); ++i)
+        most = std::max(most, std::abs(stereo[i]));
     return most;
 }
 
@@ -171,6 +172,8 @@ StudioTest::~StudioTest() {
 
 void StudioTest::pass(int ms) { VirtualClock::instance().advanceTo(monotonicMs() + ms); }
 
-Heard StudioTest::heard(int output) { return {devices->takeSound(options.outputs.at(static_cast<std::size_t>(output)))}; }
+Heard StudioTest::heard(int output) {
+    return {devices->takeSound(options.outputs.at(static_cast<std::size_t>(output)))};
+}
 
 }  // namespace zv::test

@@ -1,4 +1,5 @@
-/// A studio for the tests: a program folder of its own, the engine on offline devices, time that renders sound.
+/// A studio for the tests: a program folder of its own, the engine on offline devices, time that renders
+/// sound.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -20,8 +21,8 @@ inline constexpr int kBytesPerFrame = 4;  ///< of positions in a stereo file
 inline constexpr double kBytesPerMs = kRate * kBytesPerFrame / 1000.0;
 
 /// Writes 16-bit PCM; `samples` are interleaved, full scale is 32767.
-void writeWav(const std::filesystem::path& file, std::span<const std::int16_t> samples, std::uint32_t rate = kRate,
-              std::uint16_t channels = 2);
+void writeWav(const std::filesystem::path& file, std::span<const std::int16_t> samples,
+              std::uint32_t rate = kRate, std::uint16_t channels = 2);
 /// Stereo whose samples are their own position: left and right of frame n are n + 1 (wraps at 32767).
 std::vector<std::int16_t> ramp(std::size_t frames);
 /// Stereo of one value: what comes out is the gain.

@@ -1,0 +1,41 @@
+#include "tests/show/show.h"
+
+#include <cmath>
+#include <utility>
+
+#include "audio/devices.h"
+#include "model/upcalls.h"
+
+namespace zv::test {
+
+ShowTest::ShowTest(OfflineOptions options) : StudioTest(std::move(options)) {
+    settings.DeviceAux = 2;
+    ListOutDev();
+    SetupMixers();
+    modelUpcalls.openNames = openNames;
+    modelUpcalls.openStreams = [](int index) { openStreams(index); };
+}
+
+void ShowTest::openPalette(const std::string& lines, const std::string& name) {
+    write("palette.ini", "[" + name + "]\r\n" + lines);
+    settings.PaletteIndex = name;
+    OpenFile(name);
+}
+
+void ShowTest::openJingle(std::vector<std::int16_t> samples, const std::string& moreLines, int index) {
+    const std::string name = "jingle" + std::to_string(index) + ".wav";
+    writeWav(path(name), samples);
+    openPalette(iniLine("Path_" + std::to_string(index), name) + moreLines);
+    ASSERT_EQ(jingle(index).Kind, SlotKind::stream) << name << " did not open: " << jingle(index).BassErr;
+    heard();
+}
+
+bool ShowTest::sounds(int index) { return BASS_ChannelIsActive(jingle(index).hPlay) == BASS_ACTIVE_PLAYING; }
+
+std::string iniLine(const std::string& key, const std::string& value) { return key + "=" + value + "\r\n"; }
+
+int rampFrame(const Heard& sound, std::size_t frame) {
+    return static_cast<int>(std::lround(sound.at(frame) * 32768)) - 1;
+}
+
+}  // namespace zv::test

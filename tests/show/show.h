@@ -1,0 +1,39 @@
+/// A show without windows: palettes in a file, jingles opened from them, presses, and the sound that went
+/// out.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "audio/play.h"
+#include "audio/streams.h"
+#include "model/jingle.h"
+#include "model/palette_files.h"
+#include "startup/settings.h"
+#include "tests/support/studio.h"
+
+namespace zv::test {
+
+inline constexpr const char* kPalette = "Morning";
+
+class ShowTest : public StudioTest {
+  protected:
+    explicit ShowTest(OfflineOptions options = {});
+
+    JingleRecord& jingle(int index = 0) { return J[static_cast<std::size_t>(index)]; }
+    /// Writes palette.ini with one section of these lines and opens it.
+    void openPalette(const std::string& lines, const std::string& name = kPalette);
+    /// A jingle of 16-bit stereo in slot `index`, with more keys if wanted; its line ends with "_N".
+    void openJingle(std::vector<std::int16_t> samples, const std::string& moreLines = {}, int index = 0);
+    bool sounds(int index = 0);
+};
+
+/// "Loop_0=1\r\n" for {"Loop_0", "1"}.
+std::string iniLine(const std::string& key, const std::string& value);
+/// Milliseconds as frames, and as bytes of a stereo file.
+constexpr std::size_t framesOf(double ms) { return static_cast<std::size_t>(ms * kRate / 1000); }
+constexpr int bytesOf(double ms) { return static_cast<int>(framesOf(ms)) * kBytesPerFrame; }
+/// The frame of a ramp() that sounds at `frame`, -1 in silence.
+int rampFrame(const Heard& sound, std::size_t frame);
+
+}  // namespace zv::test
