@@ -148,7 +148,9 @@ void PickColour(int field) {
             }
             j.ForeRGB = GetForeColor(j.BackRGB, "jingle");
         }
+        ResetJingles();
         CloseColorPicker();
+        OptionCode.clear();
         MarkPalToSave();
     });
 }

@@ -151,6 +151,8 @@ void clReloc(int index) {
         if (chosen.empty()) {
             return;
         }
+        FreeJingle(index);
+        j.Kind = SlotKind::nothing;
         j.Path = chosen;
         openStreams(index);
         MarkPalToSave();

@@ -28,6 +28,8 @@ struct Pair {
     }
 };
 
+Pair levelNow;  // of the last reading
+
 /// Levels of a sounding channel in units of the bar; silence for one that does not sound.
 Pair levelOf(DWORD channel) {
     if (channel == 0 || BASS_ChannelIsActive(channel) == BASS_ACTIVE_STOPPED) {
@@ -100,8 +102,11 @@ void TimerVUTick() {
                 VuHoldL = left;
                 VuHoldR = right;
             }
+            levelNow = {left, right};
             show();
-            timers().TimerVUFD.start();
+            if (VuHoldL > 0 || VuHoldR > 0) {
+                timers().TimerVUFD.start();
+            }
         }
     });
 }
@@ -113,8 +118,9 @@ void TimerVUFDTick() {
             return;
         }
         constexpr int step = VuFallStep / 100;
-        VuHoldL = std::max(0, VuHoldL - step);
-        VuHoldR = std::max(0, VuHoldR - step);
+        // Not below what sounds: the next reading would only raise it again, and the bar would tremble.
+        VuHoldL = std::max(levelNow.left, VuHoldL - step);
+        VuHoldR = std::max(levelNow.right, VuHoldR - step);
         show();
     });
 }

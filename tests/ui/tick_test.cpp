@@ -1,0 +1,212 @@
+// The display's tick: counter, warning, bars, colours, end of play; the meters.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "audio/play.h"
+#include "audio/streams.h"
+#include "model/jingle.h"
+#include "model/state.h"
+#include "startup/settings.h"
+#include "tests/ui/window_test.h"
+#include "ui/commands.h"
+#include "ui/display.h"
+#include "ui/layout.h"
+#include "ui/meters.h"
+#include "ui/timers.h"
+
+namespace zv::test {
+
+class TickTest : public WindowTest {
+  protected:
+    /// Digits from the left as they are seen; hidden ones are left out.
+    std::string shown() {
+        std::string text;
+        for (const Control* digit : frmMain().display.digits()) {
+            text += digit->visible ? digit->caption() : "";
+        }
+        return text;
+    }
+};
+
+TEST_F(TickTest, warningTable) {
+    const struct {
+        double remain, shortest, warnAt;
+        bool all, runs;
+        WarnStep step;
+    } cases[] = {
+        {8, 5, 10, false, false, WarnStep::leave},  // a short stinger keeps the warning off
+        {8, 60, 10, false, false, WarnStep::start}, {8, 60, 10, false, true, WarnStep::leave},
+        {8, 5, 10, true, false, WarnStep::start},   {10, 5, 10, true, false, WarnStep::start},
+        {10.1, 5, 10, true, true, WarnStep::stop},  {10.1, 5, 10, true, false, WarnStep::leave},
+        {12, 60, 10, false, true, WarnStep::stop},  {8, 5, 10, false, true, WarnStep::stop},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(static_cast<int>(WarningFor(c.remain, c.shortest, c.warnAt, c.all, c.runs)),
+                  static_cast<int>(c.step))
+            << c.remain << " of " << c.shortest << " all " << c.all << " runs " << c.runs;
+    }
+    EXPECT_EQ(WarnBlinkInterval(0), 0);
+    EXPECT_EQ(WarnBlinkInterval(20), 500);
+}
+
+TEST_F(TickTest, digits) {
+    const struct {
+        const char* text;
+        int hundredths;
+        const char* shown;
+    } cases[] = {{"0", 0, "00.0"},       {"0", 1, "00.00"},       {"3.2", 0, "03.2"},
+                 {"9.87", 1, "09.97"},   {"60", 0, "00.0"},       {"67.4", 0, "1:07.4"},
+                 {"1000", 0, "16:40.0"}, {"6000", 0, "100:00.0"}, {"599.25", 1, "9:59.35"}};
+    for (const auto& c : cases) {
+        settings.DispCSec = c.hundredths;
+        WriteDigits(std::stod(c.text), c.text);
+        EXPECT_EQ(shown(), c.shown) << c.text;
+    }
+}
+
+TEST_F(TickTest, theSmallestTimeLeftIsShown) {
+    load(1, 3000);
+    load(2, 5000);
+    press(2);
+    pass(1000);
+    EXPECT_NEAR(DispRemain, 4.0, 0.06);
+    press(1);
+    pass(1000);
+    EXPECT_NEAR(DispRemain, 2.0, 0.06);
+    EXPECT_NEAR(MinDuration, 3.0, 0.01);
+    EXPECT_EQ(shown().substr(0, 2), "01");
+    pass(1960);  // the first is within a tenth of its end: the other counts
+    EXPECT_NEAR(DispRemain, 1.04, 0.06);
+    pass(2000);
+    EXPECT_EQ(DispRemain, 0);
+    EXPECT_EQ(DispText, "0");
+    EXPECT_EQ(shown(), "00.0");
+    EXPECT_FALSE(timers().TimerWarnBlink.enabled());
+}
+
+TEST_F(TickTest, aSoundingButtonAndItsEnd) {
+    load(1, 2000);
+    press(1);
+    release(1);
+    pass(1000);
+    const JingleButton& b = *Button(1);
+    EXPECT_EQ(b.b_Jingle.backColor, settings.PlayingColor);
+    EXPECT_EQ(b.picbtnumber.backColor, settings.PlayingColor);
+    EXPECT_TRUE(b.JRemLev.visible);
+    const int full = b.b_Jingle.width - 60;
+    EXPECT_NEAR(b.JRemLev.width, full / 2, full / 40);
+    EXPECT_EQ(b.JRemLev.width % 15, 0);
+    EXPECT_NE(b.b_Jingle.onDescribe().find("1.0"), std::string::npos);
+    pass(1200);
+    EXPECT_EQ(b.b_Jingle.backColor, BtnFaceColor);
+    EXPECT_FALSE(b.JRemLev.visible);
+    EXPECT_EQ(rec(1).State, PlayState::idle);
+    EXPECT_FALSE(rec(1).Playing);
+}
+
+TEST_F(TickTest, silenceWritesNothing) {
+    for (int i = 0; i < 20; ++i) {
+        load(i, 200);
+    }
+    pass(200);
+    takeChanged();
+    pass(390);
+    for (const Control* c : takeChanged()) {
+        EXPECT_TRUE(c->name == "lblTime" || c->name == "lblDate") << c->name << " " << c->index;
+    }
+}
+
+TEST_F(TickTest, aJingleOfAnotherPaletteGivesItsSlotBack) {
+    writePalette("Other", 3);
+    load(1, 1000);
+    press(1);
+    release(1);
+    openNames(1, "Other", false);
+    openStreams(1);
+    settings.PaletteIndex = "Other";
+    pass(100);
+    EXPECT_TRUE(rec(1).PlayingOtherPal);
+    EXPECT_EQ(button(1).backColor, settings.PlayingColorAnotherPal);
+    EXPECT_EQ(rec(1).Path, "Audio_Sample\\sound_1.wav");
+    pass(1100);
+    EXPECT_FALSE(rec(1).PlayingOtherPal);
+    EXPECT_EQ(rec(1).Path, "Audio_Sample\\short.wav");
+    EXPECT_EQ(button(1).caption(), "0.1\r\nshort");
+}
+
+TEST_F(TickTest, theBlinkShowsAndHidesDigitsAndBars) {
+    settings.BlinkWarn = 100;  // each 100 ms
+    settings.BlinkTarget = 2;
+    load(1, 6000);
+    press(1);
+    pass(3500);
+    EXPECT_TRUE(timers().TimerWarnBlink.enabled());
+    bool gone = false;
+    bool there = false;
+    for (int i = 0; i < 8; ++i) {
+        pass(50);
+        const Colour digit = frmMain().display.lblPosSecU.foreColor;
+        gone = gone || digit == settings.DispBackCol;
+        there = there || digit == settings.RemainColor;
+    }
+    EXPECT_TRUE(gone);
+    EXPECT_TRUE(there);
+    evStop();
+    pass(100);
+    EXPECT_FALSE(timers().TimerWarnBlink.enabled());
+    EXPECT_EQ(frmMain().display.lblPosSecU.foreColor, settings.CountDownColor);
+}
+
+TEST_F(TickTest, searchHitsAndArmedOptionsAreLeftAlone) {
+    load(1, 1000);
+    SearchHits = {1};
+    button(1).backColor = 0x123456;
+    pass(100);
+    EXPECT_EQ(button(1).backColor, 0x123456);
+    SearchHits.clear();
+    SelectorsOn = true;
+    pass(100);
+    EXPECT_EQ(button(1).backColor, 0x123456);
+    SelectorsOn = false;
+    pass(100);
+    EXPECT_EQ(button(1).backColor, BtnFaceColor);
+}
+
+TEST_F(TickTest, metersFollowTheLoudestAndFall) {
+    load(1, 1000);  // a sine at half scale
+    press(1);
+    pass(400);
+    EXPECT_NEAR(frmMain().VuL.value, 50, 3);
+    const auto levels = GetLevels();
+    EXPECT_NEAR(levels[2], 50, 2);
+    EXPECT_EQ(levels[0], levels[2]);
+    rec(1).NoTrigDuck = 1;
+    EXPECT_EQ(GetLevels()[0], 0);  // moves the meter, not the duck
+    EXPECT_NEAR(GetLevels()[2], 50, 2);
+    evStop();
+    pass(100);
+    EXPECT_LT(frmMain().VuL.value, 40);
+    EXPECT_GT(frmMain().VuL.value, 0);
+    pass(600);
+    EXPECT_EQ(frmMain().VuL.value, 0);
+    pass(100);
+    settings.VUpersist = 0;
+    press(1);
+    pass(200);
+    evStop();
+    pass(100);
+    EXPECT_EQ(frmMain().VuL.value, 0);
+}
+
+TEST_F(TickTest, thePaletteNameComesAndGoes) {
+    const Control& name = frmMain().display.txtDisPal;
+    EXPECT_TRUE(name.visible);
+    switchDisPalName();
+    EXPECT_FALSE(name.visible);
+    settings.LockDisPalName = 1;
+    switchDisPalName();
+    EXPECT_FALSE(name.visible);
+}
+
+}  // namespace zv::test
