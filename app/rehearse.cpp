@@ -78,10 +78,9 @@ int main(int argc, char** argv) {
     RehearsedProgram program;
     program.start = [&] {
         EnterProgramFolder(commandLine, shipped);
-        const bool started = Main(commandLine);
-        listenToProgram();
-        return started;
+        return Main(commandLine);
     };
+    program.listen = listenToProgram;
     program.close = [] { shell::closeWindow(frmMain().window); };
     program.value = programValue;
     program.state = writeProgramState;

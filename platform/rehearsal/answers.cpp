@@ -112,6 +112,7 @@ void popupMenu(Control&, const std::vector<MenuItem>& items) {
 // ----------------------------------------------------------------------------------
 
 void processEvents() {
+    if (const auto first = std::exchange(Stage::instance().onFirstEvents, nullptr)) first();
     shell::flushChanged();
     shell::deliverEvents();
 }

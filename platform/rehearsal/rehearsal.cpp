@@ -137,6 +137,7 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     clock.onPeriod([] {
         if (const EngineControl* engine = audioLibraryControl()) engine->settleSyncs();
     });
+    stage.onFirstEvents = program.listen;
     if (!program.start()) {
         std::fprintf(stderr, "%s: the program did not start; see events.log\n", options.script.c_str());
         return kRehearsalFailed;

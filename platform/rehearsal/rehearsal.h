@@ -15,8 +15,9 @@ namespace zv {
 
 /// What a rehearsal needs of the program and cannot see from the controls; filled by the executable.
 struct RehearsedProgram {
-    std::function<bool()> start;  ///< start-up, until the palette is open; false: it ended there
-    std::function<void()> close;  ///< the closing path, after the script's end
+    std::function<bool()> start;   ///< start-up, until the palette is open; false: it ended there
+    std::function<void()> listen;  ///< hangs listeners (noteEvent) to the program, early in its start-up
+    std::function<void()> close;   ///< the closing path, after the script's end
     /// A value that no control shows: "J(3).State", "PaletteIndex", a setting. Nothing when unknown.
     std::function<std::optional<std::string>(std::string_view name)> value;
     /// Members of the state file: "jingles": [...], "settings": {...}.

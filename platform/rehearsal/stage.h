@@ -36,6 +36,9 @@ struct Stage {
 
     /// Waits, performing the script, until an item of the open menu is chosen; its name, or nothing.
     std::function<std::string(const std::vector<MenuItem>&)> chooseFromMenu;
+    /// Called once, when the program lets waiting events run for the first time: it has filled its tables by
+    /// then.
+    std::function<void()> onFirstEvents;
     /// Tells of something that makes the rehearsal fail.
     std::function<void(const std::string&)> fail;
 

@@ -83,15 +83,13 @@ for sink in out1 out2; do
 done
 await "the recording" test -s "$work/out1.raw"
 
-# Where the first button stands is asked from the program's own settings of its grid: the window's lower left quarter
-# begins well below the display, so the press goes to the first button by its place in the picture of the window.
+# The first button stands at the left of the grid, right under the control strip.
 eval "$(xdotool getwindowgeometry --shell "$window")"
 read -r x y < <(python3 "$here/tone.py" button "$WIDTH" "$HEIGHT")
 xdotool mousemove --window "$window" "$x" "$y" click 1
 sleep 1.2
 xdotool mousemove --window "$window" "$x" "$y" click 1
 sleep 0.6
-sync
 for sink in out1 out2; do
     python3 "$here/tone.py" find "$work/$sink.raw" || fail "the press was not heard on $sink"
 done

@@ -50,6 +50,51 @@ TEST(Rehearse, AnswersBoxesAndMenusAsPrepared) {
     EXPECT_EQ(status, 0) << show.messages() << show.result("events.log");
 }
 
+TEST(Rehearse, TypesSelectsAndPressesKeysThroughTheWidgets) {
+    Show show;
+    show.tone("tone.wav", 1);
+    show.write("palette.ini",
+               "[Other]\r\nPath_3=Audio_Sample\\tone.wav\r\n[Test]\r\nPath_0=Audio_Sample\\tone.wav\r\n");
+    const int status = show.perform(
+        "at 0 expect lstPal Test\n"
+        "at 100 set lstPal 0\n"
+        "at 200 expect PaletteIndex Other\n"
+        "at 200 expect J(3).Kind 1\n"
+        "at 300 key PageDown\n"
+        "at 600 expect PaletteIndex Test\n"
+        "at 700 click btSave\n"
+        "at 800 expect txtSave.visible 1\n"
+        "at 900 set txtSave Another Name\n"
+        "at 1000 key Enter\n"
+        "at 1200 expect lstPal.items Another Name|Other|Test\n"
+        "at 1300 mods alt\n"
+        "at 1500 expect lblDispMessage.visible 1\n"
+        "at 1600 mods\n"
+        "at 1800 expect lblDispMessage.visible 0\n"
+        "at 1900 key T\n"
+        "at 2000 expect Touch 1\n"
+        "at 2100 end\n");
+    EXPECT_EQ(status, 0) << show.messages() << show.result("events.log");
+    EXPECT_NE(contents(show.home() / "palette.ini").find("[Another Name]"), std::string::npos);
+}
+
+TEST(Rehearse, TakesDevicesAwayAndBringsThemBack) {
+    Show show;
+    show.tone("tone.wav", 4);
+    show.write("palette.ini", "[Test]\r\nPath_0=Audio_Sample\\tone.wav\r\n");
+    EXPECT_EQ(
+        show.perform("at 0 press 0\nat 1000 unplug Main output\nat 2000 plug Main output\nat 3000 end\n"), 0)
+        << show.messages();
+    const Sound main = show.heard("main.wav"), aux = show.heard("aux.wav");
+    EXPECT_EQ(peak(main, framesOf(1020), framesOf(1990)), 0);
+    for (double ms = 50; ms < 2900; ms += 100) {
+        EXPECT_GT(peak(aux, framesOf(ms), framesOf(ms + 10)), 0.49F) << "the other output goes on, at " << ms;
+        if (ms < 1000 || ms > 2100) {
+            EXPECT_GT(peak(main, framesOf(ms), framesOf(ms + 10)), 0.49F) << ms;
+        }
+    }
+}
+
 TEST(Rehearse, GivesTheSameBytesEachTime) {
     const std::string script =
         "at 0 random 150 9\n"
