@@ -72,6 +72,7 @@ bool TempoLane::open(StretcherSource& stretchers, const TempoParameters& wanted)
 void TempoLane::begin(std::uint64_t start, const PlayRange& where, bool settled) {
     adopt(where);
     startSource = start;
+    clean = !settled;
     // A transposer that begins in the middle of a sound would take the beginning for an edge.
     const bool transposes = parameters.pitch != 0 || parameters.rate != 1;
     lead_ = transposes ? std::min<std::uint64_t>(start, kTransposerFrames) : 0;
@@ -93,6 +94,7 @@ void TempoLane::openLeaving(std::span<const float> content, std::uint64_t start,
     parameters = {};
     adopt(where);
     leaves = true;
+    clean = false;
     startSource = start;
     leaveSource = next;
     speed_ = 1;
@@ -158,6 +160,7 @@ void TempoLane::fill(FrameReader& reader, std::size_t ahead) {
 }
 
 void TempoLane::fadeFrom(std::span<const float> old) {
+    clean = false;
     const std::size_t frames = std::min<std::size_t>(old.size() / channels_, ahead());
     for (std::size_t i = 0; i < frames; ++i) {
         const float way = (static_cast<float>(i) + 0.5f) / static_cast<float>(frames);

@@ -33,6 +33,7 @@ class TempoLane {
     bool leaves = false;         ///< a cross-fade back to the source, which goes on at leaveSource
     std::uint64_t leaveSource = 0;
     std::uint64_t startSource = 0;  ///< of frame 0
+    bool clean = false;             ///< begins in place, with nothing faded in: good for any start from there
 
     // ---- [worker]
     /// Takes the stretcher's parameters, before begin(); false when the stretcher cannot be had.

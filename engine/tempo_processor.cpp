@@ -11,8 +11,9 @@ namespace {
 
 constexpr double kLeadSeconds = 0.025;  // between the making of a change and its frame
 constexpr double kFadeSeconds = 0.01;
-constexpr double kAheadSeconds = 0.2;   // that a lane keeps rendered
-constexpr double kReadySeconds = 0.06;  // that a lane has when it is offered
+constexpr double kAheadSeconds = 0.2;    // that a lane keeps rendered
+constexpr double kRefillSeconds = 0.12;  // below which it is filled up
+constexpr double kReadySeconds = 0.06;   // that a lane has when it is offered
 constexpr double kRingSeconds = 0.3;
 constexpr double kHoldSeconds = 0.05;    // that a position waits at most after a change
 constexpr double kSearchSeconds = 0.01;  // to either side, for the best place to cross over
@@ -61,6 +62,11 @@ void TempoProcessor::prime(std::uint64_t frame, const PlayRange& range) {
     if (wanted.neutral() || !stretchers_) return;
     std::lock_guard lock(workMutex_);
     const FlushToZero flush;
+    const auto good = [&](const TempoLane* lane) {
+        return lane && lane->state.load(std::memory_order_acquire) == TempoLane::State::made && lane->clean &&
+               lane->startSource == frame && lane->parameters == wanted && !lane->playsOtherwise(range);
+    };
+    if (good(primed_.load()) || (!published_.current.load() && good(pending_))) return;
     if (TempoLane* before = primed_.exchange(nullptr)) drop(before);
     TempoLane* lane = freeLane();
     if (!lane || !lane->open(*stretchers_, wanted)) return;
@@ -77,20 +83,21 @@ void TempoProcessor::drop(TempoLane* lane) {
     lane->state.store(TempoLane::State::retired, std::memory_order_release);
 }
 
-/// Sequentially consistent throughout: a reader that finds the same even version before and after has it
-/// whole.
+/// A reader that finds the same even version before and after has it whole: whoever sees a field of this turn
+/// also sees the odd version that stands before it.
 void TempoProcessor::publish() {
+    constexpr auto release = std::memory_order_release;
     const std::uint32_t version = published_.version.load(std::memory_order_relaxed);
-    published_.version.store(version + 1);
-    published_.epoch.store(epoch_);
-    published_.clock.store(clock_);
-    published_.start.store(start_);
-    published_.source.store(source_);
-    published_.end.store(range_.end);
-    published_.loopStart.store(range_.loopStart);
-    published_.loop.store(range_.loop);
-    published_.current.store(current_);
-    published_.version.store(version + 2);
+    published_.version.store(version + 1, std::memory_order_relaxed);
+    published_.epoch.store(epoch_, release);
+    published_.clock.store(clock_, release);
+    published_.start.store(start_, release);
+    published_.source.store(source_, release);
+    published_.end.store(range_.end, release);
+    published_.loopStart.store(range_.loopStart, release);
+    published_.loop.store(range_.loop, release);
+    published_.current.store(current_, release);
+    published_.version.store(version + 2, release);
 }
 
 void TempoProcessor::restart(std::uint64_t frame) {
@@ -100,14 +107,24 @@ void TempoProcessor::restart(std::uint64_t frame) {
     current_ = nullptr;
     start_ = clock_;
     source_ = frame;
-    if (TempoLane* lane = primed_.exchange(nullptr)) {
-        if (lane->startSource == frame && wanted_.load(std::memory_order_acquire)) {
-            lane->state.store(TempoLane::State::playing, std::memory_order_release);
-            current_ = lane;
-        } else {
-            drop(lane);
-        }
+    // A lane that was primed for it, or one that waits for the start from here.
+    TempoLane* primed = primed_.exchange(nullptr);
+    if (TempoLane* lane = offered_.load(std::memory_order_relaxed) ? offered_.exchange(nullptr) : nullptr) {
+        if (next_) drop(next_);
+        next_ = lane;
     }
+    for (TempoLane* lane : {primed, next_}) {
+        if (!lane) continue;
+        const bool fits = !current_ && lane->clean && lane->startSource == frame && lane->readAt() == 0 &&
+                          wanted_.load(std::memory_order_acquire);
+        if (!fits) {
+            drop(lane);
+            continue;
+        }
+        lane->state.store(TempoLane::State::playing, std::memory_order_release);
+        current_ = lane;
+    }
+    next_ = nullptr;
     heard_.store(frame, std::memory_order_relaxed);
     publish();
 }
@@ -209,15 +226,17 @@ void TempoProcessor::report(std::size_t frames) {
 // ---- [worker]
 
 TempoProcessor::Snapshot TempoProcessor::snapshot() const {
+    constexpr auto acquire = std::memory_order_acquire;
     for (;;) {
-        const std::uint32_t before = published_.version.load();
-        const Snapshot s{published_.epoch.load(),
-                         published_.clock.load(),
-                         published_.start.load(),
-                         published_.source.load(),
-                         {published_.end.load(), published_.loopStart.load(), published_.loop.load()},
-                         published_.current.load()};
-        if (before % 2 == 0 && published_.version.load() == before) return s;
+        const std::uint32_t before = published_.version.load(acquire);
+        const Snapshot s{
+            published_.epoch.load(acquire),
+            published_.clock.load(acquire),
+            published_.start.load(acquire),
+            published_.source.load(acquire),
+            {published_.end.load(acquire), published_.loopStart.load(acquire), published_.loop.load(acquire)},
+            published_.current.load(acquire)};
+        if (before % 2 == 0 && published_.version.load(std::memory_order_relaxed) == before) return s;
     }
 }
 
@@ -257,9 +276,18 @@ bool TempoProcessor::offerStands(const TempoLane& lane, const Snapshot& now,
 
 /// From the source itself into a first lane. Both begin with the same frames: the fade is hardly one.
 void TempoProcessor::enter(const Snapshot& now, const TempoParameters& wanted) {
+    const bool fresh = now.clock == now.start;  // nothing has sounded from here
+    if (TempoLane* primed = primed_.load(); fresh && primed && primed->startSource == now.source &&
+                                            primed->parameters == wanted &&
+                                            !primed->playsOtherwise(now.range)) {
+        if (!primed_.compare_exchange_strong(primed, nullptr)) return;
+        primed->epoch = now.epoch;
+        primed->switchAt = now.clock;
+        offer(primed);
+        return;
+    }
     TempoLane* lane = freeLane();
     if (!lane) return;
-    const bool fresh = now.clock == now.start;  // nothing has sounded from here
     const std::size_t lead = fresh ? 0 : framesOf(kLeadSeconds, rate_);
     const std::uint64_t source = advance(now.source, lead, now.range);
     if (source == now.range.end && !now.range.loop) return;  // over before it could begin
@@ -363,13 +391,15 @@ void TempoProcessor::work() {
         now.current && now.current->state.load(std::memory_order_acquire) == TempoLane::State::playing;
     if (sounding) {
         if (!now.current->leaves && !now.current->playsOtherwise(now.range)) now.current->adopt(now.range);
-        now.current->fill(reader_, ahead);
+        // By the stretch, not by the crumb: a stretcher's state has to come into the caches each time.
+        if (now.current->ahead() < framesOf(kRefillSeconds, rate_)) now.current->fill(reader_, ahead);
     } else if (now.current) {
         return;  // it has just changed over: next time
     }
     if (pending_ && pending_->state.load(std::memory_order_acquire) == TempoLane::State::made &&
         offerStands(*pending_, now, wanted)) {
-        pending_->fill(reader_, ahead);
+        if (pending_->ahead() < framesOf(kReadySeconds, rate_))
+            pending_->fill(reader_, framesOf(kReadySeconds, rate_));
         return;
     }
     pending_ = nullptr;
