@@ -1,5 +1,7 @@
 #include "tests/sound/sound_server.h"
 
+#include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <cstring>
 #include <fstream>
@@ -74,6 +76,54 @@ std::vector<float> SoundServer::Recording::stop() {
 
 Process SoundServer::feedMicrophone(const std::string& wav) const {
     return Process({"paplay", "-d", "micfeed", "--latency-msec=20", wav}, environment());
+}
+
+namespace {
+
+class Clicker : public SoundClient {
+  public:
+    void render(std::span<float> stereo) override {
+        std::fill(stereo.begin(), stereo.end(), 0.0F);
+        if (!armed.exchange(false)) return;
+        std::fill(stereo.begin(), stereo.end(), 0.5F);
+        sent = now();
+    }
+    void heard(std::span<const float> stereo) override {
+        if (sent == 0 || received != 0) return;
+        for (const float sample : stereo)
+            if (sample > 0.1F) received = now();
+    }
+    void deviceLost() override {}
+    void deviceBack() override {}
+
+    std::atomic<bool> armed{false};
+    std::atomic<std::int64_t> sent{0}, received{0};
+
+  private:
+    static std::int64_t now() {
+        return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
+    }
+};
+
+}  // namespace
+
+std::vector<double> clickTravels(DeviceSource& devices, const std::string& from, const std::string& to) {
+    constexpr int clicks = 15;
+    Clicker clicker;
+    const auto input = devices.openInput(to, 44'100, clicker);
+    const auto output = devices.openOutput(from, 44'100, clicker);
+    if (!input || !output) return {};
+    std::vector<double> took;
+    for (int i = 0; i < clicks; ++i) {
+        // Long enough for the last one to have died away, and never in step with the server's periods.
+        std::this_thread::sleep_for(std::chrono::microseconds(150'000 + 1'370 * i));
+        clicker.received = clicker.sent = 0;
+        clicker.armed = true;
+        if (!within(2, [&] { return clicker.received != 0; })) return {};
+        took.push_back(static_cast<double>(clicker.received - clicker.sent) / 1e6);
+    }
+    std::sort(took.begin(), took.end());
+    return took;
 }
 
 }  // namespace zv::test

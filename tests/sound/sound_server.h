@@ -46,6 +46,10 @@ class SoundServer {
     Process server_;
 };
 
+/// Sends clicks to output `from` and listens at input `to`: how long each was under way, in ms, in rising
+/// order; nothing when one got lost.
+std::vector<double> clickTravels(DeviceSource& devices, const std::string& from, const std::string& to);
+
 /// Waits until `holds` does, at most `seconds`.
 template <class Condition>
 bool within(double seconds, Condition holds);

@@ -1,0 +1,67 @@
+// The audio library as a program meets it: absent, broken, then there.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
+
+#include "engine/bass.h"
+#include "engine/import/library.h"
+
+namespace {
+
+const std::string bin = ZV_BIN_DIR;
+
+std::set<std::string> operationsIn(const std::string& file, const std::string& pattern) {
+    std::ifstream in(std::string(ZV_SOURCE_DIR) + file);
+    const std::string text{std::istreambuf_iterator<char>(in), {}};
+    std::set<std::string> names;
+    const std::regex wanted(pattern);
+    for (auto match = std::sregex_iterator(text.begin(), text.end(), wanted); match != std::sregex_iterator();
+         ++match)
+        names.insert((*match)[1]);
+    return names;
+}
+
+TEST(AudioLibrary, TableNamesEveryOperationOfTheHeader) {
+    const auto declared = operationsIn("/engine/bass.h", R"(\n\w+ (BASS_\w+)\()");
+    EXPECT_GT(declared.size(), 45U);
+    EXPECT_EQ(declared, operationsIn("/engine/import/import.cpp", R"re("(BASS_\w+)")re"));
+}
+
+TEST(AudioLibrary, FailsSoftlyUntilItIsLoaded) {
+    // Nothing is loaded yet: every kind of result says failure.
+    EXPECT_EQ(nullptr, zv::audioLibraryControl());
+    EXPECT_EQ(0U, BASS_GetVersion());
+    EXPECT_NE(BASS_OK, BASS_ErrorGetCode());
+    EXPECT_FALSE(BASS_Init(-1, 44'100, 0, nullptr, nullptr));
+    EXPECT_EQ(0U, BASS_StreamCreateFile(false, "x", 0, 0, 0));
+    EXPECT_EQ(BASS_NO_POSITION, BASS_ChannelGetLength(1, BASS_POS_BYTE));
+    EXPECT_EQ(-1.0, BASS_ChannelBytes2Seconds(1, 4));
+    EXPECT_EQ(~0U, BASS_ChannelFlags(1, 0, 0));
+    EXPECT_EQ(BASS_ACTIVE_STOPPED, BASS_ChannelIsActive(1));
+
+    const std::string folder = testing::TempDir();
+    std::ofstream(folder + "/text.so") << "no library";
+    std::ofstream(folder + "/some.cpp") << "extern \"C\" unsigned BASS_GetVersion() { return 0x2040000; }\n";
+    ASSERT_EQ(0,
+              std::system(("c++ -shared -fPIC -o " + folder + "/some.so " + folder + "/some.cpp").c_str()));
+    for (const std::string& path :
+         {folder + "/missing.so", folder + "/text.so", folder + "/some.so", std::string()}) {
+        EXPECT_FALSE(zv::loadAudioLibrary(path)) << path;
+        EXPECT_EQ(nullptr, zv::audioLibraryControl());
+        EXPECT_EQ(0U, BASS_GetVersion()) << path;
+    }
+
+    const std::string path = bin + "/" + zv::audioLibraryName();
+    ASSERT_TRUE(zv::loadAudioLibrary(path)) << path;
+    EXPECT_EQ(516U, BASS_GetVersion() >> 16);
+    EXPECT_NE(nullptr, zv::audioLibraryControl());
+    EXPECT_EQ(BASS_NO_POSITION, BASS_ChannelGetLength(1, BASS_POS_BYTE));
+    EXPECT_EQ(BASS_ERROR_HANDLE, BASS_ErrorGetCode());
+    EXPECT_TRUE(zv::loadAudioLibrary(folder + "/missing.so")) << "what is loaded stays";
+}
+
+}  // namespace

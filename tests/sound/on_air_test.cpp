@@ -1,0 +1,152 @@
+// The engine on a real sound server with real files: what is pressed is on air at once and unchanged, on both
+// outputs, and stays on air when a device goes and comes.
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+#include "engine/bass.h"
+#include "platform/file_decoders/file_decoders.h"
+#include "platform/pulse/pulse_devices.h"
+#include "platform/soundtouch/soundtouch_stretcher.h"
+#include "tests/sound/sound_server.h"
+
+namespace zv::test {
+namespace {
+
+constexpr DWORD rate = 44'100;
+constexpr DWORD mixing = BASS_STREAM_DECODE | BASS_MIXER_NONSTOP | BASS_SAMPLE_FLOAT;
+
+/// Main and auxiliary output on two devices, and the microphone's bus, as the program builds them.
+class OnAir : public testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(server.answers()) << "pulseaudio does not start";
+        engineControl()->install(
+            {makeFileDecoders(), soundTouchStretchers(), makePulseDevices({.server = server.address()})});
+        BASS_SetConfig(BASS_CONFIG_DEV_NONSTOP, 1);
+        ASSERT_TRUE(BASS_Init(0, rate, 0, nullptr, nullptr));
+        mainMixer = BASS_Mixer_StreamCreate(rate, 2, mixing);
+        micMixer = BASS_Mixer_StreamCreate(rate, 2, mixing);
+        for (int i : {0, 1}) {
+            outMixer[i] = BASS_Mixer_StreamCreate(rate, 2, mixing);
+            for (const DWORD bus : {mainMixer, micMixer})
+                BASS_Mixer_StreamAddChannel(outMixer[i],
+                                            BASS_Split_StreamCreate(bus, BASS_STREAM_DECODE, nullptr),
+                                            BASS_MIXER_CHAN_BUFFER);
+            ASSERT_TRUE(BASS_Init(i + 1, rate, 0, nullptr, nullptr)) << BASS_ErrorGetCode();
+            BASS_SetDevice(static_cast<DWORD>(i + 1));
+            const DWORD out = BASS_Split_StreamCreate(outMixer[i], 0, nullptr);
+            BASS_ChannelSetAttribute(out, BASS_ATTRIB_BUFFER, 0);
+            ASSERT_TRUE(BASS_ChannelStart(out));
+        }
+    }
+    void TearDown() override {
+        BASS_RecordFree();
+        for (const DWORD device : {2U, 1U, 0U})
+            if (BASS_SetDevice(device)) BASS_Free();
+    }
+
+    DWORD jingle(const std::string& path) {
+        const DWORD source = BASS_StreamCreateFile(false, path.c_str(), 0, 0, BASS_STREAM_DECODE);
+        EXPECT_NE(0U, source) << path << " " << BASS_ErrorGetCode();
+        const DWORD play = BASS_FX_TempoCreate(source, BASS_STREAM_DECODE | BASS_FX_FREESOURCE);
+        BASS_Mixer_StreamAddChannel(mainMixer, play, BASS_MIXER_CHAN_BUFFER);
+        BASS_ChannelStop(play);
+        return play;
+    }
+
+    SoundServer server;
+    Folder folder;
+    DWORD mainMixer = 0, micMixer = 0, outMixer[2]{};
+};
+
+/// First frame of `sound` that is louder than noise; its size when there is none.
+std::size_t firstSound(const std::vector<float>& sound) {
+    for (std::size_t i = 0; i < sound.size(); ++i)
+        if (std::abs(sound[i]) > 1e-4F) return i / 2;
+    return sound.size() / 2;
+}
+
+TEST_F(OnAir, APressIsHeardOnBothOutputsUnchanged) {
+    const auto tones = wanderingTones(rate, 2, rate * 2);
+    writeWav(folder / "tones.wav", tones, rate, 2);
+    const DWORD play = jingle(folder / "tones.wav");
+    SoundServer::Recording one(server, "out1"), two(server, "out2");
+    ASSERT_TRUE(BASS_ChannelPlay(play, false));
+    EXPECT_EQ(BASS_ACTIVE_PLAYING, BASS_ChannelIsActive(play));
+    ASSERT_TRUE(within(5, [&] { return BASS_ChannelIsActive(play) == BASS_ACTIVE_STOPPED; }));
+    ASSERT_TRUE(within(2, [&, before = one.frames()] { return one.frames() > before + 8'820; }));
+    const auto main = one.stop(), aux = two.stop();
+
+    // The main output gives the file to the bit.
+    const std::size_t start = firstSound(main);
+    ASSERT_LT(start + tones.size() / 2, main.size() / 2);
+    std::size_t shift = 0;  // the tones' own first frames are silent
+    while (std::abs(tones[shift]) <= 1e-4F) ++shift;
+    float worst = 0;
+    for (std::size_t i = 0; i + shift < tones.size(); ++i)
+        worst = std::max(worst, std::abs(main[2 * start + i - shift % 2] -
+                                         std::round(tones[shift - shift % 2 + i] * 32768) / 32768));
+    EXPECT_LT(worst, 1e-6F);
+    // The auxiliary output has a clock of its own, and follows by resampling.
+    EXPECT_NEAR(static_cast<double>(tones.size()) / 2,
+                static_cast<double>(
+                    std::count_if(aux.begin(), aux.end(), [](float s) { return std::abs(s) > 1e-4F; })) /
+                    2,
+                400);
+    EXPECT_NEAR(*std::max_element(main.begin(), main.end()), *std::max_element(aux.begin(), aux.end()), 0.01);
+}
+
+TEST_F(OnAir, SoundGoesOnOverADeviceThatIsPulledOut) {
+    writeWav(folder / "tones.wav", wanderingTones(rate, 2, rate * 20), rate, 2);
+    const DWORD play = jingle(folder / "tones.wav");
+    ASSERT_TRUE(BASS_ChannelPlay(play, false));
+    for (const char* gone : {"out1", "out2"}) {
+        const bool isMain = std::string(gone) == "out1";
+        server.unplugOutput(gone);
+        // Next door nothing stops for longer than it takes to notice.
+        SoundServer::Recording other(server, isMain ? "out2" : "out1");
+        const QWORD before = BASS_ChannelGetPosition(play, BASS_POS_BYTE);
+        ASSERT_TRUE(within(4, [&] {
+            return BASS_ChannelGetPosition(play, BASS_POS_BYTE) > before + rate * 4;
+        })) << gone;
+        const auto sound = other.stop();
+        EXPECT_GT(*std::max_element(sound.begin(), sound.end()), 0.3F) << gone;
+        server.plugOutput(gone, isMain ? "OutOne" : "OutTwo");
+        ASSERT_TRUE(within(4, [&] {
+            SoundServer::Recording back(server, gone);
+            within(1, [&] { return back.frames() > 8'820; });
+            const auto heard = back.stop();
+            return !heard.empty() && *std::max_element(heard.begin(), heard.end()) > 0.3F;
+        })) << gone;
+    }
+    EXPECT_EQ(BASS_ACTIVE_PLAYING, BASS_ChannelIsActive(play));
+}
+
+TEST_F(OnAir, MicrophoneReachesTheOutput) {
+    writeWav(folder / "tones.wav", wanderingTones(rate, 2, rate * 6), rate, 2);
+    ASSERT_TRUE(BASS_RecordInit(-1)) << BASS_ErrorGetCode();
+    BASS_RECORDINFO info{};
+    ASSERT_TRUE(BASS_RecordGetInfo(&info));
+    EXPECT_EQ(rate, info.freq);
+    const DWORD microphone = BASS_FX_TempoCreate(BASS_RecordStart(info.freq, 2, 0, nullptr, nullptr),
+                                                 BASS_STREAM_DECODE | BASS_FX_FREESOURCE);
+    ASSERT_TRUE(BASS_Mixer_StreamAddChannel(micMixer, microphone, BASS_MIXER_CHAN_BUFFER));
+    {
+        const Process speaker = server.feedMicrophone(folder / "tones.wav");
+        SoundServer::Recording record(server, "out1");
+        ASSERT_TRUE(within(6, [&] { return record.frames() > rate * 2; }));
+        const auto sound = record.stop();
+        EXPECT_NEAR(0.54, *std::max_element(sound.begin(), sound.end()), 0.03);
+    }
+    // From one output through the microphone and the engine to the other: more than from input to output.
+    const auto devices = makePulseDevices({.server = server.address()});
+    const auto took = clickTravels(*devices, "micfeed", "out1.monitor");
+    ASSERT_FALSE(took.empty());
+    std::printf("through microphone and engine: median %.1f ms, worst %.1f ms\n", took[took.size() / 2],
+                took.back());
+    EXPECT_LT(took[took.size() / 2], 30.0);
+}
+
+}  // namespace
+}  // namespace zv::test
