@@ -73,7 +73,7 @@ TEST(Jingle, ItsStateIsReadFromItsFace) {
     f.button.backColor = kButtonFace;  // missing: red text on the usual face
     f.button.foreColor = 255;
     QImage p = s.picture();
-    EXPECT_GT(count(p, inner, Qt::red, 40), 40);
+    EXPECT_GT(count(p, inner, Qt::red, 70), 40);
     EXPECT_GT(count(p, inner, themeFor(s.window).face), all * 8 / 10);
 
     f.button.foreColor = kNoColour;
@@ -235,6 +235,17 @@ TEST(Meter, ItsPeakStaysForItsDelayAndFalls) {
     EXPECT_NE(at(50), QColor(Qt::yellow));
     setNow(4000);
     EXPECT_EQ(count(s.picture(), QRect(640, 210, 20, 150), Qt::yellow), 0);
+}
+
+TEST(Theme, TextIsMadeLegibleOnlyWhereItIsNot) {
+    const QColor dark(0x2B, 0x2D, 0x31);
+    EXPECT_EQ(legible(Qt::white, dark), QColor(Qt::white));
+    EXPECT_EQ(legible(Qt::red, Qt::white), QColor(Qt::red));
+    const QColor red = legible(Qt::red, dark);
+    EXPECT_GT(lightness(red), lightness(Qt::red));
+    EXPECT_EQ(red.red(), 255) << "still red";
+    EXPECT_LT(red.green(), 128);
+    EXPECT_LT(lightness(legible(Qt::white, QColor(0xFF, 0xFF, 0xA0))), 0.7);
 }
 
 TEST(Theme, FollowsTheWindowsLightness) {

@@ -83,7 +83,7 @@ constexpr std::array kWays{
     Way{0.75, 2, false, false}, Way{0.75, 1, false, true}, Way{0.87, 2, true, false},
     Way{0.75, 2, true, false},
 };
-constexpr std::array kShifts{0.0, -0.06, 0.06, -0.12};
+constexpr std::array kShifts{0.0, -0.06, 0.06, -0.12, 0.12, 0.2};
 
 class Setter {
   public:
@@ -162,22 +162,27 @@ class Setter {
 
     /// Too long for all ways: as much of it as there is room for, with an ellipsis.
     CaptionLayout cutShort() {
-        for (const int count : {2, 1}) {
-            const QFont f = scaled(0.87);
+        for (const double scale : {0.87, 0.75}) {
+            const QFont f = scaled(scale);
             const QFontMetricsF m(f);
-            const QRectF room = count == 2 ? room_ : freeSpan(m.height());
-            const QStringList all = broken(name_, f, room.width());
-            QStringList lines;
-            if (count == 2 && all.size() > 1) {
-                const QString rest = name_.simplified().mid(all[0].size()).trimmed();
-                lines = {all[0], m.elidedText(rest, Qt::ElideRight, room.width())};
-            } else if (count == 1) {
-                lines = {m.elidedText(name_.simplified(), Qt::ElideRight, std::max(0.0, room.width()))};
+            const auto elided = [&](const QString& text, const QRectF& room) {
+                return m.elidedText(text, Qt::ElideRight, std::max(0.0, room.width()));
+            };
+            const QStringList all = broken(name_, f, room_.width());
+            const QRectF beside = freeSpan(m.height());
+            const QString whole = name_.simplified();
+            std::vector<std::pair<QStringList, QRectF>> tries;
+            if (all.size() > 1 && m.height() * 2 <= room_.height() + 2) {
+                tries.push_back({{all[0], elided(whole.mid(all[0].size()).trimmed(), room_)}, room_});
             }
-            for (const double shift : kShifts) {
-                if (lines.isEmpty() || !place(lines, f, room, shift * room_.height())) continue;
-                made_.cut = true;
-                return made_;
+            tries.push_back({{elided(whole, room_)}, room_});
+            if (beside.width() > m.averageCharWidth() * 6) tries.push_back({{elided(whole, beside)}, beside});
+            for (const auto& [lines, room] : tries) {
+                for (const double shift : kShifts) {
+                    if (!place(lines, f, room, shift * room_.height())) continue;
+                    made_.cut = true;
+                    return made_;
+                }
             }
         }
         // Not even that is free of the corners: the name goes before the small texts.

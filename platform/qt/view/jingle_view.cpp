@@ -97,7 +97,7 @@ class JingleWidget final : public PaintedWidget {
     void paintEvent(QPaintEvent* e) override {
         QPainter p(this);
         const Theme theme = themeOf(record);
-        const QColor ink = colourOf(record.foreColor, theme.text);
+        const QColor ink = legible(colourOf(record.foreColor, theme.text), face(theme));
         paintFace(p, theme);
         if (!layout_.lines.isEmpty() && e->region().intersects(layout_.box.toAlignedRect())) {
             p.setFont(layout_.font);
@@ -270,9 +270,14 @@ class JingleWidget final : public PaintedWidget {
 
     /// A dot in the place of its mark, kept inside the face and clear of a number at its side.
     QRectF dotPlace(const QRectF& place) const {
-        const double side = std::min({kDotSize, place.width(), place.height(), height() - 6.0});
+        double side = std::min({kDotSize, place.width(), place.height(), height() - 6.0});
         double y = place.center().y();
-        if (height() < kLowButton / 2 + 4) y = height() / 2.0;
+        if (height() < kLowButton / 2 + 4) {
+            y = height() / 2.0;
+        } else if (height() < kLowButton) {
+            side = std::min(side, 7.0);
+            y = std::min(y, side / 2 + 4);
+        }
         return {place.center().x() - side / 2 - marksAside_, y - side / 2, side, side};
     }
 
@@ -319,6 +324,25 @@ class JingleWidget final : public PaintedWidget {
         return out;
     }
 
+    /// The small texts run into each other or into a mark, or out of the button.
+    bool cornersMeet() const {
+        std::vector<QRectF> texts, all;
+        if (showDuration_ && !parts_.duration.isEmpty()) texts.push_back(durationPlace());
+        for (const Control* part : record.children()) {
+            if (!part->visible()) continue;
+            const QRectF place = placeIn(*part, record);
+            if (isStateMark(*part)) all.push_back(dotPlace(place));
+            if (isNumber(*part) && showNumber_ && !part->caption().empty()) {
+                texts.push_back(numberPlace(place, captionOf(part->caption)));
+            }
+        }
+        if (texts.size() == 2 && texts[0].intersects(texts[1])) return true;
+        return std::any_of(texts.begin(), texts.end(), [&](const QRectF& t) {
+            return t.left() < 2 ||
+                   std::any_of(all.begin(), all.end(), [&](const QRectF& d) { return t.intersects(d); });
+        });
+    }
+
     /// On a button too small for all of it the name comes first, then the number, then the duration.
     void layOut() {
         const QRectF room = QRectF(rect()).adjusted(kMargin, 1, -kMargin, -1);
@@ -330,7 +354,7 @@ class JingleWidget final : public PaintedWidget {
             marksAside_ = number ? marksAside() : 0;
             corners_ = corners();
             layout_ = layOutCaption(parts_.name, seen_.font, narrow ? small : room, corners_);
-            return !layout_.cut;
+            return !layout_.cut && !(narrow && cornersMeet());
         };
         if (attempt(true, true) || (attempt(false, true) && narrow) || (narrow && attempt(false, false)))
             return;

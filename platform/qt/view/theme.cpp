@@ -71,6 +71,27 @@ void makeCrisp(QFont& font) {
 
 double lightness(const QColor& c) { return 0.299 * c.redF() + 0.587 * c.greenF() + 0.114 * c.blueF(); }
 
+QColor legible(const QColor& ink, const QColor& ground) {
+    constexpr double kContrast =
+        3.8;  // what letters of a caption's size need, as the eye's ratio of luminance
+    const auto linear = [](double v) {
+        return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+    };
+    const auto luminance = [&](const QColor& c) {
+        return 0.2126 * linear(c.redF()) + 0.7152 * linear(c.greenF()) + 0.0722 * linear(c.blueF()) + 0.05;
+    };
+    const double below = luminance(ground);
+    const QColor towards =
+        below < luminance(QColor(0x76, 0x76, 0x76)) ? QColor(Qt::white) : QColor(Qt::black);
+    QColor out = ink;
+    for (double share = 0.1; share < 1; share += 0.1) {
+        const double above = luminance(out);
+        if (std::max(above, below) / std::min(above, below) >= kContrast) break;
+        out = mixed(ink, towards, share);
+    }
+    return out;
+}
+
 QColor mixed(const QColor& a, const QColor& b, double s) {
     const auto part = [s](int x, int y) { return static_cast<int>(std::lround(x + (y - x) * s)); };
     return {part(a.red(), b.red()), part(a.green(), b.green()), part(a.blue(), b.blue())};

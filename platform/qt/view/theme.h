@@ -41,6 +41,9 @@ QColor mixed(const QColor& a, const QColor& b, double shareOfB);
 /// 0 black .. 1 white, as the eye weighs it.
 double lightness(const QColor& colour);
 
+/// A text colour on a ground, made lighter or darker where it could hardly be read there.
+QColor legible(const QColor& ink, const QColor& ground);
+
 /// The program's text font at `pixels`; weights as QFont has them.
 QFont textFont(double pixels, int weight = QFont::Normal);
 /// The font of the symbols; letters are symbols there. Never merged with another font.
