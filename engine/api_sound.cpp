@@ -11,13 +11,33 @@ using namespace zv;
 
 namespace {
 
+dsp::StereoLevel fromPages(Channel& channel, const Trail& trail, double seconds, bool rms) {
+    const Channel& root = channel.root();
+    const auto window = static_cast<std::uint64_t>(std::ceil(seconds * root.rate));
+    std::array<Trail::Run, Trail::kRuns> runs;
+    const std::size_t count = trail.last(window, runs);
+    float peak[2]{};
+    double power[2]{};
+    for (std::size_t i = 0; i < count; ++i)
+        root.sound->measure(runs[i].from, runs[i].to - runs[i].from, peak, power);
+    if (!rms) return {peak[0], peak[1]};
+    const auto frames = static_cast<double>(window);
+    return {static_cast<float>(std::sqrt(power[0] / frames)),
+            static_cast<float>(std::sqrt(power[1] / frames))};
+}
+
 bool level(Engine& engine, Channel& channel, float* levels, float seconds, DWORD flags) {
     constexpr float longest = 1;
     if (!levels || !(seconds > 0) || seconds > longest) return fail(BASS_ERROR_ILLPARAM, false);
     dsp::StereoLevel found;
     if (engine.active(channel) && channel.control.meter) {
-        const dsp::LevelMeter& meter = *channel.control.meter;
-        found = (flags & BASS_LEVEL_RMS) != 0 ? meter.rms(seconds) : meter.peak(seconds);
+        const Metering& meter = *channel.control.meter;
+        const bool rms = (flags & BASS_LEVEL_RMS) != 0;
+        if (meter.trails.load(std::memory_order_relaxed)) {
+            found = fromPages(channel, meter.trail, seconds, rms);
+        } else {
+            found = rms ? meter.meter.rms(seconds) : meter.meter.peak(seconds);
+        }
     }
     if ((flags & BASS_LEVEL_VOLPAN) != 0) {
         const float volume = channel.shared.volume.load(std::memory_order_relaxed);

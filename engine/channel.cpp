@@ -6,7 +6,7 @@ constexpr double kMeterSeconds = 1.0;
 }
 
 Plug::Plug(std::uint32_t from, std::uint32_t to)
-    : rate(to), meter(std::make_shared<dsp::LevelMeter>(to, kMeterSeconds)) {
+    : rate(to), meter(std::make_shared<Metering>(to, kMeterSeconds)) {
     if (from == to) return;
     resampler = std::make_unique<dsp::Resampler>(from, to, 2U);
     in.resize((resampler->inputNeeded(kBlock) + 64) * 2);

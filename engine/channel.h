@@ -9,12 +9,12 @@
 
 #include "engine/bass.h"
 #include "engine/chain.h"
-#include "engine/dsp/level_meter.h"
 #include "engine/dsp/resampler.h"
 #include "engine/live_input.h"
 #include "engine/paged_sound.h"
 #include "engine/slide.h"
 #include "engine/tempo_processor.h"
+#include "engine/trail.h"
 #include "engine/trash.h"
 
 namespace zv {
@@ -40,7 +40,7 @@ struct Plug : Garbage {
     std::uint32_t rate;                         ///< of what it is plugged into
     std::unique_ptr<dsp::Resampler> resampler;  ///< null when the rates are equal
     std::vector<float> in, out;                 ///< of the resampler
-    std::shared_ptr<dsp::LevelMeter> meter;     ///< shared with the caller's side
+    std::shared_ptr<Metering> meter;            ///< shared with the caller's side
     std::size_t pending = 0;                    ///< frames waiting in `in`
     std::uint64_t fed = 0;                      ///< true frames taken from the channel since the last reset
     bool drained = false;                       ///< the channel has nothing more for it
@@ -79,8 +79,8 @@ struct ControlState {
     DWORD mixer = 0;  ///< where it sits
     bool freed = false;
     std::vector<std::shared_ptr<Effect>> effects;
-    DWORD inputDevice = 0;                   ///< of a recording
-    std::shared_ptr<dsp::LevelMeter> meter;  ///< where it is plugged in
+    DWORD inputDevice = 0;            ///< of a recording
+    std::shared_ptr<Metering> meter;  ///< where it is plugged in
 };
 
 /// Written by the audio side, read by everyone.

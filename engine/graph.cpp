@@ -118,7 +118,8 @@ void Graph::start(Channel& channel, std::uint32_t generation) {
     a.playing = true;
     if (a.plug) {
         if (a.plug->drained) a.plug->restart();
-        a.plug->meter->reset();
+        a.plug->meter->meter.reset();
+        a.plug->meter->trail.reset();
     }
     // A reader that stood still goes on with what is sounding now.
     if (channel.kind == Kind::Split) a.hubPosition = channel.hub->written;

@@ -16,7 +16,9 @@ namespace zv {
 /// A stretch of sound. `own`: lies in a buffer of the graph, to be used before anything else is pulled and
 /// free to be changed; else in memory that stays as it is until the end of the render.
 struct View {
+    static constexpr std::uint64_t kNoSource = ~std::uint64_t{0};
     const float* data = nullptr;
+    std::uint64_t source = kNoSource;  ///< untouched stereo from pages: the frame it begins with
     std::uint32_t frames = 0;
     bool own = false;
     bool ended = false;  ///< without frames: nothing more will come; else it waits for data

@@ -32,6 +32,22 @@ class Batch {
     std::size_t count_ = 0;
 };
 
+/// Sound from pages is only noted; what was computed is gone after this block and is measured now.
+void measure(Channel& channel, const View& view) {
+    Metering& meter = *channel.audio.plug->meter;
+    const bool trails = view.source != View::kNoSource;
+    if (meter.trails.load(std::memory_order_relaxed) != trails) {
+        meter.trails.store(trails, std::memory_order_relaxed);
+        meter.meter.reset();
+        meter.trail.reset();
+    }
+    if (trails) {
+        meter.trail.add(view.source, view.frames);
+    } else {
+        meter.meter.feed(view.data, view.frames);
+    }
+}
+
 }  // namespace
 
 void Graph::mixInputs(Channel* first, float* out, std::uint32_t frames) {
@@ -43,7 +59,7 @@ void Graph::mixInputs(Channel* first, float* out, std::uint32_t frames) {
         if (!a.volume.active() && !a.plug->resampler) {
             view = pullStereo(*channel, frames);
             if (view.frames == frames && !view.own) {
-                a.plug->meter->feed(view.data, frames);
+                measure(*channel, view);
                 batch.add(view.data, a.volume.value());
                 if (a.dry) setDry(*channel, false);
                 publishPosition(*channel);
@@ -72,14 +88,14 @@ void Graph::mixInput(Channel& channel, float* out, std::uint32_t frames, View vi
                 break;
             }
         }
-        a.plug->meter->feed(view.data, view.frames);
+        measure(channel, view);
         a.volume.mix(out + std::size_t{done} * 2, view.data, view.frames);
         done += view.frames;
         over = a.volume.active() && a.volume.advance(view.frames) && a.volume.stopsAtEnd();
         view.frames = 0;
     }
     a.volumeDone = done;
-    if (done < frames) a.plug->meter->feedSilence(frames - done);
+    if (done < frames) a.plug->meter->meter.feedSilence(frames - done);
     if (over) {
         finish(channel);
         return;

@@ -1,6 +1,7 @@
 #include "engine/paged_sound.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "engine/thread_tags.h"
 
@@ -107,6 +108,31 @@ void PagedSound::tidy() {
     dropUnwanted();
 }
 
+void PagedSound::measure(std::uint64_t frame, std::uint64_t count, float (&peak)[2],
+                         double (&power)[2]) const {
+    readers_.fetch_add(1, std::memory_order_seq_cst);
+    while (count > 0 && frame < length_) {
+        const std::uint64_t n = std::min<std::uint64_t>({count, kPage - frame % kPage, length_ - frame});
+        if (const float* samples = page(frame / kPage)) {
+            samples += frame % kPage * 2;
+            float left = 0, right = 0, leftPower = 0, rightPower = 0;
+            for (std::uint64_t i = 0; i < n; ++i) {
+                left = std::max(left, std::abs(samples[i * 2]));
+                right = std::max(right, std::abs(samples[i * 2 + 1]));
+                leftPower += samples[i * 2] * samples[i * 2];
+                rightPower += samples[i * 2 + 1] * samples[i * 2 + 1];
+            }
+            peak[0] = std::max(peak[0], left);
+            peak[1] = std::max(peak[1], right);
+            power[0] += static_cast<double>(leftPower);
+            power[1] += static_cast<double>(rightPower);
+        }
+        frame += n;
+        count -= n;
+    }
+    readers_.fetch_sub(1, std::memory_order_seq_cst);
+}
+
 std::size_t PagedSound::readAt(std::uint64_t frame, std::span<float> out) {
     const std::size_t channels = format_.channels;
     std::size_t done = 0;
@@ -181,7 +207,7 @@ void PagedSound::dropUnwanted() {
 }
 
 void PagedSound::freeRetired() {
-    if (retired_.empty()) return;
+    if (retired_.empty() || readers_.load(std::memory_order_seq_cst) != 0) return;
     const std::uint64_t now = renders_.load(std::memory_order_seq_cst);
     // Even: no render was under way when the page was taken away, and a later one cannot find it.
     std::erase_if(retired_, [&](const Retired& r) { return r.render % 2 == 0 || r.render != now; });

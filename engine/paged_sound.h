@@ -63,6 +63,9 @@ class PagedSound final : public FrameReader {
     std::size_t readAt(std::uint64_t frame, std::span<float> out) override;
     /// Offline: takes pages away that are no longer wanted. [control]
     void tidy();
+    /// Peaks and sums of squares of both sides of `count` stereo frames from `frame` on, raised into the four
+    /// values; pages that are not there count as silence. Never waits. [any but audio]
+    void measure(std::uint64_t frame, std::uint64_t count, float (&peak)[2], double (&power)[2]) const;
     /// Bytes of decoded sound in memory. [any]
     std::size_t memory() const {
         return resident_.load(std::memory_order_relaxed) * pageSamples_ * sizeof(float);
@@ -102,6 +105,7 @@ class PagedSound final : public FrameReader {
     std::atomic<bool> loop_{false}, sounding_{false};
     std::atomic<std::uint64_t> loopStart_{0}, end_{~std::uint64_t{0}}, head_{0}, focus_{0};
     std::atomic<std::size_t> resident_{0};
+    mutable std::atomic<int> readers_{0};  ///< pages that were taken away are kept while someone measures
     std::vector<std::atomic<float*>> pages_;
 
     std::mutex mutex_;  // of everything below: the decoder belongs to one thread at a time

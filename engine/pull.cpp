@@ -76,6 +76,7 @@ View Graph::readFile(Channel& channel, std::uint32_t want, Channel* heardBy) {
     view.frames = static_cast<std::uint32_t>(
         std::min<std::uint64_t>({want, range.end - at, PagedSound::kPage - offset}));
     view.data = page + offset * channel.channels;
+    if (channel.channels == 2) view.source = at;
     if (channel.audio.syncs) passed(channel, at, at + view.frames);
     if (heardBy && heardBy->audio.syncs) passed(*heardBy, at, at + view.frames);
     a.position = at + view.frames;
@@ -236,6 +237,7 @@ View Graph::throughChain(Channel& channel, View view) {
     }
     view.data = data;
     view.own = true;
+    view.source = View::kNoSource;
     if (effects) channel.shared.dirty.store(true, std::memory_order_relaxed);
     if (!a.chain) {
         a.voldsp.scale(data, view.frames);

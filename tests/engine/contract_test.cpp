@@ -258,7 +258,7 @@ TEST_F(Contract, NothingThatIsAskedHurts) {
     float levels[2]{};
     std::vector<float> buffer(4096);
     std::vector<HFX> effects{0, 5};
-    for (int turn = 0; turn < 4000; ++turn) {
+    for (int turn = 0; turn < 10000; ++turn) {
         const DWORD h = any(handles);
         switch (random() % 26) {
             case 0:
