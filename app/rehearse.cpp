@@ -1,5 +1,5 @@
 /// A show from a script: the whole program without a screen, on a virtual clock.
-///     rehearse SCENARIO --home FOLDER --out FOLDER [--seed N] [--no-sound]
+///     rehearse SCENARIO --home FOLDER --out FOLDER [--seed N] [--no-sound] [--outputs 0|1|2]
 
 #include <charconv>
 #include <cstdio>
@@ -20,13 +20,16 @@ namespace {
 
 using namespace zv;
 
-constexpr const char* kUsage = "usage: rehearse SCENARIO --home FOLDER --out FOLDER [--seed N] [--no-sound]";
+constexpr const char* kUsage =
+    "usage: rehearse SCENARIO --home FOLDER --out FOLDER [--seed N] [--no-sound] "
+    "[--outputs 0|1|2]";
 
 /// False when the arguments are not as the usage says.
 bool readArguments(const std::vector<std::string>& arguments, RehearsalOptions& options) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
-        const bool takesValue = argument == "--home" || argument == "--out" || argument == "--seed";
+        const bool takesValue =
+            argument == "--home" || argument == "--out" || argument == "--seed" || argument == "--outputs";
         if (takesValue && i + 1 == arguments.size()) return false;
         if (argument == "--home") {
             options.home = arguments[++i];
@@ -36,6 +39,10 @@ bool readArguments(const std::vector<std::string>& arguments, RehearsalOptions& 
             const std::string& text = arguments[++i];
             const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), options.seed);
             if (error != std::errc{} || end != text.data() + text.size()) return false;
+        } else if (argument == "--outputs") {
+            const std::string& text = arguments[++i];
+            if (text != "0" && text != "1" && text != "2") return false;
+            options.outputs = text[0] - '0';
         } else if (argument == "--no-sound") {
             options.keepSound = false;
         } else if (argument.starts_with("-") || !options.script.empty()) {

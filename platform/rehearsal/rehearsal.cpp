@@ -1,5 +1,6 @@
 #include "platform/rehearsal/rehearsal.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -27,15 +28,12 @@ namespace {
 constexpr std::int64_t kCollectMs = 1000;
 constexpr std::uint32_t kUsualRate = 44100;
 
-std::shared_ptr<OfflineDevices> stageDevices() {
-    Stage& stage = Stage::instance();
-    if (!stage.devices) {
-        OfflineOptions options;
-        options.outputs = {kMainOutput, kAuxOutput};
-        options.inputs = {kMicrophone};
-        stage.devices = makeOfflineDevices(options);
-    }
-    return stage.devices;
+void makeDevices(int outputs) {
+    OfflineOptions options;
+    options.outputs = {kMainOutput, kAuxOutput};
+    options.outputs.resize(static_cast<std::size_t>(std::clamp(outputs, 0, 2)));
+    options.inputs = {kMicrophone};
+    Stage::instance().devices = makeOfflineDevices(options);
 }
 
 /// One output and the file that keeps what it sent.
@@ -51,7 +49,7 @@ class Recording {
     /// Writes what was sent up to `ms` of the script; an output that is closed has sent silence.
     void collect(std::int64_t ms) {
         const auto wanted = static_cast<std::uint64_t>(ms) * rate_ / 1000;
-        std::vector<float> sound = stageDevices()->takeSound(device_);
+        std::vector<float> sound = Stage::instance().devices->takeSound(device_);
         if (wanted <= file_.frames()) return;
         const std::uint64_t room = wanted - file_.frames();
         if (sound.size() / 2 > room) sound.resize(static_cast<std::size_t>(room) * 2);
@@ -115,7 +113,7 @@ bool writeState(const RehearsalOptions& options, const RehearsedProgram& program
 
 }  // namespace
 
-EnginePorts soundPorts() { return {makeFileDecoders(), soundTouchStretchers(), stageDevices()}; }
+EnginePorts soundPorts() { return {makeFileDecoders(), soundTouchStretchers(), Stage::instance().devices}; }
 
 int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     Script script;
@@ -133,7 +131,8 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     stage.scriptFolder = std::filesystem::absolute(options.script).parent_path().string();
 
     VirtualClock& clock = VirtualClock::instance();
-    clock.drive(stageDevices());
+    makeDevices(options.outputs);
+    clock.drive(Stage::instance().devices);
     clock.onPeriod([] {
         if (const EngineControl* engine = audioLibraryControl()) engine->settleSyncs();
     });
@@ -152,7 +151,7 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     }
     Recording recordings[] = {Recording(kMainOutput), Recording(kAuxOutput)};
     // What was sent while the program started is not part of the show.
-    for (const char* device : {kMainOutput, kAuxOutput}) stageDevices()->takeSound(device);
+    for (const char* device : {kMainOutput, kAuxOutput}) Stage::instance().devices->takeSound(device);
     if (options.keepSound && (!recordings[0].open((out / "main.wav").string(), rate) ||
                               !recordings[1].open((out / "aux.wav").string(), rate))) {
         std::fprintf(stderr, "%s: cannot be written\n", options.out.c_str());
@@ -163,7 +162,7 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
             if (options.keepSound) recording.collect(clock.now() - stage.startMs);
         }
         if (!options.keepSound) {
-            for (const char* device : {kMainOutput, kAuxOutput}) stageDevices()->takeSound(device);
+            for (const char* device : {kMainOutput, kAuxOutput}) Stage::instance().devices->takeSound(device);
         }
     };
     clock.onPeriod([&] {

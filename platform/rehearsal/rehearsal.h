@@ -33,6 +33,7 @@ struct RehearsalOptions {
     std::string out;         ///< folder for the results, made when missing
     std::uint64_t seed = 1;  ///< of random actions that name none (SEED 0)
     bool keepSound = true;   ///< write main.wav and aux.wav
+    int outputs = 2;         ///< sound outputs that the machine has: none, the main one, or both
 };
 
 inline constexpr int kRehearsalPassed = 0;

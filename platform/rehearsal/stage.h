@@ -25,7 +25,7 @@ inline constexpr const char* kMicrophone = "Microphone";
 struct Stage {
     static Stage& instance();
 
-    std::shared_ptr<OfflineDevices> devices;  ///< made at first use of soundPorts()
+    std::shared_ptr<OfflineDevices> devices;  ///< made when the rehearsal begins
 
     int mods = 0;                     ///< kShiftMask | kCtrlMask | kAltMask
     std::set<int> heldKeys;           ///< virtual key numbers

@@ -78,5 +78,21 @@ TEST(Damage, APaletteFileOfRandomBytesOpensAsAnEmptyList) {
     }
 }
 
+TEST(Damage, WithoutAnySoundOutputTheShowGoesOnAndTheDisplaySaysSo) {
+    Show show;
+    show.tone("tone.wav", 5);
+    show.write("palette.ini", "[Test]\r\nPath_0=Audio_Sample\\tone.wav\r\n");
+    const int status = show.perform(
+        "at 100 expect lblDate No sound output: silent\n"
+        "at 500 press 0\n"
+        "at 600 expect J(0).State 1\n"
+        "at 2000 expect lblPosSecU 3\n"
+        "at 6000 expect J(0).State 0\n"
+        "at 6000 end\n",
+        "--outputs 0");
+    EXPECT_EQ(status, 0) << show.messages() << show.result("events.log");
+    EXPECT_EQ(peak(show.heard(), 0, framesOf(6000)), 0);
+}
+
 }  // namespace
 }  // namespace zv::test
