@@ -136,6 +136,7 @@ void FormDraw(const std::string& mode) {
         }
         lockUpdates();
         if (mode == "init") {
+            setFullScreen(w.window, settings.FullScreen == 1);
             showBySettings();
             DrawJButtons(0);
         }

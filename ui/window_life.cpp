@@ -1,6 +1,7 @@
 // How the main window comes, is wired to its handlers, and goes.
 #include <algorithm>
 #include <string>
+#include <vector>
 
 #include "model/jingle.h"
 #include "model/state.h"
@@ -28,6 +29,8 @@ namespace zv {
 namespace {
 
 constexpr const char* kSymbolFont = "ZVR";
+constexpr int kTitleBar = 64;  // pixels that a desktop may take from a window that fills it
+constexpr int kMaximised = 2;  // of WinState
 
 /// A press with the left button, and the keyboard's way to it (a click without a mouse).
 void onLeftPress(Control& control, void (*handler)()) {
@@ -153,6 +156,23 @@ void disableWhatIsToCome() {
     w.palettes.txtSave.enabled = false;
 }
 
+/// Where it stood last; maximised it fills its monitor.
+void placeWindow(Control& window) {
+    window.width = settings.WinWidth;
+    window.height = settings.WinHeight;
+    window.left = settings.PosLeft;
+    window.top = settings.PosTop;
+    const std::vector<Monitor> screens = monitors();
+    if (settings.WinState == kMaximised && !screens.empty()) {
+        const auto wanted = static_cast<std::size_t>(settings.Monitor);
+        const Monitor& screen = screens[wanted < screens.size() ? wanted : 0];
+        window.width = screen.width * kTwipsPerPixel;
+        window.height = screen.height * kTwipsPerPixel;
+        window.left = screen.left * kTwipsPerPixel;
+        window.top = screen.top * kTwipsPerPixel;
+    }
+}
+
 void fillFromSettings() {
     AnnouncerTab& a = frmMain().announcer;
     a.DTMinute.caption = std::to_string(settings.TimeAnnMin);
@@ -186,10 +206,7 @@ void Form_Load() {
             c->fontName = kSymbolFont;
             c->fontSize = 12;
         }
-        w.window.width = settings.WinWidth;
-        w.window.height = settings.WinHeight;
-        w.window.left = settings.PosLeft;
-        w.window.top = settings.PosTop;
+        placeWindow(w.window);
         wireWindow();
         wireDisplay();
         wirePalettes();
@@ -260,6 +277,15 @@ void TimerMainPosTick() {
         const Control& w = frmMain().window;
         if (isMinimised(w) || settings.FullScreen == 1) {
             return;
+        }
+        const std::vector<Monitor> screens = monitors();
+        const bool fills = std::any_of(screens.begin(), screens.end(), [&](const Monitor& m) {
+            return w.width() >= m.width * kTwipsPerPixel &&
+                   w.height() >= (m.height - kTitleBar) * kTwipsPerPixel;
+        });
+        settings.WinState = fills ? kMaximised : 0;
+        if (fills) {
+            return;  // the size that it had before is kept
         }
         settings.WinWidth = w.width;
         settings.WinHeight = w.height;
