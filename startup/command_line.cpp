@@ -14,6 +14,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* kTraceSwitch = "-t";  // anywhere in the command line, in either case
+
 /// What a new user finds: the sample palettes, the sounds they name, and the settings that show them best.
 struct Seed {
     const char* shipped;
@@ -81,14 +83,15 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
             out.home = arguments[++i];
         } else if (a.starts_with("--home=") && a.size() > 7) {
             out.home = a.substr(7);
-        } else if (a == "-t" || a == "-T") {
-            out.trace = true;
+        } else if (SameText(a, kTraceSwitch)) {
+            // Found below, with any other place where the switch stands.
         } else if (a == "--help" || a == "-h") {
             out.help = true;
         } else {
             out.error = "unknown option " + a + "; " + UsageLine();
             return out;
         }
+        out.trace = out.trace || LowerCase(arguments[i]).find(kTraceSwitch) != std::string::npos;
     }
     return out;
 }

@@ -132,7 +132,8 @@ TEST_F(Files, CommandLine) {
         {{"-t"}, true, "", ""},
         {{"--home", "/x", "-T"}, true, "/x", ""},
         {{"--home=/y"}, false, "/y", ""},
-        {{"--home", "-t"}, false, "-t", ""},
+        {{"--home", "-t"}, true, "-t", ""},
+        {{"--home", "/my-Tests"}, true, "/my-Tests", ""},
         {{"--home"}, false, "", "--home needs a folder; usage: zentrova [-t] [--home FOLDER]"},
         {{"-t", "--fast"}, true, "", "unknown option --fast; usage: zentrova [-t] [--home FOLDER]"},
     };
