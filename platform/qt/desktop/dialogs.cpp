@@ -38,6 +38,7 @@ QString filterOf(const std::string& filter) {
 BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind kind, BoxButtons buttons) {
     shell::flushChanged();
     QMessageBox box(front());
+    if (front() != nullptr) box.setPalette(front()->palette());
     box.setWindowTitle(textOf(title));
     box.setText(textOf(text));
     box.setTextFormat(Qt::PlainText);
@@ -90,6 +91,7 @@ void popupMenu(Control& window, const std::vector<MenuItem>& items) {
     shell::flushChanged();
     shell::RecordView* view = shell::viewOf(window);
     QMenu menu(view != nullptr ? &view->widget : front());
+    menu.setPalette(shell::paletteOf(shell::themeFor(window)));
     for (const MenuItem& item : items) {
         if (item.caption == "-") {
             menu.addSeparator();

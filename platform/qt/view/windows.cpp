@@ -4,6 +4,7 @@
 #include <QCloseEvent>
 #include <QPainter>
 #include <QResizeEvent>
+#include <QScreen>
 #include <QWindow>
 #include <algorithm>
 #include <vector>
@@ -30,18 +31,35 @@ class WindowWidget final : public QWidget, public RecordView {
     explicit WindowWidget(Control& r) : QWidget(nullptr), RecordView(r, static_cast<QWidget&>(*this)) {
         setAttribute(Qt::WA_OpaquePaintEvent);
         setFocusPolicy(Qt::ClickFocus);
+        if (r.name == "frmSplash") setWindowFlags(Qt::SplashScreen);
         resize(px(r.width), px(r.height));
+    }
+
+    /// Shown for the first time where its record says; one that fills a whole screen is maximised, so that
+    /// its frame and the desktop's bars keep their place.
+    void showFirst() {
+        wasShown = true;
+        const QRect wanted(px(record.left), px(record.top), width(), height());
+        const QScreen* screen = QGuiApplication::screenAt(wanted.center());
+        const bool fills = screen != nullptr && wanted.contains(screen->geometry());
+        if (fills && QGuiApplication::platformName() != QLatin1String("offscreen")) {
+            setWindowState(Qt::WindowMaximized);
+        } else if (wanted.topLeft() != QPoint()) {
+            move(wanted.topLeft());
+        }
     }
 
     void apply() override {
         setWindowTitle(captionOf(record.caption));
         const QSize wanted(px(record.width), px(record.height));
-        if (!resizing_ && wanted != size() && !wanted.isEmpty()) resize(wanted);
+        if (!following_ && wanted != size() && !wanted.isEmpty()) resize(wanted);
+        const QPoint place(px(record.left), px(record.top));
+        if (!following_ && wasShown && place != pos()) move(place);
         if (record.backColor() != themed_ || !hasTheme_) {
             themed_ = record.backColor;
             hasTheme_ = true;
             const Theme theme = themeFor(record);
-            if (shownWindows().empty() || shownWindows().front() == &record) {
+            if (!shownWindows().empty() && shownWindows().back() == &record) {
                 setProgramTheme(theme);
                 QApplication::setPalette(paletteOf(theme));
             }
@@ -79,11 +97,19 @@ class WindowWidget final : public QWidget, public RecordView {
         const int w = e->size().width() * kTwipsPerPixel;
         const int h = e->size().height() * kTwipsPerPixel;
         if (w == record.width() && h == record.height()) return;
-        resizing_ = true;
+        following_ = true;
         record.width = w;
         record.height = h;
-        resizing_ = false;
+        following_ = false;
         call(record.onResize);
+    }
+
+    void moveEvent(QMoveEvent*) override {
+        if (!wasShown || isMinimized()) return;
+        following_ = true;
+        record.left = pos().x() * kTwipsPerPixel;
+        record.top = pos().y() * kTwipsPerPixel;
+        following_ = false;
     }
 
   private:
@@ -99,7 +125,7 @@ class WindowWidget final : public QWidget, public RecordView {
 
     Colour themed_ = 0;
     bool hasTheme_ = false;
-    bool resizing_ = false;
+    bool following_ = false;  ///< the record learns from the window, not the other way round
 };
 
 WindowWidget* windowWidget(const Control& window) {
@@ -195,7 +221,9 @@ void showWindow(Control& window) {
     std::erase(shownWindows(), &window);
     shownWindows().push_back(&window);
     window.visible = true;
-    w->wasShown = true;
+    if (!w->wasShown) w->showFirst();
+    setProgramTheme(themeFor(window));
+    QApplication::setPalette(paletteOf(themeFor(window)));
     flushChanged();
     w->show();
     w->raise();
