@@ -55,7 +55,8 @@ void Graph::renderBlock(std::uint32_t frames) {
     ++block_;
     const float wanted = outputGain.load(std::memory_order_relaxed);
     for (Output& output : outputs_) {
-        if (!output.first) {
+        output.played = output.first != nullptr;
+        if (!output.played) {
             output.gain.set(wanted);
             continue;
         }

@@ -61,8 +61,8 @@ class Graph {
     void renderBlock(std::uint32_t frames);
     /// What output `device` got in the last block: stereo frames.
     const float* bus(int device) const { return outputs_[static_cast<std::size_t>(device)].bus.data(); }
-    /// Whether any channel plays on it.
-    bool plays(int device) const { return outputs_[static_cast<std::size_t>(device)].first != nullptr; }
+    /// Whether any channel played on it in the last block, also one that ended there.
+    bool plays(int device) const { return outputs_[static_cast<std::size_t>(device)].played; }
     /// Sound of a channel at its own rate, in stereo, its chain passed.
     View pullStereo(Channel& channel, std::uint32_t want);
     /// The same as it is in the file, before the chain.
@@ -74,6 +74,7 @@ class Graph {
   private:
     struct Output {
         Channel *first = nullptr, *last = nullptr;
+        bool played = false;
         std::vector<float> bus;
         Slide gain;
     };

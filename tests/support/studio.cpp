@@ -117,10 +117,19 @@ float Heard::loudest(std::size_t from, std::size_t to) const {
     return most;
 }
 
-FolderTest::FolderTest() {
+FolderGuard::FolderGuard() {
     std::string name = (std::filesystem::temp_directory_path() / "zv-test-XXXXXX").string();
     if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder for the test");
-    folder = name;
+    path = name;
+}
+
+FolderGuard::~FolderGuard() {
+    std::error_code error;
+    std::filesystem::remove_all(path, error);
+}
+
+FolderTest::FolderTest() {
+    const std::string name = folder.string();
     beginRun();
     setProgramFolder(name);
     setShippedFolder(name + "/shipped");
@@ -134,11 +143,7 @@ FolderTest::FolderTest() {
     };
 }
 
-FolderTest::~FolderTest() {
-    beginRun();
-    std::error_code error;
-    std::filesystem::remove_all(folder, error);
-}
+FolderTest::~FolderTest() { beginRun(); }
 
 void FolderTest::write(const std::string& name, const std::string& bytes) const {
     std::filesystem::create_directories(path(name).parent_path());

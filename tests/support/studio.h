@@ -42,6 +42,15 @@ struct Heard {
     bool silent(std::size_t from, std::size_t to) const { return loudest(from, to) < 1e-6F; }
 };
 
+/// A folder of its own, gone afterwards.
+struct FolderGuard {
+    FolderGuard();
+    ~FolderGuard();
+    FolderGuard(const FolderGuard&) = delete;
+    FolderGuard& operator=(const FolderGuard&) = delete;
+    std::filesystem::path path;
+};
+
 /// A program folder with all stores on it and the settings at their defaults; gone afterwards.
 class FolderTest : public ::testing::Test {
   protected:
@@ -52,7 +61,8 @@ class FolderTest : public ::testing::Test {
     void write(const std::string& name, const std::string& bytes) const;
     std::string read(const std::string& name) const;
 
-    std::filesystem::path folder;
+    const FolderGuard own;
+    const std::filesystem::path& folder = own.path;
     std::vector<std::string> marks;    ///< ErrDisp: mode, and ": " text when there is one
     std::vector<std::string> reports;  ///< titles of the error reports
 };

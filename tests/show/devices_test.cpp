@@ -1,0 +1,306 @@
+// Outputs, inputs and what stands between them.
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "audio/devices.h"
+#include "audio/effects.h"
+#include "audio/upcalls.h"
+#include "model/colours.h"
+#include "model/state.h"
+#include "startup/stores.h"
+#include "tests/show/show.h"
+
+namespace zv::test {
+namespace {
+
+class Devices : public ShowTest {
+  protected:
+    explicit Devices(OfflineOptions options = {.outputs = {"One", "Two", "Three"}, .inputs = {"Line", "Mic"}})
+        : ShowTest(std::move(options)) {}
+    float loudest(int output) {
+        const Heard sound = heard(output);
+        return sound.loudest(0, sound.frames());
+    }
+};
+
+TEST_F(Devices, SavedOutputsAreFoundAgain) {
+    struct Row {
+        const char* name;
+        std::string by, main, aux;  ///< numbers or names as saved
+        int device0, device1, selected0, selected1;
+    };
+    const std::vector<Row> rows{
+        {"first start", "ID", "1", "0", 1, 0, 0, 3},
+        {"two cards", "ID", "2", "3", 2, 3, 1, 2},
+        {"main gone", "ID", "7", "2", 1, 2, 0, 1},
+        {"auxiliary gone", "ID", "2", "7", 2, 0, 1, 3},
+        {"by name, nothing saved", "Name", "", "", 1, 0, 0, 3},
+        {"by name", "Name", "Three", "Two", 3, 2, 2, 1},
+        {"main name gone", "Name", "Four", "Two", 1, 2, 0, 1},
+        {"auxiliary name gone falls to the first", "Name", "Two", "Four", 2, 1, 1, 0},
+        {"both gone are both the first", "Name", "Four", "Five", 1, 1, 0, 0},
+    };
+    write("language.ini", "[English]\r\nsNoDevice=none\r\n");
+    OutputLists lists;
+    audioUpcalls.outputsListed = [&](const OutputLists& given) { lists = given; };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        settings.SavDevBy = row.by;
+        settings.DeviceName = settings.DeviceAuxName = "";
+        if (row.by == "ID") {
+            settings.Device = std::stoi(row.main);
+            settings.DeviceAux = std::stoi(row.aux);
+        } else {
+            settings.DeviceName = row.main;
+            settings.DeviceAuxName = row.aux;
+        }
+        Device = {1, 0};
+        ListOutDev();
+        EXPECT_EQ(Device[0], row.device0);
+        EXPECT_EQ(Device[1], row.device1);
+        EXPECT_EQ(lists.main, (std::vector<std::string>{"One", "Two", "Three"}));
+        EXPECT_EQ(lists.aux, (std::vector<std::string>{"One", "Two", "Three", "none"}));
+        EXPECT_EQ(lists.mainSelected, row.selected0);
+        EXPECT_EQ(lists.auxSelected, row.selected1);
+        EXPECT_EQ(lists.byName, row.by == "Name");
+    }
+}
+
+TEST_F(Devices, SavedInputsAreFoundAgain) {
+    struct Row {
+        const char* name;
+        std::string by, saved;
+        int deviceIn, selected;
+    };
+    const std::vector<Row> rows{
+        {"default", "ID", "", 0, 0},      {"second", "ID", "", 1, 1},         {"gone", "ID", "", 5, 0},
+        {"by name", "Name", "Mic", 0, 1}, {"name gone", "Name", "USB", 1, 0}, {"no name", "Name", "", 1, 1},
+    };
+    InputLists lists;
+    audioUpcalls.inputsListed = [&](const InputLists& given) { lists = given; };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        settings.SavDevBy = row.by;
+        settings.DeviceInName = row.saved;
+        settings.DeviceIn = row.deviceIn;
+        ListInDev();
+        EXPECT_EQ(lists.inputs, (std::vector<std::string>{"Line", "Mic"}));
+        EXPECT_EQ(lists.selected, row.selected);
+        EXPECT_EQ(settings.DeviceIn, row.selected);
+    }
+}
+
+TEST_F(Devices, AJingleIsOnTheChosenOutputsAtTheirLevels) {
+    openJingle(level(framesOf(60000)));
+    clPlay(0, -1);
+    const auto levels = [&](const char* what, std::vector<double> expected) {
+        SCOPED_TRACE(what);
+        pass(100);
+        for (int i = 0; i < 3; ++i) heard(i);
+        pass(100);
+        for (int i = 0; i < 3; ++i) EXPECT_NEAR(loudest(i), expected[static_cast<std::size_t>(i)], 1e-6) << i;
+    };
+    levels("main and second", {0.5, 0.5, 0});
+    SetOutputVolume(1, 20);
+    levels("auxiliary down", {0.5, 0.1, 0});
+    FreeOutp(1);
+    Device[1] = 3;
+    bassini(1);
+    levels("auxiliary on the third", {0.5, 0, 0.1});
+    FreeOutp(1);
+    Device[1] = 0;
+    bassini(1);
+    levels("no auxiliary", {0.5, 0, 0});
+    FreeOutp(0);
+    Device[0] = 2;
+    bassini(0);
+    levels("main on the second", {0, 0.5, 0});
+    FreeOutp(1);
+    Device[1] = 9;  // not there: the main output must not get it twice
+    bassini(1);
+    levels("auxiliary gone", {0, 0.5, 0});
+    EXPECT_TRUE(sounds());
+}
+
+TEST_F(Devices, TheMicrophoneIsSilentUntilItIsPushed) {
+    settings.DeviceIn = 1;
+    OpenMic();
+    ASSERT_NE(hMic, 0U);
+    std::vector<float> voice(framesOf(5000) * 2, 0.25F);
+    devices->feedInput("Mic", voice, kRate);
+    pass(200);
+    heard();
+    heard(1);
+    pass(200);
+    EXPECT_EQ(loudest(0), 0);
+    for (const StreamHandle split : MicSplit) BASS_ChannelSlideAttribute(split, BASS_ATTRIB_VOLDSP, 0.5F, 0);
+    pass(200);
+    EXPECT_NEAR(loudest(0), 0.125, 1e-3);
+    EXPECT_NEAR(loudest(1), 0.125, 1e-3);
+    CloseMic();
+    pass(100);
+    heard();
+    pass(100);
+    EXPECT_EQ(loudest(0), 0);
+    OpenMic();
+    OpenMic();
+    pass(300);
+    heard();
+    pass(100);
+    EXPECT_EQ(loudest(0), 0) << "opened anew it is silent again";
+}
+
+TEST_F(Devices, OnlyRatesOfTheListAreUsed) {
+    for (const auto& [saved, used] : std::vector<std::pair<int, int>>{
+             {11025, 11025}, {48000, 48000}, {96000, 96000}, {32000, 44100}, {0, 44100}, {-5, 44100}}) {
+        settings.MixerFreq = saved;
+        SetupMixers();
+        EXPECT_EQ(MixerFreqAtStart, used);
+        BASS_CHANNELINFO info{};
+        ASSERT_TRUE(BASS_ChannelGetInfo(MainMixer, &info));
+        EXPECT_EQ(info.freq, static_cast<DWORD>(used));
+        EXPECT_EQ(settings.MixerFreq, used);
+    }
+}
+
+class NoDevices : public Devices {
+  protected:
+    NoDevices() : Devices({.outputs = {}, .inputs = {}}) {}
+};
+
+TEST_F(NoDevices, TheShowGoesOnWithoutSound) {
+    bool told = false;
+    audioUpcalls.noOutputDevice = [&] { told = true; };
+    ListOutDev();
+    ListInDev();
+    SetupMixers();
+    OpenMic();
+    CloseMic();
+    EXPECT_TRUE(told);
+    EXPECT_TRUE(NoOutputDevice);
+    writeWav(path("a.wav"), level(framesOf(500)));
+    openPalette("Path_0=a.wav\r\n");
+    clPlay(0, -1);
+    pass(300);
+    EXPECT_TRUE(sounds());
+    EXPECT_EQ(BASS_ChannelGetPosition(jingle().hPlay, BASS_POS_BYTE), static_cast<QWORD>(bytesOf(300)));
+    pass(300);
+    EXPECT_FALSE(sounds()) << "it ends in its own time";
+}
+
+class OneDevice : public ShowTest {
+  protected:
+    OneDevice() {
+        FreeBASS();
+        settings.DeviceSingle = 1;
+        settings.Volume = 50;
+        bassini(0);
+    }
+    ~OneDevice() override {
+        FreeBASS();
+        settings.DeviceSingle = 0;
+    }
+};
+
+TEST_F(OneDevice, JinglesPlayStraightOnIt) {
+    openJingle(level(framesOf(500)), iniLine("FadeOut_0", "100"));
+    pass(100);
+    EXPECT_TRUE(heard().silent(0, framesOf(100))) << "an opened channel waits";
+    clPlay(0, -1);
+    pass(200);
+    clPlay(0, -1);
+    pass(200);
+    const Heard sound = heard();
+    EXPECT_NEAR(sound.at(framesOf(100)), 0.25, 1e-6) << "half the volume";
+    EXPECT_NEAR(sound.at(framesOf(250)), 0.125, 1e-3);
+    EXPECT_NEAR(static_cast<double>(sound.end()), static_cast<double>(framesOf(300)), 2);
+    SetOutputVolume(0, 100);
+    clPlay(0, -1);
+    pass(100);
+    EXPECT_NEAR(heard().at(framesOf(90)), 0.5, 1e-6);
+}
+
+TEST(Effects, ReverbLevelFollowsItsTime) {
+    // a = log(1800) - log(3x), b = log(1800) - log(10) = 5.19, both to two decimals.
+    for (const auto& [ms, dB] : std::vector<std::pair<double, double>>{{0, -96},
+                                                                       {1, -96 * 6.40 / 5.19},
+                                                                       {10, -96 * 4.09 / 5.19},
+                                                                       {200, -96 * 1.10 / 5.19},
+                                                                       {599, 0},
+                                                                       {600, 0},
+                                                                       {601, 0},
+                                                                       {1004, 0}})
+        EXPECT_NEAR(ReverbMix(ms), dB, 1e-9) << ms;
+}
+
+TEST(Effects, VectorsAlwaysHaveElevenElements) {
+    EXPECT_EQ(SplitFXV("1,-2,0,0,0,0,0,500,10,48000,-3"),
+              (std::vector<double>{1, -2, 0, 0, 0, 0, 0, 500, 10, 48000, -3}));
+    EXPECT_EQ(SplitFXV("7,x"), (std::vector<double>{7, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(SplitFXV("").size(), 11U);
+    EXPECT_EQ(SplitFXV("1,2,3,4,5,6,7,8,9,10,11,12,13").size(), 11U);
+}
+
+class Colours : public FolderTest {};
+
+TEST_F(Colours, Arithmetic) {
+    for (const auto& [colour, expected] : std::vector<std::pair<int, int>>{
+             {0, 0}, {0xFFFFFF, 240}, {0x0000FF, 120}, {0x808080, 120}, {0x202020, 30}, {0x80C0FF, 180}})
+        EXPECT_EQ(Luminosity(colour), expected) << std::hex << colour;
+    struct Shade {
+        int colour, offset, expected;
+    };
+    for (const Shade& s : std::vector<Shade>{{0xFFFFFF, 0, 0xFFFFFF},
+                                             {0, 0, 0},
+                                             {0x800000, 0, 0x800000 * 0 + 0x800000},
+                                             {0x008000, 0, 0x008000},
+                                             {0x00FF00, 0, 0xFF00},
+                                             {0x00FE00, 0, 0xFE00},
+                                             {0x102030, 16, 0x203040},
+                                             {0x102030, -32, 0x000010},
+                                             {0xF0F0F0, 200, 0xFFFFFF}})
+        EXPECT_EQ(ShadeColor(s.colour, s.offset), s.expected) << std::hex << s.colour << " " << s.offset;
+}
+
+TEST_F(Colours, TextOnABackground) {
+    settings.BrightThresh = 90;
+    settings.ColForeCB = 0x111111;
+    settings.ColForeCBDM = 0x222222;
+    settings.DarkForeColor = 0x333333;
+    BtnForeColor = 0x444444;
+    BtnFaceColor = 0xF0F0F0;
+    JingleForeColor = 0x555555;
+    struct Row {
+        int darkMode, colour;
+        const char* kind;
+        int expected;
+    };
+    const int dark = 0x606060, bright = 0x616161;  // lightness 90, which counts as dark, and 91
+    for (const Row& row : std::vector<Row>{{0, 0xF0F0F0, "", 0},
+                                           {0, 0xF0F0F0, "jingle", 0x555555},
+                                           {1, 0xF0F0F0, "", 0xFFFFFF},
+                                           {1, 0xF0F0F0, "jingle", 0x555555},
+                                           {0, dark, "", 0x111111},
+                                           {0, dark, "jingle", 0x111111},
+                                           {0, bright, "", 0x444444},
+                                           {0, bright, "jingle", 0x555555},
+                                           {1, dark, "", 0x333333},
+                                           {1, dark, "jingle", 0x555555},
+                                           {1, bright, "", 0x222222},
+                                           {1, bright, "jingle", 0x222222}}) {
+        settings.DarkMode = row.darkMode;
+        EXPECT_EQ(GetForeColor(row.colour, row.kind), row.expected)
+            << "dark mode " << row.darkMode << ", colour " << std::hex << row.colour << ", " << row.kind;
+    }
+    settings.ShadeOffsetVal = 16;
+    EXPECT_EQ(ButtonColour("vbButtonFace"), 0xF0F0F0);
+    EXPECT_EQ(ButtonColour("102030"), 0x403020) << "the text is RRGGBB";
+    settings.nsColor = 0x102030;
+    EXPECT_TRUE(PlayMod2Color(PlayMode::noStop).visible);
+    EXPECT_EQ(PlayMod2Color(PlayMode::noStop).colour, 0x203040);
+    EXPECT_FALSE(PlayMod2Color(PlayMode::global).visible);
+}
+
+}  // namespace
+}  // namespace zv::test

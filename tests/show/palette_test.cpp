@@ -1,0 +1,384 @@
+// Palettes between their files and the records: every key with its condition, whole files, failed saves.
+#include <algorithm>
+#include <functional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "model/state.h"
+#include "model/upcalls.h"
+#include "startup/stores.h"
+#include "tests/show/show.h"
+
+namespace zv::test {
+namespace {
+
+constexpr std::size_t kFrames = 20000;
+constexpr double kLength = kFrames * kBytesPerFrame;
+
+/// One change of a record and the lines that a save then writes behind Path.
+struct KeyRow {
+    const char* name;
+    std::function<void(JingleRecord&)> change;
+    std::string lines;
+};
+
+std::vector<KeyRow> keyRows() {
+    const auto line = [](const char* key, const char* value) {
+        return iniLine(std::string(key) + "_7", value);
+    };
+    return {
+        {"nothing", [](JingleRecord&) {}, ""},
+        {"Volm", [](JingleRecord& j) { j.Volm = 55; }, line("Volm", "55")},
+        {"Volm 0", [](JingleRecord& j) { j.Volm = 0; }, line("Volm", "0")},
+        {"AutoDuck 1", [](JingleRecord& j) { j.AutoDuck = 1; }, line("AutoDuck", "1")},
+        {"AutoDuck 2", [](JingleRecord& j) { j.AutoDuck = 2; }, line("AutoDuck", "2")},
+        {"NoAutomix", [](JingleRecord& j) { j.NoAutomix = 1; }, line("NoAutomix", "1")},
+        {"NoAutomix other than 1", [](JingleRecord& j) { j.NoAutomix = 2; }, ""},
+        {"NoTrigDuck", [](JingleRecord& j) { j.NoTrigDuck = 1; }, line("NoTrigDuck", "1")},
+        {"Loop", [](JingleRecord& j) { j.Loop = 1; }, line("Loop", "1")},
+        {"Loop is made 1", [](JingleRecord& j) { j.Loop = 2; }, line("Loop", "1")},
+        {"Seq", [](JingleRecord& j) { j.Seq = 1; }, line("Seq", "1")},
+        {"LoopIn", [](JingleRecord& j) { j.LoopIn = 4400; }, line("LoopIn", "4400")},
+        {"LoopIn, a fraction", [](JingleRecord& j) { j.LoopIn = 4400.25; }, line("LoopIn", "4400.25")},
+        {"LoopOut", [](JingleRecord& j) { j.LoopOut = 8000; }, line("LoopOut", "8000")},
+        {"LoopOut is written whole", [](JingleRecord& j) { j.LoopOut = 8000.4; }, line("LoopOut", "8000")},
+        {"LoopOut at the end", [](JingleRecord& j) { j.LoopOut = kLength; }, ""},
+        {"LoopOut less than a half", [](JingleRecord& j) { j.LoopOut = 0.4; }, ""},
+        {"FadeOut", [](JingleRecord& j) { j.FadeOut = 1500; }, line("FadeOut", "1500")},
+        {"LogFadeOut", [](JingleRecord& j) { j.LogFadeOut = 1; }, line("LogFadeOut", "1")},
+        {"LoopFadeOut", [](JingleRecord& j) { j.LoopFadeOut = 1; }, line("LoopFadeOut", "1")},
+        {"BTNCol", [](JingleRecord& j) { j.BTNCol = "FF9933"; }, line("BTNCol", "FF9933")},
+        {"PlayMod", [](JingleRecord& j) { j.PlayMod = PlayMode::noStop; }, line("PlayMod", "4")},
+        {"CueStart", [](JingleRecord& j) { j.CueStart = 3000000000.0; }, line("CueStart", "3000000000")},
+        {"StopPos", [](JingleRecord& j) { j.StopPos = 16000; }, line("StopPos", "16000")},
+        {"FXV", [](JingleRecord& j) { j.FXV = "0,-3,0,0,0,0,0,0,0,44100,0"; },
+         line("FXV", "0,-3,0,0,0,0,0,0,0,44100,0")},
+        {"FXV of another rate", [](JingleRecord& j) { j.FXV = "0,0,0,0,0,0,0,0,0,48000,0"; },
+         line("FXV", "0,0,0,0,0,0,0,0,0,48000,0")},
+        {"all, in their order",
+         [](JingleRecord& j) {
+             j.FXV = "1,0,0,0,0,0,0,0,0,44100,0";
+             j.StopPos = 11, j.CueStart = 10, j.PlayMod = PlayMode::touch, j.BTNCol = "00FF00";
+             j.LoopFadeOut = j.LogFadeOut = 1, j.FadeOut = 9, j.LoopOut = 8, j.LoopIn = 7;
+             j.Seq = j.Loop = j.NoTrigDuck = j.NoAutomix = j.AutoDuck = 1, j.Volm = 6;
+         },
+         line("Volm", "6") + line("AutoDuck", "1") + line("NoAutomix", "1") + line("NoTrigDuck", "1") +
+             line("Loop", "1") + line("Seq", "1") + line("LoopIn", "7") + line("LoopOut", "8") +
+             line("FadeOut", "9") + line("LogFadeOut", "1") + line("LoopFadeOut", "1") +
+             line("BTNCol", "00FF00") + line("PlayMod", "2") + line("CueStart", "10") +
+             line("StopPos", "11") + line("FXV", "1,0,0,0,0,0,0,0,0,44100,0")},
+    };
+}
+
+class Palette : public ShowTest {
+  protected:
+    bool save(const std::string& name = kPalette) {
+        SaveMode = "save";
+        return CloseFile(name);
+    }
+    void soundFile(const std::string& name) const { writeWav(path(name), level(kFrames)); }
+};
+
+TEST_F(Palette, KeysAreWrittenUnderTheirConditions) {
+    soundFile("a.wav");
+    for (const KeyRow& row : keyRows()) {
+        SCOPED_TRACE(row.name);
+        openPalette(iniLine("Path_7", "a.wav"));
+        ASSERT_EQ(jingle(7).LoopOut, kLength);
+        row.change(jingle(7));
+        EXPECT_TRUE(save());
+        EXPECT_EQ(read("palette.ini"), "[Morning]\r\n" + iniLine("Path_7", "a.wav") + row.lines);
+    }
+}
+
+TEST_F(Palette, WhatIsSavedOpensTheSame) {
+    soundFile("a.wav");
+    for (const KeyRow& row : keyRows()) {
+        SCOPED_TRACE(row.name);
+        openPalette(iniLine("Path_7", "a.wav") + row.lines);
+        EXPECT_TRUE(save());
+        std::string lines = row.lines;
+        // A jingle that ducks never triggers ducking.
+        if (lines == iniLine("AutoDuck_7", "1")) lines += iniLine("NoTrigDuck_7", "1");
+        EXPECT_EQ(read("palette.ini"), "[Morning]\r\n" + iniLine("Path_7", "a.wav") + lines);
+    }
+}
+
+TEST_F(Palette, HotJinglesAreSavedWithIt) {
+    soundFile("a.wav");
+    write("HotJingles.ini", "[HotJingles]\r\nPath_0=a.wav\r\nPath_23=a.wav\r\nVolm_23=40\r\n");
+    OpenFile();
+    EXPECT_EQ(jingle(96).Kind, SlotKind::stream);
+    EXPECT_EQ(jingle(119).Volm, 40);
+    settings.JinglesCols = 4;  // out of the grid, kept all the same
+    jingle(96).PlayMod = PlayMode::autoRepeat;
+    openPalette("This_palette_is_empty=Yes\r\n");
+    EXPECT_TRUE(save());
+    EXPECT_EQ(read("HotJingles.ini"),
+              "[HotJingles]\r\nPath_0=a.wav\r\nPlayMod_0=1\r\nPath_23=a.wav\r\nVolm_23=40\r\n");
+    EXPECT_EQ(marks.back(), "hide");
+
+    for (int i = kPaletteSlots; i < kJingles; ++i) {
+        FreeJingle(i);
+        ClearRecord(i);
+    }
+    EXPECT_TRUE(save());
+    EXPECT_EQ(read("HotJingles.ini"), "") << "an empty section disappears";
+}
+
+TEST_F(Palette, EmptySlotsAndEmptyPalettes) {
+    openPalette("Volm_3=50\r\nPath_4=notes.txt\r\nPath_5=\r\nPlaylist_6=Night\r\nPath_96=a.wav\r\n");
+    for (int i = 0; i < kPaletteSlots; ++i) {
+        EXPECT_EQ(jingle(i).Path, "") << i;
+        EXPECT_EQ(jingle(i).Kind, SlotKind::nothing) << i;
+        EXPECT_EQ(jingle(i).Volm, 100) << i;
+    }
+    EXPECT_TRUE(save());
+    EXPECT_EQ(read("palette.ini"), "[Morning]\r\nThis_palette_is_empty=Yes\r\n");
+    EXPECT_FALSE(CloseFile("")) << "without a name nothing is written";
+    EXPECT_EQ(read("palette.ini"), "[Morning]\r\nThis_palette_is_empty=Yes\r\n");
+}
+
+TEST_F(Palette, ButtonsOutOfTheGridKeepTheirRecords) {
+    soundFile("a.wav");
+    JExists.fill(0);
+    for (int i = 0; i < 16; ++i) JExists[static_cast<std::size_t>(i)] = 1;
+    openPalette("Path_2=a.wav\r\nPath_40=a.wav\r\n");
+    EXPECT_EQ(jingle(40).Path, "") << "its button was never there";
+    LastPalIdx = 0;  // a smaller grid within the run
+    EXPECT_TRUE(save());
+    EXPECT_EQ(read("palette.ini"), "[Morning]\r\nPath_2=a.wav\r\n");
+}
+
+TEST_F(Palette, SaveModesTellWhatHappensToTheSection) {
+    soundFile("a.wav");
+    const std::string others = "[Evening]\r\nPath_1=b.wav\r\nNote=kept\r\n";
+    struct Mode {
+        const char* name;
+        std::string mode, saveAs, file;
+    };
+    const std::vector<Mode> modes{
+        {"save replaces it", "save", "Morning", "[Morning]\r\nPath_2=a.wav\r\n" + others},
+        {"without a mode it is written over", "", "Morning",
+         "[Morning]\r\nPath_2=a.wav\r\nVolm_2=100\r\nOld=line\r\n" + others},
+        {"rename moves it", "rename", "Noon", others + "[Noon]\r\nPath_2=a.wav\r\n"},
+        {"rename onto another merges nothing", "rename", "Evening",
+         "[Evening]\r\nPath_1=b.wav\r\nNote=kept\r\nPath_2=a.wav\r\n"},
+        {"save under a new name leaves the old", "save", "Noon",
+         "[Morning]\r\nPath_2=a.wav\r\nVolm_2=100\r\nNoAutomix_2=1\r\nOld=line\r\n" + others +
+             "[Noon]\r\nPath_2=a.wav\r\n"},
+    };
+    for (const Mode& mode : modes) {
+        SCOPED_TRACE(mode.name);
+        openPalette("Path_2=a.wav\r\nVolm_2=100\r\nNoAutomix_2=1\r\nOld=line\r\n" + others);
+        jingle(2).NoAutomix = 0;
+        modelUpcalls.selectedPalette = [] { return std::string(kPalette); };
+        SaveMode = mode.mode;
+        EXPECT_TRUE(CloseFile(mode.saveAs));
+        EXPECT_EQ(SaveMode, "");
+        EXPECT_EQ(read("palette.ini"), mode.file);
+    }
+}
+
+TEST_F(Palette, AWindowsUsersFileGoesBackUnharmed) {
+    std::filesystem::create_directories(path("Audio_Sample"));
+    soundFile("Audio_Sample/Été.WAV");
+    settings.ImportFiles = 0;
+    const std::string other =
+        "; my palettes\r\n[Soir\xE9"
+        "e]\r\nPath_0=D:\\Jingles\\caf\xE9.mp3\r\nvolm_0 = 80\r\nPath_1=\"x.wav\"\r\n\r\n";
+    const std::string mine =
+        "Path_0=audio_sample\\\xC9t\xE9.wav\r\nLoop_0=1\r\n"
+        "Path_1=D:\\Musik\\gr\xFC\xDF.wav\r\nVolm_1=35\r\nLoop_1=1\r\nSeq_1=1\r\nLoopOut_1=400\r\n"
+        "BTNCol_1=CC99FF\r\nFXV_1=0,0,0,0,0,0,0,0,0,44100,0\r\n"
+        "Path_2=\\\\server\\share\\x.flac\r\nPlayMod_2=3\r\n";
+    write("palette.ini", other + "[Matin]\r\n" + mine);
+    settings.PaletteIndex = "Matin";
+    OpenFile("Matin");
+    EXPECT_EQ(jingle(0).Kind, SlotKind::stream) << "found though its letters differ";
+    EXPECT_EQ(jingle(0).Path, "audio_sample\\Été.wav");
+    EXPECT_EQ(jingle(1).Path, "D:\\Musik\\grüß.wav");
+    for (const int i : {1, 2}) {
+        EXPECT_TRUE(jingle(i).MissingFile) << i;
+        EXPECT_FALSE(jingle(i).Unplayable) << i;
+        EXPECT_EQ(jingle(i).Volm, 100) << "the record of a file that is not there shows defaults";
+    }
+    EXPECT_TRUE(save("Matin"));
+    EXPECT_EQ(read("palette.ini"), other + "[Matin]\r\n" + mine)
+        << "not a byte changed, the missing files' keys too";
+}
+
+TEST_F(Palette, PathsUnderTheProgramFolderAreStoredRelative) {
+    soundFile("sub/a.wav");
+    settings.ImportFiles = 0;
+    openPalette(iniLine("Path_0", (folder / "sub/a.wav").string()));
+    ASSERT_EQ(jingle().Kind, SlotKind::stream);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(read("palette.ini"), "[Morning]\r\nPath_0=sub\\a.wav\r\n");
+}
+
+TEST_F(Palette, FilesFromElsewhereAreImported) {
+    const FolderGuard elsewhere;
+    writeWav(elsewhere.path / "far.wav", level(kFrames));
+    const std::string far = (elsewhere.path / "far.wav").string();
+    write("Audio_Sample/Import/far.wav", "an older file of that name");
+    openPalette(iniLine("Path_0", far) + iniLine("Path_1", (elsewhere.path / "gone.wav").string()));
+    EXPECT_TRUE(save());
+    EXPECT_EQ(read("Audio_Sample/Import/far.wav").size(), kLength + 44);
+    EXPECT_EQ(jingle(0).Path, "Audio_Sample\\Import\\far.wav");
+    EXPECT_EQ(read("palette.ini"), "[Morning]\r\n" + iniLine("Path_0", "Audio_Sample\\Import\\far.wav") +
+                                       iniLine("Path_1", (elsewhere.path / "gone.wav").string()));
+    EXPECT_EQ(marks.back(), "hide");
+
+    // What cannot be copied keeps its path, and the user is told when the save is over.
+    write("language.ini", "[English]\r\nmMslockedFile1=Locked:\r\nmMslockedFile2=In use.\r\n");
+    write("Blocked", "a file where a folder is needed");
+    settings.SampleDir = path("Blocked").string();
+    openPalette(iniLine("Path_0", far));
+    EXPECT_TRUE(save());
+    EXPECT_EQ(jingle(0).Path, far);
+    EXPECT_EQ(marks.back(), "no: Locked: far.wav. In use.");
+}
+
+TEST_F(Palette, AFailedSaveLosesNothing) {
+    soundFile("a.wav");
+    openPalette("Path_0=a.wav\r\nVolm_0=10\r\n");
+    const std::string before = read("palette.ini");
+    jingle().Volm = 77;
+    modelUpcalls.pendingRemovals = [] { return std::vector<std::pair<std::string, int>>{{"Evening", 1}}; };
+    bool cleared = false;
+    modelUpcalls.clearPendingRemovals = [&] { cleared = true; };
+    // A folder in the file's place: neither read nor written, whoever the user is.
+    std::filesystem::rename(path("palette.ini"), path("away.ini"));
+    std::filesystem::create_directory(path("palette.ini"));
+    EXPECT_FALSE(save());
+    EXPECT_EQ(SaveMode, "save") << "the next try knows what to do";
+    EXPECT_FALSE(cleared);
+    EXPECT_EQ(jingle().Volm, 77);
+    EXPECT_EQ(marks.back().substr(0, 2), "no");
+    std::filesystem::remove(path("palette.ini"));
+    std::filesystem::rename(path("away.ini"), path("palette.ini"));
+    EXPECT_EQ(read("palette.ini"), before);
+    EXPECT_TRUE(save());
+    EXPECT_TRUE(cleared);
+    EXPECT_EQ(read("palette.ini"), "[Morning]\r\nPath_0=a.wav\r\nVolm_0=77\r\n");
+}
+
+TEST_F(Palette, ASlotThatStillSoundsKeepsThePalettesOwnKeys) {
+    soundFile("a.wav");
+    soundFile("b.wav");
+    const std::string evening = "[Evening]\r\nPath_0=b.wav\r\nVolm_0=20\r\nPath_1=b.wav\r\n";
+    openPalette("Path_0=a.wav\r\nLoop_0=1\r\n" + evening);
+    clPlay(0, -1);
+    pass(50);
+    settings.PaletteIndex = "Evening";
+    OpenFile("Evening");
+    EXPECT_TRUE(jingle(0).PlayingOtherPal);
+    EXPECT_EQ(jingle(0).Path, "a.wav");
+    pass(50);
+    EXPECT_TRUE(sounds(0)) << "a palette change stops nothing";
+    jingle(1).Volm = 30;
+    EXPECT_TRUE(save("Evening"));
+    EXPECT_EQ(read("palette.ini"), "[Morning]\r\nPath_0=a.wav\r\nLoop_0=1\r\n" + evening + "Volm_1=30\r\n");
+
+    evStop();
+    jingle(0).PlayingOtherPal = false;  // as the display does when it sees the end
+    openNames(0, "Evening", false);
+    openStreams(0);
+    EXPECT_EQ(jingle(0).Path, "b.wav");
+    EXPECT_EQ(jingle(0).Volm, 20);
+}
+
+TEST_F(Palette, OneSlotGoesFromAPaletteThatIsNotOpen) {
+    const std::string rest = "[Z]\r\nPath_0=z.wav\r\n";
+    struct Removal {
+        const char* name;
+        std::string before;
+        int slot;
+        std::string after;
+    };
+    const std::vector<Removal> removals{
+        {"others keep their keys",
+         "Path_0=a.wav\r\nVolm_0=5\r\nPath_1=b.wav\r\nLoop_1=7\r\nSeq_1=0\r\n"
+         "LoopOut_1=9\r\nFXV_1=0,0,0,0,0,0,0,0,0,48000,0\r\nBTNCol_1=00FF00\r\nPlayMod_1=2\r\n",
+         0,
+         "Path_1=b.wav\r\nLoop_1=1\r\nSeq_1=1\r\nLoopOut_1=9\r\nBTNCol_1=00FF00\r\nPlayMod_1=2\r\n"
+         "FXV_1=0,0,0,0,0,0,0,0,0,48000,0\r\n"},
+        {"the duck's and the automix's keys are lost",
+         "Path_0=a.wav\r\nAutoDuck_0=1\r\nNoAutomix_0=1\r\n"
+         "NoTrigDuck_0=1\r\nPath_1=b.wav\r\n",
+         1, "Path_0=a.wav\r\n"},
+        {"slots above the grid are lost", "Path_0=a.wav\r\nPath_1=b.wav\r\nPath_60=c.wav\r\n", 1,
+         "Path_0=a.wav\r\n"},
+        {"the last one leaves an empty palette", "Path_0=a.wav\r\n", 0, "This_palette_is_empty=Yes\r\n"},
+        {"a slot below 0 is none", "Path_0=a.wav\r\nPath_60=c.wav\r\n", -1,
+         "Path_0=a.wav\r\nPath_60=c.wav\r\n"},
+    };
+    LastPalIdx = 29;
+    for (const Removal& removal : removals) {
+        SCOPED_TRACE(removal.name);
+        write("palette.ini", "[Evening]\r\n" + removal.before + rest);
+        EXPECT_TRUE(RemJing("Evening", removal.slot));
+        EXPECT_EQ(read("palette.ini"), "[Evening]\r\n" + removal.after + rest);
+        EXPECT_TRUE(RemJing("", 0));
+        EXPECT_TRUE(RemJing("Nowhere", 0));
+        EXPECT_EQ(read("palette.ini"), "[Evening]\r\n" + removal.after + rest);
+    }
+}
+
+TEST_F(Palette, MovedSlotsLeaveTheirPaletteWithTheSave) {
+    soundFile("a.wav");
+    openPalette("Path_0=a.wav\r\n[Evening]\r\nPath_3=a.wav\r\nPath_4=b.wav\r\n");
+    bool cleared = false;
+    std::vector<std::string> shown;
+    modelUpcalls.pendingRemovals = [] {
+        return std::vector<std::pair<std::string, int>>{{"", 4}, {"Evening", 3}};
+    };
+    modelUpcalls.clearPendingRemovals = [&] { cleared = true; };
+    modelUpcalls.paletteListChanged = [&](const std::string& name) { shown.push_back("list " + name); };
+    modelUpcalls.showPaletteName = [&](const std::string& name) { shown.push_back("name " + name); };
+    EXPECT_TRUE(save());
+    EXPECT_TRUE(cleared);
+    EXPECT_EQ(shown, (std::vector<std::string>{"list Morning", "name Morning"}));
+    EXPECT_EQ(read("palette.ini"), "[Morning]\r\nPath_0=a.wav\r\n[Evening]\r\nPath_4=b.wav\r\n");
+}
+
+TEST_F(Palette, AFileHoldsPalettesWhenItHoldsABracket) {
+    for (const auto& [text, expected] : std::vector<std::pair<std::string, bool>>{
+             {"", false}, {"no section", false}, {"; [", true}, {"[A]", true}}) {
+        write("palette.ini", text);
+        EXPECT_EQ(PalFileTest(), expected) << text;
+    }
+    std::filesystem::remove(path("palette.ini"));
+    EXPECT_FALSE(PalFileTest());
+}
+
+TEST_F(Palette, NonsenseInAFileOpensAsSomethingThatPlays) {
+    soundFile("a.wav");
+    const char* values[] = {"-1",  "1e999", "nan", "99999999999999999999", "abc", "-99999999999999999999",
+                            "0,5", "%s"};
+    for (const char* value : values) {
+        SCOPED_TRACE(value);
+        std::string lines = "Path_0=a.wav\r\n";
+        for (const char* stem :
+             {"Volm", "AutoDuck", "NoAutomix", "NoTrigDuck", "Loop", "Seq", "LoopIn", "LoopOut", "FadeOut",
+              "LogFadeOut", "LoopFadeOut", "BTNCol", "PlayMod", "CueStart", "StopPos", "FXV"})
+            lines += iniLine(std::string(stem) + "_0", value);
+        openPalette(lines);
+        EXPECT_EQ(jingle().Kind, SlotKind::stream);
+        clPlay(0, -1);
+        pass(100);
+        clPlay(0, -1);
+        clTouchStop(0);
+        pass(100);
+        evStop();
+        pass(20);
+        EXPECT_TRUE(save());
+    }
+    EXPECT_EQ(reports, std::vector<std::string>());
+}
+
+}  // namespace
+}  // namespace zv::test
