@@ -137,9 +137,11 @@ Stereo inRoom(const Stereo& dry, double seconds, double wet, double damping) {
 Mono bell(double key, double seconds, double brightness) {
     Mono out(static_cast<std::size_t>(frames(seconds)));
     const double w = kTwoPi * hz(key) / kRate;
+    // The higher the bell, the duller: its partials stay within what can be heard.
+    const double depth = 2.2 * brightness * std::min(1.0, 2400 / (3.51 * hz(key)));
     for (std::size_t i = 0; i < out.size(); ++i) {
         const double t = static_cast<double>(i) / kRate, p = w * static_cast<double>(i);
-        const double index = 2.2 * brightness * std::exp(-t * 3.5);
+        const double index = depth * std::exp(-t * 3.5);
         out[i] = std::sin(p + index * std::sin(3.51 * p)) * pluckEnvelope(t, 0.002, seconds) +
                  0.25 * std::sin(2.004 * p) * pluckEnvelope(t, 0.002, seconds * 0.6);
     }
