@@ -78,7 +78,7 @@ bool DecodeWorkers::serveOnce(const Work& work) {
     for (const auto& sound : work.sounds)
         if (const int urgency = sound->urgency(); urgency >= 0) order.emplace_back(urgency, sound.get());
     if (order.empty()) {
-        for (const auto& sound : work.sounds) sound->service();
+        for (const auto& sound : work.sounds) sound->tidy();
         return false;
     }
     std::ranges::stable_sort(order, {}, &std::pair<int, PagedSound*>::first);

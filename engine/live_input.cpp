@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <chrono>
 
+#include "engine/paged_sound.h"
+
 namespace zv {
 namespace {
 
@@ -31,6 +33,7 @@ struct UrlInput::Tank {
         } catch (...) {
             ended.store(true, std::memory_order_release);
         }
+        makeHarmless(piece);
         ring.write(piece.data(), std::min(frames * format.channels, piece.size()));
         return frames > 0;
     }

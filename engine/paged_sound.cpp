@@ -13,11 +13,18 @@ constexpr double kAheadSeconds = 0.75;
 constexpr double kWholeSeconds = 10.0;
 constexpr std::uint64_t kWholeSamples = 1'200'000;  ///< 4.8 MB
 
+constexpr float kLoudest = 1e9F;  ///< nothing that was meant as sound
+
 std::uint64_t pagesFor(double seconds, std::uint32_t rate) {
     return static_cast<std::uint64_t>(seconds * rate) / PagedSound::kPage + 1;
 }
 
 }  // namespace
+
+void makeHarmless(std::span<float> samples) {
+    for (float& sample : samples)
+        if (!(std::abs(sample) <= kLoudest)) sample = 0;
+}
 
 PagedSound::PagedSound(std::unique_ptr<Decoder> decoder, std::uint64_t length, const RenderCount& renders)
     : format_(decoder->format()),
@@ -83,7 +90,7 @@ bool PagedSound::service() {
     std::unique_lock lock(mutex_, std::try_to_lock);
     if (!lock) return false;
     freeRetired();
-    if (!keepWhole_) dropUnwanted();
+    if (crowded()) dropUnwanted();
     if (eachMissing([&](std::uint64_t index, std::uint64_t) { return load(index); })) return true;
     if (!keepWhole_) return false;
     while (firstMissing_ < pages_.size() && page(firstMissing_)) ++firstMissing_;
@@ -101,11 +108,17 @@ void PagedSound::ensure(std::uint64_t frame, std::uint64_t frames) {
 }
 
 void PagedSound::tidy() {
-    // Not at every block: some pages more than wanted are no harm.
-    const std::uint64_t enough = 2 * headPages_ + aheadPages_ + 8;
-    if (keepWhole_ || resident_.load(std::memory_order_relaxed) <= enough) return;
-    const std::lock_guard lock(mutex_);
-    dropUnwanted();
+    if (!crowded() && !hasRetired_.load(std::memory_order_relaxed)) return;
+    const std::unique_lock lock(mutex_, std::try_to_lock);
+    if (!lock) return;
+    if (crowded()) dropUnwanted();
+    freeRetired();
+}
+
+bool PagedSound::crowded() const {
+    // Some pages more than wanted do no harm, and looking through all of them costs.
+    constexpr std::uint64_t slack = 6;
+    return !keepWhole_ && resident_.load(std::memory_order_relaxed) > 2 * headPages_ + aheadPages_ + slack;
 }
 
 void PagedSound::measure(std::uint64_t frame, std::uint64_t count, float (&peak)[2],
@@ -186,6 +199,7 @@ void PagedSound::decodeInto(float* to, std::uint64_t index) {
             got += std::min(frames * format_.channels, samples - got);
             decoderAt_ += frames;
         }
+        makeHarmless({to, got});
         if (got < samples) decoderAt_ = ~std::uint64_t{0};
     } catch (...) {
         decoderAt_ = ~std::uint64_t{0};
@@ -203,6 +217,7 @@ void PagedSound::dropUnwanted() {
         retired_.push_back({std::move(owned_[index]), renders_.load(std::memory_order_seq_cst)});
         resident_.fetch_sub(1, std::memory_order_relaxed);
     }
+    hasRetired_.store(!retired_.empty(), std::memory_order_relaxed);
     freeRetired();
 }
 
@@ -211,6 +226,7 @@ void PagedSound::freeRetired() {
     const std::uint64_t now = renders_.load(std::memory_order_seq_cst);
     // Even: no render was under way when the page was taken away, and a later one cannot find it.
     std::erase_if(retired_, [&](const Retired& r) { return r.render % 2 == 0 || r.render != now; });
+    hasRetired_.store(!retired_.empty(), std::memory_order_relaxed);
 }
 
 }  // namespace zv

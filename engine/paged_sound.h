@@ -22,6 +22,10 @@ namespace zv {
 /// and at the end of every render: odd while one is under way.
 using RenderCount = std::atomic<std::uint64_t>;
 
+/// Samples that are no numbers, or far beyond any sound, become silence: a damaged file must not deafen the
+/// filters that it passes. [worker] [control]
+void makeHarmless(std::span<float> samples);
+
 class PagedSound final : public FrameReader {
   public:
     static constexpr std::uint32_t kPage = 4096;  ///< frames
@@ -61,7 +65,7 @@ class PagedSound final : public FrameReader {
     void ensure(std::uint64_t frame, std::uint64_t frames);
     /// Copies from `frame` on, loading what is missing. [worker] [control]
     std::size_t readAt(std::uint64_t frame, std::span<float> out) override;
-    /// Offline: takes pages away that are no longer wanted. [control]
+    /// Takes pages away that are no longer wanted, when there are many. [worker] [control]
     void tidy();
     /// Peaks and sums of squares of both sides of `count` stereo frames from `frame` on, raised into the four
     /// values; pages that are not there count as silence. Never waits. [any but audio]
@@ -90,6 +94,7 @@ class PagedSound final : public FrameReader {
     /// Calls `found(page, distance)` for missing pages in the order of their need until it returns true.
     template <typename F>
     bool eachMissing(F found) const;
+    bool crowded() const;
     bool load(std::uint64_t index);
     void decodeInto(float* to, std::uint64_t index);
     void dropUnwanted();
@@ -105,6 +110,7 @@ class PagedSound final : public FrameReader {
     std::atomic<bool> loop_{false}, sounding_{false};
     std::atomic<std::uint64_t> loopStart_{0}, end_{~std::uint64_t{0}}, head_{0}, focus_{0};
     std::atomic<std::size_t> resident_{0};
+    std::atomic<bool> hasRetired_{false};
     mutable std::atomic<int> readers_{0};  ///< pages that were taken away are kept while someone measures
     std::vector<std::atomic<float*>> pages_;
 

@@ -83,6 +83,20 @@ TEST_F(Contract, ConversionsAreExact) {
     EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_ENDED);
 }
 
+TEST_F(Contract, NoiseThatIsNoNumberDoesNoHarm) {
+    decoders->sounds["damaged"] = {.length = 44100, .sample = [](std::uint64_t f, std::uint32_t) {
+                                       return f % 50 == 7   ? std::numeric_limits<float>::quiet_NaN()
+                                              : f % 50 == 9 ? std::numeric_limits<float>::infinity()
+                                                            : 0.5F;
+                                   }};
+    const Topology studio;
+    const DWORD jingle = studio.jingle(file("damaged"));
+    const BASS_DX8_REVERB room{0, -6, 500, 0.5F};
+    BASS_FXSetParameters(BASS_ChannelSetFX(jingle, BASS_FX_DX8_REVERB, 10), &room);
+    BASS_ChannelPlay(jingle, false);
+    for (const float sample : pullAndTake(22050)) ASSERT_LT(std::abs(sample), 10);
+}
+
 TEST_F(Contract, DevicesOpenCloseAndFallBack) {
     EXPECT_FALSE(BASS_Init(7, 44100, 0, nullptr, nullptr));
     EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_DEVICE);
