@@ -64,18 +64,28 @@ python3 "$here/tone.py" write "$work/home/Audio_Sample/Tone.wav"
 printf '[Test]\r\nPath_0=Audio_Sample\\Tone.wav\r\n' >"$work/home/palette.ini"
 printf '[Settings]\r\nPaletteIndex=Test\r\nConfirmExit=0\r\nCheckUpdate=0\r\nDeviceAux=2\r\nMIDIEnabled=0\r\n' >"$work/home/zv.ini"
 
-"$bin/zentrova" --home "$work/home" >"$work/zentrova.log" 2>&1 &
+# The trace of the start is written when the palette is open.
+"$bin/zentrova" -t --home "$work/home" >"$work/zentrova.log" 2>&1 &
 program=$!
 pids+=($program)
-for _ in $(seq 200); do
-    window=$(xdotool search --onlyvisible --pid $program --name '^Zentrova' 2>/dev/null | tail -1)
-    [ -n "$window" ] && break
-    kill -0 $program 2>/dev/null || fail "the program has ended"
-    sleep 0.1
-done
-[ -n "$window" ] || fail "the window did not come"
+await "the end of the start" test -s "$work/home/Trace_start.log"
 await "the program's sound stream" sh -c "pactl list short sink-inputs | grep -q ."
-sleep 1
+
+# The window is the largest of the program's, once its size has come to rest.
+largest_window() {
+    for id in $(xdotool search --onlyvisible --pid $program --name '^Zentrova' 2>/dev/null); do
+        eval "$(xdotool getwindowgeometry --shell "$id" 2>/dev/null)" && echo "$WIDTH $HEIGHT $id"
+    done | sort -n | tail -1
+}
+before=none
+for _ in $(seq 40); do
+    now=$(largest_window)
+    [ -n "$now" ] && [ "$now" = "$before" ] && break
+    before=$now
+    sleep 0.5
+done
+[ -n "$now" ] || fail "the window did not come"
+read -r WIDTH HEIGHT window <<<"$now"
 
 for sink in out1 out2; do
     parec -d $sink.monitor --rate=44100 --format=float32le --channels=2 --raw --latency-msec=20 >"$work/$sink.raw" 2>"$work/parec-$sink.log" &
@@ -84,7 +94,6 @@ done
 await "the recording" test -s "$work/out1.raw"
 
 # The first button stands at the left of the grid, right under the control strip.
-eval "$(xdotool getwindowgeometry --shell "$window")"
 read -r x y < <(python3 "$here/tone.py" button "$WIDTH" "$HEIGHT")
 xdotool mousemove --window "$window" "$x" "$y" click 1
 sleep 1.2

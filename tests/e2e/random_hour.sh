@@ -1,0 +1,18 @@
+#!/bin/bash
+# An hour of chance on a copy of the sample palettes: ten thousand presses, palette changes and stops, with records,
+# buttons and sound held against each other at each tick.
+#   random_hour.sh BIN_FOLDER DATA_FOLDER
+set -eu
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+mkdir "$work/home"
+cp -r "$2/palette.ini" "$2/HotJingles.ini" "$2/Audio_Sample" "$work/home"
+if ! "$1/rehearse" "$2/rehearsals/random-hour.txt" --home "$work/home" --out "$work/out" --no-sound; then
+    echo "random_hour: the last of what happened:" >&2
+    tail -40 "$work/out/events.log" >&2
+    exit 1
+fi
+actions=$(grep -c "$(printf '\trandom\t')" "$work/out/events.log")
+reports=$(grep -c "$(printf '\treport\t')" "$work/out/events.log" || true)
+echo "random_hour: $actions actions, $reports reports of errors"
+[ "$actions" -eq 10000 ] && [ "$reports" -eq 0 ]
