@@ -79,11 +79,11 @@ void announcerTab(const TabArea& a) {
     Control* labels[] = {&t.lblMinute, &t.lblSecond, &t.lblDelay};
     Control* fields[] = {&t.DTMinute, &t.DTSecond, &t.DTDelay};
     for (int i = 0; i < 3; ++i) {
-        const int half = wide.size(i) / 2 / kTwipsPerPixel * kTwipsPerPixel;
+        const int field = std::min(wide.size(i) / 2, px(48)) / kTwipsPerPixel * kTwipsPerPixel;
         const int height = std::min(rows.size(1), px(28));
         const int top = rows.at(1) + (rows.size(1) - height) / 2 / kTwipsPerPixel * kTwipsPerPixel;
-        place(*labels[i], wide.at(i), top, half - kInnerGap, height);
-        place(*fields[i], wide.at(i) + half, top, wide.size(i) - half, height);
+        place(*labels[i], wide.at(i), top, wide.size(i) - field - px(4), height);
+        place(*fields[i], wide.at(i) + wide.size(i) - field, top, field, height);
     }
 }
 

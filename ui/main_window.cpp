@@ -96,7 +96,8 @@ AnnouncerTab::AnnouncerTab(Control& frame)
       DTDelay("DTDelay", textBox, &frame) {
     ckTmAnn.caption = "Time announcer";
     b_tmAnJin.caption = "Time jingle";
-    b_tmAnJinAM.caption = "Fade others";
+    b_tmAnJinAM.caption = "n";  // symbol: fades everything else
+    b_tmAnJinAM.fontName = "ZVR";
     lblMinute.caption = "Minute";
     lblSecond.caption = "Second";
     lblDelay.caption = "Delay";

@@ -207,6 +207,9 @@ void lstPal_MouseUp() {
 void lstpal_KeyDown(KeyEvent& event) {
     if (event.key == Key::pageUp || event.key == Key::pageDown || event.key == Key::del) {
         event.consumed = true;
+    } else if (event.key == Key::enter && !event.repeat) {
+        event.consumed = true;
+        lstPal_MouseUp();  // the keyboard's way to open what is selected
     }
 }
 
