@@ -110,8 +110,12 @@ void effects() {
         plain.push_back(std::make_unique<PlainEffects>());
         const HFX eq = BASS_ChannelSetFX(jingle, BASS_FX_BFX_PEAKEQ, 5);
         for (int band = 0; band < 7; ++band) {
-            const BASS_BFX_PEAKEQ wish{band, 2.5f, 0, static_cast<float>(kCentres[band]),
-                                       static_cast<float>(kGains[band]), BASS_BFX_CHANALL};
+            const BASS_BFX_PEAKEQ wish{band,
+                                       2.5f,
+                                       0,
+                                       static_cast<float>(kCentres[band]),
+                                       static_cast<float>(kGains[band]),
+                                       BASS_BFX_CHANALL};
             BASS_FXSetParameters(eq, &wish);
             plain.back()->eq.setBand(static_cast<std::size_t>(band), {kCentres[band], kGains[band], 2.5, 0});
         }

@@ -23,6 +23,9 @@ void tell(const std::string& name, double value, const std::string& unit);
 /// What could not be measured, and why: short.
 void missing(const std::string& name, const std::string& why);
 
+/// Whether one line so far said "short".
+bool anyShort();
+
 /// What ./bench knows. Each file adds its own.
 struct Benchmark {
     const char* name;

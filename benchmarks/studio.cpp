@@ -43,7 +43,9 @@ class MemorySource final : public DecoderSource {
         error = BASS_ERROR_FILEOPEN;
         return nullptr;
     }
-    std::unique_ptr<Decoder> openModule(const std::string& path, int& error) override { return openFile(path, error); }
+    std::unique_ptr<Decoder> openModule(const std::string& path, int& error) override {
+        return openFile(path, error);
+    }
     std::unique_ptr<Decoder> openUrl(const std::string&, std::uint32_t, int& error) override {
         error = BASS_ERROR_NONET;
         return nullptr;
@@ -54,7 +56,8 @@ class MemorySource final : public DecoderSource {
 };
 
 DWORD had(DWORD handle, const char* what) {
-    if (handle == 0) throw std::runtime_error(std::string(what) + " failed: " + std::to_string(BASS_ErrorGetCode()));
+    if (handle == 0)
+        throw std::runtime_error(std::string(what) + " failed: " + std::to_string(BASS_ErrorGetCode()));
     return handle;
 }
 
@@ -112,7 +115,8 @@ Studio::Studio(const std::vector<std::vector<float>>& sounds) {
     mainMixer_ = had(BASS_Mixer_StreamCreate(kRate, 2, mixing), "the main mixer");
     const DWORD micMixer = had(BASS_Mixer_StreamCreate(kRate, 2, mixing), "the microphone mixer");
     for (int output = 0; output < 2; ++output) {
-        const DWORD mainSplit = had(BASS_Split_StreamCreate(mainMixer_, BASS_STREAM_DECODE, nullptr), "a split");
+        const DWORD mainSplit =
+            had(BASS_Split_StreamCreate(mainMixer_, BASS_STREAM_DECODE, nullptr), "a split");
         const DWORD micSplit = had(BASS_Split_StreamCreate(micMixer, BASS_STREAM_DECODE, nullptr), "a split");
         const DWORD outMixer = had(BASS_Mixer_StreamCreate(kRate, 2, mixing), "an output mixer");
         BASS_Mixer_StreamAddChannel(outMixer, mainSplit, BASS_MIXER_CHAN_BUFFER);
@@ -130,7 +134,8 @@ Studio::~Studio() { engineControl()->install({}); }
 DWORD Studio::jingle(std::size_t k) {
     const std::string name = std::to_string(k);
     const DWORD source = had(BASS_StreamCreateFile(false, name.c_str(), 0, 0, BASS_STREAM_DECODE), "a file");
-    const DWORD play = had(BASS_FX_TempoCreate(source, BASS_STREAM_DECODE | BASS_FX_FREESOURCE), "a tempo channel");
+    const DWORD play =
+        had(BASS_FX_TempoCreate(source, BASS_STREAM_DECODE | BASS_FX_FREESOURCE), "a tempo channel");
     BASS_Mixer_StreamAddChannel(mainMixer_, play, BASS_MIXER_CHAN_BUFFER);
     BASS_ChannelStop(play);
     BASS_ChannelFlags(play, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);

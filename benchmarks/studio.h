@@ -1,5 +1,5 @@
-/// The whole mix topology of two outputs over sounds in memory, driven by hand: each call of play() is one callback of
-/// each device, on the calling thread, while the engine's own workers run as on air.
+/// The whole mix topology of two outputs over sounds in memory, driven by hand: each call of play() is one
+/// callback of each device, on the calling thread, while the engine's own workers run as on air.
 #pragma once
 
 #include <cstdint>
@@ -19,8 +19,11 @@ class HandDevices final : public DeviceSource {
   public:
     std::vector<DeviceDescription> outputs() override;
     std::vector<DeviceDescription> inputs() override { return {}; }
-    std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate, SoundClient& client) override;
-    std::unique_ptr<SoundDevice> openInput(const std::string&, std::uint32_t, SoundClient&) override { return nullptr; }
+    std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
+                                            SoundClient& client) override;
+    std::unique_ptr<SoundDevice> openInput(const std::string&, std::uint32_t, SoundClient&) override {
+        return nullptr;
+    }
     std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) override;
     bool offline() const override { return false; }
 

@@ -1,0 +1,123 @@
+// A palette opens: 96 files of three minutes, from the cold file to ready-to-sound.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include "benchmarks/measure.h"
+#include "benchmarks/studio.h"
+#include "platform/file_decoders/file_decoders.h"
+#include "platform/soundtouch/soundtouch_stretcher.h"
+
+namespace zv::bench {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kFiles = 96;
+
+/// 96 copies of a three-minute mp3 in a folder that goes with it.
+class Files {
+  public:
+    Files() : folder_(fs::temp_directory_path() / ("zentrova-bench-" + std::to_string(getpid()))) {
+        fs::create_directories(folder_);
+        const std::string make =
+            "ffmpeg -v error -y -f lavfi -i anoisesrc=d=180:c=pink:a=0.3:r=44100 -ac 2 -b:a 128k '" +
+            path(0) + "'";
+        if (std::system(make.c_str()) != 0) throw std::runtime_error("ffmpeg could not make a test file");
+        for (int k = 1; k < kFiles; ++k) fs::copy_file(path(0), path(k));
+    }
+    ~Files() {
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
+    }
+    Files(const Files&) = delete;
+    Files& operator=(const Files&) = delete;
+    std::string path(int k) const { return (folder_ / (std::to_string(k) + ".mp3")).string(); }
+    /// Out of the system's memory, as after the machine was switched on.
+    void cool() const {
+        for (int k = 0; k < kFiles; ++k) {
+            const int file = ::open(path(k).c_str(), O_RDONLY);
+            if (file < 0) continue;
+            ::fdatasync(file);
+            ::posix_fadvise(file, 0, 0, POSIX_FADV_DONTNEED);
+            ::close(file);
+        }
+    }
+
+  private:
+    fs::path folder_;
+};
+
+double residentMegabytes() {
+    std::ifstream status("/proc/self/statm");
+    double pages = 0;
+    status >> pages >> pages;
+    return pages * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1e6;
+}
+
+void opening() {
+    const Files files;
+    std::vector<double> totals, holds, memories;
+    for (int run = 0; run < 3; ++run) {
+        files.cool();
+        const auto devices = std::make_shared<HandDevices>();
+        engineControl()->install({makeFileDecoders(), soundTouchStretchers(), devices});
+        BASS_Init(1, kRate, 0, nullptr, nullptr);
+        constexpr DWORD mixing = BASS_STREAM_DECODE | BASS_MIXER_NONSTOP | BASS_SAMPLE_FLOAT;
+        const DWORD mixer = BASS_Mixer_StreamCreate(kRate, 2, mixing);
+        const DWORD out = BASS_Split_StreamCreate(mixer, 0, nullptr);
+        BASS_ChannelStart(out);
+        devices->period();
+
+        const double before = residentMegabytes(), begin = wallSeconds();
+        std::vector<DWORD> jingles;
+        double hold = 0;
+        for (int k = 0; k < kFiles; ++k) {
+            const double step = wallSeconds();
+            const DWORD source =
+                BASS_StreamCreateFile(false, files.path(k).c_str(), 0, 0, BASS_STREAM_DECODE);
+            if (source == 0) throw std::runtime_error("a test file did not open");
+            const DWORD play = BASS_FX_TempoCreate(source, BASS_STREAM_DECODE | BASS_FX_FREESOURCE);
+            BASS_ChannelGetLength(play, BASS_POS_BYTE);
+            BASS_ChannelSetPosition(play, 0, BASS_POS_BYTE);
+            BASS_Mixer_StreamAddChannel(mixer, play, BASS_MIXER_CHAN_BUFFER);
+            BASS_ChannelStop(play);
+            jingles.push_back(play);
+            hold = std::max(hold, wallSeconds() - step);
+        }
+        // Ready: pressed, each of them sounds with the next period.
+        for (DWORD jingle : jingles) BASS_ChannelPlay(jingle, false);
+        for (bool waiting = true; waiting;) {
+            devices->period();
+            waiting = std::any_of(jingles.begin(), jingles.end(), [](DWORD jingle) {
+                return BASS_ChannelIsActive(jingle) == BASS_ACTIVE_STALLED;
+            });
+            if (waiting) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        totals.push_back(wallSeconds() - begin);
+        holds.push_back(hold * 1000);
+        // As they sound on, each at its own place.
+        for (int i = 0; i < 200; ++i) {
+            devices->period();
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        memories.push_back(residentMegabytes() - before);
+        engineControl()->install({});
+    }
+    atMost("open-96", median(totals), "s", 3);
+    atMost("open-96-hold", median(holds), "ms", 15);
+    atMost("open-96-memory", *std::max_element(memories.begin(), memories.end()), "MB", 400);
+}
+
+const Known knows("open-96", opening);
+
+}  // namespace
+}  // namespace zv::bench
