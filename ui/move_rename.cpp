@@ -297,6 +297,7 @@ void clRename(int index) {
         r.txtFilename.caption = r.oldName;
         r.lblNewFilename.foreColor = kNoColour;
         r.lblNewFilename.caption = name;
+        r.window.backColor = w.window.backColor();
         showWindow(r.window);
         setFocus(r.txtFilename);
         setAlwaysOnTop(r.window, settings.AlwaysOnTop == 1);
