@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <functional>
 #include <utility>
 
 #include "engine/bass.h"
@@ -172,22 +173,24 @@ std::vector<cImpulse::Line> JingleLines(const JingleRecord& jingle, int suffix, 
 }
 
 void OpenFile(const std::string& name) {
+    // Events run between the slots: one of them may open another palette, and the last one opened counts.
+    static int newest = 0;
+    const int mine = ++newest;
+    const auto eachSlot = [&](const std::function<void(int)>& step) {
+        for (int i = 0; i < kPaletteSlots && mine == newest; ++i) {
+            if (JExists[static_cast<std::size_t>(i)] != 1) continue;
+            step(i);
+            callUp(modelUpcalls.pumpEvents);
+        }
+    };
     guarded("modMain.OpenFile", [&] {
         ErrDisp("hide");
         callUp(modelUpcalls.beginLoad);
         SaveMode.clear();
         callUp(modelUpcalls.showPaletteName, name);
-        for (int i = 0; i < kPaletteSlots; ++i) {
-            if (JExists[static_cast<std::size_t>(i)] != 1) continue;
-            callUp(modelUpcalls.openNames, i, name, false);
-            callUp(modelUpcalls.pumpEvents);
-        }
-        for (int i = 0; i < kPaletteSlots; ++i) {
-            if (JExists[static_cast<std::size_t>(i)] != 1) continue;
-            callUp(modelUpcalls.openStreams, i);
-            callUp(modelUpcalls.pumpEvents);
-        }
-        callUp(modelUpcalls.endLoad);
+        eachSlot([&](int i) { callUp(modelUpcalls.openNames, i, name, false); });
+        eachSlot([&](int i) { callUp(modelUpcalls.openStreams, i); });
+        if (mine == newest) callUp(modelUpcalls.endLoad);
     });
 }
 

@@ -291,6 +291,25 @@ TEST_F(Palette, ASlotThatStillSoundsKeepsThePalettesOwnKeys) {
     EXPECT_EQ(jingle(0).Volm, 20);
 }
 
+TEST_F(Palette, APaletteOpenedWhileAnotherLoadsIsTheOneThatStands) {
+    soundFile("a.wav");
+    std::string morning, evening;
+    for (int i = 0; i < 30; ++i) {
+        morning += iniLine("Path_" + std::to_string(i), "a.wav") + iniLine("Volm_" + std::to_string(i), "11");
+        evening += iniLine("Path_" + std::to_string(i), "a.wav") + iniLine("Volm_" + std::to_string(i), "22");
+    }
+    int events = 0;
+    modelUpcalls.pumpEvents = [&] {
+        if (++events == 110) OpenFile("Evening");  // the names are there, the sounds are being opened
+    };
+    openPalette(morning + "[Evening]\r\n" + evening);
+    for (int i = 0; i < 30; ++i) {
+        EXPECT_EQ(jingle(i).Volm, 22) << i;
+        EXPECT_EQ(jingle(i).Kind, SlotKind::stream) << i;
+    }
+    EXPECT_EQ(events, 110 + 2 * kPaletteSlots) << "the earlier one stopped there";
+}
+
 TEST_F(Palette, OneSlotGoesFromAPaletteThatIsNotOpen) {
     const std::string rest = "[Z]\r\nPath_0=z.wav\r\n";
     struct Removal {
