@@ -27,9 +27,12 @@
 
 namespace zv {
 
+bool PaletteOpening = false;
 int PalLoadIdx = 0;
 
 namespace {
+
+constexpr int kLongestWait = 50;  // ticks of TimerLoadPal
 
 PaletteTab& tab() { return frmMain().palettes; }
 
@@ -313,6 +316,15 @@ void TimerLoadPalTick() {
         if (settings.PaletteIndex.empty()) {
             return;
         }
+        // Events run while a palette is opened slot by slot: two loads must not mix their slots.
+        static int waited = 0;
+        if (PaletteOpening && waited < kLongestWait) {
+            ++waited;
+            timers().TimerLoadPal.restart();
+            return;
+        }
+        waited = 0;
+        PaletteOpening = false;
         ErrDisp("wait", 0, Ln("errLoadPal"));
         HideSelectors();
         if (settings.MinimalView == 1) {

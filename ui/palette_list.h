@@ -7,6 +7,7 @@
 
 namespace zv {
 
+extern bool PaletteOpening;  ///< OpenFile is under way: what steps through the list waits for it
 extern int PalLoadIdx;  ///< next slot that TimerLoadPal opens
 
 void lstPalRefresh();

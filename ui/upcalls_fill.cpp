@@ -177,6 +177,7 @@ void fillModel() {
     modelUpcalls.openNames = openNames;
     modelUpcalls.openStreams = openStreams;
     modelUpcalls.beginLoad = [] {
+        PaletteOpening = true;
         ErrDisp("hide");
         ErrDisp("wait", 0, Ln("errLoadPal"));
         HideSelectors();
@@ -185,6 +186,7 @@ void fillModel() {
         }
     };
     modelUpcalls.endLoad = [] {
+        PaletteOpening = false;
         if (ErrMarkShows("h")) {
             HideErrMark();
         }

@@ -82,6 +82,15 @@ TEST_F(PaletteTest, steppingLoadsOnlyWhereItStops) {
     pass(150);
     EXPECT_EQ(filled(), 2);
     EXPECT_FALSE(frmMain().display.lblErr.visible);
+    PaletteOpening = true;  // another load is under way: the step waits for its end
+    evBtDn();
+    pass(250);
+    EXPECT_EQ(filled(), 2);
+    PaletteOpening = false;
+    pass(150);
+    EXPECT_EQ(filled(), 3);
+    evbtUp();
+    pass(150);
     settings.LoopLstPal = 0;
     evbtUp();
     EXPECT_EQ(name(), "afternoon");  // at the top it stays
