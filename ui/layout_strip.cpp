@@ -163,12 +163,16 @@ void DrawDisplay() {
     // The drawing is 420 x 156 pixels; digits keep their shape, texts their size.
     const double u = std::min(width / px(1) / 420.0, height / px(1) / 156.0);
     const int margin = px(15 * std::min(1.0, u));
-    const int line = px(24);
+    const double grow = std::max(1.0, u);
+    const int line = px(24 * grow);
+    for (Control* text : {&d.lblDate, &d.lblTime, &d.lblDispMessage, &d.txtDisPal}) {
+        text->fontSize = 10.5 * grow;
+    }
     const int inner = width - 2 * margin;
     const int timeWidth = std::min(width < 4000 ? 2220 : 2800, inner / 2 / kTwipsPerPixel * kTwipsPerPixel);
     const int top = px(8);
     // The time stands at the right of its field: the date may go on to where it begins.
-    place(d.lblDate, margin, top, std::max(inner - timeWidth, inner - px(78)), line);
+    place(d.lblDate, margin, top, std::max(inner - timeWidth, inner - px(78 * grow)), line);
     place(d.lblTime, margin + inner - timeWidth, top, timeWidth, line);
     d.lblTime.alignment = 1;
     place(d.lblDispMessage, margin, top, inner, line);
