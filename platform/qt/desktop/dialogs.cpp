@@ -4,6 +4,8 @@
 #include <QFileDialog>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPainter>
+#include <QPixmap>
 #include <QPushButton>
 #include <QStringList>
 #include <utility>
@@ -20,6 +22,37 @@ using shell::textOf;
 using shell::utf8;
 
 QWidget* front() { return QApplication::activeWindow(); }
+
+/// A disc with the kind's sign, in the program's own symbols.
+QPixmap iconOf(BoxKind kind, double ratio) {
+    constexpr int kSize = 40;
+    struct Sign {
+        BoxKind kind;
+        const char* symbol;
+        QColor colour;
+    };
+    const QColor accent = shell::programTheme().accent;
+    const Sign signs[]{{BoxKind::information, "i", accent},
+                       {BoxKind::warning, "!", QColor(0xE0, 0x8A, 0x1E)},
+                       {BoxKind::stop, "x", QColor(0xB0, 0x24, 0x1E)},
+                       {BoxKind::question, nullptr, accent}};
+    QPixmap pixmap(QSize(kSize, kSize) * ratio);
+    pixmap.setDevicePixelRatio(ratio);
+    pixmap.fill(Qt::transparent);
+    QPainter p(&pixmap);
+    p.setRenderHint(QPainter::Antialiasing);
+    for (const Sign& sign : signs) {
+        if (sign.kind != kind) continue;
+        p.setPen(Qt::NoPen);
+        p.setBrush(sign.colour);
+        p.drawEllipse(0, 0, kSize, kSize);
+        p.setPen(Qt::white);
+        p.setFont(sign.symbol != nullptr ? shell::symbolFont(24) : shell::textFont(24, QFont::Bold));
+        p.drawText(QRect(0, 0, kSize, kSize), Qt::AlignCenter,
+                   QString::fromLatin1(sign.symbol != nullptr ? sign.symbol : "?"));
+    }
+    return pixmap;
+}
 
 /// Names of file patterns as the toolkit wants them.
 QString filterOf(const std::string& filter) {
@@ -42,14 +75,7 @@ BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind 
     box.setWindowTitle(textOf(title));
     box.setText(textOf(text));
     box.setTextFormat(Qt::PlainText);
-    static constexpr std::pair<BoxKind, QMessageBox::Icon> kIcons[]{
-        {BoxKind::information, QMessageBox::Information},
-        {BoxKind::warning, QMessageBox::Warning},
-        {BoxKind::stop, QMessageBox::Critical},
-        {BoxKind::question, QMessageBox::Question}};
-    for (const auto& [ours, theirs] : kIcons) {
-        if (ours == kind) box.setIcon(theirs);
-    }
+    box.setIconPixmap(iconOf(kind, box.devicePixelRatioF()));
     switch (buttons) {
         case BoxButtons::ok:
             box.setStandardButtons(QMessageBox::Ok);

@@ -1,8 +1,11 @@
 // A jingle button: one widget that paints its record and the parts below it.
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QPixmap>
+#include <QPixmapCache>
 #include <array>
 #include <cmath>
+#include <string_view>
 #include <tuple>
 #include <vector>
 
@@ -19,6 +22,7 @@ constexpr double kDurationShare = 0.76;  ///< of the caption's size, and the lim
 constexpr double kDurationMin = 8, kDurationMax = 15;
 constexpr double kNumberShare = 0.68;
 constexpr double kNumberMin = 8, kNumberMax = 13;
+constexpr int kReach = 4;           ///< of small texts around their places
 constexpr int kMargin = 8;          ///< between the face's edge and its text
 constexpr double kDotSize = 9;      ///< of a state mark
 constexpr int kNarrowButton = 110;  ///< pixels of width below which small texts give way to the name
@@ -59,7 +63,7 @@ class JingleWidget final : public PaintedWidget {
         // A mark or number that came or went leaves the caption more or less room.
         if (part.kind == ControlKind::shape) return;  // bars move at each tick
         const auto shown = [this] {
-            return std::tuple(layout_, durationPlace(), marksAside_, showDuration_, showNumber_);
+            return std::tuple(layout_, durationAt_, marksAside_, showDuration_, showNumber_);
         };
         const auto before = shown();
         layOut();
@@ -106,12 +110,13 @@ class JingleWidget final : public PaintedWidget {
                 p.drawText(layout_.starts[static_cast<std::size_t>(i)], layout_.lines[i]);
             }
         }
-        if (showDuration_ && !parts_.duration.isEmpty() && !empty()) {
+        if (showDuration_ && !parts_.duration.isEmpty() && !empty() &&
+            e->region().intersects(durationAt_.toAlignedRect())) {
             p.setFont(durationFont());
             p.setPen(softened(ink, 0.22));
-            drawFigures(p, durationPlace(), Qt::AlignRight | Qt::AlignVCenter, parts_.duration);
+            drawFigures(p, durationAt_, Qt::AlignRight | Qt::AlignVCenter, parts_.duration);
         }
-        paintBelow(p, record, theme, ink);
+        paintBelow(p, record, theme, ink, e->region());
         if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange)) {
             drawFocus(p, rect(), lightness(face(theme)) < 0.5 ? QColor(Qt::white) : theme.accent);
         }
@@ -152,14 +157,42 @@ class JingleWidget final : public PaintedWidget {
                             : mixed(colour, deep ? QColor(Qt::white) : QColor(Qt::black), deep ? 0.16 : 0.2);
         if (held) colour = mixed(colour, deep ? QColor(Qt::white) : QColor(Qt::black), 0.16);
         if (!held && underMouse()) border = mixed(border, theme.text, 0.3);
-        drawFace(p, rect(), colour, border);
+        paintCachedFace(p, colour, border);
     }
 
-    void paintBelow(QPainter& p, const Control& from, const Theme& theme, const QColor& ink) const {
+    /// Faces of one size and colour are painted once and copied from then on.
+    void paintCachedFace(QPainter& p, const QColor& colour, const QColor& border) const {
+        const double ratio = devicePixelRatioF();
+        const QString key = QStringLiteral("zvface %1x%2 %3 %4 %5")
+                                .arg(width())
+                                .arg(height())
+                                .arg(ratio)
+                                .arg(colour.rgb())
+                                .arg(border.rgb());
+        QPixmap face;
+        if (!QPixmapCache::find(key, &face)) {
+            face = QPixmap((QSizeF(size()) * ratio).toSize());
+            face.setDevicePixelRatio(ratio);
+            face.fill(Qt::transparent);
+            QPainter inside(&face);
+            drawFace(inside, rect(), colour, border);
+            inside.end();
+            QPixmapCache::insert(key, face);
+        }
+        p.drawPixmap(0, 0, face);
+    }
+
+    void paintBelow(QPainter& p, const Control& from, const Theme& theme, const QColor& ink,
+                    const QRegion& asked) const {
         for (const Control* part : from.children()) {
             if (!part->visible()) continue;
-            paintPart(p, *part, theme, ink);
-            paintBelow(p, *part, theme, ink);
+            // A number's ink keeps clear of the bar above it; other small texts may reach out of their
+            // places.
+            const QRect reach = isNumber(*part)
+                                    ? numberAt_.adjusted(-1, 2, 1, -2).toRect()
+                                    : placeIn(*part, record).adjusted(-kReach, -kReach, kReach, kReach);
+            if (asked.intersects(reach)) paintPart(p, *part, theme, ink);
+            paintBelow(p, *part, theme, ink, asked);
         }
     }
 
@@ -189,19 +222,18 @@ class JingleWidget final : public PaintedWidget {
         // A track without a colour of its own is transparent.
         if (part.backColor() == kNoColour) return;
         if (place.width() <= 0 || place.height() <= 0) return;
-        p.save();
-        p.setRenderHint(QPainter::Antialiasing);
-        p.setPen(Qt::NoPen);
-        p.setBrush(colourOf(part.backColor, theme.muted));
-        const double radius = std::min({2.0, place.height() / 2, place.width() / 2});
-        p.drawRoundedRect(place, radius, radius);
-        p.restore();
+        // Two plain rectangles make a bar with its corners taken off: a hundred of them are painted at each
+        // tick.
+        const QColor colour = colourOf(part.backColor, theme.muted);
+        const QRect bar = place.toRect();
+        p.fillRect(bar.adjusted(1, 0, -1, 0), colour);
+        p.fillRect(bar.adjusted(0, 1, 0, -1), colour);
     }
 
     static bool isStateMark(const Control& part) {
-        static constexpr std::array kMarks{"lp_", "sq_", "fx_", "pm_"};
-        const std::string head = part.name.substr(0, 3);
-        return std::any_of(kMarks.begin(), kMarks.end(), [&](const char* m) { return head == m; });
+        static constexpr std::array<std::string_view, 4> kMarks{"lp_", "sq_", "fx_", "pm_"};
+        return std::any_of(kMarks.begin(), kMarks.end(),
+                           [&](std::string_view m) { return std::string_view(part.name).starts_with(m); });
     }
 
     void paintMark(QPainter& p, const Control& part, const QRectF& place, const QColor& ink) const {
@@ -230,8 +262,7 @@ class JingleWidget final : public PaintedWidget {
         if (symbol) {
             p.drawText(place.adjusted(-4, -4, 4, 4), Qt::AlignCenter, text);
         } else {
-            const QRectF room = numberPlace(place, text);
-            drawFigures(p, room, Qt::AlignHCenter | Qt::AlignVCenter, text);
+            drawFigures(p, numberAt_, Qt::AlignHCenter | Qt::AlignVCenter, text);
         }
     }
 
@@ -353,6 +384,11 @@ class JingleWidget final : public PaintedWidget {
             showNumber_ = number;
             marksAside_ = number ? marksAside() : 0;
             corners_ = corners();
+            durationAt_ = durationPlace();
+            for (const Control* part : record.children()) {
+                if (isNumber(*part))
+                    numberAt_ = numberPlace(placeIn(*part, record), captionOf(part->caption));
+            }
             layout_ = layOutCaption(parts_.name, seen_.font, narrow ? small : room, corners_);
             return !layout_.cut && !(narrow && cornersMeet());
         };
@@ -372,6 +408,7 @@ class JingleWidget final : public PaintedWidget {
     Seen seen_;
     std::vector<QRectF> corners_;
     double marksAside_ = 0;
+    QRectF durationAt_, numberAt_;
     bool showDuration_ = true, showNumber_ = true;
 };
 

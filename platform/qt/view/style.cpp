@@ -226,6 +226,7 @@ class Style final : public QProxyStyle {
             case SH_EtchDisabledText:
             case SH_DitherDisabledText:
                 return 0;
+            case SH_DialogButtonBox_ButtonsHaveIcons:
             case SH_UnderlineShortcut:
                 return 0;
             case SH_ItemView_ShowDecorationSelected:
