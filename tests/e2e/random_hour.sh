@@ -1,13 +1,17 @@
 #!/bin/bash
 # An hour of chance on a copy of the sample palettes: ten thousand presses, palette changes and stops, with records,
-# buttons and sound held against each other at each tick.
+# buttons and sound held against each other at each tick, and the device callbacks under guard.
 #   random_hour.sh BIN_FOLDER DATA_FOLDER
 set -eu
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir "$work/home"
 cp -r "$2/palette.ini" "$2/HotJingles.ini" "$2/Audio_Sample" "$work/home"
-if ! "$1/rehearse" "$2/rehearsals/random-hour.txt" --home "$work/home" --out "$work/out" --no-sound; then
+guard=()
+if [ -f "$1/librt_guard.so" ]; then
+    guard=(env LD_PRELOAD="$(cd "$1" && pwd)/librt_guard.so" RT_GUARD_FAIL=1 RT_GUARD_TRACE=1)
+fi
+if ! "${guard[@]}" "$1/rehearse" "$2/rehearsals/random-hour.txt" --home "$work/home" --out "$work/out" --no-sound; then
     echo "random_hour: the last of what happened:" >&2
     tail -40 "$work/out/events.log" >&2
     exit 1
