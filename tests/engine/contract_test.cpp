@@ -254,7 +254,9 @@ TEST_F(Contract, AWebStreamStallsAndGoesOn) {
 /// Every operation with arguments drawn from what is likely to hurt.
 TEST_F(Contract, NothingThatIsAskedHurts) {
     const Topology studio;
-    std::mt19937 random(11);
+    std::mt19937 random(
+        11U +
+        static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed()));  // --gtest_shuffle: another
     std::vector<DWORD> handles{0, 1, ~DWORD{0}, studio.mainMixer, studio.mainSplit[0], studio.outSplit[0]};
     for (int i = 0; i < 6; ++i) handles.push_back(studio.jingle(file(i % 2 == 0 ? "ramp" : "sine")));
     const std::vector<QWORD> wide{0, 1, 3, 4, 1764000, 1764001, ~QWORD{0}, QWORD{1} << 63};

@@ -72,7 +72,7 @@ void fade(HSYNC, DWORD channel, DWORD, void* user) {
 
 TEST_F(Threads, TenThousandRandomOperations) {
     Topology studio;
-    std::mt19937 random(3);
+    std::mt19937 random(3U + static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed()));
     std::atomic<int> fired{0};
     BASS_RecordInit(-1);
     const DWORD mic = BASS_FX_TempoCreate(BASS_RecordStart(48000, 2, 0, nullptr, nullptr),
