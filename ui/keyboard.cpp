@@ -235,6 +235,8 @@ void TimerShutDownTick() {
         timers().TimerShutDown.stop();
         settings.ConfirmExit = 0;
         settings.ShutdownOnQuit = 1;
+        KeepOutOfFile("ConfirmExit");
+        KeepOutOfFile("ShutdownOnQuit");
         UnloadMain(kFromCode);
     });
 }

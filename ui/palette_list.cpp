@@ -147,6 +147,15 @@ void deleteSelected(bool clearFirst) {
     }
 }
 
+/// The list is limited; palettes beyond the limit are in the file all the same. Told once for each number.
+void tellOfHidden(int hidden) {
+    static int told = 0;
+    if (hidden > 0 && hidden != told) {
+        ErrDisp("notification", 0, Ln("mPalHidden") + " (" + std::to_string(hidden) + ")");
+    }
+    told = hidden;
+}
+
 }  // namespace
 
 void lstPalRefresh() {
@@ -164,6 +173,7 @@ void lstPalRefresh() {
             QuickSort(names);
             list.items = names;
             SelectPalette(SettingsStore.GetValue("PaletteIndex"));
+            tellOfHidden(PaletteStore.HiddenSections());
         } else {
             list.items = std::vector<std::string>();
             list.listIndex = -1;
