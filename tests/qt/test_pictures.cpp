@@ -114,7 +114,9 @@ TEST(Jingle, OnlyWhatChangedIsPaintedAgain) {
     f.bar.visible = true;
     s.picture();
     PaintedWidget& w = paintedFor(f.button);
+    PaintedWidget& neighbour = paintedFor(s.families[1]->button);
     w.takeAsked();
+    neighbour.takeAsked();
 
     f.bar.width = twips(150);
     flushChanged();
@@ -132,8 +134,7 @@ TEST(Jingle, OnlyWhatChangedIsPaintedAgain) {
     f.button.backColor = 0xFFFFFF;
     flushChanged();
     EXPECT_EQ(w.takeAsked().boundingRect(), w.rect());
-    EXPECT_TRUE(paintedFor(s.families[1]->button).takeAsked().boundingRect().isEmpty() ||
-                s.families[1]->button.revision() > 0);
+    EXPECT_TRUE(neighbour.takeAsked().isEmpty());
 }
 
 TEST(Jingle, ScreenRepaintsGiveTheSamePictureAsAFreshOne) {
