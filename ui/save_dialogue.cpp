@@ -43,7 +43,10 @@ void atRest() {
 void confirm() {
     const std::string name = tab().txtSave.caption();
     if (!name.empty()) {
-        CloseFile(name);
+        if (!CloseFile(name)) {
+            // The mark says why; the dialogue stays open, nothing counts as saved.
+            return;
+        }
         settings.PaletteIndex = name;
         PalToSave = false;
     }
@@ -130,10 +133,15 @@ void ErrClick() {
                 SavePal();
             }
         } else {
-            CloseFile(settings.PaletteIndex);
+            if (!CloseFile(settings.PaletteIndex)) {
+                return;
+            }
             PalToSave = false;
         }
-        HideErrMark();
+        // A mark that the save itself has left (a file that was locked) stays.
+        if (ErrMarkShows("f")) {
+            HideErrMark();
+        }
         if (settings.MinimalView == 1) {
             for (Control& mark : frmMain().display.lblPlayMode) {
                 mark.visible = true;
