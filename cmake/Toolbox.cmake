@@ -4,7 +4,8 @@ set(ZENTROVA_SANITIZE "" CACHE STRING "comma list for -fsanitize=, empty for non
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+  # Paths below the checkout are hashed as relative ones: every clone and every build folder shares its objects.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${CCACHE_PROGRAM})
 endif()
 
 find_program(LLD_PROGRAM ld.lld)
