@@ -13,7 +13,10 @@ using namespace std::chrono_literals;
 
 constexpr std::uint32_t channels = 2;
 constexpr std::size_t frameBytes = channels * sizeof(float);
-constexpr std::uint32_t bufferedPeriods = 2;
+// What the server keeps, in halves of a period, and what it asks for at a time. It halves what is left after
+// two requests with the output itself: with nothing left it would wake up 2,000 times a second.
+constexpr std::uint32_t bufferedHalves = 5;
+constexpr std::uint32_t requestedHalves = 1;
 constexpr auto openLimit = 2s;
 constexpr pa_usec_t soon = 20 * PA_USEC_PER_MSEC;
 constexpr pa_usec_t later = 500 * PA_USEC_PER_MSEC;
@@ -186,7 +189,8 @@ void PulseDevice::openStream() {
                 static_cast<PulseDevice*>(self)->giveSound(bytes);
             },
             this);
-        const pa_buffer_attr buffer{unset, bufferedPeriods * periodBytes, 0, periodBytes, unset};
+        const std::uint32_t half = periodBytes / 2;
+        const pa_buffer_attr buffer{unset, bufferedHalves * half, 0, requestedHalves * half, unset};
         result = pa_stream_connect_playback(stream_, name, &buffer, flags, nullptr, nullptr);
     } else {
         pa_stream_set_read_callback(

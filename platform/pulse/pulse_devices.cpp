@@ -128,11 +128,11 @@ class PulseDevices : public DeviceSource {
     std::vector<DeviceDescription> outputs() override { return ask(options_).outputs; }
     std::vector<DeviceDescription> inputs() override { return ask(options_).inputs; }
     std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
-                                       SoundClient& client) override {
+                                            SoundClient& client) override {
         return open(Direction::Output, id, rate, client);
     }
     std::unique_ptr<SoundDevice> openInput(const std::string& id, std::uint32_t rate,
-                                      SoundClient& client) override {
+                                           SoundClient& client) override {
         return open(Direction::Input, id, rate, client);
     }
     std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) override {
@@ -142,7 +142,7 @@ class PulseDevices : public DeviceSource {
 
   private:
     std::unique_ptr<SoundDevice> open(Direction direction, const std::string& id, std::uint32_t rate,
-                                 SoundClient& client) {
+                                      SoundClient& client) {
         if (rate < 1 || rate > PA_RATE_MAX) return nullptr;
         auto device = std::make_unique<PulseDevice>(options_, direction, id, rate, client);
         return device->open() ? std::move(device) : nullptr;

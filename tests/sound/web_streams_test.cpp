@@ -78,7 +78,7 @@ TEST_F(WebStreams, RepliesOfAllKinds) {
     server.answer("/ogg", plain("application/ogg", ogg));
     server.answer("/aac", plain("audio/aacp", aac));
     server.answer("/flac", plain("audio/flac", flac));
-    server.answer("/chunked", [&](StreamServer::Client& client) {
+    server.answer("/chunked", [mp3](StreamServer::Client& client) {
         client.say("HTTP/1.1 200 OK\r\nContent-Type: audio/mpeg\r\nTransfer-Encoding: chunked\r\n\r\n");
         for (std::size_t at = 0; at < mp3.size(); at += 1777) {
             const auto piece = std::span(mp3).subspan(at, std::min<std::size_t>(1777, mp3.size() - at));
@@ -89,7 +89,7 @@ TEST_F(WebStreams, RepliesOfAllKinds) {
         client.say("0\r\n\r\n");
     });
     // Shoutcast: no HTTP in its reply, and titles between the sound.
-    server.answer("/shout", [&](StreamServer::Client& client) {
+    server.answer("/shout", [mp3](StreamServer::Client& client) {
         EXPECT_NE(std::string::npos, client.request().find("Icy-MetaData: 1"));
         client.say("ICY 200 OK\r\nicy-name:Test\r\ncontent-type:audio/mpeg\r\nicy-metaint:4096\r\n\r\n");
         std::string title = "StreamTitle='A - B';";
@@ -127,8 +127,9 @@ TEST_F(WebStreams, RepliesOfAllKinds) {
 
 TEST_F(WebStreams, DriesUpAndGoesOn) {
     const auto mp3 = encoded("a.mp3");
-    std::atomic<bool> open{false};
-    server.answer("/live", [&](StreamServer::Client& client) {
+    static std::atomic<bool> open;
+    open = false;
+    server.answer("/live", [mp3](StreamServer::Client& client) {
         client.say(header("audio/mpeg"));
         client.send(std::span(mp3).first(mp3.size() / 2));
         client.waitFor(open);
@@ -150,7 +151,7 @@ TEST_F(WebStreams, DriesUpAndGoesOn) {
 
 TEST_F(WebStreams, ClosingDoesNotWaitForADryStream) {
     const auto mp3 = encoded("a.mp3");
-    server.answer("/live", [&](StreamServer::Client& client) {
+    server.answer("/live", [mp3](StreamServer::Client& client) {
         client.say(header("audio/mpeg"));
         client.send(std::span(mp3).first(mp3.size() / 2));
         client.waitForHangUp();
