@@ -87,21 +87,35 @@ done
 [ -n "$now" ] || fail "the window did not come"
 read -r WIDTH HEIGHT window <<<"$now"
 
-for sink in out1 out2; do
-    parec -d $sink.monitor --rate=44100 --format=float32le --channels=2 --raw --latency-msec=20 >"$work/$sink.raw" 2>"$work/parec-$sink.log" &
-    pids+=($!)
-done
-await "the recording" test -s "$work/out1.raw"
-
 # The first button stands at the left of the grid, right under the control strip.
 read -r x y < <(python3 "$here/tone.py" button "$WIDTH" "$HEIGHT")
-xdotool mousemove --window "$window" "$x" "$y" click 1
-sleep 1.2
-xdotool mousemove --window "$window" "$x" "$y" click 1
-sleep 0.6
-for sink in out1 out2; do
-    python3 "$here/tone.py" find "$work/$sink.raw" || fail "the press was not heard on $sink"
+
+# One press and one more, recorded from both sinks: whether both hold the tone, whole and with silence around.
+heard_on_both() {
+    local recorders=() sink
+    for sink in out1 out2; do
+        rm -f "$work/$sink.raw"
+        parec -d $sink.monitor --rate=44100 --format=float32le --channels=2 --raw --latency-msec=20 >"$work/$sink.raw" 2>"$work/parec-$sink.log" &
+        recorders+=($!)
+    done
+    await "the recording" test -s "$work/out1.raw" -a -s "$work/out2.raw"
+    xdotool mousemove --window "$window" "$x" "$y" click 1
+    sleep 1.2
+    xdotool mousemove --window "$window" "$x" "$y" click 1
+    sleep 0.6
+    kill "${recorders[@]}"
+    wait "${recorders[@]}" 2>/dev/null
+    for sink in out1 out2; do
+        python3 "$here/tone.py" find "$work/$sink.raw" || return 1
+    done
+}
+
+# A machine that is busy with other things drops a period now and then; a fault of ours is there at every try.
+heard=no
+for _ in 1 2 3 4 5 6; do
+    heard_on_both && heard=yes && break
 done
+[ $heard = yes ] || fail "the press was not heard on both outputs"
 
 # The program closes as from its window's own button, and saves.
 xdotool key --window "$window" alt+F4
