@@ -1,8 +1,10 @@
 #include "ui/jingle_buttons.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 
+#include "engine/bass.h"
 #include "model/jingle.h"
 #include "model/state.h"
 #include "startup/guard.h"
@@ -36,13 +38,14 @@ std::string described(int index) {
     if (j.MissingFile || j.Unplayable) {
         return Ln("aMissing");
     }
-    const JingleButton* b = Button(index);
-    if (b == nullptr || !b->JRemLev.visible) {
+    // Asked of the sound itself: the bar may be off, and is a tick behind.
+    if (j.hPlay == 0 || BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_STOPPED) {
         return Ln("aReady") + " " + seconds2msd(j.Duration);
     }
-    const int full = b->b_Jingle.width() - 2 * b->JremBG.left();
-    const double share = full > 0 ? static_cast<double>(b->JRemLev.width()) / full : 0;
-    const std::string left = seconds2msd(j.Duration * share);
+    const auto length = static_cast<double>(BASS_ChannelGetLength(j.hPlay, BASS_POS_BYTE));
+    const auto position = static_cast<double>(BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE));
+    const double bytes = std::max(0.0, length - position - j.EndOffset);
+    const std::string left = seconds2msd(BASS_ChannelBytes2Seconds(j.hPlay, static_cast<QWORD>(bytes)));
     if (j.State == PlayState::stopping) {
         return Ln("aFading") + ", " + Ln("aTimeLeft") + " " + left;
     }

@@ -1,5 +1,6 @@
-// What screen readers see of a jingle button: a button with its name, its state, and a press. The toolkit's
-// own widgets speak for themselves.
+// What screen readers see of a jingle button: a button with its name, its state, and a press. Keys and
+// toggles are pressed the same way: many of their records hear of the mouse button, not of the toolkit's
+// click. The toolkit's other widgets speak for themselves.
 #include <QAccessible>
 #include <QAccessibleWidget>
 
@@ -10,10 +11,45 @@
 namespace zv::shell {
 namespace {
 
-class JingleInterface final : public QAccessibleWidget {
+/// Whatever is pressed.
+class PressInterface : public QAccessibleWidget {
   public:
-    JingleInterface(QWidget* widget, RecordView& view)
-        : QAccessibleWidget(widget, QAccessible::Button), view_(view) {}
+    PressInterface(QWidget* widget, RecordView& view, QAccessible::Role role)
+        : QAccessibleWidget(widget, role), view_(view) {}
+
+    QString text(QAccessible::Text which) const override {
+        const QString own = QAccessibleWidget::text(which);
+        if (which != QAccessible::Name || !own.isEmpty()) return own;
+        return captionOf(view_.record.caption);
+    }
+
+    QAccessible::State state() const override {
+        QAccessible::State now = QAccessibleWidget::state();
+        const Control& record = view_.record;
+        if (record.kind == ControlKind::toggle) {
+            now.checkable = true;
+            now.checked = record.value() != 0 || !isNeutral(record, record.backColor);
+        }
+        return now;
+    }
+
+    QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
+
+    void doAction(const QString& action) override {
+        if (action == pressAction()) {
+            if (widget()->isEnabled()) view_.press();
+        } else {
+            QAccessibleWidget::doAction(action);
+        }
+    }
+
+  protected:
+    RecordView& view_;
+};
+
+class JingleInterface final : public PressInterface {
+  public:
+    JingleInterface(QWidget* widget, RecordView& view) : PressInterface(widget, view, QAccessible::Button) {}
 
     QString text(QAccessible::Text which) const override {
         const Control& record = view_.record;
@@ -34,23 +70,6 @@ class JingleInterface final : public QAccessibleWidget {
                 return QAccessibleWidget::text(which);
         }
     }
-
-    QStringList actionNames() const override {
-        QStringList names{pressAction()};
-        names << setFocusAction();
-        return names;
-    }
-
-    void doAction(const QString& action) override {
-        if (action == pressAction()) {
-            if (widget()->isEnabled()) view_.press();
-        } else {
-            QAccessibleWidget::doAction(action);
-        }
-    }
-
-  private:
-    RecordView& view_;
 };
 
 QAccessibleInterface* make(const QString&, QObject* object) {
@@ -60,6 +79,8 @@ QAccessibleInterface* make(const QString&, QObject* object) {
     RecordView* view = record != nullptr ? viewOf(*record) : nullptr;
     if (view == nullptr || &view->widget != widget) return nullptr;
     if (record->kind == ControlKind::jingle) return new JingleInterface(widget, *view);
+    if (record->kind == ControlKind::button || record->kind == ControlKind::toggle)
+        return new PressInterface(widget, *view, QAccessible::PushButton);
     if (record->kind == ControlKind::label) return new QAccessibleWidget(widget, QAccessible::StaticText);
     return nullptr;
 }

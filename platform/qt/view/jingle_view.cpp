@@ -3,8 +3,10 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QPixmapCache>
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <string_view>
 #include <tuple>
 #include <vector>
@@ -60,6 +62,12 @@ class JingleWidget final : public PaintedWidget {
 
     void partChanged(Control& part) override {
         PaintedWidget::partChanged(part);
+        if (isStateMark(part)) {
+            // Marks close up: the others may stand elsewhere now.
+            for (Control* other : record.children()) {
+                if (other != &part && isStateMark(*other)) PaintedWidget::partChanged(*other);
+            }
+        }
         // A mark or number that came or went leaves the caption more or less room.
         if (part.kind == ControlKind::shape) return;  // bars move at each tick
         const auto shown = [this] {
@@ -82,6 +90,8 @@ class JingleWidget final : public PaintedWidget {
 
     QRect partPlace(const Control& part) const override {
         QRect place = PaintedWidget::partPlace(part);
+        if (!place.isEmpty() && isStateMark(part))
+            return dotPlace(part).toAlignedRect().adjusted(-1, -1, 1, 1);
         // Small texts may be wider than the field that their record gives them.
         if (!place.isEmpty() && (part.kind == ControlKind::label || part.kind == ControlKind::symbol)) {
             place.adjust(-4, -4, 4, 4);
@@ -188,8 +198,9 @@ class JingleWidget final : public PaintedWidget {
             if (!part->visible()) continue;
             // A number's ink keeps clear of the bar above it; other small texts may reach out of their
             // places.
-            const QRect reach = isNumber(*part)
-                                    ? numberAt_.adjusted(-1, 2, 1, -2).toRect()
+            const QRect reach = isNumber(*part) ? numberAt_.adjusted(-1, 2, 1, -2).toRect()
+                                : isStateMark(*part)
+                                    ? partPlace(*part)
                                     : placeIn(*part, record).adjusted(-kReach, -kReach, kReach, kReach);
             if (asked.intersects(reach)) paintPart(p, *part, theme, ink);
             paintBelow(p, *part, theme, ink, asked);
@@ -240,7 +251,7 @@ class JingleWidget final : public PaintedWidget {
         if (isStateMark(part)) {
             const Colour own = part.foreColor() >= 0 ? part.foreColor() : part.backColor();
             const QColor colour = colourOf(own, ink);
-            const QRectF dot = dotPlace(place);
+            const QRectF dot = dotPlace(part);
             p.save();
             p.setRenderHint(QPainter::Antialiasing);
             // A thin ring in the opposite lightness, so that a dot is seen on a face of its own colour.
@@ -293,14 +304,28 @@ class JingleWidget final : public PaintedWidget {
             return {right - w, foot - h, w, h};
         }
         for (const Control* part : record.children()) {
-            if (part->visible() && isStateMark(*part))
-                right = std::min(right, dotPlace(placeIn(*part, record)).left() - 4);
+            if (part->visible() && isStateMark(*part)) right = std::min(right, dotPlace(*part).left() - 4);
         }
         return {right - w, (height() - h) / 2, w, h};
     }
 
+    /// The shown marks close up at the upper right: each takes the place of a hidden one at its right side.
+    QRect slotOf(const Control& mark) const {
+        std::vector<QRect> places;
+        std::size_t taken = 0;
+        const int own = mark.left();
+        for (const Control* part : record.children()) {
+            if (!isStateMark(*part)) continue;
+            places.push_back(placeIn(*part, record));
+            taken += part->visible() && part->left() > own;
+        }
+        std::ranges::sort(places, std::greater{}, [](const QRect& place) { return place.x(); });
+        return places[taken];
+    }
+
     /// A dot in the place of its mark, kept inside the face and clear of a number at its side.
-    QRectF dotPlace(const QRectF& place) const {
+    QRectF dotPlace(const Control& mark) const {
+        const QRectF place = slotOf(mark);
         double side = std::min({kDotSize, place.width(), place.height(), height() - 6.0});
         double y = place.center().y();
         if (height() < kLowButton / 2 + 4) {
@@ -343,7 +368,7 @@ class JingleWidget final : public PaintedWidget {
             if (!part->visible()) continue;
             const QRectF place = placeIn(*part, record);
             if (isStateMark(*part)) {
-                out.push_back(dotPlace(place).adjusted(-2, -1, 2, 1));
+                out.push_back(dotPlace(*part).adjusted(-2, -1, 2, 1));
             } else if (isNumber(*part)) {
                 if (!showNumber_ || part->caption().empty()) continue;
                 out.push_back(numberPlace(place, captionOf(part->caption)).adjusted(0, 2, 2, -2));
@@ -362,7 +387,7 @@ class JingleWidget final : public PaintedWidget {
         for (const Control* part : record.children()) {
             if (!part->visible()) continue;
             const QRectF place = placeIn(*part, record);
-            if (isStateMark(*part)) all.push_back(dotPlace(place));
+            if (isStateMark(*part)) all.push_back(dotPlace(*part));
             if (isNumber(*part) && showNumber_ && !part->caption().empty()) {
                 texts.push_back(numberPlace(place, captionOf(part->caption)));
             }

@@ -40,6 +40,15 @@ QPointer<FlushTarget>& flushTarget() {
     return *target;
 }
 
+QtMessageHandler nextHandler = nullptr;
+
+/// What the off-screen platform says at each start and nobody can mend is not worth a line; all else goes on.
+void tellAllButTheUsual(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    const bool usual = text.startsWith(QLatin1String("This plugin does not support raise()")) ||
+                       text.contains(QLatin1String("XDG_RUNTIME_DIR not set"));
+    if (!usual && nextHandler != nullptr) nextHandler(type, context, text);
+}
+
 void showChange(Control& record) {
     if (RecordView* view = viewOf(record)) {
         view->refresh();
@@ -68,6 +77,7 @@ void startQt(int& argc, char** argv, bool offscreen) {
         qputenv("QT_SCALE_FACTOR",
                 qEnvironmentVariableIsSet("ZENTROVA_SCALE") ? qgetenv("ZENTROVA_SCALE") : "1");
         qputenv("QT_FONT_DPI", "96");
+        if (nextHandler == nullptr) nextHandler = qInstallMessageHandler(tellAllButTheUsual);
     }
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     application() = std::make_unique<QApplication>(argc, argv);
