@@ -9,7 +9,8 @@ namespace zv {
 namespace {
 
 constexpr int kThreads = 2;
-constexpr auto kTick = std::chrono::milliseconds(8);  ///< while something sounds
+constexpr auto kTick = std::chrono::milliseconds(16);  ///< while something sounds
+constexpr std::size_t kMany = 16;                      ///< stretched channels due at once: for more than one
 constexpr auto kIdleTick = std::chrono::milliseconds(250);
 constexpr int kSoon = 100;  ///< urgencies below belong to sounding channels
 
@@ -18,7 +19,7 @@ constexpr int kSoon = 100;  ///< urgencies below belong to sounding channels
 void DecodeWorkers::start() {
     if (!threads_.empty()) return;
     for (int i = 0; i < kThreads; ++i)
-        threads_.emplace_back([this](const std::stop_token& stop) { run(stop); });
+        threads_.emplace_back([this, i](const std::stop_token& stop) { run(stop, i > 0); });
 }
 
 void DecodeWorkers::stop() {
@@ -40,7 +41,16 @@ void DecodeWorkers::add(const std::shared_ptr<TempoProcessor>& tempo,
 void DecodeWorkers::wake() {
     {
         const std::lock_guard lock(mutex_);
-        woken_ = true;
+        woken_ = helpWanted_ = true;
+    }
+    wanted_.notify_all();
+}
+
+void DecodeWorkers::callHelper() {
+    {
+        const std::lock_guard lock(mutex_);
+        if (helpWanted_) return;
+        helpWanted_ = true;
     }
     wanted_.notify_all();
 }
@@ -90,20 +100,26 @@ bool DecodeWorkers::serveOnce(const Work& work) {
     return done;
 }
 
-void DecodeWorkers::run(const std::stop_token& stop) {
+/// One looks after everything in time; the helper sleeps until there is more than one can do at once.
+void DecodeWorkers::run(const std::stop_token& stop, bool helper) {
     const FlushToZero flush;
+    bool& called = helper ? helpWanted_ : woken_;
     while (!stop.stop_requested()) {
         bool busy = true;
         try {
             const Work work = collect();
-            if (serveOnce(work)) continue;
-            busy = work.busy();
+            if (!helper && work.tempos.size() >= kMany) callHelper();
+            if (serveOnce(work)) {
+                if (!helper) callHelper();
+                continue;
+            }
+            busy = !helper && work.busy();
         } catch (...) {
             // Out of memory at worst: what is missing stays silent, the next round tries again.
         }
         std::unique_lock lock(mutex_);
-        wanted_.wait_for(lock, stop, busy ? kTick : kIdleTick, [this] { return woken_; });
-        woken_ = false;
+        wanted_.wait_for(lock, stop, busy ? kTick : kIdleTick, [&] { return called; });
+        called = false;
     }
 }
 

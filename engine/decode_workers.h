@@ -33,7 +33,8 @@ class DecodeWorkers {
     std::size_t memory();
 
   private:
-    void run(const std::stop_token& stop);
+    void run(const std::stop_token& stop, bool helper);
+    void callHelper();
     struct Work {
         std::vector<std::shared_ptr<PagedSound>> sounds;
         std::vector<std::shared_ptr<PagedSound>> read;  ///< by the tempo processors, one each
@@ -49,7 +50,7 @@ class DecodeWorkers {
 
     std::mutex mutex_;
     std::condition_variable_any wanted_;
-    bool woken_ = false;
+    bool woken_ = false, helpWanted_ = false;  // of the first thread, and of the other
     std::vector<std::weak_ptr<PagedSound>> sounds_;
     std::vector<Stretching> tempos_;
     std::vector<std::jthread> threads_;

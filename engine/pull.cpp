@@ -122,12 +122,17 @@ View Graph::readTempo(Channel& channel, std::uint32_t want) {
         }
         a.stretched = true;
         const std::uint64_t before = source.audio.position;
-        view.frames = static_cast<std::uint32_t>(
-            tempo.read({native_.data(), std::min(native_.size(), std::size_t{want} * channel.channels)}));
-        const std::uint64_t now = tempo.sourceFrame();
-        if (view.frames > 0) {
+        if (const std::span<const float> there = tempo.view(want); !there.empty()) {
+            view.frames = want;
+            view.data = there.data();
+        } else {
+            view.frames = static_cast<std::uint32_t>(
+                tempo.read({native_.data(), std::min(native_.size(), std::size_t{want} * channel.channels)}));
             view.data = native_.data();
             view.own = true;
+        }
+        const std::uint64_t now = tempo.sourceFrame();
+        if (view.frames > 0) {
             source.audio.position = now;
             source.sound->setFocus(now);
             if (now >= before) {
@@ -139,6 +144,7 @@ View Graph::readTempo(Channel& channel, std::uint32_t want) {
             }
             return view;
         }
+        view = {};
         if (tempo.neutral()) continue;
         view.ended = tempo.ended();
         if (view.ended) passed(channel, before, a.range.end + 1);

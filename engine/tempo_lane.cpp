@@ -212,6 +212,15 @@ std::size_t TempoLane::read(std::span<float> out, std::uint64_t limit) {
     return count;
 }
 
+std::span<const float> TempoLane::view(std::size_t frames) {
+    const std::uint64_t at = read_.load(std::memory_order_relaxed), start = at & (size_ - 1);
+    if (start + frames > size_ || at + frames > written_.load(std::memory_order_acquire)) return {};
+    // What is written from now on stays this far away from what was just read.
+    if (frames > size_ / 4) return {};
+    read_.store(at + frames, std::memory_order_release);
+    return {ring_.data() + start * channels_, frames * channels_};
+}
+
 std::uint64_t TempoLane::sourceAt(std::uint64_t frame) const {
     const double played = std::max(least_, static_cast<double>(frame) * speed_ - lag_);
     if (played < 0)

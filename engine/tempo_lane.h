@@ -64,6 +64,9 @@ class TempoLane {
     // ---- [audio]
     /// Takes frames up to lane frame `limit`; returns how many.
     std::size_t read(std::span<float> out, std::uint64_t limit);
+    /// The next `frames` where they lie, taken with that; empty where they are not all there in one piece.
+    /// The worker leaves them alone until a good while after the next call.
+    std::span<const float> view(std::size_t frames);
     bool exhausted() const { return readAt() >= endAt_.load(std::memory_order_acquire); }
 
     // ---- [any]

@@ -11,8 +11,8 @@ namespace {
 
 constexpr double kLeadSeconds = 0.025;  // between the making of a change and its frame
 constexpr double kFadeSeconds = 0.01;
-constexpr double kAheadSeconds = 0.2;    // that a lane keeps rendered
-constexpr double kRefillSeconds = 0.12;  // below which it is filled up
+constexpr double kAheadSeconds = 0.15;   // that a lane keeps rendered
+constexpr double kRefillSeconds = 0.11;  // below which it is filled up
 constexpr double kReadySeconds = 0.06;   // that a lane has when it is offered
 constexpr double kRingSeconds = 0.3;
 constexpr double kHoldSeconds = 0.05;    // that a position waits at most after a change
@@ -50,6 +50,7 @@ void TempoProcessor::setParameters(const TempoParameters& parameters) {
     std::lock_guard lock(parametersMutex_);
     parameters_ = cut(parameters);
     wanted_.store(!parameters_.neutral(), std::memory_order_release);
+    changes_.fetch_add(1, std::memory_order_release);
 }
 
 TempoParameters TempoProcessor::parameters() const {
@@ -179,6 +180,16 @@ void TempoProcessor::passed(std::size_t frames, std::uint64_t frame) {
     publish();
 }
 
+std::span<const float> TempoProcessor::view(std::size_t frames) {
+    if (!current_ || ended_ || current_->leaves) return {};
+    if (const TempoLane* lane = next(); lane && lane->switchAt < current_->readAt() + frames) return {};
+    const std::span<const float> there = current_->view(frames);
+    if (there.empty()) return there;
+    if (current_->exhausted()) ended_ = true;
+    report(frames);
+    return there;
+}
+
 std::size_t TempoProcessor::read(std::span<float> out) {
     const std::size_t wanted = out.size() / channels_;
     std::size_t done = 0;
@@ -240,8 +251,17 @@ TempoProcessor::Snapshot TempoProcessor::snapshot() const {
     }
 }
 
+/// Which orders of the audio thread and of the callers hold.
+std::uint64_t TempoProcessor::turn() const {
+    return std::uint64_t{changes_.load(std::memory_order_acquire)} << 32 |
+           published_.version.load(std::memory_order_acquire);
+}
+
 bool TempoProcessor::workDue() const {
-    return wanted_.load(std::memory_order_acquire) || published_.current.load() || offered_.load();
+    const TempoLane* current = published_.current.load(std::memory_order_acquire);
+    if (settled_.load(std::memory_order_acquire) == turn())
+        return current && !current->finished() && current->ahead() < framesOf(kRefillSeconds, rate_);
+    return wanted_.load(std::memory_order_acquire) || current || offered_.load();
 }
 
 TempoLane* TempoProcessor::freeLane() {
@@ -379,9 +399,10 @@ std::int64_t TempoProcessor::bestLag(std::span<const float> old, std::uint64_t s
 
 void TempoProcessor::work() {
     if (!workDue() || !stretchers_) return;
-    const TempoParameters wanted = parameters();
     std::unique_lock lock(workMutex_, std::try_to_lock);
     if (!lock) return;
+    const std::uint64_t turn = this->turn();  // before anything is looked at
+    const TempoParameters wanted = parameters();
     const FlushToZero flush;
     const Snapshot now = snapshot();
     const std::size_t ahead = framesOf(kAheadSeconds, rate_);
@@ -400,6 +421,7 @@ void TempoProcessor::work() {
         offerStands(*pending_, now, wanted)) {
         if (pending_->ahead() < framesOf(kReadySeconds, rate_))
             pending_->fill(reader_, framesOf(kReadySeconds, rate_));
+        if (!now.current) settled_.store(turn, std::memory_order_release);
         return;
     }
     pending_ = nullptr;
@@ -408,6 +430,8 @@ void TempoProcessor::work() {
     } else if (!now.current->leaves &&
                (now.current->parameters != wanted || now.current->playsOtherwise(now.range))) {
         change(now, wanted);
+    } else if (!now.current->leaves) {
+        settled_.store(turn, std::memory_order_release);
     }
 }
 

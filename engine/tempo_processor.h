@@ -90,6 +90,9 @@ class TempoProcessor {
     /// `frames` frames of the source were played; the source stands at `frame` now (wrapped where it
     /// wrapped).
     void passed(std::size_t frames, std::uint64_t frame);
+    /// The next `frames` stretched frames where they lie, and read with that; valid until the next call of
+    /// the audio thread. Empty where they do not lie in one piece or something else follows them: use read().
+    std::span<const float> view(std::size_t frames);
     /// Stretched frames into `out`; returns the frames written. Fewer than asked: ask neutral() (the sound
     /// goes on from the source) and ended(), else the worker was late (counted by starvations()).
     std::size_t read(std::span<float> out);
@@ -129,6 +132,7 @@ class TempoProcessor {
     void takeOver();
     void drop(TempoLane* lane);
     Snapshot snapshot() const;
+    std::uint64_t turn() const;
 
     TempoLane* freeLane();
     void offer(TempoLane* lane);
@@ -143,7 +147,10 @@ class TempoProcessor {
 
     mutable std::mutex parametersMutex_;  // control and worker
     TempoParameters parameters_;
-    std::atomic<bool> wanted_{false};  // not neutral
+    std::atomic<bool> wanted_{false};        // not neutral
+    std::atomic<std::uint32_t> changes_{0};  // of the parameters
+    // What work() last found in order: nothing but filling is due until turn() is another one.
+    std::atomic<std::uint64_t> settled_{~std::uint64_t{0}};
 
     // [audio]
     TempoLane *current_ = nullptr, *next_ = nullptr;
