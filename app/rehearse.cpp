@@ -1,5 +1,6 @@
 /// A show from a script: the whole program without a screen, on a virtual clock.
 ///     rehearse SCENARIO --home FOLDER --out FOLDER [--seed N] [--no-sound] [--outputs 0|1|2]
+///     [--answer WORD]...
 
 #include <charconv>
 #include <cstdio>
@@ -22,14 +23,14 @@ using namespace zv;
 
 constexpr const char* kUsage =
     "usage: rehearse SCENARIO --home FOLDER --out FOLDER [--seed N] [--no-sound] "
-    "[--outputs 0|1|2]";
+    "[--outputs 0|1|2] [--answer WORD]...";
 
 /// False when the arguments are not as the usage says.
 bool readArguments(const std::vector<std::string>& arguments, RehearsalOptions& options) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
-        const bool takesValue =
-            argument == "--home" || argument == "--out" || argument == "--seed" || argument == "--outputs";
+        const bool takesValue = argument == "--home" || argument == "--out" || argument == "--seed" ||
+                                argument == "--outputs" || argument == "--answer";
         if (takesValue && i + 1 == arguments.size()) return false;
         if (argument == "--home") {
             options.home = arguments[++i];
@@ -43,6 +44,8 @@ bool readArguments(const std::vector<std::string>& arguments, RehearsalOptions& 
             const std::string& text = arguments[++i];
             if (text != "0" && text != "1" && text != "2") return false;
             options.outputs = text[0] - '0';
+        } else if (argument == "--answer") {
+            options.answers.push_back(arguments[++i]);
         } else if (argument == "--no-sound") {
             options.keepSound = false;
         } else if (argument.starts_with("-") || !options.script.empty()) {
@@ -92,6 +95,7 @@ int main(int argc, char** argv) {
     program.value = programValue;
     program.state = writeProgramState;
     program.fault = programFault;
+    program.grid = changeGrid;
     const int status = rehearse(options, program);
     shell::endQt();
     return status;

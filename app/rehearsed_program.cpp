@@ -13,12 +13,14 @@
 
 #include "engine/bass.h"
 #include "model/jingle.h"
+#include "model/palette_files.h"
 #include "model/state.h"
 #include "platform/rehearsal/json.h"
 #include "platform/rehearsal/rehearsal.h"
 #include "startup/settings.h"
 #include "startup/upcalls.h"
 #include "ui/jingle_buttons.h"
+#include "ui/layout.h"
 
 namespace zv {
 namespace {
@@ -165,6 +167,15 @@ void writeProgramState(std::ostream& json) {
         separator = ",\n";
     }
     json << "\n}";
+}
+
+void changeGrid(int rows, int columns) {
+    settings.JinglesRows = static_cast<decltype(settings.JinglesRows)>(rows);
+    settings.JinglesCols = static_cast<decltype(settings.JinglesCols)>(columns);
+    FormDraw("init");
+    // Buttons that are new to the run have nothing in their records yet.
+    OpenFile(settings.PaletteIndex);
+    OpenFile();
 }
 
 std::string programFault() {

@@ -20,6 +20,9 @@ void writeProgramState(std::ostream& json);
 /// Holds right after a tick of the display.
 std::string programFault();
 
+/// Gives the grid another size, as the settings do, and opens what the palette has for it.
+void changeGrid(int rows, int columns);
+
 /// From now on marks, reports and the console's lines go to events.log as well as where they went.
 void listenToProgram();
 

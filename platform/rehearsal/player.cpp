@@ -77,6 +77,9 @@ std::string nameOf(const Action& action) {
 std::string actionText(const Action& action) {
     std::string text(verbName(action.verb));
     switch (action.verb) {
+        case Verb::resize:
+        case Verb::grid:
+            return text + " " + std::to_string(action.count) + " " + std::to_string(action.number);
         case Verb::press:
         case Verb::down:
         case Verb::up:
@@ -164,6 +167,10 @@ void Player::perform(const Action& action) {
             setControl(action);
             break;
         case Verb::menu:
+            if (action.line == 0) {
+                ignored(action);
+                break;
+            }
             fail("no menu is open to choose " + action.name + " from");
             break;
         case Verb::pick:
@@ -203,7 +210,11 @@ void Player::perform(const Action& action) {
         case Verb::expect:
             expectValue(action);
             break;
+        case Verb::grid:
+            if (program_.grid) program_.grid(static_cast<int>(action.count), static_cast<int>(action.number));
+            break;
         case Verb::random:
+        case Verb::chaos:
             if (action.line > 0)
                 scatterRandom(action);
             else
@@ -220,7 +231,9 @@ Control* Player::control(const Action& action) {
     const bool isButton = action.name.empty() && action.index >= 0;
     const std::string name = action.verb == Verb::resize ? "frmMain" : isButton ? "b_Jingle" : action.name;
     Control* found = findControl(name, action.index);
-    if (found == nullptr)
+    // Chance may ask for what was never opened.
+    if (found == nullptr && line_ == 0) ignored(action);
+    if (found == nullptr && line_ > 0)
         fail("there is no control " +
              (isButton ? name + "(" + std::to_string(action.index) + ")" : nameOf(action)));
     return found;
@@ -356,7 +369,8 @@ void Player::hear(const Action& action) {
 void Player::scatterRandom(const Action& action) {
     if (pending_.empty()) return;
     const std::int64_t length = pending_.begin()->first - action.at;
-    random_.emplace_back(action.number != 0 ? static_cast<std::uint64_t>(action.number) : options_.seed);
+    random_.emplace_back(action.number != 0 ? static_cast<std::uint64_t>(action.number) : options_.seed,
+                         action.verb == Verb::chaos);
     RandomShow& chance = random_.back();
     for (std::int64_t i = 0; i < action.count; ++i) {
         Action one;
@@ -375,14 +389,13 @@ void Player::performRandom() {
         if (button != nullptr && button->visible()) there.buttons.push_back(i);
     }
     if (const Control* list = findControl("lstPal")) there.palettes = list->items();
-    std::optional<Action> release;
-    const Action action = random_.back().next(there, release);
-    noteEvent("random", actionText(action));
-    if (release) {
-        release->at += monotonicMs() - Stage::instance().startMs;
-        add(std::move(*release));
+    std::vector<Action> steps = random_.back().next(there);
+    noteEvent("random", actionText(steps.front()));
+    for (std::size_t i = 1; i < steps.size(); ++i) {
+        steps[i].at += monotonicMs() - Stage::instance().startMs;
+        add(std::move(steps[i]));
     }
-    perform(action);
+    perform(steps.front());
 }
 
 std::string Player::chooseFromMenu(const std::vector<MenuItem>& items) {
@@ -404,7 +417,9 @@ std::string Player::chooseFromMenu(const std::vector<MenuItem>& items) {
         }
         const auto item = std::ranges::find(items, action.name, &MenuItem::name);
         const int outer = std::exchange(line_, action.line);
-        if (item == items.end())
+        if (item == items.end() && action.line == 0)
+            ignored(action);
+        else if (item == items.end())
             fail("the open menu has no " + action.name + "; it has " + names);
         else if (!item->enabled)
             noteEvent("ignored", actionText(action) + " (disabled)");

@@ -1,5 +1,7 @@
 #include "platform/rehearsal/random_show.h"
 
+#include <utility>
+
 namespace zv {
 namespace {
 
@@ -18,6 +20,42 @@ constexpr std::uint64_t kLongestHoldMs = 900;
 constexpr const char* kShowKeys[] = {"PageUp", "PageDown", "PageDown", "Escape", "R",
                                      "T",      "M",        "Space",    "Space"};
 
+constexpr std::uint64_t kEditsIn = 4;        ///< one action in so many is an edit
+constexpr std::uint64_t kColourFields = 25;  ///< the last one takes a colour away
+constexpr std::int64_t kStepMs = 40;         ///< between the steps of an edit
+constexpr const char* kDropped[] = {"Audio_Sample/Ding.flac", "Audio_Sample/Oops.wav",
+                                    "Audio_Sample/Applause.mp3", "Audio_Sample/Crickets.ogg",
+                                    "Audio_Sample/Laugh.m4a"};
+
+Action onButton(Verb verb, int index) {
+    Action action;
+    action.verb = verb;
+    action.index = index;
+    return action;
+}
+
+Action click(const char* name) {
+    Action action;
+    action.verb = Verb::click;
+    action.name = name;
+    return action;
+}
+
+Action key(const char* name) {
+    Action action;
+    action.verb = Verb::key;
+    action.name = name;
+    action.key = keyByName(name);
+    return action;
+}
+
+Action choose(const char* item) {
+    Action action;
+    action.verb = Verb::menu;
+    action.name = item;
+    return action;
+}
+
 }  // namespace
 
 std::uint64_t RandomShow::number(std::uint64_t below) {
@@ -28,19 +66,20 @@ std::uint64_t RandomShow::number(std::uint64_t below) {
     return (z ^ (z >> 31)) % below;
 }
 
-Action RandomShow::next(const Pressable& there, std::optional<Action>& release) {
+std::vector<Action> RandomShow::next(const Pressable& there) {
+    if (edits_ && number(kEditsIn) == 0 && !there.buttons.empty()) return edit(there);
     Action action;
-    release.reset();
     const std::uint64_t kind = number(kKey);
     if (kind < kHold && !there.buttons.empty()) {
         action.verb = Verb::press;
         action.index = there.buttons[number(there.buttons.size())];
         if (kind >= kPress) {
+            Action release = action;
             action.verb = Verb::down;
-            release = action;
-            release->verb = Verb::up;
-            release->at =
+            release.verb = Verb::up;
+            release.at =
                 static_cast<std::int64_t>(kShortestHoldMs + number(kLongestHoldMs - kShortestHoldMs));
+            return {action, release};
         }
     } else if (kind < kPick && !there.palettes.empty()) {
         action.verb = Verb::pick;
@@ -49,11 +88,92 @@ Action RandomShow::next(const Pressable& there, std::optional<Action>& release) 
         action.verb = Verb::click;
         action.name = "btStop";
     } else {
-        action.verb = Verb::key;
-        action.name = kShowKeys[number(std::size(kShowKeys))];
-        action.key = keyByName(action.name);
+        action = key(kShowKeys[number(std::size(kShowKeys))]);
     }
-    return action;
+    return {action};
+}
+
+std::vector<Action> RandomShow::option(const Pressable& there) {
+    static constexpr const char* kOptions[] = {"ckPlayStopI", "ckAutoRepI", "ckTouchI", "ckNoStopI",
+                                               "ckLoopI"};
+    const Action arm = click(kOptions[number(std::size(kOptions))]);
+    std::vector<Action> steps{key("F8"), arm};
+    if (arm.name == "ckLoopI" && number(2) == 0) steps.push_back(arm);  // armed twice it is the sequence
+    // Now and then it stays armed for whatever comes next.
+    if (number(4) != 0) steps.push_back(onButton(Verb::press, there.buttons[number(there.buttons.size())]));
+    return steps;
+}
+
+std::vector<Action> RandomShow::edit(const Pressable& there) {
+    const int button = there.buttons[number(there.buttons.size())];
+    Action open = click("b_Jingle");
+    open.verb = Verb::rclick;
+    open.index = button;
+    const auto sized = [&](Verb verb, std::uint64_t least, std::uint64_t most, std::uint64_t leastOther,
+                           std::uint64_t mostOther) {
+        Action action;
+        action.verb = verb;
+        action.count = static_cast<std::int64_t>(least + number(most - least + 1));
+        action.number = static_cast<std::int64_t>(leastOther + number(mostOther - leastOther + 1));
+        return action;
+    };
+    std::vector<Action> steps;
+    switch (number(12)) {
+        case 0:
+        case 1:
+        case 2:
+            steps = option(there);
+            break;
+        case 3: {
+            Action field = click("Color");
+            field.index = static_cast<int>(number(kColourFields));
+            steps = {open, choose("mnuCol"), field};
+            break;
+        }
+        case 4:
+        case 5: {
+            Action drop = onButton(Verb::drop, button);
+            drop.text = kDropped[number(std::size(kDropped))];
+            steps = {drop};
+            break;
+        }
+        case 6: {
+            Action yes;
+            yes.verb = Verb::answer;
+            yes.text = "yes";
+            steps = {yes, open, choose("mnuClr")};
+            break;
+        }
+        case 7: {
+            Action other = open;
+            other.index = there.buttons[number(there.buttons.size())];
+            steps = {open, choose(number(2) == 0 ? "mnuCut" : "mnuCopy"), other, choose("mnuPaste")};
+            break;
+        }
+        case 8:
+            steps = {key("F5"), click("btSave"), key("Enter")};
+            break;
+        case 9:
+            steps = {sized(Verb::resize, 790, 1600, 590, 1000)};
+            break;
+        case 10:
+            steps = {sized(Verb::grid, 4, 8, 4, 12)};
+            break;
+        default: {
+            if (number(2) == 0) {
+                steps = {key("F10")};
+                break;
+            }
+            Action alt, none;
+            alt.verb = none.verb = Verb::mods;
+            alt.mods = kAltMask;
+            steps = {alt, key("F9"), none};
+            break;
+        }
+    }
+    std::int64_t at = 0;
+    for (Action& step : steps) step.at = std::exchange(at, at + kStepMs);
+    return steps;
 }
 
 }  // namespace zv

@@ -1,8 +1,8 @@
-/// Chance as a presenter: presses, palette changes and stops, the same for the same seed on every machine.
+/// Chance as a presenter: presses, palette changes and stops; on request edits, and new sizes of window and
+/// grid too. The same for the same seed on every machine.
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,16 +18,19 @@ struct Pressable {
 
 class RandomShow {
   public:
-    explicit RandomShow(std::uint64_t seed) : state_(seed) {}
+    explicit RandomShow(std::uint64_t seed, bool edits = false) : state_(seed), edits_(edits) {}
 
-    /// What to do next. `release` is filled when a button has been pressed down that is let go later; its
-    /// `at` is the time that it is held.
-    Action next(const Pressable& there, std::optional<Action>& release);
+    /// What to do next, one after the other; `at` is the time from now.
+    std::vector<Action> next(const Pressable& there);
     /// A number from 0 to `below` - 1.
     std::uint64_t number(std::uint64_t below);
 
   private:
+    std::vector<Action> edit(const Pressable& there);
+    std::vector<Action> option(const Pressable& there);
+
     std::uint64_t state_;
+    bool edits_;
 };
 
 }  // namespace zv

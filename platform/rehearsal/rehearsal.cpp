@@ -136,6 +136,7 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     clock.onPeriod([] {
         if (const EngineControl* engine = audioLibraryControl()) engine->settleSyncs();
     });
+    stage.answers.assign(options.answers.begin(), options.answers.end());
     stage.onFirstEvents = program.listen;
     if (!program.start()) {
         std::fprintf(stderr, "%s: the program did not start; see events.log\n", options.script.c_str());

@@ -18,6 +18,7 @@ constexpr int kFirstHotButton = 96;
 constexpr std::int64_t kLongestRehearsalMs = 48LL * 3600 * 1000;
 constexpr std::int64_t kMostRandomActions = 10'000'000;
 constexpr std::int64_t kLargestWindow = 8192;
+constexpr std::int64_t kLeastGrid = 4, kMostRows = 8, kMostColumns = 12;
 
 /// What is wrong with a line.
 class Fault : public std::runtime_error {
@@ -25,7 +26,7 @@ class Fault : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-constexpr std::array<std::pair<std::string_view, Verb>, 25> kVerbs{{
+constexpr std::array<std::pair<std::string_view, Verb>, 27> kVerbs{{
     {"press", Verb::press},       {"down", Verb::down},     {"up", Verb::up},
     {"mods", Verb::mods},         {"key", Verb::key},       {"keydown", Verb::keydown},
     {"keyup", Verb::keyup},       {"click", Verb::click},   {"rclick", Verb::rclick},
@@ -34,7 +35,7 @@ constexpr std::array<std::pair<std::string_view, Verb>, 25> kVerbs{{
     {"unplug", Verb::unplug},     {"answer", Verb::answer}, {"drop", Verb::drop},
     {"time", Verb::time},         {"mic", Verb::mic},       {"shot", Verb::shot},
     {"resize", Verb::resize},     {"expect", Verb::expect}, {"random", Verb::random},
-    {"end", Verb::end},
+    {"grid", Verb::grid},         {"chaos", Verb::chaos},   {"end", Verb::end},
 }};
 
 constexpr std::array<std::pair<std::string_view, Key>, 16> kKeys{{
@@ -285,7 +286,12 @@ void readArguments(Words& words, Action& action) {
         case Verb::expect:
             readExpect(words, action);
             break;
+        case Verb::grid:
+            action.count = number(words.next("the rows"), kLeastGrid, kMostRows, "rows");
+            action.number = number(words.next("the columns"), kLeastGrid, kMostColumns, "columns");
+            break;
         case Verb::random:
+        case Verb::chaos:
             action.count = number(words.next("the count"), 1, kMostRandomActions, "count");
             action.number = number(words.next("the seed"), 0, INT64_MAX, "seed");
             break;

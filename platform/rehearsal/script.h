@@ -34,6 +34,8 @@ enum class Verb : std::uint8_t {
     shot,      ///< shot [WINDOW] FILE: a picture of a window
     resize,    ///< resize WIDTH HEIGHT: new inner size of the main window in pixels
     expect,    ///< expect NAME[.PROPERTY] [= != < <= > >=] VALUE
+    grid,      ///< grid ROWS COLUMNS: size of the grid, as the settings change it
+    chaos,     ///< chaos COUNT SEED: random, and edits, new sizes of window and grid
     random,    ///< random COUNT SEED: random presses, palette changes and stops up to the next line's time
     end,       ///< the rehearsal ends
 };
@@ -50,7 +52,8 @@ struct Action {
     std::string compare;   ///< expect: "=", "!=", "<", "<=", ">", ">="
     Key key = Key::none;   ///< key, keydown, keyup
     int mods = 0;          ///< mods: kShiftMask | kCtrlMask | kAltMask
-    std::int64_t count = 0, number = 0;  ///< random: COUNT, SEED; resize: WIDTH, HEIGHT
+    std::int64_t count = 0,
+                 number = 0;  ///< random, chaos: COUNT, SEED; resize: WIDTH, HEIGHT; grid: ROWS, COLUMNS
 };
 
 struct ScriptFault {

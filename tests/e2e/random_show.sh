@@ -16,7 +16,7 @@ if ! "${guard[@]}" "$1/rehearse" "$3" --home "$work/home" --out "$work/out" --no
     tail -40 "$work/out/events.log" >&2
     exit 1
 fi
-wanted=$(sed -n 's/.*random \([0-9]*\).*/\1/p' "$3" | head -n 1)
+wanted=$(sed -n 's/.*\(random\|chaos\) \([0-9]*\).*/\2/p' "$3" | head -n 1)
 actions=$(grep -c "$(printf '\trandom\t')" "$work/out/events.log")
 reports=$(grep -c "$(printf '\treport\t')" "$work/out/events.log" || true)
 echo "random_show: $actions actions, $reports reports of errors"
