@@ -22,6 +22,7 @@
 #include "startup/settings.h"
 #include "startup/stores.h"
 #include "startup/trace.h"
+#include "startup/upcalls.h"
 #include "ui/clock_display.h"
 #include "ui/colours_ui.h"
 #include "ui/display.h"
@@ -49,11 +50,9 @@ void step(std::string_view name, Body&& body) {
     processEvents();
 }
 
-void unloadSplash() { hideWindow(frmSplash().window); }
-
 /// The one fatal condition of the start.
 bool refuse(const std::string& logged, const std::string& shown) {
-    unloadSplash();
+    UnloadSplash();
     ErrLog(audioLibraryName(), logged);
     messageBox(shown, kTitle, BoxKind::stop, BoxButtons::ok);
     return false;
@@ -77,9 +76,12 @@ bool loadEngine() {
     return true;
 }
 
-/// A second program on the same folder would write over the first one's files: the presenter decides.
+/// A second program on the same folder would write over the first one's files: the presenter decides, before
+/// anything of it is written. The files are there, the first one has made them.
 bool secondProgramAllowed() {
     if (instanceLock.acquire(programFolder()) != InstanceLock::Result::shared) return true;
+    if (const std::string language = SettingsStore.GetValue("Language"); LanguageExists(language))
+        settings.Language = language;
     const std::string text = LnBox("mSecondInstance");
     return messageBox(
                text.empty() ? "Zentrova already runs on this folder. Start a second one all the same?" : text,
@@ -102,15 +104,8 @@ void openDataFiles() {
         OpenIniFile();
     });
     step("", [] {
-        const auto screens = monitors();
-        const int monitor = ReadMonitorSetting(static_cast<int>(screens.size()));
-        if (monitor >= 0 && monitor < static_cast<int>(screens.size())) {
-            const Monitor& screen = screens[static_cast<std::size_t>(monitor)];
-            Control& splash = frmSplash().window;
-            splash.left = (screen.left + screen.width / 2) * kTwipsPerPixel - splash.width / 2;
-            splash.top = (screen.top + screen.height / 2) * kTwipsPerPixel - splash.height / 2;
-        }
-        showWindow(frmSplash().window);
+        ReadMonitorSetting(static_cast<int>(monitors().size()));
+        ShowSplash();
     });
     step("", [] {
         ErrorLogOn = ReadErrorLogSetting();
@@ -121,6 +116,7 @@ void openDataFiles() {
     step("account.ini", OpenAccountFile);
     step("palette.ini", OpenPaletteFile);
     if (PlaylistsEnabled) step("playlist.ini", OpenPlaylistFile);
+    // A newer program sorts the addresses (OpenUrlsFile tells it); that comes with the live stream.
     step("urls.txt", [] { OpenUrlsFile(); });
     step("DISPpresets.ini", OpenDispPresets);
     step("VUpresets.ini", OpenVUPresets);
@@ -135,7 +131,8 @@ void loadSettings() {
     step("HotJingles.ini", OpenHotFile);
     SplashStep("Loading MIDI settings");
     SetProgress(18);
-    step("MIDI.ini", OpenMIDIFile);
+    step("MIDI.ini", OpenMIDIFile);  // the control input and output start here
+    // "Loading Time announce file": with the time announcer.
 }
 
 void loadLanguage() {
@@ -159,6 +156,7 @@ void buildWindows() {
     SplashStep("Building main interface");
     step("FormsLoad frmMain", [] { FormsLoad("frmMain"); });
     SetProgress(70);
+    // 75, "Building settings interface", and 90, "Building other interfaces": with those windows.
 }
 
 void startAudio() {
@@ -193,7 +191,8 @@ void showMain() {
         if (settings.CenterLstPal == 1) CentrePaletteList();
     });
     step("", [] { setAlwaysOnTop(frmMain().window, settings.AlwaysOnTop == 1); });
-    step("", unloadSplash);
+    // The checks for updates and notifications come here, and control output is allowed from here on.
+    step("", UnloadSplash);
 }
 
 void openPalette() {
@@ -221,13 +220,13 @@ bool Main(const CommandLine& commandLine) {
     SetProgress(80);
     processEvents();
 
-    openDataFiles();
     bool allowed = true;
     guarded("modMain.Main", [&] { allowed = secondProgramAllowed(); });
     if (!allowed) {
-        unloadSplash();
+        UnloadSplash();
         return false;
     }
+    openDataFiles();
     step("", warnOfReadOnlyFolder);
     loadSettings();
     loadLanguage();
@@ -243,13 +242,12 @@ bool Main(const CommandLine& commandLine) {
 }
 
 void Form_Unload() {
-    guarded("frmMain.Form_Unload", [] {
-        LoadingUI = true;
-        StopTimers();
-        frmMainUnload();
-    });
+    // The control input and output would be closed first.
+    guarded("frmMain.Form_Unload", frmMainUnload);
     guarded("frmMain.Form_Unload", [] { FreeBASS(); });
-    guarded("frmMain.Form_Unload", [] { ErrLog("", "Program normal exit at " + LogTime()); });
+    guarded("frmMain.Form_Unload", [] { callUp(startupUpcalls.unloadOtherWindows); });
+    guarded("frmMain.Form_Unload",
+            [] { ErrLog("", "Program normal exit at " + FormatTime(settings.TimeFormat, wallTime())); });
     guarded("frmMain.Form_Unload", [] {
         instanceLock.release();
         if (settings.ShutdownOnQuit == 1) runMinimised("systemctl poweroff");

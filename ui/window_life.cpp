@@ -7,10 +7,12 @@
 #include "model/state.h"
 #include "platform/desktop.h"
 #include "startup/datafiles.h"
+#include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "startup/trace.h"
 #include "ui/clock_display.h"
 #include "ui/colours_ui.h"
 #include "ui/commands.h"
@@ -246,7 +248,7 @@ void FormsLoad(const std::string& window) {
 
 bool Form_QueryUnload(int reason) {
     return guardedOr("frmMain.Form_QueryUnload", true, [&] {
-        (void)reason;
+        ErrLog("", UnloadReasonText(reason));
         bool cancel = true;
         if (settings.ConfirmExit == 1) {
             cancel = messageBox(LnBox("mMsquit"), "Zentrova", BoxKind::question, BoxButtons::yesNo) !=

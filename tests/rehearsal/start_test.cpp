@@ -1,0 +1,168 @@
+// What the program finds in its folder when it starts: another program, settings without sense, no right to
+// write.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+
+#include "show.h"
+
+namespace zv::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kPalette = "[Test]\r\nPath_0=Audio_Sample\\tone.wav\r\n";
+constexpr const char* kPressSounds =
+    "at 0 expect PaletteIndex Test\n"
+    "at 100 down 0\n"
+    "at 300 expect J(0).State 1\n"
+    "at 300 expect lblPosSecU.visible 1\n"
+    "at 400 up 0\n"
+    "at 3000 end\n";
+
+/// Every file of a folder and its bytes; not the folders in it.
+std::map<std::string, std::string> filesOf(const fs::path& folder) {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : fs::directory_iterator(folder))
+        if (entry.is_regular_file()) files[entry.path().filename().string()] = contents(entry.path());
+    return files;
+}
+
+void expectSound(const Show& show) {
+    const Sound main = show.heard();
+    EXPECT_EQ(peak(main, 0, framesOf(90)), 0);
+    EXPECT_GT(peak(main, framesOf(150), framesOf(350)), 0.1F);
+}
+
+TEST(Start, ASecondProgramOnTheFolderAsksAndIsRefusedOrAllowed) {
+    Show show;
+    show.tone("tone.wav", 1);
+    show.write("palette.ini", kPalette);
+    ASSERT_EQ(show.perform(kPressSounds), 0) << show.messages() << show.result("events.log");
+    const auto before = filesOf(show.home());
+    ASSERT_TRUE(before.contains(".zentrova.lock"));
+
+    const int lock = ::open((show.home() / ".zentrova.lock").c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(::flock(lock, LOCK_EX | LOCK_NB), 0) << "the first run has let go";
+    // Nobody answers: that is a no.
+    EXPECT_EQ(show.perform(kPressSounds), 1);
+    EXPECT_NE(show.messages().find("the program did not start"), std::string::npos) << show.messages();
+    EXPECT_NE(show.result("events.log").find("already running on this folder"), std::string::npos)
+        << show.result("events.log");
+    EXPECT_EQ(filesOf(show.home()), before) << "the refused program has written";
+
+    EXPECT_EQ(show.perform(kPressSounds, "--answer yes"), 0) << show.messages() << show.result("events.log");
+    expectSound(show);
+    ::close(lock);
+    EXPECT_EQ(show.perform(kPressSounds), 0) << "whoever held the lock is gone";
+    EXPECT_EQ(show.result("events.log").find("already running"), std::string::npos);
+}
+
+/// The keys of zv.ini, from the table of the settings' own tests.
+std::vector<std::string> settingKeys() {
+    std::ifstream in(std::string(ZV_SOURCE_DIR) + "/tests/startup/settings_table.txt");
+    std::vector<std::string> keys;
+    for (std::string line; std::getline(in, line);) {
+        const std::size_t bar = line.find('|');
+        if (line.starts_with('#') || bar == std::string::npos) continue;
+        keys.push_back(line.substr(0, line.find_last_not_of(' ', bar - 1) + 1));
+    }
+    return keys;
+}
+
+TEST(Start, WithNonsenseInEveryKeyTheWindowWorks) {
+    const std::vector<std::string> keys = settingKeys();
+    ASSERT_GE(keys.size(), 170U);
+    const struct {
+        const char* value;
+        bool audible;  ///< 0 is a choice, no output
+    } kinds[] = {{"\xC3\xBCnsinn", true}, {"-1", true},    {"99999999999999999999", true},
+                 {"32767", true},         {"1e308", true}, {"0", false},
+                 {"[;=\\", true}};
+    for (const auto& kind : kinds) {
+        SCOPED_TRACE(kind.value);
+        Show show;
+        show.tone("tone.wav", 1);
+        show.write("palette.ini", kPalette);
+        std::string text = "[Settings]\r\n";
+        for (const std::string& key : keys) text += key + "=" + kind.value + "\r\n";
+        show.write("zv.ini", text);
+        EXPECT_EQ(show.perform("at 0 answer cancel\n"
+                               "at 0 expect PaletteIndex Test\n"
+                               "at 0 expect b_Jingle(0).visible 1\n"
+                               "at 100 down 0\n"
+                               "at 300 expect J(0).State 1\n"
+                               "at 300 expect BASS_ChannelIsActive(0) 1\n"
+                               "at 400 up 0\n"
+                               "at 3000 shot window.png\n"
+                               "at 3000 end\n"),
+                  0)
+            << show.messages() << show.result("events.log");
+        EXPECT_GT(fs::file_size(show.out() / "window.png"), 5000U);
+        const Sound main = show.heard(), aux = show.heard("aux.wav");
+        EXPECT_EQ(std::max(peak(main, framesOf(150), framesOf(350)),
+                           peak(aux, framesOf(150), framesOf(350))) > 0.1F,
+                  kind.audible);
+        EXPECT_EQ(contents(show.home() / "palette.ini"), kPalette);
+    }
+}
+
+/// Nothing can be written below it, not even by the superuser.
+class ReadOnly {
+  public:
+    explicit ReadOnly(fs::path at) : at_(std::move(at)) {
+        bound_ = ::mount(at_.c_str(), at_.c_str(), nullptr, MS_BIND, nullptr) == 0;
+        sealed_ =
+            bound_ && ::mount(nullptr, at_.c_str(), nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) == 0;
+        if (sealed_ || ::geteuid() == 0) return;
+        fs::permissions(at_, fs::perms::owner_read | fs::perms::owner_exec);
+        sealed_ = true;
+    }
+    ~ReadOnly() {
+        if (bound_)
+            ::umount2(at_.c_str(), MNT_DETACH);
+        else
+            fs::permissions(at_, fs::perms::owner_all);
+    }
+    bool sealed() const { return sealed_; }
+
+  private:
+    fs::path at_;
+    bool bound_ = false, sealed_ = false;
+};
+
+TEST(Start, AFolderThatCannotBeWrittenIsToldAndPlays) {
+    for (const bool startedBefore : {true, false}) {
+        SCOPED_TRACE(startedBefore ? "with all its files" : "with the user's files only");
+        Show show;
+        show.tone("tone.wav", 1);
+        show.write("palette.ini", kPalette);
+        if (startedBefore) {
+            ASSERT_EQ(show.perform(kPressSounds), 0) << show.messages();
+        }
+        const auto before = filesOf(show.home());
+        const ReadOnly folder(show.home());
+        if (!folder.sealed()) GTEST_SKIP() << "a folder cannot be made read-only here";
+        EXPECT_EQ(show.perform(kPressSounds), 0) << show.messages() << show.result("events.log");
+        const std::string events = show.result("events.log");
+        const std::size_t box = events.find("Nothing will be saved");
+        ASSERT_NE(box, std::string::npos) << events;
+        EXPECT_NE(events.substr(box, events.find('\n', box) - box).find(show.home().string()),
+                  std::string::npos)
+            << "the folder is named";
+        EXPECT_EQ(events.find("\treport\t"), std::string::npos) << events;
+        expectSound(show);
+        EXPECT_EQ(filesOf(show.home()), before);
+    }
+}
+
+}  // namespace
+}  // namespace zv::test
