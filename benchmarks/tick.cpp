@@ -56,9 +56,9 @@ class Home {
         hot << "[HotJingles]\r\n";
         for (int k = 0; k < kPaletteSlots; ++k) palette << "Path_" << k << "=bed.wav\r\n";
         for (int k = kPaletteSlots; k < kJingles; ++k) hot << "Path_" << k - kPaletteSlots << "=bed.wav\r\n";
-        show << "at 0 pick Full\n";
+        show << "at 0 resize 1280 900\nat 0 pick Full\n";
         for (int k = 0; k < kJingles; ++k) show << "at " << 1000 + 20 * k << " press " << k << "\n";
-        show << "at 5000 end\n";
+        show << "at 50000 end\n";
     }
     ~Home() {
         std::error_code ignored;
@@ -93,7 +93,7 @@ void tick() {
     CommandLine commandLine;
     commandLine.home = options.home;
 
-    std::vector<double> times;
+    std::vector<double> times, painted;
     int most = 0;
     bool inside = false;
     RehearsedProgram program;
@@ -112,6 +112,14 @@ void tick() {
             const double before = wallSeconds();
             TimerDispAndJButtonsTick();
             times.push_back((wallSeconds() - before) * 1000);
+            // The same with every bar moving, and what changed painted into memory.
+            sleepMs(700);  // a bar is a hundred pixels for a minute: each has moved
+            shell::deliverEvents();
+            const double again = wallSeconds();
+            TimerDispAndJButtonsTick();
+            shell::flushChanged();
+            shell::deliverEvents();
+            painted.push_back((wallSeconds() - again) * 1000);
         }
         inside = false;
         return {};
@@ -122,6 +130,7 @@ void tick() {
     if (times.empty())
         throw std::runtime_error("at most " + std::to_string(most) + " of 120 jingles sounded at once");
     atMost("tick-120", median(times), "ms", 1);
+    atMost("tick-120-painted", median(painted), "ms", 2.5);
 }
 
 const Known knows("tick-120", tick);
