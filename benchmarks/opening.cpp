@@ -65,7 +65,7 @@ double residentMegabytes() {
 
 void opening() {
     const Files files;
-    std::vector<double> totals, holds, memories;
+    std::vector<double> totals, holds, works, memories;
     for (int run = 0; run < 3; ++run) {
         files.cool();
         const auto devices = std::make_shared<HandDevices>();
@@ -79,9 +79,9 @@ void opening() {
 
         const double before = residentMegabytes(), begin = wallSeconds();
         std::vector<DWORD> jingles;
-        double hold = 0;
+        double hold = 0, work = 0;  // the longest one, by the wall and of processor time
         for (int k = 0; k < kFiles; ++k) {
-            const double step = wallSeconds();
+            const double step = wallSeconds(), stepWork = threadSeconds();
             const DWORD source =
                 BASS_StreamCreateFile(false, files.path(k).c_str(), 0, 0, BASS_STREAM_DECODE);
             if (source == 0) throw std::runtime_error("a test file did not open");
@@ -92,6 +92,7 @@ void opening() {
             BASS_ChannelStop(play);
             jingles.push_back(play);
             hold = std::max(hold, wallSeconds() - step);
+            work = std::max(work, threadSeconds() - stepWork);
         }
         // Ready: pressed, each of them sounds with the next period.
         for (DWORD jingle : jingles) BASS_ChannelPlay(jingle, false);
@@ -104,6 +105,7 @@ void opening() {
         }
         totals.push_back(wallSeconds() - begin);
         holds.push_back(hold * 1000);
+        works.push_back(work * 1000);
         // As they sound on, each at its own place.
         for (int i = 0; i < 200; ++i) {
             devices->period();
@@ -114,6 +116,7 @@ void opening() {
     }
     atMost("open-96", median(totals), "s", 3);
     atMost("open-96-hold", median(holds), "ms", 15);
+    tell("open-96-hold-processor", median(works), "ms");
     atMost("open-96-memory", *std::max_element(memories.begin(), memories.end()), "MB", 400);
 }
 

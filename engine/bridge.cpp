@@ -34,14 +34,18 @@ void Bridge::write(std::span<const float> stereo) {
     ring_.write(stereo.data(), std::min(stereo.size(), room));
 }
 
+void Bridge::clear() {
+    restart_.store(false, std::memory_order_relaxed);
+    ring_.read(nullptr, ring_.filled());
+    if (!running_ && !averaging_) return;
+    running_ = averaging_ = false;
+    integral_ = 0;
+    resampler_.setCorrection(0);
+    resampler_.reset();
+}
+
 void Bridge::read(std::span<float> stereo) {
-    if (restart_.exchange(false, std::memory_order_acq_rel)) {
-        ring_.read(nullptr, ring_.filled());
-        running_ = averaging_ = false;
-        integral_ = 0;
-        resampler_.setCorrection(0);
-        resampler_.reset();
-    }
+    if (restart_.exchange(false, std::memory_order_acq_rel)) clear();
     if (inStep_) {
         readInStep(stereo);
     } else {

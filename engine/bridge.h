@@ -35,6 +35,9 @@ class Bridge {
     /// The reader begins anew with an empty bridge at its next read. [any]
     void restart() { restart_.store(true, std::memory_order_release); }
 
+    /// The same, now: what is written from here on is not lost. [audio] of the reader.
+    void clear();
+
     /// Distance in frames of the writer. [any]
     std::size_t filled() const { return ring_.filled() / 2; }
     /// Times the reader found too little after it had begun. [any]

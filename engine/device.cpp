@@ -130,8 +130,9 @@ void OutputSlot::render(std::span<float> stereo) {
             if (outputs_.leads(*this)) outputs_.silentMicros.store(0, std::memory_order_relaxed);
             graph.applyCommands();
             produce(stereo);
+            // Whoever drives next may write before this output reads.
+            bridge_->clear();
             graph.release();
-            bridge_->restart();
         } else {
             outputs_.silentMicros.fetch_add(micros, std::memory_order_relaxed);
             if (number_ == 0) {

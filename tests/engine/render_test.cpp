@@ -117,6 +117,10 @@ TEST_F(Rendering, OneOutputGoesAndTheOtherDoesNotNotice) {
     pull(4410);
     const std::vector<float> main = take();
     EXPECT_NEAR(frameOf(main.back() - 0.5F / 16777216.0F), 4410 * 4, 1000);
+    const std::vector<float> after = take(kAuxName);
+    for (std::size_t f = 1; f < after.size() / 2; ++f)
+        ASSERT_GT(after[f * 2], after[f * 2 - 2])
+            << "a gap in the other output when it was back, frame " << f;
     // Both gone: the no-sound device keeps time.
     const QWORD before = BASS_ChannelGetPosition(jingle, BASS_POS_BYTE);
     devices->unplug(kMainName);
