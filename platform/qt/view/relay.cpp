@@ -38,11 +38,12 @@ void hold(const Control* record, int by) {
 
 class Relay final : public QObject {
   public:
-    Relay(RecordView& view, QWidget& source) : QObject(&source), view_(view), source_(source) {
+    Relay(RecordView& view, QWidget& source)
+        : QObject(&source), view_(view), record_(view.record), source_(source) {
         source.installEventFilter(this);
     }
     ~Relay() override {
-        heldCounts().erase(&view_.record);
+        heldCounts().erase(&record_);  // the view is gone by now, the record is not
         if (held_.part != nullptr) heldCounts().erase(held_.part);
         for (const auto& [id, record] : held_.fingers) heldCounts().erase(record);
     }
@@ -321,6 +322,7 @@ class Relay final : public QObject {
     }
 
     RecordView& view_;
+    Control& record_;
     QWidget& source_;
     Held held_;
 };
@@ -357,6 +359,7 @@ class WindowKeys final : public QObject {
     }
 
     RecordView& view_;
+    Control& record_;
     QPointer<QWindow> door_;
 };
 
