@@ -1,6 +1,7 @@
 #include "platform/qt/view/jingle_text.h"
 
 #include <QFontMetricsF>
+#include <QHash>
 #include <QTextLayout>
 #include <algorithm>
 #include <array>
@@ -201,6 +202,19 @@ class Setter {
     CaptionLayout made_;
 };
 
+constexpr qsizetype kMostKnown = 1000;  // several palettes of buttons
+
+QString placeKey(const QString& name, const QFont& font, const QRectF& room,
+                 const std::vector<QRectF>& corners) {
+    QString key = name + QLatin1Char('\n') + font.key();
+    const auto add = [&](const QRectF& r) {
+        key += QStringLiteral("|%1,%2,%3,%4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height());
+    };
+    add(room);
+    for (const QRectF& corner : corners) add(corner);
+    return key;
+}
+
 }  // namespace
 
 CaptionLayout layOutCaption(const QString& name, const QFont& font, const QRectF& room,
@@ -210,7 +224,13 @@ CaptionLayout layOutCaption(const QString& name, const QFont& font, const QRectF
         none.font = font;
         return none;
     }
-    return Setter(name, font, room, corners).set();
+    // A name that does not fit goes through all ways, and a palette that opens shows the same ones again and
+    // again.
+    static QHash<QString, CaptionLayout> known;
+    const QString key = placeKey(name, font, room, corners);
+    if (const auto found = known.constFind(key); found != known.constEnd()) return *found;
+    if (known.size() >= kMostKnown) known.clear();
+    return *known.insert(key, Setter(name, font, room, corners).set());
 }
 
 }  // namespace zv::shell

@@ -331,12 +331,13 @@ class Relay final : public QObject {
 /// keys come in, not at the widgets that pass them on among themselves.
 class WindowKeys final : public QObject {
   public:
-    explicit WindowKeys(RecordView& view) : QObject(&view.widget), view_(view) {
+    explicit WindowKeys(RecordView& view)
+        : QObject(&view.widget), record_(view.record), widget_(view.widget) {
         view.widget.installEventFilter(this);
     }
 
     bool eventFilter(QObject* watched, QEvent* e) override {
-        if (watched == &view_.widget) {
+        if (watched == &widget_) {
             // The door is made with the window on the screen.
             if (e->type() == QEvent::WinIdChange || e->type() == QEvent::Show) watchDoor();
             return false;
@@ -345,21 +346,21 @@ class WindowKeys final : public QObject {
         auto& key = *static_cast<QKeyEvent*>(e);
         if (e->type() == QEvent::KeyRelease && key.isAutoRepeat()) return true;
         KeyEvent event{keyOf(key), shiftOf(key.modifiers()), key.isAutoRepeat(), false};
-        const auto& handler = e->type() == QEvent::KeyPress ? view_.record.onKeyDown : view_.record.onKeyUp;
+        const auto& handler = e->type() == QEvent::KeyPress ? record_.onKeyDown : record_.onKeyUp;
         if (handler) call([&] { handler(event); });
         return event.consumed;
     }
 
   private:
     void watchDoor() {
-        QWindow* door = view_.widget.windowHandle();
+        QWindow* door = widget_.windowHandle();
         if (door == nullptr || door == door_) return;
         door_ = door;
         door->installEventFilter(this);
     }
 
-    RecordView& view_;
     Control& record_;
+    QWidget& widget_;  // events still come while the widget goes, when its view is gone
     QPointer<QWindow> door_;
 };
 
