@@ -126,7 +126,10 @@ void openDataFiles() {
 void loadSettings() {
     SetProgress(6);
     SplashStep("Loading settings");
-    step("LoadZVini", [] { LoadZVini(); });
+    step("LoadZVini", [] {
+        LoadZVini();
+        SetProcessPriority(settings.ProcPriority);
+    });
     SetProgress(7);
     step("HotJingles.ini", OpenHotFile);
     SplashStep("Loading MIDI settings");

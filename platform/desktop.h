@@ -24,6 +24,8 @@ void processEvents();
 int runEventLoop();
 void quit(int status = 0);
 void setFocus(Control& control);
+/// Selects the whole text of a text box.
+void selectAllText(Control& textBox);
 /// The control with the focus in the program's windows; null without one.
 Control* focusedControl();
 void setAlwaysOnTop(Control& window, bool on);

@@ -97,6 +97,8 @@ void SetTopMostWindow(Control& window, bool on);
 void SetProcessPriority(int priorityClass);
 /// Selects the first entry of a list that equals `text`; nothing changes without one.
 void SelectListItem(Control& list, const std::string& text);
+/// Selects the whole text of a text box.
+void SelectAllText(Control& textBox);
 void OpenDocument(const std::string& path);
 
 }  // namespace zv

@@ -17,6 +17,8 @@ void SelectListItem(Control& list, const std::string& text) {
     if (found != items.end()) list.listIndex = static_cast<int>(found - items.begin());
 }
 
+void SelectAllText(Control& textBox) { selectAllText(textBox); }
+
 void OpenDocument(const std::string& path) { openDocument(path); }
 
 }  // namespace zv

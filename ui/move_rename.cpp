@@ -300,6 +300,7 @@ void clRename(int index) {
         r.window.backColor = w.window.backColor();
         showWindow(r.window);
         setFocus(r.txtFilename);
+        SelectAllText(r.txtFilename);
         setAlwaysOnTop(r.window, settings.AlwaysOnTop == 1);
     });
 }

@@ -4,6 +4,7 @@
 
 #include "platform/desktop.h"
 #include "startup/guard.h"
+#include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/upcalls.h"
@@ -55,6 +56,7 @@ void show(const std::string& title, const std::string& text) {
     showWindow(form.window);
     setAlwaysOnTop(form.window, settings.AlwaysOnTop == 1);
     setFocus(form.txtDescription);
+    SelectAllText(form.txtDescription);
 }
 
 /// Ends without a question, as after too many errors.

@@ -6,6 +6,7 @@
 #include "platform/desktop.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
+#include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "ui/colours_ui.h"
@@ -73,6 +74,7 @@ void open(int mode) {
     t.txtSave.enabled = true;
     TabDraw(static_cast<int>(MainTab::palettes));
     setFocus(t.txtSave);
+    SelectAllText(t.txtSave);
 }
 
 }  // namespace

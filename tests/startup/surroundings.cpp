@@ -68,6 +68,7 @@ bool systemIsFrench() { return around.french; }
 bool fontInstalled(const std::string&) { return around.fontsThere; }
 void openDocument(const std::string&) {}
 void setAlwaysOnTop(Control&, bool) {}
+void selectAllText(Control&) {}
 bool setProcessPriority(int) { return true; }
 
 }  // namespace zv

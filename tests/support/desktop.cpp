@@ -42,6 +42,7 @@ void quit(int) { desktop().quitAsked = true; }
 void setFocus(Control& control) { desktop().focus = &control; }
 Control* focusedControl() { return desktop().focus; }
 void setAlwaysOnTop(Control&, bool) {}
+void selectAllText(Control&) {}
 void setFullScreen(Control&, bool) {}
 void setMinimumSize(Control&, int, int) {}
 bool isMinimised(const Control&) { return false; }

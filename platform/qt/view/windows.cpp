@@ -2,7 +2,9 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QLineEdit>
 #include <QPainter>
+#include <QPlainTextEdit>
 #include <QResizeEvent>
 #include <QScreen>
 #include <QWindow>
@@ -258,6 +260,13 @@ void unlockUpdates() {
 void setFocus(Control& control) {
     flushChanged();
     if (QWidget* w = widgetOf(control)) w->setFocus(Qt::OtherFocusReason);
+}
+
+void selectAllText(Control& textBox) {
+    flushChanged();
+    QWidget* w = widgetOf(textBox);
+    if (auto* line = qobject_cast<QLineEdit*>(w)) line->selectAll();
+    if (auto* text = qobject_cast<QPlainTextEdit*>(w)) text->selectAll();
 }
 
 Control* focusedControl() {
