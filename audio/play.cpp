@@ -36,11 +36,7 @@ std::array<HSYNC, kJingles> stopPosSyncs{};
 JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
 bool inRange(int index) { return index >= 0 && index < kJingles; }
 
-/// A channel that waits for data still plays: a press must be able to stop it.
-bool plays(const JingleRecord& j) {
-    const DWORD active = BASS_ChannelIsActive(j.hPlay);
-    return active == BASS_ACTIVE_PLAYING || active == BASS_ACTIVE_STALLED;
-}
+bool plays(const JingleRecord& j) { return BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_PLAYING; }
 bool modifierHeld() { return CtrlDown || ShiftDown || AltDown; }
 
 DWORD ms(std::int32_t value) { return static_cast<DWORD>(std::max(0, value)); }
@@ -74,14 +70,12 @@ void setLoops(const JingleRecord& j) {
     }
 }
 
-/// From rest, or again: everything is set before the channel plays.
+/// From rest, or again: what is heard is set before the channel plays, what is told and shown follows it.
 void start(int index, int velocity) {
     JingleRecord& j = record(index);
     if (settings.AutoMix == kAutomixRefuse && DispRemain != 0) return;
     const QWORD length = BASS_ChannelGetLength(j.hSrc, BASS_POS_BYTE);
     if (length == 0 || length == BASS_NO_POSITION) return;
-    trace(index, " clPlay ");
-    callUp(audioUpcalls.playStarting, index);
     j.Playing = true;
     setLoops(j);
     BASS_ChannelSetPosition(j.hPlay, BytePosition(j.CueStart), BASS_POS_BYTE);
@@ -98,6 +92,8 @@ void start(int index, int velocity) {
     stopPosSync = j.StopPos == 0 ? 0
                                  : BASS_ChannelSetSync(j.hPlay, BASS_SYNC_POS | BASS_SYNC_ONETIME,
                                                        BytePosition(j.StopPos), &FadeOutSync, nullptr);
+    trace(index, " clPlay ");
+    callUp(audioUpcalls.playStarting, index);
     if (BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_STOPPED) {
         Error_("Can't play jingle stream from the main button palette");
         j.State = PlayState::idle;

@@ -43,6 +43,11 @@ int visibleListRows(const Control& list);
 enum class BoxKind { information, warning, stop, question };
 enum class BoxButtons { ok, okCancel, yesNo };
 enum class BoxAnswer { ok = 1, cancel = 2, yes = 6, no = 7 };
+/// What the buttons of message boxes say; empty: the system's own word.
+struct BoxWords {
+    std::string ok, cancel, yes, no;
+};
+inline BoxWords boxWords;
 BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind kind, BoxButtons buttons);
 /// Empty when the user gave up. `filter` is "*.wav;*.mp3".
 std::string openFileDialog(const std::string& title, const std::string& folder, const std::string& filter);
@@ -61,7 +66,10 @@ void popupMenu(Control& window, const std::vector<MenuItem>& items);
 // ---- the rest ----------------------------------------------------------------------------------------------
 /// Modifier keys held right now: kShiftMask | kCtrlMask | kAltMask.
 int modifierKeys();
+/// A key, or a mouse button by its key number (1 left, 2 right), of the program's windows.
 bool keyHeld(int virtualKey);
+/// True while the mouse stands over that window.
+bool mouseOver(const Control& window);
 void setClipboard(const std::string& text);
 std::string clipboard();
 bool registerFont(const std::string& file);

@@ -115,6 +115,9 @@ void clColorSet(int index) {
             return;
         }
         MenuJ = index;
+        for (const int i : SelJ) {
+            PaintButton(i, Shaded.co, GetForeColor(Shaded.co, "jingle"));
+        }
         Picker& picker = frmColPick();
         for (int i = 0; i < kNoColourField; ++i) {
             picker.Color[static_cast<std::size_t>(i)]->backColor =
@@ -131,6 +134,7 @@ void clColorSet(int index) {
         ColorPickerOpen = true;
         showWindow(picker.window);
         setAlwaysOnTop(picker.window, true);
+        timers().TimerCloseColorPicker.start();
     });
 }
 
@@ -172,15 +176,9 @@ void CloseColorPicker() {
 
 void TimerCloseColorPickerTick() {
     guarded("frmMain.TimerCloseColorPicker_Timer", [] {
-        if (ColorPickerOpen && focusedControl() != nullptr) {
-            const Control* at = focusedControl();
-            while (at->parent != nullptr) {
-                at = at->parent;
-            }
-            // A press elsewhere takes the focus away from the picker.
-            if (keyHeld(kLeftMouseButton) && at != &frmColPick().window) {
-                CloseColorPicker();
-            }
+        // A press elsewhere closes it.
+        if (ColorPickerOpen && keyHeld(kLeftMouseButton) && !mouseOver(frmColPick().window)) {
+            CloseColorPicker();
         }
     });
 }

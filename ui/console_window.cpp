@@ -1,5 +1,6 @@
 #include "ui/console_window.h"
 
+#include <deque>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +17,7 @@ namespace {
 
 constexpr int kWidth = 5488, kHeight = 3000;  // twips
 constexpr int kMargin = 90, kKeyHeight = 345;
+constexpr std::size_t kMostLines = 2000;
 
 void place(Control& control, int left, int top, int width, int height) {
     control.left = left;
@@ -24,23 +26,37 @@ void place(Control& control, int left, int top, int width, int height) {
     control.height = height;
 }
 
-void addLines(const std::vector<std::string>& lines, bool clear) {
+/// What was told. Each press tells something: while nobody looks a line costs its own length only, and a
+/// long show does not gather more than anybody reads.
+std::deque<std::string> told;
+
+void showLines() {
     Control& list = frmConsole().lstConsole;
-    std::vector<std::string> items = clear ? std::vector<std::string>{} : list.items();
-    items.insert(items.end(), lines.begin(), lines.end());
-    const int last = static_cast<int>(items.size()) - 1;
-    list.items = items;
+    const int last = static_cast<int>(told.size()) - 1;
+    list.items = std::vector<std::string>(told.begin(), told.end());
     list.listIndex = last;
     list.topRow = last;
 }
 
+void addLines(const std::vector<std::string>& lines, bool clear) {
+    if (clear) told.clear();
+    told.insert(told.end(), lines.begin(), lines.end());
+    while (told.size() > kMostLines) told.pop_front();
+    if (ConsoleOpen) showLines();
+}
+
 void copyLines() {
     std::string text;
-    for (const std::string& line : frmConsole().lstConsole.items()) {
+    for (const std::string& line : told) {
         if (!text.empty()) text += "\r\n";
         text += line;
     }
     setClipboard(text);
+}
+
+void clearLines() {
+    told.clear();
+    showLines();
 }
 
 /// Drags the borderless window by its surface.
@@ -72,9 +88,9 @@ ConsoleWindow::ConsoleWindow()
     for (int i = 0; i < 4; ++i) place(*keys[i], kMargin + i * (key + kMargin), top, key, kKeyHeight);
 
     btCopy.onClick = [] { guarded("frmConsole.btCopy_Click", copyLines); };
-    btClear.onClick = [this] { guarded("frmConsole.btClear_Click", [this] { lstConsole.items = {}; }); };
-    btClose.onClick = [this] { guarded("frmConsole.btClose_Click", [this] { hideWindow(window); }); };
-    window.onClose = [] { ConsoleOpen = false; };
+    btClear.onClick = [] { guarded("frmConsole.btClear_Click", clearLines); };
+    btClose.onClick = [] { guarded("frmConsole.btClose_Click", CloseConsole); };
+    window.onClose = CloseConsole;
     window.onMouseDown = [](const MouseEvent& event) { drag = {true, event.x, event.y}; };
     window.onMouseUp = [](const MouseEvent&) { drag.held = false; };
     window.onMouseMove = [this](const MouseEvent& event) {
@@ -93,7 +109,13 @@ void OpenConsole() {
     guarded("frmConsole.Form_Load", [] {
         showWindow(frmConsole().window);
         ConsoleOpen = true;
+        showLines();
     });
+}
+
+void CloseConsole() {
+    ConsoleOpen = false;
+    hideWindow(frmConsole().window);
 }
 
 void FillConsoleUpcalls() {

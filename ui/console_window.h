@@ -16,6 +16,7 @@ struct ConsoleWindow {
 ConsoleWindow& frmConsole();
 /// Shows it over the main window; it is borderless and dragged by its surface.
 void OpenConsole();
+void CloseConsole();
 extern bool ConsoleOpen;
 
 /// Fills startupUpcalls' console entries.

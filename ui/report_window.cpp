@@ -122,7 +122,7 @@ void FillReportUpcalls() {
     startupUpcalls.showReportWindow = show;
     startupUpcalls.unloadOtherWindows = [] {
         hide();
-        hideWindow(frmConsole().window);
+        CloseConsole();
     };
     startupUpcalls.endProgram = endProgram;
 }

@@ -48,9 +48,12 @@ std::array<Option, 6> options() {
 }
 
 void loopToggleAtRest() {
+    OptionsTab& t = frmMain().options;
     LoopToggleStep = 0;
-    frmMain().options.ckLoopI.caption = Ln("mckLoopI");
-    Disarm(frmMain().options.ckLoopI);
+    t.lp_LED.visible = true;
+    t.sq_LED.visible = true;
+    t.ckLoopI.caption = Ln("mckLoopI");
+    Disarm(t.ckLoopI);
 }
 
 void disarmAllOptions() {
@@ -186,8 +189,6 @@ void ckLoopITog() {
             HighlightButtons(Shaded.sq, any);
         } else {
             loopToggleAtRest();
-            t.lp_LED.visible = true;
-            t.sq_LED.visible = true;
             noOption();
             ResetJingles();
         }

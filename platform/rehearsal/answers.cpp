@@ -137,6 +137,9 @@ bool keyHeld(int virtualKey) {
     }
 }
 
+/// What a script holds down are jingle buttons.
+bool mouseOver(const Control& window) { return window.name == "frmMain"; }
+
 void setClipboard(const std::string& contents) { Stage::instance().clipboard = contents; }
 
 std::string clipboard() { return Stage::instance().clipboard; }

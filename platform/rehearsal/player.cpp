@@ -244,8 +244,11 @@ void Player::ignored(const Action& action) { noteEvent("ignored", actionText(act
 void Player::pressButton(const Action& action) {
     Control* button = control(action);
     if (button == nullptr) return;
-    const int mods = Stage::instance().mods;
+    Stage& stage = Stage::instance();
+    const int mods = stage.mods;
     bool reached = true;
+    stage.heldKeys.erase(kLeftMouse);
+    if (action.verb == Verb::down) stage.heldKeys.insert(kLeftMouse);
     if (action.verb != Verb::up) reached = shell::mouseDown(*button, MouseButton::left, mods);
     if (action.verb == Verb::press) shell::deliverEvents();
     if (action.verb != Verb::down) reached = shell::mouseUp(*button, MouseButton::left, mods) && reached;

@@ -21,6 +21,7 @@ namespace zv {
 inline constexpr const char* kMainOutput = "Main output";
 inline constexpr const char* kAuxOutput = "Auxiliary output";
 inline constexpr const char* kMicrophone = "Microphone";
+inline constexpr int kLeftMouse = 1;  ///< its key number
 
 struct Stage {
     static Stage& instance();

@@ -76,6 +76,7 @@ void popupMenu(Control&, const std::vector<MenuItem>& items) {
 // ---- the rest
 int modifierKeys() { return desktop().modifiers; }
 bool keyHeld(int virtualKey) { return desktop().keys.contains(virtualKey); }
+bool mouseOver(const Control& window) { return desktop().mouseOver == &window; }
 void setClipboard(const std::string& text) { desktop().clipboard = text; }
 std::string clipboard() { return desktop().clipboard; }
 bool registerFont(const std::string&) { return true; }

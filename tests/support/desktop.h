@@ -18,10 +18,11 @@ struct Desktop {
     std::vector<std::string> documents;  ///< opened with the user's program
     std::vector<std::string> commands;   ///< started
     std::string clipboard;
-    int modifiers = 0;  ///< kShiftMask | kCtrlMask | kAltMask
-    std::set<int> keys;
-    std::vector<MenuItem> menu;  ///< the context menu opened last
-    std::string menuChoice;      ///< item that the user picks from it
+    int modifiers = 0;                   ///< kShiftMask | kCtrlMask | kAltMask
+    std::set<int> keys;                  ///< key numbers held down; 1 is the left mouse button
+    const Control* mouseOver = nullptr;  ///< window under the mouse
+    std::vector<MenuItem> menu;          ///< the context menu opened last
+    std::string menuChoice;              ///< item that the user picks from it
     Control* focus = nullptr;
     bool quitAsked = false;
 };

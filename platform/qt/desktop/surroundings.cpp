@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QCursor>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
@@ -16,6 +17,7 @@
 #include "platform/desktop.h"
 #include "platform/qt/view/keys.h"
 #include "platform/qt/view/theme.h"
+#include "platform/qt/view/view.h"
 
 namespace zv {
 
@@ -38,8 +40,14 @@ bool keyHeld(int virtualKey) {
         case 2:
             return (QGuiApplication::mouseButtons() & Qt::RightButton) != 0;  // key numbers too
         default:
-            return false;
+            return shell::isKeyDown(static_cast<Key>(virtualKey));
     }
+}
+
+bool mouseOver(const Control& window) {
+    const shell::RecordView* view = shell::viewOf(window);
+    return view != nullptr && view->widget.isVisible() &&
+           view->widget.frameGeometry().contains(QCursor::pos());
 }
 
 void setClipboard(const std::string& text) { QGuiApplication::clipboard()->setText(textOf(text)); }

@@ -14,6 +14,8 @@ Key keyOf(const QKeyEvent& event);
 int qtKeyOf(Key key);
 int shiftOf(Qt::KeyboardModifiers modifiers);
 Qt::KeyboardModifiers modifiersOf(int shift);
+/// True while the key is down in one of the program's windows; their relays tell.
+bool isKeyDown(Key key);
 MouseButton buttonOf(Qt::MouseButton button);
 Qt::MouseButton qtButtonOf(MouseButton button);
 

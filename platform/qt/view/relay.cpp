@@ -9,6 +9,7 @@
 #include <QTouchEvent>
 #include <QUrl>
 #include <QWindow>
+#include <set>
 #include <unordered_map>
 
 #include "platform/qt/view/keys.h"
@@ -327,6 +328,11 @@ class Relay final : public QObject {
     Held held_;
 };
 
+std::set<Key>& keysDown() {
+    static auto* keys = new std::set<Key>;
+    return *keys;
+}
+
 /// Sees each key of a window once, before the focused control: it stands at the door by which the system's
 /// keys come in, not at the widgets that pass them on among themselves.
 class WindowKeys final : public QObject {
@@ -342,10 +348,17 @@ class WindowKeys final : public QObject {
             if (e->type() == QEvent::WinIdChange || e->type() == QEvent::Show) watchDoor();
             return false;
         }
+        // What is let go while another program has the keyboard is told to nobody here.
+        if (e->type() == QEvent::FocusOut) keysDown().clear();
         if (e->type() != QEvent::KeyPress && e->type() != QEvent::KeyRelease) return false;
         auto& key = *static_cast<QKeyEvent*>(e);
         if (e->type() == QEvent::KeyRelease && key.isAutoRepeat()) return true;
         KeyEvent event{keyOf(key), shiftOf(key.modifiers()), key.isAutoRepeat(), false};
+        if (e->type() == QEvent::KeyPress) {
+            keysDown().insert(event.key);
+        } else {
+            keysDown().erase(event.key);
+        }
         const auto& handler = e->type() == QEvent::KeyPress ? record_.onKeyDown : record_.onKeyUp;
         if (handler) call([&] { handler(event); });
         return event.consumed;
@@ -372,6 +385,8 @@ void relayEvents(RecordView& view, QWidget& source) {
 }
 
 void relayWindowKeys(RecordView& view) { new WindowKeys(view); }
+
+bool isKeyDown(Key key) { return keysDown().contains(key); }
 
 bool isHeld(const Control& record) {
     const auto found = heldCounts().find(&record);
