@@ -81,6 +81,14 @@ struct MeterLook {
     bool operator==(const MeterLook&) const = default;
 };
 
+/// What a jingle button tells beside its colours (its `value`): seen at a glance, and without telling colours apart.
+enum class JingleState : int {
+    rest = 0,
+    sounding,      ///< a solid frame
+    otherPalette,  ///< sounds and belongs to a palette that is not open: a dashed frame
+    broken,        ///< its file is missing or no sound: a warning sign
+};
+
 class Control;
 
 /// A value of a control: assigning compares and, only when it differs, raises the control's revision.
@@ -124,7 +132,7 @@ class Control {
     Property<double> fontSize{*this, 0};        ///< points; 0: the shell's default
     Property<bool> fontBold{*this, false}, fontItalic{*this, false};
     Property<int> alignment{*this, 0};          ///< of a text in its control: 0 left, 1 right, 2 centred
-    Property<int> value{*this, 0};              ///< check box and option 0/1, slider, progress, meter
+    Property<int> value{*this, 0};  ///< check box and option 0/1, slider, progress, meter; jingle: JingleState
     Property<int> minimum{*this, 0}, maximum{*this, 100};
     Property<int> listIndex{*this, -1};         ///< selected row of a list or combo box, -1 none
     Property<std::vector<std::string>> items{*this, {}};

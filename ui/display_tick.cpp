@@ -35,9 +35,9 @@ constexpr int kBarMargin = 60;  // twips that a bar is shorter than its button
 
 JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
 
-/// The smaller of two times left, where 0 is "nothing yet" and never wins against what follows.
+/// The smaller of two times left; 0 is "nothing yet", or something at its very end, and never wins.
 void takeSmaller(double& least, double left) {
-    if (least == 0 || least > left) {
+    if (left > 0 && (least == 0 || least > left)) {
         least = left;
     }
 }
@@ -72,6 +72,7 @@ void silentButton(int i, JingleButton& b) {
     b.sq_Jingle.foreColor = Shaded.sq;
     b.fx_Jingle.foreColor = Shaded.fx;
     followColours(b);
+    ShowState(i, false);
 }
 
 void silentRecord(int i) {
@@ -102,6 +103,7 @@ double soundingButton(int i, JingleButton& b, DWORD active) {
         }
     }
     followColours(b);
+    ShowState(i, true);
 
     const auto length = static_cast<double>(BASS_ChannelGetLength(j.hPlay, BASS_POS_BYTE));
     const auto position = static_cast<double>(BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE));
@@ -123,6 +125,15 @@ double soundingButton(int i, JingleButton& b, DWORD active) {
     return left;
 }
 
+/// Bars that had just blinked away.
+void showBars() {
+    for (int i = 0; i <= LastLiveIdx(); ++i) {
+        if (JingleButton* b = IsLive(i) ? Button(i) : nullptr) {
+            b->JRemLev.backColor = settings.JRemLevCol;
+        }
+    }
+}
+
 void warn() {
     Timer& blink = timers().TimerWarnBlink;
     switch (
@@ -135,6 +146,7 @@ void warn() {
         case WarnStep::stop:
             blink.stop();
             SetDigitsColour(settings.CountDownColor);
+            showBars();
             break;
         case WarnStep::leave:
             break;

@@ -147,6 +147,19 @@ void PaintButton(int index, Colour back, Colour fore) {
     }
 }
 
+void ShowState(int index, bool sounds) {
+    if (JingleButton* b = Button(index)) {
+        const JingleRecord& j = record(index);
+        JingleState state = JingleState::rest;
+        if (sounds) {
+            state = j.PlayingOtherPal ? JingleState::otherPalette : JingleState::sounding;
+        } else if (!j.Path.empty() && (j.MissingFile || j.Unplayable)) {
+            state = JingleState::broken;
+        }
+        b->b_Jingle.value = static_cast<int>(state);
+    }
+}
+
 void RestColours(int index, Colour& back, Colour& fore) {
     const JingleRecord& j = record(index);
     if (j.MissingFile) {

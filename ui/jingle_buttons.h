@@ -9,7 +9,7 @@ namespace zv {
 
 /// One button with its parts. The button is of kind `jingle` and painted by one widget, which paints the
 /// parts from their records: geometry in twips inside the button, colours as they stand.
-///   b_Jingle     caption (first line the duration when there are two), back and fore colour
+///   b_Jingle     caption (first line the duration when there are two), back and fore colour, value: JingleState
 ///   JremBG       the bar's track, JRemLev the bar: filled with backColor; hidden while nothing sounds
 ///   lp, sq, fx, pm_Jingle  state marks: a dot in foreColor, seen while visible; caption is their symbol
 ///   letter picPlaylist, lblPlaylist  small field with the letter "P" or "K" of the symbol font picbtnumber,
@@ -35,6 +35,8 @@ void HideMarks(int index);
 void ShowMarks(int index);
 /// Back and text colour at once; nothing when the button is not there.
 void PaintButton(int index, Colour back, Colour fore);
+/// What the button tells beside its colours: whether it sounds, and for whom, or why it cannot.
+void ShowState(int index, bool sounds);
 /// The text of a button from its record: with the duration above it when JDispDuration is 1. A slot that
 /// failed to open shows MakeBJingName. Empty for an empty slot.
 std::string ButtonText(int index);

@@ -74,12 +74,37 @@ void drawStrip(int windowWidth, int height) {
     }
 }
 
-/// Places the meters at their side and takes their room from the area.
+bool joined() { return settings.JoinedJButtons != 0; }
+
+/// What the blocks of buttons keep from the edges of their area: with the gap around each button, or the
+/// outer gap of joined ones, their edges stand under those of the strip.
+int blockInset() { return joined() ? kOutside : 0; }
+
+/// Between hot jingles above and a joined grid; the other blocks bring their gaps along.
+int gapBelowHotBlock() { return joined() && settings.HotJinglesPos == 1 ? kGap : 0; }
+
+/// What is left of a length when the buttons have had equal shares of whole pixels of it.
+int leftOver(int length, int buttons, int smallest) {
+    const int room = length - (buttons + 1) * JGap;
+    return room / buttons < smallest ? 0 : room % (buttons * kTwipsPerPixel);
+}
+
+int leftOverHeight(const Area& area) {
+    const bool across = settings.VUPos == "t";
+    const int taken =
+        HotBlockHeight() + gapBelowHotBlock() + 2 * blockInset() + (across ? kGap + px(kTopMeter) : 0);
+    return leftOver(area.bottom - area.top - taken, settings.JinglesRows, kMinButtonHeight);
+}
+
+/// Places the meters at their side and takes their room from the area. Meters at a side take what the grid
+/// cannot share out, so that the gaps stay even.
 void drawMeterBlock(Area& area) {
     MainWindow& w = frmMain();
     const std::string& side = settings.VUPos;
     w.fraVU.visible = side != "n";
-    const int wide = px(kSideMeter);
+    const int narrow = px(kSideMeter);
+    const int wide = narrow + leftOver(area.right - area.left - kOutside - narrow - 2 * blockInset(),
+                                       settings.JinglesCols, kMinButtonWidth);
     if (side == "t") {
         place(w.fraVU, kOutside, area.top + kGap, area.right - 2 * kOutside, px(kTopMeter));
         area.top += kGap + px(kTopMeter);
@@ -97,19 +122,24 @@ void drawMeterBlock(Area& area) {
 void drawBlocks(const Area& area) {
     MainWindow& w = frmMain();
     const int hot = HotBlockHeight();
-    const int width = area.right - area.left - 2 * JOuterGap;
-    const int left = area.left + JOuterGap;
-    const int top = area.top + JOuterGap;
-    const int bottom = area.bottom - JOuterGap;
+    const int inset = blockInset();
+    const int width = area.right - area.left - 2 * inset;
+    const int left = area.left + inset;
+    const int top = area.top + inset;
+    const int bottom = area.bottom - inset;
+    const int gap = gapBelowHotBlock();
+    int line = 0;  // in the middle of what parts the blocks
     if (settings.HotJinglesPos == 1) {
         place(w.fraHotJingles, left, top, width, hot);
-        place(w.fraJingles, left, top + hot, width, bottom - top - hot);
-        place(w.linHotJingles, left + kGap, top + hot, width - 2 * kGap, kTwipsPerPixel);
+        place(w.fraJingles, left, top + hot + gap, width, bottom - top - hot - gap);
+        line = top + hot + gap / 2;
     } else {
         place(w.fraJingles, left, top, width, bottom - top - hot);
         place(w.fraHotJingles, left, bottom - hot, width, hot);
-        place(w.linHotJingles, left + kGap, bottom - hot - kTwipsPerPixel, width - 2 * kGap, kTwipsPerPixel);
+        line = bottom - hot + (joined() ? kGap / 2 : -kTwipsPerPixel);
     }
+    const int lineInset = kOutside - inset;
+    place(w.linHotJingles, left + lineInset, line, width - 2 * lineInset, kTwipsPerPixel);
     DrawGrid();
 }
 
@@ -141,9 +171,12 @@ void FormDraw(const std::string& mode) {
             DrawJButtons(0);
         }
         const int height = stripHeight(w.window.height);
-        drawStrip(w.window.width, height);
         Area area{0, kOutside + height, GetMultipleOf(w.window.width, kTwipsPerPixel),
                   GetMultipleOf(w.window.height, kTwipsPerPixel)};
+        // The strip takes the few pixels of height that the rows cannot share out.
+        const int rest = leftOverHeight(area);
+        area.top += rest;
+        drawStrip(w.window.width, height + rest);
         drawMeterBlock(area);
         drawBlocks(area);
         UpdateJLblFont();

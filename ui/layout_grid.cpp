@@ -23,6 +23,9 @@ constexpr int kFxFromRight = 330;
 constexpr int kSelectorInset = 300;
 constexpr int kSelectorSize = 195;
 constexpr int kMarks = 4;
+constexpr int kMarkStep = 210;
+constexpr int kLargeButton = 1500;
+constexpr int kBelowBar = 30;
 
 /// Positions of settings.JRemLevPos.
 enum class BarPlace : int { none = 0, top = 1, bottom = 2 };
@@ -53,7 +56,7 @@ void placeParts(JingleButton& b) {
     place(b.JRemLev, kBarInset, barTop, b.JRemLev.visible ? b.JRemLev.width() : w - 2 * kBarInset, thickness);
     b.JRemLev.width = std::min(b.JRemLev.width(), w - 2 * kBarInset);
 
-    const int marksTop = bar == BarPlace::top ? kBarInset + thickness : 60;
+    const int marksTop = bar == BarPlace::top ? kBarInset + thickness + kBelowBar : 60;
     const int number = b.b_Jingle.index;
     const int digits = number < 10 ? 1 : number < 100 ? 2 : 3;
     const bool numberRight = settings.JNumbPos == 2;
@@ -67,8 +70,11 @@ void placeParts(JingleButton& b) {
     b.picbtnumber.visible = settings.JNumbPos != 0 && !(numberRight && b.ckJingSel.visible);
     b.lblbtnumber.visible = b.picbtnumber.visible();
 
-    const int step = std::min(180, multiple((w - kFxFromRight - kSmallFieldInset) / (kMarks - 1)));
-    const int size = std::min({numberRight ? 105 : 150, step - kPixel, multiple(h / 2)});
+    // Marks grow on large buttons, with the steps between them.
+    const int large = multiple(std::max(0, (h - kLargeButton) / 20));
+    const int step =
+        std::min(kMarkStep + large, multiple((w - kFxFromRight - kSmallFieldInset) / (kMarks - 1)));
+    const int size = std::min({(numberRight ? 105 : 150) + large, step - kPixel, multiple(h / 2)});
     const int markTop = std::min(marksTop, h - size - kPixel);
     int left = w - kFxFromRight;
     for (Control* mark : {&b.fx_Jingle, &b.pm_Jingle, &b.sq_Jingle, &b.lp_Jingle}) {
@@ -170,11 +176,13 @@ void HotJinglesDraw() {
 namespace {
 
 /// The largest caption that leaves room for the duration below it, in points. A low button has one line for
-/// both.
-double largestCaption(int buttonHeight) {
+/// both; on a narrow one most names shall stand in one size, not each in its own.
+double largestCaption(int buttonWidth, int buttonHeight) {
     constexpr double pointsPerTwip = 0.05;
     constexpr double ordinary = 225;  // twips: the caption of an ordinary button
-    return std::min(0.6 * buttonHeight, std::max(ordinary, 0.24 * buttonHeight)) * pointsPerTwip;
+    constexpr double least = 165;
+    const double high = std::min(0.6 * buttonHeight, std::max(ordinary, 0.24 * buttonHeight));
+    return std::min(high, std::max(least, 0.13 * buttonWidth)) * pointsPerTwip;
 }
 
 double halfPoints(double size) { return static_cast<int>(size * 2) / 2.0; }
@@ -190,8 +198,8 @@ void UpdateJLblFont() {
         double size = settings.JLabelFontSize;
         if (settings.JLabelAutoSize == 1) {
             // The width sets the size; the height keeps it from being cut.
-            size = halfPoints(
-                std::min(size * b->b_Jingle.width() / 12 / 110, largestCaption(b->b_Jingle.height)));
+            size = halfPoints(std::min(size * b->b_Jingle.width() / 12 / 110,
+                                       largestCaption(b->b_Jingle.width, b->b_Jingle.height)));
         }
         b->b_Jingle.fontName = settings.JLabelFont;
         b->b_Jingle.fontSize = size;

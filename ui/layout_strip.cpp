@@ -1,6 +1,7 @@
 // The control strip above the grid: display, tabs, keys; and the meters.
 #include <algorithm>
 #include <initializer_list>
+#include <string>
 
 #include "startup/settings.h"
 #include "ui/layout.h"
@@ -45,7 +46,38 @@ void column(std::initializer_list<Control*> controls, int left, int width, const
     }
 }
 
-constexpr int kTabHeader = 30;  // pixels
+constexpr double kDrawnStrip = 156, kDrawnText = 13;  // pixels, in the drawing of the window
+constexpr double kPointsPerPixel = 0.75;
+
+/// How much larger than drawn the texts of the strip are: they grow with it, more slowly than it does.
+double textScale() {
+    const double drawn = frmMain().fraPanel.height() / double{kTwipsPerPixel} / kDrawnStrip;
+    return std::clamp(1 + (drawn - 1) * 0.75, 1.0, 1.7);
+}
+
+double characters(const std::string& text) {
+    return static_cast<double>(
+        std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+}
+
+/// One size of text for keys that stand together: as large as wanted, and so that the longest of their texts
+/// has room in about one line.
+void oneSize(std::initializer_list<Control*> keys, double pixels) {
+    constexpr double widthOfLetter = 0.56, ofHeight = 0.62, least = 10.5, margin = 10;
+    for (const Control* key : keys) {
+        pixels = std::min(pixels, key->height() / double{kTwipsPerPixel} * ofHeight);
+        if (const double letters = characters(key->caption); letters > 0) {
+            const double room = key->width() / double{kTwipsPerPixel} - margin;
+            pixels = std::min(pixels, room / (letters * widthOfLetter));
+        }
+    }
+    for (Control* key : keys) {
+        key->fontSize = static_cast<int>(std::max(pixels, least) * 2) / 2.0 * kPointsPerPixel;
+    }
+}
+
+int tabHeader() { return px(30 * (1 + (textScale() - 1) * 0.6)); }
+
 constexpr int kKeyGap = 120;
 constexpr int kInnerGap = 90;
 
@@ -55,18 +87,24 @@ struct TabArea {
 
 void paletteTab(const TabArea& a) {
     PaletteTab& t = frmMain().palettes;
-    const int arrows = px(34);
+    const int arrows = px(34 * textScale());
     const int keys = std::clamp(a.width * 96 / 512 / kTwipsPerPixel * kTwipsPerPixel, px(72), px(150));
     column({&t.btUp, &t.btSearchJingle, &t.btDn}, a.left, arrows, {a.top, a.height, 3, kInnerGap});
     column({&t.ckAssign, &t.btSave, &t.btNew, &t.btDelPal}, a.left + a.width - keys, keys,
            {a.top, a.height, 4, kInnerGap});
+    oneSize({&t.ckAssign, &t.btSave, &t.btNew, &t.btDelPal}, kDrawnText * textScale());
+    const double rowText = kDrawnText * textScale() * kPointsPerPixel;
+    for (Control* text : {&t.lstPal, &t.PalNameCar, &t.txtSave}) {
+        text->fontSize = rowText;
+    }
     const int listLeft = a.left + arrows + kKeyGap;
     const int listWidth = a.width - arrows - keys - 2 * kKeyGap;
     const bool naming = t.txtSave.visible;
-    const int nameHeight = naming ? px(50) : 0;
+    const int line = px(18 * textScale()), field = px(26 * textScale());
+    const int nameHeight = naming ? line + field + px(6) : 0;
     place(t.lstPal, listLeft, a.top, listWidth, a.height - nameHeight);
-    place(t.PalNameCar, listLeft, a.top + a.height - px(46), listWidth, px(18));
-    place(t.txtSave, listLeft, a.top + a.height - px(26), listWidth, px(26));
+    place(t.PalNameCar, listLeft, a.top + a.height - field - line, listWidth, line);
+    place(t.txtSave, listLeft, a.top + a.height - field, listWidth, field);
 }
 
 void announcerTab(const TabArea& a) {
@@ -76,13 +114,18 @@ void announcerTab(const TabArea& a) {
     place(t.ckTmAnn, wide.at(0), rows.at(0), wide.size(0), rows.size(0));
     place(t.b_tmAnJin, wide.at(1), rows.at(0), wide.size(1), rows.size(0));
     place(t.b_tmAnJinAM, wide.at(2), rows.at(0), wide.size(2), rows.size(0));
+    oneSize({&t.ckTmAnn, &t.b_tmAnJin}, kDrawnText * textScale());
     Control* labels[] = {&t.lblMinute, &t.lblSecond, &t.lblDelay};
     Control* fields[] = {&t.DTMinute, &t.DTSecond, &t.DTDelay};
     for (int i = 0; i < 3; ++i) {
-        const int field = std::min(wide.size(i) / 2, px(48)) / kTwipsPerPixel * kTwipsPerPixel;
-        const int height = std::min(rows.size(1), px(28));
+        labels[i]->alignment = 1;  // each beside its own field
+        for (Control* text : {labels[i], fields[i]}) {
+            text->fontSize = kDrawnText * textScale() * kPointsPerPixel;
+        }
+        const int field = std::min(wide.size(i) / 2, px(48 * textScale())) / kTwipsPerPixel * kTwipsPerPixel;
+        const int height = std::min(rows.size(1), px(28 * textScale()));
         const int top = rows.at(1) + (rows.size(1) - height) / 2 / kTwipsPerPixel * kTwipsPerPixel;
-        place(*labels[i], wide.at(i), top, wide.size(i) - field - px(4), height);
+        place(*labels[i], wide.at(i), top, wide.size(i) - field - px(6), height);
         place(*fields[i], wide.at(i) + wide.size(i) - field, top, field, height);
     }
 }
@@ -97,6 +140,10 @@ void liveTab(const TabArea& a) {
     place(t.ckPlayStream, wide.at(0), rows.at(1), wide.size(0), rows.size(1));
     place(t.ckMixByTa, wide.at(1), rows.at(1), wide.at(2) + wide.size(2) - wide.at(1), rows.size(1));
     place(t.ckAutoDuckLive, wide.at(3), rows.at(1), wide.size(3), rows.size(1));
+    oneSize({&t.btRemUrl, &t.ckPlayStream, &t.ckMixByTa, &t.btCoefVolLive}, kDrawnText * textScale());
+    for (Control* text : {&t.cmbStream, &t.ckAutoDuckLive, &t.lblStream}) {
+        text->fontSize = kDrawnText * textScale() * kPointsPerPixel;
+    }
     place(t.lblStream, wide.at(0), rows.at(2), wide.at(1) + wide.size(1) - a.left, rows.size(2));
     place(t.SlideVolLive, wide.at(2), rows.at(2), wide.size(2), rows.size(2));
     place(t.btCoefVolLive, wide.at(3), rows.at(2), wide.size(3), rows.size(2));
@@ -126,6 +173,9 @@ void optionsTab(const TabArea& a) {
     cell(t.ckLoopI, {&t.lp_LED, &t.sq_LED}, 0, 1);
     cell(t.ckFXI, {&t.fx_LED}, 1, 1);
     cell(t.ckColorI, {}, 2, 1);
+    t.ckColorI.height = t.ckFXI.height();
+    oneSize({&t.ckPlayStopI, &t.ckAutoRepI, &t.ckTouchI, &t.ckNoStopI, &t.ckLoopI, &t.ckFXI, &t.ckColorI},
+            kDrawnText * textScale());
 }
 
 }  // namespace
@@ -136,10 +186,14 @@ void TabDraw(int tab) {
     const int height = w.fraPanel.height;
     const Stretch headers{0, width, kTabs, 0};
     const auto i = static_cast<std::size_t>(tab);
-    place(w.ckTab[i], headers.at(tab), 0, headers.size(tab), px(kTabHeader));
+    const int header = tabHeader();
+    place(w.ckTab[i], headers.at(tab), 0, headers.size(tab), header);
     w.ckTab[i].value = tab == ActiveTab ? 1 : 0;
-    place(w.fraTab[i], 0, px(kTabHeader), width, height - px(kTabHeader));
-    const TabArea area{kKeyGap, kKeyGap, width - 2 * kKeyGap, height - px(kTabHeader) - 2 * kKeyGap};
+    place(w.fraTab[i], 0, header, width, height - header);
+    const TabArea area{kKeyGap, kKeyGap, width - 2 * kKeyGap, height - header - 2 * kKeyGap};
+    if (tab == kTabs - 1) {
+        oneSize({&w.ckTab[0], &w.ckTab[1], &w.ckTab[2], &w.ckTab[3]}, kDrawnText * textScale());
+    }
     switch (static_cast<MainTab>(tab)) {
         case MainTab::palettes:
             paletteTab(area);
@@ -227,16 +281,6 @@ void DrawDisplay() {
     }
 }
 
-namespace {
-
-/// Points of a key's text: it grows with the key and stays readable on a narrow one.
-double keyPoints(int width) {
-    constexpr double pointsPerPixel = 0.75;
-    return static_cast<int>(std::clamp(width / kTwipsPerPixel * 0.15, 10.5, 18.0) * pointsPerPixel * 2) / 2.0;
-}
-
-}  // namespace
-
 void DrawKeys() {
     KeyControls& k = frmMain().keys;
     const Stretch wide{0, k.fraKeys.width, 3, kKeyGap};
@@ -250,11 +294,10 @@ void DrawKeys() {
     }
     place(k.btStop, 0, rows.at(2), wide.at(1) + wide.size(1), rows.size(2));
     place(k.btExit, wide.at(2), rows.at(2), wide.size(2), rows.size(2));
-    const double points = keyPoints(wide.size(2));
-    for (Control* key : k.fraKeys.children()) {
-        key->fontSize = points;
-    }
-    k.btStop.fontSize = points + 1.5;
+    const double ofWidth = wide.size(2) / double{kTwipsPerPixel} * 0.15;
+    oneSize({&k.ckAutoRep, &k.ckTouch, &k.ckAutoMix, &k.btMicPush, &k.btMicTO, &k.btSettings, &k.btExit},
+            std::clamp(ofWidth, 10.5, 20.0));
+    k.btStop.fontSize = k.btExit.fontSize() + 1.5;
 }
 
 void DrawMeters() {

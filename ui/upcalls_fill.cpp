@@ -83,6 +83,7 @@ void paintAtRest(int index) {
     if (SelectorsOn) {
         return;
     }
+    ShowState(index, record(index).PlayingOtherPal);
     if (record(index).PlayingOtherPal) {
         PaintButton(index, settings.PlayingColorAnotherPal, GetForeColor(settings.PlayingColorAnotherPal));
         return;

@@ -70,6 +70,19 @@ TEST(Jingle, ItsStateIsReadFromItsFace) {
     f.button.foreColor = 0;
     EXPECT_GT(count(s.picture(), inner, QColor(0xBF, 0xFF, 0xBF)), all * 8 / 10);
 
+    // What sounds is told without colours as well: a frame, and a broken one for another palette.
+    const auto framed = [&] {
+        return count(s.picture(), QRect(face.left() + 20, face.bottom() - 1, face.width() - 40, 1),
+                     QColor(0xBF, 0xFF, 0xBF), 40);
+    };
+    EXPECT_GT(framed(), 0) << "none at rest";
+    const int whole = face.width() - 40;
+    f.button.value = static_cast<int>(JingleState::otherPalette);
+    EXPECT_GT(framed(), whole / 5);
+    EXPECT_LT(framed(), whole * 4 / 5);
+    f.button.value = static_cast<int>(JingleState::sounding);
+    EXPECT_EQ(framed(), 0);
+    f.button.value = static_cast<int>(JingleState::broken);
     f.button.backColor = kButtonFace;  // missing: red text on the usual face
     f.button.foreColor = 255;
     QImage p = s.picture();

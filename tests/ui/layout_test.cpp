@@ -60,6 +60,20 @@ std::string fault(int rows, int columns) {
             }
         }
     }
+    // Even gaps: the grid stands as far from the strip as its buttons from each other, and ends as far from meters
+    // at its side.
+    const Control& first = Button(0)->b_Jingle;
+    const Control& upper = settings.HotJinglesPos == 1 ? w.fraHotJingles : w.fraJingles;
+    const Control& topmost = settings.HotJinglesPos == 1 ? Button(kPaletteSlots)->b_Jingle : first;
+    if (first.height > kMinButtonHeight && settings.VUPos != "t" &&
+        upper.top + topmost.top != boxOf(w.fraPanel).bottom + kGap) {
+        return "an uneven gap below the strip";
+    }
+    const Box last = boxOf(Button(columns - 1)->b_Jingle);
+    if (first.width > kMinButtonWidth && settings.VUPos == "r" &&
+        (w.fraJingles.left + first.left != kGap || w.fraVU.left - w.fraJingles.left - last.right != kGap)) {
+        return "uneven gaps beside the grid";
+    }
     std::vector<const Control*> seen;
     for (int i = 0; i < kJingles; ++i) {
         JingleButton* b = Button(i);

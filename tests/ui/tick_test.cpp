@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "audio/play.h"
 #include "audio/streams.h"
@@ -66,23 +67,25 @@ TEST_F(TickTest, digits) {
 }
 
 TEST_F(TickTest, theSmallestTimeLeftIsShown) {
-    load(1, 3000);
-    load(2, 5000);
-    press(2);
-    pass(1000);
-    EXPECT_NEAR(DispRemain, 4.0, 0.06);
-    press(1);
-    pass(1000);
-    EXPECT_NEAR(DispRemain, 2.0, 0.06);
-    EXPECT_NEAR(MinDuration, 3.0, 0.01);
-    EXPECT_EQ(shown().substr(0, 2), "01");
-    pass(1960);  // the first is within a tenth of its end: the other counts
-    EXPECT_NEAR(DispRemain, 1.04, 0.06);
-    pass(2000);
-    EXPECT_EQ(DispRemain, 0);
-    EXPECT_EQ(DispText, "0");
-    EXPECT_EQ(shown(), "00.0");
-    EXPECT_FALSE(timers().TimerWarnBlink.enabled());
+    for (const auto& [brief, other] : {std::pair{1, 2}, std::pair{2, 1}}) {
+        load(brief, 3000);
+        load(other, 5000);
+        press(other);
+        pass(1000);
+        EXPECT_NEAR(DispRemain, 4.0, 0.06);
+        press(brief);
+        pass(1000);
+        EXPECT_NEAR(DispRemain, 2.0, 0.06);
+        EXPECT_NEAR(MinDuration, 3.0, 0.01);
+        EXPECT_EQ(shown().substr(0, 2), "01");
+        pass(1960);  // one is within a tenth of its end: the other counts, whichever comes first
+        EXPECT_NEAR(DispRemain, 1.04, 0.06);
+        pass(2000);
+        EXPECT_EQ(DispRemain, 0);
+        EXPECT_EQ(DispText, "0");
+        EXPECT_EQ(shown(), "00.0");
+        EXPECT_FALSE(timers().TimerWarnBlink.enabled());
+    }
 }
 
 TEST_F(TickTest, aSoundingButtonAndItsEnd) {
@@ -93,6 +96,7 @@ TEST_F(TickTest, aSoundingButtonAndItsEnd) {
     const JingleButton& b = *Button(1);
     EXPECT_EQ(b.b_Jingle.backColor, settings.PlayingColor);
     EXPECT_EQ(b.picbtnumber.backColor, settings.PlayingColor);
+    EXPECT_EQ(b.b_Jingle.value, static_cast<int>(JingleState::sounding));
     EXPECT_TRUE(b.JRemLev.visible);
     const int full = b.b_Jingle.width - 60;
     EXPECT_NEAR(b.JRemLev.width, full / 2, full / 40);
@@ -101,6 +105,7 @@ TEST_F(TickTest, aSoundingButtonAndItsEnd) {
     pass(1200);
     EXPECT_EQ(b.b_Jingle.backColor, BtnFaceColor);
     EXPECT_FALSE(b.JRemLev.visible);
+    EXPECT_EQ(b.b_Jingle.value, static_cast<int>(JingleState::rest));
     EXPECT_EQ(rec(1).State, PlayState::idle);
     EXPECT_FALSE(rec(1).Playing);
 }

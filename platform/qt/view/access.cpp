@@ -3,6 +3,7 @@
 // click. The toolkit's other widgets speak for themselves.
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QPoint>
 
 #include "platform/qt/view/jingle_text.h"
 #include "platform/qt/view/theme.h"
@@ -89,13 +90,14 @@ QAccessibleInterface* make(const QString&, QObject* object) {
 
 void installAccessibility() { QAccessible::installFactory(make); }
 
-void tellNameChanged(QWidget& widget, const QString& name, int state) {
+void tellNameChanged(QWidget& widget, const QString& name, int colour, int state) {
     // Asked for by nobody, it is not even compared: each tick passes here.
     if (!QAccessible::isActive()) return;
     if (widget.accessibleName() != name) widget.setAccessibleName(name);  // tells the change itself
     const QVariant before = widget.property("zvState");
-    if (before.isValid() && before.toInt() == state) return;
-    widget.setProperty("zvState", state);
+    const QPoint now(colour, state);
+    if (before.isValid() && before.toPoint() == now) return;
+    widget.setProperty("zvState", now);
     if (!before.isValid()) return;
     QAccessibleEvent event(&widget, QAccessible::DescriptionChanged);
     QAccessible::updateAccessibility(&event);

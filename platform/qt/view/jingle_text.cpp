@@ -139,6 +139,7 @@ class Setter {
                 if (corner.intersects(ink)) return false;
             }
             out.starts.push_back(start);
+            out.inks.push_back(ink);
             out.box |= QRectF(start.x(), top, w, line).adjusted(-2, -2, 2, 2);
             top += line;
         }
@@ -163,27 +164,30 @@ class Setter {
 
     /// Too long for all ways: as much of it as there is room for, with an ellipsis.
     CaptionLayout cutShort() {
-        for (const double scale : {0.87, 0.75}) {
+        constexpr std::array kScales{0.87, 0.75};
+        const auto tried = [&](const QStringList& lines, const QFont& f, const QRectF& room) {
+            return std::any_of(kShifts.begin(), kShifts.end(),
+                               [&](double shift) { return place(lines, f, room, shift * room_.height()); });
+        };
+        const QString whole = name_.simplified();
+        // Two lines tell more than one.
+        for (const double scale : kScales) {
             const QFont f = scaled(scale);
             const QFontMetricsF m(f);
-            const auto elided = [&](const QString& text, const QRectF& room) {
-                return m.elidedText(text, Qt::ElideRight, std::max(0.0, room.width()));
-            };
+            if (m.height() * 2 > room_.height() + 2) continue;
             const QStringList all = broken(name_, f, room_.width());
+            if (all.size() < 2) continue;
+            const QString rest = whole.mid(all[0].size()).trimmed();
+            if (tried({all[0], m.elidedText(rest, Qt::ElideRight, room_.width())}, f, room_)) return cutOff();
+        }
+        for (const double scale : kScales) {
+            const QFont f = scaled(scale);
+            const QFontMetricsF m(f);
+            if (tried({m.elidedText(whole, Qt::ElideRight, room_.width())}, f, room_)) return cutOff();
             const QRectF beside = freeSpan(m.height());
-            const QString whole = name_.simplified();
-            std::vector<std::pair<QStringList, QRectF>> tries;
-            if (all.size() > 1 && m.height() * 2 <= room_.height() + 2) {
-                tries.push_back({{all[0], elided(whole.mid(all[0].size()).trimmed(), room_)}, room_});
-            }
-            tries.push_back({{elided(whole, room_)}, room_});
-            if (beside.width() > m.averageCharWidth() * 6) tries.push_back({{elided(whole, beside)}, beside});
-            for (const auto& [lines, room] : tries) {
-                for (const double shift : kShifts) {
-                    if (!place(lines, f, room, shift * room_.height())) continue;
-                    made_.cut = true;
-                    return made_;
-                }
+            if (beside.width() > m.averageCharWidth() * 6 &&
+                tried({m.elidedText(whole, Qt::ElideRight, beside.width())}, f, beside)) {
+                return cutOff();
             }
         }
         // Not even that is free of the corners: the name goes before the small texts.
@@ -191,6 +195,11 @@ class Setter {
         const QFont f = scaled(0.75);
         place({QFontMetricsF(f).elidedText(name_.simplified(), Qt::ElideRight, room_.width())}, f, room_, 0);
         made_.font = f;
+        made_.cut = true;
+        return made_;
+    }
+
+    CaptionLayout cutOff() {
         made_.cut = true;
         return made_;
     }

@@ -25,6 +25,7 @@ struct CaptionLayout {
     std::vector<QPointF> starts;  ///< of each line's base line
     QFont font;                   ///< as asked for or somewhat smaller
     QRectF box;                   ///< around all of it
+    std::vector<QRectF> inks;     ///< what each line covers
     bool cut = false;             ///< an ellipsis stands for the rest
 
     bool operator==(const CaptionLayout&) const = default;
@@ -34,7 +35,7 @@ struct CaptionLayout {
 CaptionLayout layOutCaption(const QString& name, const QFont& font, const QRectF& room,
                             const std::vector<QRectF>& corners = {});
 
-/// Tells screen readers of a new name, or of a new state (its colour), when either changed.
-void tellNameChanged(QWidget& widget, const QString& name, int state);
+/// Tells screen readers of a new name, or of a new state (with its colour), when either changed.
+void tellNameChanged(QWidget& widget, const QString& name, int colour, int state);
 
 }  // namespace zv::shell

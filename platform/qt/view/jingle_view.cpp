@@ -1,8 +1,6 @@
 // A jingle button: one widget that paints its record and the parts below it.
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QPixmap>
-#include <QPixmapCache>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -11,6 +9,7 @@
 #include <tuple>
 #include <vector>
 
+#include "platform/qt/view/jingle_face.h"
 #include "platform/qt/view/jingle_text.h"
 #include "platform/qt/view/painted.h"
 #include "platform/qt/view/style.h"
@@ -26,7 +25,9 @@ constexpr double kNumberShare = 0.68;
 constexpr double kNumberMin = 8, kNumberMax = 13;
 constexpr int kReach = 4;           ///< of small texts around their places
 constexpr int kMargin = 8;          ///< between the face's edge and its text
+constexpr double kNumberGap = 4;    ///< between a number and a mark at its side
 constexpr double kDotSize = 9;      ///< of a state mark
+constexpr double kAir = 4;          ///< above and below a caption
 constexpr int kNarrowButton = 110;  ///< pixels of width below which small texts give way to the name
 constexpr int kLowButton = 40;      ///< pixels of height below which duration and caption share one line
 
@@ -47,6 +48,7 @@ class JingleWidget final : public PaintedWidget {
                        record.backColor(),
                        record.foreColor(),
                        record.enabled(),
+                       record.value(),
                        size(),
                        fontOf(record, kCaptionSize, QFont::DemiBold)};
         if (now == seen_) return;
@@ -126,6 +128,9 @@ class JingleWidget final : public PaintedWidget {
             p.setPen(softened(ink, 0.22));
             drawFigures(p, durationAt_, Qt::AlignRight | Qt::AlignVCenter, parts_.duration);
         }
+        if (const QRectF sign = signPlace(); e->region().intersects(sign.toAlignedRect())) {
+            paintStateSign(p, sign, state(), ink, face(theme));
+        }
         paintBelow(p, record, theme, ink, e->region());
         if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange)) {
             drawFocus(p, rect(), lightness(face(theme)) < 0.5 ? QColor(Qt::white) : theme.accent);
@@ -137,6 +142,7 @@ class JingleWidget final : public PaintedWidget {
         std::string caption;
         Colour back = 0, fore = 0;
         bool enabled = true;
+        int state = 0;
         QSize size;
         QFont font;
         bool operator==(const Seen&) const = default;
@@ -166,30 +172,21 @@ class JingleWidget final : public PaintedWidget {
                             ? theme.border
                             : mixed(colour, deep ? QColor(Qt::white) : QColor(Qt::black), deep ? 0.16 : 0.2);
         if (held) colour = mixed(colour, deep ? QColor(Qt::white) : QColor(Qt::black), 0.16);
-        if (!held && underMouse()) border = mixed(border, theme.text, 0.3);
-        paintCachedFace(p, colour, border);
+        if (!held && underMouse()) border = mixed(border, theme.text, 0.45);
+        paintJingleFace(p, size(), devicePixelRatioF(), {colour, border, state(), theme.accent});
     }
 
-    /// Faces of one size and colour are painted once and copied from then on.
-    void paintCachedFace(QPainter& p, const QColor& colour, const QColor& border) const {
-        const double ratio = devicePixelRatioF();
-        const QString key = QStringLiteral("zvface %1x%2 %3 %4 %5")
-                                .arg(width())
-                                .arg(height())
-                                .arg(ratio)
-                                .arg(colour.rgb())
-                                .arg(border.rgb());
-        QPixmap face;
-        if (!QPixmapCache::find(key, &face)) {
-            face = QPixmap((QSizeF(size()) * ratio).toSize());
-            face.setDevicePixelRatio(ratio);
-            face.fill(Qt::transparent);
-            QPainter inside(&face);
-            drawFace(inside, rect(), colour, border);
-            inside.end();
-            QPixmapCache::insert(key, face);
-        }
-        p.drawPixmap(0, 0, face);
+    JingleState state() const { return static_cast<JingleState>(record.value()); }
+
+    /// Left out where the name needs the room: names do not move when a state changes.
+    QRectF signPlace() const {
+        if (empty()) return {};
+        const QRectF place = stateSignPlace(size(), state(), kMargin);
+        const QRectF around = place.adjusted(-2, -2, 3, 2);
+        return std::any_of(layout_.inks.begin(), layout_.inks.end(),
+                           [&](const QRectF& ink) { return ink.intersects(around); })
+                   ? QRectF()
+                   : place;
     }
 
     void paintBelow(QPainter& p, const Control& from, const Theme& theme, const QColor& ink,
@@ -282,11 +279,12 @@ class JingleWidget final : public PaintedWidget {
     double captionSize() const { return seen_.font.pixelSize(); }
     QFont durationFont() const {
         const double size = std::min(captionSize() * kDurationShare, height() * 0.66);
-        return textFont(std::clamp(size, kDurationMin, kDurationMax), QFont::DemiBold);
+        return textFont(std::clamp(size, kDurationMin, std::max(kDurationMax, height() * 0.14)),
+                        QFont::DemiBold);
     }
     QFont numberFont() const {
         const double size = std::min(captionSize() * kNumberShare, height() * 0.6);
-        return textFont(std::clamp(size, kNumberMin, kNumberMax));
+        return textFont(std::clamp(size, kNumberMin, std::max(kNumberMax, height() * 0.11)));
     }
 
     /// Lower right, above a bar that runs there; on a low button in its middle, left of the marks.
@@ -326,7 +324,8 @@ class JingleWidget final : public PaintedWidget {
     /// A dot in the place of its mark, kept inside the face and clear of a number at its side.
     QRectF dotPlace(const Control& mark) const {
         const QRectF place = slotOf(mark);
-        double side = std::min({kDotSize, place.width(), place.height(), height() - 6.0});
+        const double wanted = std::max(kDotSize, place.width() - 1);
+        double side = std::min({wanted, place.width(), place.height(), height() - 6.0});
         double y = place.center().y();
         if (height() < kLowButton / 2 + 4) {
             y = height() / 2.0;
@@ -348,7 +347,7 @@ class JingleWidget final : public PaintedWidget {
                 left = numberPlace(place, captionOf(part->caption)).left();
             }
         }
-        return std::max(0.0, marks + 2 - left);
+        return std::max(0.0, marks + kNumberGap - left);
     }
 
     /// Numbers keep some pixels from the edge that their place is nearer to.
@@ -364,6 +363,10 @@ class JingleWidget final : public PaintedWidget {
     std::vector<QRectF> corners() const {
         std::vector<QRectF> out;
         if (showDuration_ && !parts_.duration.isEmpty()) out.push_back(durationPlace().adjusted(-2, 3, 2, 0));
+        if (state() == JingleState::broken) {
+            if (const QRectF sign = stateSignPlace(size(), state(), kMargin); !sign.isEmpty())
+                out.push_back(sign);
+        }
         for (const Control* part : record.children()) {
             if (!part->visible()) continue;
             const QRectF place = placeIn(*part, record);
@@ -401,8 +404,9 @@ class JingleWidget final : public PaintedWidget {
 
     /// On a button too small for all of it the name comes first, then the number, then the duration.
     void layOut() {
-        const QRectF room = QRectF(rect()).adjusted(kMargin, 1, -kMargin, -1);
-        const QRectF small = QRectF(rect()).adjusted(3, 1, -3, -1);
+        const double air = height() < kLowButton ? 1 : kAir;
+        const QRectF room = QRectF(rect()).adjusted(kMargin, air, -kMargin, -air);
+        const QRectF small = QRectF(rect()).adjusted(3, air, -3, -air);
         const bool narrow = width() < kNarrowButton;
         const auto attempt = [&](bool duration, bool number) {
             showDuration_ = duration;
@@ -424,7 +428,7 @@ class JingleWidget final : public PaintedWidget {
 
     void tellReaders() {
 #if QT_CONFIG(accessibility)
-        tellNameChanged(*this, spokenName(), record.backColor());
+        tellNameChanged(*this, spokenName(), record.backColor(), record.value());
 #endif
     }
 

@@ -1,0 +1,112 @@
+#include "platform/qt/view/jingle_face.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QPixmap>
+#include <QPixmapCache>
+#include <algorithm>
+
+#include "platform/qt/view/style.h"
+#include "platform/qt/view/theme.h"
+
+namespace zv::shell {
+namespace {
+
+constexpr double kFrameShare = 0.042, kFrameMin = 2, kFrameMax = 4;  ///< of the shorter side, and pixels
+constexpr double kSignShare = 0.2, kSignMin = 9, kSignMax = 24;
+constexpr int kLowest = 40;     ///< pixels of height below which there is no room for a sign
+constexpr int kNarrowest = 76;  ///< and of width
+
+bool sounds(JingleState state) {
+    return state == JingleState::sounding || state == JingleState::otherPalette;
+}
+
+/// The face's own colour, deep enough to be seen beside the face and on the ground of a dark window.
+QColor frameColour(const JingleFace& face) {
+    if (face.colour.hsvSaturation() < 20) return face.accent;
+    return QColor::fromHsv(face.colour.hsvHue(), 215, 135);
+}
+
+void paintWhole(QPainter& p, const QSize& size, const JingleFace& face) {
+    const QRectF rect(QPointF(), size);
+    if (!sounds(face.state)) {
+        drawFace(p, rect, face.colour, face.border);
+        return;
+    }
+    const double line = std::clamp(std::min(rect.width(), rect.height()) * kFrameShare, kFrameMin, kFrameMax);
+    const QColor frame = frameColour(face);
+    drawFace(p, rect, face.colour, face.state == JingleState::sounding ? frame : face.border);
+    QPen pen(frame, line);
+    if (face.state == JingleState::otherPalette) {
+        pen.setDashPattern({3, 1.6});
+        pen.setCapStyle(Qt::FlatCap);
+    }
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(pen);
+    p.setBrush(Qt::NoBrush);
+    const double in = line / 2;
+    p.drawRoundedRect(rect.adjusted(in, in, -in, -in), kRadius - 1, kRadius - 1);
+}
+
+}  // namespace
+
+void paintJingleFace(QPainter& p, const QSize& size, double ratio, const JingleFace& face) {
+    const QString key = QStringLiteral("zvface %1x%2 %3 %4 %5 %6")
+                            .arg(size.width())
+                            .arg(size.height())
+                            .arg(ratio)
+                            .arg(face.colour.rgb())
+                            .arg(face.border.rgb())
+                            .arg(static_cast<int>(face.state));
+    QPixmap whole;
+    if (!QPixmapCache::find(key, &whole)) {
+        whole = QPixmap((QSizeF(size) * ratio).toSize());
+        whole.setDevicePixelRatio(ratio);
+        whole.fill(Qt::transparent);
+        QPainter inside(&whole);
+        paintWhole(inside, size, face);
+        inside.end();
+        QPixmapCache::insert(key, whole);
+    }
+    p.drawPixmap(0, 0, whole);
+}
+
+QRectF stateSignPlace(const QSize& size, JingleState state, double margin) {
+    if (state == JingleState::rest || size.height() < kLowest || size.width() < kNarrowest) return {};
+    const double side = std::clamp(size.height() * kSignShare, kSignMin, kSignMax);
+    const double x = sounds(state) ? margin + 1 : size.width() - margin - side;
+    return {x, size.height() - margin - side, side, side};
+}
+
+void paintStateSign(QPainter& p, const QRectF& place, JingleState state, const QColor& ink,
+                    const QColor& ground) {
+    p.save();
+    p.setRenderHint(QPainter::Antialiasing);
+    const double u = place.width();
+    QPainterPath sign;
+    if (sounds(state)) {
+        sign.moveTo(place.topLeft());
+        sign.lineTo(place.right() - u * 0.08, place.center().y());
+        sign.lineTo(place.bottomLeft());
+        sign.closeSubpath();
+        const bool hollow = state == JingleState::otherPalette;
+        p.setPen(QPen(ink, hollow ? std::max(1.4, u * 0.12) : 1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        p.setBrush(hollow ? QBrush(Qt::NoBrush) : QBrush(ink));
+        p.drawPath(sign);
+    } else {
+        sign.moveTo(place.center().x(), place.top());
+        sign.lineTo(place.bottomRight() + QPointF(u * 0.06, 0));
+        sign.lineTo(place.bottomLeft() - QPointF(u * 0.06, 0));
+        sign.closeSubpath();
+        p.setPen(QPen(ink, std::max(1.0, u * 0.1), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        p.setBrush(ink);
+        p.drawPath(sign);
+        p.setPen(QPen(ground, std::max(1.2, u * 0.13), Qt::SolidLine, Qt::RoundCap));
+        const double x = place.center().x();
+        p.drawLine(QPointF(x, place.top() + u * 0.34), QPointF(x, place.top() + u * 0.64));
+        p.drawPoint(QPointF(x, place.top() + u * 0.86));
+    }
+    p.restore();
+}
+
+}  // namespace zv::shell
