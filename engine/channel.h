@@ -112,11 +112,13 @@ struct AudioState {
     Slide volume, voldsp;
     bool inSlides = false;
     Channel* nextSlide = nullptr;
-    std::uint32_t volumeDone = 0;  ///< frames that the volume slide went on in this block
-    std::uint64_t chainBlock = 0;  ///< the last block in which the chain was passed
+    std::uint64_t mixBlock = 0;    ///< the last block in which its volume slide went on in the mixer
+    std::uint64_t chainBlock = 0;  ///< the last block in which its VOLDSP slide went on in the chain
+    std::uint32_t chainDone = 0;   ///< frames of it
     double voldspRest = 0, volumeRest = 0;
 
     std::uint64_t position = 0;  ///< file: next frame; others: frames delivered
+    std::uint64_t wrapFrom = 0, wrapTo = 0;  ///< file: the last wrap since it was moved; 0, 0: none
     PlayRange range;             ///< last told to the tempo processor
     bool stretched = false;      ///< tempo: the last frame came from the processor
     bool dry = false;            ///< waits for a decoder

@@ -117,6 +117,8 @@ void Graph::start(Channel& channel, std::uint32_t generation) {
     a.generation = generation;
     if (a.playing) return;
     a.playing = true;
+    // Its end may have moved meanwhile; if not, it finds it again.
+    a.inTail = false;
     if (a.plug) {
         if (a.plug->drained) a.plug->restart();
         a.plug->meter->meter.reset();
@@ -153,6 +155,7 @@ void Graph::unplug(Channel& channel) {
 void Graph::move(Channel& channel, std::uint64_t frame, std::uint32_t moves) {
     AudioState& a = channel.audio;
     a.position = frame;
+    a.wrapFrom = a.wrapTo = 0;
     a.moves = moves;
     Channel* level = &channel;
     while (level) {

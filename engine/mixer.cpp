@@ -94,8 +94,12 @@ void Graph::mixInput(Channel& channel, float* out, std::uint32_t frames, View vi
         over = a.volume.active() && a.volume.advance(view.frames) && a.volume.stopsAtEnd();
         view.frames = 0;
     }
-    a.volumeDone = done;
-    if (done < frames) a.plug->meter->meter.feedSilence(frames - done);
+    a.mixBlock = block_;
+    if (done < frames) {
+        a.plug->meter->meter.feedSilence(frames - done);
+        // Time goes on where its sound does not.
+        if (a.volume.active() && a.volume.advance(frames - done)) over |= a.volume.stopsAtEnd();
+    }
     if (over) {
         finish(channel);
         return;

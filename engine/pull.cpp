@@ -45,9 +45,15 @@ void Graph::publishPosition(Channel& channel) {
     }
     const Plug* plug = channel.audio.plug;
     if (plug && plug->resampler) {
-        // What the conversion holds has not been heard yet.
+        // What the conversion holds has not been heard yet; a wrap in it neither.
         const auto held = static_cast<std::uint64_t>(std::max(0.0, plug->resampler->held()));
-        position -= std::min(position, held);
+        const AudioState& a = root.audio;
+        const std::uint64_t since = position - a.wrapTo;
+        if (a.wrapFrom > a.wrapTo && position >= a.wrapTo && since < held) {
+            position = a.wrapFrom - std::min(a.wrapFrom - a.wrapTo, held - since);
+        } else {
+            position -= std::min(position, held);
+        }
     }
     root.shared.heard.store(position, std::memory_order_relaxed);
 }
@@ -62,10 +68,12 @@ View Graph::readFile(Channel& channel, std::uint32_t want, Channel* heardBy) {
         if (channel.audio.syncs) passed(channel, range.end, range.end + 1);
         if (heardBy && heardBy->audio.syncs) passed(*heardBy, range.end, range.end + 1);
         if (!range.loop || range.end == 0) {
+            a.position = range.end;
             view.ended = true;
             return view;
         }
-        at = a.position = range.loopStart;
+        a.wrapFrom = at;
+        at = a.position = a.wrapTo = range.loopStart;
     }
     const float* page = sound.page(at / PagedSound::kPage);
     if (!page) {
@@ -229,8 +237,12 @@ View Graph::toStereo(Channel& channel, View view) {
 
 View Graph::throughChain(Channel& channel, View view) {
     AudioState& a = channel.audio;
-    a.chainBlock = block_;
-    const bool gained = a.voldsp.active() || a.voldsp.value() != 1.0F;
+    const bool slides = a.voldsp.active();
+    if (slides) {
+        a.chainDone = view.frames + (a.chainBlock == block_ ? a.chainDone : 0);
+        a.chainBlock = block_;
+    }
+    const bool gained = slides || a.voldsp.value() != 1.0F;
     bool effects = false;
     if (a.chain)
         for (const auto& stage : a.chain->stages) effects |= stage.effect && !stage.effect->bypassed();

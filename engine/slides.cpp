@@ -48,7 +48,6 @@ void Graph::slideVolume(const Command& command) {
     channel.shared.volumeSlides.store(a.volume.active(), std::memory_order_relaxed);
     channel.shared.appliedVolume.store(static_cast<std::uint32_t>(command.b), std::memory_order_release);
     if (a.volume.active()) {
-        a.volumeDone = 0;
         keepSliding(channel);
     } else if (a.volume.stopsAtEnd()) {
         finish(channel);
@@ -74,14 +73,16 @@ void Graph::passTime(std::uint32_t frames) {
     Channel** at = &slides_;
     while (Channel* channel = *at) {
         AudioState& a = channel->audio;
-        if (a.volume.active()) {
-            const std::uint64_t due =
-                share(frames, a.plug ? a.plug->rate : channel->rate, rate(), a.volumeRest);
-            if (due > a.volumeDone && a.volume.advance(due - a.volumeDone)) volumeEnded(*channel);
+        if (a.volume.active() && a.mixBlock != block_ &&
+            a.volume.advance(share(frames, a.plug ? a.plug->rate : channel->rate, rate(), a.volumeRest)))
+            volumeEnded(*channel);
+        if (a.voldsp.active()) {
+            if (a.chainBlock != block_) {
+                a.voldsp.advance(share(frames, channel->rate, rate(), a.voldspRest));
+            } else if (!a.playing && channel->rate == rate() && a.chainDone < frames) {
+                a.voldsp.advance(frames - a.chainDone);  // it ended in this block
+            }
         }
-        a.volumeDone = 0;
-        if (a.voldsp.active() && a.chainBlock != block_)
-            a.voldsp.advance(share(frames, channel->rate, rate(), a.voldspRest));
         SharedState& s = channel->shared;
         s.volume.store(a.volume.value(), std::memory_order_relaxed);
         s.voldsp.store(a.voldsp.value(), std::memory_order_relaxed);
