@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <numbers>
+#include <sstream>
 
 #include "audio/devices.h"
 #include "audio/upcalls.h"
@@ -176,6 +177,17 @@ StudioTest::~StudioTest() {
 }
 
 void StudioTest::pass(int ms) { VirtualClock::instance().advanceTo(monotonicMs() + ms); }
+
+void StudioTest::perform(const std::string& acts, const std::function<void(const std::string&)>& act) {
+    const std::int64_t begin = monotonicMs();
+    std::istringstream words(acts);
+    for (std::string word; words >> word;) {
+        if (word.find_first_not_of("0123456789") == std::string::npos)
+            VirtualClock::instance().advanceTo(begin + std::stoi(word));
+        else
+            act(word);
+    }
+}
 
 Heard StudioTest::heard(int output) {
     return {devices->takeSound(options.outputs.at(static_cast<std::size_t>(output)))};

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -75,6 +76,8 @@ class StudioTest : public FolderTest {
 
     /// Time goes on; timers that fall due fire.
     void pass(int ms);
+    /// Performs "0 press 200 press": a number is a time from now in ms, each word behind it goes to `act`.
+    void perform(const std::string& acts, const std::function<void(const std::string& word)>& act);
     /// What output 0 (main) or 1 (auxiliary) sent since it was last asked.
     Heard heard(int output = 0);
 
