@@ -1,6 +1,5 @@
-/// Eight floats at once, in the compiler's own vector notation, and the choice between the wide and the plain
-/// path. A kernel file (*_kernels.h) is compiled twice, for AVX2 and for the base machine; both do the same
-/// operations in the same order, so that they give the same bits. Neither may be given fused multiply-add.
+/// Floats side by side in the compiler's own vector notation, and which of the two paths through them is in
+/// use. What the kernels compute with, `Eight`, each path brings itself: see two_paths.h.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +13,9 @@ using Float8 = float __attribute__((vector_size(32)));
 using Int8 = std::int32_t __attribute__((vector_size(32)));
 using Double4 = double __attribute__((vector_size(32)));
 using Float4 = float __attribute__((vector_size(16)));
-/// The same in memory of any alignment.
+using Int4 = std::int32_t __attribute__((vector_size(16)));
+
+/// Eight in memory of any alignment.
 using Float8Memory = float __attribute__((vector_size(32), aligned(4), may_alias));
 
 /// What usesWidePath() of mix.h reads.

@@ -12,19 +12,8 @@ struct Sums {
     float peakLeft, peakRight, powerLeft, powerRight;
 };
 
-namespace plain {
-#include "engine/dsp/level_meter_kernels.h"
-}
-#if defined(__x86_64__)
-#pragma GCC push_options
-#pragma GCC target("avx2")
-namespace wide {
-#include "engine/dsp/level_meter_kernels.h"
-}
-#pragma GCC pop_options
-#else
-namespace wide = plain;
-#endif
+#define ZV_KERNELS "engine/dsp/level_meter_kernels.h"
+#include "engine/dsp/two_paths.h"
 
 }  // namespace
 

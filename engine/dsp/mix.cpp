@@ -10,19 +10,8 @@
 
 namespace zv::dsp {
 namespace {
-namespace plain {
-#include "engine/dsp/mix_kernels.h"
-}
-#if defined(__x86_64__)
-#pragma GCC push_options
-#pragma GCC target("avx2")
-namespace wide {
-#include "engine/dsp/mix_kernels.h"
-}
-#pragma GCC pop_options
-#else
-namespace wide = plain;
-#endif
+#define ZV_KERNELS "engine/dsp/mix_kernels.h"
+#include "engine/dsp/two_paths.h"
 
 bool machineIsWide() {
 #if defined(__x86_64__)

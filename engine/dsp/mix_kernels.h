@@ -1,8 +1,5 @@
 // Included by mix.cpp once a path, inside a namespace of the path's own; no include guard for that reason.
 
-inline Float8 load(const float* p) { return *reinterpret_cast<const Float8Memory*>(p); }
-inline void store(float* p, Float8 v) { *reinterpret_cast<Float8Memory*>(p) = v; }
-
 void add1(float* out, const float* a, std::size_t samples, float ga) {
     std::size_t i = 0;
     for (; i + 8 <= samples; i += 8) store(out + i, load(out + i) + load(a + i) * ga);
@@ -20,7 +17,7 @@ void add4(float* out, const MixSource* s, std::size_t samples) {
     const float ga = s[0].gain, gb = s[1].gain, gc = s[2].gain, gd = s[3].gain;
     std::size_t i = 0;
     for (; i + 8 <= samples; i += 8) {
-        Float8 v = load(out + i) + load(a + i) * ga;
+        Eight v = load(out + i) + load(a + i) * ga;
         v = v + load(b + i) * gb;
         v = v + load(c + i) * gc;
         store(out + i, v + load(d + i) * gd);
@@ -29,19 +26,18 @@ void add4(float* out, const MixSource* s, std::size_t samples) {
 }
 
 /// Gains of four frames of a ramp, each for both sides.
-inline Float8 rampGains(const GainRamp& r, double at) {
+inline Eight rampGains(const GainRamp& r, double at) {
     const Double4 index = at + Double4{0, 1, 2, 3};
-    const Float4 g = __builtin_convertvector(r.from + r.step * index, Float4);
-    return __builtin_shufflevector(g, g, 0, 0, 1, 1, 2, 2, 3, 3);
+    return pairs(__builtin_convertvector(r.from + r.step * index, Float4));
 }
 
-inline Float8 pairGains(const float* g) { return Float8{g[0], g[0], g[1], g[1], g[2], g[2], g[3], g[3]}; }
+inline Eight pairGains(const float* g) { return pairs(Float4{g[0], g[1], g[2], g[3]}); }
 
 template <bool Add, typename Gains, typename Gain>
 inline void shaped(float* out, const float* in, std::size_t frames, Gains four, Gain one) {
     std::size_t i = 0;
     for (; i + 4 <= frames; i += 4) {
-        const Float8 v = load(in + 2 * i) * four(i);
+        const Eight v = load(in + 2 * i) * four(i);
         store(out + 2 * i, Add ? load(out + 2 * i) + v : v);
     }
     for (; i < frames; ++i) {

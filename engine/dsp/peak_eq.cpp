@@ -8,19 +8,8 @@
 
 namespace zv::dsp {
 namespace {
-namespace plain {
-#include "engine/dsp/peak_eq_kernels.h"
-}
-#if defined(__x86_64__)
-#pragma GCC push_options
-#pragma GCC target("avx2")
-namespace wide {
-#include "engine/dsp/peak_eq_kernels.h"
-}
-#pragma GCC pop_options
-#else
-namespace wide = plain;
-#endif
+#define ZV_KERNELS "engine/dsp/peak_eq_kernels.h"
+#include "engine/dsp/two_paths.h"
 
 constexpr double kRampSeconds = 0.02;
 constexpr std::size_t kRunFrames = 4096;  // most frames of one run of a kernel

@@ -34,19 +34,8 @@ struct Conversion {
     std::uint64_t stepWhole, stepFraction;
 };
 
-namespace plain {
-#include "engine/dsp/resampler_kernels.h"
-}
-#if defined(__x86_64__)
-#pragma GCC push_options
-#pragma GCC target("avx2")
-namespace wide {
-#include "engine/dsp/resampler_kernels.h"
-}
-#pragma GCC pop_options
-#else
-namespace wide = plain;
-#endif
+#define ZV_KERNELS "engine/dsp/resampler_kernels.h"
+#include "engine/dsp/two_paths.h"
 
 constexpr double kAttenuation = 98;  // dB in the stop band
 constexpr double kPassEdge = 0.45;   // of the lower rate

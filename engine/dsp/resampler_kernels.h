@@ -1,13 +1,9 @@
 // Included by resampler.cpp once a path, inside a namespace of the path's own; no include guard for that
 // reason.
 
-inline Float8 load(const float* p) { return *reinterpret_cast<const Float8Memory*>(p); }
-
-inline float sumOf(Float8 v) { return ((v[0] + v[4]) + (v[2] + v[6])) + ((v[1] + v[5]) + (v[3] + v[7])); }
-
 /// `taps` is a multiple of 16.
 inline float dot(const float* x, const float* row, std::size_t taps) {
-    Float8 a{}, b{};
+    Eight a{}, b{};
     for (std::size_t k = 0; k < taps; k += 16) {
         a = a + load(x + k) * load(row + k);
         b = b + load(x + k + 8) * load(row + k + 8);
@@ -17,9 +13,9 @@ inline float dot(const float* x, const float* row, std::size_t taps) {
 
 /// The same frames through two neighbouring phases, `f` of the way from one to the other.
 inline float dotBetween(const float* x, const float* row, const float* next, std::size_t taps, float f) {
-    Float8 a{}, b{};
+    Eight a{}, b{};
     for (std::size_t k = 0; k < taps; k += 8) {
-        const Float8 v = load(x + k);
+        const Eight v = load(x + k);
         a = a + v * load(row + k);
         b = b + v * load(next + k);
     }

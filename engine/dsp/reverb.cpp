@@ -25,19 +25,8 @@ struct Run {
     const float* way;
 };
 
-namespace plain {
-#include "engine/dsp/reverb_kernels.h"
-}
-#if defined(__x86_64__)
-#pragma GCC push_options
-#pragma GCC target("avx2")
-namespace wide {
-#include "engine/dsp/reverb_kernels.h"
-}
-#pragma GCC pop_options
-#else
-namespace wide = plain;
-#endif
+#define ZV_KERNELS "engine/dsp/reverb_kernels.h"
+#include "engine/dsp/two_paths.h"
 
 constexpr double kRampSeconds = 0.02;
 constexpr double kLowestMix = -96;

@@ -1,0 +1,47 @@
+// Eight floats in one vector. Included by two_paths.h; eight_as_halves.h has the same operations.
+
+using Eight = Float8;
+using Mask = Int8;
+
+inline Eight load(const float* p) {
+    Eight v;
+    __builtin_memcpy(&v, p, sizeof v);
+    return v;
+}
+inline void store(float* p, Eight v) { __builtin_memcpy(p, &v, sizeof v); }
+inline Eight all(float x) { return Eight{x, x, x, x, x, x, x, x}; }
+inline float last(Eight v) { return v[7]; }
+/// ((0 + 4) + (2 + 6)) + ((1 + 5) + (3 + 7))
+inline float sumOf(Eight v) { return ((v[0] + v[4]) + (v[2] + v[6])) + ((v[1] + v[5]) + (v[3] + v[7])); }
+
+/// Every lane hands on to the next; lane 0 gets `x`.
+inline Eight shifted(Eight v, float x) {
+    const Eight turned = __builtin_shufflevector(v, v, 7, 0, 1, 2, 3, 4, 5, 6);
+    return __builtin_shufflevector(turned, all(x), 8, 1, 2, 3, 4, 5, 6, 7);
+}
+/// The last of `former` and all of `now` but its last.
+inline Eight delayed(Eight former, Eight now) {
+    return __builtin_shufflevector(former, now, 7, 8, 9, 10, 11, 12, 13, 14);
+}
+/// Of sixteen in a row those with even, and with odd numbers; and the way back, first and second half.
+inline Eight evens(Eight a, Eight b) { return __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14); }
+inline Eight odds(Eight a, Eight b) { return __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15); }
+inline Eight zipLow(Eight a, Eight b) { return __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11); }
+inline Eight zipHigh(Eight a, Eight b) { return __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15); }
+/// Each of four twice.
+inline Eight pairs(Float4 v) { return __builtin_shufflevector(v, v, 0, 0, 1, 1, 2, 2, 3, 3); }
+
+/// Lanes from `first` to `end`, without `end`.
+inline Mask lanesOf(std::int32_t first, std::int32_t end) {
+    const Int8 lane{0, 1, 2, 3, 4, 5, 6, 7};
+    return (lane >= first) & (lane < end);
+}
+inline Eight chosen(Mask mask, Eight a, Eight b) { return mask ? a : b; }
+
+/// Without their signs.
+inline Eight sizes(Eight v) { return reinterpret_cast<Eight>(reinterpret_cast<Int8>(v) & 0x7fffffff); }
+/// Of sizes: the order of positive floats is that of their bits.
+inline Eight larger(Eight a, Eight b) {
+    const Int8 x = reinterpret_cast<Int8>(a), y = reinterpret_cast<Int8>(b);
+    return reinterpret_cast<Eight>(x > y ? x : y);
+}
