@@ -37,6 +37,7 @@ class ModuleDecoder : public Decoder {
     std::optional<std::uint64_t> length() const override { return frames_; }
     std::size_t read(std::span<float> out) override {
         const std::size_t count = std::min(out.size() / moduleChannels, frames_ - cursor_);
+        if (count == 0) return 0;  // at the end nothing is wanted, also where it was gone to by a seek
         renderUpTo(cursor_ + count);
         std::copy_n(sound_.begin() + static_cast<std::ptrdiff_t>(cursor_ * moduleChannels),
                     count * moduleChannels, out.begin());
