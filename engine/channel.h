@@ -42,7 +42,7 @@ struct Plug : Garbage {
     std::vector<float> in, out;                 ///< of the resampler
     std::shared_ptr<Metering> meter;            ///< shared with the caller's side
     std::size_t pending = 0;                    ///< frames waiting in `in`
-    std::uint64_t fed = 0;                      ///< true frames taken from the channel since the last reset
+    std::uint64_t fed = 0;                      ///< frames taken from the channel since the last reset
     bool drained = false;                       ///< the channel has nothing more for it
     void restart();                             ///< [audio]
 };
@@ -117,15 +117,15 @@ struct AudioState {
     std::uint32_t chainDone = 0;   ///< frames of it
     double voldspRest = 0, volumeRest = 0;
 
-    std::uint64_t position = 0;  ///< file: next frame; others: frames delivered
+    std::uint64_t position = 0;              ///< file: next frame; others: frames delivered
     std::uint64_t wrapFrom = 0, wrapTo = 0;  ///< file: the last wrap since it was moved; 0, 0: none
-    PlayRange range;             ///< last told to the tempo processor
-    bool stretched = false;      ///< tempo: the last frame came from the processor
-    bool dry = false;            ///< waits for a decoder
+    PlayRange range;                         ///< last told to the tempo processor
+    bool stretched = false;                  ///< tempo: the last frame came from the processor
+    bool dry = false;                        ///< waits for a decoder
     std::uint32_t moves = 0;
     double tailSeconds = 0;
     bool inTail = false;
-    std::uint64_t tailLeft = 0;
+    std::uint64_t tailLeft = 0, tailDone = 0;
     std::uint64_t hubPosition = 0;  ///< split: next frame of the hub
     Channel* first = nullptr;       ///< mixer: sounding inputs
     Channel* last = nullptr;

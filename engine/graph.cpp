@@ -117,13 +117,13 @@ void Graph::start(Channel& channel, std::uint32_t generation) {
     a.generation = generation;
     if (a.playing) return;
     a.playing = true;
-    // Its end may have moved meanwhile; if not, it finds it again.
-    a.inTail = false;
     if (a.plug) {
-        if (a.plug->drained) a.plug->restart();
+        if (a.plug->drained || a.inTail) a.plug->restart();
         a.plug->meter->meter.reset();
         a.plug->meter->trail.reset();
     }
+    // Its end may have moved meanwhile; if not, it finds it again.
+    a.inTail = false;
     // A reader that stood still goes on with what is sounding now.
     if (channel.kind == Kind::Split) a.hubPosition = channel.hub->written;
     link(channel);

@@ -98,7 +98,7 @@ class Graph {
     void forgetSlides(Channel& channel);
     void volumeEnded(Channel& channel);
     // pull.cpp
-    View readFile(Channel& channel, std::uint32_t want, Channel* heardBy);
+    View readFile(Channel& channel, std::uint32_t want, Channel& through);
     View readLive(Channel& channel, std::uint32_t want);
     View readTempo(Channel& channel, std::uint32_t want);
     View readSplit(Channel& channel, std::uint32_t want);
@@ -107,6 +107,9 @@ class Graph {
     View toStereo(Channel& channel, View view);
     View throughChain(Channel& channel, View view);
     void passed(Channel& channel, std::uint64_t from, std::uint64_t to);
+    void delivered(Channel& channel, Channel& source, std::uint64_t from, std::uint64_t to);
+    void heard(Channel& channel, Channel& source, std::uint64_t to);
+    static void takeBack(Channel& channel);
     void setDry(Channel& channel, bool dry);
     // mixer.cpp
     void mixInputs(Channel* first, float* out, std::uint32_t frames);

@@ -11,6 +11,7 @@ namespace {
 /// A reader of a split that is farther behind than this part of a second goes on with the present.
 constexpr std::uint32_t kMostLagPart = 16;
 constexpr int kTempoTurns = 4;
+constexpr double kRounding = 1e-6;  ///< frames: of positions that were added up
 
 }  // namespace
 
@@ -36,37 +37,99 @@ void Graph::passed(Channel& channel, std::uint64_t from, std::uint64_t to) {
     if (fired) findFirstSync(a);
 }
 
+/// Whether the channel is converted to the rate of what it is plugged into: then it is heard later than
+/// pulled.
+static bool converted(const Channel& channel) { return channel.audio.plug && channel.audio.plug->resampler; }
+
+/// Frames from..to of a file were delivered through `channel`, which is the file itself or stretches it.
+void Graph::delivered(Channel& channel, Channel& source, std::uint64_t from, std::uint64_t to) {
+    if ((!channel.audio.syncs && !source.audio.syncs) || converted(channel)) return;
+    passed(channel, from, to);
+    if (&source != &channel) passed(source, from, to);
+}
+
+/// The same for one that is converted: what was heard since the last time, up to `to`.
+void Graph::heard(Channel& channel, Channel& source, std::uint64_t to) {
+    if (!channel.audio.syncs && !source.audio.syncs) return;
+    const AudioState& a = source.audio;
+    const std::uint64_t from = source.shared.heard.load(std::memory_order_relaxed);
+    const auto tell = [&](std::uint64_t first, std::uint64_t last) {
+        passed(channel, first, last);
+        if (&source != &channel) passed(source, first, last);
+    };
+    if (to >= from) {
+        tell(from, to);
+        const Plug& plug = *channel.audio.plug;
+        const bool came = to > from || plug.fed == 0;  // else the end has been told
+        if (came && plug.drained && to >= source.sound->range().end) tell(to, to + 1);
+    } else if (a.wrapFrom > a.wrapTo && to >= a.wrapTo) {
+        tell(from, a.wrapFrom + 1);
+        tell(a.wrapTo, to);
+    }
+}
+
 void Graph::publishPosition(Channel& channel) {
     Channel& root = channel.root();
-    std::uint64_t position = root.audio.position;
-    if (root.sound) {
+    const AudioState& a = root.audio;
+    std::uint64_t position = a.position, held = 0;
+    if (converted(channel)) {
+        // What the conversion holds has not been heard yet; silence behind the end is no part of the file.
+        const Plug& plug = *channel.audio.plug;
+        const std::uint64_t taken = plug.fed - (channel.audio.inTail ? channel.audio.tailDone : 0);
+        const double ahead = static_cast<double>(taken) - plug.resampler->position() - kRounding;
+        held = static_cast<std::uint64_t>(std::ceil(std::max(0.0, ahead)));
+    }
+    if (held > 0) {
+        const std::uint64_t since = position - a.wrapTo;
+        const bool wrapped = a.wrapFrom > a.wrapTo && position >= a.wrapTo && since < held;
+        position = wrapped ? a.wrapFrom - std::min(a.wrapFrom - a.wrapTo, held - since)
+                           : position - std::min(position, held);
+    } else if (root.sound) {
         const PlayRange range = root.sound->range();
         if (position >= range.end) position = range.loop ? range.loopStart : range.end;
     }
-    const Plug* plug = channel.audio.plug;
-    if (plug && plug->resampler) {
-        // What the conversion holds has not been heard yet; a wrap in it neither.
-        const auto held = static_cast<std::uint64_t>(std::max(0.0, plug->resampler->held()));
-        const AudioState& a = root.audio;
-        const std::uint64_t since = position - a.wrapTo;
-        if (a.wrapFrom > a.wrapTo && position >= a.wrapTo && since < held) {
-            position = a.wrapFrom - std::min(a.wrapFrom - a.wrapTo, held - since);
-        } else {
-            position -= std::min(position, held);
-        }
-    }
+    if (root.sound && converted(channel)) heard(channel, root, position);
     root.shared.heard.store(position, std::memory_order_relaxed);
 }
 
-View Graph::readFile(Channel& channel, std::uint32_t want, Channel* heardBy) {
+/// A conversion reads ahead: what it took from behind a wrap, or behind the end, and nobody has heard, it
+/// hands back when loop or end have changed since.
+void Graph::takeBack(Channel& channel) {
+    Channel& root = channel.root();
+    AudioState &outer = channel.audio, &a = root.audio;
+    Plug& plug = *outer.plug;
+    if (!root.sound || outer.stretched || plug.pending > 0) return;
+    const bool over = plug.drained || outer.inTail;
+    if (!over && a.wrapFrom <= a.wrapTo) return;
+    const auto unheard = static_cast<std::uint64_t>(std::max(0.0, plug.resampler->held()));
+    const PlayRange range = root.sound->range();
+    if (over) {
+        const std::uint64_t tail = outer.inTail ? outer.tailDone : 0;
+        const std::uint64_t silence = plug.resampler->fed() - plug.fed + tail;
+        if (silence > unheard || (!range.loop && range.end <= a.position)) return;
+        plug.resampler->takeBack(static_cast<std::size_t>(silence));
+        plug.fed -= tail;
+        plug.drained = outer.inTail = false;
+        return;
+    }
+    const std::uint64_t since = a.position - a.wrapTo;
+    const bool same = range.loop && range.end == a.wrapFrom && range.loopStart == a.wrapTo;
+    if (same || a.position < a.wrapTo || since > unheard) return;
+    plug.resampler->takeBack(static_cast<std::size_t>(since));
+    plug.fed -= since;
+    a.position = a.wrapFrom;
+    a.wrapFrom = a.wrapTo = 0;
+    if (channel.tempo) channel.tempo->passed(0, a.position);
+}
+
+View Graph::readFile(Channel& channel, std::uint32_t want, Channel& through) {
     AudioState& a = channel.audio;
     PagedSound& sound = *channel.sound;
     const PlayRange range = sound.range();
     std::uint64_t at = a.position;
     View view;
     if (at >= range.end) {
-        if (channel.audio.syncs) passed(channel, range.end, range.end + 1);
-        if (heardBy && heardBy->audio.syncs) passed(*heardBy, range.end, range.end + 1);
+        delivered(through, channel, range.end, range.end + 1);
         if (!range.loop || range.end == 0) {
             a.position = range.end;
             view.ended = true;
@@ -85,8 +148,7 @@ View Graph::readFile(Channel& channel, std::uint32_t want, Channel* heardBy) {
         std::min<std::uint64_t>({want, range.end - at, PagedSound::kPage - offset}));
     view.data = page + offset * channel.channels;
     if (channel.channels == 2) view.source = at;
-    if (channel.audio.syncs) passed(channel, at, at + view.frames);
-    if (heardBy && heardBy->audio.syncs) passed(*heardBy, at, at + view.frames);
+    delivered(through, channel, at, at + view.frames);
     a.position = at + view.frames;
     sound.setFocus(a.position);
     return view;
@@ -99,7 +161,9 @@ View Graph::readLive(Channel& channel, std::uint32_t want) {
     view.data = native_.data();
     view.own = true;
     view.ended = view.frames == 0 && channel.live->ended();
-    channel.audio.position += view.frames;
+    AudioState& a = channel.audio;
+    if (a.syncs) passed(channel, a.position, a.position + view.frames);
+    a.position += view.frames;
     return view;
 }
 
@@ -124,7 +188,7 @@ View Graph::readTempo(Channel& channel, std::uint32_t want) {
                 source.audio.position = tempo.sourceFrame();
             }
             const auto run = static_cast<std::uint32_t>(std::min<std::size_t>(want, tempo.neutralRun()));
-            view = readFile(source, run, &channel);
+            view = readFile(source, run, channel);
             if (view.frames > 0) tempo.passed(view.frames, source.audio.position);
             return view;
         }
@@ -144,18 +208,19 @@ View Graph::readTempo(Channel& channel, std::uint32_t want) {
             source.audio.position = now;
             source.sound->setFocus(now);
             if (now >= before) {
-                passed(channel, before, now);
-                passed(source, before, now);
+                delivered(channel, source, before, now);
             } else if (a.range.loop) {
-                passed(channel, before, a.range.end);
-                passed(channel, a.range.loopStart, now);
+                source.audio.wrapFrom = a.range.end;
+                source.audio.wrapTo = a.range.loopStart;
+                delivered(channel, source, before, a.range.end + 1);
+                delivered(channel, source, a.range.loopStart, now);
             }
             return view;
         }
         view = {};
         if (tempo.neutral()) continue;
         view.ended = tempo.ended();
-        if (view.ended) passed(channel, before, a.range.end + 1);
+        if (view.ended) delivered(channel, source, before, a.range.end + 1);
         return view;
     }
     return view;
@@ -213,7 +278,7 @@ View Graph::pullNative(Channel& channel, std::uint32_t want) {
     switch (channel.kind) {
         case Kind::File:
         case Kind::Module:
-            return readFile(channel, want, nullptr);
+            return readFile(channel, want, channel);
         case Kind::Url:
         case Kind::Record:
             return readLive(channel, want);
@@ -280,12 +345,14 @@ View Graph::pullStereo(Channel& channel, std::uint32_t want) {
         if (view.frames > 0) return throughChain(channel, toStereo(channel, view));
         if (!view.ended) return view;
         a.inTail = true;
+        a.tailDone = 0;
         a.tailLeft = static_cast<std::uint64_t>(std::llround(a.tailSeconds * channel.rate));
     }
     view.frames = static_cast<std::uint32_t>(std::min<std::uint64_t>(want, a.tailLeft));
     view.ended = view.frames == 0;
     if (view.frames == 0) return view;
     a.tailLeft -= view.frames;
+    a.tailDone += view.frames;
     std::fill_n(stereo_.begin(), std::size_t{view.frames} * 2, 0.0F);
     view.data = stereo_.data();
     view.own = true;
@@ -294,6 +361,7 @@ View Graph::pullStereo(Channel& channel, std::uint32_t want) {
 
 View Graph::pullConverted(Channel& channel, std::uint32_t want) {
     Plug& plug = *channel.audio.plug;
+    takeBack(channel);
     View view;
     if (plug.drained && plug.resampler->position() >= static_cast<double>(plug.fed)) {
         view.ended = true;

@@ -138,6 +138,12 @@ void Resampler::reset() {
     for (std::uint32_t c = 0; c < channels_; ++c) std::fill_n(window_.data() + c * stride_, filled_, 0.0f);
 }
 
+void Resampler::takeBack(std::size_t frames) {
+    frames = std::min(frames, static_cast<std::size_t>(std::max(0.0, held())));
+    fed_ -= frames;
+    filled_ -= frames;
+}
+
 double Resampler::position() const {
     return static_cast<double>(at_.whole) + static_cast<double>(at_.fraction) * 0x1p-64;
 }

@@ -43,6 +43,10 @@ class Resampler {
     double position() const;
     /// Source frames that were handed over beyond position(); what a position counter must take off. [audio]
     double held() const { return static_cast<double>(fed_) - position(); }
+    /// Source frames handed over since the last reset. [audio]
+    std::uint64_t fed() const { return fed_; }
+    /// Hands the last `frames` of them back, at most held(): others are asked for in their place. [audio]
+    void takeBack(std::size_t frames);
     /// True when frames pass through unchanged now. [audio]
     bool bypassed() const { return step_.whole == 1 && step_.fraction == 0 && at_.fraction == 0; }
 

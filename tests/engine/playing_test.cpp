@@ -142,6 +142,59 @@ TEST_F(Playing, LoopsAreExactAndChangesGovernTheNextWrap) {
     }
 }
 
+/// A file of another rate is read ahead by its conversion. What is changed before the heard position is at
+/// the wrap governs that wrap all the same.
+TEST_F(Playing, ConvertedLoopsObeyToTheLastFrame) {
+    constexpr std::uint64_t start = 1000, end = 3000, later = 2000;
+    for (const std::uint32_t rate : {48000U, 22050U, 96000U}) {
+        for (const std::uint64_t before : {1U, 2U, 17U, 40U, 90U}) {
+            for (const char* what : {"left", "taken", "moved", "kept"}) {
+                SCOPED_TRACE(std::to_string(rate) + " Hz, " + what +
+                             ", frames before: " + std::to_string(before));
+                begin({.period = 1});
+                decoders->sounds["file"] = {.format = {rate, 2, 16}, .length = rate, .sample = ramp};
+                const Topology studio;
+                const DWORD source = file("file");
+                const DWORD jingle = studio.jingle(source);
+                const auto loop = [&](bool on) {
+                    BASS_ChannelFlags(source, on ? BASS_SAMPLE_LOOP : 0, BASS_SAMPLE_LOOP);
+                };
+                const auto heard = [&] { return BASS_ChannelGetPosition(jingle, BASS_POS_BYTE) / 4; };
+                loop(*what != 't');
+                BASS_ChannelSetPosition(source, start * 4, BASS_POS_LOOP);
+                BASS_ChannelSetPosition(source, end * 4, BASS_POS_END);
+                BASS_ChannelSetPosition(jingle, (end - 150) * 4, BASS_POS_BYTE);
+                BASS_ChannelPlay(jingle, false);
+                std::uint64_t last = 0;
+                while (heard() < end - before && heard() >= last) {
+                    last = heard();
+                    pull(1);
+                }
+                if (heard() < last || heard() >= end) {
+                    ASSERT_EQ(before, 1U) << "never back";  // one frame out is two of the file
+                    continue;
+                }
+                if (*what == 'l') {
+                    loop(false);
+                    BASS_ChannelSetPosition(source, BASS_NO_POSITION, BASS_POS_END);
+                } else if (*what == 't') {
+                    loop(true);
+                } else if (*what == 'm') {
+                    BASS_ChannelSetPosition(source, later * 4, BASS_POS_LOOP);
+                }
+                devices->setPeriod(100);
+                pull(200);
+                EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_PLAYING);
+                const std::uint64_t from = *what == 'l' ? end : *what == 'm' ? later : start;
+                EXPECT_NEAR(static_cast<double>(heard()),
+                            static_cast<double>(from - before) + 200.0 * rate / 44100, 3);
+                pull(100);
+                EXPECT_NEAR(frameOf(take().end()[-2]), static_cast<double>(heard()), 2 + 2.0 * rate / 44100);
+            }
+        }
+    }
+}
+
 TEST_F(Playing, SlidesAreExactToTheSample) {
     const Topology studio;
     const DWORD jingle = studio.jingle(file("one"));

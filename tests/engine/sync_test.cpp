@@ -106,6 +106,34 @@ TEST_F(Syncs, OnceAlwaysRemovedJumpedOverAndInsideALoop) {
     EXPECT_EQ(fired.count, 4);
 }
 
+TEST_F(Syncs, SoundOfAnotherRateIsToldOfWhenItIsHeard) {
+    begin({.period = 32});
+    decoders->sounds["48k"] = {.format = {48000, 2, 16}, .length = 4000, .sample = ramp};
+    const Topology again;
+    source = file("48k");
+    jingle = again.jingle(source);
+    BASS_ChannelFlags(source, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
+    constexpr QWORD period = 32 * 48000 / 44100 + 2;
+    for (const std::uint64_t frame : {1U, 2000U, 3990U, 4000U}) {
+        const HSYNC sync = at(frame, BASS_SYNC_POS);
+        fired = {};
+        BASS_ChannelSetPosition(jingle, 0, BASS_POS_BYTE);
+        BASS_ChannelPlay(jingle, false);
+        for (int passes = 1; passes <= 2; ++passes) {
+            while (fired.count < passes && BASS_ChannelIsActive(jingle) == BASS_ACTIVE_PLAYING) pull(32);
+            ASSERT_EQ(fired.count, passes) << frame;
+            EXPECT_LE((fired.position / 4 + 4000 - frame) % 4000, period)
+                << frame << ", heard " << fired.position / 4;
+            pull(320);
+        }
+        BASS_ChannelFlags(source, 0, BASS_SAMPLE_LOOP);
+        pull(6400);
+        EXPECT_EQ(fired.count, frame > 2400 ? 3 : 2) << frame << ": once more up to the end";
+        BASS_ChannelFlags(source, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
+        BASS_ChannelRemoveSync(jingle, sync);
+    }
+}
+
 TEST_F(Syncs, ManyForgottenOnesDoNotAddUp) {
     // A program sets its stop position anew at every press and is stopped before it comes.
     for (int press = 0; press < 500; ++press) {
