@@ -1,6 +1,8 @@
 // The window's keys, and the Exit key.
 #include "ui/keyboard.h"
 
+#include <string_view>
+
 #include "audio/play.h"
 #include "model/jingle.h"
 #include "model/state.h"
@@ -16,6 +18,7 @@
 #include "ui/layout.h"
 #include "ui/main_window.h"
 #include "ui/palette_list.h"
+#include "ui/shortcuts_window.h"
 #include "ui/timers.h"
 
 namespace zv {
@@ -57,6 +60,9 @@ void runUserScript() {
 bool functionKey(const KeyEvent& event) {
     const bool alt = (event.shift & kAltMask) != 0;
     switch (event.key) {
+        case Key::f1:
+            OpenShortcuts();
+            return true;
         case Key::f4:
             if (alt) {
                 timers().TimerShutDown.stop();
@@ -92,6 +98,13 @@ bool functionKey(const KeyEvent& event) {
     }
 }
 
+/// The letters of the window.
+bool isShortcut(Key key) {
+    const int code = static_cast<int>(key);
+    return code >= letter('A') && code <= letter('Z') &&
+           std::string_view("RTMEASFLNC").find(static_cast<char>(code)) != std::string_view::npos;
+}
+
 /// True when the key is one of the window's.
 bool consumedKey(KeyEvent& event) {
     switch (event.key) {
@@ -117,7 +130,7 @@ bool consumedKey(KeyEvent& event) {
             break;
     }
     if (event.repeat) {
-        return false;
+        return isShortcut(event.key);  // once is enough, and the focused control shall not have the rest
     }
     switch (static_cast<int>(event.key)) {
         case letter('R'):

@@ -291,10 +291,10 @@ std::int64_t heldSince = 0;
 
 void StartPageKey(Key key) {
     const bool up = key == Key::pageUp;
-    setFocus(up ? tab().btUp : tab().btDn);
     if (settings.BringLstPal == 1) {
-        ChangeTab(static_cast<int>(MainTab::palettes));
+        ChangeTab(static_cast<int>(MainTab::palettes));  // first: what is hidden takes no focus
     }
+    setFocus(up ? tab().btUp : tab().btDn);
     if (!tab().lstPal.enabled || heldPageKey == key) {
         return;
     }

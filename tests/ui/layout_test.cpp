@@ -9,6 +9,7 @@
 #include "startup/settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/layout.h"
+#include "ui/shortcuts_window.h"
 
 namespace zv::test {
 
@@ -60,8 +61,8 @@ std::string fault(int rows, int columns) {
             }
         }
     }
-    // Even gaps: the grid stands as far from the strip as its buttons from each other, and ends as far from meters
-    // at its side.
+    // Even gaps: the grid stands as far from the strip as its buttons from each other, and ends as far from
+    // meters at its side.
     const Control& first = Button(0)->b_Jingle;
     const Control& upper = settings.HotJinglesPos == 1 ? w.fraHotJingles : w.fraJingles;
     const Control& topmost = settings.HotJinglesPos == 1 ? Button(kPaletteSlots)->b_Jingle : first;
@@ -238,6 +239,39 @@ TEST_F(LayoutTest, captionsGrowWithTheButtonsAndFitThem) {
     settings.JLabelAutoSize = 0;
     UpdateJLblFont();
     EXPECT_EQ(button(0).fontSize, 20.0);
+}
+
+TEST_F(LayoutTest, theListOfKeysTellsWhatWorksAndScrolls) {
+    const auto key = [](const Control& window, Key k) {
+        KeyEvent event{k};
+        window.onKeyDown(event);
+        return event.consumed;
+    };
+    key(frmMain().window, Key::f1);
+    ShortcutsWindow& s = frmShortcuts();
+    ASSERT_TRUE(s.window.visible);
+    std::string told;
+    for (std::size_t i = 0; i < s.lblKey.size(); ++i) {
+        const bool two = s.lblKeyBis[i]->visible;
+        told += s.lblKey[i]->caption() + (two ? "+" + s.lblKeyBis[i]->caption() : "") + "=" +
+                s.lblSCDesc[i]->caption() + "\n";
+        EXPECT_FALSE(s.lblSCDesc[i]->caption().empty()) << s.lblKey[i]->caption();
+    }
+    EXPECT_NE(told.find("Alt+F9=Joined buttons\n"), std::string::npos) << told;
+    EXPECT_NE(told.find("Ctrl+Shift=Hold: copy a jingle\n"), std::string::npos);
+    EXPECT_EQ(told.find("F2="), std::string::npos) << "settings are not there yet";
+    const int end = s.fraShow.height - s.fraKeys.height;
+    ASSERT_LT(end, 0);
+    EXPECT_TRUE(key(s.window, Key::down));
+    EXPECT_EQ(s.fraKeys.top, -300);
+    EXPECT_TRUE(key(s.window, Key::pageDown));
+    EXPECT_EQ(s.fraKeys.top, -1300);
+    for (int i = 0; i < 20; ++i) {
+        key(s.window, Key::pageDown);
+    }
+    EXPECT_EQ(s.fraKeys.top, end) << "not beyond its end";
+    EXPECT_TRUE(key(s.window, Key::escape));
+    EXPECT_FALSE(s.window.visible);
 }
 
 }  // namespace zv::test

@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QResizeEvent>
+#include <QWheelEvent>
 #include <QScreen>
 #include <QWindow>
 #include <algorithm>
@@ -104,6 +105,14 @@ class WindowWidget final : public QWidget, public RecordView {
         record.height = h;
         following_ = false;
         call(record.onResize);
+    }
+
+    /// The wheel over a list of labels moves the scrollbar beside it.
+    void wheelEvent(QWheelEvent* e) override {
+        for (Control* child : record.children()) {
+            if (child->name != "ucScrollbarV" || !child->visible()) continue;
+            if (RecordView* bar = viewOf(*child)) QCoreApplication::sendEvent(&bar->widget, e);
+        }
     }
 
     void moveEvent(QMoveEvent*) override {
