@@ -24,6 +24,29 @@ namespace zv {
 
 namespace {
 
+/// What a press can mean.
+enum class PressMeaning {
+    nothing,
+    assign,
+    announcerJingle,
+    loop,
+    sequence,
+    autoRepeat,
+    touch,
+    playStop,
+    noStop,
+    colour,
+    effects,
+    relocate,
+    cut,
+    copy,
+    paste,
+    rename,
+    remove,
+    removeWithFile,
+    play,
+};
+
 JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
 
 bool inRange(int index) { return index >= 0 && index < kJingles; }
@@ -70,12 +93,8 @@ PressMeaning withModifiers(int index) {
 
 void captionToClipboard(int index) { setClipboard(btCaption(record(index).Path)); }
 
-}  // namespace
-
-PressMeaning DecidePress(int index) {
-    if (!inRange(index)) {
-        return PressMeaning::nothing;
-    }
+/// The decision order. Changes nothing.
+PressMeaning meaningOf(int index) {
     const JingleRecord& j = record(index);
     const MainWindow& w = frmMain();
     const bool filled = !j.Path.empty();
@@ -125,14 +144,25 @@ PressMeaning DecidePress(int index) {
     return filled && !j.MissingFile ? PressMeaning::play : PressMeaning::nothing;
 }
 
+/// Removes the jingle after a question, unless a playlist holds it.
+void askAndRemove(int index, std::string_view message, bool withFile) {
+    showMessage(message);
+    if (!HasPlaylistMark(index, 'K')) {
+        DelJing(index, withFile);
+    }
+}
+
+}  // namespace
+
 void btClic(int index) {
     guarded("modClick.btClic", [&] {
         if (!inRange(index)) {
             return;
         }
-        const PressMeaning meaning = DecidePress(index);
-        const bool locked = HasPlaylistMark(index, 'K');
-        switch (meaning) {
+        switch (meaningOf(index)) {
+            case PressMeaning::play:
+                clPlay(index, -1);
+                break;
             case PressMeaning::nothing:
                 break;
             case PressMeaning::assign:
@@ -188,19 +218,10 @@ void btClic(int index) {
                 clRename(index);
                 break;
             case PressMeaning::remove:
-                showMessage("mlblSelJtodelete");
-                if (!locked) {
-                    DelJing(index, false);
-                }
+                askAndRemove(index, "mlblSelJtodelete", false);
                 break;
             case PressMeaning::removeWithFile:
-                showMessage("mlblSelJFtodelete");
-                if (!locked) {
-                    DelJing(index, true);
-                }
-                break;
-            case PressMeaning::play:
-                clPlay(index, -1);
+                askAndRemove(index, "mlblSelJFtodelete", true);
                 break;
         }
     });

@@ -19,32 +19,8 @@ extern bool PrevCtrlDown, PrevShiftDown;
 extern bool DeletePromptOn;      ///< Alt shows the delete prompt
 extern std::string FocusedName;  ///< control that had the focus at the last poll
 
-/// What a press can mean.
-enum class PressMeaning {
-    nothing,
-    assign,
-    announcerJingle,
-    loop,
-    sequence,
-    autoRepeat,
-    touch,
-    playStop,
-    noStop,
-    colour,
-    effects,
-    relocate,
-    cut,
-    copy,
-    paste,
-    rename,
-    remove,
-    removeWithFile,
-    play,
-};
-/// The decision order of a press: the first line that fits settles it. Changes nothing.
-PressMeaning DecidePress(int index);
-/// Does what DecidePress says; the only entry for a press from mouse, keyboard and control surfaces.
-/// [control]
+/// The decision order of a press: the first line that fits acts. The only entry for a press from mouse,
+/// keyboard and control surfaces. [control]
 void btClic(int index);
 
 // Events of the button array. Each button is independent: several fingers press and release at once.

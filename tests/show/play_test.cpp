@@ -127,26 +127,12 @@ void act(const std::string& word) {
     words.at(word)();
 }
 
-/// "FadeOut=200 StopPos=500" as lines of a palette; positions become bytes.
-std::string lines(const std::string& keys) {
-    std::string out;
-    std::istringstream words(keys);
-    for (std::string word; words >> word;) {
-        const std::string stem = word.substr(0, word.find('='));
-        const std::string value = word.substr(stem.size() + 1);
-        const bool position =
-            stem == "CueStart" || stem == "StopPos" || stem.starts_with("LoopI") || stem == "LoopOut";
-        out += key(stem.c_str(), position ? std::to_string(bytesOf(std::stoi(value))) : value);
-    }
-    return out;
-}
-
 class Press : public ShowTest, public ::testing::WithParamInterface<Row> {};
 
 TEST_P(Press, Sounds) {
     const Row row = GetParam();
     const bool sequence = row.keys.find("Seq=1") != std::string::npos;
-    openJingle(tones(sequence ? "a300 b300 c1900" : "a100 b2400"), lines(row.keys));
+    openJingle(tones(sequence ? "a300 b300 c1900" : "a100 b2400"), paletteLines(row.keys, 0));
     const auto began = monotonicMs();
     perform(row.acts, act);
     pass(static_cast<int>(began + kRowMs - monotonicMs()));
@@ -278,7 +264,7 @@ TEST_F(Play, ATailOfALoopEndsToo) {
 
 TEST_F(Play, TouchDuringAFadeSilencesTheTailThatTheDisplayWalkedLast) {
     writeWav(path("burst.wav"), noise(framesOf(100)));
-    openJingle(level(framesOf(3000)), lines("PlayMod=2 FadeOut=500 Volm=0") +
+    openJingle(level(framesOf(3000)), paletteLines("PlayMod=2 FadeOut=500 Volm=0", 0) +
                                           "Path_1=burst.wav\r\nFXV_1=0,0,0,0,0,0,0,2000,0,44100,0\r\n");
     clPlay(1, -1);
     press();

@@ -21,6 +21,11 @@ T next(std::deque<T>& queue, T otherwise) {
     return value;
 }
 
+std::string chosenPath() {
+    ++desktop().dialogs;
+    return next(desktop().paths, std::string());
+}
+
 constexpr Monitor kScreen{0, 0, 1280, 800};
 constexpr int kListRows = 10;
 
@@ -56,14 +61,12 @@ BoxAnswer messageBox(const std::string& text, const std::string&, BoxKind, BoxBu
     return test::next(desktop().answers, buttons == BoxButtons::ok ? BoxAnswer::ok : BoxAnswer::no);
 }
 std::string openFileDialog(const std::string&, const std::string&, const std::string&) {
-    return test::next(desktop().paths, std::string());
+    return test::chosenPath();
 }
 std::string saveFileDialog(const std::string&, const std::string&, const std::string&) {
-    return test::next(desktop().paths, std::string());
+    return test::chosenPath();
 }
-std::string folderDialog(const std::string&, const std::string&) {
-    return test::next(desktop().paths, std::string());
-}
+std::string folderDialog(const std::string&, const std::string&) { return test::chosenPath(); }
 void popupMenu(Control&, const std::vector<MenuItem>& items) {
     desktop().menu = items;
     for (const MenuItem& item : items)

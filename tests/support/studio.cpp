@@ -99,6 +99,19 @@ std::vector<std::int16_t> sine(std::size_t frames, double hz, double amplitude) 
     return samples;
 }
 
+std::string paletteLines(const std::string& keys, int number) {
+    std::string lines;
+    std::istringstream words(keys);
+    for (std::string word; words >> word;) {
+        const std::string stem = word.substr(0, word.find('='));
+        std::string value = word.substr(stem.size() + 1);
+        if (stem == "CueStart" || stem == "StopPos" || stem == "LoopIn" || stem == "LoopOut")
+            value = std::to_string(static_cast<int>(kRate) * std::stoi(value) / 1000 * kBytesPerFrame);
+        lines += stem + "_" + std::to_string(number) + "=" + value + "\r\n";
+    }
+    return lines;
+}
+
 std::size_t Heard::firstSound(std::size_t from, float floor) const {
     for (std::size_t i = from; i < frames(); ++i)
         if (std::abs(stereo[2 * i]) > floor || std::abs(stereo[2 * i + 1]) > floor) return i;

@@ -30,6 +30,9 @@ std::vector<std::int16_t> ramp(std::size_t frames);
 std::vector<std::int16_t> level(std::size_t frames, std::int16_t value = 16384);
 std::vector<std::int16_t> sine(std::size_t frames, double hz, double amplitude = 0.5);
 
+/// "FadeOut=200 StopPos=500" as lines of a palette for slot `number`; positions stand in ms and become bytes.
+std::string paletteLines(const std::string& keys, int number);
+
 /// What an output sent, interleaved stereo.
 struct Heard {
     std::vector<float> stereo;

@@ -2,14 +2,19 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
+#include <ostream>
 #include <string>
 
 #include "audio/play.h"
+#include "audio/streams.h"
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/state.h"
+#include "platform/clock.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "tests/support/ear.h"
 #include "tests/ui/window_test.h"
 #include "ui/colours_ui.h"
 #include "ui/commands.h"
@@ -22,67 +27,124 @@ namespace zv::test {
 
 namespace {
 
-/// State of a slot, options and keys before a press; written as words, so that a case is one line.
-struct Case {
-    const char* slot;  ///< "empty", "file", "seq", "missing", "locked"
-    const char*
-        armed;  ///< what is armed: "", "assign", "loop", "seq", "ar", "tc", "ps", "ns", "co", "fx", "ta"
-    const char* held;  ///< modifier keys: "", "c", "s", "a", "cs", "ca", "sa", "csa"
-    bool touch;        ///< global touch mode
-    bool reloc;        ///< setting OpenReloc
-    bool moving;       ///< a source was chosen
-    PressMeaning meaning;
+constexpr int kSlot = 4, kOther = 5, kBed = 0;
+constexpr int kRowMs = 900;
+
+/// One row: what lies on the slot, what is done when (ms), which of its tones sounded when
+/// (tests/support/ear.h), and what the presses left behind. The slot holds 100 ms of tone a, then b; another
+/// one next to it tone c. Meanwhile a bed plays, tone h, and whatever a press means, it plays on.
+struct Row {
+    const char* name;
+    const char* slot;  ///< "empty", "missing", "locked" (held by a playlist), or keys of a file
+    const char* acts;
+    const char* heard;
+    const char* after;
 };
+
+constexpr const char* kSeq = "Seq=1 LoopIn=300 LoopOut=600";
+
+// clang-format off
+constexpr Row kRows[] = {
+    // Armed options come first, whatever is held and set.
+    {"assign", "", "0 ckAssign file 100 click 300 click", "c300-", "other unsaved"},
+    {"assign before all else", "", "0 ckTouch ctrl ckAssign file 100 click", "", "other unsaved"},
+    {"assign on an empty one", "empty", "0 ckAssign file 100 click 300 click", "c300-", "other unsaved"},
+    {"assign, given up", "", "0 ckAssign 100 click 300 click", "a300-400 b400-", ""},
+    {"assign, disarmed", "", "0 ckAssign ckAssign 100 click", "a100-200 b200-", ""},
+    {"assign leaves what sounds alone", "", "0 click 300 ckAssign file 400 click", "a0-100 b100-", "armed:ass"},
+    {"announcer asks for a jingle", "", "0 announcer 100 click", "", ""},
+    {"announcer takes no empty one", "empty", "0 announcer 100 click", "", ""},
+    {"loop", "", "0 ckLoopI 100 click 300 click", "a300-400 b400-", "loop unsaved"},
+    {"loop, whatever is held", "", "0 ckTouch shift ckLoopI 100 click", "", "loop unsaved"},
+    {"loop takes the sequence away", kSeq, "0 ckLoopI 100 click", "", "loop unsaved"},
+    {"loop again takes it away", "Loop=1", "0 ckLoopI 100 click", "", "unsaved"},
+    {"loop of an empty one", "empty", "0 ckLoopI 100 click", "", "armed:lp"},
+    {"sequence", "Loop=1 PlayMod=2", "0 ckLoopI ckLoopI 100 click", "", "seq unsaved"},
+    {"the third step is none", "", "0 ckLoopI ckLoopI ckLoopI 100 click", "a100-200 b200-", ""},
+    {"repeat", "", "0 ckAutoRepI 100 click 300 click 600 click", "a300-400 b400-610 a620-720 b720-", "repeat unsaved"},
+    {"touch", "", "0 ckTouchI 100 click 300 down 600 up", "a300-400 b400-600", "touch unsaved"},
+    {"play stop", "", "0 ckPlayStopI 100 click 300 click 600 click", "a300-400 b400-600", "playstop unsaved"},
+    {"no stop", "", "0 ckNoStopI 100 click 300 click 600 click", "a300-400 b400-", "nostop unsaved"},
+    {"no stop of what sounds", "", "0 click 300 ckNoStopI 400 click 600 click", "a0-100 b100-", "nostop unsaved"},
+    {"a sequence has no mode to repeat", kSeq, "0 ckTouch ckAutoRepI 100 click", "", "seq armed:ar"},
+    {"nor touch", kSeq, "0 ckTouchI 100 click", "", "seq armed:tc"},
+    {"nor play stop", kSeq, "0 ckPlayStopI 100 click", "", "seq armed:ps"},
+    {"nor no stop", kSeq, "0 ckNoStopI 100 click", "", "seq armed:ns"},
+    {"a missing file takes no mode", "missing", "0 ckTouchI 100 click", "", "missing unsaved"},
+    {"an empty one leaves it armed", "empty", "0 ckAutoRepI ctrl 100 click", "", "armed:ar"},
+    {"the same option again takes it away", "PlayMod=4", "0 ckNoStopI 100 click 300 click 600 click", "a300-400 b400-600", "unsaved"},
+    {"another one replaces it", "PlayMod=4", "0 ckTouchI 100 click 300 down 600 up", "a300-400 b400-600", "touch unsaved"},
+    {"arming one disarms the other", "", "0 ckNoStopI ckTouchI 100 click 300 click", "", "touch unsaved"},
+    {"a second press disarms", "", "0 ckTouchI ckTouchI 100 click", "a100-200 b200-", ""},
+    {"a change of tab disarms", "", "0 ckTouchI tab 100 click", "a100-200 b200-", ""},
+    {"and assign", "", "0 ckAssign tab 100 click", "a100-200 b200-", ""},
+    {"colour", "", "0 ckTouch ckColorI 100 click", "", "armed:co colours"},
+    {"effects", "", "0 ckTouch ckFXI 100 click 300 down 600 up", "a300-400 b400-600", ""},
+    {"effects of a missing file", "missing", "0 ckFXI 100 click", "", "missing armed:fx dialog"},
+
+    // Touch mode plays what is there and looks for nothing.
+    {"touch mode", "", "0 ckTouch 100 down 400 up", "a100-200 b200-400", ""},
+    {"touch mode: missing", "missing", "0 ckTouch 100 click", "", "missing"},
+    {"touch mode: empty", "empty", "0 ckTouch 100 click", "", ""},
+    {"touch mode: moved", "", "0 ckTouch ctrl 100 click", "", "cut4"},
+    {"missing: looked for", "missing", "0 100 click", "", "missing dialog"},
+    {"missing: not looked for", "missing", "0 noreloc 100 click", "", "missing"},
+    {"missing: renamed", "missing", "0 shift 100 click", "", "missing renames"},
+
+    // Modifier keys.
+    {"move", "", "0 ctrl 100 click5 200 click 300 none 400 click", "c400-", "other gone5 unsaved"},
+    {"move: nothing under what sounds", "", "0 click 200 ctrl 300 click5 400 click", "a0-100 b100-", "cut5"},
+    {"move: not what sounds", "", "0 click 200 ctrl 300 click", "a0-100 b100-", ""},
+    {"move: onto an empty one", "empty", "0 ctrl 100 click5 200 click", "", "other gone5 unsaved"},
+    {"move: not what a playlist holds", "locked", "0 ctrl 100 click", "", ""},
+    {"move: nothing over what a playlist holds", "locked", "0 ctrl 100 click5 200 click", "", "cut5"},
+    {"move: letting go forgets", "", "0 ctrl 100 click 200 none 300 click", "a300-400 b400-", ""},
+    {"move: shift makes it a new copy", "", "0 ctrl 100 click 200 cs 300 click5", "", "copy5"},
+    {"copy", "", "0 cs 100 click5 200 click 300 none 400 click", "c400-", "other unsaved"},
+    {"copy: goes on to the next", "", "0 cs 100 click5 200 click", "", "other copy5 unsaved"},
+    {"copy: of what a playlist holds", "locked", "0 cs 100 click", "", "copy4"},
+    {"copy: nothing over what a playlist holds", "locked", "0 cs 100 click5 200 click", "", "copy5"},
+    {"rename", "", "0 shift 100 click", "", "renames"},
+    {"delete", "", "0 alt yes 100 click", "", "gone asked unsaved"},
+    {"delete: no", "", "0 alt 100 click 200 none 300 click", "a300-400 b400-", "asked"},
+    {"delete: not what a playlist holds", "locked", "0 alt yes 100 click", "", ""},
+    {"delete with the file", "", "0 ca yes 100 click", "", "gone nofile asked unsaved"},
+    {"delete with the file: no playlist's", "locked", "0 ca yes 100 click", "", ""},
+    {"shift and alt: nothing", "", "0 sa yes 100 click", "", ""},
+    {"all three: nothing", "", "0 csa yes 100 click", "", ""},
+
+    // And what is left: mouse buttons, fingers, keys.
+    {"plays, stops", "", "0 down 300 up 600 click", "a0-100 b100-600", ""},
+    {"what a playlist holds plays", "locked", "0 click", "a0-100 b100-", ""},
+    {"empty: nothing", "empty", "0 click", "", ""},
+    {"right and middle button", "", "0 right 100 middle", "", ""},
+    {"touch of its own", "PlayMod=2", "0 down 300 up", "a0-100 b100-300", ""},
+    {"touch of its own in touch mode", "PlayMod=2", "0 ckTouch down 300 up", "a0-100 b100-300", ""},
+    {"touch mode: no stop", "PlayMod=4", "0 ckTouch down 300 up", "a0-100 b100-", ""},
+    {"touch mode: play stop", "PlayMod=3", "0 ckTouch down 300 up", "a0-100 b100-", ""},
+    {"touch mode: repeat", "PlayMod=1", "0 ckTouch down 300 up", "a0-100 b100-", ""},
+    {"touch mode: sequence", kSeq, "0 ckTouch down 200 up", "a0-100 b100-", "seq"},
+    {"several fingers", "", "0 ckTouch down down5 300 up 500 up5", "a0-100 c0-500 b100-300", ""},
+    {"space on the focused button", "", "0 space 300 space", "a0-100 b100-300", ""},
+    {"space held", "", "0 space 100 held 200 held", "a0-100 b100-", ""},
+    {"space inhibited", "", "0 inhibit space", "", ""},
+    {"touch mode: any key, once", "", "0 ckTouch q 300 q", "a0-100 b100-", ""},
+    {"space goes to what was played last", "empty", "0 down5 up5 300 space", "c0-300", ""},
+    {"touch: space let go presses again", "PlayMod=2", "0 down 200 up 300 space 500 letgo", "a0-100 b100-200 a300-400 b400-500 a500-600 b600-", ""},
+};
+// clang-format on
+
+void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
 
 }  // namespace
 
 class PressTest : public WindowTest {
   protected:
-    static constexpr int kSlot = 4;
-
-    void prepare(const Case& c) {
-        JingleRecord& j = rec(kSlot);
-        j = {};
-        JingleButton& b = *Button(kSlot);
-        const std::string slot = c.slot;
-        j.Path = slot == "empty" ? "" : "a.wav";
-        j.Seq = slot == "seq" ? 1 : 0;
-        j.MissingFile = slot == "missing";
-        b.picPlaylist.visible = slot == "locked";
-        b.lblPlaylist.caption = slot == "locked" ? "K" : "";
-        MainWindow& w = frmMain();
-        OptionsTab& o = w.options;
-        for (Control* key : {&w.palettes.ckAssign, &o.ckAutoRepI, &o.ckTouchI, &o.ckPlayStopI, &o.ckNoStopI,
-                             &o.ckColorI, &o.ckFXI, &w.announcer.b_tmAnJin}) {
-            Disarm(*key);
-        }
-        const std::string armed = c.armed;
-        const auto arm = [&](const char* word, Control& key) {
-            if (armed == word) {
-                Arm(key, 0x123456);
-            }
-        };
-        arm("assign", w.palettes.ckAssign);
-        arm("ar", o.ckAutoRepI);
-        arm("tc", o.ckTouchI);
-        arm("ps", o.ckPlayStopI);
-        arm("ns", o.ckNoStopI);
-        arm("co", o.ckColorI);
-        arm("fx", o.ckFXI);
-        arm("ta", w.announcer.b_tmAnJin);
-        b.b_Jingle.backColor = armed == "fx" ? Shaded.fx : BtnFaceColor;
-        LoopToggleStep = armed == "loop" ? 1 : armed == "seq" ? 2 : 0;
-        const std::string held = c.held;
-        CtrlDown = held.find('c') != std::string::npos;
-        ShiftDown = held.find('s') != std::string::npos;
-        AltDown = held.find('a') != std::string::npos;
-        ToggleTouch = c.touch ? 1 : 0;
-        settings.OpenReloc = c.reloc ? 1 : 0;
-        MoveSrcJ = c.moving ? 1 : -1;
-    }
-
     void TearDown() override {
-        prepare({"empty", "", "", false, false, false, PressMeaning::nothing});
+        Disarm(frmMain().announcer.b_tmAnJin);
+        Button(kSlot)->picPlaylist.visible = false;
+        CloseColorPicker();
+        ckTab_MouseDown(0);
         MoveSrcJ = -1;
     }
 
@@ -90,84 +152,135 @@ class PressTest : public WindowTest {
         desktop().modifiers = modifiers;
         pass(100);
     }
+
+    void fill(const std::string& slot) {
+        load(kOther, tones("c2000"));
+        if (slot == "empty") return;
+        load(kSlot, tones("a100 b2400"), slot == "missing" || slot == "locked" ? "" : slot);
+        if (slot == "missing") {
+            std::filesystem::remove(path("Audio_Sample/sound_4.wav"));
+            FreeJingle(kSlot);
+            rec(kSlot).MissingFile = true;
+        } else if (slot == "locked") {
+            Button(kSlot)->picPlaylist.visible = true;
+            Button(kSlot)->lblPlaylist.caption = "K";
+        }
+    }
+
+    void key(Key which, bool repeat = false) {
+        KeyEvent event{which, 0, repeat};
+        Form_KeyDown(event);
+        if (!event.consumed) button(kSlot).onKeyDown(event);
+    }
+
+    void act(const std::string& word) {
+        const std::map<std::string, std::function<void()>> words{
+            {"down", [&] { press(kSlot); }},
+            {"up", [&] { release(kSlot); }},
+            {"click", [&] { press(kSlot), release(kSlot); }},
+            {"down5", [&] { press(kOther); }},
+            {"up5", [&] { release(kOther); }},
+            {"click5", [&] { press(kOther), release(kOther); }},
+            {"right", [&] { button(kSlot).onMouseDown({MouseButton::right}); }},
+            {"middle", [&] { button(kSlot).onMouseDown({MouseButton::middle}); }},
+            {"space", [&] { key(Key::space); }},
+            {"held", [&] { key(Key::space, true); }},
+            {"letgo",
+             [] {
+                 KeyEvent event{Key::space};
+                 Form_KeyUp(event);
+             }},
+            {"q", [&] { key(static_cast<Key>('Q')); }},
+            {"tab", [] { frmMain().ckTab[1].onMouseDown({}); }},
+            {"announcer", [] { Arm(frmMain().announcer.b_tmAnJin, settings.assColor); }},
+            {"noreloc", [] { settings.OpenReloc = 0; }},
+            {"inhibit", [] { settings.InhibSpBar = 1; }},
+            {"yes", [] { desktop().answers = {BoxAnswer::yes}; }},
+            {"file", [&] { desktop().paths = {path("Audio_Sample/sound_5.wav").string()}; }},
+        };
+        static const std::map<std::string, int> keys{{"none", 0},
+                                                     {"ctrl", kCtrlMask},
+                                                     {"shift", kShiftMask},
+                                                     {"alt", kAltMask},
+                                                     {"cs", kCtrlMask | kShiftMask},
+                                                     {"ca", kCtrlMask | kAltMask},
+                                                     {"sa", kShiftMask | kAltMask},
+                                                     {"csa", kCtrlMask | kShiftMask | kAltMask}};
+        if (const auto found = words.find(word); found != words.end()) {
+            found->second();
+        } else if (const auto held = keys.find(word); held != keys.end()) {
+            desktop().modifiers = held->second;
+        } else {
+            findControl(word)->onMouseDown({});
+        }
+    }
+
+    std::string after() {
+        const JingleRecord& j = rec(kSlot);
+        std::string text;
+        const auto tell = [&](bool is, const std::string& word) {
+            text += is ? (text.empty() ? "" : " ") + word : "";
+        };
+        tell(j.Path.find("sound_5") != std::string::npos, "other");
+        tell(j.Path.empty() && !before_.empty(), "gone");
+        tell(rec(kOther).Path.empty(), "gone5");
+        tell(!before_.empty() && !j.MissingFile && !std::filesystem::exists(path("Audio_Sample/sound_4.wav")),
+             "nofile");
+        tell(j.MissingFile, "missing");
+        tell(j.Loop != 0, "loop");
+        tell(j.Seq != 0, "seq");
+        static const char* modes[] = {"", "repeat", "touch", "playstop", "nostop"};
+        tell(j.PlayMod != mode_ && j.PlayMod != PlayMode::global, modes[static_cast<std::size_t>(j.PlayMod)]);
+        tell(!OptionCode.empty(), "armed:" + OptionCode);
+        tell(MoveSrcJ >= 0, MoveMode + std::to_string(MoveSrcJ));
+        tell(RenameJ >= 0, "renames");
+        tell(ColorPickerOpen, "colours");
+        tell(desktop().dialogs > 0 && j.MissingFile, "dialog");
+        tell(!desktop().boxes.empty(), "asked");
+        tell(PalToSave, "unsaved");
+        return text;
+    }
+
+    std::string before_;
+    PlayMode mode_ = PlayMode::global;
 };
 
-TEST_F(PressTest, decisionOrder) {
-    using enum PressMeaning;
-    const Case cases[] = {
-        // Armed options come first, whatever is held and set.
-        {"empty", "assign", "", true, true, false, assign},
-        {"file", "assign", "c", false, true, false, assign},
-        {"file", "ta", "", true, true, false, announcerJingle},
-        {"empty", "ta", "", false, true, false, nothing},
-        {"file", "loop", "", true, true, false, loop},
-        {"seq", "loop", "s", false, true, false, loop},
-        {"empty", "loop", "", false, true, false, nothing},
-        {"file", "seq", "", false, true, false, sequence},
-        {"file", "ar", "", true, true, false, autoRepeat},
-        {"seq", "ar", "", true, true, false, nothing},
-        {"empty", "ar", "c", false, true, false, cut},
-        {"file", "tc", "", false, true, false, touch},
-        {"seq", "tc", "", false, true, false, nothing},
-        {"file", "ps", "", false, true, false, playStop},
-        {"seq", "ps", "", false, true, false, nothing},
-        {"file", "ns", "", false, true, false, noStop},
-        {"seq", "ns", "", false, true, false, nothing},
-        {"file", "co", "", false, true, false, colour},
-        {"file", "fx", "", false, true, false, effects},
-        // Touch mode plays what is there and looks for nothing.
-        {"file", "", "", true, true, false, play},
-        {"missing", "", "", true, true, false, nothing},
-        {"empty", "", "", true, true, false, nothing},
-        {"missing", "", "", false, true, false, relocate},
-        {"missing", "", "", false, false, false, nothing},
-        {"missing", "", "c", true, true, false, cut},
-        // Modifier keys.
-        {"file", "", "c", false, true, false, cut},
-        {"file", "", "c", true, true, false, cut},
-        {"file", "", "c", false, true, true, paste},
-        {"empty", "", "c", false, true, true, paste},
-        {"locked", "", "c", false, true, false, nothing},
-        {"locked", "", "c", false, true, true, nothing},
-        {"file", "", "cs", false, true, false, copy},
-        {"locked", "", "cs", false, true, false, copy},
-        {"locked", "", "cs", false, true, true, nothing},
-        {"file", "", "cs", false, true, true, paste},
-        {"file", "", "s", false, true, false, rename},
-        {"file", "", "a", false, true, false, remove},
-        {"file", "", "ca", false, true, false, removeWithFile},
-        {"file", "", "sa", false, true, false, nothing},
-        {"file", "", "csa", false, true, false, nothing},
-        // And what is left.
-        {"file", "", "", false, true, false, play},
-        {"locked", "", "", false, true, false, play},
-        {"empty", "", "", false, true, false, nothing},
-    };
-    for (const Case& c : cases) {
-        prepare(c);
-        EXPECT_EQ(static_cast<int>(DecidePress(kSlot)), static_cast<int>(c.meaning))
-            << c.slot << " armed '" << c.armed << "' held '" << c.held << "' touch " << c.touch << " moving "
-            << c.moving;
-    }
-    EXPECT_EQ(static_cast<int>(DecidePress(-1)), static_cast<int>(nothing));
-    EXPECT_EQ(static_cast<int>(DecidePress(120)), static_cast<int>(nothing));
+class Meaning : public PressTest, public ::testing::WithParamInterface<Row> {};
+
+TEST_P(Meaning, IsHeard) {
+    const Row row = GetParam();
+    fill(row.slot);
+    load(kBed, tones("h2000"));
+    before_ = rec(kSlot).Path;
+    mode_ = rec(kSlot).PlayMod;
+    press(kBed);
+    release(kBed);
+    LastPlayedJ = -1;
+    heard();
+    const auto began = monotonicMs();
+    perform(row.acts, [&](const std::string& word) { act(word); });
+    pass(static_cast<int>(began + kRowMs - monotonicMs()));
+    std::string sound = whatIsHeard(heard());
+    const auto bed = sound.find("h0-");
+    ASSERT_NE(bed, std::string::npos) << sound;
+    sound.erase(bed, 4);
+    if (sound.ends_with(' ')) sound.pop_back();
+    EXPECT_EQ(sound, row.heard);
+    EXPECT_EQ(after(), row.after);
+    EXPECT_EQ(reports, std::vector<std::string>());
 }
 
-TEST_F(PressTest, mouseButtonsAndLostFiles) {
-    load(kSlot, 500);
-    button(kSlot).onMouseDown({MouseButton::right});
-    button(kSlot).onMouseDown({MouseButton::middle});
-    EXPECT_EQ(rec(kSlot).State, PlayState::idle);
-    press(kSlot);
-    EXPECT_EQ(rec(kSlot).State, PlayState::playing);
-    EXPECT_EQ(rec(kSlot).Pressed, 1);
-    release(kSlot);
-    EXPECT_EQ(rec(kSlot).Pressed, 0);
-    EXPECT_EQ(LastCtrl, "b_Jingle");
-    EXPECT_EQ(rec(kSlot).State, PlayState::playing);
-    evStop();
+std::string rowName(const ::testing::TestParamInfo<Row>& info) {
+    std::string name;
+    for (const char c : std::string(info.param.name)) {
+        name += std::isalnum(static_cast<unsigned char>(c)) != 0 ? c : '_';
+    }
+    return name;
+}
+INSTANTIATE_TEST_SUITE_P(Rows, Meaning, ::testing::ValuesIn(kRows), rowName);
 
-    // A lost file acts on release: the search asks for a folder.
+TEST_F(PressTest, aLostFileActsOnRelease) {
+    load(kSlot, 500);
     rec(kSlot).MissingFile = true;
     desktop().paths = {(folder / "Audio_Sample").string()};
     press(kSlot);
@@ -178,135 +291,80 @@ TEST_F(PressTest, mouseButtonsAndLostFiles) {
     EXPECT_EQ(rec(kSlot).Path, (folder / "Audio_Sample" / "sound_4.wav").string());
 }
 
-TEST_F(PressTest, touchStopsOnReleaseByModeAndToggle) {
-    const struct {
-        int toggle;
-        PlayMode mode;
-        const char* keys;
-        bool stops;
-    } cases[] = {{0, PlayMode::global, "", false},    {1, PlayMode::global, "", true},
-                 {1, PlayMode::touch, "", true},      {0, PlayMode::touch, "", true},
-                 {1, PlayMode::noStop, "", false},    {1, PlayMode::playStop, "", false},
-                 {1, PlayMode::autoRepeat, "", false}};
-    for (const auto& c : cases) {
-        load(kSlot, 2000, c.keys);
-        rec(kSlot).PlayMod = c.mode;
-        ToggleTouch = static_cast<std::uint8_t>(c.toggle);
-        press(kSlot);
-        pass(100);
-        release(kSlot);
-        pass(100);
-        EXPECT_EQ(BASS_ChannelIsActive(rec(kSlot).hPlay), c.stops ? BASS_ACTIVE_STOPPED : BASS_ACTIVE_PLAYING)
-            << c.toggle << " " << static_cast<int>(c.mode);
-        evStop();
-        pass(60);
-    }
+TEST_F(PressTest, coloursComeWhenTheButtonIsUpAndGoWithAPressElsewhere) {
+    load(kSlot, 500);
+    ckColorI_MouseDown();
+    desktop().keys = {1};
+    press(kSlot);
+    pass(200);
+    EXPECT_FALSE(ColorPickerOpen);
+    desktop().keys.clear();
+    release(kSlot);
+    pass(60);
+    EXPECT_TRUE(ColorPickerOpen);
+    EXPECT_EQ(button(kSlot).backColor, Shaded.co);
+    desktop().keys = {1};
+    desktop().mouseOver = findControl("frmColPick");
+    pass(60);
+    EXPECT_TRUE(ColorPickerOpen);
+    desktop().mouseOver = &frmMain().window;
+    pass(60);
+    EXPECT_FALSE(ColorPickerOpen);
+    EXPECT_FALSE(SelectorsOn);
+    EXPECT_FALSE(Armed(frmMain().options.ckColorI));
 }
 
-TEST_F(PressTest, severalFingersAreIndependent) {
-    ToggleTouch = 1;
-    for (const int i : {1, 2, 3}) {
-        load(i, 3000);
-        press(i);
-    }
-    pass(100);
-    release(2);
-    pass(100);
-    EXPECT_EQ(BASS_ChannelIsActive(rec(1).hPlay), BASS_ACTIVE_PLAYING);
-    EXPECT_EQ(BASS_ChannelIsActive(rec(2).hPlay), BASS_ACTIVE_STOPPED);
-    EXPECT_EQ(BASS_ChannelIsActive(rec(3).hPlay), BASS_ACTIVE_PLAYING);
-    EXPECT_EQ(rec(1).Pressed + rec(2).Pressed + rec(3).Pressed, 2);
-}
-
-TEST_F(PressTest, anOptionIsArmedOnceAndSpentByOnePress) {
+TEST_F(PressTest, armedOptionsShowWhereTheyFit) {
     load(1, 300);
-    load(2, 300, "Seq_2=1\r\nLoopOut_2=1000\r\n");
+    load(2, 300, kSeq);
     const struct {
-        void (*arm)();
-        Control& key;
+        const char* key;
         Colour shaded;
         const char* code;
-        PlayMode mode;
-    } cases[] = {{ckAutoRepI_MouseDown, frmMain().options.ckAutoRepI, Shaded.ar, "ar", PlayMode::autoRepeat},
-                 {ckTouchI_MouseDown, frmMain().options.ckTouchI, Shaded.tc, "tc", PlayMode::touch},
-                 {ckPlayStopI_MouseDown, frmMain().options.ckPlayStopI, Shaded.ps, "ps", PlayMode::playStop},
-                 {ckNoStopI_MouseDown, frmMain().options.ckNoStopI, Shaded.ns, "ns", PlayMode::noStop}};
+        bool sequences, empty;
+    } cases[] = {{"ckAutoRepI", Shaded.ar, "ar", false, false},  {"ckTouchI", Shaded.tc, "tc", false, false},
+                 {"ckPlayStopI", Shaded.ps, "ps", false, false}, {"ckNoStopI", Shaded.ns, "ns", false, false},
+                 {"ckColorI", Shaded.co, "co", true, false},     {"ckFXI", Shaded.fx, "fx", true, false},
+                 {"ckLoopI", Shaded.lp, "lp", true, true},       {"ckLoopI", Shaded.sq, "sq", true, true},
+                 {"ckAssign", Shaded.ass, "ass", true, true}};
     for (const auto& c : cases) {
-        c.arm();
+        SCOPED_TRACE(c.code);
+        findControl(c.key)->onMouseDown({});
+        pass(200);  // the tick leaves the highlight alone
         EXPECT_TRUE(SelectorsOn);
         EXPECT_EQ(OptionCode, c.code);
+        EXPECT_TRUE(Armed(*findControl(c.key)));
         EXPECT_EQ(button(1).backColor, c.shaded);
-        EXPECT_EQ(button(2).backColor, BtnFaceColor);  // a sequence has no play mode
-        EXPECT_EQ(button(5).backColor, BtnFaceColor);  // nor has an empty button
-        pass(200);                                     // the tick leaves the highlight alone
-        EXPECT_EQ(button(1).backColor, c.shaded);
-        press(2);
-        EXPECT_EQ(rec(2).PlayMod, PlayMode::global);
-        EXPECT_TRUE(Armed(c.key));
-        press(1);
-        EXPECT_EQ(rec(1).PlayMod, c.mode);  // replaces the one before
-        EXPECT_FALSE(Armed(c.key));
-        EXPECT_FALSE(SelectorsOn);
-        EXPECT_EQ(OptionCode, "");
-        EXPECT_EQ(button(1).backColor, BtnFaceColor);
-        EXPECT_TRUE(Button(1)->pm_Jingle.visible);
-        EXPECT_EQ(rec(1).State, PlayState::idle);
-        EXPECT_TRUE(PalToSave);
-        release(1);
+        EXPECT_EQ(button(2).backColor, c.sequences ? c.shaded : BtnFaceColor);
+        EXPECT_EQ(button(5).backColor, c.empty ? c.shaded : BtnFaceColor);
     }
-    ckNoStopI_MouseDown();
-    press(1);
-    EXPECT_EQ(rec(1).PlayMod, PlayMode::global);  // the same option again takes it away
-    EXPECT_FALSE(Button(1)->pm_Jingle.visible);
-    ckNoStopI_MouseDown();
-    ckTouchI_MouseDown();  // arming one disarms the other
-    EXPECT_FALSE(Armed(frmMain().options.ckNoStopI));
-    EXPECT_TRUE(Armed(frmMain().options.ckTouchI));
-    ckTouchI_MouseDown();
-    EXPECT_FALSE(Armed(frmMain().options.ckTouchI));
-    EXPECT_FALSE(SelectorsOn);
-}
-
-TEST_F(PressTest, theLoopToggleHasThreeSteps) {
-    load(1, 300);
-    const Control& key = frmMain().options.ckLoopI;
-    ckLoopITog();
-    EXPECT_EQ(LoopToggleStep, 1);
-    EXPECT_EQ(key.caption(), Ln("mmnuLoop"));
-    EXPECT_EQ(button(5).backColor, Shaded.lp);  // empty ones too
-    press(1);
-    EXPECT_EQ(rec(1).Loop, 1);
-    EXPECT_EQ(LoopToggleStep, 0);
-    EXPECT_TRUE(Button(1)->lp_Jingle.visible);
-    ckLoopITog();
-    ckLoopITog();
-    EXPECT_EQ(LoopToggleStep, 2);
-    EXPECT_EQ(OptionCode, "sq");
-    rec(1).PlayMod = PlayMode::touch;
-    press(1);
-    EXPECT_EQ(rec(1).Loop, 0);
-    EXPECT_EQ(rec(1).Seq, 1);
-    EXPECT_EQ(rec(1).PlayMod, PlayMode::global);
-    EXPECT_FALSE(Button(1)->lp_Jingle.visible);
-    EXPECT_TRUE(Button(1)->sq_Jingle.visible);
-    for (int i = 0; i < 3; ++i) {
-        ckLoopITog();
-    }
-    EXPECT_EQ(LoopToggleStep, 0);
-    EXPECT_FALSE(SelectorsOn);
-    EXPECT_EQ(key.caption(), Ln("mckLoopI"));
-}
-
-TEST_F(PressTest, aTabChangeDisarmsEverything) {
-    load(1, 300);
-    CkAssignTog();
-    EXPECT_EQ(OptionCode, "ass");
-    EXPECT_EQ(button(1).backColor, Shaded.ass);
     ckTab_MouseDown(3);
-    EXPECT_FALSE(Armed(frmMain().palettes.ckAssign));
     EXPECT_FALSE(SelectorsOn);
     EXPECT_EQ(button(1).backColor, BtnFaceColor);
     EXPECT_EQ(ActiveTab, 3);
+}
+
+TEST_F(PressTest, theLoopToggleSaysItsStep) {
+    load(1, 300);
+    const OptionsTab& t = frmMain().options;
+    const auto shows = [&](int step, const char* text, bool loop, bool sequence) {
+        EXPECT_EQ(LoopToggleStep, step);
+        EXPECT_EQ(t.ckLoopI.caption(), Ln(text));
+        EXPECT_EQ(t.lp_LED.visible, loop);
+        EXPECT_EQ(t.sq_LED.visible, sequence);
+    };
+    ckLoopITog();
+    shows(1, "mmnuLoop", true, false);
+    ckLoopITog();
+    shows(2, "mmnuSeq", false, true);
+    press(1);
+    shows(0, "mckLoopI", true, true);
+    EXPECT_FALSE(Button(1)->lp_Jingle.visible);
+    EXPECT_TRUE(Button(1)->sq_Jingle.visible);
+    EXPECT_FALSE(Button(1)->pm_Jingle.visible);
+    ckLoopITog();
+    ckTouchI_MouseDown();
+    shows(0, "mckLoopI", true, true);
 }
 
 TEST_F(PressTest, globalTogglesExcludeEachOtherAndAreKept) {

@@ -66,21 +66,21 @@ void WindowTest::resize(int widthPixels, int heightPixels) {
 }
 
 void WindowTest::load(int index, int ms, const std::string& keys) {
+    load(index, sine(static_cast<std::size_t>(ms * kFramesPerMs), 1000), keys);
+}
+
+void WindowTest::load(int index, const std::vector<std::int16_t>& samples, const std::string& keys) {
     const bool hot = index >= kPaletteSlots;
-    const std::string number = std::to_string(hot ? index - kPaletteSlots : index);
-    const std::string file = "Audio_Sample/sound_" + std::to_string(index) + ".wav";
-    writeWav(path(file), sine(static_cast<std::size_t>(ms * kFramesPerMs), 1000));
-    std::string& bytes = palettes_;
-    bytes = "[Test]\r\nPath_" + number + "=Audio_Sample\\sound_" + std::to_string(index) + ".wav\r\n" + keys +
-            "\r\n";
-    if (hot) {
-        bytes.replace(0, 6, "[HotJingles]");
-    }
-    const std::string before = read(hot ? "HotJingles.ini" : "palette.ini");
-    write(hot ? "HotJingles.ini" : "palette.ini", bytes);
+    const int number = hot ? index - kPaletteSlots : index;
+    const std::string name = "sound_" + std::to_string(index) + ".wav";
+    writeWav(path("Audio_Sample/" + name), samples);
+    const char* file = hot ? "HotJingles.ini" : "palette.ini";
+    const std::string before = read(file);
+    write(file, std::string(hot ? "[HotJingles]" : "[Test]") + "\r\n" +
+                    paletteLines("Path=Audio_Sample\\" + name + " " + keys, number));
     openNames(index, hot ? kHotSection : "Test", hot);
     openStreams(index);
-    write(hot ? "HotJingles.ini" : "palette.ini", before);
+    write(file, before);
 }
 
 void WindowTest::writePalette(const std::string& name, int slots) {

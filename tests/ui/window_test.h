@@ -1,7 +1,9 @@
 // The main window over the studio: records, timers and sound as in the program, without a widget.
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "model/jingle.h"
 #include "tests/support/desktop.h"
@@ -18,17 +20,14 @@ class WindowTest : public StudioTest {
 
     /// Gives the window an inner size in pixels and lays it out.
     void resize(int widthPixels, int heightPixels);
-    /// A sound of `ms` on a slot, opened as a palette's is. `keys` are further lines of its section
-    /// ("Loop_3=1").
+    /// A sound on a slot, opened as a palette's is. `keys` are further keys of it ("Loop=1").
     void load(int index, int ms, const std::string& keys = {});
+    void load(int index, const std::vector<std::int16_t>& samples, const std::string& keys = {});
     /// Writes a palette of one jingle a slot in `slots`.
     void writePalette(const std::string& name, int slots);
     void press(int index);
     void release(int index);
     Control& button(int index) { return Button(index)->b_Jingle; }
-
-  private:
-    std::string palettes_;
 };
 
 inline JingleRecord& rec(int index) { return J[static_cast<std::size_t>(index)]; }
