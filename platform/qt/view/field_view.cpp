@@ -20,6 +20,7 @@ namespace {
 
 constexpr double kFieldSize = 13;
 constexpr int kRowHeight = 21;
+constexpr int kLongRange = 1000;  ///< a slider of more than that many values scrolls; others set a value
 constexpr int kManyLines = 50;  ///< pixels of height from which a text box has several lines
 
 QPalette fieldPalette(const Control& record) {
@@ -244,7 +245,9 @@ class SliderWidget final : public QSlider, public RecordView {
         if (record.foreColor() >= 0) p.setColor(QPalette::Highlight, colourOf(record.foreColor, Qt::white));
         setPalette(p);
         setRange(std::min(record.minimum(), record.maximum()), std::max(record.minimum(), record.maximum()));
-        setPageStep(std::max(1, (maximum() - minimum()) / 10));
+        const int range = maximum() - minimum();
+        setPageStep(std::max(1, range / 10));
+        setSingleStep(range > kLongRange ? range / 16 : 1);
         // While the user holds it, the slider knows better than a record that was clamped meanwhile.
         if (value() != record.value()) setValue(record.value);
         showing_ = false;

@@ -10,6 +10,7 @@
 #include <QScreen>
 #include <QWindow>
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "platform/desktop.h"
@@ -109,10 +110,12 @@ class WindowWidget final : public QWidget, public RecordView {
 
     /// The wheel over a list of labels moves the scrollbar beside it.
     void wheelEvent(QWheelEvent* e) override {
+        if (std::exchange(wheeling_, true)) return;  // a scrollbar at its end passes it back
         for (Control* child : record.children()) {
             if (child->name != "ucScrollbarV" || !child->visible()) continue;
             if (RecordView* bar = viewOf(*child)) QCoreApplication::sendEvent(&bar->widget, e);
         }
+        wheeling_ = false;
     }
 
     void moveEvent(QMoveEvent*) override {
@@ -136,6 +139,7 @@ class WindowWidget final : public QWidget, public RecordView {
 
     Colour themed_ = 0;
     bool hasTheme_ = false;
+    bool wheeling_ = false;
     bool following_ = false;  ///< the record learns from the window, not the other way round
 };
 
