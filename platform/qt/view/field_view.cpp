@@ -246,7 +246,7 @@ class SliderWidget final : public QSlider, public RecordView {
         setPalette(p);
         setRange(std::min(record.minimum(), record.maximum()), std::max(record.minimum(), record.maximum()));
         const int range = maximum() - minimum();
-        setPageStep(std::max(1, range / 10));
+        setPageStep(std::max(1, range > kLongRange ? range / 5 : range / 10));
         setSingleStep(range > kLongRange ? range / 16 : 1);
         // While the user holds it, the slider knows better than a record that was clamped meanwhile.
         if (value() != record.value()) setValue(record.value);
