@@ -48,24 +48,23 @@ bool BASS_Init(int device, DWORD freq, DWORD, void*, const void*) {
     if (e.outputInitialised[place]) return fail(BASS_ERROR_ALREADY, false);
     if (device > 0 && !entries[place - 1].present) return fail(BASS_ERROR_DEVICE, false);
     if (freq < kLeastRate || freq > kMostRate) return fail(BASS_ERROR_FREQ, false);
+    const bool first = !e.outputs.anyOpen();
+    int code = BASS_OK;
     try {
-        const bool first = !e.outputs.anyOpen();
         if (first) {
             e.settleOrders();
             e.graph.setRate(freq);
             // Stands in for outputs that get lost, also when nobody asked for it.
             e.outputs.open(0, {}, freq, *e.ports.devices);
         }
-        if (device > 0) {
-            const int code =
-                e.outputs.open(device, entries[place - 1].description.id, freq, *e.ports.devices);
-            if (code != BASS_OK) {
-                if (first) e.outputs.close(0);
-                return fail(code, false);
-            }
-        }
+        if (device > 0)
+            code = e.outputs.open(device, entries[place - 1].description.id, freq, *e.ports.devices);
     } catch (...) {
-        return fail(BASS_ERROR_DRIVER, false);
+        code = BASS_ERROR_DRIVER;
+    }
+    if (code != BASS_OK) {
+        if (first) e.outputs.close(0);
+        return fail(code, false);
     }
     e.outputInitialised[place] = true;
     e.rankOutputs();
