@@ -12,6 +12,11 @@ constexpr double kMostPpm = 480;          ///< 0.048 %: under what anyone hears
 constexpr double kAverageSeconds = 4;     ///< periods come in lumps; only their mean counts
 constexpr double kIntegralSeconds = 600;  ///< a lasting difference of the clocks is learnt in this time
 constexpr double kStepSlackMs = 50;       ///< in step: more than that ahead was not read for a while
+// What must be left when the reader has taken its part: less, and the distance grows; much more for long, and
+// it shrinks.
+constexpr double kSpareMs = 8, kAmpleMs = 12;
+constexpr double kWatchSeconds = 2, kCalmSeconds = 60, kShrinkMs = 1;
+constexpr double kStarvedMs = 10;  ///< by which it grows at once when it was not enough
 
 }  // namespace
 
@@ -20,6 +25,7 @@ Bridge::Bridge(const BridgeOptions& options)
       inStep_(options.oneClock && options.inRate == options.outRate),
       ring_(std::size_t{options.inRate}),  // half a second
       resampler_(options.inRate, options.outRate, 2) {
+    aimAt(options.targetMs);
     if (!inStep_) {
         resampler_.setCorrection(kMostPpm);
         in_.resize((resampler_.inputNeeded(kChunk) + 64) * 2);
@@ -38,14 +44,24 @@ void Bridge::clear() {
     restart_.store(false, std::memory_order_relaxed);
     ring_.read(nullptr, ring_.filled());
     if (!running_ && !averaging_) return;
-    running_ = averaging_ = false;
+    beginAnew();
     integral_ = 0;
+}
+
+void Bridge::beginAnew() {
+    running_ = averaging_ = false;
+    watched_ = 0;
     resampler_.setCorrection(0);
     resampler_.reset();
 }
 
 void Bridge::read(std::span<float> stereo) {
     if (restart_.exchange(false, std::memory_order_acq_rel)) clear();
+    if (const std::size_t mark = restedAt_.load(std::memory_order_acquire); mark != seenRest_) {
+        seenRest_ = mark;
+        ring_.skipTo(mark);
+        beginAnew();  // what was learnt of the clocks holds
+    }
     if (inStep_) {
         readInStep(stereo);
     } else {
@@ -67,24 +83,39 @@ void Bridge::readInStep(std::span<float> stereo) {
 }
 
 void Bridge::readCorrected(std::span<float> stereo) {
-    const double perMs = options_.inRate * 0.001;
+    const auto aim = static_cast<std::size_t>(target_ * perMs());
     const double lump = static_cast<double>(stereo.size() / 2) * options_.inRate / options_.outRate;
-    const auto longest = static_cast<std::size_t>(kLongestMs * perMs + lump);
-    if (ring_.filled() / 2 > longest) {
-        const auto keep = static_cast<std::size_t>(options_.targetMs * perMs);
-        ring_.read(nullptr, (ring_.filled() / 2 - keep) * 2);
+    if (ring_.filled() / 2 > static_cast<std::size_t>(kLongestMs * perMs() + lump)) {
+        ring_.read(nullptr, (ring_.filled() / 2 - aim) * 2);
         averaging_ = false;
     }
     if (!running_) {
-        if (static_cast<double>(ring_.filled() / 2) < options_.targetMs * perMs) {
+        if (ring_.filled() / 2 < aim) {
             std::ranges::fill(stereo, 0.0F);
             return;
         }
         running_ = true;
         averaging_ = false;
+        watched_ = 0;
     }
-    follow(static_cast<double>(ring_.filled() / 2),
-           static_cast<double>(stereo.size() / 2) / options_.outRate);
+    const double seconds = static_cast<double>(stereo.size() / 2) / options_.outRate;
+    follow(static_cast<double>(ring_.filled() / 2), seconds);
+    convert(stereo);
+    learn(static_cast<double>(ring_.filled() / 2) / perMs(), seconds);
+}
+
+std::size_t Bridge::due(std::size_t frames) {
+    resampler_.setCorrection(0);
+    return resampler_.inputNeeded(frames);
+}
+
+void Bridge::readOwn(std::span<float> stereo) {
+    convert(stereo);
+    averaging_ = false;
+    watched_ = 0;
+}
+
+void Bridge::convert(std::span<float> stereo) {
     for (std::size_t done = 0; done < stereo.size();) {
         const std::size_t frames = std::min(kChunk, (stereo.size() - done) / 2);
         const std::size_t need = resampler_.inputNeeded(frames) * 2;
@@ -92,7 +123,10 @@ void Bridge::readCorrected(std::span<float> stereo) {
         if (got < need) {
             std::fill(in_.begin() + static_cast<std::ptrdiff_t>(got),
                       in_.begin() + static_cast<std::ptrdiff_t>(need), 0.0F);
-            if (running_) starvations_.fetch_add(1, std::memory_order_relaxed);
+            if (running_) {
+                starvations_.fetch_add(1, std::memory_order_relaxed);
+                aimAt(target_ + kStarvedMs);
+            }
             running_ = false;
         }
         resampler_.process({in_.data(), need}, stereo.subspan(done, frames * 2));
@@ -101,18 +135,37 @@ void Bridge::readCorrected(std::span<float> stereo) {
 }
 
 void Bridge::follow(double distance, double seconds) {
-    const double perMs = options_.inRate * 0.001;
-    const double deviation = distance - options_.targetMs * perMs;
+    const double deviation = distance - target_ * perMs();
     if (!averaging_) {
         average_ = deviation;
         averaging_ = true;
     }
     average_ += (deviation - average_) * std::min(1.0, seconds / kAverageSeconds);
-    const double proportional = average_ / perMs * options_.ppmPerMs;
+    const double proportional = average_ / perMs() * options_.ppmPerMs;
     integral_ = std::clamp(integral_ + proportional * seconds / kIntegralSeconds, -kMostPpm, kMostPpm);
     const double ppm = std::clamp(proportional + integral_, -kMostPpm, kMostPpm);
     resampler_.setCorrection(ppm);
     published_.store(ppm, std::memory_order_relaxed);
+}
+
+void Bridge::learn(double spareMs, double seconds) {
+    leastSpare_ = watched_ == 0 ? spareMs : std::min(leastSpare_, spareMs);
+    watched_ += seconds;
+    if (watched_ < kWatchSeconds) return;
+    calm_ = leastSpare_ > kAmpleMs ? calm_ + watched_ : 0;
+    watched_ = 0;
+    if (leastSpare_ < kSpareMs) {
+        aimAt(target_ + kSpareMs - leastSpare_);
+    } else if (calm_ >= kCalmSeconds) {
+        calm_ = 0;
+        aimAt(target_ - kShrinkMs);
+    }
+}
+
+void Bridge::aimAt(double ms) {
+    target_ = std::clamp(ms, options_.leastMs > 0 ? options_.leastMs : options_.targetMs,
+                         options_.mostMs > 0 ? options_.mostMs : options_.targetMs);
+    publishedTarget_.store(target_, std::memory_order_relaxed);
 }
 
 }  // namespace zv

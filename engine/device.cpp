@@ -12,12 +12,21 @@ namespace {
 
 constexpr std::uint64_t kDriverGoneMicros = 500'000;  ///< silent so long, the driver counts as lost
 constexpr double kBridgeSlackMs = 12;                 ///< over the periods of both sides: scheduling
-constexpr double kBridgeLeastMs = 40, kBridgeMostMs = 60;
+constexpr double kBridgeLeastMs = 18, kBridgeMostMs = 60;
 constexpr double kBridgePpmPerMs = 10;
 
 }  // namespace
 
 void OutputSlot::deviceLost() { lost_.store(true, std::memory_order_release); }
+
+bool OutputSlot::resting() const {
+    // The stand-in has nothing to do while another output drives.
+    return outputs_.resting() || (number_ == 0 && !outputs_.drives(*this));
+}
+
+void OutputSlot::wake() {
+    if (device_ && ready()) device_->wake();
+}
 void OutputSlot::deviceBack() {
     if (ready() && bridge_) bridge_->restart();
     lost_.store(false, std::memory_order_release);
@@ -32,7 +41,9 @@ bool OutputSlot::open(std::unique_ptr<SoundDevice> device, std::uint32_t graphRa
     options.inRate = graphRate;
     options.outRate = rate_;
     options.oneClock = oneClock;
-    options.targetMs = std::clamp(2 * periodMs + kBridgeSlackMs, kBridgeLeastMs, kBridgeMostMs);
+    options.leastMs = kBridgeLeastMs;
+    options.mostMs = kBridgeMostMs;
+    options.targetMs = 2 * periodMs + kBridgeSlackMs;
     options.ppmPerMs = kBridgePpmPerMs;
     bridge_ = std::make_unique<Bridge>(options);
     resampler_.reset();
@@ -77,8 +88,25 @@ void OutputSlot::computeBlock(std::uint32_t frames) {
     for (int i = 1; i < kMostDevices; ++i) {
         OutputSlot* other = outputs_.slot(i);
         if (!other || other == this || !other->usable() || !graph.plays(i)) continue;
-        other->bridge_->write({graph.bus(i), std::size_t{frames} * 2});
+        if (graph.quiet()) {
+            other->bridge_->rest();
+        } else {
+            other->bridge_->write({graph.bus(i), std::size_t{frames} * 2});
+        }
     }
+}
+
+/// This output followed another one that is gone. What it has not given yet still comes, so it keeps its
+/// distance to the sound that is computed, until a silence, or until the other one drives again.
+void OutputSlot::produceBehind(std::span<float> stereo) {
+    Graph& graph = outputs_.graph();
+    for (std::size_t due = bridge_->due(stereo.size() / 2); due > 0;) {
+        const auto frames = static_cast<std::uint32_t>(std::min<std::size_t>(kBlock, due));
+        computeBlock(frames);
+        bridge_->write({graph.bus(number_), std::size_t{frames} * 2});
+        due -= frames;
+    }
+    bridge_->readOwn(stereo);
 }
 
 void OutputSlot::produce(std::span<float> stereo) {
@@ -122,6 +150,11 @@ void OutputSlot::render(std::span<float> stereo) {
     const auto began = Clock::now();
     Graph& graph = outputs_.graph();
     bool drove = false;
+    if (outputs_.resting()) {
+        std::ranges::fill(stereo, 0.0F);
+        callbacks_.fetch_add(1, std::memory_order_relaxed);
+        return;
+    }
     {
         const AudioSection section;
         const std::uint64_t micros = stereo.size() / 2 * std::uint64_t{1'000'000} / rate_;
@@ -129,9 +162,13 @@ void OutputSlot::render(std::span<float> stereo) {
             drove = true;
             if (outputs_.leads(*this)) outputs_.silentMicros.store(0, std::memory_order_relaxed);
             graph.applyCommands();
-            produce(stereo);
-            // Whoever drives next may write before this output reads.
-            bridge_->clear();
+            if (bridge_->follows() && graph.plays(number_) && !graph.quiet()) {
+                produceBehind(stereo);
+            } else {
+                produce(stereo);
+                // Whoever drives next may write before this output reads.
+                bridge_->clear();
+            }
             graph.release();
         } else {
             outputs_.silentMicros.fetch_add(micros, std::memory_order_relaxed);
@@ -185,6 +222,16 @@ int Outputs::open(int number, const std::string& id, std::uint32_t rate, DeviceS
 
 void Outputs::close(int number) {
     if (OutputSlot* slot = this->slot(number)) slot->close();
+}
+
+bool Outputs::resting() const {
+    // In this order: who finds that an order is gone also finds what it changed.
+    return graph_.commands.empty() && graph_.quiet();
+}
+
+void Outputs::wake() {
+    for (const auto& slot : owned_)
+        if (slot) slot->wake();
 }
 
 const OutputSlot* Outputs::leader(const OutputSlot* without) const {

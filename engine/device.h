@@ -30,6 +30,8 @@ class OutputSlot final : public SoundClient {
     void heard(std::span<const float>) override {}
     void deviceLost() override;
     void deviceBack() override;
+    bool resting() const override;
+    void wake();  // [any but audio], under the engine's lock
 
     int number() const { return number_; }
     bool ready() const { return ready_.load(std::memory_order_acquire); }
@@ -46,6 +48,7 @@ class OutputSlot final : public SoundClient {
 
   private:
     void produce(std::span<float> stereo);
+    void produceBehind(std::span<float> stereo);
     void computeBlock(std::uint32_t frames);
 
     Outputs& outputs_;
@@ -81,6 +84,10 @@ class Outputs {
     bool drives(const OutputSlot& slot) const;
     /// The same while all callbacks come in time.
     bool leads(const OutputSlot& slot) const { return &slot == leader(nullptr); }
+    /// Nothing sounds and no order waits: nobody need ask. Wait-free. [any]
+    bool resting() const;
+    /// An order came that ends the rest. [any but audio], under the engine's lock
+    void wake();
     Graph& graph() { return graph_; }
     RenderHooks hooks;
     /// Microseconds that others have rendered since the driver last did. [audio]

@@ -58,6 +58,7 @@ void Engine::install(const EnginePorts& newPorts) {
         freeEverything();
         ports = newPorts;
         outputs.hooks = {offline(), beforeBlock, afterPeriod};
+        graph.mayRest(ports.devices && ports.devices->rests());
     }
     dispatcher.start([] { return Engine::instance().runSyncs(); }, !offline());
     if (!offline()) workers.start();
@@ -80,6 +81,15 @@ void Engine::freeEverything() {
     selectedOutput() = selectedInput() = -1;
     config[BASS_CONFIG_GVOL_STREAM] = 10000;
     config[BASS_CONFIG_BUFFER] = 500;
+}
+
+void Engine::send(const Command& command) {
+    graph.commands.send(command);
+    if (command.order == Order::Play || (command.flags & kBegins) != 0) {
+        outputs.wake();
+    } else if (graph.quiet()) {
+        dispatcher.watch();
+    }
 }
 
 DWORD Engine::newHandle() {
@@ -208,6 +218,7 @@ void Engine::waitForOrders(std::unique_lock<std::mutex>& lock) {
         graph.applyCommands();
         graph.release();
     }
+    outputs.wake();
     const auto until = std::chrono::steady_clock::now() + kOrdersWait;
     while (!graph.commands.empty() && std::chrono::steady_clock::now() < until) {
         lock.unlock();
@@ -243,6 +254,10 @@ bool Engine::runSyncs() {
     const std::unique_lock lock(mutex, std::try_to_lock);
     if (!lock) return true;
     settleOrders();
+    // Resting outputs hear orders that make no sound by themselves once those of the same press have come.
+    const bool unheard = graph.quiet() && !graph.commands.empty();
+    if (unheard && unheard_) outputs.wake();
+    unheard_ = unheard;
     // While something with a sync sounds, or orders wait for room, another look is worth it.
     return !graph.commands.settled() || std::ranges::any_of(syncs, [this](const auto& entry) {
         const auto channel = find(entry.second.channel);

@@ -56,7 +56,8 @@ class Engine {
     std::uint64_t newSerial() { return ++serial_; }
     std::shared_ptr<Channel> find(DWORD handle) const;
     void adopt(const std::shared_ptr<Channel>& channel);
-    void send(const Command& command) { graph.commands.send(command); }
+    /// What makes sound ends a rest at once; the dispatcher sees to the rest of it.
+    void send(const Command& command);
     /// Takes the channel out of everything; its memory goes when the audio side has let go.
     void freeChannel(const std::shared_ptr<Channel>& channel, std::unique_lock<std::mutex>& lock);
     void rebuildChain(Channel& channel);
@@ -83,6 +84,7 @@ class Engine {
     DWORD lastHandle_ = 0x10000;
     std::uint64_t serial_ = 0;
     HSYNC running_ = 0;
+    bool unheard_ = false;  ///< orders have waited for a resting output since the dispatcher last looked
     DWORD runningChannel_ = 0;
     std::condition_variable finished_;
 };

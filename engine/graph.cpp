@@ -12,6 +12,11 @@ namespace {
 constexpr std::uint32_t kMostChannels = 64;
 constexpr std::size_t kSyncEvents = 4096;
 constexpr double kOutputGainSeconds = 0.01;
+constexpr std::uint32_t kRestAfterSeconds = 2;
+constexpr float kInaudible = 1e-6F;  ///< -120 dB
+
+/// Buses stand all the time; whether something sounds is told by what is plugged into them.
+bool isBus(const Channel& channel) { return channel.kind == Kind::Mixer || channel.kind == Kind::Split; }
 
 }  // namespace
 
@@ -40,12 +45,16 @@ void Graph::restart() {
     for (Output& output : outputs_) output.gain.set(1);
     outputGain.store(1, std::memory_order_relaxed);
     starvations.store(0, std::memory_order_relaxed);
+    silentFrames_ = 0;
+    quiet_.store(false, std::memory_order_release);
     SyncEvent event;
     while (syncEvents.pop(event)) {
     }
 }
 
 void Graph::applyCommands() {
+    if (commands.empty()) return;
+    quiet_.store(false, std::memory_order_release);
     Command command;
     while (commands.pop(command)) apply(command);
 }
@@ -54,12 +63,11 @@ void Graph::renderBlock(std::uint32_t frames) {
     assertAudioThread();
     ++block_;
     const float wanted = outputGain.load(std::memory_order_relaxed);
+    const bool rested = mayRest_ && silentFrames_ >= std::uint64_t{kRestAfterSeconds} * rate();
     for (Output& output : outputs_) {
         output.played = output.first != nullptr;
-        if (!output.played) {
-            output.gain.set(wanted);
-            continue;
-        }
+        if (!output.played || rested) output.gain.set(wanted);
+        if (!output.played) continue;
         std::fill_n(output.bus.begin(), std::size_t{frames} * 2, 0.0F);
         mixInputs(output.first, output.bus.data(), frames);
         if (!output.gain.active() && output.gain.value() != wanted)
@@ -67,6 +75,22 @@ void Graph::renderBlock(std::uint32_t frames) {
         if (output.gain.active() || wanted != 1.0F) output.gain.scale(output.bus.data(), frames);
     }
     passTime(frames);
+    countSilence(frames);
+}
+
+/// A bus may go on without a source: its reverb, a conversion. Only what came out tells.
+void Graph::countSilence(std::uint32_t frames) {
+    if (!mayRest_) return;
+    bool silent = sounding_ == 0 && busSyncs_ == 0 && !slides_;
+    for (const Output& output : outputs_) {
+        if (!silent) break;
+        if (!output.played) continue;
+        silent = !output.gain.active() &&
+                 std::all_of(output.bus.begin(), output.bus.begin() + std::ptrdiff_t{2} * frames,
+                             [](float sample) { return std::abs(sample) < kInaudible; });
+    }
+    silentFrames_ = silent ? silentFrames_ + frames : 0;
+    quiet_.store(silentFrames_ >= std::uint64_t{kRestAfterSeconds} * rate(), std::memory_order_release);
 }
 
 // ---- lists of sounding channels
@@ -90,6 +114,7 @@ void Graph::link(Channel& channel) {
     a.next = nullptr;
     (*last ? (*last)->audio.next : *first) = &channel;
     *last = &channel;
+    if (!isBus(channel)) ++sounding_;
     if (Channel& root = channel.root(); root.sound) root.sound->setSounding(true);
 }
 
@@ -109,6 +134,7 @@ void Graph::unlink(Channel& channel) {
     (a.previous ? a.previous->audio.next : *first) = a.next;
     (a.next ? a.next->audio.previous : *last) = a.previous;
     a.previous = a.next = nullptr;
+    if (!isBus(channel)) --sounding_;
     if (Channel& root = channel.root(); root.sound) root.sound->setSounding(false);
 }
 
@@ -176,6 +202,7 @@ void Graph::free(const Command& command) {
     stop(channel);
     unplug(channel);
     forgetSlides(channel);
+    for (const SyncNode* node = channel.audio.syncs; node; node = node->next) expect(channel, -1);
     if (channel.source && channel.source->audio.user == &channel) channel.source->audio.user = nullptr;
     trash.add(command.object);
 }
@@ -184,6 +211,10 @@ void Graph::findFirstSync(AudioState& a) {
     a.firstSync = ~std::uint64_t{0};
     for (const SyncNode* node = a.syncs; node; node = node->next)
         a.firstSync = std::min(a.firstSync, node->frame);
+}
+
+void Graph::expect(const Channel& channel, int syncs) {
+    if (isBus(channel)) busSyncs_ += syncs;
 }
 
 void Graph::apply(const Command& command) {
@@ -254,6 +285,7 @@ void Graph::applyOrder(const Command& command) {
             node->next = a.syncs;
             a.syncs = node;
             a.firstSync = std::min(a.firstSync, node->frame);
+            expect(*command.channel, 1);
             break;
         }
         case Order::RemoveSync:
@@ -265,6 +297,7 @@ void Graph::applyOrder(const Command& command) {
                 }
                 *at = node->next;
                 trash.add(node);
+                expect(*command.channel, -1);
             }
             findFirstSync(command.channel->audio);
             break;

@@ -46,6 +46,11 @@ class Graph {
     void setRate(std::uint32_t rate) { rate_.store(rate, std::memory_order_relaxed); }
     std::uint32_t rate() const { return rate_.load(std::memory_order_relaxed); }
 
+    /// Once nothing has sounded for a while the outputs may rest. While nothing renders. [control]
+    void mayRest(bool may) { mayRest_ = may; }
+    /// Nothing has sounded for a while, and nothing will until an order comes. [any]
+    bool quiet() const { return quiet_.load(std::memory_order_acquire); }
+
     /// The right to render. A callback that does not get it plays silence this once. [audio]
     bool tryAcquire();
     /// Waits for it. [control]
@@ -72,6 +77,7 @@ class Graph {
     void publishPosition(Channel& channel);
 
   private:
+    void countSilence(std::uint32_t frames);
     struct Output {
         Channel *first = nullptr, *last = nullptr;
         bool played = false;
@@ -88,6 +94,7 @@ class Graph {
     void unplug(Channel& channel);
     void free(const Command& command);
     static void findFirstSync(AudioState& a);
+    void expect(const Channel& channel, int syncs);
     void link(Channel& channel);
     void unlink(Channel& channel);
     void move(Channel& channel, std::uint64_t frame, std::uint32_t moves);
@@ -120,6 +127,11 @@ class Graph {
     std::array<Output, kMostDevices> outputs_;
     Channel* slides_ = nullptr;
     std::uint64_t block_ = 0;
+    int sounding_ = 0;                ///< channels in lists, buses aside
+    int busSyncs_ = 0;                ///< wait for positions of buses, which advance in silence as well
+    std::uint64_t silentFrames_ = 0;  ///< since something last sounded
+    bool mayRest_ = false;
+    std::atomic<bool> quiet_{false};
     std::vector<float> stereo_, native_;  // buffers of views
 };
 

@@ -76,6 +76,9 @@ class SoundClient {
     /// The device went away or came back; the sound goes on by itself when it is back. [any]
     virtual void deviceLost() = 0;
     virtual void deviceBack() = 0;
+    /// Output: it would give nothing but silence until its device is woken, which may ask seldom, or not at all.
+    /// [audio]
+    virtual bool resting() const { return false; }
 };
 
 struct DeviceDescription {
@@ -92,6 +95,9 @@ class SoundDevice {
     virtual ~SoundDevice() = default;
     virtual std::uint32_t rate() const = 0;    ///< Hz at which the client is called
     virtual std::uint32_t period() const = 0;  ///< largest frames of one call
+    /// The client no longer rests: an output that left off asking asks at once, what it has given is heard at once,
+    /// in place of silence that is still on its way. Waits for nobody. [any but audio]
+    virtual void wake() {}
 };
 
 class DeviceSource {
@@ -112,6 +118,8 @@ class DeviceSource {
     /// True when all devices run on exactly one clock: two devices of one rate then stay in step for ever and
     /// no correction between them is needed.
     virtual bool oneClock() const { return offline(); }
+    /// Whether outputs may rest while nothing sounds. Offline every period is computed.
+    virtual bool rests() const { return !offline(); }
 };
 
 struct EnginePorts {

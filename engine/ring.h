@@ -27,6 +27,13 @@ class Ring {
         return written_.load(std::memory_order_acquire) - read_.load(std::memory_order_acquire);
     }
     std::size_t free() const { return capacity() - filled(); }
+    /// Items ever written: a mark for skipTo(). By the writer.
+    std::size_t mark() const { return written_.load(std::memory_order_relaxed); }
+    /// Forgets what was written before the mark. By the reader.
+    void skipTo(std::size_t mark) {
+        const std::size_t ahead = mark - read_.load(std::memory_order_relaxed);
+        if (ahead <= filled()) read_.store(mark, std::memory_order_release);
+    }
     bool push(const T& item) {
         const std::size_t at = written_.load(std::memory_order_relaxed);
         if (at - read_.load(std::memory_order_acquire) == capacity()) return false;

@@ -2,51 +2,29 @@
 # From a mouse press to the first sample that the engine hands to the sound server: starts an X server, a sound server
 # and the program on servers of its own, presses a button COUNT times (200), and prints median, 95 % and worst in
 # milliseconds. The server's own period is not in it. A measurement: a busy machine gives other numbers.
-#   measure_press.sh BIN_FOLDER [COUNT]
+#   measure_press.sh BIN_FOLDER [COUNT] [rest|amid]
+# The presses follow one another in half a second; with "rest" the outputs have come to rest before each one, with
+# "amid" a soft sound goes on all the time.
 set -u
 bin=$(cd "$1" && pwd)
 count=${2:-200}
+mode=${3:-}
 here=$(cd "$(dirname "$0")" && pwd)
-work=$(mktemp -d)
-pids=()
-cleanup() {
-    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null; done
-    for pid in "${pids[@]}"; do wait "$pid" 2>/dev/null; done
-    rm -rf "$work"
-}
-trap cleanup EXIT
-await() {
-    for _ in $(seq 200); do "$@" >/dev/null 2>&1 && return; sleep 0.1; done
-    echo "measure_press: waited in vain for: $*" >&2
-    exit 1
-}
-
+. "$here/own_servers.sh"
 g++ -std=c++20 -O2 -shared -fPIC "$here/measure_press/trace.cpp" -o "$work/trace.so" -ldl || exit 1
-export XDG_RUNTIME_DIR=$work/run HOME=$work/user PULSE_SERVER=unix:$work/run/native
-mkdir -m 700 -p "$XDG_RUNTIME_DIR" "$HOME" "$work/home/Audio_Sample"
-unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
-pulseaudio -n --daemonize=no --exit-idle-time=-1 --disallow-exit --use-pid-file=no \
-    --load="module-native-protocol-unix auth-anonymous=1 socket=$work/run/native" \
-    --load="module-null-sink sink_name=out1 rate=44100 format=float32le norewinds=1" >"$work/pulse.log" 2>&1 &
-pids+=($!)
-await pactl info
-mkfifo "$work/display"
-Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$work/display" >"$work/xvfb.log" 2>&1 &
-pids+=($!)
-read -r number <"$work/display"
-export DISPLAY=:$number
-openbox >"$work/openbox.log" 2>&1 &
-pids+=($!)
-await sh -c "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q '#'"
+own_servers 1
+mkdir -p "$work/home/Audio_Sample"
 
-# 60 ms of a tone that begins at its full level: the first sample is heard.
-/usr/bin/python3 - "$work/home/Audio_Sample/Blip.wav" <<'PY'
+# 60 ms of a tone that begins at its full level: the first sample is heard. And a soft one that goes on.
+/usr/bin/python3 - "$work/home/Audio_Sample" <<'PY'
 import math, struct, sys
-data = b"".join(struct.pack("<hh", *[round(9000 * math.cos(i * 0.1))] * 2) for i in range(2646))
-open(sys.argv[1], "wb").write(b"RIFF" + struct.pack("<I", 36 + len(data)) + b"WAVEfmt " +
-    struct.pack("<IHHIIHH", 16, 1, 2, 44100, 176400, 4, 16) + b"data" + struct.pack("<I", len(data)) + data)
+for name, frames, level in ("Blip", 2646, 9000), ("Soft", 44100, 30):
+    data = b"".join(struct.pack("<hh", *[round(level * math.cos(i * 0.1))] * 2) for i in range(frames))
+    open(f"{sys.argv[1]}/{name}.wav", "wb").write(b"RIFF" + struct.pack("<I", 36 + len(data)) + b"WAVEfmt " +
+        struct.pack("<IHHIIHH", 16, 1, 2, 44100, 176400, 4, 16) + b"data" + struct.pack("<I", len(data)) + data)
 PY
-printf '[Test]\r\nPath_0=Audio_Sample\\Blip.wav\r\n' >"$work/home/palette.ini"
+printf '[Test]\r\nPath_0=Audio_Sample\\Blip.wav\r\nPath_1=Audio_Sample\\Soft.wav\r\nLoop_1=1\r\n' \
+    >"$work/home/palette.ini"
 printf '[Settings]\r\nPaletteIndex=Test\r\nConfirmExit=0\r\nCheckUpdate=0\r\nMIDIEnabled=0\r\n' >"$work/home/zv.ini"
 PRESS_TRACE=$work/trace LD_PRELOAD=$work/trace.so "$bin/zentrova" -t --home "$work/home" >"$work/program.log" 2>&1 &
 program=$!
@@ -57,11 +35,15 @@ window=$(for id in $(xdotool search --onlyvisible --pid $program --name '^Zentro
     eval "$(xdotool getwindowgeometry --shell "$id")" && echo "$WIDTH $HEIGHT $id"
 done | sort -n | tail -1)
 read -r width height id <<<"$window"
+if [ "$mode" = amid ]; then
+    xdotool mousemove --window "$id" $((width * 22 / 100)) $((height * 28 / 100)) click 1
+fi
 xdotool mousemove --window "$id" $((width * 8 / 100)) $((height * 28 / 100))
 sleep 0.5
+[ "$mode" = rest ] && pause=2.3 || pause=0.2
 for ((i = 0; i < count; ++i)); do
     xdotool click 1
-    sleep "0.2$((RANDOM % 100))" # never in step with the server
+    sleep "$pause$((RANDOM % 100))" # never in step with the server
 done
 sleep 0.5
 /usr/bin/python3 - "$work/trace" "$count" <<'PY'

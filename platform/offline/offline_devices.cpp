@@ -72,13 +72,14 @@ class Line final : public SoundDevice {
 
     Jack* jack() const { return jack_; }
     bool input() const { return input_; }
-    bool running() const { return !jack_ || jack_->plugged; }
+    bool running() const { return !jack_ || (jack_->plugged && !resting_); }
     SoundClient& client() { return client_; }
 
     /// The device's clock begins anew at the present moment.
     void restart() {
         origin_ = world_->now;
         done_ = 0;
+        resting_ = false;
     }
     /// Counts from the next period on, so that a change of the clock's pace does not reach back.
     void anchor() {
@@ -100,8 +101,12 @@ class Line final : public SoundDevice {
         } else {
             client_.render(buffer_);
             if (jack_ && world_->options.keepSound) keep();
+            resting_ = world_->options.rests && client_.resting();
         }
         done_ += frames;
+    }
+    void wake() override {
+        if (resting_) restart();
     }
 
   private:
@@ -153,6 +158,7 @@ class Line final : public SoundDevice {
     SoundClient& client_;
     double origin_ = 0;
     std::uint64_t done_ = 0;  ///< frames since the origin
+    bool resting_ = false;
     std::vector<float> buffer_;
 };
 
@@ -180,6 +186,7 @@ class Offline final : public OfflineDevices {
     }
     bool offline() const override { return true; }
     bool oneClock() const override { return !world_->clocksDiffer; }
+    bool rests() const override { return world_->options.rests; }
 
     void pull(std::uint64_t frames, std::uint32_t rate) override {
         const double target = world_->now + static_cast<double>(frames) * ticksPerSecond / std::max(rate, 1U);

@@ -1,7 +1,9 @@
 #include "platform/paced/paced_device.h"
 
-#include <atomic>
+#include <algorithm>
 #include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -11,51 +13,76 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr auto longestLag =
-    std::chrono::milliseconds(200);  // a machine that slept does not catch up on its sleep
+    std::chrono::milliseconds(200);     // a machine that slept does not catch up on its sleep
+constexpr std::uint32_t restCalls = 5;  // calls a second while the client rests
 
 class PacedDevice : public SoundDevice {
   public:
     PacedDevice(std::uint32_t rate, std::uint32_t period, SoundClient& client)
         : rate_(rate), period_(period), client_(&client), thread_([this] { run(); }) {}
     ~PacedDevice() override {
-        stopping_ = true;
+        {
+            const std::lock_guard lock(mutex_);
+            stopping_ = true;
+        }
+        changed_.notify_one();
         thread_.join();
     }
     std::uint32_t rate() const override { return rate_; }
     std::uint32_t period() const override { return period_; }
+    void wake() override {
+        {
+            const std::lock_guard lock(mutex_);
+            if (!resting_) return;
+            woken_ = true;
+        }
+        changed_.notify_one();
+    }
 
   private:
     void run() {
-        std::vector<float> sound(std::size_t{period_} * 2);
-        const auto length = std::chrono::nanoseconds(std::uint64_t{1'000'000'000} * period_ / rate_);
-        // Deadlines count from the start, so that rounding and late wake-ups do not add up.
+        const std::uint32_t lump = std::max(period_, rate_ / restCalls);
+        std::vector<float> sound(std::size_t{lump} * 2);
+        const auto lasts = [&](std::uint64_t frames) {
+            return std::chrono::nanoseconds(frames / rate_ * 1'000'000'000 +
+                                            frames % rate_ * 1'000'000'000 / rate_);
+        };
+        // Deadlines count from one moment, so that rounding and late wake-ups do not add up.
         auto start = Clock::now();
-        std::uint64_t periods = 0;
+        std::uint64_t frames = 0;
+        std::unique_lock lock(mutex_);
         while (!stopping_) {
-            client_->render(sound);
-            ++periods;
-            const auto due =
-                start + std::chrono::nanoseconds(periods * period_ / rate_ * 1'000'000'000 +
-                                                 periods * period_ % rate_ * 1'000'000'000 / rate_);
-            if (Clock::now() > due + longestLag) {
-                start = Clock::now() - length;
-                periods = 1;
-            } else {
-                std::this_thread::sleep_until(due);
+            // Asked under the lock: an order that comes later finds the device resting and wakes it.
+            resting_ = client_->resting();
+            const std::uint32_t now = resting_ ? lump : period_;
+            lock.unlock();
+            client_->render({sound.data(), std::size_t{now} * 2});
+            frames += now;
+            const auto due = start + lasts(frames);
+            const bool late = Clock::now() > due + longestLag;
+            lock.lock();
+            if (!late) changed_.wait_until(lock, due, [this] { return stopping_ || woken_; });
+            if (late || woken_) {
+                start = Clock::now();
+                frames = 0;
             }
+            woken_ = resting_ = false;
         }
     }
 
     std::uint32_t rate_;
     std::uint32_t period_;
     SoundClient* client_;
-    std::atomic<bool> stopping_ = false;
+    std::mutex mutex_;  ///< between the thread and wake()
+    std::condition_variable changed_;
+    bool stopping_ = false, resting_ = false, woken_ = false;
     std::thread thread_;
 };
 
 }  // namespace
 
-std::unique_ptr<SoundDevice> openPacedDevice(std::uint32_t rate, std::uint32_t periodFrames, SoundClient& client) {
+std::unique_ptr<SoundDevice> openPacedDevice(std::uint32_t rate, std::uint32_t periodFrames,
+                                             SoundClient& client) {
     if (rate == 0 || periodFrames == 0) return nullptr;
     return std::make_unique<PacedDevice>(rate, periodFrames, client);
 }

@@ -1,10 +1,13 @@
 #include "platform/pulse/pulse_device.h"
 
 #include <pthread.h>
+#include <sys/eventfd.h>
 #include <sys/time.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstring>
 
 namespace zv {
 namespace {
@@ -17,10 +20,14 @@ constexpr std::size_t frameBytes = channels * sizeof(float);
 // two requests with the output itself: with nothing left it would wake up 2,000 times a second.
 constexpr std::uint32_t bufferedHalves = 5;
 constexpr std::uint32_t requestedHalves = 1;
+// While the client rests the server asks for so much silence at a time. What it keeps is longer by two of
+// them, so that the output itself stays as short as ever.
+constexpr std::uint32_t restsInSecond = 2;
 constexpr auto openLimit = 2s;
 constexpr pa_usec_t soon = 20 * PA_USEC_PER_MSEC;
 constexpr pa_usec_t later = 500 * PA_USEC_PER_MSEC;
 constexpr int audioPriority = 10;
+constexpr auto unset = static_cast<std::uint32_t>(-1);
 
 timeval inMicroseconds(pa_usec_t microseconds) {
     timeval when{};
@@ -45,11 +52,13 @@ PulseDevice::PulseDevice(const PulseOptions& options, Direction direction, std::
       rate_(rate),
       client_(&client),
       thrownAway_(std::size_t{options.periodFrames} * channels),
-      silence_(std::size_t{options.periodFrames} * channels) {}
+      silence_(std::size_t{options.periodFrames} * channels),
+      first_(std::size_t{options.periodFrames} * channels) {}
 
 PulseDevice::~PulseDevice() {
     if (!loop_) return;
     pa_threaded_mainloop_lock(loop_);
+    if (wakeEvent_) api_->io_free(wakeEvent_);
     if (retryTimer_) api_->time_free(retryTimer_);
     if (paceTimer_) api_->time_free(paceTimer_);
     dropStream();
@@ -57,12 +66,23 @@ PulseDevice::~PulseDevice() {
     pa_threaded_mainloop_unlock(loop_);
     pa_threaded_mainloop_stop(loop_);
     pa_threaded_mainloop_free(loop_);
+    if (wakeFile_ >= 0) close(wakeFile_);
 }
 
 bool PulseDevice::open() {
     loop_ = pa_threaded_mainloop_new();
     if (!loop_) return false;
     api_ = pa_threaded_mainloop_get_api(loop_);
+    wakeFile_ = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+    if (direction_ == Direction::Output && wakeFile_ >= 0)
+        wakeEvent_ = api_->io_new(
+            api_, wakeFile_, PA_IO_EVENT_INPUT,
+            [](pa_mainloop_api*, pa_io_event*, int file, pa_io_event_flags_t, void* self) {
+                eventfd_t times = 0;
+                eventfd_read(file, &times);
+                static_cast<PulseDevice*>(self)->woken();
+            },
+            this);
     if (!connectContext() || pa_threaded_mainloop_start(loop_) < 0) return false;
     std::unique_lock lock(openMutex_);
     opened_.wait_for(lock, openLimit, [&] { return openState_ != State::Opening; });
@@ -177,7 +197,6 @@ void PulseDevice::openStream() {
     pa_stream_set_state_callback(stream_, &PulseDevice::onStreamState, this);
     const char* name = id_.empty() ? nullptr : id_.c_str();
     const auto periodBytes = static_cast<std::uint32_t>(options_.periodFrames * frameBytes);
-    constexpr auto unset = static_cast<std::uint32_t>(-1);
     // The stream stays where it was put: one that wanders to another card would be on air from the wrong
     // output.
     const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
@@ -189,8 +208,8 @@ void PulseDevice::openStream() {
                 static_cast<PulseDevice*>(self)->giveSound(bytes);
             },
             this);
-        const std::uint32_t half = periodBytes / 2;
-        const pa_buffer_attr buffer{unset, bufferedHalves * half, 0, requestedHalves * half, unset};
+        resting_ = false;
+        const pa_buffer_attr buffer = queue(false);
         result = pa_stream_connect_playback(stream_, name, &buffer, flags, nullptr, nullptr);
     } else {
         pa_stream_set_read_callback(
@@ -294,21 +313,99 @@ void PulseDevice::pace() {
 }
 
 void PulseDevice::giveSound(std::size_t bytes) {
-    std::size_t frames = bytes / frameBytes;
-    while (frames > 0) {
-        void* room = nullptr;
-        std::size_t roomBytes = std::min<std::size_t>(frames, options_.periodFrames) * frameBytes;
-        if (pa_stream_begin_write(stream_, &room, &roomBytes) < 0 || !room) return;
-        const std::size_t now =
-            std::min<std::size_t>({roomBytes / frameBytes, frames, options_.periodFrames});
-        if (now == 0) {
-            pa_stream_cancel_write(stream_);
-            return;
+    if (resting_.load(std::memory_order_relaxed)) {
+        if (client_->resting()) {
+            giveSilence(bytes);
+        } else {
+            woken();
         }
-        client_->render({static_cast<float*>(room), now * channels});
-        if (pa_stream_write(stream_, room, now * frameBytes, nullptr, 0, PA_SEEK_RELATIVE) < 0) return;
+        return;
+    }
+    for (std::size_t frames = bytes / frameBytes; frames > 0;) {
+        const std::size_t now = std::min<std::size_t>(frames, options_.periodFrames);
+        if (!give(now, PA_SEEK_RELATIVE)) return;
         frames -= now;
     }
+    if (client_->resting()) rest();
+}
+
+/// One period at most.
+bool PulseDevice::give(std::size_t frames, pa_seek_mode_t where) {
+    while (frames > 0) {
+        void* room = nullptr;
+        std::size_t roomBytes = frames * frameBytes;
+        if (pa_stream_begin_write(stream_, &room, &roomBytes) < 0 || !room) return false;
+        const std::size_t now = std::min(roomBytes / frameBytes, frames);
+        if (now == 0) {
+            pa_stream_cancel_write(stream_);
+            return false;
+        }
+        client_->render({static_cast<float*>(room), now * channels});
+        if (pa_stream_write(stream_, room, now * frameBytes, nullptr, 0, where) < 0) return false;
+        where = PA_SEEK_RELATIVE;
+        frames -= now;
+    }
+    return true;
+}
+
+// ---- rest
+// ------------------------------------------------------------------------------------------------------
+// While the client has nothing but silence a long stretch of it lies at the server, which asks for more now
+// and then. The device goes on, so that it need not start first. An order puts sound in the place of what is
+// left of the silence, so it is heard even sooner than behind a queue of periods.
+
+pa_buffer_attr PulseDevice::queue(bool resting) const {
+    const auto half = static_cast<std::uint32_t>(options_.periodFrames * frameBytes / 2);
+    if (!resting) return {unset, bufferedHalves * half, 0, requestedHalves * half, unset};
+    const auto ask = static_cast<std::uint32_t>(rate_ / restsInSecond * frameBytes);
+    return {unset, (bufferedHalves - 2 * requestedHalves) * half + 2 * ask, 0, ask, unset};
+}
+
+void PulseDevice::askQueue(bool resting) {
+    const pa_buffer_attr wanted = queue(resting);
+    if (pa_operation* operation = pa_stream_set_buffer_attr(stream_, &wanted, nullptr, nullptr))
+        pa_operation_unref(operation);
+}
+
+void PulseDevice::rest() {
+    resting_.store(true, std::memory_order_seq_cst);
+    // An order that came just now found the device awake.
+    std::atomic_thread_fence(std::memory_order_seq_cst);
+    if (!wakeEvent_ || !client_->resting()) {
+        resting_.store(false, std::memory_order_relaxed);
+        return;
+    }
+    askQueue(true);
+}
+
+void PulseDevice::giveSilence(std::size_t bytes) {
+    while (bytes >= frameBytes) {
+        void* room = nullptr;
+        std::size_t now = bytes;
+        if (pa_stream_begin_write(stream_, &room, &now) < 0 || !room) return;
+        now = std::min(now, bytes) / frameBytes * frameBytes;
+        std::memset(room, 0, now);
+        if (now == 0 || pa_stream_write(stream_, room, now, nullptr, 0, PA_SEEK_RELATIVE) < 0) return;
+        bytes -= now;
+    }
+}
+
+void PulseDevice::wake() {
+    std::atomic_thread_fence(std::memory_order_seq_cst);
+    if (resting_.load(std::memory_order_seq_cst)) eventfd_write(wakeFile_, 1);
+}
+
+void PulseDevice::woken() {
+    if (!resting_.load(std::memory_order_relaxed) || state_ != State::Running) return;
+    client_->render(first_);
+    // Orders were heard that make no sound.
+    if (client_->resting()) return;
+    resting_.store(false, std::memory_order_relaxed);
+    askQueue(false);
+    if (pa_stream_write(stream_, first_.data(), first_.size() * sizeof(float), nullptr, 0,
+                        PA_SEEK_RELATIVE_ON_READ) < 0)
+        return;
+    give(options_.periodFrames / 2, PA_SEEK_RELATIVE);
 }
 
 void PulseDevice::takeSound() {

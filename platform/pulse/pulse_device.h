@@ -3,6 +3,7 @@
 
 #include <pulse/pulseaudio.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <memory>
@@ -30,6 +31,7 @@ class PulseDevice : public SoundDevice {
 
     std::uint32_t rate() const override { return rate_; }
     std::uint32_t period() const override { return options_.periodFrames; }
+    void wake() override;
 
   private:
     enum class State { Opening, Running, Lost, Failed };
@@ -42,7 +44,13 @@ class PulseDevice : public SoundDevice {
     void streamGone();
     void streamReady();
     void giveSound(std::size_t bytes);
+    bool give(std::size_t frames, pa_seek_mode_t where);
     void takeSound();
+    void rest();
+    void giveSilence(std::size_t bytes);
+    void woken();
+    pa_buffer_attr queue(bool resting) const;
+    void askQueue(bool resting);
     void retryIn(pa_usec_t microseconds);
     void retry();
     void paceOn();
@@ -64,6 +72,7 @@ class PulseDevice : public SoundDevice {
     pa_mainloop_api* api_ = nullptr;
     pa_context* context_ = nullptr;
     pa_stream* stream_ = nullptr;
+    pa_io_event* wakeEvent_ = nullptr;
     pa_time_event* retryTimer_ = nullptr;
     pa_time_event* paceTimer_ = nullptr;
     pa_usec_t lostAt_ = 0;           ///< when the device went away
@@ -71,6 +80,10 @@ class PulseDevice : public SoundDevice {
     std::vector<float> thrownAway_;  ///< sound of a device that is away
     std::vector<float> silence_;     ///< what an input gives for a hole in its stream
     State state_ = State::Opening;
+
+    int wakeFile_ = -1;                 ///< an event to the thread
+    std::atomic<bool> resting_{false};  ///< a long stretch of silence lies at the server
+    std::vector<float> first_;          ///< what is given first after a rest
 
     std::mutex openMutex_;  ///< between open() and the thread, while opening only
     std::condition_variable opened_;

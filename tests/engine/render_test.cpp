@@ -1,6 +1,5 @@
-// What goes out does not depend on how it is asked for: periods, outputs, clocks, readers.
+// What goes out does not depend on how it is asked for: periods, outputs, readers.
 #include <algorithm>
-#include <cstdlib>
 #include <random>
 
 #include "tests/engine/show.h"
@@ -157,107 +156,6 @@ TEST_F(Rendering, OutputsOfAnotherRateAreConverted) {
         worst = std::max(worst, std::abs(static_cast<double>(sound[f * 2] - sine(f, 1000, 44100, 0.5))));
     // Up and down again: both conversions are transparent.
     EXPECT_LT(worst, 1e-3);
-}
-
-/// Minutes by default; a whole day when asked for.
-int driftSeconds() {
-    const char* hours = std::getenv("ZENTROVA_DRIFT_HOURS");
-    return hours ? static_cast<int>(std::atof(hours) * 3600) : 240;
-}
-
-/// Two outputs whose clocks differ. A ramp of phase shows every gap and every change of pitch.
-class Drift : public Show, public testing::WithParamInterface<std::pair<double, double>> {};
-
-TEST_P(Drift, TheAuxiliaryFollowsWithoutGapOrLag) {
-    constexpr double hz = 100, rate = 44100;
-    decoders->sounds["long"] = {
-        .length = std::uint64_t{44100} * 60,
-        .sample = [](std::uint64_t f, std::uint32_t) { return sine(f % 441, hz, rate, 0.5); }};
-    devices->setClockError(kMainName, GetParam().first);
-    devices->setClockError(kAuxName, GetParam().second);
-    const Topology studio;
-    const DWORD source = file("long");
-    const DWORD jingle = studio.jingle(source);
-    BASS_ChannelFlags(source, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
-    BASS_ChannelPlay(jingle, false);
-    pull(44100);
-    take();
-    take(kAuxName);
-    std::array<float, 441> turn{};
-    std::array<double, 441> cosine{}, sines{};
-    for (std::size_t f = 0; f < turn.size(); ++f) {
-        const double angle = 2 * std::numbers::pi * hz * static_cast<double>(f) / rate;
-        turn[f] = sine(f, hz, rate, 0.5);
-        cosine[f] = std::cos(angle);
-        sines[f] = std::sin(angle);
-    }
-    const int seconds = driftSeconds();
-    std::uint64_t expectedFrame = 0;
-    double lastPhase = 0;
-    bool first = true;
-    for (int second = 0; second < seconds; ++second) {
-        pull(44100);
-        // The main output is the file itself, to the bit, whatever the clocks do.
-        const std::vector<float> main = take();
-        if (first) {
-            while (expectedFrame < 441 && main[200] != sine((expectedFrame + 100) % 441, hz, rate, 0.5))
-                ++expectedFrame;
-            ASSERT_LT(expectedFrame, 441U);
-        }
-        for (std::size_t f = first ? 100 : 0; f < main.size() / 2; ++f)
-            if (main[f * 2] != turn[(expectedFrame + f) % 441])
-                FAIL() << "main at " << second << " s, frame " << f;
-        expectedFrame += main.size() / 2;
-
-        // The auxiliary: a sine without a corner, of the right frequency by its own clock.
-        const std::vector<float> aux = take(kAuxName);
-        const std::size_t n = aux.size() / 2 / 441 * 441;
-        for (std::size_t f = 2; f < aux.size() / 2; ++f) {
-            const double bend = aux[f * 2] - 2.0 * aux[(f - 1) * 2] + aux[(f - 2) * 2];
-            if (!(std::abs(bend) < 2e-4)) FAIL() << "a gap at " << second << " s, frame " << f;
-        }
-        double re = 0, im = 0;
-        for (std::size_t f = 0; f < n; ++f) {
-            re += aux[f * 2] * cosine[f % 441];
-            im += aux[f * 2] * sines[f % 441];
-        }
-        ASSERT_GT(std::hypot(re, im) / static_cast<double>(n) * 2, 0.49);
-        double phase = std::atan2(re, im);
-        // Phases of two seconds compare over the frames that lay between their beginnings.
-        const double span = static_cast<double>(aux.size() / 2) / rate;
-        if (!first) {
-            const double turned = std::remainder(phase - lastPhase, 2 * std::numbers::pi);
-            EXPECT_LT(std::abs(turned) / (2 * std::numbers::pi * hz * span), 0.0005) << second;
-        }
-        lastPhase = phase + 2 * std::numbers::pi * hz * span;
-        first = false;
-    }
-    EXPECT_EQ(engineControl()->statistics(kAux).starvations, 0U);
-}
-
-INSTANTIATE_TEST_SUITE_P(Clocks, Drift,
-                         testing::Values(std::pair{200.0, 0.0}, std::pair{-200.0, 0.0},
-                                         std::pair{100.0, -100.0}, std::pair{0.0, 0.0}));
-
-TEST_F(Rendering, TheLagBetweenTwoClocksStaysShort) {
-    // The marks of a clock that counts frames show how far the auxiliary is behind.
-    decoders->sounds["count"] = {.length = 40000, .sample = ramp};
-    devices->setClockError(kAuxName, -200);
-    const Topology studio;
-    const DWORD source = file("count");
-    const DWORD jingle = studio.jingle(source);
-    BASS_ChannelFlags(source, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
-    BASS_ChannelPlay(jingle, false);
-    pull(88200);
-    double worst = 0;
-    for (int second = 0; second < 400; ++second) {
-        pull(44100);
-        const std::vector<float> main = take(), aux = take(kAuxName);
-        const double behind = frameOf(main[main.size() - 2]) - frameOf(aux[aux.size() - 2]);
-        if (std::abs(behind) < 20000) worst = std::max(worst, std::abs(behind));
-    }
-    EXPECT_LT(worst, 4410);
-    EXPECT_GT(worst, 100);
 }
 
 }  // namespace

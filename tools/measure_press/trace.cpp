@@ -1,5 +1,5 @@
 // Stands between the program and its libraries (LD_PRELOAD) and notes two moments on the monotonic clock: a
-// mouse press is handed to the toolkit; a block handed to the sound server holds the first sound after
+// mouse press is handed to the toolkit; a block handed to the sound server holds the first loud sound after
 // silence. The program itself knows nothing of it. One line each to the file PRESS_TRACE: "press NS" or
 // "sound NS".
 #include <dlfcn.h>
@@ -18,7 +18,7 @@ namespace {
 constexpr std::uint8_t kButtonPress = 4;    // of the core protocol
 constexpr std::uint8_t kGenericEvent = 35;  // carries the input extension's events
 constexpr std::uint16_t kInputButtonPress = 4;
-constexpr float kSilence = 1e-5F;
+constexpr float kSoft = 0.01F;  // what sounds below that goes on by itself
 constexpr std::size_t kQuietSamples = 4410 * 2;  // 100 ms of stereo at 44,100
 
 struct AnyEvent {
@@ -74,7 +74,7 @@ extern "C" int pa_stream_write(void* stream, const void* data, std::size_t bytes
     const auto* samples = static_cast<const float*>(data);
     bool heard = false;
     for (std::size_t i = 0; i < bytes / sizeof(float); ++i) {
-        if (std::fabs(samples[i]) > kSilence) {
+        if (std::fabs(samples[i]) > kSoft) {
             heard = heard || quiet >= kQuietSamples;
             quiet = 0;
         } else {
