@@ -9,67 +9,43 @@
 #include <stdexcept>
 #include <string>
 
-#include "app/start.h"
 #include "benchmarks/measure.h"
+#include "benchmarks/program.h"
 #include "model/palette_files.h"
 #include "model/upcalls.h"
 #include "platform/desktop.h"
-#include "platform/qt/view/shell.h"
-#include "platform/rehearsal/rehearsal.h"
-#include "ui/main_window.h"
 #include "ui/palette_list.h"
 
 namespace zv::bench {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr int kPalettes = 2000, kSounds = 50, kStarts = 3, kRuns = 15;
 
 std::string paletteName(int palette) { return "Palette " + std::to_string(palette); }
 
-/// A program folder; with `palettes` of them in its file.
-class Home {
-  public:
-    explicit Home(int palettes)
-        : folder(fs::temp_directory_path() /
-                 ("zentrova-bench-library-" + std::to_string(getpid()) + "-" + std::to_string(palettes))) {
-        fs::create_directories(folder / "out");
-        std::ofstream(folder / "zv.ini")
-            << "[Settings]\r\nJinglesRows=8\r\nJinglesCols=12\r\nConfirmExit=0\r\nSealed=0\r\nPaletteIndex="
-            << paletteName(0) << "\r\n";
-        std::ofstream(folder / "show.txt") << "at 0 end\n";
-        std::ofstream(folder / "longer.txt") << "at 4000 end\n";
-        std::ofstream file(folder / "palette.ini");
-        for (int p = 0; p < palettes; ++p) {
-            file << '[' << paletteName(p) << "]\r\n";
-            for (int j = 0; j < kSounds; ++j) {
-                file << "Path_" << j << "=Samples\\A folder of the archive of the year " << p
-                     << "\\A long name as they have them, number " << j << ".wav\r\nBTNCol_" << j
-                     << "=80C0FF\r\nVolm_" << j << "=85\r\nFadeOut_" << j << "=1500\r\nFXV_" << j
-                     << "=0,0,0,0,-2,-3,0,300,0,44100,0\r\n";
-            }
+/// A program folder with `palettes` of them in its file.
+void writeLibrary(const Home& home, int palettes) {
+    home.file("zv.ini")
+        << "[Settings]\r\nJinglesRows=8\r\nJinglesCols=12\r\nConfirmExit=0\r\nSealed=0\r\nPaletteIndex="
+        << paletteName(0) << "\r\n";
+    home.file("show.txt") << "at 0 end\n";
+    home.file("longer.txt") << "at 4000 end\n";
+    auto file = home.file("palette.ini");
+    for (int p = 0; p < palettes; ++p) {
+        file << '[' << paletteName(p) << "]\r\n";
+        for (int j = 0; j < kSounds; ++j) {
+            file << "Path_" << j << "=Samples\\A folder of the archive of the year " << p
+                 << "\\A long name as they have them, number " << j << ".wav\r\nBTNCol_" << j
+                 << "=80C0FF\r\nVolm_" << j << "=85\r\nFadeOut_" << j << "=1500\r\nFXV_" << j
+                 << "=0,0,0,0,-2,-3,0,300,0,44100,0\r\n";
         }
     }
-    ~Home() {
-        std::error_code ignored;
-        fs::remove_all(folder, ignored);
-    }
-    Home(const Home&) = delete;
-    Home& operator=(const Home&) = delete;
-    fs::path folder;
-};
-
-fs::path executables() { return fs::read_symlink("/proc/self/exe").parent_path(); }
+}
 
 /// Seconds of one start and end of the whole program.
 double startOn(const Home& home) {
-    const std::string at = home.folder.string();
-    const std::string command = "'" + (executables() / "rehearse").string() + "' '" + at +
-                                "/show.txt' --home '" + at + "' --out '" + at +
-                                "/out' --no-sound 2>/dev/null";
     const double before = wallSeconds();
-    if (std::system(command.c_str()) != 0) throw std::runtime_error("the program did not start");
+    performAside(home, "show.txt");
     return wallSeconds() - before;
 }
 
@@ -78,31 +54,14 @@ struct Times {
 };
 
 /// The program at work on the library; in a process of its own, as it starts once only.
-int work(const Home& home, const fs::path& results) {
-    char name[] = "bench_program";
-    char* words[] = {name, nullptr};
-    int count = 1;
-    shell::startQt(count, words, true);
-    RehearsalOptions options;
-    options.script = (home.folder / "longer.txt").string();
-    options.home = home.folder.string();
-    options.out = (home.folder / "out").string();
-    options.keepSound = false;
-    CommandLine commandLine;
-    commandLine.home = options.home;
+void work(const Home& home) {
     const auto timed = [](auto&& what) {
         const double before = wallSeconds();
         what();
         return (wallSeconds() - before) * 1000;
     };
     std::vector<double> refreshed, named, opened, saved;
-    RehearsedProgram program;
-    program.start = [&] {
-        EnterProgramFolder(commandLine, executables().string());
-        return Main(commandLine);
-    };
-    program.close = [] { shell::closeWindow(frmMain().window); };
-    program.fault = [&]() -> std::string {
+    perform(home, "longer.txt", [&]() -> std::string {
         const int run = static_cast<int>(opened.size());
         if (run == kRuns) return {};
         const std::string palette = paletteName(run * 131 % kPalettes);
@@ -120,18 +79,19 @@ int work(const Home& home, const fs::path& results) {
             processEvents();  // the window shows it
         }));
         return {};
-    };
-    const int status = rehearse(options, program);
-    shell::endQt();
-    if (status != kRehearsalPassed || opened.size() < kRuns) return 1;
-    std::ofstream(results) << median(refreshed) << ' ' << median(named) << ' ' << median(opened) << ' '
-                           << median(saved);
-    return 0;
+    });
+    if (opened.size() < kRuns) throw std::runtime_error("the show was too short");
+    home.file("results") << median(refreshed) << ' ' << median(named) << ' ' << median(opened) << ' '
+                         << median(saved);
 }
 
 void library() {
-    const Home empty(0), one(1), large(kPalettes);
-    tell("library-size", static_cast<double>(fs::file_size(large.folder / "palette.ini")) / 1e6, "MB");
+    const Home empty("empty"), one("one"), large("large");
+    writeLibrary(empty, 0);
+    writeLibrary(one, 1);
+    writeLibrary(large, kPalettes);
+    tell("library-size", static_cast<double>(std::filesystem::file_size(large.path("palette.ini"))) / 1e6,
+         "MB");
     startOn(empty);
     startOn(one);
     tell("library-first-start", startOn(large), "s");  // it copies the file for the backups
@@ -146,12 +106,12 @@ void library() {
     // The palette that is shown is the same: what is more is the file's.
     atMost("library-start-longer", median(big) - median(small), "s", 1);
 
-    const fs::path results = large.folder / "results";
     const pid_t child = ::fork();
     if (child == 0) {
         int status = 1;
         try {
-            status = work(large, results);
+            work(large);
+            status = 0;
         } catch (...) {
         }
         ::_exit(status);
@@ -159,7 +119,8 @@ void library() {
     int status = 0;
     ::waitpid(child, &status, 0);
     Times times;
-    if (status != 0 || !(std::ifstream(results) >> times.refresh >> times.names >> times.open >> times.save))
+    if (status != 0 ||
+        !(std::ifstream(large.path("results")) >> times.refresh >> times.names >> times.open >> times.save))
         throw std::runtime_error("the program at work on the library failed");
     atMost("library-list-refresh", times.refresh, "ms", 150);
     atMost("library-open-names", times.names, "ms", 10);
