@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 
 #include "engine/bass.h"
 #include "platform/file_decoders/file_decoders.h"
@@ -11,35 +10,7 @@
 namespace zv::test {
 namespace {
 
-constexpr std::size_t headerBytes = 1084;
-constexpr std::size_t patternBytes = 64 * 4 * 4;
-constexpr std::size_t waveBytes = 64;
 constexpr double rowSeconds = 6 * 2.5 / 125;  // six ticks a row at 125 beats
-
-/// A four-channel module of one pattern: a looped wave, struck on every eighth row, and after `rows` rows a
-/// jump back to the beginning, which would go on for ever.
-std::vector<char> tinyModule(int rows) {
-    std::vector<char> bytes(headerBytes + patternBytes + waveBytes, 0);
-    std::memcpy(bytes.data(), "tiny", 4);
-    char* sample = bytes.data() + 20;
-    sample[23] = waveBytes / 2;  // length in words
-    sample[25] = 64;             // volume
-    sample[29] = waveBytes / 2;  // loop from 0, this many words
-    bytes[950] = 1;              // one position
-    bytes[951] = 127;
-    std::memcpy(bytes.data() + 1080, "M.K.", 4);
-    for (int row = 0; row < rows; row += 8) {
-        char* cell = bytes.data() + headerBytes + row * 16;
-        cell[0] = 0x01, cell[1] = static_cast<char>(0xAC);  // a middle note of sample 1
-        cell[2] = 0x10;
-    }
-    char* last = bytes.data() + headerBytes + (rows - 1) * 16;
-    last[2] = static_cast<char>((last[2] & 0xF0) | 0x0B), last[3] = 0;  // jump to position 0
-    for (std::size_t i = 0; i < waveBytes; ++i)
-        bytes[headerBytes + patternBytes + i] = static_cast<char>(
-            std::lround(100 * std::sin(2 * 3.14159265 * static_cast<double>(i) / waveBytes)));
-    return bytes;
-}
 
 TEST(Modules, ExactLengthExactSeeksNoEndlessRepeat) {
     const Folder folder;

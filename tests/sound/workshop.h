@@ -42,6 +42,10 @@ void writeWav(const std::string& path, std::span<const float> sound, std::uint32
 std::vector<char> readBytes(const std::string& path);
 void writeBytes(const std::string& path, std::span<const char> bytes);
 
+/// A tracker module of four channels and one pattern: a looped wave, struck on every eighth row, and after
+/// `rows` rows a jump back to the beginning, which would go on for ever.
+std::vector<char> tinyModule(int rows);
+
 /// All that a decoder gives from where it stands, in reads of uneven sizes.
 std::vector<float> readWhole(Decoder& decoder);
 
