@@ -60,6 +60,10 @@ def press(node):
     return False
 
 
+def checked(node):
+    return node.getState().contains(pyatspi.STATE_CHECKED)
+
+
 def shown(node):
     return node.getState().contains(pyatspi.STATE_SHOWING)
 
@@ -89,11 +93,34 @@ def main():
         check(buttons, f"{name} is not reachable by its name")
         for n in buttons[:1]:
             check(n.queryAction().nActions > 0, f"{name} cannot be pressed")
+    # Toggles say whether they are on; Repeat and Touch exclude each other.
+    toggles = {name: by_name[name][0] for name in ("Repeat", "Touch", "Automix") if by_name.get(name)}
+    for name, n in toggles.items():
+        check(n.getRole() == pyatspi.ROLE_CHECK_BOX, f"{name} does not tell that it can be on")
+        check(not checked(n), f"{name} says it is on")
+    if len(toggles) == 3:
+        for on, off in (("Repeat", "Touch"), ("Touch", "Repeat")):
+            check(press(toggles[on]), f"{on} cannot be pressed")
+            check(until(lambda: checked(toggles[on])), f"{on} does not say that it is on")
+            check(until(lambda: not checked(toggles[off])), f"{off} still says that it is on")
+        press(toggles["Touch"])
+        check(until(lambda: not checked(toggles["Touch"])), "Touch still says that it is on")
+
+    # The list is named, and says which palette is open.
+    lists = [n for n in nodes if n.getRole() == pyatspi.ROLE_LIST]
+    check(len(lists) == 1 and lists[0].name == "Palettes", f"lists: {[n.name for n in lists]}")
+    if lists:
+        rows = [(n.name.strip(), n.getState().contains(pyatspi.STATE_SELECTED)) for n in lists[0]]
+        check(rows == [("Jazz Hour", False), ("Sample Radio", True), ("Sports Saturday", False)], f"rows: {rows}")
+    display = [n for n in nodes if re.match(r"^00\.0$", n.name)]
+    check(display and "Sample Radio" in display[0].description, "the display does not tell counter and palette")
+
     for name in TABS:
         tabs = by_name.get(name, [])
         check(tabs, f"the tab {name} is not reachable by its name")
         if tabs:
             check(press(tabs[0]), f"the tab {name} cannot be pressed")
+            check(until(lambda: tabs[0].getState().contains(pyatspi.STATE_SELECTED)), f"the tab {name} is not open")
     check(until(lambda: any(n.name.startswith("Play") and shown(n) for n in below(window))),
           "the last tab did not show its options")
 
@@ -107,6 +134,8 @@ def main():
         before = bed.description
         check(until(lambda: bed.description != before), f"the time left stays at \"{before}\"")
         check(PLAYING.match(bed.description), f"while it sounds: \"{bed.description}\"")
+        check(display and until(lambda: re.match(r"^\d\d\.\d$", display[0].name) and display[0].name != "00.0"),
+              "the display does not tell the time left")
         stop = by_name.get("STOP", [None])[0]
         check(stop is not None and press(stop), "STOP was refused")
         check(until(lambda: bed.description.startswith("ready")), f"after STOP: \"{bed.description}\"")
@@ -114,7 +143,8 @@ def main():
     for text in faults:
         print(f"screen_reader: {text}", file=sys.stderr)
     if not faults:
-        print(f"screen_reader: {len(jingles)} jingle buttons, {len(NAMED)} keys and {len(TABS)} tabs; "
+        print(f"screen_reader: {len(jingles)} jingle buttons, {len(NAMED)} keys, {len(TABS)} tabs, "
+              "toggles, list and display; "
               "a press was seen to start and STOP to end it")
     return 1 if faults else 0
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QWheelEvent>
 
@@ -151,6 +152,9 @@ TEST(Keys, EveryControlCanBeReachedAndPressed) {
     EXPECT_EQ(s.told(), "b_Jingle(1):down") << "held as long as the key";
     keyUp(Key::enter);
     EXPECT_EQ(s.told(), "b_Jingle(1):up");
+    QContextMenuEvent menu(QContextMenuEvent::Keyboard, QPoint(5, 5), QPoint(5, 5));
+    QCoreApplication::sendEvent(&viewOf(s.families[1]->button)->widget, &menu);
+    EXPECT_EQ(s.told(), "b_Jingle(1):downR b_Jingle(1):upR") << "the menu key";
     keyDown(Key::down);
     EXPECT_EQ(focusedControl(), &s.families[4]->button);
     std::vector<const Control*> reached;

@@ -152,7 +152,8 @@ TEST(Jingle, OnlyWhatChangedIsPaintedAgain) {
     EXPECT_TRUE(w.takeAsked().isEmpty()) << "a hidden mark asks for nothing";
     f.lp.visible = true;
     flushChanged();
-    EXPECT_TRUE(QRect(178, 6, 20, 20).contains(w.takeAsked().boundingRect())) << "its place and what is around it";
+    EXPECT_TRUE(QRect(178, 6, 20, 20).contains(w.takeAsked().boundingRect()))
+        << "its place and what is around it";
     f.button.backColor = 0xFFFFFF;
     flushChanged();
     EXPECT_EQ(w.takeAsked().boundingRect(), w.rect());
@@ -322,11 +323,32 @@ TEST(ScreenReader, HearsNameStateAndCanPress) {
     QAccessibleInterface* key = QAccessible::queryAccessibleInterface(&widgetFor(s.key));
     EXPECT_EQ(key->role(), QAccessible::PushButton);
     EXPECT_EQ(key->text(QAccessible::Name), "Key");
+    const auto spokenOf = [](const Control& c) {
+        return QAccessible::queryAccessibleInterface(&widgetFor(c));
+    };
+    s.digit.caption = "7";
+    flushChanged();
+    EXPECT_EQ(spokenOf(s.display)->text(QAccessible::Name), "7") << "the counter is told as it stands";
+    Control naming("lblName", ControlKind::label, &s.window);
+    place(naming, px(s.text.left), px(s.text.top) - 20, 100, 18);
+    naming.caption = "Name of the palette";
+    s.text.touch();
+    flushChanged();
+    EXPECT_EQ(spokenOf(s.text)->text(QAccessible::Name), "Name of the palette");
+    Control on("ckOn", ControlKind::toggle, &s.window);
+    place(on, 700, 300, 60, 20);
+    flushChanged();
+    EXPECT_TRUE(spokenOf(on)->state().checkable);
+    EXPECT_FALSE(spokenOf(on)->state().checked);
+    on.backColor = 0x00FF00;  // armed
+    flushChanged();
+    EXPECT_TRUE(spokenOf(on)->state().checked);
     s.listen(s.key);
     for (const bool clicks : {true, false}) {
         if (!clicks) s.key.onClick = nullptr;
         key->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-        EXPECT_EQ(s.told(), clicks ? "btKey:click" : "btKey:down btKey:up") << "a key that is worked by its press";
+        EXPECT_EQ(s.told(), clicks ? "btKey:click" : "btKey:down btKey:up")
+            << "a key that is worked by its press";
     }
 }
 

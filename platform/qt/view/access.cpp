@@ -12,6 +12,8 @@
 namespace zv::shell {
 namespace {
 
+bool isOn(const Control& toggle) { return toggle.value() != 0 || !isNeutral(toggle, toggle.backColor); }
+
 /// Whatever is pressed.
 class PressInterface : public QAccessibleWidget {
   public:
@@ -26,10 +28,12 @@ class PressInterface : public QAccessibleWidget {
 
     QAccessible::State state() const override {
         QAccessible::State now = QAccessibleWidget::state();
-        const Control& record = view_.record;
-        if (record.kind == ControlKind::toggle) {
+        if (role() == QAccessible::PageTab) {
+            now.selectable = true;
+            now.selected = isOn(view_.record);
+        } else if (view_.record.kind == ControlKind::toggle) {
             now.checkable = true;
-            now.checked = record.value() != 0 || !isNeutral(record, record.backColor);
+            now.checked = isOn(view_.record);
         }
         return now;
     }
@@ -73,6 +77,49 @@ class JingleInterface final : public PressInterface {
     }
 };
 
+/// The display: what stands on its glass, as one text.
+class PanelInterface final : public QAccessibleWidget {
+  public:
+    PanelInterface(QWidget* widget, RecordView& view)
+        : QAccessibleWidget(widget, QAccessible::StaticText), view_(view) {}
+
+    QString text(QAccessible::Text which) const override {
+        switch (which) {
+            case QAccessible::Name:
+                return figures();
+            case QAccessible::Description:
+                return others().join(QLatin1String(", "));
+            default:
+                return QAccessibleWidget::text(which);
+        }
+    }
+
+  private:
+    static bool isFigure(const Control& part) {
+        return part.name.starts_with("lblPos") || part.name.starts_with("sep");
+    }
+
+    QString figures() const {
+        QString out;
+        for (const Control* part : view_.record.children()) {
+            if (part->visible() && isFigure(*part)) out += textOf(part->caption);
+        }
+        return out;
+    }
+
+    QStringList others() const {
+        QStringList out;
+        for (const Control* part : view_.record.children()) {
+            if (!part->visible() || isFigure(*part)) continue;
+            const QString told = textOf(part->kind == ControlKind::symbol ? part->toolTip : part->caption);
+            if (!told.trimmed().isEmpty()) out << told.trimmed();
+        }
+        return out;
+    }
+
+    RecordView& view_;
+};
+
 QAccessibleInterface* make(const QString&, QObject* object) {
     auto* widget = qobject_cast<QWidget*>(object);
     if (widget == nullptr) return nullptr;
@@ -80,15 +127,61 @@ QAccessibleInterface* make(const QString&, QObject* object) {
     RecordView* view = record != nullptr ? viewOf(*record) : nullptr;
     if (view == nullptr || &view->widget != widget) return nullptr;
     if (record->kind == ControlKind::jingle) return new JingleInterface(widget, *view);
-    if (record->kind == ControlKind::button || record->kind == ControlKind::toggle)
+    if (record->kind == ControlKind::button)
         return new PressInterface(widget, *view, QAccessible::PushButton);
+    if (record->kind == ControlKind::toggle) {
+        // Readers tell whether it is on of what they call a check box, and which one is open of tabs.
+        const bool tab = record->name == "ckTab";
+        return new PressInterface(widget, *view, tab ? QAccessible::PageTab : QAccessible::CheckBox);
+    }
+    if (record->kind == ControlKind::panel) return new PanelInterface(widget, *view);
     if (record->kind == ControlKind::label) return new QAccessibleWidget(widget, QAccessible::StaticText);
     return nullptr;
 }
 
 }  // namespace
 
+QString fieldName(const Control& field) {
+    if (!field.toolTip().empty() || field.parent == nullptr) return textOf(field.toolTip);
+    // The label at its left or above it, whichever is nearer.
+    const QRect own = placeOf(field);
+    const Control* best = nullptr;
+    int bestCost = 0;
+    for (const Control* other : field.parent->children()) {
+        if (other->kind != ControlKind::label || !other->visible() || other->caption().empty()) continue;
+        const QRect place = placeOf(*other);
+        const bool beside = place.center().x() < own.left() && place.top() <= own.center().y() &&
+                            place.bottom() >= own.center().y();
+        const bool above = place.bottom() <= own.top() + 2 && place.left() <= own.center().x() &&
+                           place.right() >= own.left();
+        if (!beside && !above) continue;
+        const int cost = beside ? own.left() - place.right() : own.top() - place.bottom();
+        if (best == nullptr || cost < bestCost) {
+            best = other;
+            bestCost = cost;
+        }
+    }
+    if (best != nullptr) return captionOf(best->caption);
+    // Alone on its tab it bears the tab's name.
+    const Control* header =
+        field.parent->name == "fraTab" ? findControl("ckTab", field.parent->index) : nullptr;
+    return header != nullptr ? captionOf(header->caption) : QString();
+}
+
 void installAccessibility() { QAccessible::installFactory(make); }
+
+void tellToggled(RecordView& toggle) {
+    if (!QAccessible::isActive() || toggle.record.kind != ControlKind::toggle) return;
+    const QVariant before = toggle.widget.property("zvOn");
+    const bool on = isOn(toggle.record);
+    if (before.isValid() && before.toBool() == on) return;
+    toggle.widget.setProperty("zvOn", on);
+    if (!before.isValid()) return;
+    QAccessible::State changed;
+    changed.checked = true;
+    QAccessibleStateChangeEvent event(&toggle.widget, changed);
+    QAccessible::updateAccessibility(&event);
+}
 
 void tellNameChanged(QWidget& widget, const QString& name, int colour, int state) {
     // Asked for by nobody, it is not even compared: each tick passes here.

@@ -49,6 +49,7 @@ class KeyWidget final : public QPushButton, public RecordView {
         QPalette p = paletteOf(themeOf(record));
         p.setColor(QPalette::Button, faceOf(record, themeOf(record)));
         setPalette(p);
+        tellToggled(*this);
         update();
     }
 

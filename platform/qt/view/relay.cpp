@@ -60,7 +60,9 @@ class Relay final : public QObject {
             case QEvent::MouseMove:
                 return mouseMoved(*static_cast<QMouseEvent*>(e));
             case QEvent::ContextMenu:
-                return true;  // the right button's press and release have said it
+                // The right button's press and release have said it; the menu key says it here.
+                if (static_cast<QContextMenuEvent*>(e)->reason() == QContextMenuEvent::Keyboard) menuAsked();
+                return true;
             case QEvent::TouchBegin:
             case QEvent::TouchUpdate:
             case QEvent::TouchEnd:
@@ -273,6 +275,15 @@ class Relay final : public QObject {
         KeyEvent event{keyOf(e), shiftOf(e.modifiers()), false, false};
         if (view_.record.onKeyUp) call([&] { view_.record.onKeyUp(event); });
         return event.consumed;
+    }
+
+    void menuAsked() {
+        if (view_.record.kind != ControlKind::jingle) return;
+        MouseEvent event = middle();
+        event.button = MouseButton::right;
+        const QPointer<QWidget> alive(&source_);
+        call(view_.record.onMouseDown, event);
+        if (alive) call(view_.record.onMouseUp, event);
     }
 
     MouseEvent middle() const {

@@ -18,6 +18,11 @@ std::unordered_map<const QObject*, RecordView*>& byWidget() {
     return *map;
 }
 
+bool isField(ControlKind kind) {
+    return kind == ControlKind::listBox || kind == ControlKind::comboBox || kind == ControlKind::textBox ||
+           kind == ControlKind::slider;
+}
+
 }  // namespace
 
 RecordView::RecordView(Control& r, QWidget& w) : record(r), widget(w) {
@@ -38,6 +43,10 @@ void RecordView::refresh() {
     }
     if (widget.isEnabled() != record.enabled()) widget.setEnabled(record.enabled);
     apply();
+    if (isField(record.kind)) {
+        const QString name = fieldName(record);
+        if (widget.accessibleName() != name) widget.setAccessibleName(name);
+    }
     const QString tip = record.toolTip().empty() ? fallbackTip() : textOf(record.toolTip);
     if (widget.toolTip() != tip) widget.setToolTip(tip);
     if (record.kind != ControlKind::window && widget.isHidden() == record.visible()) {

@@ -81,6 +81,11 @@ void makeButtonView(Control& record, QWidget* parent);  ///< button, toggle, che
 void makeFieldView(Control& record, QWidget* parent);   ///< list, combo and text box, slider
 
 void installAccessibility();
+/// Tells screen readers when a toggle went on or off.
+void tellToggled(RecordView& toggle);
+/// What a screen reader calls a list, box or slider, which have no text of their own: the label that stands
+/// beside it.
+QString fieldName(const Control& field);
 void installStyle();
 
 }  // namespace zv::shell
