@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Makes the pictures of the manual and of the window's many faces anew: each is a rehearsal on a fresh copy of the
-# sample folder. Usage: tools/make_pictures.sh [PRESET]; the pictures go to docs/pictures/.
+# sample folder, with one palette more that holds all that a button can be.
+# Usage: tools/make_pictures.sh [PRESET]; the pictures go to docs/pictures/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 rehearse=build/${1:-release}/bin/rehearse
@@ -9,47 +10,89 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p docs/pictures
 
-# face NAME SETTINGS SIZE SCALE: the window with jingles sounding, settings as "Key=value Key=value".
-face() {
-    local name=$1 settings=$2 size=$3 scale=$4 home=$work/$1
-    mkdir -p "$home"
-    cp -r data/. "$home/"
-    cp data/first_start.ini "$home/zv.ini"
-    [ "$name" = long-captions ] && long_captions "$home"
-    local pair
-    for pair in $settings; do printf '%s\r\n' "$pair" >> "$home/zv.ini"; done
-    cat > "$work/$name.txt" <<EOF
-at 0 resize ${size/x/ }
-at 0 time 2026-11-21 10:59:30
-at 500 press 1
-at 700 press 2
-at 900 press H4
-at 1200 press 14
-at 2000 shot $name.png
-at 2100 end
-EOF
-    QT_SCALE_FACTOR=$scale "$rehearse" "$work/$name.txt" --home "$home" --out "$work/out" >/dev/null
-    mv "$work/out/$name.png" docs/pictures/
-}
-
-# Long names in many buttons, a missing file, one that is no sound.
-long_captions() {
+# A palette of long names, marks of all kinds, a missing file, one that is no sound.
+all_kinds() {
     local home=$1 sound
     for sound in "A very long name of a jingle that nobody could ever read while on air" \
                  "Nachrichtensendungserkennungsmelodie am Donnerstagnachmittag"; do
-        cp "$home/Audio_Sample/Whistle.wav" "$home/Audio_Sample/$sound.wav"
+        cp "$home/Audio_Sample/Stadium Organ.mp3" "$home/Audio_Sample/$sound.mp3"
     done
     printf 'no sound at all' > "$home/Audio_Sample/Broken.mp3"
     cat >> "$home/palette.ini" <<EOF
 [Long names]
-Path_0=Audio_Sample\\A very long name of a jingle that nobody could ever read while on air.wav
-Path_1=Audio_Sample\\Nachrichtensendungserkennungsmelodie am Donnerstagnachmittag.wav
-BTNCol_1=0066FF
+Path_0=Audio_Sample\\A very long name of a jingle that nobody could ever read while on air.mp3
+Path_1=Audio_Sample\\Nachrichtensendungserkennungsmelodie am Donnerstagnachmittag.mp3
+BTNCol_1=FF6633
 Path_2=Audio_Sample\\Lost on the way.wav
 Path_3=Audio_Sample\\Broken.mp3
 Path_4=Audio_Sample\\Whistle.wav
+Loop_4=1
+PlayMod_4=1
+FadeOut_4=2000
+Path_5=Audio_Sample\\Backtime Bed.mp3
+Path_6=Audio_Sample\\Weather Bed.ogg
+Loop_6=1
+PlayMod_6=2
+BTNCol_6=000080
+Path_7=Audio_Sample\\Vibes Sting.flac
+PlayMod_7=3
+Path_8=Audio_Sample\\Promo Tag.flac
+PlayMod_8=4
+BTNCol_8=FFFF99
+Path_9=Audio_Sample\\Brush Loop.ogg
+Seq_9=1
+BTNCol_9=99CCFF
 EOF
-    printf 'PaletteIndex=Long names\r\n' >> "$home/zv.ini"
+}
+
+# home NAME SETTINGS: a fresh program folder; settings as "Key=value Key=value".
+home() {
+    local home=$work/$1 pair
+    mkdir -p "$home"
+    cp -r data/. "$home/"
+    all_kinds "$home"
+    cp data/first_start.ini "$home/zv.ini"
+    for pair in $2; do printf '%s\r\n' "$pair" >> "$home/zv.ini"; done
+}
+
+# perform NAME [SCALE]: the script of that name on the folder of that name.
+perform() {
+    ZENTROVA_SCALE=${2:-1} "$rehearse" "$work/$1.txt" --home "$work/$1" --out "$work/out" --no-sound >/dev/null
+    mv "$work"/out/*.png docs/pictures/
+}
+
+# face NAME SETTINGS SIZE SCALE: the window with jingles sounding.
+face() {
+    home "$1" "$2"
+    cat > "$work/$1.txt" <<EOF
+at 0 resize ${3/x/ }
+at 0 time 2026-11-21 10:59:30
+at 500 press 2
+at 700 press 10
+at 900 press H4
+at 1200 press 14
+at 2000 shot $1.png
+at 2100 end
+EOF
+    perform "$1" "$4"
+}
+
+# states NAME SETTINGS SIZE SCALE: sounding, sounding from another palette, at rest with and without marks, empty,
+# missing, broken, names that are too long.
+states() {
+    home "$1" "$2"
+    cat > "$work/$1.txt" <<EOF
+at 0 resize ${3/x/ }
+at 0 time 2026-11-21 10:59:30
+at 300 press 24
+at 500 pick Long names
+at 1500 press 5
+at 1600 press 0
+at 1800 press H0
+at 2600 shot $1.png
+at 2700 end
+EOF
+    perform "$1" "$4"
 }
 
 face main "" 1280x800 1
@@ -57,19 +100,22 @@ face main-1920 "" 1920x1080 1
 face dark "DarkMode=1" 1280x800 1
 face scale-150 "" 1280x800 1.5
 face scale-200 "DarkMode=1" 1280x800 2
+face small-1024 "DarkMode=1" 1024x700 1
+face large-2560 "" 2560x1440 1
 face grid-16 "JinglesRows=4 JinglesCols=4" 1280x800 1
-face grid-96 "JinglesRows=8 JinglesCols=12" 1920x1080 1
+face grid-40 "JinglesRows=5 JinglesCols=8 JNumbPos=1 DarkMode=1" 1280x800 1
+face grid-96 "JinglesRows=8 JinglesCols=12 JNumbPos=1" 1920x1080 1
 face joined-hot-above "JoinedJButtons=1 HotJinglesPos=1 HotJinglesRows=1 JNumbPos=1" 1280x800 1
-face long-captions "" 1280x800 1
+face joined-hot-below "JoinedJButtons=1 HotJinglesPos=2 JNumbPos=2 JRemLevPos=2 VUPos=l DarkMode=1" 1280x800 1
+face no-hot "HotJinglesPos=0 JNumbPos=1 JRemLevTrBg=0 JRemLevColBg=12632256 JLabelFormat=2 VUPos=t" 1280x800 1
 face francais "Sealed=1 Language=Français" 1280x800 1
 face deutsch "Sealed=1 Language=Deutsch DarkMode=1" 1280x800 1
 face espanol "Sealed=1 Language=Español" 1280x800 1
+states states "JNumbPos=1" 1280x800 1
+states states-dark "JNumbPos=1 DarkMode=1" 1280x800 1
 
 # The scenes of the manual.
-home=$work/manual
-mkdir -p "$home"
-cp -r data/. "$home/"
-cp data/first_start.ini "$home/zv.ini"
+home manual ""
 cat > "$work/manual.txt" <<EOF
 at 0 resize 1280 800
 at 0 time 2026-11-21 10:59:30
@@ -84,8 +130,13 @@ at 12000 click ckTab(3)
 at 12200 click ckTouchI
 at 12600 shot options.png
 at 12800 click ckTouchI
-at 13000 end
+at 13000 click ckColorI
+at 13100 press 10
+at 13600 shot frmColPick colours.png
+at 13700 click Color(12)
+at 14000 key F1
+at 14200 shot frmShortcuts keys.png
+at 14300 end
 EOF
-"$rehearse" "$work/manual.txt" --home "$home" --out "$work/out" >/dev/null
-mv "$work"/out/{playing,palettes,options}.png docs/pictures/
+perform manual
 ls docs/pictures
