@@ -47,7 +47,7 @@ enum class BoxAnswer { ok = 1, cancel = 2, yes = 6, no = 7 };
 struct BoxWords {
     std::string ok, cancel, yes, no;
 };
-inline BoxWords boxWords;
+inline std::function<BoxWords()> boxWords;
 BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind kind, BoxButtons buttons);
 /// Empty when the user gave up. `filter` is "*.wav;*.mp3".
 std::string openFileDialog(const std::string& title, const std::string& folder, const std::string& filter);

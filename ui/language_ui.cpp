@@ -2,10 +2,8 @@
 
 #include <cctype>
 #include <string_view>
-#include <utility>
 
 #include "platform/controls.h"
-#include "platform/desktop.h"
 #include "startup/settings.h"
 #include "ui/main_window.h"
 
@@ -51,17 +49,6 @@ void ApplyText(const std::string& window, const std::string& key, const std::str
     if (key == "mb_tmAnJin") {
         captionOf(w.announcer.b_tmAnJin, text);
         return;
-    }
-    static constexpr std::pair<std::string_view, std::string BoxWords::*> boxes[]{
-        {"mOK", &BoxWords::ok},
-        {"mCancel", &BoxWords::cancel},
-        {"mYes", &BoxWords::yes},
-        {"mNo", &BoxWords::no}};
-    for (const auto& [boxKey, word] : boxes) {
-        if (key == boxKey) {
-            boxWords.*word = text;
-            return;
-        }
     }
     if (key == "mStrNoCo") {
         captionOf(w.live.lblStream, text);

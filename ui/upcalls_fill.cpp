@@ -223,6 +223,7 @@ void fillModel() {
 
 void FillUpcalls() {
     fillStartup();
+    boxWords = [] { return BoxWords{Ln("mOK"), Ln("mCancel"), Ln("mYes"), Ln("mNo")}; };
     FillConsoleUpcalls();
     FillReportUpcalls();
     fillModel();

@@ -12,12 +12,14 @@
 #include "model/jingle.h"
 #include "model/state.h"
 #include "platform/clock.h"
+#include "startup/errors.h"
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "tests/support/ear.h"
 #include "tests/ui/window_test.h"
 #include "ui/colours_ui.h"
 #include "ui/commands.h"
+#include "ui/console_window.h"
 #include "ui/edit_commands.h"
 #include "ui/global_keys.h"
 #include "ui/keyboard.h"
@@ -423,6 +425,20 @@ TEST_F(PressTest, messagesOfTheModifierKeys) {
     hold(0);  // letting go abandons it
     EXPECT_EQ(MoveSrcJ, -1);
     EXPECT_FALSE(Button(1)->ckJingSel.visible);
+}
+
+TEST_F(PressTest, theConsoleIsFilledWhileItIsOpenAndKeepsTheLastLines) {
+    const std::vector<std::string>& shown = frmConsole().lstConsole.items();
+    CloseConsole();
+    ConsoleAdd("", true);
+    for (int i = 0; i < 5000; ++i) ConsoleAdd("line " + std::to_string(i));
+    EXPECT_TRUE(shown.empty());
+    OpenConsole();
+    EXPECT_EQ(shown.size(), 2000U);
+    EXPECT_EQ(shown.back(), "line 4999");
+    ConsoleAdd("one more");
+    EXPECT_EQ(shown.back(), "one more");
+    CloseConsole();
 }
 
 TEST_F(PressTest, keysOfTheWindow) {

@@ -88,14 +88,15 @@ BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind 
             box.setEscapeButton(QMessageBox::No);
             break;
     }
-    const std::pair<QMessageBox::StandardButton, const std::string*> words[]{
-        {QMessageBox::Ok, &boxWords.ok},
-        {QMessageBox::Cancel, &boxWords.cancel},
-        {QMessageBox::Yes, &boxWords.yes},
-        {QMessageBox::No, &boxWords.no}};
-    for (const auto& [which, word] : words) {
-        if (QAbstractButton* button = box.button(which); button != nullptr && !word->empty())
-            button->setText(textOf(*word));
+    const BoxWords words = boxWords ? boxWords() : BoxWords{};
+    const std::pair<QMessageBox::StandardButton, const std::string&> captions[]{
+        {QMessageBox::Ok, words.ok},
+        {QMessageBox::Cancel, words.cancel},
+        {QMessageBox::Yes, words.yes},
+        {QMessageBox::No, words.no}};
+    for (const auto& [which, word] : captions) {
+        if (QAbstractButton* button = box.button(which); button != nullptr && !word.empty())
+            button->setText(textOf(word));
     }
     switch (box.exec()) {
         case QMessageBox::Yes:
