@@ -29,6 +29,19 @@ bool inRange(int index) { return index >= 0 && index < kJingles; }
 
 JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
 
+/// What the marks of a button tell.
+std::string optionsOf(const JingleRecord& j) {
+    static constexpr std::array<const char*, 5> modes{"", "mmnuAutoRep", "mmnuTouch", "mmnuPlayStop",
+                                                      "mmnuNoStop"};
+    const auto mode = static_cast<std::size_t>(j.PlayMod);
+    std::string told;
+    for (const char* key : {j.Loop != 0 ? "mmnuLoop" : "", j.Seq != 0 ? "mmnuSeq" : "",
+                            mode < modes.size() ? modes[mode] : ""}) {
+        told += *key != '\0' ? ", " + Ln(key) : "";
+    }
+    return told;
+}
+
 /// State and time left, for a screen reader.
 std::string described(int index) {
     const JingleRecord& j = record(index);
@@ -40,7 +53,7 @@ std::string described(int index) {
     }
     // Asked of the sound itself: the bar may be off, and is a tick behind.
     if (j.hPlay == 0 || BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_STOPPED) {
-        return Ln("aReady") + " " + seconds2msd(j.Duration);
+        return Ln("aReady") + " " + seconds2msd(j.Duration) + optionsOf(j);
     }
     const auto length = static_cast<double>(BASS_ChannelGetLength(j.hPlay, BASS_POS_BYTE));
     const auto position = static_cast<double>(BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE));

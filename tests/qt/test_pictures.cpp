@@ -205,6 +205,8 @@ TEST(Caption, IsTakenApartAndSetInTheRoomThereIs) {
     EXPECT_EQ(smaller.lines.size(), 1) << "a word is set smaller before it is torn";
     EXPECT_LT(smaller.font.pixelSize(), font.pixelSize());
     const CaptionLayout word = set("Donaudampfschifffahrtsgesellschaft");
+    EXPECT_EQ(word.lines.join(QString()).remove(QLatin1Char('-')), "Donaudampfschifffahrtsgesellschaft");
+    EXPECT_TRUE(word.lines.first().endsWith(QLatin1Char('-'))) << "torn with a hyphen";
     for (const CaptionLayout* l : {&two, &cut, &word, &smaller}) {
         for (const QString& line : l->lines)
             EXPECT_LE(QFontMetricsF(l->font).horizontalAdvance(line), room.width() + 1);

@@ -10,24 +10,36 @@
 namespace zv::shell {
 namespace {
 
-/// The name broken into lines of that width; words that are too long are broken anywhere (`torn` tells).
+bool isLetter(QChar c) { return c.isLetterOrNumber(); }
+
+/// The name broken into lines of that width; words that are too long are broken anywhere (`torn` tells), with
+/// a hyphen.
 QStringList broken(const QString& name, const QFont& font, double width, bool* torn = nullptr) {
+    const QFontMetricsF m(font);
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     QStringList lines;
-    for (const QString& given : name.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
-        QTextLayout layout(given, font);
-        QTextOption option;
-        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-        layout.setTextOption(option);
-        layout.beginLayout();
-        for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+    for (QString rest : name.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        while (!rest.isEmpty()) {
+            QTextLayout layout(rest, font);
+            layout.setTextOption(option);
+            layout.beginLayout();
+            QTextLine line = layout.createLine();
             line.setLineWidth(width);
-            const int end = line.textStart() + line.textLength();
-            if (torn != nullptr && end < given.size()) {
-                *torn = *torn || (given[end - 1].isLetterOrNumber() && given[end].isLetterOrNumber());
+            layout.endLayout();
+            qsizetype length = std::max(1, line.textLength());
+            const bool tears =
+                length > 1 && length < rest.size() && isLetter(rest[length - 1]) && isLetter(rest[length]);
+            QString text = rest.left(length).trimmed();
+            if (tears) {
+                while (length > 2 && m.horizontalAdvance(rest.left(length) + QLatin1Char('-')) > width)
+                    --length;
+                text = rest.left(length) + QLatin1Char('-');
+                if (torn != nullptr) *torn = true;
             }
-            lines << given.mid(line.textStart(), line.textLength()).trimmed();
+            lines << text;
+            rest = rest.mid(length).trimmed();
         }
-        layout.endLayout();
     }
     return lines;
 }
@@ -177,7 +189,8 @@ class Setter {
             if (m.height() * 2 > room_.height() + 2) continue;
             const QStringList all = broken(name_, f, room_.width());
             if (all.size() < 2) continue;
-            const QString rest = whole.mid(all[0].size()).trimmed();
+            const bool hyphen = !whole.startsWith(all[0]);
+            const QString rest = whole.mid(all[0].size() - (hyphen ? 1 : 0)).trimmed();
             if (tried({all[0], m.elidedText(rest, Qt::ElideRight, room_.width())}, f, room_)) return cutOff();
         }
         for (const double scale : kScales) {
