@@ -21,7 +21,10 @@ dsp::StereoLevel fromPages(Channel& channel, const Trail& trail, double seconds,
     for (std::size_t i = 0; i < count; ++i)
         root.sound->measure(runs[i].from, runs[i].to - runs[i].from, peak, power);
     if (!rms) return {peak[0], peak[1]};
-    const auto frames = static_cast<double>(window);
+    // Of a loop so short that the trail does not hold the window, the passes that it holds stand for all.
+    std::uint64_t held = 0;
+    for (std::size_t i = 0; i < count; ++i) held += runs[i].to - runs[i].from;
+    const auto frames = static_cast<double>(count == Trail::kRuns ? held : window);
     return {static_cast<float>(std::sqrt(power[0] / frames)),
             static_cast<float>(std::sqrt(power[1] / frames))};
 }

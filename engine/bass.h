@@ -306,9 +306,9 @@ bool BASS_ChannelSlideAttribute(DWORD handle, DWORD attribute, float value, DWOR
 /// Whether a slide of VOL or VOLDSP is under way. [any]
 bool BASS_ChannelIsSliding(DWORD handle, DWORD attribute);
 /// Level of a channel that plays on a device or in a mixer over the last `seconds` heard (above 0, at most
-/// 1), 1 = full scale: peak, or RMS with BASS_LEVEL_RMS, into levels[0], or left and right into two with
-/// BASS_LEVEL_STEREO; behind the chain and before VOL, after VOL with BASS_LEVEL_VOLPAN. 0 when it is not
-/// sounding. Errors: NOTAVAIL (plays nowhere), ILLPARAM. [any]
+/// 1; of a long file 90 ms are sure), 1 = full scale: peak, or RMS with BASS_LEVEL_RMS, into levels[0], or
+/// left and right into two with BASS_LEVEL_STEREO; behind the chain and before VOL, after VOL with
+/// BASS_LEVEL_VOLPAN. 0 when it is not sounding. Errors: NOTAVAIL (plays nowhere), ILLPARAM. [any]
 bool BASS_ChannelGetLevelEx(DWORD handle, float* levels, float seconds, DWORD flags);
 /// Pulls up to `bytes` of sound (float samples with BASS_SAMPLE_FLOAT, else 16-bit, in the channel's own
 /// number of channels) from a decoding channel that is in no mixer; returns the bytes written, all ones on

@@ -43,7 +43,7 @@ PlayRange PagedSound::range() const {
     PlayRange range;
     range.loop = loop_.load(std::memory_order_acquire);
     range.loopStart = loopStart_.load(std::memory_order_acquire);
-    range.end = std::min(end_.load(std::memory_order_acquire), length_);
+    range.end = end();
     if (range.loopStart >= range.end) range.loopStart = 0;
     return range;
 }

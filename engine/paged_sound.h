@@ -6,6 +6,7 @@
 /// of the loop's start, and what lies ahead of the present position, also past the end of a loop.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -40,6 +41,8 @@ class PagedSound final : public FrameReader {
     void setLoop(bool on) { loop_.store(on, std::memory_order_release); }
     void setLoopStart(std::uint64_t frame) { loopStart_.store(frame, std::memory_order_release); }
     void setEnd(std::uint64_t frame) { end_.store(frame, std::memory_order_release); }
+    /// The frame after the last, of that. [any]
+    std::uint64_t end() const { return std::min(end_.load(std::memory_order_acquire), length_); }
     PlayRange range() const;
 
     // ---- what will be wanted [any]

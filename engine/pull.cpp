@@ -43,7 +43,7 @@ static bool converted(const Channel& channel) { return channel.audio.plug && cha
 
 /// Frames from..to of a file were delivered through `channel`, which is the file itself or stretches it.
 void Graph::delivered(Channel& channel, Channel& source, std::uint64_t from, std::uint64_t to) {
-    if ((!channel.audio.syncs && !source.audio.syncs) || converted(channel)) return;
+    if (converted(channel)) return;
     passed(channel, from, to);
     if (&source != &channel) passed(source, from, to);
 }
@@ -71,8 +71,9 @@ void Graph::heard(Channel& channel, Channel& source, std::uint64_t to) {
 void Graph::publishPosition(Channel& channel) {
     Channel& root = channel.root();
     const AudioState& a = root.audio;
+    const bool later = converted(channel);
     std::uint64_t position = a.position, held = 0;
-    if (converted(channel)) {
+    if (later) {
         // What the conversion holds has not been heard yet; silence behind the end is no part of the file.
         const Plug& plug = *channel.audio.plug;
         const std::uint64_t taken = plug.fed - (channel.audio.inTail ? channel.audio.tailDone : 0);
@@ -84,11 +85,11 @@ void Graph::publishPosition(Channel& channel) {
         const bool wrapped = a.wrapFrom > a.wrapTo && position >= a.wrapTo && since < held;
         position = wrapped ? a.wrapFrom - std::min(a.wrapFrom - a.wrapTo, held - since)
                            : position - std::min(position, held);
-    } else if (root.sound) {
+    } else if (root.sound && position >= root.sound->end()) {
         const PlayRange range = root.sound->range();
-        if (position >= range.end) position = range.loop ? range.loopStart : range.end;
+        position = range.loop ? range.loopStart : range.end;
     }
-    if (root.sound && converted(channel)) heard(channel, root, position);
+    if (later && root.sound) heard(channel, root, position);
     root.shared.heard.store(position, std::memory_order_relaxed);
 }
 
@@ -129,7 +130,7 @@ View Graph::readFile(Channel& channel, std::uint32_t want, Channel& through) {
     std::uint64_t at = a.position;
     View view;
     if (at >= range.end) {
-        delivered(through, channel, range.end, range.end + 1);
+        if (through.audio.syncs || channel.audio.syncs) delivered(through, channel, range.end, range.end + 1);
         if (!range.loop || range.end == 0) {
             a.position = range.end;
             view.ended = true;
@@ -148,7 +149,7 @@ View Graph::readFile(Channel& channel, std::uint32_t want, Channel& through) {
         std::min<std::uint64_t>({want, range.end - at, PagedSound::kPage - offset}));
     view.data = page + offset * channel.channels;
     if (channel.channels == 2) view.source = at;
-    delivered(through, channel, at, at + view.frames);
+    if (through.audio.syncs || channel.audio.syncs) delivered(through, channel, at, at + view.frames);
     a.position = at + view.frames;
     sound.setFocus(a.position);
     return view;

@@ -162,6 +162,82 @@ TEST_F(Contract, LevelsAreThoseOfTheLastMoment) {
     EXPECT_FALSE(BASS_Mixer_ChannelGetLevelEx(jingle, nullptr, 0.04F, stereo));
 }
 
+TEST_F(Contract, AMixerWithoutSoundStallsUnlessItIsToldNotTo) {
+    const Topology studio;
+    const DWORD jingle = studio.jingle(file("one"));
+    const DWORD plain = BASS_Mixer_StreamCreate(44100, 2, BASS_STREAM_DECODE);
+    const DWORD nonstop = BASS_Mixer_StreamCreate(44100, 2, BASS_STREAM_DECODE | BASS_MIXER_NONSTOP);
+    BASS_Mixer_ChannelRemove(jingle);
+    for (const DWORD mixer : {plain, nonstop}) BASS_Mixer_StreamAddChannel(studio.mainMixer, mixer, 0);
+    BASS_Mixer_StreamAddChannel(plain, jingle, 0);
+    for (const bool sounds : {false, true, false}) {
+        sounds ? BASS_ChannelPlay(jingle, false) : BASS_ChannelStop(jingle);
+        const QWORD before = BASS_ChannelGetPosition(plain, BASS_POS_BYTE);
+        take();
+        EXPECT_EQ(pullAndTake(4410).back(), sounds ? 1.0F : 0.0F);
+        EXPECT_EQ(BASS_ChannelIsActive(plain), sounds ? BASS_ACTIVE_PLAYING : BASS_ACTIVE_STALLED);
+        EXPECT_EQ(BASS_ChannelGetPosition(plain, BASS_POS_BYTE) - before, sounds ? 4410U * 4 : 0U);
+        EXPECT_EQ(BASS_ChannelIsActive(nonstop), BASS_ACTIVE_PLAYING);
+    }
+    EXPECT_EQ(BASS_ChannelGetPosition(nonstop, BASS_POS_BYTE), 3 * 4410U * 4);
+}
+
+/// Whatever way a sound takes: its level is that of what went out last, to the grain of the meter.
+TEST_F(Contract, LevelsAreThoseOfWhatWentOut) {
+    constexpr std::size_t grain = 128;
+    for (const char* way : {"pages", "loop", "tiny loop", "effect", "another rate", "mono"}) {
+        begin({.period = 64});
+        const std::uint32_t rate = *way == 'a' ? 48000 : 44100, channels = *way == 'm' ? 1 : 2;
+        decoders->sounds["waves"] = {
+            .format = {rate, channels, 16}, .length = 441000, .sample = [](std::uint64_t f, std::uint32_t c) {
+                return sine(f, c == 0 ? 400 : 700, 44100, 0.1 + 0.8 * static_cast<double>(f / 900 % 10) / 10);
+            }};
+        const Topology studio;
+        const DWORD source = file("waves");
+        const DWORD jingle = studio.jingle(source);
+        if (std::string(way).ends_with("loop")) {
+            BASS_ChannelFlags(source, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
+            BASS_ChannelSetPosition(source, (*way == 't' ? 40 : 3000) * 4, BASS_POS_END);
+        }
+        const BASS_BFX_VOLUME half{BASS_BFX_CHANALL, 0.5F};
+        if (*way == 'e') BASS_FXSetParameters(BASS_ChannelSetFX(jingle, BASS_FX_BFX_VOLUME, 20), &half);
+        pull(640);
+        take();
+        BASS_ChannelPlay(jingle, false);
+        std::vector<float> sound(std::size_t{46000} * 2);
+        std::mt19937 random(3);
+        for (int turn = 0; turn < 50; ++turn) {
+            if (turn % 10 == 9 && *way != 't')
+                BASS_ChannelSetPosition(jingle, random() % 200000 * channels * 2, BASS_POS_BYTE);
+            const std::vector<float> more = pullAndTake(64 * (1 + random() % 60));
+            sound.insert(sound.end(), more.begin(), more.end());
+            for (const float seconds : {0.005F, 0.04F, 1.0F}) {
+                // So many passes as a second has of it are not remembered.
+                if (*way == 't' && (seconds == 1 || turn < 5)) continue;
+                const auto window = static_cast<std::size_t>(std::ceil(seconds * 44100));
+                for (const std::size_t side : {0U, 1U}) {
+                    float levels[2]{}, peak = 0, wider = 0;
+                    double power = 0;
+                    for (std::size_t i = 0; i < window + grain; ++i) {
+                        const float sample = std::abs(sound[sound.size() - 2 * (i + 1) + side]);
+                        wider = std::max(wider, sample);
+                        if (i >= window) continue;
+                        peak = std::max(peak, sample);
+                        power += sample * sample;
+                    }
+                    ASSERT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, seconds, BASS_LEVEL_STEREO));
+                    ASSERT_GE(levels[side], peak - 1e-6F) << way << ", " << seconds << " s, turn " << turn;
+                    ASSERT_LE(levels[side], wider + 1e-6F) << way << ", " << seconds << " s, turn " << turn;
+                    BASS_Mixer_ChannelGetLevelEx(jingle, levels, seconds, BASS_LEVEL_STEREO | BASS_LEVEL_RMS);
+                    const auto rms = std::sqrt(power / static_cast<double>(window));
+                    ASSERT_NEAR(levels[side], rms, 0.01 + grain * 0.9 / static_cast<double>(window))
+                        << way << ", " << seconds << " s, turn " << turn;
+                }
+            }
+        }
+    }
+}
+
 TEST_F(Contract, ARecordingIsPulledLikeAFile) {
     const Topology studio;
     std::vector<float> voice(88200 * 2);

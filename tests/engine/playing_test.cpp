@@ -1,4 +1,6 @@
 // Playing, positions, loops, slides: computed sounds go in, and every frame that comes out is known.
+#include <algorithm>
+
 #include "tests/engine/show.h"
 
 namespace zv::test {
@@ -257,23 +259,31 @@ TEST_F(Playing, SlidesAreExactToTheSample) {
 }
 
 TEST_F(Playing, OppositeSoundsCancel) {
-    const Topology studio;
-    decoders->sounds["noise"] = {.length = 441000, .sample = [](std::uint64_t f, std::uint32_t c) {
-                                     return static_cast<float>((f * 2 + c) * 2654435761U % 65536) / 65536 -
-                                            0.5F;
-                                 }};
-    auto against = decoders->sounds["noise"];
-    against.sample = [noise = against.sample](std::uint64_t f, std::uint32_t c) { return -noise(f, c); };
-    decoders->sounds["against"] = against;
-    const DWORD a = studio.jingle(file("noise")), b = studio.jingle(file("against"));
-    take();
-    press(a);
-    press(b);
-    pull(2205);
-    BASS_ChannelSlideAttribute(a, BASS_ATTRIB_VOL, 0.3F, 40);
-    BASS_ChannelSlideAttribute(b, BASS_ATTRIB_VOL, 0.3F, 40);
-    pull(4410);
-    for (const float sample : take()) ASSERT_LT(std::abs(sample), 1e-7);  // -140 dB
+    const auto noise = [](float sign) {
+        return [sign](std::uint64_t f, std::uint32_t c) {
+            return sign * (static_cast<float>((f * 2 + c) * 2654435761U % 65536) / 65536 - 0.5F);
+        };
+    };
+    for (const SoundFormat& format : {SoundFormat{44100, 2, 16}, SoundFormat{48000, 2, 24},
+                                      SoundFormat{22050, 1, 8}, SoundFormat{44100, 6, 16}}) {
+        begin({});
+        const Topology studio;
+        decoders->sounds["noise"] = {.format = format, .length = 441000, .sample = noise(1)};
+        decoders->sounds["against"] = {.format = format, .length = 441000, .sample = noise(-1)};
+        const DWORD a = studio.jingle(file("noise")), b = studio.jingle(file("against"));
+        press(a);
+        press(b);
+        pull(2205);
+        for (const DWORD channel : {a, b}) {
+            BASS_ChannelSlideAttribute(channel, BASS_ATTRIB_VOL, 0.3F, 40);
+            BASS_ChannelSlideAttribute(channel, BASS_ATTRIB_VOLDSP | BASS_SLIDE_LOG, 0.5F, 70);
+        }
+        pull(4410);
+        for (const float sample : take()) ASSERT_LT(std::abs(sample), 1e-7) << format.rate;  // -140 dB
+        BASS_ChannelStop(b);
+        const std::vector<float> alone = pullAndTake(441);
+        EXPECT_GT(*std::ranges::max_element(alone), 0.01F) << format.rate;
+    }
 }
 
 TEST_F(Playing, ThePlainTopologyPlaysStraightOnTheOutput) {
