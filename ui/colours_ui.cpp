@@ -224,6 +224,9 @@ void ReColorizeBtn() {
                 paintRecord(i);
             }
         }
+        if (SelectorsOn && !ColorPickerOpen) {
+            HighlightArmed();
+        }
     });
 }
 

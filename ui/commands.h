@@ -44,6 +44,8 @@ void ckTab_MouseDown(int tab);
 
 /// Paints every live button: those that fit in the option's colour, the others as faces.
 void HighlightButtons(Colour shaded, bool (*fits)(const JingleRecord&));
+/// The same for the option that is armed now, in the colours that it has now.
+void HighlightArmed();
 /// Ends highlighting: every button that does not play gets its colours back. `except` keeps one as it is.
 void ResetJingles(int except = -1);
 /// Disarms all toggles when a control was in use (LastCtrl).

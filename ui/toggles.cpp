@@ -88,6 +88,16 @@ void pressOption(std::size_t which) {
     OptionCode = option.code;
 }
 
+bool anyFits(const JingleRecord&) { return true; }
+
+void highlightAssignable() {
+    for (int i = 0; i <= LastLiveIdx(); ++i) {
+        if (IsLive(i) && Button(i) != nullptr && !record(i).Playing) {
+            PaintButton(i, Shaded.ass, GetForeColor(Shaded.ass, "jingle"));
+        }
+    }
+}
+
 /// After an option was applied: it is spent.
 void optionSpent(Control& toggle) {
     ResetJingles();
@@ -140,6 +150,19 @@ void HighlightButtons(Colour shaded, bool (*fits)(const JingleRecord&)) {
     }
 }
 
+void HighlightArmed() {
+    if (OptionCode == "ass") {
+        highlightAssignable();
+    } else if (OptionCode == "lp" || OptionCode == "sq") {
+        HighlightButtons(OptionCode == "lp" ? Shaded.lp : Shaded.sq, anyFits);
+    }
+    for (const Option& option : options()) {
+        if (OptionCode == option.code) {
+            HighlightButtons(option.shaded, option.fits);
+        }
+    }
+}
+
 void ckAutoRepI_MouseDown() {
     guarded(".ckAutoRepI_MouseDown", [] { pressOption(0); });
 }
@@ -168,7 +191,6 @@ void ckLoopITog() {
         }
         Disarm(frmMain().palettes.ckAssign);
         OptionControl = "ckLoopI";
-        const auto any = [](const JingleRecord&) { return true; };
         if (LoopToggleStep == 0) {
             LoopToggleStep = 1;
             t.lp_LED.visible = true;
@@ -177,7 +199,7 @@ void ckLoopITog() {
             Arm(t.ckLoopI, settings.lpColor);
             SelectorsOn = true;
             OptionCode = "lp";
-            HighlightButtons(Shaded.lp, any);
+            HighlightButtons(Shaded.lp, anyFits);
         } else if (LoopToggleStep == 1) {
             LoopToggleStep = 2;
             t.sq_LED.visible = true;
@@ -186,7 +208,7 @@ void ckLoopITog() {
             Arm(t.ckLoopI, settings.sqColor);
             SelectorsOn = true;
             OptionCode = "sq";
-            HighlightButtons(Shaded.sq, any);
+            HighlightButtons(Shaded.sq, anyFits);
         } else {
             loopToggleAtRest();
             noOption();
@@ -210,11 +232,7 @@ void CkAssignTog() {
         Arm(assign, settings.assColor);
         SelectorsOn = true;
         OptionCode = "ass";
-        for (int i = 0; i <= LastLiveIdx(); ++i) {
-            if (IsLive(i) && Button(i) != nullptr && !record(i).Playing) {
-                PaintButton(i, Shaded.ass, GetForeColor(Shaded.ass, "jingle"));
-            }
-        }
+        highlightAssignable();
     });
 }
 

@@ -6,10 +6,12 @@
 
 #include "audio/play.h"
 #include "audio/streams.h"
+#include "model/colours.h"
 #include "model/jingle.h"
 #include "model/state.h"
 #include "startup/settings.h"
 #include "tests/ui/window_test.h"
+#include "ui/colours_ui.h"
 #include "ui/commands.h"
 #include "ui/display.h"
 #include "ui/layout.h"
@@ -175,6 +177,16 @@ TEST_F(TickTest, searchHitsAndArmedOptionsAreLeftAlone) {
     EXPECT_EQ(button(1).backColor, 0x123456);
     SelectorsOn = false;
     pass(100);
+    EXPECT_EQ(button(1).backColor, BtnFaceColor);
+
+    // New colours reach the armed option and the buttons that it can go to.
+    ckTouchI_MouseDown();
+    settings.tcColor = 0x203040;
+    ReColorizeBtn();
+    EXPECT_EQ(frmMain().options.ckTouchI.backColor, 0x203040);
+    EXPECT_EQ(button(1).backColor, ShadeColor(0x203040, settings.ShadeOffsetVal));
+    EXPECT_EQ(button(2).backColor, BtnFaceColor) << "nothing is on it";
+    ckTouchI_MouseDown();
     EXPECT_EQ(button(1).backColor, BtnFaceColor);
 }
 
