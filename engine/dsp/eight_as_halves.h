@@ -13,6 +13,7 @@ inline Eight operator-(Eight a, Eight b) { return {a.low - b.low, a.high - b.hig
 inline Eight operator*(Eight a, Eight b) { return {a.low * b.low, a.high * b.high}; }
 inline Eight operator*(Eight a, float b) { return {a.low * b, a.high * b}; }
 inline Eight operator*(float a, Eight b) { return {a * b.low, a * b.high}; }
+inline Eight operator/(Eight a, float b) { return {a.low / b, a.high / b}; }
 inline Eight operator+(float a, Eight b) { return {a + b.low, a + b.high}; }
 
 inline Eight load(const float* p) {
@@ -26,22 +27,12 @@ inline void store(float* p, Eight v) {
     __builtin_memcpy(p + 4, &v.high, sizeof v.high);
 }
 inline Eight all(float x) { return {Float4{x, x, x, x}, Float4{x, x, x, x}}; }
-inline float last(Eight v) { return v.high[3]; }
+inline Eight counting() { return {Float4{0, 1, 2, 3}, Float4{4, 5, 6, 7}}; }
 inline float sumOf(Eight v) {
     const Float4 s = v.low + v.high;
     return (s[0] + s[2]) + (s[1] + s[3]);
 }
 
-inline Eight shifted(Eight v, float x) {
-    const Float4 first{x, x, x, x};
-    const Float4 low = __builtin_shufflevector(first, v.low, 0, 4, 5, 6);
-    const Float4 high = __builtin_shufflevector(v.low, v.high, 3, 4, 5, 6);
-    return {low, high};
-}
-inline Eight delayed(Eight former, Eight now) {
-    return {__builtin_shufflevector(former.high, now.low, 3, 4, 5, 6),
-            __builtin_shufflevector(now.low, now.high, 3, 4, 5, 6)};
-}
 inline Eight evens(Eight a, Eight b) {
     return {__builtin_shufflevector(a.low, a.high, 0, 2, 4, 6),
             __builtin_shufflevector(b.low, b.high, 0, 2, 4, 6)};
@@ -63,6 +54,33 @@ inline Mask lanesOf(std::int32_t first, std::int32_t end) {
 }
 inline Eight chosen(Mask mask, Eight a, Eight b) {
     return {mask.low ? a.low : b.low, mask.high ? a.high : b.high};
+}
+
+inline Eight loadHalves(const float* low, const float* high) {
+    Eight v;
+    __builtin_memcpy(&v.low, low, sizeof v.low);
+    __builtin_memcpy(&v.high, high, sizeof v.high);
+    return v;
+}
+inline void storeHalves(float* low, float* high, Eight v) {
+    __builtin_memcpy(low, &v.low, sizeof v.low);
+    __builtin_memcpy(high, &v.high, sizeof v.high);
+}
+inline Eight handedOn(Eight first, Eight then) {
+    return {__builtin_shufflevector(first.low, then.low, 3, 4, 5, 6),
+            __builtin_shufflevector(first.high, then.high, 3, 4, 5, 6)};
+}
+inline Eight sidesOf(const float* frame) {
+    const float l = frame[0], r = frame[1];
+    return {Float4{l, l, l, l}, Float4{r, r, r, r}};
+}
+inline void storeSides(float* frame, Eight v) {
+    frame[0] = v.low[3];
+    frame[1] = v.high[3];
+}
+inline Mask foursOf(std::int32_t first, std::int32_t end) {
+    const Int4 lane{0, 1, 2, 3}, valid = (lane >= first) & (lane < end);
+    return {valid, valid};
 }
 
 inline Float4 sizes(Float4 v) { return reinterpret_cast<Float4>(reinterpret_cast<Int4>(v) & 0x7fffffff); }

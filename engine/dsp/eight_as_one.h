@@ -10,19 +10,10 @@ inline Eight load(const float* p) {
 }
 inline void store(float* p, Eight v) { __builtin_memcpy(p, &v, sizeof v); }
 inline Eight all(float x) { return Eight{x, x, x, x, x, x, x, x}; }
-inline float last(Eight v) { return v[7]; }
+inline Eight counting() { return Eight{0, 1, 2, 3, 4, 5, 6, 7}; }
 /// ((0 + 4) + (2 + 6)) + ((1 + 5) + (3 + 7))
 inline float sumOf(Eight v) { return ((v[0] + v[4]) + (v[2] + v[6])) + ((v[1] + v[5]) + (v[3] + v[7])); }
 
-/// Every lane hands on to the next; lane 0 gets `x`.
-inline Eight shifted(Eight v, float x) {
-    const Eight turned = __builtin_shufflevector(v, v, 7, 0, 1, 2, 3, 4, 5, 6);
-    return __builtin_shufflevector(turned, all(x), 8, 1, 2, 3, 4, 5, 6, 7);
-}
-/// The last of `former` and all of `now` but its last.
-inline Eight delayed(Eight former, Eight now) {
-    return __builtin_shufflevector(former, now, 7, 8, 9, 10, 11, 12, 13, 14);
-}
 /// Of sixteen in a row those with even, and with odd numbers; and the way back, first and second half.
 inline Eight evens(Eight a, Eight b) { return __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14); }
 inline Eight odds(Eight a, Eight b) { return __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15); }
@@ -37,6 +28,38 @@ inline Mask lanesOf(std::int32_t first, std::int32_t end) {
     return (lane >= first) & (lane < end);
 }
 inline Eight chosen(Mask mask, Eight a, Eight b) { return mask ? a : b; }
+
+/// Two halves of four, each with a place of its own in memory.
+inline Eight loadHalves(const float* low, const float* high) {
+    Float4 a, b;
+    __builtin_memcpy(&a, low, sizeof a);
+    __builtin_memcpy(&b, high, sizeof b);
+    return __builtin_shufflevector(a, b, 0, 1, 2, 3, 4, 5, 6, 7);
+}
+inline void storeHalves(float* low, float* high, Eight v) {
+    const Float4 a = __builtin_shufflevector(v, v, 0, 1, 2, 3), b = __builtin_shufflevector(v, v, 4, 5, 6, 7);
+    __builtin_memcpy(low, &a, sizeof a);
+    __builtin_memcpy(high, &b, sizeof b);
+}
+/// In each half: the last of `first`, then all of `then` but its last.
+inline Eight handedOn(Eight first, Eight then) {
+    return __builtin_shufflevector(first, then, 3, 8, 9, 10, 7, 12, 13, 14);
+}
+/// A stereo frame, its left sample all over the lower half, its right one all over the upper; and the last of
+/// each half as a frame.
+inline Eight sidesOf(const float* frame) {
+    const float l = frame[0], r = frame[1];
+    return Eight{l, l, l, l, r, r, r, r};
+}
+inline void storeSides(float* frame, Eight v) {
+    frame[0] = v[3];
+    frame[1] = v[7];
+}
+/// In each half the lanes from `first` to `end`, without `end`.
+inline Mask foursOf(std::int32_t first, std::int32_t end) {
+    const Int8 lane{0, 1, 2, 3, 0, 1, 2, 3};
+    return (lane >= first) & (lane < end);
+}
 
 /// Without their signs.
 inline Eight sizes(Eight v) { return reinterpret_cast<Eight>(reinterpret_cast<Int8>(v) & 0x7fffffff); }

@@ -1,7 +1,7 @@
-// Included by peak_eq.cpp once a path, inside a namespace of the path's own; no include guard for that
-// reason.
+// Included by two_paths.h for peak_eq.cpp, once a path; no include guard for that reason.
 
-struct Side {
+/// Four bands, of the left side in the lower half and of the right one in the upper.
+struct Four {
     Eight i1, i2, y;
 };
 
@@ -9,28 +9,35 @@ struct Coefficients {
     Eight p, q, b, g, c1, c2;
 };
 
-inline Eight get(const EqGroup::Lanes& lanes) { return load(lanes.data()); }
-inline void put(EqGroup::Lanes& lanes, Eight v) { store(lanes.data(), v); }
-
-inline Coefficients getAll(const EqGroup::Table& t) {
-    return {get(t[EqGroup::kP]), get(t[EqGroup::kQ]),  get(t[EqGroup::kB]),
-            get(t[EqGroup::kG]), get(t[EqGroup::kC1]), get(t[EqGroup::kC2])};
+inline Eight get(const EqGroup::Lanes& left, const EqGroup::Lanes& right, std::size_t first) {
+    return loadHalves(left.data() + first, right.data() + first);
 }
 
-inline void step(Side& side, float x, const Coefficients& c) {
-    const Eight in = shifted(side.y, x);
-    side.y = c.g * in + (c.c1 * side.i1 - c.c2 * side.i2);
-    const Eight d = in - side.i2;
-    side.i2 = (side.i2 + c.q * side.i1) + c.b * d;
-    side.i1 = c.p * side.i1 + c.q * d;
+inline Coefficients getAll(const EqGroup::Table& t, std::size_t first) {
+    const auto both = [&](std::size_t k) { return get(t[k], t[k], first); };
+    return {both(EqGroup::kP), both(EqGroup::kQ),  both(EqGroup::kB),
+            both(EqGroup::kG), both(EqGroup::kC1), both(EqGroup::kC2)};
+}
+
+inline void putAll(EqGroup::Table& t, std::size_t first, const Coefficients& c) {
+    const Eight all[] = {c.p, c.q, c.b, c.g, c.c1, c.c2};
+    for (std::size_t k = 0; k < EqGroup::kCoefficients; ++k)
+        storeHalves(t[k].data() + first, t[k].data() + first, all[k]);
+}
+
+inline void step(Four& s, Eight in, const Coefficients& c) {
+    s.y = c.g * in + (c.c1 * s.i1 - c.c2 * s.i2);
+    const Eight d = in - s.i2;
+    s.i2 = (s.i2 + c.q * s.i1) + c.b * d;
+    s.i1 = c.p * s.i1 + c.q * d;
 }
 
 /// Lanes outside `valid` keep their memory: their frame lies before or behind the block.
-inline void step(Side& side, float x, const Coefficients& c, Mask valid) {
-    const Eight i1 = side.i1, i2 = side.i2;
-    step(side, x, c);
-    side.i1 = chosen(valid, side.i1, i1);
-    side.i2 = chosen(valid, side.i2, i2);
+inline void step(Four& s, Eight in, const Coefficients& c, Mask valid) {
+    const Eight i1 = s.i1, i2 = s.i2;
+    step(s, in, c);
+    s.i1 = chosen(valid, s.i1, i1);
+    s.i2 = chosen(valid, s.i2, i2);
 }
 
 inline void advance(Coefficients& c, const Coefficients& d) {
@@ -49,47 +56,43 @@ inline void advance(Coefficients& c, const Coefficients& d, Mask valid) {
          chosen(valid, n.g, c.g), chosen(valid, n.c1, c.c1), chosen(valid, n.c2, c.c2)};
 }
 
+/// Every band hands on to the next, a frame later.
 template <bool Ramp>
 void filter(EqGroup& group, float* stereo, std::size_t frames) {
-    constexpr std::int32_t kLast = 7;
+    constexpr std::int32_t kLast = 7, kHalf = 4;
     const auto count = static_cast<std::int32_t>(frames);
-    Coefficients c = getAll(group.now);
-    const Coefficients d = Ramp ? getAll(group.step) : Coefficients{};
-    Side left{get(group.left.i1), get(group.left.i2), Eight{}};
-    Side right{get(group.right.i1), get(group.right.i2), Eight{}};
+    Coefficients lowC = getAll(group.now, 0), highC = getAll(group.now, kHalf);
+    const Coefficients lowD = Ramp ? getAll(group.step, 0) : Coefficients{};
+    const Coefficients highD = Ramp ? getAll(group.step, kHalf) : Coefficients{};
+    Four low{get(group.left.i1, group.right.i1, 0), get(group.left.i2, group.right.i2, 0), Eight{}};
+    Four high{get(group.left.i1, group.right.i1, kHalf), get(group.left.i2, group.right.i2, kHalf), Eight{}};
 
     const auto partial = [&](std::int32_t t) {
-        const Mask valid = lanesOf(t - count + 1, t + 1);
-        const bool more = t < count;
-        step(left, more ? stereo[2 * t] : 0.0f, c, valid);
-        step(right, more ? stereo[2 * t + 1] : 0.0f, c, valid);
-        if (Ramp) advance(c, d, valid);
-        if (t >= kLast) {
-            stereo[2 * (t - kLast)] = last(left.y);
-            stereo[2 * (t - kLast) + 1] = last(right.y);
-        }
+        const Mask lowValid = foursOf(t - count + 1, t + 1);
+        const Mask highValid = foursOf(t - count + 1 - kHalf, t + 1 - kHalf);
+        const Eight in = t < count ? sidesOf(stereo + 2 * t) : Eight{};
+        step(high, handedOn(low.y, high.y), highC, highValid);
+        step(low, handedOn(in, low.y), lowC, lowValid);
+        if (Ramp) advance(lowC, lowD, lowValid), advance(highC, highD, highValid);
+        if (t >= kLast) storeSides(stereo + 2 * (t - kLast), high.y);
     };
     std::int32_t t = 0;
     for (; t < kLast; ++t) partial(t);
     for (; t < count; ++t) {
-        step(left, stereo[2 * t], c);
-        step(right, stereo[2 * t + 1], c);
-        if (Ramp) advance(c, d);
-        stereo[2 * (t - kLast)] = last(left.y);
-        stereo[2 * (t - kLast) + 1] = last(right.y);
+        const Eight in = sidesOf(stereo + 2 * t);
+        step(high, handedOn(low.y, high.y), highC);
+        step(low, handedOn(in, low.y), lowC);
+        if (Ramp) advance(lowC, lowD), advance(highC, highD);
+        storeSides(stereo + 2 * (t - kLast), high.y);
     }
     for (; t < count + kLast; ++t) partial(t);
 
-    put(group.left.i1, left.i1);
-    put(group.left.i2, left.i2);
-    put(group.right.i1, right.i1);
-    put(group.right.i2, right.i2);
+    storeHalves(group.left.i1.data(), group.right.i1.data(), low.i1);
+    storeHalves(group.left.i2.data(), group.right.i2.data(), low.i2);
+    storeHalves(group.left.i1.data() + kHalf, group.right.i1.data() + kHalf, high.i1);
+    storeHalves(group.left.i2.data() + kHalf, group.right.i2.data() + kHalf, high.i2);
     if (Ramp) {
-        put(group.now[EqGroup::kP], c.p);
-        put(group.now[EqGroup::kQ], c.q);
-        put(group.now[EqGroup::kB], c.b);
-        put(group.now[EqGroup::kG], c.g);
-        put(group.now[EqGroup::kC1], c.c1);
-        put(group.now[EqGroup::kC2], c.c2);
+        putAll(group.now, 0, lowC);
+        putAll(group.now, kHalf, highC);
     }
 }

@@ -6,24 +6,24 @@
 #include "engine/dsp/lanes.h"
 
 namespace zv::dsp {
-namespace {
-
-constexpr std::size_t kChunk = 128;  // most frames computed in one go
-
-/// What the kernels share for one chunk.
-struct Block {
-    const ReverbGains* from;
-    const ReverbGains* to;
-    const float* way;  // how far the change has come, 0..1, frame by frame
-};
 
 /// A stretch in which no line comes to the end of its memory.
-struct Run {
-    std::array<float*, ReverbGains::kLines> line;
-    const float* last;  // what left each line a frame ago
-    float *left, *right;
-    const float* way;
+struct Reverb::Run {
+    std::array<float*, kLines> line;
+    std::array<std::array<float*, kDiffusers>, 2> diffuser, diffused;  // what comes out, what goes in
+    float* stereo;
+    const ReverbGains *from, *to;
+    std::size_t rampAt, rampFrames;
 };
+
+namespace {
+
+constexpr std::size_t kLines = ReverbGains::kLines, kDiffusers = ReverbGains::kDiffusers;
+constexpr std::size_t kBlock = 256;  // most frames computed in one go
+constexpr double kLeastRate = 4000, kMostRate = 768000;
+constexpr std::size_t kMostRoom = 20'480;  // frames of all diffusers at the highest rate, and a block of each
+
+using Run = Reverb::Run;
 
 #define ZV_KERNELS "engine/dsp/reverb_kernels.h"
 #include "engine/dsp/two_paths.h"
@@ -37,8 +37,10 @@ constexpr float kMostNormalisation = 6;  // very short times would call for any 
 
 // No common factors (the lengths in frames are made prime), no simple ratios, long enough together that the
 // modes of a 3 s tail lie dense; the diffusers ring far shorter than the shortest tail.
-constexpr std::array<double, ReverbGains::kLines> kLineMs{19.9, 23.3, 27.7, 32.1, 37.3, 42.9, 49.1, 56.3};
-constexpr double kDiffuserMs[2][3] = {{2.3, 3.7, 5.9}, {2.7, 4.1, 5.3}};
+constexpr std::array<double, kLines> kLineMs{19.9, 23.3, 27.7, 32.1, 37.3, 42.9, 49.1, 56.3};
+constexpr double kDiffuserMs[2][kDiffusers] = {{2.3, 3.7, 5.9}, {2.7, 4.1, 5.3}};
+constexpr std::size_t kOver = kLaneCount + 1;         // frames that a group touches
+constexpr std::size_t kLeastFrames = 2 * kLaneCount;  // of a delay: more than one group of frames
 
 bool isPrime(std::size_t n) {
     for (std::size_t d = 2; d * d <= n; ++d)
@@ -47,7 +49,7 @@ bool isPrime(std::size_t n) {
 }
 
 std::size_t primeFrames(double ms, double rate) {
-    auto n = static_cast<std::size_t>(std::max(8.0, ms * 0.001 * rate));
+    auto n = static_cast<std::size_t>(std::max<double>(kLeastFrames, ms * 0.001 * rate));
     while (!isPrime(n)) ++n;
     return n;
 }
@@ -56,16 +58,18 @@ double finite(double v, double fallback) { return std::isfinite(v) ? v : fallbac
 
 }  // namespace
 
-Reverb::Reverb(double rate) : rate_(std::max(rate, 4000.0)), chunk_(kChunk) {
+Reverb::Reverb(double rate) : rate_(std::clamp(rate, kLeastRate, kMostRate)) {
     std::size_t memory = 0;
-    const auto place = [&](Delay& delay, double ms) {
-        delay = {primeFrames(ms, rate_), 0, memory};
-        memory += delay.length;
-        chunk_ = std::min(chunk_, delay.length / kLaneCount * kLaneCount);
-    };
-    for (std::size_t k = 0; k < kLines; ++k) place(lines_[k], kLineMs[k]);
+    for (std::size_t k = 0; k < kLines; ++k) {
+        lines_[k] = {primeFrames(kLineMs[k], rate_) + 1, 0, memory};
+        memory += lines_[k].frames + kOver;
+    }
     for (std::size_t side = 0; side < 2; ++side)
-        for (std::size_t k = 0; k < kDiffusers; ++k) place(diffusers_[side][k], kDiffuserMs[side][k]);
+        for (std::size_t k = 0; k < kDiffusers; ++k) {
+            Diffuser& d = diffusers_[side][k];
+            d = {primeFrames(kDiffuserMs[side][k], rate_), memory};
+            memory += d.length;
+        }
     memory_.assign(memory, 0.0f);
     rampFrames_ = rampAt_ = static_cast<std::uint32_t>(rate_ * kRampSeconds);
 }
@@ -91,7 +95,7 @@ void Reverb::set(const ReverbSettings& wish) {
     ReverbGains goal;
     double power = 0;  // mean of the squared gains of a pass
     for (std::size_t k = 0; k < kLines; ++k) {
-        const double passes = static_cast<double>(lines_[k].length) / rate_ * 1000 / timeMs;
+        const double passes = static_cast<double>(lines_[k].frames - 1) / rate_ * 1000 / timeMs;
         const double gain = std::pow(10.0, -3 * passes);
         const double high = std::max(kDarkest, std::pow(10.0, -3 * passes * (1 / settings_.highRatio - 1)));
         goal.line[k] = static_cast<float>(gain);
@@ -142,98 +146,103 @@ void Reverb::process(float* stereo, std::size_t frames) {
     if (frames == 0) return;
     passed_ = true;
     while (running_ && frames > 0) {
-        std::size_t part = std::min(frames, chunk_);
+        std::size_t part = frames;
         if (rampAt_ < rampFrames_) {
             part = std::min<std::size_t>(part, rampFrames_ - rampAt_);
         } else if (leaving_) {
             running_ = leaving_ = false;
             return;
         }
-        chunk(stereo, part);
+        part = std::min(part, kBlock);
+        block(stereo, part);
         stereo += 2 * part;
         frames -= part;
+        filled_ = true;
     }
 }
 
-void Reverb::chunk(float* stereo, std::size_t frames) {
-    alignas(32) float left[kChunk], right[kChunk], way[kChunk];
-    const bool ramp = rampAt_ < rampFrames_;
-    if (ramp)
-        for (std::size_t i = 0; i < frames; ++i)
-            way[i] = static_cast<float>(rampAt_ + i) / static_cast<float>(rampFrames_);
-    const Block block{&from_, &target_, way};
-    const bool w = wideChosen();
-
-    (ramp ? (w ? wide::spread<true> : plain::spread<true>)
-          : (w ? wide::spread<false> : plain::spread<false>))(stereo, frames, block, left, right);
-    for (std::size_t side = 0; side < 2; ++side) {
-        float* x = side == 0 ? left : right;
-        for (Delay& d : diffusers_[side]) {
-            const std::size_t first = std::min(frames, d.length - d.at);
-            float* memory = memory_.data() + d.offset;
-            (w ? wide::diffuse : plain::diffuse)(x, memory + d.at, first);
-            if (first < frames) (w ? wide::diffuse : plain::diffuse)(x + first, memory, frames - first);
-            d.at += frames;
-            if (d.at >= d.length) d.at -= d.length;
+void Reverb::block(float* stereo, std::size_t frames) {
+    alignas(32) float room[kMostRoom];
+    Run run{{}, {}, {}, stereo, &from_, &target_, rampAt_, rampFrames_};
+    float* free = room;
+    for (std::size_t side = 0; side < 2; ++side)
+        for (std::size_t k = 0; k < kDiffusers; ++k) {
+            const Diffuser& d = diffusers_[side][k];
+            run.diffuser[side][k] = free;
+            run.diffused[side][k] = std::copy_n(memory_.data() + d.offset, d.length, free);
+            free += d.length + kBlock + kLaneCount;
         }
+    const std::size_t groups = frames / kLaneCount, rest = frames % kLaneCount;
+    turn(run, groups, kLaneCount);
+    if (rest > 0) {
+        float few[2 * kLaneCount] = {};
+        float* const from = stereo + 2 * kLaneCount * groups;
+        std::copy_n(from, 2 * rest, few);
+        run.stereo = few;
+        turn(run, 1, rest);
+        std::copy_n(few, 2 * rest, from);
     }
-    for (std::size_t done = 0; done < frames;) {
-        std::size_t run = frames - done;
-        for (const Delay& d : lines_) run = std::min(run, d.length - d.at);
-        turn(left + done, right + done, way + done, run);
-        done += run;
-    }
-    (ramp ? (w ? wide::blend<true> : plain::blend<true>) : (w ? wide::blend<false> : plain::blend<false>))(
-        stereo, frames, block, left, right);
-    if (ramp) rampAt_ += static_cast<std::uint32_t>(frames);
-    filled_ = true;
+    for (std::size_t side = 0; side < 2; ++side)
+        for (std::size_t k = 0; k < kDiffusers; ++k) {
+            const Diffuser& d = diffusers_[side][k];
+            std::copy_n(run.diffuser[side][k], d.length, memory_.data() + d.offset);
+        }
 }
 
-/// Turns the lines by `frames` frames, within which none of them wraps.
-void Reverb::turn(float* left, float* right, const float* way, std::size_t frames) {
-    const bool ramp = rampAt_ < rampFrames_;
-    const auto network = ramp ? (wideChosen() ? wide::network<true> : plain::network<true>)
-                              : (wideChosen() ? wide::network<false> : plain::network<false>);
-    const Block block{&from_, &target_, way};
-    const std::size_t whole = frames / kLaneCount * kLaneCount, rest = frames - whole;
-    Run run{{}, last_.data(), left, right, way};
-    for (std::size_t k = 0; k < kLines; ++k) run.line[k] = memory_.data() + lines_[k].offset + lines_[k].at;
-    std::array<float, kLines> leaving;
-    for (std::size_t k = 0; k < kLines; ++k) leaving[k] = run.line[k][frames - 1];
-
-    std::array<float, kLines> between;
-    if (whole > 0) {
-        for (std::size_t k = 0; k < kLines; ++k) between[k] = run.line[k][whole - 1];
-        network(run, whole, block);
-        run.last = between.data();
-    }
-    if (rest > 0) {  // the last frames pass through a whole group of their own
-        alignas(32) float group[kLines + 3][kLaneCount] = {};
-        const auto copy = [rest](float* to, const float* from) { std::copy_n(from, rest, to); };
-        Run small{{}, run.last, group[kLines], group[kLines + 1], group[kLines + 2]};
+/// Turns the network by `groups` groups of `lanes` frames; of fewer than eight only one.
+void Reverb::turn(Run& run, std::size_t groups, std::size_t lanes) {
+    while (groups > 0) {
+        std::size_t fit = groups;
+        for (const Line& line : lines_) fit = std::min(fit, (line.frames - line.at - 1) / kLaneCount);
+        if (fit > 0) {
+            kernel(run, fit, lanes);
+            groups -= fit;
+            continue;
+        }
+        const auto copy = [this](std::size_t from, std::size_t to) {
+            std::copy_n(memory_.data() + from, kOver, memory_.data() + to);
+        };
+        std::array<bool, kLines> over;
         for (std::size_t k = 0; k < kLines; ++k) {
-            copy(group[k], run.line[k] + whole);
-            small.line[k] = group[k];
+            const Line& line = lines_[k];
+            over[k] = line.at + kOver > line.frames;
+            if (over[k]) copy(line.offset, line.offset + line.frames);
         }
-        copy(small.left, left + whole);
-        copy(small.right, right + whole);
-        if (ramp) copy(group[kLines + 2], way + whole);
-        network(small, kLaneCount, block);
-        for (std::size_t k = 0; k < kLines; ++k) copy(run.line[k] + whole, group[k]);
-        copy(left + whole, small.left);
-        copy(right + whole, small.right);
+        kernel(run, 1, lanes);
+        for (std::size_t k = 0; k < kLines; ++k)
+            if (over[k]) copy(lines_[k].offset + lines_[k].frames, lines_[k].offset);
+        --groups;
     }
-    last_ = leaving;
-    for (Delay& d : lines_) {
-        d.at += frames;
-        if (d.at == d.length) d.at = 0;
+}
+
+void Reverb::kernel(Run& run, std::size_t groups, std::size_t lanes) {
+    for (std::size_t k = 0; k < kLines; ++k) run.line[k] = memory_.data() + lines_[k].offset + lines_[k].at;
+    run.rampAt = rampAt_;
+    const bool w = wideChosen(), ramp = rampAt_ < rampFrames_;
+    const auto network = lanes < kLaneCount
+                             ? ramp ? (w ? wide::network<true, true> : plain::network<true, true>)
+                                    : (w ? wide::network<false, true> : plain::network<false, true>)
+                         : ramp ? (w ? wide::network<true, false> : plain::network<true, false>)
+                                : (w ? wide::network<false, false> : plain::network<false, false>);
+    network(run, groups, static_cast<std::int32_t>(lanes));
+
+    const std::size_t frames = (groups - 1) * kLaneCount + lanes;
+    for (Line& line : lines_) {
+        line.at += frames;
+        if (line.at >= line.frames) line.at -= line.frames;
     }
+    for (std::size_t side = 0; side < 2; ++side)
+        for (std::size_t k = 0; k < kDiffusers; ++k) {
+            run.diffuser[side][k] += frames;
+            run.diffused[side][k] += frames;
+        }
+    run.stereo += 2 * frames;
+    if (ramp) rampAt_ += static_cast<std::uint32_t>(frames);
 }
 
 void Reverb::clear() {
     if (!filled_) return;
     std::fill(memory_.begin(), memory_.end(), 0.0f);
-    last_ = {};
     filled_ = false;
 }
 

@@ -18,7 +18,7 @@ struct ReverbSettings {
 
 /// What moves when settings change, all of it in the same 20 ms.
 struct ReverbGains {
-    static constexpr std::size_t kLines = 8;
+    static constexpr std::size_t kLines = 8, kDiffusers = 3;
     std::array<float, kLines> line{};  ///< of the feedback: 60 dB in T60
     std::array<float, kLines> damp{};  ///< weight of the former frame in a line's damping
     float send = 0;                    ///< into the lines
@@ -27,7 +27,7 @@ struct ReverbGains {
 
 class Reverb {
   public:
-    /// `rate` in Hz, 4000 and up. [control] [worker]
+    /// `rate` in Hz, 4000 to 768000. [control] [worker]
     explicit Reverb(double rate);
 
     /// While sound passes, changes are spread over 20 ms; before the first frame after construction or
@@ -41,23 +41,31 @@ class Reverb {
     /// True when process() leaves the samples alone. [audio]
     bool bypassed() const { return !running_; }
 
+    struct Run;
+
   private:
-    struct Delay {
-        std::size_t length = 0, at = 0, offset = 0;  // frames; where it stands; where it lies in the memory
+    /// A line takes eight frames at once out of its memory and puts eight in their place. It holds one frame
+    /// more than its length, because its damping asks for the one before. Where eight run over its end, what
+    /// lies behind the end stands for its beginning.
+    struct Line {
+        std::size_t frames = 0, at = 0, offset = 0;  // it holds; where it stands; where it lies in the memory
     };
-    static constexpr std::size_t kLines = ReverbGains::kLines, kDiffusers = 3;
+    /// A diffuser is so short that it is laid out anew for each block: what it holds is in order.
+    struct Diffuser {
+        std::size_t length = 0, offset = 0;
+    };
+    static constexpr std::size_t kLines = ReverbGains::kLines, kDiffusers = ReverbGains::kDiffusers;
 
     void begin(const ReverbGains& goal);
-    void chunk(float* stereo, std::size_t frames);
-    void turn(float* left, float* right, const float* way, std::size_t frames);
+    void block(float* stereo, std::size_t frames);
+    void turn(Run& run, std::size_t groups, std::size_t lanes);
+    void kernel(Run& run, std::size_t groups, std::size_t lanes);
     void clear();
 
     double rate_;
-    std::size_t chunk_;  // frames that fit into the shortest delay
     ReverbSettings settings_;
-    std::array<Delay, kLines> lines_;
-    std::array<std::array<Delay, kDiffusers>, 2> diffusers_;
-    std::array<float, kLines> last_{};  // what left each line a frame ago
+    std::array<Line, kLines> lines_;
+    std::array<std::array<Diffuser, kDiffusers>, 2> diffusers_;
     std::vector<float> memory_;
     ReverbGains from_, target_;
     std::uint32_t rampFrames_, rampAt_;
