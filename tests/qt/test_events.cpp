@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QWheelEvent>
 
+#include "platform/qt/view/keys.h"
 #include "tests/qt/stage.h"
 
 namespace zv::test {
@@ -138,6 +139,9 @@ TEST(Keys, CarryTheirNumberModifiersAndRepeat) {
         EXPECT_EQ(seen.key, c.key);
         EXPECT_EQ(seen.shift, c.shift);
         EXPECT_EQ(seen.repeat, c.repeat);
+        EXPECT_TRUE(isKeyDown(c.key));
+        keyUp(c.key);
+        EXPECT_FALSE(isKeyDown(c.key));
     }
 }
 

@@ -116,6 +116,7 @@ constexpr Row kRows[] = {
     {"all three: nothing", "", "0 csa yes 100 click", "", ""},
 
     // And what is left: mouse buttons, fingers, keys.
+    {"lock of the mix", "", "0 lock 100 click", "", ""},
     {"plays, stops", "", "0 down 300 up 600 click", "a0-100 b100-600", ""},
     {"what a playlist holds plays", "locked", "0 click", "a0-100 b100-", ""},
     {"empty: nothing", "empty", "0 click", "", ""},
@@ -196,6 +197,7 @@ class PressTest : public WindowTest {
             {"tab", [] { frmMain().ckTab[1].onMouseDown({}); }},
             {"announcer", [] { Arm(frmMain().announcer.b_tmAnJin, settings.assColor); }},
             {"noreloc", [] { settings.OpenReloc = 0; }},
+            {"lock", [] { settings.AutoMix = 2; }},
             {"inhibit", [] { settings.InhibSpBar = 1; }},
             {"yes", [] { desktop().answers = {BoxAnswer::yes}; }},
             {"file", [&] { desktop().paths = {path("Audio_Sample/sound_5.wav").string()}; }},
@@ -388,6 +390,22 @@ TEST_F(PressTest, globalTogglesExcludeEachOtherAndAreKept) {
     CkAutoMixTog();
     EXPECT_EQ(settings.AutoMix, 0);
     MIDILearnActive = false;
+}
+
+TEST_F(PressTest, automixFadesWhatElseSounds) {
+    load(1, tones("a2000"));
+    load(2, tones("b2000"), "NoAutomix=1");
+    load(3, tones("c2000"));
+    settings.AutoMixTime = 300;
+    heard();
+    perform("0 p1 p2 200 mix p3 600 p3 700", [&](const std::string& word) {
+        if (word == "mix") {
+            settings.AutoMix = 1;
+        } else {
+            press(word[1] - '0');
+        }
+    });
+    EXPECT_EQ(whatIsHeard(heard()), "a0-200~500 b0- c200-600");
 }
 
 TEST_F(PressTest, messagesOfTheModifierKeys) {
