@@ -30,6 +30,7 @@ class OutputSlot final : public SoundClient {
     void heard(std::span<const float>) override {}
     void deviceLost() override;
     void deviceBack() override;
+    void ranDry() override { underruns_.fetch_add(1, std::memory_order_relaxed); }
     bool resting() const override;
     void wake();  // [any but audio], under the engine's lock
 

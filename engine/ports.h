@@ -73,6 +73,8 @@ class SoundClient {
     /// Output: fills `frames`. Input: hands over what was heard.
     virtual void render(std::span<float> stereo) = 0;
     virtual void heard(std::span<const float> stereo) = 0;
+    /// Output: its device had nothing to play for a moment, because it was not asked, or not served, in time.
+    virtual void ranDry() {}
     /// The device went away or came back; the sound goes on by itself when it is back. [any]
     virtual void deviceLost() = 0;
     virtual void deviceBack() = 0;
@@ -131,7 +133,7 @@ struct EnginePorts {
 /// Counters of a device, all since it was opened.
 struct DeviceStatistics {
     std::uint64_t callbacks = 0;
-    std::uint64_t underruns = 0;  ///< callbacks that took longer than their sound lasts
+    std::uint64_t underruns = 0;  ///< callbacks that took longer than their sound lasts, and times the device ran dry
     std::uint64_t longestCallbackNs = 0;
     std::uint64_t commandOverflows = 0;  ///< commands that found the ring full
     std::uint64_t starvations = 0;       ///< times a decoder was not ahead in time

@@ -112,6 +112,7 @@ void PulseDevice::dropStream() {
     pa_stream_set_state_callback(stream_, nullptr, nullptr);
     pa_stream_set_write_callback(stream_, nullptr, nullptr);
     pa_stream_set_read_callback(stream_, nullptr, nullptr);
+    pa_stream_set_underflow_callback(stream_, nullptr, nullptr);
     pa_stream_disconnect(stream_);
     pa_stream_unref(stream_);
     stream_ = nullptr;
@@ -209,6 +210,9 @@ void PulseDevice::openStream() {
             },
             this);
         resting_ = false;
+        pa_stream_set_underflow_callback(
+            stream_, [](pa_stream*, void* self) { static_cast<PulseDevice*>(self)->client_->ranDry(); },
+            this);
         const pa_buffer_attr buffer = queue(false);
         result = pa_stream_connect_playback(stream_, name, &buffer, flags, nullptr, nullptr);
     } else {
@@ -308,7 +312,9 @@ void PulseDevice::pace() {
     if (due > pacedFrames_ + rate_) pacedFrames_ = due - rate_;  // what a sleeping machine missed is gone
     for (; pacedFrames_ + options_.periodFrames <= due; pacedFrames_ += options_.periodFrames)
         client_->render(thrownAway_);
-    const timeval next = inMicroseconds(PA_USEC_PER_SEC * options_.periodFrames / rate_);
+    // Another output drives meanwhile, so nobody waits for what this one is asked.
+    const timeval next =
+        inMicroseconds(client_->resting() ? soon : PA_USEC_PER_SEC * options_.periodFrames / rate_);
     api_->time_restart(paceTimer_, &next);
 }
 

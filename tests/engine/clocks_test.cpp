@@ -1,6 +1,7 @@
 // Outputs with clocks of their own: they follow one another, go and come back, and rest while nothing sounds.
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
@@ -200,6 +201,32 @@ TEST_F(Clocks, APressInARestSoundsAtOnceAndWhole) {
         EXPECT_NEAR(static_cast<double>(f - first), 59900, 100);
     }
     EXPECT_EQ(engineControl()->statistics(kAux).starvations, 0U);
+}
+
+TEST_F(Clocks, ACallbackThatTakesTooLongIsCounted) {
+    using Clock = std::chrono::steady_clock;
+    begin({.period = 32});
+    constexpr auto tooLong = std::chrono::milliseconds(3);  // a period is 0.7
+    bool stuck = false;
+    decoders->sounds["slow"] = {.length = 441000, .sample = [&](std::uint64_t f, std::uint32_t) {
+                                    for (const auto until = Clock::now() + tooLong;
+                                         stuck && Clock::now() < until;) {
+                                    }
+                                    stuck = false;
+                                    return sine(f, 100, rate, 0.5);
+                                }};
+    const Topology topology;
+    BASS_ChannelPlay(topology.jingle(file("slow")), false);
+    pull(4096);
+    const DeviceStatistics before = engineControl()->statistics(kMain);
+    stuck = true;
+    pull(44100);
+    const DeviceStatistics after = engineControl()->statistics(kMain);
+    EXPECT_FALSE(stuck);
+    EXPECT_EQ(after.callbacks, before.callbacks + 44100 / 32 + 1);
+    EXPECT_GE(after.underruns, before.underruns + 1);
+    EXPECT_GE(after.longestCallbackNs, 3'000'000U);
+    EXPECT_LT(engineControl()->statistics(kAux).longestCallbackNs, after.longestCallbackNs) << "by device";
 }
 
 }  // namespace

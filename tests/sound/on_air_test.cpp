@@ -2,6 +2,7 @@
 // outputs, and stays on air when a device goes and comes.
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <cmath>
 
 #include "engine/bass.h"
@@ -104,6 +105,61 @@ TEST_F(OnAir, APressIsHeardOnBothOutputsUnchanged) {
     EXPECT_LE(worst, 1e-6F);
 }
 
+/// When something is first heard.
+class Listener : public SoundClient {
+  public:
+    void render(std::span<float>) override {}
+    void heard(std::span<const float> stereo) override {
+        if (at == 0 && std::ranges::any_of(stereo, [](float s) { return std::abs(s) > 0.02F; }))
+            at = std::chrono::steady_clock::now().time_since_epoch().count();
+    }
+    void deviceLost() override {}
+    void deviceBack() override {}
+    std::atomic<std::int64_t> at{0};
+};
+
+TEST_F(OnAir, OutputsRestAndAPressEndsTheRestAtOnce) {
+    const auto tones = wanderingTones(rate, 2, rate / 2);
+    writeWav(folder / "tones.wav", tones, rate, 2);
+    const DWORD play = jingle(folder / "tones.wav");
+    const auto rest = [](int device) {
+        return within(8, [&] {
+            const auto asked = engineControl()->statistics(device).callbacks;
+            std::this_thread::sleep_for(std::chrono::milliseconds(400));
+            return engineControl()->statistics(device).callbacks == asked;
+        });
+    };
+    float worst = 1, lag = 1000;
+    for (int attempt = 0; attempt < 4 && worst > 1e-6F; ++attempt) {
+        ASSERT_TRUE(rest(1) && rest(2));
+        // What makes no sound is heard as well.
+        const float volume = 0.5F + 0.1F * static_cast<float>(attempt);
+        BASS_ChannelSlideAttribute(play, BASS_ATTRIB_VOL, volume, 5);
+        EXPECT_TRUE(within(1, [&] {
+            float now = 0;
+            return BASS_ChannelGetAttribute(play, BASS_ATTRIB_VOL, &now) && now == volume;
+        }));
+        BASS_ChannelSetAttribute(play, BASS_ATTRIB_VOL, 1);
+        ASSERT_TRUE(rest(1) && rest(2));
+        Listener mainEar, auxEar;
+        const auto devices = makePulseDevices({.server = server.address()});
+        const auto one = devices->openInput("out1.monitor", rate, mainEar),
+                   two = devices->openInput("out2.monitor", rate, auxEar);
+        SoundServer::Recording record(server, "out1");
+        const auto pressed = std::chrono::steady_clock::now().time_since_epoch().count();
+        ASSERT_TRUE(BASS_ChannelPlay(play, true));
+        ASSERT_TRUE(within(5, [&] { return BASS_ChannelIsActive(play) == BASS_ACTIVE_STOPPED; }));
+        ASSERT_TRUE(within(2, [&, before = record.frames()] { return record.frames() > before + 8'820; }));
+        ASSERT_TRUE(mainEar.at != 0 && auxEar.at != 0);
+        worst = worstDifference(record.stop(), tones);
+        lag = static_cast<float>(auxEar.at - mainEar.at) / 1e6F;
+        std::printf("out of a rest: heard after %.1f ms, on the other output %.1f ms later\n",
+                    static_cast<double>(mainEar.at - pressed) / 1e6, static_cast<double>(lag));
+    }
+    EXPECT_LE(worst, 1e-6F) << "the press is not whole";
+    EXPECT_LT(lag, 100);
+}
+
 TEST_F(OnAir, SoundGoesOnOverADeviceThatIsPulledOut) {
     writeWav(folder / "tones.wav", wanderingTones(rate, 2, rate * 20), rate, 2);
     const DWORD play = jingle(folder / "tones.wav");
@@ -136,8 +192,8 @@ TEST_F(OnAir, MicrophoneReachesTheOutput) {
     BASS_RECORDINFO info{};
     ASSERT_TRUE(BASS_RecordGetInfo(&info));
     EXPECT_EQ(rate, info.freq);
-    const DWORD microphone = BASS_FX_TempoCreate(BASS_RecordStart(info.freq, 2, 0, nullptr, nullptr),
-                                                 BASS_STREAM_DECODE | BASS_FX_FREESOURCE);
+    DWORD microphone = BASS_FX_TempoCreate(BASS_RecordStart(info.freq, 2, 0, nullptr, nullptr),
+                                           BASS_STREAM_DECODE | BASS_FX_FREESOURCE);
     ASSERT_TRUE(BASS_Mixer_StreamAddChannel(micMixer, microphone, BASS_MIXER_CHAN_BUFFER));
     {
         const Process speaker = server.feedMicrophone(folder / "tones.wav");
@@ -150,15 +206,39 @@ TEST_F(OnAir, MicrophoneReachesTheOutput) {
     // which is in it once more than in what is asked: from input to output.
     const auto devices = makePulseDevices({.server = server.address()});
     double median = 1000;
-    for (int attempt = 0; attempt < 3 && median >= 30; ++attempt) {
+    for (int attempt = 0; attempt < 5 && median >= 30; ++attempt) {
         const auto bare = clickTravels(*devices, "micfeed", "mic1");
         const auto whole = clickTravels(*devices, "micfeed", "out1.monitor");
-        ASSERT_FALSE(bare.empty() || whole.empty());
+        if (bare.empty() || whole.empty()) continue;  // a click was lost on a busy machine
         median = whole[whole.size() / 2] - bare[bare.size() / 2];
         std::printf("input to output: median %.1f ms (whole loop %.1f ms)\n", median,
                     whole[whole.size() / 2]);
     }
     EXPECT_LT(median, 30.0);
+    // Closed and opened anew while a jingle sounds: both are there, and what drives never starved.
+    writeWav(folder / "long.wav", wanderingTones(rate, 2, rate * 20), rate, 2);
+    ASSERT_TRUE(BASS_ChannelPlay(jingle(folder / "long.wav"), false));
+    for (int round = 0; round < 2; ++round) {
+        BASS_Mixer_ChannelRemove(microphone);
+        BASS_StreamFree(microphone);
+        ASSERT_TRUE(BASS_RecordFree());
+        ASSERT_TRUE(BASS_RecordInit(-1));
+        microphone = BASS_FX_TempoCreate(BASS_RecordStart(info.freq, 2, 0, nullptr, nullptr),
+                                         BASS_STREAM_DECODE | BASS_FX_FREESOURCE);
+        ASSERT_TRUE(BASS_Mixer_StreamAddChannel(micMixer, microphone, BASS_MIXER_CHAN_BUFFER));
+        Listener ear;
+        const auto monitor = devices->openInput("out1.monitor", rate, ear);
+        EXPECT_TRUE(within(3, [&] { return ear.at != 0; }));
+        float levels[2] = {0, 0};
+        const Process speaker = server.feedMicrophone(folder / "tones.wav");
+        EXPECT_TRUE(within(4,
+                           [&] {
+                               return BASS_Mixer_ChannelGetLevelEx(microphone, levels, 0.05F,
+                                                                   BASS_LEVEL_STEREO) &&
+                                      levels[0] > 0.2F;
+                           }))
+            << "round " << round;
+    }
 }
 
 }  // namespace

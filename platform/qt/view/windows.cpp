@@ -150,10 +150,15 @@ WindowWidget* windowWidget(const Control& window) {
 
 void advanceBelow(const Control& record, std::int64_t now) {
     for (Control* child : record.children()) {
+        const bool meter = child->kind == ControlKind::meter;
+        if (!meter && (child->kind != ControlKind::frame || !child->visible())) continue;
         RecordView* view = viewOf(*child);
         if (view == nullptr) continue;
-        if (child->kind == ControlKind::meter) view->advance(now);
-        if (child->kind == ControlKind::frame && child->visible()) advanceBelow(*child, now);
+        if (meter) {
+            view->advance(now);
+        } else {
+            advanceBelow(*child, now);
+        }
     }
 }
 
