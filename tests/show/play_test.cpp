@@ -166,15 +166,6 @@ std::vector<std::int16_t> noise(std::size_t frames) {
     return samples;
 }
 
-TEST_F(Play, StartsAtItsCuePointToTheFrame) {
-    openJingle(ramp(20000), key("CueStart", std::to_string(5000 * kBytesPerFrame)));
-    press();
-    pass(100);
-    const Heard sound = heard();
-    for (const std::size_t frame : {441U, 442U, 4000U})
-        EXPECT_EQ(rampFrame(sound, frame), 5000 + static_cast<int>(frame));
-}
-
 TEST_F(Play, LoopsWrapToTheFrame) {
     struct Loop {
         const char* name;
