@@ -96,20 +96,17 @@ void Graph::countSilence(std::uint32_t frames) {
 // ---- lists of sounding channels
 // ----------------------------------------------------------------------------
 
+Graph::List Graph::listOf(const AudioState& a) {
+    if (a.parent) return {&a.parent->audio.first, &a.parent->audio.last};
+    if (a.device < 0) return {};
+    Output& output = outputs_[static_cast<std::size_t>(a.device)];
+    return {&output.first, &output.last};
+}
+
 void Graph::link(Channel& channel) {
     AudioState& a = channel.audio;
-    Channel** first = nullptr;
-    Channel** last = nullptr;
-    if (a.parent) {
-        first = &a.parent->audio.first;
-        last = &a.parent->audio.last;
-    } else if (a.device >= 0) {
-        Output& output = outputs_[static_cast<std::size_t>(a.device)];
-        first = &output.first;
-        last = &output.last;
-    } else {
-        return;
-    }
+    const auto [first, last] = listOf(a);
+    if (!first) return;
     a.previous = *last;
     a.next = nullptr;
     (*last ? (*last)->audio.next : *first) = &channel;
@@ -120,16 +117,7 @@ void Graph::link(Channel& channel) {
 
 void Graph::unlink(Channel& channel) {
     AudioState& a = channel.audio;
-    Channel** first = nullptr;
-    Channel** last = nullptr;
-    if (a.parent) {
-        first = &a.parent->audio.first;
-        last = &a.parent->audio.last;
-    } else if (a.device >= 0) {
-        Output& output = outputs_[static_cast<std::size_t>(a.device)];
-        first = &output.first;
-        last = &output.last;
-    }
+    const auto [first, last] = listOf(a);
     if (!first || (!a.previous && *first != &channel)) return;
     (a.previous ? a.previous->audio.next : *first) = a.next;
     (a.next ? a.next->audio.previous : *last) = a.previous;

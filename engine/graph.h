@@ -84,6 +84,10 @@ class Graph {
         std::vector<float> bus;
         Slide gain;
     };
+    /// Both ends of the list of sounding channels that one stands in; null: in none.
+    struct List {
+        Channel **first = nullptr, **last = nullptr;
+    };
 
     // graph.cpp
     void apply(const Command& command);
@@ -95,6 +99,7 @@ class Graph {
     void free(const Command& command);
     static void findFirstSync(AudioState& a);
     void expect(const Channel& channel, int syncs);
+    List listOf(const AudioState& a);
     void link(Channel& channel);
     void unlink(Channel& channel);
     void move(Channel& channel, std::uint64_t frame, std::uint32_t moves);
