@@ -49,7 +49,7 @@ void placeParts(JingleButton& b) {
     const int w = b.b_Jingle.width;
     const int h = b.b_Jingle.height;
     const auto bar = static_cast<BarPlace>(static_cast<int>(settings.JRemLevPos));
-    const int thickness = std::min(barThickness(), multiple(h / 4));
+    const int thickness = std::min(barThickness(), multiple(h / 6));
     const int barTop = bar == BarPlace::bottom ? h - kBarInset - thickness : kBarInset;
     place(b.JremBG, kBarInset, barTop, w - 2 * kBarInset, thickness);
     // The bar's width is the tick's business once it is shown.

@@ -302,7 +302,12 @@ class JingleWidget final : public PaintedWidget {
             return {right - w, foot - h, w, h};
         }
         for (const Control* part : record.children()) {
-            if (part->visible() && isStateMark(*part)) right = std::min(right, dotPlace(*part).left() - 4);
+            if (!part->visible()) continue;
+            if (isStateMark(*part)) right = std::min(right, dotPlace(*part).left() - 4);
+            if (isNumber(*part) && showNumber_ && part->left() > record.width() / 2) {
+                right =
+                    std::min(right, numberPlace(placeIn(*part, record), captionOf(part->caption)).left() - 6);
+            }
         }
         return {right - w, (height() - h) / 2, w, h};
     }
@@ -327,11 +332,9 @@ class JingleWidget final : public PaintedWidget {
         const double wanted = std::max(kDotSize, place.width() - 1);
         double side = std::min({wanted, place.width(), place.height(), height() - 6.0});
         double y = place.center().y();
-        if (height() < kLowButton / 2 + 4) {
-            y = height() / 2.0;
-        } else if (height() < kLowButton) {
+        if (height() < kLowButton) {
             side = std::min(side, 7.0);
-            y = std::min(y, side / 2 + 4);
+            y = height() / 2.0;
         }
         return {place.center().x() - side / 2 - marksAside_, y - side / 2, side, side};
     }
@@ -354,7 +357,8 @@ class JingleWidget final : public PaintedWidget {
     QRectF numberPlace(const QRectF& place, const QString& text) const {
         const QFont font = numberFont();
         const double w = figuresWidth(font, text), h = QFontMetricsF(font).height();
-        const double y = std::clamp(place.center().y() - h / 2, 1.0, std::max(1.0, height() - h - 1));
+        const double middle = height() < kLowButton ? height() / 2.0 : place.center().y();
+        const double y = std::clamp(middle - h / 2, 1.0, std::max(1.0, height() - h - 1));
         if (place.center().x() > width() / 2.0) return {std::min(place.right(), width() - 5.0) - w, y, w, h};
         return {std::max(place.left(), 7.0), y, w, h};
     }
@@ -408,6 +412,7 @@ class JingleWidget final : public PaintedWidget {
         const QRectF room = QRectF(rect()).adjusted(kMargin, air, -kMargin, -air);
         const QRectF small = QRectF(rect()).adjusted(3, air, -3, -air);
         const bool narrow = width() < kNarrowButton;
+        const bool tight = narrow || height() < kLowButton;
         const auto attempt = [&](bool duration, bool number) {
             showDuration_ = duration;
             showNumber_ = number;
@@ -421,9 +426,8 @@ class JingleWidget final : public PaintedWidget {
             layout_ = layOutCaption(parts_.name, seen_.font, narrow ? small : room, corners_);
             return !layout_.cut && !(narrow && cornersMeet());
         };
-        if (attempt(true, true) || (attempt(false, true) && narrow) || (narrow && attempt(false, false)))
-            return;
-        if (!narrow) attempt(true, true);  // long for any button: nothing is won by leaving them out
+        if (attempt(true, true) || (tight && (attempt(false, true) || attempt(false, false)))) return;
+        if (!tight) attempt(true, true);  // long for any button: nothing is won by leaving them out
     }
 
     void tellReaders() {
