@@ -46,22 +46,25 @@ for ((i = 0; i < count; ++i)); do
     sleep "$pause$((RANDOM % 100))" # never in step with the server
 done
 sleep 0.5
-/usr/bin/python3 - "$work/trace" "$count" <<'PY'
+/usr/bin/python3 - "$work/trace" "$count" "$mode" <<'PY'
 import sys
 press, times, lost = None, [], 0
 for line in open(sys.argv[1]):
-    what, ns = line.split()
+    what, ns, before = line.split()
     if what == "press":
         # The server tells of one press in more than one way; the first one counts.
         if press is None or int(ns) - press > 100e6:
             lost += press is not None
             press = int(ns)
     elif press is not None:
-        times.append((int(ns) - press) / 1e6)
+        times.append(((int(ns) - press) / 1e6, (int(ns) - int(before)) / 1e6))
         press = None
 times.sort()
 if len(times) < int(sys.argv[2]) * 9 // 10:
     sys.exit(f"only {len(times)} of {sys.argv[2]} presses were heard")
-print(f"presses {len(times)}, unheard {lost}: median {times[len(times) // 2]:.2f} ms, "
-      f"95 % {times[len(times) * 95 // 100]:.2f} ms, worst {times[-1]:.2f} ms")
+print(f"presses {len(times)}, unheard {lost}: median {times[len(times) // 2][0]:.2f} ms, "
+      f"95 % {times[len(times) * 95 // 100][0]:.2f} ms, worst {times[-1][0]:.2f} ms")
+if sys.argv[3] != "rest":
+    print("the worst, and since when the server had not asked: " +
+          ", ".join(f"{took:.1f} ({gap:.1f})" for took, gap in times[-5:]))
 PY

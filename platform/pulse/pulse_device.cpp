@@ -209,7 +209,7 @@ void PulseDevice::openStream() {
                 static_cast<PulseDevice*>(self)->giveSound(bytes);
             },
             this);
-        resting_ = false;
+        resting_ = 0;
         pa_stream_set_underflow_callback(
             stream_, [](pa_stream*, void* self) { static_cast<PulseDevice*>(self)->client_->ranDry(); },
             this);
@@ -319,7 +319,7 @@ void PulseDevice::pace() {
 }
 
 void PulseDevice::giveSound(std::size_t bytes) {
-    if (resting_.load(std::memory_order_relaxed)) {
+    if (resting_.load(std::memory_order_relaxed) != 0) {
         if (client_->resting()) {
             giveSilence(bytes);
         } else {
@@ -374,11 +374,10 @@ void PulseDevice::askQueue(bool resting) {
 }
 
 void PulseDevice::rest() {
-    resting_.store(true, std::memory_order_seq_cst);
-    // An order that came just now found the device awake.
-    std::atomic_thread_fence(std::memory_order_seq_cst);
+    // Either wake() finds this, or what was ordered before it is seen here.
+    resting_.exchange(1, std::memory_order_acq_rel);
     if (!wakeEvent_ || !client_->resting()) {
-        resting_.store(false, std::memory_order_relaxed);
+        resting_.store(0, std::memory_order_relaxed);
         return;
     }
     askQueue(true);
@@ -397,16 +396,15 @@ void PulseDevice::giveSilence(std::size_t bytes) {
 }
 
 void PulseDevice::wake() {
-    std::atomic_thread_fence(std::memory_order_seq_cst);
-    if (resting_.load(std::memory_order_seq_cst)) eventfd_write(wakeFile_, 1);
+    if (resting_.fetch_add(0, std::memory_order_acq_rel) != 0) eventfd_write(wakeFile_, 1);
 }
 
 void PulseDevice::woken() {
-    if (!resting_.load(std::memory_order_relaxed) || state_ != State::Running) return;
+    if (resting_.load(std::memory_order_relaxed) == 0 || state_ != State::Running) return;
     client_->render(first_);
     // Orders were heard that make no sound.
     if (client_->resting()) return;
-    resting_.store(false, std::memory_order_relaxed);
+    resting_.store(0, std::memory_order_relaxed);
     askQueue(false);
     if (pa_stream_write(stream_, first_.data(), first_.size() * sizeof(float), nullptr, 0,
                         PA_SEEK_RELATIVE_ON_READ) < 0)

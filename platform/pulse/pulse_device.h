@@ -81,9 +81,9 @@ class PulseDevice : public SoundDevice {
     std::vector<float> silence_;     ///< what an input gives for a hole in its stream
     State state_ = State::Opening;
 
-    int wakeFile_ = -1;                 ///< an event to the thread
-    std::atomic<bool> resting_{false};  ///< a long stretch of silence lies at the server
-    std::vector<float> first_;          ///< what is given first after a rest
+    int wakeFile_ = -1;            ///< an event to the thread
+    std::atomic<int> resting_{0};  ///< 1: a long stretch of silence lies at the server
+    std::vector<float> first_;     ///< what is given first after a rest
 
     std::mutex openMutex_;  ///< between open() and the thread, while opening only
     std::condition_variable opened_;

@@ -28,7 +28,7 @@ class Tone {
             sines[f] = std::sin(angle);
         }
     }
-    static float sample(std::uint64_t frame, std::uint32_t) { return sine(frame % turn, hz, rate, 0.5); }
+    float sample(std::uint64_t frame) const { return wave[frame % turn]; }
 
     /// Where in its turn the tone stands at the first frame, in frames; with how much strength.
     double phase(const std::vector<float>& sound, double& strength) const {
@@ -64,7 +64,8 @@ class Clocks : public Show {
     /// A tone for ever on both outputs, which run by so many parts per million too fast.
     void playTone(double main, double aux, OfflineOptions options = {}) {
         begin(std::move(options));
-        decoders->sounds["tone"] = {.length = Tone::turn * 6000, .sample = Tone::sample};
+        decoders->sounds["tone"] = {.length = Tone::turn * 6000,
+                                    .sample = [this](auto frame, auto) { return tone.sample(frame); }};
         devices->setClockError(kMainName, main);
         devices->setClockError(kAuxName, aux);
         studio.emplace();

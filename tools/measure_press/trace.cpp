@@ -1,7 +1,7 @@
 // Stands between the program and its libraries (LD_PRELOAD) and notes two moments on the monotonic clock: a
 // mouse press is handed to the toolkit; a block handed to the sound server holds the first loud sound after
-// silence. The program itself knows nothing of it. One line each to the file PRESS_TRACE: "press NS" or
-// "sound NS".
+// silence. The program itself knows nothing of it. One line each to the file PRESS_TRACE: "press NS", or "sound NS"
+// with the time of the block before, which tells how long the server had not asked.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <time.h>
@@ -28,13 +28,16 @@ struct AnyEvent {
     std::uint16_t eventType;
 };
 
-void note(const char* what) {
-    static const int file = open(std::getenv("PRESS_TRACE"), O_WRONLY | O_CREAT | O_APPEND, 0600);
+long long nanoseconds() {
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<long long>(now.tv_sec) * 1'000'000'000 + now.tv_nsec;
+}
+
+void note(const char* what, long long before = 0) {
+    static const int file = open(std::getenv("PRESS_TRACE"), O_WRONLY | O_CREAT | O_APPEND, 0600);
     char line[64];
-    const int n = std::snprintf(line, sizeof line, "%s %lld\n", what,
-                                static_cast<long long>(now.tv_sec) * 1'000'000'000 + now.tv_nsec);
+    const int n = std::snprintf(line, sizeof line, "%s %lld %lld\n", what, nanoseconds(), before);
     if (write(file, line, static_cast<std::size_t>(n)) < 0) return;
 }
 
@@ -71,6 +74,7 @@ extern "C" int pa_stream_write(void* stream, const void* data, std::size_t bytes
     static const auto real =
         next<int (*)(void*, const void*, std::size_t, void (*)(void*), std::int64_t, int)>("pa_stream_write");
     static std::size_t quiet = 0;
+    static long long before = 0;
     const auto* samples = static_cast<const float*>(data);
     bool heard = false;
     for (std::size_t i = 0; i < bytes / sizeof(float); ++i) {
@@ -81,6 +85,7 @@ extern "C" int pa_stream_write(void* stream, const void* data, std::size_t bytes
             ++quiet;
         }
     }
-    if (heard) note("sound");
+    if (heard) note("sound", before);
+    before = nanoseconds();
     return real(stream, data, bytes, release, offset, seek);
 }
