@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Makes the pictures of the manual and of the window's many faces anew: each is a rehearsal on a fresh copy of the
-# sample folder, with one palette more that holds all that a button can be.
+# sample folder.
 # Usage: tools/make_pictures.sh [PRESET]; the pictures go to docs/pictures/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -50,7 +50,6 @@ home() {
     local home=$work/$1 pair
     mkdir -p "$home"
     cp -r data/. "$home/"
-    all_kinds "$home"
     cp data/first_start.ini "$home/zv.ini"
     for pair in $2; do printf '%s\r\n' "$pair" >> "$home/zv.ini"; done
 }
@@ -81,6 +80,7 @@ EOF
 # missing, broken, names that are too long.
 states() {
     home "$1" "$2"
+    all_kinds "$work/$1"
     cat > "$work/$1.txt" <<EOF
 at 0 resize ${3/x/ }
 at 0 time 2026-11-21 10:59:30
