@@ -227,7 +227,7 @@ TEST_F(Clocks, ACallbackThatTakesTooLongIsCounted) {
     EXPECT_EQ(after.callbacks, before.callbacks + 44100 / 32 + 1);
     EXPECT_GE(after.underruns, before.underruns + 1);
     EXPECT_GE(after.longestCallbackNs, 3'000'000U);
-    EXPECT_LT(engineControl()->statistics(kAux).longestCallbackNs, after.longestCallbackNs) << "by device";
+    EXPECT_EQ(engineControl()->statistics(kAux + 1).callbacks, 0U) << "each device has its own";
 }
 
 }  // namespace
