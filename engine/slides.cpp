@@ -76,10 +76,13 @@ void Graph::passTime(std::uint32_t frames) {
         if (a.volume.active() && a.mixBlock != block_ &&
             a.volume.advance(share(frames, a.plug ? a.plug->rate : channel->rate, rate(), a.volumeRest)))
             volumeEnded(*channel);
+        // A block may be so short that a conversion needs nothing new for it.
+        const bool enough = a.mixBlock == block_ && !a.dry && a.plug && a.plug->resampler;
         if (a.voldsp.active()) {
-            if (a.chainBlock != block_) {
+            if (a.chainBlock != block_ && !enough) {
                 a.voldsp.advance(share(frames, channel->rate, rate(), a.voldspRest));
-            } else if (!a.playing && channel->rate == rate() && a.chainDone < frames) {
+            } else if (!a.playing && channel->rate == rate() && a.chainBlock == block_ &&
+                       a.chainDone < frames) {
                 a.voldsp.advance(frames - a.chainDone);  // it ended in this block
             }
         }

@@ -43,6 +43,7 @@ TEST_F(Rendering, TheSoundIsTheSameForAllPeriods) {
         }
         BASS_ChannelSlideAttribute(converted, BASS_ATTRIB_VOL | BASS_SLIDE_LOG, 0.1F, 333);
         BASS_ChannelSlideAttribute(converted, BASS_ATTRIB_VOLDSP, 0.7F, 211);
+        BASS_ChannelSlideAttribute(mono, BASS_ATTRIB_VOLDSP, 0.6F, 150);
         BASS_ChannelSlideAttribute(plain, BASS_ATTRIB_VOL, -1, 456);
         BASS_ChannelSlideAttribute(studio.mainSplit[0], BASS_ATTRIB_VOLDSP, 0.25F, 123);
         pull(period == 1 ? 22050 : 66150);
