@@ -41,6 +41,26 @@ TEST(Modules, ExactLengthExactSeeksNoEndlessRepeat) {
     }
 }
 
+// Gone to by a seek, the end asks for nothing to be rendered: an hour would take seconds and a gigabyte.
+TEST(Modules, AtTheEndOfAnHourThereIsNothingToDo) {
+    const Folder folder;
+    auto bytes = tinyModule(64);
+    constexpr std::size_t positions = 950, lastCell = 1084 + 63 * 16;
+    bytes[positions] = 127;                                  // all of the same pattern
+    bytes[lastCell + 2] = 0x0F, bytes[lastCell + 3] = 0x1F;  // instead of the jump: 31 ticks a row
+    writeBytes(folder / "long.mod", bytes);
+    int error = -1;
+    const auto decoder = makeFileDecoders()->openModule(folder / "long.mod", error);
+    ASSERT_TRUE(decoder);
+    ASSERT_GT(*decoder->length(), 44'100U * 1000);
+    const std::clock_t before = std::clock();
+    std::vector<float> some(2 * 100);
+    EXPECT_TRUE(decoder->seek(*decoder->length()));
+    EXPECT_EQ(0U, decoder->read(some));
+    EXPECT_TRUE(decoder->ended());
+    EXPECT_LT(static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC, 0.2);
+}
+
 TEST(Modules, WhatIsNoneIsRefused) {
     const Folder folder;
     const auto decoders = makeFileDecoders();
