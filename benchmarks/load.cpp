@@ -158,9 +158,7 @@ double bareLibrary(StretcherSource& library, const std::vector<std::vector<float
         std::vector<float> out(2 * kPeriod);
         for (const auto& sound : sounds) {
             const auto stretcher = library.make(kRate, 2);
-            stretcher->setTempo(tempo);
-            stretcher->setPitch(0);
-            stretcher->setRate(1);
+            stretcher->setTempo(1 + tempo / 100);
             std::size_t at = 0, made = 0;
             while (made < static_cast<std::size_t>(seconds * kRate)) {
                 if (const std::size_t got = stretcher->take(out); got > 0) {

@@ -9,20 +9,37 @@ namespace {
 
 constexpr float kMostPriority = 1e6F, kMostTail = 3600, kMostBuffer = 5;
 
-bool setTempo(Engine& engine, Channel& channel, DWORD attribute, float value) {
+bool isTempo(DWORD attribute) {
+    return attribute == BASS_ATTRIB_TEMPO || attribute == BASS_ATTRIB_TEMPO_PITCH ||
+           attribute == BASS_ATTRIB_TEMPO_FREQ;
+}
+
+TempoPart tempoPart(DWORD attribute) {
+    return attribute == BASS_ATTRIB_TEMPO         ? TempoPart::Tempo
+           : attribute == BASS_ATTRIB_TEMPO_PITCH ? TempoPart::Pitch
+                                                  : TempoPart::Rate;
+}
+
+/// Moves tempo, pitch or rate to `value`, in `ms` where that is above 0.
+bool slideTempo(Engine& engine, Channel& channel, DWORD attribute, float value, DWORD ms, bool logarithmic) {
     if (channel.kind != Kind::Tempo) return fail(BASS_ERROR_ILLTYPE, false);
-    if (!channel.tempo) return succeed(true);  // a live source sounds as it comes
-    TempoParameters p = channel.tempo->parameters();
-    if (attribute == BASS_ATTRIB_TEMPO) p.tempo = value;
-    if (attribute == BASS_ATTRIB_TEMPO_PITCH) p.pitch = value;
+    double to = value;
     if (attribute == BASS_ATTRIB_TEMPO_FREQ) {
         if (value < 0) return fail(BASS_ERROR_ILLPARAM, false);
         const double rate = channel.rate;
-        p.rate = value == 0 || static_cast<double>(value) == rate ? 1.0 : static_cast<double>(value) / rate;
+        to = value == 0 || to == rate ? 1.0 : to / rate;
     }
-    channel.tempo->setParameters(p);
+    if (!channel.tempo) return succeed(true);  // a live source sounds as it comes
+    channel.tempo->slide(tempoPart(attribute), to, (std::uint64_t{ms} * channel.rate + 500) / 1000,
+                         logarithmic);
+    if (ms > 0) {
+        Command command;
+        command.order = Order::TempoSlides;
+        command.channel = &channel;
+        engine.send(command);
+    }
     Channel& root = channel.root();
-    if (!root.sound->sounding()) channel.tempo->prime(positionOf(channel), root.sound->range());
+    if (!root.sound->sounding()) channel.tempo->prime(positionOf(channel));
     engine.workers.wake();
     return succeed(true);
 }
@@ -65,10 +82,6 @@ bool setPlain(Engine& engine, Channel& channel, DWORD attribute, float value) {
             channel.control.voldspPriority = static_cast<int>(value);
             engine.rebuildChain(channel);
             return succeed(true);
-        case BASS_ATTRIB_TEMPO:
-        case BASS_ATTRIB_TEMPO_PITCH:
-        case BASS_ATTRIB_TEMPO_FREQ:
-            return setTempo(engine, channel, attribute, value);
         default:
             return fail(BASS_ERROR_ILLTYPE, false);
     }
@@ -90,6 +103,7 @@ bool slide(DWORD handle, DWORD attribute, float value, DWORD ms) {
         orderVoldsp(call.engine, *channel, std::max(value, 0.0F), ms, logarithmic);
         return succeed(true);
     }
+    if (isTempo(attribute)) return slideTempo(call.engine, *channel, attribute, value, ms, logarithmic);
     return setPlain(call.engine, *channel, attribute, value);
 }
 
@@ -159,6 +173,7 @@ bool BASS_ChannelIsSliding(DWORD handle, DWORD attribute) {
         return sliding(c.volumeOrders, s.appliedVolume, c.volumeSlides, s.volumeSlides);
     if (attribute == BASS_ATTRIB_VOLDSP)
         return sliding(c.voldspOrders, s.appliedVoldsp, c.voldspSlides, s.voldspSlides);
+    if (isTempo(attribute) && channel->tempo) return channel->tempo->sliding(tempoPart(attribute));
     return false;
 }
 

@@ -35,6 +35,12 @@ bool setLoopPoint(Channel& root, QWORD position, bool end) {
     return succeed(true);
 }
 
+/// What has been read and stretched ahead may be wrong now, and the next wrap near: no worker is waited for.
+void rangeChanged(Engine& engine, Channel& channel) {
+    if (channel.tempo) channel.tempo->work();
+    engine.workers.wake();
+}
+
 }  // namespace
 
 extern "C" {
@@ -104,7 +110,7 @@ bool BASS_ChannelSetPosition(DWORD handle, QWORD position, DWORD mode) {
         case BASS_POS_LOOP:
         case BASS_POS_END: {
             const bool done = setLoopPoint(channel->root(), position, mode == BASS_POS_END);
-            if (done) call.engine.workers.wake();
+            if (done) rangeChanged(call.engine, *channel);
             return done;
         }
         default:
@@ -141,7 +147,7 @@ DWORD BASS_ChannelFlags(DWORD handle, DWORD flags, DWORD mask) {
         root.control.loop = (flags & BASS_SAMPLE_LOOP) != 0;
         if (root.sound) {
             root.sound->setLoop(root.control.loop);
-            call.engine.workers.wake();
+            rangeChanged(call.engine, *channel);
         }
     }
     return succeed(channel->flags | (root.control.loop ? BASS_SAMPLE_LOOP : 0));

@@ -297,13 +297,15 @@ bool BASS_ChannelUpdate(DWORD handle, DWORD ms);
 bool BASS_ChannelSetAttribute(DWORD handle, DWORD attribute, float value);
 /// The attribute as it is now, also within a slide. Errors: ILLTYPE, ILLPARAM. [any]
 bool BASS_ChannelGetAttribute(DWORD handle, DWORD attribute, float* value);
-/// Moves VOL or VOLDSP (the other attributes are set at once) from what it is now to `value`, sample by
-/// sample, in `ms` of the device's time: the first sample of the slide has the old value, the one after the
-/// last the new. With BASS_SLIDE_LOG or-ed in, in equal ratios over at most 60 dB. 0 ms acts at once. VOL to
+/// Moves VOL, VOLDSP, TEMPO, TEMPO_PITCH or TEMPO_FREQ (the other attributes are set at once) from what it is
+/// now to `value`, sample by sample, in `ms` of the device's time: the first sample of the slide has the old
+/// value, the one after the last the new. With BASS_SLIDE_LOG or-ed in, in equal ratios over at most 60 dB; of
+/// TEMPO in equal ratios of the speed, of TEMPO_PITCH in equal semitones either way. 0 ms acts at once. VOL to
 /// -1: to silence, then the channel stops on that very sample and the attribute stays 0. Slides run on while
-/// nothing sounds. Errors: as BASS_ChannelSetAttribute; values below 0 count as 0. [any]
+/// nothing sounds. Those of TEMPO... are heard from 25 to 50 ms after the order on, at the value they have
+/// reached by then. Errors: as BASS_ChannelSetAttribute; gains below 0 count as 0. [any]
 bool BASS_ChannelSlideAttribute(DWORD handle, DWORD attribute, float value, DWORD ms);
-/// Whether a slide of VOL or VOLDSP is under way. [any]
+/// Whether a slide of the attribute is under way. [any]
 bool BASS_ChannelIsSliding(DWORD handle, DWORD attribute);
 /// Level of a channel that plays on a device or in a mixer over the last `seconds` heard (above 0, at most
 /// 1; of a long file 90 ms are sure), 1 = full scale: peak, or RMS with BASS_LEVEL_RMS, into levels[0], or

@@ -115,13 +115,15 @@ struct AudioState {
     std::uint64_t mixBlock = 0;    ///< the last block in which its volume slide went on in the mixer
     std::uint64_t chainBlock = 0;  ///< the last block in which its VOLDSP slide went on in the chain
     std::uint32_t chainDone = 0;   ///< frames of it
-    double voldspRest = 0, volumeRest = 0;
+    double voldspRest = 0, volumeRest = 0, tempoRest = 0;
+    std::uint64_t tempoBlock = 0;  ///< the last block in which its tempo processor gave sound
+    std::uint64_t tempoIdle = 0;   ///< frames that passed since
+    bool tempoSlides = false;      ///< the clock of the tempo processor must go on without sound
 
-    std::uint64_t position = 0;              ///< file: next frame; others: frames delivered
+    std::uint64_t position = 0;  ///< file: next frame; others: frames delivered
     std::uint64_t wrapFrom = 0, wrapTo = 0;  ///< file: the last wrap since it was moved; 0, 0: none
-    PlayRange range;                         ///< last told to the tempo processor
-    bool stretched = false;                  ///< tempo: the last frame came from the processor
-    bool dry = false;                        ///< waits for a decoder
+    bool stretched = false;      ///< tempo: the last frame came from the processor
+    bool dry = false;            ///< waits for a decoder
     std::uint32_t moves = 0;
     double tailSeconds = 0;
     bool inTail = false;

@@ -51,7 +51,7 @@ void orderMove(Engine& engine, Channel& channel, std::uint64_t frame) {
     if (root.sound) {
         root.sound->setHead(frame);
         if (!root.sound->sounding()) root.sound->setFocus(frame);
-        if (channel.tempo) channel.tempo->prime(frame, root.sound->range());
+        if (channel.tempo) channel.tempo->prime(frame);
     }
     Command command;
     command.order = Order::Move;

@@ -16,6 +16,7 @@ enum class Order : std::uint8_t {
     Move,        ///< a: frame, b: number of the move
     Volume,      ///< value, ms, flags, b: number of the order
     Voldsp,      ///< the same
+    TempoSlides, ///< its tempo processor has a slide to go
     Tail,        ///< value: seconds
     SetChain,    ///< object: Chain
     AddToMixer,  ///< other: mixer, object: Plug, a: generation, kBegins: it sounds

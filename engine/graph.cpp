@@ -224,6 +224,10 @@ void Graph::apply(const Command& command) {
         case Order::Voldsp:
             slideVoldsp(command);
             break;
+        case Order::TempoSlides:
+            a.tempoSlides = true;
+            keepSliding(channel);
+            break;
         case Order::Tail:
             a.tailSeconds = command.value;
             break;

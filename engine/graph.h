@@ -122,6 +122,7 @@ class Graph {
     void delivered(Channel& channel, Channel& source, std::uint64_t from, std::uint64_t to);
     void heard(Channel& channel, Channel& source, std::uint64_t to);
     static void takeBack(Channel& channel);
+    void passedStretched(Channel& channel, std::uint64_t from, std::uint64_t to);
     void setDry(Channel& channel, bool dry);
     // mixer.cpp
     void mixInputs(Channel* first, float* out, std::uint32_t frames);

@@ -43,7 +43,7 @@ class PagedSound final : public FrameReader {
     void setEnd(std::uint64_t frame) { end_.store(frame, std::memory_order_release); }
     /// The frame after the last, of that. [any]
     std::uint64_t end() const { return std::min(end_.load(std::memory_order_acquire), length_); }
-    PlayRange range() const;
+    PlayRange range() const override;
 
     // ---- what will be wanted [any]
     /// The position that was set: its head stays ready.

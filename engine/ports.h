@@ -44,25 +44,28 @@ class DecoderSource {
     virtual std::unique_ptr<Decoder> openUrl(const std::string& url, std::uint32_t timeoutMs, int& error) = 0;
 };
 
-/// Changes tempo and pitch of interleaved sound. Called by one thread at a time, never by a device callback.
+/// Changes the tempo of interleaved sound and nothing else. Called by one thread at a time, never by a device
+/// callback; may allocate. [worker] [control]
 class Stretcher {
   public:
     virtual ~Stretcher() = default;
-    virtual void setTempo(double percent) = 0;           ///< 0 = unchanged
-    virtual void setPitch(double semitones) = 0;         ///< 0 = unchanged
-    virtual void setRate(double ratio) = 0;              ///< 1 = unchanged; speed and pitch together
+    /// Source frames a frame of output, above 0. May change while sound is held: what is made from then on
+    /// has the new tempo, without a seam.
+    virtual void setTempo(double ratio) = 0;
     virtual void put(std::span<const float> in) = 0;     ///< interleaved frames
-    virtual void flush() = 0;                            ///< the input has ended: pushes out what is held
     virtual std::size_t take(std::span<float> out) = 0;  ///< frames written
     virtual std::size_t ready() const = 0;               ///< frames that take() would give
+    /// Frames of output that are made in one go at the present tempo: 1 and up.
+    virtual std::size_t sequence() const = 0;
+    /// Forgets the sound that is held.
     virtual void clear() = 0;
-    /// Source frames by which the output lies, on average, behind the place that speed x output frames names.
-    virtual double lag() const { return 0; }
 };
 
+/// Makes stretchers. [worker] [control]
 class StretcherSource {
   public:
     virtual ~StretcherSource() = default;
+    /// Nothing is returned for a format that it cannot stretch.
     virtual std::unique_ptr<Stretcher> make(std::uint32_t rate, std::uint32_t channels) = 0;
 };
 

@@ -11,7 +11,8 @@ namespace {
 /// A reader of a split that is farther behind than this part of a second goes on with the present.
 constexpr std::uint32_t kMostLagPart = 16;
 constexpr int kTempoTurns = 4;
-constexpr double kRounding = 1e-6;  ///< frames: of positions that were added up
+constexpr double kRounding = 1e-6;           ///< frames: of positions that were added up
+constexpr std::uint32_t kStepBackPart = 40;  ///< of a second: 25 ms
 
 }  // namespace
 
@@ -168,6 +169,22 @@ View Graph::readLive(Channel& channel, std::uint32_t want) {
     return view;
 }
 
+/// The same of a tempo channel and its source, whose position went from `from` to `to`: on, or over the end
+/// of a loop. Small steps back are those of a sound that is laid over itself.
+void Graph::passedStretched(Channel& channel, std::uint64_t from, std::uint64_t to) {
+    Channel& source = *channel.source;
+    if (to >= from) {
+        delivered(channel, source, from, to);
+        return;
+    }
+    const PlayRange range = source.sound->range();
+    if (!range.loop || from - to < channel.rate / kStepBackPart) return;
+    source.audio.wrapFrom = range.end;
+    source.audio.wrapTo = range.loopStart;
+    delivered(channel, source, from, range.end + 1);
+    delivered(channel, source, range.loopStart, to);
+}
+
 View Graph::readTempo(Channel& channel, std::uint32_t want) {
     AudioState& a = channel.audio;
     View view;
@@ -178,19 +195,25 @@ View Graph::readTempo(Channel& channel, std::uint32_t want) {
     Channel& source = *channel.source;
     if (!channel.tempo) return pullNative(source, want);
     TempoProcessor& tempo = *channel.tempo;
-    if (const PlayRange range = source.sound->range(); range != a.range) {
-        a.range = range;
-        tempo.setRange(range);
-    }
     for (int turn = 0; turn < kTempoTurns; ++turn) {
         if (tempo.neutral()) {
             if (a.stretched) {
                 a.stretched = false;
+                passedStretched(channel, source.audio.position, tempo.sourceFrame());
                 source.audio.position = tempo.sourceFrame();
             }
             const auto run = static_cast<std::uint32_t>(std::min<std::size_t>(want, tempo.neutralRun()));
             view = readFile(source, run, channel);
-            if (view.frames > 0) tempo.passed(view.frames, source.audio.position);
+            if (view.frames == 0) return view;
+            tempo.passed(view.frames, source.audio.position);
+            a.tempoBlock = block_;
+            if (!tempo.fades()) return view;
+            const std::size_t samples = std::size_t{view.frames} * channel.channels;
+            std::copy_n(view.data, samples, native_.data());
+            tempo.fade({native_.data(), samples});
+            view.data = native_.data();
+            view.own = true;
+            view.source = View::kNoSource;
             return view;
         }
         a.stretched = true;
@@ -206,22 +229,19 @@ View Graph::readTempo(Channel& channel, std::uint32_t want) {
         }
         const std::uint64_t now = tempo.sourceFrame();
         if (view.frames > 0) {
+            a.tempoBlock = block_;
             source.audio.position = now;
             source.sound->setFocus(now);
-            if (now >= before) {
-                delivered(channel, source, before, now);
-            } else if (a.range.loop) {
-                source.audio.wrapFrom = a.range.end;
-                source.audio.wrapTo = a.range.loopStart;
-                delivered(channel, source, before, a.range.end + 1);
-                delivered(channel, source, a.range.loopStart, now);
-            }
+            passedStretched(channel, before, now);
             return view;
         }
         view = {};
         if (tempo.neutral()) continue;
         view.ended = tempo.ended();
-        if (view.ended) delivered(channel, source, before, a.range.end + 1);
+        if (view.ended) {
+            const std::uint64_t end = source.sound->range().end;
+            delivered(channel, source, before, end + 1);
+        }
         return view;
     }
     return view;

@@ -1,10 +1,14 @@
-// Slides of VOL and VOLDSP: ordered, advanced with the sound, and let run on where nothing sounds.
+// Slides of VOL and VOLDSP: ordered, advanced with the sound, and let run on where nothing sounds; and the
+// clock of slides of tempo, pitch and rate.
 #include <cmath>
+#include <utility>
 
 #include "engine/graph.h"
 
 namespace zv {
 namespace {
+
+constexpr std::uint32_t kStandsStillPart = 20;  ///< of a second
 
 std::uint64_t framesOf(std::uint32_t ms, std::uint32_t rate) {
     return (std::uint64_t{ms} * rate + 500) / 1000;
@@ -86,12 +90,22 @@ void Graph::passTime(std::uint32_t frames) {
                 a.voldsp.advance(frames - a.chainDone);  // it ended in this block
             }
         }
+        if (a.tempoSlides) {
+            // A conversion does not ask in every block; who is not asked for longer stands still.
+            a.tempoIdle += share(frames, channel->rate, rate(), a.tempoRest);
+            if (a.tempoBlock == block_) {
+                a.tempoIdle = 0;
+            } else if (!a.playing || a.dry || a.tempoIdle > channel->rate / kStandsStillPart) {
+                channel->tempo->idle(std::exchange(a.tempoIdle, 0));
+            }
+            a.tempoSlides = channel->tempo->slides();
+        }
         SharedState& s = channel->shared;
         s.volume.store(a.volume.value(), std::memory_order_relaxed);
         s.voldsp.store(a.voldsp.value(), std::memory_order_relaxed);
         s.volumeSlides.store(a.volume.active(), std::memory_order_relaxed);
         s.voldspSlides.store(a.voldsp.active(), std::memory_order_relaxed);
-        if (a.volume.active() || a.voldsp.active()) {
+        if (a.volume.active() || a.voldsp.active() || a.tempoSlides) {
             at = &a.nextSlide;
         } else {
             a.inSlides = false;

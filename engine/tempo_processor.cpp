@@ -3,35 +3,17 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/dsp/denormals.h"
 #include "engine/tempo_lane.h"
 
 namespace zv {
 namespace {
 
-constexpr double kLeadSeconds = 0.025;  // between the making of a change and its frame
-constexpr double kFadeSeconds = 0.01;
-constexpr double kAheadSeconds = 0.15;   // that a lane keeps rendered
-constexpr double kRefillSeconds = 0.11;  // below which it is filled up
-constexpr double kReadySeconds = 0.06;   // that a lane has when it is offered
-constexpr double kRingSeconds = 0.3;
-constexpr double kHoldSeconds = 0.05;    // that a position waits at most after a change
-constexpr double kSearchSeconds = 0.01;  // to either side, for the best place to cross over
+constexpr double kHoldSeconds = 0.05;  // that a position waits at most after a change
+constexpr double kFadeSeconds = 0.01;  // from a lane that was left into the source
+
+constexpr std::uint64_t kLeastFade = 128;  // frames of that
 
 std::size_t framesOf(double seconds, std::uint32_t rate) { return static_cast<std::size_t>(seconds * rate); }
-
-/// A little before or after `frame`; never before the beginning or behind the end.
-std::uint64_t shifted(std::uint64_t frame, std::int64_t by, const PlayRange& range) {
-    if (by >= 0) return advance(frame, static_cast<std::uint64_t>(by), range);
-    return frame - std::min(frame, static_cast<std::uint64_t>(-by));
-}
-
-TempoParameters cut(const TempoParameters& p) {
-    const auto in = [](double v, double low, double high, double fallback) {
-        return std::isfinite(v) ? std::clamp(v, low, high) : fallback;
-    };
-    return {in(p.tempo, -95, 5000, 0), in(p.pitch, -60, 60, 0), in(p.rate, 0.05, 20, 1)};
-}
 
 }  // namespace
 
@@ -46,36 +28,36 @@ TempoProcessor::~TempoProcessor() = default;
 
 // ---- [control]
 
-void TempoProcessor::setParameters(const TempoParameters& parameters) {
-    std::lock_guard lock(parametersMutex_);
-    parameters_ = cut(parameters);
-    wanted_.store(!parameters_.neutral(), std::memory_order_release);
+template <typename Change>
+void TempoProcessor::change(Change change) {
+    const std::lock_guard lock(curveMutex_);
+    const std::uint64_t now = time_.load(std::memory_order_acquire);
+    change(now);
+    wanted_.store(curve_.moves(now) || !curve_.last().neutral(), std::memory_order_release);
+    restsFrom_.store(curve_.restsFrom(now), std::memory_order_release);
     changes_.fetch_add(1, std::memory_order_release);
 }
 
-TempoParameters TempoProcessor::parameters() const {
-    std::lock_guard lock(parametersMutex_);
-    return parameters_;
+void TempoProcessor::setParameters(const TempoParameters& parameters) {
+    change([&](std::uint64_t now) {
+        curve_.move(TempoPart::Tempo, cutTempo(TempoPart::Tempo, parameters.tempo), now, 0, false);
+        curve_.move(TempoPart::Pitch, cutTempo(TempoPart::Pitch, parameters.pitch), now, 0, false);
+        curve_.move(TempoPart::Rate, cutTempo(TempoPart::Rate, parameters.rate), now, 0, false);
+    });
 }
 
-void TempoProcessor::prime(std::uint64_t frame, const PlayRange& range) {
-    const TempoParameters wanted = parameters();
-    if (wanted.neutral() || !stretchers_) return;
-    std::lock_guard lock(workMutex_);
-    const FlushToZero flush;
-    const auto good = [&](const TempoLane* lane) {
-        return lane && lane->state.load(std::memory_order_acquire) == TempoLane::State::made && lane->clean &&
-               lane->startSource == frame && lane->parameters == wanted && !lane->playsOtherwise(range);
-    };
-    if (good(primed_.load()) || (!published_.current.load() && good(pending_))) return;
-    if (TempoLane* before = primed_.exchange(nullptr)) drop(before);
-    TempoLane* lane = freeLane();
-    if (!lane || !lane->open(*stretchers_, wanted)) return;
-    lane->begin(frame, range, false);
-    lane->after = nullptr;
-    lane->fill(reader_, framesOf(kReadySeconds, rate_));
-    lane->state.store(TempoLane::State::made, std::memory_order_release);
-    primed_.store(lane);
+void TempoProcessor::slide(TempoPart part, double value, std::uint64_t frames, bool ratios) {
+    change([&](std::uint64_t now) { curve_.move(part, cutTempo(part, value), now, frames, ratios); });
+}
+
+TempoParameters TempoProcessor::parameters() const {
+    const std::lock_guard lock(curveMutex_);
+    return curve_.at(time_.load(std::memory_order_acquire));
+}
+
+bool TempoProcessor::sliding(TempoPart part) const {
+    const std::lock_guard lock(curveMutex_);
+    return curve_.line(part).moves(time_.load(std::memory_order_acquire));
 }
 
 // ---- [audio]
@@ -94,9 +76,8 @@ void TempoProcessor::publish() {
     published_.clock.store(clock_, release);
     published_.start.store(start_, release);
     published_.source.store(source_, release);
-    published_.end.store(range_.end, release);
-    published_.loopStart.store(range_.loopStart, release);
-    published_.loop.store(range_.loop, release);
+    published_.zero.store(time_.load(std::memory_order_relaxed) - (current_ ? current_->readAt() : clock_),
+                          release);
     published_.current.store(current_, release);
     published_.version.store(version + 2, release);
 }
@@ -105,7 +86,8 @@ void TempoProcessor::restart(std::uint64_t frame) {
     ++epoch_;
     ended_ = false;
     if (current_) drop(current_);
-    current_ = nullptr;
+    if (fading_) drop(fading_);
+    current_ = fading_ = nullptr;
     start_ = clock_;
     source_ = frame;
     // A lane that was primed for it, or one that waits for the start from here.
@@ -130,12 +112,6 @@ void TempoProcessor::restart(std::uint64_t frame) {
     publish();
 }
 
-void TempoProcessor::setRange(const PlayRange& range) {
-    if (range == range_) return;
-    range_ = range;
-    publish();
-}
-
 /// The lane to change over to, if it can still be done. A newer offer replaces an older one.
 TempoLane* TempoProcessor::next() {
     if (offered_.load(std::memory_order_relaxed)) {
@@ -153,11 +129,50 @@ TempoLane* TempoProcessor::next() {
 
 void TempoProcessor::takeOver() {
     if (current_) drop(current_);
+    if (fading_) drop(fading_);
     current_ = next_;
-    next_ = nullptr;
+    next_ = fading_ = nullptr;
     current_->state.store(TempoLane::State::playing, std::memory_order_release);
     heldLeft_ = framesOf(kHoldSeconds, rate_);
     publish();
+}
+
+/// The source goes on by itself at `source`, with the lane still sounding below its first frames.
+void TempoProcessor::leaveAt(std::uint64_t source, std::size_t fade) {
+    if (fading_) drop(fading_);
+    fadeFrames_ = fade;
+    fading_ = current_;
+    fadeBegan_ = current_->readAt();
+    current_ = nullptr;
+    source_ = source;
+    start_ = clock_ - 1;  // something sounds before this frame
+    heard_.store(source, std::memory_order_relaxed);
+    publish();
+}
+
+void TempoProcessor::fade(std::span<float> fromSource) {
+    const std::size_t frames = fadeFrames_, wanted = fromSource.size() / channels_;
+    std::array<float, 256> old;
+    for (std::size_t done = 0; done < wanted && fading_;) {
+        const auto at = static_cast<std::size_t>(fading_->readAt() - fadeBegan_);
+        const std::size_t part = std::min(
+            {wanted - done, frames - std::min(at, frames), std::max<std::size_t>(1, old.size() / channels_)});
+        const std::size_t got = part * channels_ > old.size()
+                                    ? 0
+                                    : fading_->read({old.data(), part * channels_}, TempoLane::kNowhere);
+        for (std::size_t i = 0; i < got * channels_; ++i) {
+            float& v = fromSource[done * channels_ + i];
+            v = old[i] + (v - old[i]) * fadeAt(at + i / channels_, frames);
+        }
+        done += got;
+        if (got > 0 && at + got < frames) continue;
+        drop(fading_);
+        fading_ = nullptr;
+    }
+}
+
+void TempoProcessor::pass(std::uint64_t frames) {
+    time_.store(time_.load(std::memory_order_relaxed) + frames, std::memory_order_release);
 }
 
 bool TempoProcessor::neutral() {
@@ -175,18 +190,65 @@ std::size_t TempoProcessor::neutralRun() const {
 
 void TempoProcessor::passed(std::size_t frames, std::uint64_t frame) {
     clock_ += frames;
+    pass(frames);
     source_ = frame;
     heard_.store(frame, std::memory_order_relaxed);
     publish();
 }
 
+void TempoProcessor::idle(std::uint64_t frames) {
+    pass(frames);
+    publish();
+}
+
+void TempoProcessor::end() {
+    ended_ = true;
+    if (const std::uint64_t end = reader_.range().end; end != ~std::uint64_t{0})
+        heard_.store(end, std::memory_order_relaxed);
+}
+
+/// Loop and end have changed, and the lane plays on otherwise from some frame on: `limit` is brought down to
+/// where it is left. True when that is now: it was left, or has ended.
+bool TempoProcessor::diverges(std::uint64_t& limit) {
+    const PlayRange range = reader_.range();
+    if (range == current_->range()) return false;
+    const std::uint64_t now = current_->readAt();
+    if (range != leaveRange_ || current_ != leaves_ || epoch_ != leaveEpoch_) {
+        leaveRange_ = range;
+        leaves_ = current_;
+        leaveEpoch_ = epoch_;
+        leaveDue_ = current_->divergesAt(range, now, leaveThere_);
+    }
+    // Beyond what was rendered so far: looked for again with the next call.
+    if (leaveDue_ == TempoLane::kNowhere) {
+        leaves_ = nullptr;
+        return false;
+    }
+    const std::uint64_t fade = framesOf(kFadeSeconds, rate_), due = leaveDue_;
+    std::uint64_t at = due;
+    // Early enough to fade while both sound alike, unless another lane is there in time.
+    if (leaveThere_ != TempoLane::kNowhere && limit > at) at = std::max(now, at - std::min(at, fade));
+    limit = std::min(limit, at);
+    if (at > now) return false;
+    if (leaveThere_ == TempoLane::kNowhere) {
+        end();
+    } else {
+        leaveAt(
+            now < due ? current_->sourceAt(now) : leaveThere_,
+            static_cast<std::size_t>(std::clamp<std::uint64_t>(due - std::min(due, now), kLeastFade, fade)));
+    }
+    leaves_ = nullptr;
+    return true;
+}
+
 std::span<const float> TempoProcessor::view(std::size_t frames) {
     if (!current_ || ended_ || current_->leaves) return {};
     if (const TempoLane* lane = next(); lane && lane->switchAt < current_->readAt() + frames) return {};
+    if (reader_.range() != current_->range()) return {};
     const std::span<const float> there = current_->view(frames);
     if (there.empty()) return there;
-    if (current_->exhausted()) ended_ = true;
     report(frames);
+    if (current_->exhausted()) end();
     return there;
 }
 
@@ -194,7 +256,7 @@ std::size_t TempoProcessor::read(std::span<float> out) {
     const std::size_t wanted = out.size() / channels_;
     std::size_t done = 0;
     while (done < wanted && current_ && !ended_) {
-        std::uint64_t limit = ~std::uint64_t{0};
+        std::uint64_t limit = TempoLane::kNowhere;
         if (const TempoLane* lane = next()) {
             if (lane->switchAt == current_->readAt()) {
                 takeOver();
@@ -202,8 +264,10 @@ std::size_t TempoProcessor::read(std::span<float> out) {
             }
             limit = lane->switchAt;
         }
+        if (diverges(limit)) break;
         const std::size_t got = current_->read(out.subspan(done * channels_), limit);
         done += got;
+        report(got);
         if (current_->exhausted()) {
             if (current_->leaves) {
                 source_ = current_->leaveSource;
@@ -214,225 +278,25 @@ std::size_t TempoProcessor::read(std::span<float> out) {
                 publish();
                 return done;
             }
-            ended_ = true;
+            std::uint64_t none = 0;
+            if (!diverges(none)) end();
         } else if (got == 0 && limit != current_->readAt()) {
             starvations_.fetch_add(1, std::memory_order_relaxed);
             break;
         }
     }
-    if (current_) report(done);
     return done;
 }
 
 /// The heard position. A lane may begin a few milliseconds before the place where the last one was left: the
 /// position then waits, it does not go back.
 void TempoProcessor::report(std::size_t frames) {
+    pass(frames);
     const std::uint64_t before = heard_.load(std::memory_order_relaxed);
     const std::uint64_t now = current_->sourceAt(current_->readAt());
     const bool back = now < before && before - now < framesOf(kHoldSeconds, rate_);
     if (!(back && heldLeft_ > 0)) heard_.store(now, std::memory_order_relaxed);
     heldLeft_ -= std::min(heldLeft_, frames);
-}
-
-// ---- [worker]
-
-TempoProcessor::Snapshot TempoProcessor::snapshot() const {
-    constexpr auto acquire = std::memory_order_acquire;
-    for (;;) {
-        const std::uint32_t before = published_.version.load(acquire);
-        const Snapshot s{
-            published_.epoch.load(acquire),
-            published_.clock.load(acquire),
-            published_.start.load(acquire),
-            published_.source.load(acquire),
-            {published_.end.load(acquire), published_.loopStart.load(acquire), published_.loop.load(acquire)},
-            published_.current.load(acquire)};
-        if (before % 2 == 0 && published_.version.load(std::memory_order_relaxed) == before) return s;
-    }
-}
-
-/// Which orders of the audio thread and of the callers hold.
-std::uint64_t TempoProcessor::turn() const {
-    return std::uint64_t{changes_.load(std::memory_order_acquire)} << 32 |
-           published_.version.load(std::memory_order_acquire);
-}
-
-bool TempoProcessor::workDue() const {
-    const TempoLane* current = published_.current.load(std::memory_order_acquire);
-    if (settled_.load(std::memory_order_acquire) == turn())
-        return current && !current->finished() && current->ahead() < framesOf(kRefillSeconds, rate_);
-    return wanted_.load(std::memory_order_acquire) || current || offered_.load();
-}
-
-TempoLane* TempoProcessor::freeLane() {
-    constexpr std::size_t kMostLanes =
-        5;  // playing, offered, primed, and what the audio side has not let go of yet
-    for (auto& lane : lanes_) {
-        const auto state = lane->state.load(std::memory_order_acquire);
-        if (state == TempoLane::State::free || state == TempoLane::State::retired) {
-            lane->state.store(TempoLane::State::free, std::memory_order_relaxed);
-            return lane.get();
-        }
-    }
-    if (lanes_.size() == kMostLanes) return nullptr;
-    lanes_.push_back(std::make_unique<TempoLane>(rate_, channels_, framesOf(kRingSeconds, rate_)));
-    return lanes_.back().get();
-}
-
-void TempoProcessor::offer(TempoLane* lane) {
-    lane->state.store(TempoLane::State::made, std::memory_order_release);
-    pending_ = lane;
-    if (TempoLane* before = offered_.exchange(lane)) drop(before);
-}
-
-/// Whether a lane that waits is still what is wanted, and in time.
-bool TempoProcessor::offerStands(const TempoLane& lane, const Snapshot& now,
-                                 const TempoParameters& wanted) const {
-    if (lane.epoch != now.epoch || lane.after != now.current) return false;
-    if (lane.leaves ? !wanted.neutral() : lane.parameters != wanted) return false;
-    if (lane.playsOtherwise(now.range)) return false;
-    return lane.switchAt >= (now.current ? now.current->readAt() : now.clock);
-}
-
-/// From the source itself into a first lane. Both begin with the same frames: the fade is hardly one.
-void TempoProcessor::enter(const Snapshot& now, const TempoParameters& wanted) {
-    const bool fresh = now.clock == now.start;  // nothing has sounded from here
-    if (TempoLane* primed = primed_.load(); fresh && primed && primed->startSource == now.source &&
-                                            primed->parameters == wanted &&
-                                            !primed->playsOtherwise(now.range)) {
-        if (!primed_.compare_exchange_strong(primed, nullptr)) return;
-        primed->epoch = now.epoch;
-        primed->switchAt = now.clock;
-        offer(primed);
-        return;
-    }
-    TempoLane* lane = freeLane();
-    if (!lane) return;
-    const std::size_t lead = fresh ? 0 : framesOf(kLeadSeconds, rate_);
-    const std::uint64_t source = advance(now.source, lead, now.range);
-    if (source == now.range.end && !now.range.loop) return;  // over before it could begin
-    if (!lane->open(*stretchers_, wanted)) return;
-    lane->begin(source, now.range, false);
-    lane->after = nullptr;
-    lane->epoch = now.epoch;
-    lane->switchAt = now.clock + lead;
-    lane->fill(reader_, framesOf(kReadySeconds, rate_));
-    if (!fresh) {
-        std::uint64_t from = source;
-        old_.assign(framesOf(kFadeSeconds, rate_) * channels_, 0.0f);
-        readInOrder(reader_, from, old_, channels_, now.range);
-        lane->fadeFrom(old_);
-    }
-    offer(lane);
-}
-
-/// From one lane to another, or back to the source.
-void TempoProcessor::change(const Snapshot& now, const TempoParameters& wanted) {
-    TempoLane& current = *now.current;
-    const std::size_t fade = framesOf(kFadeSeconds, rate_), lead = framesOf(kLeadSeconds, rate_);
-    const std::uint64_t at = current.readAt() + lead;
-    current.fill(reader_, lead + fade + framesOf(kLeadSeconds, rate_));
-    old_.resize(fade * channels_);
-    if (!current.peek(at, old_)) return;  // near its end, or waiting for data
-    TempoLane* lane = freeLane();
-    if (!lane) return;
-    const std::uint64_t place = current.sourceAt(at);
-    if (wanted.neutral()) {
-        const std::uint64_t start = shifted(place, bestLag(old_, place, now.range), now.range);
-        std::vector<float>& fresh = search_;
-        fresh.assign(fade * channels_, 0.0f);
-        std::uint64_t next = start;
-        readInOrder(reader_, next, fresh, channels_, now.range);
-        lane->openLeaving(fresh, start, next, now.range);
-    } else {
-        if (!lane->open(*stretchers_, wanted)) return;
-        const std::uint64_t start = shifted(place, std::llround(lane->lag()), now.range);
-        // Only sound of the same pitch can be laid over itself.
-        const bool alike = wanted.pitch == current.parameters.pitch && wanted.rate == current.parameters.rate;
-        lane->begin(alike ? shifted(start, bestLag(old_, start, now.range), now.range) : start, now.range,
-                    true);
-        lane->fill(reader_, framesOf(kReadySeconds, rate_));
-    }
-    lane->fadeFrom(old_);
-    lane->after = &current;
-    lane->epoch = now.epoch;
-    lane->switchAt = at;
-    offer(lane);
-}
-
-/// How many frames from `source` the sound lies that resembles `old` most. Negative lags are two's
-/// complement.
-std::int64_t TempoProcessor::bestLag(std::span<const float> old, std::uint64_t source,
-                                     const PlayRange& range) {
-    const std::uint64_t floor = range.loop && source >= range.loopStart ? range.loopStart : 0;
-    const std::size_t reach = framesOf(kSearchSeconds, rate_), frames = old.size() / channels_;
-    const auto back =
-        static_cast<std::size_t>(std::min<std::uint64_t>(reach, source - std::min(source, floor)));
-    std::vector<float> around((back + reach + frames) * channels_), there(back + reach + frames),
-        here(frames);
-    std::uint64_t from = source - back;
-    const std::size_t got = readInOrder(reader_, from, around, channels_, range);
-    if (from < source || got < frames) return 0;  // the loop's seam, or the end, lies in it
-    const auto mono = [this](std::span<const float> in, std::vector<float>& out) {
-        for (std::size_t i = 0; i < in.size() / channels_; ++i) {
-            out[i] = 0;
-            for (std::uint32_t c = 0; c < channels_; ++c) out[i] += in[i * channels_ + c];
-        }
-    };
-    mono(old, here);
-    mono(std::span<const float>(around).first(got * channels_), there);
-    double best = 0;
-    std::size_t place = back;
-    for (std::size_t lag = 0; lag + frames <= got && lag <= back + reach; ++lag) {
-        float product = 0, power = 1e-9f;
-        for (std::size_t i = 0; i < frames; i += 2) {  // every other frame tells enough
-            product += here[i] * there[lag + i];
-            power += there[lag + i] * there[lag + i];
-        }
-        const double score = product / std::sqrt(static_cast<double>(power));
-        if (score <= best) continue;
-        best = score;
-        place = lag;
-    }
-    return static_cast<std::int64_t>(place) - static_cast<std::int64_t>(back);
-}
-
-void TempoProcessor::work() {
-    if (!workDue() || !stretchers_) return;
-    std::unique_lock lock(workMutex_, std::try_to_lock);
-    if (!lock) return;
-    const std::uint64_t turn = this->turn();  // before anything is looked at
-    const TempoParameters wanted = parameters();
-    const FlushToZero flush;
-    const Snapshot now = snapshot();
-    const std::size_t ahead = framesOf(kAheadSeconds, rate_);
-
-    // The lane that sounds is served first; a retired one is nobody's concern any more.
-    const bool sounding =
-        now.current && now.current->state.load(std::memory_order_acquire) == TempoLane::State::playing;
-    if (sounding) {
-        if (!now.current->leaves && !now.current->playsOtherwise(now.range)) now.current->adopt(now.range);
-        // By the stretch, not by the crumb: a stretcher's state has to come into the caches each time.
-        if (now.current->ahead() < framesOf(kRefillSeconds, rate_)) now.current->fill(reader_, ahead);
-    } else if (now.current) {
-        return;  // it has just changed over: next time
-    }
-    if (pending_ && pending_->state.load(std::memory_order_acquire) == TempoLane::State::made &&
-        offerStands(*pending_, now, wanted)) {
-        if (pending_->ahead() < framesOf(kReadySeconds, rate_))
-            pending_->fill(reader_, framesOf(kReadySeconds, rate_));
-        if (!now.current) settled_.store(turn, std::memory_order_release);
-        return;
-    }
-    pending_ = nullptr;
-    if (!now.current) {
-        if (!wanted.neutral()) enter(now, wanted);
-    } else if (!now.current->leaves &&
-               (now.current->parameters != wanted || now.current->playsOtherwise(now.range))) {
-        change(now, wanted);
-    } else if (!now.current->leaves) {
-        settled_.store(turn, std::memory_order_release);
-    }
 }
 
 }  // namespace zv

@@ -2,64 +2,68 @@
 
 #include <SoundTouch.h>
 
-#include <cmath>
+#include <algorithm>
+#include <vector>
 
 namespace zv {
 namespace {
 
 constexpr std::uint32_t kMostChannels = SOUNDTOUCH_MAX_CHANNELS;
 
+/// The library passes everything through its transposer first, which at an unchanged rate copies each frame
+/// by a cubic interpolation and then filters what could fold over, though nothing can: together half of what
+/// the stretching itself takes. The stretching stage is its output, and can be fed straight.
+class Touch final : public soundtouch::SoundTouch {
+  public:
+    void putStraight(const float* in, unsigned frames) { output->putSamples(in, frames); }
+    /// A library can be built so that its output is another stage. Tried once.
+    static bool canBeFedStraight() {
+        static const bool can = [] {
+            constexpr unsigned frames = 44100;
+            Touch touch;
+            touch.setSampleRate(frames);
+            touch.setChannels(1);
+            touch.setRate(1);
+            touch.setTempo(2);
+            touch.putStraight(std::vector<float>(frames).data(), frames);
+            return touch.numSamples() > 0 && touch.numSamples() < frames * 6 / 10;
+        }();
+        return can;
+    }
+};
+
 class SoundTouchStretcher final : public Stretcher {
   public:
     SoundTouchStretcher(std::uint32_t rate, std::uint32_t channels, bool plain)
-        : channels_(channels), plain_(plain) {
+        : channels_(channels), straight_(!plain && Touch::canBeFedStraight()) {
         touch_.setSampleRate(rate);
         touch_.setChannels(channels);
+        touch_.setRate(1);
+        touch_.setPitch(1);
+        if (!plain) touch_.setSetting(SETTING_USE_AA_FILTER, 0);
     }
-    void setTempo(double percent) override {
-        tempo_ = 1 + percent / 100;
-        touch_.setTempo(tempo_);
-    }
-    void setPitch(double semitones) override {
-        pitch_ = std::exp2(semitones / 12);
-        touch_.setPitch(pitch_);
-        chooseFilter();
-    }
-    void setRate(double ratio) override {
-        rate_ = ratio;
-        touch_.setRate(rate_);
-        chooseFilter();
-    }
+    void setTempo(double ratio) override { touch_.setTempo(ratio); }
     void put(std::span<const float> in) override {
-        touch_.putSamples(in.data(), static_cast<unsigned>(in.size() / channels_));
+        const auto frames = static_cast<unsigned>(in.size() / channels_);
+        if (straight_) {
+            touch_.putStraight(in.data(), frames);
+        } else {
+            touch_.putSamples(in.data(), frames);
+        }
     }
-    void flush() override { touch_.flush(); }
     std::size_t take(std::span<float> out) override {
         return touch_.receiveSamples(out.data(), static_cast<unsigned>(out.size() / channels_));
     }
     std::size_t ready() const override { return touch_.numSamples(); }
-    void clear() override { touch_.clear(); }
-    double lag() const override {
-        // The sound is cut into sequences that play at their own speed and are strung together at another:
-        // their middle lies in place, their beginnings and ends do not. The first one begins in place.
-        const double inner = tempo_ / pitch_;
-        return inner == 1 ? 0 : (1 - 1 / inner) * touch_.getSetting(SETTING_NOMINAL_INPUT_SEQUENCE) / 2;
+    std::size_t sequence() const override {
+        return static_cast<std::size_t>(std::max(1, touch_.getSetting(SETTING_NOMINAL_OUTPUT_SEQUENCE)));
     }
+    void clear() override { touch_.clear(); }
 
   private:
-    /// Nothing is transposed: nothing can fold over, and the filter against that costs a quarter of
-    /// everything.
-    void chooseFilter() {
-        const bool filters = plain_ || pitch_ != 1 || rate_ != 1;
-        if (filters == filters_) return;
-        filters_ = filters;
-        touch_.setSetting(SETTING_USE_AA_FILTER, filters ? 1 : 0);
-    }
-
-    double tempo_ = 1, pitch_ = 1, rate_ = 1;
-    soundtouch::SoundTouch touch_;
+    Touch touch_;
     std::uint32_t channels_;
-    bool plain_, filters_ = true;
+    bool straight_;
 };
 
 class SoundTouchSource final : public StretcherSource {

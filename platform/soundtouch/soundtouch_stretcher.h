@@ -7,9 +7,9 @@
 
 namespace zv {
 
-/// Makes stretchers; they allocate on start and on a change of pitch. [any]
+/// Makes stretchers that feed the library's stretching stage alone. [any]
 std::shared_ptr<StretcherSource> soundTouchStretchers();
-/// The library with all its own settings, to measure against.
+/// The library as it comes, through all of its stages and with its own settings, to measure against. [any]
 std::shared_ptr<StretcherSource> plainSoundTouchStretchers();
 
 }  // namespace zv

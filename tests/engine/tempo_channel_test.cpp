@@ -1,4 +1,6 @@
 // Tempo, pitch and rate as the program uses them: through channels, mixers and devices.
+#include <algorithm>
+
 #include "platform/soundtouch/soundtouch_stretcher.h"
 #include "tests/engine/dsp_signals.h"
 #include "tests/engine/show.h"
@@ -8,7 +10,8 @@ namespace {
 
 class TempoShow : public Show {
   protected:
-    TempoShow() {
+    TempoShow() { install(); }
+    void install() {
         engineControl()->install({decoders, soundTouchStretchers(), devices});
         decoders->sounds["tone"] = {.length = 20 * 44100, .sample = [](std::uint64_t f, std::uint32_t) {
                                         return sine(f, 150, 44100, 0.5);
@@ -119,12 +122,93 @@ TEST_F(TempoShow, TheSameOrdersGiveTheSameBits) {
         pull(20000);
         results.push_back(take());
         begin({});
-        engineControl()->install({decoders, soundTouchStretchers(), devices});
-        decoders->sounds["tone"] = {.length = 20 * 44100, .sample = [](std::uint64_t f, std::uint32_t) {
-                                        return sine(f, 150, 44100, 0.5);
-                                    }};
+        install();
     }
     EXPECT_EQ(results[0], results[1]);
+}
+
+TEST_F(TempoShow, SlidesOfTempoPitchAndRate) {
+    const Topology studio;
+    const DWORD jingle = studio.jingle(file("tone"));
+    const auto value = [&](DWORD attribute) {
+        float v = -1;
+        EXPECT_TRUE(BASS_ChannelGetAttribute(jingle, attribute, &v));
+        return v;
+    };
+    press(jingle);
+    pull(4410);
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_TEMPO, 50, 1000);
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_TEMPO_PITCH, -6, 500);
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_TEMPO_FREQ | BASS_SLIDE_LOG, 88200, 2000);
+    EXPECT_TRUE(BASS_ChannelIsSliding(jingle, BASS_ATTRIB_TEMPO));
+    EXPECT_EQ(value(BASS_ATTRIB_TEMPO), 0);
+    pull(22050);
+    EXPECT_NEAR(value(BASS_ATTRIB_TEMPO), 25, 0.01);
+    EXPECT_EQ(value(BASS_ATTRIB_TEMPO_PITCH), -6);
+    EXPECT_NEAR(value(BASS_ATTRIB_TEMPO_FREQ), 44100 * std::exp2(0.25), 1);
+    EXPECT_FALSE(BASS_ChannelIsSliding(jingle, BASS_ATTRIB_TEMPO_PITCH));
+    // Another one replaces it from there; a set ends it; both go on while the channel stands.
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_TEMPO, -5, 600);
+    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO_FREQ, 40000);
+    EXPECT_FALSE(BASS_ChannelIsSliding(jingle, BASS_ATTRIB_TEMPO_FREQ));
+    BASS_ChannelStop(jingle);
+    const double place = seconds(jingle);
+    pull(441 * 30);
+    EXPECT_NEAR(value(BASS_ATTRIB_TEMPO), 10, 0.6);
+    EXPECT_EQ(seconds(jingle), place);
+    pull(441 * 31);
+    EXPECT_EQ(value(BASS_ATTRIB_TEMPO), -5);
+    EXPECT_FALSE(BASS_ChannelIsSliding(jingle, BASS_ATTRIB_TEMPO));
+    EXPECT_EQ(value(BASS_ATTRIB_TEMPO_FREQ), 40000);
+}
+
+TEST_F(TempoShow, SlidesAreTheSameForAllPeriods) {
+    std::vector<float> reference;
+    for (const std::uint32_t period : {441U, 1U, 32U, 64U, 512U, 997U}) {
+        SCOPED_TRACE(period);
+        begin({.period = period});
+        install();
+        decoders->sounds["low"] = {.format = {22050, 1, 16}, .length = 44100, .sample = [](auto f, auto) {
+                                       return sine(f, 300, 22050, 0.4);
+                                   }};
+        const Topology studio;
+        const DWORD first = studio.jingle(file("tone")), second = studio.jingle(file("low")),
+                    third = studio.jingle(file("tone"));
+        BASS_ChannelSetAttribute(second, BASS_ATTRIB_TEMPO_PITCH, 3);
+        for (const DWORD channel : {first, second, third}) press(channel, 4 * 100);
+        BASS_ChannelSlideAttribute(first, BASS_ATTRIB_TEMPO, 30, 300);
+        BASS_ChannelSlideAttribute(second, BASS_ATTRIB_TEMPO_PITCH, 0, 150);  // into neutral
+        BASS_ChannelSlideAttribute(third, BASS_ATTRIB_TEMPO_FREQ, 60000, 700);
+        pull(period == 1 ? 17640 : 35280);
+        std::vector<float> sound = take();
+        if (reference.empty()) {
+            reference = std::move(sound);
+            continue;
+        }
+        const auto off = std::ranges::mismatch(sound, reference);
+        EXPECT_EQ(off.in1 - sound.begin(), static_cast<std::ptrdiff_t>(sound.size()));
+    }
+    EXPECT_GT(*std::ranges::max_element(reference), 0.3F);
+}
+
+TEST_F(TempoShow, ALoopLeftInTheLastMomentEndsThere) {
+    const Topology studio;
+    const DWORD jingle = studio.jingle(file("tone"));
+    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO, 20);
+    BASS_ChannelSetPosition(jingle, 44100 * 4, BASS_POS_END);
+    BASS_ChannelFlags(jingle, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
+    static int fired;
+    fired = 0;
+    BASS_ChannelSetSync(
+        jingle, BASS_SYNC_POS, 44000 * 4, [](HSYNC, DWORD, DWORD, void*) { ++fired; }, nullptr);
+    press(jingle, 22050 * 4);
+    while (seconds(jingle) < 0.985) pull(441);
+    BASS_ChannelFlags(jingle, 0, BASS_SAMPLE_LOOP);
+    pull(4 * 441);
+    engineControl()->settleSyncs();
+    EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
+    EXPECT_EQ(seconds(jingle), 1.0);
+    EXPECT_EQ(fired, 1);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <mutex>
 #include <thread>
 
 #include "platform/soundtouch/soundtouch_stretcher.h"
@@ -24,8 +25,20 @@ class Memory final : public FrameReader {
         std::copy_n(sound.begin() + static_cast<std::ptrdiff_t>(2 * frame), 2 * count, out.begin());
         return count;
     }
+    PlayRange range() const override {
+        const std::lock_guard lock(mutex_);
+        return range_;
+    }
+    void setRange(const PlayRange& range) {
+        const std::lock_guard lock(mutex_);
+        range_ = range;
+    }
     std::uint64_t frames() const { return sound.size() / 2; }
     std::vector<float> sound;
+
+  private:
+    mutable std::mutex mutex_;
+    PlayRange range_;
 };
 
 /// A tempo channel as the engine drives it, without the engine.
@@ -33,15 +46,14 @@ class Player {
   public:
     explicit Player(std::vector<float> stereo)
         : memory(std::move(stereo)), tempo(kRate, 2, soundTouchStretchers(), memory) {
-        range.end = memory.frames();
-        tempo.setRange(range);
+        setRange({memory.frames(), 0, false});
     }
     void setRange(const PlayRange& wanted) {
         range = wanted;
-        tempo.setRange(range);
+        memory.setRange(range);
     }
     void moveTo(std::uint64_t frame) {
-        tempo.prime(frame, range);
+        tempo.prime(frame);
         position = frame;
         tempo.restart(frame);
     }
@@ -87,6 +99,7 @@ class Player {
             if (position < range.end)
                 most = static_cast<std::size_t>(std::min<std::uint64_t>(most, range.end - position));
             got = memory.readAt(position, std::span(block).first(2 * most));
+            if (tempo.fades()) tempo.fade(std::span(block).first(2 * got));
             position += got;
             tempo.passed(got, position);
             if (got == 0) over = true;
@@ -239,6 +252,197 @@ TEST(TempoProcessor, ALoopSetBeforeTheEndIsTakenThoughTheEndWasRendered) {
     EXPECT_LT(player.tempo.sourceFrame(), std::uint64_t{2 * kRate});
 }
 
+TEST(TempoProcessor, AChangeOfLoopOrEndGovernsTheNextWrapHoweverNear) {
+    // A second of silence, one of the sound played, and one more that only an end taken away lets through;
+    // the loop returns to a fourth, far louder one.
+    constexpr std::uint64_t kEnd = 2 * kRate, kLoud = 3 * kRate;
+    std::vector<float> sound = test::sine(150, kRate, 4 * kRate, 0.2);
+    for (std::size_t i = 2 * kLoud; i < sound.size(); ++i) sound[i] *= 4.0F;
+    const struct {
+        const char* name;
+        PlayRange before, after;
+        double loudest;  // from the change on
+        bool ends;
+    } cases[] = {
+        {"loop cleared", {kEnd, 0, true}, {kEnd, 0, false}, 0.25, true},
+        {"end taken away", {kEnd, 0, true}, {kLoud, 0, false}, 0.25, false},
+        {"end taken away, no loop", {kEnd, 0, false}, {kLoud, 0, false}, 0.25, false},
+        {"loop set", {kEnd, 0, false}, {kEnd, kRate, true}, 0.25, false},
+        {"loop point moved", {kEnd, 0, true}, {kEnd, kRate, true}, 0.25, false},
+        {"end brought to the front", {kEnd, 0, false}, {kRate, kRate / 2, true}, 0.25, false},
+    };
+    for (const TempoParameters& to : {TempoParameters{10, 0, 1}, TempoParameters{-20, 0, 1.1}})
+        for (const auto& c : cases)
+            for (const std::uint64_t near : {1u, 70u, 300u, 700u, 2000u, 6000u}) {
+                Player player(sound);
+                player.tempo.setParameters(to);
+                player.setRange(c.before);
+                player.moveTo(kEnd - kRate / 2);
+                while (player.tempo.sourceFrame() + near + 300 < kEnd) player.play(kBlock);
+                while (player.tempo.sourceFrame() + near < kEnd && !player.over) player.play(8);
+                if (player.over) continue;  // the last few milliseconds are counted in one
+                const std::size_t at = player.heard.size() / 2;
+                player.setRange(c.after);
+                player.play(kRate / 2);
+                const auto what = std::string(c.name) + ", " + std::to_string(near) + " frames before";
+                EXPECT_EQ(player.over, c.ends) << what;
+                double loudest = 0;
+                for (std::size_t i = 2 * at; i < player.heard.size(); ++i)
+                    loudest = std::max(loudest, std::fabs(double{player.heard[i]}));
+                EXPECT_LT(loudest, c.loudest) << what;
+                const double played = static_cast<double>(player.heard.size() / 2 - at) * to.speed();
+                if (c.ends) {
+                    EXPECT_NEAR(played, static_cast<double>(near), 0.015 * kRate) << what;
+                    continue;
+                }
+                const double begin =
+                    c.after.end < kEnd ? static_cast<double>(c.after.end) : static_cast<double>(kEnd - near);
+                double place = begin + played;
+                while (c.after.loop && place >= static_cast<double>(c.after.end))
+                    place -= static_cast<double>(c.after.end - c.after.loopStart);
+                EXPECT_NEAR(static_cast<double>(player.tempo.sourceFrame()), place, 0.012 * kRate) << what;
+                EXPECT_TRUE(player.stretched()) << what;
+                if (!c.after.loop) {
+                    EXPECT_LT(test::roughness(player.heard, at, player.heard.size() / 2), 0.0015) << what;
+                }
+            }
+}
+
+/// Hz between two frames, by upward crossings of zero.
+double pitchBetween(const std::vector<float>& stereo, std::size_t from, std::size_t to) {
+    double first = 0, last = 0;
+    int waves = -1;
+    for (std::size_t i = std::max<std::size_t>(from, 1); i < to; ++i) {
+        const double before = stereo[2 * i - 2], now = stereo[2 * i];
+        if (before >= 0 || now < 0) continue;
+        last = static_cast<double>(i) - now / (now - before);
+        if (waves++ < 0) first = last;
+    }
+    return waves < 1 ? 0 : waves * kRate / (last - first);
+}
+
+TEST(TempoProcessor, SlidesGoTheirWayWithoutAStepAndKeepThePlace) {
+    constexpr double kHz = 440;
+    constexpr std::size_t kBegin = kRate / 2, kFrames = kRate * 3 / 2;
+    const struct {
+        const char* name;
+        TempoParameters from;
+        TempoPart part;
+        double to;
+        bool ratios;
+    } cases[] = {
+        {"tempo up", {}, TempoPart::Tempo, 60, false},
+        {"tempo to neutral", {-30, 0, 1}, TempoPart::Tempo, 0, false},
+        {"tempo in ratios", {-40, 0, 1}, TempoPart::Tempo, 50, true},
+        {"pitch up", {}, TempoPart::Pitch, 12, false},
+        {"pitch through neutral", {0, -5, 1}, TempoPart::Pitch, 5, false},
+        {"pitch to neutral", {0, 7, 1}, TempoPart::Pitch, 0, false},
+        {"rate down", {}, TempoPart::Rate, 0.5, true},
+        {"rate through neutral", {0, 0, 1.5}, TempoPart::Rate, 0.8, false},
+        {"rate under tempo", {25, 0, 1}, TempoPart::Rate, 1.3, false},
+    };
+    for (const auto& c : cases) {
+        TempoCurve curve;
+        const auto order = [&](auto&& to, std::uint64_t time, std::uint64_t frames) {
+            curve.move(c.part, to, time, frames, c.ratios);
+        };
+        for (const auto& [part, value] :
+             {std::pair{TempoPart::Tempo, c.from.tempo}, std::pair{TempoPart::Pitch, c.from.pitch},
+              std::pair{TempoPart::Rate, c.from.rate}})
+            curve.move(part, value, 0, 0, false);
+        order(c.to, kBegin, kFrames);
+
+        Player player(test::sine(kHz, kRate, 12 * kRate));
+        player.tempo.setParameters(c.from);
+        player.moveTo(0);
+        player.play(kBegin);
+        const std::uint64_t began = player.tempo.sourceFrame();
+        player.tempo.slide(c.part, c.to, kFrames, c.ratios);
+        EXPECT_TRUE(player.tempo.sliding(c.part)) << c.name;
+        double expected = static_cast<double>(began), off = 0;
+        std::vector<double> places(1, expected);
+        for (std::size_t at = kBegin; at < kBegin + kFrames + kRate / 2; at += kBlock) {
+            EXPECT_NEAR(player.tempo.parameters().speed(), curve.at(at).speed(), 1e-9) << c.name;
+            player.play(kBlock);
+            for (std::size_t i = 0; i < kBlock; ++i) expected += curve.at(at + i).speed();
+            off = std::max(off, std::fabs(static_cast<double>(player.tempo.sourceFrame()) - expected));
+        }
+        EXPECT_FALSE(player.tempo.sliding(c.part)) << c.name;
+        // What is counted: each crossing over looks up to 10 ms around for its place; and what passed at the
+        // former speed before the slide was heard.
+        const double late =
+            0.035 * kRate * std::fabs(curve.at(kBegin + kRate / 28).speed() - curve.at(kBegin).speed());
+        EXPECT_LT(off, 0.020 * kRate + late) << c.name;
+        // What is heard: the pitch of each twentieth of a second.
+        const std::size_t step = kRate / 20;
+        for (std::size_t at = kBegin + step; at + step < player.heard.size() / 2; at += step) {
+            const double hz = kHz * curve.at(at + step / 2).transposition();
+            EXPECT_NEAR(pitchBetween(player.heard, at, at + step), hz, 0.02 * hz) << c.name << " at " << at;
+        }
+        const double most = std::max(curve.at(0).transposition(), curve.last().transposition());
+        EXPECT_LT(test::roughness(player.heard, 450, player.heard.size() / 2),
+                  2.5 * test::roughness(player.memory.sound, 0, kRate) * std::max(1.0, most * most))
+            << c.name;
+        EXPECT_EQ(player.stretched(), !curve.last().neutral()) << c.name;
+    }
+}
+
+TEST(TempoProcessor, PositionIsThatOfWhatIsHeardWithinSlides) {
+    for (const auto& [part, to] : {std::pair{TempoPart::Tempo, 80.0}, std::pair{TempoPart::Tempo, -40.0},
+                                   std::pair{TempoPart::Pitch, -9.0}, std::pair{TempoPart::Rate, 1.6}}) {
+        constexpr std::size_t kEvery = 9973;
+        Player player(bursts(14 * kRate, 15000, kEvery));
+        player.play(kRate / 4);
+        player.tempo.slide(part, to, 5 * kRate, false);
+        while (player.heard.size() / 2 < 6 * kRate) player.play(32);
+        int found = 0;
+        double sum = 0;
+        for (std::size_t i = kRate / 2; i < player.heard.size() / 2; ++i) {
+            if (std::fabs(player.heard[2 * i]) < 0.3f) continue;
+            const double place = static_cast<double>(player.places[std::min(i, player.places.size() - 1)]);
+            const double nearest = 15000 + std::round((place - 15000) / kEvery) * kEvery;
+            // Within a sequence the sound runs at its own speed, ahead of the count and then behind it.
+            EXPECT_NEAR(place, nearest, 0.030 * kRate) << to << " at " << i;
+            sum += place - nearest;
+            ++found;
+            i += kEvery / 3;
+        }
+        EXPECT_GT(found, 18) << to;
+        EXPECT_LT(std::fabs(sum / found), 0.010 * kRate) << to;
+    }
+}
+
+TEST(TempoProcessor, ASlideThatIsReplacedGoesOnFromTheValueReachedAndRunsOnInSilence) {
+    Player player(test::sine(440, kRate, 12 * kRate));
+    player.tempo.slide(TempoPart::Pitch, 12, kRate, false);
+    player.play(kRate / 4);
+    EXPECT_NEAR(player.tempo.parameters().pitch, 3, 1e-9);
+    player.tempo.slide(TempoPart::Pitch, -3, kRate / 2, false);
+    player.play(kRate / 4);
+    EXPECT_NEAR(player.tempo.parameters().pitch, 0, 1e-9);
+    EXPECT_TRUE(player.stretched());
+    player.tempo.idle(kRate / 8);
+    EXPECT_NEAR(player.tempo.parameters().pitch, -1.5, 1e-3);
+    const std::size_t at = player.heard.size() / 2;
+    player.play(kRate / 2);  // a lane that stood meanwhile is made anew
+    EXPECT_NEAR(pitchBetween(player.heard, at + kRate / 4, at + kRate / 2), 440 * std::exp2(-3 / 12.0), 4);
+    player.tempo.setParameters({});
+    player.play(kRate / 4);
+    EXPECT_FALSE(player.stretched());
+    EXPECT_LT(test::roughness(player.heard, 0, player.heard.size() / 2),
+              4 * test::roughness(player.memory.sound, 0, kRate));
+}
+
+TEST(TempoProcessor, AKnobThatTurnsWithoutAPauseIsHeardMeanwhile) {
+    Player player(test::sine(440, kRate, 12 * kRate));
+    for (int i = 1; i <= 60; ++i) {  // an order every six milliseconds
+        player.tempo.setParameters({0, 0.1 * i, 1});
+        player.play(kBlock);
+    }
+    const std::size_t end = player.heard.size() / 2;
+    EXPECT_NEAR(pitchBetween(player.heard, end - 3 * kBlock, end), 440 * std::exp2(5.0 / 12), 12);
+}
+
 TEST(TempoProcessor, WholeSoundHasItsLengthOverTheSpeed) {
     for (const Change& change : kChanges) {
         Player player(test::noise(2 * 3 * kRate, 5));
@@ -301,9 +505,7 @@ TEST(TempoProcessor, AWorkerOfItsOwnMayDoTheWork) {
     std::thread presenter([&] {
         for (int i = 0; !done; ++i) {
             player.tempo.setParameters({i % 3 == 0 ? 0.0 : 5.0 * (i % 7), i % 11 == 0 ? 2.0 : 0.0, 1});
-            if (i % 5 == 0)
-                player.tempo.prime(
-                    kRate / 2, player.memory.frames() > 0 ? PlayRange{2 * kRate, kRate, true} : PlayRange{});
+            if (i % 5 == 0) player.tempo.prime(kRate / 2);
             std::this_thread::yield();
         }
     });

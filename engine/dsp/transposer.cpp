@@ -1,0 +1,185 @@
+#include "engine/dsp/transposer.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+
+#include "engine/dsp/lanes.h"
+
+namespace zv::dsp {
+namespace {
+
+#define ZV_KERNELS "engine/dsp/transposer_kernels.h"
+#include "engine/dsp/two_paths.h"
+
+constexpr std::size_t kZeros =
+    24;  ///< frames that the filter reaches to either side while nothing can fold over
+constexpr double kLeastScale = 0.125;  ///< of the cutoff; beyond that speed some folding is let be
+constexpr double kAttenuation = 86, kCutoff = 0.47;
+constexpr std::size_t kFine = 512;    ///< points of the filter's shape a frame
+constexpr std::size_t kPhases = 256;  ///< rows of a table
+constexpr int kSteady = 4;            ///< calls after which a table is worth making
+constexpr std::size_t kRoom = 2048;
+
+double scaleOf(double speed) { return speed <= 1 ? 1 : std::max(1 / speed, kLeastScale); }
+
+std::size_t halfOf(double scale) {
+    return static_cast<std::size_t>(std::ceil(static_cast<double>(kZeros) / scale));
+}
+
+std::size_t tapsOf(double scale) { return (2 * halfOf(scale) + 7) / 8 * 8; }
+
+/// Modified Bessel function of the first kind, order 0.
+double bessel0(double x) {
+    double sum = 1, term = 1;
+    for (int k = 1; term > sum * 1e-17; ++k) {
+        term *= (x / (2 * k)) * (x / (2 * k));
+        sum += term;
+    }
+    return sum;
+}
+
+/// One side of the filter.
+const std::array<float, kZeros * kFine + 2>& shape() {
+    static const auto made = [] {
+        std::array<float, kZeros * kFine + 2> out{};
+        const double beta = 0.1102 * (kAttenuation - 8.7), most = bessel0(beta);
+        for (std::size_t i = 0; i < kZeros * kFine; ++i) {
+            const double x = static_cast<double>(i) / kFine, angle = 2 * std::numbers::pi * kCutoff * x;
+            const double place = x / static_cast<double>(kZeros);
+            out[i] = static_cast<float>((i == 0 ? 1 : std::sin(angle) / angle) * 2 * kCutoff *
+                                        bessel0(beta * std::sqrt(1 - place * place)) / most);
+        }
+        return out;
+    }();
+    return made;
+}
+
+/// The weights of the frames around a place `back` behind the middle one.
+void weigh(std::span<float> row, double scale, double back) {
+    const auto& fine = shape();
+    const auto half = static_cast<double>(halfOf(scale));
+    for (std::size_t k = 0; k < row.size(); ++k) {
+        const double x = std::fabs(static_cast<double>(k) - half + 1 - back) * scale * kFine;
+        const auto at = static_cast<std::size_t>(x);
+        if (at >= kZeros * kFine) {
+            row[k] = 0;
+            continue;
+        }
+        const auto f = static_cast<float>(x - static_cast<double>(at));
+        row[k] = static_cast<float>(scale) * (fine[at] + f * (fine[at + 1] - fine[at]));
+    }
+}
+
+}  // namespace
+
+struct TransposerRows {
+    explicit TransposerRows(double forScale)
+        : scale(forScale), taps(tapsOf(forScale)), rows((kPhases + 1) * taps) {
+        for (std::size_t p = 0; p <= kPhases; ++p)
+            weigh({rows.data() + p * taps, taps}, scale, static_cast<double>(p) / kPhases);
+    }
+    double scale;
+    std::size_t taps;
+    std::vector<float> rows;
+};
+
+Transposer::Transposer(std::uint32_t channels) : channels_(std::max(channels, 1u)) {
+    const std::size_t most = tapsOf(kLeastScale);
+    stride_ = 2 * most + kRoom;
+    window_.assign(stride_ * channels_, 0.0F);
+    row_.resize(most);
+    reset(0);
+}
+
+Transposer::~Transposer() = default;
+
+std::size_t Transposer::reach(double speed) { return halfOf(scaleOf(speed)); }
+
+void Transposer::reset(std::size_t lead) {
+    std::fill(window_.begin(), window_.end(), 0.0F);
+    filled_ = halfOf(kLeastScale);  // the silence before everything
+    first_ = -static_cast<std::int64_t>(filled_);
+    whole_ = static_cast<std::int64_t>(lead);
+    fraction_ = 0;
+    steady_ = 0;
+}
+
+std::size_t Transposer::needed(std::size_t frames, double speed) const {
+    if (frames == 0) return 0;
+    const double last = fraction_ + static_cast<double>(frames - 1) * speed;
+    const std::int64_t end =
+        whole_ + static_cast<std::int64_t>(last) + static_cast<std::int64_t>(reach(speed)) + 1;
+    return static_cast<std::size_t>(
+        std::max<std::int64_t>(0, end - (first_ + static_cast<std::int64_t>(filled_))));
+}
+
+void Transposer::push(std::span<const float> in) {
+    const std::size_t frames = in.size() / channels_, slack = tapsOf(kLeastScale);
+    if (filled_ + frames + slack > stride_) {
+        // What lies so far behind that no filter reaches it goes.
+        const std::int64_t from = whole_ - static_cast<std::int64_t>(halfOf(kLeastScale));
+        const auto gone = static_cast<std::size_t>(
+            std::clamp<std::int64_t>(from - first_, 0, static_cast<std::int64_t>(filled_)));
+        const std::size_t keep = filled_ - gone, wider = std::max(stride_, keep + frames + slack + kRoom);
+        std::vector<float> wide(wider == stride_ ? 0 : wider * channels_, 0.0F);
+        for (std::uint32_t c = 0; c < channels_; ++c) {
+            const float* old = window_.data() + c * stride_ + gone;
+            std::copy(old, old + keep, (wide.empty() ? window_.data() : wide.data()) + c * wider);
+        }
+        if (!wide.empty()) window_ = std::move(wide);
+        stride_ = wider;
+        filled_ = keep;
+        first_ += static_cast<std::int64_t>(gone);
+    }
+    for (std::uint32_t c = 0; c < channels_; ++c) {
+        float* to = window_.data() + c * stride_ + filled_;
+        for (std::size_t i = 0; i < frames; ++i) to[i] = in[i * channels_ + c];
+    }
+    filled_ += frames;
+}
+
+/// A table, as soon as it is worth its making; null while the cutoff moves.
+const TransposerRows* Transposer::rowsFor(double scale) {
+    if (scale == 1) {
+        static const TransposerRows whole(1);
+        return &whole;
+    }
+    if (own_ && own_->scale == scale) return own_.get();
+    steady_ = scale == lastScale_ ? steady_ + 1 : 0;
+    lastScale_ = scale;
+    if (steady_ < kSteady) return nullptr;
+    own_ = std::make_unique<TransposerRows>(scale);
+    return own_.get();
+}
+
+void Transposer::make(std::span<float> out, double speed) {
+    const double scale = scaleOf(speed);
+    const std::size_t half = halfOf(scale), taps = tapsOf(scale);
+    const TransposerRows* table = rowsFor(scale);
+    const bool isWide = wideChosen();
+    float* to = out.data();
+    for (std::size_t i = 0; i < out.size() / channels_; ++i) {
+        const float* x = window_.data() + (whole_ - first_) - static_cast<std::int64_t>(half) + 1;
+        if (table) {
+            const double phase = fraction_ * kPhases;
+            const auto p = static_cast<std::size_t>(phase);
+            const auto f = static_cast<float>(phase - static_cast<double>(p));
+            const float* row = table->rows.data() + p * taps;
+            for (std::uint32_t c = 0; c < channels_; ++c, x += stride_)
+                *to++ = isWide ? wide::dotBetween(x, row, row + taps, taps, f)
+                               : plain::dotBetween(x, row, row + taps, taps, f);
+        } else {
+            weigh({row_.data(), taps}, scale, fraction_);
+            for (std::uint32_t c = 0; c < channels_; ++c, x += stride_)
+                *to++ = isWide ? wide::dot(x, row_.data(), taps) : plain::dot(x, row_.data(), taps);
+        }
+        fraction_ += speed;
+        const double step = std::floor(fraction_);
+        whole_ += static_cast<std::int64_t>(step);
+        fraction_ -= step;
+    }
+}
+
+}  // namespace zv::dsp
