@@ -151,7 +151,8 @@ double playPaced(Studio& studio, double seconds) {
     return processSeconds() - before;
 }
 
-/// The stretching library alone over the same sounds, one after the other.
+/// The stretching library alone over the same sounds, one after the other without a pause: it stretches as much
+/// sound as is heard, and nothing else.
 double bareLibrary(StretcherSource& library, const std::vector<std::vector<float>>& sounds, double tempo,
                    double seconds) {
     return secondsOf([&] {
@@ -173,6 +174,8 @@ double bareLibrary(StretcherSource& library, const std::vector<std::vector<float
     });
 }
 
+/// The engine starts all of them in the same period and plays in step with the wall: what it takes over the idle
+/// studio, on all threads, is stretching, being ahead by up to 0.2 s, reading, mixing, metering, and waking up.
 void stretching() {
     constexpr std::size_t kStretched = 32, kLong = 9 * kRate;
     constexpr double kSeconds = 6, kTempo = 10;
@@ -199,7 +202,8 @@ void stretching() {
         longest.push_back(studio.devices->takeLongest() * 1000);
         for (DWORD jingle : jingles) BASS_ChannelStop(jingle);
 
-        // The library as it comes, and with the settings that the engine gives it.
+        // The library as it comes, through all of its stages, and its stretching stage alone, as the engine uses
+        // it.
         ratios.push_back(engine / bareLibrary(*plainSoundTouchStretchers(), sounds, kTempo, kSeconds));
         sameSettings.push_back(engine / bareLibrary(*soundTouchStretchers(), sounds, kTempo, kSeconds));
     }

@@ -22,7 +22,7 @@ struct SoundFormat {
 class Decoder {
   public:
     virtual ~Decoder() = default;
-    virtual SoundFormat format() const = 0;
+    virtual SoundFormat format() const = 0;  ///< the same all its life
     /// Exact frames that a full decode yields, encoder delay and padding taken off where the file tells them;
     /// nothing for an endless source (a web stream).
     virtual std::optional<std::uint64_t> length() const = 0;
@@ -31,10 +31,10 @@ class Decoder {
     virtual std::size_t read(std::span<float> out) = 0;
     /// Moves to `frame`, exact. False when the source cannot.
     virtual bool seek(std::uint64_t frame) = 0;
-    virtual bool ended() const = 0;
+    virtual bool ended() const = 0;  ///< nothing more will come without a seek
 };
 
-/// Opens decoders. `error` receives a BASS_ERROR_ code when nothing is returned. [any]
+/// Opens decoders. `error` receives a BASS_ERROR_ code when nothing is returned. [any], several at once
 class DecoderSource {
   public:
     virtual ~DecoderSource() = default;
@@ -105,9 +105,11 @@ class SoundDevice {
     virtual void wake() {}
 };
 
+/// Lists and opens devices. [control]; what only asks: [any]
 class DeviceSource {
   public:
     virtual ~DeviceSource() = default;
+    /// In the system's order, as they are now; those that are gone are missing.
     virtual std::vector<DeviceDescription> outputs() = 0;
     virtual std::vector<DeviceDescription> inputs() = 0;
     /// `id` empty: the default. Nothing is returned when the device cannot be opened.
@@ -127,6 +129,8 @@ class DeviceSource {
     virtual bool rests() const { return !offline(); }
 };
 
+/// What the engine is given. Each may be missing: then nothing opens (BASS_ERROR_NOTAVAIL), tempo channels pass
+/// through, there are no devices.
 struct EnginePorts {
     std::shared_ptr<DecoderSource> decoders;
     std::shared_ptr<StretcherSource> stretchers;
@@ -139,14 +143,14 @@ struct DeviceStatistics {
     std::uint64_t underruns = 0;  ///< callbacks that took longer than their sound lasts, and times the device ran dry
     std::uint64_t longestCallbackNs = 0;
     std::uint64_t commandOverflows = 0;  ///< commands that found the ring full
-    std::uint64_t starvations = 0;       ///< times a decoder was not ahead in time
+    std::uint64_t starvations = 0;       ///< times a decoder or a bridge was not ahead in time
 };
 
 /// The table through which the program reaches what is not an operation on channels.
 struct EngineControl {
     /// Hands the surroundings over; replaces earlier ones, which must not be in use. [control]
     void (*install)(const EnginePorts& ports);
-    /// Counters of output `device` (a number of BASS_Init). [any]
+    /// Counters of output `device` (a number of BASS_Init); all 0 for one that is not open. [any]
     DeviceStatistics (*statistics)(int device);
     /// Offline only: waits until all sync procedures due so far have run. [control]
     void (*settleSyncs)();
