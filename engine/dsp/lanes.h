@@ -15,9 +15,6 @@ using Double4 = double __attribute__((vector_size(32)));
 using Float4 = float __attribute__((vector_size(16)));
 using Int4 = std::int32_t __attribute__((vector_size(16)));
 
-/// Eight in memory of any alignment.
-using Float8Memory = float __attribute__((vector_size(32), aligned(4), may_alias));
-
 /// What usesWidePath() of mix.h reads.
 bool wideChosen();
 
