@@ -16,6 +16,7 @@
 #include "ui/edit_commands.h"
 #include "ui/jingle_buttons.h"
 #include "ui/main_window.h"
+#include "ui/palette_list.h"
 #include "ui/timers.h"
 
 namespace zv {

@@ -290,11 +290,6 @@ void PlayJing(int index) {
     });
 }
 
-void MarkPalToSave() {
-    ErrDisp("save", 0, Ln("mPalToSave"));
-    PalToSave = true;
-}
-
 void btStop_MouseDown(const MouseEvent& event) {
     guarded(".btStop_MouseDown", [&] {
         if (event.button == MouseButton::left) {

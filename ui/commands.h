@@ -63,9 +63,6 @@ void clNoStopSet(int index);
 void clLoopSet(int index);
 void clSeqSet(int index);
 
-/// Marks the palette as changed: the message "mPalToSave" in the mode "save".
-void MarkPalToSave();
-
 /// Stops everything and disarms the announcer and the stream.
 void btStop_MouseDown(const MouseEvent& event);
 /// Delete on the keyboard.

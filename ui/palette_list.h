@@ -34,6 +34,8 @@ void btNewTog();
 void btDelpal_MouseUp();
 void lstpaldel();
 
+/// Marks the palette as changed: the message "mPalToSave" in the mode "save".
+void MarkPalToSave();
 /// Opens the naming dialogue, or confirms it when it is open. `mode` 2 renames, any other saves.
 void SavePal(int mode = 0);
 void NotSavePal();

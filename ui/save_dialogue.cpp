@@ -79,6 +79,11 @@ void open(int mode) {
 
 }  // namespace
 
+void MarkPalToSave() {
+    ErrDisp("save", 0, Ln("mPalToSave"));
+    PalToSave = true;
+}
+
 void SavePal(int mode) {
     guarded("frmMain.SavePal", [&] {
         LastCtrl = "btSave";

@@ -13,6 +13,7 @@
 #include "ui/jingle_buttons.h"
 #include "ui/layout.h"
 #include "ui/main_window.h"
+#include "ui/palette_list.h"
 
 namespace zv {
 
