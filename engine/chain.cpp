@@ -15,6 +15,11 @@ bool Effect::bypassed() const {
     return !gain.active() && gain.value() == 1.0F;
 }
 
+void Effect::foresee() const {
+    if (eqUnit) eqUnit->foresee();
+    if (reverbUnit) reverbUnit->foresee();
+}
+
 void Effect::process(float* stereo, std::size_t frames) {
     if (eqUnit) {
         eqUnit->process(stereo, frames);

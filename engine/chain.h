@@ -35,6 +35,8 @@ struct Effect {
 
     /// True when process() leaves the samples alone. [audio]
     bool bypassed() const;
+    /// process() comes soon: what it needs may come nearer meanwhile. [audio]
+    void foresee() const;
     void process(float* stereo, std::size_t frames);  // [audio]
     void reset();                                     // [audio]
 };

@@ -333,6 +333,9 @@ View Graph::throughChain(Channel& channel, View view) {
     if (a.chain)
         for (const auto& stage : a.chain->stages) effects |= stage.effect && !stage.effect->bypassed();
     if (!gained && !effects) return view;
+    if (effects)
+        for (const auto& stage : a.chain->stages)
+            if (stage.effect) stage.effect->foresee();
     float* data = stereo_.data();
     if (view.own) {
         data = const_cast<float*>(view.data);

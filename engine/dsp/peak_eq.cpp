@@ -145,6 +145,16 @@ void PeakEq::process(float* stereo, std::size_t frames) {
         if (group.active) run(group, stereo, frames);
 }
 
+void PeakEq::foresee() const {
+    if (active_ == 0) return;
+    for (const EqGroup& group : groups_) {
+        if (!group.active) continue;
+        for (const EqGroup::Lanes& lanes : group.now) __builtin_prefetch(lanes.data());
+        __builtin_prefetch(&group.left);
+        __builtin_prefetch(&group.right);
+    }
+}
+
 void PeakEq::reset() {
     if (!passed_) return;
     passed_ = false;

@@ -61,6 +61,9 @@ class PeakEq {
     void setBand(std::size_t index, const PeakBand& band);
     /// Filters stereo frames in place. All bands flat: returns at once, the samples untouched. [audio]
     void process(float* stereo, std::size_t frames);
+    /// Asks the processor for what process() will touch: with a hundred units in turn none finds it near.
+    /// [audio]
+    void foresee() const;
     /// Empties the memory and ends changes under way; no cost when nothing has passed. [audio]
     void reset();
     /// True when process() leaves the samples alone. [audio]

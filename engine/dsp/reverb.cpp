@@ -240,6 +240,13 @@ void Reverb::kernel(Run& run, std::size_t groups, std::size_t lanes) {
     if (ramp) rampAt_ += static_cast<std::uint32_t>(frames);
 }
 
+void Reverb::foresee() const {
+    if (!running_) return;
+    for (const Line& line : lines_) __builtin_prefetch(memory_.data() + line.offset + line.at, 1);
+    for (const auto& side : diffusers_)
+        for (const Diffuser& d : side) __builtin_prefetch(memory_.data() + d.offset, 1);
+}
+
 void Reverb::clear() {
     if (!filled_) return;
     std::fill(memory_.begin(), memory_.end(), 0.0f);
