@@ -87,6 +87,9 @@ float sumOf(Eight v) { return ((v[0] + v[1]) + (v[2] + v[3])) + ((v[4] + v[5]) +
 }  // namespace
 
 struct PlainEffects::Work {
+    Work(const std::vector<std::vector<float>>& all, PlainForm as)
+        : sounds(all), form(as), groups(all.size() / 8) {}
+
     const std::vector<std::vector<float>>& sounds;
     PlainForm form;
     std::size_t groups, at = 0;
@@ -95,9 +98,9 @@ struct PlainEffects::Work {
     std::array<Ring, kLines> lines;
     std::array<std::array<Ring, kDiffusers>, kSides> diffusers;
     std::vector<std::array<Eight, kLines>> former;
-    std::array<float, kLines> gain, damp;
-    float dry, wet;
-    alignas(32) std::array<std::array<Eight, kSides>, kAtOnce> block, bus;
+    std::array<float, kLines> gain{}, damp{};
+    float dry = 0, wet = 0;
+    alignas(32) std::array<std::array<Eight, kSides>, kAtOnce> block{}, bus{};
 
     void gather(std::size_t group, std::size_t frames);
     void room(std::size_t group, std::size_t from, std::size_t frames);
@@ -188,7 +191,7 @@ void PlainEffects::Work::direct(std::size_t group, std::size_t frames) {
 
 PlainEffects::PlainEffects(const std::vector<std::vector<float>>& sounds, std::span<const PlainBand> bands,
                            PlainForm form, double rate)
-    : work_(new Work{.sounds = sounds, .form = form, .groups = sounds.size() / 8}) {
+    : work_(std::make_unique<Work>(sounds, form)) {
     Work& w = *work_;
     for (const PlainBand& band : bands) w.bands.push_back(design(band, rate));
     w.states.assign(w.groups * bands.size() * 2 * kSides, Eight{});
