@@ -391,7 +391,7 @@ View Graph::pullConverted(Channel& channel, std::uint32_t want) {
         view.ended = true;
         return view;
     }
-    const std::size_t need = plug.resampler->inputNeeded(want);
+    std::size_t need = plug.resampler->inputNeeded(want);
     while (plug.pending < need) {
         float* to = plug.in.data() + plug.pending * 2;
         if (plug.drained) {
@@ -408,6 +408,12 @@ View Graph::pullConverted(Channel& channel, std::uint32_t want) {
         std::copy_n(piece.data, std::size_t{piece.frames} * 2, to);
         plug.pending += piece.frames;
         plug.fed += piece.frames;
+    }
+    if (plug.drained) {
+        // It ends where its source does, not where the block does.
+        const std::uint64_t left = plug.resampler->framesBefore(plug.fed);
+        want = static_cast<std::uint32_t>(std::min<std::uint64_t>(want, left));
+        plug.pending = need = plug.resampler->inputNeeded(want);
     }
     plug.resampler->process({plug.in.data(), need * 2}, {plug.out.data(), std::size_t{want} * 2});
     plug.pending -= need;

@@ -1,4 +1,4 @@
-# For measurements: an X server with a window manager and a sound server of their own, gone when the script ends.
+# An X server with a window manager and a sound server of their own, gone when the script ends.
 # To be sourced; sets `work`, a folder for the run, and `pids`. What is started in the background goes into `pids`.
 work=$(mktemp -d)
 pids=()
@@ -9,17 +9,56 @@ cleanup() {
 }
 trap cleanup EXIT
 
-await() {
-    for _ in $(seq 200); do "$@" >/dev/null 2>&1 && return; sleep 0.1; done
-    echo "$0: waited in vain for: $*" >&2
+# Ends the script with what is wrong and the ends of the logs.
+fail() {
+    echo "$(basename "$0" .sh): $*" >&2
+    local log
+    for log in "$work"/*.log; do echo "--- $log" >&2; tail -n 20 "$log" >&2; done
     exit 1
 }
 
-# own_servers OUTPUTS [SIZE]: so many sound outputs, a screen of that size
-own_servers() {
-    export XDG_RUNTIME_DIR=$work/run HOME=$work/user PULSE_SERVER=unix:$work/run/native
+# Waits up to 20 seconds until a command succeeds.
+await() {
+    for _ in $(seq 200); do "$@" >/dev/null 2>&1 && return; sleep 0.1; done
+    fail "waited in vain for: $*"
+}
+
+need() {
+    local tool
+    for tool in "$@"; do command -v "$tool" >/dev/null || fail "$tool is not installed"; done
+}
+
+# A user of its own: nothing of the real one's is read or written.
+own_user() {
+    export XDG_RUNTIME_DIR=$work/run HOME=$work/user
     mkdir -m 700 -p "$XDG_RUNTIME_DIR" "$HOME"
-    unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
+    unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS PULSE_SERVER AT_SPI_BUS_ADDRESS
+}
+
+# own_screen [SIZE]: the X server chooses a free display and tells its number. One that is just going can take the
+# socket of that number along; then another is started.
+own_screen() {
+    local number server
+    for _ in 1 2 3 4 5; do
+        rm -f "$work/display"
+        mkfifo "$work/display"
+        Xvfb -displayfd 3 -screen 0 "${1:-1280x900}x24" -nolisten tcp 3>"$work/display" >"$work/xvfb.log" 2>&1 &
+        server=$!
+        pids+=($server)
+        read -r -t 20 number <"$work/display" || continue
+        export DISPLAY=:$number
+        for _ in $(seq 20); do
+            xprop -root >/dev/null 2>&1 && return
+            sleep 0.1
+        done
+        kill $server
+    done
+    fail "no X server came"
+}
+
+# own_sound OUTPUTS: a sound server with so many outputs.
+own_sound() {
+    export PULSE_SERVER=unix:$work/run/native
     local sinks=() n
     for n in $(seq "$1"); do
         sinks+=(--load="module-null-sink sink_name=out$n rate=44100 format=float32le norewinds=1")
@@ -29,12 +68,14 @@ own_servers() {
         >"$work/pulse.log" 2>&1 &
     pids+=($!)
     await pactl info
-    mkfifo "$work/display"
-    Xvfb -displayfd 3 -screen 0 "${2:-1280x900}x24" -nolisten tcp 3>"$work/display" >"$work/xvfb.log" 2>&1 &
-    pids+=($!)
-    local number
-    read -r number <"$work/display"
-    export DISPLAY=:$number
+}
+
+# own_servers OUTPUTS [SIZE]: user, sound, screen and a window manager.
+own_servers() {
+    need Xvfb openbox xprop pulseaudio pactl
+    own_user
+    own_sound "$1"
+    own_screen "${2:-}"
     openbox >"$work/openbox.log" 2>&1 &
     pids+=($!)
     await sh -c "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q '#'"

@@ -163,6 +163,12 @@ std::size_t Resampler::inputNeeded(std::size_t outFrames) const {
     return end > fed_ ? static_cast<std::size_t>(end - fed_) : 0;
 }
 
+std::uint64_t Resampler::framesBefore(std::uint64_t sourceFrame) const {
+    const auto wide = [](const Fixed& f) { return (static_cast<Wide>(f.whole) << 64) + f.fraction; };
+    const Wide to = static_cast<Wide>(sourceFrame) << 64, at = wide(at_), step = wide(step_);
+    return at >= to ? 0 : static_cast<std::uint64_t>((to - at + step - 1) / step);
+}
+
 /// Takes frames into the window, whose oldest ones go as far as nothing needs them any more.
 void Resampler::push(const float* in, std::size_t frames) {
     if (filled_ + frames > stride_) {

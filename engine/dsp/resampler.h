@@ -27,6 +27,8 @@ class Resampler {
 
     /// Source frames that must be handed to process() to make the next `outFrames`. [audio]
     std::size_t inputNeeded(std::size_t outFrames) const;
+    /// Output frames from the next one on that stand before this source frame. [audio]
+    std::uint64_t framesBefore(std::uint64_t sourceFrame) const;
     /// Makes out.size() / channels frames from exactly inputNeeded() frames. At the end of the source hand
     /// over silence. Any sizes; no allocation. [audio]
     void process(std::span<const float> in, std::span<float> out);

@@ -5,59 +5,10 @@
 set -u
 bin=$(cd "$1" && pwd)
 here=$(cd "$(dirname "$0")" && pwd)
-work=$(mktemp -d)
-pids=()
-
-cleanup() {
-    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null; done
-    for pid in "${pids[@]}"; do wait "$pid" 2>/dev/null; done
-    rm -rf "$work"
-}
-trap cleanup EXIT
-
-fail() {
-    echo "press_is_heard: $*" >&2
-    for log in "$work"/*.log; do echo "--- $log" >&2; tail -20 "$log" >&2; done
-    exit 1
-}
-
-# Waits up to 20 seconds until a command succeeds.
-await() {
-    local what=$1
-    shift
-    for _ in $(seq 200); do
-        "$@" >/dev/null 2>&1 && return
-        sleep 0.1
-    done
-    fail "$what did not come"
-}
-
-for tool in Xvfb openbox xdotool xprop pulseaudio pactl parec python3; do
-    command -v "$tool" >/dev/null || fail "$tool is not installed"
-done
-
-export XDG_RUNTIME_DIR=$work/run HOME=$work/user
-mkdir -m 700 -p "$XDG_RUNTIME_DIR" "$HOME" "$work/home"
-export PULSE_SERVER=unix:$work/run/native
-unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
-
-pulseaudio -n --daemonize=no --exit-idle-time=-1 --disallow-exit --use-pid-file=no \
-    --load="module-native-protocol-unix auth-anonymous=1 socket=$work/run/native" \
-    --load="module-null-sink sink_name=out1 rate=44100 format=float32le norewinds=1 sink_properties=device.description=OutOne" \
-    --load="module-null-sink sink_name=out2 rate=44100 format=float32le norewinds=1 sink_properties=device.description=OutTwo" \
-    >"$work/pulseaudio.log" 2>&1 &
-pids+=($!)
-await "the sound server" pactl info
-
-# The X server chooses a free display and tells its number.
-mkfifo "$work/display"
-Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$work/display" >"$work/xvfb.log" 2>&1 &
-pids+=($!)
-read -r number <"$work/display"
-export DISPLAY=:$number
-openbox >"$work/openbox.log" 2>&1 &
-pids+=($!)
-await "the window manager" sh -c "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q '#'"
+. "$here/../../tools/own_servers.sh"
+need xdotool parec python3
+own_servers 2
+mkdir -p "$work/home"
 
 # A palette with one tone of 700 Hz on the first button, and settings that ask nothing.
 python3 "$here/tone.py" write "$work/home/Audio_Sample/Tone.wav"
@@ -68,8 +19,8 @@ printf '[Settings]\r\nPaletteIndex=Test\r\nConfirmExit=0\r\nCheckUpdate=0\r\nDev
 "$bin/zentrova" -t --home "$work/home" >"$work/zentrova.log" 2>&1 &
 program=$!
 pids+=($program)
-await "the end of the start" test -s "$work/home/Trace_start.log"
-await "the program's sound stream" sh -c "pactl list short sink-inputs | grep -q ."
+await test -s "$work/home/Trace_start.log"
+await sh -c "pactl list short sink-inputs | grep -q ."
 
 # The window is the largest of the program's, once its size has come to rest.
 largest_window() {
@@ -98,7 +49,7 @@ heard_on_both() {
         parec -d $sink.monitor --rate=44100 --format=float32le --channels=2 --raw --latency-msec=20 >"$work/$sink.raw" 2>"$work/parec-$sink.log" &
         recorders+=($!)
     done
-    await "the recording" test -s "$work/out1.raw" -a -s "$work/out2.raw"
+    await test -s "$work/out1.raw" -a -s "$work/out2.raw"
     xdotool mousemove --window "$window" "$x" "$y" click 1
     sleep 1.2
     xdotool mousemove --window "$window" "$x" "$y" click 1

@@ -6,31 +6,15 @@ set -u
 bin=$(cd "$1" && pwd)
 data=$(cd "$2" && pwd)
 here=$(cd "$(dirname "$0")" && pwd)
-work=$(mktemp -d)
-xserver=
-
-cleanup() {
-    [ -n "$xserver" ] && kill "$xserver" 2>/dev/null && wait "$xserver" 2>/dev/null
-    rm -rf "$work"
-}
-trap cleanup EXIT
-
-for tool in Xvfb dbus-run-session xprop; do
-    command -v "$tool" >/dev/null || { echo "screen_reader: $tool is not installed" >&2; exit 1; }
-done
-
-export XDG_RUNTIME_DIR=$work/run HOME=$work/user
-mkdir -m 700 -p "$XDG_RUNTIME_DIR" "$HOME" "$work/home"
-unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS PULSE_SERVER AT_SPI_BUS_ADDRESS
+. "$here/../../tools/own_servers.sh"
+need Xvfb dbus-run-session xprop
+own_user
+mkdir -p "$work/home"
 cp -r "$data/palette.ini" "$data/HotJingles.ini" "$data/Audio_Sample" "$work/home"
 printf '[Settings]\r\nConfirmExit=0\r\nCheckUpdate=0\r\nMIDIEnabled=0\r\nHotJinglesHeight=6\r\n' >"$work/home/zv.ini"
 
-# The X server chooses a free display and tells its number.
-mkfifo "$work/display"
-Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$work/display" >"$work/xvfb.log" 2>&1 &
-xserver=$!
-read -r -t 20 number <"$work/display" || { echo "screen_reader: no X server" >&2; exit 1; }
-export DISPLAY=:$number QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 QT_ACCESSIBILITY=1
+own_screen
+export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 QT_ACCESSIBILITY=1
 
 # Without a sound server the program plays to its silent device: states change there as well.
 timeout 90 dbus-run-session -- bash -c '
