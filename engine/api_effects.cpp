@@ -138,16 +138,20 @@ bool BASS_FXGetParameters(HFX fx, void* parameters) {
 bool BASS_FXReset(DWORD handle) {
     const Call call;
     Engine& e = call.engine;
-    if (const auto at = e.effects.find(handle); at != e.effects.end()) {
-        if (const auto channel = e.find(at->second->channel))
-            e.send(orderFor(Order::ResetFx, *channel, at->second.get()));
+    // Channels first: the display asks for all of them at every tick.
+    if (const auto at = e.channels.find(handle); at != e.channels.end()) {
+        Channel& channel = *at->second;
+        std::atomic<bool>& dirty = channel.shared.dirty;
+        const bool passed =
+            dirty.load(std::memory_order_relaxed) && dirty.exchange(false, std::memory_order_relaxed);
+        // Nothing went through since the last time: nothing to empty.
+        if (passed || e.active(channel)) e.send(orderFor(Order::ResetFx, channel, nullptr));
         return succeed(true);
     }
-    const auto channel = e.find(handle);
-    if (!channel) return fail(BASS_ERROR_HANDLE, false);
-    // Nothing went through since the last time: nothing to empty.
-    if (channel->shared.dirty.exchange(false, std::memory_order_relaxed) || e.active(*channel))
-        e.send(orderFor(Order::ResetFx, *channel, nullptr));
+    const auto at = e.effects.find(handle);
+    if (at == e.effects.end()) return fail(BASS_ERROR_HANDLE, false);
+    if (const auto channel = e.find(at->second->channel))
+        e.send(orderFor(Order::ResetFx, *channel, at->second.get()));
     return succeed(true);
 }
 
