@@ -6,8 +6,10 @@
 #include <QCursor>
 #include <QDesktopServices>
 #include <QDir>
+#include <QEvent>
 #include <QFileInfo>
 #include <QLocale>
+#include <QPointer>
 #include <QProcess>
 #include <QScreen>
 #include <QSysInfo>
@@ -24,7 +26,50 @@ namespace zv {
 using shell::textOf;
 using shell::utf8;
 
-int modifierKeys() { return shell::shiftOf(QGuiApplication::queryKeyboardModifiers()); }
+namespace {
+
+/// Notes whether anything came from which a modifier key may have changed: while the program is the active
+/// one, its windows are told of every key, so that the display server need not be asked at each tick.
+class KeyWatch : public QObject {
+  public:
+    explicit KeyWatch(QCoreApplication* program) : QObject(program) { program->installEventFilter(this); }
+
+    bool eventFilter(QObject*, QEvent* e) override {
+        switch (e->type()) {
+            case QEvent::KeyPress:
+            case QEvent::KeyRelease:
+            case QEvent::ShortcutOverride:
+            case QEvent::MouseButtonPress:
+            case QEvent::MouseMove:
+            case QEvent::HoverMove:
+            case QEvent::FocusIn:
+            case QEvent::FocusOut:
+            case QEvent::WindowActivate:
+            case QEvent::WindowDeactivate:
+            case QEvent::ApplicationStateChange:
+                stirred = true;
+                break;
+            default:
+                break;
+        }
+        return false;
+    }
+
+    bool stirred = true;
+    int held = 0;
+};
+
+}  // namespace
+
+int modifierKeys() {
+    static const QPointer<KeyWatch> watch = new KeyWatch(QCoreApplication::instance());
+    if (!watch) return shell::shiftOf(QGuiApplication::queryKeyboardModifiers());
+    if (watch->stirred || watch->held != 0 || QGuiApplication::applicationState() != Qt::ApplicationActive) {
+        watch->stirred = false;
+        watch->held = shell::shiftOf(QGuiApplication::queryKeyboardModifiers());
+    }
+    return watch->held;
+}
 
 bool keyHeld(int virtualKey) {
     const int held = modifierKeys();
