@@ -66,6 +66,18 @@ int breaksIn(const std::vector<float>& sound) {
 
 constexpr int latePeriods = 6;  ///< breaks that a busy machine may cause in half a second
 
+/// The breaks in half a second of an output. A server that comes back late hurries for a while: another half
+/// second is taken until one is good; a fault of ours is in all of them.
+int breaksAtRest(SoundServer& server, const char* output) {
+    int breaks = latePeriods + 1;
+    for (int attempt = 0; attempt < 10 && breaks > latePeriods; ++attempt) {
+        if (attempt > 0) std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        SoundServer::Recording record(server, output);
+        if (within(5, [&] { return record.frames() > 22'050; })) breaks = breaksIn(record.stop());
+    }
+    return breaks;
+}
+
 class PulseDevicesTest : public testing::Test {
   protected:
     void SetUp() override { ASSERT_TRUE(server.answers()) << "pulseaudio does not start"; }
@@ -145,13 +157,7 @@ TEST_F(PulseDevicesTest, OutputThatIsPulledOutComesBackByItself) {
         EXPECT_EQ(round - 1, ramp.back);
         server.plugOutput("out2", "OutTwo");
         ASSERT_TRUE(within(3, [&] { return ramp.back == round; }));
-        int breaks = latePeriods + 1;
-        for (int attempt = 0; attempt < 4 && breaks > latePeriods; ++attempt) {
-            SoundServer::Recording record(server, "out2");
-            ASSERT_TRUE(within(5, [&] { return record.frames() > 22'050; }));
-            breaks = breaksIn(record.stop());
-        }
-        EXPECT_LE(breaks, latePeriods);
+        EXPECT_LE(breaksAtRest(server, "out2"), latePeriods);
     }
     EXPECT_EQ(0, other.lost);
 }
@@ -165,13 +171,7 @@ TEST_F(PulseDevicesTest, ServerThatIsRestarted) {
     EXPECT_TRUE(devices->outputs().empty());
     server.start();
     ASSERT_TRUE(within(5, [&] { return ramp.back == 1; }));
-    int breaks = latePeriods + 1;
-    for (int attempt = 0; attempt < 4 && breaks > latePeriods; ++attempt) {
-        SoundServer::Recording record(server, "out1");
-        ASSERT_TRUE(within(5, [&] { return record.frames() > 22'050; }));
-        breaks = breaksIn(record.stop());
-    }
-    EXPECT_LE(breaks, latePeriods);
+    EXPECT_LE(breaksAtRest(server, "out1"), latePeriods);
 }
 
 // A server that hangs holds neither the lists nor the closing of a device.
