@@ -412,6 +412,10 @@ View Graph::pullConverted(Channel& channel, std::uint32_t want) {
     if (plug.drained) {
         // It ends where its source does, not where the block does.
         const std::uint64_t left = plug.resampler->framesBefore(plug.fed);
+        if (left == 0) {
+            view.ended = true;
+            return view;
+        }
         want = static_cast<std::uint32_t>(std::min<std::uint64_t>(want, left));
         plug.pending = need = plug.resampler->inputNeeded(want);
     }
