@@ -387,7 +387,7 @@ View Graph::pullConverted(Channel& channel, std::uint32_t want) {
     Plug& plug = *channel.audio.plug;
     takeBack(channel);
     View view;
-    if (plug.drained && plug.resampler->position() >= static_cast<double>(plug.fed)) {
+    if (plug.drained && plug.resampler->framesBefore(plug.fed) == 0) {
         view.ended = true;
         return view;
     }

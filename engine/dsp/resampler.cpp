@@ -166,7 +166,9 @@ std::size_t Resampler::inputNeeded(std::size_t outFrames) const {
 std::uint64_t Resampler::framesBefore(std::uint64_t sourceFrame) const {
     const auto wide = [](const Fixed& f) { return (static_cast<Wide>(f.whole) << 64) + f.fraction; };
     const Wide to = static_cast<Wide>(sourceFrame) << 64, at = wide(at_), step = wide(step_);
-    return at >= to ? 0 : static_cast<std::uint64_t>((to - at + step - 1) / step);
+    // Steps are cut to 2^-64 of a frame: after many of them a whole frame is missed by a trifle.
+    constexpr Wide kTrifle = Wide{1} << 32;
+    return at + kTrifle >= to ? 0 : static_cast<std::uint64_t>((to - at - kTrifle + step - 1) / step);
 }
 
 /// Takes frames into the window, whose oldest ones go as far as nothing needs them any more.

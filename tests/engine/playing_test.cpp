@@ -77,6 +77,32 @@ TEST_F(Playing, TheEndIsNoticedAndTheTailRings) {
     EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
 }
 
+TEST_F(Playing, AConvertedSoundEndsWithItsSourceWhateverThePeriod) {
+    std::vector<float> first;
+    for (const std::uint32_t period : {1U, 64U, 441U, 882U, 997U}) {
+        SCOPED_TRACE(period);
+        begin({.period = period});
+        decoders->sounds["short"] = {
+            .format = {48000, 2, 16}, .length = 960, .sample = [](auto, auto) { return 0.25F; }};
+        const Topology studio;
+        const DWORD jingle = studio.jingle(file("short"));
+        BASS_ChannelPlay(jingle, false);
+        std::vector<float> sound = pullAndTake(1994);
+        ASSERT_GE(sound.size(), 1764U * 2);
+        sound.resize(1764 * 2);
+        EXPECT_NE(sound[881 * 2], 0);
+        EXPECT_EQ(sound[882 * 2], 0);
+        EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
+        if (first.empty()) first = sound;
+        const auto apart = std::ranges::mismatch(sound, first).in1 - sound.begin();
+        EXPECT_EQ(apart, 1764 * 2) << "the first sample that differs";
+        // From its very end there is nothing to wait for.
+        BASS_ChannelPlay(jingle, false);
+        pull(period);
+        EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
+    }
+}
+
 /// Where each frame of a looped ramp must come from, and what is changed while it sounds.
 struct LoopCase {
     const char* name;
