@@ -15,7 +15,7 @@
 #include "platform/desktop.h"
 #include "platform/qt/view/shell.h"
 #include "platform/rehearsal/rehearsal.h"
-#include "ui/main_window.h"
+#include "ui/records/main_window.h"
 
 namespace {
 

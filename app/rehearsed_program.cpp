@@ -19,8 +19,8 @@
 #include "platform/rehearsal/rehearsal.h"
 #include "startup/settings.h"
 #include "startup/upcalls.h"
-#include "ui/jingle_buttons.h"
-#include "ui/layout.h"
+#include "ui/records/jingle_buttons.h"
+#include "ui/screen/layout.h"
 
 namespace zv {
 namespace {

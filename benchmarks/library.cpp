@@ -14,7 +14,7 @@
 #include "model/palette_files.h"
 #include "model/upcalls.h"
 #include "platform/desktop.h"
-#include "ui/palette_list.h"
+#include "ui/edit/palette_list.h"
 
 namespace zv::bench {
 namespace {

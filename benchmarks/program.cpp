@@ -9,7 +9,7 @@
 #include "app/start.h"
 #include "platform/qt/view/shell.h"
 #include "platform/rehearsal/rehearsal.h"
-#include "ui/main_window.h"
+#include "ui/records/main_window.h"
 
 namespace zv::bench {
 

@@ -40,7 +40,7 @@ target_link_libraries(zv_options INTERFACE Threads::Threads)
 # zv_room(NAME [STATIC|SHARED] DEPENDS target...): a library of all sources of the current folder.
 function(zv_room name kind)
   cmake_parse_arguments(ROOM "" "" "DEPENDS" ${ARGN})
-  file(GLOB room_sources CONFIGURE_DEPENDS *.cpp *.h)
+  file(GLOB_RECURSE room_sources CONFIGURE_DEPENDS *.cpp *.h)
   if(NOT room_sources)
     file(WRITE ${CMAKE_BINARY_DIR}/empty_room.cpp "")
     set(room_sources ${CMAKE_BINARY_DIR}/empty_room.cpp)

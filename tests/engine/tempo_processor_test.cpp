@@ -1,4 +1,4 @@
-#include "engine/tempo_processor.h"
+#include "engine/tempo/processor.h"
 
 #include <gtest/gtest.h>
 

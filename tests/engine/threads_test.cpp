@@ -5,7 +5,7 @@
 #include <random>
 #include <thread>
 
-#include "engine/engine.h"
+#include "engine/api/engine.h"
 #include "tests/engine/show.h"
 
 namespace zv::test {

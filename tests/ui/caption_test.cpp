@@ -4,9 +4,9 @@
 #include "platform/clock.h"
 #include "startup/settings.h"
 #include "tests/ui/window_test.h"
-#include "ui/clock_display.h"
-#include "ui/display.h"
-#include "ui/layout.h"
+#include "ui/screen/clock.h"
+#include "ui/screen/counter.h"
+#include "ui/screen/layout.h"
 
 namespace zv::test {
 

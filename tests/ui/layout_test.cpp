@@ -8,8 +8,8 @@
 #include "model/state.h"
 #include "startup/settings.h"
 #include "tests/ui/window_test.h"
-#include "ui/layout.h"
-#include "ui/shortcuts_window.h"
+#include "ui/screen/layout.h"
+#include "ui/windows/shortcuts_window.h"
 
 namespace zv::test {
 

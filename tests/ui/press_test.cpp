@@ -17,13 +17,13 @@
 #include "startup/settings.h"
 #include "tests/support/ear.h"
 #include "tests/ui/window_test.h"
-#include "ui/colours_ui.h"
-#include "ui/commands.h"
-#include "ui/console_window.h"
-#include "ui/edit_commands.h"
-#include "ui/global_keys.h"
-#include "ui/keyboard.h"
-#include "ui/layout.h"
+#include "ui/screen/colours.h"
+#include "ui/press/press.h"
+#include "ui/windows/console_window.h"
+#include "ui/edit/edit_commands.h"
+#include "ui/press/global_keys.h"
+#include "ui/press/keyboard.h"
+#include "ui/screen/layout.h"
 
 namespace zv::test {
 

@@ -11,12 +11,12 @@
 #include "model/state.h"
 #include "startup/settings.h"
 #include "tests/ui/window_test.h"
-#include "ui/colours_ui.h"
-#include "ui/commands.h"
-#include "ui/display.h"
-#include "ui/layout.h"
-#include "ui/meters.h"
-#include "ui/timers.h"
+#include "ui/screen/colours.h"
+#include "ui/press/press.h"
+#include "ui/screen/counter.h"
+#include "ui/screen/layout.h"
+#include "ui/screen/meters.h"
+#include "ui/records/timers.h"
 
 namespace zv::test {
 

@@ -8,8 +8,8 @@
 #include "model/jingle.h"
 #include "tests/support/desktop.h"
 #include "tests/support/studio.h"
-#include "ui/jingle_buttons.h"
-#include "ui/main_window.h"
+#include "ui/records/jingle_buttons.h"
+#include "ui/records/main_window.h"
 
 namespace zv::test {
 

@@ -1,0 +1,127 @@
+/// The engine as the operations of bass.h see it: one lock, all handles, all devices. Nothing here runs in a
+/// device callback but what graph.h and device.h say.
+#pragma once
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "engine/graph/channel.h"
+#include "engine/sources/decode_workers.h"
+#include "engine/devices/device.h"
+#include "engine/api/errors.h"
+#include "engine/graph/graph.h"
+#include "engine/ports.h"
+#include "engine/api/sync.h"
+
+namespace zv {
+
+struct SyncRecord {
+    DWORD channel = 0;
+    SYNCPROC* procedure = nullptr;
+    void* user = nullptr;
+    bool once = true;
+};
+
+class Engine {
+  public:
+    static Engine& instance();
+
+    std::mutex mutex;  ///< of all that follows but graph and workers
+    Graph graph;
+    Outputs outputs{graph};
+    DecodeWorkers workers;
+    SyncDispatcher dispatcher;
+    EnginePorts ports;
+
+    std::unordered_map<DWORD, std::shared_ptr<Channel>> channels;
+    std::unordered_map<HFX, std::shared_ptr<Effect>> effects;
+    std::unordered_map<HSYNC, SyncRecord> syncs;
+    std::vector<std::weak_ptr<UrlInput>> urls;
+    std::vector<DWORD> freedWhenStopped;  ///< channels that ask for it, once they have been started
+
+    DeviceRegister outputRegister, inputRegister;
+    std::vector<bool> outputInitialised = std::vector<bool>(kMostDevices, false);
+    std::vector<std::unique_ptr<InputSlot>> inputs;
+    std::unordered_map<DWORD, DWORD> config;
+
+    void install(const EnginePorts& newPorts);
+    bool offline() const { return ports.devices && ports.devices->offline(); }
+
+    // ---- under the lock
+    DWORD newHandle();
+    std::uint64_t newSerial() { return ++serial_; }
+    std::shared_ptr<Channel> find(DWORD handle) const;
+    void adopt(const std::shared_ptr<Channel>& channel);
+    /// What makes sound ends a rest at once; the dispatcher sees to the rest of it.
+    void send(const Command& command);
+    /// Takes the channel out of everything; its memory goes when the audio side has let go.
+    void freeChannel(const std::shared_ptr<Channel>& channel, std::unique_lock<std::mutex>& lock);
+    void rebuildChain(Channel& channel);
+    bool removeSync(HSYNC sync, std::unique_lock<std::mutex>& lock);
+    /// Gives every output its place in the order of drivers.
+    void rankOutputs();
+    bool active(Channel& channel) const;
+    void closeOutput(int number, std::unique_lock<std::mutex>& lock);
+    void refreshDevices();
+    InputSlot* input(int number);
+
+    /// Frees what asked for it and has stopped.
+    void reap();
+    /// Runs orders at once where no callback does it, and throws away what came back.
+    void settleOrders();
+    /// Waits until all orders so far have been heard: for a read by hand. At most 200 ms.
+    void waitForOrders(std::unique_lock<std::mutex>& lock);
+
+    /// True: more may come soon.
+    bool runSyncs();
+
+  private:
+    void freeEverything();
+    DWORD lastHandle_ = 0x10000;
+    std::uint64_t serial_ = 0;
+    HSYNC running_ = 0;
+    bool unheard_ = false;  ///< orders have waited for a resting output since the dispatcher last looked
+    DWORD runningChannel_ = 0;
+    std::condition_variable finished_;
+};
+
+/// Stands in every operation: holds the lock, and leaves orders settled.
+class Call {
+  public:
+    Call() : engine(Engine::instance()), lock(engine.mutex) {
+        if (!engine.freedWhenStopped.empty()) engine.reap();
+    }
+    ~Call() {
+        if (!lock.owns_lock()) lock.lock();
+        engine.settleOrders();
+    }
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+    Engine& engine;
+    std::unique_lock<std::mutex> lock;
+};
+
+/// The output that the calling thread has selected; -1 none.
+int& selectedOutput();
+/// The input likewise.
+int& selectedInput();
+
+// channel_ops.cpp: what several operations share [any], under the lock
+void orderVolume(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic,
+                 bool stops);
+void orderVoldsp(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic);
+void orderMove(Engine& engine, Channel& channel, std::uint64_t frame);
+void orderPlay(Engine& engine, Channel& channel);
+void orderStop(Engine& engine, Channel& channel);
+std::uint64_t positionOf(Channel& channel);
+
+/// Makes a channel of the given kind known, playing or decoding; null with the code left when it has no
+/// output to play on.
+std::shared_ptr<Channel> prepareChannel(Engine& engine, Kind kind, DWORD flags, const SoundFormat& format);
+DWORD publishChannel(Engine& engine, const std::shared_ptr<Channel>& channel);
+
+}  // namespace zv

@@ -1,0 +1,11 @@
+#include "engine/api/errors.h"
+
+namespace zv {
+namespace {
+thread_local int threadError = BASS_OK;
+}
+
+void setError(int code) { threadError = code; }
+int lastError() { return threadError; }
+
+}  // namespace zv

@@ -1,0 +1,52 @@
+// The library itself: version, errors, configuration, the table for the program.
+#include "engine/api/engine.h"
+
+using namespace zv;
+
+extern "C" {
+
+DWORD BASS_GetVersion() { return BASSVERSION << 16; }
+
+int BASS_ErrorGetCode() { return lastError(); }
+
+bool BASS_SetConfig(DWORD option, DWORD value) {
+    const Call call;
+    constexpr DWORD longestMs = 600'000, fullVolume = 10'000;
+    const DWORD most = option == BASS_CONFIG_GVOL_STREAM ? fullVolume : longestMs;
+    if (!call.engine.config.contains(option) || value > most) return fail(BASS_ERROR_ILLPARAM, false);
+    call.engine.config[option] = value;
+    if (option == BASS_CONFIG_GVOL_STREAM)
+        call.engine.graph.outputGain.store(static_cast<float>(value) / fullVolume, std::memory_order_relaxed);
+    return succeed(true);
+}
+
+DWORD BASS_GetConfig(DWORD option) {
+    const Call call;
+    const auto at = call.engine.config.find(option);
+    if (at == call.engine.config.end()) return fail(BASS_ERROR_ILLPARAM, ~DWORD{0});
+    return succeed(at->second);
+}
+
+}  // extern "C"
+
+namespace zv {
+namespace {
+
+void install(const EnginePorts& ports) { Engine::instance().install(ports); }
+
+DeviceStatistics statistics(int device) {
+    Engine& engine = Engine::instance();
+    const std::lock_guard lock(engine.mutex);
+    const OutputSlot* slot = engine.outputs.slot(device);
+    return slot ? slot->statistics() : DeviceStatistics{};
+}
+
+void settleSyncs() { Engine::instance().dispatcher.settle(); }
+
+constexpr EngineControl table{install, statistics, settleSyncs};
+
+}  // namespace
+
+extern "C" const EngineControl* engineControl() { return &table; }
+
+}  // namespace zv

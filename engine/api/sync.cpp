@@ -1,0 +1,66 @@
+#include "engine/api/sync.h"
+
+#include <chrono>
+#include <utility>
+
+namespace zv {
+namespace {
+constexpr auto kPoll = std::chrono::milliseconds(2);
+constexpr auto kIdlePoll = std::chrono::milliseconds(100);
+}  // namespace
+
+void SyncDispatcher::start(bool (*drain)(), bool polls) {
+    stop();
+    drain_ = drain;
+    polls_ = polls;
+    thread_ = std::jthread([this](const std::stop_token& stop) { run(stop); });
+}
+
+void SyncDispatcher::stop() {
+    if (!thread_.joinable()) return;
+    thread_.request_stop();
+    thread_.join();
+}
+
+void SyncDispatcher::settle() {
+    if (!thread_.joinable() || isThisThread()) return;
+    std::unique_lock lock(mutex_);
+    const std::uint64_t mine = ++asked_;
+    changed_.notify_all();
+    changed_.wait(lock, [&] { return done_ >= mine; });
+}
+
+void SyncDispatcher::watch() {
+    if (!polls_) return;
+    {
+        const std::lock_guard lock(mutex_);
+        if (watching_) return;
+        watching_ = true;
+    }
+    changed_.notify_all();
+}
+
+void SyncDispatcher::run(const std::stop_token& stop) {
+    std::unique_lock lock(mutex_);
+    while (!stop.stop_requested()) {
+        const auto due = [this] { return asked_ != done_; };
+        if (polls_) {
+            const bool watching = std::exchange(watching_, false);
+            changed_.wait_for(lock, stop, watching ? kPoll : kIdlePoll,
+                              [&] { return due() || (!watching && watching_); });
+        } else {
+            changed_.wait(lock, stop, due);
+        }
+        const std::uint64_t upTo = asked_;
+        lock.unlock();
+        const bool more = drain_();
+        lock.lock();
+        watching_ |= more;
+        done_ = upTo;
+        changed_.notify_all();
+    }
+    done_ = asked_;
+    changed_.notify_all();
+}
+
+}  // namespace zv

@@ -1,0 +1,310 @@
+#include "engine/devices/device.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+#include "engine/graph/graph.h"
+#include "engine/realtime/thread_tags.h"
+
+namespace zv {
+namespace {
+
+constexpr std::uint64_t kDriverGoneMicros = 500'000;  ///< silent so long, the driver counts as lost
+constexpr double kBridgeSlackMs = 12;                 ///< over the periods of both sides: scheduling
+constexpr double kBridgeLeastMs = 18, kBridgeMostMs = 60;
+constexpr double kBridgePpmPerMs = 10;
+
+}  // namespace
+
+void OutputSlot::deviceLost() { lost_.store(true, std::memory_order_release); }
+
+bool OutputSlot::resting() const {
+    // The stand-in has nothing to do while another output drives.
+    return outputs_.resting() || (number_ == 0 && !outputs_.drives(*this));
+}
+
+void OutputSlot::wake() {
+    if (device_ && ready()) device_->wake();
+}
+void OutputSlot::deviceBack() {
+    if (ready() && bridge_) bridge_->restart();
+    lost_.store(false, std::memory_order_release);
+}
+
+bool OutputSlot::open(std::unique_ptr<SoundDevice> device, std::uint32_t graphRate, bool oneClock) {
+    device_ = std::move(device);
+    rate_ = device_->rate();
+    if (rate_ == 0) return false;
+    const double periodMs = device_->period() * 1000.0 / rate_;
+    BridgeOptions options;
+    options.inRate = graphRate;
+    options.outRate = rate_;
+    options.oneClock = oneClock;
+    options.leastMs = kBridgeLeastMs;
+    options.mostMs = kBridgeMostMs;
+    options.targetMs = 2 * periodMs + kBridgeSlackMs;
+    options.ppmPerMs = kBridgePpmPerMs;
+    bridge_ = std::make_unique<Bridge>(options);
+    resampler_.reset();
+    if (rate_ != graphRate) {
+        resampler_ = std::make_unique<dsp::Resampler>(graphRate, rate_, 2U);
+        in_.resize((resampler_->inputNeeded(kBlock) + 64) * 2);
+    }
+    lost_.store(false, std::memory_order_release);
+    ready_.store(true, std::memory_order_release);
+    return true;
+}
+
+void OutputSlot::close() {
+    ready_.store(false, std::memory_order_release);
+    device_.reset();  // waits for a callback that is under way
+    // Another output's callback may just be writing into the bridge: it goes when none is rendering.
+    Graph& graph = outputs_.graph();
+    graph.acquire();
+    auto old = std::move(bridge_);
+    graph.release();
+    rank.store(~std::uint64_t{0});
+}
+
+DeviceStatistics OutputSlot::statistics() const {
+    DeviceStatistics s;
+    s.callbacks = callbacks_.load(std::memory_order_relaxed);
+    s.underruns = underruns_.load(std::memory_order_relaxed);
+    s.longestCallbackNs = longestNs_.load(std::memory_order_relaxed);
+    s.commandOverflows = outputs_.graph().commands.overflows();
+    s.starvations = outputs_.graph().starvations.load(std::memory_order_relaxed);
+    if (ready() && bridge_) s.starvations += bridge_->starvations();
+    return s;
+}
+
+void OutputSlot::computeBlock(std::uint32_t frames) {
+    Graph& graph = outputs_.graph();
+    if (outputs_.hooks.offline && outputs_.hooks.beforeBlock) {
+        const AudioPause pause;
+        outputs_.hooks.beforeBlock();
+    }
+    graph.renderBlock(frames);
+    for (int i = 1; i < kMostDevices; ++i) {
+        OutputSlot* other = outputs_.slot(i);
+        if (!other || other == this || !other->usable() || !graph.plays(i)) continue;
+        if (graph.quiet()) {
+            other->bridge_->rest();
+        } else {
+            other->bridge_->write({graph.bus(i), std::size_t{frames} * 2});
+        }
+    }
+}
+
+/// This output followed another one that is gone. What it has not given yet still comes, so it keeps its
+/// distance to the sound that is computed, until a silence, or until the other one drives again.
+void OutputSlot::produceBehind(std::span<float> stereo) {
+    Graph& graph = outputs_.graph();
+    for (std::size_t due = bridge_->due(stereo.size() / 2); due > 0;) {
+        const auto frames = static_cast<std::uint32_t>(std::min<std::size_t>(kBlock, due));
+        computeBlock(frames);
+        bridge_->write({graph.bus(number_), std::size_t{frames} * 2});
+        due -= frames;
+    }
+    bridge_->readOwn(stereo);
+}
+
+void OutputSlot::produce(std::span<float> stereo) {
+    Graph& graph = outputs_.graph();
+    const std::size_t total = stereo.size() / 2;
+    for (std::size_t done = 0; done < total;) {
+        const auto frames = static_cast<std::uint32_t>(std::min<std::size_t>(kBlock, total - done));
+        float* out = stereo.data() + done * 2;
+        done += frames;
+        if (!resampler_) {
+            computeBlock(frames);
+            const float* bus = graph.bus(number_);
+            if (graph.plays(number_)) {
+                std::copy_n(bus, std::size_t{frames} * 2, out);
+            } else {
+                std::fill_n(out, std::size_t{frames} * 2, 0.0F);
+            }
+            continue;
+        }
+        const std::size_t need = resampler_->inputNeeded(frames);
+        for (std::size_t got = 0; got < need;) {
+            const auto n = static_cast<std::uint32_t>(std::min<std::size_t>(kBlock, need - got));
+            computeBlock(n);
+            if (graph.plays(number_)) {
+                std::copy_n(graph.bus(number_), std::size_t{n} * 2, in_.data() + got * 2);
+            } else {
+                std::fill_n(in_.data() + got * 2, std::size_t{n} * 2, 0.0F);
+            }
+            got += n;
+        }
+        resampler_->process({in_.data(), need * 2}, {out, std::size_t{frames} * 2});
+    }
+}
+
+void OutputSlot::render(std::span<float> stereo) {
+    if (!ready()) {
+        std::ranges::fill(stereo, 0.0F);
+        return;
+    }
+    using Clock = std::chrono::steady_clock;
+    const auto began = Clock::now();
+    Graph& graph = outputs_.graph();
+    bool drove = false;
+    if (outputs_.resting()) {
+        std::ranges::fill(stereo, 0.0F);
+        callbacks_.fetch_add(1, std::memory_order_relaxed);
+        return;
+    }
+    {
+        const AudioSection section;
+        const std::uint64_t micros = stereo.size() / 2 * std::uint64_t{1'000'000} / rate_;
+        if (outputs_.drives(*this) && graph.tryAcquire()) {
+            drove = true;
+            if (outputs_.leads(*this)) outputs_.silentMicros.store(0, std::memory_order_relaxed);
+            graph.applyCommands();
+            if (bridge_->follows() && graph.plays(number_) && !graph.quiet()) {
+                produceBehind(stereo);
+            } else {
+                produce(stereo);
+                // Whoever drives next may write before this output reads.
+                bridge_->clear();
+            }
+            graph.release();
+        } else {
+            outputs_.silentMicros.fetch_add(micros, std::memory_order_relaxed);
+            if (number_ == 0) {
+                std::ranges::fill(stereo, 0.0F);
+            } else {
+                bridge_->read(stereo);
+            }
+        }
+    }
+    const auto spent = static_cast<std::uint64_t>((Clock::now() - began).count());
+    callbacks_.fetch_add(1, std::memory_order_relaxed);
+    if (spent > longestNs_.load(std::memory_order_relaxed))
+        longestNs_.store(spent, std::memory_order_relaxed);
+    if (spent * rate_ > stereo.size() / 2 * std::uint64_t{1'000'000'000})
+        underruns_.fetch_add(1, std::memory_order_relaxed);
+    if (drove && outputs_.hooks.offline && outputs_.hooks.afterPeriod) outputs_.hooks.afterPeriod();
+}
+
+// ---- all outputs
+// -------------------------------------------------------------------------------------------
+
+OutputSlot* Outputs::slot(int number) const {
+    if (number < 0 || number >= kMostDevices) return nullptr;
+    return slots_[static_cast<std::size_t>(number)].load(std::memory_order_acquire);
+}
+
+bool Outputs::isOpen(int number) const {
+    const OutputSlot* slot = this->slot(number);
+    return slot && slot->ready();
+}
+
+bool Outputs::anyOpen() const {
+    for (int i = 0; i < kMostDevices; ++i)
+        if (isOpen(i)) return true;
+    return false;
+}
+
+int Outputs::open(int number, const std::string& id, std::uint32_t rate, DeviceSource& source) {
+    if (number < 0 || number >= kMostDevices) return BASS_ERROR_DEVICE;
+    const auto place = static_cast<std::size_t>(number);
+    if (!owned_[place]) {
+        owned_[place] = std::make_unique<OutputSlot>(*this, number);
+        slots_[place].store(owned_[place].get(), std::memory_order_release);
+    }
+    OutputSlot& slot = *owned_[place];
+    auto device = number == 0 ? source.openNoSound(rate, slot) : source.openOutput(id, rate, slot);
+    if (!device) return BASS_ERROR_DRIVER;
+    return slot.open(std::move(device), graph_.rate(), source.oneClock()) ? BASS_OK : BASS_ERROR_FREQ;
+}
+
+void Outputs::close(int number) {
+    if (OutputSlot* slot = this->slot(number)) slot->close();
+}
+
+bool Outputs::resting() const {
+    // In this order: who finds that an order is gone also finds what it changed.
+    return graph_.commands.empty() && graph_.quiet();
+}
+
+void Outputs::wake() {
+    for (const auto& slot : owned_)
+        if (slot) slot->wake();
+}
+
+const OutputSlot* Outputs::leader(const OutputSlot* without) const {
+    const OutputSlot* best = nullptr;
+    for (int i = 0; i < kMostDevices; ++i) {
+        const OutputSlot* other = this->slot(i);
+        if (!other || other == without || !other->usable()) continue;
+        if (!best || other->rank.load(std::memory_order_relaxed) < best->rank.load(std::memory_order_relaxed))
+            best = other;
+    }
+    return best;
+}
+
+bool Outputs::drives(const OutputSlot& slot) const {
+    const OutputSlot* first = leader(nullptr);
+    if (&slot == first) return true;
+    return silentMicros.load(std::memory_order_relaxed) > kDriverGoneMicros && &slot == leader(first);
+}
+
+// ---- inputs
+// ------------------------------------------------------------------------------------------------
+
+void InputSlot::heard(std::span<const float> stereo) {
+    const AudioSection section;
+    calls_.fetch_add(1, std::memory_order_seq_cst);
+    for (auto& place : inputs_)
+        if (RecordInput* input = place.load(std::memory_order_seq_cst)) input->bridge.write(stereo);
+    calls_.fetch_add(1, std::memory_order_seq_cst);
+}
+
+void InputSlot::deviceBack() {
+    for (auto& place : inputs_)
+        if (RecordInput* input = place.load(std::memory_order_acquire)) input->bridge.restart();
+}
+
+bool InputSlot::add(const std::shared_ptr<RecordInput>& input) {
+    for (std::size_t i = 0; i < kMostRecordings; ++i) {
+        if (held_[i]) continue;
+        held_[i] = input;
+        inputs_[i].store(input.get(), std::memory_order_seq_cst);
+        return true;
+    }
+    return false;
+}
+
+void InputSlot::remove(const RecordInput* input) {
+    for (std::size_t i = 0; i < kMostRecordings; ++i) {
+        if (!input || held_[i].get() != input) continue;
+        inputs_[i].store(nullptr, std::memory_order_seq_cst);
+        // A callback that still saw it is let finish.
+        const std::uint64_t call = calls_.load(std::memory_order_seq_cst);
+        while (call % 2 != 0 && calls_.load(std::memory_order_seq_cst) == call) std::this_thread::yield();
+        held_[i].reset();
+    }
+}
+
+// ---- numbers
+// -----------------------------------------------------------------------------------------------
+
+void DeviceRegister::refresh(const std::vector<DeviceDescription>& present, const std::vector<bool>& kept) {
+    for (Entry& entry : entries_) entry.present = false;
+    for (const DeviceDescription& device : present) {
+        const auto known =
+            std::ranges::find(entries_, device.id, [](const Entry& e) { return e.description.id; });
+        if (known == entries_.end()) {
+            entries_.push_back({device, true});
+        } else {
+            *known = {device, true};
+        }
+    }
+    while (!entries_.empty() && !entries_.back().present &&
+           !(entries_.size() <= kept.size() && kept[entries_.size() - 1]))
+        entries_.pop_back();
+}
+
+}  // namespace zv

@@ -1,0 +1,40 @@
+#include "engine/graph/commands.h"
+
+namespace zv {
+
+static_assert(std::is_trivially_copyable_v<Command>);
+
+bool CommandQueue::urgent(const Command& command) {
+    const bool silences = command.order == Order::Stop || (command.flags & kSlideStops) != 0;
+    const bool busGain = command.order == Order::Voldsp && command.channel->kind == Kind::Split;
+    return silences || busGain;
+}
+
+void CommandQueue::flush() {
+    while (!waiting_.empty() && ring_.free() > kReserved) {
+        ring_.push(waiting_.front());
+        waiting_.pop_front();
+    }
+}
+
+void CommandQueue::send(const Command& command) {
+    flush();
+    const bool hurry = urgent(command);
+    if (waiting_.empty() ? ring_.free() > (hurry ? 0 : kReserved) : hurry && ring_.free() > 0) {
+        if (hurry && !waiting_.empty()) {
+            // It overtakes: what it would have ended must not come after it.
+            std::erase_if(waiting_, [&](const Command& older) {
+                return older.channel == command.channel &&
+                       (older.order == Order::Play || older.order == command.order);
+            });
+            for (Command& older : waiting_)
+                if (older.channel == command.channel) older.flags &= ~kBegins;
+        }
+        ring_.push(command);
+        return;
+    }
+    overflows_.fetch_add(1, std::memory_order_relaxed);
+    waiting_.push_back(command);
+}
+
+}  // namespace zv

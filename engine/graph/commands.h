@@ -1,0 +1,75 @@
+/// Orders from the caller's side to the audio side: small, trivially copyable, in the order of the calls.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <deque>
+
+#include "engine/graph/channel.h"
+#include "engine/realtime/ring.h"
+
+namespace zv {
+
+enum class Order : std::uint8_t {
+    Play,        ///< a: generation
+    Stop,        ///< reserved room
+    Move,        ///< a: frame, b: number of the move
+    Volume,      ///< value, ms, flags, b: number of the order
+    Voldsp,      ///< the same
+    TempoSlides, ///< its tempo processor has a slide to go
+    Tail,        ///< value: seconds
+    SetChain,    ///< object: Chain
+    AddToMixer,  ///< other: mixer, object: Plug, a: generation, kBegins: it sounds
+    Unplug,      ///< out of its mixer
+    ToDevice,    ///< a: device, object: Plug
+    Free,        ///< object: ChannelKeeper
+    Orphan,      ///< its source was freed
+    User,        ///< other: the tempo channel over it
+    AddSync,     ///< object: SyncNode
+    RemoveSync,  ///< a: handle, 0 for all
+    EqBand,      ///< effect; a: band, value: dB, x: Hz, y: octaves, z: q
+    Reverb,      ///< effect; value: in gain, x: mix, y: ms, z: ratio
+    FxGain,      ///< effect; value
+    ResetFx,     ///< effect, or all of the channel
+};
+
+inline constexpr std::uint32_t kSlideLog = 1, kSlideStops = 2, kBegins = 4;  ///< flags
+
+struct Command {
+    Order order = Order::Stop;
+    std::uint32_t flags = 0;
+    float value = 0;
+    std::uint32_t ms = 0;
+    Channel* channel = nullptr;
+    union {
+        Channel* other = nullptr;
+        Effect* effect;
+    };
+    Garbage* object = nullptr;
+    std::uint64_t a = 0, b = 0;
+    double x = 0, y = 0, z = 0;
+};
+
+/// The ring, and what waits for room in it. A full ring is counted; nothing is lost. Stops, and gains of
+/// buses (the microphone's among them), have room of their own.
+class CommandQueue {
+  public:
+    CommandQueue() : ring_(kCapacity) {}
+    void send(const Command& command);  ///< [any], under the engine's lock
+    /// Moves what waits into the ring. [any], under the engine's lock
+    void flush();
+    bool pop(Command& command) { return ring_.pop(command); }  ///< [audio]
+    bool empty() const { return ring_.filled() == 0; }
+    bool settled() const { return empty() && waiting_.empty(); }  ///< under the engine's lock
+    std::uint64_t overflows() const { return overflows_.load(std::memory_order_relaxed); }
+
+    static constexpr std::size_t kCapacity = 8192, kReserved = 1024;
+
+  private:
+    static bool urgent(const Command& command);
+    Ring<Command> ring_;
+    std::deque<Command> waiting_;
+    std::atomic<std::uint64_t> overflows_{0};
+};
+
+}  // namespace zv

@@ -1,0 +1,117 @@
+// Slides of VOL and VOLDSP: ordered, advanced with the sound, and let run on where nothing sounds; and the
+// clock of slides of tempo, pitch and rate.
+#include <cmath>
+#include <utility>
+
+#include "engine/graph/graph.h"
+
+namespace zv {
+namespace {
+
+constexpr std::uint32_t kStandsStillPart = 20;  ///< of a second
+
+std::uint64_t framesOf(std::uint32_t ms, std::uint32_t rate) {
+    return (std::uint64_t{ms} * rate + 500) / 1000;
+}
+
+/// Whole frames of `rate` in `frames` of `of`; the rest is kept for the next block.
+std::uint64_t share(std::uint32_t frames, std::uint32_t rate, std::uint32_t of, double& rest) {
+    if (rate == of) return frames;
+    const double exact = static_cast<double>(frames) * rate / of + rest;
+    const double whole = std::floor(exact);
+    rest = exact - whole;
+    return static_cast<std::uint64_t>(whole);
+}
+
+}  // namespace
+
+void Graph::keepSliding(Channel& channel) {
+    if (channel.audio.inSlides) return;
+    channel.audio.inSlides = true;
+    channel.audio.nextSlide = slides_;
+    slides_ = &channel;
+}
+
+void Graph::forgetSlides(Channel& channel) {
+    if (!channel.audio.inSlides) return;
+    for (Channel** at = &slides_; *at; at = &(*at)->audio.nextSlide) {
+        if (*at != &channel) continue;
+        *at = channel.audio.nextSlide;
+        break;
+    }
+    channel.audio.inSlides = false;
+}
+
+void Graph::slideVolume(const Command& command) {
+    Channel& channel = *command.channel;
+    AudioState& a = channel.audio;
+    const std::uint32_t rate = a.plug ? a.plug->rate : channel.rate;
+    a.volume.start(command.value, framesOf(command.ms, rate), (command.flags & kSlideLog) != 0,
+                   (command.flags & kSlideStops) != 0);
+    channel.shared.volume.store(a.volume.value(), std::memory_order_relaxed);
+    channel.shared.volumeSlides.store(a.volume.active(), std::memory_order_relaxed);
+    channel.shared.appliedVolume.store(static_cast<std::uint32_t>(command.b), std::memory_order_release);
+    if (a.volume.active()) {
+        keepSliding(channel);
+    } else if (a.volume.stopsAtEnd()) {
+        finish(channel);
+    }
+}
+
+void Graph::slideVoldsp(const Command& command) {
+    Channel& channel = *command.channel;
+    AudioState& a = channel.audio;
+    a.voldsp.start(command.value, framesOf(command.ms, channel.rate), (command.flags & kSlideLog) != 0,
+                   false);
+    channel.shared.voldsp.store(a.voldsp.value(), std::memory_order_relaxed);
+    channel.shared.voldspSlides.store(a.voldsp.active(), std::memory_order_relaxed);
+    channel.shared.appliedVoldsp.store(static_cast<std::uint32_t>(command.b), std::memory_order_release);
+    if (a.voldsp.active()) keepSliding(channel);
+}
+
+void Graph::volumeEnded(Channel& channel) {
+    if (channel.audio.volume.stopsAtEnd()) finish(channel);
+}
+
+void Graph::passTime(std::uint32_t frames) {
+    Channel** at = &slides_;
+    while (Channel* channel = *at) {
+        AudioState& a = channel->audio;
+        if (a.volume.active() && a.mixBlock != block_ &&
+            a.volume.advance(share(frames, a.plug ? a.plug->rate : channel->rate, rate(), a.volumeRest)))
+            volumeEnded(*channel);
+        // A block may be so short that a conversion needs nothing new for it.
+        const bool enough = a.mixBlock == block_ && !a.dry && a.plug && a.plug->resampler;
+        if (a.voldsp.active()) {
+            if (a.chainBlock != block_ && !enough) {
+                a.voldsp.advance(share(frames, channel->rate, rate(), a.voldspRest));
+            } else if (!a.playing && channel->rate == rate() && a.chainBlock == block_ &&
+                       a.chainDone < frames) {
+                a.voldsp.advance(frames - a.chainDone);  // it ended in this block
+            }
+        }
+        if (a.tempoSlides) {
+            // A conversion does not ask in every block; who is not asked for longer stands still.
+            a.tempoIdle += share(frames, channel->rate, rate(), a.tempoRest);
+            if (a.tempoBlock == block_) {
+                a.tempoIdle = 0;
+            } else if (!a.playing || a.dry || a.tempoIdle > channel->rate / kStandsStillPart) {
+                channel->tempo->idle(std::exchange(a.tempoIdle, 0));
+            }
+            a.tempoSlides = channel->tempo->slides();
+        }
+        SharedState& s = channel->shared;
+        s.volume.store(a.volume.value(), std::memory_order_relaxed);
+        s.voldsp.store(a.voldsp.value(), std::memory_order_relaxed);
+        s.volumeSlides.store(a.volume.active(), std::memory_order_relaxed);
+        s.voldspSlides.store(a.voldsp.active(), std::memory_order_relaxed);
+        if (a.volume.active() || a.voldsp.active() || a.tempoSlides) {
+            at = &a.nextSlide;
+        } else {
+            a.inSlides = false;
+            *at = a.nextSlide;
+        }
+    }
+}
+
+}  // namespace zv

@@ -1,0 +1,59 @@
+/// Two threads that read sounds ahead and stretch. Offline there are none: the render does their work itself,
+/// so that every run gives the same bits.
+#pragma once
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "engine/sources/paged_sound.h"
+
+namespace zv {
+
+class DecodeWorkers {
+  public:
+    ~DecodeWorkers() { stop(); }
+    /// [control]
+    void start();
+    void stop();
+
+    /// Known sounds and tempo processors are served until they are gone. [any but audio]
+    void add(const std::shared_ptr<PagedSound>& sound);
+    /// `reads`: what the processor reads from, kept as long as it is worked on.
+    void add(const std::shared_ptr<TempoProcessor>& tempo, const std::shared_ptr<PagedSound>& reads);
+    /// Something is wanted now. [any but audio]
+    void wake();
+    /// Offline: everything the next block may read is loaded, on the calling thread.
+    void serveBlock();
+    /// Serves until nothing is wanted, on the calling thread. [control]
+    void serveAll();
+    /// Bytes of decoded sound in memory. [any]
+    std::size_t memory();
+
+  private:
+    void run(const std::stop_token& stop, bool helper);
+    void callHelper();
+    struct Work {
+        std::vector<std::shared_ptr<PagedSound>> sounds;
+        std::vector<std::shared_ptr<PagedSound>> read;  ///< by the tempo processors, one each
+        std::vector<std::shared_ptr<TempoProcessor>> tempos;
+        bool busy() const;
+    };
+    struct Stretching {
+        std::weak_ptr<TempoProcessor> tempo;
+        std::weak_ptr<PagedSound> reads;
+    };
+    Work collect();
+    bool serveOnce(const Work& work);
+
+    std::mutex mutex_;
+    std::condition_variable_any wanted_;
+    bool woken_ = false, helpWanted_ = false;  // of the first thread, and of the other
+    std::vector<std::weak_ptr<PagedSound>> sounds_;
+    std::vector<Stretching> tempos_;
+    std::vector<std::jthread> threads_;
+};
+
+}  // namespace zv

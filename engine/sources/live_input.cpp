@@ -1,0 +1,91 @@
+#include "engine/sources/live_input.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "engine/sources/paged_sound.h"
+
+namespace zv {
+namespace {
+
+constexpr double kTankSeconds = 4;
+constexpr double kRefillSeconds = 0.4;  ///< after running dry the stream waits for so much before it goes on
+constexpr std::size_t kPieceFrames = 2048;
+constexpr auto kFullWait = std::chrono::milliseconds(20);
+constexpr auto kDryWait = std::chrono::milliseconds(10);
+
+}  // namespace
+
+struct UrlInput::Tank {
+    Tank(std::unique_ptr<Decoder> source, SoundFormat f)
+        : decoder(std::move(source)),
+          format(f),
+          ring(static_cast<std::size_t>(kTankSeconds * f.rate) * f.channels),
+          piece(kPieceFrames * f.channels) {}
+
+    /// Reads one piece; false when none was there, or no room for it.
+    bool fill() {
+        if (ended.load(std::memory_order_acquire) || ring.free() < piece.size()) return false;
+        std::size_t frames = 0;
+        try {
+            frames = decoder->read(piece);
+            if (frames == 0 && decoder->ended()) ended.store(true, std::memory_order_release);
+        } catch (...) {
+            ended.store(true, std::memory_order_release);
+        }
+        makeHarmless(piece);
+        ring.write(piece.data(), std::min(frames * format.channels, piece.size()));
+        return frames > 0;
+    }
+
+    std::unique_ptr<Decoder> decoder;
+    SoundFormat format;
+    Ring<float> ring;
+    std::vector<float> piece;
+    std::atomic<bool> ended{false}, closed{false};
+};
+
+UrlInput::UrlInput(std::unique_ptr<Decoder> decoder, bool offline) {
+    const SoundFormat format = decoder->format();
+    tank_ = std::make_shared<Tank>(std::move(decoder), format);
+    if (offline) return;
+    // A read may hang in the network as long as the time-out: nobody waits for this thread, it holds the
+    // tank.
+    std::thread([tank = tank_] {
+        while (!tank->closed.load(std::memory_order_acquire) &&
+               !tank->ended.load(std::memory_order_acquire)) {
+            if (tank->fill()) continue;
+            const bool full = tank->ring.free() < tank->piece.size();
+            std::this_thread::sleep_for(full ? kFullWait : kDryWait);
+        }
+    }).detach();
+}
+
+UrlInput::~UrlInput() { tank_->closed.store(true, std::memory_order_release); }
+
+std::size_t UrlInput::filled() const { return tank_->ring.filled() / tank_->format.channels; }
+
+void UrlInput::fillNow() {
+    while (tank_->fill()) {
+    }
+}
+
+std::size_t UrlInput::read(std::span<float> out) {
+    Ring<float>& ring = tank_->ring;
+    const std::size_t channels = tank_->format.channels;
+    const bool over = tank_->ended.load(std::memory_order_acquire);
+    if (!flowing_) {
+        const auto enough = static_cast<std::size_t>(kRefillSeconds * tank_->format.rate) * channels;
+        if (ring.filled() < enough && !over) return 0;
+        flowing_ = true;
+    }
+    const std::size_t got = ring.read(out.data(), out.size() / channels * channels);
+    if (got == 0) flowing_ = false;
+    return got / channels;
+}
+
+bool UrlInput::ended() const {
+    return tank_->ended.load(std::memory_order_acquire) && tank_->ring.filled() == 0;
+}
+
+}  // namespace zv

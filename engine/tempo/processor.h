@@ -1,0 +1,208 @@
+/// The inside of a tempo channel: tempo, pitch and rate over a source of frames.
+///
+/// Neutral, the audio thread reads the source itself, bit-exact and without delay, and only reports what it
+/// played. Stretched, it reads a ring that a worker fills ahead: the stretching library allocates, so none of
+/// it runs in a callback. Going from one to the other, and every change of the parameters or of the loop, is
+/// prepared by the worker as a new ring (a lane) whose first 10 ms are already cross-faded with what sounds
+/// now, together with the exact frame at which the audio thread changes over; a lane that comes too late is
+/// thrown away and made again. A slide is no change: the lane follows it by itself.
+///
+/// When loop or end change so shortly before they are due that no lane can be ready, the audio thread leaves
+/// the lane at that frame by itself, cross-fades into the source and is stretched again a moment later.
+///
+/// Frames are counted at the source's rate. Use by one channel:
+///   [control]  setParameters(), slide(); after a seek prime(); all may be called at any time
+///   [audio]    render loop: while frames are wanted { if neutral(): up to neutralRun() frames from the
+///   source,
+///              then passed() and fade(); else view() or read() }; restart() when the channel is moved;
+///              idle() while it is not pulled and a slide runs
+///   [worker]   work() every 10 to 20 ms, and at once after setParameters(), restart() and a change of the
+///              source's range; offline before every rendered block, on the rendering thread itself
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <vector>
+
+#include "engine/ports.h"
+#include "engine/tempo/curve.h"
+
+namespace zv {
+
+/// Where the source ends or wraps.
+struct PlayRange {
+    std::uint64_t end = ~std::uint64_t{0};  ///< frame after the last; all ones: unknown yet, the data ends it
+    std::uint64_t loopStart = 0;            ///< frame
+    bool loop = false;
+    bool operator==(const PlayRange&) const = default;
+};
+
+/// The source by frame number, for the worker: does not move the position of what is playing.
+class FrameReader {
+  public:
+    virtual ~FrameReader() = default;
+    /// Copies frames from `frame` on, interleaved, into `out`; returns the frames copied. Fewer than asked:
+    /// the end of the data, or not decoded yet. Asked for places near the heard position and near the loop
+    /// start, in rising order mostly. [worker] [control]
+    virtual std::size_t readAt(std::uint64_t frame, std::span<float> out) = 0;
+    /// Where it ends or wraps now. [any]
+    virtual PlayRange range() const = 0;
+};
+
+class TempoLane;
+
+class TempoProcessor {
+  public:
+    /// `rate` and `channels` are the source's. Cheap: buffers come with the first stretch. [control]
+    TempoProcessor(std::uint32_t rate, std::uint32_t channels, std::shared_ptr<StretcherSource> stretchers,
+                   FrameReader& reader);
+    ~TempoProcessor();
+
+    // ---- [control]
+    /// Cut to the ranges of TempoParameters. Heard within about 50 ms (at once on a channel that does not
+    /// sound, when work() has run before it starts). Ends all slides.
+    void setParameters(const TempoParameters& parameters);
+    /// One of them, from the value it has reached to `value`, in `frames` of the clock; 0: at once. See
+    /// TempoCurve::move.
+    void slide(TempoPart part, double value, std::uint64_t frames, bool ratios);
+    /// As they are now, also within a slide. [any]
+    TempoParameters parameters() const;
+    bool sliding(TempoPart part) const;  ///< [any]
+    /// Prepares the sound from `frame` on, so that the restart(frame) that follows is stretched from its
+    /// first frame. Takes about a millisecond; nothing to do while neutral. Without it restart() sounds
+    /// neutral for the first 50 ms.
+    void prime(std::uint64_t frame);
+
+    // ---- [audio]
+    /// The channel goes on at `frame`: what is held is dropped.
+    void restart(std::uint64_t frame);
+    /// True: the next frame comes from the source itself, at sourceFrame(). Changes over when its frame has
+    /// come.
+    bool neutral();
+    /// After neutral() was true: frames to take from the source before asking again; at least 1.
+    std::size_t neutralRun() const;
+    /// `frames` frames of the source were played; the source stands at `frame` now (wrapped where it
+    /// wrapped).
+    void passed(std::size_t frames, std::uint64_t frame);
+    /// Whether what comes from the source now is still to be faded in, by fade().
+    bool fades() const { return fading_ != nullptr; }
+    void fade(std::span<float> fromSource);
+    /// The next `frames` stretched frames where they lie, and read with that; valid until the next call of
+    /// the audio thread. Empty where they do not lie in one piece or something else follows them: use read().
+    std::span<const float> view(std::size_t frames);
+    /// Stretched frames into `out`; returns the frames written. Fewer than asked: ask neutral() (the sound
+    /// goes on from the source) and ended(), else the worker was late (counted by starvations()).
+    std::size_t read(std::span<float> out);
+    /// The source has come to its end and everything of it was read.
+    bool ended() const { return ended_; }
+    /// Time passes without sound: slides run on.
+    void idle(std::uint64_t frames);
+    /// Whether one is under way.
+    bool slides() const {
+        return static_cast<std::int64_t>(restsFrom_.load(std::memory_order_acquire) -
+                                         time_.load(std::memory_order_relaxed)) > 0;
+    }
+
+    // ---- [any]
+    /// Heard position in the source's frames; stretched it is exact to 10 ms.
+    std::uint64_t sourceFrame() const { return heard_.load(std::memory_order_relaxed); }
+    std::uint64_t starvations() const { return starvations_.load(std::memory_order_relaxed); }
+    /// Whether work() would do something now.
+    bool workDue() const;
+
+    // ---- [worker]
+    /// Fills ahead, prepares changes. Returns at once when nothing is due. Calls from several threads take
+    /// turns.
+    void work();
+
+  private:
+    /// What the audio thread tells the worker, whole: written between two raises of `version`.
+    struct Published {
+        std::atomic<std::uint32_t> version{0}, epoch{0};
+        std::atomic<std::uint64_t> clock{0}, start{0}, source{0}, zero{0};
+        std::atomic<TempoLane*> current{nullptr};
+    };
+    struct Snapshot {
+        std::uint32_t epoch;
+        std::uint64_t clock, start, source;
+        std::uint64_t zero;  ///< time of frame 0 of the lane, or of the neutral clock
+        TempoLane* current;
+        PlayRange range;
+        /// Frame of the lane, or of the neutral clock, that is heard next.
+        std::uint64_t at() const;
+    };
+    /// What is wanted.
+    struct Wish {
+        TempoCurve curve;
+        std::uint32_t changes;
+    };
+
+    // tempo_processor.cpp: [control] [audio]
+    template <typename Change>
+    void change(Change change);
+    void publish();
+    void pass(std::uint64_t frames);
+    void report(std::size_t frames);
+    TempoLane* next();
+    void takeOver();
+    void leaveAt(std::uint64_t source, std::size_t fade);
+    bool diverges(std::uint64_t& limit);
+    void end();
+    void drop(TempoLane* lane);
+
+    // tempo_work.cpp: [worker]
+    Snapshot snapshot() const;
+    std::uint64_t turn() const;
+    Wish wish() const;
+    TempoLane* freeLane();
+    void offer(TempoLane* lane, const Snapshot& now, std::uint64_t switchAt);
+    bool follows(const TempoLane& lane, const Wish& wish, std::uint64_t base) const;
+    bool offerStands(const TempoLane& lane, const Snapshot& now, const Wish& wish) const;
+    void enter(const Snapshot& now, const Wish& wish);
+    void replace(const Snapshot& now, const Wish& wish, bool follows);
+    std::int64_t bestLag(std::span<const float> old, std::uint64_t source, const PlayRange& range);
+
+    const std::uint32_t rate_, channels_;
+    const std::shared_ptr<StretcherSource> stretchers_;
+    FrameReader& reader_;
+
+    mutable std::mutex curveMutex_;  // control and worker
+    TempoCurve curve_;
+    std::atomic<bool> wanted_{false};          // not neutral, or on the way
+    std::atomic<std::uint32_t> changes_{0};    // of the curve
+    std::atomic<std::uint64_t> time_{0};       // frames that passed: the clock of slides
+    std::atomic<std::uint64_t> restsFrom_{0};  // from that time on nothing slides
+    // What work() last found in order: nothing but filling is due until turn() is another one.
+    std::atomic<std::uint64_t> settled_{~std::uint64_t{0}};
+
+    // [audio]
+    TempoLane *current_ = nullptr, *next_ = nullptr;
+    TempoLane* fading_ = nullptr;  // was left: sounds on below what comes from the source
+    std::uint64_t fadeBegan_ = 0;  // its frame then
+    std::size_t fadeFrames_ = 0;
+    TempoLane* leaves_ = nullptr;  // the lane that something else must follow from its frame leaveDue_ on
+    std::uint32_t leaveEpoch_ = 0;
+    std::uint64_t leaveDue_ = 0, leaveThere_ = 0;  // leaveThere_: see TempoLane::divergesAt
+    PlayRange leaveRange_;
+    bool ended_ = false;
+    std::uint32_t epoch_ = 0;
+    std::uint64_t clock_ = 0, start_ = 0,
+                  source_ = 0;  // frames passed while neutral; where that began; the source's frame
+    std::size_t heldLeft_ = 0;
+
+    // from the worker to the audio thread
+    std::atomic<TempoLane*> offered_{nullptr}, primed_{nullptr};
+    std::atomic<std::uint64_t> heard_{0}, starvations_{0};
+    Published published_;
+
+    std::mutex workMutex_;  // of everything below: control and worker
+    std::vector<std::unique_ptr<TempoLane>> lanes_;
+    TempoLane* pending_ = nullptr;  // made last
+    std::vector<float> old_, search_;
+};
+
+}  // namespace zv

@@ -1,0 +1,170 @@
+// Saving: the mark of the display, the timer behind it, and the dialogue that names a palette.
+#include <string>
+
+#include "model/palette_files.h"
+#include "model/state.h"
+#include "platform/desktop.h"
+#include "startup/errors.h"
+#include "startup/guard.h"
+#include "startup/helpers.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "ui/screen/colours.h"
+#include "ui/press/press.h"
+#include "ui/screen/counter.h"
+#include "ui/screen/layout.h"
+#include "ui/records/main_window.h"
+#include "ui/edit/palette_list.h"
+#include "ui/records/timers.h"
+
+namespace zv {
+
+namespace {
+
+constexpr int kRename = 2;  // SavePal's mode that renames
+
+PaletteTab& tab() { return frmMain().palettes; }
+
+bool dialogueOpen() { return tab().btSave.backColor == settings.spColor; }
+
+void atRest() {
+    PaletteTab& t = tab();
+    Disarm(t.btSave);
+    t.btDelPal.enabled = true;
+    t.btNew.enabled = true;
+    t.PalNameCar.visible = false;
+    t.txtSave.visible = false;
+    t.txtSave.enabled = false;
+    if (OptionCode == "sp") {
+        OptionCode.clear();
+    }
+    TabDraw(static_cast<int>(MainTab::palettes));
+}
+
+void confirm() {
+    const std::string name = tab().txtSave.caption();
+    if (!name.empty()) {
+        if (!CloseFile(name)) {
+            // The mark says why; the dialogue stays open, nothing counts as saved.
+            return;
+        }
+        settings.PaletteIndex = name;
+        PalToSave = false;
+    }
+    SaveMode.clear();
+    atRest();
+    lstPalRefresh();
+    SelectPalette(settings.PaletteIndex);
+    setFocus(tab().lstPal);
+}
+
+void open(int mode) {
+    PaletteTab& t = tab();
+    ResetJingles();
+    Arm(t.btSave, settings.spColor);
+    OptionCode = "sp";
+    const bool rename = mode == kRename;
+    SaveMode = rename ? "rename" : "save";
+    t.PalNameCar.caption = Ln(rename ? "mlblPalNameCarRen" : "mlblPalNameCar");
+    t.PalNameCar.visible = true;
+    t.btDelPal.enabled = false;
+    t.btNew.enabled = false;
+    t.txtSave.caption = frmMain().display.txtDisPal.caption();
+    t.txtSave.visible = true;
+    t.txtSave.enabled = true;
+    TabDraw(static_cast<int>(MainTab::palettes));
+    setFocus(t.txtSave);
+    SelectAllText(t.txtSave);
+}
+
+}  // namespace
+
+void MarkPalToSave() {
+    ErrDisp("save", 0, Ln("mPalToSave"));
+    PalToSave = true;
+}
+
+void SavePal(int mode) {
+    guarded("frmMain.SavePal", [&] {
+        LastCtrl = "btSave";
+        if (settings.MinimalView == 1) {
+            if (frmMain().display.lblErr.visible && !tab().lstPal.text().empty()) {
+                SaveMode = "save";
+                CloseFile(settings.PaletteIndex);
+            }
+            return;
+        }
+        if (dialogueOpen()) {
+            confirm();
+        } else {
+            open(mode);
+        }
+    });
+}
+
+void NotSavePal() {
+    guarded("frmMain.NotSavePal", [] {
+        if (dialogueOpen()) {
+            SaveMode.clear();
+            atRest();
+        }
+    });
+}
+
+void txtSave_KeyDown(KeyEvent& event) {
+    guarded(".txtSave_KeyDown", [&] {
+        if (event.key == Key::enter) {
+            event.consumed = true;
+            if (dialogueOpen()) {
+                confirm();
+            }
+        } else if (event.key == Key::escape) {
+            event.consumed = true;
+            NotSavePal();
+            setFocus(tab().lstPal);
+        }
+    });
+}
+
+void ErrClick() {
+    guarded("frmMain.ErrClick", [] {
+        if (!ErrMarkShows("f")) {
+            return;
+        }
+        timers().SaveTimer.stop();
+        SaveMode = "save";
+        CloseColorPicker();
+        if (tab().lstPal.text().empty()) {
+            if (!tab().txtSave.visible) {
+                ChangeTab(static_cast<int>(MainTab::palettes));
+                SavePal();
+            }
+        } else {
+            if (!CloseFile(settings.PaletteIndex)) {
+                return;
+            }
+            PalToSave = false;
+        }
+        // A mark that the save itself has left (a file that was locked) stays.
+        if (ErrMarkShows("f")) {
+            HideErrMark();
+        }
+        if (settings.MinimalView == 1) {
+            for (Control& mark : frmMain().display.lblPlayMode) {
+                mark.visible = true;
+            }
+        }
+    });
+}
+
+void SaveTimerTick() {
+    guarded("frmMain.SaveTimer_Timer", [] {
+        if (FxOpen) {
+            return;
+        }
+        timers().SaveTimer.stop();
+        ErrClick();
+    });
+}
+
+}  // namespace zv

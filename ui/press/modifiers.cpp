@@ -1,0 +1,121 @@
+// The poll of the modifier keys and what it shows on the display.
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "model/jingle.h"
+#include "model/state.h"
+#include "platform/desktop.h"
+#include "startup/guard.h"
+#include "startup/language.h"
+#include "ui/press/press.h"
+#include "ui/edit/edit_commands.h"
+#include "ui/records/main_window.h"
+
+namespace zv {
+
+bool SelectorsShown = false;
+bool SelectorsSuppressed = false;
+bool PrevCtrlDown = false, PrevShiftDown = false;
+bool DeletePromptOn = true;
+std::string FocusedName;
+
+namespace {
+
+void showMessageLine(bool on) {
+    DisplayControls& d = frmMain().display;
+    d.lblDate.visible = !on;
+    d.lblTime.visible = !on;
+    d.lblDispMessage.visible = on;
+}
+
+void say(std::string_view key) { frmMain().display.lblDispMessage.caption = Ln(key); }
+
+void nothingHeld() {
+    showMessageLine(false);
+    SelectorsSuppressed = false;
+    if (SelectorsShown) {
+        HideSelectors();
+    }
+    ClipPath.clear();
+}
+
+}  // namespace
+
+ModifierMessage MessageFor(bool ctrl, bool shift, bool alt) {
+    const int held = (ctrl ? kCtrlMask : 0) | (shift ? kShiftMask : 0) | (alt ? kAltMask : 0);
+    switch (held) {
+        case kCtrlMask:
+            return ModifierMessage::move;
+        case kCtrlMask | kShiftMask:
+            return ModifierMessage::copy;
+        case kShiftMask:
+            return ModifierMessage::rename;
+        case kAltMask:
+            return ModifierMessage::remove;
+        case kCtrlMask | kAltMask:
+            return ModifierMessage::removeFile;
+        default:
+            return ModifierMessage::none;
+    }
+}
+
+void TimerKeyModifiersTick() {
+    guarded("frmMain.TimerKeyModifiers_Timer", [] {
+        const int held = modifierKeys();
+        CtrlDown = (held & kCtrlMask) != 0;
+        ShiftDown = (held & kShiftMask) != 0;
+        AltDown = (held & kAltMask) != 0;
+        const ModifierMessage message = MessageFor(CtrlDown, ShiftDown, AltDown);
+        if (message == ModifierMessage::none) {
+            nothingHeld();
+        } else {
+            showMessageLine(true);
+        }
+        switch (message) {
+            case ModifierMessage::move:
+                if (MoveSrcJ == -1) {
+                    say("mlblSelJtomove");
+                }
+                if (!SelectorsSuppressed && !SelectorsShown) {
+                    ShowSelectors();
+                }
+                break;
+            case ModifierMessage::copy:
+                if (MoveSrcJ == -1) {
+                    say("mlblSelJtocopy");
+                }
+                break;
+            case ModifierMessage::rename:
+                if (RenameJ == -1) {
+                    say("mlblSelJtorename");
+                }
+                break;
+            case ModifierMessage::remove:
+                if (DeletePromptOn) {
+                    say("mlblSelJtodelete");
+                }
+                break;
+            case ModifierMessage::removeFile:
+                if (DeletePromptOn) {
+                    say("mlblSelJFtodelete");
+                }
+                break;
+            case ModifierMessage::none:
+                break;
+        }
+        if (CtrlDown != PrevCtrlDown || ShiftDown != PrevShiftDown) {
+            MoveSrcJ = -1;
+            MoveDstJ = -1;
+        }
+        PrevCtrlDown = CtrlDown;
+        PrevShiftDown = ShiftDown;
+        static constexpr std::array<std::string_view, 3> fields{"DTDelay", "DTSecond", "DTMinute"};
+        const Control* focus = focusedControl();
+        if (focus != nullptr && std::find(fields.begin(), fields.end(), focus->name) == fields.end()) {
+            FocusedName = focus->name;
+        }
+    });
+}
+
+}  // namespace zv

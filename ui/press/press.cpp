@@ -1,0 +1,313 @@
+// What a press on a jingle button means.
+#include "ui/press/press.h"
+
+#include "audio/play.h"
+#include "audio/streams.h"
+#include "engine/bass.h"
+#include "model/jingle.h"
+#include "model/state.h"
+#include "platform/desktop.h"
+#include "startup/errors.h"
+#include "startup/guard.h"
+#include "startup/helpers.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "ui/screen/colours.h"
+#include "ui/screen/counter.h"
+#include "ui/edit/edit_commands.h"
+#include "ui/records/jingle_buttons.h"
+#include "ui/screen/layout.h"
+#include "ui/records/main_window.h"
+#include "ui/edit/palette_list.h"
+
+namespace zv {
+
+namespace {
+
+/// What a press can mean.
+enum class PressMeaning {
+    nothing,
+    assign,
+    announcerJingle,
+    loop,
+    sequence,
+    autoRepeat,
+    touch,
+    playStop,
+    noStop,
+    colour,
+    effects,
+    relocate,
+    cut,
+    copy,
+    paste,
+    rename,
+    remove,
+    removeWithFile,
+    play,
+};
+
+JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
+
+bool inRange(int index) { return index >= 0 && index < kJingles; }
+
+void showMessage(std::string_view key) { frmMain().display.lblDispMessage.caption = Ln(key); }
+
+/// The announcer's key waits for a jingle.
+bool announcerAsks() {
+    const Control& key = frmMain().announcer.b_tmAnJin;
+    return Armed(key) && (key.caption() == Ln("mb_tmAnJin") || key.caption() == "d");
+}
+
+PressMeaning playModeOption(const JingleRecord& j, PressMeaning option) {
+    return j.Seq != 0 ? PressMeaning::nothing : option;
+}
+
+/// What a press with modifier keys held means; `nothing` when none fits.
+PressMeaning withModifiers(int index) {
+    const bool locked = HasPlaylistMark(index, 'K');
+    if (CtrlDown && !ShiftDown && !AltDown) {
+        if (locked) {
+            return PressMeaning::nothing;
+        }
+        return MoveSrcJ == -1 ? PressMeaning::cut : PressMeaning::paste;
+    }
+    if (CtrlDown && ShiftDown && !AltDown) {
+        // A button that a playlist holds may be copied from, never pasted over.
+        if (MoveSrcJ == -1) {
+            return PressMeaning::copy;
+        }
+        return locked ? PressMeaning::nothing : PressMeaning::paste;
+    }
+    if (ShiftDown && !CtrlDown && !AltDown) {
+        return PressMeaning::rename;
+    }
+    if (AltDown && !CtrlDown && !ShiftDown) {
+        return PressMeaning::remove;
+    }
+    if (CtrlDown && AltDown && !ShiftDown) {
+        return PressMeaning::removeWithFile;
+    }
+    return PressMeaning::nothing;
+}
+
+void captionToClipboard(int index) { setClipboard(btCaption(record(index).Path)); }
+
+/// The decision order. Changes nothing.
+PressMeaning meaningOf(int index) {
+    const JingleRecord& j = record(index);
+    const MainWindow& w = frmMain();
+    const bool filled = !j.Path.empty();
+    const bool noModifier = !CtrlDown && !ShiftDown && !AltDown;
+    if (Armed(w.palettes.ckAssign)) {
+        return PressMeaning::assign;
+    }
+    if (filled) {
+        if (announcerAsks()) {
+            return PressMeaning::announcerJingle;
+        }
+        if (LoopToggleStep == 1) {
+            return PressMeaning::loop;
+        }
+        if (LoopToggleStep == 2) {
+            return PressMeaning::sequence;
+        }
+        if (Armed(w.options.ckAutoRepI)) {
+            return playModeOption(j, PressMeaning::autoRepeat);
+        }
+        if (Armed(w.options.ckTouchI)) {
+            return playModeOption(j, PressMeaning::touch);
+        }
+        if (Armed(w.options.ckPlayStopI)) {
+            return playModeOption(j, PressMeaning::playStop);
+        }
+        if (Armed(w.options.ckNoStopI)) {
+            return playModeOption(j, PressMeaning::noStop);
+        }
+        if (Armed(w.options.ckColorI)) {
+            return PressMeaning::colour;
+        }
+        const JingleButton* b = Button(index);
+        if (Armed(w.options.ckFXI) && b != nullptr && b->b_Jingle.backColor == Shaded.fx) {
+            return PressMeaning::effects;
+        }
+    }
+    if (ToggleTouch == 1 && noModifier) {
+        return filled && !j.MissingFile ? PressMeaning::play : PressMeaning::nothing;
+    }
+    if (settings.OpenReloc == 1 && j.MissingFile && noModifier) {
+        return PressMeaning::relocate;
+    }
+    if (!noModifier) {
+        return withModifiers(index);
+    }
+    return filled && !j.MissingFile ? PressMeaning::play : PressMeaning::nothing;
+}
+
+/// Removes the jingle after a question, unless a playlist holds it.
+void askAndRemove(int index, std::string_view message, bool withFile) {
+    showMessage(message);
+    if (!HasPlaylistMark(index, 'K')) {
+        DelJing(index, withFile);
+    }
+}
+
+}  // namespace
+
+void btClic(int index) {
+    guarded("modClick.btClic", [&] {
+        if (!inRange(index)) {
+            return;
+        }
+        switch (meaningOf(index)) {
+            case PressMeaning::play:
+                clPlay(index, -1);
+                break;
+            case PressMeaning::nothing:
+                break;
+            case PressMeaning::assign:
+                clAssign(index);
+                break;
+            case PressMeaning::announcerJingle:
+                break;
+            case PressMeaning::loop:
+                SelJ = {index};
+                clLoopSet(index);
+                break;
+            case PressMeaning::sequence:
+                SelJ = {index};
+                clSeqSet(index);
+                break;
+            case PressMeaning::autoRepeat:
+                SelJ = {index};
+                clAutoRepSet(index);
+                break;
+            case PressMeaning::touch:
+                SelJ = {index};
+                clTouchSet(index);
+                break;
+            case PressMeaning::playStop:
+                SelJ = {index};
+                clPlayStopSet(index);
+                break;
+            case PressMeaning::noStop:
+                SelJ = {index};
+                clNoStopSet(index);
+                break;
+            case PressMeaning::colour:
+                preclColorSet(index);
+                break;
+            case PressMeaning::effects:
+                clFXSet(index);
+                break;
+            case PressMeaning::relocate:
+                clReloc(index);
+                break;
+            case PressMeaning::cut:
+                captionToClipboard(index);
+                clMove(index, "cut");
+                break;
+            case PressMeaning::copy:
+                captionToClipboard(index);
+                clMove(index, "copy");
+                break;
+            case PressMeaning::paste:
+                clMove(index, "paste");
+                break;
+            case PressMeaning::rename:
+                clRename(index);
+                break;
+            case PressMeaning::remove:
+                askAndRemove(index, "mlblSelJtodelete", false);
+                break;
+            case PressMeaning::removeWithFile:
+                askAndRemove(index, "mlblSelJFtodelete", true);
+                break;
+        }
+    });
+}
+
+void b_Jingle_MouseDown(int index, const MouseEvent& event) {
+    guarded(".b_Jingle_MouseDown", [&] {
+        if (!inRange(index) || event.button != MouseButton::left || record(index).MissingFile) {
+            return;
+        }
+        record(index).Pressed = 1;
+        btClic(index);
+    });
+}
+
+void b_Jingle_MouseUp(int index, const MouseEvent& event) {
+    guarded(".b_Jingle_MouseUp", [&] {
+        if (!inRange(index)) {
+            return;
+        }
+        JingleRecord& j = record(index);
+        LastCtrl = "b_Jingle";
+        j.Pressed = 0;
+        if (event.button == MouseButton::right) {
+            OpenJingleMenu(index);
+            return;
+        }
+        if (j.MissingFile) {
+            btClic(index);
+            return;
+        }
+        if (j.Seq != 0) {
+            return;
+        }
+        const bool touch =
+            j.PlayMod == PlayMode::touch || (ToggleTouch == 1 && j.PlayMod == PlayMode::global);
+        if (touch) {
+            clTouchStop(index);
+        }
+    });
+}
+
+void b_Jingle_KeyDown(int index, KeyEvent& event) {
+    guarded(".b_Jingle_KeyDown", [&] {
+        const bool oneModifier =
+            event.shift == kShiftMask || event.shift == kCtrlMask || event.shift == kAltMask;
+        if (!inRange(index) || oneModifier || settings.InhibSpBar != 0 || event.repeat ||
+            event.key == Key::tab) {
+            return;
+        }
+        if (ToggleTouch == 0 ? event.key == Key::space : !record(index).Playing) {
+            event.consumed = true;
+            btClic(index);
+        }
+    });
+}
+
+void PlayJing(int index) {
+    guarded("modClick.PlayJing", [&] {
+        if (!inRange(index) || settings.InhibSpBar != 0) {
+            return;
+        }
+        if (ToggleTouch == 0 || !record(index).Playing) {
+            btClic(index);
+        }
+    });
+}
+
+void btStop_MouseDown(const MouseEvent& event) {
+    guarded(".btStop_MouseDown", [&] {
+        if (event.button == MouseButton::left) {
+            evStop();
+        }
+    });
+}
+
+void DeleteObj() {
+    guarded("frmMain.DeleteObj", [] {
+        if (LastCtrl.find("b_Jingle") != std::string::npos) {
+            if (LastPlayedJ >= 0) {
+                DelJing(LastPlayedJ, false);
+            }
+        } else if (ActiveTab == static_cast<int>(MainTab::palettes)) {
+            lstpaldel();
+        }
+    });
+}
+
+}  // namespace zv

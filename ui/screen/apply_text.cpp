@@ -1,0 +1,78 @@
+#include "ui/screen/apply_text.h"
+
+#include <cctype>
+#include <string_view>
+
+#include "platform/controls.h"
+#include "startup/settings.h"
+#include "ui/records/main_window.h"
+
+namespace zv {
+
+namespace {
+
+/// Keys whose text explains a control that shows a symbol.
+bool isToolTip(std::string_view key) { return key == "mbtUp" || key == "mbtDn" || key == "mbtSearchJingle"; }
+
+void captionOf(Control& control, const std::string& text) { control.caption = text; }
+
+}  // namespace
+
+void ApplyText(const std::string& window, const std::string& key, const std::string& text) {
+    if (window != "frmMain" || key.size() < 2 || key[0] != 'm') {
+        return;
+    }
+    MainWindow& w = frmMain();
+    if (key.starts_with("mTabCt") && key.size() == 7) {
+        const int tab = key[6] - '0';
+        if (tab >= 0 && tab < kTabs) {
+            captionOf(w.ckTab[static_cast<std::size_t>(tab)], text);
+        }
+        return;
+    }
+    // Automix and Exit show another text in another state.
+    if (key.starts_with("mckAutoMix")) {
+        const std::string_view wanted = settings.AutoMix == 1   ? "mckAutoMixA"
+                                        : settings.AutoMix == 2 ? "mckAutoMixB"
+                                                                : "mckAutoMix";
+        if (key == wanted) {
+            captionOf(w.keys.ckAutoMix, text);
+        }
+        return;
+    }
+    if (key == "mbtExit" || key == "mbtExitSD") {
+        if ((key == "mbtExitSD") == (settings.HoldExitToShutDown == 1)) {
+            captionOf(w.keys.btExit, text);
+        }
+        return;
+    }
+    if (key == "mb_tmAnJin") {
+        captionOf(w.announcer.b_tmAnJin, text);
+        return;
+    }
+    if (key == "mStrNoCo") {
+        captionOf(w.live.lblStream, text);
+        return;
+    }
+    if (key == "mckStopStream") {
+        return;  // shown while the stream plays
+    }
+    Control* control = findControl(std::string_view(key).substr(1));
+    if (control == nullptr) {
+        return;
+    }
+    const Control* top = control;
+    while (top->parent != nullptr) {
+        top = top->parent;
+    }
+    if (top != &w.window) {
+        return;
+    }
+    if (isToolTip(key)) {
+        control->toolTip = text;
+    } else {
+        captionOf(*control, text);
+    }
+}
+
+}  // namespace zv

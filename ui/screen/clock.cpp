@@ -1,0 +1,253 @@
+#include "ui/screen/clock.h"
+
+#include <array>
+#include <cctype>
+#include <cstdio>
+#include <vector>
+
+#include "audio/devices.h"
+#include "model/state.h"
+#include "startup/guard.h"
+#include "startup/helpers.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "ui/screen/counter.h"
+#include "ui/records/main_window.h"
+#include "ui/records/timers.h"
+
+namespace zv {
+
+bool ClockShowDate = false;
+
+namespace {
+
+constexpr int kNarrowPanel = 4000, kNarrowTime = 2220, kWideTime = 2800;  // twips
+
+bool ColonPhase = false;
+
+/// Element `i` of a comma list of the language, `fallback` without one.
+std::string nameOf(std::string_view key, int i, std::string_view fallback) {
+    const std::vector<std::string> names = Split(Ln(key), ",");
+    const auto at = static_cast<std::size_t>(i);
+    return at < names.size() && !names[at].empty() ? Trim(names[at]) : std::string(fallback);
+}
+
+std::string dayName(const WallTime& t) {
+    static constexpr std::array<const char*, 7> days{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+    return nameOf("mDayNames", t.weekday, days[static_cast<std::size_t>(t.weekday % 7)]);
+}
+
+std::string monthName(const WallTime& t, bool shortName) {
+    static constexpr std::array<const char*, 12> months{"January",   "February", "March",    "April",
+                                                        "May",       "June",     "July",     "August",
+                                                        "September", "October",  "November", "December"};
+    const std::string full = months[static_cast<std::size_t>((t.month - 1) % 12)];
+    return nameOf(shortName ? "mMonthNamesShort" : "mMonthNames", t.month - 1,
+                  shortName ? full.substr(0, 3) : full);
+}
+
+std::string padded(int n, std::size_t digits) {
+    std::string text = std::to_string(n);
+    return text.size() < digits ? std::string(digits - text.size(), '0') + text : text;
+}
+
+std::string lowerAscii(std::string_view text) {
+    std::string out(text);
+    for (char& c : out) {
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
+    return out;
+}
+
+void writeDigits(const std::array<std::string, 9>& texts) {
+    const auto digits = frmMain().display.digits();
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        digits[i]->caption = texts[i];
+    }
+}
+
+/// Day, month and year in the order of the date format.
+void showDate(const WallTime& t) {
+    DisplayControls& d = frmMain().display;
+    d.lblClock[1].visible = false;
+    d.lblClock[2].visible = false;
+    d.lblClock[0].visible = true;
+    d.lblClock[0].caption = "j";
+    std::string day = padded(t.day, 2), month = padded(t.month, 2), year = padded(t.year % 100, 2);
+    std::string first = day, second = month, third = year;
+    if (settings.DateFormat == "mmmm dd ddd yyyy") {
+        first = month;
+        second = day;
+    } else if (settings.DateFormat == "yyyy mmmm dd ddd") {
+        first = year;
+        third = day;
+    }
+    d.lblPosMinD.visible = true;
+    d.lblPosMin.visible = true;
+    writeDigits({"", first.substr(0, 1), first.substr(1), ".", second.substr(0, 1), second.substr(1), ".",
+                 third.substr(0, 1), third.substr(1)});
+}
+
+void showTime(const WallTime& t) {
+    DisplayControls& d = frmMain().display;
+    d.lblClock[0].visible = true;
+    d.lblClock[0].caption = "t";
+    const bool halfDays = settings.TimeFormat.find("AM") != std::string::npos;
+    d.lblClock[1].visible = halfDays && t.hour < 12;
+    d.lblClock[2].visible = halfDays && t.hour >= 12;
+    const int hour = halfDays ? (t.hour % 12 == 0 ? 12 : t.hour % 12) : t.hour;
+    const std::string h = padded(hour, 2), m = padded(t.minute, 2), s = padded(t.second, 2);
+    const std::string colon = ColonPhase ? ":" : "";
+    d.lblPosMinD.visible = true;
+    d.lblPosMin.visible = true;
+    writeDigits({"", h.substr(0, 1), h.substr(1), colon, m.substr(0, 1), m.substr(1), colon, s.substr(0, 1),
+                 s.substr(1)});
+}
+
+}  // namespace
+
+std::string FormatTime(std::string_view format, const WallTime& t) {
+    const std::string low = lowerAscii(format);
+    const bool halfDays = low.find("am/pm") != std::string::npos;
+    const int hour = halfDays ? (t.hour % 12 == 0 ? 12 : t.hour % 12) : t.hour;
+    std::string out;
+    for (std::size_t i = 0; i < format.size();) {
+        if (low.compare(i, 5, "am/pm") == 0) {
+            out += t.hour < 12 ? "AM" : "PM";
+            i += 5;
+            continue;
+        }
+        std::size_t run = 1;
+        while (i + run < low.size() && low[i + run] == low[i]) {
+            ++run;
+        }
+        switch (low[i]) {
+            case 'h':
+                out += padded(hour, run);
+                break;
+            case 'm':
+            case 'n':
+                out += padded(t.minute, run);
+                break;
+            case 's':
+                out += padded(t.second, run);
+                break;
+            default:
+                out += std::string(format.substr(i, run));
+                break;
+        }
+        i += run;
+    }
+    return out;
+}
+
+std::string FormatDate(std::string_view format, const WallTime& t) {
+    std::string out;
+    for (const std::string& word : Split(format, " ")) {
+        if (word.empty()) {
+            continue;
+        }
+        out += out.empty() ? "" : " ";
+        if (word == "ddd") {
+            out += dayName(t);
+        } else if (word == "dd") {
+            out += padded(t.day, 2);
+        } else if (word == "mmmm") {
+            out += monthName(t, false);
+        } else if (word == "mmm") {
+            out += monthName(t, true);
+        } else if (word == "yyyy") {
+            out += padded(t.year, 4);
+        } else {
+            out += word;
+        }
+    }
+    return out;
+}
+
+void DateTimeUpdate() {
+    guarded("frmMain.DateTimeUpdate", [] {
+        if (settings.MinimalView == 1) {
+            return;
+        }
+        DisplayControls& d = frmMain().display;
+        const WallTime now = wallTime();
+        d.lblTime.width = d.picDispBack.width() < kNarrowPanel ? kNarrowTime : kWideTime;
+        d.lblTime.left = d.lblDate.left() + d.lblDispMessage.width() - d.lblTime.width();
+        // Without an output the presenter must know it at a glance.
+        d.lblDate.caption = NoOutputDevice ? Ln("mNoOutDev") : FormatDate(settings.DateFormat, now);
+        d.lblDate.toolTip = NoOutputDevice ? Ln("mNoOutDev") : std::string();
+        d.lblTime.caption = " " + FormatTime(settings.TimeFormat, now);
+    });
+}
+
+void ClockUpdate() {
+    guarded("frmMain.ClockUpdate", [] {
+        if (DispRemain > 0 || BlinkTestOn) {
+            return;
+        }
+        const WallTime now = wallTime();
+        if (settings.DateEnabled == 1 && ClockShowDate && settings.ClockEnabled == 1) {
+            showDate(now);
+        } else if (ClockShown) {
+            SetDigitsColour(settings.CountDownColor);
+            const int tens = now.second / 10;
+            const bool dateTurn = (tens == 1 || tens == 4) && now.second % 10 <= 3;
+            if (settings.DateEnabled == 1 && dateTurn) {
+                showDate(now);
+            } else {
+                showTime(now);
+            }
+        }
+    });
+}
+
+void StopClock() {
+    UiTimers& t = timers();
+    ClockShown = false;
+    t.TimerReleaseSep.stop();
+    t.TimerIdleClock.stop();
+    t.TimerClock.stop();
+    DisplayControls& d = frmMain().display;
+    for (Control& mark : d.lblClock) {
+        mark.visible = false;
+    }
+    d.sepsd.caption = ".";
+}
+
+void TimerClockTick() {
+    guarded("frmMain.TimerClock_Timer", [] {
+        ColonPhase = true;
+        timers().TimerReleaseSep.restart();
+        ClockUpdate();
+    });
+}
+
+void TimerIdleClockTick() {
+    guarded("frmMain.TimerIdleClock_Timer", [] {
+        timers().TimerIdleClock.stop();
+        if (!ClockShown) {
+            ClockShown = true;
+            ClockUpdate();
+            timers().TimerClock.start();
+        }
+    });
+}
+
+void TimerReleaseSepTick() {
+    guarded("frmMain.TimerReleaseSep_Timer", [] {
+        if (BlinkTestOn) {
+            return;
+        }
+        timers().TimerReleaseSep.stop();
+        ColonPhase = false;
+        DisplayControls& d = frmMain().display;
+        for (Control* separator : {&d.sepms, &d.sepsd}) {
+            if (separator->caption() == ":") {
+                separator->caption = std::string();
+            }
+        }
+    });
+}
+
+}  // namespace zv

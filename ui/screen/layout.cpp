@@ -1,0 +1,251 @@
+// FormDraw and the making of buttons.
+#include "ui/screen/layout.h"
+
+#include <algorithm>
+
+#include "audio/devices.h"
+#include "audio/streams.h"
+#include "model/jingle.h"
+#include "model/state.h"
+#include "platform/desktop.h"
+#include "startup/guard.h"
+#include "startup/helpers.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+#include "startup/trace.h"
+#include "ui/screen/clock.h"
+#include "ui/press/press.h"
+#include "ui/records/jingle_buttons.h"
+#include "ui/screen/layout_parts.h"
+#include "ui/records/main_window.h"
+#include "ui/edit/palette_list.h"
+
+namespace zv {
+
+int JGap = kGap;
+int JOuterGap = 0;
+int ActiveTab = 0;
+
+namespace {
+
+constexpr int px(double pixels) { return static_cast<int>(pixels) * kTwipsPerPixel; }
+
+// The drawing of the window is 1280 x 800 pixels; these are its measures.
+constexpr double kDrawnHeight = 800;
+constexpr double kDrawnStripWidth = 1248;  // without the two gaps between its three parts
+constexpr double kDrawnDisplay = 420, kDrawnKeys = 300, kDrawnStrip = 156;
+constexpr int kMinStrip = 132, kMaxStrip = 300;
+constexpr int kSideMeter = 44, kTopMeter = 24;
+constexpr int kOutside = kGap;
+
+int stripHeight(int windowHeight) {
+    const double pixels = windowHeight / kTwipsPerPixel * kDrawnStrip / kDrawnHeight;
+    return px(std::clamp(pixels, double{kMinStrip}, double{kMaxStrip}));
+}
+
+void place(Control& c, int left, int top, int width, int height) {
+    c.left = left;
+    c.top = top;
+    c.width = std::max(0, width);
+    c.height = std::max(0, height);
+}
+
+struct Area {
+    int left, top, right, bottom;
+};
+
+void drawStrip(int windowWidth, int height) {
+    MainWindow& w = frmMain();
+    const int width = windowWidth - 2 * kOutside - 2 * kGap;
+    const int display =
+        GetMultipleOf(static_cast<int>(width * kDrawnDisplay / kDrawnStripWidth), kTwipsPerPixel);
+    const int keys = GetMultipleOf(static_cast<int>(width * kDrawnKeys / kDrawnStripWidth), kTwipsPerPixel);
+    const int panel = GetMultipleOf(width, kTwipsPerPixel) - display - keys;
+    int left = kOutside;
+    place(w.display.picDispBack, left, kOutside, display, height);
+    left += display + kGap;
+    place(w.fraPanel, left, kOutside, panel, height);
+    left += panel + kGap;
+    place(w.keys.fraKeys, left, kOutside, keys, height);
+    DrawDisplay();
+    DrawKeys();
+    for (int tab = 0; tab < kTabs; ++tab) {
+        TabDraw(tab);
+    }
+}
+
+bool joined() { return settings.JoinedJButtons != 0; }
+
+/// What the blocks of buttons keep from the edges of their area: with the gap around each button, or the
+/// outer gap of joined ones, their edges stand under those of the strip.
+int blockInset() { return joined() ? kOutside : 0; }
+
+/// Between hot jingles above and a joined grid; the other blocks bring their gaps along.
+int gapBelowHotBlock() { return joined() && settings.HotJinglesPos == 1 ? kGap : 0; }
+
+/// What is left of a length when the buttons have had equal shares of whole pixels of it.
+int leftOver(int length, int buttons, int smallest) {
+    const int room = length - (buttons + 1) * JGap;
+    return room / buttons < smallest ? 0 : room % (buttons * kTwipsPerPixel);
+}
+
+int leftOverHeight(const Area& area) {
+    const bool across = settings.VUPos == "t";
+    const int taken =
+        HotBlockHeight() + gapBelowHotBlock() + 2 * blockInset() + (across ? kGap + px(kTopMeter) : 0);
+    return leftOver(area.bottom - area.top - taken, settings.JinglesRows, kMinButtonHeight);
+}
+
+/// Places the meters at their side and takes their room from the area. Meters at a side take what the grid
+/// cannot share out, so that the gaps stay even.
+void drawMeterBlock(Area& area) {
+    MainWindow& w = frmMain();
+    const std::string& side = settings.VUPos;
+    w.fraVU.visible = side != "n";
+    const int narrow = px(kSideMeter);
+    const int wide = narrow + leftOver(area.right - area.left - kOutside - narrow - 2 * blockInset(),
+                                       settings.JinglesCols, kMinButtonWidth);
+    if (side == "t") {
+        place(w.fraVU, kOutside, area.top + kGap, area.right - 2 * kOutside, px(kTopMeter));
+        area.top += kGap + px(kTopMeter);
+    } else if (side == "l") {
+        place(w.fraVU, kOutside, area.top + kGap, wide, area.bottom - area.top - kGap - kOutside);
+        area.left += kOutside + wide;
+    } else if (side == "r") {
+        place(w.fraVU, area.right - kOutside - wide, area.top + kGap, wide,
+              area.bottom - area.top - kGap - kOutside);
+        area.right -= kOutside + wide;
+    }
+    DrawMeters();
+}
+
+void drawBlocks(const Area& area) {
+    MainWindow& w = frmMain();
+    const int hot = HotBlockHeight();
+    const int inset = blockInset();
+    const int width = area.right - area.left - 2 * inset;
+    const int left = area.left + inset;
+    const int top = area.top + inset;
+    const int bottom = area.bottom - inset;
+    const int gap = gapBelowHotBlock();
+    int line = 0;  // in the middle of what parts the blocks
+    if (settings.HotJinglesPos == 1) {
+        place(w.fraHotJingles, left, top, width, hot);
+        place(w.fraJingles, left, top + hot + gap, width, bottom - top - hot - gap);
+        line = top + hot + gap / 2;
+    } else {
+        place(w.fraJingles, left, top, width, bottom - top - hot);
+        place(w.fraHotJingles, left, bottom - hot, width, hot);
+        line = bottom - hot + (joined() ? kGap / 2 : -kTwipsPerPixel);
+    }
+    const int lineInset = kOutside - inset;
+    place(w.linHotJingles, left + lineInset, line, width - 2 * lineInset, kTwipsPerPixel);
+    DrawGrid();
+}
+
+/// What depends on settings: which controls exist at all.
+void showBySettings() {
+    MainWindow& w = frmMain();
+    const bool mix = settings.DeviceSingle == 0;
+    w.keys.btMicPush.visible = mix;
+    w.keys.btMicTO.visible = mix;
+    w.keys.btMicPush.enabled = settings.InputEnabled == 1;
+    w.keys.btMicTO.enabled = settings.InputEnabled == 1;
+    w.display.txtDisPal.visible = settings.DisPalName == 1;
+    JGap = settings.JoinedJButtons == 1 ? 0 : kGap;
+    JOuterGap = settings.JoinedJButtons == 1 ? kJoinedOuterGap : 0;
+}
+
+}  // namespace
+
+void FormDraw(const std::string& mode) {
+    guarded("frmMain.FormDraw", [&] {
+        MainWindow& w = frmMain();
+        if (LoadingUI || isMinimised(w.window) || w.window.width() <= 0 || w.window.height() <= 0) {
+            return;
+        }
+        lockUpdates();
+        if (mode == "init") {
+            setFullScreen(w.window, settings.FullScreen == 1);
+            showBySettings();
+            DrawJButtons(0);
+        }
+        const int height = stripHeight(w.window.height);
+        Area area{0, kOutside + height, GetMultipleOf(w.window.width, kTwipsPerPixel),
+                  GetMultipleOf(w.window.height, kTwipsPerPixel)};
+        // The strip takes the few pixels of height that the rows cannot share out.
+        const int rest = leftOverHeight(area);
+        area.top += rest;
+        drawStrip(w.window.width, height + rest);
+        drawMeterBlock(area);
+        drawBlocks(area);
+        UpdateJLblFont();
+        DateTimeUpdate();
+        unlockUpdates();
+    });
+}
+
+void DrawJButtons(int load) {
+    guarded("frmMain.DrawJButtons", [&] {
+        for (int i = 0; i < kJingles; ++i) {
+            JExists[static_cast<std::size_t>(i)] = i == 0 || Button(i) != nullptr ? 1 : 0;
+        }
+        MakeButton(0);
+        LastPalIdx = settings.JinglesRows * settings.JinglesCols - 1;
+        if (Unloading) {
+            return;
+        }
+        lockUpdates();
+        const int live = LastPalIdx + 1 + 2 * settings.JinglesCols;
+        for (int i = 0; i < kJingles; ++i) {
+            if (!IsLive(i)) {
+                ShowButton(i, false);
+                continue;
+            }
+            guarded("frmMain.DrawJButtons", [&] {
+                JingleButton& b = MakeButton(i);
+                JExists[static_cast<std::size_t>(i)] = 1;
+                ShowButton(i, i < kPaletteSlots || i < kPaletteSlots + settings.JinglesCols ||
+                                  settings.HotJinglesRows > 1);
+                if (J[static_cast<std::size_t>(i)].Path.empty()) {
+                    b.b_Jingle.caption = std::string();
+                    b.b_Jingle.toolTip = std::string();
+                }
+                if (load == 1) {
+                    const bool hot = i >= kPaletteSlots;
+                    openNames(i, hot ? kHotSection : settings.PaletteIndex, hot);
+                    openStreams(i);
+                }
+            });
+            if (LoadingUI) {
+                AddProgress(40.0 / live);
+            }
+        }
+        unlockUpdates();
+    });
+}
+
+void ChangeTab(int tab) {
+    guarded("frmMain.ChangeTab", [&] {
+        if (settings.MinimalView == 1 || tab < 0 || tab >= kTabs) {
+            return;
+        }
+        ResetOption();
+        ActiveTab = tab;
+        TabDraw(tab);
+        MainWindow& w = frmMain();
+        for (int i = 0; i < kTabs; ++i) {
+            w.ckTab[static_cast<std::size_t>(i)].value = i == tab ? 1 : 0;
+            w.fraTab[static_cast<std::size_t>(i)].visible = i == tab;
+        }
+    });
+}
+
+void SetJoinedJButtons(bool joined) {
+    settings.JoinedJButtons = joined ? 1 : 0;
+    JOuterGap = joined ? kJoinedOuterGap : 0;
+    JGap = joined ? 0 : kGap;
+    FormDraw();
+}
+
+}  // namespace zv

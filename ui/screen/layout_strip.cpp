@@ -1,0 +1,323 @@
+// The control strip above the grid: display, tabs, keys; and the meters.
+#include <algorithm>
+#include <initializer_list>
+#include <string>
+
+#include "startup/settings.h"
+#include "ui/screen/layout.h"
+#include "ui/screen/layout_parts.h"
+#include "ui/records/main_window.h"
+#include "ui/screen/meters.h"
+
+namespace zv {
+
+namespace {
+
+constexpr int px(double pixels) { return static_cast<int>(pixels) * kTwipsPerPixel; }
+
+void place(Control& c, int left, int top, int width, int height) {
+    c.left = left;
+    c.top = top;
+    c.width = std::max(0, width);
+    c.height = std::max(0, height);
+}
+
+/// A stretch divided into equal parts with gaps; the pixels that are left over go to the first parts.
+struct Stretch {
+    int start, length, parts, gap;
+    int size(int i) const {
+        const int pixels = (length - (parts - 1) * gap) / kTwipsPerPixel;
+        return (pixels / parts + (i < pixels % parts ? 1 : 0)) * kTwipsPerPixel;
+    }
+    int at(int i) const {
+        int place = start;
+        for (int k = 0; k < i; ++k) {
+            place += size(k) + gap;
+        }
+        return place;
+    }
+};
+
+void column(std::initializer_list<Control*> controls, int left, int width, const Stretch& rows) {
+    int i = 0;
+    for (Control* c : controls) {
+        place(*c, left, rows.at(i), width, rows.size(i));
+        ++i;
+    }
+}
+
+constexpr double kDrawnStrip = 156, kDrawnText = 13;  // pixels, in the drawing of the window
+constexpr double kPointsPerPixel = 0.75;
+
+/// How much larger than drawn the texts of the strip are: they grow with it, more slowly than it does.
+double textScale() {
+    const double drawn = frmMain().fraPanel.height() / double{kTwipsPerPixel} / kDrawnStrip;
+    return std::clamp(1 + (drawn - 1) * 0.75, 1.0, 1.7);
+}
+
+double characters(const std::string& text) {
+    return static_cast<double>(
+        std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+}
+
+/// One size of text for keys that stand together: as large as wanted, and so that the longest of their texts
+/// has room in about one line.
+void oneSize(std::initializer_list<Control*> keys, double pixels) {
+    constexpr double widthOfLetter = 0.56, ofHeight = 0.62, least = 10.5, margin = 10;
+    for (const Control* key : keys) {
+        pixels = std::min(pixels, key->height() / double{kTwipsPerPixel} * ofHeight);
+        if (const double letters = characters(key->caption); letters > 0) {
+            const double room = key->width() / double{kTwipsPerPixel} - margin;
+            pixels = std::min(pixels, room / (letters * widthOfLetter));
+        }
+    }
+    for (Control* key : keys) {
+        key->fontSize = static_cast<int>(std::max(pixels, least) * 2) / 2.0 * kPointsPerPixel;
+    }
+}
+
+int tabHeader() { return px(30 * (1 + (textScale() - 1) * 0.6)); }
+
+constexpr int kKeyGap = 120;
+constexpr int kInnerGap = 90;
+
+struct TabArea {
+    int left, top, width, height;
+};
+
+void paletteTab(const TabArea& a) {
+    PaletteTab& t = frmMain().palettes;
+    const int arrows = px(34 * textScale());
+    const int keys = std::clamp(a.width * 96 / 512 / kTwipsPerPixel * kTwipsPerPixel, px(72), px(150));
+    column({&t.btUp, &t.btSearchJingle, &t.btDn}, a.left, arrows, {a.top, a.height, 3, kInnerGap});
+    column({&t.ckAssign, &t.btSave, &t.btNew, &t.btDelPal}, a.left + a.width - keys, keys,
+           {a.top, a.height, 4, kInnerGap});
+    oneSize({&t.ckAssign, &t.btSave, &t.btNew, &t.btDelPal}, kDrawnText * textScale());
+    const double rowText = kDrawnText * textScale() * kPointsPerPixel;
+    for (Control* text : {&t.lstPal, &t.PalNameCar, &t.txtSave}) {
+        text->fontSize = rowText;
+    }
+    const int listLeft = a.left + arrows + kKeyGap;
+    const int listWidth = a.width - arrows - keys - 2 * kKeyGap;
+    const bool naming = t.txtSave.visible;
+    const int line = px(18 * textScale()), field = px(26 * textScale());
+    const int nameHeight = naming ? line + field + px(6) : 0;
+    place(t.lstPal, listLeft, a.top, listWidth, a.height - nameHeight);
+    place(t.PalNameCar, listLeft, a.top + a.height - field - line, listWidth, line);
+    place(t.txtSave, listLeft, a.top + a.height - field, listWidth, field);
+}
+
+void announcerTab(const TabArea& a) {
+    AnnouncerTab& t = frmMain().announcer;
+    const Stretch rows{a.top, a.height, 2, kKeyGap};
+    const Stretch wide{a.left, a.width, 3, kKeyGap};
+    place(t.ckTmAnn, wide.at(0), rows.at(0), wide.size(0), rows.size(0));
+    place(t.b_tmAnJin, wide.at(1), rows.at(0), wide.size(1), rows.size(0));
+    place(t.b_tmAnJinAM, wide.at(2), rows.at(0), wide.size(2), rows.size(0));
+    oneSize({&t.ckTmAnn, &t.b_tmAnJin}, kDrawnText * textScale());
+    Control* labels[] = {&t.lblMinute, &t.lblSecond, &t.lblDelay};
+    Control* fields[] = {&t.DTMinute, &t.DTSecond, &t.DTDelay};
+    for (int i = 0; i < 3; ++i) {
+        labels[i]->alignment = 1;  // each beside its own field
+        for (Control* text : {labels[i], fields[i]}) {
+            text->fontSize = kDrawnText * textScale() * kPointsPerPixel;
+        }
+        const int field = std::min(wide.size(i) / 2, px(48 * textScale())) / kTwipsPerPixel * kTwipsPerPixel;
+        const int height = std::min(rows.size(1), px(28 * textScale()));
+        const int top = rows.at(1) + (rows.size(1) - height) / 2 / kTwipsPerPixel * kTwipsPerPixel;
+        place(*labels[i], wide.at(i), top, wide.size(i) - field - px(6), height);
+        place(*fields[i], wide.at(i) + wide.size(i) - field, top, field, height);
+    }
+}
+
+void liveTab(const TabArea& a) {
+    LiveTab& t = frmMain().live;
+    const Stretch rows{a.top, a.height, 3, kInnerGap};
+    const Stretch wide{a.left, a.width, 4, kKeyGap};
+    const int three = wide.at(2) + wide.size(2) - a.left;
+    place(t.cmbStream, a.left, rows.at(0), three, rows.size(0));
+    place(t.btRemUrl, wide.at(3), rows.at(0), wide.size(3), rows.size(0));
+    place(t.ckPlayStream, wide.at(0), rows.at(1), wide.size(0), rows.size(1));
+    place(t.ckMixByTa, wide.at(1), rows.at(1), wide.at(2) + wide.size(2) - wide.at(1), rows.size(1));
+    place(t.ckAutoDuckLive, wide.at(3), rows.at(1), wide.size(3), rows.size(1));
+    oneSize({&t.btRemUrl, &t.ckPlayStream, &t.ckMixByTa, &t.btCoefVolLive}, kDrawnText * textScale());
+    for (Control* text : {&t.cmbStream, &t.ckAutoDuckLive, &t.lblStream}) {
+        text->fontSize = kDrawnText * textScale() * kPointsPerPixel;
+    }
+    place(t.lblStream, wide.at(0), rows.at(2), wide.at(1) + wide.size(1) - a.left, rows.size(2));
+    place(t.SlideVolLive, wide.at(2), rows.at(2), wide.size(2), rows.size(2));
+    place(t.btCoefVolLive, wide.at(3), rows.at(2), wide.size(3), rows.size(2));
+}
+
+void optionsTab(const TabArea& a) {
+    OptionsTab& t = frmMain().options;
+    const Stretch rows{a.top, a.height, 2, kInnerGap};
+    const Stretch wide{a.left, a.width, 4, kKeyGap};
+    const int led = px(4);
+    const auto cell = [&](Control& key, std::initializer_list<Control*> leds, int columnNo, int row) {
+        const int left = wide.at(columnNo);
+        const int width = wide.size(columnNo);
+        const int foot = leds.size() == 0 ? 0 : led + 2 * kTwipsPerPixel;
+        place(key, left, rows.at(row), width, rows.size(row) - foot);
+        const Stretch strip{left, width, std::max(1, static_cast<int>(leds.size())), kInnerGap};
+        int i = 0;
+        for (Control* lamp : leds) {
+            place(*lamp, strip.at(i), rows.at(row) + rows.size(row) - led, strip.size(i), led);
+            ++i;
+        }
+    };
+    cell(t.ckPlayStopI, {&t.ps_LED}, 0, 0);
+    cell(t.ckAutoRepI, {&t.ar_LED}, 1, 0);
+    cell(t.ckTouchI, {&t.tc_LED}, 2, 0);
+    cell(t.ckNoStopI, {&t.ns_LED}, 3, 0);
+    cell(t.ckLoopI, {&t.lp_LED, &t.sq_LED}, 0, 1);
+    cell(t.ckFXI, {&t.fx_LED}, 1, 1);
+    cell(t.ckColorI, {}, 2, 1);
+    t.ckColorI.height = t.ckFXI.height();
+    oneSize({&t.ckPlayStopI, &t.ckAutoRepI, &t.ckTouchI, &t.ckNoStopI, &t.ckLoopI, &t.ckFXI, &t.ckColorI},
+            kDrawnText * textScale());
+}
+
+}  // namespace
+
+void TabDraw(int tab) {
+    MainWindow& w = frmMain();
+    const int width = w.fraPanel.width;
+    const int height = w.fraPanel.height;
+    const Stretch headers{0, width, kTabs, 0};
+    const auto i = static_cast<std::size_t>(tab);
+    const int header = tabHeader();
+    place(w.ckTab[i], headers.at(tab), 0, headers.size(tab), header);
+    w.ckTab[i].value = tab == ActiveTab ? 1 : 0;
+    place(w.fraTab[i], 0, header, width, height - header);
+    const TabArea area{kKeyGap, kKeyGap, width - 2 * kKeyGap, height - header - 2 * kKeyGap};
+    if (tab == kTabs - 1) {
+        oneSize({&w.ckTab[0], &w.ckTab[1], &w.ckTab[2], &w.ckTab[3]}, kDrawnText * textScale());
+    }
+    switch (static_cast<MainTab>(tab)) {
+        case MainTab::palettes:
+            paletteTab(area);
+            break;
+        case MainTab::timeAnnouncer:
+            announcerTab(area);
+            break;
+        case MainTab::liveStream:
+            liveTab(area);
+            break;
+        case MainTab::jingleOptions:
+            optionsTab(area);
+            break;
+    }
+}
+
+void DrawDisplay() {
+    DisplayControls& d = frmMain().display;
+    const int width = d.picDispBack.width;
+    const int height = d.picDispBack.height;
+    // The drawing is 420 x 156 pixels; digits keep their shape, texts their size.
+    const double u = std::min(width / px(1) / 420.0, height / px(1) / 156.0);
+    const int margin = px(15 * std::min(1.0, u));
+    const double grow = std::max(1.0, u);
+    const int line = px(24 * grow);
+    for (Control* text : {&d.lblDate, &d.lblTime, &d.lblDispMessage, &d.txtDisPal}) {
+        text->fontSize = 10.5 * grow;
+    }
+    const int inner = width - 2 * margin;
+    const int timeWidth = std::min(width < 4000 ? 2220 : 2800, inner / 2 / kTwipsPerPixel * kTwipsPerPixel);
+    const int top = px(8);
+    // The time stands at the right of its field: the date may go on to where it begins.
+    place(d.lblDate, margin, top, std::max(inner - timeWidth, inner - px(78 * grow)), line);
+    place(d.lblTime, margin + inner - timeWidth, top, timeWidth, line);
+    d.lblTime.alignment = 1;
+    place(d.lblDispMessage, margin, top, inner, line);
+    const int foot = height - line - px(8);
+    place(d.lblErr, width - margin - line, foot, line, line);
+    place(d.txtDisPal, margin, foot, inner - line - px(8), line);
+
+    const auto gapOf = [](int height) { return px(std::max(2.0, height / px(1) * 0.08)); };
+    const int digitsTop = top + line + px(4);
+    const int digitsRoom = foot - digitsTop - px(4);
+    const int big = std::max(px(24), std::min(px(80 * u), digitsRoom / kTwipsPerPixel * kTwipsPerPixel));
+    const int digitsLine = digitsTop + std::max(0, (digitsRoom - big) / 2 / kTwipsPerPixel * kTwipsPerPixel);
+    // A figure is drawn inside its field with some room at its sides.
+    const int small = px(big / px(1) * 0.64);
+    int bigWidth = px(big / px(1) * 0.57);
+    int smallWidth = px(small / px(1) * 0.57);
+    const int separator = px(std::max(5.0, big / px(1) * 0.16));
+    const int smallFigures = settings.DispCSec == 1 ? 2 : 1;
+    const int gaps = (6 + smallFigures) * gapOf(big);
+    const int wanted = 5 * bigWidth + smallFigures * smallWidth + 2 * separator + gaps;
+    if (wanted > inner) {
+        const double squeeze =
+            static_cast<double>(inner - gaps - 2 * separator) / (wanted - gaps - 2 * separator);
+        bigWidth = px(bigWidth / px(1) * squeeze);
+        smallWidth = px(smallWidth / px(1) * squeeze);
+    }
+    const int gap = gapOf(big);
+    int right = width - margin;
+    const auto fromRight = [&](Control& c, int w, int h) {
+        right -= w;
+        place(c, right, digitsLine + big - h, w, h);
+        right -= gap;
+    };
+    if (settings.DispCSec == 1) {
+        fromRight(d.lblPosMisC, smallWidth, small);
+    } else {
+        place(d.lblPosMisC, right, digitsLine + big - small, 0, small);
+    }
+    fromRight(d.lblPosMisD, smallWidth, small);
+    fromRight(d.sepsd, separator, big);
+    fromRight(d.lblPosSecU, bigWidth, big);
+    fromRight(d.lblPosSecD, bigWidth, big);
+    fromRight(d.sepms, separator, big);
+    fromRight(d.lblPosMin, bigWidth, big);
+    fromRight(d.lblPosMinD, bigWidth, big);
+    fromRight(d.lblPosMinC, bigWidth, big);
+    int left = margin;
+    for (Control* c :
+         {&d.lblClock[0], &d.lblClock[1], &d.lblClock[2], &d.lblPlayMode[0], &d.lblPlayMode[1]}) {
+        place(*c, left, digitsTop, line, line);
+        left += line;
+    }
+}
+
+void DrawKeys() {
+    KeyControls& k = frmMain().keys;
+    const Stretch wide{0, k.fraKeys.width, 3, kKeyGap};
+    const Stretch rows{0, k.fraKeys.height, 3, kKeyGap};
+    Control* keys[2][3] = {{&k.ckAutoRep, &k.ckTouch, &k.ckAutoMix},
+                           {&k.btMicPush, &k.btMicTO, &k.btSettings}};
+    for (int row = 0; row < 2; ++row) {
+        for (int i = 0; i < 3; ++i) {
+            place(*keys[row][i], wide.at(i), rows.at(row), wide.size(i), rows.size(row));
+        }
+    }
+    place(k.btStop, 0, rows.at(2), wide.at(1) + wide.size(1), rows.size(2));
+    place(k.btExit, wide.at(2), rows.at(2), wide.size(2), rows.size(2));
+    const double ofWidth = wide.size(2) / double{kTwipsPerPixel} * 0.15;
+    oneSize({&k.ckAutoRep, &k.ckTouch, &k.ckAutoMix, &k.btMicPush, &k.btMicTO, &k.btSettings, &k.btExit},
+            std::clamp(ofWidth, 10.5, 20.0));
+    k.btStop.fontSize = k.btExit.fontSize() + 1.5;
+}
+
+void DrawMeters() {
+    MainWindow& w = frmMain();
+    const int inset = px(5);
+    const bool across = settings.VUPos == "t";
+    const int width = w.fraVU.width;
+    const int height = w.fraVU.height;
+    if (across) {
+        const Stretch rows{inset, height - 2 * inset, 2, px(2)};
+        place(w.VuL, inset, rows.at(0), width - 2 * inset, rows.size(0));
+        place(w.VuR, inset, rows.at(1), width - 2 * inset, rows.size(1));
+    } else {
+        const Stretch columns{inset, width - 2 * inset, 2, px(4)};
+        place(w.VuL, columns.at(0), inset, columns.size(0), height - 2 * inset);
+        place(w.VuR, columns.at(1), inset, columns.size(1), height - 2 * inset);
+    }
+    w.lblL.visible = false;
+    w.lblR.visible = false;
+    ApplyMeterLook();
+}
+
+}  // namespace zv

@@ -1,0 +1,66 @@
+#include "ui/windows/splash.h"
+
+#include "platform/desktop.h"
+#include "startup/settings.h"
+#include "startup/trace.h"
+
+namespace zv {
+
+namespace {
+
+constexpr Colour kBack = 0x1C1818, kText = 0xFFFFFF, kBar = 0xFFFF80, kTrack = 0x403C3A;
+constexpr int kMargin = 300, kLine = 360, kBarHeight = 90;
+constexpr double kTitlePoints = 22;
+
+void place(Control& c, int left, int top, int width, int height) {
+    c.left = left;
+    c.top = top;
+    c.width = width;
+    c.height = height;
+}
+
+}  // namespace
+
+Splash::Splash()
+    : window("frmSplash", ControlKind::window),
+      lblTitle("lblTitle", ControlKind::label, &window),
+      lblStep("lblStep", ControlKind::label, &window),
+      picLoadBack("picLoadBack", ControlKind::shape, &window),
+      picLoad("picLoad", ControlKind::shape, &window) {
+    window.caption = "Zentrova";
+    window.backColor = kBack;
+    window.width = SplashWidth + 2 * kMargin;
+    window.height = 3 * kMargin + 3 * kLine + kBarHeight;
+    place(lblTitle, kMargin, kMargin, SplashWidth, 2 * kLine);
+    lblTitle.caption = "Zentrova";
+    lblTitle.fontSize = kTitlePoints;
+    lblTitle.fontBold = true;
+    lblTitle.foreColor = kText;
+    place(lblStep, kMargin, kMargin + 2 * kLine, SplashWidth, kLine);
+    lblStep.foreColor = kBar;
+    place(picLoadBack, kMargin, 2 * kMargin + 3 * kLine, SplashWidth, kBarHeight);
+    picLoadBack.backColor = kTrack;
+    place(picLoad, kMargin, 2 * kMargin + 3 * kLine, 0, kBarHeight);
+    picLoad.backColor = kBar;
+}
+
+Splash& frmSplash() {
+    static Splash splash;
+    return splash;
+}
+
+void ShowSplash() {
+    Control& w = frmSplash().window;
+    const std::vector<Monitor> all = monitors();
+    if (!all.empty()) {
+        const auto index = static_cast<std::size_t>(settings.Monitor);
+        const Monitor& m = all[index < all.size() ? index : 0];
+        w.left = m.left * kTwipsPerPixel + (m.width * kTwipsPerPixel - w.width()) / 2;
+        w.top = m.top * kTwipsPerPixel + (m.height * kTwipsPerPixel - w.height()) / 2;
+    }
+    showWindow(w);
+}
+
+void UnloadSplash() { hideWindow(frmSplash().window); }
+
+}  // namespace zv

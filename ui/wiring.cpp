@@ -1,0 +1,299 @@
+// How the main window comes, is wired to its handlers, and goes.
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "model/jingle.h"
+#include "model/state.h"
+#include "platform/desktop.h"
+#include "startup/datafiles.h"
+#include "startup/errors.h"
+#include "startup/guard.h"
+#include "startup/helpers.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "startup/trace.h"
+#include "ui/screen/clock.h"
+#include "ui/screen/colours.h"
+#include "ui/press/press.h"
+#include "ui/screen/counter.h"
+#include "ui/press/global_keys.h"
+#include "ui/records/jingle_buttons.h"
+#include "ui/press/keyboard.h"
+#include "ui/screen/layout.h"
+#include "ui/records/main_window.h"
+#include "ui/screen/meters.h"
+#include "ui/edit/palette_list.h"
+#include "ui/records/timers.h"
+
+namespace zv {
+
+namespace {
+
+constexpr const char* kSymbolFont = "ZVR";
+constexpr int kTitleBar = 64;  // pixels that a desktop may take from a window that fills it
+constexpr int kMaximised = 2;  // of WinState
+
+/// A press with the left button, and the keyboard's way to it (a click without a mouse).
+void onLeftPress(Control& control, void (*handler)()) {
+    control.onMouseDown = [handler](const MouseEvent& e) {
+        if (e.button == MouseButton::left) {
+            handler();
+        }
+    };
+}
+
+void wireDisplay() {
+    DisplayControls& d = frmMain().display;
+    std::vector<Control*> switches{&d.picDispBack};
+    for (Control* digit : d.digits()) {
+        switches.push_back(digit);
+    }
+    for (Control& mark : d.lblPlayMode) {
+        switches.push_back(&mark);
+    }
+    for (Control* c : switches) {
+        c->onMouseDown = [](const MouseEvent& e) {
+            if (e.button == MouseButton::left) {
+                switchDisPalName();
+            }
+        };
+        c->onMouseUp = [](const MouseEvent& e) {
+            if (e.button == MouseButton::left) {
+                switchDisPalNameRelease();
+            }
+        };
+    }
+    onLeftPress(d.lblErr, ErrClick);
+}
+
+void wirePalettes() {
+    PaletteTab& t = frmMain().palettes;
+    t.lstPal.onMouseUp = [](const MouseEvent& e) {
+        if (e.button == MouseButton::left) {
+            lstPal_MouseUp();
+        }
+    };
+    t.lstPal.onKeyDown = lstpal_KeyDown;
+    t.btUp.onMouseDown = btUp_MouseDown;
+    t.btDn.onMouseDown = btDn_MouseDown;
+    t.btUp.onMouseUp = [](const MouseEvent&) { btUpDn_MouseUp(); };
+    t.btDn.onMouseUp = [](const MouseEvent&) { btUpDn_MouseUp(); };
+    onLeftPress(t.ckAssign, CkAssignTog);
+    t.btSave.onMouseDown = [](const MouseEvent& e) {
+        if (e.button == MouseButton::left) {
+            SavePal(ShiftDown ? 2 : 0);
+        }
+    };
+    onLeftPress(t.btNew, btNewTog);
+    t.btDelPal.onMouseUp = [](const MouseEvent& e) {
+        if (e.button == MouseButton::left) {
+            btDelpal_MouseUp();
+        }
+    };
+    t.txtSave.onKeyDown = txtSave_KeyDown;
+}
+
+void wireOptions() {
+    OptionsTab& t = frmMain().options;
+    onLeftPress(t.ckPlayStopI, ckPlayStopI_MouseDown);
+    onLeftPress(t.ckAutoRepI, ckAutoRepI_MouseDown);
+    onLeftPress(t.ckTouchI, ckTouchI_MouseDown);
+    onLeftPress(t.ckNoStopI, ckNoStopI_MouseDown);
+    onLeftPress(t.ckLoopI, ckLoopITog);
+    onLeftPress(t.ckFXI, ckFXI_MouseDown);
+    onLeftPress(t.ckColorI, ckColorI_MouseDown);
+    for (int i = 0; i < kTabs; ++i) {
+        frmMain().ckTab[static_cast<std::size_t>(i)].onMouseDown = [i](const MouseEvent& e) {
+            if (e.button == MouseButton::left) {
+                ckTab_MouseDown(i);
+            }
+        };
+    }
+}
+
+void wireKeys() {
+    KeyControls& k = frmMain().keys;
+    onLeftPress(k.ckAutoRep, CkAutoRepTog);
+    onLeftPress(k.ckTouch, CkTouchTog);
+    onLeftPress(k.ckAutoMix, CkAutoMixTog);
+    k.btMicPush.onMouseDown = [](const MouseEvent& e) {
+        if (e.button == MouseButton::left) {
+            guarded(".btMicPush_MouseDown", MicPush);
+        }
+    };
+    k.btMicPush.onMouseUp = [](const MouseEvent& e) {
+        if (e.button == MouseButton::left) {
+            guarded(".btMicPush_MouseUp", MicRelease);
+        }
+    };
+    onLeftPress(k.btMicTO, [] { guarded(".btMicTO_MouseDown", TalkOverTog); });
+    k.btStop.onMouseDown = btStop_MouseDown;
+    k.btExit.onMouseDown = btExit_MouseDown;
+    k.btExit.onMouseUp = btExit_MouseUp;
+}
+
+void wireWindow() {
+    MainWindow& w = frmMain();
+    w.window.onKeyDown = Form_KeyDown;
+    w.window.onKeyUp = Form_KeyUp;
+    w.window.onQueryClose = Form_QueryUnload;
+    w.window.onResize = [] { timers().tmrResize.restart(); };
+    for (Control* c : {&w.lblVUSrc, &w.lblL, &w.lblR}) {
+        onLeftPress(*c, ChangeVUchan);
+    }
+}
+
+/// What later work will bring to life stands in its place already.
+void disableWhatIsToCome() {
+    MainWindow& w = frmMain();
+    AnnouncerTab& a = w.announcer;
+    LiveTab& l = w.live;
+    for (Control* c :
+         {&a.ckTmAnn, &a.b_tmAnJin, &a.b_tmAnJinAM, &a.DTMinute, &a.DTSecond, &a.DTDelay, &l.cmbStream,
+          &l.ckPlayStream, &l.btRemUrl, &l.ckMixByTa, &l.ckAutoDuckLive, &l.SlideVolLive, &l.btCoefVolLive,
+          &w.options.ckFXI, &w.keys.btSettings, &w.palettes.btSearchJingle}) {
+        c->enabled = false;
+    }
+    w.palettes.txtSave.enabled = false;
+}
+
+/// Where it stood last; maximised it fills its monitor.
+void placeWindow(Control& window) {
+    window.width = settings.WinWidth;
+    window.height = settings.WinHeight;
+    window.left = settings.PosLeft;
+    window.top = settings.PosTop;
+    const std::vector<Monitor> screens = monitors();
+    if (settings.WinState == kMaximised && !screens.empty()) {
+        const auto wanted = static_cast<std::size_t>(settings.Monitor);
+        const Monitor& screen = screens[wanted < screens.size() ? wanted : 0];
+        window.width = screen.width * kTwipsPerPixel;
+        window.height = screen.height * kTwipsPerPixel;
+        window.left = screen.left * kTwipsPerPixel;
+        window.top = screen.top * kTwipsPerPixel;
+    }
+}
+
+void fillFromSettings() {
+    AnnouncerTab& a = frmMain().announcer;
+    a.DTMinute.caption = std::to_string(settings.TimeAnnMin);
+    a.DTSecond.caption = std::to_string(settings.TimeAnnSec);
+    a.DTDelay.caption = std::to_string(settings.TimeAnnDel);
+    LiveTab& l = frmMain().live;
+    l.cmbStream.caption = settings.StreamPoint;
+    l.SlideVolLive.value = settings.VolLive;
+    l.ckAutoDuckLive.value = settings.LiveAutoDuck;
+    l.btCoefVolLive.caption = "x" + std::to_string(settings.CoefVolLive);
+}
+
+}  // namespace
+
+void Form_Load() {
+    guarded("frmMain.Form_Load", [] {
+        registerFont(ShippedFile("Fonts/ZVR.ttf"));
+        registerFont(ShippedFile("Fonts/MSSSMod.ttf"));
+        MainWindow& w = frmMain();
+        DisplayControls& d = w.display;
+        for (Control* c : d.digits()) {
+            c->fontName = kSymbolFont;
+            c->fontSize = 48;
+            c->alignment = 2;
+        }
+        for (Control* c : {&d.lblPosMisD, &d.lblPosMisC}) {
+            c->fontSize = 14;
+        }
+        for (Control* c : {&d.lblErr, &d.lblClock[0], &d.lblClock[1], &d.lblClock[2], &d.lblPlayMode[0],
+                           &d.lblPlayMode[1]}) {
+            c->fontName = kSymbolFont;
+            c->fontSize = 12;
+        }
+        placeWindow(w.window);
+        wireWindow();
+        wireDisplay();
+        wirePalettes();
+        wireOptions();
+        wireKeys();
+        setMinimumSize(w.window, MinWinWidth, MinWinHeight);
+    });
+}
+
+void FormsLoad(const std::string& window) {
+    guarded("modMain.FormsLoad", [&] {
+        CtrlDown = false;
+        ShiftDown = false;
+        AltDown = false;
+        if (window != "frmMain") {
+            return;
+        }
+        ActiveTab = std::clamp(settings.ActiveTab, 0, kTabs - 1);
+        JGap = settings.JoinedJButtons == 1 ? 0 : kGap;
+        JOuterGap = settings.JoinedJButtons == 1 ? kJoinedOuterGap : 0;
+        ToggleTouch = static_cast<std::uint8_t>(settings.Touch == 1 ? 1 : 0);
+        ToggleAutoRep = static_cast<std::uint8_t>(settings.Autorepeat == 1 && settings.Touch != 1 ? 1 : 0);
+        fillFromSettings();
+        disableWhatIsToCome();
+        SwitchDarkMode(settings.DarkMode);
+        ApplyMeterLook();
+        DrawJButtons(1);
+        ReColorizeBtn();
+        MainWindow& w = frmMain();
+        for (int i = 0; i < kTabs; ++i) {
+            const auto at = static_cast<std::size_t>(i);
+            w.fraTab[at].visible = i == ActiveTab;
+            w.ckTab[at].value = i == ActiveTab ? 1 : 0;
+        }
+    });
+}
+
+bool Form_QueryUnload(int reason) {
+    return guardedOr("frmMain.Form_QueryUnload", true, [&] {
+        ErrLog("", UnloadReasonText(reason));
+        bool cancel = true;
+        if (settings.ConfirmExit == 1) {
+            cancel = messageBox(LnBox("mMsquit"), "Zentrova", BoxKind::question, BoxButtons::yesNo) !=
+                     BoxAnswer::yes;
+        } else {
+            cancel = false;
+        }
+        if (!cancel) {
+            settings.ActiveTab = ActiveTab;
+            SaveZVini();
+        }
+        return !cancel;
+    });
+}
+
+void frmMainUnload() {
+    guarded("frmMain.Form_Unload", [] {
+        MoveSrcJ = -1;
+        MoveDstJ = -1;
+        LoadingUI = true;
+        StopTimers();
+        hideWindow(frmMain().window);
+    });
+}
+
+void TimerMainPosTick() {
+    guarded("frmMain.TimerMainPos_Timer", [] {
+        const Control& w = frmMain().window;
+        if (isMinimised(w) || settings.FullScreen == 1) {
+            return;
+        }
+        const std::vector<Monitor> screens = monitors();
+        const bool fills = std::any_of(screens.begin(), screens.end(), [&](const Monitor& m) {
+            return w.width() >= m.width * kTwipsPerPixel &&
+                   w.height() >= (m.height - kTitleBar) * kTwipsPerPixel;
+        });
+        settings.WinState = fills ? kMaximised : 0;
+        if (fills) {
+            return;  // the size that it had before is kept
+        }
+        settings.WinWidth = w.width;
+        settings.WinHeight = w.height;
+        settings.PosLeft = w.left;
+        settings.PosTop = w.top;
+    });
+}
+
+}  // namespace zv
