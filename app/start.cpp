@@ -23,15 +23,15 @@
 #include "startup/stores.h"
 #include "startup/trace.h"
 #include "startup/upcalls.h"
+#include "ui/edit/palette_list.h"
+#include "ui/records/main_window.h"
+#include "ui/records/timers.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/colours.h"
 #include "ui/screen/counter.h"
 #include "ui/screen/layout.h"
-#include "ui/records/main_window.h"
-#include "ui/edit/palette_list.h"
-#include "ui/windows/splash.h"
-#include "ui/records/timers.h"
 #include "ui/upcalls_fill.h"
+#include "ui/windows/splash.h"
 
 namespace zv {
 namespace {

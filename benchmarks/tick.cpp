@@ -12,9 +12,9 @@
 #include "model/jingle.h"
 #include "platform/clock.h"
 #include "platform/qt/view/shell.h"
-#include "ui/screen/counter.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/timers.h"
+#include "ui/screen/counter.h"
 
 namespace zv::bench {
 namespace {

@@ -114,9 +114,9 @@ class DeviceSource {
     virtual std::vector<DeviceDescription> inputs() = 0;
     /// `id` empty: the default. Nothing is returned when the device cannot be opened.
     virtual std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
-                                               SoundClient& client) = 0;
+                                                    SoundClient& client) = 0;
     virtual std::unique_ptr<SoundDevice> openInput(const std::string& id, std::uint32_t rate,
-                                              SoundClient& client) = 0;
+                                                   SoundClient& client) = 0;
     /// The no-sound device: pulls its client at the pace of a clock and throws the sound away.
     virtual std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) = 0;
     /// True when sound is pulled by the program's clock and not by hardware: the engine then waits for
@@ -140,7 +140,8 @@ struct EnginePorts {
 /// Counters of a device, all since it was opened.
 struct DeviceStatistics {
     std::uint64_t callbacks = 0;
-    std::uint64_t underruns = 0;  ///< callbacks that took longer than their sound lasts, and times the device ran dry
+    std::uint64_t underruns =
+        0;  ///< callbacks that took longer than their sound lasts, and times the device ran dry
     std::uint64_t longestCallbackNs = 0;
     std::uint64_t commandOverflows = 0;  ///< commands that found the ring full
     std::uint64_t starvations = 0;       ///< times a decoder or a bridge was not ahead in time

@@ -18,15 +18,15 @@ using Colour = std::int32_t;  ///< 0xBBGGRR; negative numbers are theme colours,
 
 inline constexpr int kTwipsPerPixel = 15;
 inline constexpr Colour kButtonFace = static_cast<Colour>(0x8000000FU);  ///< the theme's own button face
-inline constexpr Colour kNoColour = -1;                                   ///< the shell's default
+inline constexpr Colour kNoColour = -1;                                  ///< the shell's default
 
 enum class ControlKind : std::uint8_t {
     window,
-    frame,         ///< groups children; back colour fills it
+    frame,  ///< groups children; back colour fills it
     label,
-    symbol,        ///< a label in the symbol font
+    symbol,  ///< a label in the symbol font
     button,
-    toggle,        ///< armed when its back colour is not the face
+    toggle,  ///< armed when its back colour is not the face
     checkBox,
     option,
     listBox,
@@ -34,10 +34,10 @@ enum class ControlKind : std::uint8_t {
     textBox,
     slider,
     progress,
-    panel,         ///< the display: one painted widget; its child labels are painted by it (digits, date, name)
-    jingle,        ///< a jingle button: one painted widget; its child records are painted by it
-    shape,         ///< a filled rectangle (bars), painted by its parent
-    meter,         ///< a level bar
+    panel,   ///< the display: one painted widget; its child labels are painted by it (digits, date, name)
+    jingle,  ///< a jingle button: one painted widget; its child records are painted by it
+    shape,   ///< a filled rectangle (bars), painted by its parent
+    meter,   ///< a level bar
     colourField,
     picture,
 };
@@ -51,15 +51,43 @@ inline constexpr int kAltMask = 4;
 
 struct MouseEvent {
     MouseButton button = MouseButton::left;
-    int shift = 0;  ///< kShiftMask | kCtrlMask | kAltMask
+    int shift = 0;     ///< kShiftMask | kCtrlMask | kAltMask
     int x = 0, y = 0;  ///< twips inside the control
 };
 
 /// Keys by their published virtual key numbers; letters and digits are their upper-case ASCII codes.
 enum class Key : int {
-    none = 0, backspace = 8, tab = 9, enter = 13, shift = 16, control = 17, alt = 18, escape = 27, space = 32,
-    pageUp = 33, pageDown = 34, end = 35, home = 36, left = 37, up = 38, right = 39, down = 40, insert = 45,
-    del = 46, f1 = 112, f2, f3, f4, f5, f6, f7, f8, f9, f10, f11, f12,
+    none = 0,
+    backspace = 8,
+    tab = 9,
+    enter = 13,
+    shift = 16,
+    control = 17,
+    alt = 18,
+    escape = 27,
+    space = 32,
+    pageUp = 33,
+    pageDown = 34,
+    end = 35,
+    home = 36,
+    left = 37,
+    up = 38,
+    right = 39,
+    down = 40,
+    insert = 45,
+    del = 46,
+    f1 = 112,
+    f2,
+    f3,
+    f4,
+    f5,
+    f6,
+    f7,
+    f8,
+    f9,
+    f10,
+    f11,
+    f12,
 };
 
 struct KeyEvent {
@@ -71,10 +99,10 @@ struct KeyEvent {
 
 /// How a meter is drawn (kind `meter`): its value runs from 0 to `maximum`, levels are percent of it.
 struct MeterLook {
-    bool gradient = true;      ///< colours run into each other
-    bool solid = false;        ///< the whole bar has the colour of its level
-    bool peak = true;          ///< a line stays at the highest value
-    int peakDelayMs = 100;     ///< how long it stays before it falls
+    bool gradient = true;   ///< colours run into each other
+    bool solid = false;     ///< the whole bar has the colour of its level
+    bool peak = true;       ///< a line stays at the highest value
+    int peakDelayMs = 100;  ///< how long it stays before it falls
     int midLevel = 70, hiLevel = 90;
     Colour backColor = 0, lowColor = 0xFF00, midColor = 0xFFFF, hiColor = 0xFF;
     bool vertical = true;
@@ -126,30 +154,33 @@ class Control {
     Property<int> left{*this, 0}, top{*this, 0}, width{*this, 0}, height{*this, 0};  ///< twips, in the parent
     Property<Colour> backColor{*this, kNoColour}, foreColor{*this, kNoColour};
     Property<Colour> borderColor{*this, kNoColour};
-    Property<std::string> caption{*this, {}};  ///< label and button text, text box contents; "&&" is an ampersand
+    Property<std::string> caption{*this,
+                                  {}};  ///< label and button text, text box contents; "&&" is an ampersand
     Property<std::string> toolTip{*this, {}};
     Property<std::string> fontName{*this, {}};  ///< empty: the program's own font
     Property<double> fontSize{*this, 0};        ///< points; 0: the shell's default
     Property<bool> fontBold{*this, false}, fontItalic{*this, false};
-    Property<int> alignment{*this, 0};          ///< of a text in its control: 0 left, 1 right, 2 centred
-    Property<int> value{*this, 0};  ///< check box and option 0/1, slider, progress, meter; jingle: JingleState
+    Property<int> alignment{*this, 0};  ///< of a text in its control: 0 left, 1 right, 2 centred
+    Property<int> value{*this,
+                        0};  ///< check box and option 0/1, slider, progress, meter; jingle: JingleState
     Property<int> minimum{*this, 0}, maximum{*this, 100};
-    Property<int> listIndex{*this, -1};         ///< selected row of a list or combo box, -1 none
+    Property<int> listIndex{*this, -1};  ///< selected row of a list or combo box, -1 none
     Property<std::vector<std::string>> items{*this, {}};
-    Property<int> topRow{*this, 0};             ///< first visible row of a list
-    Property<bool> sorted{*this, false};        ///< a list that the shell shows as it is given; logic sorts
-    Property<MeterLook> meterLook{*this, {}};   ///< kind meter only
+    Property<int> topRow{*this, 0};            ///< first visible row of a list
+    Property<bool> sorted{*this, false};       ///< a list that the shell shows as it is given; logic sorts
+    Property<MeterLook> meterLook{*this, {}};  ///< kind meter only
 
     // Handlers; an empty one does nothing. The shell calls them guarded by nothing: a handler guards itself.
     std::function<void(const MouseEvent&)> onMouseDown, onMouseUp, onMouseMove, onDoubleClick;
-    std::function<void()> onClick;    ///< a press and release inside, or the keyboard's way to do it
-    std::function<void()> onChange;   ///< the user moved, typed, ticked or selected: the record holds the new value
+    std::function<void()> onClick;  ///< a press and release inside, or the keyboard's way to do it
+    std::function<void()>
+        onChange;  ///< the user moved, typed, ticked or selected: the record holds the new value
     std::function<void(KeyEvent&)> onKeyDown, onKeyUp;
     std::function<void()> onFocus;
     std::function<void(const std::string& path)> onDrop;  ///< a file let go over the control
-    std::function<bool(int reason)> onQueryClose;  ///< window: false keeps it open
-    std::function<void()> onClose;                 ///< window: it closes now
-    std::function<void()> onResize;                ///< window: width and height hold the new inner size
+    std::function<bool(int reason)> onQueryClose;         ///< window: false keeps it open
+    std::function<void()> onClose;                        ///< window: it closes now
+    std::function<void()> onResize;  ///< window: width and height hold the new inner size
 
     /// Asked when a screen reader wants to know more than the caption: state and time left, in the user's words.
     std::function<std::string()> onDescribe;

@@ -75,7 +75,9 @@ std::string clipboard();
 bool registerFont(const std::string& file);
 bool fontInstalled(const std::string& family);
 std::vector<std::string> installedFonts();
-struct Monitor { int left = 0, top = 0, width = 0, height = 0; };  ///< pixels
+struct Monitor {
+    int left = 0, top = 0, width = 0, height = 0;
+};  ///< pixels
 std::vector<Monitor> monitors();
 /// True when a screen is there at all.
 bool screenAvailable();

@@ -28,7 +28,7 @@ class Timer {
     void start();                               ///< enables; a timer that runs goes on as it is
     void restart();                             ///< enables and counts from now
     void stop();
-    void setInterval(int ms);                   ///< counts from now when it changes
+    void setInterval(int ms);  ///< counts from now when it changes
 
   private:
     friend std::optional<std::int64_t> nextTimerDue();

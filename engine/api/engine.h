@@ -9,13 +9,13 @@
 #include <unordered_map>
 #include <vector>
 
-#include "engine/graph/channel.h"
-#include "engine/sources/decode_workers.h"
-#include "engine/devices/device.h"
 #include "engine/api/errors.h"
+#include "engine/api/sync.h"
+#include "engine/devices/device.h"
+#include "engine/graph/channel.h"
 #include "engine/graph/graph.h"
 #include "engine/ports.h"
-#include "engine/api/sync.h"
+#include "engine/sources/decode_workers.h"
 
 namespace zv {
 

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "engine/dsp/mix.h"
 #include "engine/api/engine.h"
+#include "engine/dsp/mix.h"
 #include "engine/realtime/thread_tags.h"
 
 using namespace zv;

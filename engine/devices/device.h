@@ -13,9 +13,9 @@
 #include <string>
 #include <vector>
 
-#include "engine/sources/bridge.h"
 #include "engine/graph/channel.h"
 #include "engine/ports.h"
+#include "engine/sources/bridge.h"
 
 namespace zv {
 

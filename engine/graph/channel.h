@@ -8,14 +8,14 @@
 #include <vector>
 
 #include "engine/bass.h"
-#include "engine/graph/chain.h"
 #include "engine/dsp/resampler.h"
-#include "engine/sources/live_input.h"
-#include "engine/sources/paged_sound.h"
+#include "engine/graph/chain.h"
 #include "engine/graph/slide.h"
-#include "engine/tempo/processor.h"
 #include "engine/graph/trail.h"
 #include "engine/realtime/trash.h"
+#include "engine/sources/live_input.h"
+#include "engine/sources/paged_sound.h"
+#include "engine/tempo/processor.h"
 
 namespace zv {
 
@@ -120,10 +120,10 @@ struct AudioState {
     std::uint64_t tempoIdle = 0;   ///< frames that passed since
     bool tempoSlides = false;      ///< the clock of the tempo processor must go on without sound
 
-    std::uint64_t position = 0;  ///< file: next frame; others: frames delivered
+    std::uint64_t position = 0;              ///< file: next frame; others: frames delivered
     std::uint64_t wrapFrom = 0, wrapTo = 0;  ///< file: the last wrap since it was moved; 0, 0: none
-    bool stretched = false;      ///< tempo: the last frame came from the processor
-    bool dry = false;            ///< waits for a decoder
+    bool stretched = false;                  ///< tempo: the last frame came from the processor
+    bool dry = false;                        ///< waits for a decoder
     std::uint32_t moves = 0;
     double tailSeconds = 0;
     bool inTail = false;

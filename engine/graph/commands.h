@@ -11,26 +11,26 @@
 namespace zv {
 
 enum class Order : std::uint8_t {
-    Play,        ///< a: generation
-    Stop,        ///< reserved room
-    Move,        ///< a: frame, b: number of the move
-    Volume,      ///< value, ms, flags, b: number of the order
-    Voldsp,      ///< the same
-    TempoSlides, ///< its tempo processor has a slide to go
-    Tail,        ///< value: seconds
-    SetChain,    ///< object: Chain
-    AddToMixer,  ///< other: mixer, object: Plug, a: generation, kBegins: it sounds
-    Unplug,      ///< out of its mixer
-    ToDevice,    ///< a: device, object: Plug
-    Free,        ///< object: ChannelKeeper
-    Orphan,      ///< its source was freed
-    User,        ///< other: the tempo channel over it
-    AddSync,     ///< object: SyncNode
-    RemoveSync,  ///< a: handle, 0 for all
-    EqBand,      ///< effect; a: band, value: dB, x: Hz, y: octaves, z: q
-    Reverb,      ///< effect; value: in gain, x: mix, y: ms, z: ratio
-    FxGain,      ///< effect; value
-    ResetFx,     ///< effect, or all of the channel
+    Play,         ///< a: generation
+    Stop,         ///< reserved room
+    Move,         ///< a: frame, b: number of the move
+    Volume,       ///< value, ms, flags, b: number of the order
+    Voldsp,       ///< the same
+    TempoSlides,  ///< its tempo processor has a slide to go
+    Tail,         ///< value: seconds
+    SetChain,     ///< object: Chain
+    AddToMixer,   ///< other: mixer, object: Plug, a: generation, kBegins: it sounds
+    Unplug,       ///< out of its mixer
+    ToDevice,     ///< a: device, object: Plug
+    Free,         ///< object: ChannelKeeper
+    Orphan,       ///< its source was freed
+    User,         ///< other: the tempo channel over it
+    AddSync,      ///< object: SyncNode
+    RemoveSync,   ///< a: handle, 0 for all
+    EqBand,       ///< effect; a: band, value: dB, x: Hz, y: octaves, z: q
+    Reverb,       ///< effect; value: in gain, x: mix, y: ms, z: ratio
+    FxGain,       ///< effect; value
+    ResetFx,      ///< effect, or all of the channel
 };
 
 inline constexpr std::uint32_t kSlideLog = 1, kSlideStops = 2, kBegins = 4;  ///< flags

@@ -7,9 +7,9 @@
 #include <thread>
 #include <vector>
 
-#include "engine/sources/bridge.h"
 #include "engine/ports.h"
 #include "engine/realtime/ring.h"
+#include "engine/sources/bridge.h"
 
 namespace zv {
 

@@ -174,11 +174,11 @@ class Offline final : public OfflineDevices {
     std::vector<DeviceDescription> outputs() override { return describe(world_->outputs); }
     std::vector<DeviceDescription> inputs() override { return describe(world_->inputs); }
     std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
-                                       SoundClient& client) override {
+                                            SoundClient& client) override {
         return open(world_->outputs, id, false, rate, client);
     }
     std::unique_ptr<SoundDevice> openInput(const std::string& id, std::uint32_t rate,
-                                      SoundClient& client) override {
+                                           SoundClient& client) override {
         return open(world_->inputs, id, true, rate, client);
     }
     std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) override {
@@ -254,7 +254,7 @@ class Offline final : public OfflineDevices {
         return list;
     }
     std::unique_ptr<SoundDevice> open(const std::vector<std::unique_ptr<Jack>>& jacks, const std::string& id,
-                                 bool input, std::uint32_t rate, SoundClient& client) {
+                                      bool input, std::uint32_t rate, SoundClient& client) {
         if (rate == 0) return nullptr;
         for (const auto& jack : jacks)
             if (jack->plugged && (id.empty() || jack->name == id))

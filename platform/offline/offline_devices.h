@@ -20,7 +20,7 @@ struct OfflineOptions {
     std::vector<std::string> outputs{"Main output", "Auxiliary output"};
     std::vector<std::string> inputs{"Microphone"};
     bool keepSound = true;  ///< remember what each output sent
-    bool rests = false;     ///< outputs are not called while their client rests, and at once when it wakes them
+    bool rests = false;  ///< outputs are not called while their client rests, and at once when it wakes them
 };
 
 class OfflineDevices : public DeviceSource {

@@ -80,11 +80,11 @@ class RtAudioDevices : public DeviceSource {
     std::vector<DeviceDescription> outputs() override { return list(Direction::Output); }
     std::vector<DeviceDescription> inputs() override { return list(Direction::Input); }
     std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
-                                       SoundClient& client) override {
+                                            SoundClient& client) override {
         return open(Direction::Output, id, rate, client);
     }
     std::unique_ptr<SoundDevice> openInput(const std::string& id, std::uint32_t rate,
-                                      SoundClient& client) override {
+                                           SoundClient& client) override {
         return open(Direction::Input, id, rate, client);
     }
     std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) override {
@@ -112,7 +112,7 @@ class RtAudioDevices : public DeviceSource {
     }
 
     std::unique_ptr<SoundDevice> open(Direction direction, const std::string& id, std::uint32_t rate,
-                                 SoundClient& client) const {
+                                      SoundClient& client) const {
         try {
             auto device = std::make_unique<RtAudioDevice>(api_, direction, client);
             if (device->open(id, rate)) return device;

@@ -15,10 +15,9 @@
 
 namespace {
 
-constexpr const char* extensions[] = {"wav", "aif", "flac", "ogg", "opus", "mp3", "mp2", "m4a",
-                                      "wma", "mpg", "avi",  "mkv", "mod",  "xm",  "it",  "s3m",
-                                      "mtm", "mo3", "mp1",  "mpa", "mp4",  "3gp", "wmv", "asf",
-                                      "aac", "asx", "webm", "caf"};
+constexpr const char* extensions[] = {"wav", "aif", "flac", "ogg", "opus", "mp3", "mp2",  "m4a", "wma", "mpg",
+                                      "avi", "mkv", "mod",  "xm",  "it",   "s3m", "mtm",  "mo3", "mp1", "mpa",
+                                      "mp4", "3gp", "wmv",  "asf", "aac",  "asx", "webm", "caf"};
 constexpr std::uint64_t mostRead = 200'000;  // frames, of files that claim to be long
 
 /// The decoding libraries carry no marks of the fuzzer: what came out of them is shown to it instead, so that

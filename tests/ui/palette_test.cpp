@@ -14,12 +14,12 @@
 #include "startup/settings.h"
 #include "startup/stores.h"
 #include "tests/ui/window_test.h"
-#include "ui/screen/colours.h"
-#include "ui/press/press.h"
-#include "ui/screen/counter.h"
 #include "ui/edit/edit_commands.h"
-#include "ui/screen/layout.h"
 #include "ui/edit/palette_list.h"
+#include "ui/press/press.h"
+#include "ui/screen/colours.h"
+#include "ui/screen/counter.h"
+#include "ui/screen/layout.h"
 
 namespace zv::test {
 

@@ -17,13 +17,13 @@
 #include "startup/settings.h"
 #include "tests/support/ear.h"
 #include "tests/ui/window_test.h"
-#include "ui/screen/colours.h"
-#include "ui/press/press.h"
-#include "ui/windows/console_window.h"
 #include "ui/edit/edit_commands.h"
 #include "ui/press/global_keys.h"
 #include "ui/press/keyboard.h"
+#include "ui/press/press.h"
+#include "ui/screen/colours.h"
 #include "ui/screen/layout.h"
+#include "ui/windows/console_window.h"
 
 namespace zv::test {
 

@@ -11,12 +11,12 @@
 #include "model/state.h"
 #include "startup/settings.h"
 #include "tests/ui/window_test.h"
-#include "ui/screen/colours.h"
 #include "ui/press/press.h"
+#include "ui/records/timers.h"
+#include "ui/screen/colours.h"
 #include "ui/screen/counter.h"
 #include "ui/screen/layout.h"
 #include "ui/screen/meters.h"
-#include "ui/records/timers.h"
 
 namespace zv::test {
 

@@ -6,11 +6,11 @@
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
-#include "ui/press/press.h"
 #include "ui/edit/edit_commands.h"
-#include "ui/screen/layout.h"
 #include "ui/edit/palette_list.h"
+#include "ui/press/press.h"
 #include "ui/records/timers.h"
+#include "ui/screen/layout.h"
 #include "ui/upcalls_fill.h"
 
 namespace zv::test {

@@ -18,7 +18,7 @@ namespace {
 constexpr std::uint8_t kButtonPress = 4;    // of the core protocol
 constexpr std::uint8_t kGenericEvent = 35;  // carries the input extension's events
 constexpr std::uint16_t kInputButtonPress = 4;
-constexpr float kSoft = 0.01F;  // what sounds below that goes on by itself
+constexpr float kSoft = 0.01F;                   // what sounds below that goes on by itself
 constexpr std::size_t kQuietSamples = 4410 * 2;  // 100 ms of stereo at 44,100
 
 struct AnyEvent {

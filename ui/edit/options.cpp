@@ -8,12 +8,12 @@
 #include "startup/guard.h"
 #include "startup/language.h"
 #include "startup/settings.h"
-#include "ui/screen/colours.h"
+#include "ui/edit/palette_list.h"
 #include "ui/press/press.h"
 #include "ui/records/jingle_buttons.h"
-#include "ui/screen/layout.h"
 #include "ui/records/main_window.h"
-#include "ui/edit/palette_list.h"
+#include "ui/screen/colours.h"
+#include "ui/screen/layout.h"
 
 namespace zv {
 

@@ -17,13 +17,13 @@
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
-#include "ui/press/press.h"
-#include "ui/screen/counter.h"
 #include "ui/edit/edit_commands.h"
+#include "ui/press/press.h"
 #include "ui/records/jingle_buttons.h"
-#include "ui/screen/layout.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
+#include "ui/screen/counter.h"
+#include "ui/screen/layout.h"
 
 namespace zv {
 

@@ -8,7 +8,7 @@
 namespace zv {
 
 extern bool PaletteOpening;  ///< OpenFile is under way: what steps through the list waits for it
-extern int PalLoadIdx;  ///< next slot that TimerLoadPal opens
+extern int PalLoadIdx;       ///< next slot that TimerLoadPal opens
 
 void lstPalRefresh();
 /// Selects the entry of that name; none when it is missing.

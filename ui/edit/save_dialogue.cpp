@@ -9,13 +9,13 @@
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
-#include "ui/screen/colours.h"
+#include "ui/edit/palette_list.h"
 #include "ui/press/press.h"
+#include "ui/records/main_window.h"
+#include "ui/records/timers.h"
+#include "ui/screen/colours.h"
 #include "ui/screen/counter.h"
 #include "ui/screen/layout.h"
-#include "ui/records/main_window.h"
-#include "ui/edit/palette_list.h"
-#include "ui/records/timers.h"
 
 namespace zv {
 

@@ -10,9 +10,9 @@
 #include "startup/guard.h"
 #include "startup/language.h"
 #include "startup/settings.h"
-#include "ui/screen/colours.h"
 #include "ui/press/press.h"
 #include "ui/records/main_window.h"
+#include "ui/screen/colours.h"
 
 namespace zv {
 

@@ -11,15 +11,15 @@
 #include "startup/helpers.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
-#include "ui/press/press.h"
-#include "ui/windows/console_window.h"
 #include "ui/edit/edit_commands.h"
-#include "ui/press/global_keys.h"
-#include "ui/screen/layout.h"
-#include "ui/records/main_window.h"
 #include "ui/edit/palette_list.h"
-#include "ui/windows/shortcuts_window.h"
+#include "ui/press/global_keys.h"
+#include "ui/press/press.h"
+#include "ui/records/main_window.h"
 #include "ui/records/timers.h"
+#include "ui/screen/layout.h"
+#include "ui/windows/console_window.h"
+#include "ui/windows/shortcuts_window.h"
 
 namespace zv {
 

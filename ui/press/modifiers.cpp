@@ -8,8 +8,8 @@
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "ui/press/press.h"
 #include "ui/edit/edit_commands.h"
+#include "ui/press/press.h"
 #include "ui/records/main_window.h"
 
 namespace zv {

@@ -12,13 +12,13 @@
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "ui/edit/edit_commands.h"
+#include "ui/edit/palette_list.h"
+#include "ui/records/jingle_buttons.h"
+#include "ui/records/main_window.h"
 #include "ui/screen/colours.h"
 #include "ui/screen/counter.h"
-#include "ui/edit/edit_commands.h"
-#include "ui/records/jingle_buttons.h"
 #include "ui/screen/layout.h"
-#include "ui/records/main_window.h"
-#include "ui/edit/palette_list.h"
 
 namespace zv {
 

@@ -10,12 +10,12 @@
 #include "startup/guard.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "ui/edit/edit_commands.h"
+#include "ui/press/press.h"
+#include "ui/records/main_window.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/colours.h"
-#include "ui/press/press.h"
 #include "ui/screen/counter.h"
-#include "ui/edit/edit_commands.h"
-#include "ui/records/main_window.h"
 
 namespace zv {
 

@@ -4,15 +4,15 @@
 
 #include "model/state.h"
 #include "startup/settings.h"
+#include "ui/edit/palette_list.h"
+#include "ui/press/keyboard.h"
+#include "ui/press/press.h"
+#include "ui/records/main_window.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/colours.h"
-#include "ui/press/press.h"
 #include "ui/screen/counter.h"
-#include "ui/press/keyboard.h"
 #include "ui/screen/layout.h"
-#include "ui/records/main_window.h"
 #include "ui/screen/meters.h"
-#include "ui/edit/palette_list.h"
 
 namespace zv {
 

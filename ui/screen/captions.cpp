@@ -12,8 +12,8 @@
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
-#include "ui/screen/counter.h"
 #include "ui/records/jingle_buttons.h"
+#include "ui/screen/counter.h"
 #include "ui/screen/layout.h"
 
 namespace zv {

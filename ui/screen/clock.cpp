@@ -11,9 +11,9 @@
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
-#include "ui/screen/counter.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
+#include "ui/screen/counter.h"
 
 namespace zv {
 

@@ -12,13 +12,13 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/settings.h"
-#include "ui/screen/clock.h"
-#include "ui/screen/colours.h"
 #include "ui/press/press.h"
 #include "ui/records/jingle_buttons.h"
-#include "ui/screen/layout.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
+#include "ui/screen/clock.h"
+#include "ui/screen/colours.h"
+#include "ui/screen/layout.h"
 
 namespace zv {
 

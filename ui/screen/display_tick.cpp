@@ -13,12 +13,12 @@
 #include "startup/helpers.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
-#include "ui/screen/colours.h"
 #include "ui/press/press.h"
-#include "ui/screen/counter.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
+#include "ui/screen/colours.h"
+#include "ui/screen/counter.h"
 
 namespace zv {
 

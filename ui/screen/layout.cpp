@@ -13,12 +13,12 @@
 #include "startup/settings.h"
 #include "startup/stores.h"
 #include "startup/trace.h"
-#include "ui/screen/clock.h"
+#include "ui/edit/palette_list.h"
 #include "ui/press/press.h"
 #include "ui/records/jingle_buttons.h"
-#include "ui/screen/layout_parts.h"
 #include "ui/records/main_window.h"
-#include "ui/edit/palette_list.h"
+#include "ui/screen/clock.h"
+#include "ui/screen/layout_parts.h"
 
 namespace zv {
 

@@ -5,9 +5,9 @@
 #include "startup/helpers.h"
 #include "startup/settings.h"
 #include "ui/records/jingle_buttons.h"
+#include "ui/records/main_window.h"
 #include "ui/screen/layout.h"
 #include "ui/screen/layout_parts.h"
-#include "ui/records/main_window.h"
 
 namespace zv {
 

@@ -4,9 +4,9 @@
 #include <string>
 
 #include "startup/settings.h"
+#include "ui/records/main_window.h"
 #include "ui/screen/layout.h"
 #include "ui/screen/layout_parts.h"
-#include "ui/records/main_window.h"
 #include "ui/screen/meters.h"
 
 namespace zv {

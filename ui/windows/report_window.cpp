@@ -8,8 +8,8 @@
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/upcalls.h"
-#include "ui/windows/console_window.h"
 #include "ui/records/main_window.h"
+#include "ui/windows/console_window.h"
 
 namespace zv {
 namespace {

@@ -21,7 +21,7 @@ namespace {
 constexpr double kFieldSize = 13;
 constexpr int kRowHeight = 21;
 constexpr int kLongRange = 1000;  ///< a slider of more than that many values scrolls; others set a value
-constexpr int kManyLines = 50;  ///< pixels of height from which a text box has several lines
+constexpr int kManyLines = 50;    ///< pixels of height from which a text box has several lines
 
 QPalette fieldPalette(const Control& record) {
     const Theme theme = themeOf(record);

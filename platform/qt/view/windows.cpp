@@ -6,8 +6,8 @@
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QResizeEvent>
-#include <QWheelEvent>
 #include <QScreen>
+#include <QWheelEvent>
 #include <QWindow>
 #include <algorithm>
 #include <utility>
