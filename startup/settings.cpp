@@ -28,7 +28,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* kObsoleteKeys[] = {"CueRepeater", "BottomMargin", "RightMargin"};
 constexpr std::array kMixerRates{11025, 22050, 44100, 48000, 96000};
-constexpr int kDefaultMixerRate = 44100;
 constexpr const char* kSamplePalette = "Sample Radio";
 constexpr const char* kNoImportFolder = ":";
 constexpr int kFullScreenMode = 2;
@@ -43,14 +42,14 @@ fs::file_time_type dateOfIniFile() {
 }
 
 cImpulse& storeOf(const SettingKey& key) {
-    return key.special == Special::account ? AccountStore : SettingsStore;
+    return key.rules.special == Special::account ? AccountStore : SettingsStore;
 }
 
 std::int32_t& numberOf(const SettingKey& key) {
     return settings.*std::get<std::int32_t Settings::*>(key.field);
 }
 std::string& textOf(const SettingKey& key) { return settings.*std::get<std::string Settings::*>(key.field); }
-bool isNumber(const SettingKey& key) { return std::holds_alternative<std::int32_t Settings::*>(key.field); }
+bool isNumber(const SettingKey& key) { return key.type != SettingType::text; }
 
 /// Values in the course of one load: the keys that need a default and those that could not be used.
 struct Load {
@@ -61,7 +60,7 @@ struct Load {
 };
 
 std::string defaultOf(const SettingKey& key, const Load& load) {
-    switch (key.special) {
+    switch (key.rules.special) {
         case Special::palette:
             return FileLength(PalFile) > 0 ? kSamplePalette : "";
         case Special::lastFolder:
@@ -73,15 +72,16 @@ std::string defaultOf(const SettingKey& key, const Load& load) {
         case Special::today:
             return LogDate();
         case Special::grid:
-            return load.first ? key.def : NumberText(numberOf(key));
+            return load.first ? SettingDefault(key) : SettingText(key);
         default:
-            return key.def;
+            return SettingDefault(key);
     }
 }
 
 bool hasDefault(const SettingKey& key) {
-    return key.special != Special::anything && key.special != Special::mixerFreq &&
-           key.special != Special::sealed;
+    const Special way = key.rules.special;
+    return way != Special::anything && way != Special::deviceSingle && way != Special::mixerFreq &&
+           way != Special::sealed;
 }
 
 /// The reading idiom; the default reaches the file with all others at the end.
@@ -98,26 +98,11 @@ void complain(Load& load, const SettingKey& key, const std::string& value, Conve
     load.bad += (load.bad.empty() ? "" : ", ") + std::string(key.key) + "=" + value;
 }
 
-void loadNumber(const SettingKey& key, const std::string& value, Load& load) {
-    std::int32_t number = 0;
-    if (value.empty() && key.def[0] == '\0') return;
-    const Conversion result = ToWhole(value, key.width, number);
-    if (result != Conversion::good) {
-        complain(load, key, value, result);
-        return;
-    }
-    if (number < key.low || number > key.high) {
-        if (key.outside == Outside::clamp) number = std::clamp(number, key.low, key.high);
-        if (key.outside == Outside::value) number = key.otherwise;
-    }
-    numberOf(key) = number;
-}
-
 void loadMixerFreq(const std::string& value, const SettingKey& key, Load& load) {
-    settings.MixerFreq = kDefaultMixerRate;
+    SetSetting(key, SettingDefault(key));
     if (value.empty()) return;
     std::int32_t rate = 0;
-    const Conversion result = ToWhole(value, Width::whole, rate);
+    const Conversion result = ToWhole(value, key.type, rate);
     if (result != Conversion::good) {
         complain(load, key, value, result);
     } else if (std::find(kMixerRates.begin(), kMixerRates.end(), rate) != kMixerRates.end()) {
@@ -132,7 +117,7 @@ std::string usableLanguage(const std::string& name) {
 
 void loadKey(const SettingKey& key, Load& load) {
     std::string value = readKey(key, load);
-    switch (key.special) {
+    switch (key.rules.special) {
         case Special::alwaysOnTop:
             settings.AlwaysOnTop =
                 value.empty() || value == "0" || SameText(value, "Faux") || SameText(value, "False") ? 0 : 1;
@@ -140,12 +125,15 @@ void loadKey(const SettingKey& key, Load& load) {
         case Special::anything:
             numberOf(key) = value.empty() ? 0 : 1;
             return;
+        case Special::deviceSingle:
+            settings.DeviceSingle = settings.DeviceSinglePending = value.empty() ? 0 : 1;
+            return;
         case Special::mixerFreq:
             loadMixerFreq(value, key, load);
             return;
         case Special::sealed:
             settings.Sealed = value;
-            if (value.empty()) load.defaults.emplace_back(key.key, key.def);
+            if (value.empty()) load.defaults.emplace_back(key.key, SettingDefault(key));
             return;
         case Special::folder:
             textOf(key) = GetFullPath(value);
@@ -169,35 +157,32 @@ void loadKey(const SettingKey& key, Load& load) {
         default:
             break;
     }
-    if (isNumber(key)) {
-        loadNumber(key, value, load);
-    } else {
-        textOf(key) = value;
-    }
+    const Conversion result = SetSetting(key, value);
+    if (result != Conversion::good) complain(load, key, value, result);
 }
 
 /// The text that the file is to hold for a field.
 std::string textToSave(const SettingKey& key) {
-    switch (key.special) {
-        case Special::anything:
-            return numberOf(key) != 0 ? "1" : "";
+    switch (key.rules.special) {
+        case Special::deviceSingle:
+            return settings.DeviceSinglePending != 0 ? "1" : "";
         case Special::mixerFreq:
-            return settings.MixerFreq == kDefaultMixerRate ? "" : NumberText(settings.MixerFreq);
+            return SettingText(key) == SettingDefault(key) ? "" : SettingText(key);
         case Special::folder:
         case Special::lastFolder:
             return GetRelPath(textOf(key));
         case Special::importFolder:
             return textOf(key).empty() ? kNoImportFolder : textOf(key);
         default:
-            return isNumber(key) ? NumberText(numberOf(key)) : textOf(key);
+            return SettingText(key);
     }
 }
 
 /// True when what the file holds means what the field holds.
 bool sameInFile(const SettingKey& key, const std::string& inFile, const std::string& wanted) {
     if (inFile == wanted) return true;
-    if (key.special == Special::anything) return inFile.empty() == wanted.empty();
-    if (key.special == Special::folder || key.special == Special::lastFolder) {
+    if (key.rules.special == Special::deviceSingle) return inFile.empty() == wanted.empty();
+    if (key.rules.special == Special::folder || key.rules.special == Special::lastFolder) {
         return !inFile.empty() && GetFullPath(inFile) == textOf(key);
     }
     if (!isNumber(key)) return false;
@@ -215,7 +200,6 @@ void LoadZVini(bool firstLoad) {
     Load load;
     load.first = firstLoad;
     for (const SettingKey& key : SettingKeys()) loadKey(key, load);
-    settings.DeviceSingle = settings.DeviceSinglePending;
     if (settings.FullScreen == 1) settings.WindowMode = kFullScreenMode;
     for (const char* key : kObsoleteKeys) {
         if (!SettingsStore.GetValue(key).empty()) load.defaults.emplace_back(key, "");
@@ -233,10 +217,10 @@ void SaveZVini() {
     std::vector<cImpulse::Line> changed;
     std::vector<cImpulse::Line> account;
     for (const SettingKey& key : SettingKeys()) {
-        if (!key.saved || keptOut.contains(LowerCase(key.key))) continue;
+        if (!key.rules.savedAtExit || keptOut.contains(LowerCase(key.key))) continue;
         const std::string wanted = textToSave(key);
         if (sameInFile(key, storeOf(key).GetValue(key.key), wanted)) continue;
-        (key.special == Special::account ? account : changed).emplace_back(key.key, wanted);
+        (key.rules.special == Special::account ? account : changed).emplace_back(key.key, wanted);
     }
     if (!changed.empty()) SettingsStore.PutSection(kSettingsSection, changed, false);
     if (!account.empty()) AccountStore.PutSection(kAccountSection, account, false);
@@ -275,14 +259,14 @@ void WriteSetting(std::string_view key, std::string_view value) { SettingsStore.
 
 int ReadMonitorSetting(int monitorCount) {
     std::int32_t monitor = 0;
-    const bool good = ToWhole(ReadSetting("Monitor", "0"), Width::word, monitor) == Conversion::good;
+    const bool good = ToWhole(ReadSetting("Monitor", "0"), SettingType::word, monitor) == Conversion::good;
     settings.Monitor = good && monitor >= 0 && monitor < monitorCount ? monitor : 0;
     return settings.Monitor;
 }
 
 bool ReadErrorLogSetting() {
     std::int32_t on = 0;
-    ToWhole(ReadSetting("ErrorLog", "0"), Width::byte, on);
+    ToWhole(ReadSetting("ErrorLog", "0"), SettingType::byte, on);
     settings.ErrorLog = on;
     ErrorLogOn = on != 0;
     return ErrorLogOn;
@@ -311,10 +295,7 @@ std::string CheckSection(const std::string& name) {
 std::string SettingsDump() {
     std::string out;
     for (const SettingKey& key : SettingKeys()) {
-        out.append(key.key)
-            .append("=")
-            .append(isNumber(key) ? NumberText(numberOf(key)) : textOf(key))
-            .append("\n");
+        out.append(key.key).append("=").append(SettingText(key)).append("\n");
     }
     return out;
 }

@@ -1,64 +1,42 @@
-/// The keys of zv.ini: field, default, range and what is done outside of it. The few keys with ways of their
-/// own are marked and handled beside the table. [control]
+/// The keys of zv.ini as a table: what a control, a reader or a writer needs to know of a setting. Made from
+/// settings_list.inc. [control]
 #pragma once
 
 #include <cstdint>
-#include <limits>
 #include <span>
 #include <string>
+#include <string_view>
 #include <variant>
 
+#include "startup/setting_rules.h"
 #include "startup/settings.h"
 
 namespace zv {
-
-/// How wide a number may be before it no longer converts.
-enum class Width : std::uint8_t { byte, word, whole };
-
-enum class Outside : std::uint8_t {
-    asIs,
-    clamp,  ///< to the nearest limit
-    value,  ///< becomes SettingKey::otherwise
-};
-
-enum class Special : std::uint8_t {
-    none,
-    palette,       ///< default only when palette.ini holds something
-    folder,        ///< absolute in the record, relative in the file where it can be
-    lastFolder,    ///< as folder; the sample folder where it does not exist
-    importFolder,  ///< ":" is none
-    alwaysOnTop,   ///< words of older versions
-    language,      ///< must be a section of language.ini
-    sealed,        ///< the language was chosen once
-    font,          ///< must be installed
-    grid,          ///< default only on a first load
-    ignoredUpdate,
-    today,
-    anything,   ///< 1 when the key holds anything; no default
-    mixerFreq,  ///< one of five rates; no default in the file
-    account,    ///< kept in account.ini
-};
 
 using SettingField = std::variant<std::int32_t Settings::*, std::string Settings::*>;
 
 struct SettingKey {
     const char* key;
+    SettingType type;
     SettingField field;
-    const char* def = "";
-    Width width = Width::whole;
-    Outside outside = Outside::asIs;
-    std::int32_t low = std::numeric_limits<std::int32_t>::min();
-    std::int32_t high = std::numeric_limits<std::int32_t>::max();
-    std::int32_t otherwise = 0;
-    Special special = Special::none;
-    bool saved = true;  ///< by SaveZVini; the others are written when they change
+    SettingRules rules;
 };
 
 /// In the order of loading.
 std::span<const SettingKey> SettingKeys();
+/// Nothing for a key that is no setting. Keys compare without regard to case.
+const SettingKey* FindSetting(std::string_view key);
 
-/// A number as the file has it: rounded to a whole one. Nothing when it is no number or too wide.
+/// The field's value as text, and its default. The default of a key with a way of its own may differ in the
+/// file (settings.cpp).
+std::string SettingText(const SettingKey& key);
+std::string SettingDefault(const SettingKey& key);
+
+/// Conversion of a text to a number: rounded to a whole one. It must be a number and fit the type.
 enum class Conversion : std::uint8_t { good, mismatch, overflow };
-Conversion ToWhole(const std::string& text, Width width, std::int32_t& value);
+Conversion ToWhole(const std::string& text, SettingType type, std::int32_t& value);
+/// Puts a text into the setting's field, a number held to the setting's limits. On a text that does not
+/// convert the field stays as it was. Ways of their own (Special) are not gone.
+Conversion SetSetting(const SettingKey& key, const std::string& text);
 
 }  // namespace zv

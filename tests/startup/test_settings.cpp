@@ -1,14 +1,15 @@
-// zv.ini: the whole table of keys from settings_table.txt, and the ways of loading, saving and sorting.
+// zv.ini: what its keys load as, and the ways of loading, saving and sorting.
 #include <gmock/gmock.h>
 
-#include <fstream>
 #include <map>
+#include <set>
 
 #include "platform/paths.h"
 #include "startup/datafiles.h"
 #include "startup/errors.h"
 #include "startup/helpers.h"
 #include "startup/settings.h"
+#include "startup/settings_table.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 #include "tests/startup/surroundings.h"
@@ -23,26 +24,43 @@ using ::testing::StartsWith;
 
 namespace fs = std::filesystem;
 
+/// What a key loads as: text in the file, value in the record. "!": it does not convert, the record keeps what
+/// it had; "@" is the program folder.
 struct Row {
-    std::string key, def;
-    std::vector<std::pair<std::string, std::string>> cases;  ///< text in the file, value in the record
+    const char* key;
+    const char* inFile;  ///< default in a fresh file; empty: no line is made
+    std::vector<std::pair<const char*, const char*>> cases;
 };
 
-std::vector<Row> table() {
-    std::ifstream in(std::string(ZV_SOURCE_DIR) + "/tests/startup/settings_table.txt");
-    std::vector<Row> rows;
-    for (std::string line; std::getline(in, line);) {
-        const std::vector<std::string> cells = Split(line, "|");
-        if (line.starts_with('#') || cells.size() != 3) continue;
-        Row row{Trim(cells[0]), Trim(cells[1]), {}};
-        for (const std::string& one : Split(Trim(cells[2]), ", ")) {
-            const std::size_t equals = one.rfind('=');
-            row.cases.emplace_back(one.substr(0, equals), one.substr(equals + 1));
-        }
-        rows.push_back(std::move(row));
-    }
-    return rows;
-}
+const std::vector<Row> kRows{
+    {"DateTimeColor", "33023", {{"255", "255"}, {"16777216", "16777216"}, {"red", "!"}}},
+    {"BlinkWarn", "0", {{"1", "1"}, {"255", "255"}, {"256", "!"}, {"-1", "!"}}},
+    {"WinWidth", "12000", {{"57600", "57600"}, {"3000000000", "!"}}},
+    {"MVHideElmts", "0", {{"-32768", "-32768"}, {"32768", "!"}}},
+    {"AlwaysOnTop", "0", {{"Faux", "0"}, {"False", "0"}, {"FALSE", "0"}, {"Vrai", "1"}, {"7", "1"}}},
+    {"IgnoredUpdate", "100", {{"101", "101"}, {"099", "100"}}},
+    {"Sealed", "0", {{"0", "0"}}},
+    {"PaletteIndex", "", {{"Evening", "Evening"}}},
+    {"Language", "English", {{"French", kFrench}, {"français", "français"}, {"Klingon", "English"}}},
+    {"SampleDir", "Audio_Sample", {{"Mine", "@/Mine"}, {"/srv/x", "/srv/x"}, {"C:\\S", "C:\\S"}}},
+    {"LastcmDlgDir", "Audio_Sample", {{"Gone", "@/Audio_Sample"}, {"Here", "@/Here"}}},
+    {"ImportFolderName", "Import", {{":", ""}, {"News", "News"}}},
+    {"JinglesRows", "6", {{"3", "4"}, {"4", "4"}, {"8", "8"}, {"9", "8"}, {"many", "!"}}},
+    {"JinglesCols", "5", {{"0", "4"}, {"12", "12"}, {"255", "12"}, {"300", "!"}}},
+    {"HotJinglesRows", "2", {{"0", "1"}, {"1", "1"}, {"3", "2"}}},
+    {"HotJinglesPos", "2", {{"0", "0"}, {"3", "2"}}},
+    {"HotJinglesHeight", "2", {{"0", "1"}, {"10", "10"}, {"11", "10"}}},
+    {"JLabelFormat", "0", {{"6", "6"}, {"7", "0"}}},
+    {"JLabelFontSize", "12", {{"0", "1"}, {"20", "20"}, {"21", "20"}}},
+    {"RemainWarn", "3", {{"59", "59"}, {"2.5", "2"}, {"3.5", "4"}}},
+    {"VUspeed", "7", {{"0", "1"}, {"20", "20"}, {"21", "20"}}},
+    {"VuRMS", "", {{"1", "1"}, {"x", "1"}}},
+    {"DeviceSingle", "", {{"1", "1"}, {"yes", "1"}}},
+    {"MixerFreq", "", {{"48000", "48000"}, {"96000", "96000"}, {"12345", "44100"}, {"fast", "!"}}},
+    {"TempoMax", "30", {{"4", "5"}, {"120", "120"}}},
+    {"MIDIOutFixedChan", "1", {{"16", "16"}, {"17", "1"}, {"0", "1"}}},
+    {"MIDIOutFixedVel", "127", {{"0", "0"}, {"128", "127"}, {"-1", "127"}}},
+};
 
 /// The record, by keys.
 std::map<std::string, std::string> record() {
@@ -73,58 +91,68 @@ class SettingsFile : public ProgramFolderTest {
     std::string value(const std::string& key) { return SettingsStore.GetValue(key); }
 };
 
-TEST_F(SettingsFile, EveryKeyHasItsDefault) {
+TEST_F(SettingsFile, AFreshFileHoldsTheDefaults) {
     load("");
-    const auto fields = record();
-    const std::vector<Row> rows = table();
-    EXPECT_GE(rows.size(), 170U);
-    for (const Row& row : rows) {
-        EXPECT_TRUE(fields.contains(row.key)) << row.key;
-        EXPECT_EQ(value(row.key), row.def == "-" ? "" : row.def) << row.key;
-    }
-    // Nothing in the file that the table does not know.
-    for (const auto& [key, text] : SettingsStore.GetSectionLines(kSettingsSection)) {
-        EXPECT_EQ(std::count_if(rows.begin(), rows.end(), [&](const Row& r) { return r.key == key; }), 1)
-            << key;
+    EXPECT_GE(SettingKeys().size(), 170U);
+    for (const Row& row : kRows) EXPECT_EQ(value(row.key), row.inFile) << row.key;
+    for (const SettingKey& key : SettingKeys()) {
+        if (key.rules.special != Special::none || SettingDefault(key).empty()) continue;
+        EXPECT_EQ(value(key.key), SettingDefault(key)) << key.key;
+        EXPECT_EQ(SettingText(key), SettingDefault(key)) << key.key;
     }
     EXPECT_EQ(ErrCount, 0);
     EXPECT_EQ(settings.MixerFreq, 44100);
     EXPECT_EQ(settings.SampleDir, programFolder() + "/Audio_Sample");
 }
 
-TEST_F(SettingsFile, EveryKeyLoadsConvertsAndClamps) {
+TEST_F(SettingsFile, KeysConvertAndAreHeldToTheirLimits) {
     load("");
     const auto defaults = record();
-    for (const Row& row : table()) {
+    for (const Row& row : kRows) {
         for (const auto& [text, wanted] : row.cases) {
             ErrCount = 0;
-            load("[Settings]\r\n" + row.key + "=" + text + "\r\n");
-            std::string expected = wanted == "!" ? defaults.at(row.key) : wanted;
+            load(std::string("[Settings]\r\n") + row.key + "=" + text + "\r\n");
+            std::string expected = wanted == std::string("!") ? defaults.at(row.key) : wanted;
             if (expected.starts_with("@")) expected = programFolder() + expected.substr(1);
             EXPECT_EQ(record()[row.key], expected) << row.key << "=" << text;
-            EXPECT_EQ(ErrCount, wanted == "!" ? 1 : 0) << row.key << "=" << text;
+            EXPECT_EQ(ErrCount, wanted == std::string("!") ? 1 : 0) << row.key << "=" << text;
             EXPECT_EQ(value(row.key), text) << "loading never changes what a key holds";
         }
     }
 }
 
 TEST_F(SettingsFile, EveryKeyIsSavedWhenItChanged) {
-    const std::vector<std::string> notSaved{"ActiveFXTab", "IgnoredUpdate", "PRAfterDate", "Sealed",
-                                            "VuRMS",       "Touch",         "Autorepeat"};
-    for (const Row& row : table()) {
-        load("[Settings]\r\n" + row.key + "=" + row.cases[0].first + "\r\n");
-        const auto changed = record();
-        write("zv.ini", "[Settings]\r\n");  // the file forgets, the record does not
+    const std::set<std::string> atOnce{"ActiveFXTab", "IgnoredUpdate", "PRAfterDate", "Sealed",
+                                       "VuRMS",       "Touch",         "Autorepeat"};
+    for (const SettingKey& key : SettingKeys()) {
+        if (key.rules.special != Special::none && key.rules.special != Special::grid) continue;
+        load("");
+        const std::string changed = SettingDefault(key) == "1" ? "2" : "1";
+        EXPECT_EQ(SetSetting(*FindSetting(LowerCase(key.key)), changed), Conversion::good);
+        EXPECT_NE(SettingText(key), SettingDefault(key)) << key.key;
+        const std::string wanted = SettingText(key);
         SaveZVini();
-        const bool saved = std::find(notSaved.begin(), notSaved.end(), row.key) == notSaved.end();
-        if (!saved) {
-            EXPECT_EQ(value(row.key), "") << row.key;
-            continue;
-        }
-        settings = {};
-        LoadZVini();
-        EXPECT_EQ(record().at(row.key), changed.at(row.key)) << row.key;
+        EXPECT_EQ(value(key.key), atOnce.contains(key.key) ? SettingDefault(key) : wanted) << key.key;
     }
+    EXPECT_EQ(FindSetting("NoSuchKey"), nullptr);
+}
+
+TEST_F(SettingsFile, ChoicesWithWaysOfTheirOwnAreSaved) {
+    load("");
+    settings.AlwaysOnTop = 1;
+    settings.Language = "Deutsch";
+    settings.SampleDir = "/srv/sounds";
+    settings.LastcmDlgDir = path("Here");
+    settings.ImportFolderName.clear();
+    settings.MixerFreq = 48000;
+    settings.DeviceSinglePending = 1;
+    settings.PaletteIndex = "Evening";
+    SaveZVini();
+    const std::pair<const char*, const char*> inFile[] = {
+        {"AlwaysOnTop", "1"},     {"Language", "Deutsch"},    {"SampleDir", "/srv/sounds"},
+        {"LastcmDlgDir", "Here"}, {"ImportFolderName", ":"},  {"MixerFreq", "48000"},
+        {"DeviceSingle", "1"},    {"PaletteIndex", "Evening"}};
+    for (const auto& [key, text] : inFile) EXPECT_EQ(value(key), text) << key;
 }
 
 TEST_F(SettingsFile, UntouchedWhenNothingChanged) {
@@ -153,7 +181,7 @@ TEST_F(SettingsFile, ClampReachesTheFileWithTheNextSave) {
 
 TEST_F(SettingsFile, NonsenseInEveryKeyIsOneReport) {
     std::string text = "[Settings]\r\n";
-    for (const Row& row : table()) text += row.key + "=\x01nonsense \xFF %s\r\n";
+    for (const SettingKey& key : SettingKeys()) text += std::string(key.key) + "=\x01nonsense \xFF %s\r\n";
     load(text);
     EXPECT_EQ(ErrCount, 1);
     EXPECT_THAT(ReportText, HasSubstr("Function: modMain.LoadZVini\r\nError Number: 13\r\n"));
