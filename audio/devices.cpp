@@ -28,7 +28,6 @@ constexpr std::size_t kUsualRate = 2;
 constexpr DWORD kFallbackRate = 44100;
 constexpr int kDefaultDevice = -1;
 constexpr DWORD kNoSound = 0;
-constexpr DWORD kVolumeMs = 50;
 constexpr DWORD kMicMs = 10;
 constexpr DWORD kPercentToGlobal = 100;
 constexpr DWORD kMixerFlags = BASS_STREAM_DECODE | BASS_MIXER_NONSTOP | BASS_SAMPLE_FLOAT;
@@ -211,14 +210,14 @@ void CloseMic() {
     });
 }
 
-void SetOutputVolume(int output, int percent) {
+void SetOutputVolume(int output, int percent, int ms) {
     if (single()) {
         if (output == 0)
             BASS_SetConfig(BASS_CONFIG_GVOL_STREAM, static_cast<DWORD>(percent) * kPercentToGlobal);
         return;
     }
     BASS_ChannelSlideAttribute(OutMixer[at(output)], BASS_ATTRIB_VOLDSP, static_cast<float>(percent) * 0.01F,
-                               kVolumeMs);
+                               static_cast<DWORD>(ms));
 }
 
 }  // namespace zv

@@ -40,7 +40,7 @@ void CloseMic();
 void ListOutDev();
 /// Fills the list of inputs and settles the saved one.
 void ListInDev();
-/// Level of an output in percent, reached in 50 ms.
-void SetOutputVolume(int output, int percent);
+/// Level of an output in percent, reached in `ms`; at once in the single topology, which has output 0 only.
+void SetOutputVolume(int output, int percent, int ms = 50);
 
 }  // namespace zv

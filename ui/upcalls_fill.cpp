@@ -19,6 +19,7 @@
 #include "startup/upcalls.h"
 #include "ui/edit/edit_commands.h"
 #include "ui/edit/palette_list.h"
+#include "ui/press/actions.h"
 #include "ui/press/global_keys.h"
 #include "ui/press/press.h"
 #include "ui/records/jingle_buttons.h"
@@ -228,6 +229,7 @@ void FillUpcalls() {
     FillReportUpcalls();
     fillModel();
     fillAudio();
+    FillActions();
 }
 
 }  // namespace zv

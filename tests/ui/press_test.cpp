@@ -133,7 +133,8 @@ constexpr Row kRows[] = {
     {"space inhibited", "", "0 inhibit space", "", ""},
     {"touch mode: any key, once", "", "0 ckTouch q 300 q", "a0-100 b100-", ""},
     {"space goes to what was played last", "empty", "0 down5 up5 300 space", "c0-300", ""},
-    {"touch: space let go presses again", "PlayMod=2", "0 down 200 up 300 space 500 letgo", "a0-100 b100-200 a300-400 b400-500 a500-600 b600-", ""},
+    {"touch is held on the space bar", "PlayMod=2", "0 down 200 up 300 space 400 held 500 letgo", "a0-100 b100-200 a300-400 b400-500", ""},
+    {"touch mode is held on the space bar", "", "0 ckTouch down 200 up 300 space 500 letgo", "a0-100 b100-200 a300-400 b400-500", ""},
 };
 // clang-format on
 
@@ -483,6 +484,8 @@ TEST_F(PressTest, keysOfTheWindow) {
     EXPECT_TRUE(key('L'));
     EXPECT_EQ(ActiveTab, 3);
     EXPECT_EQ(LoopToggleStep, 1);
+    key(static_cast<int>(Key::f9));
+    EXPECT_EQ(settings.JoinedJButtons, 0);
     key(static_cast<int>(Key::f9), kAltMask);
     EXPECT_EQ(settings.JoinedJButtons, 1);
     EXPECT_EQ(JGap, 0);

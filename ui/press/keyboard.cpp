@@ -1,43 +1,25 @@
 // The window's keys, and the Exit key.
 #include "ui/press/keyboard.h"
 
-#include <string_view>
-
-#include "audio/play.h"
-#include "model/jingle.h"
+#include "model/actions.h"
 #include "model/state.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
-#include "startup/helpers.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
-#include "ui/edit/edit_commands.h"
 #include "ui/edit/palette_list.h"
-#include "ui/press/global_keys.h"
-#include "ui/press/press.h"
+#include "ui/records/key_table.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
 #include "ui/screen/layout.h"
-#include "ui/windows/console_window.h"
-#include "ui/windows/shortcuts_window.h"
 
 namespace zv {
 
 namespace {
 
-constexpr int kSmallestScript = 3;  // bytes: a shorter script does nothing
-constexpr int kFromCode = 1;        // reason of closing: asked for by the program
+constexpr int kFromCode = 1;  // reason of closing: asked for by the program
 constexpr int kByUser = 0;
 constexpr int kWindowModes = 2;  // normal window, full screen
-
-constexpr int letter(char c) { return static_cast<int>(c); }
-
-void bring(MainTab tab) {
-    const int n = static_cast<int>(tab);
-    if (!frmMain().fraTab[static_cast<std::size_t>(n)].visible) {
-        ChangeTab(n);
-    }
-}
 
 /// Keys belong to the text while one is typed.
 bool typing() {
@@ -45,162 +27,57 @@ bool typing() {
     return focus != nullptr && (focus->kind == ControlKind::textBox || focus->kind == ControlKind::comboBox);
 }
 
-void runUserScript() {
-#ifdef _WIN32
-    const std::string script = InProgramFolder("myscript.bat");
-#else
-    const std::string script = InProgramFolder("myscript.sh");
-#endif
-    if (FileLength(script) > kSmallestScript) {
-        runMinimised(script);
+bool asHeld(KeyHeld held, int shift) {
+    switch (held) {
+        case KeyHeld::any:
+            return true;
+        case KeyHeld::eventAlt:
+            return (shift & kAltMask) != 0;
+        case KeyHeld::noEventAlt:
+            return (shift & kAltMask) == 0;
+        case KeyHeld::ctrl:
+            return CtrlDown;
+        case KeyHeld::noCtrl:
+            return !CtrlDown;
+        case KeyHeld::alt:
+            return AltDown;
+        case KeyHeld::altNoCtrl:
+            return AltDown && !CtrlDown;
+        case KeyHeld::ctrlNoAlt:
+            return CtrlDown && !AltDown;
+        case KeyHeld::neither:
+            return !CtrlDown && !AltDown;
     }
+    return false;
 }
 
-/// The function keys, which leave the key to the control as well. True: it was one.
-bool functionKey(const KeyEvent& event) {
-    const bool alt = (event.shift & kAltMask) != 0;
-    switch (event.key) {
-        case Key::f1:
-            OpenShortcuts();
-            return true;
-        case Key::f4:
-            if (alt) {
-                timers().TimerShutDown.stop();
-                UnloadMain(kByUser);
-            }
-            return true;
-        case Key::f5:
-            ChangeTab(0);
-            return true;
-        case Key::f6:
-            ChangeTab(1);
-            return true;
-        case Key::f7:
-            ChangeTab(2);
-            return true;
-        case Key::f8:
-            ChangeTab(3);
-            return true;
-        case Key::f9:
-            if (alt) {
-                SetJoinedJButtons(settings.JoinedJButtons != 1);
-            }
-            return true;
-        case Key::f10:
-            settings.HotJinglesPos = (settings.HotJinglesPos + 1) % 3;
-            FormDraw("init");
-            return true;
-        case Key::f11:
-            ChangeWindowMode();
-            return true;
-        default:
-            return false;
+const KeyRow* rowFor(const KeyEvent& event) {
+    if (event.key == Key::none) {
+        return nullptr;
     }
-}
-
-/// The letters of the window.
-bool isShortcut(Key key) {
-    const int code = static_cast<int>(key);
-    return code >= letter('A') && code <= letter('Z') &&
-           std::string_view("RTMEASFLNC").find(static_cast<char>(code)) != std::string_view::npos;
-}
-
-/// True when the key is one of the window's.
-bool consumedKey(KeyEvent& event) {
-    switch (event.key) {
-        case Key::del:
-            DeleteObj();
-            return true;
-        case Key::escape:
-            evStop();
-            return true;
-        case Key::pageUp:
-        case Key::pageDown:
-            StartPageKey(event.key);
-            return true;
-        case Key::space:
-            if (LastPlayedJ < 0) {
-                return false;  // the button with the focus may have it
-            }
-            if (!event.repeat) {
-                PlayJing(LastPlayedJ);
-            }
-            return true;
-        default:
-            break;
+    for (const KeyRow& row : KeyTable()) {
+        if (row.key == event.key && asHeld(row.held, event.shift)) {
+            return &row;
+        }
     }
-    if (event.repeat) {
-        return isShortcut(event.key);  // once is enough, and the focused control shall not have the rest
-    }
-    switch (static_cast<int>(event.key)) {
-        case letter('R'):
-            CkAutoRepTog();
-            return true;
-        case letter('T'):
-            CkTouchTog();
-            return true;
-        case letter('M'):
-            CkAutoMixTog();
-            return true;
-        case letter('E'):
-            bring(MainTab::palettes);
-            btNewTog();
-            return true;
-        case letter('A'):
-            if (CtrlDown) {
-                CheckAllSelectors();
-            } else {
-                bring(MainTab::palettes);
-                CkAssignTog();
-            }
-            return true;
-        case letter('S'):
-            ChangeTab(static_cast<int>(MainTab::palettes));
-            SavePal();
-            return true;
-        case letter('F'):
-            bring(MainTab::jingleOptions);
-            if (frmMain().options.ckFXI.enabled) {
-                ckFXI_MouseDown();
-            }
-            return true;
-        case letter('L'):
-            bring(MainTab::jingleOptions);
-            ckLoopITog();
-            return true;
-        case letter('X'):
-            if (!AltDown) {
-                return false;
-            }
-            OpenConsole();
-            return true;
-        case letter('N'):
-            bring(MainTab::timeAnnouncer);
-            return true;
-        case letter('C'):
-            if (AltDown && !CtrlDown) {
-                runUserScript();
-            } else if (!AltDown && !CtrlDown) {
-                bring(MainTab::timeAnnouncer);
-            } else if (CtrlDown && !AltDown) {
-                CopyAllJings();
-            }
-            return true;
-        default:
-            return false;
-    }
+    return nullptr;
 }
 
 }  // namespace
 
 void Form_KeyDown(KeyEvent& event) {
     guarded(".Form_KeyDown", [&] {
-        if (functionKey(event)) {
+        const KeyRow* row = rowFor(event);
+        if (row == nullptr || (!row->window && typing())) {
             return;
         }
-        if (!typing() && consumedKey(event)) {
-            event.consumed = true;
+        if (event.repeat && row->repeat == KeyRepeat::swallowed) {
+            // Before anything was played the button with the focus has the space bar.
+            event.consumed = row->action != Action::pressLast || LastPlayedJ >= 0;
+            return;
         }
+        const bool done = perform(row->action, row->argument, -1);
+        event.consumed = !row->window && done;
     });
 }
 
@@ -209,10 +86,8 @@ void Form_KeyUp(KeyEvent& event) {
         if (event.key == Key::pageUp || event.key == Key::pageDown) {
             StopPageKey();
         }
-        if (event.key == Key::space && !typing() && !event.repeat && LastPlayedJ >= 0 &&
-            J[static_cast<std::size_t>(LastPlayedJ)].PlayMod == PlayMode::touch) {
-            PlayJing(LastPlayedJ);
-            event.consumed = true;
+        if (event.key == Key::space && !typing() && !event.repeat) {
+            event.consumed = perform(Action::releaseLast, 0, -1);
         }
     });
 }

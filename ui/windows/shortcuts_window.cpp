@@ -10,6 +10,7 @@
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
+#include "ui/records/key_table.h"
 #include "ui/records/main_window.h"
 
 namespace zv {
@@ -20,53 +21,6 @@ constexpr int kMargin = 180, kWidth = 8400, kHeight = 8700, kKeyHeight = 510;  /
 constexpr int kRow = 390, kChipHeight = 330, kChipWidth = 1260, kChipGap = 90, kScrollbar = 300;
 constexpr int kSmallChange = 300, kLargeChange = 1000;
 constexpr Colour kLightChip = 0xFFFFFF, kDarkChip = 0x3C3A38;
-
-/// A key, or two that are held together: texts, or keys of the language for those that languages name
-/// differently.
-struct Row {
-    const char* first;
-    const char* second;
-    const char* text;
-    const Control* needs;  ///< the row is left out while this control is disabled
-};
-
-std::vector<Row> rows() {
-    const MainWindow& w = frmMain();
-    return {{"F1", "", "scF1", nullptr},
-            {"F2", "", "scF2", &w.keys.btSettings},
-            {"F3", "", "scF3", &w.palettes.btSearchJingle},
-            {"F5", "", "scF5", nullptr},
-            {"F6", "", "scF6", nullptr},
-            {"F7", "", "scF7", nullptr},
-            {"F8", "", "scF8", nullptr},
-            {"Alt", "F9", "scAltF9", nullptr},
-            {"F10", "", "scF10", nullptr},
-            {"F11", "", "scF11", nullptr},
-            {"scKeySpace", "", "scSpace", nullptr},
-            {"scKeyEscape", "", "scEscape", nullptr},
-            {"scKeyPageUp", "", "scPageUp", nullptr},
-            {"scKeyPageDown", "", "scPageDown", nullptr},
-            {"scKeyDelete", "", "scDelete", nullptr},
-            {"R", "", "scR", nullptr},
-            {"T", "", "scT", nullptr},
-            {"M", "", "scM", nullptr},
-            {"E", "", "scE", nullptr},
-            {"S", "", "scS", nullptr},
-            {"A", "", "scA", nullptr},
-            {"L", "", "scL", nullptr},
-            {"F", "", "scF", &w.options.ckFXI},
-            {"N", "", "scN", &w.announcer.ckTmAnn},
-            {"C", "", "scC", &w.announcer.b_tmAnJin},
-            {"scKeyCtrl", "", "scCtrl", nullptr},
-            {"scKeyCtrl", "scKeyShift", "scCtrlShift", nullptr},
-            {"scKeyShift", "", "scShift", nullptr},
-            {"Alt", "", "scAlt", nullptr},
-            {"scKeyCtrl", "Alt", "scCtrlAlt", nullptr},
-            {"scKeyCtrl", "A", "scCtrlA", nullptr},
-            {"scKeyCtrl", "C", "scCtrlC", nullptr},
-            {"Alt", "C", "scAltC", nullptr},
-            {"Alt", "X", "scAltX", nullptr}};
-}
 
 std::string keyName(const std::string& key) { return key.starts_with("scKey") ? Ln(key) : key; }
 
@@ -116,8 +70,8 @@ void fill() {
     s.btHelp.caption = Ln("scbtHelp");
     s.btHelp.visible = FileExists(helpFile());
     std::size_t i = 0;
-    for (const Row& row : rows()) {
-        if (row.needs != nullptr && !row.needs->enabled()) {
+    for (const KeyRow& row : KeyTable()) {
+        if (*row.text == '\0' || (row.needs != nullptr && !row.needs->enabled())) {
             continue;
         }
         const int top = static_cast<int>(i) * kRow;

@@ -1,0 +1,246 @@
+#include "ui/press/actions.h"
+
+#include <algorithm>
+#include <string>
+
+#include "audio/devices.h"
+#include "audio/play.h"
+#include "model/actions.h"
+#include "model/jingle.h"
+#include "model/state.h"
+#include "platform/desktop.h"
+#include "startup/guard.h"
+#include "startup/helpers.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+#include "ui/edit/edit_commands.h"
+#include "ui/edit/palette_list.h"
+#include "ui/press/global_keys.h"
+#include "ui/press/keyboard.h"
+#include "ui/press/press.h"
+#include "ui/records/main_window.h"
+#include "ui/records/timers.h"
+#include "ui/screen/layout.h"
+#include "ui/windows/console_window.h"
+#include "ui/windows/shortcuts_window.h"
+
+namespace zv {
+
+namespace {
+
+constexpr int kSmallestScript = 3;  // bytes: a shorter script does nothing
+constexpr int kHotPlaces = 3;       // none, above the grid, below it
+constexpr int kFullPercent = 100;
+constexpr int kLongestAutoMix = 5000;  // ms
+constexpr int kVolumeMs = 5;
+
+bool known(int index) { return index >= 0 && index < kJingles; }
+
+void bring(MainTab tab) {
+    const int n = static_cast<int>(tab);
+    if (!frmMain().fraTab[static_cast<std::size_t>(n)].visible) {
+        ChangeTab(n);
+    }
+}
+
+void runUserScript() {
+#ifdef _WIN32
+    const std::string script = InProgramFolder("myscript.bat");
+#else
+    const std::string script = InProgramFolder("myscript.sh");
+#endif
+    if (FileLength(script) > kSmallestScript) {
+        runMinimised(script);
+    }
+}
+
+bool paletteStep(PaletteKey how, bool up) {
+    const Control& list = frmMain().palettes.lstPal;
+    Timer& jump = up ? timers().Timerlstpaltop : timers().Timerlstpalbot;
+    const auto step = [up] { up ? evbtUp() : evBtDn(); };
+    switch (how) {
+        case PaletteKey::once:
+            step();
+            return true;
+        case PaletteKey::repeated:
+            StartPageKey(up ? Key::pageUp : Key::pageDown);
+            return true;
+        case PaletteKey::held:
+            if (!list.enabled) {
+                return false;
+            }
+            jump.restart();
+            step();
+            return true;
+        case PaletteKey::letGo:
+            jump.stop();
+            return true;
+        case PaletteKey::wheel: {
+            jump.stop();
+            const int last = static_cast<int>(list.items().size()) - 1;
+            const bool more = up ? list.listIndex > 0 : list.listIndex < last;
+            if (more) {
+                step();
+            }
+            return more;
+        }
+    }
+    return false;
+}
+
+/// The end of a press on a jingle, wherever it came from.
+void releaseJingle(int index) {
+    const JingleRecord& j = J[static_cast<std::size_t>(index)];
+    if (j.Seq == 0 && (j.PlayMod == PlayMode::touch || (ToggleTouch == 1 && j.PlayMod == PlayMode::global))) {
+        clTouchStop(index);
+    }
+}
+
+bool onJingle(Action action, int index, int velocity) {
+    if (!known(index)) {
+        return false;
+    }
+    if (action == Action::play) {
+        clPlay(index, velocity);
+    } else if (action == Action::release) {
+        releaseJingle(index);
+    } else {
+        btClic(index);
+    }
+    return true;
+}
+
+bool onLast(Action action) {
+    if (!known(LastPlayedJ)) {
+        return false;
+    }
+    if (action == Action::pressLast) {
+        PlayJing(LastPlayedJ);
+        return true;
+    }
+    if (settings.InhibSpBar != 0) {
+        return false;
+    }
+    releaseJingle(LastPlayedJ);
+    return true;
+}
+
+bool act(Action action, int argument, int velocity) {
+    switch (action) {
+        case Action::none:
+        case Action::minimalView:
+        case Action::settings:
+        case Action::search:
+            break;
+        case Action::play:
+        case Action::press:
+        case Action::release:
+            return onJingle(action, argument, velocity);
+        case Action::pressLast:
+        case Action::releaseLast:
+            return onLast(action);
+        case Action::stopAll:
+            evStop();
+            return true;
+        case Action::paletteUp:
+        case Action::paletteDown:
+            return paletteStep(static_cast<PaletteKey>(argument), action == Action::paletteUp);
+        case Action::newPalette:
+            bring(MainTab::palettes);
+            btNewTog();
+            return true;
+        case Action::savePalette:
+            ChangeTab(static_cast<int>(MainTab::palettes));
+            SavePal();
+            return true;
+        case Action::remove:
+            DeleteObj();
+            return true;
+        case Action::autoRepeat:
+            CkAutoRepTog();
+            return true;
+        case Action::touch:
+            CkTouchTog();
+            return true;
+        case Action::autoMix:
+            CkAutoMixTog();
+            return true;
+        case Action::micDown:
+            MicPush();
+            return settings.DeviceSingle == 0;
+        case Action::micUp:
+            MicRelease();
+            return settings.DeviceSingle == 0;
+        case Action::talkOver:
+            TalkOverTog();
+            return settings.DeviceSingle == 0;
+        case Action::volume:
+            settings.Volume = std::clamp(argument, 0, kFullPercent);
+            SetOutputVolume(0, settings.Volume, kVolumeMs);
+            return true;
+        case Action::autoMixTime:
+            settings.AutoMixTime = std::clamp(argument, 1, kLongestAutoMix);
+            return true;
+        case Action::assign:
+            bring(MainTab::palettes);
+            CkAssignTog();
+            return true;
+        case Action::effects:
+            bring(MainTab::jingleOptions);
+            if (frmMain().options.ckFXI.enabled) {
+                ckFXI_MouseDown();
+            }
+            return true;
+        case Action::loop:
+            bring(MainTab::jingleOptions);
+            ckLoopITog();
+            return true;
+        case Action::tickAll:
+            CheckAllSelectors();
+            return true;
+        case Action::copyCaptions:
+            CopyAllJings();
+            return true;
+        case Action::announcer:
+        case Action::announcerJingle:
+            bring(MainTab::timeAnnouncer);
+            return true;
+        case Action::tab:
+            ChangeTab(argument);
+            return true;
+        case Action::joinedButtons:
+            SetJoinedJButtons(settings.JoinedJButtons != 1);
+            return true;
+        case Action::hotJinglesPlace:
+            settings.HotJinglesPos = (settings.HotJinglesPos + 1) % kHotPlaces;
+            FormDraw("init");
+            return true;
+        case Action::fullScreen:
+            ChangeWindowMode();
+            return true;
+        case Action::shortcuts:
+            OpenShortcuts();
+            return true;
+        case Action::console:
+            OpenConsole();
+            return true;
+        case Action::userScript:
+            runUserScript();
+            return true;
+        case Action::close:
+            timers().TimerShutDown.stop();
+            UnloadMain(0);
+            return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+void FillActions() {
+    perform = [](Action action, int argument, int velocity) {
+        return guardedOr("frmMain.Perform", false, [&] { return act(action, argument, velocity); });
+    };
+}
+
+}  // namespace zv
