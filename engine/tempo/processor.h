@@ -12,10 +12,9 @@
 ///
 /// Frames are counted at the source's rate. Use by one channel:
 ///   [control]  setParameters(), slide(); after a seek prime(); all may be called at any time
-///   [audio]    render loop: while frames are wanted { if neutral(): up to neutralRun() frames from the
-///   source,
-///              then passed() and fade(); else view() or read() }; restart() when the channel is moved;
-///              idle() while it is not pulled and a slide runs
+///   [audio]    render loop, while frames are wanted: if neutral(), up to neutralRun() frames from the source,
+///              then passed() and fade(); else view() or read(). restart() when the channel is moved; idle()
+///              while it is not pulled and a slide runs
 ///   [worker]   work() every 10 to 20 ms, and at once after setParameters(), restart() and a change of the
 ///              source's range; offline before every rendered block, on the rendering thread itself
 #pragma once

@@ -9,11 +9,12 @@ namespace zv {
 
 /// One button with its parts. The button is of kind `jingle` and painted by one widget, which paints the
 /// parts from their records: geometry in twips inside the button, colours as they stand.
-///   b_Jingle     caption (first line the duration when there are two), back and fore colour, value: JingleState
-///   JremBG       the bar's track, JRemLev the bar: filled with backColor; hidden while nothing sounds
-///   lp, sq, fx, pm_Jingle  state marks: a dot in foreColor, seen while visible; caption is their symbol
-///   letter picPlaylist, lblPlaylist  small field with the letter "P" or "K" of the symbol font picbtnumber,
-///   lblbtnumber  the number ckJingSel    the selection box, value 0 or 1
+///   b_Jingle                   caption (of two lines the first is the duration), both colours, value: JingleState
+///   JremBG, JRemLev            the bar's track and the bar: filled with backColor, hidden while nothing sounds
+///   lp, sq, fx, pm_Jingle      state marks: a dot in foreColor while visible; caption is their symbol letter
+///   picPlaylist, lblPlaylist   a small field with the letter "P" or "K" of the symbol font
+///   picbtnumber, lblbtnumber   the number
+///   ckJingSel                  the selection box, value 0 or 1
 /// Not made yet: null from Button().
 struct JingleButton {
     JingleButton(Control& block, int index);
