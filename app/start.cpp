@@ -53,22 +53,22 @@ void step(std::string_view name, Body&& body) {
 /// The one fatal condition of the start.
 bool refuse(const std::string& logged, const std::string& shown) {
     UnloadSplash();
-    ErrLog(audioLibraryName(), logged);
+    ErrLog(engine::audioLibraryName(), logged);
     messageBox(shown, kTitle, BoxKind::stop, BoxButtons::ok);
     return false;
 }
 
 bool loadEngine() {
-    const std::string library = audioLibraryName();
+    const std::string library = engine::audioLibraryName();
     const std::string path = shippedFolder() + "/" + library;
     if (!FileExists(path))
         return refuse(" " + library + " does not exist!", "The file " + library + " does not exist!");
-    const bool loaded = loadAudioLibrary(path);
+    const bool loaded = engine::loadAudioLibrary(path);
     if (!loaded || (BASS_GetVersion() >> 16) != kWantedBass) {
         const std::string text = " BASS version 2.4 was not loaded";
         return refuse(text, text.substr(1));
     }
-    audioLibraryControl()->install(soundPorts());
+    engine::audioLibraryControl()->install(soundPorts());
     const DWORD version = BASS_GetVersion();
     ConsoleAdd("Bass : " + std::to_string(version >> 24) + "." + std::to_string(version >> 16 & 0xFF) + "." +
                std::to_string(version >> 8 & 0xFF) + "." + std::to_string(version & 0xFF));

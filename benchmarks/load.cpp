@@ -76,7 +76,7 @@ void mixing() {
     start(jingles);
     settle(studio);
 
-    FlushToZero flush;
+    engine::FlushToZero flush;
     PlainMix plain(sounds);
     std::vector<double> engineTimes, plainTimes, ratios;
     for (int run = 0; run < kRuns; ++run) {
@@ -94,7 +94,7 @@ void mixing() {
 void effects() {
     constexpr PlainBand kBands[] = {{60, 7, 2.5},   {150, 3, 2.5},  {400, 1, 2.5},  {1000, -2, 2.5},
                                     {2400, 2, 2.5}, {6000, 3, 2.5}, {15000, 7, 2.5}};
-    if (!dsp::usesWidePath()) return missing("effects-120", "the loop it is held against needs AVX2");
+    if (!engine::dsp::usesWidePath()) return missing("effects-120", "the loop it is held against needs AVX2");
     const auto sounds = makeSounds(kChannels, kFrames);
     Studio studio(sounds);
     std::vector<DWORD> jingles;
@@ -117,7 +117,7 @@ void effects() {
     start(jingles);
     settle(studio);
 
-    FlushToZero flush;
+    engine::FlushToZero flush;
     std::vector<float> bus(2 * kPeriod);
     PlainEffects plain(sounds, kBands, PlainForm::Integrators, kRate);
     PlainEffects direct(sounds, kBands, PlainForm::Direct, kRate);
@@ -153,8 +153,8 @@ double playPaced(Studio& studio, double seconds) {
 
 /// The stretching library alone over the same sounds, one after the other without a pause: it stretches as much
 /// sound as is heard, and nothing else.
-double bareLibrary(StretcherSource& library, const std::vector<std::vector<float>>& sounds, double tempo,
-                   double seconds) {
+double bareLibrary(engine::StretcherSource& library, const std::vector<std::vector<float>>& sounds,
+                   double tempo, double seconds) {
     return secondsOf([&] {
         std::vector<float> out(2 * kPeriod);
         for (const auto& sound : sounds) {

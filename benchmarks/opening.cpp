@@ -69,7 +69,7 @@ void opening() {
     for (int run = 0; run < 3; ++run) {
         files.cool();
         const auto devices = std::make_shared<HandDevices>();
-        engineControl()->install({makeFileDecoders(), soundTouchStretchers(), devices});
+        engine::engineControl()->install({makeFileDecoders(), soundTouchStretchers(), devices});
         BASS_Init(1, kRate, 0, nullptr, nullptr);
         constexpr DWORD mixing = BASS_STREAM_DECODE | BASS_MIXER_NONSTOP | BASS_SAMPLE_FLOAT;
         const DWORD mixer = BASS_Mixer_StreamCreate(kRate, 2, mixing);
@@ -112,7 +112,7 @@ void opening() {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
         memories.push_back(residentMegabytes() - before);
-        engineControl()->install({});
+        engine::engineControl()->install({});
     }
     atMost("open-96", median(totals), "s", 3);
     atMost("open-96-hold", median(holds), "ms", 15);

@@ -12,10 +12,10 @@
 namespace zv::bench {
 namespace {
 
-class MemoryDecoder final : public Decoder {
+class MemoryDecoder final : public engine::Decoder {
   public:
     explicit MemoryDecoder(const std::vector<float>& sound) : sound_(sound) {}
-    SoundFormat format() const override { return {kRate, 2, 16}; }
+    engine::SoundFormat format() const override { return {kRate, 2, 16}; }
     std::optional<std::uint64_t> length() const override { return sound_.size() / 2; }
     std::size_t read(std::span<float> out) override {
         const std::size_t count = std::min(out.size(), sound_.size() - at_);
@@ -34,19 +34,19 @@ class MemoryDecoder final : public Decoder {
     std::size_t at_ = 0;
 };
 
-class MemorySource final : public DecoderSource {
+class MemorySource final : public engine::DecoderSource {
   public:
     explicit MemorySource(const std::vector<std::vector<float>>& sounds) : sounds_(sounds) {}
-    std::unique_ptr<Decoder> openFile(const std::string& path, int& error) override {
+    std::unique_ptr<engine::Decoder> openFile(const std::string& path, int& error) override {
         const std::size_t k = std::stoul(path);
         if (k < sounds_.size()) return std::make_unique<MemoryDecoder>(sounds_[k]);
         error = BASS_ERROR_FILEOPEN;
         return nullptr;
     }
-    std::unique_ptr<Decoder> openModule(const std::string& path, int& error) override {
+    std::unique_ptr<engine::Decoder> openModule(const std::string& path, int& error) override {
         return openFile(path, error);
     }
-    std::unique_ptr<Decoder> openUrl(const std::string&, std::uint32_t, int& error) override {
+    std::unique_ptr<engine::Decoder> openUrl(const std::string&, std::uint32_t, int& error) override {
         error = BASS_ERROR_NONET;
         return nullptr;
     }
@@ -63,9 +63,9 @@ DWORD had(DWORD handle, const char* what) {
 
 }  // namespace
 
-class HandDevice final : public SoundDevice {
+class HandDevice final : public engine::SoundDevice {
   public:
-    HandDevice(HandDevices& owner, SoundClient& client) : owner_(owner), client_(client) {
+    HandDevice(HandDevices& owner, engine::SoundClient& client) : owner_(owner), client_(client) {
         owner_.clients_.push_back(&client_);
     }
     ~HandDevice() override { std::erase(owner_.clients_, &client_); }
@@ -74,23 +74,24 @@ class HandDevice final : public SoundDevice {
 
   private:
     HandDevices& owner_;
-    SoundClient& client_;
+    engine::SoundClient& client_;
 };
 
-std::vector<DeviceDescription> HandDevices::outputs() {
+std::vector<engine::DeviceDescription> HandDevices::outputs() {
     return {{"Main output", "main", true, kRate}, {"Auxiliary output", "aux", false, kRate}};
 }
 
-std::unique_ptr<SoundDevice> HandDevices::openOutput(const std::string&, std::uint32_t, SoundClient& client) {
+std::unique_ptr<engine::SoundDevice> HandDevices::openOutput(const std::string&, std::uint32_t,
+                                                             engine::SoundClient& client) {
     return std::make_unique<HandDevice>(*this, client);
 }
 
-std::unique_ptr<SoundDevice> HandDevices::openNoSound(std::uint32_t, SoundClient& client) {
+std::unique_ptr<engine::SoundDevice> HandDevices::openNoSound(std::uint32_t, engine::SoundClient& client) {
     return std::make_unique<HandDevice>(*this, client);
 }
 
 void HandDevices::period() {
-    for (SoundClient* client : clients_) {
+    for (engine::SoundClient* client : clients_) {
         const double before = threadSeconds();
         client->render(buffer_);
         longest_ = std::max(longest_, threadSeconds() - before);
@@ -110,7 +111,8 @@ std::vector<std::vector<float>> makeSounds(std::size_t count, std::size_t frames
 
 Studio::Studio(const std::vector<std::vector<float>>& sounds) {
     constexpr DWORD mixing = BASS_STREAM_DECODE | BASS_MIXER_NONSTOP | BASS_SAMPLE_FLOAT;
-    engineControl()->install({std::make_shared<MemorySource>(sounds), soundTouchStretchers(), devices});
+    engine::engineControl()->install(
+        {std::make_shared<MemorySource>(sounds), soundTouchStretchers(), devices});
     BASS_Init(0, kRate, 0, nullptr, nullptr);
     mainMixer_ = had(BASS_Mixer_StreamCreate(kRate, 2, mixing), "the main mixer");
     const DWORD micMixer = had(BASS_Mixer_StreamCreate(kRate, 2, mixing), "the microphone mixer");
@@ -129,7 +131,7 @@ Studio::Studio(const std::vector<std::vector<float>>& sounds) {
     }
 }
 
-Studio::~Studio() { engineControl()->install({}); }
+Studio::~Studio() { engine::engineControl()->install({}); }
 
 DWORD Studio::jingle(std::size_t k) {
     const std::string name = std::to_string(k);

@@ -15,16 +15,18 @@ inline constexpr std::uint32_t kRate = 44100;
 inline constexpr std::uint32_t kPeriod = 256;
 
 /// Devices that wait to be asked.
-class HandDevices final : public DeviceSource {
+class HandDevices final : public engine::DeviceSource {
   public:
-    std::vector<DeviceDescription> outputs() override;
-    std::vector<DeviceDescription> inputs() override { return {}; }
-    std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
-                                            SoundClient& client) override;
-    std::unique_ptr<SoundDevice> openInput(const std::string&, std::uint32_t, SoundClient&) override {
+    std::vector<engine::DeviceDescription> outputs() override;
+    std::vector<engine::DeviceDescription> inputs() override { return {}; }
+    std::unique_ptr<engine::SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
+                                                    engine::SoundClient& client) override;
+    std::unique_ptr<engine::SoundDevice> openInput(const std::string&, std::uint32_t,
+                                                   engine::SoundClient&) override {
         return nullptr;
     }
-    std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) override;
+    std::unique_ptr<engine::SoundDevice> openNoSound(std::uint32_t rate,
+                                                     engine::SoundClient& client) override;
     bool offline() const override { return false; }
 
     /// One period on every output.
@@ -35,7 +37,7 @@ class HandDevices final : public DeviceSource {
 
   private:
     friend class HandDevice;
-    std::vector<SoundClient*> clients_;
+    std::vector<engine::SoundClient*> clients_;
     std::vector<float> buffer_ = std::vector<float>(2 * kPeriod);
     double longest_ = 0;
 };

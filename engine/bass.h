@@ -169,9 +169,10 @@ struct BASS_BFX_VOLUME {
 /// Called once on the sync dispatcher [sync]; may call the engine, must not touch the interface.
 using SYNCPROC = void(HSYNC handle, DWORD channel, DWORD data, void* user);
 
+// The operations are all that the library shows, with engineControl() in ports.h.
+#pragma GCC visibility push(default)
 extern "C" {
 // ---- the library
-// -------------------------------------------------------------------------------------------
 
 /// The version: BASSVERSION in the high word. Leaves no code. [any]
 DWORD BASS_GetVersion();
@@ -184,7 +185,6 @@ bool BASS_SetConfig(DWORD option, DWORD value);
 DWORD BASS_GetConfig(DWORD option);
 
 // ---- output devices
-// ----------------------------------------------------------------------------------------
 
 /// Opens device `device` (0 no sound, 1 and up the outputs in the system's order, -1 the default) at `freq`
 /// Hz (1000 to 768000) and selects it for the calling thread. The first device that is opened settles the
@@ -205,7 +205,6 @@ bool BASS_GetDeviceInfo(DWORD device, BASS_DEVICEINFO* info);
 bool BASS_Free();
 
 // ---- inputs
-// ------------------------------------------------------------------------------------------------
 
 /// Takes input `device` (0 and up, -1 the default) into use and selects it for the calling thread. Errors:
 /// DEVICE, ALREADY. [control]
@@ -226,8 +225,8 @@ HRECORD BASS_RecordStart(DWORD freq, DWORD channels, DWORD flags, void* procedur
 bool BASS_RecordFree();
 
 // ---- sources
-// ----------------------------------------------------------------------------------------------- Flags:
-// BASS_STREAM_DECODE, BASS_SAMPLE_FLOAT (positions and data count 4 bytes a sample), BASS_SAMPLE_LOOP.
+//
+// Flags: BASS_STREAM_DECODE, BASS_SAMPLE_FLOAT (positions and data count 4 bytes a sample), BASS_SAMPLE_LOOP.
 // Without BASS_STREAM_DECODE the channel plays on the thread's device and starts stopped (error INIT without
 // one). A decoding channel counts as playing until it is stopped.
 
@@ -251,7 +250,6 @@ bool BASS_StreamFree(HSTREAM handle);
 bool BASS_MusicFree(HMUSIC handle);
 
 // ---- channels
-// ----------------------------------------------------------------------------------------------
 
 /// BASS_ACTIVE_...: the caller's own orders are seen at once. Only web streams and recordings stall. 0 with
 /// BASS_ERROR_HANDLE for an unknown handle. [any]
@@ -326,7 +324,6 @@ HSYNC BASS_ChannelSetSync(DWORD handle, DWORD type, QWORD position, SYNCPROC* pr
 bool BASS_ChannelRemoveSync(DWORD handle, HSYNC sync);
 
 // ---- effects
-// -----------------------------------------------------------------------------------------------
 
 /// Adds an effect BASS_FX_... to a channel's chain (32 at most) and returns its handle; higher priorities
 /// come first, of equals the older. A new effect changes nothing until it is set. Errors: ILLTYPE, NOFX, MEM.
@@ -349,7 +346,6 @@ bool BASS_FXReset(DWORD handle);
 HSTREAM BASS_FX_TempoCreate(DWORD source, DWORD flags);
 
 // ---- mixers and splits
-// -------------------------------------------------------------------------------------
 
 /// A mixer at `freq` Hz (100 to 768000) in stereo (`channels` 2). With BASS_MIXER_NONSTOP it yields silence
 /// where nothing sounds, else it stalls there. Errors: FORMAT, FREQ, INIT. [any]
@@ -367,4 +363,5 @@ bool BASS_Mixer_ChannelGetLevelEx(DWORD channel, float* levels, float seconds, D
 /// what is sounding now. `map` must be null. Errors: DECODE, ALREADY (the source is in a mixer), NOTAVAIL,
 /// INIT, MEM. [any]
 HSTREAM BASS_Split_StreamCreate(DWORD source, DWORD flags, const int* map);
-}
+}  // extern "C"
+#pragma GCC visibility pop

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace zv {
+namespace zv::engine {
 
 /// Format of decoded sound.
 struct SoundFormat {
@@ -157,7 +157,7 @@ struct EngineControl {
     void (*settleSyncs)();
 };
 
-/// The one C++ entry of the shared library.
-extern "C" const EngineControl* engineControl();
+/// The one entry of the shared library besides the operations. [any]
+extern "C" [[gnu::visibility("default")]] const EngineControl* engineControl();
 
-}  // namespace zv
+}  // namespace zv::engine

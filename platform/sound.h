@@ -8,6 +8,6 @@ namespace zv {
 
 /// Decoders (FFmpeg, libopenmpt), stretcher (SoundTouch) and devices of the surroundings: a sound server's on
 /// the desktop, offline ones in a rehearsal. [control]
-EnginePorts soundPorts();
+engine::EnginePorts soundPorts();
 
 }  // namespace zv

@@ -3,7 +3,7 @@
 
 #include "engine/api/engine.h"
 
-using namespace zv;
+using namespace zv::engine;
 
 namespace {
 

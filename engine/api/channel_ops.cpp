@@ -1,7 +1,7 @@
 // What several operations on channels share.
 #include "engine/api/engine.h"
 
-namespace zv {
+namespace zv::engine {
 
 void orderVolume(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic,
                  bool stops) {
@@ -131,4 +131,4 @@ DWORD publishChannel(Engine& engine, const std::shared_ptr<Channel>& channel) {
     return succeed(channel->handle);
 }
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -4,7 +4,7 @@
 
 #include "engine/api/engine.h"
 
-using namespace zv;
+using namespace zv::engine;
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include "engine/api/engine.h"
 
-using namespace zv;
+using namespace zv::engine;
 
 namespace {
 
@@ -115,7 +115,6 @@ bool BASS_Free() {
 }
 
 // ---- inputs
-// ------------------------------------------------------------------------------------------------
 
 bool BASS_RecordInit(int device) {
     const Call call;

@@ -6,7 +6,7 @@
 
 #include "engine/realtime/thread_tags.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 constexpr std::uint64_t kSilentRank = std::uint64_t{1} << 40, kNoSoundRank = std::uint64_t{1} << 50;
@@ -302,4 +302,4 @@ void Engine::closeOutput(int number, std::unique_lock<std::mutex>& lock) {
     rankOutputs();
 }
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -17,7 +17,7 @@
 #include "engine/ports.h"
 #include "engine/sources/decode_workers.h"
 
-namespace zv {
+namespace zv::engine {
 
 struct SyncRecord {
     DWORD channel = 0;
@@ -124,4 +124,4 @@ std::uint64_t positionOf(Channel& channel);
 std::shared_ptr<Channel> prepareChannel(Engine& engine, Kind kind, DWORD flags, const SoundFormat& format);
 DWORD publishChannel(Engine& engine, const std::shared_ptr<Channel>& channel);
 
-}  // namespace zv
+}  // namespace zv::engine

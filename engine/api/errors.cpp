@@ -1,6 +1,6 @@
 #include "engine/api/errors.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 thread_local int threadError = BASS_OK;
 }
@@ -8,4 +8,4 @@ thread_local int threadError = BASS_OK;
 void setError(int code) { threadError = code; }
 int lastError() { return threadError; }
 
-}  // namespace zv
+}  // namespace zv::engine

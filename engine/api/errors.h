@@ -3,7 +3,7 @@
 
 #include "engine/bass.h"
 
-namespace zv {
+namespace zv::engine {
 
 /// Leaves `code` for BASS_ErrorGetCode of this thread. [any]
 void setError(int code);
@@ -22,4 +22,4 @@ T succeed(T result) {
     return result;
 }
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -1,7 +1,7 @@
 // The library itself: version, errors, configuration, the table for the program.
 #include "engine/api/engine.h"
 
-using namespace zv;
+using namespace zv::engine;
 
 extern "C" {
 
@@ -29,7 +29,7 @@ DWORD BASS_GetConfig(DWORD option) {
 
 }  // extern "C"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 void install(const EnginePorts& ports) { Engine::instance().install(ports); }
@@ -49,4 +49,4 @@ constexpr EngineControl table{install, statistics, settleSyncs};
 
 extern "C" const EngineControl* engineControl() { return &table; }
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -7,7 +7,7 @@
 #include "engine/dsp/mix.h"
 #include "engine/realtime/thread_tags.h"
 
-using namespace zv;
+using namespace zv::engine;
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <utility>
 
-namespace zv {
+namespace zv::engine {
 namespace {
 constexpr auto kPoll = std::chrono::milliseconds(2);
 constexpr auto kIdlePoll = std::chrono::milliseconds(100);
@@ -63,4 +63,4 @@ void SyncDispatcher::run(const std::stop_token& stop) {
     changed_.notify_all();
 }
 
-}  // namespace zv
+}  // namespace zv::engine

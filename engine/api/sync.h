@@ -6,7 +6,7 @@
 #include <mutex>
 #include <thread>
 
-namespace zv {
+namespace zv::engine {
 
 class SyncDispatcher {
   public:
@@ -31,4 +31,4 @@ class SyncDispatcher {
     std::jthread thread_;
 };
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -7,7 +7,7 @@
 #include "engine/graph/graph.h"
 #include "engine/realtime/thread_tags.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 constexpr std::uint64_t kDriverGoneMicros = 500'000;  ///< silent so long, the driver counts as lost
@@ -189,7 +189,6 @@ void OutputSlot::render(std::span<float> stereo) {
 }
 
 // ---- all outputs
-// -------------------------------------------------------------------------------------------
 
 OutputSlot* Outputs::slot(int number) const {
     if (number < 0 || number >= kMostDevices) return nullptr;
@@ -252,7 +251,6 @@ bool Outputs::drives(const OutputSlot& slot) const {
 }
 
 // ---- inputs
-// ------------------------------------------------------------------------------------------------
 
 void InputSlot::heard(std::span<const float> stereo) {
     const AudioSection section;
@@ -289,7 +287,6 @@ void InputSlot::remove(const RecordInput* input) {
 }
 
 // ---- numbers
-// -----------------------------------------------------------------------------------------------
 
 void DeviceRegister::refresh(const std::vector<DeviceDescription>& present, const std::vector<bool>& kept) {
     for (Entry& entry : entries_) entry.present = false;
@@ -307,4 +304,4 @@ void DeviceRegister::refresh(const std::vector<DeviceDescription>& present, cons
         entries_.pop_back();
 }
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -17,7 +17,7 @@
 #include "engine/ports.h"
 #include "engine/sources/bridge.h"
 
-namespace zv {
+namespace zv::engine {
 
 class Graph;
 class Outputs;
@@ -140,4 +140,4 @@ class DeviceRegister {
     std::vector<Entry> entries_;
 };
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -4,7 +4,7 @@
 #include <immintrin.h>
 #endif
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 #if defined(__x86_64__)
@@ -31,4 +31,4 @@ void writeMode(std::uint64_t) {}
 FlushToZero::FlushToZero() : before_(readMode()) { writeMode(before_ | kFlush); }
 FlushToZero::~FlushToZero() { writeMode(before_); }
 
-}  // namespace zv
+}  // namespace zv::engine

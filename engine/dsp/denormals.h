@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace zv {
+namespace zv::engine {
 
 /// While it lives, the calling thread's denormal results and operands count as zero; the former mode comes
 /// back with its end. Stands at the render root and at the top of workers that compute sound. [any]
@@ -18,4 +18,4 @@ class FlushToZero {
     std::uint64_t before_;
 };
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 
 inline constexpr std::size_t kLaneCount = 8;
 
@@ -18,4 +18,4 @@ using Int4 = std::int32_t __attribute__((vector_size(16)));
 /// What usesWidePath() of mix.h reads.
 bool wideChosen();
 
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

@@ -5,7 +5,7 @@
 
 #include "engine/dsp/lanes.h"
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 namespace {
 
 struct Sums {
@@ -96,4 +96,4 @@ StereoLevel LevelMeter::rms(double seconds) const {
     return {static_cast<float>(std::sqrt(left / frames)), static_cast<float>(std::sqrt(right / frames))};
 }
 
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 
 struct StereoLevel {
     float left = 0, right = 0;
@@ -46,4 +46,4 @@ class LevelMeter {
     std::size_t inBucket_ = 0;
 };
 
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

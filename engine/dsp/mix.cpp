@@ -8,7 +8,7 @@
 
 #include "engine/dsp/lanes.h"
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 namespace {
 #define ZV_KERNELS "engine/dsp/mix_kernels.h"
 #include "engine/dsp/two_paths.h"
@@ -138,4 +138,4 @@ void toInt16(std::int16_t* out, const float* in, std::size_t count) {
     }
 }
 
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

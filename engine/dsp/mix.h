@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <span>
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 
 /// A gain that moves in equal steps: frame i of a block has the gain float(from + step * (at + i)). `at`
 /// counts frames since the ramp began, so that a ramp does not depend on where blocks end.
@@ -60,4 +60,4 @@ void toInt16(std::int16_t* out, const float* in, std::size_t count);
 bool usesWidePath();
 void setWidePath(bool on);
 
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

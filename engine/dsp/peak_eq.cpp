@@ -6,7 +6,7 @@
 
 #include "engine/dsp/lanes.h"
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 namespace {
 #define ZV_KERNELS "engine/dsp/peak_eq_kernels.h"
 #include "engine/dsp/two_paths.h"
@@ -167,4 +167,4 @@ void PeakEq::reset() {
     }
 }
 
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 
 /// A band as the caller names it.
 struct PeakBand {
@@ -80,4 +80,4 @@ class PeakEq {
     bool passed_ = false;  // sound has passed since construction or reset
 };
 
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

@@ -11,7 +11,7 @@
 
 #include "engine/dsp/lanes.h"
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 
 /// Row p holds the filter for a frame that lies p / phases behind the middle of the window; one row more than
 /// phases.
@@ -233,4 +233,4 @@ void Resampler::process(std::span<const float> in, std::span<float> out) {
     }
 }
 
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

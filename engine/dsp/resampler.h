@@ -12,7 +12,7 @@
 #include <span>
 #include <vector>
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 
 struct ResamplerTable;  // filter coefficients, shared by all converters of a ratio
 
@@ -75,4 +75,4 @@ class Resampler {
     std::size_t filled_ = 0;     // frames in window_
 };
 
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

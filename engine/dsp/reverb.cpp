@@ -5,7 +5,7 @@
 
 #include "engine/dsp/lanes.h"
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 
 /// A stretch in which no line comes to the end of its memory.
 struct Reverb::Run {
@@ -261,4 +261,4 @@ void Reverb::reset() {
     if (leaving_) running_ = leaving_ = false;
 }
 
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 
 struct ReverbSettings {
     double inGainDb = 0;       ///< -96..0, of dry and wet
@@ -78,4 +78,4 @@ class Reverb {
     bool filled_ = false;   // the memory is not silent
 };
 
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

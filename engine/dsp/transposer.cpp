@@ -7,7 +7,7 @@
 
 #include "engine/dsp/lanes.h"
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 namespace {
 
 #define ZV_KERNELS "engine/dsp/transposer_kernels.h"
@@ -182,4 +182,4 @@ void Transposer::make(std::span<float> out, double speed) {
     }
 }
 
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 
 struct TransposerRows;  // the filter at many places between two frames, for one cutoff
 
@@ -46,4 +46,4 @@ class Transposer {
     std::vector<float> row_;
 };
 
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

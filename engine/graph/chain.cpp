@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace zv {
+namespace zv::engine {
 
 Effect::Effect(DWORD fxKind, double rate) : kind(fxKind) {
     if (kind == BASS_FX_BFX_PEAKEQ) eqUnit = std::make_unique<dsp::PeakEq>(rate, kMostBands);
@@ -46,4 +46,4 @@ std::unique_ptr<Chain> Chain::build(const std::vector<std::shared_ptr<Effect>>& 
     return chain;
 }
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -10,7 +10,7 @@
 #include "engine/graph/slide.h"
 #include "engine/realtime/trash.h"
 
-namespace zv {
+namespace zv::engine {
 
 inline constexpr std::size_t kMostBands = 64;
 
@@ -53,4 +53,4 @@ struct Chain : Garbage {
                                         int gainPriority);
 };
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -1,6 +1,6 @@
 #include "engine/graph/channel.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 constexpr double kMeterSeconds = 1.0;
 }
@@ -34,4 +34,4 @@ Channel::~Channel() {
     delete audio.plug;
 }
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -17,7 +17,7 @@
 #include "engine/sources/paged_sound.h"
 #include "engine/tempo/processor.h"
 
-namespace zv {
+namespace zv::engine {
 
 struct Channel;
 
@@ -161,4 +161,4 @@ struct Channel {
     bool hasSound() const { return sound != nullptr; }
 };
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -1,6 +1,6 @@
 #include "engine/graph/commands.h"
 
-namespace zv {
+namespace zv::engine {
 
 static_assert(std::is_trivially_copyable_v<Command>);
 
@@ -37,4 +37,4 @@ void CommandQueue::send(const Command& command) {
     waiting_.push_back(command);
 }
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -8,7 +8,7 @@
 #include "engine/graph/channel.h"
 #include "engine/realtime/ring.h"
 
-namespace zv {
+namespace zv::engine {
 
 enum class Order : std::uint8_t {
     Play,         ///< a: generation
@@ -72,4 +72,4 @@ class CommandQueue {
     std::atomic<std::uint64_t> overflows_{0};
 };
 
-}  // namespace zv
+}  // namespace zv::engine

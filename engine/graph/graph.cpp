@@ -6,7 +6,7 @@
 
 #include "engine/realtime/thread_tags.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 constexpr std::uint32_t kMostChannels = 64;
@@ -94,7 +94,6 @@ void Graph::countSilence(std::uint32_t frames) {
 }
 
 // ---- lists of sounding channels
-// ----------------------------------------------------------------------------
 
 Graph::List Graph::listOf(const AudioState& a) {
     if (a.parent) return {&a.parent->audio.first, &a.parent->audio.last};
@@ -318,4 +317,4 @@ void Graph::applyOrder(const Command& command) {
     }
 }
 
-}  // namespace zv
+}  // namespace zv::engine

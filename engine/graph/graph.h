@@ -11,7 +11,7 @@
 #include "engine/graph/channel.h"
 #include "engine/graph/commands.h"
 
-namespace zv {
+namespace zv::engine {
 
 /// A stretch of sound. `own`: lies in a buffer of the graph, to be used before anything else is pulled and
 /// free to be changed; else in memory that stays as it is until the end of the render.
@@ -141,4 +141,4 @@ class Graph {
     std::vector<float> stereo_, native_;  // buffers of views
 };
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -5,7 +5,7 @@
 #include "engine/dsp/mix.h"
 #include "engine/graph/graph.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 /// Sources that lie in memory as they are wait here and are added four at a time: the sum is read and written
@@ -108,4 +108,4 @@ void Graph::mixInput(Channel& channel, float* out, std::uint32_t frames, View vi
     publishPosition(channel);
 }
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -5,7 +5,7 @@
 #include "engine/dsp/mix.h"
 #include "engine/graph/graph.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 /// A reader of a split that is farther behind than this part of a second goes on with the present.
@@ -428,4 +428,4 @@ View Graph::pullConverted(Channel& channel, std::uint32_t want) {
     return view;
 }
 
-}  // namespace zv
+}  // namespace zv::engine

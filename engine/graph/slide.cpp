@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace zv {
+namespace zv::engine {
 
 float Slide::value() const {
     if (!active()) return target_;
@@ -91,4 +91,4 @@ void Slide::scale(float* stereo, std::size_t frames) {
     if (frames > 0 && target_ != 1.0F) dsp::scale(stereo, stereo, frames * 2, target_);
 }
 
-}  // namespace zv
+}  // namespace zv::engine

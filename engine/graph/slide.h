@@ -8,7 +8,7 @@
 
 #include "engine/dsp/mix.h"
 
-namespace zv {
+namespace zv::engine {
 
 class Slide {
   public:
@@ -46,4 +46,4 @@ class Slide {
     std::array<double, kGrid> powers_;  // of the ratio, valid while a logarithmic slide runs
 };
 
-}  // namespace zv
+}  // namespace zv::engine

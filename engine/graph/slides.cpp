@@ -5,7 +5,7 @@
 
 #include "engine/graph/graph.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 constexpr std::uint32_t kStandsStillPart = 20;  ///< of a second
@@ -114,4 +114,4 @@ void Graph::passTime(std::uint32_t frames) {
     }
 }
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace zv {
+namespace zv::engine {
 
 void Trail::reset() {
     oldest_.store(count_.load(std::memory_order_relaxed), std::memory_order_release);
@@ -39,4 +39,4 @@ std::size_t Trail::last(std::uint64_t frames, std::array<Run, kRuns>& out) const
     return found;
 }
 
-}  // namespace zv
+}  // namespace zv::engine

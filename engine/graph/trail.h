@@ -9,7 +9,7 @@
 
 #include "engine/dsp/level_meter.h"
 
-namespace zv {
+namespace zv::engine {
 
 /// The last frames that were heard, newest last. One thread writes, any thread reads, nobody waits.
 class Trail {
@@ -42,4 +42,4 @@ struct Metering {
     std::atomic<bool> trails{false};  ///< which of the two the last block went to
 };
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -6,7 +6,7 @@
 #include "engine/bass.h"
 #include "engine/import/library.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 /// Where the loaded library keeps the operation that this program calls `Operation`.
@@ -122,10 +122,10 @@ bool loadAudioLibrary(const std::string& path) {
 
 const EngineControl* audioLibraryControl() { return loadedControl; }
 
-}  // namespace zv
+}  // namespace zv::engine
 
-using zv::forward;
-using zv::noValue;
+using zv::engine::forward;
+using zv::engine::noValue;
 
 DWORD BASS_GetVersion() { return forward<BASS_GetVersion>(0); }
 int BASS_ErrorGetCode() { return forward<BASS_ErrorGetCode>(BASS_ERROR_INIT); }

@@ -7,7 +7,7 @@
 
 #include "engine/ports.h"
 
-namespace zv {
+namespace zv::engine {
 
 /// File name of the audio library on this system: "bass.dll" on Windows, "libbass.so" elsewhere. [any]
 std::string audioLibraryName();
@@ -20,4 +20,4 @@ bool loadAudioLibrary(const std::string& path);
 /// Entry of the loaded library; null before. [any]
 const EngineControl* audioLibraryControl();
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -8,7 +8,7 @@
 #include <type_traits>
 #include <vector>
 
-namespace zv {
+namespace zv::engine {
 
 /// One writer, one reader. Capacity is a power of two.
 template <typename T>
@@ -79,4 +79,4 @@ class Ring {
     alignas(64) std::atomic<std::size_t> read_{0};
 };
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -6,7 +6,7 @@ __attribute__((weak)) void rt_guard_enter();
 __attribute__((weak)) void rt_guard_leave();
 }
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 thread_local bool audioThread = false;
@@ -28,4 +28,4 @@ AudioSection::~AudioSection() { mark(before_); }
 AudioPause::AudioPause() : before_(audioThread) { mark(false); }
 AudioPause::~AudioPause() { mark(before_); }
 
-}  // namespace zv
+}  // namespace zv::engine

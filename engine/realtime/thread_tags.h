@@ -6,7 +6,7 @@
 
 #include "engine/dsp/denormals.h"
 
-namespace zv {
+namespace zv::engine {
 
 /// True inside a device callback (or whoever renders in its place). [any]
 bool onAudioThread();
@@ -38,4 +38,4 @@ class AudioPause {
     bool before_;
 };
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -5,7 +5,7 @@
 
 #include "engine/realtime/thread_tags.h"
 
-namespace zv {
+namespace zv::engine {
 
 /// Anything that is handed to the audio side. Destroyed on another thread only.
 class Garbage {
@@ -40,4 +40,4 @@ class Trash {
     std::atomic<Garbage*> head_{nullptr};
 };
 
-}  // namespace zv
+}  // namespace zv::engine

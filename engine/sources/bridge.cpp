@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 constexpr std::size_t kChunk = 256;       ///< frames made in one go
@@ -168,4 +168,4 @@ void Bridge::aimAt(double ms) {
     publishedTarget_.store(target_, std::memory_order_relaxed);
 }
 
-}  // namespace zv
+}  // namespace zv::engine

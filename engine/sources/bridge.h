@@ -16,7 +16,7 @@
 #include "engine/dsp/resampler.h"
 #include "engine/realtime/ring.h"
 
-namespace zv {
+namespace zv::engine {
 
 struct BridgeOptions {
     std::uint32_t inRate = 44100, outRate = 44100;  ///< Hz, nominal
@@ -89,4 +89,4 @@ class Bridge {
     bool averaging_ = false;
 };
 
-}  // namespace zv
+}  // namespace zv::engine

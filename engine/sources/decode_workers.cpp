@@ -5,7 +5,7 @@
 
 #include "engine/dsp/denormals.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 constexpr int kThreads = 2;
@@ -147,4 +147,4 @@ std::size_t DecodeWorkers::memory() {
     return bytes;
 }
 
-}  // namespace zv
+}  // namespace zv::engine

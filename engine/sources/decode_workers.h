@@ -10,7 +10,7 @@
 
 #include "engine/sources/paged_sound.h"
 
-namespace zv {
+namespace zv::engine {
 
 class DecodeWorkers {
   public:
@@ -56,4 +56,4 @@ class DecodeWorkers {
     std::vector<std::jthread> threads_;
 };
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -5,7 +5,7 @@
 
 #include "engine/sources/paged_sound.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 constexpr double kTankSeconds = 4;
@@ -88,4 +88,4 @@ bool UrlInput::ended() const {
     return tank_->ended.load(std::memory_order_acquire) && tank_->ring.filled() == 0;
 }
 
-}  // namespace zv
+}  // namespace zv::engine

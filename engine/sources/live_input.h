@@ -11,7 +11,7 @@
 #include "engine/realtime/ring.h"
 #include "engine/sources/bridge.h"
 
-namespace zv {
+namespace zv::engine {
 
 class LiveInput {
   public:
@@ -54,4 +54,4 @@ class UrlInput final : public LiveInput {
     bool flowing_ = false;
 };
 
-}  // namespace zv
+}  // namespace zv::engine

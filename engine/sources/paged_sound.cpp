@@ -5,7 +5,7 @@
 
 #include "engine/realtime/thread_tags.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 constexpr double kHeadSeconds = 0.3;
@@ -229,4 +229,4 @@ void PagedSound::freeRetired() {
     hasRetired_.store(!retired_.empty(), std::memory_order_relaxed);
 }
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -17,7 +17,7 @@
 #include "engine/ports.h"
 #include "engine/tempo/processor.h"
 
-namespace zv {
+namespace zv::engine {
 
 /// Tells a page that was taken away when nobody can be reading it any more. Raised by one at the beginning
 /// and at the end of every render: odd while one is under way.
@@ -125,4 +125,4 @@ class PagedSound final : public FrameReader {
     std::uint64_t firstMissing_ = 0;  // of a sound kept whole: the page at which decoding goes on
 };
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 constexpr double kFloorRatio = 0.001;  ///< 60 dB
@@ -66,4 +66,4 @@ double cutTempo(TempoPart part, double value) {
     return in(0.05, 20, 1);
 }
 
-}  // namespace zv
+}  // namespace zv::engine

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace zv {
+namespace zv::engine {
 
 struct TempoParameters {
     double tempo = 0;  ///< percent, -95..5000; 0 unchanged
@@ -58,4 +58,4 @@ struct TempoCurve {
 /// Cut to the ranges of TempoParameters; what is no number is unchanged sound.
 double cutTempo(TempoPart part, double value);
 
-}  // namespace zv
+}  // namespace zv::engine

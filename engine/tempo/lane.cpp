@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 constexpr std::size_t kChunk = 512;  // frames handed on at a time
@@ -380,4 +380,4 @@ std::uint64_t TempoLane::divergesAt(const PlayRange& other, std::uint64_t from, 
     return low;
 }
 
-}  // namespace zv
+}  // namespace zv::engine

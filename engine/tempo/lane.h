@@ -15,7 +15,7 @@
 #include "engine/dsp/transposer.h"
 #include "engine/tempo/processor.h"
 
-namespace zv {
+namespace zv::engine {
 
 /// Where in the source the frame lies that is `frames` of play after `frame`. [any]
 std::uint64_t advance(std::uint64_t frame, std::uint64_t frames, const PlayRange& range);
@@ -130,4 +130,4 @@ class TempoLane {
     bool steered_ = false;                    // the next sequence has its tempo
 };
 
-}  // namespace zv
+}  // namespace zv::engine

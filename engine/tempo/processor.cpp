@@ -5,7 +5,7 @@
 
 #include "engine/tempo/lane.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 constexpr double kHoldSeconds = 0.05;  // that a position waits at most after a change
@@ -299,4 +299,4 @@ void TempoProcessor::report(std::size_t frames) {
     heldLeft_ -= std::min(heldLeft_, frames);
 }
 
-}  // namespace zv
+}  // namespace zv::engine

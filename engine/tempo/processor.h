@@ -30,7 +30,7 @@
 #include "engine/ports.h"
 #include "engine/tempo/curve.h"
 
-namespace zv {
+namespace zv::engine {
 
 /// Where the source ends or wraps.
 struct PlayRange {
@@ -204,4 +204,4 @@ class TempoProcessor {
     std::vector<float> old_, search_;
 };
 
-}  // namespace zv
+}  // namespace zv::engine

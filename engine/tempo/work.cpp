@@ -5,7 +5,7 @@
 #include "engine/dsp/denormals.h"
 #include "engine/tempo/lane.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 constexpr double kLeadSeconds = 0.025;   // between the making of a change and its frame
@@ -290,4 +290,4 @@ void TempoProcessor::work() {
         settled_.store(turn, std::memory_order_release);
 }
 
-}  // namespace zv
+}  // namespace zv::engine

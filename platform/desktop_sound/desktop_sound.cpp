@@ -8,13 +8,13 @@
 
 namespace zv {
 
-std::shared_ptr<DeviceSource> desktopDevices() {
+std::shared_ptr<engine::DeviceSource> desktopDevices() {
     if (pulseServerAnswers()) return makePulseDevices();
     if (auto devices = makeRtAudioDevices(); !devices->outputs().empty()) return devices;
     // Nothing yet: a sound server that is started later is found by itself.
     return makePulseDevices();
 }
 
-EnginePorts soundPorts() { return {makeFileDecoders(), soundTouchStretchers(), desktopDevices()}; }
+engine::EnginePorts soundPorts() { return {makeFileDecoders(), soundTouchStretchers(), desktopDevices()}; }
 
 }  // namespace zv

@@ -25,7 +25,7 @@ double prerollSeconds(AVCodecID codec) {
     return 0.25;
 }
 
-class FileDecoder : public Decoder {
+class FileDecoder : public engine::Decoder {
   public:
     FileDecoder(std::unique_ptr<MediaInput> input, PacketMap map)
         : input_(std::move(input)), map_(std::move(map)), walker_(map_) {
@@ -33,7 +33,7 @@ class FileDecoder : public Decoder {
             static_cast<std::int64_t>(prerollSeconds(input_->codec().codec_id) * input_->format().rate);
     }
 
-    SoundFormat format() const override { return input_->format(); }
+    engine::SoundFormat format() const override { return input_->format(); }
     std::optional<std::uint64_t> length() const override { return map_.length(); }
     bool ended() const override { return cursor_ >= end(); }
 
@@ -164,7 +164,7 @@ class FileDecoder : public Decoder {
 
 }  // namespace
 
-std::unique_ptr<Decoder> openFileDecoder(const std::string& path, int& error) {
+std::unique_ptr<engine::Decoder> openFileDecoder(const std::string& path, int& error) {
     auto input = MediaInput::openFile(path, error);
     if (!input) return nullptr;
     input->setLimit(surveyLimit);

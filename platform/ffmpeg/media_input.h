@@ -50,7 +50,7 @@ class MediaInput {
     bool reopen();
 
     /// Format of what decode() appends: that of the first frame decoded.
-    const SoundFormat& format() const { return format_; }
+    const engine::SoundFormat& format() const { return format_; }
     const AVStream& stream() const { return *stream_; }
     const AVCodecContext& codec() const { return *codec_; }
     const AVInputFormat& container() const { return *context_->iformat; }
@@ -82,7 +82,7 @@ class MediaInput {
     AVChannelLayout converterLayout_{};
     AVSampleFormat converterSample_ = AV_SAMPLE_FMT_NONE;
     int converterRate_ = 0;
-    SoundFormat format_;
+    engine::SoundFormat format_;
     int readError_ = 0;
     std::chrono::steady_clock::time_point deadline_ = std::chrono::steady_clock::time_point::max();
     std::atomic<bool> aborted_ = false;

@@ -62,7 +62,7 @@ Resolution resolve(const std::string& host, std::chrono::milliseconds limit) {
     return question->result;
 }
 
-class UrlDecoder : public Decoder {
+class UrlDecoder : public engine::Decoder {
   public:
     UrlDecoder(std::unique_ptr<MediaInput> input, std::vector<float> first)
         : input_(std::move(input)),
@@ -79,7 +79,7 @@ class UrlDecoder : public Decoder {
         thread_.join();
     }
 
-    SoundFormat format() const override { return format_; }
+    engine::SoundFormat format() const override { return format_; }
     std::optional<std::uint64_t> length() const override { return std::nullopt; }
     bool seek(std::uint64_t) override { return false; }
 
@@ -121,7 +121,7 @@ class UrlDecoder : public Decoder {
     }
 
     std::unique_ptr<MediaInput> input_;
-    SoundFormat format_;
+    engine::SoundFormat format_;
     mutable std::mutex mutex_;
     std::condition_variable roomMade_;
     std::vector<float> store_;  ///< decoded sound; the first `taken_` samples have been read
@@ -133,7 +133,7 @@ class UrlDecoder : public Decoder {
 
 }  // namespace
 
-std::unique_ptr<Decoder> openUrlDecoder(const std::string& url, std::uint32_t timeoutMs, int& error) {
+std::unique_ptr<engine::Decoder> openUrlDecoder(const std::string& url, std::uint32_t timeoutMs, int& error) {
     const bool secure = beginsWith(url, "https://");
     if (!secure && !beginsWith(url, "http://")) {
         error = BASS_ERROR_PROTOCOL;

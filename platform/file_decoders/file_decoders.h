@@ -8,6 +8,6 @@
 namespace zv {
 
 /// The decoders of the program, the rehearsal and the tests alike. [any]
-std::shared_ptr<DecoderSource> makeFileDecoders();
+std::shared_ptr<engine::DecoderSource> makeFileDecoders();
 
 }  // namespace zv

@@ -56,9 +56,10 @@ struct World {
 };
 
 /// One open device.
-class Line final : public SoundDevice {
+class Line final : public engine::SoundDevice {
   public:
-    Line(std::shared_ptr<World> world, Jack* jack, bool input, std::uint32_t rate, SoundClient& client)
+    Line(std::shared_ptr<World> world, Jack* jack, bool input, std::uint32_t rate,
+         engine::SoundClient& client)
         : world_(std::move(world)), jack_(jack), input_(input), rate_(rate), client_(client) {
         restart();
         world_->lines.push_back(this);
@@ -73,7 +74,7 @@ class Line final : public SoundDevice {
     Jack* jack() const { return jack_; }
     bool input() const { return input_; }
     bool running() const { return !jack_ || (jack_->plugged && !resting_); }
-    SoundClient& client() { return client_; }
+    engine::SoundClient& client() { return client_; }
 
     /// The device's clock begins anew at the present moment.
     void restart() {
@@ -155,7 +156,7 @@ class Line final : public SoundDevice {
     Jack* jack_;  ///< null: the no-sound device
     bool input_;
     std::uint32_t rate_;
-    SoundClient& client_;
+    engine::SoundClient& client_;
     double origin_ = 0;
     std::uint64_t done_ = 0;  ///< frames since the origin
     bool resting_ = false;
@@ -171,17 +172,18 @@ class Offline final : public OfflineDevices {
         world_->options = std::move(options);
     }
 
-    std::vector<DeviceDescription> outputs() override { return describe(world_->outputs); }
-    std::vector<DeviceDescription> inputs() override { return describe(world_->inputs); }
-    std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
-                                            SoundClient& client) override {
+    std::vector<engine::DeviceDescription> outputs() override { return describe(world_->outputs); }
+    std::vector<engine::DeviceDescription> inputs() override { return describe(world_->inputs); }
+    std::unique_ptr<engine::SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
+                                                    engine::SoundClient& client) override {
         return open(world_->outputs, id, false, rate, client);
     }
-    std::unique_ptr<SoundDevice> openInput(const std::string& id, std::uint32_t rate,
-                                           SoundClient& client) override {
+    std::unique_ptr<engine::SoundDevice> openInput(const std::string& id, std::uint32_t rate,
+                                                   engine::SoundClient& client) override {
         return open(world_->inputs, id, true, rate, client);
     }
-    std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) override {
+    std::unique_ptr<engine::SoundDevice> openNoSound(std::uint32_t rate,
+                                                     engine::SoundClient& client) override {
         return std::make_unique<Line>(world_, nullptr, false, std::max(rate, 1U), client);
     }
     bool offline() const override { return true; }
@@ -247,14 +249,15 @@ class Offline final : public OfflineDevices {
         jack->name = name;
         return jack;
     }
-    static std::vector<DeviceDescription> describe(const std::vector<std::unique_ptr<Jack>>& jacks) {
-        std::vector<DeviceDescription> list;
+    static std::vector<engine::DeviceDescription> describe(const std::vector<std::unique_ptr<Jack>>& jacks) {
+        std::vector<engine::DeviceDescription> list;
         for (const auto& jack : jacks)
             if (jack->plugged) list.push_back({jack->name, jack->name, list.empty(), 0});
         return list;
     }
-    std::unique_ptr<SoundDevice> open(const std::vector<std::unique_ptr<Jack>>& jacks, const std::string& id,
-                                      bool input, std::uint32_t rate, SoundClient& client) {
+    std::unique_ptr<engine::SoundDevice> open(const std::vector<std::unique_ptr<Jack>>& jacks,
+                                              const std::string& id, bool input, std::uint32_t rate,
+                                              engine::SoundClient& client) {
         if (rate == 0) return nullptr;
         for (const auto& jack : jacks)
             if (jack->plugged && (id.empty() || jack->name == id))

@@ -23,7 +23,7 @@ struct OfflineOptions {
     bool rests = false;  ///< outputs are not called while their client rests, and at once when it wakes them
 };
 
-class OfflineDevices : public DeviceSource {
+class OfflineDevices : public engine::DeviceSource {
   public:
     /// Renders `frames` (at `rate` Hz of wall time; devices of another rate render their share) on every open
     /// output, the no-sound device included.

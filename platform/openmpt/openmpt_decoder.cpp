@@ -24,7 +24,7 @@ constexpr int sincInterpolation = 8;  // taps
 
 /// Renders as far as it is asked for and keeps it, since the library's own seeks land on rows: opening costs
 /// nothing but the length, and what was heard once can be entered at any frame.
-class ModuleDecoder : public Decoder {
+class ModuleDecoder : public engine::Decoder {
   public:
     explicit ModuleDecoder(std::unique_ptr<openmpt::module> module) : module_(std::move(module)) {
         module_->set_repeat_count(0);
@@ -33,7 +33,7 @@ class ModuleDecoder : public Decoder {
         frames_ = static_cast<std::size_t>(std::llround(seconds * moduleRate));
     }
 
-    SoundFormat format() const override { return {moduleRate, moduleChannels, 0}; }
+    engine::SoundFormat format() const override { return {moduleRate, moduleChannels, 0}; }
     std::optional<std::uint64_t> length() const override { return frames_; }
     std::size_t read(std::span<float> out) override {
         const std::size_t count = std::min(out.size() / moduleChannels, frames_ - cursor_);
@@ -77,7 +77,7 @@ class ModuleDecoder : public Decoder {
 
 }  // namespace
 
-std::unique_ptr<Decoder> openModuleDecoder(const std::string& path, int& error) {
+std::unique_ptr<engine::Decoder> openModuleDecoder(const std::string& path, int& error) {
     std::error_code failure;
     const std::filesystem::path file(path);
     if (!std::filesystem::is_regular_file(file, failure)) {

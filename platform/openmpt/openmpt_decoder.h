@@ -11,6 +11,6 @@ namespace zv {
 /// Opens the module at `path` (UTF-8) as 44,100 Hz stereo, played once through without an endless repeat. What is
 /// read is rendered into memory and kept, so that seeks are exact; a seek far ahead renders what lies between. `error` receives 0, or BASS_ERROR_FILEOPEN (missing or
 /// unreadable), _FILEFORM (not a module), _MEM. [any]
-std::unique_ptr<Decoder> openModuleDecoder(const std::string& path, int& error);
+std::unique_ptr<engine::Decoder> openModuleDecoder(const std::string& path, int& error);
 
 }  // namespace zv

@@ -16,9 +16,9 @@ constexpr auto longestLag =
     std::chrono::milliseconds(200);     // a machine that slept does not catch up on its sleep
 constexpr std::uint32_t restCalls = 5;  // calls a second while the client rests
 
-class PacedDevice : public SoundDevice {
+class PacedDevice : public engine::SoundDevice {
   public:
-    PacedDevice(std::uint32_t rate, std::uint32_t period, SoundClient& client)
+    PacedDevice(std::uint32_t rate, std::uint32_t period, engine::SoundClient& client)
         : rate_(rate), period_(period), client_(&client), thread_([this] { run(); }) {}
     ~PacedDevice() override {
         {
@@ -72,7 +72,7 @@ class PacedDevice : public SoundDevice {
 
     std::uint32_t rate_;
     std::uint32_t period_;
-    SoundClient* client_;
+    engine::SoundClient* client_;
     std::mutex mutex_;  ///< between the thread and wake()
     std::condition_variable changed_;
     bool stopping_ = false, resting_ = false, woken_ = false;
@@ -81,8 +81,8 @@ class PacedDevice : public SoundDevice {
 
 }  // namespace
 
-std::unique_ptr<SoundDevice> openPacedDevice(std::uint32_t rate, std::uint32_t periodFrames,
-                                             SoundClient& client) {
+std::unique_ptr<engine::SoundDevice> openPacedDevice(std::uint32_t rate, std::uint32_t periodFrames,
+                                                     engine::SoundClient& client) {
     if (rate == 0 || periodFrames == 0) return nullptr;
     return std::make_unique<PacedDevice>(rate, periodFrames, client);
 }

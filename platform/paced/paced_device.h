@@ -9,7 +9,7 @@
 namespace zv {
 
 /// Starts calling `client` for `periodFrames` at a time, at `rate` Hz. Null when either is 0. [control]
-std::unique_ptr<SoundDevice> openPacedDevice(std::uint32_t rate, std::uint32_t periodFrames,
-                                             SoundClient& client);
+std::unique_ptr<engine::SoundDevice> openPacedDevice(std::uint32_t rate, std::uint32_t periodFrames,
+                                                     engine::SoundClient& client);
 
 }  // namespace zv

@@ -45,7 +45,7 @@ void raisePriority() {
 }  // namespace
 
 PulseDevice::PulseDevice(const PulseOptions& options, Direction direction, std::string id, std::uint32_t rate,
-                         SoundClient& client)
+                         engine::SoundClient& client)
     : options_(options),
       direction_(direction),
       id_(std::move(id)),

@@ -20,10 +20,10 @@ enum class Direction { Output, Input };
 
 /// A connection and a thread of its own for each device, so that none waits for another. All that follows the
 /// opening happens on that thread.
-class PulseDevice : public SoundDevice {
+class PulseDevice : public engine::SoundDevice {
   public:
     PulseDevice(const PulseOptions& options, Direction direction, std::string id, std::uint32_t rate,
-                SoundClient& client);
+                engine::SoundClient& client);
     ~PulseDevice() override;
 
     /// Connects; false when there is no such device or the server does not answer in time. [control]
@@ -66,7 +66,7 @@ class PulseDevice : public SoundDevice {
     Direction direction_;
     std::string id_;
     std::uint32_t rate_;
-    SoundClient* client_;
+    engine::SoundClient* client_;
 
     pa_threaded_mainloop* loop_ = nullptr;
     pa_mainloop_api* api_ = nullptr;

@@ -67,12 +67,12 @@ class Inquiry {
 
 struct Listing {
     std::string defaultOutput, defaultInput;
-    std::vector<DeviceDescription> outputs, inputs;
+    std::vector<engine::DeviceDescription> outputs, inputs;
 };
 
 /// Two devices of one description get numbers, in the order of their ids, so that a saved name finds its own.
-void tellApart(std::vector<DeviceDescription>& devices) {
-    std::vector<DeviceDescription*> byId;
+void tellApart(std::vector<engine::DeviceDescription>& devices) {
+    std::vector<engine::DeviceDescription*> byId;
     for (auto& device : devices) byId.push_back(&device);
     std::sort(byId.begin(), byId.end(), [](const auto* a, const auto* b) { return a->id < b->id; });
     std::vector<std::string> taken;
@@ -121,28 +121,29 @@ Listing ask(const PulseOptions& options) {
     return listing;
 }
 
-class PulseDevices : public DeviceSource {
+class PulseDevices : public engine::DeviceSource {
   public:
     explicit PulseDevices(PulseOptions options) : options_(std::move(options)) {}
 
-    std::vector<DeviceDescription> outputs() override { return ask(options_).outputs; }
-    std::vector<DeviceDescription> inputs() override { return ask(options_).inputs; }
-    std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
-                                            SoundClient& client) override {
+    std::vector<engine::DeviceDescription> outputs() override { return ask(options_).outputs; }
+    std::vector<engine::DeviceDescription> inputs() override { return ask(options_).inputs; }
+    std::unique_ptr<engine::SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
+                                                    engine::SoundClient& client) override {
         return open(Direction::Output, id, rate, client);
     }
-    std::unique_ptr<SoundDevice> openInput(const std::string& id, std::uint32_t rate,
-                                           SoundClient& client) override {
+    std::unique_ptr<engine::SoundDevice> openInput(const std::string& id, std::uint32_t rate,
+                                                   engine::SoundClient& client) override {
         return open(Direction::Input, id, rate, client);
     }
-    std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) override {
+    std::unique_ptr<engine::SoundDevice> openNoSound(std::uint32_t rate,
+                                                     engine::SoundClient& client) override {
         return openPacedDevice(rate, options_.periodFrames, client);
     }
     bool offline() const override { return false; }
 
   private:
-    std::unique_ptr<SoundDevice> open(Direction direction, const std::string& id, std::uint32_t rate,
-                                      SoundClient& client) {
+    std::unique_ptr<engine::SoundDevice> open(Direction direction, const std::string& id, std::uint32_t rate,
+                                              engine::SoundClient& client) {
         if (rate < 1 || rate > PA_RATE_MAX) return nullptr;
         auto device = std::make_unique<PulseDevice>(options_, direction, id, rate, client);
         return device->open() ? std::move(device) : nullptr;
@@ -153,7 +154,7 @@ class PulseDevices : public DeviceSource {
 
 }  // namespace
 
-std::shared_ptr<DeviceSource> makePulseDevices(PulseOptions options) {
+std::shared_ptr<engine::DeviceSource> makePulseDevices(PulseOptions options) {
     options.periodFrames = std::clamp<std::uint32_t>(options.periodFrames, 32, 8192);
     return std::make_shared<PulseDevices>(std::move(options));
 }

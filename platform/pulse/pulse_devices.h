@@ -17,7 +17,7 @@ struct PulseOptions {
 /// stable over replugging. A device that vanishes is told to its client (deviceLost) and opened again by
 /// itself as soon as the server lists it again (deviceBack), also when the server itself was restarted. While
 /// no server answers the lists are empty, at once. [control]
-std::shared_ptr<DeviceSource> makePulseDevices(PulseOptions options = {});
+std::shared_ptr<engine::DeviceSource> makePulseDevices(PulseOptions options = {});
 
 /// Whether a server answers at `options.server`; waits at most half a second. [control]
 bool pulseServerAnswers(const PulseOptions& options = {});

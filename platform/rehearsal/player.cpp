@@ -351,13 +351,13 @@ void Player::shoot(const Action& action) {
 
 void Player::hear(const Action& action) {
     int error = 0;
-    const std::unique_ptr<Decoder> decoder =
+    const std::unique_ptr<engine::Decoder> decoder =
         makeFileDecoders()->openFile(Stage::instance().file(action.text), error);
     if (!decoder) {
         fail("the sound " + action.text + " cannot be opened");
         return;
     }
-    const SoundFormat format = decoder->format();
+    const engine::SoundFormat format = decoder->format();
     std::vector<float> stereo, block(std::size_t{4096} * format.channels);
     while (const std::size_t frames = decoder->read(block)) {
         for (std::size_t i = 0; i < frames; ++i) {

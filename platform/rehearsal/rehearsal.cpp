@@ -113,7 +113,9 @@ bool writeState(const RehearsalOptions& options, const RehearsedProgram& program
 
 }  // namespace
 
-EnginePorts soundPorts() { return {makeFileDecoders(), soundTouchStretchers(), Stage::instance().devices}; }
+engine::EnginePorts soundPorts() {
+    return {makeFileDecoders(), soundTouchStretchers(), Stage::instance().devices};
+}
 
 int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     Script script;
@@ -134,7 +136,7 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     makeDevices(options.outputs);
     clock.drive(Stage::instance().devices);
     clock.onPeriod([] {
-        if (const EngineControl* engine = audioLibraryControl()) engine->settleSyncs();
+        if (const engine::EngineControl* engine = engine::audioLibraryControl()) engine->settleSyncs();
     });
     stage.answers.assign(options.answers.begin(), options.answers.end());
     stage.onFirstEvents = program.listen;
@@ -167,7 +169,7 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
         }
     };
     clock.onPeriod([&] {
-        if (const EngineControl* engine = audioLibraryControl()) engine->settleSyncs();
+        if (const engine::EngineControl* engine = engine::audioLibraryControl()) engine->settleSyncs();
         if ((clock.now() - stage.startMs) % kCollectMs == 0) collect();
     });
 
@@ -182,7 +184,7 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     processEvents();
     collect();
     clock.onPeriod([] {
-        if (const EngineControl* engine = audioLibraryControl()) engine->settleSyncs();
+        if (const engine::EngineControl* engine = engine::audioLibraryControl()) engine->settleSyncs();
     });
     for (const std::string& answer : stage.answers) noteEvent("unused", "answer " + answer);
     stage.answers.clear();

@@ -14,9 +14,9 @@ constexpr std::uint32_t channels = 2;
 
 enum class Direction { Output, Input };
 
-class RtAudioDevice : public SoundDevice {
+class RtAudioDevice : public engine::SoundDevice {
   public:
-    RtAudioDevice(RtAudio::Api api, Direction direction, SoundClient& client)
+    RtAudioDevice(RtAudio::Api api, Direction direction, engine::SoundClient& client)
         : audio_(api), direction_(direction), client_(&client) {
         audio_.showWarnings(false);
     }
@@ -68,33 +68,34 @@ class RtAudioDevice : public SoundDevice {
 
     RtAudio audio_;
     Direction direction_;
-    SoundClient* client_;
+    engine::SoundClient* client_;
     std::uint32_t rate_ = 0;
     std::uint32_t period_ = wantedPeriod;
 };
 
-class RtAudioDevices : public DeviceSource {
+class RtAudioDevices : public engine::DeviceSource {
   public:
     explicit RtAudioDevices(RtAudio::Api api) : api_(api) {}
 
-    std::vector<DeviceDescription> outputs() override { return list(Direction::Output); }
-    std::vector<DeviceDescription> inputs() override { return list(Direction::Input); }
-    std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
-                                            SoundClient& client) override {
+    std::vector<engine::DeviceDescription> outputs() override { return list(Direction::Output); }
+    std::vector<engine::DeviceDescription> inputs() override { return list(Direction::Input); }
+    std::unique_ptr<engine::SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
+                                                    engine::SoundClient& client) override {
         return open(Direction::Output, id, rate, client);
     }
-    std::unique_ptr<SoundDevice> openInput(const std::string& id, std::uint32_t rate,
-                                           SoundClient& client) override {
+    std::unique_ptr<engine::SoundDevice> openInput(const std::string& id, std::uint32_t rate,
+                                                   engine::SoundClient& client) override {
         return open(Direction::Input, id, rate, client);
     }
-    std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) override {
+    std::unique_ptr<engine::SoundDevice> openNoSound(std::uint32_t rate,
+                                                     engine::SoundClient& client) override {
         return openPacedDevice(rate, wantedPeriod, client);
     }
     bool offline() const override { return false; }
 
   private:
-    std::vector<DeviceDescription> list(Direction direction) const {
-        std::vector<DeviceDescription> devices;
+    std::vector<engine::DeviceDescription> list(Direction direction) const {
+        std::vector<engine::DeviceDescription> devices;
         try {
             RtAudio audio(api_);
             audio.showWarnings(false);
@@ -111,8 +112,8 @@ class RtAudioDevices : public DeviceSource {
         return devices;
     }
 
-    std::unique_ptr<SoundDevice> open(Direction direction, const std::string& id, std::uint32_t rate,
-                                      SoundClient& client) const {
+    std::unique_ptr<engine::SoundDevice> open(Direction direction, const std::string& id, std::uint32_t rate,
+                                              engine::SoundClient& client) const {
         try {
             auto device = std::make_unique<RtAudioDevice>(api_, direction, client);
             if (device->open(id, rate)) return device;
@@ -127,7 +128,7 @@ class RtAudioDevices : public DeviceSource {
 
 }  // namespace
 
-std::shared_ptr<DeviceSource> makeRtAudioDevices() {
+std::shared_ptr<engine::DeviceSource> makeRtAudioDevices() {
     std::vector<RtAudio::Api> built;
     RtAudio::getCompiledApi(built);
     // The sound server is asked elsewhere, over its own interface.

@@ -9,6 +9,6 @@ namespace zv {
 
 /// Devices of the first interface that lists any, JACK before ALSA. There is no word of a device that vanishes.
 /// [control]
-std::shared_ptr<DeviceSource> makeRtAudioDevices();
+std::shared_ptr<engine::DeviceSource> makeRtAudioDevices();
 
 }  // namespace zv

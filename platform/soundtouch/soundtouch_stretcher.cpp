@@ -32,7 +32,7 @@ class Touch final : public soundtouch::SoundTouch {
     }
 };
 
-class SoundTouchStretcher final : public Stretcher {
+class SoundTouchStretcher final : public engine::Stretcher {
   public:
     SoundTouchStretcher(std::uint32_t rate, std::uint32_t channels, bool plain)
         : channels_(channels), straight_(!plain && Touch::canBeFedStraight()) {
@@ -66,10 +66,10 @@ class SoundTouchStretcher final : public Stretcher {
     bool straight_;
 };
 
-class SoundTouchSource final : public StretcherSource {
+class SoundTouchSource final : public engine::StretcherSource {
   public:
     explicit SoundTouchSource(bool plain) : plain_(plain) {}
-    std::unique_ptr<Stretcher> make(std::uint32_t rate, std::uint32_t channels) override {
+    std::unique_ptr<engine::Stretcher> make(std::uint32_t rate, std::uint32_t channels) override {
         if (rate == 0 || channels == 0 || channels > kMostChannels) return nullptr;
         return std::make_unique<SoundTouchStretcher>(rate, channels, plain_);
     }
@@ -80,8 +80,10 @@ class SoundTouchSource final : public StretcherSource {
 
 }  // namespace
 
-std::shared_ptr<StretcherSource> soundTouchStretchers() { return std::make_shared<SoundTouchSource>(false); }
-std::shared_ptr<StretcherSource> plainSoundTouchStretchers() {
+std::shared_ptr<engine::StretcherSource> soundTouchStretchers() {
+    return std::make_shared<SoundTouchSource>(false);
+}
+std::shared_ptr<engine::StretcherSource> plainSoundTouchStretchers() {
     return std::make_shared<SoundTouchSource>(true);
 }
 

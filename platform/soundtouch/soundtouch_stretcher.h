@@ -8,8 +8,8 @@
 namespace zv {
 
 /// Makes stretchers that feed the library's stretching stage alone. [any]
-std::shared_ptr<StretcherSource> soundTouchStretchers();
+std::shared_ptr<engine::StretcherSource> soundTouchStretchers();
 /// The library as it comes, through all of its stages and with its own settings, to measure against. [any]
-std::shared_ptr<StretcherSource> plainSoundTouchStretchers();
+std::shared_ptr<engine::StretcherSource> plainSoundTouchStretchers();
 
 }  // namespace zv

@@ -8,7 +8,7 @@
 
 #include "tests/engine/show.h"
 
-namespace zv::test {
+namespace zv::engine::test {
 namespace {
 
 constexpr double rate = 44100;
@@ -231,4 +231,4 @@ TEST_F(Clocks, ACallbackThatTakesTooLongIsCounted) {
 }
 
 }  // namespace
-}  // namespace zv::test
+}  // namespace zv::engine::test

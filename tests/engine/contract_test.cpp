@@ -5,7 +5,7 @@
 
 #include "tests/engine/show.h"
 
-namespace zv::test {
+namespace zv::engine::test {
 namespace {
 
 using Contract = Show;
@@ -446,4 +446,4 @@ TEST_F(Contract, NothingThatIsAskedHurts) {
 }
 
 }  // namespace
-}  // namespace zv::test
+}  // namespace zv::engine::test

@@ -6,7 +6,7 @@
 #include "engine/dsp/reverb.h"
 #include "tests/engine/dsp_signals.h"
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 namespace {
 
 using test::decibels;
@@ -291,4 +291,4 @@ TEST(DspReverb, ResetSilencesTheTail) {
 }
 
 }  // namespace
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

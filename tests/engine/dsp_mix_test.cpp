@@ -7,7 +7,7 @@
 #include "engine/dsp/reverb.h"
 #include "tests/engine/dsp_signals.h"
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 namespace {
 
 using test::noise;
@@ -159,4 +159,4 @@ TEST(DspLevelMeter, PeakAndRmsOfWhatWasHeardLast) {
 }
 
 }  // namespace
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

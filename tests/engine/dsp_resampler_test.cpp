@@ -3,7 +3,7 @@
 #include "engine/dsp/resampler.h"
 #include "tests/engine/dsp_signals.h"
 
-namespace zv::dsp {
+namespace zv::engine::dsp {
 namespace {
 
 using test::decibels;
@@ -146,4 +146,4 @@ TEST(DspResampler, AnyNumberOfChannels) {
 }
 
 }  // namespace
-}  // namespace zv::dsp
+}  // namespace zv::engine::dsp

@@ -9,7 +9,7 @@
 #include <random>
 #include <vector>
 
-namespace zv::test {
+namespace zv::engine::test {
 
 inline std::vector<float> noise(std::size_t count, unsigned seed, float size = 0.5f) {
     std::mt19937 random(seed);
@@ -83,4 +83,4 @@ std::vector<float> inBlocks(std::vector<float> stereo, const std::vector<std::si
 
 inline const std::vector<std::vector<std::size_t>> kBlockings{{1}, {64}, {997}, {3, 256, 1, 441, 17}};
 
-}  // namespace zv::test
+}  // namespace zv::engine::test

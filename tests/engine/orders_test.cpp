@@ -3,7 +3,7 @@
 
 #include "tests/engine/show.h"
 
-namespace zv::test {
+namespace zv::engine::test {
 namespace {
 
 constexpr std::uint64_t kLength = 60000, kOpen = ~std::uint64_t{0};
@@ -161,4 +161,4 @@ TEST_P(Orders, EveryFrameIsWhereTheModelHasIt) {
 INSTANTIATE_TEST_SUITE_P(Periods, Orders, testing::Values(32U, 441U, 512U, 997U));
 
 }  // namespace
-}  // namespace zv::test
+}  // namespace zv::engine::test

@@ -3,7 +3,7 @@
 
 #include "tests/engine/show.h"
 
-namespace zv::test {
+namespace zv::engine::test {
 namespace {
 
 constexpr std::uint64_t kFadeIn = 441;
@@ -329,4 +329,4 @@ TEST_F(Playing, ThePlainTopologyPlaysStraightOnTheOutput) {
 }
 
 }  // namespace
-}  // namespace zv::test
+}  // namespace zv::engine::test

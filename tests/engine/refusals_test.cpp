@@ -3,7 +3,7 @@
 
 #include "tests/engine/show.h"
 
-namespace zv::test {
+namespace zv::engine::test {
 namespace {
 
 struct Refusal {
@@ -196,4 +196,4 @@ TEST_F(Refusals, WhatMakesNoSense) {
 }
 
 }  // namespace
-}  // namespace zv::test
+}  // namespace zv::engine::test

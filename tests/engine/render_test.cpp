@@ -6,7 +6,7 @@
 #include "engine/dsp/reverb.h"
 #include "tests/engine/show.h"
 
-namespace zv::test {
+namespace zv::engine::test {
 namespace {
 
 using Rendering = Show;
@@ -219,4 +219,4 @@ TEST_F(Rendering, OutputsOfAnotherRateAreConverted) {
 }
 
 }  // namespace
-}  // namespace zv::test
+}  // namespace zv::engine::test

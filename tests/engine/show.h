@@ -15,7 +15,7 @@
 #include "engine/ports.h"
 #include "platform/offline/offline_devices.h"
 
-namespace zv::test {
+namespace zv::engine::test {
 
 /// A sound that is computed: sample `channel` of frame `frame`.
 struct Made {
@@ -177,4 +177,4 @@ inline void press(DWORD channel, QWORD position = 0) {
     BASS_ChannelPlay(channel, false);
 }
 
-}  // namespace zv::test
+}  // namespace zv::engine::test

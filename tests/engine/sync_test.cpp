@@ -4,7 +4,7 @@
 
 #include "tests/engine/show.h"
 
-namespace zv::test {
+namespace zv::engine::test {
 namespace {
 
 struct Fired {
@@ -150,4 +150,4 @@ TEST_F(Syncs, ManyForgottenOnesDoNotAddUp) {
 }
 
 }  // namespace
-}  // namespace zv::test
+}  // namespace zv::engine::test

@@ -5,7 +5,7 @@
 #include "tests/engine/dsp_signals.h"
 #include "tests/engine/show.h"
 
-namespace zv::test {
+namespace zv::engine::test {
 namespace {
 
 class TempoShow : public Show {
@@ -212,4 +212,4 @@ TEST_F(TempoShow, ALoopLeftInTheLastMomentEndsThere) {
 }
 
 }  // namespace
-}  // namespace zv::test
+}  // namespace zv::engine::test

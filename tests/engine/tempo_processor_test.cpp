@@ -8,7 +8,7 @@
 #include "platform/soundtouch/soundtouch_stretcher.h"
 #include "tests/engine/dsp_signals.h"
 
-namespace zv {
+namespace zv::engine {
 namespace {
 
 constexpr std::uint32_t kRate = 44100;
@@ -529,4 +529,4 @@ TEST(TempoProcessor, AWorkerOfItsOwnMayDoTheWork) {
 }
 
 }  // namespace
-}  // namespace zv
+}  // namespace zv::engine

@@ -8,7 +8,7 @@
 #include "engine/api/engine.h"
 #include "tests/engine/show.h"
 
-namespace zv::test {
+namespace zv::engine::test {
 namespace {
 
 /// Devices whose callbacks run on threads, a fixed number of periods ahead of nobody: as fast as the test
@@ -214,4 +214,4 @@ TEST_F(Threads, APaletteOfLongFilesStaysSmall) {
 }
 
 }  // namespace
-}  // namespace zv::test
+}  // namespace zv::engine::test

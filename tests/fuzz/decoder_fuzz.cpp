@@ -32,7 +32,7 @@ void require(bool holds) {
     if (!holds) std::abort();
 }
 
-void listen(zv::Decoder& decoder) {
+void listen(zv::engine::Decoder& decoder) {
     const auto format = decoder.format();
     require(format.rate > 0 && format.channels > 0 && decoder.length() && *decoder.length() > 0);
     const std::uint64_t length = *decoder.length();

@@ -37,7 +37,7 @@ void require(bool holds, const char* what, long detail = 0) {
 
 struct Sound {
     const char* name;
-    zv::SoundFormat format;
+    zv::engine::SoundFormat format;
     std::uint64_t length;  ///< frames; 0: endless
 };
 constexpr Sound sounds[] = {
@@ -51,10 +51,10 @@ constexpr Sound sounds[] = {
 constexpr std::size_t files = std::size(sounds) - 1;  ///< the last one is no file
 
 /// Noise from a few operations; of the wild one some samples are no sound at all.
-class SoundDecoder final : public zv::Decoder {
+class SoundDecoder final : public zv::engine::Decoder {
   public:
     explicit SoundDecoder(const Sound& sound) : sound_(sound) {}
-    zv::SoundFormat format() const override { return sound_.format; }
+    zv::engine::SoundFormat format() const override { return sound_.format; }
     std::optional<std::uint64_t> length() const override {
         return sound_.length > 0 ? std::optional(sound_.length) : std::nullopt;
     }
@@ -85,18 +85,18 @@ class SoundDecoder final : public zv::Decoder {
     unsigned reads_ = 0;
 };
 
-class Sounds final : public zv::DecoderSource {
+class Sounds final : public zv::engine::DecoderSource {
   public:
-    std::unique_ptr<zv::Decoder> openFile(const std::string& path, int& error) override {
+    std::unique_ptr<zv::engine::Decoder> openFile(const std::string& path, int& error) override {
         for (const Sound& sound : sounds)
             if (path == sound.name) return std::make_unique<SoundDecoder>(sound);
         error = BASS_ERROR_FILEOPEN;
         return nullptr;
     }
-    std::unique_ptr<zv::Decoder> openModule(const std::string& path, int& error) override {
+    std::unique_ptr<zv::engine::Decoder> openModule(const std::string& path, int& error) override {
         return openFile(path, error);
     }
-    std::unique_ptr<zv::Decoder> openUrl(const std::string& url, std::uint32_t, int& error) override {
+    std::unique_ptr<zv::engine::Decoder> openUrl(const std::string& url, std::uint32_t, int& error) override {
         return openFile(url, error);
     }
 };
@@ -247,11 +247,12 @@ class Performance {
   public:
     Performance(Input input, std::uint32_t period, bool compared)
         : in_(input), compared_(compared), devices_(zv::makeOfflineDevices({.period = period})) {
-        zv::engineControl()->install({std::make_shared<Sounds>(), zv::soundTouchStretchers(), devices_});
+        zv::engine::engineControl()->install(
+            {std::make_shared<Sounds>(), zv::soundTouchStretchers(), devices_});
         BASS_SetConfig(BASS_CONFIG_GVOL_STREAM, 10'000);
         BASS_Init(1, 44'100, 0, nullptr, nullptr);
     }
-    ~Performance() { zv::engineControl()->install({}); }
+    ~Performance() { zv::engine::engineControl()->install({}); }
     Performance(const Performance&) = delete;
     Performance& operator=(const Performance&) = delete;
 

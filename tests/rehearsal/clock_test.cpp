@@ -10,7 +10,7 @@
 namespace zv {
 namespace {
 
-struct Listener : SoundClient {
+struct Listener : engine::SoundClient {
     std::vector<std::int64_t> calls;  ///< ms at which a period was asked for
     void render(std::span<float>) override { calls.push_back(monotonicMs()); }
     void heard(std::span<const float>) override {}

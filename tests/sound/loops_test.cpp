@@ -55,7 +55,7 @@ TEST_P(Loops, EveryFrameIsTheOneOfAPlainDecode) {
     ASSERT_TRUE(decoder);
     const std::vector<float> whole = readWhole(*decoder);
 
-    engineControl()->install({makeFileDecoders(), nullptr, makeOfflineDevices()});
+    engine::engineControl()->install({makeFileDecoders(), nullptr, makeOfflineDevices()});
     constexpr DWORD flags = BASS_STREAM_DECODE | BASS_SAMPLE_FLOAT;
     const DWORD source = kind.arguments ? BASS_StreamCreateFile(false, path.c_str(), 0, 0, flags)
                                         : BASS_MusicLoad(false, path.c_str(), 0, 0, flags, 0);
@@ -113,7 +113,7 @@ TEST_P(Loops, EveryFrameIsTheOneOfAPlainDecode) {
         }
     }
     BASS_StreamFree(play);
-    engineControl()->install({});
+    engine::engineControl()->install({});
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, Loops, testing::ValuesIn(files), [](const auto& info) {

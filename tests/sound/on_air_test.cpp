@@ -22,7 +22,7 @@ class OnAir : public testing::Test {
   protected:
     void SetUp() override {
         ASSERT_TRUE(server.answers()) << "pulseaudio does not start";
-        engineControl()->install(
+        engine::engineControl()->install(
             {makeFileDecoders(), soundTouchStretchers(), makePulseDevices({.server = server.address()})});
         BASS_SetConfig(BASS_CONFIG_DEV_NONSTOP, 1);
         ASSERT_TRUE(BASS_Init(0, rate, 0, nullptr, nullptr));
@@ -106,7 +106,7 @@ TEST_F(OnAir, APressIsHeardOnBothOutputsUnchanged) {
 }
 
 /// When something is first heard.
-class Listener : public SoundClient {
+class Listener : public engine::SoundClient {
   public:
     void render(std::span<float>) override {}
     void heard(std::span<const float> stereo) override {
@@ -124,9 +124,9 @@ TEST_F(OnAir, OutputsRestAndAPressEndsTheRestAtOnce) {
     const DWORD play = jingle(folder / "tones.wav");
     const auto rest = [](int device) {
         return within(8, [&] {
-            const auto asked = engineControl()->statistics(device).callbacks;
+            const auto asked = engine::engineControl()->statistics(device).callbacks;
             std::this_thread::sleep_for(std::chrono::milliseconds(400));
-            return engineControl()->statistics(device).callbacks == asked;
+            return engine::engineControl()->statistics(device).callbacks == asked;
         });
     };
     float worst = 1, lag = 1000;

@@ -15,7 +15,7 @@ namespace {
 using testing::ElementsAre;
 
 /// Sends a ramp that tells its own position, and keeps what it hears.
-class Ramp : public SoundClient {
+class Ramp : public engine::SoundClient {
   public:
     static float at(std::uint64_t frame) { return static_cast<float>(frame % 65'536 + 1) / 131'072; }
 
@@ -42,7 +42,7 @@ class Ramp : public SoundClient {
     std::atomic<int> lost{0}, back{0};
 };
 
-std::vector<std::string> namesOf(const std::vector<DeviceDescription>& devices) {
+std::vector<std::string> namesOf(const std::vector<engine::DeviceDescription>& devices) {
     std::vector<std::string> names;
     for (const auto& device : devices) names.push_back(device.name);
     return names;
@@ -83,7 +83,7 @@ class PulseDevicesTest : public testing::Test {
     void SetUp() override { ASSERT_TRUE(server.answers()) << "pulseaudio does not start"; }
 
     SoundServer server;
-    std::shared_ptr<DeviceSource> devices = makePulseDevices({.server = server.address()});
+    std::shared_ptr<engine::DeviceSource> devices = makePulseDevices({.server = server.address()});
 };
 
 TEST_F(PulseDevicesTest, ListsNamesThatStayOverReplugging) {

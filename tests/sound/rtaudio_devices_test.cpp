@@ -12,7 +12,7 @@
 namespace zv::test {
 namespace {
 
-class Counter : public SoundClient {
+class Counter : public engine::SoundClient {
   public:
     void render(std::span<float> stereo) override {
         std::fill(stereo.begin(), stereo.end(), 0.0F);
@@ -33,7 +33,7 @@ TEST(RtAudioDevices, OutputAndInputOfAJackServer) {
         const Process jack(
             {"jackd", "-n", name, "-r", "-d", "dummy", "-r", "44100", "-p", "256", "-C", "2", "-P", "2"},
             {{"HOME", folder.path().string()}});
-        std::shared_ptr<DeviceSource> devices;
+        std::shared_ptr<engine::DeviceSource> devices;
         ASSERT_TRUE(within(8, [&] { return !(devices = makeRtAudioDevices())->outputs().empty(); }))
             << "jackd2?";
         ASSERT_EQ(1U, devices->outputs().size());

@@ -80,7 +80,7 @@ Process SoundServer::feedMicrophone(const std::string& wav) const {
 
 namespace {
 
-class Clicker : public SoundClient {
+class Clicker : public engine::SoundClient {
   public:
     void render(std::span<float> stereo) override {
         std::fill(stereo.begin(), stereo.end(), 0.0F);
@@ -107,7 +107,8 @@ class Clicker : public SoundClient {
 
 }  // namespace
 
-std::vector<double> clickTravels(DeviceSource& devices, const std::string& from, const std::string& to) {
+std::vector<double> clickTravels(engine::DeviceSource& devices, const std::string& from,
+                                 const std::string& to) {
     constexpr int clicks = 15;
     Clicker clicker;
     const auto input = devices.openInput(to, 44'100, clicker);

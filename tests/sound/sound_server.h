@@ -48,7 +48,8 @@ class SoundServer {
 
 /// Sends clicks to output `from` and listens at input `to`: how long each was under way, in ms, in rising
 /// order; nothing when one got lost.
-std::vector<double> clickTravels(DeviceSource& devices, const std::string& from, const std::string& to);
+std::vector<double> clickTravels(engine::DeviceSource& devices, const std::string& from,
+                                 const std::string& to);
 
 /// Waits until `holds` does, at most `seconds`.
 template <class Condition>

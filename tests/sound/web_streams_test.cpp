@@ -18,7 +18,7 @@ constexpr std::uint32_t timeoutMs = 4000;
 constexpr double seconds = 3;
 
 /// Reads until the stream is over or `frames` came.
-std::vector<float> readStream(Decoder& decoder, std::size_t frames = SIZE_MAX, double patience = 10) {
+std::vector<float> readStream(engine::Decoder& decoder, std::size_t frames = SIZE_MAX, double patience = 10) {
     std::vector<float> all, some(4096 * decoder.format().channels);
     within(patience, [&] {
         for (;;) {
@@ -42,7 +42,7 @@ class WebStreams : public testing::Test {
                          (folder / name)));
         return readBytes(folder / name);
     }
-    std::unique_ptr<Decoder> open(const std::string& url) {
+    std::unique_ptr<engine::Decoder> open(const std::string& url) {
         return makeFileDecoders()->openUrl(url, timeoutMs, error);
     }
     void expectTones(std::span<const float> sound, const std::string& what) {
@@ -233,7 +233,7 @@ TEST_F(WebStreams, SecureOnes) {
            "c.load_cert_chain('certificate.pem', 'key.pem')\n"
            "s.socket = c.wrap_socket(s.socket, server_side=True)\ns.serve_forever()\n";
     const Process secure({"/usr/bin/python3", folder / "serve.py"}, {});
-    std::unique_ptr<Decoder> decoder;
+    std::unique_ptr<engine::Decoder> decoder;
     within(5, [&] {
         decoder = open("https://localhost:" + std::to_string(port) + "/a.mp3");
         return decoder != nullptr;
@@ -285,7 +285,7 @@ TEST_F(WebStreams, Icecast) {
                                                           " icecast://source:secret@" + base + mount.name},
                              std::vector<std::pair<std::string, std::string>>{});
     for (const auto& mount : mounts) {
-        std::unique_ptr<Decoder> decoder;
+        std::unique_ptr<engine::Decoder> decoder;
         within(6, [&] {
             decoder = open("http://" + base + mount.name);
             return decoder != nullptr;

@@ -78,7 +78,7 @@ void writeBytes(const std::string& path, std::span<const char> bytes) {
     std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
-std::vector<float> readWhole(Decoder& decoder) {
+std::vector<float> readWhole(engine::Decoder& decoder) {
     const std::size_t channels = decoder.format().channels;
     std::vector<float> all, some;
     std::size_t frames = 1;

@@ -47,7 +47,7 @@ void writeBytes(const std::string& path, std::span<const char> bytes);
 std::vector<char> tinyModule(int rows);
 
 /// All that a decoder gives from where it stands, in reads of uneven sizes.
-std::vector<float> readWhole(Decoder& decoder);
+std::vector<float> readWhole(engine::Decoder& decoder);
 
 /// By how many frames `sound` comes later than `original` (first channel), as far as `most` either way.
 int lagOf(std::span<const float> sound, std::span<const float> original, std::uint32_t channels, int most);

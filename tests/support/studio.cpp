@@ -171,10 +171,10 @@ std::string FolderTest::read(const std::string& name) const {
 
 StudioTest::StudioTest(OfflineOptions given) : options(std::move(given)) {
     devices = makeOfflineDevices(options);
-    engineControl()->install({makeFileDecoders(), soundTouchStretchers(), devices});
+    engine::engineControl()->install({makeFileDecoders(), soundTouchStretchers(), devices});
     VirtualClock::instance().alignToPeriod();
     VirtualClock::instance().drive(devices);
-    VirtualClock::instance().onPeriod([] { engineControl()->settleSyncs(); });
+    VirtualClock::instance().onPeriod([] { engine::engineControl()->settleSyncs(); });
     ListOutDev();
     if (settings.DeviceSingle == 1)
         bassini(0);
