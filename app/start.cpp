@@ -11,6 +11,7 @@
 #include "model/state.h"
 #include "platform/clock.h"
 #include "platform/desktop.h"
+#include "platform/jobs.h"
 #include "platform/paths.h"
 #include "platform/sound.h"
 #include "startup/datafiles.h"
@@ -208,6 +209,9 @@ void openPalette() {
 bool Main(const CommandLine& commandLine) {
     guarded("modMain.Main", [] {
         FillUpcalls();
+        onJobFailure = [](const std::string& name, const std::exception_ptr& error) {
+            guarded(name, [&] { std::rethrow_exception(error); });
+        };
         CtrlDown = (modifierKeys() & kCtrlMask) != 0;
         LoadingUI = true;
     });
@@ -247,6 +251,7 @@ bool Main(const CommandLine& commandLine) {
 void Form_Unload() {
     // The control input and output would be closed first.
     guarded("frmMain.Form_Unload", frmMainUnload);
+    guarded("frmMain.Form_Unload", [] { endJobs(kJobsPatienceMs); });
     guarded("frmMain.Form_Unload", [] { FreeBASS(); });
     guarded("frmMain.Form_Unload", [] { callUp(startupUpcalls.unloadOtherWindows); });
     guarded("frmMain.Form_Unload",

@@ -12,6 +12,9 @@ namespace zv {
 /// EnterProgramFolder() has been called.
 bool Main(const CommandLine& commandLine);
 
+/// How long closing waits for the work of jobs.
+inline constexpr int kJobsPatienceMs = 1000;
+
 /// The mirror: sound, windows, the log's last line, and what was asked for at the end (shutdown). The
 /// settings have been saved by Form_QueryUnload before. Called once; the main window's onClose does it.
 void Form_Unload();

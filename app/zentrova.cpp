@@ -1,12 +1,14 @@
 /// The desktop program.
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "app/start.h"
 #include "platform/desktop.h"
+#include "platform/jobs.h"
 #include "platform/qt/view/shell.h"
 
 namespace {
@@ -38,6 +40,12 @@ int main(int argc, char** argv) {
     shell::startQt(argc, argv, false);
     EnterProgramFolder(commandLine, executableFolder(argv[0]));
     const int status = Main(commandLine) ? runEventLoop() : 1;
+    const bool quiet = endJobs(0);
     shell::endQt();
+    // Work that hangs, as on a disk that does not answer, must not meet what main() takes down.
+    if (!quiet) {
+        std::fflush(nullptr);
+        std::_Exit(status);
+    }
     return status;
 }

@@ -78,15 +78,32 @@ void VirtualClock::renderTo(std::int64_t until) {
     }
 }
 
+void VirtualClock::serve(DueSource source) { sources_.push_back(std::move(source)); }
+
+bool VirtualClock::fireDue(std::int64_t& next) {
+    for (const DueSource& source : sources_) {
+        const std::optional<std::int64_t> due = source.next();
+        if (due && *due <= now_) {
+            source.fire(now_);
+            return true;
+        }
+        if (due) next = std::min(next, *due);
+    }
+    const std::optional<std::int64_t> due = nextTimerDue();
+    if (due && *due <= now_) {
+        fireDueTimers(now_);
+        return true;
+    }
+    if (due) next = std::min(next, *due);
+    return false;
+}
+
 void VirtualClock::advanceTo(std::int64_t until) {
     for (;;) {
-        const std::optional<std::int64_t> due = nextTimerDue();
-        if (due && *due <= now_) {
-            fireDueTimers(now_);
-            continue;
-        }
+        std::int64_t next = std::max(until, now_);
+        if (fireDue(next)) continue;
         if (now_ >= until) return;
-        renderTo(due ? std::min(*due, until) : until);
+        renderTo(next);
     }
 }
 

@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
+#include <vector>
 
 #include "platform/offline/offline_devices.h"
 
@@ -17,9 +19,18 @@ inline constexpr std::uint32_t kClockRate = 44100;
 /// Period of the devices: the finest step in which sound is rendered.
 inline constexpr std::int64_t kPeriodMs = 10;
 
+/// Something besides the timers that falls due: results of jobs, messages of devices.
+struct DueSource {
+    std::function<std::optional<std::int64_t>()> next;  ///< when the next of it is due
+    std::function<void(std::int64_t now)> fire;         ///< does the first that is due
+};
+
 class VirtualClock {
   public:
     static VirtualClock& instance();
+
+    /// From now on served as well; of one moment it comes before the timers.
+    void serve(DueSource source);
 
     /// The devices that are pulled as time goes on; null for none.
     void drive(std::shared_ptr<OfflineDevices> devices);
@@ -43,9 +54,13 @@ class VirtualClock {
   private:
     VirtualClock();
     void renderTo(std::int64_t until);
+    /// Fires what is due now, of one source or of the timers; false when nothing is. `next` is when the first of
+    /// the rest is due, at most what it was.
+    bool fireDue(std::int64_t& next);
 
     std::shared_ptr<OfflineDevices> devices_;
     std::function<void()> step_;
+    std::vector<DueSource> sources_;
     std::int64_t now_;
     std::int64_t wallOffset_ = 0;
 };
