@@ -36,8 +36,7 @@ std::string ProgramVersion() {
 std::string ProgramVersionDigits() { return ReturnNumbers(ProgramVersion()); }
 
 std::int32_t FileChecksum(std::string_view contents) {
-    const Encoding encoding = encodingOf(contents);
-    const std::string text = toUtf8(contents, encoding);
+    const std::string text = textOf(contents);
     std::uint32_t sum = 0;  // wraps as the signed sum would
     for (std::size_t i = 0; i < text.size();) {
         // Characters as signed 16-bit values; those beyond come as the two halves that 16 bits take.

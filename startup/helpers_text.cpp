@@ -118,11 +118,11 @@ std::string CannotBeEmpty(std::string_view text, std::string_view def) {
 
 std::string LowerCase(std::string_view text) {
     std::string out(text);
-    foldCase(out, Encoding::utf8);
+    foldCase(out);
     return out;
 }
 
-bool SameText(std::string_view a, std::string_view b) { return sameFolded(a, b, Encoding::utf8); }
+bool SameText(std::string_view a, std::string_view b) { return sameFolded(a, b); }
 
 std::vector<std::string> Split(std::string_view text, std::string_view separator) {
     std::vector<std::string> out;

@@ -50,6 +50,12 @@ std::pair<std::size_t, std::size_t> trimmedRange(std::string_view bytes, std::si
     return {begin, end};
 }
 
+/// A name as it is looked for and written.
+std::string askedName(std::string_view text) {
+    const std::string line = sanitized(onOneLine(text));
+    return std::string(trimmedBlanks(line));
+}
+
 }  // namespace
 
 std::string_view trimmedBlanks(std::string_view text) {
@@ -58,8 +64,13 @@ std::string_view trimmedBlanks(std::string_view text) {
 }
 
 void IniText::assign(std::string bytes) {
-    bytes_ = std::move(bytes);
-    encoding_ = encodingOf(bytes_);
+    bytes_ = isMarkedUtf16(bytes) ? textOf(bytes) : std::move(bytes);
+    newLines_ = encodingOf(bytes_);
+    for (std::size_t from = 0; newLines_ != Encoding::utf8 && from < bytes_.size();) {
+        const std::string_view line = view(from, std::min(bytes_.find('\n', from), bytes_.size() - 1) + 1);
+        if (!isAscii(line)) newLines_ = encodingOf(line);
+        from += line.size();
+    }
     const std::size_t newline = bytes_.find('\n');
     lineEnd_ = newline == std::string::npos || (newline > 0 && bytes_[newline - 1] == '\r') ? "\r\n" : "\n";
     findSections();
@@ -67,6 +78,26 @@ void IniText::assign(std::string bytes) {
 
 // ---- finding
 // -----------------------------------------------------------------------------------------------
+
+Encoding IniText::lineEncoding(std::string_view line) const {
+    return isAscii(line) ? newLines_ : encodingOf(line);
+}
+
+/// `text` in `encoding` where that holds it and reads as the same again, else in UTF-8.
+std::string IniText::lineBytes(std::string_view text, Encoding encoding) {
+    std::string bytes;
+    const bool holds = encoding == Encoding::windows1252 && fromUtf8(text, encoding, bytes);
+    return holds && (isAscii(bytes) || !validUtf8(bytes)) ? bytes : sanitized(text);
+}
+
+bool IniText::isNamed(const Section& section, std::string_view name) const {
+    return sameFolded(toUtf8(view(section.name, section.nameEnd), section.encoding), name);
+}
+
+bool IniText::isNamed(const Section& section, const Key& key, std::string_view name) const {
+    const std::string_view bytes = view(section.begin + key.name, section.begin + key.nameEnd);
+    return sameFolded(toUtf8(bytes, key.encoding), name);
+}
 
 void IniText::findSections() {
     sections_.clear();
@@ -86,7 +117,8 @@ void IniText::findSections() {
         const auto [name, nameEnd] = trimmedRange(bytes_, at + 1, at + close);
         if (!sections_.empty()) sections_.back().end = begin;
         Section section{};
-        section.hash = foldedHash(view(name, nameEnd), encoding_);
+        section.encoding = lineEncoding(view(begin, from));
+        section.hash = foldedHash(toUtf8(view(name, nameEnd), section.encoding));
         section.begin = begin;
         section.body = from;
         section.end = bytes_.size();
@@ -117,9 +149,10 @@ void IniText::index(Section& section) {
             if (equals != std::string::npos && equals > 0) {
                 const auto [name, nameEnd] = trimmedRange(bytes_, begin, begin + equals);
                 const auto [value, valueEnd] = trimmedRange(bytes_, begin + equals + 1, end);
-                section.keys.push_back({foldedHash(view(name, nameEnd), encoding_), offset(line),
+                const Encoding encoding = lineEncoding(view(line, next));
+                section.keys.push_back({foldedHash(toUtf8(view(name, nameEnd), encoding)), offset(line),
                                         offset(next), offset(name), offset(nameEnd), offset(value),
-                                        offset(valueEnd)});
+                                        offset(valueEnd), encoding});
             }
         }
         line = next;
@@ -132,12 +165,12 @@ void IniText::index(Section& section) {
 
 const IniText::Section* IniText::find(std::string_view name) const {
     if (name.empty()) return nullptr;
-    const std::size_t hash = foldedHash(name, encoding_);
+    const std::size_t hash = foldedHash(name);
     auto it = std::lower_bound(sectionsByHash_.begin(), sectionsByHash_.end(), hash,
                                [this](std::uint32_t i, std::size_t h) { return sections_[i].hash < h; });
     for (; it != sectionsByHash_.end() && sections_[*it].hash == hash; ++it) {
         const Section& s = sections_[*it];
-        if (sameFolded(view(s.name, s.nameEnd), name, encoding_)) return &s;
+        if (isNamed(s, name)) return &s;
     }
     return nullptr;
 }
@@ -148,12 +181,12 @@ IniText::Section* IniText::find(std::string_view name) {
 
 const IniText::Key* IniText::find(Section& section, std::string_view key) {
     index(section);
-    const std::size_t hash = foldedHash(key, encoding_);
+    const std::size_t hash = foldedHash(key);
     auto it = std::lower_bound(section.byHash.begin(), section.byHash.end(), hash,
                                [&](std::uint32_t i, std::size_t h) { return section.keys[i].hash < h; });
     for (; it != section.byHash.end() && section.keys[*it].hash == hash; ++it) {
         const Key& k = section.keys[*it];
-        if (sameFolded(view(section.begin + k.name, section.begin + k.nameEnd), key, encoding_)) return &k;
+        if (isNamed(section, k, key)) return &k;
     }
     return nullptr;
 }
@@ -161,36 +194,29 @@ const IniText::Key* IniText::find(Section& section, std::string_view key) {
 // ---- reading
 // -----------------------------------------------------------------------------------------------
 
-bool IniText::encoded(std::string_view text, std::string& bytes) const {
-    const bool all = fromUtf8(onOneLine(text), encoding_, bytes);
-    bytes = std::string(trimmedBlanks(bytes));
-    return all;
-}
-
-std::optional<std::string> IniText::value(std::string_view section, std::string_view key) {
-    std::string name;
-    if (!encoded(section, name)) return std::nullopt;
-    Section* s = find(name);
-    if (s == nullptr || !encoded(key, name)) return std::nullopt;
-    const Key* k = find(*s, name);
-    if (k == nullptr) return std::nullopt;
-    std::string text = toUtf8(withoutQuotes(view(s->begin + k->value, s->begin + k->valueEnd)), encoding_);
+std::string IniText::valueOf(const Section& section, const Key& key) const {
+    const std::string_view bytes =
+        withoutQuotes(view(section.begin + key.value, section.begin + key.valueEnd));
+    std::string text = toUtf8(bytes, key.encoding);
     if (text.size() > kLongestValue) text.resize(firstCharacters(text, kLongestValue).size());
     return text;
 }
 
+std::optional<std::string> IniText::value(std::string_view section, std::string_view key) {
+    Section* s = find(askedName(section));
+    const Key* k = s == nullptr ? nullptr : find(*s, askedName(key));
+    return k == nullptr ? std::nullopt : std::optional(valueOf(*s, *k));
+}
+
 std::vector<IniText::Line> IniText::lines(std::string_view section) {
     std::vector<Line> out;
-    std::string name;
-    Section* s = encoded(section, name) ? find(name) : nullptr;
+    Section* s = find(askedName(section));
     if (s == nullptr) return out;
     index(*s);
     for (const Key& k : s->keys) {
-        const std::string_view key = view(s->begin + k.name, s->begin + k.nameEnd);
+        std::string key = toUtf8(view(s->begin + k.name, s->begin + k.nameEnd), k.encoding);
         if (!askable(key) || find(*s, key) != &k) continue;  // a second one of that name
-        std::string text = toUtf8(withoutQuotes(view(s->begin + k.value, s->begin + k.valueEnd)), encoding_);
-        if (text.size() > kLongestValue) text.resize(firstCharacters(text, kLongestValue).size());
-        out.emplace_back(toUtf8(key, encoding_), std::move(text));
+        out.emplace_back(std::move(key), valueOf(*s, k));
     }
     return out;
 }
@@ -199,31 +225,16 @@ std::vector<std::string> IniText::sectionNames() const {
     std::vector<std::string> out;
     out.reserve(sections_.size());
     for (const Section& s : sections_) {
-        const std::string_view name = view(s.name, s.nameEnd);
-        if (askable(name) && find(name) == &s) out.push_back(toUtf8(name, encoding_));
+        std::string name = toUtf8(view(s.name, s.nameEnd), s.encoding);
+        if (askable(name) && find(name) == &s) out.push_back(std::move(name));
     }
     return out;
 }
 
-bool IniText::hasSection(std::string_view section) const {
-    std::string name;
-    return encoded(section, name) && find(name) != nullptr;
-}
+bool IniText::hasSection(std::string_view section) const { return find(askedName(section)) != nullptr; }
 
 // ---- changing
 // ----------------------------------------------------------------------------------------------
-
-void IniText::becomeUtf8() {
-    const std::size_t top = bytes_.starts_with(kMark) ? kMark.size() : 0;
-    bytes_.replace(top, std::string::npos, toUtf8(view(top, bytes_.size()), encoding_));
-    encoding_ = Encoding::utf8;
-    findSections();
-}
-
-/// Bytes that happen to be valid UTF-8 after a change would be read as such the next time.
-void IniText::settleEncoding() {
-    if (encoding_ == Encoding::windows1252 && validUtf8(bytes_)) becomeUtf8();
-}
 
 void IniText::closeLastLine() {
     if (bytes_.empty() || bytes_.back() == '\n' || bytes_ == kMark) return;
@@ -251,36 +262,20 @@ void IniText::splice(std::size_t begin, std::size_t end, std::string_view with) 
     }
 }
 
-/// Makes the encoding one that holds all of `texts`, which are going to be written.
-void IniText::makeRoomFor(std::initializer_list<std::string_view> texts) {
-    std::string bytes;
-    const auto fits = [&](std::string_view text) { return fromUtf8(text, encoding_, bytes); };
-    if (!std::all_of(texts.begin(), texts.end(), fits)) becomeUtf8();
-}
-
 bool IniText::put(std::string_view section, std::string_view key, std::string_view value) {
     if (!writableSection(section) || !writableKey(key)) return false;
-    if (!value.empty()) makeRoomFor({section, key, value});
-    std::string s;
-    std::string k;
-    std::string v;
-    if (!encoded(section, s) || !encoded(key, k))
-        return false;  // a name that cannot be there to be taken out
-    fromUtf8(onOneLine(value), encoding_, v);
-    const bool changed = putEncoded(s, k, v);
-    if (changed) settleEncoding();
-    return changed;
+    return putPlain(askedName(section), askedName(key), sanitized(onOneLine(value)));
 }
 
-bool IniText::putEncoded(std::string_view section, std::string_view key, std::string_view value) {
+/// put() of names and a value that are valid and on one line.
+bool IniText::putPlain(std::string_view section, std::string_view key, std::string_view value) {
     Section* s = find(section);
     const Key* k = s == nullptr ? nullptr : find(*s, key);
     if (k != nullptr && value.empty()) {
         // All lines of that name: a second one would come to light otherwise.
         std::vector<std::pair<std::size_t, std::size_t>> gone;
         for (const Key& line : s->keys) {
-            if (line.hash == k->hash &&
-                sameFolded(view(s->begin + line.name, s->begin + line.nameEnd), key, encoding_)) {
+            if (line.hash == k->hash && isNamed(*s, line, key)) {
                 gone.emplace_back(s->begin + line.begin, s->begin + line.end);
             }
         }
@@ -298,12 +293,14 @@ bool IniText::putEncoded(std::string_view section, std::string_view key, std::st
             end = s->begin + k->end;
             while (end > begin && (bytes_[end - 1] == '\n' || bytes_[end - 1] == '\r')) --end;
         }
-        if (view(begin, end) == value) return false;
-        splice(begin, end, value);
+        if (toUtf8(view(begin, end), k->encoding) == value) return false;
+        const std::size_t lineBegin = s->begin + k->begin, lineEnd = s->begin + k->end;
+        std::string line = toUtf8(view(lineBegin, begin), k->encoding);
+        line.append(value).append(toUtf8(view(end, lineEnd), k->encoding));
+        splice(lineBegin, lineEnd, lineBytes(line, k->encoding));
         return true;
     }
-    std::string line;
-    line.append(key).append("=").append(value).append(lineEnd_);
+    const std::string line = lineBytes(std::string(key).append("=").append(value), newLines_) + lineEnd_;
     if (s != nullptr) {
         const std::size_t at = s->begin + s->lastLineEnd;
         const bool cutShort = bytes_[at - 1] != '\n';  // the file's last line
@@ -311,61 +308,56 @@ bool IniText::putEncoded(std::string_view section, std::string_view key, std::st
         if (cutShort) findSections();
         return true;
     }
-    closeLastLine();
-    bytes_.append("[").append(section).append("]").append(lineEnd_).append(line);
+    appendHeader(section);
+    bytes_ += line;
     findSections();
     return true;
 }
 
+void IniText::appendHeader(std::string_view name) {
+    closeLastLine();
+    bytes_ += lineBytes(std::string("[").append(name).append("]"), newLines_) + lineEnd_;
+}
+
 bool IniText::eraseSection(std::string_view section) {
-    std::string name;
-    const Section* first = encoded(section, name) ? find(name) : nullptr;
+    const std::string name = askedName(section);
+    const Section* first = find(name);
     if (first == nullptr) return false;
     for (std::size_t i = sections_.size(); i-- > 0;) {
         const Section& s = sections_[i];
-        if (s.hash == first->hash && sameFolded(view(s.name, s.nameEnd), name, encoding_)) {
-            bytes_.erase(s.begin, s.end - s.begin);
-        }
+        if (s.hash == first->hash && isNamed(s, name)) bytes_.erase(s.begin, s.end - s.begin);
         if (&s == first) break;
     }
     findSections();
-    settleEncoding();
     return true;
 }
 
 bool IniText::replaceSection(std::string_view section, const std::vector<Line>& lines) {
     if (!writableSection(section)) return false;
-    for (const Line& line : lines) {
-        if (!line.second.empty() && writableKey(line.first)) makeRoomFor({section, line.first, line.second});
-    }
+    const std::string name = askedName(section);
+    Section* s = find(name);
     std::string text;
     std::vector<std::pair<std::size_t, std::string>> written;  // hash and key: the first of equal keys counts
     for (const Line& line : lines) {
         if (line.second.empty() || !writableKey(line.first)) continue;
-        std::string key;
-        encoded(line.first, key);
-        const std::size_t hash = foldedHash(key, encoding_);
-        const auto same = [&](const auto& w) {
-            return w.first == hash && sameFolded(w.second, key, encoding_);
-        };
+        std::string key = askedName(line.first);
+        const std::size_t hash = foldedHash(key);
+        const auto same = [&](const auto& w) { return w.first == hash && sameFolded(w.second, key); };
         if (std::any_of(written.begin(), written.end(), same)) continue;
-        std::string value;
-        fromUtf8(onOneLine(line.second), encoding_, value);
-        text.append(key).append("=").append(value).append(lineEnd_);
+        const Key* old = s == nullptr ? nullptr : find(*s, key);
+        text += lineBytes(key + "=" + onOneLine(line.second), old == nullptr ? newLines_ : old->encoding);
+        text += lineEnd_;
         written.emplace_back(hash, std::move(key));
     }
     if (text.empty()) return eraseSection(section);
-    std::string name;
-    encoded(section, name);
-    if (find(name) == nullptr) {
-        closeLastLine();
-        bytes_.append("[").append(name).append("]").append(lineEnd_).append(text);
+    if (s == nullptr) {
+        appendHeader(name);
+        bytes_ += text;
         findSections();
-        settleEncoding();
         return true;
     }
     bool changed = eraseRepetitions(name);
-    Section* s = find(name);
+    s = find(name);
     // Blank lines in front of the next section stay where they are.
     std::size_t end = trimmedRange(bytes_, s->body, s->end).second;
     const std::size_t newline = end > s->body ? bytes_.find('\n', end) : std::string::npos;
@@ -382,7 +374,6 @@ bool IniText::replaceSection(std::string_view section, const std::vector<Line>& 
         if (s->body == 0 || bytes_[s->body - 1] != '\n') findSections();
         changed = true;
     }
-    if (changed) settleEncoding();
     return changed;
 }
 
@@ -393,7 +384,7 @@ bool IniText::eraseRepetitions(std::string_view name) {
     bool changed = false;
     for (std::size_t i = sections_.size(); i-- > 0 && sections_[i].begin > first;) {
         const Section& other = sections_[i];
-        if (other.hash != hash || !sameFolded(view(other.name, other.nameEnd), name, encoding_)) continue;
+        if (other.hash != hash || !isNamed(other, name)) continue;
         bytes_.erase(other.begin, other.end - other.begin);
         changed = true;
     }
@@ -403,25 +394,19 @@ bool IniText::eraseRepetitions(std::string_view name) {
 
 bool IniText::mergeSection(std::string_view section, const std::vector<Line>& lines) {
     if (!writableSection(section)) return false;
-    for (const Line& line : lines) {
-        if (!line.second.empty() && writableKey(line.first)) makeRoomFor({section, line.first, line.second});
-    }
     // In a text of its own, so that a large file is moved once and not for each line.
-    std::string name;
-    if (!encoded(section, name)) return false;
+    const std::string name = askedName(section);
     const Section* s = find(name);
     IniText part;
     part.bytes_ = s == nullptr ? std::string() : std::string(view(s->begin, s->end));
-    part.encoding_ = encoding_;
+    part.newLines_ = newLines_;
     part.lineEnd_ = lineEnd_;
     part.findSections();
     bool changed = false;
     for (const Line& line : lines) {
-        std::string key;
-        std::string value;
-        if (!writableKey(line.first) || !encoded(line.first, key)) continue;
-        fromUtf8(onOneLine(line.second), encoding_, value);
-        changed = part.putEncoded(name, key, value) || changed;
+        if (!writableKey(line.first)) continue;
+        const std::string value = sanitized(onOneLine(line.second));
+        changed = part.putPlain(name, askedName(line.first), value) || changed;
     }
     if (!changed) return false;
     if (s == nullptr) {
@@ -431,7 +416,6 @@ bool IniText::mergeSection(std::string_view section, const std::vector<Line>& li
         bytes_.replace(s->begin, s->end - s->begin, part.bytes_);
     }
     findSections();
-    settleEncoding();
     return true;
 }
 

@@ -2,14 +2,14 @@
 /// malformed lines included. Names compare without regard to case; the first of several equal keys or
 /// sections counts.
 ///
-/// Names and values come and go as UTF-8; the bytes keep the encoding they were found in, unless a text is
-/// written that Windows-1252 cannot hold: the whole then becomes UTF-8 rather than lose it. Line ends are
-/// those that the text has (its first line says which), CR LF in an empty one. [control]
+/// Names and values come and go as UTF-8. Each line of the bytes keeps the encoding it was found in, unless a
+/// text is written to it that Windows-1252 cannot hold: that line then becomes UTF-8. New lines are UTF-8 but
+/// where all others are Windows-1252. Marked UTF-16 is read, and becomes UTF-8. Line ends are those that the
+/// text has (its first line says which), CR LF in an empty one. [control]
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,7 +30,6 @@ class IniText {
     explicit IniText(std::string bytes) { assign(std::move(bytes)); }
     void assign(std::string bytes);
     const std::string& bytes() const { return bytes_; }
-    Encoding encoding() const { return encoding_; }
 
     /// The value of a key, without blanks around it and matching quotes; nothing when it is missing.
     std::optional<std::string> value(std::string_view section, std::string_view key);
@@ -59,11 +58,13 @@ class IniText {
         std::uint32_t begin, end;       ///< the line, its end included
         std::uint32_t name, nameEnd;    ///< without blanks
         std::uint32_t value, valueEnd;  ///< without blanks, quotes included
+        Encoding encoding;
     };
     struct Section {
         std::size_t hash;
         std::size_t begin, body, end;  ///< header line, first line behind it, next header
         std::size_t name, nameEnd;
+        Encoding encoding = Encoding::utf8;  ///< of the header
         bool indexed = false;
         std::uint32_t lastLineEnd = 0;      ///< end of the last line that is no blank and no comment
         std::vector<Key> keys;              ///< in file order
@@ -73,22 +74,25 @@ class IniText {
     std::string_view view(std::size_t begin, std::size_t end) const {
         return std::string_view(bytes_).substr(begin, end - begin);
     }
+    /// Encoding of a line; that of new lines for one that is the same in both.
+    Encoding lineEncoding(std::string_view line) const;
+    static std::string lineBytes(std::string_view text, Encoding encoding);
+    bool isNamed(const Section& section, std::string_view name) const;
+    bool isNamed(const Section& section, const Key& key, std::string_view name) const;
+    std::string valueOf(const Section& section, const Key& key) const;
     void findSections();
     void index(Section& section);
     Section* find(std::string_view name);
     const Section* find(std::string_view name) const;
     const Key* find(Section& section, std::string_view key);
-    bool encoded(std::string_view text, std::string& bytes) const;
-    void makeRoomFor(std::initializer_list<std::string_view> texts);
     bool eraseRepetitions(std::string_view name);
-    void becomeUtf8();
     void splice(std::size_t begin, std::size_t end, std::string_view with);
     void closeLastLine();
-    void settleEncoding();
-    bool putEncoded(std::string_view section, std::string_view key, std::string_view value);
+    void appendHeader(std::string_view name);
+    bool putPlain(std::string_view section, std::string_view key, std::string_view value);
 
     std::string bytes_;
-    Encoding encoding_ = Encoding::utf8;
+    Encoding newLines_ = Encoding::utf8;
     std::string lineEnd_ = "\r\n";
     std::vector<Section> sections_;
     std::vector<std::uint32_t> sectionsByHash_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <system_error>
 
@@ -230,20 +231,21 @@ void SaveZVini() {
 void SortZVini() {
     std::string bytes;
     if (!readFile(nativePath(IniFile), bytes)) return;
-    const Encoding encoding = encodingOf(bytes);
-    std::vector<std::string> lines = Split(toUtf8(bytes, encoding), "\n");
+    std::vector<std::string> lines = Split(isMarkedUtf16(bytes) ? textOf(bytes) : bytes, "\n");
     if (!lines.empty() && lines.back().empty()) lines.pop_back();
     if (!lines.empty()) lines.erase(lines.begin());
+    std::map<std::string, std::string> bytesOf;  // each line keeps the encoding it has
     for (std::string& line : lines) {
         if (line.ends_with('\r')) line.pop_back();
+        std::string text = textOf(line);
+        bytesOf[text] = std::move(line);
+        line = std::move(text);
     }
     QuickSort(lines);
     const char* lineEnd =
         bytes.find('\n') != std::string::npos && bytes.find("\r\n") == std::string::npos ? "\n" : "\r\n";
-    std::string text = std::string("[") + kSettingsSection + "]" + lineEnd;
-    for (const std::string& line : lines) text.append(line).append(lineEnd);
-    std::string sorted;
-    fromUtf8(text, encoding, sorted);
+    std::string sorted = std::string("[") + kSettingsSection + "]" + lineEnd;
+    for (const std::string& line : lines) sorted.append(bytesOf[line]).append(lineEnd);
     if (sorted != bytes) replaceFile(nativePath(IniFile), sorted);
 }
 

@@ -64,15 +64,18 @@ char32_t codePoint(std::string_view s, std::size_t i, std::size_t length) {
 }
 
 void appendUtf8(std::string& out, char32_t point) {
+    const auto tail = [&](int shift) { out += static_cast<char>(0x80 | ((point >> shift) & 0x3F)); };
     if (point < 0x80) {
         out += static_cast<char>(point);
     } else if (point < 0x800) {
         out += static_cast<char>(0xC0 | (point >> 6));
-        out += static_cast<char>(0x80 | (point & 0x3F));
-    } else {
+        tail(0);
+    } else if (point < 0x10000) {
         out += static_cast<char>(0xE0 | (point >> 12));
-        out += static_cast<char>(0x80 | ((point >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (point & 0x3F));
+        tail(6), tail(0);
+    } else {
+        out += static_cast<char>(0xF0 | (point >> 18));
+        tail(12), tail(6), tail(0);
     }
 }
 
@@ -86,13 +89,6 @@ unsigned char byteIn1252(char32_t point) {
     const auto found = std::find(kUpper.begin(), kUpper.end(), static_cast<char16_t>(point));
     if (point > 0xFFFF || found == kUpper.end()) return 0;
     return static_cast<unsigned char>(0x80 + (found - kUpper.begin()));
-}
-
-unsigned char lower1252(unsigned char c) {
-    if ((c >= 'A' && c <= 'Z') || (c >= 0xC0 && c <= 0xDE && c != 0xD7))
-        return static_cast<unsigned char>(c + 0x20);
-    if (c == 0x8A || c == 0x8C || c == 0x8E) return static_cast<unsigned char>(c + 0x10);
-    return c == 0x9F ? 0xFF : c;
 }
 
 /// Lower-case form of the two-byte Latin letters that Windows-1252 knows too.
@@ -109,12 +105,10 @@ void lowerPair(unsigned char& first, unsigned char& second) {
 
 /// Calls `take` with each byte of the folded form; stops when it returns false.
 template <class Take>
-void eachFolded(std::string_view s, Encoding encoding, Take take) {
+void eachFolded(std::string_view s, Take take) {
     for (std::size_t i = 0; i < s.size(); ++i) {
         unsigned char c = byteAt(s, i);
-        if (encoding == Encoding::windows1252) {
-            if (!take(lower1252(c))) return;
-        } else if (c < 0x80) {
+        if (c < 0x80) {
             if (!take(c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + 0x20) : c)) return;
         } else if ((c == 0xC3 || c == 0xC5) && i + 1 < s.size()) {
             unsigned char second = byteAt(s, ++i);
@@ -142,6 +136,48 @@ bool validUtf8(std::string_view bytes) {
 
 Encoding encodingOf(std::string_view bytes) {
     return validUtf8(bytes) ? Encoding::utf8 : Encoding::windows1252;
+}
+
+namespace {
+
+constexpr std::string_view kLittleMark = "\xFF\xFE", kBigMark = "\xFE\xFF";
+
+/// UTF-16 with its mark as UTF-8. A half without its other half becomes the replacement character.
+std::string fromMarked16(std::string_view bytes) {
+    constexpr char32_t replacement = 0xFFFD;
+    const std::size_t low = bytes.starts_with(kLittleMark) ? 0 : 1;
+    const auto unit = [&](std::size_t i) {
+        return i + 1 < bytes.size() ? byteAt(bytes, i + low) | char32_t{byteAt(bytes, i + 1 - low)} << 8 : 0;
+    };
+    std::string out;
+    for (std::size_t i = kLittleMark.size(); i + 1 < bytes.size(); i += 2) {
+        char32_t point = unit(i);
+        if (point >= 0xD800 && point < 0xDC00 && unit(i + 2) >= 0xDC00 && unit(i + 2) < 0xE000) {
+            point = 0x10000 + ((point - 0xD800) << 10) + (unit(i + 2) - 0xDC00);
+            i += 2;
+        }
+        appendUtf8(out, point >= 0xD800 && point < 0xE000 ? replacement : point);
+    }
+    return out;
+}
+
+}  // namespace
+
+bool isMarkedUtf16(std::string_view bytes) {
+    return bytes.starts_with(kLittleMark) || bytes.starts_with(kBigMark);
+}
+
+std::string textOf(std::string_view bytes) {
+    if (isMarkedUtf16(bytes)) return fromMarked16(bytes);
+    if (validUtf8(bytes)) return std::string(bytes);
+    std::string out;
+    for (std::size_t from = 0; from < bytes.size();) {
+        const std::size_t end = std::min(bytes.find('\n', from), bytes.size() - 1) + 1;
+        const std::string_view line = bytes.substr(from, end - from);
+        out += toUtf8(line, encodingOf(line));
+        from += line.size();
+    }
+    return out;
 }
 
 std::string toUtf8(std::string_view bytes, Encoding encoding) {
@@ -192,29 +228,29 @@ std::string sanitized(std::string_view text) {
     return out;
 }
 
-void foldCase(std::string& bytes, Encoding encoding) {
+void foldCase(std::string& text) {
     std::string out;
-    out.reserve(bytes.size());
-    eachFolded(bytes, encoding, [&](unsigned char c) {
+    out.reserve(text.size());
+    eachFolded(text, [&](unsigned char c) {
         out += static_cast<char>(c);
         return true;
     });
-    bytes = std::move(out);
+    text = std::move(out);
 }
 
-bool sameFolded(std::string_view a, std::string_view b, Encoding encoding) {
+bool sameFolded(std::string_view a, std::string_view b) {
     if (a.size() != b.size()) return false;  // folding keeps the length
     if (a == b) return true;
     std::string left(a);
     std::string right(b);
-    foldCase(left, encoding);
-    foldCase(right, encoding);
+    foldCase(left);
+    foldCase(right);
     return left == right;
 }
 
-std::size_t foldedHash(std::string_view name, Encoding encoding) {
+std::size_t foldedHash(std::string_view name) {
     std::uint64_t hash = 0xCBF29CE484222325U;
-    eachFolded(name, encoding, [&](unsigned char c) {
+    eachFolded(name, [&](unsigned char c) {
         hash = (hash ^ c) * 0x100000001B3U;
         return true;
     });

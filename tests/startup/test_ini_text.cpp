@@ -56,6 +56,10 @@ TEST(IniText, Reads) {
         {"1500 characters", "[S]\nk=" + std::string(1500, 'x') + "\n", "S", "k", longest},
         {"characters, not bytes", "[S]\nk=\xC3\xA9" + std::string(1500, 'x'), "S", "k",
          "\xC3\xA9" + std::string(1022, 'x')},
+        {"a line of its own encoding beside another", "[S]\nk=\xE9\n[\xC3\xA9]\nj=\xC3\xA9\nk=\x80\n",
+         "\xC3\xA9", "k", "\xE2\x82\xAC"},
+        {"UTF-8 beside stray bytes", "[\xE8]\nk=\xE9\n[\xC3\xA9]\nj=\xC3\xA9\nk=\x80\n", "\xC3\x89", "j",
+         "\xC3\xA9"},
         {"a zero byte", std::string("[S]\nk=v\0w\n", 10), "S", "k", "v"},
     };
     for (const Reading& row : table) {
@@ -105,15 +109,27 @@ TEST(IniText, ChangesOnlyWhatIsMeant) {
         {"unless a text has no place in it",
          "[S]\nk=\xE9\n",
          {"S", "j", "\xE6\x97\xA5"},
-         "[S]\nk=\xC3\xA9\nj=\xE6\x97\xA5\n"},
+         "[S]\nk=\xE9\nj=\xE6\x97\xA5\n"},
+        {"a line that it has no place in",
+         "[S]\nj=\xE8\n\xE9 = \xE9\n",
+         {"S", "\xC3\x89", "\xE6\x97\xA5"},
+         "[S]\nj=\xE8\n\xC3\xA9 = \xE6\x97\xA5\n"},
+        {"each line keeps its encoding",
+         "[S]\n\xE9=1\nj=\xC3\xA9\n",
+         {"S", "\xC3\xA9", "\xC3\xA8"},
+         "[S]\n\xE9=\xE8\nj=\xC3\xA9\n"},
+        {"new lines beside both are UTF-8",
+         "[S]\nk=\xE9\nj=\xC3\xA9\n",
+         {"S", "l", "\xC3\xA8"},
+         "[S]\nk=\xE9\nj=\xC3\xA9\nl=\xC3\xA8\n"},
         {"stray bytes never spoil UTF-8",
          "[S]\nk=\xC3\xA9\n",
          {"S", "j", "\xE9"},
          "[S]\nk=\xC3\xA9\nj=\xC3\xA9\n"},
         {"bytes that would read as UTF-8",
-         "[S]\nk=\xE9\nj=\xC3\xA9\n",
-         {"S", "k", ""},
-         "[S]\nj=\xC3\x83\xC2\xA9\n"},
+         "[S]\nk=\xE9\n",
+         {"S", "j", "\xC3\x83\xC2\xA9"},
+         "[S]\nk=\xE9\nj=\xC3\x83\xC2\xA9\n"},
         {"the mark in front stays", "\xEF\xBB\xBF[S]\nk=1\n", {"S", "k", "2"}, "\xEF\xBB\xBF[S]\nk=2\n"},
         {"a section goes whole", "; top\n[S]\nk=1\n; c\n\n[T]\na=1\n", {"S"}, "; top\n[T]\na=1\n"},
         {"all sections of a name", "[S]\nk=1\n[T]\na=1\n[s]\nk=2\n", {"s"}, "[T]\na=1\n"},
@@ -125,6 +141,27 @@ TEST(IniText, ChangesOnlyWhatIsMeant) {
         EXPECT_EQ(text.bytes(), row.after) << row.what;
         EXPECT_EQ(changed, row.before != row.after) << row.what;
     }
+}
+
+TEST(IniText, Utf16WithItsMarkBecomesUtf8WhenItIsChanged) {
+    const std::u16string content = u"[S]\r\nk=\u00E9\U0001F3B5\r\n";
+    for (const bool big : {false, true}) {
+        std::string bytes = big ? "\xFE\xFF" : "\xFF\xFE";
+        for (const char16_t unit : content) {
+            const char halves[] = {static_cast<char>(unit), static_cast<char>(unit >> 8)};
+            bytes += {halves[big ? 1 : 0], halves[big ? 0 : 1]};
+        }
+        IniText text(bytes);
+        EXPECT_EQ(text.value("S", "k"), "\xC3\xA9\xF0\x9F\x8E\xB5");
+        EXPECT_TRUE(text.put("S", "j", "1"));
+        EXPECT_EQ(text.bytes(), "[S]\r\nk=\xC3\xA9\xF0\x9F\x8E\xB5\r\nj=1\r\n");
+    }
+}
+
+TEST(IniText, SectionsAtOnceKeepEachLinesEncoding) {
+    IniText text("[S]\nk=\xE9\nj=\xC3\xA9\nl=\xE8\n");
+    EXPECT_TRUE(text.replaceSection("S", {{"j", "\xC3\xAA"}, {"k", "\xC3\xA9"}, {"m", "\xC3\xA9"}}));
+    EXPECT_EQ(text.bytes(), "[S]\nj=\xC3\xAA\nk=\xE9\nm=\xC3\xA9\n");
 }
 
 TEST(IniText, SectionsAtOnce) {
