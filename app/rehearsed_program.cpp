@@ -102,7 +102,7 @@ int indexOf(std::string_view name, std::string_view stem, std::string_view& rest
 }
 
 std::string faultOf(int index) {
-    const JingleRecord& j = J[static_cast<std::size_t>(index)];
+    const JingleRecord& j = Jingle(index);
     const DWORD active = j.hPlay == 0 ? BASS_ACTIVE_STOPPED : BASS_ChannelIsActive(j.hPlay);
     const auto tell = [&](const char* what) {
         return "jingle " + std::to_string(index) + ": " + what + " (State " +
@@ -137,10 +137,10 @@ std::optional<std::string> programValue(std::string_view name) {
         const auto field = std::ranges::find(kFields, rest.substr(1),
                                              [](const Field& f) { return std::string_view(f.name); });
         if (field == std::end(kFields)) return std::nullopt;
-        return field->read(J[static_cast<std::size_t>(index)]);
+        return field->read(Jingle(index));
     }
     if (const int index = indexOf(name, "BASS_ChannelIsActive", rest); index >= 0 && rest.empty()) {
-        return text(BASS_ChannelIsActive(J[static_cast<std::size_t>(index)].hPlay));
+        return text(BASS_ChannelIsActive(Jingle(index).hPlay));
     }
     for (auto& [key, value] : settingLines()) {
         if (key == name) return value;
@@ -152,7 +152,7 @@ void writeProgramState(std::ostream& json) {
     json << "\"jingles\": [";
     const char* separator = "\n";
     for (int i = 0; i < kJingles; ++i) {
-        const JingleRecord& j = J[static_cast<std::size_t>(i)];
+        const JingleRecord& j = Jingle(i);
         if (j.Path.empty() && j.Kind == SlotKind::nothing) continue;
         json << separator << "{\"index\": " << i;
         for (const Field& field : kFields)
@@ -179,8 +179,8 @@ void changeGrid(int rows, int columns) {
 }
 
 std::string programFault() {
-    for (int i = 0; i <= LastLiveIdx(); ++i) {
-        if (!IsLive(i) || JExists[static_cast<std::size_t>(i)] == 0) continue;
+    for (const int i : LiveJingles()) {
+        if (JExists[static_cast<std::size_t>(i)] == 0) continue;
         if (std::string fault = faultOf(i); !fault.empty()) return fault;
     }
     return {};

@@ -8,7 +8,7 @@ namespace zv {
 void DuckTickBegin() { DuckRemain = 0; }
 
 void DuckTickJingle(int index, double left) {
-    if (J[static_cast<std::size_t>(index)].AutoDuck == 1) return;
+    if (Jingle(index).AutoDuck == 1) return;
     if (DuckRemain == 0 || DuckRemain > left) DuckRemain = left;
 }
 

@@ -33,7 +33,6 @@ constexpr double kMsPerSecond = 1000;
 /// Syncs at the stop positions, so that a jingle that was stopped before it does not gather them.
 std::array<HSYNC, kJingles> stopPosSyncs{};
 
-JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
 bool inRange(int index) { return index >= 0 && index < kJingles; }
 
 bool plays(const JingleRecord& j) { return BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_PLAYING; }
@@ -72,7 +71,7 @@ void setLoops(const JingleRecord& j) {
 
 /// From rest, or again: what is heard is set before the channel plays, what is told and shown follows it.
 void start(int index, int velocity) {
-    JingleRecord& j = record(index);
+    JingleRecord& j = Jingle(index);
     if (settings.AutoMix == kAutomixRefuse && DispRemain != 0) return;
     const QWORD length = BASS_ChannelGetLength(j.hSrc, BASS_POS_BYTE);
     if (length == 0 || length == BASS_NO_POSITION) return;
@@ -106,7 +105,7 @@ void start(int index, int velocity) {
 }
 
 void pressInSequence(int index) {
-    JingleRecord& j = record(index);
+    JingleRecord& j = Jingle(index);
     if (j.LoopFadeOut == 0) {
         BASS_ChannelSetPosition(j.hSrc, BASS_ChannelGetLength(j.hSrc, BASS_POS_BYTE), BASS_POS_END);
         BASS_ChannelFlags(j.hSrc, 0, BASS_SAMPLE_LOOP);
@@ -147,7 +146,7 @@ QWORD tailEnd(const JingleRecord& j) {
 }
 
 void restart(int index, int velocity) {
-    JingleRecord& j = record(index);
+    JingleRecord& j = Jingle(index);
     BASS_ChannelSlideAttribute(j.hPlay, BASS_ATTRIB_VOLDSP, 0, ClickFadeMs);
     sleepMs(ClickFadeMs + 10);
     BASS_ChannelStop(j.hPlay);
@@ -155,7 +154,7 @@ void restart(int index, int velocity) {
 }
 
 void pressWhilePlaying(int index, int velocity) {
-    JingleRecord& j = record(index);
+    JingleRecord& j = Jingle(index);
     if (modifierHeld()) return;
     if (j.Seq != 0) {
         pressInSequence(index);
@@ -167,7 +166,7 @@ void pressWhilePlaying(int index, int velocity) {
     } else if (j.PlayMod == PlayMode::touch || (global && ToggleTouch == 1)) {
         // The reset goes to the record that the display walked last, not to this one: its tail rings on into
         // the new start.
-        if (j.State == PlayState::stopping && inRange(DispLoopIdx)) BASS_FXReset(record(DispLoopIdx).hPlay);
+        if (j.State == PlayState::stopping && inRange(DispLoopIdx)) BASS_FXReset(Jingle(DispLoopIdx).hPlay);
         start(index, velocity);
     } else if (global || j.PlayMod == PlayMode::playStop) {
         if (j.State == PlayState::stopping) {
@@ -192,9 +191,9 @@ void clPlay(int index, int velocity) {
         if (settings.AutoMix == kAutomixCrossfade && audioUpcalls.automixPress &&
             audioUpcalls.automixPress(index, velocity))
             return;
-        if (record(index).hPlay == 0) return;
+        if (Jingle(index).hPlay == 0) return;
         if (settings.MinimalView == 1 && ClockShown) callUp(audioUpcalls.hideClock);
-        if (plays(record(index)))
+        if (plays(Jingle(index)))
             pressWhilePlaying(index, velocity);
         else
             start(index, velocity);
@@ -204,7 +203,7 @@ void clPlay(int index, int velocity) {
 void clTouchStop(int index) {
     guarded("modClick.clTouchStop", [&] {
         if (!inRange(index)) return;
-        JingleRecord& j = record(index);
+        JingleRecord& j = Jingle(index);
         if (!SelectorsOn) callUp(audioUpcalls.feedback, index, Feedback::stopping);
         trace(index, " clTouchStop ");
         j.State = PlayState::stopping;
@@ -227,8 +226,8 @@ void evStop() {
     guarded("modClick.evStop", [] {
         if (MIDILearnActive) return;
         LastCtrl = "evStop";
-        for (int i = 0; i <= LastLiveIdx(); ++i)
-            if (IsLive(i) && record(i).hPlay != 0) BASS_ChannelStop(record(i).hPlay);
+        for (const int i : LiveJingles())
+            if (Jingle(i).hPlay != 0) BASS_ChannelStop(Jingle(i).hPlay);
         callUp(audioUpcalls.stopAnnouncer);
         callUp(audioUpcalls.stopStream);
     });
@@ -237,14 +236,14 @@ void evStop() {
 void FadeOutSync(HSYNC, DWORD channel, DWORD, void*) {
     const int index = FindJingle(channel);
     if (index == kNotFound) return;
-    fadeAndStop(record(index), ms(record(index).FadeOut));
+    fadeAndStop(Jingle(index), ms(Jingle(index).FadeOut));
 }
 
 void StopSync(HSYNC, DWORD channel, DWORD, void*) {
     const int index = FindJingle(channel);
     if (index == kNotFound) return;
     BASS_ChannelStop(channel);
-    record(index).Playing = false;
+    Jingle(index).Playing = false;
 }
 
 void FadeOutSynctmJn(HSYNC, DWORD, DWORD, void*) {

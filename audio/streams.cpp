@@ -37,7 +37,6 @@ constexpr int kReverbPriority = 10;
 constexpr int kVolumePriority = 20;
 constexpr float kSecondsPerMs = 0.001F;
 
-JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
 bool inRange(int index) { return index >= 0 && index < kJingles; }
 /// A channel that must not be taken away: it plays, or waits for data.
 bool sounds(std::uint32_t channel) {
@@ -76,7 +75,7 @@ std::uint32_t openSource(const std::string& file, int& error) {
 /// save.
 void openFailed(int index, int error) {
     if (error == BASS_OK) return;  // no sound in it, but nothing wrong either
-    JingleRecord& j = record(index);
+    JingleRecord& j = Jingle(index);
     j.BassErr = static_cast<std::int16_t>(error);
     if (error != BASS_ERROR_FILEOPEN && !j.MissingFile) j.Unplayable = true;
     if (!j.KeepsStored) {
@@ -102,7 +101,7 @@ void chooseAutoDuck(JingleRecord& j) {
 }
 
 void attachEffects(int index) {
-    JingleRecord& j = record(index);
+    JingleRecord& j = Jingle(index);
     const auto slot = static_cast<std::size_t>(index);
     const std::vector<double> values = SplitFXV(j.FXV);
     // Centres that are missing in the settings must not cost the jingle its other effects.
@@ -124,7 +123,7 @@ void attachEffects(int index) {
 }
 
 void buildChannel(int index) {
-    JingleRecord& j = record(index);
+    JingleRecord& j = Jingle(index);
     const bool mix = settings.DeviceSingle == 0;
     j.hPlay = BASS_FX_TempoCreate(j.hSrc, mix ? BASS_STREAM_DECODE | BASS_FX_FREESOURCE : BASS_FX_FREESOURCE);
     BASS_ChannelSetAttribute(j.hPlay, BASS_ATTRIB_BUFFER, 0);
@@ -142,7 +141,7 @@ void buildChannel(int index) {
 }
 
 void openSlot(int index) {
-    JingleRecord& j = record(index);
+    JingleRecord& j = Jingle(index);
     if (j.Path.empty()) {
         FreeJingle(index);
         callUp(audioUpcalls.slotReset, index);
@@ -179,7 +178,7 @@ void openSlot(int index) {
 
 void FreeJingle(int index) {
     if (!inRange(index)) return;
-    JingleRecord& j = record(index);
+    JingleRecord& j = Jingle(index);
     freeChannel(j.hPlay);
     freeChannel(j.hSrc);
     j.hPlay = 0;
@@ -192,7 +191,7 @@ void FreeJingle(int index) {
 
 void ClearRecord(int index) {
     if (!inRange(index)) return;
-    JingleRecord& j = record(index);
+    JingleRecord& j = Jingle(index);
     j = JingleRecord();
     j.BackRGB = BtnFaceColor;
     j.ForeRGB = JingleForeColor;
@@ -201,7 +200,7 @@ void ClearRecord(int index) {
 void openNames(int index, const std::string& section, bool isHot) {
     guarded("modClick.openNames", [&] {
         if (!exists(index)) return;
-        JingleRecord& j = record(index);
+        JingleRecord& j = Jingle(index);
         j.Kind = SlotKind::nothing;
         if (sounds(j.hPlay)) {
             j.PlayingOtherPal = true;
@@ -230,14 +229,14 @@ void openNames(int index, const std::string& section, bool isHot) {
 
 void openStreams(int index) {
     guarded("modClick.openStreams", [&] {
-        if (!exists(index) || record(index).Kind != SlotKind::nothing) return;
+        if (!exists(index) || Jingle(index).Kind != SlotKind::nothing) return;
         openSlot(index);
         callUp(audioUpcalls.slotOpened, index);
     });
 }
 
 double EndOffsetCalc(int index) {
-    const JingleRecord& j = record(index);
+    const JingleRecord& j = Jingle(index);
     if (j.StopPos == 0) return 0;
     const QWORD fade = BASS_ChannelSeconds2Bytes(j.hPlay, j.FadeOut / 1000.0);
     const double offset =
@@ -246,7 +245,7 @@ double EndOffsetCalc(int index) {
 }
 
 double JDurationCalc(int index) {
-    const JingleRecord& j = record(index);
+    const JingleRecord& j = Jingle(index);
     const double playable = lengthOf(j.hSrc) - j.CueStart - j.EndOffset;
     if (playable <= 0) return 0;
     return std::max(0.0, BASS_ChannelBytes2Seconds(j.hSrc, BytePosition(playable)));

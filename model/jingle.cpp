@@ -14,7 +14,7 @@ int LastPalIdx = 29;
 int FindJingle(std::uint32_t channel) {
     if (channel == 0) return kNotFound;
     for (int i = 0; i < kJingles; ++i)
-        if (J[static_cast<std::size_t>(i)].hPlay == channel) return i;
+        if (Jingle(i).hPlay == channel) return i;
     return kNotFound;
 }
 

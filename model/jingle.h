@@ -86,6 +86,9 @@ struct JingleRecord {
 };
 
 extern std::array<JingleRecord, kJingles> J;
+/// The record of an index within 0..119.
+inline JingleRecord& Jingle(int index) { return J[static_cast<std::size_t>(index)]; }
+
 extern std::array<std::uint8_t, kJingles> JExists;  ///< 1 when the button exists and is in use
 extern std::array<std::uint32_t, kJingles> JReverbFx, JVolFx, JEqFx;
 extern int LastPalIdx;  ///< JinglesRows x JinglesCols - 1
@@ -98,5 +101,26 @@ std::uint64_t BytePosition(double position);
 int LastLiveIdx();
 /// The loop filter of all walks: not above LastPalIdx, or 96 and up to LastLiveIdx().
 bool IsLive(int index);
+
+/// The indices that IsLive tells of, in order: `for (const int i : LiveJingles())`.
+class LiveJingles {
+  public:
+    class Iterator {
+      public:
+        constexpr Iterator(int index, int lastPalette) : index_(index), lastPalette_(lastPalette) {}
+        constexpr int operator*() const { return index_; }
+        constexpr Iterator& operator++() {
+            index_ = index_ == lastPalette_ ? kPaletteSlots : index_ + 1;
+            return *this;
+        }
+        constexpr bool operator!=(const Iterator& other) const { return index_ != other.index_; }
+
+      private:
+        int index_;
+        int lastPalette_;
+    };
+    Iterator begin() const { return {0, LastPalIdx}; }
+    Iterator end() const { return {LastLiveIdx() + 1, LastPalIdx}; }
+};
 
 }  // namespace zv

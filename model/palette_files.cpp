@@ -23,8 +23,6 @@ ModelUpcalls modelUpcalls;
 
 namespace {
 
-JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
-
 /// The text of the wholly rounded loop end; "0" when it is the end of the sound, which needs no key.
 std::string loopOutText(const JingleRecord& jingle) {
     if (jingle.hSrc != 0 &&
@@ -94,7 +92,7 @@ std::vector<cImpulse::Line> storedLines(const std::vector<cImpulse::Line>& secti
 std::vector<cImpulse::Line> linesOf(int first, int last, const std::vector<cImpulse::Line>& stored) {
     std::vector<cImpulse::Line> lines;
     for (int i = first; i <= last; ++i) {
-        JingleRecord& jingle = record(i);
+        JingleRecord& jingle = Jingle(i);
         const int suffix = i - first;
         std::vector<cImpulse::Line> own;
         if (jingle.PlayingOtherPal) {

@@ -40,8 +40,6 @@ namespace {
 
 constexpr Colour kMarkOff = 0;
 
-JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
-
 void showErrorMark(const ErrorMark& mark) {
     DisplayControls& d = frmMain().display;
     if (mark.character != 0) {
@@ -84,8 +82,8 @@ void paintAtRest(int index) {
     if (SelectorsOn) {
         return;
     }
-    ShowState(index, record(index).PlayingOtherPal);
-    if (record(index).PlayingOtherPal) {
+    ShowState(index, Jingle(index).PlayingOtherPal);
+    if (Jingle(index).PlayingOtherPal) {
         PaintButton(index, settings.PlayingColorAnotherPal, GetForeColor(settings.PlayingColorAnotherPal));
         return;
     }
@@ -100,8 +98,8 @@ void showNames(int index) {
     if (b == nullptr) {
         return;
     }
-    if (!record(index).PlayingOtherPal) {
-        b->b_Jingle.caption = Ampersand(btCaption(record(index).Path));
+    if (!Jingle(index).PlayingOtherPal) {
+        b->b_Jingle.caption = Ampersand(btCaption(Jingle(index).Path));
         HideMarks(index);
     }
     paintAtRest(index);
@@ -112,7 +110,7 @@ void showLoaded(int index) {
     if (b == nullptr) {
         return;
     }
-    const JingleRecord& j = record(index);
+    const JingleRecord& j = Jingle(index);
     b->b_Jingle.caption = ButtonText(index);
     b->b_Jingle.toolTip = std::string();
     ShowMarks(index);
@@ -125,7 +123,7 @@ void showFailed(int index) {
     if (b == nullptr) {
         return;
     }
-    const JingleRecord& j = record(index);
+    const JingleRecord& j = Jingle(index);
     b->b_Jingle.caption = Ampersand(btCaption(j.Path));
     b->b_Jingle.toolTip =
         j.MissingFile ? Ln("errMissFile") : MakeBJingName(BassErrMessage(j.BassErr), j.Path);
@@ -159,7 +157,7 @@ void fillAudio() {
     audioUpcalls.slotFailed = showFailed;
     audioUpcalls.slotLoaded = showLoaded;
     audioUpcalls.slotOpened = [](int index) {
-        if (record(index).PlayingOtherPal) {
+        if (Jingle(index).PlayingOtherPal) {
             paintAtRest(index);
         }
     };

@@ -34,8 +34,6 @@ constexpr std::array<Colour, 24> table{0xFF00FF, 0xCC99FF, 0xFF99CC, 0xFF9999, 0
                                        0x00CCFF, 0x0099FF, 0x0066FF, 0x0000FF, 0x8080FF, 0xFFCCCC,
                                        0xFFCC99, 0xFFFFCC, 0xCCFFCC, 0x99FFFF, 0x99CCFF, 0xFFFFFF};
 
-JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
-
 struct Picker {
     Control window{"frmColPick", ControlKind::window};
     std::array<std::unique_ptr<Control>, kPickFields> Color;
@@ -82,7 +80,7 @@ Colour PickerColour(int field) {
 
 void preclColorSet(int index) {
     guarded("modClick.preclColorSet", [&] {
-        if (record(index).Path.empty() || record(index).MissingFile) {
+        if (Jingle(index).Path.empty() || Jingle(index).MissingFile) {
             return;
         }
         MenuJ = index;
@@ -111,7 +109,7 @@ void TimerTrigColSelTick() {
 void clColorSet(int index) {
     guarded("modClick.clColorSet", [&] {
         const bool single = BuildSelJ(index);
-        if (single && (record(index).Path.empty() || record(index).MissingFile)) {
+        if (single && (Jingle(index).Path.empty() || Jingle(index).MissingFile)) {
             SelectorsOn = false;
             return;
         }
@@ -143,7 +141,7 @@ void PickColour(int field) {
     guarded("frmColPick.Color_Click", [&] {
         Disarm(frmMain().options.ckColorI);
         for (const int i : SelJ) {
-            JingleRecord& j = record(i);
+            JingleRecord& j = Jingle(i);
             if (field < kNoColourField) {
                 j.BTNCol = ColorToHex(PickerColour(field));
                 j.BackRGB = ShadeColor(PickerColour(field), settings.ShadeOffsetVal);

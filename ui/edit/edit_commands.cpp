@@ -32,8 +32,6 @@ bool SelHasPlaylist = false;
 
 namespace {
 
-JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
-
 bool supported(const std::string& path) { return IsSoundExtension(GetFileExt(GetFileName(path))); }
 
 void showDateLine() {
@@ -59,7 +57,7 @@ void ClearButton(int index) {
 
 void clAssign(int index) {
     guarded("modClick.clAssign", [&] {
-        JingleRecord& j = record(index);
+        JingleRecord& j = Jingle(index);
         if (j.Playing) {
             return;
         }
@@ -105,7 +103,7 @@ void b_Jingle_OLEDragDrop(int index, const std::string& path) {
             messageBox(LnBox("mNoClipB"), "Zentrova", BoxKind::information, BoxButtons::ok);
             return;
         }
-        if (record(index).State != PlayState::idle || !supported(path)) {
+        if (Jingle(index).State != PlayState::idle || !supported(path)) {
             return;
         }
         settings.LastcmDlgDir = GetPath(path);
@@ -117,7 +115,7 @@ void b_Jingle_OLEDragDrop(int index, const std::string& path) {
 
 void clReloc(int index) {
     guarded("modClick.clReloc", [&] {
-        JingleRecord& j = record(index);
+        JingleRecord& j = Jingle(index);
         if (j.Unplayable || j.Path.empty()) {
             return;
         }
@@ -172,7 +170,7 @@ void clFXSet(int) {
 
 void DelJing(int index, bool withFile) {
     guarded("modClick.DelJing", [&] {
-        JingleRecord& j = record(index);
+        JingleRecord& j = Jingle(index);
         if (j.Path.empty() && j.Kind == SlotKind::nothing) {
             return;
         }
@@ -200,12 +198,12 @@ void ShowSelectors() {
             return;
         }
         SelectorsShown = true;
-        for (int i = 0; i <= LastLiveIdx(); ++i) {
-            JingleButton* b = IsLive(i) ? Button(i) : nullptr;
+        for (const int i : LiveJingles()) {
+            JingleButton* b = Button(i);
             if (b == nullptr) {
                 continue;
             }
-            const JingleRecord& j = record(i);
+            const JingleRecord& j = Jingle(i);
             const bool file = !j.Path.empty() && !HasPlaylistMark(i, 'K') && !j.MissingFile && j.BassErr == 0;
             if (file || j.Kind == SlotKind::playlist) {
                 b->ckJingSel.visible = true;
@@ -240,8 +238,8 @@ void HideSelectors() {
 
 void CheckAllSelectors() {
     guarded("frmMain.CheckAllSelectors", [] {
-        for (int i = 0; i <= LastLiveIdx(); ++i) {
-            JingleButton* b = IsLive(i) ? Button(i) : nullptr;
+        for (const int i : LiveJingles()) {
+            JingleButton* b = Button(i);
             if (b != nullptr && b->ckJingSel.visible) {
                 b->ckJingSel.value = 1;
             }
@@ -256,14 +254,14 @@ void CopyAllJings() {
         }
         std::string text;
         bool hot = false;
-        for (int i = 0; i <= LastLiveIdx(); ++i) {
-            const JingleButton* b = IsLive(i) ? Button(i) : nullptr;
+        for (const int i : LiveJingles()) {
+            const JingleButton* b = Button(i);
             if (i >= kPaletteSlots && !hot) {
                 hot = true;
                 text += "=============== HOT JINGLES ===============\r\n";
             }
-            if (b != nullptr && b->ckJingSel.value == 1 && !record(i).Path.empty()) {
-                text += btCaption(record(i).Path) + "\r\n";
+            if (b != nullptr && b->ckJingSel.value == 1 && !Jingle(i).Path.empty()) {
+                text += btCaption(Jingle(i).Path) + "\r\n";
             }
         }
         setClipboard(text);
@@ -273,8 +271,8 @@ void CopyAllJings() {
 bool BuildSelJ(int index) {
     SelJ.clear();
     if (CtrlDown) {
-        for (int i = 0; i <= LastLiveIdx(); ++i) {
-            const JingleButton* b = IsLive(i) ? Button(i) : nullptr;
+        for (const int i : LiveJingles()) {
+            const JingleButton* b = Button(i);
             if (b != nullptr && b->ckJingSel.visible && b->ckJingSel.value == 1) {
                 SelJ.push_back(i);
             }

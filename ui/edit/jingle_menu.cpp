@@ -25,8 +25,6 @@ namespace zv {
 
 namespace {
 
-JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
-
 /// The columns of the menu's table of visibility.
 enum class ButtonState { empty, missing, filled, playing };
 
@@ -64,12 +62,12 @@ struct MenuBuilder {
 };
 
 void copyOrCut(const char* mode) {
-    setClipboard(btCaption(record(MenuJ).Path));
+    setClipboard(btCaption(Jingle(MenuJ).Path));
     clMove(MenuJ, mode);
 }
 
 void editEffects() {
-    if (!record(MenuJ).Path.empty()) {
+    if (!Jingle(MenuJ).Path.empty()) {
         SelectorsOn = true;
         PaintButton(MenuJ, Shaded.fx, GetForeColor(Shaded.fx, "jingle"));
         clFXSet(MenuJ);
@@ -90,7 +88,7 @@ void ClearSelection() {
         for (const int i : SelJ) {
             const JingleButton* b = Button(i);
             captions += "\r\n" + (HasPlaylistMark(i, 'P') && b != nullptr ? b->b_Jingle.caption()
-                                                                          : btCaption(record(i).Path));
+                                                                          : btCaption(Jingle(i).Path));
         }
         if (messageBox(LnBox("mMsdb") + captions, "Zentrova", BoxKind::question, BoxButtons::yesNo) !=
             BoxAnswer::yes) {
@@ -112,7 +110,7 @@ void OpenJingleMenu(int index) {
             ckJingleMenu();
             return;
         }
-        const JingleRecord& j = record(index);
+        const JingleRecord& j = Jingle(index);
         const ButtonState state = stateOf(j);
         const JingleButton* b = Button(index);
         const bool filled = state == ButtonState::filled;
@@ -158,7 +156,7 @@ void OpenJingleMenu(int index) {
         menu.add("mnuFX", filled || playing, editEffects, false, b != nullptr && b->fx_Jingle.visible);
         menu.line();
         menu.add("mnuJPath", filled || playing || (missing && j.Unplayable),
-                 [] { openDocument(GetPath(GetFullPath(record(MenuJ).Path))); });
+                 [] { openDocument(GetPath(GetFullPath(Jingle(MenuJ).Path))); });
         menu.add("mnuASDir", FolderExists(settings.SampleDir), [] { openDocument(settings.SampleDir); });
         menu.open();
     });
@@ -168,11 +166,11 @@ void ckJingleMenu() {
     guarded("frmMain.ckJingleMenu", [] {
         SelJ.clear();
         bool playlist = false;
-        for (int i = 0; i <= LastLiveIdx(); ++i) {
-            const JingleButton* b = IsLive(i) ? Button(i) : nullptr;
+        for (const int i : LiveJingles()) {
+            const JingleButton* b = Button(i);
             if (b != nullptr && b->ckJingSel.value == 1) {
                 SelJ.push_back(i);
-                playlist = playlist || record(i).Kind == SlotKind::playlist;
+                playlist = playlist || Jingle(i).Kind == SlotKind::playlist;
             }
         }
         if (SelJ.empty()) {

@@ -30,8 +30,6 @@ std::string MoveSourcePalette;
 
 namespace {
 
-JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
-
 /// What moves with a button.
 struct MovedJingle {
     JingleRecord fields;
@@ -71,7 +69,7 @@ void copyPersisted(JingleRecord& to, const JingleRecord& from) {
 }
 
 void cutOrCopy(int index, const std::string& mode) {
-    const JingleRecord& j = record(index);
+    const JingleRecord& j = Jingle(index);
     if (sounds(j) || j.Kind == SlotKind::nothing) {
         return;
     }
@@ -118,7 +116,7 @@ void dropPendingRemoval(const std::string& section, int slot) {
 void paste(int index) {
     // Hot jingles are the same in every palette.
     const bool samePalette = MoveSourcePalette == settings.PaletteIndex || MoveSrcJ >= kPaletteSlots;
-    if (MoveSrcJ < 0 || (samePalette && index == MoveSrcJ) || sounds(record(index))) {
+    if (MoveSrcJ < 0 || (samePalette && index == MoveSrcJ) || sounds(Jingle(index))) {
         return;
     }
     MoveDstJ = index;
@@ -128,7 +126,7 @@ void paste(int index) {
     if (MoveBuffer.fields.Path.find('.') != std::string::npos) {
         FreeJingle(index);
         ClearRecord(index);
-        copyPersisted(record(index), MoveBuffer.fields);
+        copyPersisted(Jingle(index), MoveBuffer.fields);
         openStreams(index);
         Colour back = 0;
         Colour fore = 0;
@@ -191,7 +189,7 @@ void applyRename() {
         closeRename();
         return;
     }
-    JingleRecord& j = record(index);
+    JingleRecord& j = Jingle(index);
     const std::string path = GetPath(j.Path) + name + r.extension;
     if (FileExists(GetFullPath(path))) {
         r.lblNewFilename.foreColor = kMissingColour;
@@ -280,7 +278,7 @@ void clMove(int index, const std::string& mode) {
 
 void clRename(int index) {
     guarded("modClick.clRename", [&] {
-        const JingleRecord& j = record(index);
+        const JingleRecord& j = Jingle(index);
         if (RenameJ != -1 || j.Path.empty() || sounds(j)) {
             return;
         }

@@ -23,8 +23,6 @@ int LoopToggleStep = 0;
 
 namespace {
 
-JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
-
 bool playModeFits(const JingleRecord& j) { return !j.Path.empty() && j.Seq == 0; }
 bool filledAndThere(const JingleRecord& j) { return !j.Path.empty() && !j.MissingFile; }
 
@@ -92,8 +90,8 @@ void pressOption(std::size_t which) {
 bool anyFits(const JingleRecord&) { return true; }
 
 void highlightAssignable() {
-    for (int i = 0; i <= LastLiveIdx(); ++i) {
-        if (IsLive(i) && Button(i) != nullptr && !record(i).Playing) {
+    for (const int i : LiveJingles()) {
+        if (Button(i) != nullptr && !Jingle(i).Playing) {
             PaintButton(i, Shaded.ass, GetForeColor(Shaded.ass, "jingle"));
         }
     }
@@ -109,7 +107,7 @@ void optionSpent(Control& toggle) {
 
 void setPlayMode(PlayMode mode, Control& toggle) {
     for (const int i : SelJ) {
-        JingleRecord& j = record(i);
+        JingleRecord& j = Jingle(i);
         if (!filledAndThere(j)) {
             continue;
         }
@@ -121,8 +119,8 @@ void setPlayMode(PlayMode mode, Control& toggle) {
 
 void showLoopMarks(int index) {
     if (JingleButton* b = Button(index)) {
-        b->lp_Jingle.visible = record(index).Loop != 0;
-        b->sq_Jingle.visible = record(index).Seq != 0;
+        b->lp_Jingle.visible = Jingle(index).Loop != 0;
+        b->sq_Jingle.visible = Jingle(index).Seq != 0;
     }
 }
 
@@ -141,11 +139,11 @@ void Disarm(Control& toggle) {
 }
 
 void HighlightButtons(Colour shaded, bool (*fits)(const JingleRecord&)) {
-    for (int i = 0; i <= LastLiveIdx(); ++i) {
-        if (!IsLive(i) || Button(i) == nullptr) {
+    for (const int i : LiveJingles()) {
+        if (Button(i) == nullptr) {
             continue;
         }
-        const JingleRecord& j = record(i);
+        const JingleRecord& j = Jingle(i);
         const Colour back = fits(j) ? shaded : BtnFaceColor;
         PaintButton(i, back, j.MissingFile ? kMissingColour : GetForeColor(back, "jingle"));
     }
@@ -254,8 +252,8 @@ void ckTab_MouseDown(int tab) {
 void ResetJingles(int except) {
     guarded("modClick.ResetJingles", [&] {
         SelectorsOn = false;
-        for (int i = 0; i <= LastLiveIdx(); ++i) {
-            if (!IsLive(i) || i == except || Button(i) == nullptr || record(i).Playing) {
+        for (const int i : LiveJingles()) {
+            if (i == except || Button(i) == nullptr || Jingle(i).Playing) {
                 continue;
             }
             Colour back = 0;
@@ -298,7 +296,7 @@ void clNoStopSet(int) {
 void clLoopSet(int) {
     guarded("modClick.clLoopSet", [] {
         for (const int i : SelJ) {
-            JingleRecord& j = record(i);
+            JingleRecord& j = Jingle(i);
             j.Seq = 0;
             j.Loop = j.Loop == 0 ? 1 : 0;
             showLoopMarks(i);
@@ -311,7 +309,7 @@ void clLoopSet(int) {
 void clSeqSet(int) {
     guarded("modClick.clSeqSet", [] {
         for (const int i : SelJ) {
-            JingleRecord& j = record(i);
+            JingleRecord& j = Jingle(i);
             j.Loop = 0;
             j.Seq = j.Seq == 0 ? 1 : 0;
             if (j.Seq != 0) {

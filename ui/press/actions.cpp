@@ -90,7 +90,7 @@ bool paletteStep(PaletteKey how, bool up) {
 
 /// The end of a press on a jingle, wherever it came from.
 void releaseJingle(int index) {
-    const JingleRecord& j = J[static_cast<std::size_t>(index)];
+    const JingleRecord& j = Jingle(index);
     if (j.Seq == 0 && (j.PlayMod == PlayMode::touch || (ToggleTouch == 1 && j.PlayMod == PlayMode::global))) {
         clTouchStop(index);
     }

@@ -95,9 +95,9 @@ void CkAutoMixTog() {
 }
 
 bool AutomixPress(int index, int) {
-    for (int i = 0; i <= LastLiveIdx(); ++i) {
-        const JingleRecord& j = J[static_cast<std::size_t>(i)];
-        if (IsLive(i) && i != index && j.NoAutomix == 0 && j.hPlay != 0 &&
+    for (const int i : LiveJingles()) {
+        const JingleRecord& j = Jingle(i);
+        if (i != index && j.NoAutomix == 0 && j.hPlay != 0 &&
             BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_PLAYING) {
             fadeAway(j.hPlay);
         }

@@ -47,8 +47,6 @@ enum class PressMeaning {
     play,
 };
 
-JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
-
 bool inRange(int index) { return index >= 0 && index < kJingles; }
 
 void showMessage(std::string_view key) { frmMain().display.lblDispMessage.caption = Ln(key); }
@@ -91,11 +89,11 @@ PressMeaning withModifiers(int index) {
     return PressMeaning::nothing;
 }
 
-void captionToClipboard(int index) { setClipboard(btCaption(record(index).Path)); }
+void captionToClipboard(int index) { setClipboard(btCaption(Jingle(index).Path)); }
 
 /// The decision order. Changes nothing.
 PressMeaning meaningOf(int index) {
-    const JingleRecord& j = record(index);
+    const JingleRecord& j = Jingle(index);
     const MainWindow& w = frmMain();
     const bool filled = !j.Path.empty();
     const bool noModifier = !CtrlDown && !ShiftDown && !AltDown;
@@ -229,10 +227,10 @@ void btClic(int index) {
 
 void b_Jingle_MouseDown(int index, const MouseEvent& event) {
     guarded(".b_Jingle_MouseDown", [&] {
-        if (!inRange(index) || event.button != MouseButton::left || record(index).MissingFile) {
+        if (!inRange(index) || event.button != MouseButton::left || Jingle(index).MissingFile) {
             return;
         }
-        record(index).Pressed = 1;
+        Jingle(index).Pressed = 1;
         btClic(index);
     });
 }
@@ -242,7 +240,7 @@ void b_Jingle_MouseUp(int index, const MouseEvent& event) {
         if (!inRange(index)) {
             return;
         }
-        JingleRecord& j = record(index);
+        JingleRecord& j = Jingle(index);
         LastCtrl = "b_Jingle";
         j.Pressed = 0;
         if (event.button == MouseButton::right) {
@@ -272,7 +270,7 @@ void b_Jingle_KeyDown(int index, KeyEvent& event) {
             event.key == Key::tab) {
             return;
         }
-        if (ToggleTouch == 0 ? event.key == Key::space : !record(index).Playing) {
+        if (ToggleTouch == 0 ? event.key == Key::space : !Jingle(index).Playing) {
             event.consumed = true;
             btClic(index);
         }
@@ -284,7 +282,7 @@ void PlayJing(int index) {
         if (!inRange(index) || settings.InhibSpBar != 0) {
             return;
         }
-        if (ToggleTouch == 0 || !record(index).Playing) {
+        if (ToggleTouch == 0 || !Jingle(index).Playing) {
             btClic(index);
         }
     });

@@ -27,8 +27,6 @@ std::array<std::unique_ptr<JingleButton>, kJingles> family;
 
 bool inRange(int index) { return index >= 0 && index < kJingles; }
 
-JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
-
 /// What the marks of a button tell.
 std::string optionsOf(const JingleRecord& j) {
     static constexpr std::array<const char*, 5> modes{"", "mmnuAutoRep", "mmnuTouch", "mmnuPlayStop",
@@ -44,7 +42,7 @@ std::string optionsOf(const JingleRecord& j) {
 
 /// State and time left, for a screen reader.
 std::string described(int index) {
-    const JingleRecord& j = record(index);
+    const JingleRecord& j = Jingle(index);
     if (j.Path.empty()) {
         return Ln("aEmpty");
     }
@@ -142,7 +140,7 @@ void HideMarks(int index) {
 
 void ShowMarks(int index) {
     if (JingleButton* b = Button(index)) {
-        const JingleRecord& j = record(index);
+        const JingleRecord& j = Jingle(index);
         b->lp_Jingle.visible = j.Loop != 0;
         b->sq_Jingle.visible = j.Seq != 0;
         ShowPlayModeMark(index);
@@ -162,7 +160,7 @@ void PaintButton(int index, Colour back, Colour fore) {
 
 void ShowState(int index, bool sounds) {
     if (JingleButton* b = Button(index)) {
-        const JingleRecord& j = record(index);
+        const JingleRecord& j = Jingle(index);
         JingleState state = JingleState::rest;
         if (sounds) {
             state = j.PlayingOtherPal ? JingleState::otherPalette : JingleState::sounding;
@@ -174,7 +172,7 @@ void ShowState(int index, bool sounds) {
 }
 
 void RestColours(int index, Colour& back, Colour& fore) {
-    const JingleRecord& j = record(index);
+    const JingleRecord& j = Jingle(index);
     if (j.MissingFile) {
         back = BtnFaceColor;
         fore = kMissingColour;

@@ -164,7 +164,7 @@ std::string MakeBJingName(const std::string& error, const std::string& path) {
 }
 
 std::string ButtonText(int index) {
-    const JingleRecord& j = J[static_cast<std::size_t>(index)];
+    const JingleRecord& j = Jingle(index);
     if (j.Path.empty()) {
         return {};
     }
@@ -177,12 +177,12 @@ std::string ButtonText(int index) {
 
 void RewriteJingle() {
     guarded("frmMain.RewriteJingle", [] {
-        for (int i = 0; i <= LastLiveIdx(); ++i) {
-            JingleButton* b = IsLive(i) ? Button(i) : nullptr;
+        for (const int i : LiveJingles()) {
+            JingleButton* b = Button(i);
             if (b == nullptr) {
                 continue;
             }
-            const JingleRecord& j = J[static_cast<std::size_t>(i)];
+            const JingleRecord& j = Jingle(i);
             b->b_Jingle.caption = ButtonText(i);
             if (j.MissingFile && !j.Path.empty()) {
                 b->b_Jingle.toolTip = MakeBJingName(BassErrMessage(j.BassErr), j.Path);

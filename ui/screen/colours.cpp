@@ -23,8 +23,6 @@ constexpr Colour kWhite = 0xFFFFFF;
 constexpr Colour kLightBorder = 0x808080;
 constexpr Colour kLightLine = 0xC3BFBB;
 
-JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
-
 void computeShaded() {
     const int offset = settings.ShadeOffsetVal;
     const auto shade = [&](Colour colour) { return ShadeColor(colour, offset); };
@@ -79,7 +77,7 @@ void paintToggles() {
 
 void paintRecord(int i) {
     JingleButton& b = *Button(i);
-    JingleRecord& j = record(i);
+    JingleRecord& j = Jingle(i);
     b.lp_Jingle.foreColor = Shaded.lp;
     b.sq_Jingle.foreColor = Shaded.sq;
     b.fx_Jingle.foreColor = Shaded.fx;
@@ -191,7 +189,7 @@ void ShowPlayModeMark(int index) {
     if (b == nullptr) {
         return;
     }
-    const JingleRecord& j = record(index);
+    const JingleRecord& j = Jingle(index);
     const bool filled = !j.Path.empty();
     Colour colour = 0;
     switch (j.PlayMod) {

@@ -28,8 +28,6 @@ constexpr int kSecondsPerMinute = 60;
 constexpr int kMostFlashes = 20;
 constexpr int kBlinkUnit = 10000;  // ms: the interval at a blink rate of 1
 
-JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
-
 std::string fixed(double value, int decimals) {
     char text[64];
     // Halves go up, as the display always did.
@@ -140,12 +138,12 @@ void TimerWarnBlinkTick() {
             return;
         }
         if (settings.BlinkTarget == 1 || settings.BlinkTarget == 2) {
-            for (int i = 0; i <= LastLiveIdx(); ++i) {
-                JingleButton* b = IsLive(i) ? Button(i) : nullptr;
+            for (const int i : LiveJingles()) {
+                JingleButton* b = Button(i);
                 if (b == nullptr) {
                     continue;
                 }
-                const JingleRecord& j = record(i);
+                const JingleRecord& j = Jingle(i);
                 if (BlinkPhase) {
                     if (settings.JRemLevPos != 0) {
                         b->JRemLev.backColor = settings.JRemLevCol;
@@ -174,9 +172,9 @@ void TimerFadeOutLEDTick() {
     guarded("frmMain.TimerFadeOutLED_Timer", [] {
         static bool phase = false;
         phase = !phase;
-        for (int i = 0; i <= LastLiveIdx(); ++i) {
-            JingleButton* b = IsLive(i) ? Button(i) : nullptr;
-            const JingleRecord& j = record(i);
+        for (const int i : LiveJingles()) {
+            JingleButton* b = Button(i);
+            const JingleRecord& j = Jingle(i);
             if (b == nullptr || j.State != PlayState::stopping || j.hSrc == 0) {
                 continue;
             }
@@ -202,9 +200,9 @@ void TimerControlFlashTick() {
     guarded("frmMain.TimerControlFlash_Timer", [] {
         static bool phase = false;
         phase = !phase;
-        for (int i = 0; i <= LastLiveIdx(); ++i) {
-            JingleButton* b = IsLive(i) ? Button(i) : nullptr;
-            const JingleRecord& j = record(i);
+        for (const int i : LiveJingles()) {
+            JingleButton* b = Button(i);
+            const JingleRecord& j = Jingle(i);
             if (b == nullptr || j.hSrc == 0 || j.Seq == 0 || j.State == PlayState::stopping ||
                 BASS_ChannelIsActive(j.hPlay) != BASS_ACTIVE_PLAYING) {
                 continue;

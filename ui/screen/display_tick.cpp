@@ -33,8 +33,6 @@ constexpr double kNoDuration = 99999999;
 constexpr double kSpent = 0.1;  // s: less than this counts as at its end
 constexpr int kBarMargin = 60;  // twips that a bar is shorter than its button
 
-JingleRecord& record(int index) { return J[static_cast<std::size_t>(index)]; }
-
 /// The smaller of two times left; 0 is "nothing yet", or something at its very end, and never wins.
 void takeSmaller(double& least, double left) {
     if (left > 0 && (least == 0 || least > left)) {
@@ -76,7 +74,7 @@ void silentButton(int i, JingleButton& b) {
 }
 
 void silentRecord(int i) {
-    JingleRecord& j = record(i);
+    JingleRecord& j = Jingle(i);
     j.State = PlayState::idle;
     j.Playing = false;
     if (j.hPlay != 0) {
@@ -92,7 +90,7 @@ void silentRecord(int i) {
 
 /// Paints a sounding button and its bar; returns its time left in seconds.
 double soundingButton(int i, JingleButton& b, DWORD active) {
-    const JingleRecord& j = record(i);
+    const JingleRecord& j = Jingle(i);
     if (active == BASS_ACTIVE_PLAYING && b.b_Jingle.backColor != settings.PlayingColor && !SelectorsOn) {
         if (j.PlayingOtherPal) {
             b.b_Jingle.backColor = settings.PlayingColorAnotherPal;
@@ -127,8 +125,8 @@ double soundingButton(int i, JingleButton& b, DWORD active) {
 
 /// Bars that had just blinked away.
 void showBars() {
-    for (int i = 0; i <= LastLiveIdx(); ++i) {
-        if (JingleButton* b = IsLive(i) ? Button(i) : nullptr) {
+    for (const int i : LiveJingles()) {
+        if (JingleButton* b = Button(i)) {
             b->JRemLev.backColor = settings.JRemLevCol;
         }
     }
@@ -177,7 +175,7 @@ void TimerDispAndJButtonsTick() {
             guarded("frmMain.TimerDispAndJButtons_Timer", [&] {
                 DispLoopIdx = i;
                 JingleButton& b = *Button(i);
-                const JingleRecord& j = record(i);
+                const JingleRecord& j = Jingle(i);
                 const DWORD active = j.hPlay == 0 ? BASS_ACTIVE_STOPPED : BASS_ChannelIsActive(j.hPlay);
                 if (active == BASS_ACTIVE_STOPPED) {
                     silentButton(i, b);

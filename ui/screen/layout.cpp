@@ -207,7 +207,7 @@ void DrawJButtons(int load) {
                 JExists[static_cast<std::size_t>(i)] = 1;
                 ShowButton(i, i < kPaletteSlots || i < kPaletteSlots + settings.JinglesCols ||
                                   settings.HotJinglesRows > 1);
-                if (J[static_cast<std::size_t>(i)].Path.empty()) {
+                if (Jingle(i).Path.empty()) {
                     b.b_Jingle.caption = std::string();
                     b.b_Jingle.toolTip = std::string();
                 }

@@ -206,10 +206,8 @@ void UpdateJLblFont() {
         b->b_Jingle.fontBold = settings.JLabelFontBold != 0;
         b->b_Jingle.fontItalic = settings.JLabelFontItalic != 0;
     };
-    for (int i = 0; i <= LastLiveIdx(); ++i) {
-        if (IsLive(i)) {
-            apply(i);
-        }
+    for (const int i : LiveJingles()) {
+        apply(i);
     }
 }
 

@@ -61,11 +61,8 @@ std::array<int, 6> GetLevels() {
     Pair duck;
     Pair meter;
     int trigger = 0;
-    for (int i = 0; i <= LastLiveIdx(); ++i) {
-        if (!IsLive(i)) {
-            continue;
-        }
-        const JingleRecord& j = J[static_cast<std::size_t>(i)];
+    for (const int i : LiveJingles()) {
+        const JingleRecord& j = Jingle(i);
         if (j.hPlay == 0 || !(j.Playing || BASS_ChannelIsActive(j.hPlay) != BASS_ACTIVE_STOPPED)) {
             continue;
         }
