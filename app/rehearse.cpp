@@ -1,6 +1,6 @@
 /// A show from a script: the whole program without a screen, on a virtual clock.
 ///     rehearse SCENARIO --home FOLDER --out FOLDER [--seed N] [--no-sound] [--outputs 0|1|2]
-///     [--answer WORD]...
+///     [--answer WORD]... [--midi NAME]...
 
 #include <charconv>
 #include <cstdio>
@@ -23,14 +23,14 @@ using namespace zv;
 
 constexpr const char* kUsage =
     "usage: rehearse SCENARIO --home FOLDER --out FOLDER [--seed N] [--no-sound] "
-    "[--outputs 0|1|2] [--answer WORD]...";
+    "[--outputs 0|1|2] [--answer WORD]... [--midi NAME]...";
 
 /// False when the arguments are not as the usage says.
 bool readArguments(const std::vector<std::string>& arguments, RehearsalOptions& options) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         const bool takesValue = argument == "--home" || argument == "--out" || argument == "--seed" ||
-                                argument == "--outputs" || argument == "--answer";
+                                argument == "--outputs" || argument == "--answer" || argument == "--midi";
         if (takesValue && i + 1 == arguments.size()) return false;
         if (argument == "--home") {
             options.home = arguments[++i];
@@ -46,6 +46,8 @@ bool readArguments(const std::vector<std::string>& arguments, RehearsalOptions& 
             options.outputs = text[0] - '0';
         } else if (argument == "--answer") {
             options.answers.push_back(arguments[++i]);
+        } else if (argument == "--midi") {
+            options.midi.push_back(arguments[++i]);
         } else if (argument == "--no-sound") {
             options.keepSound = false;
         } else if (argument.starts_with("-") || !options.script.empty()) {

@@ -11,6 +11,7 @@
 #include "platform/controls.h"
 #include "platform/file_decoders/file_decoders.h"
 #include "platform/qt/view/shell.h"
+#include "platform/rehearsal/midi_devices.h"
 #include "platform/rehearsal/stage.h"
 #include "platform/rehearsal/virtual_clock.h"
 #include "platform/timers.h"
@@ -177,13 +178,11 @@ void Player::perform(const Action& action) {
             pickPalette(action);
             break;
         case Verb::midi:
-            noteEvent("midi", action.text + " (no control input is connected)");
+            if (!MidiDevices::instance().hear(action.text, action.name)) ignored(action);
             break;
         case Verb::plug:
-            Stage::instance().devices->plug(action.name);
-            break;
         case Verb::unplug:
-            Stage::instance().devices->unplug(action.name);
+            plugDevice(action);
             break;
         case Verb::answer:
             Stage::instance().answers.push_back(action.text);
@@ -240,6 +239,18 @@ Control* Player::control(const Action& action) {
 }
 
 void Player::ignored(const Action& action) { noteEvent("ignored", actionText(action)); }
+
+void Player::plugDevice(const Action& action) {
+    const bool comes = action.verb == Verb::plug;
+    if (action.name.empty()) {
+        OfflineDevices& sound = *Stage::instance().devices;
+        comes ? sound.plug(action.text) : sound.unplug(action.text);
+        return;
+    }
+    const MidiDirections which{action.name != "midi-out", action.name != "midi-in"};
+    MidiDevices& midi = MidiDevices::instance();
+    comes ? midi.plug(action.text, which) : midi.unplug(action.text, which);
+}
 
 void Player::pressButton(const Action& action) {
     Control* button = control(action);

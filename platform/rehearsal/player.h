@@ -32,6 +32,7 @@ class Player {
     /// Takes the next action out; its time has come.
     Action takeNext();
     void perform(const Action& action);
+    void plugDevice(const Action& action);
     void pressButton(const Action& action);
     void clickControl(const Action& action);
     void setControl(const Action& action);

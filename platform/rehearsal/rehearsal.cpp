@@ -13,6 +13,7 @@
 #include "platform/paths.h"
 #include "platform/qt/view/shell.h"
 #include "platform/rehearsal/json.h"
+#include "platform/rehearsal/midi_devices.h"
 #include "platform/rehearsal/player.h"
 #include "platform/rehearsal/script.h"
 #include "platform/rehearsal/stage.h"
@@ -130,6 +131,12 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
         std::fprintf(stderr, "%s: cannot be written\n", options.out.c_str());
         return kRehearsalBad;
     }
+    for (const std::string& device : options.midi) MidiDevices::instance().plug(device);
+    MidiDevices::instance().onSent = [&](const std::string& device, std::uint32_t message) {
+        midiLog << (stage.startMs < 0 ? "start" : std::to_string(monotonicMs() - stage.startMs)) << '\t'
+                << device << '\t' << midiText(message) << '\n'
+                << std::flush;
+    };
     stage.scriptFolder = std::filesystem::absolute(options.script).parent_path().string();
 
     VirtualClock& clock = VirtualClock::instance();
@@ -195,6 +202,7 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     stage.chooseFromMenu = nullptr;
     stage.closing = true;
     if (program.close) program.close();
+    MidiDevices::instance().onSent = nullptr;
     if (!written) {
         std::fprintf(stderr, "%s: not everything could be written\n", options.out.c_str());
         return kRehearsalFailed;

@@ -38,6 +38,7 @@ struct RehearsalOptions {
     bool keepSound = true;             ///< write main.wav and aux.wav
     int outputs = 2;                   ///< sound outputs that the machine has: none, the main one, or both
     std::vector<std::string> answers;  ///< of the boxes that come before the script begins
+    std::vector<std::string> midi;     ///< MIDI devices that are there from the start
 };
 
 inline constexpr int kRehearsalPassed = 0;

@@ -217,6 +217,19 @@ void readMidi(Words& words, Action& action) {
     const bool hex = std::ranges::all_of(action.text, [](unsigned char c) { return std::isxdigit(c) != 0; });
     if (action.text.size() != 6 || !hex)
         throw Fault("\"" + action.text + "\" is no message of six hexadecimal digits");
+    if (!words.empty()) action.name = words.rest("the device");
+}
+
+/// "Sound card", or "midi Pad", "midi-in Pad", "midi-out Pad": the kind becomes the name.
+void readDevice(Words& words, Action& action) {
+    action.text = words.rest("the device");
+    const std::string_view device = action.text;
+    const std::string_view kind = device.substr(0, device.find(' '));
+    if (kind != "midi" && kind != "midi-in" && kind != "midi-out") return;
+    const std::string_view name = trim(device.substr(kind.size()));
+    if (name.empty()) throw Fault("the device is missing");
+    action.name = std::string(kind);
+    action.text = Words(name).rest("the device");
 }
 
 void readArguments(Words& words, Action& action) {
@@ -260,7 +273,7 @@ void readArguments(Words& words, Action& action) {
             break;
         case Verb::plug:
         case Verb::unplug:
-            action.name = words.rest("the device");
+            readDevice(words, action);
             break;
         case Verb::answer:
             action.text = words.rest("the answer");

@@ -24,9 +24,9 @@ enum class Verb : std::uint8_t {
     set,       ///< set NAME VALUE: slider, box, text, row of a list by number or text
     menu,      ///< menu ITEM: chooses from the context menu that is open
     pick,      ///< pick PALETTE: a row of lstPal by its text
-    midi,      ///< midi HEX: a message of the control input
-    plug,      ///< plug DEVICE
-    unplug,    ///< unplug DEVICE
+    midi,      ///< midi HEX [DEVICE]: a message of a MIDI input, the control input without a name
+    plug,      ///< plug DEVICE: of sound; plug midi|midi-in|midi-out DEVICE: of MIDI, both directions or one
+    unplug,    ///< unplug, as plug
     answer,    ///< answer yes|no|ok|cancel|PATH: for the next message box or file dialog
     drop,      ///< drop INDEX FILE: a file let go over a jingle button
     time,      ///< time [YYYY-MM-DD] HH:MM:SS: sets the wall clock

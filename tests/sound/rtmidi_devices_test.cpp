@@ -1,0 +1,129 @@
+// MIDI devices through RtMidi: their names, and real ports on a JACK server of the test's own.
+#include <RtMidi.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <mutex>
+
+#include "platform/midi.h"
+#include "platform/rtaudio/rtaudio_devices.h"
+#include "platform/rtmidi/device_names.h"
+#include "platform/wake.h"
+#include "tests/sound/sound_server.h"
+
+namespace zv {
+namespace {
+std::atomic<int> wakes{0};
+}
+void wakeInterface() noexcept { ++wakes; }
+}  // namespace zv
+
+namespace zv::test {
+namespace {
+
+TEST(MidiNames, AreTheSameAfterEachStartOfTheSystem) {
+    const struct {
+        const char *port, *name;
+    } rows[] = {
+        {"nanoPAD2:nanoPAD2 nanoPAD2 _ PAD 20:0", "nanoPAD2 nanoPAD2 _ PAD"},
+        {"Launchpad Mini:Launchpad Mini MIDI 1 128:1", "Launchpad Mini MIDI 1"},
+        {"APC40 mkII:APC40 mkII 24:0", "APC40 mkII"},
+        {"Midi Through:Midi Through Port-0 14:0", "Midi Through Port-0"},
+        {"VirMIDI 2-0:VirMIDI 2-0 28:0", "VirMIDI 2-0"},
+        {"a2j:Launchpad [24] (capture): Launchpad MIDI 1", "a2j:Launchpad: Launchpad MIDI 1"},
+        {"a2j:Launchpad [31] (playback): Launchpad MIDI 1", "a2j:Launchpad: Launchpad MIDI 1"},
+        {"system:midi_capture_2", "system:midi_2"},
+        {"system:midi_playback_2", "system:midi_2"},
+        {"surface:pads_out", "surface:pads"},
+        {"surface:pads_in", "surface:pads"},
+        {"Boutin:Boutin MIDI 1 20:0", "Boutin MIDI 1"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(cleanMidiName(row.port), row.name);
+    EXPECT_EQ(distinctMidiNames({"Pad:Pad 20:0", "Key:Key 24:0", "Pad:Pad 28:0", "Pad:Pad 32:0"}),
+              (std::vector<std::string>{"Pad", "Key", "Pad (2)", "Pad (3)"}));
+}
+
+std::vector<std::uint32_t> received, kinds;
+void note(std::uint32_t code, std::uint32_t first, std::uint32_t) {
+    kinds.push_back(code);
+    received.push_back(first);
+}
+
+int indexOf(const std::vector<std::string>& names, const std::string& name) {
+    return static_cast<int>(std::ranges::find(names, name) - names.begin());
+}
+
+TEST(RtMidiDevices, MessagesOfAJackServersPorts) {
+    const Folder folder;
+    const std::string name = "zvm" + std::to_string(getpid());
+    setenv("JACK_DEFAULT_SERVER", name.c_str(), 1);
+    setenv("JACK_NO_START_SERVER", "1", 1);
+    if (access("/dev/snd/seq", R_OK) == 0)
+        GTEST_SKIP() << "this machine's ALSA sequencer is chosen before JACK";
+    Process jack({"jackd", "-n", name, "-r", "-d", "dummy", "-r", "44100", "-p", "256"},
+                 {{"HOME", folder.path().string()}});
+    std::unique_ptr<RtMidiOut> source;
+    std::mutex guard;
+    std::vector<std::vector<unsigned char>> arrived;
+    ASSERT_TRUE(within(8, [] { return !makeRtAudioDevices()->outputs().empty(); }));
+    source = std::make_unique<RtMidiOut>(RtMidi::UNIX_JACK, "Pad Source");
+    source->openVirtualPort("pad");
+    RtMidiIn sink(RtMidi::UNIX_JACK, "Pad Sink");
+    struct Arrivals {
+        std::mutex& guard;
+        std::vector<std::vector<unsigned char>>& messages;
+    } arrivals{guard, arrived};
+    sink.setCallback(
+        [](double, std::vector<unsigned char>* bytes, void* user) {
+            auto& to = *static_cast<Arrivals*>(user);
+            const std::lock_guard lock(to.guard);
+            to.messages.push_back(*bytes);
+        },
+        &arrivals);
+    sink.openVirtualPort("pad");
+
+    std::string error;
+    EXPECT_EQ(0U, openMidiInput(99, note, 31, error));
+    EXPECT_FALSE(error.empty());
+    const MidiHandle input = openMidiInput(indexOf(midiInputs(), "Pad Source:pad"), note, 1, error);
+    ASSERT_NE(0U, input) << error;
+    ASSERT_TRUE(startMidiInput(input));
+    const auto send = [&](std::vector<unsigned char> bytes) { source->sendMessage(&bytes); };
+    send({0x90, 0x3C, 0x7F});
+    send({0xF8});
+    send({0xC1, 0x05});
+    send({0xF0, 0x01, 0x02, 0xF7});
+    send({0xF0, 0x01, 0x03, 0xF7});
+    send({0x80, 0x3C, 0x40});
+    ASSERT_TRUE(within(4, [&] {
+        deliverMidi(input, kMidiWaiting);
+        return received.size() >= 4;
+    }));
+    EXPECT_GT(wakes.load(), 0);
+    EXPECT_EQ(received, (std::vector<std::uint32_t>{0x7F3C90, 0x05C1, 0, 0x403C80}));
+    EXPECT_EQ(kinds, (std::vector<std::uint32_t>{kMidiData, kMidiData, kMidiLongData, kMidiData}));
+
+    const MidiHandle output = openMidiOutput(indexOf(midiOutputs(), "Pad Sink:pad"), error);
+    ASSERT_NE(0U, output) << error;
+    EXPECT_TRUE(sendMidi(output, 0x7F2490));
+    EXPECT_TRUE(sendMidi(output, 0x03C5));
+    EXPECT_TRUE(within(4, [&] {
+        const std::lock_guard lock(guard);
+        return arrived.size() == 2;
+    }));
+    EXPECT_EQ(arrived, (std::vector<std::vector<unsigned char>>{{0x90, 0x24, 0x7F}, {0xC5, 0x03}}));
+    EXPECT_FALSE(sendMidi(output + 1, 0x7F2490));
+
+    // The program's own ports are no devices; what vanishes is gone from the next list.
+    for (const std::string& device : midiInputs()) EXPECT_FALSE(device.starts_with("Zentrova")) << device;
+    source.reset();
+    EXPECT_EQ(0, std::ranges::count(midiInputs(), "Pad Source:pad"));
+    closeMidiInput(input);
+    closeMidiOutput(output);
+}
+
+}  // namespace
+}  // namespace zv::test
