@@ -13,6 +13,7 @@
 #include "app/start.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
+#include "platform/paths.h"
 #include "platform/qt/view/shell.h"
 #include "platform/rehearsal/rehearsal.h"
 #include "ui/records/main_window.h"
@@ -60,10 +61,9 @@ bool readArguments(const std::vector<std::string>& arguments, RehearsalOptions& 
 }
 
 std::string executableFolder(const char* argv0) {
-    std::error_code error;
-    auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (error) self = std::filesystem::absolute(argv0, error);
-    return self.parent_path().string();
+    std::filesystem::path self = zv::executableFile();
+    if (self.empty()) self = std::filesystem::absolute(argv0);
+    return zv::utf8FromPath(self.parent_path());
 }
 
 std::string absolutePath(const std::string& path) {

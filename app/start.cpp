@@ -54,17 +54,17 @@ void step(std::string_view name, Body&& body) {
 /// The one fatal condition of the start.
 bool refuse(const std::string& logged, const std::string& shown) {
     UnloadSplash();
-    ErrLog(engine::audioLibraryName(), logged);
+    ErrLog(audioLibraryName(), logged);
     messageBox(shown, kTitle, BoxKind::stop, BoxButtons::ok);
     return false;
 }
 
 bool loadEngine() {
-    const std::string library = engine::audioLibraryName();
+    const std::string library = audioLibraryName();
     const std::string path = shippedFolder() + "/" + library;
     if (!FileExists(path))
         return refuse(" " + library + " does not exist!", "The file " + library + " does not exist!");
-    const bool loaded = engine::loadAudioLibrary(path);
+    const bool loaded = loadAudioLibrary(path);
     if (!loaded || (BASS_GetVersion() >> 16) != kWantedBass) {
         const std::string text = " BASS version 2.4 was not loaded";
         return refuse(text, text.substr(1));

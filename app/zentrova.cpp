@@ -9,15 +9,15 @@
 #include "app/start.h"
 #include "platform/desktop.h"
 #include "platform/jobs.h"
+#include "platform/paths.h"
 #include "platform/qt/view/shell.h"
 
 namespace {
 
 std::string executableFolder(const char* argv0) {
-    std::error_code error;
-    auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (error) self = std::filesystem::absolute(argv0, error);
-    return self.parent_path().string();
+    std::filesystem::path self = zv::executableFile();
+    if (self.empty()) self = std::filesystem::absolute(argv0);
+    return zv::utf8FromPath(self.parent_path());
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/files.h"
+
 namespace zv {
 
 /// True for "X:\...", "\\server\...", and "/...".
@@ -14,6 +16,9 @@ bool isAbsolutePath(std::string_view path);
 /// What the system opens: backslashes become the system's separator where it has another; a file that differs in
 /// case only is found, element by element. UTF-8 in.
 std::filesystem::path nativePath(std::string_view path);
+/// UTF-8 text as a path of the system and back; nothing is mapped or looked for.
+std::filesystem::path pathFromUtf8(std::string_view text);
+std::string utf8FromPath(const std::filesystem::path& path);
 /// The path with a trailing separator of its own kind ("\" for a relative path or one with a drive).
 char separatorOf(std::string_view path);
 
@@ -24,12 +29,9 @@ void setProgramFolder(std::string folder);
 const std::string& shippedFolder();
 void setShippedFolder(std::string folder);
 
-enum class Flush { now, later };
-/// Replaces `file` by `contents`: a temporary file beside it, flushed to disk, renamed over it; permissions and links
-/// are kept. `Flush::later` leaves the flushing to the system, for logs: a power cut may lose the last lines. False
-/// (and nothing changed) when it cannot.
-bool replaceFile(const std::filesystem::path& file, std::string_view contents, Flush flush = Flush::now);
-/// The whole file; false when it cannot be opened.
-bool readFile(const std::filesystem::path& file, std::string& contents);
+/// The folder in which the system wants programs to keep their user's data.
+std::filesystem::path userDataFolder();
+/// A variable of the environment as UTF-8; empty when it is not set.
+std::string environmentVariable(const char* name);
 
 }  // namespace zv

@@ -1,8 +1,8 @@
 /// Where the engine comes from (audioLibraryName, loadAudioLibrary, audioLibraryControl) and what it is given.
 #pragma once
 
-#include "engine/import/library.h"
 #include "engine/ports.h"
+#include "platform/audio_library.h"
 
 namespace zv {
 

@@ -1,6 +1,5 @@
 #include "startup/command_line.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
@@ -27,15 +26,10 @@ constexpr Seed kSeeds[] = {{"palette.ini", "palette.ini"},
                            {"Time_Announce.wav", "Time_Announce.wav"},
                            {"first_start.ini", "zv.ini"}};
 
-std::string environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? std::string() : std::string(value);
-}
-
 std::string absolute(const std::string& folder) {
     std::error_code error;
-    const fs::path path = fs::absolute(fs::path(folder), error).lexically_normal();
-    return error ? folder : path.string();
+    const fs::path path = fs::absolute(pathFromUtf8(folder), error).lexically_normal();
+    return error ? folder : utf8FromPath(path);
 }
 
 bool writable(const fs::path& folder) {
@@ -46,17 +40,8 @@ bool writable(const fs::path& folder) {
     return true;
 }
 
-std::string userDataFolder() {
-    std::string base = environment("XDG_DATA_HOME");
-    if (base.empty() || !fs::path(base).is_absolute()) {
-        const std::string home = environment("HOME");
-        base = (home.empty() ? std::string("/tmp") : home) + "/.local/share";
-    }
-    return base + "/zentrova";
-}
-
 bool explicitFolder(const CommandLine& commandLine) {
-    return !commandLine.home.empty() || !environment("ZENTROVA_HOME").empty();
+    return !commandLine.home.empty() || !environmentVariable("ZENTROVA_HOME").empty();
 }
 
 void seed(const fs::path& home, const fs::path& shipped) {
@@ -98,29 +83,30 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
 
 std::string ChooseProgramFolder(const CommandLine& commandLine, const std::string& executableFolder) {
     if (!commandLine.home.empty()) return absolute(commandLine.home);
-    const std::string fromEnvironment = environment("ZENTROVA_HOME");
+    const std::string fromEnvironment = environmentVariable("ZENTROVA_HOME");
     if (!fromEnvironment.empty()) return absolute(fromEnvironment);
     std::error_code error;
-    if (fs::exists(fs::path(executableFolder) / "zv.ini", error) && writable(executableFolder)) {
+    if (fs::exists(pathFromUtf8(executableFolder) / "zv.ini", error) && writable(executableFolder)) {
         return absolute(executableFolder);
     }
-    return userDataFolder();
+    return utf8FromPath(userDataFolder() / "zentrova");
 }
 
 bool EnterProgramFolder(const CommandLine& commandLine, const std::string& executableFolder) {
     const std::string folder = ChooseProgramFolder(commandLine, executableFolder);
+    const fs::path native = pathFromUtf8(folder);
     std::error_code error;
-    fs::create_directories(folder, error);
+    fs::create_directories(native, error);
     setProgramFolder(folder);
     setShippedFolder(absolute(executableFolder));
     SetStorePaths();
-    fs::current_path(folder, error);
-    if (!fs::is_directory(folder, error) || !ProgramFolderWritable()) return false;
+    fs::current_path(native, error);
+    if (!fs::is_directory(native, error) || !ProgramFolderWritable()) return false;
     const bool usersFolder = !explicitFolder(commandLine) && absolute(executableFolder) != folder;
-    if (usersFolder && !fs::exists(fs::path(folder) / "zv.ini", error)) seed(folder, shippedFolder());
+    if (usersFolder && !fs::exists(native / "zv.ini", error)) seed(native, pathFromUtf8(shippedFolder()));
     return true;
 }
 
-bool ProgramFolderWritable() { return writable(fs::path(programFolder())); }
+bool ProgramFolderWritable() { return writable(pathFromUtf8(programFolder())); }
 
 }  // namespace zv

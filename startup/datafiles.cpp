@@ -52,20 +52,8 @@ void createIfMissing(const std::string& path, std::string_view contents = {}) {
     if (!exists(path)) replaceFile(nativePath(path), contents);
 }
 
-fs::file_time_type dateOf(const fs::path& path) {
-    std::error_code error;
-    const fs::file_time_type date = fs::last_write_time(path, error);
-    return error ? fs::file_time_type::min() : date;
-}
-
-fs::path programFile() {
-#ifdef _WIN32
-    return fs::path(shippedFolder()) / "zentrova.exe";
-#else
-    std::error_code error;
-    return fs::read_symlink("/proc/self/exe", error);
-#endif
-}
+/// ns since 1970; 0 for what is not there.
+std::int64_t dateOf(const fs::path& path) { return fileState(path).modified; }
 
 }  // namespace
 
@@ -101,7 +89,7 @@ void OpenPlaylistFile() {
 
 bool OpenUrlsFile() {
     createIfMissing(UrlsFile, std::string(kDefaultStreamUrl) + "\r\n");
-    return dateOf(programFile()) > dateOf(nativePath(UrlsFile));
+    return dateOf(executableFile()) > dateOf(nativePath(UrlsFile));
 }
 
 void OpenDispPresets() { createIfMissing(DispPresetsFile, kDispPresets); }
@@ -124,7 +112,8 @@ std::string ShippedFile(const std::string& name) {
 void SweepTemporaries() {
     std::error_code error;
     const auto now = fs::file_time_type::clock::now();
-    for (fs::directory_iterator it(programFolder(), error), end; !error && it != end; it.increment(error)) {
+    for (fs::directory_iterator it(pathFromUtf8(programFolder()), error), end; !error && it != end;
+         it.increment(error)) {
         std::error_code ignored;
         if (it->path().extension() == kTemporaryEnd && it->is_regular_file(ignored) &&
             now - it->last_write_time(ignored) > kStale) {

@@ -29,11 +29,6 @@ bool isForeign(std::string_view path) {
 #endif
 }
 
-std::string utf8(const fs::path& path) {
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
-}
-
 void walk(const fs::path& folder, FolderList& list) {
     std::error_code error;
     std::vector<fs::path> entries;
@@ -46,7 +41,7 @@ void walk(const fs::path& folder, FolderList& list) {
             walk(entry, list);
         } else if (fs::is_regular_file(entry, error)) {
             ++list.count;
-            list.text += utf8(entry) + "\r\n";
+            list.text += utf8FromPath(entry) + "\r\n";
         }
     }
 }

@@ -7,10 +7,6 @@
 
 #include "platform/paths.h"
 
-#ifndef _WIN32
-#include <sys/stat.h>
-#endif
-
 namespace zv {
 namespace {
 
@@ -42,39 +38,13 @@ std::shared_ptr<StoredIni> StoredIni::at(std::string_view path) {
     return file;
 }
 
-#ifdef _WIN32
-StoredIni::Identity StoredIni::identify() const {
-    std::error_code error;
-    Identity id;
-    id.exists = fs::exists(path_, error);
-    if (!id.exists) return id;
-    id.size = fs::file_size(path_, error);
-    id.modified = fs::last_write_time(path_, error).time_since_epoch().count();
-    return id;
-}
-#else
-StoredIni::Identity StoredIni::identify() const {
-    const auto ns = [](const timespec& t) { return t.tv_sec * 1'000'000'000LL + t.tv_nsec; };
-    struct stat info {};
-    Identity id;
-    if (::stat(path_.c_str(), &info) != 0) return id;
-    id.exists = true;
-    id.device = info.st_dev;
-    id.inode = info.st_ino;
-    id.size = static_cast<std::uint64_t>(info.st_size);
-    id.modified = ns(info.st_mtim);
-    id.changed = ns(info.st_ctim);
-    return id;
-}
-#endif
-
 void StoredIni::forget() {
     loaded_ = false;
     known_ = {};
 }
 
 void StoredIni::refresh() {
-    const Identity now = identify();
+    const FileState now = fileState(path_);
     if (loaded_ && now == known_ && settled_) return;
     std::string bytes;
     usable_ = !now.exists || (now.size <= kLargestFile && readFile(path_, bytes));
@@ -95,7 +65,7 @@ bool StoredIni::write() {
         return false;
     }
     // Our own writes bear a time of the fine clock, which no later change can repeat.
-    known_ = identify();
+    known_ = fileState(path_);
     settled_ = true;
     return true;
 }

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/files.h"
 #include "startup/ini_text.h"
 
 namespace zv {
@@ -38,21 +39,13 @@ class StoredIni {
     }
 
   private:
-    /// What tells one state of a file from another without reading it.
-    struct Identity {
-        bool exists = false;
-        std::uint64_t device = 0, inode = 0, size = 0;
-        std::int64_t modified = 0, changed = 0;  ///< ns
-        bool operator==(const Identity&) const = default;
-    };
-    Identity identify() const;
     void refresh();
     void forget();
     bool write();
 
     std::filesystem::path path_;
     IniText text_;
-    Identity known_;
+    FileState known_;
     bool loaded_ = false;
     bool settled_ = false;  ///< another change could not hide in the same tick of the file clock
     bool usable_ = false;   ///< missing or read; false for what is there but cannot be read

@@ -3,17 +3,14 @@
 
 #include <string>
 
+#include "platform/files.h"
+
 namespace zv {
 
 /// Held while the program runs. The system lets go of it when the program ends, however it ends, so a crash
 /// blocks nobody.
 class InstanceLock {
   public:
-    InstanceLock() = default;
-    ~InstanceLock();
-    InstanceLock(const InstanceLock&) = delete;
-    InstanceLock& operator=(const InstanceLock&) = delete;
-
     enum class Result {
         alone,    ///< the lock is ours
         shared,   ///< another program works on this folder; nothing is held
@@ -21,13 +18,13 @@ class InstanceLock {
     };
     /// Tries to lock `folder`; may be called again.
     Result acquire(const std::string& folder);
-    bool held() const { return descriptor_ >= 0; }
-    void release();
+    bool held() const { return lock_.held(); }
+    void release() { lock_.release(); }
     /// What the other program wrote about itself ("process 1234 since 14:05:09"); may be empty.
     const std::string& other() const { return other_; }
 
   private:
-    int descriptor_ = -1;
+    FileLock lock_;
     std::string other_;
 };
 

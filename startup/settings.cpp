@@ -33,14 +33,10 @@ constexpr const char* kSamplePalette = "Sample Radio";
 constexpr const char* kNoImportFolder = ":";
 constexpr int kFullScreenMode = 2;
 
-fs::file_time_type iniFileDate{};
+std::int64_t iniFileDate = 0;   ///< ns since 1970
 std::set<std::string> keptOut;  ///< keys that hold for this run only
 
-fs::file_time_type dateOfIniFile() {
-    std::error_code error;
-    const fs::file_time_type date = fs::last_write_time(nativePath(IniFile), error);
-    return error ? fs::file_time_type{} : date;
-}
+std::int64_t dateOfIniFile() { return fileState(nativePath(IniFile)).modified; }
 
 cImpulse& storeOf(const SettingKey& key) {
     return key.rules.special == Special::account ? AccountStore : SettingsStore;

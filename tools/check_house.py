@@ -54,7 +54,6 @@ OPEN_ARROWS = {
     ("engine/sources", "tempo"),
 }
 OPEN_CIRCLES = ["ui/", "engine/tempo/", "startup/", "platform/qt/view/", "platform/rehearsal/", "platform/pulse/"]
-OPEN_FOREIGN = {"engine/import/import.cpp", "platform/common/files.cpp", "startup/ini_file.cpp", "startup/instance_lock.cpp"}
 
 STANDARD = set("""
 algorithm any array atomic barrier bit bitset cassert cctype cerrno cfenv cfloat charconv chrono cinttypes climits
@@ -140,7 +139,7 @@ def check(root, files):
         in_library = room == "platform" and name.count("/") >= 2 and not name.startswith("platform/common/")
         for number, angled, header in includes(root / name):
             if angled:
-                if header not in STANDARD and room not in FREE - {"app"} and not in_library and name not in OPEN_FOREIGN:
+                if header not in STANDARD and room not in FREE - {"app"} and not in_library:
                     faults.append(f"{name}:{number}: {header} is not of the standard library; only platform/<library>/ may include it")
                 continue
             fault = arrow_fault(name, header)

@@ -1,5 +1,3 @@
-#include <dlfcn.h>
-
 #include <array>
 #include <cstddef>
 
@@ -92,29 +90,13 @@ const EngineControl* loadedControl = nullptr;
 
 }  // namespace
 
-std::string audioLibraryName() {
-#ifdef _WIN32
-    return "bass.dll";
-#else
-    return "libbass.so";
-#endif
-}
-
-bool loadAudioLibrary(const std::string& path) {
-    if (loadedControl) return true;
-    // Never unloaded once accepted: device threads may be inside it until the process ends.
-    void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!library) return false;
-
+bool bindAudioLibrary(const SymbolFinder& find) {
     std::array<void*, operations.size()> found{};
-    for (std::size_t i = 0; i < operations.size(); ++i) found[i] = dlsym(library, operations[i].name);
-    const auto entry = reinterpret_cast<decltype(&engineControl)>(dlsym(library, "engineControl"));
+    for (std::size_t i = 0; i < operations.size(); ++i) found[i] = find(operations[i].name);
+    const auto entry = reinterpret_cast<decltype(&engineControl)>(find("engineControl"));
     bool complete = entry != nullptr;
     for (void* address : found) complete = complete && address != nullptr;
-    if (!complete) {
-        dlclose(library);
-        return false;
-    }
+    if (!complete) return false;
     for (std::size_t i = 0; i < operations.size(); ++i) operations[i].bind(found[i]);
     loadedControl = entry();
     return loadedControl != nullptr;

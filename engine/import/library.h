@@ -1,23 +1,22 @@
-/// The audio library as a program meets it: a file beside the executable that is loaded at start. Programs
-/// link bass_import, whose BASS_ functions forward to the loaded library; until one is loaded each returns
-/// its failure value.
+/// The audio library as a program meets it: a file beside the executable that is loaded at start
+/// (platform/audio_library.h). Programs link bass_import, whose BASS_ functions forward to the loaded library;
+/// until one is bound each returns its failure value.
 #pragma once
 
-#include <string>
+#include <functional>
 
 #include "engine/ports.h"
 
 namespace zv::engine {
 
-/// File name of the audio library on this system: "bass.dll" on Windows, "libbass.so" elsewhere. [any]
-std::string audioLibraryName();
+/// The address of a symbol of the library; null when it has none of that name.
+using SymbolFinder = std::function<void*(const char* name)>;
 
-/// Loads the library at `path` (UTF-8); all BASS_ operations forward to it from then on, until the program
-/// ends. False when the file is missing, is no library or lacks an operation: then nothing has changed. Once
-/// a library is loaded, further calls return true and change nothing. [control]
-bool loadAudioLibrary(const std::string& path);
+/// All BASS_ operations forward to the library that `find` looks into, from then on until the program ends; it
+/// must stay loaded. False when it lacks an operation: then nothing has changed. [control]
+bool bindAudioLibrary(const SymbolFinder& find);
 
-/// Entry of the loaded library; null before. [any]
+/// Entry of the bound library; null before. [any]
 const EngineControl* audioLibraryControl();
 
 }  // namespace zv::engine

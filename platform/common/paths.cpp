@@ -28,14 +28,6 @@ std::string withoutTrailingSeparator(std::string folder) {
     return folder;
 }
 
-fs::path fromUtf8(std::string_view text) {
-#ifdef _WIN32
-    return fs::path(std::u8string(text.begin(), text.end()));
-#else
-    return fs::path(text);
-#endif
-}
-
 #ifndef _WIN32
 
 /// ASCII and the Latin letters of two bytes in lower case: what names on a case-blind disk differ in.
@@ -126,25 +118,39 @@ fs::path caseBlind(const fs::path& path) {
 
 bool isAbsolutePath(std::string_view path) { return hasDrive(path) || isUnc(path) || path.starts_with('/'); }
 
+std::filesystem::path pathFromUtf8(std::string_view text) {
+#ifdef _WIN32
+    return fs::path(std::u8string(text.begin(), text.end()));
+#else
+    return fs::path(text);
+#endif
+}
+
+std::string utf8FromPath(const std::filesystem::path& path) {
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
+}
+
 char separatorOf(std::string_view path) { return path.starts_with('/') ? '/' : '\\'; }
 
 std::filesystem::path nativePath(std::string_view path) {
     if (path.empty()) return {};
 #ifdef _WIN32
-    if (!isAbsolutePath(path) && !theProgramFolder.empty())
-        return fromUtf8(theProgramFolder) / fromUtf8(path);
-    return fromUtf8(path);
+    if (isAbsolutePath(path)) return pathFromUtf8(path);
+    const std::size_t start = path.find_first_not_of("\\/");  // "\Fonts\x.ttf" is below the program folder
+    const fs::path below = start == std::string_view::npos ? fs::path() : pathFromUtf8(path.substr(start));
+    return theProgramFolder.empty() ? below : pathFromUtf8(theProgramFolder) / below;
 #else
-    if (hasDrive(path) || isUnc(path)) return fromUtf8(path);  // another system's: names nothing here
+    if (hasDrive(path) || isUnc(path)) return pathFromUtf8(path);  // another system's: names nothing here
     // A system path may hold a backslash in a name of its own.
-    if (path.starts_with('/') && isThere(fromUtf8(path))) return fromUtf8(path);
+    if (path.starts_with('/') && isThere(pathFromUtf8(path))) return pathFromUtf8(path);
     std::string text(path);
     std::replace(text.begin(), text.end(), '\\', '/');
-    fs::path native = fromUtf8(text);
+    fs::path native = pathFromUtf8(text);
     if (!path.starts_with('/')) {
         const std::size_t start = text.find_first_not_of('/');  // "\Fonts\x.ttf" is below the program folder
-        native = start == std::string::npos ? fs::path() : fromUtf8(std::string_view(text).substr(start));
-        if (!theProgramFolder.empty()) native = fromUtf8(theProgramFolder) / native;
+        native = start == std::string::npos ? fs::path() : pathFromUtf8(std::string_view(text).substr(start));
+        if (!theProgramFolder.empty()) native = pathFromUtf8(theProgramFolder) / native;
     }
     return isThere(native) ? native : caseBlind(native);
 #endif

@@ -8,7 +8,7 @@
 #include <set>
 
 #include "engine/bass.h"
-#include "engine/import/library.h"
+#include "platform/audio_library.h"
 
 namespace {
 
@@ -50,18 +50,18 @@ TEST(AudioLibrary, FailsSoftlyUntilItIsLoaded) {
               std::system(("c++ -shared -fPIC -o " + folder + "/some.so " + folder + "/some.cpp").c_str()));
     for (const std::string& path :
          {folder + "/missing.so", folder + "/text.so", folder + "/some.so", std::string()}) {
-        EXPECT_FALSE(zv::engine::loadAudioLibrary(path)) << path;
+        EXPECT_FALSE(zv::loadAudioLibrary(path)) << path;
         EXPECT_EQ(nullptr, zv::engine::audioLibraryControl());
         EXPECT_EQ(0U, BASS_GetVersion()) << path;
     }
 
-    const std::string path = bin + "/" + zv::engine::audioLibraryName();
-    ASSERT_TRUE(zv::engine::loadAudioLibrary(path)) << path;
+    const std::string path = bin + "/" + zv::audioLibraryName();
+    ASSERT_TRUE(zv::loadAudioLibrary(path)) << path;
     EXPECT_EQ(516U, BASS_GetVersion() >> 16);
     EXPECT_NE(nullptr, zv::engine::audioLibraryControl());
     EXPECT_EQ(BASS_NO_POSITION, BASS_ChannelGetLength(1, BASS_POS_BYTE));
     EXPECT_EQ(BASS_ERROR_HANDLE, BASS_ErrorGetCode());
-    EXPECT_TRUE(zv::engine::loadAudioLibrary(folder + "/missing.so")) << "what is loaded stays";
+    EXPECT_TRUE(zv::loadAudioLibrary(folder + "/missing.so")) << "what is loaded stays";
 }
 
 }  // namespace

@@ -1,49 +1,23 @@
-// readFile and replaceFile: the two ways in which whole files come and go.
+#include "platform/files.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "platform/paths.h"
-
-#ifdef _WIN32
-#include <fstream>
-#else
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-#endif
 
 namespace zv {
 
 namespace fs = std::filesystem;
-
-#ifdef _WIN32
-
-bool readFile(const fs::path& file, std::string& contents) {
-    std::ifstream in(file, std::ios::binary);
-    if (!in) return false;
-    contents.assign(std::istreambuf_iterator<char>(in), {});
-    return !in.bad();
-}
-
-bool replaceFile(const fs::path& file, std::string_view contents, Flush) {
-    fs::path temporary = file;
-    temporary += ".zvtmp";
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        out.write(contents.data(), static_cast<std::streamsize>(contents.size()));
-        out.flush();
-        if (!out) return false;
-    }
-    std::error_code error;
-    fs::rename(temporary, file, error);
-    return !error;
-}
-
-#else
 
 namespace {
 
@@ -59,10 +33,10 @@ class Descriptor {
     Descriptor& operator=(const Descriptor&) = delete;
     int get() const { return fd_; }
     bool close() {
-        const int fd = fd_;
-        fd_ = -1;
+        const int fd = release();
         return fd < 0 || ::close(fd) == 0;
     }
+    int release() { return std::exchange(fd_, -1); }
 
   private:
     int fd_;
@@ -151,6 +125,45 @@ bool replaceFile(const fs::path& wanted, std::string_view contents, Flush flush)
     return good;
 }
 
-#endif
+FileState fileState(const fs::path& file) {
+    const auto ns = [](const timespec& t) { return t.tv_sec * 1'000'000'000LL + t.tv_nsec; };
+    struct stat info {};
+    FileState state;
+    if (::stat(file.c_str(), &info) != 0) return state;
+    state.exists = true;
+    state.device = info.st_dev;
+    state.inode = info.st_ino;
+    state.size = static_cast<std::uint64_t>(info.st_size);
+    state.modified = ns(info.st_mtim);
+    state.changed = ns(info.st_ctim);
+    return state;
+}
+
+FileLock::Result FileLock::acquire(const fs::path& file) {
+    if (held()) return Result::held;
+    Descriptor opened(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kNewFileMode));
+    if (opened.get() < 0) return Result::failed;
+    if (::flock(opened.get(), LOCK_EX | LOCK_NB) != 0)
+        return errno == EWOULDBLOCK ? Result::taken : Result::failed;
+    handle_ = opened.release();
+    return Result::held;
+}
+
+void FileLock::write(std::string_view text) {
+    const int fd = static_cast<int>(handle_);
+    if (held() && ::ftruncate(fd, 0) == 0 && ::lseek(fd, 0, SEEK_SET) == 0) writeAll(fd, text);
+}
+
+void FileLock::release() {
+    if (held()) ::close(static_cast<int>(handle_));
+    handle_ = kNone;
+}
+
+std::int64_t processNumber() { return ::getpid(); }
+
+fs::path executableFile() {
+    std::error_code error;
+    return fs::read_symlink("/proc/self/exe", error);
+}
 
 }  // namespace zv
