@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "audio/open_palette.h"
 #include "engine/bass.h"
 #include "model/jingle.h"
 #include "model/palette_files.h"
@@ -20,6 +21,7 @@
 #include "startup/settings.h"
 #include "startup/upcalls.h"
 #include "ui/records/jingle_buttons.h"
+#include "ui/screen/button_faces.h"
 #include "ui/screen/layout.h"
 
 namespace zv {

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "audio/devices.h"
+#include "audio/open_palette.h"
 #include "engine/bass.h"
 #include "engine/ports.h"
 #include "model/jingle.h"
@@ -26,13 +27,11 @@
 #include "startup/upcalls.h"
 #include "ui/edit/palette_list.h"
 #include "ui/records/main_window.h"
-#include "ui/records/timers.h"
 #include "ui/screen/clock.h"
-#include "ui/screen/colours.h"
-#include "ui/screen/counter.h"
 #include "ui/screen/layout.h"
 #include "ui/upcalls_fill.h"
 #include "ui/windows/splash.h"
+#include "ui/wiring.h"
 
 namespace zv {
 namespace {

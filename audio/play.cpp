@@ -3,11 +3,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
-#include <string>
 
+#include "audio/automix.h"
 #include "audio/devices.h"
 #include "audio/upcalls.h"
+#include "engine/bass.h"
 #include "model/jingle.h"
 #include "model/state.h"
 #include "platform/clock.h"
@@ -24,8 +27,6 @@ Shared<std::int32_t> TmAnFadeAttrib = 2;
 namespace {
 
 constexpr int kFullVelocity = 127;
-constexpr int kAutomixCrossfade = 1;
-constexpr int kAutomixRefuse = 2;
 constexpr float kStopAtEnd = -1;     // of a slide: to silence, then stop
 constexpr float kTailPriority = 50;  // the direct sound is cut before the reverb
 constexpr double kMsPerSecond = 1000;
@@ -72,7 +73,7 @@ void setLoops(const JingleRecord& j) {
 /// From rest, or again: what is heard is set before the channel plays, what is told and shown follows it.
 void start(int index, int velocity) {
     JingleRecord& j = Jingle(index);
-    if (settings.AutoMix == kAutomixRefuse && DispRemain != 0) return;
+    if (settings.AutoMix == kAutomixLock && DispRemain != 0) return;
     const QWORD length = BASS_ChannelGetLength(j.hSrc, BASS_POS_BYTE);
     if (length == 0 || length == BASS_NO_POSITION) return;
     j.Playing = true;
@@ -188,9 +189,7 @@ void clPlay(int index, int velocity) {
         LastPlayedJ = index;
         if (MIDILearnActive) return;
         if (velocity < 0 || velocity > kFullVelocity) velocity = kFullVelocity;
-        if (settings.AutoMix == kAutomixCrossfade && audioUpcalls.automixPress &&
-            audioUpcalls.automixPress(index, velocity))
-            return;
+        if (settings.AutoMix == kAutomixCrossfade) FadeOthers(index);
         if (Jingle(index).hPlay == 0) return;
         if (settings.MinimalView == 1 && ClockShown) callUp(audioUpcalls.hideClock);
         if (plays(Jingle(index)))

@@ -45,9 +45,6 @@ struct AudioUpcalls {
     // ---- the mixer window ----
     std::function<void(const OutputLists&)> outputsListed;
     std::function<void(const InputLists&)> inputsListed;
-
-    /// Hand-over of a press to the automix (its crossfade); true when it took the press.
-    std::function<bool(int index, int velocity)> automixPress;
 };
 
 extern AudioUpcalls audioUpcalls;

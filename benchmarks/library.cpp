@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "audio/open_palette.h"
+#include "audio/streams.h"
 #include "benchmarks/measure.h"
 #include "benchmarks/program.h"
 #include "model/palette_files.h"
@@ -67,7 +69,7 @@ void work(const Home& home) {
         const std::string palette = paletteName(run * 131 % kPalettes);
         // What is done before the sounds; then all of it, painted slot by slot, the sounds not being there.
         named.push_back(timed([&] {
-            for (int slot = 0; slot < kPaletteSlots; ++slot) modelUpcalls.openNames(slot, palette, false);
+            for (int slot = 0; slot < kPaletteSlots; ++slot) openNames(slot, palette, false);
         }));
         opened.push_back(timed([&] { OpenFile(palette); }));
         if (J[kSounds - 1].Path.find("number 49") == std::string::npos) return "the palette did not come";

@@ -14,7 +14,7 @@
 #include "platform/qt/view/shell.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/timers.h"
-#include "ui/screen/counter.h"
+#include "ui/screen/display_tick.h"
 
 namespace zv::bench {
 namespace {

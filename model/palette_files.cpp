@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <filesystem>
-#include <functional>
 #include <utility>
 
 #include "engine/bass.h"
@@ -168,37 +167,6 @@ std::vector<cImpulse::Line> JingleLines(const JingleRecord& jingle, int suffix, 
     putUnless("StopPos_", NumberText(jingle.StopPos), "0");
     if (jingle.FXV != NeutralFXV(jingle.Freq)) put("FXV_", jingle.FXV);
     return lines;
-}
-
-void OpenFile(const std::string& name) {
-    // Events run between the slots: one of them may open another palette, and the last one opened counts.
-    static int newest = 0;
-    const int mine = ++newest;
-    const auto eachSlot = [&](const std::function<void(int)>& step) {
-        for (int i = 0; i < kPaletteSlots && mine == newest; ++i) {
-            if (JExists[static_cast<std::size_t>(i)] != 1) continue;
-            step(i);
-            callUp(modelUpcalls.pumpEvents);
-        }
-    };
-    guarded("modMain.OpenFile", [&] {
-        ErrDisp("hide");
-        callUp(modelUpcalls.beginLoad);
-        SaveMode.clear();
-        callUp(modelUpcalls.showPaletteName, name);
-        eachSlot([&](int i) { callUp(modelUpcalls.openNames, i, name, false); });
-        eachSlot([&](int i) { callUp(modelUpcalls.openStreams, i); });
-        if (mine == newest) callUp(modelUpcalls.endLoad);
-    });
-}
-
-void OpenFile() {
-    guarded("modMain.OpenFile", [] {
-        for (int i = kPaletteSlots; i < kJingles; ++i) {
-            callUp(modelUpcalls.openNames, i, kHotSection, true);
-            if (JExists[static_cast<std::size_t>(i)] == 1) callUp(modelUpcalls.openStreams, i);
-        }
-    });
 }
 
 bool CloseFile(const std::string& name) {

@@ -11,11 +11,6 @@ namespace zv {
 
 inline constexpr const char* kEmptyPaletteKey = "This_palette_is_empty";
 
-/// Loads palette `name` into slots 0 to 95: all names and colours first, then the sounds. A slot that still
-/// sounds keeps its record. Slots whose button does not exist are left alone.
-void OpenFile(const std::string& name);
-/// Loads the hot jingles into slots 96 to 119.
-void OpenFile();
 /// Writes the palette's section in one rewrite, then the hot jingles. What happens to the old section is told
 /// by SaveMode, which is cleared. Nothing for an empty name. A slot that still sounds from an earlier palette
 /// keeps what the file has for it. A file that cannot be written stays as it was, the mark says so and false

@@ -10,11 +10,6 @@
 namespace zv {
 
 struct ModelUpcalls {
-    // ---- audio ----
-    std::function<void(int index, const std::string& section, bool isHot)> openNames;
-    std::function<void(int index)> openStreams;
-
-    // ---- ui ----
     std::function<void()> beginLoad;  ///< mark "wait" shown, selection marks hidden, centred list scrolled
     std::function<void()> endLoad;    ///< the wait mark goes if it still shows
     std::function<void(const std::string& name)> showPaletteName;  ///< txtDisPal

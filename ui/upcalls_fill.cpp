@@ -1,35 +1,36 @@
 #include "ui/upcalls_fill.h"
 
+#include <cstddef>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
-#include "audio/streams.h"
 #include "audio/upcalls.h"
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/palette_files.h"
 #include "model/state.h"
 #include "model/upcalls.h"
+#include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/errors.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/upcalls.h"
-#include "ui/edit/edit_commands.h"
 #include "ui/edit/palette_list.h"
+#include "ui/edit/palette_load.h"
+#include "ui/edit/selection.h"
 #include "ui/press/actions.h"
-#include "ui/press/global_keys.h"
-#include "ui/press/press.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
 #include "ui/screen/apply_text.h"
+#include "ui/screen/button_faces.h"
+#include "ui/screen/captions.h"
 #include "ui/screen/clock.h"
-#include "ui/screen/colours.h"
-#include "ui/screen/counter.h"
-#include "ui/screen/layout.h"
+#include "ui/screen/error_mark.h"
+#include "ui/screen/shaded.h"
 #include "ui/windows/console_window.h"
 #include "ui/windows/report_window.h"
 #include "ui/windows/splash.h"
@@ -40,23 +41,8 @@ namespace {
 
 constexpr Colour kMarkOff = 0;
 
-void showErrorMark(const ErrorMark& mark) {
-    DisplayControls& d = frmMain().display;
-    if (mark.character != 0) {
-        d.lblErr.caption = std::string(1, mark.character);
-    }
-    d.lblErr.foreColor = mark.usesPlayingColor ? settings.PlayingColor : settings.DateTimeColor;
-    d.lblErr.toolTip = mark.toolTip;
-    d.lblErr.visible = mark.visible;
-    if (mark.visible && settings.MinimalView == 1) {
-        for (Control& playMode : d.lblPlayMode) {
-            playMode.visible = false;
-        }
-    }
-}
-
 void fillStartup() {
-    startupUpcalls.showErrorMark = showErrorMark;
+    startupUpcalls.showErrorMark = ShowErrorMark;
     startupUpcalls.startSaveTimer = [] { timers().SaveTimer.restart(); };
     startupUpcalls.applyText = ApplyText;
     startupUpcalls.paletteNames = [] { return frmMain().palettes.lstPal.items(); };
@@ -170,12 +156,9 @@ void fillAudio() {
     };
     audioUpcalls.hideClock = StopClock;
     audioUpcalls.noOutputDevice = [] { ErrDisp("no", 0, Ln("mNoOutDev")); };
-    audioUpcalls.automixPress = AutomixPress;
 }
 
 void fillModel() {
-    modelUpcalls.openNames = openNames;
-    modelUpcalls.openStreams = openStreams;
     modelUpcalls.beginLoad = [] {
         PaletteOpening = true;
         ErrDisp("hide");

@@ -1,38 +1,53 @@
-// How the main window comes, is wired to its handlers, and goes.
+#include "ui/wiring.h"
+
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "model/jingle.h"
 #include "model/state.h"
+#include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/datafiles.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
-#include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/trace.h"
-#include "ui/edit/palette_list.h"
+#include "ui/edit/assign.h"
+#include "ui/edit/colour_picker.h"
+#include "ui/edit/jingle_menu.h"
+#include "ui/edit/options.h"
+#include "ui/edit/palette_load.h"
+#include "ui/edit/palette_steps.h"
+#include "ui/edit/save_dialogue.h"
+#include "ui/press/display_press.h"
+#include "ui/press/exit_key.h"
 #include "ui/press/global_keys.h"
 #include "ui/press/keyboard.h"
+#include "ui/press/modifiers.h"
 #include "ui/press/press.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
+#include "ui/screen/button_faces.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/colours.h"
-#include "ui/screen/counter.h"
+#include "ui/screen/display_tick.h"
+#include "ui/screen/flashing.h"
 #include "ui/screen/layout.h"
+#include "ui/screen/layout_grid.h"
+#include "ui/screen/layout_strip.h"
 #include "ui/screen/meters.h"
+#include "ui/screen/warning.h"
+#include "ui/screen/window_place.h"
 
 namespace zv {
 
 namespace {
 
 constexpr const char* kSymbolFont = "ZVR";
-constexpr int kTitleBar = 64;  // pixels that a desktop may take from a window that fills it
-constexpr int kMaximised = 2;  // of WinState
 
 /// A press with the left button, and the keyboard's way to it (a click without a mouse).
 void onLeftPress(Control& control, void (*handler)()) {
@@ -144,6 +159,57 @@ void wireWindow() {
     }
 }
 
+/// Handlers and first look of a button that was just made.
+void wireButton(int index) {
+    JingleButton& b = *Button(index);
+    b.b_Jingle.onMouseDown = [index](const MouseEvent& e) { b_Jingle_MouseDown(index, e); };
+    b.b_Jingle.onMouseUp = [index](const MouseEvent& e) { b_Jingle_MouseUp(index, e); };
+    b.b_Jingle.onKeyDown = [index](KeyEvent& e) { b_Jingle_KeyDown(index, e); };
+    b.b_Jingle.onDrop = [index](const std::string& path) { b_Jingle_OLEDragDrop(index, path); };
+    b.b_Jingle.onDescribe = [index] {
+        return guardedOr(".b_Jingle_Describe", std::string(), [&] { return DescribeButton(index); });
+    };
+    b.ckJingSel.onMouseDown = [](const MouseEvent& e) {
+        if (e.button == MouseButton::right) {
+            ckJingleMenu();
+        }
+    };
+    DressButton(index);
+}
+
+void wireTimers() {
+    UiTimers& t = timers();
+    t.TimerDispAndJButtons.handler = TimerDispAndJButtonsTick;
+    t.TimerVU.handler = TimerVUTick;
+    t.TimerKeyModifiers.handler = TimerKeyModifiersTick;
+    t.TimerTimeAndTA.handler = DateTimeUpdate;
+    t.SaveTimer.handler = SaveTimerTick;
+    t.TimerLoadPal.handler = TimerLoadPalTick;
+    t.TimerClock.handler = TimerClockTick;
+    t.TimerIdleClock.handler = TimerIdleClockTick;
+    t.TimerReleaseSep.handler = TimerReleaseSepTick;
+    t.TimerWarnBlink.handler = TimerWarnBlinkTick;
+    t.TimerMainPos.handler = TimerMainPosTick;
+    t.TimerFadeOutLED.handler = TimerFadeOutLEDTick;
+    t.TimerControlFlash.handler = TimerControlFlashTick;
+    t.TimerVUFD.handler = TimerVUFDTick;
+    t.TimerPgUpDnPalLst.handler = TimerPgUpDnPalLstTick;
+    t.Timerlstpalbot.handler = TimerlstpalbotTick;
+    t.Timerlstpaltop.handler = TimerlstpaltopTick;
+    t.TimerTrigColSel.handler = TimerTrigColSelTick;
+    t.TimerCloseColorPicker.handler = TimerCloseColorPickerTick;
+    t.TimerShutDown.handler = TimerShutDownTick;
+    t.tmrResize.handler = [] {
+        timers().tmrResize.stop();
+        FormDraw();
+    };
+}
+
+constexpr int kFastestDisplay = 110, kFastestMeter = 11, kMeterStep = 10;  // ms
+int displayInterval() { return std::max(10, kFastestDisplay - settings.DispSpeed); }
+
+int meterInterval() { return std::max(kMeterStep, (kFastestMeter - settings.VUspeed) * kMeterStep); }
+
 /// What later work will bring to life stands in its place already.
 void disableWhatIsToCome() {
     MainWindow& w = frmMain();
@@ -156,23 +222,6 @@ void disableWhatIsToCome() {
         c->enabled = false;
     }
     w.palettes.txtSave.enabled = false;
-}
-
-/// Where it stood last; maximised it fills its monitor.
-void placeWindow(Control& window) {
-    window.width = settings.WinWidth;
-    window.height = settings.WinHeight;
-    window.left = settings.PosLeft;
-    window.top = settings.PosTop;
-    const std::vector<Monitor> screens = monitors();
-    if (settings.WinState == kMaximised && !screens.empty()) {
-        const auto wanted = static_cast<std::size_t>(settings.Monitor);
-        const Monitor& screen = screens[wanted < screens.size() ? wanted : 0];
-        window.width = screen.width * kTwipsPerPixel;
-        window.height = screen.height * kTwipsPerPixel;
-        window.left = screen.left * kTwipsPerPixel;
-        window.top = screen.top * kTwipsPerPixel;
-    }
 }
 
 void fillFromSettings() {
@@ -208,12 +257,14 @@ void Form_Load() {
             c->fontName = kSymbolFont;
             c->fontSize = 12;
         }
-        placeWindow(w.window);
+        PlaceWindow(w.window);
         wireWindow();
         wireDisplay();
         wirePalettes();
         wireOptions();
         wireKeys();
+        wireTimers();
+        buttonMade = wireButton;
         setMinimumSize(w.window, MinWinWidth, MinWinHeight);
     });
 }
@@ -274,26 +325,18 @@ void frmMainUnload() {
     });
 }
 
-void TimerMainPosTick() {
-    guarded("frmMain.TimerMainPos_Timer", [] {
-        const Control& w = frmMain().window;
-        if (isMinimised(w) || settings.FullScreen == 1) {
-            return;
-        }
-        const std::vector<Monitor> screens = monitors();
-        const bool fills = std::any_of(screens.begin(), screens.end(), [&](const Monitor& m) {
-            return w.width() >= m.width * kTwipsPerPixel &&
-                   w.height() >= (m.height - kTitleBar) * kTwipsPerPixel;
-        });
-        settings.WinState = fills ? kMaximised : 0;
-        if (fills) {
-            return;  // the size that it had before is kept
-        }
-        settings.WinWidth = w.width;
-        settings.WinHeight = w.height;
-        settings.PosLeft = w.left;
-        settings.PosTop = w.top;
-    });
+void StartTimers() {
+    UiTimers& t = timers();
+    t.TimerDispAndJButtons.setInterval(displayInterval());
+    t.TimerVU.setInterval(meterInterval());
+    t.TimerWarnBlink.setInterval(WarnBlinkInterval(settings.BlinkWarn));
+    t.TimerDispAndJButtons.start();
+    t.TimerVU.start();
+    t.TimerMainPos.start();
+    t.TimerKeyModifiers.start();
+    t.TimerTimeAndTA.start();
+    t.TimerFadeOutLED.start();
+    t.TimerControlFlash.start();
 }
 
 }  // namespace zv

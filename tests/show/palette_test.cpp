@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "audio/open_palette.h"
 #include "model/state.h"
 #include "model/upcalls.h"
 #include "startup/stores.h"

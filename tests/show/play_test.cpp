@@ -96,8 +96,7 @@ std::vector<Row> rows() {
         {"lock lets a jingle stop", "FadeOut=200", "0 press 500 lock press", "a0-100 b100-500~700", stopping},
         {"lock refuses a restart in place", "PlayMod=2", "0 press 500 lock press", "a0-100 b100-2500", playing},
         {"lock refuses a repeat when the old one is gone", "PlayMod=1", "0 press 500 lock press", "a0-100 b100-510", playing},
-        {"automix takes the press", "", "0 mixtakes press", "", idle},
-        {"automix lets the press through", "", "0 mixasks press", "a0-100 b100-2500", playing},
+        {"the crossfade leaves its own press alone", "", "0 mix press 500 press", "a0-100 b100-500", stopping},
     };
     // clang-format on
 }
@@ -105,10 +104,6 @@ std::vector<Row> rows() {
 void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
 
 void act(const std::string& word) {
-    const auto mix = [](bool takes) {
-        settings.AutoMix = 1;
-        audioUpcalls.automixPress = [takes](int, int) { return takes; };
-    };
     const std::map<std::string, std::function<void()>> words{
         {"press", press},
         {"press:64", [] { clPlay(0, 64); }},
@@ -121,8 +116,7 @@ void act(const std::string& word) {
         {"alt", [] { CtrlDown = ShiftDown = false, AltDown = true; }},
         {"learn", [] { MIDILearnActive = true; }},
         {"lock", [] { settings.AutoMix = 2, DispRemain = 1.5; }},
-        {"mixtakes", [&] { mix(true); }},
-        {"mixasks", [&] { mix(false); }},
+        {"mix", [] { settings.AutoMix = 1; }},
     };
     words.at(word)();
 }

@@ -1,4 +1,5 @@
 #include "tests/show/show.h"
+#include "audio/open_palette.h"
 
 #include <cmath>
 #include <utility>
@@ -12,8 +13,6 @@ ShowTest::ShowTest(OfflineOptions options) : StudioTest(std::move(options)) {
     settings.DeviceAux = 2;
     ListOutDev();
     SetupMixers();
-    modelUpcalls.openNames = openNames;
-    modelUpcalls.openStreams = [](int index) { openStreams(index); };
 }
 
 void ShowTest::openPalette(const std::string& lines, const std::string& name) {

@@ -4,9 +4,8 @@
 #include "platform/clock.h"
 #include "startup/settings.h"
 #include "tests/ui/window_test.h"
+#include "ui/screen/captions.h"
 #include "ui/screen/clock.h"
-#include "ui/screen/counter.h"
-#include "ui/screen/layout.h"
 
 namespace zv::test {
 

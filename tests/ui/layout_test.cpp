@@ -8,7 +8,10 @@
 #include "model/state.h"
 #include "startup/settings.h"
 #include "tests/ui/window_test.h"
-#include "ui/screen/layout.h"
+#include "ui/records/jingle_buttons.h"
+#include "ui/records/main_window.h"
+#include "ui/screen/layout_grid.h"
+#include "ui/screen/layout_strip.h"
 #include "ui/windows/shortcuts_window.h"
 
 namespace zv::test {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "audio/open_palette.h"
 #include "audio/play.h"
 #include "model/colours.h"
 #include "model/jingle.h"
@@ -14,12 +15,20 @@
 #include "startup/settings.h"
 #include "startup/stores.h"
 #include "tests/ui/window_test.h"
-#include "ui/edit/edit_commands.h"
+#include "ui/edit/colour_picker.h"
+#include "ui/edit/move.h"
+#include "ui/edit/options.h"
 #include "ui/edit/palette_list.h"
-#include "ui/press/press.h"
+#include "ui/edit/palette_load.h"
+#include "ui/edit/palette_steps.h"
+#include "ui/edit/remove.h"
+#include "ui/edit/save_dialogue.h"
+#include "ui/edit/selection.h"
+#include "ui/edit/unsaved.h"
+#include "ui/records/armed.h"
+#include "ui/records/main_window.h"
 #include "ui/screen/colours.h"
-#include "ui/screen/counter.h"
-#include "ui/screen/layout.h"
+#include "ui/screen/error_mark.h"
 
 namespace zv::test {
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "audio/levels.h"
 #include "audio/play.h"
 #include "audio/streams.h"
 #include "model/colours.h"
@@ -11,12 +12,16 @@
 #include "model/state.h"
 #include "startup/settings.h"
 #include "tests/ui/window_test.h"
-#include "ui/press/press.h"
+#include "ui/edit/options.h"
+#include "ui/press/display_press.h"
+#include "ui/records/jingle_buttons.h"
+#include "ui/records/main_window.h"
 #include "ui/records/timers.h"
 #include "ui/screen/colours.h"
 #include "ui/screen/counter.h"
-#include "ui/screen/layout.h"
-#include "ui/screen/meters.h"
+#include "ui/screen/digits.h"
+#include "ui/screen/display_tick.h"
+#include "ui/screen/warning.h"
 
 namespace zv::test {
 

@@ -6,12 +6,15 @@
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
-#include "ui/edit/edit_commands.h"
-#include "ui/edit/palette_list.h"
-#include "ui/press/press.h"
+#include "ui/edit/remove.h"
+#include "ui/edit/save_dialogue.h"
+#include "ui/edit/selection.h"
+#include "ui/records/armed.h"
+#include "ui/records/main_window.h"
 #include "ui/records/timers.h"
 #include "ui/screen/layout.h"
 #include "ui/upcalls_fill.h"
+#include "ui/wiring.h"
 
 namespace zv::test {
 

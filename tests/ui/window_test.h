@@ -9,7 +9,6 @@
 #include "tests/support/desktop.h"
 #include "tests/support/studio.h"
 #include "ui/records/jingle_buttons.h"
-#include "ui/records/main_window.h"
 
 namespace zv::test {
 

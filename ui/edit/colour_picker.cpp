@@ -1,27 +1,28 @@
-// The small window of 24 colours and the field that takes a colour away.
+#include "ui/edit/colour_picker.h"
+
 #include <array>
+#include <cstddef>
 #include <memory>
-#include <string>
 
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/state.h"
+#include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
-#include "ui/edit/edit_commands.h"
-#include "ui/edit/palette_list.h"
-#include "ui/press/press.h"
-#include "ui/records/jingle_buttons.h"
+#include "ui/edit/selection.h"
+#include "ui/edit/unsaved.h"
+#include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
-#include "ui/screen/colours.h"
+#include "ui/screen/button_faces.h"
+#include "ui/screen/highlight.h"
+#include "ui/screen/shaded.h"
 
 namespace zv {
-
-bool ColorPickerOpen = false;
 
 namespace {
 

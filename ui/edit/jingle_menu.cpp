@@ -1,10 +1,11 @@
-// The context menu of a jingle button, and that of several.
+#include "ui/edit/jingle_menu.h"
+
 #include <algorithm>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "engine/bass.h"
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/state.h"
@@ -13,13 +14,20 @@
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
-#include "ui/edit/edit_commands.h"
-#include "ui/edit/palette_list.h"
-#include "ui/press/press.h"
+#include "ui/edit/assign.h"
+#include "ui/edit/colour_picker.h"
+#include "ui/edit/move.h"
+#include "ui/edit/options.h"
+#include "ui/edit/relocate.h"
+#include "ui/edit/remove.h"
+#include "ui/edit/rename.h"
+#include "ui/edit/selection.h"
+#include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
-#include "ui/screen/colours.h"
-#include "ui/screen/layout.h"
+#include "ui/screen/button_faces.h"
+#include "ui/screen/captions.h"
+#include "ui/screen/shaded.h"
 
 namespace zv {
 
@@ -81,28 +89,6 @@ void colour() {
 }
 
 }  // namespace
-
-void ClearSelection() {
-    guarded("frmMain.mnuClr_Click", [] {
-        std::string captions;
-        for (const int i : SelJ) {
-            const JingleButton* b = Button(i);
-            captions += "\r\n" + (HasPlaylistMark(i, 'P') && b != nullptr ? b->b_Jingle.caption()
-                                                                          : btCaption(Jingle(i).Path));
-        }
-        if (messageBox(LnBox("mMsdb") + captions, "Zentrova", BoxKind::question, BoxButtons::yesNo) !=
-            BoxAnswer::yes) {
-            return;
-        }
-        for (const int i : SelJ) {
-            ClearButton(i);
-            if (JingleButton* b = Button(i)) {
-                b->picPlaylist.visible = false;
-            }
-        }
-        MarkPalToSave();
-    });
-}
 
 void OpenJingleMenu(int index) {
     guarded("frmMain.OpenJingleMenu", [&] {

@@ -1,65 +1,43 @@
 // The toggles of the panel and of the keys: arming, disarming, and what an armed option does to buttons.
-#include <array>
-#include <string>
+#include "ui/edit/options.h"
 
-#include "model/colours.h"
+#include <array>
+#include <cstddef>
+
 #include "model/jingle.h"
 #include "model/state.h"
+#include "platform/controls.h"
 #include "startup/guard.h"
 #include "startup/language.h"
 #include "startup/settings.h"
-#include "ui/edit/palette_list.h"
-#include "ui/press/press.h"
+#include "ui/edit/unsaved.h"
+#include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
-#include "ui/screen/colours.h"
-#include "ui/screen/layout.h"
+#include "ui/screen/button_faces.h"
+#include "ui/screen/highlight.h"
+#include "ui/screen/layout_strip.h"
 
 namespace zv {
 
-std::string OptionCode;
-std::string OptionControl;
-int LoopToggleStep = 0;
-
 namespace {
-
-bool playModeFits(const JingleRecord& j) { return !j.Path.empty() && j.Seq == 0; }
-bool filledAndThere(const JingleRecord& j) { return !j.Path.empty() && !j.MissingFile; }
 
 /// One of the six option toggles that work alike.
 struct Option {
     Control* toggle;
     const char* name;
     Colour base;
-    Colour shaded;
     const char* code;
-    bool (*fits)(const JingleRecord&);
 };
 
 std::array<Option, 6> options() {
     OptionsTab& t = frmMain().options;
-    return {{{&t.ckAutoRepI, "ckAutoRepI", settings.arColor, Shaded.ar, "ar", playModeFits},
-             {&t.ckTouchI, "ckTouchI", settings.tcColor, Shaded.tc, "tc", playModeFits},
-             {&t.ckPlayStopI, "ckPlayStopI", settings.psColor, Shaded.ps, "ps", playModeFits},
-             {&t.ckNoStopI, "ckNoStopI", settings.nsColor, Shaded.ns, "ns", playModeFits},
-             {&t.ckColorI, "ckColorI", settings.coColor, Shaded.co, "co", filledAndThere},
-             {&t.ckFXI, "ckFXI", settings.fxColor, Shaded.fx, "fx", filledAndThere}}};
-}
-
-void loopToggleAtRest() {
-    OptionsTab& t = frmMain().options;
-    LoopToggleStep = 0;
-    t.lp_LED.visible = true;
-    t.sq_LED.visible = true;
-    t.ckLoopI.caption = Ln("mckLoopI");
-    Disarm(t.ckLoopI);
-}
-
-void disarmAllOptions() {
-    for (const Option& o : options()) {
-        Disarm(*o.toggle);
-    }
-    loopToggleAtRest();
+    return {{{&t.ckAutoRepI, "ckAutoRepI", settings.arColor, "ar"},
+             {&t.ckTouchI, "ckTouchI", settings.tcColor, "tc"},
+             {&t.ckPlayStopI, "ckPlayStopI", settings.psColor, "ps"},
+             {&t.ckNoStopI, "ckNoStopI", settings.nsColor, "ns"},
+             {&t.ckColorI, "ckColorI", settings.coColor, "co"},
+             {&t.ckFXI, "ckFXI", settings.fxColor, "fx"}}};
 }
 
 void noOption() {
@@ -73,7 +51,7 @@ void pressOption(std::size_t which) {
     const Option& option = all[which];
     LastCtrl = option.name;
     const bool wasArmed = Armed(*option.toggle);
-    disarmAllOptions();
+    DisarmOptions();
     OptionControl = option.name;
     if (wasArmed) {
         noOption();
@@ -83,18 +61,8 @@ void pressOption(std::size_t which) {
     Disarm(frmMain().palettes.ckAssign);
     Arm(*option.toggle, option.base);
     SelectorsOn = true;
-    HighlightButtons(option.shaded, option.fits);
     OptionCode = option.code;
-}
-
-bool anyFits(const JingleRecord&) { return true; }
-
-void highlightAssignable() {
-    for (const int i : LiveJingles()) {
-        if (Button(i) != nullptr && !Jingle(i).Playing) {
-            PaintButton(i, Shaded.ass, GetForeColor(Shaded.ass, "jingle"));
-        }
-    }
+    HighlightArmed();
 }
 
 /// After an option was applied: it is spent.
@@ -108,7 +76,7 @@ void optionSpent(Control& toggle) {
 void setPlayMode(PlayMode mode, Control& toggle) {
     for (const int i : SelJ) {
         JingleRecord& j = Jingle(i);
-        if (!filledAndThere(j)) {
+        if (j.Path.empty() || j.MissingFile) {
             continue;
         }
         j.PlayMod = j.PlayMod == mode ? PlayMode::global : mode;
@@ -125,42 +93,6 @@ void showLoopMarks(int index) {
 }
 
 }  // namespace
-
-bool Armed(const Control& toggle) { return toggle.backColor != BtnFaceColor; }
-
-void Arm(Control& toggle, Colour colour) {
-    toggle.backColor = colour;
-    toggle.foreColor = GetForeColor(colour);
-}
-
-void Disarm(Control& toggle) {
-    toggle.backColor = BtnFaceColor;
-    toggle.foreColor = BtnForeColor;
-}
-
-void HighlightButtons(Colour shaded, bool (*fits)(const JingleRecord&)) {
-    for (const int i : LiveJingles()) {
-        if (Button(i) == nullptr) {
-            continue;
-        }
-        const JingleRecord& j = Jingle(i);
-        const Colour back = fits(j) ? shaded : BtnFaceColor;
-        PaintButton(i, back, j.MissingFile ? kMissingColour : GetForeColor(back, "jingle"));
-    }
-}
-
-void HighlightArmed() {
-    if (OptionCode == "ass") {
-        highlightAssignable();
-    } else if (OptionCode == "lp" || OptionCode == "sq") {
-        HighlightButtons(OptionCode == "lp" ? Shaded.lp : Shaded.sq, anyFits);
-    }
-    for (const Option& option : options()) {
-        if (OptionCode == option.code) {
-            HighlightButtons(option.shaded, option.fits);
-        }
-    }
-}
 
 void ckAutoRepI_MouseDown() {
     guarded(".ckAutoRepI_MouseDown", [] { pressOption(0); });
@@ -198,7 +130,7 @@ void ckLoopITog() {
             Arm(t.ckLoopI, settings.lpColor);
             SelectorsOn = true;
             OptionCode = "lp";
-            HighlightButtons(Shaded.lp, anyFits);
+            HighlightArmed();
         } else if (LoopToggleStep == 1) {
             LoopToggleStep = 2;
             t.sq_LED.visible = true;
@@ -207,9 +139,9 @@ void ckLoopITog() {
             Arm(t.ckLoopI, settings.sqColor);
             SelectorsOn = true;
             OptionCode = "sq";
-            HighlightButtons(Shaded.sq, anyFits);
+            HighlightArmed();
         } else {
-            loopToggleAtRest();
+            LoopToggleAtRest();
             noOption();
             ResetJingles();
         }
@@ -221,7 +153,7 @@ void CkAssignTog() {
         Control& assign = frmMain().palettes.ckAssign;
         LastCtrl = "ckAssign";
         const bool arm = !Armed(assign);
-        disarmAllOptions();
+        DisarmOptions();
         noOption();
         if (!arm) {
             Disarm(assign);
@@ -231,7 +163,7 @@ void CkAssignTog() {
         Arm(assign, settings.assColor);
         SelectorsOn = true;
         OptionCode = "ass";
-        highlightAssignable();
+        HighlightArmed();
     });
 }
 
@@ -240,43 +172,12 @@ void ckTab_MouseDown(int tab) {
         if (Armed(frmMain().palettes.ckAssign)) {
             CkAssignTog();
         }
-        disarmAllOptions();
+        DisarmOptions();
         OptionCode.clear();
         OptionControl.clear();
         SelectorsOn = false;
         ResetJingles();
         ChangeTab(tab);
-    });
-}
-
-void ResetJingles(int except) {
-    guarded("modClick.ResetJingles", [&] {
-        SelectorsOn = false;
-        for (const int i : LiveJingles()) {
-            if (i == except || Button(i) == nullptr || Jingle(i).Playing) {
-                continue;
-            }
-            Colour back = 0;
-            Colour fore = 0;
-            RestColours(i, back, fore);
-            PaintButton(i, back, fore);
-        }
-    });
-}
-
-void ResetOption() {
-    guarded("modClick.ResetOption", [] {
-        if (LastCtrl.empty()) {
-            return;
-        }
-        disarmAllOptions();
-        MainWindow& w = frmMain();
-        Disarm(w.palettes.ckAssign);
-        LastCtrl.clear();
-        const Control& key = w.announcer.b_tmAnJin;
-        if (key.caption() == Ln("mb_tmAnJin") && key.backColor == settings.assColor) {
-            SelectorsOn = false;
-        }
     });
 }
 
@@ -301,7 +202,7 @@ void clLoopSet(int) {
             j.Loop = j.Loop == 0 ? 1 : 0;
             showLoopMarks(i);
         }
-        loopToggleAtRest();
+        LoopToggleAtRest();
         optionSpent(frmMain().options.ckLoopI);
     });
 }
@@ -318,8 +219,18 @@ void clSeqSet(int) {
             ShowPlayModeMark(i);
             showLoopMarks(i);
         }
-        loopToggleAtRest();
+        LoopToggleAtRest();
         optionSpent(frmMain().options.ckLoopI);
+    });
+}
+
+void clFXSet(int) {
+    guarded("modClick.clFXSet", [] {
+        // The jingle editor is not there yet: the option is given back unspent.
+        Disarm(frmMain().options.ckFXI);
+        OptionControl.clear();
+        OptionCode.clear();
+        ResetJingles();
     });
 }
 

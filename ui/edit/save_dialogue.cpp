@@ -1,21 +1,23 @@
-// Saving: the mark of the display, the timer behind it, and the dialogue that names a palette.
+#include "ui/edit/save_dialogue.h"
+
 #include <string>
 
 #include "model/palette_files.h"
 #include "model/state.h"
+#include "platform/controls.h"
 #include "platform/desktop.h"
-#include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "ui/edit/colour_picker.h"
 #include "ui/edit/palette_list.h"
-#include "ui/press/press.h"
+#include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
-#include "ui/screen/colours.h"
-#include "ui/screen/counter.h"
-#include "ui/screen/layout.h"
+#include "ui/screen/error_mark.h"
+#include "ui/screen/highlight.h"
+#include "ui/screen/layout_strip.h"
 
 namespace zv {
 
@@ -78,11 +80,6 @@ void open(int mode) {
 }
 
 }  // namespace
-
-void MarkPalToSave() {
-    ErrDisp("save", 0, Ln("mPalToSave"));
-    PalToSave = true;
-}
 
 void SavePal(int mode) {
     guarded("frmMain.SavePal", [&] {

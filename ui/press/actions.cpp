@@ -1,6 +1,7 @@
 #include "ui/press/actions.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 
 #include "audio/devices.h"
@@ -8,19 +9,25 @@
 #include "model/actions.h"
 #include "model/jingle.h"
 #include "model/state.h"
+#include "platform/controls.h"
 #include "platform/desktop.h"
+#include "platform/timers.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
-#include "ui/edit/edit_commands.h"
-#include "ui/edit/palette_list.h"
+#include "ui/edit/options.h"
+#include "ui/edit/palette_steps.h"
+#include "ui/edit/save_dialogue.h"
+#include "ui/edit/selection.h"
+#include "ui/press/exit_key.h"
 #include "ui/press/global_keys.h"
 #include "ui/press/keyboard.h"
 #include "ui/press/press.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
 #include "ui/screen/layout.h"
+#include "ui/screen/layout_strip.h"
 #include "ui/windows/console_window.h"
 #include "ui/windows/shortcuts_window.h"
 
@@ -229,7 +236,7 @@ bool act(Action action, int argument, int velocity) {
             return true;
         case Action::close:
             timers().TimerShutDown.stop();
-            UnloadMain(0);
+            UnloadMain(kClosedByUser);
             return true;
     }
     return false;

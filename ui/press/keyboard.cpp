@@ -1,24 +1,21 @@
-// The window's keys, and the Exit key.
 #include "ui/press/keyboard.h"
 
 #include "model/actions.h"
 #include "model/state.h"
+#include "platform/controls.h"
 #include "platform/desktop.h"
+#include "platform/jobs.h"
 #include "startup/guard.h"
 #include "startup/settings.h"
-#include "startup/stores.h"
-#include "ui/edit/palette_list.h"
+#include "ui/edit/palette_steps.h"
 #include "ui/records/key_table.h"
 #include "ui/records/main_window.h"
-#include "ui/records/timers.h"
 #include "ui/screen/layout.h"
 
 namespace zv {
 
 namespace {
 
-constexpr int kFromCode = 1;  // reason of closing: asked for by the program
-constexpr int kByUser = 0;
 constexpr int kWindowModes = 2;  // normal window, full screen
 
 /// Keys belong to the text while one is typed.
@@ -98,46 +95,6 @@ void ChangeWindowMode() {
         settings.WindowMode = settings.FullScreen == 1 ? kWindowModes : 0;
         setFullScreen(frmMain().window, settings.FullScreen == 1);
         FormDraw();
-    });
-}
-
-void btExit_MouseDown(const MouseEvent& event) {
-    guarded(".btExit_MouseDown", [&] {
-        if (event.button == MouseButton::left && settings.HoldExitToShutDown == 1) {
-            timers().TimerShutDown.restart();
-        }
-    });
-}
-
-void btExit_MouseUp(const MouseEvent& event) {
-    guarded(".btExit_MouseUp", [&] {
-        timers().TimerShutDown.stop();
-        if (event.button != MouseButton::right) {
-            UnloadMain(kByUser);
-        }
-    });
-}
-
-void TimerShutDownTick() {
-    guarded("frmMain.TimerShutDown_Timer", [] {
-        timers().TimerShutDown.stop();
-        settings.ConfirmExit = 0;
-        settings.ShutdownOnQuit = 1;
-        KeepOutOfFile("ConfirmExit");
-        KeepOutOfFile("ShutdownOnQuit");
-        UnloadMain(kFromCode);
-    });
-}
-
-void UnloadMain(int reason) {
-    guarded("frmMain.Unload", [&] {
-        Control& window = frmMain().window;
-        if (Unloading || (window.onQueryClose && !window.onQueryClose(reason))) {
-            return;
-        }
-        if (window.onClose) {
-            window.onClose();
-        }
     });
 }
 

@@ -1,20 +1,21 @@
-// The poll of the modifier keys and what it shows on the display.
+#include "ui/press/modifiers.h"
+
 #include <algorithm>
 #include <array>
 #include <string>
+#include <string_view>
 
-#include "model/jingle.h"
 #include "model/state.h"
+#include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "ui/edit/edit_commands.h"
-#include "ui/press/press.h"
+#include "ui/edit/selection.h"
+#include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 
 namespace zv {
 
-bool SelectorsShown = false;
 bool SelectorsSuppressed = false;
 bool PrevCtrlDown = false, PrevShiftDown = false;
 bool DeletePromptOn = true;

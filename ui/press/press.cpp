@@ -1,24 +1,32 @@
-// What a press on a jingle button means.
 #include "ui/press/press.h"
 
+#include <string>
+#include <string_view>
+
 #include "audio/play.h"
-#include "audio/streams.h"
-#include "engine/bass.h"
 #include "model/jingle.h"
 #include "model/state.h"
+#include "platform/controls.h"
 #include "platform/desktop.h"
-#include "startup/errors.h"
 #include "startup/guard.h"
-#include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
-#include "ui/edit/edit_commands.h"
-#include "ui/edit/palette_list.h"
+#include "ui/edit/assign.h"
+#include "ui/edit/colour_picker.h"
+#include "ui/edit/jingle_menu.h"
+#include "ui/edit/move.h"
+#include "ui/edit/options.h"
+#include "ui/edit/palette_steps.h"
+#include "ui/edit/relocate.h"
+#include "ui/edit/remove.h"
+#include "ui/edit/rename.h"
+#include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
-#include "ui/screen/colours.h"
-#include "ui/screen/counter.h"
-#include "ui/screen/layout.h"
+#include "ui/screen/button_faces.h"
+#include "ui/screen/captions.h"
+#include "ui/screen/layout_strip.h"
+#include "ui/screen/shaded.h"
 
 namespace zv {
 

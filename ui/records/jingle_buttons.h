@@ -1,7 +1,7 @@
 /// The families of jingle buttons: 120 at most, made when the grid first needs them and never destroyed.
 #pragma once
 
-#include <string>
+#include <functional>
 
 #include "platform/controls.h"
 
@@ -28,24 +28,7 @@ struct JingleButton {
 JingleButton* Button(int index);
 /// The same, made when it is missing. [control]
 JingleButton& MakeButton(int index);
-/// Shows or hides the button itself (its parts go with it).
-void ShowButton(int index, bool visible);
-/// Hides the marks of a slot's state (loop, sequence, effects, play mode).
-void HideMarks(int index);
-/// Shows the marks of a filled slot from its record.
-void ShowMarks(int index);
-/// Back and text colour at once; nothing when the button is not there.
-void PaintButton(int index, Colour back, Colour fore);
-/// What the button tells beside its colours: whether it sounds, and for whom, or why it cannot.
-void ShowState(int index, bool sounds);
-/// The text of a button from its record: with the duration above it when JDispDuration is 1. A slot that
-/// failed to open shows MakeBJingName. Empty for an empty slot.
-std::string ButtonText(int index);
-/// The colour that a silent button wants: red text when its file is missing.
-void RestColours(int index, Colour& back, Colour& fore);
-/// True when the small field is shown with this letter ("P" plays a playlist, "K" is held by one).
-bool HasPlaylistMark(int index, char letter);
-
-inline constexpr Colour kMissingColour = 255;  ///< red
+/// Called for each button that is made, with its index: colours and handlers come from there.
+extern std::function<void(int index)> buttonMade;
 
 }  // namespace zv

@@ -1,5 +1,10 @@
 #include "ui/records/key_table.h"
 
+#include <vector>
+
+#include "model/actions.h"
+#include "platform/controls.h"
+#include "startup/settings.h"
 #include "ui/records/main_window.h"
 
 namespace zv {

@@ -1,5 +1,11 @@
 #include "ui/records/main_window.h"
 
+#include <array>
+#include <cstddef>
+#include <string>
+
+#include "platform/controls.h"
+
 namespace zv {
 
 namespace {

@@ -1,10 +1,9 @@
 /// The main window's controls as records, grouped as they stand on the screen. They are made at the first
 /// call of frmMain() and live for the whole run; their places come from layout.h, their colours from
-/// colours_ui.h.
+/// colours.h.
 #pragma once
 
 #include <array>
-#include <string>
 
 #include "platform/controls.h"
 
@@ -92,23 +91,5 @@ struct MainWindow {
 
 /// The one main window. [control]
 MainWindow& frmMain();
-
-/// Fills the controls from the loaded settings and makes the button families; the one window that this room
-/// has is "frmMain", other names do nothing. [control]
-void FormsLoad(const std::string& window);
-
-/// Fonts, sizes of the digits, smallest window size. [control]
-void Form_Load();
-/// Asks whether the window may close and saves the settings when it may. [control]
-bool Form_QueryUnload(int reason);
-/// Called by Form_Unload (the entry) for the window's part: pending moves dropped, layout work off, window
-/// hidden.
-void frmMainUnload();
-
-/// Notes place and size of the window in the settings; a minimised or full window keeps what was noted.
-void TimerMainPosTick();
-
-inline constexpr int MinWinWidth = 790;   ///< pixels
-inline constexpr int MinWinHeight = 590;  ///< pixels
 
 }  // namespace zv

@@ -1,6 +1,7 @@
 #include "ui/screen/apply_text.h"
 
-#include <cctype>
+#include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "platform/controls.h"

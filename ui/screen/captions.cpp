@@ -1,9 +1,12 @@
-// The texts on the buttons: from a path to a caption, with the duration above it.
+#include "ui/screen/captions.h"
+
+#include <algorithm>
 #include <array>
-#include <cstdint>
+#include <cmath>
+#include <cstddef>
+#include <cstdio>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "model/jingle.h"
 #include "model/state.h"
@@ -13,8 +16,6 @@
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "ui/records/jingle_buttons.h"
-#include "ui/screen/counter.h"
-#include "ui/screen/layout.h"
 
 namespace zv {
 
@@ -142,6 +143,8 @@ std::size_t characters(std::string_view text) {
     return n;
 }
 
+constexpr int kSecondsPerMinute = 60;
+
 }  // namespace
 
 std::string btCaption(const std::string& path) {
@@ -161,6 +164,27 @@ std::string btCaption(const std::string& path) {
 
 std::string MakeBJingName(const std::string& error, const std::string& path) {
     return btCaption(path) + "\r\n" + LnBox("ErrorHover") + "\r\n" + error;
+}
+
+std::string seconds2msd(double seconds) {
+    const double tenths = std::floor(std::nearbyint((seconds + 0.05) * 100) / 100 * 10 + 1e-9) / 10;
+    const int whole = static_cast<int>(tenths);
+    const int minutes = whole / kSecondsPerMinute;
+    const int tenth = static_cast<int>(std::lround(tenths * 10)) % 10;
+    char text[48];
+    if (minutes > 0) {
+        std::snprintf(text, sizeof text, "%d:%02d.%d", minutes, whole - minutes * kSecondsPerMinute, tenth);
+    } else {
+        std::snprintf(text, sizeof text, "%d.%d", whole, tenth);
+    }
+    return text;
+}
+
+std::string seconds2msd(std::string_view value) {
+    if (value.empty()) {
+        return {};
+    }
+    return seconds2msd(ToNumber(value).value_or(0));
 }
 
 std::string ButtonText(int index) {

@@ -2,18 +2,23 @@
 
 #include <array>
 #include <cctype>
-#include <cstdio>
+#include <cstddef>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "audio/devices.h"
 #include "model/state.h"
+#include "platform/clock.h"
+#include "platform/controls.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
-#include "ui/screen/counter.h"
+#include "ui/screen/digits.h"
+#include "ui/screen/warning.h"
 
 namespace zv {
 

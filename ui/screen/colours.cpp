@@ -4,17 +4,19 @@
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/state.h"
+#include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/settings.h"
-#include "ui/press/press.h"
+#include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
+#include "ui/screen/button_faces.h"
+#include "ui/screen/highlight.h"
+#include "ui/screen/shaded.h"
 
 namespace zv {
-
-ShadedColours Shaded;
 
 namespace {
 
@@ -22,26 +24,6 @@ constexpr Colour kStopRed = 0x2020B0;  // the one red key
 constexpr Colour kWhite = 0xFFFFFF;
 constexpr Colour kLightBorder = 0x808080;
 constexpr Colour kLightLine = 0xC3BFBB;
-
-void computeShaded() {
-    const int offset = settings.ShadeOffsetVal;
-    const auto shade = [&](Colour colour) { return ShadeColor(colour, offset); };
-    Shaded.lp = shade(settings.lpColor);
-    Shaded.sq = shade(settings.sqColor);
-    Shaded.fx = shade(settings.fxColor);
-    Shaded.co = shade(settings.coColor);
-    Shaded.ar = shade(settings.arColor);
-    Shaded.tc = shade(settings.tcColor);
-    Shaded.ps = shade(settings.psColor);
-    Shaded.ns = shade(settings.nsColor);
-    Shaded.ta = shade(settings.taColor);
-    Shaded.am = shade(settings.amColor);
-    Shaded.am2 = shade(0xFFFFFF - settings.amColor);
-    Shaded.ass = shade(settings.assColor);
-    Shaded.sp = shade(settings.spColor);
-    Shaded.to = shade(settings.toColor);
-    Shaded.mo = shade(settings.moColor);
-}
 
 void paintLeds() {
     OptionsTab& t = frmMain().options;
@@ -184,37 +166,9 @@ void ShowGlobalToggles() {
     show(k.ckAutoMix, settings.AutoMix != 0, settings.AutoMix == 1 ? Shaded.am : Shaded.am2);
 }
 
-void ShowPlayModeMark(int index) {
-    JingleButton* b = Button(index);
-    if (b == nullptr) {
-        return;
-    }
-    const JingleRecord& j = Jingle(index);
-    const bool filled = !j.Path.empty();
-    Colour colour = 0;
-    switch (j.PlayMod) {
-        case PlayMode::global:
-            break;
-        case PlayMode::autoRepeat:
-            colour = Shaded.ar;
-            break;
-        case PlayMode::touch:
-            colour = Shaded.tc;
-            break;
-        case PlayMode::playStop:
-            colour = Shaded.ps;
-            break;
-        case PlayMode::noStop:
-            colour = Shaded.ns;
-            break;
-    }
-    b->pm_Jingle.foreColor = colour;
-    b->pm_Jingle.visible = filled && j.PlayMod != PlayMode::global && j.Seq == 0;
-}
-
 void ReColorizeBtn() {
     guarded("frmMain.ReColorizeBtn", [] {
-        computeShaded();
+        ComputeShaded();
         paintLeds();
         paintToggles();
         for (int i = 0; i < kJingles; ++i) {

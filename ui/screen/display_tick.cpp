@@ -1,31 +1,30 @@
-// The tick that asks every channel how it is, paints the buttons and finds the smallest time left.
+#include "ui/screen/display_tick.h"
+
 #include <algorithm>
 #include <cmath>
-#include <vector>
+#include <cstddef>
 
 #include "audio/duck.h"
-#include "audio/streams.h"
-#include "engine/bass.h"
+#include "audio/sounding.h"
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/state.h"
+#include "platform/controls.h"
+#include "platform/timers.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/settings.h"
-#include "startup/stores.h"
-#include "ui/press/press.h"
 #include "ui/records/jingle_buttons.h"
-#include "ui/records/main_window.h"
 #include "ui/records/timers.h"
-#include "ui/screen/colours.h"
+#include "ui/screen/button_faces.h"
 #include "ui/screen/counter.h"
+#include "ui/screen/digits.h"
+#include "ui/screen/shaded.h"
+#include "ui/screen/warning.h"
 
 namespace zv {
 
-std::string DispText = "0";
 double MinDuration = 0;
-bool BlinkTestOn = false;
-bool BlinkPhase = false;
 
 namespace {
 
@@ -39,8 +38,6 @@ void takeSmaller(double& least, double left) {
         least = left;
     }
 }
-
-double hundredths(double seconds) { return std::floor(seconds * 100 + 0.5) / 100; }
 
 /// Number field and small field follow the button's colours.
 void followColours(JingleButton& b) {
@@ -73,25 +70,10 @@ void silentButton(int i, JingleButton& b) {
     ShowState(i, false);
 }
 
-void silentRecord(int i) {
-    JingleRecord& j = Jingle(i);
-    j.State = PlayState::idle;
-    j.Playing = false;
-    if (j.hPlay != 0) {
-        BASS_FXReset(j.hPlay);
-    }
-    if (j.PlayingOtherPal) {
-        j.PlayingOtherPal = false;
-        const bool hot = i >= kPaletteSlots;
-        openNames(i, hot ? kHotSection : settings.PaletteIndex, hot);
-        openStreams(i);
-    }
-}
-
 /// Paints a sounding button and its bar; returns its time left in seconds.
-double soundingButton(int i, JingleButton& b, DWORD active) {
+double soundingButton(int i, JingleButton& b) {
     const JingleRecord& j = Jingle(i);
-    if (active == BASS_ACTIVE_PLAYING && b.b_Jingle.backColor != settings.PlayingColor && !SelectorsOn) {
+    if (b.b_Jingle.backColor != settings.PlayingColor && !SelectorsOn && Plays(i)) {
         if (j.PlayingOtherPal) {
             b.b_Jingle.backColor = settings.PlayingColorAnotherPal;
             b.b_Jingle.foreColor = GetForeColor(settings.PlayingColorAnotherPal, "");
@@ -103,24 +85,15 @@ double soundingButton(int i, JingleButton& b, DWORD active) {
     followColours(b);
     ShowState(i, true);
 
-    const auto length = static_cast<double>(BASS_ChannelGetLength(j.hPlay, BASS_POS_BYTE));
-    const auto position = static_cast<double>(BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE));
-    const auto seconds = [&](double bytes) {
-        return BASS_ChannelBytes2Seconds(j.hPlay, static_cast<QWORD>(std::max(0.0, bytes)));
-    };
-    const double duration = seconds(length - j.CueStart - j.EndOffset);
-    MinDuration = std::min(MinDuration, duration);
-    double left = hundredths(seconds(length - position - j.EndOffset));
-    if (left < kSpent) {
-        left = 0;
-    }
-    if (!BlinkTestOn && left > settings.RemainWarn) {
+    const PlayTime time = PlayTimeOf(i);
+    MinDuration = std::min(MinDuration, time.duration);
+    if (!BlinkTestOn && time.left > settings.RemainWarn) {
         b.JRemLev.backColor = settings.JRemLevCol;
     }
     const int full = b.b_Jingle.width() - kBarMargin;
-    const double share = duration > 0 ? std::min(1.0, left / duration) : 0;
+    const double share = time.duration > 0 ? std::min(1.0, time.left / time.duration) : 0;
     b.JRemLev.width = std::abs(GetMultipleOf(static_cast<int>(full * share), kTwipsPerPixel));
-    return left;
+    return time.left;
 }
 
 /// Bars that had just blinked away.
@@ -153,15 +126,6 @@ void warn() {
 
 }  // namespace
 
-WarnStep WarningFor(double remain, double minDuration, double remainWarn, bool warnAll, bool blinkRuns) {
-    const bool near = remain <= remainWarn;
-    const bool wanted = near && (warnAll || minDuration > remainWarn);
-    if (wanted == blinkRuns) {
-        return WarnStep::leave;
-    }
-    return wanted ? WarnStep::start : WarnStep::stop;
-}
-
 void TimerDispAndJButtonsTick() {
     guarded("frmMain.TimerDispAndJButtons_Timer", [] {
         double least = 0;
@@ -175,14 +139,12 @@ void TimerDispAndJButtonsTick() {
             guarded("frmMain.TimerDispAndJButtons_Timer", [&] {
                 DispLoopIdx = i;
                 JingleButton& b = *Button(i);
-                const JingleRecord& j = Jingle(i);
-                const DWORD active = j.hPlay == 0 ? BASS_ACTIVE_STOPPED : BASS_ChannelIsActive(j.hPlay);
-                if (active == BASS_ACTIVE_STOPPED) {
+                if (!Sounds(i)) {
                     silentButton(i, b);
-                    silentRecord(i);
+                    PlayEnded(i);
                     return;
                 }
-                const double left = soundingButton(i, b, active);
+                const double left = soundingButton(i, b);
                 takeSmaller(least, left);
                 DuckTickJingle(i, left);
             });

@@ -1,30 +1,27 @@
-// FormDraw and the making of buttons.
 #include "ui/screen/layout.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
 
-#include "audio/devices.h"
 #include "audio/streams.h"
 #include "model/jingle.h"
 #include "model/state.h"
+#include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
 #include "startup/trace.h"
-#include "ui/edit/palette_list.h"
-#include "ui/press/press.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
+#include "ui/screen/button_faces.h"
 #include "ui/screen/clock.h"
-#include "ui/screen/layout_parts.h"
+#include "ui/screen/layout_grid.h"
+#include "ui/screen/layout_strip.h"
 
 namespace zv {
-
-int JGap = kGap;
-int JOuterGap = 0;
-int ActiveTab = 0;
 
 namespace {
 
@@ -222,22 +219,6 @@ void DrawJButtons(int load) {
             }
         }
         unlockUpdates();
-    });
-}
-
-void ChangeTab(int tab) {
-    guarded("frmMain.ChangeTab", [&] {
-        if (settings.MinimalView == 1 || tab < 0 || tab >= kTabs) {
-            return;
-        }
-        ResetOption();
-        ActiveTab = tab;
-        TabDraw(tab);
-        MainWindow& w = frmMain();
-        for (int i = 0; i < kTabs; ++i) {
-            w.ckTab[static_cast<std::size_t>(i)].value = i == tab ? 1 : 0;
-            w.fraTab[static_cast<std::size_t>(i)].visible = i == tab;
-        }
     });
 }
 

@@ -1,15 +1,19 @@
-// The grid of jingle buttons and the hot block: arithmetic first, then the records.
+#include "ui/screen/layout_grid.h"
+
 #include <algorithm>
+#include <string_view>
 
 #include "model/jingle.h"
+#include "platform/controls.h"
 #include "startup/helpers.h"
 #include "startup/settings.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
-#include "ui/screen/layout.h"
-#include "ui/screen/layout_parts.h"
 
 namespace zv {
+
+int JGap = kGap;
+int JOuterGap = 0;
 
 namespace {
 

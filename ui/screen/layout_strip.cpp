@@ -1,15 +1,20 @@
-// The control strip above the grid: display, tabs, keys; and the meters.
+#include "ui/screen/layout_strip.h"
+
 #include <algorithm>
+#include <cstddef>
 #include <initializer_list>
 #include <string>
 
+#include "platform/controls.h"
+#include "startup/guard.h"
 #include "startup/settings.h"
+#include "ui/records/armed.h"
 #include "ui/records/main_window.h"
-#include "ui/screen/layout.h"
-#include "ui/screen/layout_parts.h"
 #include "ui/screen/meters.h"
 
 namespace zv {
+
+int ActiveTab = 0;
 
 namespace {
 
@@ -208,6 +213,22 @@ void TabDraw(int tab) {
             optionsTab(area);
             break;
     }
+}
+
+void ChangeTab(int tab) {
+    guarded("frmMain.ChangeTab", [&] {
+        if (settings.MinimalView == 1 || tab < 0 || tab >= kTabs) {
+            return;
+        }
+        ResetOption();
+        ActiveTab = tab;
+        TabDraw(tab);
+        MainWindow& w = frmMain();
+        for (int i = 0; i < kTabs; ++i) {
+            w.ckTab[static_cast<std::size_t>(i)].value = i == tab ? 1 : 0;
+            w.fraTab[static_cast<std::size_t>(i)].visible = i == tab;
+        }
+    });
 }
 
 void DrawDisplay() {

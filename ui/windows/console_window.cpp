@@ -1,10 +1,11 @@
 #include "ui/windows/console_window.h"
 
+#include <cstddef>
 #include <deque>
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/upcalls.h"

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"

@@ -1,9 +1,12 @@
 #include "ui/windows/shortcuts_window.h"
 
 #include <algorithm>
-#include <array>
+#include <cstddef>
+#include <memory>
 #include <string>
+#include <vector>
 
+#include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"

@@ -1,5 +1,9 @@
 #include "ui/windows/splash.h"
 
+#include <cstddef>
+#include <vector>
+
+#include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/settings.h"
 #include "startup/trace.h"

@@ -1,0 +1,64 @@
+#include "audio/sounding.h"
+
+#include <cmath>
+#include <cstdint>
+
+#include "audio/streams.h"
+#include "engine/bass.h"
+#include "model/jingle.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+
+namespace zv {
+
+namespace {
+
+constexpr double kSpent = 0.1;  // s: less than this counts as at its end
+
+double hundredths(double seconds) { return std::floor(seconds * 100 + 0.5) / 100; }
+
+}  // namespace
+
+bool Sounds(int index) {
+    const std::uint32_t channel = Jingle(index).hPlay;
+    return channel != 0 && BASS_ChannelIsActive(channel) != BASS_ACTIVE_STOPPED;
+}
+
+bool Plays(int index) {
+    const std::uint32_t channel = Jingle(index).hPlay;
+    return channel != 0 && BASS_ChannelIsActive(channel) == BASS_ACTIVE_PLAYING;
+}
+
+PlayTime PlayTimeOf(int index) {
+    const JingleRecord& j = Jingle(index);
+    const auto length = static_cast<double>(BASS_ChannelGetLength(j.hPlay, BASS_POS_BYTE));
+    const auto position = static_cast<double>(BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE));
+    const auto seconds = [&](double bytes) {
+        return BASS_ChannelBytes2Seconds(j.hPlay, BytePosition(bytes));
+    };
+    PlayTime time;
+    time.duration = seconds(length - j.CueStart - j.EndOffset);
+    time.left = hundredths(seconds(length - position - j.EndOffset));
+    if (time.left < kSpent) time.left = 0;
+    return time;
+}
+
+bool InLoop(int index) {
+    const JingleRecord& j = Jingle(index);
+    const auto at = static_cast<double>(BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE));
+    return at >= j.LoopIn && at <= j.LoopOut;
+}
+
+void PlayEnded(int index) {
+    JingleRecord& j = Jingle(index);
+    j.State = PlayState::idle;
+    j.Playing = false;
+    if (j.hPlay != 0) BASS_FXReset(j.hPlay);
+    if (!j.PlayingOtherPal) return;
+    j.PlayingOtherPal = false;
+    const bool hot = index >= kPaletteSlots;
+    openNames(index, hot ? kHotSection : settings.PaletteIndex, hot);
+    openStreams(index);
+}
+
+}  // namespace zv

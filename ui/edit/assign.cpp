@@ -1,0 +1,86 @@
+#include "ui/edit/assign.h"
+
+#include <cstdint>
+#include <string>
+
+#include "audio/streams.h"
+#include "model/jingle.h"
+#include "model/state.h"
+#include "platform/desktop.h"
+#include "startup/guard.h"
+#include "startup/helpers.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "ui/edit/unsaved.h"
+#include "ui/records/armed.h"
+#include "ui/records/main_window.h"
+#include "ui/screen/button_faces.h"
+#include "ui/screen/highlight.h"
+
+namespace zv {
+
+namespace {
+
+bool supported(const std::string& path) { return IsSoundExtension(GetFileExt(GetFileName(path))); }
+
+}  // namespace
+
+void clAssign(int index) {
+    guarded("modClick.clAssign", [&] {
+        JingleRecord& j = Jingle(index);
+        if (j.Playing) {
+            return;
+        }
+        MainWindow& w = frmMain();
+        Disarm(w.palettes.ckAssign);
+        ResetOption();
+        ResetJingles();
+        OptionCode.clear();
+        if (!FolderExists(settings.SampleDir)) {
+            MkDirs(settings.SampleDir);
+        }
+        std::string path = ClipPath;
+        if (path.empty()) {
+            path = openFileDialog(Ln("mDlgAsBu"), settings.LastcmDlgDir, FileFilter());
+            if (path.empty()) {
+                return;
+            }
+            settings.LastcmDlgDir = GetPath(path);
+        }
+        if (path.empty() || !supported(path)) {
+            return;
+        }
+        const DisplayControls& d = w.display;
+        const bool pasting = d.lblDispMessage.visible && d.lblDispMessage.caption() == Ln("mlblSelBtarget");
+        const std::string effects = pasting ? j.FXV : std::string();
+        FreeJingle(index);
+        ClearRecord(index);
+        j.Path = path;
+        j.FXV = effects;
+        j.LogFadeOut = static_cast<std::uint8_t>(settings.LogFadeOut);
+        HideMarks(index);
+        ShowPlayModeMark(index);
+        PaintButton(index, BtnFaceColor, JingleForeColor);
+        openStreams(index);
+        ClipPath.clear();
+        MarkPalToSave();
+    });
+}
+
+void b_Jingle_OLEDragDrop(int index, const std::string& path) {
+    guarded(".b_Jingle_OLEDragDrop", [&] {
+        if (path.empty()) {
+            messageBox(LnBox("mNoClipB"), "Zentrova", BoxKind::information, BoxButtons::ok);
+            return;
+        }
+        if (Jingle(index).State != PlayState::idle || !supported(path)) {
+            return;
+        }
+        settings.LastcmDlgDir = GetPath(path);
+        ClipPath = path;
+        clAssign(index);
+        ClipPath.clear();
+    });
+}
+
+}  // namespace zv

@@ -1,0 +1,13 @@
+/// Putting a sound file on a button. [control]
+#pragma once
+
+#include <string>
+
+namespace zv {
+
+/// Assigns ClipPath, or a file that the user chooses. A command that its guard refuses says nothing.
+void clAssign(int index);
+/// A file let go over a button.
+void b_Jingle_OLEDragDrop(int index, const std::string& path);
+
+}  // namespace zv

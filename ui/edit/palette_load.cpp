@@ -1,0 +1,69 @@
+#include "ui/edit/palette_load.h"
+
+#include <string>
+
+#include "audio/streams.h"
+#include "model/jingle.h"
+#include "platform/controls.h"
+#include "platform/desktop.h"
+#include "startup/errors.h"
+#include "startup/guard.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "ui/edit/selection.h"
+#include "ui/records/main_window.h"
+#include "ui/records/timers.h"
+#include "ui/screen/error_mark.h"
+
+namespace zv {
+
+namespace {
+
+constexpr int kLongestWait = 50;  // ticks of TimerLoadPal
+
+}  // namespace
+
+bool PaletteOpening = false;
+int PalLoadIdx = 0;
+
+void TimerLoadPalTick() {
+    guarded("frmMain.TimerLoadPal_Timer", [] {
+        timers().TimerLoadPal.stop();
+        if (settings.PaletteIndex.empty()) {
+            return;
+        }
+        // Events run while a palette is opened slot by slot: two loads must not mix their slots.
+        static int waited = 0;
+        if (PaletteOpening && waited < kLongestWait) {
+            ++waited;
+            timers().TimerLoadPal.restart();
+            return;
+        }
+        waited = 0;
+        PaletteOpening = false;
+        ErrDisp("wait", 0, Ln("errLoadPal"));
+        HideSelectors();
+        if (settings.MinimalView == 1) {
+            for (Control& mark : frmMain().display.lblPlayMode) {
+                mark.visible = true;
+            }
+        }
+        const std::string opening = settings.PaletteIndex;
+        while (PalLoadIdx <= LastPalIdx) {
+            const int i = PalLoadIdx++;
+            guarded("frmMain.TimerLoadPal_Timer", [&] {
+                openNames(i, opening, false);
+                openStreams(i);
+            });
+            processEvents();
+            if (opening != settings.PaletteIndex || timers().TimerLoadPal.enabled()) {
+                return;  // another palette was chosen meanwhile
+            }
+        }
+        if (ErrMarkShows("h")) {
+            HideErrMark();
+        }
+    });
+}
+
+}  // namespace zv

@@ -1,0 +1,298 @@
+#include "ui/edit/palette_steps.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "audio/open_palette.h"
+#include "model/jingle.h"
+#include "model/state.h"
+#include "platform/clock.h"
+#include "platform/controls.h"
+#include "platform/desktop.h"
+#include "startup/errors.h"
+#include "startup/guard.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+#include "ui/edit/options.h"
+#include "ui/edit/palette_list.h"
+#include "ui/edit/palette_load.h"
+#include "ui/edit/remove.h"
+#include "ui/edit/save_dialogue.h"
+#include "ui/records/armed.h"
+#include "ui/records/main_window.h"
+#include "ui/records/timers.h"
+#include "ui/screen/error_mark.h"
+#include "ui/screen/layout_strip.h"
+
+namespace zv {
+
+namespace {
+
+PaletteTab& tab() { return frmMain().palettes; }
+
+void forgetPendingRemovals() {
+    tab().lstSection.items = std::vector<std::string>();
+    tab().lstJID.items = std::vector<std::string>();
+}
+
+int rows() { return static_cast<int>(tab().lstPal.items().size()); }
+
+bool modifierHeld() { return CtrlDown || ShiftDown || AltDown; }
+
+bool markShows() { return frmMain().display.lblErr.visible; }
+
+/// Slots 0 to 95 become empty.
+void clearSlots() {
+    for (int i = 0; i < kPaletteSlots; ++i) {
+        guarded("modMain.ClearSlots", [&] { ClearButton(i); });
+    }
+}
+
+/// What choosing another palette does before it is opened.
+void leavePalette() {
+    if (!markShows()) {
+        forgetPendingRemovals();
+        PalToSave = false;
+    }
+    NotSavePal();
+}
+
+void openSelected() {
+    settings.PaletteIndex = tab().lstPal.text();
+    frmMain().display.txtDisPal.caption = settings.PaletteIndex;
+    OpenFile(settings.PaletteIndex);
+}
+
+/// Steps the selection; true when it moved or wrapped.
+bool step(int by) {
+    Control& list = tab().lstPal;
+    const int count = rows();
+    if (count == 0) {
+        return false;
+    }
+    int row = list.listIndex() < 0 ? (by > 0 ? 0 : count - 1) : list.listIndex() + by;
+    if (row < 0 || row >= count) {
+        if (settings.LoopLstPal != 1) {
+            return false;
+        }
+        row = row < 0 ? count - 1 : 0;
+    }
+    list.listIndex = row;
+    return true;
+}
+
+void stepped() {
+    LastCtrl = "lstpal";
+    if (!modifierHeld()) {
+        forgetPendingRemovals();
+    }
+    NotSavePal();
+    PalToSave = false;
+    settings.PaletteIndex = tab().lstPal.text();
+    frmMain().display.txtDisPal.caption = settings.PaletteIndex;
+    if (settings.CenterLstPal == 1) {
+        CentrePaletteList();
+    }
+    PalLoadIdx = 0;
+    timers().TimerLoadPal.restart();
+}
+
+void jumpTo(int row) {
+    if (rows() == 0) {
+        return;
+    }
+    tab().lstPal.listIndex = std::clamp(row, 0, rows() - 1);
+    leavePalette();
+    openSelected();
+    if (settings.CenterLstPal == 1) {
+        CentrePaletteList();
+    }
+}
+
+bool askDelete(const std::string& name) {
+    return messageBox(name + "\r\n" + LnBox("mMsdp"), "Zentrova", BoxKind::question, BoxButtons::yesNo) ==
+           BoxAnswer::yes;
+}
+
+/// The section goes; the entry before it (or the first) is selected and opened.
+void deleteSelected(bool clearFirst) {
+    Control& list = tab().lstPal;
+    const std::string name = list.text();
+    if (name.empty() || !askDelete(name)) {
+        return;
+    }
+    const int row = list.listIndex();
+    PaletteStore.DeleteSection(name);
+    if (clearFirst) {
+        if (Armed(tab().ckAssign)) {
+            CkAssignTog();
+        }
+        clearSlots();
+    }
+    lstPalRefresh();
+    list.listIndex = rows() == 0 ? -1 : std::max(0, std::min(row - 1, rows() - 1));
+    if (rows() > 0) {
+        openSelected();
+    } else {
+        frmMain().display.txtDisPal.caption = std::string();
+        if (!clearFirst) {
+            clearSlots();
+        }
+    }
+}
+
+}  // namespace
+
+void lstPal_MouseUp() {
+    guarded(".lstPal_MouseUp", [] {
+        if (tab().lstPal.text().empty()) {
+            return;
+        }
+        LastCtrl = "lstpal";
+        leavePalette();
+        ErrDisp("wait", 0, Ln("errLoadPal"));
+        HideErrMark();
+        openSelected();
+        if (settings.CenterLstPal == 1) {
+            CentrePaletteList();
+        }
+    });
+}
+
+void lstpal_KeyDown(KeyEvent& event) {
+    if (event.key == Key::pageUp || event.key == Key::pageDown || event.key == Key::del) {
+        event.consumed = true;
+    } else if (event.key == Key::enter && !event.repeat) {
+        event.consumed = true;
+        lstPal_MouseUp();  // the keyboard's way to open what is selected
+    }
+}
+
+void evbtUp() {
+    guarded("frmMain.evbtUp", [] {
+        if (step(-1)) {
+            stepped();
+        }
+    });
+}
+
+void evBtDn() {
+    guarded("frmMain.evBtDn", [] {
+        if (step(1)) {
+            stepped();
+        }
+    });
+}
+
+void btUp_MouseDown(const MouseEvent& event) {
+    guarded(".btUp_MouseDown", [&] {
+        if (event.button != MouseButton::left) {
+            return;
+        }
+        LastCtrl = "btUp";
+        evbtUp();
+        timers().Timerlstpaltop.restart();
+    });
+}
+
+void btDn_MouseDown(const MouseEvent& event) {
+    guarded(".btDn_MouseDown", [&] {
+        if (event.button != MouseButton::left) {
+            return;
+        }
+        LastCtrl = "btDn";
+        evBtDn();
+        timers().Timerlstpalbot.restart();
+    });
+}
+
+void btUpDn_MouseUp() {
+    timers().Timerlstpaltop.stop();
+    timers().Timerlstpalbot.stop();
+}
+
+void TimerlstpalbotTick() {
+    guarded("frmMain.Timerlstpalbot_Timer", [] {
+        timers().Timerlstpalbot.stop();
+        jumpTo(rows() - 1);
+    });
+}
+
+void TimerlstpaltopTick() {
+    guarded("frmMain.Timerlstpaltop_Timer", [] {
+        timers().Timerlstpaltop.stop();
+        jumpTo(0);
+    });
+}
+
+namespace {
+constexpr std::int64_t kRepeatDelay = 400;  // ms until a held key begins to run through the list
+Key heldPageKey = Key::none;
+std::int64_t heldSince = 0;
+}  // namespace
+
+void StartPageKey(Key key) {
+    const bool up = key == Key::pageUp;
+    if (settings.BringLstPal == 1) {
+        ChangeTab(static_cast<int>(MainTab::palettes));  // first: what is hidden takes no focus
+    }
+    setFocus(up ? tab().btUp : tab().btDn);
+    if (!tab().lstPal.enabled || heldPageKey == key) {
+        return;
+    }
+    heldPageKey = key;
+    heldSince = monotonicMs();
+    timers().TimerPgUpDnPalLst.restart();
+    up ? evbtUp() : evBtDn();
+}
+
+void StopPageKey() {
+    heldPageKey = Key::none;
+    timers().TimerPgUpDnPalLst.stop();
+}
+
+void TimerPgUpDnPalLstTick() {
+    guarded("frmMain.TimerPgUpDnPalLst_Timer", [] {
+        // The keyboard's state says when the key goes up, even when its release went to another window.
+        if (heldPageKey == Key::none || !keyHeld(static_cast<int>(heldPageKey))) {
+            StopPageKey();
+        } else if (monotonicMs() - heldSince >= kRepeatDelay) {
+            heldPageKey == Key::pageUp ? evbtUp() : evBtDn();
+        }
+    });
+}
+
+void btNewTog() {
+    guarded("frmMain.btNewTog", [] {
+        LastCtrl = "btNew";
+        if (messageBox(LnBox("mMsclearpal"), "Zentrova", BoxKind::question, BoxButtons::yesNo) !=
+            BoxAnswer::yes) {
+            return;
+        }
+        frmMain().display.txtDisPal.caption = std::string();
+        tab().txtSave.caption = std::string();
+        settings.PaletteIndex.clear();
+        clearSlots();
+        tab().lstPal.listIndex = -1;
+    });
+}
+
+void btDelpal_MouseUp() {
+    guarded("frmMain.btDelpal_MouseUp", [] {
+        LastCtrl = "btDelpal";
+        deleteSelected(true);
+    });
+}
+
+void lstpaldel() {
+    guarded("frmMain.lstpaldel", [] {
+        if (LastCtrl.find("b_Jingle") == std::string::npos) {
+            deleteSelected(false);
+        }
+    });
+}
+
+}  // namespace zv

@@ -1,0 +1,40 @@
+#include "ui/screen/error_mark.h"
+
+#include <string>
+#include <string_view>
+
+#include "platform/controls.h"
+#include "startup/settings.h"
+#include "startup/upcalls.h"
+#include "ui/records/main_window.h"
+
+namespace zv {
+
+void ShowErrorMark(const ErrorMark& mark) {
+    DisplayControls& d = frmMain().display;
+    if (mark.character != 0) {
+        d.lblErr.caption = std::string(1, mark.character);
+    }
+    d.lblErr.foreColor = mark.usesPlayingColor ? settings.PlayingColor : settings.DateTimeColor;
+    d.lblErr.toolTip = mark.toolTip;
+    d.lblErr.visible = mark.visible;
+    if (mark.visible && settings.MinimalView == 1) {
+        for (Control& playMode : d.lblPlayMode) {
+            playMode.visible = false;
+        }
+    }
+}
+
+bool ErrMarkShows(std::string_view letter) {
+    const Control& mark = frmMain().display.lblErr;
+    return mark.visible && mark.caption() == letter;
+}
+
+void HideErrMark() {
+    Control& mark = frmMain().display.lblErr;
+    mark.caption = std::string();
+    mark.toolTip = std::string();
+    mark.visible = false;
+}
+
+}  // namespace zv

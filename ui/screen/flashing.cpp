@@ -1,0 +1,86 @@
+#include "ui/screen/flashing.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "audio/sounding.h"
+#include "model/jingle.h"
+#include "platform/controls.h"
+#include "startup/errors.h"
+#include "startup/guard.h"
+#include "startup/settings.h"
+#include "ui/records/jingle_buttons.h"
+#include "ui/records/main_window.h"
+#include "ui/records/timers.h"
+#include "ui/screen/error_mark.h"
+#include "ui/screen/shaded.h"
+
+namespace zv {
+
+namespace {
+
+constexpr int kMostFlashes = 20;
+
+}  // namespace
+
+void TimerFadeOutLEDTick() {
+    guarded("frmMain.TimerFadeOutLED_Timer", [] {
+        static bool phase = false;
+        phase = !phase;
+        for (const int i : LiveJingles()) {
+            JingleButton* b = Button(i);
+            const JingleRecord& j = Jingle(i);
+            if (b == nullptr || j.State != PlayState::stopping || j.hSrc == 0) {
+                continue;
+            }
+            Colour lp = Shaded.lp, sq = Shaded.sq, fx = Shaded.fx;
+            if (!phase) {
+                if (j.LoopFadeOut != 0) {
+                    std::swap(lp, sq);
+                } else {
+                    lp = sq = 0;
+                    if (j.Loop == 0) {
+                        fx = 0;
+                    }
+                }
+            }
+            b->lp_Jingle.foreColor = lp;
+            b->sq_Jingle.foreColor = sq;
+            b->fx_Jingle.foreColor = fx;
+        }
+    });
+}
+
+void TimerControlFlashTick() {
+    guarded("frmMain.TimerControlFlash_Timer", [] {
+        static bool phase = false;
+        phase = !phase;
+        for (const int i : LiveJingles()) {
+            JingleButton* b = Button(i);
+            const JingleRecord& j = Jingle(i);
+            if (b == nullptr || j.hSrc == 0 || j.Seq == 0 || j.State == PlayState::stopping || !Plays(i)) {
+                continue;
+            }
+            if (InLoop(i)) {
+                b->sq_Jingle.foreColor = phase ? Shaded.lp : Shaded.sq;
+            }
+        }
+        Control& mark = frmMain().display.lblErr;
+        if (ErrOneShot == 0) {
+            return;
+        }
+        mark.foreColor = phase ? settings.DispBackCol : settings.DateTimeColor;
+        if (++ErrBlinkCount > kMostFlashes) {
+            ErrOneShot = 0;
+            mark.foreColor = settings.DateTimeColor;
+            if (mark.visible && !ErrMarkShows("h")) {
+                timers().TimerNotif.stop();
+                mark.caption = std::string();
+                mark.visible = false;
+            }
+        }
+    });
+}
+
+}  // namespace zv
