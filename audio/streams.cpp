@@ -92,11 +92,9 @@ void openFailed(int index, int error) {
     callUp(audioUpcalls.feedback, index, Feedback::failed);
 }
 
+/// A long jingle ducks the others unless something was chosen for it.
 void chooseAutoDuck(JingleRecord& j) {
-    if (j.AutoDuckKey.empty())
-        j.AutoDuck = j.AutoDuck == 0 && j.Duration > kLongJingle ? 1 : 0;
-    else
-        j.AutoDuck = static_cast<std::uint8_t>(std::clamp(Val(j.AutoDuckKey), 0.0, 255.0));
+    if (j.AutoDuckKey.empty() && j.AutoDuck == 0 && j.Duration > kLongJingle) j.AutoDuck = 1;
     if (j.AutoDuck == 1) j.NoTrigDuck = 1;
 }
 
@@ -130,6 +128,7 @@ void buildChannel(int index) {
     BASS_ChannelUpdate(j.hPlay, 0);
     j.EndOffset = EndOffsetCalc(index);
     j.Duration = JDurationCalc(index);
+    chooseAutoDuck(j);
     callUp(audioUpcalls.slotLoaded, index);
     guarded("modClick.openStreams", [&] { attachEffects(index); });
     if (mix) {
@@ -162,13 +161,17 @@ void openSlot(int index) {
     }
     callUp(audioUpcalls.feedback, index, Feedback::loaded);
     j.Kind = SlotKind::stream;
+    if (j.KeepsStored) {  // the file is back
+        j.Volm = j.StoredVolm;
+        j.Loop = j.StoredLoop;
+        j.Seq = j.StoredSeq;
+    }
     j.MissingFile = j.Unplayable = j.KeepsStored = false;
     j.BassErr = 0;
     BASS_CHANNELINFO info{};
     BASS_ChannelGetInfo(j.hSrc, &info);
     BASS_ChannelUpdate(j.hSrc, 0);
     if (j.LoopOut == 0) j.LoopOut = lengthOf(j.hSrc);
-    chooseAutoDuck(j);
     j.Freq = static_cast<std::int32_t>(info.freq);
     if (j.FXV.empty()) j.FXV = NeutralFXV(j.Freq);
     buildChannel(index);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "engine/bass.h"
 #include "startup/settings.h"
 
 namespace zv {
@@ -16,6 +17,11 @@ int FindJingle(std::uint32_t channel) {
     for (int i = 0; i < kJingles; ++i)
         if (Jingle(i).hPlay == channel) return i;
     return kNotFound;
+}
+
+std::int32_t FadeAttribOf(const PersistedJingle& jingle) {
+    return static_cast<std::int32_t>(jingle.LogFadeOut == 1 ? BASS_ATTRIB_VOL | BASS_SLIDE_LOG
+                                                            : BASS_ATTRIB_VOL);
 }
 
 std::uint64_t BytePosition(double position) {

@@ -40,49 +40,60 @@ enum class SlotKind : std::uint8_t { nothing = 0, stream = 1, playlist = 2 };
 
 inline constexpr const char* kFaceColourText = "vbButtonFace";
 
-struct JingleRecord {
-    std::uint8_t AutoDuck = 0;             ///< 0 not chosen, 1 ducks, 2 deliberately does not
-    std::string AutoDuckKey;               ///< raw text of the key as last read
-    bool Unplayable = false;               ///< the file exists but the engine refuses it
-    std::string BTNCol = kFaceColourText;  ///< RRGGBB or "vbButtonFace"
-    std::int32_t BackRGB = 0;              ///< 0xBBGGRR in effect
-    double CueStart = 0;                   ///< bytes
-    double Duration = 0;                   ///< seconds, never below 0
-    double EndOffset = 0;                  ///< bytes cut from the end, never below 0
-    std::int16_t BassErr = 0;              ///< code of the last failed opening
-    Shared<std::int32_t> FadeOut = 0;      ///< ms
-    Shared<std::int32_t> FadeAttrib = 2;   ///< BASS_ATTRIB_VOL, with BASS_SLIDE_LOG for a logarithmic fade
-    std::int32_t ForeRGB = 0;
-    std::int32_t Freq = 0;         ///< Hz
-    std::string FXV;               ///< eleven numbers separated by commas
-    bool PlayingOtherPal = false;  ///< still sounding from an earlier palette
-    std::uint8_t LogFadeOut = 0;
-    std::uint8_t Loop = 0;
-    std::uint8_t LoopFadeOut = 0;
-    double LoopIn = 0, LoopLen = 0, LoopOut = 0;  ///< bytes
-    bool MissingFile = false;
+/// What a palette file holds of a jingle, in the order of its keys; it travels as one when a button is moved.
+/// Positions are bytes of the decoded stream.
+struct PersistedJingle {
+    std::string Path;           ///< as the file has it
+    int Volm = 100;             ///< percent
+    std::uint8_t AutoDuck = 0;  ///< 0 not chosen, 1 ducks, 2 deliberately does not
+    std::string AutoDuckKey;    ///< raw text of the key as last read
     std::uint8_t NoAutomix = 0;
     std::uint8_t NoTrigDuck = 0;
-    Shared<bool> Playing;
-    std::string Path;  ///< as the file has it
-    PlayState State = PlayState::idle;
-    SlotKind Kind = SlotKind::nothing;
-    PlayMode PlayMod = PlayMode::global;
-    std::string Playlist;
-    std::int32_t ReverbMs = 0;   ///< ms of reverb tail
-    std::uint32_t FadeSync = 0;  ///< sync that ends a stop with tail; 0 none
+    std::uint8_t Loop = 0;
     std::uint8_t Seq = 0;
-    std::uint8_t SeqBefore = 0;
-    std::uint8_t Pressed = 0;
-    double StopPos = 0;               ///< bytes, 0 = to the end
-    Shared<std::uint32_t> hPlay = 0;  ///< the tempo channel that is played and mixed
-    std::uint32_t hSrc = 0;           ///< the decoding source under it
-    int Volm = 100;                   ///< percent
+    double LoopIn = 0, LoopOut = 0;
+    Shared<std::int32_t> FadeOut = 0;  ///< ms
+    std::uint8_t LogFadeOut = 0;
+    std::uint8_t LoopFadeOut = 0;
+    std::string BTNCol = kFaceColourText;  ///< RRGGBB or "vbButtonFace"
+    PlayMode PlayMod = PlayMode::global;
+    double CueStart = 0;
+    double StopPos = 0;  ///< 0 = to the end
+    std::string FXV;     ///< eleven numbers separated by commas
+    std::string Playlist;
     /// Of a file that could not be opened: the record shows defaults, the palette file keeps what it had.
     bool KeepsStored = false;
     int StoredVolm = 100;
     std::uint8_t StoredLoop = 0, StoredSeq = 0;
+
+    bool operator==(const PersistedJingle&) const = default;
+};
+
+struct JingleRecord : PersistedJingle {
+    bool Unplayable = false;  ///< the file exists but the engine refuses it
+    bool MissingFile = false;
+    std::int16_t BassErr = 0;  ///< code of the last failed opening
+    std::int32_t BackRGB = 0;  ///< 0xBBGGRR in effect
+    std::int32_t ForeRGB = 0;
+    double Duration = 0;                  ///< seconds, never below 0
+    double EndOffset = 0;                 ///< bytes cut from the end, never below 0
+    Shared<std::int32_t> FadeAttrib = 2;  ///< what LogFadeOut makes of the fade: FadeAttribOf
+    std::int32_t Freq = 0;                ///< Hz
+    bool PlayingOtherPal = false;         ///< still sounding from an earlier palette
+    double LoopLen = 0;                   ///< bytes
+    Shared<bool> Playing;
+    PlayState State = PlayState::idle;
+    SlotKind Kind = SlotKind::nothing;
+    std::int32_t ReverbMs = 0;   ///< ms of reverb tail
+    std::uint32_t FadeSync = 0;  ///< sync that ends a stop with tail; 0 none
+    std::uint8_t SeqBefore = 0;
+    std::uint8_t Pressed = 0;
+    Shared<std::uint32_t> hPlay = 0;  ///< the tempo channel that is played and mixed
+    std::uint32_t hSrc = 0;           ///< the decoding source under it
     std::int64_t Spare = 0;
+
+    PersistedJingle& persisted() { return *this; }
+    const PersistedJingle& persisted() const { return *this; }
 };
 
 extern std::array<JingleRecord, kJingles> J;
@@ -95,6 +106,8 @@ extern int LastPalIdx;  ///< JinglesRows x JinglesCols - 1
 
 /// Slot of a channel handle, kNotFound (120) when none has it. [any]
 int FindJingle(std::uint32_t channel);
+/// BASS_ATTRIB_VOL, with BASS_SLIDE_LOG for a logarithmic fade.
+std::int32_t FadeAttribOf(const PersistedJingle& jingle);
 /// A position as the engine takes it: whole bytes, 0 for what is below or no number.
 std::uint64_t BytePosition(double position);
 /// Last live index: 95 + 2 x JinglesCols.

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "engine/bass.h"
+#include "model/pending_removals.h"
 #include "model/state.h"
 #include "model/upcalls.h"
 #include "platform/paths.h"
@@ -189,15 +190,14 @@ bool CloseFile(const std::string& name) {
         if (!old.empty() && !SameText(old, name)) PaletteStore.DeleteSection(old);
 
         bool removed = true;
-        if (modelUpcalls.pendingRemovals)
-            for (const auto& [section, slot] : modelUpcalls.pendingRemovals())
-                if (!section.empty()) removed = RemJing(section, slot) && removed;
+        for (const Removal& removal : PendingRemovals())
+            removed = RemJing(removal.section, removal.slot) && removed;
         guarded("modMain.CloseFile", [&] {
             callUp(modelUpcalls.paletteListChanged, name);
             callUp(modelUpcalls.showPaletteName, name);
         });
         written = CloseFileHotJingles() && removed;
-        if (removed) callUp(modelUpcalls.clearPendingRemovals);
+        if (removed) ForgetRemovals();
         if (written) ErrDisp("hide");
         SaveMode.clear();
     });

@@ -22,7 +22,7 @@ void readTemp(JingleRecord& jingle, int slot, const std::string& section) {
     jingle.Path = keys.text("Path_");
     if (jingle.Path.empty()) return;
     ReadSlot(jingle, keys);
-    jingle.NoAutomix = jingle.NoTrigDuck = 0;
+    jingle.AutoDuck = jingle.NoAutomix = jingle.NoTrigDuck = 0;
     jingle.Loop = keys.text("Loop_").empty() ? 0 : 1;
     jingle.Seq = keys.text("Seq_").empty() ? 0 : 1;
 }

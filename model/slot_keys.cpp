@@ -5,7 +5,6 @@
 #include <limits>
 #include <utility>
 
-#include "engine/bass.h"
 #include "model/colours.h"
 #include "startup/helpers.h"
 
@@ -48,6 +47,7 @@ std::uint8_t SlotKeys::byte(const char* stem, std::uint8_t otherwise) const {
 void ReadSlot(JingleRecord& jingle, const SlotKeys& keys) {
     jingle.Volm = keys.whole("Volm_", 100);
     jingle.AutoDuckKey = keys.text("AutoDuck_");
+    jingle.AutoDuck = keys.byte("AutoDuck_");
     jingle.NoAutomix = keys.byte("NoAutomix_");
     jingle.NoTrigDuck = keys.byte("NoTrigDuck_");
     jingle.Loop = keys.byte("Loop_");
@@ -57,8 +57,7 @@ void ReadSlot(JingleRecord& jingle, const SlotKeys& keys) {
     jingle.FadeOut = keys.whole("FadeOut_");
     jingle.LogFadeOut = keys.byte("LogFadeOut_");
     jingle.LoopFadeOut = keys.byte("LoopFadeOut_");
-    jingle.FadeAttrib = static_cast<std::int32_t>(jingle.LogFadeOut == 1 ? BASS_ATTRIB_VOL | BASS_SLIDE_LOG
-                                                                         : BASS_ATTRIB_VOL);
+    jingle.FadeAttrib = FadeAttribOf(jingle);
     jingle.BTNCol = keys.text("BTNCol_", kFaceColourText);
     const std::uint8_t mode = keys.byte("PlayMod_");
     jingle.PlayMod =

@@ -4,8 +4,6 @@
 
 #include <functional>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace zv {
 
@@ -16,9 +14,7 @@ struct ModelUpcalls {
     std::function<void(const std::string& name)>
         paletteListChanged;                        ///< refresh lstPal, select and centre `name`
     std::function<std::string()> selectedPalette;  ///< text of lstPal, empty without a selection
-    /// Slots moved away from other palettes: section and slot; worked off by the save.
-    std::function<std::vector<std::pair<std::string, int>>()> pendingRemovals;
-    std::function<void()> clearPendingRemovals;
+    std::function<void()> removalsChanged;         ///< the window's hidden lists follow
     std::function<void()> pumpEvents;
 };
 

@@ -9,6 +9,7 @@
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/palette_files.h"
+#include "model/pending_removals.h"
 #include "model/state.h"
 #include "model/upcalls.h"
 #include "platform/controls.h"
@@ -185,18 +186,14 @@ void fillModel() {
         }
     };
     modelUpcalls.selectedPalette = [] { return frmMain().palettes.lstPal.text(); };
-    modelUpcalls.pendingRemovals = [] {
-        const std::vector<std::string>& sections = frmMain().palettes.lstSection.items();
-        const std::vector<std::string>& slots = frmMain().palettes.lstJID.items();
-        std::vector<std::pair<std::string, int>> pending;
-        for (std::size_t i = 0; i < sections.size() && i < slots.size(); ++i) {
-            pending.emplace_back(sections[i], static_cast<int>(Val(slots[i])));
+    modelUpcalls.removalsChanged = [] {
+        std::vector<std::string> sections, slots;
+        for (const Removal& removal : PendingRemovals()) {
+            sections.push_back(removal.section);
+            slots.push_back(std::to_string(removal.slot));
         }
-        return pending;
-    };
-    modelUpcalls.clearPendingRemovals = [] {
-        frmMain().palettes.lstSection.items = std::vector<std::string>();
-        frmMain().palettes.lstJID.items = std::vector<std::string>();
+        frmMain().palettes.lstSection.items = sections;
+        frmMain().palettes.lstJID.items = slots;
     };
     modelUpcalls.pumpEvents = processEvents;
 }

@@ -140,7 +140,7 @@ TEST_F(Opening, ComputedFields) {
     }
 }
 
-TEST_F(Opening, LongJinglesDuckFromTheSecondOpeningOn) {
+TEST_F(Opening, LongJinglesDuckUnlessToldOtherwise) {
     writeWav(path("long.wav"), std::vector<std::int16_t>(8000 * 121), 8000, 1);
     struct Row {
         const char* name;
@@ -148,7 +148,7 @@ TEST_F(Opening, LongJinglesDuckFromTheSecondOpeningOn) {
         std::vector<int> autoDuck;  ///< at one opening after the other
     };
     const std::vector<Row> rows{
-        {"no key", "", {0, 1}},
+        {"no key", "", {1, 1}},
         {"chosen", "AutoDuck_0=2\r\n", {2, 2}},
         {"ducks", "AutoDuck_0=1\r\n", {1, 1}},
         {"written as zero", "AutoDuck_0=0\r\n", {0, 0}},

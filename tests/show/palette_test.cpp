@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "audio/open_palette.h"
+#include "model/pending_removals.h"
 #include "model/state.h"
 #include "model/upcalls.h"
 #include "startup/stores.h"
@@ -211,6 +212,23 @@ TEST_F(Palette, AWindowsUsersFileGoesBackUnharmed) {
         << "not a byte changed, the missing files' keys too";
 }
 
+TEST_F(Palette, AFileThatIsAwayForAWhileKeepsItsValues) {
+    const std::string lines = "Path_0=a.wav\r\nVolm_0=35\r\nAutoDuck_0=2\r\nLoop_0=1\r\nSeq_0=1\r\n";
+    openPalette(lines);
+    openStreams(0);  // looked for twice
+    ASSERT_TRUE(jingle(0).MissingFile);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(read("palette.ini"), "[Morning]\r\n" + lines);
+    soundFile("a.wav");
+    openStreams(0);  // found again within the run
+    EXPECT_EQ(jingle(0).Volm, 35);
+    EXPECT_EQ(jingle(0).AutoDuck, 2);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(read("palette.ini"), "[Morning]\r\n" + lines);
+    openPalette("Path_0=a.wav\r\n");
+    EXPECT_EQ(jingle(0).AutoDuck, 0) << "another palette's choice does not stay in the slot";
+}
+
 TEST_F(Palette, PathsUnderTheProgramFolderAreStoredRelative) {
     soundFile("sub/a.wav");
     settings.ImportFiles = 0;
@@ -248,22 +266,20 @@ TEST_F(Palette, AFailedSaveLosesNothing) {
     openPalette("Path_0=a.wav\r\nVolm_0=10\r\n");
     const std::string before = read("palette.ini");
     jingle().Volm = 77;
-    modelUpcalls.pendingRemovals = [] { return std::vector<std::pair<std::string, int>>{{"Evening", 1}}; };
-    bool cleared = false;
-    modelUpcalls.clearPendingRemovals = [&] { cleared = true; };
+    AddRemoval({"Evening", 1, "Morning", "b.wav"});
     // A folder in the file's place: neither read nor written, whoever the user is.
     std::filesystem::rename(path("palette.ini"), path("away.ini"));
     std::filesystem::create_directory(path("palette.ini"));
     EXPECT_FALSE(save());
     EXPECT_EQ(SaveMode, "save") << "the next try knows what to do";
-    EXPECT_FALSE(cleared);
+    EXPECT_EQ(PendingRemovals().size(), 1U);
     EXPECT_EQ(jingle().Volm, 77);
     EXPECT_EQ(marks.back().substr(0, 2), "no");
     std::filesystem::remove(path("palette.ini"));
     std::filesystem::rename(path("away.ini"), path("palette.ini"));
     EXPECT_EQ(read("palette.ini"), before);
     EXPECT_TRUE(save());
-    EXPECT_TRUE(cleared);
+    EXPECT_TRUE(PendingRemovals().empty());
     EXPECT_EQ(read("palette.ini"), "[Morning]\r\nPath_0=a.wav\r\nVolm_0=77\r\n");
 }
 
@@ -351,16 +367,12 @@ TEST_F(Palette, OneSlotGoesFromAPaletteThatIsNotOpen) {
 TEST_F(Palette, MovedSlotsLeaveTheirPaletteWithTheSave) {
     soundFile("a.wav");
     openPalette("Path_0=a.wav\r\n[Evening]\r\nPath_3=a.wav\r\nPath_4=b.wav\r\n");
-    bool cleared = false;
     std::vector<std::string> shown;
-    modelUpcalls.pendingRemovals = [] {
-        return std::vector<std::pair<std::string, int>>{{"", 4}, {"Evening", 3}};
-    };
-    modelUpcalls.clearPendingRemovals = [&] { cleared = true; };
+    AddRemoval({"Evening", 3, "Morning", "a.wav"});
     modelUpcalls.paletteListChanged = [&](const std::string& name) { shown.push_back("list " + name); };
     modelUpcalls.showPaletteName = [&](const std::string& name) { shown.push_back("name " + name); };
     EXPECT_TRUE(save());
-    EXPECT_TRUE(cleared);
+    EXPECT_TRUE(PendingRemovals().empty());
     EXPECT_EQ(shown, (std::vector<std::string>{"list Morning", "name Morning"}));
     EXPECT_EQ(read("palette.ini"), "[Morning]\r\nPath_0=a.wav\r\n[Evening]\r\nPath_4=b.wav\r\n");
 }

@@ -10,6 +10,7 @@
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/palette_files.h"
+#include "model/pending_removals.h"
 #include "model/state.h"
 #include "startup/language.h"
 #include "startup/settings.h"
@@ -69,8 +70,8 @@ TEST_F(PaletteTest, theListIsSortedAndShowsTheCurrentOne) {
 }
 
 TEST_F(PaletteTest, pickingOpensAtOnceAndForgetsWhatWasPending) {
-    frmMain().palettes.lstSection.items = std::vector<std::string>{"Zulu"};
-    frmMain().palettes.lstJID.items = std::vector<std::string>{"0"};
+    AddRemoval({"Zulu", 0, "Morning", "a.wav"});
+    EXPECT_EQ(frmMain().palettes.lstJID.items(), std::vector<std::string>{"0"});
     PalToSave = true;
     pick("afternoon");
     EXPECT_EQ(settings.PaletteIndex, "afternoon");
@@ -286,6 +287,26 @@ TEST_F(PaletteTest, cutCopyAndPaste) {
     EXPECT_TRUE(frmMain().palettes.lstSection.items().empty());
     pick("Morning");
     EXPECT_TRUE(rec(0).Path.empty());
+}
+
+TEST_F(PaletteTest, everythingThatIsPersistedTravelsWithAMovedButton) {
+    JingleRecord& j = rec(1);
+    j.Volm = 6, j.AutoDuck = j.NoAutomix = j.NoTrigDuck = j.Loop = j.Seq = 1, j.AutoDuckKey = "1";
+    j.LoopIn = 400, j.LoopOut = 800, j.FadeOut = 9, j.LogFadeOut = j.LoopFadeOut = 1, j.BTNCol = "00FF00";
+    j.PlayMod = PlayMode::touch, j.CueStart = 40, j.StopPos = 4000, j.FXV = "1,0,0,0,0,0,0,0,0,44100,0";
+    const PersistedJingle before = j;
+    for (const char* how : {"copy", "cut"}) {
+        clMove(1, how);
+        clMove(97, "paste");
+        EXPECT_EQ(rec(97).persisted(), before) << how;
+        EXPECT_EQ(rec(97).FadeAttrib, static_cast<int>(BASS_ATTRIB_VOL | BASS_SLIDE_LOG));
+        EXPECT_EQ(rec(1).Path.empty(), how == std::string("cut"));
+    }
+    // Chosen in this run, not read from a file: it counts all the same.
+    rec(2).AutoDuck = 2;
+    clMove(2, "copy");
+    clMove(12, "paste");
+    EXPECT_EQ(rec(12).AutoDuck, 2);
 }
 
 TEST_F(PaletteTest, colours) {

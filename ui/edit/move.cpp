@@ -1,11 +1,11 @@
 #include "ui/edit/move.h"
 
-#include <cstddef>
 #include <string>
 
 #include "audio/sounding.h"
 #include "audio/streams.h"
 #include "model/jingle.h"
+#include "model/pending_removals.h"
 #include "model/state.h"
 #include "platform/controls.h"
 #include "startup/guard.h"
@@ -27,37 +27,11 @@ namespace {
 
 /// What moves with a button.
 struct MovedJingle {
-    JingleRecord fields;
+    PersistedJingle fields;
     bool fxMark = false;
     int tick = 0;
 };
 MovedJingle MoveBuffer;
-
-void copyPersisted(JingleRecord& to, const JingleRecord& from) {
-    to.Path = from.Path;
-    to.Volm = from.Volm;
-    to.Loop = from.Loop;
-    to.Seq = from.Seq;
-    to.LoopIn = from.LoopIn;
-    to.LoopOut = from.LoopOut;
-    to.LoopLen = from.LoopLen;
-    to.FadeOut = from.FadeOut;
-    to.AutoDuck = from.AutoDuck;
-    to.AutoDuckKey = from.AutoDuckKey;
-    to.BassErr = from.BassErr;
-    to.MissingFile = from.MissingFile;
-    to.Unplayable = from.Unplayable;
-    to.NoAutomix = from.NoAutomix;
-    to.NoTrigDuck = from.NoTrigDuck;
-    to.FadeAttrib = from.FadeAttrib;
-    to.LogFadeOut = from.LogFadeOut;
-    to.LoopFadeOut = from.LoopFadeOut;
-    to.BTNCol = from.BTNCol;
-    to.PlayMod = from.PlayMod;
-    to.CueStart = from.CueStart;
-    to.StopPos = from.StopPos;
-    to.FXV = from.FXV;
-}
 
 void cutOrCopy(int index, const std::string& mode) {
     const JingleRecord& j = Jingle(index);
@@ -73,35 +47,9 @@ void cutOrCopy(int index, const std::string& mode) {
     if (j.Path.find('.') == std::string::npos) {
         return;
     }
-    copyPersisted(MoveBuffer.fields, j);
+    MoveBuffer.fields = j;
     MoveBuffer.fxMark = b != nullptr && b->fx_Jingle.visible;
     ClipPath = j.Path;
-}
-
-/// The hidden lists of what leaves other palettes at the next save, in step with each other.
-void addPendingRemoval(const std::string& section, int slot) {
-    PaletteTab& t = frmMain().palettes;
-    auto sections = t.lstSection.items();
-    auto slots = t.lstJID.items();
-    sections.push_back(section);
-    slots.push_back(std::to_string(slot));
-    t.lstSection.items = sections;
-    t.lstJID.items = slots;
-}
-
-void dropPendingRemoval(const std::string& section, int slot) {
-    PaletteTab& t = frmMain().palettes;
-    auto sections = t.lstSection.items();
-    auto slots = t.lstJID.items();
-    const std::string number = std::to_string(slot);
-    for (std::size_t i = sections.size(); i-- > 0;) {
-        if (sections[i] == section && i < slots.size() && slots[i] == number) {
-            sections.erase(sections.begin() + static_cast<std::ptrdiff_t>(i));
-            slots.erase(slots.begin() + static_cast<std::ptrdiff_t>(i));
-        }
-    }
-    t.lstSection.items = sections;
-    t.lstJID.items = slots;
 }
 
 void paste(int index) {
@@ -117,7 +65,8 @@ void paste(int index) {
     if (MoveBuffer.fields.Path.find('.') != std::string::npos) {
         FreeJingle(index);
         ClearRecord(index);
-        copyPersisted(Jingle(index), MoveBuffer.fields);
+        Jingle(index).persisted() = MoveBuffer.fields;
+        Jingle(index).FadeAttrib = FadeAttribOf(Jingle(index));
         openStreams(index);
         Colour back = 0;
         Colour fore = 0;
@@ -132,10 +81,13 @@ void paste(int index) {
         if (samePalette) {
             ClearButton(source);
         } else {
-            addPendingRemoval(MoveSourcePalette, source);
+            const std::string into = index < kPaletteSlots ? settings.PaletteIndex : std::string();
+            AddRemoval({MoveSourcePalette, source, into, MoveBuffer.fields.Path});
         }
     }
-    dropPendingRemoval(settings.PaletteIndex, index);
+    if (index < kPaletteSlots) {
+        DropRemoval(settings.PaletteIndex, index);
+    }
     if (cut) {
         MoveSrcJ = -1;
         MoveDstJ = -1;

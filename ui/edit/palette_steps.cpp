@@ -7,6 +7,7 @@
 
 #include "audio/open_palette.h"
 #include "model/jingle.h"
+#include "model/pending_removals.h"
 #include "model/state.h"
 #include "platform/clock.h"
 #include "platform/controls.h"
@@ -33,11 +34,6 @@ namespace {
 
 PaletteTab& tab() { return frmMain().palettes; }
 
-void forgetPendingRemovals() {
-    tab().lstSection.items = std::vector<std::string>();
-    tab().lstJID.items = std::vector<std::string>();
-}
-
 int rows() { return static_cast<int>(tab().lstPal.items().size()); }
 
 bool modifierHeld() { return CtrlDown || ShiftDown || AltDown; }
@@ -54,7 +50,7 @@ void clearSlots() {
 /// What choosing another palette does before it is opened.
 void leavePalette() {
     if (!markShows()) {
-        forgetPendingRemovals();
+        ForgetRemovals();
         PalToSave = false;
     }
     NotSavePal();
@@ -87,7 +83,7 @@ bool step(int by) {
 void stepped() {
     LastCtrl = "lstpal";
     if (!modifierHeld()) {
-        forgetPendingRemovals();
+        ForgetRemovals();
     }
     NotSavePal();
     PalToSave = false;
