@@ -8,8 +8,11 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <limits>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace zv {
@@ -17,7 +20,9 @@ namespace zv {
 using Colour = std::int32_t;  ///< 0xBBGGRR; negative numbers are theme colours, see below
 
 inline constexpr int kTwipsPerPixel = 15;
+inline constexpr int kManyLines = 50;  ///< pixels of height from which a text box has several lines
 inline constexpr Colour kButtonFace = static_cast<Colour>(0x8000000FU);  ///< the theme's own button face
+inline constexpr int kNoStandard = std::numeric_limits<int>::min();      ///< a control without a default
 inline constexpr Colour kNoColour = -1;                                  ///< the shell's default
 
 enum class ControlKind : std::uint8_t {
@@ -40,6 +45,9 @@ enum class ControlKind : std::uint8_t {
     meter,   ///< a level bar
     colourField,
     picture,
+    number,  ///< an up-down field: digits between a minus and a plus key; its `value`
+    tabs,    ///< headers of pages side by side: `items`, `listIndex`
+    canvas,  ///< shows its `drawing`; takes mouse, wheel and keys
 };
 
 enum class MouseButton : std::uint8_t { left = 1, right = 2, middle = 4 };
@@ -117,6 +125,30 @@ enum class JingleState : int {
     broken,        ///< its file is missing or no sound: a warning sign
 };
 
+/// What a canvas paints, back to front. Places are pixels at 100 % inside the canvas.
+struct Stroke {
+    enum class What : std::uint8_t {
+        area,   ///< filled rectangle
+        frame,  ///< its border, one pixel
+        line,   ///< from (x, y) to (x + width, y + height)
+        peaks,  ///< columns from `peaks`, the first at x, the last at x + width; -1 at the foot, 1 at the top
+        text,   ///< from its left edge, in the middle of its height; `bold`, `points`
+    };
+    What what = What::area;
+    double x = 0, y = 0, width = 0, height = 0;
+    Colour colour = 0;     ///< 0xBBGGRR
+    int opacity = 100;     ///< percent
+    double thickness = 1;  ///< of a line
+    std::string text = {};
+    bool bold = false;
+    double points = 9;
+    std::shared_ptr<const std::vector<std::pair<float, float>>> peaks =
+        {};  ///< lowest and highest of a column
+    bool operator==(const Stroke&) const = default;
+};
+using Drawing = std::vector<Stroke>;
+
+struct Form;
 class Control;
 
 /// A value of a control: assigning compares and, only when it differs, raises the control's revision.
@@ -169,6 +201,13 @@ class Control {
     Property<int> topRow{*this, 0};            ///< first visible row of a list
     Property<bool> sorted{*this, false};       ///< a list that the shell shows as it is given; logic sorts
     Property<MeterLook> meterLook{*this, {}};  ///< kind meter only
+    Property<Drawing> drawing{*this, {}};      ///< kind canvas only
+    Property<bool> segmented{*this,
+                             false};  ///< combo box or options: keys side by side, for two to four choices
+
+    int step = 1;                      ///< slider and number: of one turn of the wheel or an arrow key
+    int standard = kNoStandard;        ///< slider and number: what a double click brings back
+    std::shared_ptr<const Form> form;  ///< window: laid out by this description, see platform/forms.h
 
     // Handlers; an empty one does nothing. The shell calls them guarded by nothing: a handler guards itself.
     std::function<void(const MouseEvent&)> onMouseDown, onMouseUp, onMouseMove, onDoubleClick;
@@ -178,6 +217,7 @@ class Control {
     std::function<void(KeyEvent&)> onKeyDown, onKeyUp;
     std::function<void()> onFocus;
     std::function<void(const std::string& path)> onDrop;  ///< a file let go over the control
+    std::function<void(int turns, int shift)> onWheel;    ///< canvas: up is positive
     std::function<bool(int reason)> onQueryClose;         ///< window: false keeps it open
     std::function<void()> onClose;                        ///< window: it closes now
     std::function<void()> onResize;  ///< window: width and height hold the new inner size

@@ -39,9 +39,11 @@ std::string ownValue(const Control& control) {
         case ControlKind::slider:
         case ControlKind::progress:
         case ControlKind::meter:
+        case ControlKind::number:
             return std::to_string(control.value());
         case ControlKind::listBox:
         case ControlKind::comboBox:
+        case ControlKind::tabs:
             return control.text();
         default:
             return control.caption();
@@ -302,9 +304,11 @@ void Player::setControl(const Action& action) {
     switch (target->kind) {
         case ControlKind::listBox:
         case ControlKind::comboBox:
+        case ControlKind::tabs:
             selectRow(*target, action.text);
             break;
         case ControlKind::textBox:
+        case ControlKind::number:
             reached = shell::typeText(*target, action.text);
             break;
         case ControlKind::slider:

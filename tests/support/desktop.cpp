@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/controls.h"
+#include "platform/forms.h"
 
 namespace zv::test {
 
@@ -38,6 +39,10 @@ using test::desktop;
 
 // ---- windows
 void showWindow(Control& window) { window.visible = true; }
+void layOutForm(Control& window, int mostWidth, int mostHeight) {
+    window.width = std::min(600, mostWidth) * kTwipsPerPixel;
+    window.height = std::min(400, mostHeight) * kTwipsPerPixel;
+}
 void hideWindow(Control& window) { window.visible = false; }
 void lockUpdates() {}
 void unlockUpdates() {}

@@ -18,12 +18,22 @@ namespace {
 
 constexpr double kKeySize = 13;  ///< of a key's text; more on high keys
 constexpr double kHighKeySize = 17;
+constexpr int kFormKey = 30, kKeyMargins = 32;  ///< of a key in a form, pixels
 
-QColor faceOf(const Control& record, const Theme& theme) {
+constexpr QColor kDarkAccept(0x3A, 0x86, 0xB0);  ///< the accent, lighter where the ground is dark
+constexpr QColor kPlayFace(0xC0, 0xFF, 0xC0);    ///< of a key that lets something sound
+constexpr QColor kDestroyLine(0xC6, 0x2C, 0x26);
+
+QColor faceOf(const Control& record, const Theme& theme, Dress dress = Dress::plain) {
+    if (dress == Dress::acceptKey) return theme.dark ? kDarkAccept : theme.accent;
+    if (dress == Dress::playKey && isNeutral(record, record.backColor)) return kPlayFace;
     return isNeutral(record, record.backColor) ? theme.face : colourOf(record.backColor, theme.face);
 }
 
-QColor inkOn(const Control& record, const Theme& theme, const QColor& face) {
+QColor inkOn(const Control& record, const Theme& theme, const QColor& face, Dress dress = Dress::plain) {
+    if (dress == Dress::acceptKey) return Qt::white;
+    if (dress == Dress::playKey) return lightness(face) < 0.5 ? QColor(Qt::white) : QColor(0x16, 0x18, 0x1B);
+    if (dress == Dress::destroyKey) return legible(kDestroyLine, face);
     if (record.foreColor() >= 0) return colourOf(record.foreColor, theme.text);
     if (isNeutral(record, record.backColor)) return theme.text;
     return lightness(face) < 0.5 ? QColor(Qt::white) : QColor(0x16, 0x18, 0x1B);
@@ -47,13 +57,21 @@ class KeyWidget final : public QPushButton, public RecordView {
         setText(captionOf(record.caption).replace(QLatin1Char('&'), QLatin1String("&&")));
         if (isSymbol()) setAccessibleName(textOf(record.toolTip));
         QPalette p = paletteOf(themeOf(record));
-        p.setColor(QPalette::Button, faceOf(record, themeOf(record)));
+        p.setColor(QPalette::Button, faceOf(record, themeOf(record), dress));
         setPalette(p);
         tellToggled(*this);
         update();
     }
 
     QString fallbackTip() const override { return cut_ ? captionOf(record.caption) : QString(); }
+
+    QSize sizeHint() const override {
+        if (!inForm(record)) return QPushButton::sizeHint();
+        const double width = QFontMetricsF(fontOf(record, kKeySize, QFont::DemiBold))
+                                 .horizontalAdvance(captionOf(record.caption));
+        return {static_cast<int>(std::ceil(width)) + kKeyMargins, kFormKey};
+    }
+    QSize minimumSizeHint() const override { return sizeHint(); }
 
   protected:
     void paintEvent(QPaintEvent*) override {
@@ -66,14 +84,15 @@ class KeyWidget final : public QPushButton, public RecordView {
         QStyleOptionButton o;
         initStyleOption(&o);
         if (window()->testAttribute(Qt::WA_KeyboardFocusChange)) o.state |= QStyle::State_KeyboardFocusChange;
-        const QColor face = faceOf(record, theme);
+        const QColor face = faceOf(record, theme, dress);
         const bool deep = lightness(face) < 0.5;
         o.palette.setColor(QPalette::Mid,
                            isNeutral(record, record.backColor)
                                ? theme.border
                                : mixed(face, deep ? QColor(Qt::white) : QColor(Qt::black), 0.16));
+        if (dress == Dress::destroyKey && record.enabled()) o.palette.setColor(QPalette::Mid, kDestroyLine);
         style()->drawPrimitive(QStyle::PE_PanelButtonCommand, &o, &p, this);
-        QColor ink = inkOn(record, theme, face);
+        QColor ink = inkOn(record, theme, face, dress);
         if (!record.enabled()) ink = mixed(ink, face, 0.6);
         paintCaption(p, ink, QRectF(rect()).adjusted(5, 2, -5, -2), QFont::Medium);
     }
@@ -137,6 +156,30 @@ class TickWidget final : public Widget, public RecordView {
         p.setColor(QPalette::WindowText, colourOf(record.foreColor, theme.text));
         Widget::setPalette(p);
         Widget::setChecked(record.value() != 0);
+    }
+
+    QSize sizeHint() const override {
+        if (!record.segmented) return Widget::sizeHint();
+        return {Widget::fontMetrics().horizontalAdvance(Widget::text()) + kKeyMargins, kFormKey};
+    }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+  protected:
+    bool hitButton(const QPoint& at) const override {
+        return record.segmented ? Widget::rect().contains(at) : Widget::hitButton(at);
+    }
+
+    void paintEvent(QPaintEvent* e) override {
+        if (!record.segmented) {
+            Widget::paintEvent(e);
+            return;
+        }
+        QPainter p(this);
+        const Theme theme = themeOf(record);
+        drawSegment(p, Widget::rect(), captionOf(record.caption), theme, Widget::isChecked(),
+                    Widget::isEnabled(), Widget::underMouse());
+        if (Widget::hasFocus() && Widget::window()->testAttribute(Qt::WA_KeyboardFocusChange))
+            drawFocus(p, Widget::rect(), theme.text);
     }
 
   private:

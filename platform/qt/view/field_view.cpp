@@ -3,12 +3,14 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
+#include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QSlider>
 #include <QStringListModel>
 #include <QStyledItemDelegate>
+#include <QWheelEvent>
 #include <algorithm>
 
 #include "platform/qt/view/native.h"
@@ -21,7 +23,6 @@ namespace {
 constexpr double kFieldSize = 13;
 constexpr int kRowHeight = 21;
 constexpr int kLongRange = 1000;  ///< a slider of more than that many values scrolls; others set a value
-constexpr int kManyLines = 50;    ///< pixels of height from which a text box has several lines
 
 QPalette fieldPalette(const Control& record) {
     const Theme theme = themeOf(record);
@@ -247,14 +248,37 @@ class SliderWidget final : public QSlider, public RecordView {
         setRange(std::min(record.minimum(), record.maximum()), std::max(record.minimum(), record.maximum()));
         const int range = maximum() - minimum();
         setPageStep(std::max(1, range > kLongRange ? range / 5 : range / 10));
-        setSingleStep(range > kLongRange ? range / 16 : 1);
+        setSingleStep(record.step > 1 || range <= kLongRange ? record.step : range / 16);
         // While the user holds it, the slider knows better than a record that was clamped meanwhile.
         if (value() != record.value()) setValue(record.value);
         showing_ = false;
     }
 
+  protected:
+    void mouseDoubleClickEvent(QMouseEvent* e) override {
+        if (record.standard == kNoStandard) {
+            QSlider::mouseDoubleClickEvent(e);
+            return;
+        }
+        setValue(record.standard);
+        e->accept();
+    }
+
+    void wheelEvent(QWheelEvent* e) override {
+        if (!inForm(record)) {
+            QSlider::wheelEvent(e);
+            return;
+        }
+        turned_ += e->angleDelta().y();
+        const int turns = turned_ / QWheelEvent::DefaultDeltasPerStep;
+        turned_ -= turns * QWheelEvent::DefaultDeltasPerStep;
+        setValue(value() + turns * singleStep());
+        e->accept();
+    }
+
   private:
     bool showing_ = false;
+    int turned_ = 0;  ///< by the wheel, eighths of a degree
 };
 
 template <class Widget>
@@ -302,7 +326,7 @@ bool userSelectsRow(RecordView& view, int row) {
         return true;
     }
     auto* list = as<ListWidget>(view);
-    if (list == nullptr) return false;
+    if (list == nullptr) return userChooses(view, row);
     const QPoint at = list->placeOfRow(row);
     if (at.x() < 0) return false;
     clickAt(*list->viewport(), at);
@@ -323,6 +347,8 @@ bool userMovesSlider(RecordView& view, int value) {
 }
 
 bool userTypes(RecordView& view, std::string_view text) {
+    if (userTypesNumber(view, QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()))))
+        return true;
     QWidget* target = nullptr;
     if (auto* line = as<LineWidget>(view)) {
         line->setFocus();

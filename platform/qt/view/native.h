@@ -19,6 +19,8 @@ int visibleRows(const RecordView& list);
 bool userSelectsRow(RecordView& view, int row);
 bool userMovesSlider(RecordView& view, int value);
 bool userTypes(RecordView& view, std::string_view text);
+bool userChooses(RecordView& view, int row);
+bool userTypesNumber(RecordView& view, const QString& text);
 
 /// Events as a mouse and a keyboard send them, by the window's door.
 bool clickAt(QWidget& widget, QPoint at);

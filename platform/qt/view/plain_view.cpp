@@ -13,7 +13,7 @@
 namespace zv::shell {
 namespace {
 
-constexpr double kLabelSize = 13;
+constexpr double kLabelSize = 13, kNoteSize = 12, kHeadSize = 20, kFigureSize = 26;  // of texts, pixels
 
 Qt::Alignment sideOf(const Control& record) {
     switch (record.alignment()) {
@@ -35,8 +35,23 @@ class PlainWidget final : public QWidget, public RecordView {
 
     void apply() override {
         if (record.kind == ControlKind::label) setAccessibleName(captionOf(record.caption));
+        // In a form a text that no longer fits asks for its room; one that still does moves nothing.
+        if (inForm(record) && sizeHint().width() > width()) updateGeometry();
         update();
     }
+
+    QSize sizeHint() const override {
+        const QString text = captionOf(record.caption);
+        if (text.isEmpty() || !inForm(record)) return QWidget::sizeHint();
+        double width = 0;
+        const QStringList lines = text.split(QLatin1Char('\n'));
+        for (const QString& line : lines) width = std::max(width, figuresWidth(labelFont(), line.trimmed()));
+        return {static_cast<int>(std::ceil(width)) + 2,
+                static_cast<int>(
+                    std::ceil(QFontMetricsF(labelFont()).height() * static_cast<double>(lines.size())))};
+    }
+
+    QString fallbackTip() const override { return cut_ ? captionOf(record.caption) : QString(); }
 
   protected:
     void paintEvent(QPaintEvent*) override {
@@ -66,6 +81,29 @@ class PlainWidget final : public QWidget, public RecordView {
     }
 
   private:
+    QFont labelFont() const {
+        switch (dress) {
+            case Dress::headTitle:
+                return fontOf(record, kHeadSize, QFont::DemiBold);
+            case Dress::headRight:
+                return fontOf(record, kFigureSize, QFont::Medium);
+            case Dress::headLine:
+            case Dress::note:
+                return fontOf(record, kNoteSize, QFont::Medium);
+            case Dress::cardTitle:
+            case Dress::value:
+                return fontOf(record, kLabelSize, QFont::DemiBold);
+            default:
+                return fontOf(record, kLabelSize);
+        }
+    }
+
+    QColor inkOf(const Theme& theme) const {
+        const bool quiet = dress == Dress::rowLabel || dress == Dress::headLine || dress == Dress::note;
+        const QColor ink = colourOf(record.foreColor, quiet ? theme.muted : theme.text);
+        return dress == Dress::headRight ? legible(ink, theme.dark ? theme.panel : theme.field) : ink;
+    }
+
     void paintFrame(QPainter& p, const Theme& theme) const {
         const bool neutral = isNeutral(record, record.backColor);
         const bool bordered = record.borderColor() != kNoColour;
@@ -117,15 +155,19 @@ class PlainWidget final : public QWidget, public RecordView {
         p.drawRoundedRect(QRectF(0, 0, width() * share, height()), radius, radius);
     }
 
-    void paintText(QPainter& p, const Theme& theme) const {
+    void paintText(QPainter& p, const Theme& theme) {
         const QString text = captionOf(record.caption);
         if (text.isEmpty()) return;
         const bool symbol = record.kind == ControlKind::symbol;
-        QFont font = symbol && record.fontSize() <= 0 ? symbolFont(std::min(24.0, height() * 0.8))
-                                                      : fontOf(record, kLabelSize);
+        QFont font =
+            symbol && record.fontSize() <= 0 ? symbolFont(std::min(24.0, height() * 0.8)) : labelFont();
         if (font.pixelSize() > height() && height() > 8) font.setPixelSize(height());
         p.setFont(font);
-        const QColor ink = colourOf(record.foreColor, theme.text);
+        QColor ink = inkOf(theme);
+        // A colour field says its digits on the colour itself.
+        if (record.kind == ControlKind::colourField && record.foreColor() < 0)
+            ink = lightness(colourOf(record.backColor, theme.face)) < 0.5 ? QColor(Qt::white)
+                                                                          : QColor(Qt::black);
         p.setPen(record.enabled() ? ink : mixed(ink, theme.panel, 0.55));
         const QRect room = isNeutral(record, record.backColor) ? rect() : rect().adjusted(6, 0, -6, 0);
         if (symbol) {
@@ -134,6 +176,7 @@ class PlainWidget final : public QWidget, public RecordView {
         }
         const QFontMetricsF m(font);
         const bool lines = height() >= m.height() * 1.9;
+        setCut(!lines && figuresWidth(font, text) > room.width() + 1);
         if (lines) {
             p.drawText(room, sideOf(record) | Qt::AlignVCenter | Qt::TextWordWrap, text);
         } else {
@@ -141,6 +184,15 @@ class PlainWidget final : public QWidget, public RecordView {
                         m.elidedText(text.simplified(), Qt::ElideRight, room.width() + 1));
         }
     }
+
+    /// The whole of a text that was cut is its tool tip.
+    void setCut(bool cut) {
+        if (cut == cut_) return;
+        cut_ = cut;
+        setToolTip(record.toolTip().empty() ? fallbackTip() : textOf(record.toolTip));
+    }
+
+    bool cut_ = false;
 };
 
 }  // namespace

@@ -97,6 +97,8 @@ class Relay final : public QObject {
             case ControlKind::comboBox:
             case ControlKind::textBox:
             case ControlKind::slider:
+            case ControlKind::number:
+            case ControlKind::tabs:
                 return false;
             default:
                 return true;

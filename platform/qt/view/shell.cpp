@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QPointer>
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -102,7 +103,13 @@ void flushChanged() {
     if (!application()) return;
     // Showing a record changes no record, so one pass is enough; a handler that a widget calls back comes
     // again by its own change.
-    for (Control* record : takeChanged()) showChange(*record);
+    std::vector<Control*> forms;  // a record of each form that changed
+    for (Control* record : takeChanged()) {
+        showChange(*record);
+        const auto same = [&](const Control* c) { return c->parent == record->parent; };
+        if (inForm(*record) && std::ranges::none_of(forms, same)) forms.push_back(record);
+    }
+    for (const Control* record : forms) formChanged(*record);
     const std::int64_t now = monotonicMs();
     advanceViews(now);
 }

@@ -138,6 +138,7 @@ class Style final : public QProxyStyle {
                 return;
             case CE_ShapedFrame:
                 if (w != nullptr && w->inherits("QAbstractScrollArea")) {
+                    if (w->inherits("QScrollArea")) return;  // its contents have frames of their own
                     proxy()->drawPrimitive(PE_Frame, o, p, w);
                     return;
                 }
@@ -159,7 +160,10 @@ class Style final : public QProxyStyle {
                 return;
             case CC_ScrollBar: {
                 const auto& bar = static_cast<const QStyleOptionSlider&>(*o);
-                p->fillRect(o->rect, o->palette.color(QPalette::Base));
+                const bool ofArea = w != nullptr && w->parentWidget() != nullptr &&
+                                    w->parentWidget()->parentWidget() != nullptr &&
+                                    w->parentWidget()->parentWidget()->inherits("QScrollArea");
+                if (!ofArea) p->fillRect(o->rect, o->palette.color(QPalette::Base));
                 QStyleOptionSlider thumb(bar);
                 thumb.rect = proxy()->subControlRect(CC_ScrollBar, &bar, SC_ScrollBarSlider, w);
                 drawThumb(thumb, *p);
@@ -412,6 +416,17 @@ void drawTickBox(QPainter& p, const QRectF& rect, bool on, const QColor& face, c
     const double u = rect.width() / 16;
     p.drawPolyline(QPolygonF{c + QPointF(-4, 0) * u, c + QPointF(-1, 3) * u, c + QPointF(4.5, -3.5) * u});
     p.restore();
+}
+
+void drawSegment(QPainter& p, const QRectF& rect, const QString& text, const Theme& theme, bool on,
+                 bool enabled, bool hovered) {
+    QColor face = on ? theme.accent : theme.face;
+    if (hovered && enabled && !on) face = mixed(face, theme.text, 0.05);
+    drawFace(p, rect, face, on ? theme.accent : theme.border);
+    const QColor ink = on ? theme.accentText : theme.text;
+    p.setPen(enabled ? ink : mixed(ink, face, 0.6));
+    p.setFont(textFont(13, on ? QFont::DemiBold : QFont::Medium));
+    p.drawText(rect, Qt::AlignCenter, text);
 }
 
 double figuresWidth(const QFont& font, const QString& text) {

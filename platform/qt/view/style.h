@@ -10,6 +10,8 @@ class QPainter;
 
 namespace zv::shell {
 
+struct Theme;
+
 inline constexpr double kRadius = 3.5;  ///< of keys and fields, pixels
 
 /// A rounded face with a border of one device-true pixel.
@@ -22,6 +24,9 @@ void drawFocus(QPainter& p, const QRectF& rect, const QColor& colour);
 /// A box with or without its tick.
 void drawTickBox(QPainter& p, const QRectF& rect, bool on, const QColor& face, const QColor& border,
                  const QColor& tick);
+/// A key of a segmented choice.
+void drawSegment(QPainter& p, const QRectF& rect, const QString& text, const Theme& theme, bool on,
+                 bool enabled, bool hovered);
 /// Text with figures of one width, so that times do not shiver. Alignment as the toolkit's.
 void drawFigures(QPainter& p, const QRectF& rect, int alignment, const QString& text);
 double figuresWidth(const QFont& font, const QString& text);

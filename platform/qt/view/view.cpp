@@ -20,7 +20,8 @@ std::unordered_map<const QObject*, RecordView*>& byWidget() {
 
 bool isField(ControlKind kind) {
     return kind == ControlKind::listBox || kind == ControlKind::comboBox || kind == ControlKind::textBox ||
-           kind == ControlKind::slider;
+           kind == ControlKind::slider || kind == ControlKind::number || kind == ControlKind::canvas ||
+           kind == ControlKind::tabs;
 }
 
 }  // namespace
@@ -37,7 +38,7 @@ RecordView::~RecordView() {
 }
 
 void RecordView::refresh() {
-    if (record.kind != ControlKind::window) {
+    if (record.kind != ControlKind::window && !inForm(record)) {
         const QRect place = placeOf(record);
         if (widget.geometry() != place) widget.setGeometry(place);
     }
@@ -62,6 +63,12 @@ void RecordView::press() {
     const MouseEvent middle{MouseButton::left, 0, record.width / 2, record.height / 2};
     call(record.onMouseDown, middle);
     call(record.onMouseUp, middle);
+}
+
+bool inForm(const Control& record) {
+    const Control* top = &record;
+    while (top->parent != nullptr) top = top->parent;
+    return top != &record && top->form != nullptr;
 }
 
 RecordView* viewOf(const Control& record) {
@@ -104,11 +111,22 @@ void makeView(Control& record, QWidget* parent) {
         case ControlKind::option:
             makeButtonView(record, parent);
             break;
-        case ControlKind::listBox:
         case ControlKind::comboBox:
+            record.segmented ? makeChoiceView(record, parent) : makeFieldView(record, parent);
+            break;
+        case ControlKind::tabs:
+            makeChoiceView(record, parent);
+            break;
+        case ControlKind::listBox:
         case ControlKind::textBox:
         case ControlKind::slider:
             makeFieldView(record, parent);
+            break;
+        case ControlKind::number:
+            makeNumberView(record, parent);
+            break;
+        case ControlKind::canvas:
+            makeCanvasView(record, parent);
             break;
         case ControlKind::frame:
         case ControlKind::label:

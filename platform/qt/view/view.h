@@ -6,11 +6,27 @@
 #include <QRect>
 #include <QString>
 #include <QWidget>
+#include <cstdint>
 #include <functional>
 
 #include "platform/controls.h"
 
 namespace zv::shell {
+
+/// How a record is dressed in a form, beside what it says itself.
+enum class Dress : std::uint8_t {
+    plain,
+    rowLabel,  ///< muted, in the column of labels
+    cardTitle,
+    headTitle,
+    headLine,
+    headRight,
+    value,  ///< of a slider: tabular figures, half bold
+    note,   ///< in the foot
+    acceptKey,
+    destroyKey,
+    playKey,
+};
 
 class RecordView {
   public:
@@ -37,12 +53,15 @@ class RecordView {
 
     Control& record;
     QWidget& widget;
+    Dress dress = Dress::plain;
 
   protected:
     /// What the kind shows: text, list, value, colours.
     virtual void apply() = 0;
 };
 
+/// True when the record's window is laid out by a description: its places come from the toolkit's layouts.
+bool inForm(const Control& record);
 /// The view of a record, null when it has no widget (yet).
 RecordView* viewOf(const Control& record);
 /// The record that a widget shows, null for others.
@@ -79,6 +98,9 @@ void makeMeterView(Control& record, QWidget* parent);
 void makePlainView(Control& record, QWidget* parent);   ///< frame, label, symbol, shape, progress, ...
 void makeButtonView(Control& record, QWidget* parent);  ///< button, toggle, check box, option
 void makeFieldView(Control& record, QWidget* parent);   ///< list, combo and text box, slider
+void makeNumberView(Control& record, QWidget* parent);
+void makeChoiceView(Control& record, QWidget* parent);  ///< segmented combo box, tabs
+void makeCanvasView(Control& record, QWidget* parent);
 
 void installAccessibility();
 /// Tells screen readers when a toggle went on or off.

@@ -14,6 +14,8 @@
 #include <vector>
 
 #include "platform/desktop.h"
+#include "platform/forms.h"
+#include "platform/qt/view/form_view.h"
 #include "platform/qt/view/native.h"
 #include "platform/qt/view/shell.h"
 #include "platform/qt/view/theme.h"
@@ -36,6 +38,7 @@ class WindowWidget final : public QWidget, public RecordView {
         setAttribute(Qt::WA_OpaquePaintEvent);
         setFocusPolicy(Qt::ClickFocus);
         if (r.name == "frmSplash") setWindowFlags(Qt::SplashScreen);
+        if (r.form != nullptr && r.form->borderless) setWindowFlags(Qt::Window | Qt::FramelessWindowHint);
         resize(px(r.width), px(r.height));
     }
 
@@ -78,6 +81,9 @@ class WindowWidget final : public QWidget, public RecordView {
         // doing.
         if (!askClose(0)) e->ignore();
     }
+
+    /// The layout of a window that is described; null for others.
+    FormView* form = nullptr;
 
     bool wasShown = false;  ///< only then does the record's visibility count
 
@@ -202,6 +208,12 @@ void dropAllWindows() {
     }
 }
 
+void formChanged(const Control& record) {
+    const Control* top = &record;
+    while (top->parent != nullptr) top = top->parent;
+    if (WindowWidget* w = windowWidget(*top); w != nullptr && w->form != nullptr) w->form->refresh();
+}
+
 bool closeWindow(Control& window) {
     WindowWidget* w = windowWidget(window);
     return w != nullptr && w->isVisible() && w->close();
@@ -229,6 +241,7 @@ WindowWidget* builtWindow(Control& window) {
     w = static_cast<WindowWidget*>(makeWindowView(window));
     if (lockDepth > 0) w->setUpdatesEnabled(false);
     w->refresh();
+    if (window.form != nullptr) w->form = new FormView(window, *w);
     makeChildren(window, w);
     return w;
 }
@@ -254,6 +267,16 @@ void hideWindow(Control& window) {
     std::erase(shownWindows(), &window);
     window.visible = false;
     if (WindowWidget* w = windowWidget(window)) w->hide();
+}
+
+void layOutForm(Control& window, int mostWidth, int mostHeight) {
+    if (window.form == nullptr) return;
+    WindowWidget* w = builtWindow(window);
+    flushChanged();
+    const QSize size = w->isVisible() ? w->size() : w->form->fit({mostWidth, mostHeight});
+    window.width = size.width() * kTwipsPerPixel;
+    window.height = size.height() * kTwipsPerPixel;
+    w->form->writeBack();
 }
 
 void lockUpdates() {

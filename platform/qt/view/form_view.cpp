@@ -1,0 +1,495 @@
+#include "platform/qt/view/form_view.h"
+
+#include <QBoxLayout>
+#include <QEvent>
+#include <QFontMetrics>
+#include <QPainter>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QStackedWidget>
+#include <algorithm>
+#include <cmath>
+
+#include "platform/qt/view/style.h"
+#include "platform/qt/view/theme.h"
+#include "platform/qt/view/view.h"
+
+namespace zv::shell {
+namespace {
+
+// Pixels at 100 %.
+constexpr int kEdge = 16, kGap = 12, kRowGap = 10, kCellGap = 8;
+constexpr int kRowHeight = 30, kFootKey = 44, kFootKeyWidth = 120;
+constexpr int kLabelMost = 240;  ///< a longer label takes two lines
+constexpr int kSide = 196;       ///< width of the list of pages
+constexpr int kFieldWidth = 200, kSliderWidth = 160, kSliderMost = 320, kListHeight = 120, kValueWidth = 56;
+constexpr int kBarHeight = 10, kSwatch = 96;
+constexpr int kLeastHeight = 240;
+
+/// The ground of a card: bordered, or none.
+class Card final : public QWidget {
+  public:
+    Card(const Control& window, bool bare, QWidget* parent) : QWidget(parent), window_(window), bare_(bare) {}
+
+  protected:
+    void paintEvent(QPaintEvent*) override {
+        if (bare_) return;
+        QPainter p(this);
+        const Theme theme = themeFor(window_);
+        drawFace(p, rect(), theme.dark ? theme.panel : theme.field, theme.border, 4);
+    }
+
+  private:
+    const Control& window_;
+    bool bare_;
+};
+
+/// The strip at the left in which the list of pages stands.
+class Side final : public QWidget {
+  public:
+    Side(const Control& window, QWidget* parent) : QWidget(parent), window_(window) {}
+
+  protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter p(this);
+        const Theme theme = themeFor(window_);
+        p.fillRect(rect(), theme.panel);
+        p.fillRect(QRect(width() - 1, 0, 1, height()), theme.border);
+    }
+
+  private:
+    const Control& window_;
+};
+
+/// Scrolls what does not fit, and asks for all the room that its contents need.
+class Scroll final : public QScrollArea {
+  public:
+    explicit Scroll(QWidget* parent) : QScrollArea(parent) {
+        setFrameShape(NoFrame);
+        setWidgetResizable(true);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setFocusPolicy(Qt::NoFocus);
+        viewport()->setAutoFillBackground(false);
+    }
+    QSize sizeHint() const override { return widget() != nullptr ? widget()->sizeHint() : QSize(); }
+    QSize minimumSizeHint() const override {
+        return {widget() != nullptr ? widget()->minimumSizeHint().width() : 0, kRowHeight};
+    }
+};
+
+Dress dressOf(KeyRole role) {
+    switch (role) {
+        case KeyRole::accept:
+            return Dress::acceptKey;
+        case KeyRole::destroy:
+            return Dress::destroyKey;
+        case KeyRole::play:
+            return Dress::playKey;
+        default:
+            return Dress::plain;
+    }
+}
+
+bool stretches(ControlKind kind) {
+    switch (kind) {
+        case ControlKind::listBox:
+        case ControlKind::canvas:
+        case ControlKind::progress:
+            return true;
+        default:
+            return false;
+    }
+}
+
+int textWidth(const Control& record) {
+    int widest = 0;
+    const QFontMetrics m(fontOf(record, 13, QFont::Medium));
+    for (const std::string& item : record.items())
+        widest = std::max(widest, m.horizontalAdvance(textOf(item)));
+    return widest;
+}
+
+/// Least and largest size of a control by its kind.
+void sizeCell(const Control& record, QWidget& w, const FormCell& cell, const FormRow* row) {
+    const int high = row != nullptr && row->height > 0 ? row->height : kRowHeight;
+    const bool rest = cell.width == kRestOfRow;
+    switch (record.kind) {
+        case ControlKind::button:
+        case ControlKind::toggle:
+            w.setFixedHeight(row == nullptr ? kFootKey : kRowHeight);
+            w.setMinimumWidth(row == nullptr ? kFootKeyWidth : 0);
+            break;
+        case ControlKind::textBox:
+            if (high >= kManyLines) {
+                w.setMinimumHeight(high);
+            } else {
+                w.setFixedHeight(kRowHeight);
+            }
+            w.setMinimumWidth(rest ? kSwatch : kFieldWidth);
+            break;
+        case ControlKind::comboBox:
+            if (record.segmented) break;
+            w.setFixedHeight(kRowHeight);
+            w.setMinimumWidth(std::clamp(textWidth(record) + 44, rest ? kSwatch : kSliderWidth, kSliderMost));
+            break;
+        case ControlKind::slider:
+            w.setFixedHeight(kRowHeight);
+            w.setMinimumWidth(kSliderWidth);
+            if (!rest) w.setMaximumWidth(kSliderMost);
+            break;
+        case ControlKind::listBox:
+            w.setMinimumSize(kSwatch, row != nullptr && row->height > 0 ? row->height : kListHeight);
+            break;
+        case ControlKind::canvas:
+            w.setMinimumSize(kSwatch, high);
+            break;
+        case ControlKind::progress:
+            w.setFixedHeight(kBarHeight);
+            break;
+        case ControlKind::meter:
+            if (record.meterLook().vertical) {
+                w.setFixedWidth(kBarHeight);
+                w.setMinimumHeight(high);
+            } else {
+                w.setFixedHeight(kBarHeight);
+                w.setMinimumWidth(rest ? kSwatch : kSliderWidth);
+            }
+            break;
+        case ControlKind::colourField:
+            w.setFixedSize(cell.width > 0 ? cell.width : kSwatch, high);
+            break;
+        case ControlKind::checkBox:
+        case ControlKind::option:
+            w.setFixedHeight(kRowHeight);
+            break;
+        default:
+            break;
+    }
+    if (cell.width > 0 && record.kind != ControlKind::colourField) w.setFixedWidth(cell.width);
+}
+
+QWidget* rowWidget(QWidget* parent, QHBoxLayout*& row) {
+    auto* widget = new QWidget(parent);
+    row = new QHBoxLayout(widget);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(kCellGap);
+    return widget;
+}
+
+}  // namespace
+
+FormView::FormView(Control& record, QWidget& window)
+    : QObject(&window), record_(record), window_(window), form_(*record.form) {
+    auto* root = new QHBoxLayout(&window);
+    root->setContentsMargins(0, 0, 0, 0);
+    root->setSpacing(0);
+    root->setSizeConstraint(QLayout::SetNoConstraint);
+    if (form_.pager != nullptr && form_.pager->kind == ControlKind::listBox) addSide(*root);
+    auto* right = new QWidget(&window);
+    root->addWidget(right, 1);
+    body_ = new QVBoxLayout(right);
+    body_->setContentsMargins(kEdge, kEdge, kEdge, kEdge);
+    body_->setSpacing(kGap);
+    if (QWidget* header = makeHeader()) body_->addWidget(header);
+
+    scroll_ = new Scroll(right);
+    content_ = new QWidget(scroll_);
+    auto* inner = new QVBoxLayout(content_);
+    inner->setContentsMargins(0, 0, 0, 0);
+    inner->setSpacing(kGap);
+    addBlocks(*inner, form_.blocks);
+    if (!form_.pages.empty()) {
+        if (form_.pager != nullptr && form_.pager->kind != ControlKind::listBox) {
+            makeView(*form_.pager, content_);
+            inner->addWidget(&viewOf(*form_.pager)->widget);
+        }
+        stack_ = new QStackedWidget(content_);
+        for (const FormPage& page : form_.pages) {
+            auto* widget = new QWidget(stack_);
+            auto* column = new QVBoxLayout(widget);
+            column->setContentsMargins(0, 0, 0, 0);
+            column->setSpacing(kGap);
+            addBlocks(*column, page.blocks);
+            stack_->addWidget(widget);
+        }
+        inner->addWidget(stack_, 1);
+    }
+    scroll_->setWidget(content_);
+    content_->setAutoFillBackground(false);
+    body_->addWidget(scroll_, 1);
+    if (QWidget* foot = makeFoot()) body_->addWidget(foot);
+    content_->installEventFilter(this);
+    refresh();
+}
+
+void FormView::addSide(QBoxLayout& root) {
+    auto* side = new Side(record_, &window_);
+    side->setFixedWidth(kSide);
+    auto* column = new QVBoxLayout(side);
+    column->setContentsMargins(kCellGap, kEdge, kCellGap, kEdge);
+    column->setSpacing(kGap);
+    for (Control* control : {form_.search, form_.pager}) {
+        if (control == nullptr) continue;
+        makeView(*control, side);
+        QWidget& w = viewOf(*control)->widget;
+        if (control == form_.search) w.setFixedHeight(kRowHeight);
+        column->addWidget(&w, control == form_.pager ? 1 : 0);
+    }
+    root.addWidget(side);
+}
+
+QWidget* FormView::text(const FormText& said, int dress) {
+    if (said.record == nullptr) return nullptr;
+    if (viewOf(*said.record) == nullptr) makeView(*said.record, &window_);
+    RecordView* view = viewOf(*said.record);
+    view->dress = static_cast<Dress>(dress);
+    view->widget.setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    return &view->widget;
+}
+
+QWidget* FormView::makeHeader() {
+    QWidget* title = text(form_.header.title, static_cast<int>(Dress::headTitle));
+    QWidget* line = text(form_.header.line, static_cast<int>(Dress::headLine));
+    QWidget* right = text(form_.header.right, static_cast<int>(Dress::headRight));
+    if (title == nullptr && line == nullptr && right == nullptr) return nullptr;
+    auto* card = new Card(record_, false, &window_);
+    auto* row = new QHBoxLayout(card);
+    row->setContentsMargins(kEdge, kCellGap + 2, kEdge, kCellGap + 2);
+    row->setSpacing(kGap);
+    auto* column = new QVBoxLayout;
+    column->setSpacing(2);
+    for (QWidget* w : {title, line}) {
+        if (w == nullptr) continue;
+        // A long name is cut with an ellipsis rather than making the window wide.
+        w->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+        column->addWidget(w);
+    }
+    row->addLayout(column, 1);
+    if (right != nullptr) row->addWidget(right);
+    return card;
+}
+
+QWidget* FormView::makeFoot() {
+    if (form_.keys.empty() && form_.keysLeft.empty() && form_.note.empty()) return nullptr;
+    QHBoxLayout* row = nullptr;
+    QWidget* foot = rowWidget(&window_, row);
+    row->setSpacing(kGap);
+    for (const FormCell& cell : form_.keysLeft) addCell(*row, cell, nullptr);
+    if (QWidget* note = text(form_.note, static_cast<int>(Dress::note))) {
+        note->setFixedHeight(kFootKey);
+        note->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        note->setMinimumWidth(kFieldWidth);
+        row->addWidget(note, 1);
+    } else {
+        row->addStretch(1);
+    }
+    for (const FormCell& cell : form_.keys) addCell(*row, cell, nullptr);
+    return foot;
+}
+
+void FormView::addBlocks(QVBoxLayout& into, const std::vector<FormBlock>& blocks) {
+    const auto growing = [](const FormBlock& block) {
+        return std::ranges::any_of(block, [](const FormCard& card) {
+            return std::ranges::any_of(card.rows, [](const FormRow& row) { return row.grows; });
+        });
+    };
+    Column common;  // cards below each other have their labels in one column
+    for (const FormBlock& block : blocks) {
+        const int share = growing(block) ? 1 : 0;
+        if (block.size() == 1) {
+            into.addWidget(makeCard(block.front(), common), share);
+            continue;
+        }
+        auto* beside = new QBoxLayout(QBoxLayout::LeftToRight);
+        beside->setSpacing(kGap);
+        for (const FormCard& card : block) {
+            Column own;
+            beside->addWidget(makeCard(card, own), card.share);
+            columns_.push_back(own);
+        }
+        beside_.push_back(beside);
+        into.addLayout(beside, share);
+    }
+    columns_.push_back(common);
+    if (!blocks.empty() && !std::ranges::any_of(blocks, growing) &&
+        (&blocks != &form_.blocks || form_.pages.empty()))
+        into.addStretch(1);
+}
+
+QWidget* FormView::makeCard(const FormCard& card, Column& column) {
+    auto* widget = new Card(record_, card.bare, &window_);
+    auto* rows = new QVBoxLayout(widget);
+    const int side = card.bare ? 0 : kEdge, end = card.bare ? 0 : kGap;
+    rows->setContentsMargins(side, end, side, end);
+    rows->setSpacing(kRowGap);
+    bool grows = false;
+    if (QWidget* title = text(card.title, static_cast<int>(Dress::cardTitle))) rows->addWidget(title);
+    for (const FormRow& row : card.rows) {
+        rows->addWidget(makeRow(row, column), row.grows ? 1 : 0);
+        grows = grows || row.grows;
+    }
+    if (!grows) rows->addStretch(1);
+    return widget;
+}
+
+QWidget* FormView::makeRow(const FormRow& row, Column& column) {
+    QHBoxLayout* cells = nullptr;
+    QWidget* widget = rowWidget(&window_, cells);
+    if (!row.grows) widget->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    widget->setMinimumHeight(row.height > 0 ? row.height : 0);
+    if (QWidget* label = text(row.label, static_cast<int>(Dress::rowLabel))) {
+        column.labels.push_back(label);
+        cells->addWidget(label, 0, row.height > kRowHeight ? Qt::AlignTop : Qt::AlignVCenter);
+        cells->addSpacing(kCellGap);
+    }
+    bool filled = false;
+    for (const FormCell& cell : row.cells) {
+        addCell(*cells, cell, &row);
+        filled = filled || cell.width == kRestOfRow ||
+                 (cell.control != nullptr && cell.width == 0 && stretches(cell.control->kind));
+    }
+    if (!filled) cells->addStretch(1);
+    rows_.push_back({widget, &row});
+    return widget;
+}
+
+QWidget* FormView::addCell(QBoxLayout& into, const FormCell& cell, const FormRow* row) {
+    if (cell.control == nullptr) {
+        into.addStretch(1);
+        return nullptr;
+    }
+    Control& record = *cell.control;
+    const bool high = row != nullptr && (row->grows || row->height >= kManyLines);
+    if (record.kind == ControlKind::textBox && high)
+        record.height = std::max(row->height, kManyLines) * kTwipsPerPixel;  // of several lines
+    if (viewOf(record) == nullptr) makeView(record, &window_);
+    RecordView* view = viewOf(record);
+    view->dress = dressOf(cell.role);
+    QWidget& w = view->widget;
+    const bool stretched = cell.width == kRestOfRow || (cell.width == 0 && stretches(record.kind));
+    if (record.kind == ControlKind::label) {
+        w.setSizePolicy(stretched ? QSizePolicy::Ignored : QSizePolicy::Preferred, QSizePolicy::Preferred);
+        if (stretched) wrapping_.push_back(&w);
+    }
+    if (stretched && record.kind != ControlKind::label)
+        w.setSizePolicy(QSizePolicy::Expanding, w.sizePolicy().verticalPolicy());
+    sizeCell(record, w, cell, row);
+    view->refresh();
+    into.addWidget(&w, stretched ? 1 : 0, high ? Qt::Alignment() : Qt::AlignVCenter);
+    if (QWidget* unit = text(cell.unit, static_cast<int>(Dress::value))) {
+        if (record.kind == ControlKind::slider || record.kind == ControlKind::meter)
+            unit->setMinimumWidth(kValueWidth);
+        into.addWidget(unit, 0, Qt::AlignVCenter);
+    }
+    return &w;
+}
+
+/// Labels of a column are as wide as the longest, up to a limit; above it they take lines.
+void FormView::alignLabels() {
+    for (const Column& column : columns_) {
+        int width = 0;
+        for (const QWidget* label : column.labels) width = std::max(width, label->sizeHint().width());
+        width = std::min(width, kLabelMost);
+        for (QWidget* label : column.labels) {
+            label->setFixedWidth(width);
+            const Control* record = recordOf(label);
+            const QFontMetrics m(fontOf(*record, 13));
+            const QRect needed =
+                m.boundingRect(QRect(0, 0, width, 1000), Qt::TextWordWrap, captionOf(record->caption));
+            label->setMinimumHeight(needed.height() > m.height() * 3 / 2 ? needed.height() + 2 : m.height());
+        }
+    }
+}
+
+void FormView::wrapTexts() {
+    for (QWidget* label : wrapping_) {
+        const Control* record = recordOf(label);
+        const QFontMetrics m(fontOf(*record, 13));
+        const QRect needed = m.boundingRect(QRect(0, 0, std::max(label->width(), kSwatch), 2000),
+                                            Qt::TextWordWrap, captionOf(record->caption));
+        const int lines = (needed.height() + m.height() - 1) / m.height();
+        label->setMinimumHeight(lines > 1 ? std::max(needed.height(), 2 * m.height()) + 2 : m.height());
+    }
+}
+
+void FormView::refresh() {
+    if (stack_ != nullptr && form_.pager != nullptr) {
+        const int page = std::clamp(form_.pager->listIndex(), 0, stack_->count() - 1);
+        if (stack_->currentIndex() != page) {
+            stack_->setCurrentIndex(page);
+            scroll_->verticalScrollBar()->setValue(0);
+        }
+    }
+    // A row whose controls are all hidden goes with its label.
+    for (const Row& row : rows_) {
+        const bool seen =
+            row.said->cells.empty() || std::ranges::any_of(row.said->cells, [](const FormCell& cell) {
+                return cell.control != nullptr && cell.control->visible();
+            });
+        if (row.widget->isHidden() == seen) row.widget->setVisible(seen);
+    }
+    alignLabels();
+}
+
+QSize FormView::fit(QSize most) {
+    refresh();
+    for (QBoxLayout* beside : beside_) beside->setDirection(QBoxLayout::LeftToRight);
+    QLayout& root = *window_.layout();
+    const int bar = scroll_->verticalScrollBar()->sizeHint().width();
+    const auto activate = [&] {
+        for (QWidget* w : content_->findChildren<QWidget*>()) {
+            if (w->layout() != nullptr) w->layout()->invalidate();
+        }
+        content_->layout()->invalidate();
+        content_->layout()->activate();
+        body_->invalidate();
+        root.invalidate();
+        root.activate();
+    };
+    activate();
+    if (root.minimumSize().width() + bar > most.width()) {
+        for (QBoxLayout* beside : beside_) beside->setDirection(QBoxLayout::TopToBottom);
+        activate();
+    }
+    QSize size = root.sizeHint().expandedTo(QSize(form_.width, form_.height)).boundedTo(most);
+    // Texts that take lines need to know their width first.
+    for (int pass = 0; pass < 2; ++pass) {
+        window_.resize(size);
+        activate();
+        wrapTexts();
+        activate();
+        size.setHeight(std::min(std::max(root.sizeHint().height(), form_.height), most.height()));
+    }
+    if (root.sizeHint().height() > most.height() && form_.width == 0)
+        size.setWidth(std::min(size.width() + bar, most.width()));
+    window_.setMinimumSize(std::min(root.minimumSize().width() + bar, size.width()),
+                           std::min(kLeastHeight, size.height()));
+    window_.resize(size);
+    activate();
+    return size;
+}
+
+void FormView::writeBack() {
+    queued_ = false;
+    for (Control* record : record_.children()) {
+        const RecordView* view = viewOf(*record);
+        if (view == nullptr) continue;
+        const QPoint at = view->widget.mapTo(&window_, QPoint());
+        record->left = at.x() * kTwipsPerPixel;
+        record->top = at.y() * kTwipsPerPixel;
+        record->width = view->widget.width() * kTwipsPerPixel;
+        record->height = view->widget.height() * kTwipsPerPixel;
+    }
+}
+
+bool FormView::eventFilter(QObject* watched, QEvent* e) {
+    const bool moved = e->type() == QEvent::LayoutRequest || e->type() == QEvent::Resize;
+    if (watched == content_ && moved && !queued_) {
+        queued_ = true;
+        QMetaObject::invokeMethod(
+            this, [this] { writeBack(); }, Qt::QueuedConnection);
+    }
+    return false;
+}
+
+}  // namespace zv::shell
