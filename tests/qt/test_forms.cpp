@@ -130,16 +130,135 @@ struct TestForm {
     void shoot(const std::string& file) { grabWindow(window, file); }
 };
 
-TEST(Forms, Picture) {
-    for (const bool dark : {false, true}) {
-        TestForm form(dark);
-        form.open();
-        form.shoot(dark ? "/tmp/form_dark.png" : "/tmp/form_light.png");
-        printf("%d %d\n", px(form.window.width), px(form.window.height));
+/// Texts of the form that do not find room, joined by blanks.
+std::string clipped(TestForm& form) {
+    std::string out;
+    for (const Control* c : form.window.children()) {
+        RecordView* view = viewOf(*c);
+        if (view == nullptr || !view->widget.isVisible() || c->caption().empty()) continue;
+        if (!view->fallbackTip().isEmpty()) out += c->name + " ";
     }
+    return out;
+}
+
+TEST(Forms, FitTheRoomThatTheScreenHasAndTellTheirPlaces) {
+    struct Case {
+        int width, height;
+    };
+    for (const Case& c : {Case{1000, 900}, Case{1000, 420}, Case{784, 560}, Case{640, 400}}) {
+        TestForm form;
+        form.open(c.width, c.height);
+        const std::string room = std::to_string(c.width) + " x " + std::to_string(c.height);
+        EXPECT_LE(px(form.window.width), c.width) << room;
+        EXPECT_LE(px(form.window.height), c.height) << room;
+        EXPECT_EQ(clipped(form), "") << room;
+        // The foot stays, the key that Enter presses at the lower right; places are told in the records.
+        EXPECT_EQ(form.btOK.left() + form.btOK.width(), form.window.width - twips(16)) << room;
+        EXPECT_EQ(form.btOK.top() + form.btOK.height(), form.window.height - twips(16)) << room;
+        EXPECT_GT(form.btOK.left(), form.btCancel.left() + form.btCancel.width()) << room;
+        for (const Control* control : {&form.txtName, &form.slide, &form.rows, &form.place, &form.device}) {
+            const QWidget& w = viewOf(*control)->widget;
+            const QPoint at = w.mapTo(w.window(), QPoint());
+            EXPECT_EQ(control->left(), twips(at.x())) << room << control->name;
+            EXPECT_EQ(control->width(), twips(w.width())) << room << control->name;
+            EXPECT_LE(px(control->left() + control->width()), px(form.window.width) - 16)
+                << room << control->name;
+        }
+    }
+}
+
+TEST(Forms, AreWalkedByTabInReadingOrder) {
     TestForm form;
-    form.open(500, 400);
-    form.shoot("/tmp/form_narrow.png");
+    form.open();
+    std::string order;
+    setFocus(form.canvas);
+    for (int i = 0; i < 20; ++i) {
+        const Control* at = focusedControl();
+        const std::string name = at != nullptr ? at->name : "?";
+        if (order.find(name) != std::string::npos) break;
+        order += name + " ";
+        keyDown(Key::tab);
+        keyUp(Key::tab);
+    }
+    EXPECT_EQ(
+        order,
+        "picWave tabs txtName SlideVol udRows cmbPlace cmbDevice ckTick ColField btReset btCancel btOK ");
+}
+
+TEST(Forms, ControlsAreWorkedByMouseWheelAndKeys) {
+    TestForm form;
+    form.open();
+    int changes = 0;
+    for (Control* c : {&form.rows, &form.slide, &form.place, &form.tabs}) c->onChange = [&] { ++changes; };
+    const auto wheel = [&](Control& c, int turns) {
+        QWidget& w = viewOf(c)->widget;
+        const QPointF at = w.rect().center();
+        QWheelEvent e(at, w.mapToGlobal(at), {}, QPoint(0, 120 * turns), Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&w, &e);
+    };
+    struct Case {
+        const char* what;
+        std::function<void()> act;
+        Control* control;
+        int value, changes;
+    };
+    const Case cases[] = {
+        {"minus",
+         [&] {
+             click(form.rows, MouseButton::left, 0, {twips(10), twips(15)});
+         },
+         &form.rows, 5, 1},
+        {"plus",
+         [&] {
+             click(form.rows, MouseButton::left, 0, {form.rows.width - twips(10), twips(15)});
+         },
+         &form.rows, 6, 1},
+        {"wheel", [&] { wheel(form.rows, 2); }, &form.rows, 8, 1},
+        {"arrow", [&] { setFocus(form.rows), keyDown(Key::down); }, &form.rows, 7, 1},
+        {"page", [&] { keyDown(Key::pageUp); }, &form.rows, 12, 1},
+        {"above the limit", [&] { wheel(form.rows, 1); }, &form.rows, 12, 0},
+        {"typed", [&] { typeText(form.rows, "9"); }, &form.rows, 9, 1},
+        {"typed too high", [&] { typeText(form.rows, "99"); }, &form.rows, 12, 1},
+        {"typed nonsense", [&] { typeText(form.rows, "x"); }, &form.rows, 12, 0},
+        {"slider's wheel", [&] { wheel(form.slide, -1); }, &form.slide, 75, 1},
+        {"slider's arrow", [&] { setFocus(form.slide), keyDown(Key::right); }, &form.slide, 80, 1},
+    };
+    for (const Case& c : cases) {
+        changes = 0;
+        c.act();
+        EXPECT_EQ(c.control->value(), c.value) << c.what;
+        EXPECT_EQ(changes, c.changes) << c.what;
+    }
+    doubleClick(form.slide);
+    EXPECT_EQ(form.slide.value(), 100) << "the default";
+    EXPECT_TRUE(selectRow(form.place, 0));
+    EXPECT_EQ(form.place.text(), "None");
+    EXPECT_TRUE(isShown(form.txtName));
+    EXPECT_TRUE(selectRow(form.tabs, 1));
+    flushChanged();
+    deliverEvents();
+    EXPECT_FALSE(typeText(form.txtName, "hidden page"));
+    EXPECT_TRUE(selectRow(form.list, 1));
+    EXPECT_EQ(form.list.text(), "Two");
+}
+
+TEST(Forms, RowsGoWithTheirControlsAndTextsAskForRoom) {
+    TestForm form;
+    form.open();
+    const int below = form.rows.top;
+    form.slide.visible = false;
+    flushChanged();
+    deliverEvents();
+    EXPECT_LT(form.rows.top(), below) << "a row without controls takes no room";
+    EXPECT_FALSE(viewOf(form.lblVol)->widget.isVisible()) << "its label goes with it";
+    form.btOK.caption = "A word that is longer than the key was";
+    flushChanged();
+    deliverEvents();
+    form.window.width = form.window.width + twips(1);
+    flushChanged();
+    deliverEvents();
+    EXPECT_EQ(clipped(form), "");
 }
 
 }  // namespace

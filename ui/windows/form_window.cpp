@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "model/actions.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
@@ -12,8 +13,6 @@
 #include "ui/windows/form_place.h"
 
 namespace zv {
-
-std::function<void()> StopFromWindow;
 
 namespace {
 
@@ -178,7 +177,7 @@ void FormWindow::keyDown(KeyEvent& event) {
     if (event.key == Key::escape) {
         event.consumed = true;
         if (event.repeat) return;
-        if (StopFromWindow) StopFromWindow();
+        if (perform) perform(Action::stopAll, 0, 0);
         if (!pressRole(KeyRole::cancel)) close();
         return;
     }

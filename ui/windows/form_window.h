@@ -76,7 +76,5 @@ class FormWindow {
 void RefreshForms();
 /// Closes all of them, when the program ends.
 void CloseForms();
-/// What Escape does to the sound from within a window; filled by the rooms above.
-extern std::function<void()> StopFromWindow;
 
 }  // namespace zv

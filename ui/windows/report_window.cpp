@@ -11,6 +11,7 @@
 #include "startup/upcalls.h"
 #include "ui/records/main_window.h"
 #include "ui/windows/console_window.h"
+#include "ui/windows/form_window.h"
 
 namespace zv {
 namespace {
@@ -124,6 +125,7 @@ void FillReportUpcalls() {
     startupUpcalls.unloadOtherWindows = [] {
         hide();
         CloseConsole();
+        CloseForms();
     };
     startupUpcalls.endProgram = endProgram;
 }

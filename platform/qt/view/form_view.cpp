@@ -7,8 +7,10 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStackedWidget>
+#include <QTimer>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "platform/qt/view/style.h"
 #include "platform/qt/view/theme.h"
@@ -218,7 +220,14 @@ FormView::FormView(Control& record, QWidget& window)
     content_->setAutoFillBackground(false);
     body_->addWidget(scroll_, 1);
     if (QWidget* foot = makeFoot()) body_->addWidget(foot);
+    // A widget that was never shown counts as empty in a layout; records say themselves whether they are seen.
+    for (QWidget* w : window.findChildren<QWidget*>()) {
+        if (w->layout() != nullptr && recordOf(w) == &record && w->parentWidget() != stack_) w->show();
+    }
+    scroll_->show();
+    if (stack_ != nullptr) stack_->show();
     content_->installEventFilter(this);
+    window.installEventFilter(this);
     refresh();
 }
 
@@ -426,7 +435,9 @@ void FormView::refresh() {
             row.said->cells.empty() || std::ranges::any_of(row.said->cells, [](const FormCell& cell) {
                 return cell.control != nullptr && cell.control->visible();
             });
-        if (row.widget->isHidden() == seen) row.widget->setVisible(seen);
+        if (row.widget->isHidden() != seen) continue;
+        row.widget->setVisible(seen);
+        writeBackSoon();
     }
     alignLabels();
 }
@@ -437,12 +448,14 @@ QSize FormView::fit(QSize most) {
     QLayout& root = *window_.layout();
     const int bar = scroll_->verticalScrollBar()->sizeHint().width();
     const auto activate = [&] {
-        for (QWidget* w : content_->findChildren<QWidget*>()) {
-            if (w->layout() != nullptr) w->layout()->invalidate();
+        // Layouts remember the sizes of what they hold; from the inside out they ask again.
+        const QList<QWidget*> all = window_.findChildren<QWidget*>();
+        for (auto w = all.rbegin(); w != all.rend(); ++w) {
+            (*w)->updateGeometry();
+            if ((*w)->layout() == nullptr) continue;
+            (*w)->layout()->invalidate();
+            (*w)->layout()->activate();
         }
-        content_->layout()->invalidate();
-        content_->layout()->activate();
-        body_->invalidate();
         root.invalidate();
         root.activate();
     };
@@ -471,6 +484,10 @@ QSize FormView::fit(QSize most) {
 
 void FormView::writeBack() {
     queued_ = false;
+    window_.layout()->activate();
+    for (QWidget* w : window_.findChildren<QWidget*>()) {
+        if (w->layout() != nullptr) w->layout()->activate();
+    }
     for (Control* record : record_.children()) {
         const RecordView* view = viewOf(*record);
         if (view == nullptr) continue;
@@ -484,12 +501,14 @@ void FormView::writeBack() {
 
 bool FormView::eventFilter(QObject* watched, QEvent* e) {
     const bool moved = e->type() == QEvent::LayoutRequest || e->type() == QEvent::Resize;
-    if (watched == content_ && moved && !queued_) {
-        queued_ = true;
-        QMetaObject::invokeMethod(
-            this, [this] { writeBack(); }, Qt::QueuedConnection);
-    }
+    if ((watched == content_ || watched == &window_) && moved) writeBackSoon();
     return false;
+}
+
+/// After the layouts have done what they were asked for.
+void FormView::writeBackSoon() {
+    if (std::exchange(queued_, true)) return;
+    QTimer::singleShot(0, this, [this] { writeBack(); });  // behind all that is posted
 }
 
 }  // namespace zv::shell

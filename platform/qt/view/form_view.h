@@ -50,6 +50,7 @@ class FormView final : public QObject {
     QWidget* text(const FormText& text, int dress);
     void alignLabels();
     void wrapTexts();
+    void writeBackSoon();
 
     Control& record_;
     QWidget& window_;
