@@ -138,7 +138,7 @@ class FileDecoder : public engine::Decoder {
                    (input_->packet().pts == map_.firstStamp() || input_->packet().dts == map_.firstStamp());
         };
         const bool sought =
-            map_.firstStamp() != AV_NOPTS_VALUE && input_->seek(map_.firstStamp()) && atFirst();
+            map_.firstStamp() != AV_NOPTS_VALUE && input_->seekStart(map_.firstStamp()) && atFirst();
         if (!sought && (!input_->reopen() || !input_->readPacket())) {
             drained_ = true;
             chunkStart_ = expected_ = end();

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -11,7 +10,6 @@
 #include "engine/bass.h"
 
 extern "C" {
-#include <libavutil/channel_layout.h>
 #include <libavutil/mem.h>
 }
 
@@ -34,9 +32,6 @@ constexpr const char* verifyVariable = "ZENTROVA_VERIFY_TLS";
 
 constexpr std::int64_t quickProbe = 32'768;    // a WAV opens four times as fast as with the library's 5 MB
 constexpr std::int64_t deepProbe = 5'000'000;  // large pictures in front of the sound
-constexpr int largestChannels = 64;
-constexpr int largestRate = 768'000;
-constexpr float loudestSample = 16;
 constexpr auto fileLimit = 30s;
 constexpr std::size_t largestAllocation = std::size_t{256} << 20;
 
@@ -98,16 +93,6 @@ struct Options {
     void set(const char* key, std::int64_t value) { av_dict_set_int(&dictionary, key, value, 0); }
 };
 
-/// The float decoder where there are two: the others add noise that depends on where decoding began.
-const AVCodec* findDecoder(AVCodecID codec) {
-    const char* name = codec == AV_CODEC_ID_MP1   ? "mp1float"
-                       : codec == AV_CODEC_ID_MP2 ? "mp2float"
-                       : codec == AV_CODEC_ID_MP3 ? "mp3float"
-                                                  : nullptr;
-    const AVCodec* decoder = name ? avcodec_find_decoder_by_name(name) : nullptr;
-    return decoder ? decoder : avcodec_find_decoder(codec);
-}
-
 bool isSecure(const std::string& url) { return url.size() > 5 && (url[4] == 's' || url[4] == 'S'); }
 
 /// Whether this is a film, and not just something that was taken for one by its name.
@@ -118,11 +103,6 @@ bool hasPicture(const AVFormatContext& context) {
         if (parameters.codec_type == AVMEDIA_TYPE_VIDEO && (declared || parameters.width > 0)) return true;
     }
     return false;
-}
-
-std::uint32_t bitsInFile(const AVCodecParameters& parameters) {
-    if (parameters.bits_per_raw_sample > 0) return static_cast<std::uint32_t>(parameters.bits_per_raw_sample);
-    return static_cast<std::uint32_t>(std::max(0, av_get_bits_per_sample(parameters.codec_id)));
 }
 
 }  // namespace
@@ -141,21 +121,6 @@ void MediaInput::setLimit(std::chrono::milliseconds limit) {
 
 std::int64_t MediaInput::fileSize() const { return context_->pb ? avio_size(context_->pb) : -1; }
 
-int MediaInput::openCodec() {
-    const AVCodec* decoder = findDecoder(stream_->codecpar->codec_id);
-    if (!decoder) return AVERROR_DECODER_NOT_FOUND;
-    codec_.reset(avcodec_alloc_context3(decoder));
-    if (!codec_) return AVERROR(ENOMEM);
-    if (const int result = avcodec_parameters_to_context(codec_.get(), stream_->codecpar); result < 0)
-        return result;
-    codec_->pkt_timebase = stream_->time_base;
-    codec_->thread_count = 1;
-    // Encoder delay is cut here, by positions: the codec would cut it only where the stream is entered at its
-    // start.
-    codec_->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
-    return avcodec_open2(codec_.get(), decoder, nullptr);
-}
-
 int MediaInput::connect() {
     Options options;
     options.set("protocol_whitelist", webProtocols);
@@ -170,7 +135,6 @@ int MediaInput::connect() {
 }
 
 int MediaInput::open(std::int64_t probeBytes) {
-    codec_.reset();
     context_.reset();
     AVFormatContext* context = avformat_alloc_context();
     if (!context) return AVERROR(ENOMEM);
@@ -197,7 +161,7 @@ int MediaInput::open(std::int64_t probeBytes) {
     for (unsigned i = 0; i < context->nb_streams; ++i)
         context->streams[i]->discard = static_cast<int>(i) == best ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
     stream_ = context->streams[best];
-    return openCodec();
+    return decoder_.open(*stream_->codecpar, stream_->time_base);
 }
 
 std::unique_ptr<MediaInput> MediaInput::openFile(const std::string& path, int& error) {
@@ -211,15 +175,14 @@ std::unique_ptr<MediaInput> MediaInput::openFile(const std::string& path, int& e
     std::unique_ptr<MediaInput> input(new MediaInput);
     input->address_ = "file:" + path;
     input->packet_.reset(av_packet_alloc());
-    input->frame_.reset(av_frame_alloc());
-    if (!input->packet_ || !input->frame_) {
+    if (!input->packet_) {
         error = BASS_ERROR_MEM;
         return nullptr;
     }
     input->setLimit(fileLimit);
     int result = input->open(quickProbe);
     const bool worthAnotherLook = result == AVERROR_INVALIDDATA || result == AVERROR_STREAM_NOT_FOUND ||
-                                  (result >= 0 && input->codec_->sample_rate <= 0);
+                                  (result >= 0 && input->codec().sample_rate <= 0);
     if (worthAnotherLook &&
         std::filesystem::file_size(path, failure) > static_cast<std::uintmax_t>(quickProbe))
         result = input->open(deepProbe);
@@ -233,8 +196,7 @@ std::unique_ptr<MediaInput> MediaInput::openUrl(const std::string& url, std::uin
     input->address_ = url;
     input->network_ = true;
     input->packet_.reset(av_packet_alloc());
-    input->frame_.reset(av_frame_alloc());
-    if (!input->packet_ || !input->frame_) {
+    if (!input->packet_) {
         error = BASS_ERROR_MEM;
         return nullptr;
     }
@@ -263,7 +225,8 @@ bool MediaInput::readPacket() {
         AVStream& other = *context_->streams[packet_->stream_index];
         if (network_ && other.codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
             stream_ = &other;
-            if (readError_ = openCodec(); readError_ < 0) return false;
+            readError_ = decoder_.open(*stream_->codecpar, stream_->time_base);
+            if (readError_ < 0) return false;
             return true;
         }
     }
@@ -271,86 +234,18 @@ bool MediaInput::readPacket() {
 
 bool MediaInput::seek(std::int64_t ticks) {
     const int result = av_seek_frame(context_.get(), stream_->index, ticks, AVSEEK_FLAG_BACKWARD);
-    avcodec_flush_buffers(codec_.get());
+    decoder_.flush();
     return result >= 0;
+}
+
+bool MediaInput::seekStart(std::int64_t ticks) {
+    return seek(ticks) && decoder_.open(*stream_->codecpar, stream_->time_base) >= 0;
 }
 
 bool MediaInput::seekByte(std::int64_t byte) {
     const int result = av_seek_frame(context_.get(), stream_->index, byte, AVSEEK_FLAG_BYTE);
-    avcodec_flush_buffers(codec_.get());
+    decoder_.flush();
     return result >= 0;
-}
-
-void MediaInput::appendFrame(const AVFrame& frame, std::vector<float>& out) {
-    const int channels = frame.ch_layout.nb_channels;
-    if (channels < 1 || channels > largestChannels || frame.sample_rate < 1 ||
-        frame.sample_rate > largestRate || frame.nb_samples < 1)
-        return;
-    if (format_.rate == 0) {
-        format_ = {static_cast<std::uint32_t>(frame.sample_rate), static_cast<std::uint32_t>(channels),
-                   bitsInFile(*stream_->codecpar)};
-    }
-    const auto sample = static_cast<AVSampleFormat>(frame.format);
-    if (!converter_ || sample != converterSample_ || frame.sample_rate != converterRate_ ||
-        av_channel_layout_compare(&frame.ch_layout, &converterLayout_) != 0) {
-        // A layout without names of its own, or another one than at the start, is taken as the usual one of
-        // as many channels.
-        AVChannelLayout in{}, result{};
-        if (frame.ch_layout.order == AV_CHANNEL_ORDER_UNSPEC)
-            av_channel_layout_default(&in, channels);
-        else
-            av_channel_layout_copy(&in, &frame.ch_layout);
-        if (static_cast<int>(format_.channels) == channels)
-            av_channel_layout_copy(&result, &in);
-        else
-            av_channel_layout_default(&result, static_cast<int>(format_.channels));
-        SwrContext* converter = nullptr;
-        const int failed =
-            swr_alloc_set_opts2(&converter, &result, AV_SAMPLE_FMT_FLT, static_cast<int>(format_.rate), &in,
-                                sample, frame.sample_rate, 0, nullptr);
-        av_channel_layout_uninit(&in);
-        av_channel_layout_uninit(&result);
-        converter_.reset(converter);
-        if (failed < 0 || swr_init(converter) < 0) {
-            converter_.reset();
-            return;
-        }
-        av_channel_layout_uninit(&converterLayout_);
-        av_channel_layout_copy(&converterLayout_, &frame.ch_layout);
-        converterSample_ = sample;
-        converterRate_ = frame.sample_rate;
-    }
-    const int room = swr_get_out_samples(converter_.get(), frame.nb_samples);
-    if (room <= 0) return;
-    const std::size_t before = out.size();
-    out.resize(before + static_cast<std::size_t>(room) * format_.channels);
-    auto* target = reinterpret_cast<std::uint8_t*>(out.data() + before);
-    const int written = swr_convert(converter_.get(), &target, room,
-                                    const_cast<const std::uint8_t**>(frame.extended_data), frame.nb_samples);
-    out.resize(before + static_cast<std::size_t>(std::max(0, written)) * format_.channels);
-    // A damaged packet can come out of a codec as anything; nothing that was meant to be sound is that loud.
-    for (std::size_t i = before; i < out.size(); ++i)
-        if (!(std::abs(out[i]) <= loudestSample)) out[i] = 0;
-}
-
-Yield MediaInput::decode(const AVPacket* packet, std::vector<float>& out) {
-    Yield yield;
-    const std::size_t before = out.size();
-    if (avcodec_send_packet(codec_.get(), packet) < 0) yield.failed = true;
-    while (avcodec_receive_frame(codec_.get(), frame_.get()) >= 0) {
-        if (yield.stamp == AV_NOPTS_VALUE) yield.stamp = frame_->pts;
-        const AVFrameSideData* skip = av_frame_get_side_data(frame_.get(), AV_FRAME_DATA_SKIP_SAMPLES);
-        if (skip && skip->size >= 4) {
-            const std::uint8_t* bytes = skip->data;
-            yield.skip += bytes[0] | static_cast<std::uint32_t>(bytes[1]) << 8 |
-                          static_cast<std::uint32_t>(bytes[2]) << 16 |
-                          static_cast<std::uint32_t>(bytes[3]) << 24;
-        }
-        appendFrame(*frame_, out);
-        av_frame_unref(frame_.get());
-    }
-    if (format_.channels > 0) yield.frames = (out.size() - before) / format_.channels;
-    return yield;
 }
 
 }  // namespace zv

@@ -10,24 +10,16 @@
 #include <vector>
 
 #include "engine/ports.h"
-#include "platform/ffmpeg/av_handles.h"
+#include "platform/ffmpeg/packet_decoder.h"
 
 namespace zv {
-
-/// What one packet became.
-struct Yield {
-    std::size_t frames = 0;               ///< frames of sound
-    std::int64_t stamp = AV_NOPTS_VALUE;  ///< of the first of them, in ticks of the stream
-    std::uint32_t skip = 0;               ///< frames at its start that are encoder delay
-    bool failed = false;                  ///< the codec refused it
-};
 
 /// Owned and called by one thread at a time; only abort() may come from another.
 class MediaInput {
   public:
     MediaInput(const MediaInput&) = delete;
     MediaInput& operator=(const MediaInput&) = delete;
-    ~MediaInput() { av_channel_layout_uninit(&converterLayout_); }
+    ~MediaInput() = default;
 
     /// Opens a file by its path. `error` as openFileDecoder has it.
     static std::unique_ptr<MediaInput> openFile(const std::string& path, int& error);
@@ -40,19 +32,21 @@ class MediaInput {
     /// The AVERROR_ code of the last readPacket() that gave false.
     int readError() const { return readError_; }
 
-    /// Decodes `packet`, or what the codec still holds (null), and appends the sound to `out`.
-    Yield decode(const AVPacket* packet, std::vector<float>& out);
+    /// As PacketDecoder::decode().
+    Yield decode(const AVPacket* packet, std::vector<float>& out) { return decoder_.decode(packet, out); }
     /// Goes to the packet at or before `ticks` (as far as the container can tell) and empties the codec.
     bool seek(std::int64_t ticks);
     /// Goes to the packet that begins at byte `byte` of the file and empties the codec.
     bool seekByte(std::int64_t byte);
+    /// Goes to the first packet, whose stamp is `ticks`, with a codec as new.
+    bool seekStart(std::int64_t ticks);
     /// Goes back to the first packet by opening the file anew.
     bool reopen();
 
     /// Format of what decode() appends: that of the first frame decoded.
-    const engine::SoundFormat& format() const { return format_; }
+    const engine::SoundFormat& format() const { return decoder_.format(); }
     const AVStream& stream() const { return *stream_; }
-    const AVCodecContext& codec() const { return *codec_; }
+    const AVCodecContext& codec() const { return decoder_.codec(); }
     const AVInputFormat& container() const { return *context_->iformat; }
     std::int64_t fileSize() const;
 
@@ -66,23 +60,15 @@ class MediaInput {
     MediaInput() = default;
     int connect();
     int open(std::int64_t probeBytes);
-    int openCodec();
-    void appendFrame(const AVFrame& frame, std::vector<float>& out);
     static int interrupted(void* self);
 
     std::string address_;
     bool network_ = false;
     IoHandle connection_;  ///< of an address; outlives the container that reads from it
     FormatHandle context_;
-    CodecHandle codec_;
+    PacketDecoder decoder_;
     AVStream* stream_ = nullptr;
     PacketHandle packet_;
-    FrameHandle frame_;
-    ResamplerHandle converter_;
-    AVChannelLayout converterLayout_{};
-    AVSampleFormat converterSample_ = AV_SAMPLE_FMT_NONE;
-    int converterRate_ = 0;
-    engine::SoundFormat format_;
     int readError_ = 0;
     std::chrono::steady_clock::time_point deadline_ = std::chrono::steady_clock::time_point::max();
     std::atomic<bool> aborted_ = false;

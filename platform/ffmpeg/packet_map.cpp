@@ -30,6 +30,15 @@ std::uint32_t discardOf(const AVPacket& packet) {
            static_cast<std::uint32_t>(side[7]) << 24;
 }
 
+/// Frames to cut off the end when `packet` is the last: padding can be longer than one packet.
+std::uint32_t discardsSoFar(std::uint32_t before, const AVPacket& packet) {
+    const std::uint32_t discard = discardOf(packet);
+    return discard > 0 ? before + discard : 0;
+}
+
+/// Containers that keep a table of their packets; others read some on their way to a place, or guess it.
+bool inTable(const MediaInput& input) { return std::string_view(input.container().name).starts_with("mov"); }
+
 /// WMA 1 and 2 tell in each block how many frames of sound end in it.
 std::int64_t framesOfWindowsMedia(const AVCodecContext& codec, const AVPacket& packet) {
     const bool first = codec.codec_id == AV_CODEC_ID_WMAV1;
@@ -77,8 +86,23 @@ struct PacketMap::Pass {
     std::size_t firstSound = 0;       ///< packet that gave the first frame
     std::int64_t soundStamp = AV_NOPTS_VALUE;
     std::uint32_t skip = 0;
-    std::uint32_t discard = 0;  ///< of the last packet
+    std::uint32_t discard = 0;  ///< frames that the last packets cut off the end
+    std::int64_t constantFrames() const;
 };
+
+/// Frames that each packet gives where all give as many, 0 otherwise.
+std::int64_t PacketMap::Pass::constantFrames() const {
+    if (firstSound + 1 >= yields.size()) return 0;
+    const std::size_t first = firstSound + 1;  // the very first may be short
+    const auto sameHeader = [&](const Packet& p) {
+        return p.header > 0 && p.header == packets[first].header;
+    };
+    const auto sameYield = [&](std::size_t frames) { return frames == yields[first]; };
+    const auto probed = yields.begin() + static_cast<std::ptrdiff_t>(first);
+    const bool same = std::all_of(packets.begin(), packets.end(), sameHeader) &&
+                      std::all_of(probed, yields.end(), sameYield);
+    return same ? static_cast<std::int64_t>(yields[first]) : 0;
+}
 
 std::optional<PacketMap> PacketMap::survey(MediaInput& input) {
     PacketMap map;
@@ -91,7 +115,7 @@ std::optional<PacketMap> PacketMap::survey(MediaInput& input) {
         pass.packets.push_back({stampOfPacket(packet), packet.duration < largestStamp ? packet.duration : 0,
                                 framesByHeader(input.codec(), *input.stream().codecpar, packet), packet.pos,
                                 packet.size});
-        pass.discard = discardOf(packet);
+        pass.discard = discardsSoFar(pass.discard, packet);
         const bool probe = heard ? index < pass.firstSound + probedYields : index < probedPackets;
         if (!probe) {
             if (!heard) return std::nullopt;
@@ -155,10 +179,12 @@ bool PacketMap::takeStamps(const Pass& pass, MediaInput& input) {
         return false;
 
     const auto& packets = pass.packets;
+    const std::int64_t constant = pass.constantFrames();
     for (std::size_t i = pass.firstSound; i < packets.size(); ++i) {
         const Packet& packet = packets[i];
         if (packet.stamp == AV_NOPTS_VALUE || packet.duration <= 0) return false;
         const bool last = i + 1 == packets.size();
+        if (!last && constant > 0 && toFrames(packet.duration) != constant) return false;
         if (!last && packets[i + 1].stamp != packet.stamp + packet.duration) return false;
         if (!last && i < pass.yields.size() &&
             toFrames(packet.duration) != static_cast<std::int64_t>(pass.yields[i]))
@@ -216,25 +242,43 @@ bool PacketMap::stampsHoldAfterSeek(const Pass& pass, MediaInput& input) const {
 
 bool PacketMap::takeHeaders(const Pass& pass, MediaInput& input) {
     const auto& packets = pass.packets;
+    // Of codecs that double their frames (HE-AAC), headers tell the half.
+    const std::int64_t constant = pass.constantFrames();
+    const auto frames = [&](std::size_t i) { return constant > 0 ? constant : packets[i].header; };
     for (std::size_t i = 0; i < packets.size(); ++i) {
         if (packets[i].header <= 0 && i >= pass.yields.size()) return false;
         const bool compared = i > pass.firstSound && i < pass.yields.size() && i + 1 < packets.size();
-        if (compared && packets[i].header != static_cast<std::int64_t>(pass.yields[i])) return false;
+        if (compared && frames(i) != static_cast<std::int64_t>(pass.yields[i])) return false;
     }
     std::vector<Mark> marks;
     std::int64_t at = -static_cast<std::int64_t>(pass.skip);
     for (std::size_t i = 0; i < packets.size(); ++i) {
-        marks.push_back({packets[i].stamp, at, packets[i].size});
-        at += i < pass.yields.size() ? static_cast<std::int64_t>(pass.yields[i]) : packets[i].header;
+        marks.push_back({packets[i].stamp, at, packets[i].byte, packets[i].size});
+        at += i < pass.yields.size() ? static_cast<std::int64_t>(pass.yields[i]) : frames(i);
     }
     marks_ = std::move(marks);
     length_ = static_cast<std::uint64_t>(std::max<std::int64_t>(0, at - pass.discard));
+    const bool told = constant > 0 && inTable(input);
+    if (told) capAtDurations(pass, constant);
 
-    // What the last packets and the emptied codec really give.
     if (packets.size() <= tailPackets) return takeDecoded(input);
     const std::size_t from = packets.size() - tailPackets;
-    searchable_ = searchable();
-    if (!searchable_ || !input.seek(packets[from].stamp)) return takeDecoded(input);
+    chooseSearch(input);
+    if (search_ == Search::none) return takeDecoded(input);
+    return told || measureTail(input, packets[from].stamp, pass.discard) || takeDecoded(input);
+}
+
+/// Stamps that jitter still tell how long the sound is meant to be.
+void PacketMap::capAtDurations(const Pass& pass, std::int64_t constant) {
+    std::int64_t meant = -static_cast<std::int64_t>(pass.skip);
+    for (const Packet& packet : pass.packets)
+        meant += packet.duration > 0 ? toFrames(packet.duration) : constant;
+    if (meant > 0) length_ = std::min(length_, static_cast<std::uint64_t>(meant));
+}
+
+/// The length by what the last packets and the emptied codec really give.
+bool PacketMap::measureTail(MediaInput& input, std::int64_t stamp, std::uint32_t discard) {
+    if (!input.seek(stamp)) return false;
     Walker walker(*this);
     walker.restart(false);
     std::vector<float> sound;
@@ -245,18 +289,25 @@ bool PacketMap::takeHeaders(const Pass& pass, MediaInput& input) {
         const Yield yield = input.decode(&input.packet(), sound);
         end = place ? *place + static_cast<std::int64_t>(yield.frames) : -1;
     }
-    if (end < 0) return takeDecoded(input);
+    if (end < 0) return false;
     sound.clear();
     end += static_cast<std::int64_t>(input.decode(nullptr, sound).frames);
-    length_ = static_cast<std::uint64_t>(std::max<std::int64_t>(0, end - pass.discard));
+    length_ = static_cast<std::uint64_t>(std::max<std::int64_t>(0, end - discard));
     return true;
 }
 
-/// Whether a packet can be recognised by its stamp.
-bool PacketMap::searchable() const {
-    return std::adjacent_find(marks_.begin(), marks_.end(), [](const Mark& a, const Mark& b) {
-               return a.stamp == AV_NOPTS_VALUE || b.stamp == AV_NOPTS_VALUE || a.stamp >= b.stamp;
-           }) == marks_.end();
+/// How a packet can be recognised: best by its place in the file, else by its stamp.
+void PacketMap::chooseSearch(const MediaInput& input) {
+    const bool bytesRise = std::adjacent_find(marks_.begin(), marks_.end(), [](const Mark& a, const Mark& b) {
+                               return a.byte < 0 || a.byte >= b.byte;
+                           }) == marks_.end();
+    const bool stamped = std::none_of(marks_.begin(), marks_.end(),
+                                      [](const Mark& mark) { return mark.stamp == AV_NOPTS_VALUE; });
+    const bool stampsRise =
+        std::adjacent_find(marks_.begin(), marks_.end(),
+                           [](const Mark& a, const Mark& b) { return a.stamp >= b.stamp; }) == marks_.end();
+    search_ = Search::none;
+    if (stamped && stampsRise) search_ = inTable(input) && bytesRise ? Search::byte : Search::stamp;
 }
 
 bool PacketMap::takeDecoded(MediaInput& input) {
@@ -269,7 +320,7 @@ bool PacketMap::takeDecoded(MediaInput& input) {
     bool heard = false;
     while (input.readPacket()) {
         const std::int64_t stamp = stampOfPacket(input.packet());
-        discard = discardOf(input.packet());
+        discard = discardsSoFar(discard, input.packet());
         sound.clear();
         const Yield yield = input.decode(&input.packet(), sound);
         if (!heard && yield.frames > 0) {
@@ -277,13 +328,13 @@ bool PacketMap::takeDecoded(MediaInput& input) {
             at = -static_cast<std::int64_t>(yield.skip);
             for (Mark& mark : marks_) mark.frame = at;
         }
-        marks_.push_back({stamp, at, input.packet().size});
+        marks_.push_back({stamp, at, input.packet().pos, input.packet().size});
         at += static_cast<std::int64_t>(yield.frames);
     }
     sound.clear();
     at += static_cast<std::int64_t>(input.decode(nullptr, sound).frames);
     if (input.timedOut()) return false;
-    searchable_ = searchable();
+    chooseSearch(input);
     length_ = static_cast<std::uint64_t>(std::max<std::int64_t>(0, at - discard));
     return !marks_.empty();
 }
@@ -320,10 +371,16 @@ std::optional<std::int64_t> PacketMap::Walker::place(const AVPacket& packet) {
     if (map_->exactStamps_) return map_->frameOf(stamp);
 
     const auto& marks = map_->marks_;
+    if (map_->search_ == Search::byte) {
+        const auto found =
+            std::lower_bound(marks.begin(), marks.end(), packet.pos,
+                             [](const Mark& mark, std::int64_t pos) { return mark.byte < pos; });
+        return found != marks.end() && found->byte == packet.pos ? std::optional(found->frame) : std::nullopt;
+    }
     if (agreed_ < neededAgreement) {
         // The first packets after a seek may be pieces, and their stamps off by their rounding: a packet
         // counts as found when some in a row agree with the map.
-        if (stamp == AV_NOPTS_VALUE || !map_->searchable_) return std::nullopt;
+        if (stamp == AV_NOPTS_VALUE || map_->search_ == Search::none) return std::nullopt;
         auto nearest =
             std::lower_bound(marks.begin(), marks.end(), stamp,
                              [](const Mark& mark, std::int64_t wanted) { return mark.stamp < wanted; });

@@ -28,7 +28,7 @@ class PacketMap {
     /// Goes to the packet that holds `frame`, or to one before it.
     bool enter(MediaInput& input, std::int64_t frame) const;
     /// Whether a packet is placed as soon as it is read, and not only after a few more.
-    bool placesAtOnce() const { return exactStamps_; }
+    bool placesAtOnce() const { return exactStamps_ || search_ == Search::byte; }
     /// Where sound of stamp `stamp` stands; nothing where stamps are not exact.
     std::optional<std::int64_t> frameOf(std::int64_t stamp) const;
 
@@ -51,8 +51,11 @@ class PacketMap {
     struct Mark {
         std::int64_t stamp;
         std::int64_t frame;
+        std::int64_t byte;  ///< where it stands in the file, -1 unknown
         int size;
     };
+    /// What a packet is recognised by.
+    enum class Search : unsigned char { none, stamp, byte };
     /// Blocks of one size in a row, each decoded by itself: the place in the file tells the frame.
     struct Blocks {
         std::int64_t start = 0;  ///< byte of the first
@@ -69,12 +72,14 @@ class PacketMap {
     void takeBlocks(const MediaInput& input, std::int64_t firstByte);
     std::int64_t stampOf(std::int64_t frame) const;
     void keepOffLastPage(const Pass& pass);
-    bool searchable() const;
+    void capAtDurations(const Pass& pass, std::int64_t constant);
+    bool measureTail(MediaInput& input, std::int64_t stamp, std::uint32_t discard);
+    void chooseSearch(const MediaInput& input);
     bool stampsHoldAfterSeek(const Pass& pass, MediaInput& input) const;
     std::int64_t toFrames(std::int64_t ticks) const { return ticks * framesPerTick_ / ticksPerFrame_; }
 
     bool exactStamps_ = false;
-    bool searchable_ = false;
+    Search search_ = Search::none;
     std::int64_t framesPerTick_ = 1, ticksPerFrame_ = 1;
     std::int64_t origin_ = 0;  ///< frame 0 in frames of the stamps' own count
     std::int64_t firstStamp_ = 0;
