@@ -48,10 +48,8 @@ FLOORS = {
 }
 
 # What still stands against the plan; a line goes when its reason has gone.
-OPEN_ARROWS = {
-    ("engine/sources", "tempo"),
-}
-OPEN_CIRCLES = ["engine/tempo/", "startup/", "platform/qt/view/", "platform/rehearsal/", "platform/pulse/"]
+OPEN_ARROWS = set()
+OPEN_CIRCLES = ["startup/", "platform/qt/view/", "platform/rehearsal/", "platform/pulse/"]
 
 STANDARD = set("""
 algorithm any array atomic barrier bit bitset cassert cctype cerrno cfenv cfloat charconv chrono cinttypes climits

@@ -1,7 +1,7 @@
 // Attributes and slides.
 #include <cmath>
 
-#include "engine/api/engine.h"
+#include "engine/api/channel_ops.h"
 
 using namespace zv::engine;
 

@@ -1,5 +1,4 @@
-// What several operations on channels share.
-#include "engine/api/engine.h"
+#include "engine/api/channel_ops.h"
 
 namespace zv::engine {
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/api/engine.h"
+#include "engine/api/channel_ops.h"
 
 using namespace zv::engine;
 

@@ -1,7 +1,7 @@
 // Output and input devices.
 #include <string>
 
-#include "engine/api/engine.h"
+#include "engine/api/channel_ops.h"
 
 using namespace zv::engine;
 

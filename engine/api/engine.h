@@ -15,7 +15,7 @@
 #include "engine/graph/channel.h"
 #include "engine/graph/graph.h"
 #include "engine/ports.h"
-#include "engine/sources/decode_workers.h"
+#include "engine/api/workers.h"
 
 namespace zv::engine {
 
@@ -33,7 +33,7 @@ class Engine {
     std::mutex mutex;  ///< of all that follows but graph and workers
     Graph graph;
     Outputs outputs{graph};
-    DecodeWorkers workers;
+    Workers workers;
     SyncDispatcher dispatcher;
     EnginePorts ports;
 
@@ -109,19 +109,5 @@ class Call {
 int& selectedOutput();
 /// The input likewise.
 int& selectedInput();
-
-// channel_ops.cpp: what several operations share [any], under the lock
-void orderVolume(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic,
-                 bool stops);
-void orderVoldsp(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic);
-void orderMove(Engine& engine, Channel& channel, std::uint64_t frame);
-void orderPlay(Engine& engine, Channel& channel);
-void orderStop(Engine& engine, Channel& channel);
-std::uint64_t positionOf(Channel& channel);
-
-/// Makes a channel of the given kind known, playing or decoding; null with the code left when it has no
-/// output to play on.
-std::shared_ptr<Channel> prepareChannel(Engine& engine, Kind kind, DWORD flags, const SoundFormat& format);
-DWORD publishChannel(Engine& engine, const std::shared_ptr<Channel>& channel);
 
 }  // namespace zv::engine

@@ -1,7 +1,7 @@
 // Files, tracker modules, web streams, tempo channels, mixers, splits.
 #include <string>
 
-#include "engine/api/engine.h"
+#include "engine/api/channel_ops.h"
 
 using namespace zv::engine;
 

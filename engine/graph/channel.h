@@ -8,10 +8,9 @@
 #include <vector>
 
 #include "engine/bass.h"
-#include "engine/dsp/resampler.h"
 #include "engine/graph/chain.h"
+#include "engine/graph/plug.h"
 #include "engine/graph/slide.h"
-#include "engine/graph/trail.h"
 #include "engine/realtime/trash.h"
 #include "engine/sources/live_input.h"
 #include "engine/sources/paged_sound.h"
@@ -21,7 +20,6 @@ namespace zv::engine {
 
 struct Channel;
 
-inline constexpr std::uint32_t kBlock = 256;  ///< most frames computed in one go
 inline constexpr int kMostDevices = 32;
 
 enum class Kind : std::uint8_t { File, Module, Url, Record, Tempo, Mixer, Split };
@@ -32,19 +30,6 @@ struct SyncNode : Garbage {
     std::uint64_t frame = 0;
     bool once = true;
     SyncNode* next = nullptr;
-};
-
-/// What a channel is plugged into a mixer or a device with: conversion to its rate, and the meter there.
-struct Plug : Garbage {
-    Plug(std::uint32_t from, std::uint32_t to);
-    std::uint32_t rate;                         ///< of what it is plugged into
-    std::unique_ptr<dsp::Resampler> resampler;  ///< null when the rates are equal
-    std::vector<float> in, out;                 ///< of the resampler
-    std::shared_ptr<Metering> meter;            ///< shared with the caller's side
-    std::size_t pending = 0;                    ///< frames waiting in `in`
-    std::uint64_t fed = 0;                      ///< frames taken from the channel since the last reset
-    bool drained = false;                       ///< the channel has nothing more for it
-    void restart();                             ///< [audio]
 };
 
 /// The readers of one source: it is computed once, into a ring that all of them read.

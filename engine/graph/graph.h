@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "engine/graph/channel.h"
-#include "engine/graph/commands.h"
+#include "engine/graph/command_queue.h"
 
 namespace zv::engine {
 

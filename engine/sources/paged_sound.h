@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "engine/ports.h"
-#include "engine/tempo/processor.h"
+#include "engine/realtime/frame_reader.h"
 
 namespace zv::engine {
 

@@ -13,7 +13,9 @@
 #include <vector>
 
 #include "engine/dsp/transposer.h"
-#include "engine/tempo/processor.h"
+#include "engine/ports.h"
+#include "engine/realtime/frame_reader.h"
+#include "engine/tempo/curve.h"
 
 namespace zv::engine {
 

@@ -28,29 +28,10 @@
 #include <vector>
 
 #include "engine/ports.h"
+#include "engine/realtime/frame_reader.h"
 #include "engine/tempo/curve.h"
 
 namespace zv::engine {
-
-/// Where the source ends or wraps.
-struct PlayRange {
-    std::uint64_t end = ~std::uint64_t{0};  ///< frame after the last; all ones: unknown yet, the data ends it
-    std::uint64_t loopStart = 0;            ///< frame
-    bool loop = false;
-    bool operator==(const PlayRange&) const = default;
-};
-
-/// The source by frame number, for the worker: does not move the position of what is playing.
-class FrameReader {
-  public:
-    virtual ~FrameReader() = default;
-    /// Copies frames from `frame` on, interleaved, into `out`; returns the frames copied. Fewer than asked:
-    /// the end of the data, or not decoded yet. Asked for places near the heard position and near the loop
-    /// start, in rising order mostly. [worker] [control]
-    virtual std::size_t readAt(std::uint64_t frame, std::span<float> out) = 0;
-    /// Where it ends or wraps now. [any]
-    virtual PlayRange range() const = 0;
-};
 
 class TempoLane;
 
@@ -140,7 +121,7 @@ class TempoProcessor {
         std::uint32_t changes;
     };
 
-    // tempo_processor.cpp: [control] [audio]
+    // processor.cpp: [control] [audio]
     template <typename Change>
     void change(Change change);
     void publish();
@@ -153,7 +134,7 @@ class TempoProcessor {
     void end();
     void drop(TempoLane* lane);
 
-    // tempo_work.cpp: [worker]
+    // work.cpp: [worker]
     Snapshot snapshot() const;
     std::uint64_t turn() const;
     Wish wish() const;

@@ -4,6 +4,7 @@
 
 #include "engine/dsp/denormals.h"
 #include "engine/tempo/lane.h"
+#include "engine/tempo/processor.h"
 
 namespace zv::engine {
 namespace {

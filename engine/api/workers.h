@@ -9,12 +9,13 @@
 #include <vector>
 
 #include "engine/sources/paged_sound.h"
+#include "engine/tempo/processor.h"
 
 namespace zv::engine {
 
-class DecodeWorkers {
+class Workers {
   public:
-    ~DecodeWorkers() { stop(); }
+    ~Workers() { stop(); }
     /// [control]
     void start();
     void stop();

@@ -1,4 +1,4 @@
-#include "engine/sources/decode_workers.h"
+#include "engine/api/workers.h"
 
 #include <algorithm>
 #include <chrono>
@@ -16,29 +16,29 @@ constexpr int kSoon = 100;  ///< urgencies below belong to sounding channels
 
 }  // namespace
 
-void DecodeWorkers::start() {
+void Workers::start() {
     if (!threads_.empty()) return;
     for (int i = 0; i < kThreads; ++i)
         threads_.emplace_back([this, i](const std::stop_token& stop) { run(stop, i > 0); });
 }
 
-void DecodeWorkers::stop() {
+void Workers::stop() {
     for (auto& thread : threads_) thread.request_stop();
     threads_.clear();
 }
 
-void DecodeWorkers::add(const std::shared_ptr<PagedSound>& sound) {
+void Workers::add(const std::shared_ptr<PagedSound>& sound) {
     const std::lock_guard lock(mutex_);
     sounds_.push_back(sound);
 }
 
-void DecodeWorkers::add(const std::shared_ptr<TempoProcessor>& tempo,
+void Workers::add(const std::shared_ptr<TempoProcessor>& tempo,
                         const std::shared_ptr<PagedSound>& reads) {
     const std::lock_guard lock(mutex_);
     tempos_.push_back({tempo, reads});
 }
 
-void DecodeWorkers::wake() {
+void Workers::wake() {
     {
         const std::lock_guard lock(mutex_);
         woken_ = helpWanted_ = true;
@@ -46,7 +46,7 @@ void DecodeWorkers::wake() {
     wanted_.notify_all();
 }
 
-void DecodeWorkers::callHelper() {
+void Workers::callHelper() {
     {
         const std::lock_guard lock(mutex_);
         if (helpWanted_) return;
@@ -55,7 +55,7 @@ void DecodeWorkers::callHelper() {
     wanted_.notify_all();
 }
 
-DecodeWorkers::Work DecodeWorkers::collect() {
+Workers::Work Workers::collect() {
     Work work;
     const std::lock_guard lock(mutex_);
     std::erase_if(sounds_, [&](const auto& known) {
@@ -77,11 +77,11 @@ DecodeWorkers::Work DecodeWorkers::collect() {
     return work;
 }
 
-bool DecodeWorkers::Work::busy() const {
+bool Workers::Work::busy() const {
     return std::ranges::any_of(sounds, [](const auto& sound) { return sound->sounding(); });
 }
 
-bool DecodeWorkers::serveOnce(const Work& work) {
+bool Workers::serveOnce(const Work& work) {
     for (const auto& tempo : work.tempos) tempo->work();
     // The most urgent page of all sounds, then look anew: a press in between goes first.
     std::vector<std::pair<int, PagedSound*>> order;
@@ -101,7 +101,7 @@ bool DecodeWorkers::serveOnce(const Work& work) {
 }
 
 /// One looks after everything in time; the helper sleeps until there is more than one can do at once.
-void DecodeWorkers::run(const std::stop_token& stop, bool helper) {
+void Workers::run(const std::stop_token& stop, bool helper) {
     const FlushToZero flush;
     bool& called = helper ? helpWanted_ : woken_;
     while (!stop.stop_requested()) {
@@ -123,7 +123,7 @@ void DecodeWorkers::run(const std::stop_token& stop, bool helper) {
     }
 }
 
-void DecodeWorkers::serveBlock() {
+void Workers::serveBlock() {
     // Room for one block at sixteen times the rate, at the present position and where a loop returns to.
     constexpr std::uint64_t room = PagedSound::kPage;
     const Work work = collect();
@@ -136,12 +136,12 @@ void DecodeWorkers::serveBlock() {
     for (const auto& tempo : work.tempos) tempo->work();
 }
 
-void DecodeWorkers::serveAll() {
+void Workers::serveAll() {
     while (serveOnce(collect())) {
     }
 }
 
-std::size_t DecodeWorkers::memory() {
+std::size_t Workers::memory() {
     std::size_t bytes = 0;
     for (const auto& sound : collect().sounds) bytes += sound->memory();
     return bytes;

@@ -1,4 +1,6 @@
-#include "engine/graph/commands.h"
+#include "engine/graph/command_queue.h"
+
+#include "engine/graph/channel.h"
 
 namespace zv::engine {
 

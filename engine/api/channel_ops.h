@@ -1,0 +1,24 @@
+/// What several operations on channels share. All of it under the engine's lock. [any]
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "engine/api/engine.h"
+
+namespace zv::engine {
+
+void orderVolume(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic,
+                 bool stops);
+void orderVoldsp(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic);
+void orderMove(Engine& engine, Channel& channel, std::uint64_t frame);
+void orderPlay(Engine& engine, Channel& channel);
+void orderStop(Engine& engine, Channel& channel);
+std::uint64_t positionOf(Channel& channel);
+
+/// Makes a channel of the given kind known, playing or decoding; null with the code left when it has no
+/// output to play on.
+std::shared_ptr<Channel> prepareChannel(Engine& engine, Kind kind, DWORD flags, const SoundFormat& format);
+DWORD publishChannel(Engine& engine, const std::shared_ptr<Channel>& channel);
+
+}  // namespace zv::engine

@@ -1,0 +1,23 @@
+#include "engine/graph/plug.h"
+
+namespace zv::engine {
+namespace {
+constexpr double kMeterSeconds = 1.0;
+}
+
+Plug::Plug(std::uint32_t from, std::uint32_t to)
+    : rate(to), meter(std::make_shared<Metering>(to, kMeterSeconds)) {
+    if (from == to) return;
+    resampler = std::make_unique<dsp::Resampler>(from, to, 2U);
+    in.resize((resampler->inputNeeded(kBlock) + 64) * 2);
+    out.resize(std::size_t{kBlock} * 2);
+}
+
+void Plug::restart() {
+    if (resampler) resampler->reset();
+    pending = 0;
+    fed = 0;
+    drained = false;
+}
+
+}  // namespace zv::engine

@@ -1,0 +1,29 @@
+/// How a channel is plugged into a mixer or a device.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "engine/dsp/resampler.h"
+#include "engine/graph/trail.h"
+#include "engine/realtime/trash.h"
+
+namespace zv::engine {
+
+inline constexpr std::uint32_t kBlock = 256;  ///< most frames computed in one go
+
+/// What a channel is plugged into a mixer or a device with: conversion to its rate, and the meter there.
+struct Plug : Garbage {
+    Plug(std::uint32_t from, std::uint32_t to);
+    std::uint32_t rate;                         ///< of what it is plugged into
+    std::unique_ptr<dsp::Resampler> resampler;  ///< null when the rates are equal
+    std::vector<float> in, out;                 ///< of the resampler
+    std::shared_ptr<Metering> meter;            ///< shared with the caller's side
+    std::size_t pending = 0;                    ///< frames waiting in `in`
+    std::uint64_t fed = 0;                      ///< frames taken from the channel since the last reset
+    bool drained = false;                       ///< the channel has nothing more for it
+    void restart();                             ///< [audio]
+};
+
+}  // namespace zv::engine
