@@ -251,7 +251,7 @@ bool BASS_MusicFree(HMUSIC handle);
 
 // ---- channels
 
-/// BASS_ACTIVE_...: the caller's own orders are seen at once. Only web streams and recordings stall. 0 with
+/// BASS_ACTIVE_...: the caller's own commands are seen at once. Only web streams and recordings stall. 0 with
 /// BASS_ERROR_HANDLE for an unknown handle. [any]
 DWORD BASS_ChannelIsActive(DWORD handle);
 /// Errors: ILLPARAM. [any]
@@ -300,7 +300,7 @@ bool BASS_ChannelGetAttribute(DWORD handle, DWORD attribute, float* value);
 /// value, the one after the last the new. With BASS_SLIDE_LOG or-ed in, in equal ratios over at most 60 dB; of
 /// TEMPO in equal ratios of the speed, of TEMPO_PITCH in equal semitones either way. 0 ms acts at once. VOL to
 /// -1: to silence, then the channel stops on that very sample and the attribute stays 0. Slides run on while
-/// nothing sounds. Those of TEMPO... are heard from 25 to 50 ms after the order on, at the value they have
+/// nothing sounds. Those of TEMPO... are heard from 25 to 50 ms after the call on, at the value they have
 /// reached by then. Errors: as BASS_ChannelSetAttribute; gains below 0 count as 0. [any]
 bool BASS_ChannelSlideAttribute(DWORD handle, DWORD attribute, float value, DWORD ms);
 /// Whether a slide of the attribute is under way. [any]
@@ -317,7 +317,7 @@ bool BASS_ChannelGetLevelEx(DWORD handle, float* levels, float seconds, DWORD fl
 DWORD BASS_ChannelGetData(DWORD handle, void* buffer, DWORD bytes);
 /// Has `procedure` run when the heard position reaches `position` (bytes; also in a pass of a loop, not when
 /// a set position jumps over it): once with BASS_SYNC_ONETIME or-ed to the type BASS_SYNC_POS, else every
-/// time. Slides and stops that it orders act at most one period later. Errors: ILLTYPE, ILLPARAM, MEM. [any]
+/// time. Slides and stops that it commands act at most one period later. Errors: ILLTYPE, ILLPARAM, MEM. [any]
 HSYNC BASS_ChannelSetSync(DWORD handle, DWORD type, QWORD position, SYNCPROC* procedure, void* user);
 /// Removes a sync; waits for its procedure when it is just running (not on the dispatcher itself). Errors:
 /// HANDLE (channel or sync). [any]

@@ -144,7 +144,7 @@ struct DeviceStatistics {
         0;  ///< callbacks that took longer than their sound lasts, and times the device ran dry
     std::uint64_t longestCallbackNs = 0;
     std::uint64_t commandOverflows = 0;  ///< commands that found the ring full
-    std::uint64_t starvations = 0;       ///< times a decoder or a bridge was not ahead in time
+    std::uint64_t sourceUnderruns = 0;   ///< times a decoder or a bridge was not ahead in time
 };
 
 /// The table through which the program reaches what is not an operation on channels.

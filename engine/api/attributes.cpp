@@ -34,7 +34,7 @@ bool slideTempo(Engine& engine, Channel& channel, DWORD attribute, float value, 
                          logarithmic);
     if (ms > 0) {
         Command command;
-        command.order = Order::TempoSlides;
+        command.kind = CommandKind::TempoSlides;
         command.channel = &channel;
         engine.send(command);
     }
@@ -53,10 +53,10 @@ bool getTempo(const Channel& channel, DWORD attribute, float& value) {
     return succeed(true);
 }
 
-float current(std::uint32_t orders, const std::atomic<std::uint32_t>& applied,
-              const std::atomic<float>& heard, float ordered) {
-    return applied.load(std::memory_order_acquire) == orders ? heard.load(std::memory_order_relaxed)
-                                                             : ordered;
+float current(std::uint32_t commands, const std::atomic<std::uint32_t>& applied,
+              const std::atomic<float>& heard, float commanded) {
+    return applied.load(std::memory_order_acquire) == commands ? heard.load(std::memory_order_relaxed)
+                                                               : commanded;
 }
 
 /// An attribute that does not slide: acts at once.
@@ -70,7 +70,7 @@ bool setPlain(Engine& engine, Channel& channel, DWORD attribute, float value) {
             if (value < 0 || value > kMostTail) return fail(BASS_ERROR_ILLPARAM, false);
             channel.control.tail = value;
             Command command;
-            command.order = Order::Tail;
+            command.kind = CommandKind::Tail;
             command.channel = &channel;
             command.value = value;
             engine.send(command);
@@ -96,11 +96,11 @@ bool slide(DWORD handle, DWORD attribute, float value, DWORD ms) {
     attribute &= ~BASS_SLIDE_LOG;
     if (attribute == BASS_ATTRIB_VOL) {
         const bool stops = value == -1.0F;
-        orderVolume(call.engine, *channel, std::max(value, 0.0F), ms, logarithmic, stops);
+        sendVolume(call.engine, *channel, std::max(value, 0.0F), ms, logarithmic, stops);
         return succeed(true);
     }
     if (attribute == BASS_ATTRIB_VOLDSP) {
-        orderVoldsp(call.engine, *channel, std::max(value, 0.0F), ms, logarithmic);
+        sendVoldsp(call.engine, *channel, std::max(value, 0.0F), ms, logarithmic);
         return succeed(true);
     }
     if (isTempo(attribute)) return slideTempo(call.engine, *channel, attribute, value, ms, logarithmic);
@@ -133,10 +133,10 @@ bool BASS_ChannelGetAttribute(DWORD handle, DWORD attribute, float* value) {
     const SharedState& s = channel->shared;
     switch (attribute) {
         case BASS_ATTRIB_VOL:
-            *value = current(c.volumeOrders, s.appliedVolume, s.volume, c.volume);
+            *value = current(c.volumeCommands, s.appliedVolume, s.volume, c.volume);
             break;
         case BASS_ATTRIB_VOLDSP:
-            *value = current(c.voldspOrders, s.appliedVoldsp, s.voldsp, c.voldsp);
+            *value = current(c.voldspCommands, s.appliedVoldsp, s.voldsp, c.voldsp);
             break;
         case BASS_ATTRIB_BUFFER:
             *value = c.buffer;
@@ -164,15 +164,15 @@ bool BASS_ChannelIsSliding(DWORD handle, DWORD attribute) {
     setError(BASS_OK);
     const ControlState& c = channel->control;
     const SharedState& s = channel->shared;
-    const auto sliding = [](std::uint32_t orders, const std::atomic<std::uint32_t>& applied, bool lastSlides,
-                            const std::atomic<bool>& slides) {
-        return applied.load(std::memory_order_acquire) == orders ? slides.load(std::memory_order_relaxed)
-                                                                 : lastSlides;
+    const auto sliding = [](std::uint32_t commands, const std::atomic<std::uint32_t>& applied,
+                            bool lastSlides, const std::atomic<bool>& slides) {
+        return applied.load(std::memory_order_acquire) == commands ? slides.load(std::memory_order_relaxed)
+                                                                   : lastSlides;
     };
     if (attribute == BASS_ATTRIB_VOL)
-        return sliding(c.volumeOrders, s.appliedVolume, c.volumeSlides, s.volumeSlides);
+        return sliding(c.volumeCommands, s.appliedVolume, c.volumeSlides, s.volumeSlides);
     if (attribute == BASS_ATTRIB_VOLDSP)
-        return sliding(c.voldspOrders, s.appliedVoldsp, c.voldspSlides, s.voldspSlides);
+        return sliding(c.voldspCommands, s.appliedVoldsp, c.voldspSlides, s.voldspSlides);
     if (isTempo(attribute) && channel->tempo) return channel->tempo->sliding(tempoPart(attribute));
     return false;
 }

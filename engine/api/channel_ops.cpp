@@ -2,47 +2,48 @@
 
 namespace zv::engine {
 
-void orderVolume(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic,
-                 bool stops) {
+void sendVolume(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic,
+                bool stops) {
     ControlState& c = channel.control;
     Command command;
-    command.order = Order::Volume;
+    command.kind = CommandKind::Volume;
     command.channel = &channel;
     command.value = value;
     command.ms = ms;
     command.flags = (logarithmic ? kSlideLog : 0) | (stops ? kSlideStops : 0);
-    command.b = ++c.volumeOrders;
+    command.b = ++c.volumeCommands;
     c.volumeSlides = ms != 0;
     if (ms == 0) {
         c.volume = value;
         if (stops) c.playing = c.paused = false;
     } else {
         // Until the slide has begun the caller sees where it will begin.
-        const bool heard = channel.shared.appliedVolume.load(std::memory_order_acquire) + 1 == c.volumeOrders;
+        const bool heard =
+            channel.shared.appliedVolume.load(std::memory_order_acquire) + 1 == c.volumeCommands;
         if (heard) c.volume = channel.shared.volume.load(std::memory_order_relaxed);
     }
     engine.send(command);
 }
 
-void orderVoldsp(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic) {
+void sendVoldsp(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic) {
     ControlState& c = channel.control;
     Command command;
-    command.order = Order::Voldsp;
+    command.kind = CommandKind::Voldsp;
     command.channel = &channel;
     command.value = value;
     command.ms = ms;
     command.flags = logarithmic ? kSlideLog : 0;
-    command.b = ++c.voldspOrders;
+    command.b = ++c.voldspCommands;
     c.voldspSlides = ms != 0;
     if (ms == 0) {
         c.voldsp = value;
-    } else if (channel.shared.appliedVoldsp.load(std::memory_order_acquire) + 1 == c.voldspOrders) {
+    } else if (channel.shared.appliedVoldsp.load(std::memory_order_acquire) + 1 == c.voldspCommands) {
         c.voldsp = channel.shared.voldsp.load(std::memory_order_relaxed);
     }
     engine.send(command);
 }
 
-void orderMove(Engine& engine, Channel& channel, std::uint64_t frame) {
+void sendMove(Engine& engine, Channel& channel, std::uint64_t frame) {
     Channel& root = channel.root();
     ControlState& c = root.control;
     ++c.moves;
@@ -53,7 +54,7 @@ void orderMove(Engine& engine, Channel& channel, std::uint64_t frame) {
         if (channel.tempo) channel.tempo->prime(frame);
     }
     Command command;
-    command.order = Order::Move;
+    command.kind = CommandKind::Move;
     command.channel = &root;
     command.a = frame;
     command.b = c.moves;
@@ -61,12 +62,12 @@ void orderMove(Engine& engine, Channel& channel, std::uint64_t frame) {
     engine.workers.wake();
 }
 
-void orderPlay(Engine& engine, Channel& channel) {
+void sendPlay(Engine& engine, Channel& channel) {
     ControlState& c = channel.control;
     c.playing = true;
     c.paused = false;
     Command command;
-    command.order = Order::Play;
+    command.kind = CommandKind::Play;
     command.channel = &channel;
     command.a = ++c.generation;
     engine.send(command);
@@ -74,9 +75,9 @@ void orderPlay(Engine& engine, Channel& channel) {
     engine.dispatcher.watch();
 }
 
-void orderStop(Engine& engine, Channel& channel) {
+void sendStop(Engine& engine, Channel& channel) {
     Command command;
-    command.order = Order::Stop;
+    command.kind = CommandKind::Stop;
     command.channel = &channel;
     engine.send(command);
 }
@@ -118,7 +119,7 @@ DWORD publishChannel(Engine& engine, const std::shared_ptr<Channel>& channel) {
     if ((channel->kind == Kind::Mixer)) channel->audio.bus.resize(std::size_t{kBlock} * 2);
     if (!channel->decoding) {
         Command command;
-        command.order = Order::ToDevice;
+        command.kind = CommandKind::ToDevice;
         command.channel = channel.get();
         command.a = static_cast<std::uint64_t>(channel->device);
         auto* plug = new Plug(channel->rate, engine.graph.rate());

@@ -8,12 +8,12 @@
 
 namespace zv::engine {
 
-void orderVolume(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic,
-                 bool stops);
-void orderVoldsp(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic);
-void orderMove(Engine& engine, Channel& channel, std::uint64_t frame);
-void orderPlay(Engine& engine, Channel& channel);
-void orderStop(Engine& engine, Channel& channel);
+void sendVolume(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic,
+                bool stops);
+void sendVoldsp(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic);
+void sendMove(Engine& engine, Channel& channel, std::uint64_t frame);
+void sendPlay(Engine& engine, Channel& channel);
+void sendStop(Engine& engine, Channel& channel);
 std::uint64_t positionOf(Channel& channel);
 
 /// Makes a channel of the given kind known, playing or decoding; null with the code left when it has no

@@ -14,7 +14,7 @@ bool setPosition(Engine& engine, Channel& channel, QWORD position) {
     if (!root.sound) return fail(BASS_ERROR_NOTAVAIL, false);
     const std::uint64_t frame = position / root.frameBytes();
     if (frame > root.sound->length()) return fail(BASS_ERROR_POSITION, false);
-    orderMove(engine, channel, frame);
+    sendMove(engine, channel, frame);
     return succeed(true);
 }
 
@@ -160,7 +160,7 @@ bool BASS_ChannelPlay(DWORD handle, bool restart) {
     if (!channel) return fail(BASS_ERROR_HANDLE, false);
     if (channel->decoding && channel->control.mixer == 0) return fail(BASS_ERROR_DECODE, false);
     if (restart && channel->root().sound) setPosition(e, *channel, 0);
-    orderPlay(e, *channel);
+    sendPlay(e, *channel);
     if (!channel->decoding && (channel->flags & BASS_STREAM_AUTOFREE) != 0 &&
         std::ranges::find(e.freedWhenStopped, handle) == e.freedWhenStopped.end())
         e.freedWhenStopped.push_back(handle);
@@ -177,7 +177,7 @@ bool BASS_ChannelPause(DWORD handle) {
     if (!call.engine.active(*channel)) return fail(BASS_ERROR_NOPLAY, false);
     channel->control.playing = false;
     channel->control.paused = true;
-    orderStop(call.engine, *channel);
+    sendStop(call.engine, *channel);
     return succeed(true);
 }
 
@@ -186,7 +186,7 @@ bool BASS_ChannelStop(DWORD handle) {
     const auto channel = call.engine.find(handle);
     if (!channel) return fail(BASS_ERROR_HANDLE, false);
     channel->control.playing = channel->control.paused = false;
-    orderStop(call.engine, *channel);
+    sendStop(call.engine, *channel);
     return succeed(true);
 }
 

@@ -35,6 +35,7 @@ int defaultOutput(const Engine& engine) {
 extern "C" {
 
 bool BASS_Init(int device, DWORD freq, DWORD, void*, const void*) {
+    assertControlThread();
     const Call call;
     Engine& e = call.engine;
     if (!e.ports.devices) return fail(BASS_ERROR_DRIVER, false);
@@ -52,7 +53,7 @@ bool BASS_Init(int device, DWORD freq, DWORD, void*, const void*) {
     int code = BASS_OK;
     try {
         if (first) {
-            e.settleOrders();
+            e.settleCommands();
             e.graph.setRate(freq);
             // Stands in for outputs that get lost, also when nobody asked for it.
             e.outputs.open(0, {}, freq, *e.ports.devices);
@@ -90,6 +91,7 @@ DWORD BASS_GetDevice() {
 }
 
 bool BASS_GetDeviceInfo(DWORD device, BASS_DEVICEINFO* info) {
+    assertControlThread();
     const Call call;
     Engine& e = call.engine;
     if (!info) return fail(BASS_ERROR_ILLPARAM, false);
@@ -105,6 +107,7 @@ bool BASS_GetDeviceInfo(DWORD device, BASS_DEVICEINFO* info) {
 }
 
 bool BASS_Free() {
+    assertControlThread();
     Call call;
     Engine& e = call.engine;
     const int selected = selectedOutput();
@@ -117,6 +120,7 @@ bool BASS_Free() {
 // ---- inputs
 
 bool BASS_RecordInit(int device) {
+    assertControlThread();
     const Call call;
     Engine& e = call.engine;
     if (!e.ports.devices || device < -1) return fail(BASS_ERROR_DEVICE, false);
@@ -147,6 +151,7 @@ bool BASS_RecordSetDevice(DWORD device) {
 }
 
 bool BASS_RecordGetDeviceInfo(DWORD device, BASS_DEVICEINFO* info) {
+    assertControlThread();
     const Call call;
     Engine& e = call.engine;
     if (!info) return fail(BASS_ERROR_ILLPARAM, false);
@@ -171,6 +176,7 @@ bool BASS_RecordGetInfo(BASS_RECORDINFO* info) {
 }
 
 HRECORD BASS_RecordStart(DWORD freq, DWORD channels, DWORD flags, void* procedure, void*) {
+    assertControlThread();
     const Call call;
     Engine& e = call.engine;
     const auto place = static_cast<std::size_t>(selectedInput());
@@ -203,6 +209,7 @@ HRECORD BASS_RecordStart(DWORD freq, DWORD channels, DWORD flags, void* procedur
 }
 
 bool BASS_RecordFree() {
+    assertControlThread();
     Call call;
     Engine& e = call.engine;
     const auto place = static_cast<std::size_t>(selectedInput());

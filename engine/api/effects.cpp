@@ -9,9 +9,9 @@ namespace {
 
 constexpr std::size_t kMostEffects = 32;
 
-Command orderFor(Order what, Channel& channel, Effect* effect) {
+Command commandFor(CommandKind kind, Channel& channel, Effect* effect) {
     Command command;
-    command.order = what;
+    command.kind = kind;
     command.channel = &channel;
     command.effect = effect;
     return command;
@@ -26,7 +26,7 @@ bool setEq(Engine& engine, Channel& channel, Effect& effect, const BASS_BFX_PEAK
     while (effect.bands.size() <= band)
         effect.bands.push_back({static_cast<int>(effect.bands.size()), 1, 0, 1000, 0, BASS_BFX_CHANALL});
     effect.bands[band] = p;
-    Command command = orderFor(Order::EqBand, channel, &effect);
+    Command command = commandFor(CommandKind::EqBand, channel, &effect);
     command.a = band;
     command.value = p.fGain;
     command.x = p.fCenter;
@@ -40,7 +40,7 @@ bool setReverb(Engine& engine, Channel& channel, Effect& effect, const BASS_DX8_
     for (const float value : {p.fInGain, p.fReverbMix, p.fReverbTime, p.fHighFreqRTRatio})
         if (!std::isfinite(value)) return fail(BASS_ERROR_ILLPARAM, false);
     effect.reverb = p;
-    Command command = orderFor(Order::Reverb, channel, &effect);
+    Command command = commandFor(CommandKind::Reverb, channel, &effect);
     command.value = p.fInGain;
     command.x = p.fReverbMix;
     command.y = p.fReverbTime;
@@ -52,7 +52,7 @@ bool setReverb(Engine& engine, Channel& channel, Effect& effect, const BASS_DX8_
 bool setVolume(Engine& engine, Channel& channel, Effect& effect, const BASS_BFX_VOLUME& p) {
     if (!std::isfinite(p.fVolume) || p.fVolume < 0) return fail(BASS_ERROR_ILLPARAM, false);
     effect.volume = p;
-    Command command = orderFor(Order::FxGain, channel, &effect);
+    Command command = commandFor(CommandKind::FxGain, channel, &effect);
     command.value = p.fVolume;
     engine.send(command);
     return succeed(true);
@@ -145,13 +145,13 @@ bool BASS_FXReset(DWORD handle) {
         const bool passed =
             dirty.load(std::memory_order_relaxed) && dirty.exchange(false, std::memory_order_relaxed);
         // Nothing went through since the last time: nothing to empty.
-        if (passed || e.active(channel)) e.send(orderFor(Order::ResetFx, channel, nullptr));
+        if (passed || e.active(channel)) e.send(commandFor(CommandKind::ResetFx, channel, nullptr));
         return succeed(true);
     }
     const auto at = e.effects.find(handle);
     if (at == e.effects.end()) return fail(BASS_ERROR_HANDLE, false);
     if (const auto channel = e.find(at->second->channel))
-        e.send(orderFor(Order::ResetFx, *channel, at->second.get()));
+        e.send(commandFor(CommandKind::ResetFx, *channel, at->second.get()));
     return succeed(true);
 }
 

@@ -10,7 +10,7 @@ namespace zv::engine {
 namespace {
 
 constexpr std::uint64_t kSilentRank = std::uint64_t{1} << 40, kNoSoundRank = std::uint64_t{1} << 50;
-constexpr auto kOrdersWait = std::chrono::milliseconds(200);
+constexpr auto kCommandsWait = std::chrono::milliseconds(200);
 
 void beforeBlock() {
     Engine& e = Engine::instance();
@@ -71,7 +71,7 @@ void Engine::freeEverything() {
     std::unique_lock<std::mutex> none;
     while (!channels.empty()) freeChannel(channels.begin()->second, none);
     syncs.clear();
-    settleOrders();
+    settleCommands();
     inputs.clear();
     urls.clear();
     freedWhenStopped.clear();
@@ -85,7 +85,7 @@ void Engine::freeEverything() {
 
 void Engine::send(const Command& command) {
     graph.commands.send(command);
-    if (command.order == Order::Play || (command.flags & kBegins) != 0) {
+    if (command.kind == CommandKind::Play || (command.flags & kBegins) != 0) {
         outputs.wake();
     } else if (graph.quiet()) {
         dispatcher.watch();
@@ -118,7 +118,7 @@ bool Engine::active(Channel& channel) const {
 
 void Engine::rebuildChain(Channel& channel) {
     Command command;
-    command.order = Order::SetChain;
+    command.kind = CommandKind::SetChain;
     command.channel = &channel;
     command.object = Chain::build(channel.control.effects, channel.control.voldspPriority).release();
     send(command);
@@ -130,7 +130,7 @@ bool Engine::removeSync(HSYNC sync, std::unique_lock<std::mutex>& lock) {
     if (known) {
         if (const auto channel = find(at->second.channel)) {
             Command command;
-            command.order = Order::RemoveSync;
+            command.kind = CommandKind::RemoveSync;
             command.channel = channel.get();
             command.a = sync;
             send(command);
@@ -149,23 +149,23 @@ void Engine::freeChannel(const std::shared_ptr<Channel>& held, std::unique_lock<
     channels.erase(channel->handle);
     std::erase_if(syncs, [&](const auto& entry) { return entry.second.channel == channel->handle; });
     for (const auto& effect : channel->control.effects) effects.erase(effect->handle);
-    const auto order = [&](Order what, Channel* whose) {
+    const auto commandFor = [&](CommandKind kind, Channel* whose) {
         Command command;
-        command.order = what;
+        command.kind = kind;
         command.channel = whose;
         return command;
     };
     for (const auto& [handle, other] : channels) {
         if (other->control.mixer == channel->handle) {
             other->control.mixer = 0;
-            send(order(Order::Unplug, other.get()));
+            send(commandFor(CommandKind::Unplug, other.get()));
         }
         if (other->source == channel || (other->hub && other->hub->source == channel))
-            send(order(Order::Orphan, other.get()));
+            send(commandFor(CommandKind::Orphan, other.get()));
     }
     if (const auto record = std::dynamic_pointer_cast<RecordInput>(channel->live))
         for (auto& slot : inputs) slot->remove(record.get());
-    Command command = order(Order::Free, channel.get());
+    Command command = commandFor(CommandKind::Free, channel.get());
     command.object = new ChannelKeeper(channel);
     send(command);
     if (channel->freeSource && channel->source) freeChannel(channel->source, lock);
@@ -199,12 +199,12 @@ void Engine::reap() {
     });
 }
 
-void Engine::settleOrders() {
+void Engine::settleCommands() {
     graph.commands.flush();
     if (!outputs.anyOpen()) {
         graph.acquire();
         do {
-            graph.applyCommands();
+            graph.obeyCommands();
             graph.commands.flush();
         } while (!graph.commands.empty());
         graph.release();
@@ -212,14 +212,14 @@ void Engine::settleOrders() {
     graph.trash.empty();
 }
 
-void Engine::waitForOrders(std::unique_lock<std::mutex>& lock) {
+void Engine::waitForCommands(std::unique_lock<std::mutex>& lock) {
     if (offline()) {
         graph.acquire();
-        graph.applyCommands();
+        graph.obeyCommands();
         graph.release();
     }
     outputs.wake();
-    const auto until = std::chrono::steady_clock::now() + kOrdersWait;
+    const auto until = std::chrono::steady_clock::now() + kCommandsWait;
     while (!graph.commands.empty() && std::chrono::steady_clock::now() < until) {
         lock.unlock();
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -248,17 +248,17 @@ bool Engine::runSyncs() {
         lock.lock();
         running_ = 0;
         runningChannel_ = 0;
-        settleOrders();
+        settleCommands();
         finished_.notify_all();
     }
     const std::unique_lock lock(mutex, std::try_to_lock);
     if (!lock) return true;
-    settleOrders();
-    // Resting outputs hear orders that make no sound by themselves once those of the same press have come.
+    settleCommands();
+    // Resting outputs hear commands that make no sound by themselves once those of the same press have come.
     const bool unheard = graph.quiet() && !graph.commands.empty();
     if (unheard && unheard_) outputs.wake();
     unheard_ = unheard;
-    // While something with a sync sounds, or orders wait for room, another look is worth it.
+    // While something with a sync sounds, or commands wait for room, another look is worth it.
     return !graph.commands.settled() || std::ranges::any_of(syncs, [this](const auto& entry) {
         const auto channel = find(entry.second.channel);
         return channel && active(*channel);

@@ -11,11 +11,12 @@
 
 #include "engine/api/errors.h"
 #include "engine/api/sync.h"
+#include "engine/api/workers.h"
 #include "engine/devices/device.h"
 #include "engine/graph/channel.h"
 #include "engine/graph/graph.h"
 #include "engine/ports.h"
-#include "engine/api/workers.h"
+#include "engine/realtime/thread_tags.h"
 
 namespace zv::engine {
 
@@ -71,10 +72,10 @@ class Engine {
 
     /// Frees what asked for it and has stopped.
     void reap();
-    /// Runs orders at once where no callback does it, and throws away what came back.
-    void settleOrders();
-    /// Waits until all orders so far have been heard: for a read by hand. At most 200 ms.
-    void waitForOrders(std::unique_lock<std::mutex>& lock);
+    /// Runs commands at once where no callback does it, and throws away what came back.
+    void settleCommands();
+    /// Waits until all commands so far have been heard: for a read by hand. At most 200 ms.
+    void waitForCommands(std::unique_lock<std::mutex>& lock);
 
     /// True: more may come soon.
     bool runSyncs();
@@ -84,25 +85,32 @@ class Engine {
     DWORD lastHandle_ = 0x10000;
     std::uint64_t serial_ = 0;
     HSYNC running_ = 0;
-    bool unheard_ = false;  ///< orders have waited for a resting output since the dispatcher last looked
+    bool unheard_ = false;  ///< commands have waited for a resting output since the dispatcher last looked
     DWORD runningChannel_ = 0;
     std::condition_variable finished_;
 };
 
-/// Stands in every operation: holds the lock, and leaves orders settled.
+/// Stands in every operation: holds the lock, and leaves commands settled.
 class Call {
   public:
-    Call() : engine(Engine::instance()), lock(engine.mutex) {
+    Call() : engine(Engine::instance()), lock(notAudio(engine.mutex)) {
         if (!engine.freedWhenStopped.empty()) engine.reap();
     }
     ~Call() {
         if (!lock.owns_lock()) lock.lock();
-        engine.settleOrders();
+        engine.settleCommands();
     }
     Call(const Call&) = delete;
     Call& operator=(const Call&) = delete;
     Engine& engine;
     std::unique_lock<std::mutex> lock;
+
+  private:
+    /// No operation may be called in a device callback.
+    static std::mutex& notAudio(std::mutex& mutex) {
+        assertNotAudioThread();
+        return mutex;
+    }
 };
 
 /// The output that the calling thread has selected; -1 none.

@@ -32,7 +32,10 @@ DWORD BASS_GetConfig(DWORD option) {
 namespace zv::engine {
 namespace {
 
-void install(const EnginePorts& ports) { Engine::instance().install(ports); }
+void install(const EnginePorts& ports) {
+    assertControlThread();
+    Engine::instance().install(ports);
+}
 
 DeviceStatistics statistics(int device) {
     Engine& engine = Engine::instance();

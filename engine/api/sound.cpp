@@ -157,8 +157,8 @@ DWORD BASS_ChannelGetData(DWORD handle, void* buffer, DWORD bytes) {
     if (!buffer) return fail(BASS_ERROR_ILLPARAM, ~DWORD{0});
     if (!channel->decoding || channel->control.mixer != 0) return fail(BASS_ERROR_NOTAVAIL, ~DWORD{0});
     try {
-        e.waitForOrders(call.lock);
-        e.settleOrders();
+        e.waitForCommands(call.lock);
+        e.settleCommands();
         std::size_t frames = bytes / channel->frameBytes();
         HandRead reader(e, *channel);
         std::size_t done = 0;
@@ -200,7 +200,7 @@ HSYNC BASS_ChannelSetSync(DWORD handle, DWORD type, QWORD position, SYNCPROC* pr
         node->frame = position / channel->root().frameBytes();
         node->once = (type & BASS_SYNC_ONETIME) != 0;
         Command command;
-        command.order = Order::AddSync;
+        command.kind = CommandKind::AddSync;
         command.channel = channel.get();
         command.object = node.release();
         e.send(command);

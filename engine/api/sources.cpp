@@ -17,6 +17,7 @@ bool sound(const SoundFormat& format) {
 
 template <typename Open>
 DWORD openSource(Kind kind, DWORD flags, Open open) {
+    assertControlThread();
     Engine& engine = Engine::instance();
     std::shared_ptr<DecoderSource> decoders;
     DWORD timeout = 0;
@@ -135,7 +136,7 @@ HSTREAM BASS_FX_TempoCreate(DWORD source, DWORD flags) {
         }
         const DWORD handle = publishChannel(e, channel);
         Command command;
-        command.order = Order::User;
+        command.kind = CommandKind::User;
         command.channel = of.get();
         command.other = channel.get();
         e.send(command);
@@ -163,7 +164,7 @@ bool BASS_Mixer_StreamAddChannel(HSTREAM mixer, DWORD handle, DWORD) {
     if (channel->control.mixer != 0) return fail(BASS_ERROR_ALREADY, false);
     if (dependsOn(e, *channel, *into)) return fail(BASS_ERROR_ILLPARAM, false);
     Command command;
-    command.order = Order::AddToMixer;
+    command.kind = CommandKind::AddToMixer;
     command.channel = channel.get();
     command.other = into.get();
     auto* plug = new Plug(channel->rate, into->rate);
@@ -184,7 +185,7 @@ bool BASS_Mixer_ChannelRemove(DWORD handle) {
     if (channel->control.mixer == 0) return fail(BASS_ERROR_NOTAVAIL, false);
     channel->control.mixer = 0;
     Command command;
-    command.order = Order::Unplug;
+    command.kind = CommandKind::Unplug;
     command.channel = channel.get();
     call.engine.send(command);
     return succeed(true);

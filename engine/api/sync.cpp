@@ -3,6 +3,8 @@
 #include <chrono>
 #include <utility>
 
+#include "engine/realtime/thread_tags.h"
+
 namespace zv::engine {
 namespace {
 constexpr auto kPoll = std::chrono::milliseconds(2);
@@ -10,6 +12,7 @@ constexpr auto kIdlePoll = std::chrono::milliseconds(100);
 }  // namespace
 
 void SyncDispatcher::start(bool (*drain)(), bool polls) {
+    assertControlThread();
     stop();
     drain_ = drain;
     polls_ = polls;
@@ -41,6 +44,7 @@ void SyncDispatcher::watch() {
 }
 
 void SyncDispatcher::run(const std::stop_token& stop) {
+    const ThreadSection dispatcher(ThreadKind::Sync);
     std::unique_lock lock(mutex_);
     while (!stop.stop_requested()) {
         const auto due = [this] { return asked_ != done_; };

@@ -4,6 +4,7 @@
 #include <chrono>
 
 #include "engine/dsp/denormals.h"
+#include "engine/realtime/thread_tags.h"
 
 namespace zv::engine {
 namespace {
@@ -17,6 +18,7 @@ constexpr int kSoon = 100;  ///< urgencies below belong to sounding channels
 }  // namespace
 
 void Workers::start() {
+    assertControlThread();
     if (!threads_.empty()) return;
     for (int i = 0; i < kThreads; ++i)
         threads_.emplace_back([this, i](const std::stop_token& stop) { run(stop, i > 0); });
@@ -32,8 +34,7 @@ void Workers::add(const std::shared_ptr<PagedSound>& sound) {
     sounds_.push_back(sound);
 }
 
-void Workers::add(const std::shared_ptr<TempoProcessor>& tempo,
-                        const std::shared_ptr<PagedSound>& reads) {
+void Workers::add(const std::shared_ptr<TempoProcessor>& tempo, const std::shared_ptr<PagedSound>& reads) {
     const std::lock_guard lock(mutex_);
     tempos_.push_back({tempo, reads});
 }
@@ -56,6 +57,7 @@ void Workers::callHelper() {
 }
 
 Workers::Work Workers::collect() {
+    assertNotAudioThread();
     Work work;
     const std::lock_guard lock(mutex_);
     std::erase_if(sounds_, [&](const auto& known) {
@@ -103,6 +105,7 @@ bool Workers::serveOnce(const Work& work) {
 /// One looks after everything in time; the helper sleeps until there is more than one can do at once.
 void Workers::run(const std::stop_token& stop, bool helper) {
     const FlushToZero flush;
+    const ThreadSection worker(ThreadKind::Worker);
     bool& called = helper ? helpWanted_ : woken_;
     while (!stop.stop_requested()) {
         bool busy = true;
@@ -124,6 +127,7 @@ void Workers::run(const std::stop_token& stop, bool helper) {
 }
 
 void Workers::serveBlock() {
+    assertNotAudioThread();
     // Room for one block at sixteen times the rate, at the present position and where a loop returns to.
     constexpr std::uint64_t room = PagedSound::kPage;
     const Work work = collect();
@@ -137,6 +141,7 @@ void Workers::serveBlock() {
 }
 
 void Workers::serveAll() {
+    assertControlThread();
     while (serveOnce(collect())) {
     }
 }

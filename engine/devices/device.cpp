@@ -73,8 +73,8 @@ DeviceStatistics OutputSlot::statistics() const {
     s.underruns = underruns_.load(std::memory_order_relaxed);
     s.longestCallbackNs = longestNs_.load(std::memory_order_relaxed);
     s.commandOverflows = outputs_.graph().commands.overflows();
-    s.starvations = outputs_.graph().starvations.load(std::memory_order_relaxed);
-    if (ready() && bridge_) s.starvations += bridge_->starvations();
+    s.sourceUnderruns = outputs_.graph().sourceUnderruns.load(std::memory_order_relaxed);
+    if (ready() && bridge_) s.sourceUnderruns += bridge_->underruns();
     return s;
 }
 
@@ -224,7 +224,7 @@ void Outputs::close(int number) {
 }
 
 bool Outputs::resting() const {
-    // In this order: who finds that an order is gone also finds what it changed.
+    // In this order: a thread that finds the command gone also finds what it changed.
     return graph_.commands.empty() && graph_.quiet();
 }
 

@@ -85,9 +85,9 @@ class Outputs {
     bool drives(const OutputSlot& slot) const;
     /// The same while all callbacks come in time.
     bool leads(const OutputSlot& slot) const { return &slot == leader(nullptr); }
-    /// Nothing sounds and no order waits: nobody need ask. Wait-free. [any]
+    /// Nothing sounds and no command waits: devices need not ask. Wait-free. [any]
     bool resting() const;
-    /// An order came that ends the rest. [any but audio], under the engine's lock
+    /// A command came that ends the rest. [any but audio], under the engine's lock
     void wake();
     Graph& graph() { return graph_; }
     RenderHooks hooks;

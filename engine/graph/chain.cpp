@@ -38,11 +38,11 @@ void Effect::reset() {
 
 std::unique_ptr<Chain> Chain::build(const std::vector<std::shared_ptr<Effect>>& effects, int gainPriority) {
     // The gain was there before any effect, so of equal priorities it goes first.
-    std::vector<std::pair<int, Stage>> order{{gainPriority, Stage{}}};
-    for (const auto& effect : effects) order.emplace_back(effect->priority, Stage{effect});
-    std::ranges::stable_sort(order, [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::vector<std::pair<int, Stage>> staged{{gainPriority, Stage{}}};
+    for (const auto& effect : effects) staged.emplace_back(effect->priority, Stage{effect});
+    std::ranges::stable_sort(staged, [](const auto& a, const auto& b) { return a.first > b.first; });
     auto chain = std::make_unique<Chain>();
-    for (auto& entry : order) chain->stages.push_back(std::move(entry.second));
+    for (auto& entry : staged) chain->stages.push_back(std::move(entry.second));
     return chain;
 }
 

@@ -54,9 +54,9 @@ struct ControlState {
     std::uint32_t generation = 0;  ///< raised by every start
     std::uint32_t moves = 0;       ///< raised by every set position
     std::uint64_t movedTo = 0;     ///< frame
-    float volume = 1, voldsp = 1;  ///< last ordered
-    std::uint32_t volumeOrders = 0, voldspOrders = 0;
-    bool volumeSlides = false, voldspSlides = false;  ///< the last order takes time
+    float volume = 1, voldsp = 1;  ///< last commanded
+    std::uint32_t volumeCommands = 0, voldspCommands = 0;
+    bool volumeSlides = false, voldspSlides = false;  ///< the last command takes time
     float buffer = 0.5F, tail = 0;
     int voldspPriority = 0;
     bool loop = false;

@@ -10,11 +10,11 @@ namespace zv::engine {
 struct Channel;
 struct Effect;
 
-enum class Order : std::uint8_t {
+enum class CommandKind : std::uint8_t {
     Play,         ///< a: generation
     Stop,         ///< reserved room
     Move,         ///< a: frame, b: number of the move
-    Volume,       ///< value, ms, flags, b: number of the order
+    Volume,       ///< value, ms, flags, b: number of the command
     Voldsp,       ///< the same
     TempoSlides,  ///< its tempo processor has a slide to go
     Tail,         ///< value: seconds
@@ -36,7 +36,7 @@ enum class Order : std::uint8_t {
 inline constexpr std::uint32_t kSlideLog = 1, kSlideStops = 2, kBegins = 4;  ///< flags
 
 struct Command {
-    Order order = Order::Stop;
+    CommandKind kind = CommandKind::Stop;
     std::uint32_t flags = 0;
     float value = 0;
     std::uint32_t ms = 0;

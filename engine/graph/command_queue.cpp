@@ -7,8 +7,8 @@ namespace zv::engine {
 static_assert(std::is_trivially_copyable_v<Command>);
 
 bool CommandQueue::urgent(const Command& command) {
-    const bool silences = command.order == Order::Stop || (command.flags & kSlideStops) != 0;
-    const bool busGain = command.order == Order::Voldsp && command.channel->kind == Kind::Split;
+    const bool silences = command.kind == CommandKind::Stop || (command.flags & kSlideStops) != 0;
+    const bool busGain = command.kind == CommandKind::Voldsp && command.channel->kind == Kind::Split;
     return silences || busGain;
 }
 
@@ -27,7 +27,7 @@ void CommandQueue::send(const Command& command) {
             // It overtakes: what it would have ended must not come after it.
             std::erase_if(waiting_, [&](const Command& older) {
                 return older.channel == command.channel &&
-                       (older.order == Order::Play || older.order == command.order);
+                       (older.kind == CommandKind::Play || older.kind == command.kind);
             });
             for (Command& older : waiting_)
                 if (older.channel == command.channel) older.flags &= ~kBegins;

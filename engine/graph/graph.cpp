@@ -15,7 +15,7 @@ constexpr double kOutputGainSeconds = 0.01;
 constexpr std::uint32_t kRestAfterSeconds = 2;
 constexpr float kInaudible = 1e-6F;  ///< -120 dB
 
-/// Buses stand all the time; whether something sounds is told by what is plugged into them.
+/// Buses never stop; one counts as sounding when an input does.
 bool isBus(const Channel& channel) { return channel.kind == Kind::Mixer || channel.kind == Kind::Split; }
 
 }  // namespace
@@ -44,7 +44,7 @@ void Graph::release() {
 void Graph::restart() {
     for (Output& output : outputs_) output.gain.set(1);
     outputGain.store(1, std::memory_order_relaxed);
-    starvations.store(0, std::memory_order_relaxed);
+    sourceUnderruns.store(0, std::memory_order_relaxed);
     silentFrames_ = 0;
     quiet_.store(false, std::memory_order_release);
     SyncEvent event;
@@ -52,7 +52,13 @@ void Graph::restart() {
     }
 }
 
+void Graph::obeyCommands() {
+    const AudioSection section;
+    applyCommands();
+}
+
 void Graph::applyCommands() {
+    assertAudioThread();
     if (commands.empty()) return;
     quiet_.store(false, std::memory_order_release);
     Command command;
@@ -207,40 +213,40 @@ void Graph::expect(const Channel& channel, int syncs) {
 void Graph::apply(const Command& command) {
     Channel& channel = *command.channel;
     AudioState& a = channel.audio;
-    switch (command.order) {
-        case Order::Play:
+    switch (command.kind) {
+        case CommandKind::Play:
             start(channel, static_cast<std::uint32_t>(command.a));
             break;
-        case Order::Stop:
+        case CommandKind::Stop:
             stop(channel);
             break;
-        case Order::Move:
+        case CommandKind::Move:
             move(channel, command.a, static_cast<std::uint32_t>(command.b));
             break;
-        case Order::Volume:
+        case CommandKind::Volume:
             slideVolume(command);
             break;
-        case Order::Voldsp:
+        case CommandKind::Voldsp:
             slideVoldsp(command);
             break;
-        case Order::TempoSlides:
+        case CommandKind::TempoSlides:
             a.tempoSlides = true;
             keepSliding(channel);
             break;
-        case Order::Tail:
+        case CommandKind::Tail:
             a.tailSeconds = command.value;
             break;
-        case Order::SetChain:
+        case CommandKind::SetChain:
             trash.add(a.chain);
             a.chain = static_cast<Chain*>(command.object);
             break;
-        case Order::AddToMixer:
-        case Order::ToDevice: {
+        case CommandKind::AddToMixer:
+        case CommandKind::ToDevice: {
             const bool began = a.playing;
             stop(channel);
             unplug(channel);
             a.plug = static_cast<Plug*>(command.object);
-            if (command.order == Order::AddToMixer) {
+            if (command.kind == CommandKind::AddToMixer) {
                 a.parent = command.other;
             } else {
                 a.device = static_cast<int>(command.a);
@@ -249,29 +255,29 @@ void Graph::apply(const Command& command) {
                 start(channel, static_cast<std::uint32_t>(command.b));
             break;
         }
-        case Order::Unplug:
+        case CommandKind::Unplug:
             if (a.playing) stop(channel);
             unplug(channel);
             break;
-        case Order::Free:
+        case CommandKind::Free:
             free(command);
             break;
-        case Order::Orphan:
+        case CommandKind::Orphan:
             a.orphan = true;
             break;
-        case Order::User:
+        case CommandKind::User:
             a.user = command.other;
             break;
         default:
-            applyOrder(command);
+            applyOther(command);
             break;
     }
 }
 
-void Graph::applyOrder(const Command& command) {
+void Graph::applyOther(const Command& command) {
     AudioState& a = command.channel->audio;
-    switch (command.order) {
-        case Order::AddSync: {
+    switch (command.kind) {
+        case CommandKind::AddSync: {
             auto* node = static_cast<SyncNode*>(command.object);
             node->next = a.syncs;
             a.syncs = node;
@@ -279,7 +285,7 @@ void Graph::applyOrder(const Command& command) {
             expect(*command.channel, 1);
             break;
         }
-        case Order::RemoveSync:
+        case CommandKind::RemoveSync:
             for (SyncNode** at = &a.syncs; *at;) {
                 SyncNode* node = *at;
                 if (command.a != 0 && node->handle != command.a) {
@@ -292,19 +298,19 @@ void Graph::applyOrder(const Command& command) {
             }
             findFirstSync(command.channel->audio);
             break;
-        case Order::EqBand:
+        case CommandKind::EqBand:
             command.effect->eqUnit->setBand(command.a, {command.x, command.value, command.y, command.z});
             break;
-        case Order::Reverb:
+        case CommandKind::Reverb:
             command.effect->reverbUnit->set({command.value, command.x, command.y, command.z});
             break;
-        case Order::FxGain: {
+        case CommandKind::FxGain: {
             Slide& gain = command.effect->gain;
             const auto frames = static_cast<std::uint64_t>(kOutputGainSeconds * command.channel->rate);
             gain.start(command.value, a.playing ? frames : 0, false, false);
             break;
         }
-        case Order::ResetFx:
+        case CommandKind::ResetFx:
             if (command.effect) {
                 command.effect->reset();
             } else if (a.chain) {

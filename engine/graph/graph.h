@@ -1,5 +1,5 @@
 /// The graph of channels as it is rendered. One thread at a time renders: the output that drives it (see
-/// device.h). It hears orders at the beginning of a period, then computes block after block for all outputs
+/// device.h). It hears commands at the beginning of a period, then computes block after block for all outputs
 /// at once.
 #pragma once
 
@@ -39,7 +39,7 @@ class Graph {
     Trash trash;
     RenderCount renders{0};
     Ring<SyncEvent> syncEvents;
-    std::atomic<std::uint64_t> starvations{0};
+    std::atomic<std::uint64_t> sourceUnderruns{0};
     std::atomic<float> outputGain{1};  ///< BASS_CONFIG_GVOL_STREAM
 
     /// Rate at which outputs are computed. While nothing renders. [control]
@@ -48,7 +48,7 @@ class Graph {
 
     /// Once nothing has sounded for a while the outputs may rest. While nothing renders. [control]
     void mayRest(bool may) { mayRest_ = may; }
-    /// Nothing has sounded for a while, and nothing will until an order comes. [any]
+    /// Nothing has sounded for a while, and nothing will until a command comes. [any]
     bool quiet() const { return quiet_.load(std::memory_order_acquire); }
 
     /// The right to render. A callback that does not get it plays silence this once. [audio]
@@ -61,7 +61,9 @@ class Graph {
     void restart();
 
     // ---- by the holder of that right
-    void applyCommands();
+    void applyCommands();  ///< [audio]
+    /// The same where no callback does it. [control]
+    void obeyCommands();
     /// Computes `frames` (kBlock at most) for every output.
     void renderBlock(std::uint32_t frames);
     /// What output `device` got in the last block: stereo frames.
@@ -91,7 +93,7 @@ class Graph {
 
     // graph.cpp
     void apply(const Command& command);
-    void applyOrder(const Command& command);
+    void applyOther(const Command& command);
     void start(Channel& channel, std::uint32_t generation);
     void finish(Channel& channel);
     void stop(Channel& channel);

@@ -4,6 +4,7 @@
 
 #include "engine/dsp/mix.h"
 #include "engine/graph/graph.h"
+#include "engine/realtime/thread_tags.h"
 
 namespace zv::engine {
 namespace {
@@ -21,7 +22,7 @@ void Graph::setDry(Channel& channel, bool dry) {
     if (a.dry == dry) return;
     a.dry = dry;
     channel.shared.stalled.store(dry, std::memory_order_relaxed);
-    if (dry && channel.root().sound) starvations.fetch_add(1, std::memory_order_relaxed);
+    if (dry && channel.root().sound) sourceUnderruns.fetch_add(1, std::memory_order_relaxed);
 }
 
 /// Positions from..to (without `to`) were passed: whoever waits for one of them is told.
@@ -295,6 +296,7 @@ View Graph::readMixer(Channel& channel, std::uint32_t want) {
 }
 
 View Graph::pullNative(Channel& channel, std::uint32_t want) {
+    assertAudioThread();
     want = std::min(want, kBlock);
     switch (channel.kind) {
         case Kind::File:
@@ -361,6 +363,7 @@ View Graph::throughChain(Channel& channel, View view) {
 }
 
 View Graph::pullStereo(Channel& channel, std::uint32_t want) {
+    assertAudioThread();
     AudioState& a = channel.audio;
     want = std::min(want, kBlock);
     View view;

@@ -1,4 +1,4 @@
-// Slides of VOL and VOLDSP: ordered, advanced with the sound, and let run on where nothing sounds; and the
+// Slides of VOL and VOLDSP: commanded, advanced with the sound, and let run on where nothing sounds; and the
 // clock of slides of tempo, pitch and rate.
 #include <cmath>
 #include <utility>

@@ -9,23 +9,20 @@ __attribute__((weak)) void rt_guard_leave();
 namespace zv::engine {
 namespace {
 
-thread_local bool audioThread = false;
+thread_local ThreadKind kindNow = ThreadKind::Caller;
 
-void mark(bool audio) {
-    if (audioThread == audio) return;
-    audioThread = audio;
-    if (audio && rt_guard_enter) rt_guard_enter();
-    if (!audio && rt_guard_leave) rt_guard_leave();
+void mark(ThreadKind kind) {
+    const bool was = kindNow == ThreadKind::Audio, is = kind == ThreadKind::Audio;
+    kindNow = kind;
+    if (is && !was && rt_guard_enter) rt_guard_enter();
+    if (was && !is && rt_guard_leave) rt_guard_leave();
 }
 
 }  // namespace
 
-bool onAudioThread() { return audioThread; }
+ThreadKind threadKind() { return kindNow; }
 
-AudioSection::AudioSection() : before_(audioThread) { mark(true); }
-AudioSection::~AudioSection() { mark(before_); }
-
-AudioPause::AudioPause() : before_(audioThread) { mark(false); }
-AudioPause::~AudioPause() { mark(before_); }
+ThreadSection::ThreadSection(ThreadKind kind) : before_(kindNow) { mark(kind); }
+ThreadSection::~ThreadSection() { mark(before_); }
 
 }  // namespace zv::engine

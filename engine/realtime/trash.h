@@ -22,12 +22,14 @@ class Trash {
   public:
     ~Trash() { empty(); }
     void add(Garbage* item) {  // [audio]
+        assertAudioThread();
         if (!item) return;
         item->nextInTrash = head_.load(std::memory_order_relaxed);
         while (!head_.compare_exchange_weak(item->nextInTrash, item, std::memory_order_release)) {
         }
     }
-    void empty() {  // [control] [worker]
+    void empty() {  // [any but audio]
+        assertNotAudioThread();
         Garbage* item = head_.exchange(nullptr, std::memory_order_acquire);
         while (item) {
             Garbage* next = item->nextInTrash;

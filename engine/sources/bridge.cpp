@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "engine/realtime/thread_tags.h"
+
 namespace zv::engine {
 namespace {
 
@@ -16,7 +18,7 @@ constexpr double kStepSlackMs = 50;       ///< in step: more than that ahead was
 // it shrinks.
 constexpr double kSpareMs = 8, kAmpleMs = 12;
 constexpr double kWatchSeconds = 2, kCalmSeconds = 60, kShrinkMs = 1;
-constexpr double kStarvedMs = 10;  ///< by which it grows at once when it was not enough
+constexpr double kUnderrunMs = 10;  ///< by which it grows at once when it was not enough
 
 }  // namespace
 
@@ -35,6 +37,7 @@ Bridge::Bridge(const BridgeOptions& options)
 }
 
 void Bridge::write(std::span<const float> stereo) {
+    assertAudioThread();
     // Whole frames only.
     const std::size_t room = ring_.free() / 2 * 2;
     ring_.write(stereo.data(), std::min(stereo.size(), room));
@@ -56,6 +59,7 @@ void Bridge::beginAnew() {
 }
 
 void Bridge::read(std::span<float> stereo) {
+    assertAudioThread();
     if (restart_.exchange(false, std::memory_order_acq_rel)) clear();
     if (const std::size_t mark = restedAt_.load(std::memory_order_acquire); mark != seenRest_) {
         seenRest_ = mark;
@@ -78,7 +82,7 @@ void Bridge::readInStep(std::span<float> stereo) {
     const std::size_t missing = stereo.size() - there;
     std::fill_n(stereo.begin(), missing, 0.0F);
     ring_.read(stereo.data() + missing, there);
-    if (missing > 0 && running_ && there > 0) starvations_.fetch_add(1, std::memory_order_relaxed);
+    if (missing > 0 && running_ && there > 0) underruns_.fetch_add(1, std::memory_order_relaxed);
     if (there > 0) running_ = true;
 }
 
@@ -124,8 +128,8 @@ void Bridge::convert(std::span<float> stereo) {
             std::fill(in_.begin() + static_cast<std::ptrdiff_t>(got),
                       in_.begin() + static_cast<std::ptrdiff_t>(need), 0.0F);
             if (running_) {
-                starvations_.fetch_add(1, std::memory_order_relaxed);
-                aimAt(target_ + kStarvedMs);
+                underruns_.fetch_add(1, std::memory_order_relaxed);
+                aimAt(target_ + kUnderrunMs);
             }
             running_ = false;
         }

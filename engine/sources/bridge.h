@@ -55,7 +55,7 @@ class Bridge {
     /// Distance in frames of the writer. [any]
     std::size_t filled() const { return ring_.filled() / 2; }
     /// Times the reader found too little after it had begun. [any]
-    std::uint64_t starvations() const { return starvations_.load(std::memory_order_relaxed); }
+    std::uint64_t underruns() const { return underruns_.load(std::memory_order_relaxed); }
     /// The correction in force, parts per million. [any]
     double correction() const { return published_.load(std::memory_order_relaxed); }
     /// The distance that is aimed at, ms. [any]
@@ -77,7 +77,7 @@ class Bridge {
     dsp::Resampler resampler_;
     std::vector<float> in_;
     std::atomic<bool> restart_{false};
-    std::atomic<std::uint64_t> starvations_{0};
+    std::atomic<std::uint64_t> underruns_{0};
     std::atomic<double> published_{0}, publishedTarget_{0};
     std::atomic<std::size_t> restedAt_{0};
     std::size_t seenRest_ = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "engine/realtime/thread_tags.h"
 #include "engine/sources/paged_sound.h"
 
 namespace zv::engine {
@@ -52,6 +53,7 @@ UrlInput::UrlInput(std::unique_ptr<Decoder> decoder, bool offline) {
     // A read may hang in the network as long as the time-out: nobody waits for this thread, it holds the
     // tank.
     std::thread([tank = tank_] {
+        const ThreadSection worker(ThreadKind::Worker);
         while (!tank->closed.load(std::memory_order_acquire) &&
                !tank->ended.load(std::memory_order_acquire)) {
             if (tank->fill()) continue;
@@ -66,11 +68,13 @@ UrlInput::~UrlInput() { tank_->closed.store(true, std::memory_order_release); }
 std::size_t UrlInput::filled() const { return tank_->ring.filled() / tank_->format.channels; }
 
 void UrlInput::fillNow() {
+    assertNotAudioThread();
     while (tank_->fill()) {
     }
 }
 
 std::size_t UrlInput::read(std::span<float> out) {
+    assertAudioThread();
     Ring<float>& ring = tank_->ring;
     const std::size_t channels = tank_->format.channels;
     const bool over = tank_->ended.load(std::memory_order_acquire);

@@ -98,6 +98,7 @@ bool PagedSound::service() {
 }
 
 void PagedSound::ensure(std::uint64_t frame, std::uint64_t frames) {
+    assertNotAudioThread();
     if (frames == 0 || frame >= length_) return;
     const std::uint64_t last = (std::min(frame + frames, length_) - 1) / kPage;
     for (std::uint64_t index = frame / kPage; index <= last; ++index) {
@@ -108,6 +109,7 @@ void PagedSound::ensure(std::uint64_t frame, std::uint64_t frames) {
 }
 
 void PagedSound::tidy() {
+    assertNotAudioThread();
     if (!crowded() && !hasRetired_.load(std::memory_order_relaxed)) return;
     const std::unique_lock lock(mutex_, std::try_to_lock);
     if (!lock) return;
@@ -147,6 +149,7 @@ void PagedSound::measure(std::uint64_t frame, std::uint64_t count, float (&peak)
 }
 
 std::size_t PagedSound::readAt(std::uint64_t frame, std::span<float> out) {
+    assertNotAudioThread();
     const std::size_t channels = format_.channels;
     std::size_t done = 0;
     const std::size_t frames = out.size() / channels;

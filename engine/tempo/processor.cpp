@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "engine/realtime/thread_tags.h"
 #include "engine/tempo/lane.h"
 
 namespace zv::engine {
@@ -47,6 +48,7 @@ void TempoProcessor::setParameters(const TempoParameters& parameters) {
 }
 
 void TempoProcessor::slide(TempoPart part, double value, std::uint64_t frames, bool ratios) {
+    assertNotAudioThread();
     change([&](std::uint64_t now) { curve_.move(part, cutTempo(part, value), now, frames, ratios); });
 }
 
@@ -83,6 +85,7 @@ void TempoProcessor::publish() {
 }
 
 void TempoProcessor::restart(std::uint64_t frame) {
+    assertAudioThread();
     ++epoch_;
     ended_ = false;
     if (current_) drop(current_);
@@ -151,6 +154,7 @@ void TempoProcessor::leaveAt(std::uint64_t source, std::size_t fade) {
 }
 
 void TempoProcessor::fade(std::span<float> fromSource) {
+    assertAudioThread();
     const std::size_t frames = fadeFrames_, wanted = fromSource.size() / channels_;
     std::array<float, 256> old;
     for (std::size_t done = 0; done < wanted && fading_;) {
@@ -176,6 +180,7 @@ void TempoProcessor::pass(std::uint64_t frames) {
 }
 
 bool TempoProcessor::neutral() {
+    assertAudioThread();
     if (current_) return false;
     const TempoLane* lane = next();
     if (!lane || lane->switchAt > clock_) return true;
@@ -189,6 +194,7 @@ std::size_t TempoProcessor::neutralRun() const {
 }
 
 void TempoProcessor::passed(std::size_t frames, std::uint64_t frame) {
+    assertAudioThread();
     clock_ += frames;
     pass(frames);
     source_ = frame;
@@ -197,6 +203,7 @@ void TempoProcessor::passed(std::size_t frames, std::uint64_t frame) {
 }
 
 void TempoProcessor::idle(std::uint64_t frames) {
+    assertAudioThread();
     pass(frames);
     publish();
 }
@@ -242,6 +249,7 @@ bool TempoProcessor::diverges(std::uint64_t& limit) {
 }
 
 std::span<const float> TempoProcessor::view(std::size_t frames) {
+    assertAudioThread();
     if (!current_ || ended_ || current_->leaves) return {};
     if (const TempoLane* lane = next(); lane && lane->switchAt < current_->readAt() + frames) return {};
     if (reader_.range() != current_->range()) return {};
@@ -253,6 +261,7 @@ std::span<const float> TempoProcessor::view(std::size_t frames) {
 }
 
 std::size_t TempoProcessor::read(std::span<float> out) {
+    assertAudioThread();
     const std::size_t wanted = out.size() / channels_;
     std::size_t done = 0;
     while (done < wanted && current_ && !ended_) {
@@ -281,7 +290,7 @@ std::size_t TempoProcessor::read(std::span<float> out) {
             std::uint64_t none = 0;
             if (!diverges(none)) end();
         } else if (got == 0 && limit != current_->readAt()) {
-            starvations_.fetch_add(1, std::memory_order_relaxed);
+            underruns_.fetch_add(1, std::memory_order_relaxed);
             break;
         }
     }

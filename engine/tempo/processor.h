@@ -75,7 +75,7 @@ class TempoProcessor {
     /// the audio thread. Empty where they do not lie in one piece or something else follows them: use read().
     std::span<const float> view(std::size_t frames);
     /// Stretched frames into `out`; returns the frames written. Fewer than asked: ask neutral() (the sound
-    /// goes on from the source) and ended(), else the worker was late (counted by starvations()).
+    /// goes on from the source) and ended(), else the worker was late (counted by underruns()).
     std::size_t read(std::span<float> out);
     /// The source has come to its end and everything of it was read.
     bool ended() const { return ended_; }
@@ -90,7 +90,7 @@ class TempoProcessor {
     // ---- [any]
     /// Heard position in the source's frames; stretched it is exact to 10 ms.
     std::uint64_t sourceFrame() const { return heard_.load(std::memory_order_relaxed); }
-    std::uint64_t starvations() const { return starvations_.load(std::memory_order_relaxed); }
+    std::uint64_t underruns() const { return underruns_.load(std::memory_order_relaxed); }
     /// Whether work() would do something now.
     bool workDue() const;
 
@@ -156,7 +156,7 @@ class TempoProcessor {
     std::atomic<std::uint32_t> changes_{0};    // of the curve
     std::atomic<std::uint64_t> time_{0};       // frames that passed: the clock of slides
     std::atomic<std::uint64_t> restsFrom_{0};  // from that time on nothing slides
-    // What work() last found in order: nothing but filling is due until turn() is another one.
+    // What work() last found settled: nothing but filling is due until turn() is another one.
     std::atomic<std::uint64_t> settled_{~std::uint64_t{0}};
 
     // [audio]
@@ -176,7 +176,7 @@ class TempoProcessor {
 
     // from the worker to the audio thread
     std::atomic<TempoLane*> offered_{nullptr}, primed_{nullptr};
-    std::atomic<std::uint64_t> heard_{0}, starvations_{0};
+    std::atomic<std::uint64_t> heard_{0}, underruns_{0};
     Published published_;
 
     std::mutex workMutex_;  // of everything below: control and worker

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "engine/dsp/denormals.h"
+#include "engine/realtime/thread_tags.h"
 #include "engine/tempo/lane.h"
 #include "engine/tempo/processor.h"
 
@@ -54,7 +55,7 @@ TempoProcessor::Wish TempoProcessor::wish() const {
     return {curve_, changes_.load(std::memory_order_acquire)};
 }
 
-/// Which orders of the audio thread and of the callers hold.
+/// Which commands of the audio thread and of the callers hold.
 std::uint64_t TempoProcessor::turn() const {
     return std::uint64_t{changes_.load(std::memory_order_acquire)} << 32 |
            published_.version.load(std::memory_order_acquire);
@@ -112,6 +113,7 @@ bool TempoProcessor::offerStands(const TempoLane& lane, const Snapshot& now, con
 }
 
 void TempoProcessor::prime(std::uint64_t frame) {
+    assertNotAudioThread();
     if (!wanted_.load(std::memory_order_acquire)) return;
     const std::lock_guard lock(workMutex_);
     const Wish wish = this->wish();
@@ -246,6 +248,7 @@ std::int64_t TempoProcessor::bestLag(std::span<const float> old, std::uint64_t s
 }
 
 void TempoProcessor::work() {
+    assertNotAudioThread();
     if (!workDue() || !stretchers_) return;
     std::unique_lock lock(workMutex_, std::try_to_lock);
     if (!lock) return;

@@ -136,7 +136,7 @@ TEST_P(Drift, TheAuxiliaryFollowsWithoutGapOrLag) {
         mainFrames =
             second == 0 ? static_cast<double>(mainAt) : mainFrames + static_cast<double>(main.size() / 2);
     }
-    EXPECT_EQ(engineControl()->statistics(kAux).starvations, 0U);
+    EXPECT_EQ(engineControl()->statistics(kAux).sourceUnderruns, 0U);
     std::printf("%d s: lag %.1f to %.1f ms, pitch within %.4f %%\n", driftSeconds(), leastLag, mostLag,
                 worstPitch * 100);
 }
@@ -167,7 +167,7 @@ TEST_F(Clocks, TheOutputThatFollowedGoesOnWithoutACorner) {
     const std::vector<float> aux = take(kAuxName);
     EXPECT_GT(aux.size() / 2, 4U * 88200 - 100);
     EXPECT_EQ(Tone::corner(aux), aux.size() / 2);
-    EXPECT_EQ(engineControl()->statistics(kAux).starvations, 0U);
+    EXPECT_EQ(engineControl()->statistics(kAux).sourceUnderruns, 0U);
 }
 
 TEST_F(Clocks, APressInARestSoundsAtOnceAndWhole) {
@@ -201,7 +201,7 @@ TEST_F(Clocks, APressInARestSoundsAtOnceAndWhole) {
             ASSERT_NEAR(frameOf(aux[f * 2]) - frameOf(aux[f * 2 - 2]), 1, 0.1) << f;
         EXPECT_NEAR(static_cast<double>(f - first), 59900, 100);
     }
-    EXPECT_EQ(engineControl()->statistics(kAux).starvations, 0U);
+    EXPECT_EQ(engineControl()->statistics(kAux).sourceUnderruns, 0U);
 }
 
 TEST_F(Clocks, ACallbackThatTakesTooLongIsCounted) {

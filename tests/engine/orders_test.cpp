@@ -1,4 +1,4 @@
-// One channel under orders at random, beside a model that computes every frame one by one.
+// One channel under commands at random, beside a model that computes every frame one by one.
 #include <random>
 
 #include "tests/engine/show.h"
@@ -68,9 +68,9 @@ struct Model {
 
 void count(HSYNC, DWORD, DWORD, void* user) { ++*static_cast<int*>(user); }
 
-class Orders : public Show, public testing::WithParamInterface<std::uint32_t> {};
+class Commands : public Show, public testing::WithParamInterface<std::uint32_t> {};
 
-TEST_P(Orders, EveryFrameIsWhereTheModelHasIt) {
+TEST_P(Commands, EveryFrameIsWhereTheModelHasIt) {
     for (unsigned seed = 1; seed <= 4; ++seed) {
         SCOPED_TRACE(seed);
         begin({.period = GetParam()});
@@ -158,7 +158,7 @@ TEST_P(Orders, EveryFrameIsWhereTheModelHasIt) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Periods, Orders, testing::Values(32U, 441U, 512U, 997U));
+INSTANTIATE_TEST_SUITE_P(Periods, Commands, testing::Values(32U, 441U, 512U, 997U));
 
 }  // namespace
 }  // namespace zv::engine::test

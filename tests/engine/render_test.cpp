@@ -12,7 +12,7 @@ namespace {
 using Rendering = Show;
 
 TEST_F(Rendering, TheSoundIsTheSameForAllPeriods) {
-    // Orders come at moments that are period boundaries for all: 32 * 64 * 441 * 997 is far, so at 0.
+    // Commands come at moments that are period boundaries for all: 32 * 64 * 441 * 997 is far, so at 0.
     std::vector<float> reference;
     for (const std::uint32_t period : {441U, 1U, 32U, 64U, 512U, 997U}) {
         SCOPED_TRACE(period);

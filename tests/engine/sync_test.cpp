@@ -1,4 +1,4 @@
-// Syncs: on the right frame, once, never late; what they order acts a period later at most.
+// Syncs: on the right frame, once, never late; what they command acts a period later at most.
 #include <atomic>
 #include <thread>
 

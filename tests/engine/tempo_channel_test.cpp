@@ -62,27 +62,6 @@ TEST_F(TempoShow, TempoPitchAndRateDoWhatTheySay) {
     }
 }
 
-TEST_F(TempoShow, NeutralIsBitExactAlsoAfterAStretch) {
-    const Topology studio;
-    const DWORD jingle = studio.jingle(file("tone"));
-    press(jingle);
-    take();
-    pull(44100);
-    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO, 12);
-    pull(44100);
-    EXPECT_NEAR(seconds(jingle), 2.12, 0.012);
-    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO, 0);
-    pull(44100);
-    const std::vector<float> sound = take();
-    const std::size_t end = sound.size() / 2;
-    const QWORD place = BASS_ChannelGetPosition(jingle, BASS_POS_BYTE) / 4;
-    for (std::size_t i = 1; i <= 22050; ++i)
-        ASSERT_EQ(sound[2 * (end - i)], sine(place - i, 150, 44100, 0.5)) << i;
-    std::vector<float> plain(2 * 44100);
-    for (std::size_t i = 0; i < 44100; ++i) plain[2 * i] = plain[2 * i + 1] = sine(i, 150, 44100, 0.5);
-    EXPECT_LT(roughness(sound, 450, end), 4 * roughness(plain, 0, 44100));
-}
-
 TEST_F(TempoShow, LoopsAndSyncsHoldWhileStretched) {
     const Topology studio;
     const DWORD jingle = studio.jingle(file("tone"));
@@ -106,25 +85,6 @@ TEST_F(TempoShow, LoopsAndSyncsHoldWhileStretched) {
     BASS_ChannelFlags(jingle, 0, BASS_SAMPLE_LOOP);
     pull(44100);
     EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
-}
-
-TEST_F(TempoShow, TheSameOrdersGiveTheSameBits) {
-    std::vector<std::vector<float>> results;
-    for (int turn = 0; turn < 2; ++turn) {
-        const Topology studio;
-        const DWORD jingle = studio.jingle(file("tone"));
-        press(jingle);
-        take();
-        pull(5000);
-        BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO_PITCH, 3);
-        pull(20000);
-        BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO, -8);
-        pull(20000);
-        results.push_back(take());
-        begin({});
-        install();
-    }
-    EXPECT_EQ(results[0], results[1]);
 }
 
 TEST_F(TempoShow, SlidesOfTempoPitchAndRate) {
@@ -189,26 +149,6 @@ TEST_F(TempoShow, SlidesAreTheSameForAllPeriods) {
         EXPECT_EQ(off.in1 - sound.begin(), static_cast<std::ptrdiff_t>(sound.size()));
     }
     EXPECT_GT(*std::ranges::max_element(reference), 0.3F);
-}
-
-TEST_F(TempoShow, ALoopLeftInTheLastMomentEndsThere) {
-    const Topology studio;
-    const DWORD jingle = studio.jingle(file("tone"));
-    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO, 20);
-    BASS_ChannelSetPosition(jingle, 44100 * 4, BASS_POS_END);
-    BASS_ChannelFlags(jingle, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
-    static int fired;
-    fired = 0;
-    BASS_ChannelSetSync(
-        jingle, BASS_SYNC_POS, 44000 * 4, [](HSYNC, DWORD, DWORD, void*) { ++fired; }, nullptr);
-    press(jingle, 22050 * 4);
-    while (seconds(jingle) < 0.985) pull(441);
-    BASS_ChannelFlags(jingle, 0, BASS_SAMPLE_LOOP);
-    pull(4 * 441);
-    engineControl()->settleSyncs();
-    EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
-    EXPECT_EQ(seconds(jingle), 1.0);
-    EXPECT_EQ(fired, 1);
 }
 
 }  // namespace

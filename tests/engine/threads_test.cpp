@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "engine/api/engine.h"
+#include "platform/soundtouch/soundtouch_stretcher.h"
 #include "tests/engine/show.h"
 
 namespace zv::engine::test {
@@ -58,7 +59,7 @@ class ThreadedDevices final : public DeviceSource {
 class Threads : public Show {
   protected:
     Threads() {
-        engineControl()->install({decoders, nullptr, std::make_shared<ThreadedDevices>()});
+        engineControl()->install({decoders, soundTouchStretchers(), std::make_shared<ThreadedDevices>()});
         decoders->sounds["long"] = {.length = 44100 * 180, .sample = [](std::uint64_t f, std::uint32_t) {
                                         return f % 100 < 50 ? 0.1F : -0.1F;
                                     }};
@@ -86,7 +87,7 @@ TEST_F(Threads, TenThousandRandomOperations) {
         Slot& s = slots[random() % slots.size()];
         const auto ms = static_cast<DWORD>(random() % 30);
         const QWORD somewhere = random() % 441000 * 4;
-        switch (s.play == 0 ? 0 : random() % 18) {
+        switch (s.play == 0 ? 0 : random() % 20) {
             case 0:
                 BASS_StreamFree(s.play);
                 s.source = file(std::array{"long", "ramp", "sine"}[random() % 3]);
@@ -146,6 +147,12 @@ TEST_F(Threads, TenThousandRandomOperations) {
                 BASS_Mixer_StreamAddChannel(studio.mainMixer, s.play, 0);
                 break;
             case 17:
+                BASS_ChannelSetAttribute(s.play, BASS_ATTRIB_TEMPO, ms % 3 == 0 ? 0 : static_cast<float>(ms));
+                break;
+            case 18:
+                BASS_ChannelSlideAttribute(s.play, BASS_ATTRIB_TEMPO_PITCH, static_cast<float>(ms) / 10, ms);
+                break;
+            case 19:
                 if (random() % 20 == 0) studio.openOutput(1, kAux, 44100);
                 break;
         }
@@ -166,8 +173,8 @@ TEST_F(Threads, TenThousandRandomOperations) {
     EXPECT_TRUE(BASS_Free());
 }
 
-TEST_F(Threads, AFloodOfOrdersLosesNothing) {
-    // Nothing pulls while the flood comes: more orders than the ring holds.
+TEST_F(Threads, AFloodOfCommandsLosesNothing) {
+    // Nothing pulls while the flood comes: more commands than the ring holds.
     begin({});
     const Topology studio;
     const DWORD jingle = studio.jingle(file("one"));
@@ -210,8 +217,27 @@ TEST_F(Threads, APaletteOfLongFilesStaysSmall) {
         Engine::instance().workers.serveAll();
     }
     EXPECT_LT(Engine::instance().workers.memory(), 200U << 20);
-    EXPECT_EQ(engineControl()->statistics(kMain).starvations, 0U);
+    EXPECT_EQ(engineControl()->statistics(kMain).sourceUnderruns, 0U);
 }
+
+#ifndef NDEBUG
+/// A call from the wrong thread ends a debug build; the guard would find it later, or never.
+using ThreadTags = Show;
+
+TEST_F(ThreadTags, CallsFromTheWrongThreadAreNoticed) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto sound = file("ramp");
+    const auto as = [](ThreadKind kind, auto&& call) {
+        const ThreadSection section(kind);
+        call();
+    };
+    Graph& graph = Engine::instance().graph;
+    EXPECT_DEATH(as(ThreadKind::Audio, [&] { BASS_ChannelStop(sound); }), "assertNotAudioThread");
+    EXPECT_DEATH(as(ThreadKind::Sync, [&] { file("ramp"); }), "assertControlThread");
+    EXPECT_DEATH(as(ThreadKind::Worker, [&] { graph.renderBlock(1); }), "assertAudioThread");
+    EXPECT_DEATH(graph.trash.add(nullptr), "assertAudioThread");
+}
+#endif
 
 }  // namespace
 }  // namespace zv::engine::test
