@@ -7,6 +7,7 @@
 #include "audio/open_palette.h"
 #include "engine/bass.h"
 #include "engine/ports.h"
+#include "midi/lifecycle.h"
 #include "model/jingle.h"
 #include "model/palette_files.h"
 #include "model/state.h"
@@ -134,7 +135,10 @@ void loadSettings() {
     step("HotJingles.ini", OpenHotFile);
     SplashStep("Loading MIDI settings");
     SetProgress(18);
-    step("MIDI.ini", OpenMIDIFile);  // the control input and output start here
+    step("MIDI.ini", [] {
+        OpenMIDIFile();
+        StartMIDI();
+    });
     // "Loading Time announce file": with the time announcer.
 }
 
@@ -194,7 +198,8 @@ void showMain() {
         if (settings.CenterLstPal == 1) CentrePaletteList();
     });
     step("", [] { setAlwaysOnTop(frmMain().window, settings.AlwaysOnTop == 1); });
-    // The checks for updates and notifications come here, and control output is allowed from here on.
+    // The checks for updates and notifications come here.
+    step("", AllowMIDIFeedback);
     step("", UnloadSplash);
 }
 
@@ -248,7 +253,7 @@ bool Main(const CommandLine& commandLine) {
 }
 
 void Form_Unload() {
-    // The control input and output would be closed first.
+    guarded("frmMain.Form_Unload", EndMIDI);
     guarded("frmMain.Form_Unload", frmMainUnload);
     guarded("frmMain.Form_Unload", [] { endJobs(kJobsPatienceMs); });
     guarded("frmMain.Form_Unload", [] { FreeBASS(); });

@@ -1,4 +1,5 @@
 #include "ui/upcalls_fill.h"
+#include "ui/press/midi_fill.h"
 
 #include <cstddef>
 #include <string>
@@ -6,6 +7,7 @@
 #include <vector>
 
 #include "audio/upcalls.h"
+#include "midi/feedback.h"
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/palette_files.h"
@@ -155,6 +157,13 @@ void fillAudio() {
             b->sq_Jingle.foreColor = kMarkOff;
         }
     };
+    audioUpcalls.feedback = [](int index, Feedback moment) {
+        if (moment == Feedback::stopping) {
+            SlotStopping(index);
+        } else {
+            SlotOpened(index, moment == Feedback::loaded);
+        }
+    };
     audioUpcalls.hideClock = StopClock;
     audioUpcalls.noOutputDevice = [] { ErrDisp("no", 0, Ln("mNoOutDev")); };
 }
@@ -201,6 +210,7 @@ void fillModel() {
 }  // namespace
 
 void FillUpcalls() {
+    FillMidiUpcalls();
     fillStartup();
     boxWords = [] { return BoxWords{Ln("mOK"), Ln("mCancel"), Ln("mYes"), Ln("mNo")}; };
     FillConsoleUpcalls();

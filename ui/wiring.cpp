@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "midi/feedback.h"
 #include "model/state.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
@@ -92,8 +93,8 @@ void wirePalettes() {
     t.lstPal.onKeyDown = lstpal_KeyDown;
     t.btUp.onMouseDown = btUp_MouseDown;
     t.btDn.onMouseDown = btDn_MouseDown;
-    t.btUp.onMouseUp = [](const MouseEvent&) { btUpDn_MouseUp(); };
-    t.btDn.onMouseUp = [](const MouseEvent&) { btUpDn_MouseUp(); };
+    t.btUp.onMouseUp = [](const MouseEvent& e) { btUpDn_MouseUp(e, true); };
+    t.btDn.onMouseUp = [](const MouseEvent& e) { btUpDn_MouseUp(e, false); };
     onLeftPress(t.ckAssign, CkAssignTog);
     t.btSave.onMouseDown = [](const MouseEvent& e) {
         if (e.button == MouseButton::left) {
@@ -127,11 +128,26 @@ void wireOptions() {
     }
 }
 
+/// A global play mode: the surface shows the key held, and what is on when it is let go.
+void wireToggle(Control& control, Toggle toggle, void (*handler)()) {
+    control.onMouseDown = [toggle, handler](const MouseEvent& e) {
+        if (e.button == MouseButton::left) {
+            ToggleHeld(toggle);
+            handler();
+        }
+    };
+    control.onMouseUp = [](const MouseEvent& e) {
+        if (e.button == MouseButton::left) {
+            PlayModesTogglesMIDIOut("");
+        }
+    };
+}
+
 void wireKeys() {
     KeyControls& k = frmMain().keys;
-    onLeftPress(k.ckAutoRep, CkAutoRepTog);
-    onLeftPress(k.ckTouch, CkTouchTog);
-    onLeftPress(k.ckAutoMix, CkAutoMixTog);
+    wireToggle(k.ckAutoRep, Toggle::autoRepeat, CkAutoRepTog);
+    wireToggle(k.ckTouch, Toggle::touch, CkTouchTog);
+    wireToggle(k.ckAutoMix, Toggle::autoMix, CkAutoMixTog);
     k.btMicPush.onMouseDown = [](const MouseEvent& e) {
         if (e.button == MouseButton::left) {
             guarded(".btMicPush_MouseDown", MicPush);
@@ -144,6 +160,7 @@ void wireKeys() {
     };
     onLeftPress(k.btMicTO, [] { guarded(".btMicTO_MouseDown", TalkOverTog); });
     k.btStop.onMouseDown = btStop_MouseDown;
+    k.btStop.onMouseUp = btStop_MouseUp;
     k.btExit.onMouseDown = btExit_MouseDown;
     k.btExit.onMouseUp = btExit_MouseUp;
 }

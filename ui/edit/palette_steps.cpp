@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "audio/open_palette.h"
+#include "midi/feedback.h"
 #include "model/jingle.h"
 #include "model/pending_removals.h"
 #include "model/state.h"
@@ -189,6 +190,7 @@ void btUp_MouseDown(const MouseEvent& event) {
             return;
         }
         LastCtrl = "btUp";
+        LampOfKey(LampKey::up, true);
         evbtUp();
         timers().Timerlstpaltop.restart();
     });
@@ -200,14 +202,18 @@ void btDn_MouseDown(const MouseEvent& event) {
             return;
         }
         LastCtrl = "btDn";
+        LampOfKey(LampKey::down, true);
         evBtDn();
         timers().Timerlstpalbot.restart();
     });
 }
 
-void btUpDn_MouseUp() {
+void btUpDn_MouseUp(const MouseEvent& event, bool up) {
     timers().Timerlstpaltop.stop();
     timers().Timerlstpalbot.stop();
+    if (event.button == MouseButton::left) {
+        LampOfKey(up ? LampKey::up : LampKey::down, false);
+    }
 }
 
 void TimerlstpalbotTick() {

@@ -11,7 +11,7 @@ void evbtUp();
 void evBtDn();
 void btUp_MouseDown(const MouseEvent& event);
 void btDn_MouseDown(const MouseEvent& event);
-void btUpDn_MouseUp();
+void btUpDn_MouseUp(const MouseEvent& event, bool up);
 void TimerlstpalbotTick();
 void TimerlstpaltopTick();
 /// Page Up and Page Down held: the key that repeats.

@@ -4,6 +4,7 @@
 
 #include "audio/automix.h"
 #include "audio/talk_over.h"
+#include "midi/feedback.h"
 #include "model/state.h"
 #include "startup/guard.h"
 #include "startup/language.h"
@@ -30,10 +31,15 @@ void CkAutoRepTog() {
     guarded("frmMain.CkAutoRepTog", [] {
         LastCtrl = "CkAutoRep";
         ToggleAutoRep = ToggleAutoRep == 1 ? 0 : 1;
-        if (ToggleAutoRep == 1) {
+        const bool other = ToggleAutoRep == 1 && ToggleTouch == 1;
+        if (other) {
             ToggleTouch = 0;
         }
         keepToggles();
+        ToggleSwitched(Toggle::autoRepeat);
+        if (other) {
+            ToggleSwitched(Toggle::touch);
+        }
     });
 }
 
@@ -41,10 +47,15 @@ void CkTouchTog() {
     guarded("frmMain.CkTouchTog", [] {
         LastCtrl = "CkTouch";
         ToggleTouch = ToggleTouch == 1 ? 0 : 1;
-        if (ToggleTouch == 1) {
+        const bool other = ToggleTouch == 1 && ToggleAutoRep == 1;
+        if (other) {
             ToggleAutoRep = 0;
         }
         keepToggles();
+        ToggleSwitched(Toggle::touch);
+        if (other) {
+            ToggleSwitched(Toggle::autoRepeat);
+        }
     });
 }
 
@@ -57,6 +68,7 @@ void CkAutoMixTog() {
         NextAutoMix();
         ShowGlobalToggles();
         LnStrings("frmMain");
+        ToggleSwitched(Toggle::autoMix);
     });
 }
 
@@ -67,6 +79,7 @@ void MicPush() {
         }
         MicUp();
         Arm(frmMain().keys.btMicPush, settings.moColor);
+        LampOfMic(true);
     });
 }
 
@@ -81,6 +94,7 @@ void MicRelease() {
         if (k.btMicTO.backColor != settings.moColor) {
             MicDown();
         }
+        LampOfMic(false);
     });
 }
 
@@ -91,6 +105,7 @@ void TalkOverTog() {
         }
         KeyControls& k = frmMain().keys;
         TalkOverOn = !TalkOverOn;
+        LampOfTalkOver(TalkOverOn);
         if (TalkOverOn) {
             Arm(k.btMicTO, settings.toColor);
             return;

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "audio/play.h"
+#include "midi/feedback.h"
 #include "model/jingle.h"
 #include "model/state.h"
 #include "platform/controls.h"
@@ -239,6 +240,9 @@ void b_Jingle_MouseDown(int index, const MouseEvent& event) {
             return;
         }
         Jingle(index).Pressed = 1;
+        if (!SelectorsOn) {
+            SlotPressed(index);
+        }
         btClic(index);
     });
 }
@@ -254,6 +258,10 @@ void b_Jingle_MouseUp(int index, const MouseEvent& event) {
         if (event.button == MouseButton::right) {
             OpenJingleMenu(index);
             return;
+        }
+        if (!SelectorsOn) {
+            MIDIOutFixedJingle(index, false);
+            SlotReleased(index);
         }
         if (j.MissingFile) {
             btClic(index);
@@ -299,7 +307,16 @@ void PlayJing(int index) {
 void btStop_MouseDown(const MouseEvent& event) {
     guarded(".btStop_MouseDown", [&] {
         if (event.button == MouseButton::left) {
+            LampOfKey(LampKey::stop, true);
             evStop();
+        }
+    });
+}
+
+void btStop_MouseUp(const MouseEvent& event) {
+    guarded(".btStop_MouseUp", [&] {
+        if (event.button == MouseButton::left) {
+            LampOfKey(LampKey::stop, false);
         }
     });
 }

@@ -18,6 +18,7 @@ void PlayJing(int index);
 
 /// Stops everything and disarms the announcer and the stream.
 void btStop_MouseDown(const MouseEvent& event);
+void btStop_MouseUp(const MouseEvent& event);
 /// Delete on the keyboard.
 void DeleteObj();
 

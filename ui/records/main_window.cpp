@@ -33,7 +33,9 @@ DisplayControls::DisplayControls(Control& window)
       lblClock{{{"lblClock", symbol, &picDispBack, 0},
                 {"lblClock", symbol, &picDispBack, 1},
                 {"lblClock", symbol, &picDispBack, 2}}},
-      lblPlayMode{{{"lblPlayMode", symbol, &picDispBack, 0}, {"lblPlayMode", symbol, &picDispBack, 1}}} {
+      lblPlayMode{{{"lblPlayMode", symbol, &picDispBack, 0}, {"lblPlayMode", symbol, &picDispBack, 1}}},
+      lblMIDIIcon("lblMIDIIcon", label, &picDispBack),
+      lblMIDIDevice("lblMIDIDevice", label, &picDispBack) {
     for (Control* digit : {&lblPosMinC, &lblPosMinD, &lblPosMin}) {
         digit->visible = false;
     }
@@ -52,6 +54,9 @@ DisplayControls::DisplayControls(Control& window)
     for (Control& mark : lblPlayMode) {
         mark.visible = false;
     }
+    lblMIDIIcon.caption = "MIDI";
+    lblMIDIIcon.visible = false;
+    lblMIDIDevice.visible = false;
 }
 
 std::array<Control*, 9> DisplayControls::digits() {

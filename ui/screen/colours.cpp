@@ -141,6 +141,8 @@ void paintDisplay() {
         text->foreColor = settings.DateTimeColor;
     }
     d.txtDisPal.foreColor = settings.PalColor;
+    d.lblMIDIIcon.foreColor = settings.DateTimeColor;
+    d.lblMIDIDevice.foreColor = settings.PalColor;
     for (Control* digit : d.digits()) {
         digit->foreColor = settings.CountDownColor;
     }

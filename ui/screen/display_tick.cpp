@@ -6,6 +6,7 @@
 
 #include "audio/duck.h"
 #include "audio/sounding.h"
+#include "midi/feedback.h"
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/state.h"
@@ -62,6 +63,9 @@ void silentButton(int i, JingleButton& b) {
     if (!SelectorsOn && (b.b_Jingle.backColor != back || b.b_Jingle.foreColor != fore)) {
         b.b_Jingle.backColor = back;
         b.b_Jingle.foreColor = fore;
+        if (Jingle(i).Pressed == 0 && !Jingle(i).MissingFile) {
+            SlotEnded(i);
+        }
     }
     b.lp_Jingle.foreColor = Shaded.lp;
     b.sq_Jingle.foreColor = Shaded.sq;

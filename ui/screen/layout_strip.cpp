@@ -11,6 +11,7 @@
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/meters.h"
+#include "ui/screen/midi_status.h"
 
 namespace zv {
 
@@ -254,6 +255,7 @@ void DrawDisplay() {
     const int foot = height - line - px(8);
     place(d.lblErr, width - margin - line, foot, line, line);
     place(d.txtDisPal, margin, foot, inner - line - px(8), line);
+    ShowMidiStatus(true);
 
     const auto gapOf = [](int height) { return px(std::max(2.0, height / px(1) * 0.08)); };
     const int digitsTop = top + line + px(4);

@@ -1,0 +1,165 @@
+#include "midi/devices.h"
+
+#include <algorithm>
+
+#include "midi/assignments.h"
+#include "midi/feedback.h"
+#include "midi/ring.h"
+#include "midi/state.h"
+#include "midi/upcalls.h"
+#include "platform/desktop.h"
+#include "startup/guard.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "startup/upcalls.h"
+
+namespace zv {
+namespace {
+
+constexpr int kLongMessages = 31;               ///< that an open input takes in all
+constexpr const char* kErrorTitle = "Fehler:";  ///< in every language
+
+int position(const std::vector<std::string>& names, const std::string& name) {
+    const auto found = std::ranges::find(names, name);
+    return found == names.end() ? kNoMidiIndex : static_cast<int>(found - names.begin());
+}
+
+int rowsBut(const ShownList& box) { return static_cast<int>(box.rows.size()) - 1; }
+int count(const std::vector<std::string>& names) { return static_cast<int>(names.size()); }
+
+void showLists() { callUp(midiUpcalls.listsChanged); }
+
+void loseDevice() {
+    CloseMidiInDevice();
+    CloseMidiOutDevice(hMidiOut);
+    MIDIDeviceLabel = Ln(cmbInDevsGUI.rows.size() <= 1 ? "sMIDINoDev" : "sMIDIOtherDev");
+}
+
+std::string caption() {
+    const std::string in = settings.MIDIEnabled == 1 && !MIDIHidden ? MIDIDeviceLabel : std::string();
+    const std::string out = settings.MIDIOutFixedEnabled == 1 ? MIDIOutFixedDeviceLabel : std::string();
+    return in.empty() || out.empty() ? in + out : in + " / " + out;
+}
+
+}  // namespace
+
+void ListMidiInDevices(std::vector<std::string>& list) { list = midiInputs(); }
+void ListMidiOutDevices(std::vector<std::string>& list) { list = midiOutputs(); }
+
+void OpenMidiInDevice(int index) {
+    CloseMidiInDevice();
+    std::string error;
+    hMidiIn = openMidiInput(index, MidiInProc, kLongMessages, error);
+    if (hMidiIn != 0) ResetRing();
+}
+
+void CloseMidiInDevice() {
+    if (hMidiIn == 0) return;
+    closeMidiInput(hMidiIn);
+    hMidiIn = 0;
+}
+
+void OpenMidiOutDevice(int index, MidiHandle& handle) {
+    CloseMidiOutDevice(handle);
+    std::string error;
+    handle = openMidiOutput(index, error);
+    if (handle == 0)
+        messageBox("OpenMidiOutDevice:  " + std::to_string(index) + "  : " + error, kErrorTitle,
+                   BoxKind::stop, BoxButtons::ok);
+}
+
+void CloseMidiOutDevice(MidiHandle& handle) {
+    if (handle != 0) closeMidiOutput(handle);
+    handle = 0;
+}
+
+void LoadMIDI() {
+    const int index = position(lstInDevs, settings.MIDIDevice);
+    if (index < 0) return;
+    OpenMidiInDevice(index);
+    startMidiInput(hMidiIn);
+    LoadMIDIdatas(settings.MIDIDevice);
+}
+
+void SetMIDIDevice() {
+    guarded("modMidiFunctions.SetMIDIDevice", [] {
+        if (cmbInDevsGUI.selected == 0) return;
+        if (!MIDIDevicePicked) ListMidiInDevices(lstInDevs);
+        if (!MIDIDevicePicked && rowsBut(cmbInDevsGUI) == count(lstInDevs)) return;
+        if (!MIDIDevicePicked) {
+            ListMidiOutDevices(lstOutDevs);
+            cmbInDevsGUI.fill(lstInDevs);
+        }
+        MIDIDevicePicked = false;
+        const int input = position(lstInDevs, settings.MIDIDevice);
+        int output = kNoMidiIndex;
+        if (input >= 0) {
+            ListMidiOutDevices(lstOutDevs);
+            output = position(lstOutDevs, settings.MIDIDevice);
+        } else {
+            loseDevice();
+        }
+        if (hMidiIn == 0 && input >= 0) OpenMidiInDevice(input);
+        MIDIInOpen = hMidiIn != 0;
+        if (!MIDIInOpen) {
+            MIDIOutIndex = kNoMidiIndex;
+            midiTimers().TimerMIDI.stop();
+            showLists();
+            return;
+        }
+        cmbInDevsGUI.select(settings.MIDIDevice);
+        MIDIDeviceLabel = settings.MIDIDevice;
+        LoadMIDI();
+        MIDIInOpen = hMidiIn != 0;
+        midiTimers().TimerMIDI.start();
+        showLists();
+        if (output == kNoMidiIndex || output == MIDIOutIndex) return;
+        OpenMidiOutDevice(output, hMidiOut);
+        MIDIOutRefresh(-1);
+        MIDIOutIndex = output;
+    });
+}
+
+void SetMIDIOutFixedDevice() {
+    guarded("modMidiFunctions.SetMIDIOutFixedDevice", [] {
+        if (settings.MIDIOutFixedEnabled == 0) return;
+        ListMidiOutDevices(lstOutDevs);
+        if (rowsBut(cmbMIDIOutFixedDevsGUI) == count(lstOutDevs)) return;
+        cmbMIDIOutFixedDevsGUI.fill(lstOutDevs);
+        const int output = position(lstOutDevs, settings.MIDIOutFixedDevice);
+        if (output >= 0) {
+            cmbMIDIOutFixedDevsGUI.select(settings.MIDIOutFixedDevice);
+            OpenMidiOutDevice(output, hMidiOutFixed);
+            LoadMIDIOutFixeddatas();
+            MIDIOutFixedDeviceLabel = settings.MIDIOutFixedDevice;
+        } else {
+            CloseMidiOutDevice(hMidiOutFixed);
+            cmbMIDIOutFixedDevsGUI.selected = 0;
+            MIDIOutFixedDeviceLabel.clear();
+        }
+        showLists();
+    });
+}
+
+void TimerMIDIDevices_Timer() {
+    guarded(".TimerMIDIDevices_Timer", [] {
+        if (settings.MIDIOutFixedEnabled == 1) SetMIDIOutFixedDevice();
+        if (settings.MIDIEnabled == 1) {
+            SetMIDIDevice();
+            if (const std::string text = caption(); text != MIDIStatusText) {
+                MIDIStatusText = text;
+                callUp(midiUpcalls.showStatus, true);
+            }
+        }
+        const bool pumping = midiTimers().TimerMIDI.enabled();
+        if (pumping && settings.MIDIAutoHide == 1 && MIDIHidden) {
+            MIDIHidden = false;
+            callUp(midiUpcalls.showStatus, true);
+        }
+        callUp(midiUpcalls.faderLearning, pumping);
+    });
+}
+
+bool MIDIStatusVisible() { return (settings.MIDIAutoHide == 0 && settings.MIDIEnabled == 1) || hMidiIn != 0; }
+
+}  // namespace zv

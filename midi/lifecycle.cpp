@@ -1,0 +1,49 @@
+#include "midi/lifecycle.h"
+
+#include "midi/assignments.h"
+#include "midi/devices.h"
+#include "midi/dispatch.h"
+#include "midi/feedback.h"
+#include "midi/state.h"
+#include "midi/upcalls.h"
+#include "platform/wake.h"
+#include "startup/settings.h"
+#include "startup/upcalls.h"
+
+namespace zv {
+
+void StartMIDI() {
+    MidiTimers& timers = midiTimers();
+    timers.TimerMIDI.handler = TimerMIDI_Timer;
+    timers.TimerMIDIDevices.handler = TimerMIDIDevices_Timer;
+    onWake(TimerMIDI_Timer);
+    LoadMIDIOutFixeddatas();
+    const bool in = settings.MIDIEnabled == 1, out = settings.MIDIOutFixedEnabled == 1;
+    callUp(midiUpcalls.enableGroup, MidiGroup::in, in);
+    if (in) {
+        timers.TimerMIDIDevices.start();
+        TimerMIDIDevices_Timer();
+        LoadMIDIPresets();
+    }
+    callUp(midiUpcalls.enableGroup, MidiGroup::out, out);
+    if (out) {
+        timers.TimerMIDIDevices.start();
+        TimerMIDIDevices_Timer();
+        SetMIDIOutFixedDevice();
+    }
+}
+
+void AllowMIDIFeedback() { MIDIReady = true; }
+
+void EndMIDI() {
+    MIDIOut(midiOut.OutReset, hMidiOut);
+    MIDIReady = false;
+    midiTimers().TimerMIDI.stop();
+    midiTimers().TimerMIDIDevices.stop();
+    onWake({});
+    CloseMidiInDevice();
+    CloseMidiOutDevice(hMidiOut);
+    CloseMidiOutDevice(hMidiOutFixed);
+}
+
+}  // namespace zv
