@@ -249,6 +249,10 @@ Property<T>& Property<T>::operator=(const T& value) {
 
 /// The control of that name (without regard to case) and index; null when there is none.
 Control* findControl(std::string_view name, int index = -1);
+/// As above among what stands in `window`.
+Control* findControl(std::string_view name, int index, const Control& window);
+/// The window that a control stands in; itself for one that stands in none.
+const Control& windowOf(const Control& control);
 /// All registered controls in the order of their making.
 const std::vector<Control*>& allControls();
 /// Controls changed since the last call, each once, in the order of their first change.

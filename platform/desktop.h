@@ -20,6 +20,8 @@ void lockUpdates();
 void unlockUpdates();
 /// Shows changed records now and lets waiting events run ("DoEvents").
 void processEvents();
+/// Lets events run until `over` says so, as a modal window does, or until the program ends.
+void waitUntil(const std::function<bool()>& over);
 /// Runs until quit(). Returns the exit status.
 int runEventLoop();
 void quit(int status = 0);

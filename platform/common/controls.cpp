@@ -124,6 +124,21 @@ Control* findControl(std::string_view name, int index) {
     return nullptr;
 }
 
+Control* findControl(std::string_view name, int index, const Control& window) {
+    const auto found = registry().byName.find(lowered(name));
+    if (found == registry().byName.end()) return nullptr;
+    for (Control* c : found->second) {
+        if (c->index == index && c != &window && &windowOf(*c) == &window) return c;
+    }
+    return nullptr;
+}
+
+const Control& windowOf(const Control& control) {
+    const Control* top = &control;
+    while (top->parent != nullptr) top = top->parent;
+    return *top;
+}
+
 const std::vector<Control*>& allControls() { return registry().all; }
 
 std::vector<Control*> takeChanged() {

@@ -18,9 +18,13 @@ constexpr int kVirtualControl = 17;
 constexpr int kVirtualAlt = 18;
 constexpr Monitor kScreen{0, 0, 1280, 800};
 
-std::optional<std::string> nextAnswer() {
+/// The answer prepared, else the one that comes while the question waits.
+std::optional<std::string> nextAnswer(bool waits = true) {
     Stage& stage = Stage::instance();
-    if (stage.answers.empty()) return std::nullopt;
+    if (stage.answers.empty()) {
+        std::string coming = waits && stage.waitForAnswer ? stage.waitForAnswer() : std::string{};
+        return coming.empty() ? std::nullopt : std::optional(std::move(coming));
+    }
     std::string answer = std::move(stage.answers.front());
     stage.answers.pop_front();
     return answer;
@@ -71,7 +75,7 @@ std::string dialog(const std::string& kind, const std::string& title) {
 
 BoxAnswer messageBox(const std::string& message, const std::string& title, BoxKind, BoxButtons buttons) {
     const Stage& stage = Stage::instance();
-    const std::optional<std::string> answer = nextAnswer();
+    const std::optional<std::string> answer = nextAnswer(buttons != BoxButtons::ok);
     BoxAnswer given = worded(buttons, stage.closing);
     std::string remark;
     if (!answer) {
@@ -88,7 +92,7 @@ BoxAnswer messageBox(const std::string& message, const std::string& title, BoxKi
 }
 
 std::string openFileDialog(const std::string& title, const std::string&, const std::string&) {
-    return dialog("open", title);
+    return dialog("file", title);
 }
 
 std::string saveFileDialog(const std::string& title, const std::string&, const std::string&) {
@@ -117,6 +121,12 @@ void processEvents() {
     shell::deliverEvents();
 }
 
+void waitUntil(const std::function<bool()>& over) {
+    processEvents();
+    const Stage& stage = Stage::instance();
+    if (stage.playUntil) stage.playUntil(over);
+}
+
 int runEventLoop() { return 0; }  // the script is the loop
 
 void quit(int) { Stage::instance().quitAsked = true; }
@@ -137,10 +147,12 @@ bool keyHeld(int virtualKey) {
     }
 }
 
-/// What a script holds down are jingle buttons.
-bool mouseOver(const Control& window) { return window.name == "frmMain"; }
+bool mouseOver(const Control& window) { return window.name == Stage::instance().mouseWindow; }
 
-void setClipboard(const std::string& contents) { Stage::instance().clipboard = contents; }
+void setClipboard(const std::string& contents) {
+    noteEvent("clipboard", contents);
+    Stage::instance().clipboard = contents;
+}
 
 std::string clipboard() { return Stage::instance().clipboard; }
 
@@ -148,7 +160,7 @@ std::vector<Monitor> monitors() { return {kScreen}; }
 
 bool screenAvailable() { return true; }
 
-void openDocument(const std::string& target) { noteEvent("document", target); }
+void openDocument(const std::string& target) { noteEvent("open", target); }
 
 void runMinimised(const std::string& command) { noteEvent("run", command); }
 

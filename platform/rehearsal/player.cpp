@@ -14,6 +14,7 @@
 #include "platform/rehearsal/midi_devices.h"
 #include "platform/rehearsal/stage.h"
 #include "platform/rehearsal/virtual_clock.h"
+#include "platform/rehearsal/web.h"
 #include "platform/timers.h"
 
 namespace zv {
@@ -64,12 +65,12 @@ bool holds(const std::string& is, const std::string& compare, const std::string&
 /// Verbs that are no input to the program: an open menu stays open over them.
 bool leavesMenuOpen(Verb verb) {
     return verb == Verb::expect || verb == Verb::shot || verb == Verb::answer || verb == Verb::time ||
-           verb == Verb::mic || verb == Verb::plug || verb == Verb::unplug || verb == Verb::midi ||
-           verb == Verb::mods;
+           verb == Verb::mic || verb == Verb::web || verb == Verb::plug || verb == Verb::unplug ||
+           verb == Verb::midi || verb == Verb::mods;
 }
 
 std::string nameOf(const Action& action) {
-    std::string name = action.name;
+    std::string name = action.window.empty() ? action.name : action.window + "." + action.name;
     if (action.index >= 0) name += "(" + std::to_string(action.index) + ")";
     if (!action.property.empty()) name += "." + action.property;
     return name;
@@ -86,7 +87,9 @@ std::string actionText(const Action& action) {
         case Verb::press:
         case Verb::down:
         case Verb::up:
-            return text + " " + std::to_string(action.index);
+            return text + " " + (action.name.empty() ? std::to_string(action.index) : nameOf(action));
+        case Verb::web:
+            return text + " " + action.name + " " + action.text;
         case Verb::expect:
             text += " " + nameOf(action);
             if (action.compare != "=") text += " " + action.compare;
@@ -97,6 +100,15 @@ std::string actionText(const Action& action) {
     if (!action.name.empty()) text += " " + nameOf(action);
     if (!action.text.empty()) text += " " + action.text;
     return text;
+}
+
+void answerWeb(const Action& action) {
+    WebRule rule;
+    if (action.text != "off") rule.kind = action.text == "hang" ? WebRule::Kind::hang : WebRule::Kind::file;
+    rule.file = action.text;
+    rule.status = static_cast<int>(action.number);
+    rule.type = action.property;
+    RehearsedWeb::instance().answer(action.name, std::move(rule));
 }
 
 Player::Player(const RehearsalOptions& options, const RehearsedProgram& program, std::vector<Action> actions)
@@ -124,19 +136,48 @@ Action Player::takeNext() {
     return action;
 }
 
-void Player::play() {
-    while (!pending_.empty()) {
-        VirtualClock::instance().advanceTo(Stage::instance().startMs + pending_.begin()->first);
-        // A menu that opened on the way may have performed the action that was waited for.
-        if (pending_.empty() || Stage::instance().startMs + pending_.begin()->first > monotonicMs()) continue;
-        if (Stage::instance().quitAsked) {
-            if (pending_.begin()->second.verb != Verb::end) fail("the program has ended before");
-            return;
-        }
-        const Action action = takeNext();
-        if (action.verb == Verb::end) return;
-        perform(action);
+const Action* Player::reachNext(const std::function<bool()>& over) {
+    const Stage& stage = Stage::instance();
+    while (!pending_.empty() && !stage.quitAsked && !(over && over())) {
+        VirtualClock::instance().advanceTo(stage.startMs + pending_.begin()->first, over);
+        // What opened on the way may have performed the action that was waited for.
+        if (!pending_.empty() && stage.startMs + pending_.begin()->first <= monotonicMs())
+            return stage.quitAsked || (over && over()) ? nullptr : &pending_.begin()->second;
     }
+    return nullptr;
+}
+
+void Player::play() {
+    while (const Action* next = reachNext({})) {
+        if (next->verb == Verb::end) return;
+        perform(takeNext());
+    }
+    if (Stage::instance().quitAsked && !pending_.empty() && pending_.begin()->second.verb != Verb::end)
+        fail("the program has ended before");
+}
+
+bool Player::playUntil(const std::function<bool()>& over) {
+    while (const Action* next = reachNext(over)) {
+        if (next->verb == Verb::end) break;  // the end is for everybody
+        perform(takeNext());
+    }
+    return over();
+}
+
+std::string Player::waitForAnswer() {
+    const bool coming =
+        std::ranges::any_of(pending_, [](const auto& entry) { return entry.second.verb == Verb::answer; });
+    if (!coming) return {};
+    ++questions_;
+    Stage& stage = Stage::instance();
+    playUntil([&] { return !stage.answers.empty(); });
+    --questions_;
+    std::string answer;
+    if (!stage.answers.empty()) {
+        answer = std::move(stage.answers.front());
+        stage.answers.pop_front();
+    }
+    return answer;
 }
 
 void Player::perform(const Action& action) {
@@ -148,11 +189,18 @@ void Player::perform(const Action& action) {
         case Verb::up:
             pressButton(action);
             break;
+        case Verb::web:
+            answerWeb(action);
+            break;
         case Verb::mods:
             Stage::instance().mods = action.mods;
             break;
         case Verb::key:
         case Verb::keydown:
+            if (questions_ > 0) {
+                keyToQuestion(action);
+                break;
+            }
             Stage::instance().heldKeys.insert(static_cast<int>(action.key));
             if (!shell::keyDown(action.key, Stage::instance().mods)) ignored(action);
             if (action.verb == Verb::keydown) break;
@@ -191,7 +239,9 @@ void Player::perform(const Action& action) {
             break;
         case Verb::drop:
             if (Control* button = control(action)) {
-                if (!shell::dropFile(*button, Stage::instance().file(action.text))) ignored(action);
+                if (!reachable(*button, action) ||
+                    !shell::dropFile(*button, Stage::instance().file(action.text)))
+                    ignored(action);
             }
             break;
         case Verb::time:
@@ -228,16 +278,49 @@ void Player::perform(const Action& action) {
     line_ = outer;
 }
 
+Control* Player::find(const Action& action) const {
+    if (!action.window.empty()) {
+        const Control* window = findControl(action.window);
+        return window == nullptr ? nullptr : findControl(action.name, action.index, *window);
+    }
+    // The window in front that bears it, else any.
+    const std::vector<Control*> open = shell::openWindows();
+    for (auto window = open.rbegin(); window != open.rend(); ++window) {
+        if (Control* found = findControl(action.name, action.index, **window)) return found;
+    }
+    return findControl(action.name, action.index);
+}
+
 Control* Player::control(const Action& action) {
-    const bool isButton = action.name.empty() && action.index >= 0;
-    const std::string name = action.verb == Verb::resize ? "frmMain" : isButton ? "b_Jingle" : action.name;
-    Control* found = findControl(name, action.index);
+    Action named = action;
+    if (action.verb == Verb::resize) named.name = "frmMain";
+    if (action.name.empty() && action.index >= 0) {
+        named.window = "frmMain";
+        named.name = "b_Jingle";
+    }
+    Control* found = find(named);
     // Chance may ask for what was never opened.
     if (found == nullptr && line_ == 0) ignored(action);
-    if (found == nullptr && line_ > 0)
-        fail("there is no control " +
-             (isButton ? name + "(" + std::to_string(action.index) + ")" : nameOf(action)));
+    if (found == nullptr && line_ > 0) fail("there is no control " + nameOf(named));
     return found;
+}
+
+bool Player::reachable(const Control& control, const Action& action) const {
+    if (questions_ == 0) return true;
+    // A question waits: STOP and plain presses of jingles are left.
+    const bool plain = action.verb == Verb::press || action.verb == Verb::down || action.verb == Verb::up ||
+                       action.verb == Verb::click;
+    return plain && Stage::instance().mods == 0 && (control.name == "btStop" || control.name == "b_Jingle");
+}
+
+void Player::keyToQuestion(const Action& action) {
+    if (action.key != Key::escape) {
+        ignored(action);
+        return;
+    }
+    shell::keyDown(action.key, Stage::instance().mods);
+    shell::keyUp(action.key, Stage::instance().mods);
+    Stage::instance().answers.emplace_front("cancel");
 }
 
 void Player::ignored(const Action& action) { noteEvent("ignored", actionText(action)); }
@@ -259,7 +342,9 @@ void Player::pressButton(const Action& action) {
     if (button == nullptr) return;
     Stage& stage = Stage::instance();
     const int mods = stage.mods;
+    if (!reachable(*button, action)) return ignored(action);
     bool reached = true;
+    stage.mouseWindow = windowOf(*button).name;
     stage.heldKeys.erase(kLeftMouse);
     if (action.verb == Verb::down) stage.heldKeys.insert(kLeftMouse);
     if (action.verb != Verb::up) reached = shell::mouseDown(*button, MouseButton::left, mods);
@@ -273,7 +358,10 @@ void Player::clickControl(const Action& action) {
     if (target == nullptr) return;
     const int mods = Stage::instance().mods;
     bool reached = false;
-    if (action.verb == Verb::dblclick)
+    Stage::instance().mouseWindow = windowOf(*target).name;
+    if (!reachable(*target, action))
+        reached = false;
+    else if (action.verb == Verb::dblclick)
         reached = shell::doubleClick(*target, mods);
     else if (action.verb == Verb::rclick)
         reached = shell::click(*target, MouseButton::right, mods);
@@ -300,12 +388,18 @@ void Player::selectRow(Control& list, const std::string& text) {
 void Player::setControl(const Action& action) {
     Control* target = control(action);
     if (target == nullptr) return;
+    if (!reachable(*target, action)) return ignored(action);
     bool reached = true;
     switch (target->kind) {
         case ControlKind::listBox:
-        case ControlKind::comboBox:
         case ControlKind::tabs:
             selectRow(*target, action.text);
+            break;
+        case ControlKind::comboBox:
+            // One that can be typed into takes any text, as a keyboard gives it.
+            if (std::ranges::find(target->items(), action.text) != target->items().end() ||
+                !shell::typeText(*target, action.text))
+                selectRow(*target, action.text);
             break;
         case ControlKind::textBox:
         case ControlKind::number:
@@ -333,6 +427,7 @@ void Player::setControl(const Action& action) {
 
 void Player::pickPalette(const Action& action) {
     Control* list = findControl("lstPal");
+    if (list != nullptr && !reachable(*list, action)) return ignored(action);
     if (list == nullptr) {
         fail("there is no list of palettes");
     } else if (std::ranges::find(list->items(), action.text) == list->items().end()) {
@@ -344,9 +439,15 @@ void Player::pickPalette(const Action& action) {
 
 void Player::expectValue(const Action& action) {
     std::optional<std::string> is;
-    if (const Control* found = findControl(action.name, action.index)) {
+    const Control* found = find(action);
+    std::string property = action.property;
+    if (found == nullptr && !action.window.empty() && property.empty()) {
+        found = findControl(action.window);  // WINDOW.PROPERTY
+        property = action.name;
+    }
+    if (found != nullptr) {
         bool known = true;
-        is = action.property.empty() ? ownValue(*found) : propertyText(*found, action.property, known);
+        is = property.empty() ? ownValue(*found) : propertyText(*found, property, known);
         if (!known) is.reset();
     }
     if (!is && program_.value) is = program_.value(nameOf(action));
@@ -423,10 +524,8 @@ std::string Player::chooseFromMenu(const std::vector<MenuItem>& items) {
             names += (names.empty() ? "" : " ") + item.name + (item.enabled ? "" : "(disabled)");
     }
     noteEvent("menu", names);
-    while (!pending_.empty()) {
-        VirtualClock::instance().advanceTo(Stage::instance().startMs + pending_.begin()->first);
-        if (pending_.empty() || Stage::instance().startMs + pending_.begin()->first > monotonicMs()) continue;
-        const Verb verb = pending_.begin()->second.verb;
+    while (const Action* next = reachNext({})) {
+        const Verb verb = next->verb;
         if (verb != Verb::menu && !leavesMenuOpen(verb)) return {};  // a click elsewhere closes it
         const Action action = takeNext();
         if (verb != Verb::menu) {

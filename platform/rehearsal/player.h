@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -19,6 +20,10 @@ class Player {
 
     /// Performs all of it, beginning at the present moment.
     void play();
+    /// Goes on performing until `over` says so, as while a modal window waits. False when the script ended before.
+    bool playUntil(const std::function<bool()>& over);
+    /// Goes on performing until the script answers the question that waits; its answer, or nothing.
+    std::string waitForAnswer();
     /// Tells what went wrong, with the place in the script; the rehearsal has failed then.
     void fail(const std::string& text);
     bool failed() const { return failures_ > 0; }
@@ -31,6 +36,12 @@ class Player {
     void add(Action action);
     /// Takes the next action out; its time has come.
     Action takeNext();
+    /// Time goes on to the next action. Null when the script is over, the program has ended or `over` says so.
+    const Action* reachNext(const std::function<bool()>& over);
+    Control* find(const Action& action) const;
+    /// False while a question keeps the mouse from that control.
+    bool reachable(const Control& control, const Action& action) const;
+    void keyToQuestion(const Action& action);
     void perform(const Action& action);
     void plugDevice(const Action& action);
     void pressButton(const Action& action);
@@ -53,8 +64,11 @@ class Player {
     std::vector<RandomShow> random_;
     int line_ = 0;  ///< of the action that is performed
     int failures_ = 0;
+    int questions_ = 0;  ///< that wait for an answer
 };
 
+/// Performs a `web` line.
+void answerWeb(const Action& action);
 /// Text of an action as it would stand in a script, without its time.
 std::string actionText(const Action& action);
 

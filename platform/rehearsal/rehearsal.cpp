@@ -6,10 +6,10 @@
 #include <fstream>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "platform/clock.h"
 #include "platform/controls.h"
-#include "platform/file_decoders/file_decoders.h"
 #include "platform/paths.h"
 #include "platform/qt/view/shell.h"
 #include "platform/rehearsal/json.h"
@@ -19,6 +19,7 @@
 #include "platform/rehearsal/stage.h"
 #include "platform/rehearsal/virtual_clock.h"
 #include "platform/rehearsal/wav_file.h"
+#include "platform/rehearsal/web.h"
 #include "platform/sound.h"
 #include "platform/soundtouch/soundtouch_stretcher.h"
 
@@ -99,8 +100,12 @@ bool writeState(const RehearsalOptions& options, const RehearsedProgram& program
         program.state(json);
         json << ",\n";
     }
-    json << "\"controls\": [";
-    const char* separator = "\n";
+    json << "\"windows\": [";
+    const char* separator = "";
+    for (const Control* window : shell::openWindows())
+        json << std::exchange(separator, ", ") << jsonText(window->name);
+    json << "],\n\"controls\": [";
+    separator = "\n";
     for (const Control* control : allControls()) {
         if (!shell::isShown(*control)) continue;
         json << separator;
@@ -115,7 +120,7 @@ bool writeState(const RehearsalOptions& options, const RehearsedProgram& program
 }  // namespace
 
 engine::EnginePorts soundPorts() {
-    return {makeFileDecoders(), soundTouchStretchers(), Stage::instance().devices};
+    return {makeRehearsedDecoders(), soundTouchStretchers(), Stage::instance().devices};
 }
 
 int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
@@ -127,15 +132,18 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     Stage& stage = Stage::instance();
     stage.events.open(out / "events.log", std::ios::binary | std::ios::trunc);
     std::ofstream midiLog(out / "midi.log", std::ios::binary | std::ios::trunc);
-    if (!stage.events.is_open() || !midiLog.is_open()) {
+    std::ofstream webLog(out / "web.log", std::ios::binary | std::ios::trunc);
+    if (!stage.events.is_open() || !midiLog.is_open() || !webLog.is_open()) {
         std::fprintf(stderr, "%s: cannot be written\n", options.out.c_str());
         return kRehearsalBad;
     }
     for (const std::string& device : options.midi) MidiDevices::instance().plug(device);
     MidiDevices::instance().onSent = [&](const std::string& device, std::uint32_t message) {
-        midiLog << (stage.startMs < 0 ? "start" : std::to_string(monotonicMs() - stage.startMs)) << '\t'
-                << device << '\t' << midiText(message) << '\n'
-                << std::flush;
+        midiLog << whenText() << '\t' << device << '\t' << midiText(message) << '\n' << std::flush;
+    };
+    RehearsedWeb::instance().onRequest = [&](const std::string& method, const std::string& url,
+                                             const std::string& body) {
+        webLog << whenText() << '\t' << method << '\t' << url << '\t' << onOneLine(body, "\\n") << std::endl;
     };
     stage.scriptFolder = std::filesystem::absolute(options.script).parent_path().string();
 
@@ -145,6 +153,11 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     clock.onPeriod([] {
         if (const engine::EngineControl* engine = engine::audioLibraryControl()) engine->settleSyncs();
     });
+    // What the network answers at the head of the script it answers while the program starts too.
+    for (const Action& action : script.actions) {
+        if (action.verb != Verb::web || action.at > 0) break;
+        answerWeb(action);
+    }
     stage.answers.assign(options.answers.begin(), options.answers.end());
     stage.onFirstEvents = program.listen;
     if (!program.start()) {
@@ -182,6 +195,8 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
 
     Player player(options, program, std::move(script.actions));
     stage.fail = [&player](const std::string& text) { player.fail(text); };
+    stage.playUntil = [&player](const std::function<bool()>& over) { return player.playUntil(over); };
+    stage.waitForAnswer = [&player] { return player.waitForAnswer(); };
     stage.chooseFromMenu = [&player](const std::vector<MenuItem>& items) {
         return player.chooseFromMenu(items);
     };
@@ -200,9 +215,12 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
         for (Recording& recording : recordings) written = recording.close() && written;
     }
     stage.chooseFromMenu = nullptr;
+    stage.playUntil = nullptr;
+    stage.waitForAnswer = nullptr;
     stage.closing = true;
     if (program.close) program.close();
     MidiDevices::instance().onSent = nullptr;
+    RehearsedWeb::instance().onRequest = nullptr;
     if (!written) {
         std::fprintf(stderr, "%s: not everything could be written\n", options.out.c_str());
         return kRehearsalFailed;

@@ -18,6 +18,8 @@ constexpr int kFirstHotButton = 96;
 constexpr std::int64_t kLongestRehearsalMs = 48LL * 3600 * 1000;
 constexpr std::int64_t kMostRandomActions = 10'000'000;
 constexpr std::int64_t kLargestWindow = 8192;
+constexpr std::string_view kWindowStem = "frm";
+constexpr std::int64_t kLeastStatus = 100, kMostStatus = 599, kUsualStatus = 200;
 constexpr std::int64_t kLeastGrid = 4, kMostRows = 8, kMostColumns = 12;
 
 /// What is wrong with a line.
@@ -26,7 +28,7 @@ class Fault : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-constexpr std::array<std::pair<std::string_view, Verb>, 27> kVerbs{{
+constexpr std::array<std::pair<std::string_view, Verb>, 28> kVerbs{{
     {"press", Verb::press},       {"down", Verb::down},     {"up", Verb::up},
     {"mods", Verb::mods},         {"key", Verb::key},       {"keydown", Verb::keydown},
     {"keyup", Verb::keyup},       {"click", Verb::click},   {"rclick", Verb::rclick},
@@ -35,7 +37,8 @@ constexpr std::array<std::pair<std::string_view, Verb>, 27> kVerbs{{
     {"unplug", Verb::unplug},     {"answer", Verb::answer}, {"drop", Verb::drop},
     {"time", Verb::time},         {"mic", Verb::mic},       {"shot", Verb::shot},
     {"resize", Verb::resize},     {"expect", Verb::expect}, {"random", Verb::random},
-    {"grid", Verb::grid},         {"chaos", Verb::chaos},   {"end", Verb::end},
+    {"grid", Verb::grid},         {"chaos", Verb::chaos},   {"web", Verb::web},
+    {"end", Verb::end},
 }};
 
 constexpr std::array<std::pair<std::string_view, Key>, 16> kKeys{{
@@ -151,22 +154,36 @@ int button(const std::string& text) {
     return static_cast<int>(number(text, 0, kLastButton, "button"));
 }
 
-/// "ckTab(1)" into name and index, "lblDate.visible" into name and property, "J(3).State" into all three.
+/// "ckTab(1)" into name and index.
+void splitIndex(std::string_view text, std::string& name, int& index) {
+    if (const std::size_t open = text.find('('); open != std::string_view::npos) {
+        if (text.back() != ')') throw Fault("\"" + std::string(text) + "\" lacks its \")\"");
+        index = static_cast<int>(
+            number(std::string(text.substr(open + 1, text.size() - open - 2)), 0, 1000, "index"));
+        text = text.substr(0, open);
+    }
+    if (text.empty()) throw Fault("a name is missing in front of \".\" or \"(\"");
+    name = std::string(text);
+}
+
+/// "lblDate.visible" into name and property, "J(3).State" into name, index and property, "frmFX.btOK.enabled"
+/// into window, name and property. Windows are told by their names, which begin with "frm".
 void splitName(const std::string& text, Action& action) {
     std::string_view name = text;
-    if (const std::size_t dot = name.find('.'); dot != std::string_view::npos) {
-        action.property = std::string(name.substr(dot + 1));
-        name = name.substr(0, dot);
-        if (action.property.empty()) throw Fault("\"" + text + "\" names no property");
+    const auto part = [&] {
+        const std::size_t dot = name.find('.');
+        const std::string_view first = name.substr(0, dot);
+        name = dot == std::string_view::npos ? std::string_view{} : name.substr(dot + 1);
+        if (dot != std::string_view::npos && name.empty()) throw Fault("\"" + text + "\" ends in a point");
+        return first;
+    };
+    std::string_view first = part();
+    if (lower(first.substr(0, kWindowStem.size())) == kWindowStem && !name.empty()) {
+        action.window = std::string(first);
+        first = part();
     }
-    if (const std::size_t open = name.find('('); open != std::string_view::npos) {
-        if (name.back() != ')') throw Fault("\"" + text + "\" lacks its \")\"");
-        action.index = static_cast<int>(
-            number(std::string(name.substr(open + 1, name.size() - open - 2)), 0, 1000, "index"));
-        name = name.substr(0, open);
-    }
-    if (name.empty()) throw Fault("\"" + text + "\" is no name");
-    action.name = std::string(name);
+    splitIndex(first, action.name, action.index);
+    action.property = std::string(name);
 }
 
 void readControl(Words& words, Action& action) {
@@ -232,12 +249,36 @@ void readDevice(Words& words, Action& action) {
     action.text = Words(name).rest("the device");
 }
 
+/// A jingle button by its number, "H" in front for the hot ones, or any control by its name.
+void readHeld(Words& words, Action& action) {
+    const std::string word = words.next("the button");
+    const std::string_view digits = std::string_view(word).substr(word[0] == 'H' || word[0] == 'h' ? 1 : 0);
+    if (!digits.empty() && (std::isdigit(static_cast<unsigned char>(digits[0])) != 0 || digits[0] == '-'))
+        action.index = button(word);
+    else
+        splitName(word, action);
+    if (!action.property.empty()) throw Fault("\"" + action.name + "\": a property has no place here");
+}
+
+void readWeb(Words& words, Action& action) {
+    action.name = words.next("the address");
+    action.text = words.next("the file, \"off\" or \"hang\"");
+    action.number = kUsualStatus;
+    if (!words.empty()) action.number = number(words.next("the status"), kLeastStatus, kMostStatus, "status");
+    if (!words.empty()) action.property = words.rest("the content type");
+}
+
 void readArguments(Words& words, Action& action) {
     switch (action.verb) {
         case Verb::press:
+            action.index = button(words.next("the button"));
+            break;
         case Verb::down:
         case Verb::up:
-            action.index = button(words.next("the button"));
+            readHeld(words, action);
+            break;
+        case Verb::web:
+            readWeb(words, action);
             break;
         case Verb::drop:
             action.index = button(words.next("the button"));

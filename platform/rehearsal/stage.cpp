@@ -24,21 +24,27 @@ std::string Stage::file(const std::string& name) const {
     return nativePath(programFolder() + "/" + name).string();
 }
 
+std::string whenText() {
+    const std::int64_t start = Stage::instance().startMs;
+    return start < 0 ? "start" : std::to_string(monotonicMs() - start);
+}
+
+std::string onOneLine(std::string_view text, std::string_view lineEnd) {
+    std::string line;
+    for (const char c : text) {
+        if (c == '\n')
+            line += lineEnd;
+        else if (c != '\r')
+            line += c;
+    }
+    return line;
+}
+
 void noteEvent(std::string_view kind, std::string_view text) {
     Stage& stage = Stage::instance();
     if (!stage.events.is_open()) return;
-    if (stage.startMs < 0)
-        stage.events << "start";
-    else
-        stage.events << monotonicMs() - stage.startMs;
-    stage.events << '\t' << kind << '\t';
-    for (const char c : text) {
-        if (c == '\n')
-            stage.events << " / ";
-        else if (c != '\r')
-            stage.events << c;
-    }
-    stage.events << std::endl;  // at once: the last line before a crash is the one that is wanted
+    // Flushed at once: the last line before a crash is the one that is wanted.
+    stage.events << whenText() << '\t' << kind << '\t' << onOneLine(text, " / ") << std::endl;
 }
 
 }  // namespace zv

@@ -37,6 +37,10 @@ struct Stage {
 
     /// Waits, performing the script, until an item of the open menu is chosen; its name, or nothing.
     std::function<std::string(const std::vector<MenuItem>&)> chooseFromMenu;
+    /// Waits, performing the script, until `over` says so; false when the script ended before.
+    std::function<bool(const std::function<bool()>& over)> playUntil;
+    /// Waits, performing the script, for the answer of a question; empty when the script gives none.
+    std::function<std::string()> waitForAnswer;
     /// Called once, when the program lets waiting events run for the first time: it has filled its tables by
     /// then.
     std::function<void()> onFirstEvents;
@@ -49,6 +53,12 @@ struct Stage {
     /// A file named in a script: absolute, or in the program's folder, or beside the script.
     std::string file(const std::string& name) const;
     std::string scriptFolder;
+    std::string mouseWindow = "frmMain";  ///< where the last press was
 };
+
+/// The present ms of the script; "start" before it began.
+std::string whenText();
+/// `text` on one line: `lineEnd` in place of line ends.
+std::string onOneLine(std::string_view text, std::string_view lineEnd);
 
 }  // namespace zv

@@ -98,10 +98,13 @@ bool VirtualClock::fireDue(std::int64_t& next) {
     return false;
 }
 
-void VirtualClock::advanceTo(std::int64_t until) {
+void VirtualClock::advanceTo(std::int64_t until, const std::function<bool()>& enough) {
     for (;;) {
         std::int64_t next = std::max(until, now_);
-        if (fireDue(next)) continue;
+        if (fireDue(next)) {
+            if (enough && enough()) return;
+            continue;
+        }
         if (now_ >= until) return;
         renderTo(next);
     }

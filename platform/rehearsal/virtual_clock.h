@@ -39,8 +39,8 @@ class VirtualClock {
 
     std::int64_t now() const { return now_; }
     /// Time goes on to `until`: what falls due on the way is fired at its own moment, what is due at `until`
-    /// last.
-    void advanceTo(std::int64_t until);
+    /// last. Stops early when `enough` says so behind something that fired.
+    void advanceTo(std::int64_t until, const std::function<bool()>& enough = {});
     /// Time goes on without a timer, as for a thread that waits.
     void waitUntil(std::int64_t until);
     /// On to the next full period.

@@ -1,5 +1,7 @@
 // Jobs in a rehearsal: each has a thread, and it runs only while the interface thread waits for it. A job's first
 // report of progress, each further one and its end come at fixed virtual times.
+#include "platform/rehearsal/virtual_jobs.h"
+
 #include <algorithm>
 #include <exception>
 #include <list>
@@ -38,7 +40,7 @@ class VirtualJob final : public JobWork {
         step();
         if (ended_)
             deliverJobEnd(*state, error_);
-        else
+        else if (!std::exchange(asleep_, false))
             deliverJobProgress(*state, percent_, text_);
         return !ended_;
     }
@@ -48,19 +50,35 @@ class VirtualJob final : public JobWork {
         if (state->cancelled) return;
         percent_ = percent;
         text_ = std::move(text);
-        back_.release();
-        turn_.acquire();
+        giveBack();
+    }
+    /// The work, on its thread, goes on in so many ms.
+    void sleep(int ms) {
+        if (state->cancelled || ms <= 0) return;
+        dueMs = monotonicMs() + ms;
+        asleep_ = true;
+        giveBack();
+    }
+    /// The job whose thread calls; null on other threads.
+    static VirtualJob*& current() {
+        thread_local VirtualJob* job = nullptr;
+        return job;
     }
 
     const std::shared_ptr<JobState> state;
     std::int64_t dueMs;
 
   private:
+    void giveBack() {
+        back_.release();
+        turn_.acquire();
+    }
     void step() {
         if (thread_.joinable())
             turn_.release();
         else
             thread_ = std::thread([this] {
+                current() = this;
                 error_ = runJobWork(*state, *this);
                 ended_ = true;
                 back_.release();
@@ -73,7 +91,7 @@ class VirtualJob final : public JobWork {
     int percent_ = 0;
     std::string text_;
     std::exception_ptr error_;
-    bool ended_ = false;
+    bool ended_ = false, asleep_ = false;
 };
 
 class VirtualJobs final : public JobRunner {
@@ -133,6 +151,13 @@ const std::shared_ptr<VirtualJobs>& jobs() {
 }
 
 }  // namespace
+
+void waitInJob(int ms) {
+    if (VirtualJob* job = VirtualJob::current())
+        job->sleep(ms);
+    else
+        VirtualClock::instance().waitUntil(monotonicMs() + ms);
+}
 
 Job startJob(JobOrder order) { return jobs()->start(std::move(order), jobs()); }
 

@@ -47,6 +47,7 @@ void hideWindow(Control& window) { window.visible = false; }
 void lockUpdates() {}
 void unlockUpdates() {}
 void processEvents() {}
+void waitUntil(const std::function<bool()>&) {}
 int runEventLoop() { return 0; }
 void quit(int) { desktop().quitAsked = true; }
 void setFocus(Control& control) { desktop().focus = &control; }

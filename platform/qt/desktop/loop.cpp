@@ -68,6 +68,15 @@ void processEvents() {
     shell::flushChanged();
 }
 
+void waitUntil(const std::function<bool()>& over) {
+    driveTimers();
+    while (!over() && !quitAsked) {
+        shell::flushChanged();
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    shell::flushChanged();
+}
+
 int runEventLoop() {
     driveTimers();
     // A quit during start-up, before the loop runs, counts.

@@ -14,6 +14,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/controls.h"
 
@@ -33,6 +34,8 @@ void flushChanged();
 void deliverEvents();
 /// Forgets a window and all of its records' widgets; needed before a window record is destroyed.
 void dropWindow(Control& window);
+/// The windows that are open, from back to front.
+std::vector<Control*> openWindows();
 /// True when the record is on the screen: it, its parents and its window are visible.
 bool isShown(const Control& control);
 

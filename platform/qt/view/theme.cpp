@@ -45,12 +45,6 @@ Theme& program() {
     return theme;
 }
 
-const Control& windowOf(const Control& control) {
-    const Control* c = &control;
-    while (c->parent != nullptr) c = c->parent;
-    return *c;
-}
-
 /// The first of these families that is installed; asked for once.
 const QString& textFamily() {
     static const QString family = [] {

@@ -214,6 +214,8 @@ void formChanged(const Control& record) {
     if (WindowWidget* w = windowWidget(*top); w != nullptr && w->form != nullptr) w->form->refresh();
 }
 
+std::vector<Control*> openWindows() { return shownWindows(); }
+
 bool closeWindow(Control& window) {
     WindowWidget* w = windowWidget(window);
     return w != nullptr && w->isVisible() && w->close();
