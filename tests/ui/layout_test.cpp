@@ -78,6 +78,25 @@ std::string fault(int rows, int columns) {
         (w.fraJingles.left + first.left != kGap || w.fraVU.left - w.fraJingles.left - last.right != kGap)) {
         return "uneven gaps beside the grid";
     }
+    // Joined buttons stand under the edges of the strip, up to the pixels that they cannot share out, and against
+    // the hot block.
+    if (settings.JoinedJButtons == 1 && first.width > kMinButtonWidth && first.height > kMinButtonHeight) {
+        const int spare = (columns + 1) / 2 * kTwipsPerPixel;
+        const int left = w.fraJingles.left + first.left - (settings.VUPos == "l" ? boxOf(w.fraVU).right : 0);
+        const Box foot = boxOf(Button(rows * columns - 1)->b_Jingle);
+        if (left < kGap || left > kGap + spare) {
+            return "joined buttons not under the strip's edge";
+        }
+        if (settings.HotJinglesPos == 1 && first.top != 0) {
+            return "joined buttons away from the hot block above";
+        }
+        if (settings.HotJinglesPos == 2 && foot.bottom != w.fraJingles.height) {
+            return "joined buttons away from the hot block below";
+        }
+        if (Button(1)->b_Jingle.left != boxOf(first).right) {
+            return "joined buttons with a gap";
+        }
+    }
     std::vector<const Control*> seen;
     for (int i = 0; i < kJingles; ++i) {
         JingleButton* b = Button(i);
@@ -144,44 +163,64 @@ TEST_F(LayoutTest, everyGridInEveryWindowIsFreeOfOverlaps) {
     }
 }
 
-TEST_F(LayoutTest, aGridByHand) {
-    // 5 columns and 6 rows with gaps of 120 in 18420 x 7650: the leftover is halved and cut to whole pixels.
-    const GridGeometry g = GridFor(18420, 7650, 6, 5, 120, "");
-    EXPECT_EQ(g.width, 3540);
-    EXPECT_EQ(g.height, 1125);
-    EXPECT_EQ(g.originX, 0);
-    EXPECT_EQ(g.originY, 30);
-    EXPECT_EQ(g.left(6), 120 + 3540 + 120);
-    EXPECT_EQ(g.top(6), 30 + 120 + 1125 + 120);
-    // Joined: against the hot block.
-    EXPECT_EQ(GridFor(18420, 7650, 7, 5, 0, "top").originY, 0);
-    const GridGeometry bottom = GridFor(18420, 7660, 7, 5, 0, "bottom");
-    EXPECT_EQ(bottom.top(34) + bottom.height, 7660);
-    // Narrow: the buttons keep their least size and the grid overflows.
-    const GridGeometry narrow = GridFor(6000, 2000, 8, 12, 120, "");
-    EXPECT_EQ(narrow.width, kMinButtonWidth);
-    EXPECT_EQ(narrow.height, kMinButtonHeight);
-    EXPECT_EQ(narrow.left(11) + narrow.width, 60 + 120 * 12 + 765 * 12);  // centred before it was widened
+TEST_F(LayoutTest, aGridTooLargeForItsBlockKeepsItsButtonsAndOverflows) {
+    const GridGeometry g = GridFor(6000, 2000, 8, 12, kGap, "");
+    EXPECT_EQ(g.width, kMinButtonWidth);
+    EXPECT_EQ(g.height, kMinButtonHeight);
+    EXPECT_GT(g.left(11) + g.width, 6000);
+    EXPECT_GE(g.left(0), kGap);
 }
 
-TEST_F(LayoutTest, hotBlockByItsSettings) {
-    const struct {
-        int joined, position, rows, percent, block, button, top;
-    } cases[] = {{0, 2, 1, 6, 720 + 240, 720, 120}, {0, 2, 2, 6, 1440 + 360, 720, 120},
-                 {1, 1, 1, 6, 720, 720, 0},         {1, 1, 2, 6, 1440, 720, 0},
-                 {0, 1, 2, 2, 480 + 360, 240, 120}, {1, 2, 1, 6, 720 + 120, 720, 120}};
-    for (const auto& c : cases) {
-        settings.JoinedJButtons = c.joined;
-        settings.HotJinglesPos = c.position;
-        settings.HotJinglesRows = c.rows;
-        settings.HotJinglesHeight = c.percent;
+TEST_F(LayoutTest, hotRowsTakeTheirShareOfTheWindow) {
+    for (int variant = 0; variant < 16; ++variant) {
+        settings.JoinedJButtons = variant % 2;
+        settings.HotJinglesPos = 1 + variant / 2 % 2;
+        settings.HotJinglesRows = 1 + variant / 4 % 2;
+        settings.HotJinglesHeight = variant < 8 ? 2 : 6;
         resize(1280, 800);
-        EXPECT_EQ(HotBlockHeight(), c.block);
-        EXPECT_EQ(button(96).height, c.button);
-        EXPECT_EQ(button(96).top, c.top);
-        EXPECT_EQ(button(97).left, button(1).left);
-        EXPECT_EQ(button(97).width, button(1).width);
-        EXPECT_EQ(button(96 + settings.JinglesCols).visible, c.rows == 2);
+        SCOPED_TRACE(shape(6, 5));
+        const Control& first = button(kPaletteSlots);
+        const Control& second = button(kPaletteSlots + settings.JinglesCols);
+        EXPECT_EQ(first.height, 800 * settings.HotJinglesHeight / 100 * kTwipsPerPixel);
+        EXPECT_EQ(second.visible, settings.HotJinglesRows == 2);
+        EXPECT_EQ(second.top - boxOf(first).bottom, settings.JoinedJButtons == 1 ? 0 : kGap);
+        EXPECT_EQ(button(kPaletteSlots + 1).left, button(1).left);
+        EXPECT_EQ(button(kPaletteSlots + 1).width, button(1).width);
+    }
+}
+
+TEST_F(LayoutTest, limitsAtSmallAndLargeWindows) {
+    const auto pixels = [](const Control& c) { return c.height / kTwipsPerPixel; };
+    const MainWindow& w = frmMain();
+    settings.JRemLevPos = 1;
+    settings.JNumbPos = 2;
+    const struct {
+        int width, height, rows, thickness;
+        int strip;  ///< pixels; the rows' spare ones come on top
+        int bar;    ///< pixels
+    } cases[] = {{790, 590, 6, 0, 132, 4},
+                 {1280, 800, 6, 2, 156, 8},
+                 {3840, 2160, 6, 2, 300, 8},
+                 {3840, 2160, 6, 1, 300, 6},
+                 {790, 590, 8, 2, 132, 6}};
+    for (const auto& c : cases) {
+        settings.JinglesRows = c.rows;
+        settings.JRemLevThickness = c.thickness;
+        resize(c.width, c.height);
+        SCOPED_TRACE(shape(c.rows, 5));
+        for (const Control* block : {&w.display.picDispBack, &w.fraPanel, &w.keys.fraKeys}) {
+            EXPECT_GE(pixels(*block), c.strip);
+            EXPECT_LT(pixels(*block), c.strip + c.rows) << block->name;
+        }
+        EXPECT_EQ(pixels(Button(0)->JRemLev), c.bar);
+        EXPECT_GT(w.keys.btStop.height, 32 * kTwipsPerPixel);
+        // Numbers end at the same distance from the edge, whatever their digits.
+        for (const int index : {10, 15, kPaletteSlots + 4}) {
+            const Control& one = Button(5)->lblbtnumber;
+            const Control& more = Button(index)->lblbtnumber;
+            EXPECT_EQ(button(index).width - boxOf(more).right, button(5).width - boxOf(one).right);
+            EXPECT_EQ(more.width, one.width * (index < 100 ? 2 : 3)) << index;
+        }
     }
 }
 

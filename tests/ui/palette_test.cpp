@@ -110,6 +110,30 @@ TEST_F(PaletteTest, steppingLoadsOnlyWhereItStops) {
     EXPECT_EQ(filled(), 3);
 }
 
+TEST_F(PaletteTest, aHeldPageKeyRunsAfterAMoment) {
+    const int pageDown = static_cast<int>(Key::pageDown);
+    const auto send = [&](bool repeat) {
+        KeyEvent event{Key::pageDown, 0, repeat};
+        frmMain().window.onKeyDown(event);
+        EXPECT_TRUE(event.consumed);
+    };
+    settings.LoopLstPal = 0;
+    SelectPalette("afternoon");
+    desktop().keys = {pageDown};
+    send(false);
+    EXPECT_EQ(name(), "Morning");
+    pass(300);
+    send(true);  // the keyboard's own repeats step nothing
+    EXPECT_EQ(name(), "Morning");
+    pass(150);
+    EXPECT_EQ(name(), "Zulu") << "held for 0.4 s it runs";
+    SelectPalette("afternoon");
+    send(true);
+    desktop().keys.clear();  // let go while another window had the keyboard
+    pass(600);
+    EXPECT_EQ(list().text(), "afternoon");
+}
+
 TEST_F(PaletteTest, aHeldArrowJumpsToTheEnd) {
     Control& down = frmMain().palettes.btDn;
     down.onMouseDown({});
@@ -332,7 +356,16 @@ TEST_F(PaletteTest, colours) {
     settings.ShadeOffsetVal = -40;
     ReColorizeBtn();
     EXPECT_NE(rec(0).BackRGB, before);
+    // Dark: borders stand out from the ground, the list is dark, or light when it is reversed.
+    EXPECT_EQ(BorderColour(), ShadeColor(settings.DarkBackColor, 32));
+    EXPECT_EQ(frmMain().fraPanel.borderColor, BorderColour());
+    EXPECT_EQ(list().backColor, settings.DarkBackColor);
+    settings.RevLstPalCol = 1;
+    SwitchDarkMode(1);
+    EXPECT_EQ(list().backColor, settings.DarkForeColor);
+    EXPECT_EQ(list().foreColor, settings.DarkBackColor);
     SwitchDarkMode(0);
+    EXPECT_NE(frmMain().fraPanel.borderColor, ShadeColor(settings.DarkBackColor, 32));
     EXPECT_EQ(button(1).backColor, kButtonFace);
     const Control& stop = frmMain().keys.btStop;
     EXPECT_GT(stop.backColor & 0xFF, 128);  // red stays red

@@ -85,6 +85,8 @@ constexpr Row kRows[] = {
     {"a second press disarms", "", "0 ckTouchI ckTouchI 100 click", "a100-200 b200-", ""},
     {"a change of tab disarms", "", "0 ckTouchI tab 100 click", "a100-200 b200-", ""},
     {"and assign", "", "0 ckAssign tab 100 click", "a100-200 b200-", ""},
+    {"a change of tab by its key disarms", "", "0 ckTouchI f6 100 click", "a100-200 b200-", ""},
+    {"and by a command of another tab", "", "0 ckNoStopI S 100 click", "a100-200 b200-", "armed:sp"},
     {"colour", "", "0 ckTouch ckColorI 100 click", "", "armed:co colours"},
     {"effects", "", "0 ckTouch ckFXI 100 click 300 down 600 up", "a300-400 b400-600", ""},
     {"effects of a missing file", "missing", "0 ckFXI 100 click", "", "missing armed:fx dialog"},
@@ -134,7 +136,7 @@ constexpr Row kRows[] = {
     {"touch mode: sequence", kSeq, "0 ckTouch down 200 up", "a0-100 b100-", "seq"},
     {"several fingers", "", "0 ckTouch down down5 300 up 500 up5", "a0-100 c0-500 b100-300", ""},
     {"space on the focused button", "", "0 space 300 space", "a0-100 b100-300", ""},
-    {"space held", "", "0 space 100 held 200 held", "a0-100 b100-", ""},
+    {"space held", "", "0 space 100 held 200 held 300 own 500 own", "a0-100 b100-", ""},
     {"space inhibited", "", "0 inhibit space", "", ""},
     {"touch mode: any key, once", "", "0 ckTouch q 300 q", "a0-100 b100-", ""},
     {"space goes to what was played last", "empty", "0 down5 up5 300 space", "c0-300", ""},
@@ -182,6 +184,12 @@ class PressTest : public WindowTest {
         if (!event.consumed) button(kSlot).onKeyDown(event);
     }
 
+    /// The keyboard's repeat of a held space bar, as the button with the focus gets it.
+    void repeatOnButton() {
+        KeyEvent event{Key::space, 0, true};
+        button(kSlot).onKeyDown(event);
+    }
+
     void act(const std::string& word) {
         const std::map<std::string, std::function<void()>> words{
             {"down", [&] { press(kSlot); }},
@@ -200,6 +208,9 @@ class PressTest : public WindowTest {
                  Form_KeyUp(event);
              }},
             {"q", [&] { key(static_cast<Key>('Q')); }},
+            {"f6", [&] { key(Key::f6); }},
+            {"S", [&] { key(static_cast<Key>('S')); }},
+            {"own", [&] { repeatOnButton(); }},
             {"tab", [] { frmMain().ckTab[1].onMouseDown({}); }},
             {"announcer", [] { Arm(frmMain().announcer.b_tmAnJin, settings.assColor); }},
             {"noreloc", [] { settings.OpenReloc = 0; }},
@@ -242,6 +253,7 @@ class PressTest : public WindowTest {
         static const char* modes[] = {"", "repeat", "touch", "playstop", "nostop"};
         tell(j.PlayMod != mode_ && j.PlayMod != PlayMode::global, modes[static_cast<std::size_t>(j.PlayMod)]);
         tell(!OptionCode.empty(), "armed:" + OptionCode);
+        EXPECT_EQ(SelectorsOn, !OptionCode.empty() && OptionCode != "sp");
         tell(MoveSrcJ >= 0, MoveMode + std::to_string(MoveSrcJ));
         tell(RenameJ >= 0, "renames");
         tell(ColorPickerOpen, "colours");

@@ -1,6 +1,7 @@
 // The display's tick: counter, warning, bars, colours, end of play; the meters.
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 #include <utility>
 
@@ -10,7 +11,9 @@
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/state.h"
+#include "startup/errors.h"
 #include "startup/settings.h"
+#include "tests/support/ear.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/options.h"
 #include "ui/press/display_press.h"
@@ -21,6 +24,7 @@
 #include "ui/screen/counter.h"
 #include "ui/screen/digits.h"
 #include "ui/screen/display_tick.h"
+#include "ui/screen/shaded.h"
 #include "ui/screen/warning.h"
 
 namespace zv::test {
@@ -60,16 +64,17 @@ TEST_F(TickTest, warningTable) {
 
 TEST_F(TickTest, digits) {
     const struct {
-        const char* text;
+        double seconds;
         int hundredths;
         const char* shown;
-    } cases[] = {{"0", 0, "00.0"},       {"0", 1, "00.00"},       {"3.2", 0, "03.2"},
-                 {"9.87", 1, "09.97"},   {"60", 0, "00.0"},       {"67.4", 0, "1:07.4"},
-                 {"1000", 0, "16:40.0"}, {"6000", 0, "100:00.0"}, {"599.25", 1, "9:59.35"}};
+    } cases[] = {{0, 0, "00.0"},        {0, 1, "00.00"},     {3.2, 0, "03.2"},     {3.96, 0, "04.0"},
+                 {3.96, 1, "03.96"},    {9.87, 1, "09.87"},  {12.34, 0, "12.3"},   {59.96, 0, "1:00.0"},
+                 {59.96, 1, "59.96"},   {67.4, 0, "1:07.4"}, {1000, 0, "16:40.0"}, {6000, 0, "100:00.0"},
+                 {599.25, 1, "9:59.25"}};
     for (const auto& c : cases) {
         settings.DispCSec = c.hundredths;
-        WriteDigits(std::stod(c.text), c.text);
-        EXPECT_EQ(shown(), c.shown) << c.text;
+        WriteDigits(c.seconds);
+        EXPECT_EQ(shown(), c.shown) << c.seconds;
     }
 }
 
@@ -84,7 +89,7 @@ TEST_F(TickTest, theSmallestTimeLeftIsShown) {
         pass(1000);
         EXPECT_NEAR(DispRemain, 2.0, 0.06);
         EXPECT_NEAR(MinDuration, 3.0, 0.01);
-        EXPECT_EQ(shown().substr(0, 2), "01");
+        EXPECT_EQ(shown().substr(0, 2), "02");
         pass(1960);  // one is within a tenth of its end: the other counts, whichever comes first
         EXPECT_NEAR(DispRemain, 1.04, 0.06);
         pass(2000);
@@ -95,11 +100,28 @@ TEST_F(TickTest, theSmallestTimeLeftIsShown) {
     }
 }
 
+TEST_F(TickTest, theDucksRemainingTime) {
+    // The smallest time left of what does not duck itself; what may not trigger still counts.
+    load(1, 3000, "AutoDuck=1");
+    load(2, 5000, "AutoDuck=2");
+    load(3, 3000, "AutoDuck=2 NoTrigDuck=1");
+    const std::pair<int, double> after[] = {{1, 0}, {2, 4.0}, {3, 2.0}};
+    for (const auto& [index, left] : after) {
+        press(index);
+        pass(1000);
+        EXPECT_NEAR(DuckRemain, left, 0.06) << index;
+    }
+    evStop();
+    pass(100);
+    EXPECT_EQ(DuckRemain, 0);
+}
+
 TEST_F(TickTest, aSoundingButtonAndItsEnd) {
     load(1, 2000);
     press(1);
     release(1);
     pass(1000);
+    EXPECT_NEAR(DuckRemain, 1.0, 0.06);
     const JingleButton& b = *Button(1);
     EXPECT_EQ(b.b_Jingle.backColor, settings.PlayingColor);
     EXPECT_EQ(b.picbtnumber.backColor, settings.PlayingColor);
@@ -168,6 +190,29 @@ TEST_F(TickTest, theBlinkShowsAndHidesDigitsAndBars) {
     pass(100);
     EXPECT_FALSE(timers().TimerWarnBlink.enabled());
     EXPECT_EQ(frmMain().display.lblPosSecU.foreColor, settings.CountDownColor);
+}
+
+TEST_F(TickTest, marksFlash) {
+    // A sequence's mark while its loop runs, the display's mark a few times only.
+    load(1, tones("a300 b300 c1900"), "Seq=1 LoopIn=1000 LoopOut=1600");
+    press(1);
+    const auto colours = [&](int ms) {
+        std::set<Colour> seen;
+        for (int i = 0; i < ms / 100; ++i) {
+            pass(100);
+            seen.insert(Button(1)->sq_Jingle.foreColor);
+        }
+        return seen;
+    };
+    EXPECT_EQ(colours(900), std::set<Colour>{Shaded.sq});
+    EXPECT_EQ(colours(1800), (std::set<Colour>{Shaded.lp, Shaded.sq}));
+    evStop();
+    ErrDisp("notification", 1, "something");
+    ASSERT_TRUE(frmMain().display.lblErr.visible);
+    pass(9000);
+    EXPECT_TRUE(frmMain().display.lblErr.visible);
+    pass(2500);
+    EXPECT_FALSE(frmMain().display.lblErr.visible);
 }
 
 TEST_F(TickTest, searchHitsAndArmedOptionsAreLeftAlone) {

@@ -46,7 +46,7 @@ bool known(int index) { return index >= 0 && index < kJingles; }
 void bring(MainTab tab) {
     const int n = static_cast<int>(tab);
     if (!frmMain().fraTab[static_cast<std::size_t>(n)].visible) {
-        ChangeTab(n);
+        ckTab_MouseDown(n);
     }
 }
 
@@ -213,7 +213,7 @@ bool act(Action action, int argument, int velocity) {
             bring(MainTab::timeAnnouncer);
             return true;
         case Action::tab:
-            ChangeTab(argument);
+            ckTab_MouseDown(argument);  // as a click on it: an armed option is given up
             return true;
         case Action::joinedButtons:
             SetJoinedJButtons(settings.JoinedJButtons != 1);

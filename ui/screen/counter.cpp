@@ -4,6 +4,7 @@
 
 #include "model/state.h"
 #include "platform/timers.h"
+#include "startup/helpers.h"
 #include "startup/settings.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
@@ -45,7 +46,7 @@ void ShowRemain() {
     if (ClockShown) {
         return;
     }
-    WriteDigits(DispRemain, DispText);
+    WriteDigits(Val(DispText));
     Timer& blink = timers().TimerWarnBlink;
     if (DispRemain <= 0 && blink.enabled()) {
         blink.stop();

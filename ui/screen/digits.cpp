@@ -2,12 +2,10 @@
 
 #include <cmath>
 #include <cstddef>
-#include <cstdio>
 #include <iterator>
 #include <string>
 
 #include "platform/controls.h"
-#include "startup/helpers.h"
 #include "startup/settings.h"
 #include "ui/records/main_window.h"
 
@@ -16,18 +14,7 @@ namespace zv {
 namespace {
 
 constexpr int kSecondsPerMinute = 60;
-
-std::string fixed(double value, int decimals) {
-    char text[64];
-    // Halves go up, as the display always did.
-    const double scale = std::pow(10.0, decimals);
-    std::snprintf(text, sizeof text, "%.*f", decimals, std::floor(value * scale + 0.5) / scale);
-    return text;
-}
-
-std::string lastCharacter(const std::string& text) {
-    return text.empty() ? std::string() : text.substr(text.size() - 1);
-}
+constexpr int kTenths = 10, kHundredths = 100;  // of a second
 
 void showMinutes(int minutes) {
     DisplayControls& d = frmMain().display;
@@ -50,23 +37,24 @@ void SetDigitsColour(Colour colour) {
     }
 }
 
-void WriteDigits(double remain, const std::string& text) {
-    DisplayControls& d = frmMain().display;
-    const double value = Val(text);
-    const int minutes = static_cast<int>(value / kSecondsPerMinute);
-    const int whole = static_cast<int>(value) - minutes * kSecondsPerMinute;
-    char seconds[16];
-    std::snprintf(seconds, sizeof seconds, "%02d", whole);
-    if (remain > kSecondsPerMinute) {
-        showMinutes(minutes);
+void WriteDigits(double seconds) {
+    // One number, rounded once (halves go up): all digits are its digits.
+    const int parts = settings.DispCSec == 1 ? kHundredths : kTenths;
+    const auto total = static_cast<long>(std::floor(seconds * parts + 0.5));
+    const auto whole = static_cast<int>(total / parts);
+    const int fraction = static_cast<int>(total % parts) * (kHundredths / parts);
+    if (whole >= kSecondsPerMinute) {
+        showMinutes(whole / kSecondsPerMinute);
     } else {
         HideMinutes();
     }
+    DisplayControls& d = frmMain().display;
+    const auto digit = [](int number) { return std::to_string(number % 10); };
     d.sepsd.caption = ".";
-    d.lblPosSecD.caption = std::string(1, seconds[0]);
-    d.lblPosSecU.caption = std::string(1, seconds[1]);
-    d.lblPosMisD.caption = lastCharacter(fixed(value, 1));
-    d.lblPosMisC.caption = settings.DispCSec == 1 ? lastCharacter(fixed(value, 2)) : std::string();
+    d.lblPosSecD.caption = digit(whole % kSecondsPerMinute / 10);
+    d.lblPosSecU.caption = digit(whole % kSecondsPerMinute);
+    d.lblPosMisD.caption = digit(fraction / 10);
+    d.lblPosMisC.caption = settings.DispCSec == 1 ? digit(fraction) : std::string();
 }
 
 void HideMinutes() {

@@ -1,14 +1,12 @@
 /// The nine digits of the display. [control]
 #pragma once
 
-#include <string>
-
 #include "platform/controls.h"
 
 namespace zv {
 
-/// Writes the digits of `text` (seconds); minutes are shown while `remain` is above one.
-void WriteDigits(double remain, const std::string& text);
+/// Writes the digits of a time, rounded to tenths, or to hundredths with DispCSec; minutes are shown from one on.
+void WriteDigits(double seconds);
 void HideMinutes();
 void SetDigitsColour(Colour colour);
 
