@@ -53,6 +53,7 @@ struct FormCard {
     std::vector<FormRow> rows = {};
     bool bare = false;  ///< without border and ground
     int share = 1;      ///< of the width, beside other cards
+    int gap = 10;       ///< between rows, pixels
 };
 
 /// Cards side by side; below each other where the screen is too narrow.
@@ -89,5 +90,7 @@ std::vector<const FormCell*> cellsOf(const Form& form);
 /// Builds the window at the first call, gives it the size that it needs, at most that many pixels, and writes
 /// the places of its controls into their records. What does not fit scrolls.
 void layOutForm(Control& window, int mostWidth, int mostHeight);
+/// Scrolls what did not fit, down by that many twips.
+void scrollForm(Control& window, int twips);
 
 }  // namespace zv

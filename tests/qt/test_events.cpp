@@ -207,24 +207,6 @@ TEST(Fields, WhatTheLogicSetsIsNoChangeOfTheUser) {
     EXPECT_EQ(s.list.listIndex(), 1);
 }
 
-TEST(Mouse, TheWheelOverAListOfLabelsMovesItsScrollbar) {
-    Stage s;
-    Control bar("ucScrollbarV", ControlKind::slider, &s.window);
-    place(bar, 780, 210, 16, 150);
-    bar.maximum = 3000;
-    bar.value = 3000;
-    flushChanged();
-    const auto wheel = [&](int by) {
-        QWheelEvent e(QPointF(5, 5), QPointF(5, 5), {}, QPoint(0, by), Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(&viewOf(s.window)->widget, &e);  // to where what labels leave alone comes
-    };
-    wheel(120);
-    EXPECT_EQ(bar.value(), 3000);
-    wheel(-120);
-    EXPECT_NEAR(bar.value(), 2440, 100) << "about two rows";
-}
-
 TEST(Window, AsksBeforeItCloses) {
     Stage s;
     int asked = -1;

@@ -43,6 +43,7 @@ void layOutForm(Control& window, int mostWidth, int mostHeight) {
     window.width = std::min(600, mostWidth) * kTwipsPerPixel;
     window.height = std::min(400, mostHeight) * kTwipsPerPixel;
 }
+void scrollForm(Control&, int) {}
 void hideWindow(Control& window) { window.visible = false; }
 void lockUpdates() {}
 void unlockUpdates() {}

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstddef>
-#include <memory>
 
 #include "model/colours.h"
 #include "model/jingle.h"
@@ -21,12 +20,13 @@
 #include "ui/screen/button_faces.h"
 #include "ui/screen/highlight.h"
 #include "ui/screen/shaded.h"
+#include "ui/windows/form_window.h"
 
 namespace zv {
 
 namespace {
 
-constexpr int kColumns = 6, kField = 600, kFieldGap = 90;  // twips
+constexpr int kColumns = 6, kField = 44;  // pixels
 constexpr int kNoColourField = kPickFields - 1;
 constexpr int kLeftMouseButton = 1;  // virtual key
 
@@ -36,35 +36,28 @@ constexpr std::array<Colour, 24> table{0xFF00FF, 0xCC99FF, 0xFF99CC, 0xFF9999, 0
                                        0xFFCC99, 0xFFFFCC, 0xCCFFCC, 0x99FFFF, 0x99CCFF, 0xFFFFFF};
 
 struct Picker {
-    Control window{"frmColPick", ControlKind::window};
-    std::array<std::unique_ptr<Control>, kPickFields> Color;
-    Control lblDelCol{"lblDelCol", ControlKind::label, &window};
+    FormWindow form{"frmColPick", "sfrmColPick"};
+    std::array<Control*, kPickFields> Color{};
+    Control& lblDelCol = form.control("lblDelCol", ControlKind::label, "cplblDelCol");
 
     Picker() {
-        const int rows = static_cast<int>(table.size()) / kColumns;
-        window.width = kColumns * (kField + kFieldGap) + kFieldGap;
-        window.height = (rows + 1) * (kField + kFieldGap) + kFieldGap;
+        FormCard card;
         for (int i = 0; i < kPickFields; ++i) {
-            auto& field = Color[static_cast<std::size_t>(i)];
-            field = std::make_unique<Control>("Color", ControlKind::colourField, &window, i);
-            field->left = kFieldGap + i % kColumns * (kField + kFieldGap);
-            field->top = kFieldGap + i / kColumns * (kField + kFieldGap);
-            field->width = kField;
-            field->height = kField;
-            field->onClick = [i] { PickColour(i); };
-        }
-        lblDelCol.left = kFieldGap + kField + kFieldGap;
-        lblDelCol.top = kFieldGap + rows * (kField + kFieldGap);
-        lblDelCol.width = window.width() - lblDelCol.left() - kFieldGap;
-        lblDelCol.height = kField;
-        lblDelCol.onClick = [] { PickColour(kNoColourField); };
-        window.onClose = [] { CloseColorPicker(); };
-        window.onKeyDown = [](KeyEvent& e) {
-            if (e.key == Key::escape) {
-                e.consumed = true;
-                CloseColorPicker();
+            Control& field = form.control("Color", ControlKind::colourField, {}, i);
+            Color[static_cast<std::size_t>(i)] = &field;
+            field.onClick = [i] { PickColour(i); };
+            if (i % kColumns == 0) {
+                card.rows.push_back({.height = kField});
             }
-        };
+            card.rows.back().cells.push_back({.control = &field, .width = kField});
+        }
+        card.rows.back().cells.push_back({.control = &lblDelCol, .width = kRestOfRow});
+        lblDelCol.onClick = [] { PickColour(kNoColourField); };
+        card.gap = 8;
+        card.bare = true;
+        form.describe({.blocks = {{card}}});
+        form.alwaysCentred = true;
+        form.onClosed = [] { CloseColorPicker(); };
     }
 };
 
@@ -119,21 +112,23 @@ void clColorSet(int index) {
             PaintButton(i, Shaded.co, GetForeColor(Shaded.co, "jingle"));
         }
         Picker& picker = frmColPick();
-        for (int i = 0; i < kNoColourField; ++i) {
-            picker.Color[static_cast<std::size_t>(i)]->backColor =
-                ShadeColor(table[static_cast<std::size_t>(i)], settings.ShadeOffsetVal);
+        // The colour that the button has is marked, and takes the keyboard.
+        int set = kNoColourField;
+        for (int i = 0; i < kPickFields; ++i) {
+            Control& field = *picker.Color[static_cast<std::size_t>(i)];
+            const Colour colour = PickerColour(i);
+            field.backColor = i < kNoColourField ? ShadeColor(colour, settings.ShadeOffsetVal) : BtnFaceColor;
+            const std::string digits = i < kNoColourField ? ColorToHex(colour) : std::string(kFaceColourText);
+            field.toolTip = i < kNoColourField ? "#" + digits : Ln("cplblDelCol");
+            const bool has = SameText(Jingle(MenuJ).BTNCol, digits);
+            field.value = has ? 1 : 0;
+            if (has) {
+                set = i;
+            }
         }
-        picker.Color[kNoColourField]->backColor = BtnFaceColor;
-        picker.window.caption = Ln("sfrmColPick");
-        picker.window.backColor = frmMain().window.backColor();
-        picker.lblDelCol.caption = Ln("cplblDelCol");
-        picker.lblDelCol.foreColor = BtnForeColor;
-        const Control& main = frmMain().window;
-        picker.window.left = main.left() + (main.width() - picker.window.width()) / 2;
-        picker.window.top = main.top() + (main.height() - picker.window.height()) / 2;
         ColorPickerOpen = true;
-        showWindow(picker.window);
-        setAlwaysOnTop(picker.window, true);
+        picker.form.open(picker.Color[static_cast<std::size_t>(set)]);
+        setAlwaysOnTop(picker.form.window, true);
         timers().TimerCloseColorPicker.start();
     });
 }
@@ -170,14 +165,14 @@ void CloseColorPicker() {
         OptionControl.clear();
         OptionCode.clear();
         ResetJingles();
-        hideWindow(frmColPick().window);
+        frmColPick().form.close();
     });
 }
 
 void TimerCloseColorPickerTick() {
     guarded("frmMain.TimerCloseColorPicker_Timer", [] {
         // A press elsewhere closes it.
-        if (ColorPickerOpen && keyHeld(kLeftMouseButton) && !mouseOver(frmColPick().window)) {
+        if (ColorPickerOpen && keyHeld(kLeftMouseButton) && !mouseOver(frmColPick().form.window)) {
             CloseColorPicker();
         }
     });

@@ -16,16 +16,8 @@ bool ConsoleOpen = false;
 
 namespace {
 
-constexpr int kWidth = 5488, kHeight = 3000;  // twips
-constexpr int kMargin = 90, kKeyHeight = 345;
+constexpr int kWidth = 366, kHeight = 200;  // pixels
 constexpr std::size_t kMostLines = 2000;
-
-void place(Control& control, int left, int top, int width, int height) {
-    control.left = left;
-    control.top = top;
-    control.width = width;
-    control.height = height;
-}
 
 /// What was told. Each press tells something: while nobody looks a line costs its own length only, and a
 /// long show does not gather more than anybody reads.
@@ -68,33 +60,27 @@ struct Drag {
 
 }  // namespace
 
-ConsoleWindow::ConsoleWindow()
-    : window("frmConsole", ControlKind::window),
-      lstConsole("lstConsole", ControlKind::listBox, &window),
-      ckPause("ckPause", ControlKind::checkBox, &window),
-      btCopy("btCopy", ControlKind::button, &window),
-      btClear("btClear", ControlKind::button, &window),
-      btClose("btClose", ControlKind::button, &window) {
+ConsoleWindow::ConsoleWindow() {
+    Control& window = form.window;
     window.caption = "Console";
-    window.width = kWidth;
-    window.height = kHeight;
     ckPause.caption = "Pause";
     btCopy.caption = "Copy";
     btClear.caption = "Clear";
     btClose.caption = "Close";
-    place(lstConsole, kMargin, kMargin, kWidth - 2 * kMargin, kHeight - 3 * kMargin - kKeyHeight);
-    const int top = kHeight - kMargin - kKeyHeight;
-    const int key = (kWidth - 5 * kMargin) / 4 / kTwipsPerPixel * kTwipsPerPixel;
-    Control* keys[] = {&ckPause, &btCopy, &btClear, &btClose};
-    for (int i = 0; i < 4; ++i) place(*keys[i], kMargin + i * (key + kMargin), top, key, kKeyHeight);
+    form.describe({.blocks = {{{.rows = {{.cells = {{&lstConsole}}, .height = 80, .grows = true},
+                                         {.cells = {{&ckPause}, {}, {&btCopy}, {&btClear}, {&btClose}}}},
+                                .bare = true}}},
+                   .width = kWidth,
+                   .height = kHeight,
+                   .borderless = true});
 
     btCopy.onClick = [] { guarded("frmConsole.btCopy_Click", copyLines); };
     btClear.onClick = [] { guarded("frmConsole.btClear_Click", clearLines); };
     btClose.onClick = [] { guarded("frmConsole.btClose_Click", CloseConsole); };
-    window.onClose = CloseConsole;
+    form.onClosed = [] { ConsoleOpen = false; };
     window.onMouseDown = [](const MouseEvent& event) { drag = {true, event.x, event.y}; };
     window.onMouseUp = [](const MouseEvent&) { drag.held = false; };
-    window.onMouseMove = [this](const MouseEvent& event) {
+    window.onMouseMove = [&window](const MouseEvent& event) {
         if (!drag.held) return;
         window.left = window.left + event.x - drag.x;
         window.top = window.top + event.y - drag.y;
@@ -108,7 +94,7 @@ ConsoleWindow& frmConsole() {
 
 void OpenConsole() {
     guarded("frmConsole.Form_Load", [] {
-        showWindow(frmConsole().window);
+        frmConsole().form.open();
         ConsoleOpen = true;
         showLines();
     });
@@ -116,7 +102,7 @@ void OpenConsole() {
 
 void CloseConsole() {
     ConsoleOpen = false;
-    hideWindow(frmConsole().window);
+    frmConsole().form.close();
 }
 
 void FillConsoleUpcalls() {

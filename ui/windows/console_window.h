@@ -2,15 +2,19 @@
 /// [control]
 #pragma once
 
-#include "platform/controls.h"
+#include "ui/windows/form_window.h"
 
 namespace zv {
 
 struct ConsoleWindow {
     ConsoleWindow();
 
-    Control window;  ///< "frmConsole"
-    Control lstConsole, ckPause, btCopy, btClear, btClose;
+    FormWindow form{"frmConsole"};
+    Control& lstConsole = form.control("lstConsole", ControlKind::listBox);
+    Control& ckPause = form.control("ckPause", ControlKind::checkBox);
+    Control& btCopy = form.control("btCopy", ControlKind::button);
+    Control& btClear = form.control("btClear", ControlKind::button);
+    Control& btClose = form.control("btClose", ControlKind::button);
 };
 
 ConsoleWindow& frmConsole();

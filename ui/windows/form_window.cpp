@@ -139,7 +139,7 @@ void FormWindow::open(Control* focus) {
     fillTexts();
     const WindowRoom room = RoomOverGrid();
     layOutForm(window, room.width, room.height);
-    if (!std::exchange(placed_, true)) {
+    if (!std::exchange(placed_, true) || (alwaysCentred && !before)) {
         PlaceOverGrid(window);
     } else if (!before) {
         HoldOnScreen(window);

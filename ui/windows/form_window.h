@@ -53,6 +53,7 @@ class FormWindow {
 
     std::function<void(KeyEvent&)> onKey;  ///< keys that Enter, Escape and the focused control leave
     std::function<void()> onClosed;
+    bool alwaysCentred = false;  ///< opens in the middle each time instead of where it was left
 
   private:
     struct Text {

@@ -3,17 +3,25 @@
 
 #include <string>
 
-#include "platform/controls.h"
+#include "ui/windows/form_window.h"
 
 namespace zv {
 
 struct ReportWindow {
     ReportWindow();
 
-    Control window;  ///< "frmReportError"
-    Control lblFuse, txtReport, lblDescription, txtDescription, lblYourEmail, txtEmail;
-    Control lblAccountReminder, lblNotification;
-    Control btCancel, btKill, btSend, btGoForum;
+    FormWindow form{"frmReportError"};
+    Control& lblFuse = form.control("lblFuse", ControlKind::label, "ErrorFuse");
+    Control& txtReport = form.control("txtReport", ControlKind::textBox);
+    Control& txtDescription = form.control("txtDescription", ControlKind::textBox);
+    Control& txtEmail = form.control("txtEmail", ControlKind::textBox);
+    Control& lblAccountReminder =
+        form.control("lblAccountReminder", ControlKind::label, "ErrorAccountReminder");
+    Control& lblNotification = form.control("lblNotification", ControlKind::label, "ErrorNotification");
+    Control& btCancel = form.control("btCancel", ControlKind::button, "ErrorCancel");
+    Control& btKill = form.control("btKill", ControlKind::button, "ErrorKill");
+    Control& btSend = form.control("btSend", ControlKind::button, "ErrorSend");
+    Control& btGoForum = form.control("btGoForum", ControlKind::button, "ErrorGoForum");
 };
 
 ReportWindow& frmReportError();

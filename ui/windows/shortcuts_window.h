@@ -1,20 +1,20 @@
-/// The list of keys: a small window that scrolls. [control]
+/// The list of keys: a window that scrolls. [control]
 #pragma once
 
-#include <memory>
 #include <vector>
 
-#include "platform/controls.h"
+#include "ui/windows/form_window.h"
 
 namespace zv {
 
 struct ShortcutsWindow {
     ShortcutsWindow();
 
-    Control window;            ///< "frmShortcuts"
-    Control fraShow, fraKeys;  ///< what is seen of the list, and the list that moves behind it
-    Control ucScrollbarV, btHelp, btOK;
-    std::vector<std::unique_ptr<Control>> lblKey, lblKeyBis, lblSCDesc;  ///< a row each, same index
+    FormWindow form{"frmShortcuts", "scShortcuts"};
+    Control& btHelp = form.control("scbtHelp", ControlKind::button, "scbtHelp");
+    Control& btOK = form.control("scbtOK", ControlKind::button, "scbtOK");
+    /// A row each, same index; hidden while what the row tells of is not there.
+    std::vector<Control*> lblKey, lblKeyBis, lblSCDesc;
 };
 
 ShortcutsWindow& frmShortcuts();

@@ -1,9 +1,11 @@
 #include "platform/qt/view/form_view.h"
 
 #include <QBoxLayout>
+#include <QCoreApplication>
 #include <QEvent>
 #include <QFontMetrics>
 #include <QPainter>
+#include <QResizeEvent>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStackedWidget>
@@ -20,7 +22,7 @@ namespace zv::shell {
 namespace {
 
 // Pixels at 100 %.
-constexpr int kEdge = 16, kGap = 12, kRowGap = 10, kCellGap = 8;
+constexpr int kEdge = 16, kGap = 12, kCellGap = 8;
 constexpr int kRowHeight = 30, kFootKey = 44, kFootKeyWidth = 120;
 constexpr int kLabelMost = 240;  ///< a longer label takes two lines
 constexpr int kSide = 196;       ///< width of the list of pages
@@ -167,7 +169,9 @@ void sizeCell(const Control& record, QWidget& w, const FormCell& cell, const For
         default:
             break;
     }
-    if (cell.width > 0 && record.kind != ControlKind::colourField) w.setFixedWidth(cell.width);
+    if (cell.width <= 0 || record.kind == ControlKind::colourField) return;
+    w.setFixedWidth(cell.width);
+    if (record.kind == ControlKind::label && row != nullptr) w.setFixedHeight(high);  // a chip fills its row
 }
 
 QWidget* rowWidget(QWidget* parent, QHBoxLayout*& row) {
@@ -330,7 +334,7 @@ QWidget* FormView::makeCard(const FormCard& card, Column& column) {
     auto* rows = new QVBoxLayout(widget);
     const int side = card.bare ? 0 : kEdge, end = card.bare ? 0 : kGap;
     rows->setContentsMargins(side, end, side, end);
-    rows->setSpacing(kRowGap);
+    rows->setSpacing(card.gap);
     bool grows = false;
     if (QWidget* title = text(card.title, static_cast<int>(Dress::cardTitle))) rows->addWidget(title);
     for (const FormRow& row : card.rows) {
@@ -416,8 +420,8 @@ void FormView::wrapTexts() {
         const QFontMetrics m(fontOf(*record, 13));
         const QRect needed = m.boundingRect(QRect(0, 0, std::max(label->width(), kSwatch), 2000),
                                             Qt::TextWordWrap, captionOf(record->caption));
-        const int lines = (needed.height() + m.height() - 1) / m.height();
-        label->setMinimumHeight(lines > 1 ? std::max(needed.height(), 2 * m.height()) + 2 : m.height());
+        const bool lines = needed.height() > m.height() * 3 / 2;
+        label->setMinimumHeight(lines ? std::max(needed.height(), 2 * m.height()) + 2 : m.height());
     }
 }
 
@@ -442,43 +446,57 @@ void FormView::refresh() {
     alignLabels();
 }
 
+/// Every layout asks anew what its widgets need and gives them their places. A window that is not on the screen
+/// yet sends its widgets no word of their sizes: it is passed on here.
+void FormView::settle() {
+    const QList<QWidget*> all = window_.findChildren<QWidget*>();
+    for (auto w = all.rbegin(); w != all.rend(); ++w) {  // from the inside out
+        (*w)->updateGeometry();
+        if ((*w)->layout() == nullptr) continue;
+        (*w)->layout()->invalidate();
+        (*w)->layout()->activate();
+    }
+    window_.layout()->invalidate();
+    window_.layout()->activate();
+    window_.layout()->setGeometry(window_.rect());
+    for (QWidget* w : all) {  // and back
+        if (recordOf(w) != &record_) continue;
+        QResizeEvent now(w->size(), w->size());
+        QCoreApplication::sendEvent(w, &now);
+    }
+}
+
 QSize FormView::fit(QSize most) {
     refresh();
     for (QBoxLayout* beside : beside_) beside->setDirection(QBoxLayout::LeftToRight);
     QLayout& root = *window_.layout();
     const int bar = scroll_->verticalScrollBar()->sizeHint().width();
-    const auto activate = [&] {
-        // Layouts remember the sizes of what they hold; from the inside out they ask again.
-        const QList<QWidget*> all = window_.findChildren<QWidget*>();
-        for (auto w = all.rbegin(); w != all.rend(); ++w) {
-            (*w)->updateGeometry();
-            if ((*w)->layout() == nullptr) continue;
-            (*w)->layout()->invalidate();
-            (*w)->layout()->activate();
-        }
-        root.invalidate();
-        root.activate();
-    };
-    activate();
+
+    settle();
     if (root.minimumSize().width() + bar > most.width()) {
         for (QBoxLayout* beside : beside_) beside->setDirection(QBoxLayout::TopToBottom);
-        activate();
+        settle();
     }
+    for (QWidget* label : wrapping_) label->setMinimumHeight(0);
+    settle();
     QSize size = root.sizeHint().expandedTo(QSize(form_.width, form_.height)).boundedTo(most);
-    // Texts that take lines need to know their width first.
+    // Texts that take lines need to know their width first; a scroll bar takes some of it.
+    window_.setMinimumSize(0, 0);
     for (int pass = 0; pass < 2; ++pass) {
         window_.resize(size);
-        activate();
+        settle();
         wrapTexts();
-        activate();
-        size.setHeight(std::min(std::max(root.sizeHint().height(), form_.height), most.height()));
+        settle();
+        const int high =
+            form_.height > 0 ? std::max(root.minimumSize().height(), form_.height) : root.sizeHint().height();
+        if (high > most.height() && size.height() < most.height() && form_.width == 0)
+            size.setWidth(std::min(size.width() + bar, most.width()));
+        size.setHeight(std::min(high, most.height()));
     }
-    if (root.sizeHint().height() > most.height() && form_.width == 0)
-        size.setWidth(std::min(size.width() + bar, most.width()));
     window_.setMinimumSize(std::min(root.minimumSize().width() + bar, size.width()),
                            std::min(kLeastHeight, size.height()));
     window_.resize(size);
-    activate();
+    settle();
     return size;
 }
 
@@ -503,6 +521,11 @@ bool FormView::eventFilter(QObject* watched, QEvent* e) {
     const bool moved = e->type() == QEvent::LayoutRequest || e->type() == QEvent::Resize;
     if ((watched == content_ || watched == &window_) && moved) writeBackSoon();
     return false;
+}
+
+void FormView::scrollBy(int pixels) {
+    QScrollBar& bar = *scroll_->verticalScrollBar();
+    bar.setValue(bar.value() + pixels);
 }
 
 /// After the layouts have done what they were asked for.

@@ -26,6 +26,7 @@ class FormView final : public QObject {
     QSize fit(QSize most);
     /// Records learn where their widgets stand now.
     void writeBack();
+    void scrollBy(int pixels);
     /// Something in the form shows another text, page or visibility.
     void refresh();
 
@@ -50,6 +51,7 @@ class FormView final : public QObject {
     QWidget* text(const FormText& text, int dress);
     void alignLabels();
     void wrapTexts();
+    void settle();
     void writeBackSoon();
 
     Control& record_;

@@ -70,6 +70,7 @@ class PlainWidget final : public QWidget, public RecordView {
             case ControlKind::colourField:
                 drawFace(p, rect(), colourOf(record.backColor, theme.face), theme.border);
                 paintText(p, theme);
+                if (record.value() != 0) paintChosen(p);
                 if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
                     drawFocus(p, rect(), theme.text);
                 return;
@@ -118,6 +119,15 @@ class PlainWidget final : public QWidget, public RecordView {
         p.setFont(fontOf(record, kLabelSize, QFont::DemiBold));
         p.setPen(colourOf(record.foreColor, theme.muted));
         p.drawText(rect().adjusted(10, 6, -10, -6), Qt::AlignTop | Qt::AlignLeft, captionOf(record.caption));
+    }
+
+    /// A tick on the colour that is set.
+    void paintChosen(QPainter& p) const {
+        const bool deep = lightness(colourOf(record.backColor, Qt::white)) < 0.5;
+        p.setRenderHint(QPainter::Antialiasing);
+        p.setPen(QPen(deep ? Qt::white : Qt::black, 2.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        const QPointF c = QRectF(rect()).center();
+        p.drawPolyline(QPolygonF{c + QPointF(-7, 0), c + QPointF(-2, 5), c + QPointF(8, -6)});
     }
 
     void paintShape(QPainter& p, const Theme& theme) const {

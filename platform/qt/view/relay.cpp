@@ -224,11 +224,18 @@ class Relay final : public QObject {
         // Moving between controls is the shell's; a control never sees these keys.
         if (key == Qt::Key_Tab || key == Qt::Key_Backtab) return false;
         if (view_.record.kind == ControlKind::jingle) return jingleKey(e);
+        const bool arrow =
+            key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down;
+        if (view_.record.kind == ControlKind::colourField && arrow) {
+            focusNeighbour(key);
+            return true;
+        }
         KeyEvent event{keyOf(e), shiftOf(e.modifiers()), e.isAutoRepeat(), false};
         if (view_.record.onKeyDown) call([&] { view_.record.onKeyDown(event); });
         if (event.consumed) return true;
-        const bool pressable =
-            view_.record.kind == ControlKind::button || view_.record.kind == ControlKind::toggle;
+        const bool pressable = view_.record.kind == ControlKind::button ||
+                               view_.record.kind == ControlKind::toggle ||
+                               view_.record.kind == ControlKind::colourField;
         if (pressable && (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space)) {
             if (!e.isAutoRepeat()) view_.press();
             return true;
@@ -292,13 +299,13 @@ class Relay final : public QObject {
         return {MouseButton::left, 0, view_.record.width / 2, view_.record.height / 2};
     }
 
-    /// The nearest jingle button in that direction takes the focus.
+    /// The nearest control of its kind in that direction takes the focus.
     void focusNeighbour(int key) {
         const QPoint from = view_.widget.mapToGlobal(view_.widget.rect().center());
         QWidget* best = nullptr;
         int bestCost = 0;
         for (Control* c : allControls()) {
-            const RecordView* other = c->kind == ControlKind::jingle ? viewOf(*c) : nullptr;
+            const RecordView* other = c->kind == view_.record.kind ? viewOf(*c) : nullptr;
             if (other == nullptr || other == &view_ || !other->widget.isVisible()) continue;
             if (other->widget.window() != view_.widget.window()) continue;
             const QPoint d = other->widget.mapToGlobal(other->widget.rect().center()) - from;

@@ -114,16 +114,6 @@ class WindowWidget final : public QWidget, public RecordView {
         call(record.onResize);
     }
 
-    /// The wheel over a list of labels moves the scrollbar beside it.
-    void wheelEvent(QWheelEvent* e) override {
-        if (std::exchange(wheeling_, true)) return;  // a scrollbar at its end passes it back
-        for (Control* child : record.children()) {
-            if (child->name != "ucScrollbarV" || !child->visible()) continue;
-            if (RecordView* bar = viewOf(*child)) QCoreApplication::sendEvent(&bar->widget, e);
-        }
-        wheeling_ = false;
-    }
-
     void moveEvent(QMoveEvent*) override {
         if (!wasShown || isMinimized()) return;
         following_ = true;
@@ -145,7 +135,6 @@ class WindowWidget final : public QWidget, public RecordView {
 
     Colour themed_ = 0;
     bool hasTheme_ = false;
-    bool wheeling_ = false;
     bool following_ = false;  ///< the record learns from the window, not the other way round
 };
 
@@ -279,6 +268,11 @@ void layOutForm(Control& window, int mostWidth, int mostHeight) {
     window.width = size.width() * kTwipsPerPixel;
     window.height = size.height() * kTwipsPerPixel;
     w->form->writeBack();
+}
+
+void scrollForm(Control& window, int twips) {
+    if (WindowWidget* w = windowWidget(window); w != nullptr && w->form != nullptr)
+        w->form->scrollBy(px(twips));
 }
 
 void lockUpdates() {
