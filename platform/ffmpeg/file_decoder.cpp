@@ -2,8 +2,10 @@
 #include <string_view>
 
 #include "engine/bass.h"
+#include "platform/ffmpeg/chunked_decoder.h"
 #include "platform/ffmpeg/ffmpeg_decoders.h"
 #include "platform/ffmpeg/media_input.h"
+#include "platform/ffmpeg/ogg_decoder.h"
 #include "platform/ffmpeg/packet_map.h"
 
 namespace zv {
@@ -25,7 +27,7 @@ double prerollSeconds(AVCodecID codec) {
     return 0.25;
 }
 
-class FileDecoder : public engine::Decoder {
+class FileDecoder : public ChunkedDecoder {
   public:
     FileDecoder(std::unique_ptr<MediaInput> input, PacketMap map)
         : input_(std::move(input)), map_(std::move(map)), walker_(map_) {
@@ -35,53 +37,16 @@ class FileDecoder : public engine::Decoder {
 
     engine::SoundFormat format() const override { return input_->format(); }
     std::optional<std::uint64_t> length() const override { return map_.length(); }
-    bool ended() const override { return cursor_ >= end(); }
-
-    bool seek(std::uint64_t frame) override {
-        if (frame > map_.length()) return false;
-        cursor_ = static_cast<std::int64_t>(frame);
-        // A short way ahead is decoded, not sought; what lies behind is entered anew at the next read.
-        const std::int64_t patience = input_->format().rate / 2;
-        if (cursor_ < chunkStart_ || cursor_ > chunkEnd() + patience) entered_ = false;
-        return true;
-    }
-
     std::size_t read(std::span<float> out) override {
         input_->setLimit(stepLimit);
-        const std::size_t channels = input_->format().channels;
-        const auto wanted = static_cast<std::int64_t>(out.size() / channels);
-        std::int64_t done = 0;
-        while (done < wanted && cursor_ < end()) {
-            if (!entered_) enter();
-            std::int64_t frames = std::min(wanted - done, end() - cursor_);
-            float* target = out.data() + static_cast<std::size_t>(done) * channels;
-            if (cursor_ >= chunkStart_ && cursor_ < chunkEnd()) {
-                frames = std::min(frames, chunkEnd() - cursor_);
-                const float* from =
-                    chunk_.data() + static_cast<std::size_t>(cursor_ - chunkStart_) * channels;
-                std::copy_n(from, static_cast<std::size_t>(frames) * channels, target);
-            } else if (cursor_ < chunkStart_ || !nextChunk()) {
-                // A hole that damage left, or an end that came early: silence keeps everything else in its
-                // place.
-                if (cursor_ < chunkStart_) frames = std::min(frames, chunkStart_ - cursor_);
-                std::fill_n(target, static_cast<std::size_t>(frames) * channels, 0.0F);
-            } else {
-                continue;
-            }
-            cursor_ += frames;
-            done += frames;
-        }
-        return static_cast<std::size_t>(done);
+        return ChunkedDecoder::read(out);
     }
 
-  private:
-    std::int64_t end() const { return static_cast<std::int64_t>(map_.length()); }
-    std::int64_t chunkEnd() const {
-        return chunkStart_ + static_cast<std::int64_t>(chunk_.size() / input_->format().channels);
-    }
+  protected:
+    std::int64_t end() const override { return static_cast<std::int64_t>(map_.length()); }
 
     /// Decodes the next packet that gives sound into the chunk. False at the end of the file.
-    bool nextChunk() {
+    bool nextChunk() override {
         while (!drained_) {
             chunk_.clear();
             if (!input_->readPacket()) {
@@ -99,6 +64,19 @@ class FileDecoder : public engine::Decoder {
         return false;
     }
 
+    /// Enters the file far enough before the cursor for its codec.
+    void enter() override {
+        std::int64_t lead = preroll_;
+        for (int attempt = 0;; ++attempt, lead = lead * 4 + input_->format().rate) {
+            const bool fromStart = cursor() <= lead || attempt == seekAttempts;
+            drained_ = false;
+            chunk_.clear();
+            if (fromStart ? enterStart() : enterAt(cursor() - lead)) return;
+            if (fromStart) return;  // unreadable now: what is read from here on is silence
+        }
+    }
+
+  private:
     void decodeInto(std::optional<std::int64_t> place) {
         const Yield yield = input_->decode(&input_->packet(), chunk_);
         const auto stamped = map_.frameOf(yield.stamp);
@@ -106,25 +84,12 @@ class FileDecoder : public engine::Decoder {
         expected_ = chunkEnd();
     }
 
-    /// Enters the file far enough before the cursor for its codec.
-    void enter() {
-        entered_ = true;
-        std::int64_t lead = preroll_;
-        for (int attempt = 0;; ++attempt, lead = lead * 4 + input_->format().rate) {
-            const bool fromStart = cursor_ <= lead || attempt == seekAttempts;
-            drained_ = false;
-            chunk_.clear();
-            if (fromStart ? enterStart() : enterAt(cursor_ - lead)) return;
-            if (fromStart) return;  // unreadable now: what is read from here on is silence
-        }
-    }
-
     bool enterAt(std::int64_t frame) {
         if (!map_.enter(*input_, frame)) return false;
         walker_.restart(false);
         for (int i = 0; i < unplacedPackets && input_->readPacket(); ++i) {
             const auto place = walker_.place(input_->packet());
-            if (place && *place > (map_.placesAtOnce() ? frame : cursor_)) return false;
+            if (place && *place > (map_.placesAtOnce() ? frame : cursor())) return false;
             chunk_.clear();
             decodeInto(place);
             if (place) return true;
@@ -154,17 +119,15 @@ class FileDecoder : public engine::Decoder {
     PacketMap map_;
     PacketMap::Walker walker_;
     std::int64_t preroll_ = 0;
-    std::int64_t cursor_ = 0;      ///< frame that read() gives next
-    std::vector<float> chunk_;     ///< what the last packet gave
-    std::int64_t chunkStart_ = 0;  ///< its first frame
-    std::int64_t expected_ = 0;    ///< where the next chunk begins unless the map knows better
-    bool entered_ = false;
+    std::int64_t expected_ = 0;  ///< where the next chunk begins unless the map knows better
     bool drained_ = false;
 };
 
 }  // namespace
 
 std::unique_ptr<engine::Decoder> openFileDecoder(const std::string& path, int& error) {
+    error = BASS_OK;
+    if (auto decoder = openOggDecoder(path)) return decoder;
     auto input = MediaInput::openFile(path, error);
     if (!input) return nullptr;
     input->setLimit(surveyLimit);
