@@ -145,7 +145,7 @@ void PeakEq::process(float* stereo, std::size_t frames) {
         if (group.active) run(group, stereo, frames);
 }
 
-void PeakEq::foresee() const {
+void PeakEq::prefetch() const {
     if (active_ == 0) return;
     for (const EqGroup& group : groups_) {
         if (!group.active) continue;

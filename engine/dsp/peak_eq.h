@@ -63,7 +63,7 @@ class PeakEq {
     void process(float* stereo, std::size_t frames);
     /// Asks the processor for what process() will touch: with a hundred units in turn none finds it near.
     /// [audio]
-    void foresee() const;
+    void prefetch() const;
     /// Empties the memory and ends changes under way; no cost when nothing has passed. [audio]
     void reset();
     /// True when process() leaves the samples alone. [audio]

@@ -240,7 +240,7 @@ void Reverb::kernel(Run& run, std::size_t groups, std::size_t lanes) {
     if (ramp) rampAt_ += static_cast<std::uint32_t>(frames);
 }
 
-void Reverb::foresee() const {
+void Reverb::prefetch() const {
     if (!running_) return;
     for (const Line& line : lines_) __builtin_prefetch(memory_.data() + line.offset + line.at, 1);
     for (const auto& side : diffusers_)

@@ -36,9 +36,9 @@ class Reverb {
     const ReverbSettings& settings() const { return settings_; }
     /// Stereo frames in place. [audio]
     void process(float* stereo, std::size_t frames);
-    /// Asks the processor for what process() will touch first: with a hundred units in turn none finds it
-    /// near. [audio]
-    void foresee() const;
+    /// Prefetches the state that process() touches first: with a hundred units in turn none is in the cache.
+    /// [audio]
+    void prefetch() const;
     /// Silences the tail and ends ramps; nothing to do (and no cost) when nothing has passed. [audio]
     void reset();
     /// True when process() leaves the samples alone. [audio]

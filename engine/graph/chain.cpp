@@ -15,9 +15,9 @@ bool Effect::bypassed() const {
     return !gain.active() && gain.value() == 1.0F;
 }
 
-void Effect::foresee() const {
-    if (eqUnit) eqUnit->foresee();
-    if (reverbUnit) reverbUnit->foresee();
+void Effect::prefetch() const {
+    if (eqUnit) eqUnit->prefetch();
+    if (reverbUnit) reverbUnit->prefetch();
 }
 
 void Effect::process(float* stereo, std::size_t frames) {

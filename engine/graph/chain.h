@@ -35,8 +35,8 @@ struct Effect {
 
     /// True when process() leaves the samples alone. [audio]
     bool bypassed() const;
-    /// process() comes soon: what it needs may come nearer meanwhile. [audio]
-    void foresee() const;
+    /// Prefetches the state that process() reads. [audio]
+    void prefetch() const;
     void process(float* stereo, std::size_t frames);  // [audio]
     void reset();                                     // [audio]
 };

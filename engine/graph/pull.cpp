@@ -95,8 +95,7 @@ void Graph::publishPosition(Channel& channel) {
     root.shared.heard.store(position, std::memory_order_relaxed);
 }
 
-/// A conversion reads ahead: what it took from behind a wrap, or behind the end, and nobody has heard, it
-/// hands back when loop or end have changed since.
+/// The resampler reads ahead. If loop or end changed since, returns the frames not yet heard to the source.
 void Graph::takeBack(Channel& channel) {
     Channel& root = channel.root();
     AudioState &outer = channel.audio, &a = root.audio;
@@ -337,7 +336,7 @@ View Graph::throughChain(Channel& channel, View view) {
     if (!gained && !effects) return view;
     if (effects)
         for (const auto& stage : a.chain->stages)
-            if (stage.effect) stage.effect->foresee();
+            if (stage.effect) stage.effect->prefetch();
     float* data = stereo_.data();
     if (view.own) {
         data = const_cast<float*>(view.data);

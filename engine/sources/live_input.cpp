@@ -50,8 +50,7 @@ UrlInput::UrlInput(std::unique_ptr<Decoder> decoder, bool offline) {
     const SoundFormat format = decoder->format();
     tank_ = std::make_shared<Tank>(std::move(decoder), format);
     if (offline) return;
-    // A read may hang in the network as long as the time-out: nobody waits for this thread, it holds the
-    // tank.
+    // A read may hang in the network as long as the time-out. No one joins this thread; it shares the tank.
     std::thread([tank = tank_] {
         const ThreadSection worker(ThreadKind::Worker);
         while (!tank->closed.load(std::memory_order_acquire) &&

@@ -227,7 +227,7 @@ void PagedSound::dropUnwanted() {
 void PagedSound::freeRetired() {
     if (retired_.empty() || readers_.load(std::memory_order_seq_cst) != 0) return;
     const std::uint64_t now = renders_.load(std::memory_order_seq_cst);
-    // Even: no render was under way when the page was taken away, and a later one cannot find it.
+    // Even epoch: no render ran when the page was removed, and a later one cannot find it.
     std::erase_if(retired_, [&](const Retired& r) { return r.render % 2 == 0 || r.render != now; });
     hasRetired_.store(!retired_.empty(), std::memory_order_relaxed);
 }

@@ -19,8 +19,8 @@
 
 namespace zv::engine {
 
-/// Tells a page that was taken away when nobody can be reading it any more. Raised by one at the beginning
-/// and at the end of every render: odd while one is under way.
+/// Render epoch: raised by one at the beginning and at the end of every render, odd while one runs. A page
+/// removed in one epoch is freed once no render of that epoch runs.
 using RenderCount = std::atomic<std::uint64_t>;
 
 /// Samples that are no numbers, or far beyond any sound, become silence: a damaged file must not deafen the

@@ -68,8 +68,8 @@ void TempoProcessor::drop(TempoLane* lane) {
     lane->state.store(TempoLane::State::retired, std::memory_order_release);
 }
 
-/// A reader that finds the same even version before and after has it whole: whoever sees a field of this turn
-/// also sees the odd version that stands before it.
+/// Seqlock writer: the version is odd while the data is being updated. A reader that finds the same even
+/// version before and after its reading has read one state.
 void TempoProcessor::publish() {
     constexpr auto release = std::memory_order_release;
     const std::uint32_t version = published_.version.load(std::memory_order_relaxed);

@@ -100,7 +100,7 @@ class TempoProcessor {
     void work();
 
   private:
-    /// What the audio thread tells the worker, whole: written between two raises of `version`.
+    /// What the audio thread tells the worker. Seqlock: the version is odd while the data is being updated.
     struct Published {
         std::atomic<std::uint32_t> version{0}, epoch{0};
         std::atomic<std::uint64_t> clock{0}, start{0}, source{0}, zero{0};

@@ -257,7 +257,7 @@ void TempoProcessor::work() {
     const FlushToZero flush;
     const Snapshot now = snapshot();
 
-    // The lane that sounds is served first; a retired one is nobody's concern any more.
+    // Refill the playing lane first; skip retired ones.
     const bool sounding =
         now.current && now.current->state.load(std::memory_order_acquire) == TempoLane::State::playing;
     if (sounding) {
