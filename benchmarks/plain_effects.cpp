@@ -213,7 +213,7 @@ PlainEffects::PlainEffects(const std::vector<std::vector<float>>& sounds, std::s
     }
     const double wet = std::pow(10.0, kMixDb / 20);
     w.wet = static_cast<float>(wet * std::sqrt((1 - power) / (4 * power)));
-    w.dry = static_cast<float>(std::sqrt(1 - wet * wet));
+    w.dry = 1;
 }
 
 PlainEffects::~PlainEffects() = default;

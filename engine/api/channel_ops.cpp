@@ -48,6 +48,7 @@ void sendMove(Engine& engine, Channel& channel, std::uint64_t frame) {
     ControlState& c = root.control;
     ++c.moves;
     c.movedTo = frame;
+    c.readTo.reset();
     if (root.sound) {
         root.sound->setHead(frame);
         if (!root.sound->sounding()) root.sound->setFocus(frame);
@@ -84,9 +85,14 @@ void sendStop(Engine& engine, Channel& channel) {
 
 std::uint64_t positionOf(Channel& channel) {
     Channel& root = channel.root();
+    if (root.control.readTo) return *root.control.readTo;
     if (root.shared.appliedMoves.load(std::memory_order_acquire) != root.control.moves)
         return root.control.movedTo;
     return root.shared.heard.load(std::memory_order_relaxed);
+}
+
+void settleRead(Engine& engine, Channel& channel) {
+    if (const auto frame = channel.root().control.readTo) sendMove(engine, channel, *frame);
 }
 
 std::shared_ptr<Channel> prepareChannel(Engine& engine, Kind kind, DWORD flags, const SoundFormat& format) {

@@ -15,6 +15,8 @@ void sendMove(Engine& engine, Channel& channel, std::uint64_t frame);
 void sendPlay(Engine& engine, Channel& channel);
 void sendStop(Engine& engine, Channel& channel);
 std::uint64_t positionOf(Channel& channel);
+/// Tells the graph how far the channel was read by hand: before anything else takes sound from it.
+void settleRead(Engine& engine, Channel& channel);
 
 /// Makes a channel of the given kind known, playing or decoding; null with the code left when it has no
 /// output to play on.

@@ -1,11 +1,8 @@
-// Looking at the sound: levels, syncs, reading by hand.
+// Looking at the sound: levels, syncs.
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 #include "engine/api/engine.h"
-#include "engine/dsp/mix.h"
-#include "engine/realtime/thread_tags.h"
 
 using namespace zv::engine;
 
@@ -58,78 +55,6 @@ bool level(Engine& engine, Channel& channel, float* levels, float seconds, DWORD
     return succeed(true);
 }
 
-/// Frames of a channel pulled on this thread, in the channel's own channels.
-class HandRead {
-  public:
-    HandRead(Engine& engine, Channel& channel) : engine_(engine), channel_(channel) {}
-
-    std::size_t read(float* out, std::size_t frames) {
-        std::size_t done = 0;
-        while (done < frames) {
-            load();
-            const std::size_t got = piece(out + done * channel_.channels, frames - done);
-            if (got == 0) break;
-            done += got;
-        }
-        return done;
-    }
-    bool ended() const { return ended_; }
-
-  private:
-    void load() {
-        // What a worker would have brought: at the present position and where the loop returns to.
-        for (const auto& [handle, other] : engine_.channels) {
-            PagedSound* sound = other->sound.get();
-            if (!sound || (!sound->sounding() && &channel_.root() != other.get() && !feedsMe(*other)))
-                continue;
-            sound->ensure(sound->focus(), PagedSound::kPage);
-            if (const PlayRange range = sound->range(); range.loop)
-                sound->ensure(range.loopStart, PagedSound::kPage);
-        }
-        if (channel_.tempo && channel_.tempo->workDue()) channel_.tempo->work();
-    }
-    bool feedsMe(const Channel& other) const {
-        const Channel* from = &channel_;
-        while (from) {
-            if (from == &other) return true;
-            from = from->source ? from->source.get() : from->hub ? from->hub->source.get() : nullptr;
-        }
-        return false;
-    }
-    std::size_t piece(float* out, std::size_t frames) {
-        Graph& graph = engine_.graph;
-        const auto want = static_cast<std::uint32_t>(std::min<std::size_t>(frames, kBlock));
-        graph.acquire();
-        std::size_t got = 0;
-        {
-            const AudioSection section;
-            // More than two channels are read as they are: the chain works in stereo.
-            const bool raw = channel_.channels > 2 && channel_.kind != Kind::Split;
-            const View view = raw ? graph.pullNative(channel_, want) : graph.pullStereo(channel_, want);
-            got = view.frames;
-            ended_ = view.frames == 0 && view.ended;
-            if (channel_.channels == 2 || raw) {
-                std::copy_n(view.data, got * channel_.channels, out);
-            } else if (channel_.channels == 1) {
-                for (std::size_t i = 0; i < got; ++i)
-                    out[i] = (view.data[i * 2] + view.data[i * 2 + 1]) * 0.5F;
-            } else {
-                for (std::size_t i = 0; i < got; ++i)
-                    for (std::size_t c = 0; c < channel_.channels; ++c)
-                        out[i * channel_.channels + c] = c < 2 ? view.data[i * 2 + c] : 0.0F;
-            }
-            graph.publishPosition(channel_);
-            if (!engine_.outputs.anyOpen()) graph.passTime(0);
-        }
-        graph.release();
-        return got;
-    }
-
-    Engine& engine_;
-    Channel& channel_;
-    bool ended_ = false;
-};
-
 }  // namespace
 
 extern "C" {
@@ -147,42 +72,6 @@ bool BASS_Mixer_ChannelGetLevelEx(DWORD handle, float* levels, float seconds, DW
     const auto channel = call.engine.find(handle);
     if (!channel || channel->control.mixer == 0) return fail(BASS_ERROR_HANDLE, false);
     return level(call.engine, *channel, levels, seconds, flags);
-}
-
-DWORD BASS_ChannelGetData(DWORD handle, void* buffer, DWORD bytes) {
-    Call call;
-    Engine& e = call.engine;
-    const auto channel = e.find(handle);
-    if (!channel) return fail(BASS_ERROR_HANDLE, ~DWORD{0});
-    if (!buffer) return fail(BASS_ERROR_ILLPARAM, ~DWORD{0});
-    if (!channel->decoding || channel->control.mixer != 0) return fail(BASS_ERROR_NOTAVAIL, ~DWORD{0});
-    try {
-        e.waitForCommands(call.lock);
-        e.settleCommands();
-        std::size_t frames = bytes / channel->frameBytes();
-        HandRead reader(e, *channel);
-        std::size_t done = 0;
-        if (channel->sampleBytes() == sizeof(float)) {
-            done = reader.read(static_cast<float*>(buffer), frames);
-        } else {
-            constexpr std::size_t piece = 4096;
-            std::vector<float> floats(piece * channel->channels);
-            auto* out = static_cast<std::int16_t*>(buffer);
-            while (done < frames) {
-                const std::size_t got = reader.read(floats.data(), std::min(piece, frames - done));
-                dsp::toInt16(out + done * channel->channels, floats.data(), got * channel->channels);
-                done += got;
-                if (got == 0) break;
-            }
-        }
-        if (done == 0 && reader.ended()) {
-            channel->control.playing = false;
-            return fail(BASS_ERROR_ENDED, ~DWORD{0});
-        }
-        return succeed(static_cast<DWORD>(done * channel->frameBytes()));
-    } catch (...) {
-        return fail(BASS_ERROR_MEM, ~DWORD{0});
-    }
 }
 
 HSYNC BASS_ChannelSetSync(DWORD handle, DWORD type, QWORD position, SYNCPROC* procedure, void* user) {

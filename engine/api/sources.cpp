@@ -124,6 +124,7 @@ HSTREAM BASS_FX_TempoCreate(DWORD source, DWORD flags) {
     if (!of) return fail<HSTREAM>(BASS_ERROR_HANDLE, 0);
     if (!of->decoding) return fail<HSTREAM>(BASS_ERROR_DECODE, 0);
     if (of->control.mixer != 0) return fail<HSTREAM>(BASS_ERROR_ALREADY, 0);
+    settleRead(e, *of);
     try {
         const auto channel = prepareChannel(e, Kind::Tempo, flags, {of->rate, of->channels, of->bits});
         if (!channel) return 0;
@@ -163,6 +164,7 @@ bool BASS_Mixer_StreamAddChannel(HSTREAM mixer, DWORD handle, DWORD) {
     if (!channel->decoding) return fail(BASS_ERROR_DECODE, false);
     if (channel->control.mixer != 0) return fail(BASS_ERROR_ALREADY, false);
     if (dependsOn(e, *channel, *into)) return fail(BASS_ERROR_ILLPARAM, false);
+    settleRead(e, *channel);
     Command command;
     command.kind = CommandKind::AddToMixer;
     command.channel = channel.get();
@@ -199,6 +201,7 @@ HSTREAM BASS_Split_StreamCreate(DWORD source, DWORD flags, const int* map) {
     if (map) return fail<HSTREAM>(BASS_ERROR_NOTAVAIL, 0);
     if (!of->decoding) return fail<HSTREAM>(BASS_ERROR_DECODE, 0);
     if (of->control.mixer != 0) return fail<HSTREAM>(BASS_ERROR_ALREADY, 0);
+    settleRead(e, *of);
     try {
         const auto channel = prepareChannel(e, Kind::Split, flags, {of->rate, of->channels, of->bits});
         if (!channel) return 0;

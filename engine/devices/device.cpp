@@ -255,14 +255,13 @@ bool Outputs::drives(const OutputSlot& slot) const {
 void InputSlot::heard(std::span<const float> stereo) {
     const AudioSection section;
     calls_.fetch_add(1, std::memory_order_seq_cst);
+    const bool anew = back_.exchange(false, std::memory_order_acq_rel);
     for (auto& place : inputs_)
-        if (RecordInput* input = place.load(std::memory_order_seq_cst)) input->bridge.write(stereo);
+        if (RecordInput* input = place.load(std::memory_order_seq_cst)) {
+            if (anew) input->bridge.restart();
+            input->bridge.write(stereo);
+        }
     calls_.fetch_add(1, std::memory_order_seq_cst);
-}
-
-void InputSlot::deviceBack() {
-    for (auto& place : inputs_)
-        if (RecordInput* input = place.load(std::memory_order_acquire)) input->bridge.restart();
 }
 
 bool InputSlot::add(const std::shared_ptr<RecordInput>& input) {

@@ -109,7 +109,8 @@ class InputSlot final : public SoundClient {
     void render(std::span<float>) override {}
     void heard(std::span<const float> stereo) override;  // [audio] of the input
     void deviceLost() override {}
-    void deviceBack() override;
+    /// The recordings begin anew with what is heard next. Only notes it: they belong to others. [any]
+    void deviceBack() override { back_.store(true, std::memory_order_release); }
 
     bool add(const std::shared_ptr<RecordInput>& input);  // [control]
     void remove(const RecordInput* input);
@@ -121,6 +122,7 @@ class InputSlot final : public SoundClient {
     std::array<std::atomic<RecordInput*>, kMostRecordings> inputs_{};
     std::array<std::shared_ptr<RecordInput>, kMostRecordings> held_;
     std::atomic<std::uint64_t> calls_{0};  ///< odd while a callback is under way
+    std::atomic<bool> back_{false};        ///< the device came back since the last callback
 };
 
 /// Devices by number: a device keeps its number as long as it is known, also when another one goes.

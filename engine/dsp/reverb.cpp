@@ -106,7 +106,7 @@ void Reverb::set(const ReverbSettings& wish) {
     const double norm = std::min<double>(kMostNormalisation, std::sqrt((1 - power) / (4 * power + 1e-30)));
     goal.wet = static_cast<float>(wet * norm);
     const double in = std::pow(10.0, settings_.inGainDb / 20);
-    goal.dry = static_cast<float>(in * std::sqrt(std::max(0.0, 1 - wet * wet)));
+    goal.dry = static_cast<float>(in);
     goal.send = static_cast<float>(in);
     if (!running_) {
         clear();

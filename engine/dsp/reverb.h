@@ -11,7 +11,7 @@ namespace zv::engine::dsp {
 
 struct ReverbSettings {
     double inGainDb = 0;       ///< -96..0, of dry and wet
-    double mixDb = -96;        ///< -96..0: wet = 10^(mix/20), dry = sqrt(1 - wet^2); -96: bit-exact bypass
+    double mixDb = -96;        ///< -96..0: wet = 10^(mix/20), added to the dry sound; -96: bit-exact bypass
     double timeMs = 1000;      ///< T60, 1..20000
     double highRatio = 0.001;  ///< T60 of the highest frequencies / T60, 0.001..0.999
 };
@@ -22,7 +22,7 @@ struct ReverbGains {
     std::array<float, kLines> line{};  ///< of the feedback: 60 dB in T60
     std::array<float, kLines> damp{};  ///< weight of the former frame in a line's damping
     float send = 0;                    ///< into the lines
-    float dry = 1, wet = 0;            ///< `dry` with the input gain, `wet` normalised over T60
+    float dry = 1, wet = 0;  ///< `dry`: the input gain, whatever T60 and mix; `wet` normalised over T60
 };
 
 class Reverb {

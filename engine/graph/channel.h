@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "engine/bass.h"
@@ -51,10 +52,11 @@ struct ChannelKeeper : Garbage {
 /// Caller's side, guarded by the engine's lock.
 struct ControlState {
     bool playing = false, paused = false;
-    std::uint32_t generation = 0;  ///< raised by every start
-    std::uint32_t moves = 0;       ///< raised by every set position
-    std::uint64_t movedTo = 0;     ///< frame
-    float volume = 1, voldsp = 1;  ///< last commanded
+    std::uint32_t generation = 0;         ///< raised by every start
+    std::uint32_t moves = 0;              ///< raised by every set position
+    std::uint64_t movedTo = 0;            ///< frame
+    std::optional<std::uint64_t> readTo;  ///< where a read by hand has come to, unknown to the graph
+    float volume = 1, voldsp = 1;         ///< last commanded
     std::uint32_t volumeCommands = 0, voldspCommands = 0;
     bool volumeSlides = false, voldspSlides = false;  ///< the last command takes time
     float buffer = 0.5F, tail = 0;

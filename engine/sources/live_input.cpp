@@ -10,6 +10,7 @@ namespace zv::engine {
 namespace {
 
 constexpr double kTankSeconds = 4;
+constexpr std::size_t kTankSamples = 2U << 20;  ///< at most: 8 MB, whatever a stream says of itself
 constexpr double kRefillSeconds = 0.4;  ///< after running dry the stream waits for so much before it goes on
 constexpr std::size_t kPieceFrames = 2048;
 constexpr auto kFullWait = std::chrono::milliseconds(20);
@@ -21,7 +22,7 @@ struct UrlInput::Tank {
     Tank(std::unique_ptr<Decoder> source, SoundFormat f)
         : decoder(std::move(source)),
           format(f),
-          ring(static_cast<std::size_t>(kTankSeconds * f.rate) * f.channels),
+          ring(std::min(static_cast<std::size_t>(kTankSeconds * f.rate) * f.channels, kTankSamples)),
           piece(kPieceFrames * f.channels) {}
 
     /// Reads one piece; false when none was there, or no room for it.
@@ -53,11 +54,15 @@ UrlInput::UrlInput(std::unique_ptr<Decoder> decoder, bool offline) {
     // A read may hang in the network as long as the time-out. No one joins this thread; it shares the tank.
     std::thread([tank = tank_] {
         const ThreadSection worker(ThreadKind::Worker);
-        while (!tank->closed.load(std::memory_order_acquire) &&
-               !tank->ended.load(std::memory_order_acquire)) {
-            if (tank->fill()) continue;
-            const bool full = tank->ring.free() < tank->piece.size();
-            std::this_thread::sleep_for(full ? kFullWait : kDryWait);
+        try {
+            while (!tank->closed.load(std::memory_order_acquire) &&
+                   !tank->ended.load(std::memory_order_acquire)) {
+                if (tank->fill()) continue;
+                const bool full = tank->ring.free() < tank->piece.size();
+                std::this_thread::sleep_for(full ? kFullWait : kDryWait);
+            }
+        } catch (...) {
+            tank->ended.store(true, std::memory_order_release);
         }
     }).detach();
 }
@@ -78,7 +83,9 @@ std::size_t UrlInput::read(std::span<float> out) {
     const std::size_t channels = tank_->format.channels;
     const bool over = tank_->ended.load(std::memory_order_acquire);
     if (!flowing_) {
-        const auto enough = static_cast<std::size_t>(kRefillSeconds * tank_->format.rate) * channels;
+        // A stream with more samples a second than the store was made for goes on with half a store.
+        const auto enough = std::min(static_cast<std::size_t>(kRefillSeconds * tank_->format.rate) * channels,
+                                     ring.capacity() / 2);
         if (ring.filled() < enough && !over) return 0;
         flowing_ = true;
     }

@@ -1,8 +1,12 @@
 // Handles, errors, arguments without sense, states, devices, levels, recordings, web streams.
+#include <atomic>
+#include <future>
 #include <limits>
 #include <random>
 #include <set>
+#include <thread>
 
+#include "engine/api/engine.h"
 #include "tests/engine/show.h"
 
 namespace zv::engine::test {
@@ -443,6 +447,55 @@ TEST_F(Contract, NothingThatIsAskedHurts) {
     EXPECT_EQ(BASS_StreamCreateURL(nullptr, 0, 0, nullptr, nullptr), 0U);
     EXPECT_EQ(BASS_RecordStart(0, 0, 0, nullptr, nullptr), 0U);
     EXPECT_EQ(BASS_Mixer_StreamCreate(0, 0, 0), 0U);
+}
+
+TEST_F(Contract, AFileThatPlaysNowhereIsReadWithoutTheGraphAndWithoutTheLock) {
+    const Topology studio;
+    std::atomic<bool> hangs{false}, inside{false};
+    decoders->sounds["slow disk"] = {.length = 1'000'000, .sample = [&](std::uint64_t f, std::uint32_t c) {
+                                         inside = hangs.load();
+                                         while (hangs) std::this_thread::yield();
+                                         return ramp(f, c);
+                                     }};
+    const DWORD lone = file("slow disk", BASS_STREAM_DECODE | BASS_SAMPLE_FLOAT),
+                jingle = studio.jingle(file("one"));
+    BASS_ChannelSetPosition(lone, 500'000 * 8, BASS_POS_BYTE);
+    std::vector<float> data(2 * 10'000);
+    Engine::instance().graph.acquire();  // a callback is under way and does not end
+    hangs = true;
+    auto reading = std::async(std::launch::async, [&] {
+        return BASS_ChannelGetData(lone, data.data(), static_cast<DWORD>(data.size() * sizeof(float)));
+    });
+    const auto soon = [] { return std::chrono::steady_clock::now() + std::chrono::seconds(2); };
+    for (const auto until = soon(); !inside && std::chrono::steady_clock::now() < until;)
+        std::this_thread::yield();
+    auto stopping = std::async(std::launch::async, [&] { return BASS_ChannelStop(jingle); });
+    EXPECT_EQ(stopping.wait_until(soon()), std::future_status::ready) << "STOP waits for the disk";
+    hangs = false;
+    EXPECT_EQ(reading.wait_until(soon()), std::future_status::ready) << "the read waits for the graph";
+    Engine::instance().graph.release();
+    EXPECT_EQ(reading.get(), data.size() * sizeof(float));
+    for (std::uint64_t f = 0; f < 10'000; ++f) ASSERT_EQ(data[f * 2 + 1], ramp(500'000 + f, 1)) << f;
+    // It goes on from there, here and in a mixer.
+    EXPECT_EQ(BASS_ChannelGetPosition(lone, BASS_POS_BYTE), 510'000U * 8);
+    EXPECT_TRUE(BASS_Mixer_StreamAddChannel(studio.mainMixer, lone, 0));
+    take();
+    EXPECT_EQ(pullAndTake(441)[0], ramp(510'000, 0));
+}
+
+TEST_F(Contract, AStreamTakesLittleMemoryWhateverItSaysOfItself) {
+    decoders->sounds["wide"] = {.format = {768'000, 32, 24},
+                                .length = 8'000'000,
+                                .sample = [](auto, auto) { return 0.25F; },
+                                .endless = true};
+    const Topology studio;
+    const DWORD live = BASS_StreamCreateURL("wide", 0, BASS_STREAM_DECODE, nullptr, nullptr);
+    ASSERT_NE(live, 0U);
+    EXPECT_TRUE(BASS_Mixer_StreamAddChannel(studio.mainMixer, live, 0));
+    take();
+    EXPECT_GT(pullAndTake(4410).back(), 0.2F) << "it goes on with a store that is short for it";
+    const auto& url = static_cast<const UrlInput&>(*Engine::instance().find(live)->live);
+    EXPECT_LE(url.filled() * 32 * sizeof(float), 16U << 20);
 }
 
 }  // namespace

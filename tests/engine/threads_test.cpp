@@ -21,6 +21,14 @@ class ThreadedDevices final : public DeviceSource {
         Line(SoundClient& client, std::uint32_t rate, bool input)
             : client_(client), rate_(rate), input_(input) {
             thread_ = std::jthread([this](const std::stop_token& stop) { run(stop); });
+            if (!input) return;
+            // It is told of losses by a thread of its own.
+            unrest_ = std::jthread([this](const std::stop_token& stop) {
+                for (; !stop.stop_requested(); std::this_thread::yield()) {
+                    client_.deviceLost();
+                    client_.deviceBack();
+                }
+            });
         }
         std::uint32_t rate() const override { return rate_; }
         std::uint32_t period() const override { return 256; }
@@ -36,7 +44,7 @@ class ThreadedDevices final : public DeviceSource {
         SoundClient& client_;
         std::uint32_t rate_;
         bool input_;
-        std::jthread thread_;
+        std::jthread thread_, unrest_;
     };
     std::vector<DeviceDescription> outputs() override {
         return {{"one", "one", true, 44100}, {"two", "two", false, 48000}};
@@ -87,7 +95,7 @@ TEST_F(Threads, TenThousandRandomOperations) {
         Slot& s = slots[random() % slots.size()];
         const auto ms = static_cast<DWORD>(random() % 30);
         const QWORD somewhere = random() % 441000 * 4;
-        switch (s.play == 0 ? 0 : random() % 20) {
+        switch (s.play == 0 ? 0 : random() % 21) {
             case 0:
                 BASS_StreamFree(s.play);
                 s.source = file(std::array{"long", "ramp", "sine"}[random() % 3]);
@@ -153,6 +161,9 @@ TEST_F(Threads, TenThousandRandomOperations) {
                 BASS_ChannelSlideAttribute(s.play, BASS_ATTRIB_TEMPO_PITCH, static_cast<float>(ms) / 10, ms);
                 break;
             case 19:
+                if (DWORD record = BASS_RecordStart(44100, 2, 0, nullptr, nullptr)) BASS_StreamFree(record);
+                break;
+            case 20:
                 if (random() % 20 == 0) studio.openOutput(1, kAux, 44100);
                 break;
         }
