@@ -4,6 +4,7 @@
 #include <string>
 
 #include "audio/streams.h"
+#include "model/held_palette.h"
 #include "model/jingle.h"
 #include "model/state.h"
 #include "model/upcalls.h"
@@ -16,10 +17,9 @@ namespace zv {
 
 void OpenFile(const std::string& name) {
     // Events run between the slots: one of them may open another palette, and the last one opened counts.
-    static int newest = 0;
-    const int mine = ++newest;
+    const int mine = BeginPaletteLoad();
     const auto eachSlot = [&](const std::function<void(int)>& step) {
-        for (int i = 0; i < kPaletteSlots && mine == newest; ++i) {
+        for (int i = 0; i < kPaletteSlots && IsNewestLoad(mine); ++i) {
             if (JExists[static_cast<std::size_t>(i)] != 1) continue;
             step(i);
             callUp(modelUpcalls.pumpEvents);
@@ -32,7 +32,9 @@ void OpenFile(const std::string& name) {
         callUp(modelUpcalls.showPaletteName, name);
         eachSlot([&](int i) { openNames(i, name, false); });
         eachSlot([&](int i) { openStreams(i); });
-        if (mine == newest) callUp(modelUpcalls.endLoad);
+        if (!IsNewestLoad(mine)) return;
+        EndPaletteLoad(mine, name);
+        callUp(modelUpcalls.endLoad);
     });
 }
 

@@ -5,6 +5,7 @@
 
 #include "audio/streams.h"
 #include "engine/bass.h"
+#include "model/held_palette.h"
 #include "model/jingle.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
@@ -57,7 +58,7 @@ void PlayEnded(int index) {
     if (!j.PlayingOtherPal) return;
     j.PlayingOtherPal = false;
     const bool hot = index >= kPaletteSlots;
-    openNames(index, hot ? kHotSection : settings.PaletteIndex, hot);
+    openNames(index, hot ? kHotSection : HeldPalette(), hot);
     openStreams(index);
 }
 

@@ -10,7 +10,7 @@
 #include "engine/bass.h"
 #include "model/colours.h"
 #include "model/jingle.h"
-#include "model/palette_files.h"
+#include "model/palette_lines.h"
 #include "model/slot_keys.h"
 #include "model/state.h"
 #include "platform/paths.h"

@@ -13,6 +13,7 @@
 #include "audio/streams.h"
 #include "benchmarks/measure.h"
 #include "benchmarks/program.h"
+#include "model/jingle.h"
 #include "model/palette_files.h"
 #include "model/upcalls.h"
 #include "platform/desktop.h"

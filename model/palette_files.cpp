@@ -1,14 +1,18 @@
 #include "model/palette_files.h"
 
-#include <cmath>
-#include <filesystem>
-#include <utility>
+#include <algorithm>
+#include <iterator>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
 
-#include "engine/bass.h"
+#include "model/held_palette.h"
+#include "model/history.h"
+#include "model/palette_lines.h"
 #include "model/pending_removals.h"
 #include "model/state.h"
 #include "model/upcalls.h"
-#include "platform/paths.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
@@ -23,101 +27,11 @@ ModelUpcalls modelUpcalls;
 
 namespace {
 
-/// The text of the wholly rounded loop end; "0" when it is the end of the sound, which needs no key.
-std::string loopOutText(const JingleRecord& jingle) {
-    if (jingle.hSrc != 0 &&
-        jingle.LoopOut == static_cast<double>(BASS_ChannelGetLength(jingle.hSrc, BASS_POS_BYTE)))
-        return "0";
-    return NumberText(std::nearbyint(jingle.LoopOut));
-}
-
-bool holds(const std::string& text, const std::string& part) {
-    return !part.empty() && text.find(part) != std::string::npos;
-}
-
-/// A path of a file that an import would copy: absolute, or in the sample folder.
-bool wantsImport(const std::string& path) {
-    return isAbsolutePath(path) || holds(path, "\\\\") || holds(path, ":\\") ||
-           holds(path, settings.SampleDir);
-}
-
-/// Names of files that this save could not import.
-std::vector<std::string> lockedFiles;
-
-/// Copies the file into the sample folder; the path of the copy, or `path` when it could not be made.
-std::string importFile(const std::string& path) {
-    std::string folder = RPP(settings.SampleDir);
-    if (!settings.ImportFolderName.empty()) folder = RPP(folder + settings.ImportFolderName);
-    const std::string name = GetFileName(path);
-    const std::string target = folder + name;
-    const auto from = nativePath(path);
-    const auto to = nativePath(target);
-    std::error_code error;
-    if (std::filesystem::equivalent(from, to, error)) return target;
-    error.clear();
-    bool copied = MkDirs(folder);
-    if (copied) {
-        // Through a file of its own name, so that a failed copy never leaves half a sound in the target's
-        // place.
-        auto part = to;
-        part += ".part";
-        copied = std::filesystem::copy_file(from, part, std::filesystem::copy_options::overwrite_existing,
-                                            error) &&
-                 !error;
-        if (copied) std::filesystem::rename(part, to, error);
-        copied = copied && !error;
-        if (!copied) {
-            std::error_code ignored;
-            std::filesystem::remove(part, ignored);
-        }
-    }
-    if (!copied) {
-        lockedFiles.push_back(name);
-        return path;
-    }
-    return target;
-}
-
-/// What a section holds for one slot, as it stands there.
-std::vector<cImpulse::Line> storedLines(const std::vector<cImpulse::Line>& section, int suffix) {
-    const std::string ending = "_" + std::to_string(suffix);
-    std::vector<cImpulse::Line> lines;
-    for (const cImpulse::Line& line : section)
-        if (line.first.ends_with(ending)) lines.push_back(line);
-    return lines;
-}
-
-/// Lines of slots `first` to `last` with their numbers less `first`. `stored` is what the file holds for
-/// them.
-std::vector<cImpulse::Line> linesOf(int first, int last, const std::vector<cImpulse::Line>& stored) {
-    std::vector<cImpulse::Line> lines;
-    for (int i = first; i <= last; ++i) {
-        JingleRecord& jingle = Jingle(i);
-        const int suffix = i - first;
-        std::vector<cImpulse::Line> own;
-        if (jingle.PlayingOtherPal) {
-            // The record is still that of an earlier palette; this one's slot waits in the file.
-            own = storedLines(stored, suffix);
-        } else if (jingle.Kind == SlotKind::playlist) {
-            own.emplace_back("Playlist_" + std::to_string(suffix), jingle.Playlist);
-            own.emplace_back("BTNCol_" + std::to_string(suffix),
-                             jingle.BTNCol == kFaceColourText ? std::string() : jingle.BTNCol);
-        } else if (!jingle.Path.empty()) {
-            // An imported file is the slot's file from now on, also when the section cannot be written.
-            jingle.Path = StoredPath(jingle.Path);
-            own = JingleLines(jingle, suffix, jingle.Path);
-        }
-        lines.insert(lines.end(), own.begin(), own.end());
-    }
-    return lines;
-}
-
 /// What is to be said once a save is over: nothing hides it any more.
 void sayLockedFiles() {
-    if (lockedFiles.empty()) return;
     std::string names;
-    for (const std::string& name : lockedFiles) names += " " + name;
-    lockedFiles.clear();
+    for (const std::string& name : TakeLockedFiles()) names += " " + name;
+    if (names.empty()) return;
     ErrDisp("no", 0, Ln("mMslockedFile1") + names + ". " + Ln("mMslockedFile2"));
 }
 
@@ -126,78 +40,121 @@ bool sayWhetherWritten(bool written, const std::string& file) {
     return written;
 }
 
-}  // namespace
-
-std::string NeutralFXV(int freq) { return "0,0,0,0,0,0,0,0,0," + std::to_string(freq) + ",0"; }
-
-std::string StoredPath(const std::string& path) {
-    std::string stored = GetRelPath(path);
-    if (settings.ImportFiles == 1 && wantsImport(stored) && FileExists(GetFullPath(stored)))
-        stored = importFile(stored);
-    return GetRelPath(stored);
+std::vector<cImpulse::Line> storedSection(cImpulse& store, const std::string& file, const char* section) {
+    store.SetIniPath(file);
+    return store.GetSectionLines(section);
 }
 
-std::vector<cImpulse::Line> JingleLines(const JingleRecord& jingle, int suffix, const std::string& path) {
-    std::vector<cImpulse::Line> lines;
-    const std::string number = std::to_string(suffix);
-    const auto put = [&](const char* stem, const std::string& value) {
-        lines.emplace_back(stem + number, value);
-    };
-    const auto putUnless = [&](const char* stem, const std::string& value, const char* standard) {
-        if (value != standard) put(stem, value);
-    };
-    const bool kept = jingle.KeepsStored;
-    const int loop = kept ? jingle.StoredLoop : jingle.Loop;
-    const int seq = kept ? jingle.StoredSeq : jingle.Seq;
-    put("Path_", path);
-    putUnless("Volm_", std::to_string(kept ? jingle.StoredVolm : jingle.Volm), "100");
-    putUnless("AutoDuck_", std::to_string(jingle.AutoDuck), "0");
-    // These two go from the section also where it is written over.
-    put("NoAutomix_", jingle.NoAutomix == 1 ? "1" : "");
-    put("NoTrigDuck_", jingle.NoTrigDuck == 1 ? "1" : "");
-    if (loop != 0) put("Loop_", "1");
-    if (seq != 0) put("Seq_", "1");
-    putUnless("LoopIn_", NumberText(jingle.LoopIn), "0");
-    putUnless("LoopOut_", loopOutText(jingle), "0");
-    putUnless("FadeOut_", std::to_string(jingle.FadeOut), "0");
-    if (jingle.LogFadeOut != 0) put("LogFadeOut_", "1");
-    if (jingle.LoopFadeOut != 0) put("LoopFadeOut_", "1");
-    putUnless("BTNCol_", jingle.BTNCol, kFaceColourText);
-    putUnless("PlayMod_", std::to_string(static_cast<int>(jingle.PlayMod)), "0");
-    putUnless("CueStart_", NumberText(jingle.CueStart), "0");
-    putUnless("StopPos_", NumberText(jingle.StopPos), "0");
-    if (jingle.FXV != NeutralFXV(jingle.Freq)) put("FXV_", jingle.FXV);
+std::vector<cImpulse::Line> paletteLines(Purpose purpose) {
+    auto lines =
+        SlotLines(0, kPaletteSlots - 1, storedSection(PaletteStore, PalFile, HeldPalette().c_str()), purpose);
+    if (lines.empty()) lines.emplace_back(kEmptyPaletteKey, "Yes");
     return lines;
 }
+
+std::vector<cImpulse::Line> hotLines(Purpose purpose) {
+    return SlotLines(kPaletteSlots, kJingles - 1, storedSection(HotStore, HotFile, kHotSection), purpose);
+}
+
+/// The sound files that `lines` name.
+std::multiset<std::string> filesOf(const std::vector<cImpulse::Line>& lines) {
+    std::multiset<std::string> files;
+    for (const auto& [key, value] : lines)
+        if (key.starts_with("Path_")) files.insert(LowerCase(value));
+    return files;
+}
+
+/// Files of `from` that `to` has less often.
+std::multiset<std::string> without(const std::multiset<std::string>& from,
+                                   const std::multiset<std::string>& to) {
+    std::multiset<std::string> rest;
+    std::set_difference(from.begin(), from.end(), to.begin(), to.end(), std::inserter(rest, rest.end()));
+    return rest;
+}
+
+bool share(const std::multiset<std::string>& a, const std::multiset<std::string>& b) {
+    return std::any_of(a.begin(), a.end(), [&](const std::string& file) { return b.contains(file); });
+}
+
+/// A jingle that goes from the palette to the hot jingles must stand there before it leaves its section.
+bool hotJinglesFirst(const std::vector<cImpulse::Line>& palette, const std::vector<cImpulse::Line>& hot) {
+    const auto paletteBefore = filesOf(storedSection(PaletteStore, PalFile, HeldPalette().c_str()));
+    const auto hotBefore = filesOf(storedSection(HotStore, HotFile, kHotSection));
+    return share(without(paletteBefore, filesOf(palette)), without(filesOf(hot), hotBefore));
+}
+
+/// Jingles of this palette that were cut while another one was open stand elsewhere now.
+void emptyMovedSlots(const std::string& name) {
+    for (const Removal& removal : std::vector<Removal>(PendingRemovals())) {
+        if (!SameText(removal.section, name) || removal.slot < 0 || removal.slot >= kPaletteSlots) continue;
+        const JingleRecord& jingle = Jingle(removal.slot);
+        if (!jingle.Playing && SameText(GetRelPath(jingle.Path), GetRelPath(removal.path)))
+            callUp(modelUpcalls.slotMoved, removal.slot);
+    }
+}
+
+bool workOffRemovals() {
+    bool removed = true;
+    for (const Removal& removal : std::vector<Removal>(PendingRemovals())) {
+        if (SameText(removal.section, HeldPalette()) || RemJing(removal.section, removal.slot, removal.path))
+            DropRemoval(removal.section, removal.slot);
+        else
+            removed = false;
+    }
+    return removed;
+}
+
+/// A copy of what the section holds, when the save takes files out of it or puts another palette in its place.
+void keepFormerSection(const std::string& name, const std::vector<cImpulse::Line>& lines) {
+    const auto former = storedSection(PaletteStore, PalFile, name.c_str());
+    const bool another = !SameText(name, HeldPalette());
+    if (another ? !former.empty() : !without(filesOf(former), filesOf(lines)).empty())
+        KeepSection(another ? HistoryReason::replaced : HistoryReason::saved, name, former);
+}
+
+bool writeHotJingles(const std::vector<cImpulse::Line>& lines) {
+    const auto former = storedSection(HotStore, HotFile, kHotSection);
+    if (!without(filesOf(former), filesOf(lines)).empty())
+        KeepSection(HistoryReason::saved, kHotSection, former);
+    return sayWhetherWritten(HotStore.PutSection(kHotSection, lines, true), HotFile);
+}
+
+bool writePalette(const std::string& name, const std::vector<cImpulse::Line>& lines) {
+    // Only the open palette can be renamed. Its old section goes in the same rewrite.
+    const std::string old = SaveMode == "rename" ? HeldPalette() : std::string();
+    keepFormerSection(name, lines);
+    // The section is replaced where its old one has to go; otherwise the keys are written over what is there.
+    const bool replace = SaveMode == "save" || SameText(old, name);
+    const bool written = old.empty() ? PaletteStore.PutSection(name, lines, replace)
+                                     : PaletteStore.MoveSection(old, name, lines, replace);
+    return sayWhetherWritten(written, PalFile);
+}
+
+}  // namespace
 
 bool CloseFile(const std::string& name) {
     bool written = false;
     guarded("modMain.CloseFile", [&] {
-        if (name.empty()) return;
-        const bool rename = SaveMode == "rename" && modelUpcalls.selectedPalette;
-        const std::string old = rename ? modelUpcalls.selectedPalette() : std::string();
+        if (name.empty() || PaletteLoading()) return;
+        // A save of the palette that is being left does not turn the choice of the next one back.
+        const bool chosenAhead =
+            !settings.PaletteIndex.empty() && !SameText(settings.PaletteIndex, HeldPalette());
+        const std::string shown = chosenAhead ? settings.PaletteIndex : name;
         ErrDisp("save");
-        PaletteStore.SetIniPath(PalFile);
-        auto lines = linesOf(0, kPaletteSlots - 1, PaletteStore.GetSectionLines(settings.PaletteIndex));
-        if (lines.empty()) lines.emplace_back(kEmptyPaletteKey, "Yes");
-
-        // The section is replaced where its old one has to go; otherwise the keys are written over what is
-        // there.
-        const bool replace = SaveMode == "save" || SameText(old, name);
-        written = sayWhetherWritten(PaletteStore.PutSection(name, lines, replace), PalFile);
-        if (!written) return;
-        // Only now that the palette stands under its new name may the old one go.
-        if (!old.empty() && !SameText(old, name)) PaletteStore.DeleteSection(old);
-
-        bool removed = true;
-        for (const Removal& removal : PendingRemovals())
-            removed = RemJing(removal.section, removal.slot) && removed;
+        emptyMovedSlots(name);
+        const auto lines = paletteLines(Purpose::save);
+        const auto hot = hotLines(Purpose::save);
+        const bool hotFirst = hotJinglesFirst(lines, hot);
+        if (hotFirst && !writeHotJingles(hot)) return;
+        if (!writePalette(name, lines)) return;
+        HoldPalette(name);
         guarded("modMain.CloseFile", [&] {
-            callUp(modelUpcalls.paletteListChanged, name);
-            callUp(modelUpcalls.showPaletteName, name);
+            callUp(modelUpcalls.paletteListChanged, shown);
+            callUp(modelUpcalls.showPaletteName, shown);
         });
-        written = CloseFileHotJingles() && removed;
-        if (removed) ForgetRemovals();
+        written = hotFirst || writeHotJingles(hot);
+        // What was cut elsewhere leaves its palette once its new place is on disk.
+        written = written && workOffRemovals();
         if (written) ErrDisp("hide");
         SaveMode.clear();
     });
@@ -209,16 +166,30 @@ bool CloseFileHotJingles() {
     bool written = false;
     guarded("modMain.CloseFileHotJingles", [&] {
         ErrDisp("save");
-        HotStore.SetIniPath(HotFile);
-        const auto lines = linesOf(kPaletteSlots, kJingles - 1, HotStore.GetSectionLines(kHotSection));
-        written = sayWhetherWritten(HotStore.PutSection(kHotSection, lines, true), HotFile);
+        written = writeHotJingles(hotLines(Purpose::save));
     });
     return written;
 }
 
+void KeepUnsavedPalette() {
+    guarded("modMain.KeepUnsavedPalette", [] {
+        const auto stored = storedSection(PaletteStore, PalFile, HeldPalette().c_str());
+        auto lines = paletteLines(Purpose::look);
+        std::erase_if(lines, [](const cImpulse::Line& line) { return line.second.empty(); });
+        if (lines != stored) KeepSection(HistoryReason::unsaved, HeldPalette(), lines);
+    });
+}
+
+void DeletePalette(const std::string& name) {
+    guarded("modMain.DeletePalette", [&] {
+        KeepSection(HistoryReason::deleted, name, storedSection(PaletteStore, PalFile, name.c_str()));
+        PaletteStore.DeleteSection(name);
+    });
+}
+
 bool PalFileTest() {
-    std::string text;
-    return readFile(nativePath(PalFile), text) && text.find('[') != std::string::npos;
+    PaletteStore.SetIniPath(PalFile);
+    return PaletteStore.Bytes().find('[') != std::string_view::npos;
 }
 
 }  // namespace zv

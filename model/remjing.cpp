@@ -5,9 +5,12 @@
 #include <utility>
 #include <vector>
 
+#include "model/history.h"
 #include "model/palette_files.h"
+#include "model/palette_lines.h"
 #include "model/slot_keys.h"
 #include "startup/guard.h"
+#include "startup/helpers.h"
 #include "startup/stores.h"
 
 namespace zv {
@@ -29,16 +32,20 @@ void readTemp(JingleRecord& jingle, int slot, const std::string& section) {
 
 }  // namespace
 
-bool RemJing(const std::string& section, int slot) {
+bool RemJing(const std::string& section, int slot, const std::string& path) {
     bool written = true;
     guarded("modMain.RemJing", [&] {
         if (section.empty() || slot < 0) return;
         written = false;
         PaletteStore.SetIniPath(PalFile);
-        if (PaletteStore.GetSectionLines(section).empty()) {
+        const auto former = PaletteStore.GetSectionLines(section);
+        const std::string there = SlotKeys(PaletteStore, section, slot).text("Path_");
+        const bool another = !path.empty() && !SameText(GetRelPath(there), GetRelPath(path));
+        if (former.empty() || another) {
             written = true;
             return;
         }
+        KeepSection(HistoryReason::moved, section, former);
         std::vector<cImpulse::Line> lines;
         for (int i = 0; i <= LastPalIdx && i < kPaletteSlots; ++i) {
             JingleRecord& jingle = JTemp[static_cast<std::size_t>(i)];

@@ -12,9 +12,10 @@ struct ModelUpcalls {
     std::function<void()> endLoad;    ///< the wait mark goes if it still shows
     std::function<void(const std::string& name)> showPaletteName;  ///< txtDisPal
     std::function<void(const std::string& name)>
-        paletteListChanged;                        ///< refresh lstPal, select and centre `name`
-    std::function<std::string()> selectedPalette;  ///< text of lstPal, empty without a selection
-    std::function<void()> removalsChanged;         ///< the window's hidden lists follow
+        paletteListChanged;                   ///< refresh lstPal, select and centre `name`
+    std::function<void()> paletteLeaves;      ///< the records are about to become another palette's
+    std::function<void(int slot)> slotMoved;  ///< its jingle stands elsewhere now: the button is emptied
+    std::function<void()> removalsChanged;    ///< the window's hidden lists follow
     std::function<void()> pumpEvents;
 };
 

@@ -30,7 +30,10 @@ bool cImpulse::Failed() const { return Failed_; }
 int cImpulse::SectionCount() const { return static_cast<int>(SectionNames_.size()); }
 
 StoredIni& cImpulse::file() {
-    if (!file_) file_ = StoredIni::at(IniPath_);
+    if (!file_) {
+        file_ = StoredIni::at(IniPath_);
+        if (keepWhenAway_) file_->keepWhenAway();
+    }
     return *file_;
 }
 
@@ -93,6 +96,39 @@ bool cImpulse::PutSection(std::string_view section, const std::vector<Line>& lin
         return replace ? text.replaceSection(name, lines) : text.mergeSection(name, lines);
     });
 }
+
+bool cImpulse::MoveSection(std::string_view from, std::string_view to, const std::vector<Line>& lines,
+                           bool replace) {
+    if (IniPath_.empty()) return false;
+    return file().update([&](IniText& text) {
+        // A name that differs in case only is the same section to the store.
+        const bool erased = SameText(from, to) && text.eraseSection(from);
+        const bool put = replace ? text.replaceSection(to, lines) : text.mergeSection(to, lines);
+        return (!SameText(from, to) && text.eraseSection(from)) || put || erased;
+    });
+}
+
+bool cImpulse::ReplaceValues(std::string_view stem, const std::function<bool(const std::string&)>& meant,
+                             std::string_view to) {
+    if (IniPath_.empty()) return false;
+    return file().update([&](IniText& text) {
+        bool changed = false;
+        for (const std::string& section : text.sectionNames())
+            for (const Line& line : text.lines(section))
+                if (line.first.starts_with(stem) && meant(line.second))
+                    changed = text.put(section, line.first, to) || changed;
+        return changed;
+    });
+}
+
+std::string_view cImpulse::Bytes() { return IniPath_.empty() ? std::string_view() : file().text().bytes(); }
+
+void cImpulse::KeepWhenAway() {
+    keepWhenAway_ = true;
+    if (file_) file_->keepWhenAway();
+}
+
+bool cImpulse::Away() const { return file_ && file_->away(); }
 
 std::vector<cImpulse::Line> cImpulse::GetSectionLines(std::string_view section) {
     if (IniPath_.empty()) return {};

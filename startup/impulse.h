@@ -4,6 +4,7 @@
 /// characters, the list of sections cut to 32,767 characters.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -52,8 +53,23 @@ class cImpulse {
     /// Otherwise they are written over what is there, each as PutValue does it. False when the file could not
     /// be written; it is then as it was. [control]
     bool PutSection(std::string_view section, const std::vector<Line>& lines, bool replace = true);
+    /// PutSection under the name `to`, while the section `from` goes, in the same rewrite. [control]
+    bool MoveSection(std::string_view from, std::string_view to, const std::vector<Line>& lines,
+                     bool replace);
     /// All key=value lines of a section in file order, values as GetValue gives them. [control]
     std::vector<Line> GetSectionLines(std::string_view section);
+    /// In all sections: each value of a key that begins with `stem`, and for which `meant` says so, becomes `to`;
+    /// one rewrite. False when the file could not be written. [control]
+    bool ReplaceValues(std::string_view stem, const std::function<bool(const std::string&)>& meant,
+                       std::string_view to);
+    /// The whole file as it is in memory; good until the next call. [control]
+    std::string_view Bytes();
+
+    /// From now on a file that was read in this run and is gone, empty or unreadable later counts as away: it
+    /// reads as it was last, and a write brings all of it back where it is not there.
+    void KeepWhenAway();
+    /// The file was away at the last call.
+    bool Away() const;
 
   private:
     StoredIni& file();
@@ -62,6 +78,7 @@ class cImpulse {
     std::string IniPath_;
     std::string Section_;
     bool Failed_ = false;
+    bool keepWhenAway_ = false;
     int HiddenSections_ = 0;
     std::shared_ptr<StoredIni> file_;
     std::vector<std::string> SectionNames_;

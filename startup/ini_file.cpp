@@ -49,7 +49,11 @@ void StoredIni::refresh() {
     std::string bytes;
     usable_ = !now.exists || (now.size <= kLargestFile && readFile(path_, bytes));
     settled_ = !now.exists || std::llabs(nowNs() - now.modified) > kTickNs;
-    if (!loaded_ || bytes != text_.bytes()) text_.assign(std::move(bytes));
+    away_ = keepWhenAway_ && had_ && bytes.empty();
+    if (!away_) {
+        had_ = !bytes.empty();
+        if (!loaded_ || bytes != text_.bytes()) text_.assign(std::move(bytes));
+    }
     known_ = now;
     loaded_ = true;
 }
@@ -67,6 +71,8 @@ bool StoredIni::write() {
     // Our own writes bear a time of the fine clock, which no later change can repeat.
     known_ = fileState(path_);
     settled_ = true;
+    away_ = false;
+    had_ = !text_.bytes().empty();
     return true;
 }
 

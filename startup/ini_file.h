@@ -38,6 +38,10 @@ class StoredIni {
         return write();
     }
 
+    /// See cImpulse::KeepWhenAway.
+    void keepWhenAway() { keepWhenAway_ = true; }
+    bool away() const { return away_; }
+
   private:
     void refresh();
     void forget();
@@ -47,6 +51,9 @@ class StoredIni {
     IniText text_;
     FileState known_;
     bool loaded_ = false;
+    bool keepWhenAway_ = false;
+    bool away_ = false;
+    bool had_ = false;      ///< the file held something when it was last read or written
     bool settled_ = false;  ///< another change could not hide in the same tick of the file clock
     bool usable_ = false;   ///< missing or read; false for what is there but cannot be read
 };

@@ -29,6 +29,8 @@ void SetStorePaths() {
     open(VUPresetsStore, VUPresetsFile, "VUpresets.ini", "");
     open(FXPresetsStore, FXPresetsFile, "FXpresets.ini", "");
     open(MIDIStore, MIDIFile, "MIDI.ini", "");
+    PaletteStore.KeepWhenAway();
+    HotStore.KeepWhenAway();
     UrlsFile = InProgramFolder("urls.txt");
 }
 

@@ -11,6 +11,7 @@
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/palette_files.h"
+#include "model/palette_lines.h"
 #include "model/pending_removals.h"
 #include "model/state.h"
 #include "model/upcalls.h"
@@ -21,8 +22,10 @@
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/upcalls.h"
+#include "ui/edit/leave_palette.h"
 #include "ui/edit/palette_list.h"
 #include "ui/edit/palette_load.h"
+#include "ui/edit/remove.h"
 #include "ui/edit/selection.h"
 #include "ui/press/actions.h"
 #include "ui/records/jingle_buttons.h"
@@ -180,10 +183,10 @@ void fillModel() {
     };
     modelUpcalls.endLoad = [] {
         PaletteOpening = false;
-        if (ErrMarkShows("h")) {
-            HideErrMark();
-        }
+        PaletteOpened();
     };
+    modelUpcalls.paletteLeaves = LeavePalette;
+    modelUpcalls.slotMoved = ClearButton;
     modelUpcalls.showPaletteName = [](const std::string& name) {
         frmMain().display.txtDisPal.caption = name;
     };
@@ -194,7 +197,6 @@ void fillModel() {
             CentrePaletteList();
         }
     };
-    modelUpcalls.selectedPalette = [] { return frmMain().palettes.lstPal.text(); };
     modelUpcalls.removalsChanged = [] {
         std::vector<std::string> sections, slots;
         for (const Removal& removal : PendingRemovals()) {

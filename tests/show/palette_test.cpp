@@ -176,7 +176,6 @@ TEST_F(Palette, SaveModesTellWhatHappensToTheSection) {
         SCOPED_TRACE(mode.name);
         openPalette("Path_2=a.wav\r\nVolm_2=100\r\nNoAutomix_2=1\r\nOld=line\r\n" + others);
         jingle(2).NoAutomix = 0;
-        modelUpcalls.selectedPalette = [] { return std::string(kPalette); };
         SaveMode = mode.mode;
         EXPECT_TRUE(CloseFile(mode.saveAs));
         EXPECT_EQ(SaveMode, "");
@@ -383,8 +382,15 @@ TEST_F(Palette, AFileHoldsPalettesWhenItHoldsABracket) {
         write("palette.ini", text);
         EXPECT_EQ(PalFileTest(), expected) << text;
     }
-    std::filesystem::remove(path("palette.ini"));
-    EXPECT_FALSE(PalFileTest());
+    for (const bool there : {false, true}) {
+        std::filesystem::remove(path("palette.ini"));
+        if (there) write("palette.ini", "");
+        EXPECT_TRUE(PalFileTest()) << "a file that is away stands as it was read last";
+        EXPECT_TRUE(PaletteStore.Away());
+    }
+    PaletteStore.DeleteSection("A");
+    EXPECT_FALSE(PalFileTest()) << "what the program took out itself is gone";
+    EXPECT_FALSE(PaletteStore.Away());
 }
 
 TEST_F(Palette, NonsenseInAFileOpensAsSomethingThatPlays) {

@@ -9,6 +9,7 @@
 #include "audio/play.h"
 #include "audio/streams.h"
 #include "model/colours.h"
+#include "model/held_palette.h"
 #include "model/jingle.h"
 #include "model/state.h"
 #include "startup/errors.h"
@@ -158,7 +159,7 @@ TEST_F(TickTest, aJingleOfAnotherPaletteGivesItsSlotBack) {
     release(1);
     openNames(1, "Other", false);
     openStreams(1);
-    settings.PaletteIndex = "Other";
+    HoldPalette("Other");
     pass(100);
     EXPECT_TRUE(rec(1).PlayingOtherPal);
     EXPECT_EQ(button(1).backColor, settings.PlayingColorAnotherPal);

@@ -4,11 +4,14 @@
 
 #include "audio/sounding.h"
 #include "audio/streams.h"
+#include "model/held_palette.h"
 #include "model/jingle.h"
 #include "model/pending_removals.h"
+#include "model/rename_sound.h"
 #include "model/state.h"
 #include "platform/controls.h"
 #include "startup/guard.h"
+#include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "ui/edit/remove.h"
@@ -43,7 +46,7 @@ void cutOrCopy(int index, const std::string& mode) {
     frmMain().display.lblDispMessage.caption = Ln("mlblSelBtarget");
     MoveSrcJ = index;
     MoveMode = mode;
-    MoveSourcePalette = settings.PaletteIndex;
+    MoveSourcePalette = HeldPalette();
     if (j.Path.find('.') == std::string::npos) {
         return;
     }
@@ -54,7 +57,7 @@ void cutOrCopy(int index, const std::string& mode) {
 
 void paste(int index) {
     // Hot jingles are the same in every palette.
-    const bool samePalette = MoveSourcePalette == settings.PaletteIndex || MoveSrcJ >= kPaletteSlots;
+    const bool samePalette = SameText(MoveSourcePalette, HeldPalette()) || MoveSrcJ >= kPaletteSlots;
     if (MoveSrcJ < 0 || (samePalette && index == MoveSrcJ) || Plays(index)) {
         return;
     }
@@ -81,12 +84,12 @@ void paste(int index) {
         if (samePalette) {
             ClearButton(source);
         } else {
-            const std::string into = index < kPaletteSlots ? settings.PaletteIndex : std::string();
+            const std::string into = index < kPaletteSlots ? HeldPalette() : std::string();
             AddRemoval({MoveSourcePalette, source, into, MoveBuffer.fields.Path});
         }
     }
     if (index < kPaletteSlots) {
-        DropRemoval(settings.PaletteIndex, index);
+        DropRemoval(HeldPalette(), index);
     }
     if (cut) {
         MoveSrcJ = -1;
@@ -97,6 +100,13 @@ void paste(int index) {
 }
 
 }  // namespace
+
+void MovedFileRenamed(const std::string& full, const std::string& path) {
+    if (!MoveBuffer.fields.Path.empty() && IsFileOf(MoveBuffer.fields.Path, full)) {
+        MoveBuffer.fields.Path = path;
+        ClipPath = ClipPath.empty() ? ClipPath : path;
+    }
+}
 
 void ForgetMoveTick() { MoveBuffer.tick = 0; }
 

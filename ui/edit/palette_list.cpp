@@ -66,7 +66,8 @@ void lstPalRefresh() {
 
 void SelectPalette(const std::string& name) {
     const std::vector<std::string>& names = tab().lstPal.items();
-    const auto found = std::find(names.begin(), names.end(), name);
+    const auto found =
+        std::find_if(names.begin(), names.end(), [&](const std::string& one) { return SameText(one, name); });
     tab().lstPal.listIndex = found == names.end() ? -1 : static_cast<int>(found - names.begin());
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "audio/streams.h"
+#include "model/held_palette.h"
 #include "model/jingle.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
@@ -10,6 +11,7 @@
 #include "startup/guard.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "ui/edit/leave_palette.h"
 #include "ui/edit/selection.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
@@ -49,20 +51,24 @@ void TimerLoadPalTick() {
             }
         }
         const std::string opening = settings.PaletteIndex;
-        while (PalLoadIdx <= LastPalIdx) {
+        const int load = BeginPaletteLoad();
+        // Every slot that has a button, out of the grid too: a save walks them all.
+        while (PalLoadIdx < kPaletteSlots) {
             const int i = PalLoadIdx++;
+            if (JExists[static_cast<std::size_t>(i)] != 1) {
+                continue;
+            }
             guarded("frmMain.TimerLoadPal_Timer", [&] {
                 openNames(i, opening, false);
                 openStreams(i);
             });
             processEvents();
-            if (opening != settings.PaletteIndex || timers().TimerLoadPal.enabled()) {
+            if (opening != settings.PaletteIndex || timers().TimerLoadPal.enabled() || !IsNewestLoad(load)) {
                 return;  // another palette was chosen meanwhile
             }
         }
-        if (ErrMarkShows("h")) {
-            HideErrMark();
-        }
+        EndPaletteLoad(load, opening);
+        PaletteOpened();
     });
 }
 

@@ -7,17 +7,20 @@
 
 #include "audio/open_palette.h"
 #include "midi/feedback.h"
+#include "model/held_palette.h"
 #include "model/jingle.h"
-#include "model/pending_removals.h"
+#include "model/palette_files.h"
 #include "model/state.h"
 #include "platform/clock.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
+#include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
+#include "ui/edit/leave_palette.h"
 #include "ui/edit/options.h"
 #include "ui/edit/palette_list.h"
 #include "ui/edit/palette_load.h"
@@ -37,24 +40,11 @@ PaletteTab& tab() { return frmMain().palettes; }
 
 int rows() { return static_cast<int>(tab().lstPal.items().size()); }
 
-bool modifierHeld() { return CtrlDown || ShiftDown || AltDown; }
-
-bool markShows() { return frmMain().display.lblErr.visible; }
-
 /// Slots 0 to 95 become empty.
 void clearSlots() {
     for (int i = 0; i < kPaletteSlots; ++i) {
         guarded("modMain.ClearSlots", [&] { ClearButton(i); });
     }
-}
-
-/// What choosing another palette does before it is opened.
-void leavePalette() {
-    if (!markShows()) {
-        ForgetRemovals();
-        PalToSave = false;
-    }
-    NotSavePal();
 }
 
 void openSelected() {
@@ -83,11 +73,7 @@ bool step(int by) {
 
 void stepped() {
     LastCtrl = "lstpal";
-    if (!modifierHeld()) {
-        ForgetRemovals();
-    }
     NotSavePal();
-    PalToSave = false;
     settings.PaletteIndex = tab().lstPal.text();
     frmMain().display.txtDisPal.caption = settings.PaletteIndex;
     if (settings.CenterLstPal == 1) {
@@ -102,7 +88,7 @@ void jumpTo(int row) {
         return;
     }
     tab().lstPal.listIndex = std::clamp(row, 0, rows() - 1);
-    leavePalette();
+    NotSavePal();
     openSelected();
     if (settings.CenterLstPal == 1) {
         CentrePaletteList();
@@ -122,7 +108,13 @@ void deleteSelected(bool clearFirst) {
         return;
     }
     const int row = list.listIndex();
-    PaletteStore.DeleteSection(name);
+    if (SameText(name, HeldPalette())) {
+        timers().SaveTimer.stop();
+        HoldPalette("");
+    } else {
+        LeavePalette();
+    }
+    DeletePalette(name);
     if (clearFirst) {
         if (Armed(tab().ckAssign)) {
             CkAssignTog();
@@ -149,7 +141,7 @@ void lstPal_MouseUp() {
             return;
         }
         LastCtrl = "lstpal";
-        leavePalette();
+        NotSavePal();
         ErrDisp("wait", 0, Ln("errLoadPal"));
         HideErrMark();
         openSelected();
@@ -274,9 +266,12 @@ void btNewTog() {
             BoxAnswer::yes) {
             return;
         }
+        LeavePalette();
+        timers().TimerLoadPal.stop();
         frmMain().display.txtDisPal.caption = std::string();
         tab().txtSave.caption = std::string();
         settings.PaletteIndex.clear();
+        HoldPalette("");
         clearSlots();
         tab().lstPal.listIndex = -1;
     });

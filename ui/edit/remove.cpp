@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "audio/streams.h"
+#include "model/history.h"
 #include "model/jingle.h"
 #include "model/state.h"
 #include "platform/desktop.h"
@@ -59,7 +60,7 @@ void DelJing(int index, bool withFile) {
         }
         const std::string path = GetFullPath(j.Path);
         ClearButton(index);
-        if (file && FileExists(path)) {
+        if (file && FileExists(path) && !KeepDeletedFile(path)) {
             std::error_code error;
             std::filesystem::remove(nativePath(path), error);
         }

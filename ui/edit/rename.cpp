@@ -1,14 +1,14 @@
 #include "ui/edit/rename.h"
 
-#include <cstdint>
-#include <filesystem>
 #include <string>
-#include <system_error>
+#include <vector>
 
 #include "audio/sounding.h"
 #include "audio/streams.h"
+#include "model/held_palette.h"
 #include "model/jingle.h"
 #include "model/palette_files.h"
+#include "model/rename_sound.h"
 #include "model/state.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
@@ -17,8 +17,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
-#include "ui/edit/assign.h"
+#include "ui/edit/move.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/button_faces.h"
 #include "ui/windows/rename_window.h"
@@ -49,34 +48,49 @@ void applyRename() {
         closeRename();
         return;
     }
-    JingleRecord& j = Jingle(index);
-    const std::string path = GetPath(j.Path) + name + extension;
-    if (FileExists(GetFullPath(path))) {
+    const std::string from = Jingle(index).Path;
+    const std::string full = GetFullPath(from);
+    const std::string path = GetPath(from) + name + extension;
+    const bool otherCase = SameText(name, oldName) && nativePath(GetFullPath(path)) == nativePath(full);
+    if (FileExists(GetFullPath(path)) && !otherCase) {
         r.lblNewFilename.foreColor = kMissingColour;
         r.lblNewFilename.caption = Ln("mRFFileExists");
         return;
     }
-    const PlayMode mode = j.PlayMod;
-    const std::uint8_t loop = j.Loop;
-    FreeJingle(index);
-    std::error_code error;
-    const std::string full = GetFullPath(j.Path);
-    if (FileExists(full)) {
-        std::filesystem::rename(nativePath(full), nativePath(GetFullPath(path)), error);
+    // Every button of that file follows with all that it holds. What sounds keeps its open file.
+    std::vector<int> buttons;
+    for (int i = 0; i < kJingles; ++i) {
+        if (!Jingle(i).Path.empty() && IsFileOf(Jingle(i).Path, full)) {
+            buttons.push_back(i);
+        }
     }
+    for (const int i : buttons) {
+        if (!Plays(i)) {
+            FreeJingle(i);
+        }
+    }
+    const std::string why = RenameSound(from, path);
     closeRename();
-    if (error) {
-        openStreams(index);
-        ErrDisp("no", 0, error.message());
+    if (why.empty()) {
+        MovedFileRenamed(full, path);
+    }
+    for (const int i : buttons) {
+        if (why.empty()) {
+            Jingle(i).Path = path;
+        }
+        if (!Plays(i)) {
+            openStreams(i);
+            ShowMarks(i);
+        }
+    }
+    if (!why.empty()) {
+        ErrDisp("no", 0, why);
         return;
     }
-    ClipPath = path;
-    clAssign(index);
-    j.PlayMod = mode;
-    j.Loop = loop;
-    ShowMarks(index);
     SaveMode = "save";
-    CloseFile(settings.PaletteIndex);
+    if (CloseFile(HeldPalette())) {
+        PalToSave = false;
+    }
 }
 
 void typed() {

@@ -2,10 +2,12 @@
 
 #include <string>
 
+#include "model/held_palette.h"
 #include "model/palette_files.h"
 #include "model/state.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
+#include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
@@ -24,6 +26,8 @@ namespace zv {
 namespace {
 
 constexpr int kRename = 2;  // SavePal's mode that renames
+
+bool renaming = false;  // what the dialogue was opened for; saves may come in between
 
 PaletteTab& tab() { return frmMain().palettes; }
 
@@ -44,13 +48,15 @@ void atRest() {
 }
 
 void confirm() {
-    const std::string name = tab().txtSave.caption();
+    const std::string name = Trim(tab().txtSave.caption());
     if (!name.empty()) {
+        SaveMode = renaming ? "rename" : "save";
         if (!CloseFile(name)) {
             // The mark says why; the dialogue stays open, nothing counts as saved.
             return;
         }
-        settings.PaletteIndex = name;
+        settings.PaletteIndex = CheckSection(name);
+        frmMain().display.txtDisPal.caption = settings.PaletteIndex;
         PalToSave = false;
     }
     SaveMode.clear();
@@ -65,9 +71,9 @@ void open(int mode) {
     ResetJingles();
     Arm(t.btSave, settings.spColor);
     OptionCode = "sp";
-    const bool rename = mode == kRename;
-    SaveMode = rename ? "rename" : "save";
-    t.PalNameCar.caption = Ln(rename ? "mlblPalNameCarRen" : "mlblPalNameCar");
+    renaming = mode == kRename;
+    SaveMode = renaming ? "rename" : "save";
+    t.PalNameCar.caption = Ln(renaming ? "mlblPalNameCarRen" : "mlblPalNameCar");
     t.PalNameCar.visible = true;
     t.btDelPal.enabled = false;
     t.btNew.enabled = false;
@@ -87,7 +93,7 @@ void SavePal(int mode) {
         if (settings.MinimalView == 1) {
             if (frmMain().display.lblErr.visible && !tab().lstPal.text().empty()) {
                 SaveMode = "save";
-                CloseFile(settings.PaletteIndex);
+                CloseFile(HeldPalette());
             }
             return;
         }
@@ -128,16 +134,21 @@ void ErrClick() {
         if (!ErrMarkShows("f")) {
             return;
         }
+        if (PaletteLoading()) {
+            // The records are those of no palette yet; the mark stays.
+            timers().SaveTimer.restart();
+            return;
+        }
         timers().SaveTimer.stop();
         SaveMode = "save";
         CloseColorPicker();
-        if (tab().lstPal.text().empty()) {
+        if (HeldPalette().empty() || tab().lstPal.text().empty()) {
             if (!tab().txtSave.visible) {
                 ChangeTab(static_cast<int>(MainTab::palettes));
                 SavePal();
             }
         } else {
-            if (!CloseFile(settings.PaletteIndex)) {
+            if (!CloseFile(HeldPalette())) {
                 return;
             }
             PalToSave = false;
@@ -160,6 +171,10 @@ void SaveTimerTick() {
             return;
         }
         timers().SaveTimer.stop();
+        if (PalToSave && !ErrMarkShows("f")) {
+            ErrDisp("save", 0, Ln("mPalToSave"));  // another message took its place meanwhile
+            timers().SaveTimer.stop();
+        }
         ErrClick();
     });
 }

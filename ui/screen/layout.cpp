@@ -5,6 +5,7 @@
 #include <string>
 
 #include "audio/streams.h"
+#include "model/held_palette.h"
 #include "model/jingle.h"
 #include "model/state.h"
 #include "platform/controls.h"
@@ -210,7 +211,9 @@ void DrawJButtons(int load) {
                 }
                 if (load == 1) {
                     const bool hot = i >= kPaletteSlots;
-                    openNames(i, hot ? kHotSection : settings.PaletteIndex, hot);
+                    const std::string& palette =
+                        HeldPalette().empty() ? settings.PaletteIndex : HeldPalette();
+                    openNames(i, hot ? kHotSection : palette, hot);
                     openStreams(i);
                 }
             });

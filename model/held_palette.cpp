@@ -1,0 +1,37 @@
+#include "model/held_palette.h"
+
+#include "model/upcalls.h"
+#include "startup/upcalls.h"
+
+namespace zv {
+namespace {
+
+std::string held;
+bool loading = false;
+int newest = 0;
+
+}  // namespace
+
+const std::string& HeldPalette() { return held; }
+
+bool PaletteLoading() { return loading; }
+
+int BeginPaletteLoad() {
+    if (!loading) callUp(modelUpcalls.paletteLeaves);
+    loading = true;
+    return ++newest;
+}
+
+bool IsNewestLoad(int load) { return load == newest; }
+
+void EndPaletteLoad(int load, const std::string& name) {
+    if (IsNewestLoad(load)) HoldPalette(name);
+}
+
+void HoldPalette(const std::string& name) {
+    ++newest;
+    loading = false;
+    held = name;
+}
+
+}  // namespace zv

@@ -1,0 +1,56 @@
+#include "ui/edit/leave_palette.h"
+
+#include <string>
+
+#include "model/held_palette.h"
+#include "model/palette_files.h"
+#include "model/pending_removals.h"
+#include "model/state.h"
+#include "startup/errors.h"
+#include "startup/guard.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+#include "ui/records/timers.h"
+#include "ui/screen/error_mark.h"
+
+namespace zv {
+
+namespace {
+
+std::string untold;  ///< name of the palette whose last edits could not be saved
+
+}  // namespace
+
+void LeavePalette() {
+    guarded("frmMain.LeavePalette", [] {
+        timers().SaveTimer.stop();
+        if (PalToSave && settings.AutoSave == 1 && !HeldPalette().empty()) {
+            SaveMode = "save";
+            if (CloseFile(HeldPalette())) {
+                PalToSave = false;
+            } else {
+                untold = HeldPalette();
+            }
+        }
+        if (PalToSave) {
+            KeepUnsavedPalette();
+        }
+        DropRemovalsInto(HeldPalette());
+        PalToSave = false;
+    });
+}
+
+void PaletteOpened() {
+    if (ErrMarkShows("h")) {
+        HideErrMark();
+    }
+    if (!untold.empty()) {
+        ErrDisp("no", 1, Ln("mFolderNotWritable") + " " + PalFile + ": " + untold);
+        untold.clear();
+    } else if (PaletteStore.Away()) {
+        ErrDisp("no", 1, Ln("mPalAway"));
+    }
+}
+
+}  // namespace zv
