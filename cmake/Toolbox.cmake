@@ -9,11 +9,16 @@ if(CCACHE_PROGRAM)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${CCACHE_PROGRAM})
 endif()
 
-find_program(LLD_PROGRAM ld.lld)
-if(LLD_PROGRAM)
-  add_link_options(-fuse-ld=lld)
+if(WIN32)
+  add_link_options(-static)  # nothing of the compiler's has to lie beside what is built
+else()
+  find_program(LLD_PROGRAM ld.lld)
+  if(LLD_PROGRAM)
+    add_link_options(-fuse-ld=lld)
+  endif()
+  add_link_options(-Wl,--disable-new-dtags)
+  find_package(PkgConfig REQUIRED)
 endif()
-add_link_options(-Wl,--disable-new-dtags)
 
 if(ZENTROVA_SANITIZE)
   add_compile_options(-fsanitize=${ZENTROVA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
@@ -26,7 +31,6 @@ if(ZENTROVA_FUZZ)  # every room tells the fuzzer where it has been
   add_link_options(-fsanitize=address,undefined)
 endif()
 
-find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 
 add_library(zv_options INTERFACE)

@@ -16,12 +16,17 @@ void SyncDispatcher::start(bool (*drain)(), bool polls) {
     stop();
     drain_ = drain;
     polls_ = polls;
-    thread_ = std::jthread([this](const std::stop_token& stop) { run(stop); });
+    stopping_ = false;
+    thread_ = std::thread([this] { run(); });
 }
 
 void SyncDispatcher::stop() {
     if (!thread_.joinable()) return;
-    thread_.request_stop();
+    {
+        const std::lock_guard lock(mutex_);
+        stopping_ = true;
+    }
+    changed_.notify_all();
     thread_.join();
 }
 
@@ -43,17 +48,17 @@ void SyncDispatcher::watch() {
     changed_.notify_all();
 }
 
-void SyncDispatcher::run(const std::stop_token& stop) {
+void SyncDispatcher::run() {
     const ThreadSection dispatcher(ThreadKind::Sync);
     std::unique_lock lock(mutex_);
-    while (!stop.stop_requested()) {
-        const auto due = [this] { return asked_ != done_; };
+    while (!stopping_) {
+        const auto due = [this] { return stopping_ || asked_ != done_; };
         if (polls_) {
             const bool watching = std::exchange(watching_, false);
-            changed_.wait_for(lock, stop, watching ? kPoll : kIdlePoll,
+            changed_.wait_for(lock, watching ? kPoll : kIdlePoll,
                               [&] { return due() || (!watching && watching_); });
         } else {
-            changed_.wait(lock, stop, due);
+            changed_.wait(lock, due);
         }
         const std::uint64_t upTo = asked_;
         lock.unlock();

@@ -22,13 +22,13 @@ class SyncDispatcher {
     bool isThisThread() const { return std::this_thread::get_id() == thread_.get_id(); }
 
   private:
-    void run(const std::stop_token& stop);
+    void run();
     bool (*drain_)() = nullptr;
-    bool polls_ = false, watching_ = false;
+    bool polls_ = false, watching_ = false, stopping_ = false;
     std::mutex mutex_;
-    std::condition_variable_any changed_;
+    std::condition_variable changed_;
     std::uint64_t asked_ = 0, done_ = 0;
-    std::jthread thread_;
+    std::thread thread_;
 };
 
 }  // namespace zv::engine

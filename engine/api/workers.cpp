@@ -20,13 +20,18 @@ constexpr int kSoon = 100;  ///< urgencies below belong to sounding channels
 void Workers::start() {
     assertControlThread();
     if (!threads_.empty()) return;
-    for (int i = 0; i < kThreads; ++i)
-        threads_.emplace_back([this, i](const std::stop_token& stop) { run(stop, i > 0); });
+    for (int i = 0; i < kThreads; ++i) threads_.emplace_back([this, i] { run(i > 0); });
 }
 
 void Workers::stop() {
-    for (auto& thread : threads_) thread.request_stop();
+    {
+        const std::lock_guard lock(mutex_);
+        stopping_ = true;
+    }
+    wanted_.notify_all();
+    for (auto& thread : threads_) thread.join();
     threads_.clear();
+    stopping_ = false;
 }
 
 void Workers::add(const std::shared_ptr<PagedSound>& sound) {
@@ -103,11 +108,11 @@ bool Workers::serveOnce(const Work& work) {
 }
 
 /// One looks after everything in time; the helper sleeps until there is more than one can do at once.
-void Workers::run(const std::stop_token& stop, bool helper) {
+void Workers::run(bool helper) {
     const FlushToZero flush;
     const ThreadSection worker(ThreadKind::Worker);
     bool& called = helper ? helpWanted_ : woken_;
-    while (!stop.stop_requested()) {
+    while (!stopping_) {
         bool busy = true;
         try {
             const Work work = collect();
@@ -121,7 +126,7 @@ void Workers::run(const std::stop_token& stop, bool helper) {
             // Out of memory at worst: what is missing stays silent, the next round tries again.
         }
         std::unique_lock lock(mutex_);
-        wanted_.wait_for(lock, stop, busy ? kTick : kIdleTick, [&] { return called; });
+        wanted_.wait_for(lock, busy ? kTick : kIdleTick, [&] { return called || stopping_; });
         called = false;
     }
 }

@@ -2,6 +2,7 @@
 /// so that every run gives the same bits.
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -34,7 +35,7 @@ class Workers {
     std::size_t memory();
 
   private:
-    void run(const std::stop_token& stop, bool helper);
+    void run(bool helper);
     void callHelper();
     struct Work {
         std::vector<std::shared_ptr<PagedSound>> sounds;
@@ -50,11 +51,12 @@ class Workers {
     bool serveOnce(const Work& work);
 
     std::mutex mutex_;
-    std::condition_variable_any wanted_;
+    std::condition_variable wanted_;
+    std::atomic<bool> stopping_ = false;
     bool woken_ = false, helpWanted_ = false;  // of the first thread, and of the other
     std::vector<std::weak_ptr<PagedSound>> sounds_;
     std::vector<Stretching> tempos_;
-    std::vector<std::jthread> threads_;
+    std::vector<std::thread> threads_;
 };
 
 }  // namespace zv::engine

@@ -1,7 +1,6 @@
 #include "platform/audio_library.h"
 
 #define WIN32_LEAN_AND_MEAN
-#define NOMINMAX
 #include <windows.h>
 
 #include "platform/paths.h"

@@ -1,9 +1,9 @@
 #include "platform/files.h"
 
 #define WIN32_LEAN_AND_MEAN
-#define NOMINMAX
 #include <windows.h>
 
+#include <algorithm>
 #include <atomic>
 #include <string>
 #include <utility>

@@ -1,7 +1,6 @@
 #include "platform/paths.h"
 
 #define WIN32_LEAN_AND_MEAN
-#define NOMINMAX
 #include <windows.h>
 
 namespace zv {

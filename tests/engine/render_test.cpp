@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <random>
 
+#include "engine/dsp/denormals.h"
 #include "engine/dsp/peak_eq.h"
 #include "engine/dsp/reverb.h"
 #include "tests/engine/show.h"
@@ -103,6 +104,7 @@ TEST_F(Rendering, BusesHaveTheirOwnGainsAndTheSourceIsComputedOnce) {
 /// The chain by hand: volume, reverb, equaliser, and the VOLDSP gain, which goes to 0 on the way, in front of
 /// stage `gainAt`.
 std::vector<float> byHand(std::vector<float> sound, std::size_t silentFrom, std::size_t gainAt) {
+    const FlushToZero flush;  // as where it is rendered
     dsp::Reverb reverb(44100);
     reverb.set({0, -6, 700, 0.5});
     dsp::PeakEq eq(44100);

@@ -45,11 +45,9 @@ TEST(AudioLibrary, FailsSoftlyUntilItIsLoaded) {
 
     const std::string folder = testing::TempDir();
     std::ofstream(folder + "/text.so") << "no library";
-    std::ofstream(folder + "/some.cpp") << "extern \"C\" unsigned BASS_GetVersion() { return 0x2040000; }\n";
-    ASSERT_EQ(0,
-              std::system(("c++ -shared -fPIC -o " + folder + "/some.so " + folder + "/some.cpp").c_str()));
+    ASSERT_TRUE(std::filesystem::exists(ZV_POOR_LIBRARY));
     for (const std::string& path :
-         {folder + "/missing.so", folder + "/text.so", folder + "/some.so", std::string()}) {
+         {folder + "/missing.so", folder + "/text.so", std::string(ZV_POOR_LIBRARY), std::string()}) {
         EXPECT_FALSE(zv::loadAudioLibrary(path)) << path;
         EXPECT_EQ(nullptr, zv::engine::audioLibraryControl());
         EXPECT_EQ(0U, BASS_GetVersion()) << path;

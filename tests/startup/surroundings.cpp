@@ -1,7 +1,6 @@
 #include "tests/startup/surroundings.h"
 
-#include <unistd.h>
-
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
@@ -18,11 +17,13 @@ Surroundings around;
 
 void ProgramFolderTest::SetUp() {
     // In memory where that can be had: what is tested is what the files hold, not how fast the disk flushes.
-    const bool memory = ::access("/dev/shm", W_OK) == 0;
-    const std::filesystem::path base = memory ? "/dev/shm" : std::filesystem::temp_directory_path();
-    std::string name = (base / "zv-startup-XXXXXX").string();
-    ASSERT_NE(::mkdtemp(name.data()), nullptr);
-    folder = name;
+    std::filesystem::path base = std::filesystem::temp_directory_path();
+    for (const char* memory : {"/dev/shm", "T:\\"})
+        if (std::filesystem::is_directory(memory)) base = memory;
+    static int count = 0;
+    folder = base / ("zv-startup-" + std::to_string(processNumber()) + "-" + std::to_string(++count));
+    ASSERT_TRUE(std::filesystem::create_directory(folder));
+    const std::string name = utf8FromPath(folder);
     around = {};
     settings = {};
     startupUpcalls = {};
@@ -46,6 +47,14 @@ void ProgramFolderTest::write(const std::string& name, const std::string& bytes)
 std::string ProgramFolderTest::read(const std::string& name) const {
     std::ifstream in(path(name), std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
+}
+
+void setVariable(const char* name, const std::string& value) {
+#ifdef _WIN32
+    ::_putenv_s(name, value.c_str());
+#else
+    ::setenv(name, value.c_str(), 1);
+#endif
 }
 
 }  // namespace zv::test

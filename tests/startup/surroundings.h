@@ -10,6 +10,7 @@
 
 #include "platform/clock.h"
 #include "platform/desktop.h"
+#include "platform/paths.h"
 
 namespace zv::test {
 
@@ -26,13 +27,24 @@ struct Surroundings {
 };
 extern Surroundings around;
 
+/// The variable under which the system names the folder of users' data.
+#ifdef _WIN32
+inline constexpr const char* kDataVariable = "APPDATA";
+#else
+inline constexpr const char* kDataVariable = "XDG_DATA_HOME";
+#endif
+/// Empty counts as not set.
+void setVariable(const char* name, const std::string& value);
+
 /// A program folder of its own, with all stores on it; gone afterwards.
 class ProgramFolderTest : public ::testing::Test {
   protected:
     void SetUp() override;
     void TearDown() override;
 
-    std::filesystem::path path(const std::string& name) const { return folder / name; }
+    std::filesystem::path path(const std::string& name) const { return folder / pathFromUtf8(name); }
+    /// The same as the system writes it.
+    std::string text(const std::string& name) const { return utf8FromPath(path(name).make_preferred()); }
     /// Writes and reads without the code under test.
     void write(const std::string& name, const std::string& bytes) const;
     std::string read(const std::string& name) const;

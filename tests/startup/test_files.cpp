@@ -1,9 +1,6 @@
 // The files that come into being at the start, their backups, the folder they lie in, the lock and the trace.
 #include <gmock/gmock.h>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include "platform/paths.h"
 #include "startup/backups.h"
 #include "startup/command_line.h"
@@ -149,9 +146,9 @@ TEST_F(Files, ChoosesAndSeedsTheProgramFolder) {
     const fs::path cwd = fs::current_path();
     write("bin/palette.ini", "[Sample Radio]\r\nPath_0=Audio_Sample\\a.wav\r\n");
     write("bin/Audio_Sample/a.wav", "sound");
-    const std::string bin = path("bin").string();
-    ::setenv("XDG_DATA_HOME", path("data").c_str(), 1);
-    ::unsetenv("ZENTROVA_HOME");
+    const std::string bin = text("bin");
+    setVariable(kDataVariable, text("data"));
+    setVariable("ZENTROVA_HOME", "");
     // The user's own folder, filled once.
     ASSERT_TRUE(EnterProgramFolder({}, bin));
     EXPECT_EQ(programFolder(), path("data/zentrova"));
@@ -167,49 +164,33 @@ TEST_F(Files, ChoosesAndSeedsTheProgramFolder) {
     ASSERT_TRUE(EnterProgramFolder({}, bin));
     EXPECT_EQ(programFolder(), bin);
     // A folder that is named wins and is not filled.
-    ::setenv("ZENTROVA_HOME", path("env").c_str(), 1);
+    setVariable("ZENTROVA_HOME", text("env"));
     ASSERT_TRUE(EnterProgramFolder({}, bin));
     EXPECT_EQ(programFolder(), path("env"));
     CommandLine named;
-    named.home = path("named").string();
+    named.home = text("named");
     ASSERT_TRUE(EnterProgramFolder(named, bin));
     EXPECT_EQ(programFolder(), path("named"));
     EXPECT_TRUE(fs::is_empty(path("named")));
-    EXPECT_EQ(ShippedFile("palette.ini"), bin + "/palette.ini");
+    EXPECT_EQ(ShippedFile("palette.ini"), text("bin/palette.ini"));
     named.home = (path("bin/palette.ini") / "x").string();  // cannot be made
     EXPECT_FALSE(EnterProgramFolder(named, bin));
-    ::unsetenv("ZENTROVA_HOME");
-    ::unsetenv("XDG_DATA_HOME");
+    setVariable("ZENTROVA_HOME", "");
+    setVariable(kDataVariable, "");
     fs::current_path(cwd);
 }
 
-TEST_F(Files, SecondProgramIsNoticedAndACrashBlocksNobody) {
-    int ready[2];
-    ASSERT_EQ(::pipe(ready), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        InstanceLock lock;
-        const char result = lock.acquire(programFolder()) == InstanceLock::Result::alone ? 'a' : 's';
-        if (::write(ready[1], &result, 1) == 1) ::pause();
-        ::_exit(1);
-    }
-    char result = 0;
-    ASSERT_EQ(::read(ready[0], &result, 1), 1);
-    EXPECT_EQ(result, 'a');
-    InstanceLock lock;
-    EXPECT_EQ(lock.acquire(programFolder()), InstanceLock::Result::shared);
-    EXPECT_EQ(lock.other(), "process " + std::to_string(child) + " since 2026-01-31 14:05:09");
-    EXPECT_FALSE(lock.held());
-    ::kill(child, SIGKILL);
-    ::waitpid(child, nullptr, 0);
+TEST_F(Files, SecondProgramIsNoticed) {
+    InstanceLock lock, second;
     EXPECT_EQ(lock.acquire(programFolder()), InstanceLock::Result::alone);
-    InstanceLock second;
+    EXPECT_EQ(lock.acquire(programFolder()), InstanceLock::Result::alone);
     EXPECT_EQ(second.acquire(programFolder()), InstanceLock::Result::shared);
+    EXPECT_EQ(second.other(), "process " + std::to_string(processNumber()) + " since 2026-01-31 14:05:09");
+    EXPECT_FALSE(second.held());
     lock.release();
     EXPECT_EQ(second.acquire(programFolder()), InstanceLock::Result::alone);
-    EXPECT_EQ(InstanceLock().acquire("/nowhere/at/all"), InstanceLock::Result::unknown);
-    ::close(ready[0]);
-    ::close(ready[1]);
+    EXPECT_EQ(second.other(), "");
+    EXPECT_EQ(InstanceLock().acquire(programFolder() + "/nowhere/at/all"), InstanceLock::Result::unknown);
 }
 
 TEST_F(Files, TraceAndProgress) {

@@ -41,8 +41,8 @@ TEST_F(Helpers, TakePathsApart) {
 
 TEST_F(Helpers, PathsUnderTheProgramFolderAreRelative) {
     const std::string here = programFolder();
-    EXPECT_EQ(GetFullPath("Audio_Sample\\x.wav"), here + "/Audio_Sample/x.wav");
-    EXPECT_EQ(GetRelPath(here + "/Audio_Sample/x.wav"), "Audio_Sample\\x.wav");
+    EXPECT_EQ(GetFullPath("Audio_Sample\\x.wav"), text("Audio_Sample/x.wav"));
+    EXPECT_EQ(GetRelPath(text("Audio_Sample/x.wav")), "Audio_Sample\\x.wav");
     EXPECT_EQ(GetRelPath(GetFullPath("a\\b\\c.wav")), "a\\b\\c.wav");
     for (const char* path : {"C:\\x.wav", "\\\\server\\x.wav", "/elsewhere/x.wav"}) {
         EXPECT_EQ(GetFullPath(path), path);
@@ -78,8 +78,7 @@ TEST_F(Helpers, FindsAndMakesFiles) {
     ListFolder("New", true, list);
     ListFolder("sounds2", false, list);
     EXPECT_EQ(list.count, 3);
-    EXPECT_EQ(list.text, (folder / "New/1.wav\r\n").string() + (folder / "New/Folder/2.wav\r\n").string() +
-                             (folder / "sounds2/x.wav\r\n").string());
+    EXPECT_EQ(list.text, text("New/1.wav\r\n") + text("New/Folder/2.wav\r\n") + text("sounds2/x.wav\r\n"));
     fs::create_directories(path("New/Empty/Deep"));
     ClearEmptySubFolder("New");
     EXPECT_FALSE(there("New/Empty"));

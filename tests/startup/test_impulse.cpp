@@ -125,15 +125,5 @@ TEST_F(Impulse, LeavesAFileAloneThatItCannotReadOrWrite) {
     EXPECT_FALSE(there("Z:\\palette.ini"));
 }
 
-TEST_F(Impulse, KeepsLinksAndPermissions) {
-    write("real.ini", "[S]\nk=v\n");
-    fs::permissions(path("real.ini"), fs::perms(0640));
-    fs::create_symlink("real.ini", path("test.ini"));
-    store.PutValue("k", "w");
-    EXPECT_TRUE(fs::is_symlink(path("test.ini")));
-    EXPECT_EQ(read("real.ini"), "[S]\nk=w\n");
-    EXPECT_EQ(fs::status(path("real.ini")).permissions(), fs::perms(0640));
-}
-
 }  // namespace
 }  // namespace zv::test

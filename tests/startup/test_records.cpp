@@ -11,6 +11,8 @@
 namespace zv::test {
 namespace {
 
+namespace fs = std::filesystem;
+
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -135,23 +137,43 @@ class Paths : public ProgramFolderTest {};
 
 TEST_F(Paths, MapToWhatTheSystemOpens) {
     write("Audio_Sample/Jingle.wav", "");
-    write("with\\backslash.wav", "");
     const std::string here = programFolder();
     struct {
         std::string path, native;
     } const table[] = {
-        {"Audio_Sample\\Jingle.wav", here + "/Audio_Sample/Jingle.wav"},
-        {"\\audio_sample\\JINGLE.WAV", here + "/Audio_Sample/Jingle.wav"},
-        {"audio_sample\\new.wav", here + "/Audio_Sample/new.wav"},
-        {here + "\\Audio_Sample\\Jingle.wav", here + "/Audio_Sample/Jingle.wav"},
-        {here + "/with\\backslash.wav", here + "/with\\backslash.wav"},
+        {"Audio_Sample\\Jingle.wav", text("Audio_Sample/Jingle.wav")},
+        {"\\Audio_Sample\\Jingle.wav", text("Audio_Sample/Jingle.wav")},
+        {"Audio_Sample\\new.wav", text("Audio_Sample/new.wav")},
+        {text("Audio_Sample/Jingle.wav"), text("Audio_Sample/Jingle.wav")},
         {"C:\\Jingles\\x.wav", "C:\\Jingles\\x.wav"},
         {"", ""},
     };
-    for (const auto& row : table) EXPECT_EQ(nativePath(row.path).string(), row.native) << row.path;
+    for (const auto& row : table) EXPECT_EQ(utf8FromPath(nativePath(row.path)), row.native) << row.path;
     for (const char* path : {"C:\\x", "c:/x", "\\\\server\\x", "/x"})
         EXPECT_TRUE(isAbsolutePath(path)) << path;
     for (const char* path : {"", "x", "\\x", "C:x", "1:\\x"}) EXPECT_FALSE(isAbsolutePath(path)) << path;
+}
+
+TEST_F(Paths, FilesAreToldApartAndReplacedWhole) {
+    const fs::path file = path("caf\xC3\xA9 \xE2\x82\xAC.txt");
+    EXPECT_EQ(fileState(file), FileState{});
+    ASSERT_TRUE(replaceFile(file, "one"));
+    const FileState first = fileState(file);
+    EXPECT_TRUE(first.exists);
+    EXPECT_EQ(first.size, 3U);
+    ASSERT_TRUE(replaceFile(file, "two"));
+    EXPECT_NE(fileState(file), first) << "within the same tick of the system's clock";
+    EXPECT_NE(fileState(file).modified, first.modified);
+    std::string contents = "before";
+    EXPECT_TRUE(readFile(file, contents));
+    EXPECT_EQ(contents, "two");
+    fs::permissions(file, fs::perms::owner_read);
+    EXPECT_FALSE(replaceFile(file, "three")) << "it may not be written";
+    fs::permissions(file, fs::perms::owner_write, fs::perm_options::add);
+    EXPECT_FALSE(readFile(folder, contents));
+    EXPECT_EQ(contents, "two");
+    fs::remove(file);
+    EXPECT_TRUE(fs::is_empty(folder)) << "nothing temporary stays";
 }
 
 }  // namespace

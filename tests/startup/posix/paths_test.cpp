@@ -1,0 +1,36 @@
+// What names may hold here and nowhere else: links, permissions, backslashes, letters of either case.
+#include "platform/paths.h"
+#include "startup/impulse.h"
+#include "tests/startup/surroundings.h"
+
+namespace zv::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class PosixPaths : public ProgramFolderTest {};
+
+TEST_F(PosixPaths, RewritingKeepsLinksAndPermissions) {
+    cImpulse store;
+    store.SetIniPath(text("test.ini"));
+    write("real.ini", "[S]\nk=v\n");
+    fs::permissions(path("real.ini"), fs::perms(0640));
+    fs::create_symlink("real.ini", path("test.ini"));
+    store.PutValue("k", "w", "S");
+    EXPECT_TRUE(fs::is_symlink(path("test.ini")));
+    EXPECT_EQ(read("real.ini"), "[S]\nk=w\n");
+    EXPECT_EQ(fs::status(path("real.ini")).permissions(), fs::perms(0640));
+}
+
+TEST_F(PosixPaths, BlindToCaseAndBackslash) {
+    write("Audio_Sample/Jingle.wav", "");
+    write("with\\backslash.wav", "");
+    const std::string here = programFolder();
+    EXPECT_EQ(nativePath("\\audio_sample\\JINGLE.WAV"), path("Audio_Sample/Jingle.wav"));
+    EXPECT_EQ(nativePath("audio_sample\\new.wav"), path("Audio_Sample/new.wav"));
+    EXPECT_EQ(nativePath(here + "\\Audio_Sample\\Jingle.wav"), path("Audio_Sample/Jingle.wav"));
+    EXPECT_EQ(nativePath(here + "/with\\backslash.wav"), here + "/with\\backslash.wav");
+}
+
+}  // namespace
+}  // namespace zv::test
