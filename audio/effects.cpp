@@ -20,13 +20,6 @@ double twoDecimals(double value) { return std::floor(value * 100 + 0.5) / 100; }
 
 }  // namespace
 
-std::vector<double> SplitFXV(const std::string& vector) {
-    std::vector<double> values;
-    for (const std::string& part : Split(vector, ",")) values.push_back(Val(part));
-    values.resize(kFxvElements);
-    return values;
-}
-
 std::array<double, kEqBands> EqCentres() {
     const auto parts = Split(settings.EQBands, ",");
     std::array<double, kEqBands> centres{};

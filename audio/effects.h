@@ -1,16 +1,13 @@
-/// The effects of a jingle, from its vector FXV: seven equaliser gains (stored with the slider's sign, so
-/// negated), reverb in ms, tempo in percent, rate in Hz, pitch in semitones. [control]
+/// The effects of a jingle on its channel: equaliser, reverb, tempo, rate, pitch, volume. [control]
 #pragma once
 
 #include <array>
 #include <cstdint>
 #include <string>
-#include <vector>
+
+#include "audio/effect_vector.h"
 
 namespace zv {
-
-inline constexpr int kEqBands = 7;
-inline constexpr int kFxvElements = 11;
 
 /// What UpdateTempo changes.
 enum class TempoPart { tempo = 0, rate = 1, pitch = 2 };
@@ -30,7 +27,5 @@ double ReverbMix(double ms);
 void UpdateTempo(std::uint32_t channel, TempoPart what, double value);
 /// Level of a volume effect, percent.
 void SetVolFx(std::uint32_t effect, double percent);
-/// Elements of FXV as numbers, always eleven: one that is missing or no number is 0, which changes nothing.
-std::vector<double> SplitFXV(const std::string& vector);
 
 }  // namespace zv

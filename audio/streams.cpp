@@ -2,6 +2,7 @@
 #include "audio/streams.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
 
 #include "audio/devices.h"
@@ -28,11 +29,6 @@ namespace {
 
 constexpr double kEqBandwidth = 2.5;  // octaves
 constexpr double kLongJingle = 120;   // s: longer ones duck the others unless told otherwise
-constexpr double kLongestReverbMs = 60'000;
-constexpr int kReverbElement = 7;
-constexpr int kTempoElement = 8;
-constexpr int kRateElement = 9;
-constexpr int kPitchElement = 10;
 constexpr int kReverbPriority = 10;
 constexpr int kVolumePriority = 20;
 constexpr float kSecondsPerMs = 0.001F;
@@ -101,23 +97,27 @@ void chooseAutoDuck(JingleRecord& j) {
 void attachEffects(int index) {
     JingleRecord& j = Jingle(index);
     const auto slot = static_cast<std::size_t>(index);
-    const std::vector<double> values = SplitFXV(j.FXV);
+    const ReadEffects read = ParseFXV(j.FXV, j.Freq);
+    const EffectVector& effects = read.effects;
     // Centres that are missing in the settings must not cost the jingle its other effects.
     guarded("modClick.openStreams", [&] {
         std::array<double, kEqBands> gains{};
-        for (std::size_t band = 0; band < kEqBands; ++band) gains[band] = -values[band];
+        for (int band = 0; band < kEqBands; ++band)
+            gains[static_cast<std::size_t>(band)] = effects.gain(band);
         SetDSP_EQ(index, j.hPlay, 0, kEqBandwidth, 0, EqCentres(), gains);
     });
-    UpdateTempo(j.hPlay, TempoPart::tempo, values[kTempoElement]);
-    UpdateTempo(j.hPlay, TempoPart::rate, values[kRateElement]);
-    UpdateTempo(j.hPlay, TempoPart::pitch, values[kPitchElement]);
-    j.ReverbMs = static_cast<std::int32_t>(std::clamp(values[kReverbElement], 0.0, kLongestReverbMs));
+    UpdateTempo(j.hPlay, TempoPart::tempo, effects.tempo);
+    UpdateTempo(j.hPlay, TempoPart::rate, effects.rate);
+    UpdateTempo(j.hPlay, TempoPart::pitch, effects.pitch);
+    j.ReverbMs = static_cast<std::int32_t>(effects.reverbMs);
     JReverbFx[slot] = BASS_ChannelSetFX(j.hPlay, BASS_FX_DX8_REVERB, kReverbPriority);
     UpdateReverb(JReverbFx[slot], j.ReverbMs);
     BASS_ChannelSetAttribute(j.hPlay, BASS_ATTRIB_TAIL, static_cast<float>(j.ReverbMs) * kSecondsPerMs);
     BASS_ChannelSetPosition(j.hPlay, BytePosition(j.CueStart), BASS_POS_BYTE);
     JVolFx[slot] = BASS_ChannelSetFX(j.hPlay, BASS_FX_BFX_VOLUME, kVolumePriority);
     SetVolFx(JVolFx[slot], j.Volm);
+    if (!read.fault.empty())
+        throw std::invalid_argument("Button " + std::to_string(index + 1) + ": " + read.fault);
 }
 
 void buildChannel(int index) {

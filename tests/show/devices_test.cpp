@@ -234,14 +234,6 @@ TEST(Effects, ReverbLevelFollowsItsTime) {
         EXPECT_NEAR(ReverbMix(ms), dB, 1e-9) << ms;
 }
 
-TEST(Effects, VectorsAlwaysHaveElevenElements) {
-    EXPECT_EQ(SplitFXV("1,-2,0,0,0,0,0,500,10,48000,-3"),
-              (std::vector<double>{1, -2, 0, 0, 0, 0, 0, 500, 10, 48000, -3}));
-    EXPECT_EQ(SplitFXV("7,x"), (std::vector<double>{7, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(SplitFXV("").size(), 11U);
-    EXPECT_EQ(SplitFXV("1,2,3,4,5,6,7,8,9,10,11,12,13").size(), 11U);
-}
-
 class Colours : public FolderTest {};
 
 TEST_F(Colours, Arithmetic) {
