@@ -19,6 +19,15 @@ struct Heard {
     int MIDIVelocity;
 };
 
+constexpr std::size_t kMostShown = 500;  // messages that the monitor keeps
+
+/// The first two messages count; of the others the oldest go.
+void addToMonitor(const std::string& message) {
+    std::vector<std::string>& list = MIDILearn.lstMidiInDump;
+    list.push_back(message);
+    if (list.size() > kMostShown) list.erase(list.begin() + 2);
+}
+
 bool contains(const std::vector<std::string>& list, const std::string& text) {
     return std::ranges::find(list, text) != list.end();
 }
@@ -37,13 +46,13 @@ void learnWheel(const Heard& m) {
             l.picAntiClockw = l.picClockw = LearnLight::red;
         }
     }
-    l.lstMidiInDump.push_back(m.MIDIFull);
+    addToMonitor(m.MIDIFull);
     l.flashing = m.MIDIFull == l.MIDILearnUp ? -1 : m.MIDIFull == l.MIDILearnDown ? 1 : 0;
 }
 
 void learnFader(const Heard& m) {
     Learning& l = MIDILearn;
-    l.lstMidiInDump.push_back(m.MIDIFull);
+    addToMonitor(m.MIDIFull);
     if (l.lstMidiInDump.size() == 1) l.MIDILearnDown = m.MIDIShort;
     if (m.MIDIShort == l.MIDILearnDown)
         l.SlideFader = l.ckReverse ? kLargestData - m.MIDIVelocity : m.MIDIVelocity;
@@ -59,7 +68,7 @@ void AnalyzeMIDI(const Heard& m) {
 
 void learnButton(const Heard& m) {
     Learning& l = MIDILearn;
-    l.lstMidiInDump.push_back(m.MIDIFull);
+    addToMonitor(m.MIDIFull);
     if (l.lstMidiInDump.size() == 2) AnalyzeMIDI(m);
     if (m.MIDIFull == l.MIDILearnUp) {
         l.Picture1 = LearnLight::red;

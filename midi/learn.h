@@ -41,8 +41,8 @@ struct Learning {
 
     std::vector<const char*> rowLabels;  ///< language keys of the output rows, at most four
     std::array<MessageRow, kOutputRows> rows;
-    std::array<MessageRow, kOutputRows> clipboard;  ///< what btClearOut took out of a row
-    bool copyFromPrevious = false;                  ///< btCpyPrev can be pressed
+    bool MIDILearnAllSame = false;  ///< OK found four equal messages
+    bool copyFromPrevious = false;  ///< btCpyPrev can be pressed
 };
 extern Learning MIDILearn;
 

@@ -1,4 +1,6 @@
 #include "ui/wiring.h"
+#include "ui/windows/midi_learn.h"
+#include "ui/windows/midi_settings_window.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -81,6 +83,8 @@ void wireDisplay() {
         };
     }
     onLeftPress(d.lblErr, ErrClick);
+    onLeftPress(d.lblMIDIIcon, OpenMidiSettings);
+    onLeftPress(d.lblMIDIDevice, OpenMidiSettings);
 }
 
 void wirePalettes() {
@@ -143,6 +147,17 @@ void wireToggle(Control& control, Toggle toggle, void (*handler)()) {
     };
 }
 
+/// A control that a surface can be taught: the right button opens the menu for it.
+void wireLearning(Control& control) {
+    control.onMouseUp = [name = control.name, before = control.onMouseUp](const MouseEvent& e) {
+        if (e.button == MouseButton::right) {
+            OpenLearnMenu(name);
+        } else if (before) {
+            before(e);
+        }
+    };
+}
+
 void wireKeys() {
     KeyControls& k = frmMain().keys;
     wireToggle(k.ckAutoRep, Toggle::autoRepeat, CkAutoRepTog);
@@ -161,8 +176,15 @@ void wireKeys() {
     onLeftPress(k.btMicTO, [] { guarded(".btMicTO_MouseDown", TalkOverTog); });
     k.btStop.onMouseDown = btStop_MouseDown;
     k.btStop.onMouseUp = btStop_MouseUp;
+    // The page of the surface is the first of the settings that there is.
+    k.btSettings.onClick = OpenMidiSettings;
     k.btExit.onMouseDown = btExit_MouseDown;
     k.btExit.onMouseUp = btExit_MouseUp;
+    PaletteTab& t = frmMain().palettes;
+    for (Control* c : {&k.ckAutoRep, &k.ckTouch, &k.ckAutoMix, &k.btStop, &k.btMicPush, &k.btMicTO, &t.btUp,
+                       &t.btDn, &t.lstPal}) {
+        wireLearning(*c);
+    }
 }
 
 void wireWindow() {
@@ -232,10 +254,9 @@ void disableWhatIsToCome() {
     MainWindow& w = frmMain();
     AnnouncerTab& a = w.announcer;
     LiveTab& l = w.live;
-    for (Control* c :
-         {&a.ckTmAnn, &a.b_tmAnJin, &a.b_tmAnJinAM, &a.DTMinute, &a.DTSecond, &a.DTDelay, &l.cmbStream,
-          &l.ckPlayStream, &l.btRemUrl, &l.ckMixByTa, &l.ckAutoDuckLive, &l.SlideVolLive, &l.btCoefVolLive,
-          &w.options.ckFXI, &w.keys.btSettings, &w.palettes.btSearchJingle}) {
+    for (Control* c : {&a.ckTmAnn, &a.b_tmAnJin, &a.b_tmAnJinAM, &a.DTMinute, &a.DTSecond, &a.DTDelay,
+                       &l.cmbStream, &l.ckPlayStream, &l.btRemUrl, &l.ckMixByTa, &l.ckAutoDuckLive,
+                       &l.SlideVolLive, &l.btCoefVolLive, &w.options.ckFXI, &w.palettes.btSearchJingle}) {
         c->enabled = false;
     }
     w.palettes.txtSave.enabled = false;

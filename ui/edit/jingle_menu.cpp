@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "midi/assignments.h"
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/state.h"
@@ -28,6 +29,7 @@
 #include "ui/screen/button_faces.h"
 #include "ui/screen/captions.h"
 #include "ui/screen/shaded.h"
+#include "ui/windows/midi_learn.h"
 
 namespace zv {
 
@@ -140,6 +142,9 @@ void OpenJingleMenu(int index) {
             "mnuNoStop", filled && single, [] { clNoStopSet(MenuJ); }, noSeq, j.PlayMod == PlayMode::noStop);
         // The jingle editor is shown where it will stand.
         menu.add("mnuFX", filled || playing, editEffects, false, b != nullptr && b->fx_Jingle.visible);
+        menu.add(
+            "mnuMIDI", !SelectorsShown && MidiLearnOffered(), [] { clMIDI("b_Jingle", MenuJ); }, true,
+            HasMIDIAssignment(index));
         menu.line();
         menu.add("mnuJPath", filled || playing || (missing && j.Unplayable),
                  [] { openDocument(GetPath(GetFullPath(Jingle(MenuJ).Path))); });

@@ -29,6 +29,7 @@
 #include "ui/screen/layout.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/windows/console_window.h"
+#include "ui/windows/midi_settings_window.h"
 #include "ui/windows/shortcuts_window.h"
 
 namespace zv {
@@ -136,9 +137,11 @@ bool act(Action action, int argument, int velocity) {
     switch (action) {
         case Action::none:
         case Action::minimalView:
-        case Action::settings:
         case Action::search:
             break;
+        case Action::settings:
+            OpenMidiSettings();
+            return true;
         case Action::play:
         case Action::press:
         case Action::release:

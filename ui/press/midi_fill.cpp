@@ -6,6 +6,8 @@
 #include "platform/controls.h"
 #include "ui/screen/layout.h"
 #include "ui/screen/midi_status.h"
+#include "ui/windows/midi_learn.h"
+#include "ui/windows/midi_settings_window.h"
 
 namespace zv {
 
@@ -16,6 +18,7 @@ constexpr int kSliderAlone = 5175, kSliderBesideKey = 4215;
 constexpr int kValueAlone = 4770, kValueBesideKey = 3810, kParked = -75000;
 
 void showFaderKeys(bool on) {
+    ShowMidiLists();
     Control* volume = findControl("SlideVol");
     if (volume == nullptr || volume->width != (on ? kSliderAlone : kSliderBesideKey)) {
         return;
@@ -58,6 +61,9 @@ void FillMidiUpcalls() {
     midiUpcalls.layoutAll = [] { FormDraw("init"); };
     midiUpcalls.faderLearning = showFaderKeys;
     midiUpcalls.showVolume = showVolume;
+    midiUpcalls.learnChanged = ShowLearn;
+    midiUpcalls.listsChanged = ShowMidiLists;
+    midiUpcalls.enableGroup = [](MidiGroup, bool) { ShowMidiLists(); };
     midiUpcalls.showAutoMixTime = [](int ms) {
         if (Control* field = findControl("TxtAmix")) {
             field->caption = std::to_string(ms);

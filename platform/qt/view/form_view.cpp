@@ -336,7 +336,11 @@ QWidget* FormView::makeCard(const FormCard& card, Column& column) {
     rows->setContentsMargins(side, end, side, end);
     rows->setSpacing(card.gap);
     bool grows = false;
-    if (QWidget* title = text(card.title, static_cast<int>(Dress::cardTitle))) rows->addWidget(title);
+    if (QWidget* title = text(card.title, static_cast<int>(Dress::cardTitle))) {
+        title->setSizePolicy(QSizePolicy::Preferred,
+                             QSizePolicy::Minimum);  // never squeezed: the card scrolls
+        rows->addWidget(title);
+    }
     for (const FormRow& row : card.rows) {
         rows->addWidget(makeRow(row, column), row.grows ? 1 : 0);
         grows = grows || row.grows;
@@ -381,7 +385,8 @@ QWidget* FormView::addCell(QBoxLayout& into, const FormCell& cell, const FormRow
     QWidget& w = view->widget;
     const bool stretched = cell.width == kRestOfRow || (cell.width == 0 && stretches(record.kind));
     if (record.kind == ControlKind::label) {
-        w.setSizePolicy(stretched ? QSizePolicy::Ignored : QSizePolicy::Preferred, QSizePolicy::Preferred);
+        w.setSizePolicy(stretched ? QSizePolicy::Ignored : QSizePolicy::Preferred,
+                        stretched ? QSizePolicy::Preferred : QSizePolicy::Minimum);
         if (stretched) wrapping_.push_back(&w);
     }
     if (stretched && record.kind != ControlKind::label)
