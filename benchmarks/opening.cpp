@@ -23,24 +23,35 @@ namespace fs = std::filesystem;
 
 constexpr int kFiles = 96;
 
-/// 96 copies of a three-minute mp3 in a folder that goes with it.
+/// A folder of the measurement's own, gone with it.
+class Folder {
+  public:
+    Folder() : path_(fs::temp_directory_path() / ("zentrova-bench-" + std::to_string(getpid()))) {
+        fs::create_directories(path_);
+    }
+    ~Folder() {
+        std::error_code ignored;
+        fs::remove_all(path_, ignored);
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+
+  private:
+    fs::path path_;
+};
+
+/// 96 copies of a three-minute mp3.
 class Files {
   public:
-    Files() : folder_(fs::temp_directory_path() / ("zentrova-bench-" + std::to_string(getpid()))) {
-        fs::create_directories(folder_);
+    Files() {
         const std::string make =
             "ffmpeg -v error -y -f lavfi -i anoisesrc=d=180:c=pink:a=0.3:r=44100 -ac 2 -b:a 128k '" +
             path(0) + "'";
         if (std::system(make.c_str()) != 0) throw std::runtime_error("ffmpeg could not make a test file");
         for (int k = 1; k < kFiles; ++k) fs::copy_file(path(0), path(k));
     }
-    ~Files() {
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
-    }
-    Files(const Files&) = delete;
-    Files& operator=(const Files&) = delete;
-    std::string path(int k) const { return (folder_ / (std::to_string(k) + ".mp3")).string(); }
+    std::string path(int k) const { return folder_ / (std::to_string(k) + ".mp3"); }
     /// Out of the system's memory, as after the machine was switched on.
     void cool() const {
         for (int k = 0; k < kFiles; ++k) {
@@ -53,7 +64,7 @@ class Files {
     }
 
   private:
-    fs::path folder_;
+    Folder folder_;
 };
 
 double residentMegabytes() {
@@ -120,7 +131,49 @@ void opening() {
     atMost("open-96-memory", *std::max_element(memories.begin(), memories.end()), "MB", 400);
 }
 
+/// One file of a kind, three minutes and half an hour long, by the processor time that opening it takes.
+struct Kind {
+    const char* name;
+    const char* arguments;  ///< to ffmpeg
+    bool joins = true;      ///< the long file may be made of copies of the short one
+};
+constexpr Kind kinds[] = {{"tag.mp3", "-b:a 128k"},        {"untagged.mp3", "-b:a 128k -write_xing 0"},
+                          {"vorbis.ogg", "-q:a 5"},        {"opus.ogg", "-c:a libopus"},
+                          {"aac.m4a", "-c:a aac"},         {"whole.flac", "", false},
+                          {"windows.wma", "-q:a 5"},       {"opus.webm", "-c:a libopus"},
+                          {"vorbis.mkv", "-c:a libvorbis"}};
+
+double openingWork(engine::DecoderSource& decoders, const std::string& path) {
+    std::vector<double> works;
+    for (int run = 0; run < 5; ++run) {
+        int error = 0;
+        const double begin = threadSeconds();
+        if (!decoders.openFile(path, error)) throw std::runtime_error("a test file did not open");
+        works.push_back((threadSeconds() - begin) * 1000);
+    }
+    return median(works);
+}
+
+void openingKinds() {
+    const Folder folder;
+    const auto decoders = makeFileDecoders();
+    const std::string noise = "ffmpeg -v error -y -f lavfi -i anoisesrc=c=pink:a=0.1:r=44100:d=";
+    for (const Kind& kind : kinds) {
+        const std::string name = kind.name, brief = folder / name, lasting = folder / ("30-" + name);
+        const std::string arguments = std::string(" -ac 2 ") + kind.arguments + " ";
+        const std::string copies = "ffmpeg -v error -y -stream_loop 9 -i " + brief + " -c copy " + lasting;
+        if (std::system((noise + "180" + arguments + brief).c_str()) != 0 ||
+            std::system((kind.joins ? copies : noise + "1800" + arguments + lasting).c_str()) != 0) {
+            missing("open-3min-" + name, "ffmpeg could not make it");
+            continue;
+        }
+        atMost("open-3min-" + name, openingWork(*decoders, brief), "ms", 15);
+        atMost("open-30min-" + name, openingWork(*decoders, lasting), "ms", 100);
+    }
+}
+
 const Known knows("open-96", opening);
+const Known knowsKinds("open-kinds", openingKinds);
 
 }  // namespace
 }  // namespace zv::bench

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/ffmpeg/ogg_codecs.h"
+#include "platform/ffmpeg/xiph_codec.h"
 
 namespace zv {
 namespace {
@@ -44,7 +44,7 @@ class Surveyor {
         if (codec_ || over_) return;
         std::size_t size = 0;
         for (std::size_t k = 0; k < page.segments; ++k) size += page.lacing[k];
-        codec_ = OggCodec::begin(bytes_->read(page.body, size));
+        codec_ = XiphCodec::begin(bytes_->read(page.body, size));
         serial_ = page.serial;
     }
 
@@ -72,9 +72,9 @@ class Surveyor {
             partStart_ = file_.pieces.size();
             head_.clear();
         }
-        if (head_.size() < OggCodec::headBytes) {
+        if (head_.size() < XiphCodec::headBytes) {
             const auto some = bytes_->read(
-                piece.byte, std::min<std::size_t>(piece.size, OggCodec::headBytes - head_.size()));
+                piece.byte, std::min<std::size_t>(piece.size, XiphCodec::headBytes - head_.size()));
             head_.insert(head_.end(), some.begin(), some.end());
         }
         file_.pieces.push_back(piece);
@@ -171,7 +171,7 @@ class Surveyor {
 
     ByteWindow* bytes_;
     OggFile file_;
-    std::optional<OggCodec> codec_;                        ///< of the stream that is taken
+    std::optional<XiphCodec> codec_;                       ///< of the stream that is taken
     std::shared_ptr<const AVCodecParameters> parameters_;  ///< of it, behind its headers
     std::uint32_t serial_ = 0, nextNumber_ = 0;
     bool beginnings_ = false;  ///< only first pages of streams so far

@@ -5,6 +5,8 @@
 #include <numeric>
 #include <string_view>
 
+#include "platform/ffmpeg/xiph_codec.h"
+
 namespace zv {
 namespace {
 
@@ -60,14 +62,15 @@ std::int64_t framesOfWindowsMedia(const AVCodecContext& codec, const AVPacket& p
     return frames;
 }
 
-/// Frames of a packet's sound as its header tells; 0 unknown.
-std::int64_t framesByHeader(const AVCodecContext& codec, const AVCodecParameters& parameters,
-                            const AVPacket& packet) {
-    if (codec.codec_id == AV_CODEC_ID_WMAV1 || codec.codec_id == AV_CODEC_ID_WMAV2)
-        return framesOfWindowsMedia(codec, packet);
-    // Their packets vary in length, and only the container's stamps tell by how much.
-    if (codec.codec_id == AV_CODEC_ID_VORBIS || codec.codec_id == AV_CODEC_ID_OPUS) return 0;
-    return av_get_audio_frame_duration2(const_cast<AVCodecParameters*>(&parameters), packet.size);
+/// Frames of a packet's sound as its header tells; 0 unknown. `xiph` follows the packets of such a codec.
+std::int64_t framesByHeader(const MediaInput& input, std::optional<XiphCodec>& xiph) {
+    const AVPacket& packet = input.packet();
+    if (xiph) return xiph->framesOf({packet.data, static_cast<std::size_t>(packet.size)});
+    const AVCodecID codec = input.codec().codec_id;
+    if (codec == AV_CODEC_ID_WMAV1 || codec == AV_CODEC_ID_WMAV2)
+        return framesOfWindowsMedia(input.codec(), packet);
+    if (codec == AV_CODEC_ID_VORBIS) return 0;  // with headers that make no sense
+    return av_get_audio_frame_duration2(input.stream().codecpar, packet.size);
 }
 
 }  // namespace
@@ -109,12 +112,12 @@ std::optional<PacketMap> PacketMap::survey(MediaInput& input) {
     Pass pass;
     std::vector<float> sound;
     bool heard = false;
+    auto xiph = XiphCodec::of(*input.stream().codecpar);
     while (input.readPacket()) {
         const AVPacket& packet = input.packet();
         const std::size_t index = pass.packets.size();
         pass.packets.push_back({stampOfPacket(packet), packet.duration < largestStamp ? packet.duration : 0,
-                                framesByHeader(input.codec(), *input.stream().codecpar, packet), packet.pos,
-                                packet.size});
+                                framesByHeader(input, xiph), packet.pos, packet.size});
         pass.discard = discardsSoFar(pass.discard, packet);
         const bool probe = heard ? index < pass.firstSound + probedYields : index < probedPackets;
         if (!probe) {

@@ -11,7 +11,7 @@
 namespace zv::test {
 namespace {
 
-constexpr std::size_t seekTrials = 40;
+constexpr std::size_t seekTrials = 12;
 constexpr std::size_t seekRead = 700;  // frames
 
 struct FileKind {
@@ -66,7 +66,6 @@ const FileKind kinds[] = {
      .longer = std::nullopt,
      .tolerance = rounding},
     {.name = "lossy.m4a", .arguments = "-c:a aac -aac_pns 0", .tolerance = rounding},
-    {.name = "lossy.mp4", .arguments = "-c:a aac -aac_pns 0", .tolerance = rounding},
     {.name = "phone.3gp", .arguments = "-c:a aac -aac_pns 0", .channels = 1, .tolerance = rounding},
     {.name = "stream.aac",
      .arguments = "-c:a aac -aac_pns 0",
@@ -80,11 +79,6 @@ const FileKind kinds[] = {
      .tolerance = rounding},
     {.name = "one.asf",
      .arguments = "-c:a wmav1",
-     .late = std::nullopt,
-     .longer = std::nullopt,
-     .tolerance = rounding},
-    {.name = "film.wmv",
-     .arguments = "-c:a wmav2",
      .late = std::nullopt,
      .longer = std::nullopt,
      .tolerance = rounding},

@@ -69,7 +69,7 @@ TEST_P(Loops, EveryFrameIsTheOneOfAPlainDecode) {
     std::uint64_t at = 0, start = 0, end = length;
     bool loop = false;
     std::vector<float> part;
-    for (int turn = 0; turn < 300; ++turn) {
+    for (int turn = 0; turn < 200; ++turn) {
         const std::uint64_t somewhere = random() % length, near = random() % 200;
         switch (random() % 8) {
             case 0:

@@ -1,4 +1,4 @@
-#include "platform/ffmpeg/ogg_codecs.h"
+#include "platform/ffmpeg/xiph_codec.h"
 
 #include <algorithm>
 #include <bit>
@@ -47,8 +47,8 @@ std::int64_t framesOfFlac(Bytes head) {
 
 }  // namespace
 
-std::optional<OggCodec> OggCodec::begin(Bytes first) {
-    OggCodec codec;
+std::optional<XiphCodec> XiphCodec::begin(Bytes first) {
+    XiphCodec codec;
     if (beginsWith(first, "\x01vorbis") && first.size() >= 16) {
         codec.id_ = AV_CODEC_ID_VORBIS;
         codec.channels_ = first[11];
@@ -75,7 +75,7 @@ std::optional<OggCodec> OggCodec::begin(Bytes first) {
     return codec;
 }
 
-bool OggCodec::takeHeader(Bytes packet) {
+bool XiphCodec::takeHeader(Bytes packet) {
     const bool more = id_ == AV_CODEC_ID_FLAC
                           ? packet.empty() || packet[0] != 0xFF
                           : headers_.size() < (id_ == AV_CODEC_ID_OPUS ? opusHeaders : vorbisHeaders);
@@ -84,7 +84,7 @@ bool OggCodec::takeHeader(Bytes packet) {
     return more;
 }
 
-std::shared_ptr<const AVCodecParameters> OggCodec::parameters() {
+std::shared_ptr<const AVCodecParameters> XiphCodec::parameters() {
     std::vector<std::uint8_t> extra;
     if (id_ == AV_CODEC_ID_VORBIS) {
         if (headers_.size() < vorbisHeaders) return nullptr;
@@ -112,16 +112,25 @@ std::shared_ptr<const AVCodecParameters> OggCodec::parameters() {
     if (!result->extradata) return nullptr;
     std::copy(extra.begin(), extra.end(), result->extradata);
     result->extradata_size = static_cast<int>(extra.size());
-    if (id_ == AV_CODEC_ID_VORBIS) {
-        vorbis_.reset(av_vorbis_parse_init(result->extradata, result->extradata_size),
-                      [](AVVorbisParseContext* context) { av_vorbis_parse_free(&context); });
-        if (!vorbis_) return nullptr;
-    }
+    if (id_ == AV_CODEC_ID_VORBIS && !prepareVorbis(*result)) return nullptr;
     headers_.clear();
     return result;
 }
 
-std::int64_t OggCodec::framesOf(Bytes head) {
+std::optional<XiphCodec> XiphCodec::of(const AVCodecParameters& parameters) {
+    XiphCodec codec;
+    codec.id_ = parameters.codec_id;
+    const bool vorbis = codec.id_ == AV_CODEC_ID_VORBIS && codec.prepareVorbis(parameters);
+    return vorbis || codec.id_ == AV_CODEC_ID_OPUS ? std::optional(codec) : std::nullopt;
+}
+
+bool XiphCodec::prepareVorbis(const AVCodecParameters& parameters) {
+    vorbis_.reset(av_vorbis_parse_init(parameters.extradata, parameters.extradata_size),
+                  [](AVVorbisParseContext* context) { av_vorbis_parse_free(&context); });
+    return vorbis_ != nullptr;
+}
+
+std::int64_t XiphCodec::framesOf(Bytes head) {
     if (id_ == AV_CODEC_ID_OPUS) return framesOfOpus(head);
     if (id_ == AV_CODEC_ID_FLAC) return framesOfFlac(head);
     const int frames = av_vorbis_parse_frame(vorbis_.get(), head.data(), static_cast<int>(head.size()));

@@ -1,4 +1,4 @@
-/// What the packets of the codecs in Ogg files tell of themselves: Vorbis, Opus, FLAC. Private to platform/ffmpeg.
+/// What packets of Vorbis, Opus and FLAC tell of themselves without being decoded. Private to platform/ffmpeg.
 #pragma once
 
 #include <cstdint>
@@ -11,11 +11,14 @@
 
 namespace zv {
 
-/// One stream's codec, from its header packets.
-class OggCodec {
+/// One stream's codec, from its header packets or from a container that holds them.
+class XiphCodec {
   public:
     /// Nothing for a first packet of another kind.
-    static std::optional<OggCodec> begin(std::span<const std::uint8_t> firstPacket);
+    static std::optional<XiphCodec> begin(std::span<const std::uint8_t> firstPacket);
+
+    /// Nothing where packets cannot be counted by their first bytes.
+    static std::optional<XiphCodec> of(const AVCodecParameters& parameters);
 
     /// Takes one packet more. True for a header, false for the first packet of sound.
     bool takeHeader(std::span<const std::uint8_t> packet);
@@ -32,6 +35,8 @@ class OggCodec {
     static constexpr std::size_t headBytes = 16;  ///< of a packet, enough for framesOf()
 
   private:
+    bool prepareVorbis(const AVCodecParameters& parameters);
+
     AVCodecID id_ = AV_CODEC_ID_NONE;
     std::uint32_t rate_ = 0, channels_ = 0, bits_ = 0, skip_ = 0;
     std::vector<std::vector<std::uint8_t>> headers_;
