@@ -9,7 +9,9 @@
 
 #include "audio/automix.h"
 #include "audio/devices.h"
+#include "audio/streams.h"
 #include "audio/upcalls.h"
+#include "audio/waiting_press.h"
 #include "engine/bass.h"
 #include "model/jingle.h"
 #include "model/state.h"
@@ -189,6 +191,12 @@ void clPlay(int index, int velocity) {
         LastPlayedJ = index;
         if (MIDILearnActive) return;
         if (velocity < 0 || velocity > kFullVelocity) velocity = kFullVelocity;
+        if (SlotOpening(index) && Jingle(index).hPlay == 0) {
+            KeepWaitingPress(index, velocity);
+            HurrySlot(index);
+            callUp(audioUpcalls.slotWaits, index);
+            return;
+        }
         if (settings.AutoMix == kAutomixCrossfade) FadeOthers(index);
         if (Jingle(index).hPlay == 0) return;
         if (settings.MinimalView == 1 && ClockShown) callUp(audioUpcalls.hideClock);
@@ -201,7 +209,7 @@ void clPlay(int index, int velocity) {
 
 void clTouchStop(int index) {
     guarded("modClick.clTouchStop", [&] {
-        if (!inRange(index)) return;
+        if (!inRange(index) || TakeWaitingPress(index)) return;
         JingleRecord& j = Jingle(index);
         if (!SelectorsOn) callUp(audioUpcalls.feedback, index, Feedback::stopping);
         trace(index, " clTouchStop ");
@@ -225,6 +233,7 @@ void evStop() {
     guarded("modClick.evStop", [] {
         if (MIDILearnActive) return;
         LastCtrl = "evStop";
+        DropWaitingPresses();
         for (const int i : LiveJingles())
             if (Jingle(i).hPlay != 0) BASS_ChannelStop(Jingle(i).hPlay);
         callUp(audioUpcalls.stopAnnouncer);

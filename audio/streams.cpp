@@ -2,19 +2,25 @@
 #include "audio/streams.h"
 
 #include <algorithm>
+#include <array>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "audio/devices.h"
 #include "audio/effects.h"
 #include "audio/upcalls.h"
+#include "audio/waiting_press.h"
 #include "engine/bass.h"
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/palette_lines.h"
 #include "model/slot_keys.h"
 #include "model/state.h"
+#include "platform/jobs.h"
 #include "platform/paths.h"
+#include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/settings.h"
@@ -48,12 +54,38 @@ void freeChannel(std::uint32_t handle) {
     BASS_MusicFree(handle);
 }
 
+/// A source that a worker has opened, freed unless a slot takes it.
+class OpenedSource {
+  public:
+    OpenedSource() = default;
+    explicit OpenedSource(std::uint32_t handle) : handle_(handle) {}
+    OpenedSource(OpenedSource&& other) noexcept : handle_(std::exchange(other.handle_, 0)) {}
+    OpenedSource& operator=(OpenedSource&& other) noexcept {
+        std::swap(handle_, other.handle_);
+        return *this;
+    }
+    ~OpenedSource() { freeChannel(handle_); }
+    std::uint32_t take() { return std::exchange(handle_, 0); }
+
+  private:
+    std::uint32_t handle_ = 0;
+};
+
+/// What a worker found where a slot's file should be.
+struct Opening {
+    OpenedSource source;
+    bool missing = false;
+    int error = BASS_OK;  ///< the engine's, when there is no source
+};
+
+std::array<Job, kJingles> openings;
+
 double lengthOf(std::uint32_t channel) {
     const QWORD length = channel == 0 ? BASS_NO_POSITION : BASS_ChannelGetLength(channel, BASS_POS_BYTE);
     return length == BASS_NO_POSITION ? 0 : static_cast<double>(length);
 }
 
-/// Opens the file as a sound, else as a tracker module; 0 with the engine's code in `error`.
+/// Opens the file as a sound, else as a tracker module; 0 with the engine's code in `error`. [worker]
 std::uint32_t openSource(const std::string& file, int& error) {
     std::uint32_t source =
         BASS_StreamCreateFile(false, file.c_str(), 0, 0, BASS_STREAM_DECODE | BASS_UNICODE);
@@ -139,24 +171,24 @@ void buildChannel(int index) {
     }
 }
 
-void openSlot(int index) {
+/// Asks the disk, however long it takes. [worker]
+Opening openFileOf(const std::string& path, bool open) {
+    Opening found;
+    const std::string full = GetFullPath(path);
+    found.missing = !FileExists(full);
+    if (open) found.source = OpenedSource(openSource(nativePath(full).string(), found.error));
+    return found;
+}
+
+/// The slot takes over what was found.
+void fillSlot(int index, Opening& found) {
     JingleRecord& j = Jingle(index);
-    if (j.Path.empty()) {
-        FreeJingle(index);
-        callUp(audioUpcalls.slotReset, index);
-        return;
-    }
-    if (j.PlayingOtherPal) return;
-    const std::string full = GetFullPath(j.Path);
-    const std::string file = nativePath(full).string();
-    j.MissingFile = !FileExists(full);
+    j.MissingFile = found.missing;
     if (j.MissingFile) callUp(audioUpcalls.fileMissing, index);
     if (sounds(j.hPlay)) return;
-    FreeJingle(index);
-    int error = BASS_OK;
-    j.hSrc = openSource(file, error);
+    j.hSrc = found.source.take();
     if (j.hSrc == 0) {
-        openFailed(index, error);
+        openFailed(index, found.error);
         return;
     }
     callUp(audioUpcalls.feedback, index, Feedback::loaded);
@@ -177,11 +209,46 @@ void openSlot(int index) {
     buildChannel(index);
 }
 
+/// A press that waited for the slot is done now, or told that it cannot be.
+void servePress(int index) {
+    const std::optional<int> velocity = TakeWaitingPress(index);
+    if (!velocity) return;
+    if (Jingle(index).hPlay == 0)
+        Error_("Can't play jingle stream from the main button palette");
+    else
+        callUp(audioUpcalls.pressReady, index, *velocity);
+}
+
+void openSlot(int index) {
+    JingleRecord& j = Jingle(index);
+    if (j.Path.empty()) {
+        FreeJingle(index);
+        callUp(audioUpcalls.slotReset, index);
+    }
+    if (j.Path.empty() || j.PlayingOtherPal) {
+        callUp(audioUpcalls.slotOpened, index);
+        return;
+    }
+    const bool open = !sounds(j.hPlay);
+    if (open) FreeJingle(index);
+    // In a rehearsal a slot is ready at once.
+    openings[static_cast<std::size_t>(index)] = startJob<Opening>(
+        "modClick.openStreams", [path = j.Path, open](JobWork&) { return openFileOf(path, open); },
+        [index](Opening found) {
+            guarded("modClick.openStreams", [&] { fillSlot(index, found); });
+            callUp(audioUpcalls.slotOpened, index);
+            servePress(index);
+        },
+        JobLane::soon, 0);
+}
+
 }  // namespace
 
 void FreeJingle(int index) {
     if (!inRange(index)) return;
     JingleRecord& j = Jingle(index);
+    openings[static_cast<std::size_t>(index)].cancel();
+    TakeWaitingPress(index);
     freeChannel(j.hPlay);
     freeChannel(j.hSrc);
     j.hPlay = 0;
@@ -194,6 +261,8 @@ void FreeJingle(int index) {
 
 void ClearRecord(int index) {
     if (!inRange(index)) return;
+    openings[static_cast<std::size_t>(index)].cancel();
+    TakeWaitingPress(index);
     JingleRecord& j = Jingle(index);
     j = JingleRecord();
     j.BackRGB = BtnFaceColor;
@@ -234,8 +303,13 @@ void openStreams(int index) {
     guarded("modClick.openStreams", [&] {
         if (!exists(index) || Jingle(index).Kind != SlotKind::nothing) return;
         openSlot(index);
-        callUp(audioUpcalls.slotOpened, index);
     });
+}
+
+bool SlotOpening(int index) { return inRange(index) && openings[static_cast<std::size_t>(index)].running(); }
+
+void HurrySlot(int index) {
+    if (inRange(index)) openings[static_cast<std::size_t>(index)].hurry();
 }
 
 double EndOffsetCalc(int index) {

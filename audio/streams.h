@@ -9,9 +9,13 @@ namespace zv {
 /// `isHot` (numbers less 96). A slot that still sounds keeps its record and is marked PlayingOtherPal. A slot
 /// without a usable path becomes empty. Nothing when the button does not exist.
 void openNames(int index, const std::string& section, bool isHot);
-/// Opens the channels of a slot and works out what depends on the file. A file that cannot be opened shows on
-/// its button and disturbs nothing else.
+/// Opens the channels of a slot and works out what depends on the file: a worker asks the disk, and the slot is
+/// filled when it has answered. A file that cannot be opened shows on its button and disturbs nothing else.
 void openStreams(int index);
+/// The disk has not answered yet for the slot's file.
+bool SlotOpening(int index);
+/// The slot's file is opened before those of other slots.
+void HurrySlot(int index);
 /// Bytes cut from the end of the playable range.
 double EndOffsetCalc(int index);
 /// Playable seconds, never below 0.

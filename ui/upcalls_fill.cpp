@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "audio/play.h"
 #include "audio/upcalls.h"
 #include "midi/feedback.h"
 #include "model/colours.h"
@@ -152,6 +153,13 @@ void fillAudio() {
         if (Jingle(index).PlayingOtherPal) {
             paintAtRest(index);
         }
+    };
+    audioUpcalls.slotWaits = [](int) { ErrDisp("wait", 0, Ln("errFileWait")); };
+    audioUpcalls.pressReady = [](int index, int velocity) {
+        if (ErrMarkShows("h")) {
+            HideErrMark();
+        }
+        clPlay(index, velocity);
     };
     audioUpcalls.playStarting = showStarting;
     audioUpcalls.playStarted = showStarted;

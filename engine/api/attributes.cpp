@@ -39,7 +39,7 @@ bool slideTempo(Engine& engine, Channel& channel, DWORD attribute, float value, 
         engine.send(command);
     }
     Channel& root = channel.root();
-    if (!root.sound->sounding()) channel.tempo->prime(positionOf(channel));
+    if (!root.sound->sounding()) primeTempo(engine, channel, positionOf(channel));
     engine.workers.wake();
     return succeed(true);
 }

@@ -43,6 +43,12 @@ void sendVoldsp(Engine& engine, Channel& channel, float value, std::uint32_t ms,
     engine.send(command);
 }
 
+void primeTempo(Engine& engine, Channel& channel, std::uint64_t frame) {
+    // What a disk has not given yet is left to the workers: the caller never waits for it.
+    if (channel.tempo && (engine.offline() || channel.root().sound->readyAt(frame)))
+        channel.tempo->prime(frame);
+}
+
 void sendMove(Engine& engine, Channel& channel, std::uint64_t frame) {
     Channel& root = channel.root();
     ControlState& c = root.control;
@@ -52,7 +58,7 @@ void sendMove(Engine& engine, Channel& channel, std::uint64_t frame) {
     if (root.sound) {
         root.sound->setHead(frame);
         if (!root.sound->sounding()) root.sound->setFocus(frame);
-        if (channel.tempo) channel.tempo->prime(frame);
+        primeTempo(engine, channel, frame);
     }
     Command command;
     command.kind = CommandKind::Move;

@@ -11,6 +11,8 @@ namespace zv::engine {
 void sendVolume(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic,
                 bool stops);
 void sendVoldsp(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic);
+/// Makes the stretched sound from `frame` on, if what it is made of is in memory. [control]
+void primeTempo(Engine& engine, Channel& channel, std::uint64_t frame);
 void sendMove(Engine& engine, Channel& channel, std::uint64_t frame);
 void sendPlay(Engine& engine, Channel& channel);
 void sendStop(Engine& engine, Channel& channel);

@@ -37,7 +37,9 @@ bool setLoopPoint(Channel& root, QWORD position, bool end) {
 
 /// What has been read and stretched ahead may be wrong now, and the next wrap near: no worker is waited for.
 void rangeChanged(Engine& engine, Channel& channel) {
-    if (channel.tempo) channel.tempo->work();
+    const auto& sound = channel.root().sound;
+    if (channel.tempo && (engine.offline() || (sound && sound->readyAt(sound->focus()))))
+        channel.tempo->work();
     engine.workers.wake();
 }
 

@@ -8,7 +8,7 @@ using namespace zv::engine;
 namespace {
 
 constexpr std::uint32_t kMostSourceChannels = 32, kMostSourceRate = 768'000;
-constexpr double kPrimeSeconds = 0.15;  ///< of a fresh sound, decoded before its handle is given out
+constexpr double kPrimeSeconds = 0.4;  ///< of a fresh sound, decoded before its handle is given out
 
 bool sound(const SoundFormat& format) {
     return format.rate > 0 && format.rate <= kMostSourceRate && format.channels > 0 &&

@@ -9,29 +9,56 @@
 namespace zv::engine {
 namespace {
 
-constexpr int kThreads = 2;
+constexpr std::size_t kMostThreads = 24;  ///< those that hang included
+constexpr std::int64_t kHangsMs = 60;     ///< a leader that reads for so long is taken over from
+constexpr auto kStopPatience = std::chrono::milliseconds(500);
 constexpr auto kTick = std::chrono::milliseconds(16);  ///< while something sounds
 constexpr std::size_t kMany = 16;                      ///< stretched channels due at once: for more than one
 constexpr auto kIdleTick = std::chrono::milliseconds(250);
 constexpr int kSoon = 100;  ///< urgencies below belong to sounding channels
 
+std::int64_t steadyMs() {
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
 }  // namespace
 
 void Workers::start() {
     assertControlThread();
-    if (!threads_.empty()) return;
-    for (int i = 0; i < kThreads; ++i) threads_.emplace_back([this, i] { run(i > 0); });
+    const std::lock_guard lock(mutex_);
+    if (leader_ != nullptr) return;
+    stopping_ = false;
+    addThread();
+    leader_ = &threads_.back();
+    addThread();
+}
+
+void Workers::addThread() {
+    if (threads_.size() >= kMostThreads) return;
+    Thread& made = threads_.emplace_back();
+    made.thread = std::thread([this, &made] { run(made); });
 }
 
 void Workers::stop() {
+    std::list<Thread> ended;
     {
-        const std::lock_guard lock(mutex_);
+        std::unique_lock lock(mutex_);
         stopping_ = true;
+        wanted_.notify_all();
+        ended_.wait_for(lock, kStopPatience, [&] { return std::ranges::all_of(threads_, &Thread::ended); });
+        for (auto thread = threads_.begin(); thread != threads_.end();) {
+            const auto next = std::next(thread);
+            if (thread->ended)
+                ended.splice(ended.end(), threads_, thread);
+            else if (thread->thread.joinable())
+                thread->thread.detach();
+            thread = next;
+        }
+        leader_ = nullptr;
     }
-    wanted_.notify_all();
-    for (auto& thread : threads_) thread.join();
-    threads_.clear();
-    stopping_ = false;
+    for (Thread& thread : ended)
+        if (thread.thread.joinable()) thread.thread.join();
 }
 
 void Workers::add(const std::shared_ptr<PagedSound>& sound) {
@@ -88,7 +115,14 @@ bool Workers::Work::busy() const {
     return std::ranges::any_of(sounds, [](const auto& sound) { return sound->sounding(); });
 }
 
-bool Workers::serveOnce(const Work& work) {
+bool Workers::Work::mayRead() const {
+    return !tempos.empty() ||
+           std::ranges::any_of(sounds, [](const auto& sound) { return sound->urgency() >= 0; });
+}
+
+bool Workers::serveOnce(const Work& work, bool leader) {
+    // Whoever helps looks on while the leader is at something that may hang.
+    if (leader && work.mayRead()) callHelper();
     for (const auto& tempo : work.tempos) tempo->work();
     // The most urgent page of all sounds, then look anew: a press in between goes first.
     std::vector<std::pair<int, PagedSound*>> order;
@@ -107,28 +141,48 @@ bool Workers::serveOnce(const Work& work) {
     return done;
 }
 
-/// One looks after everything in time; the helper sleeps until there is more than one can do at once.
-void Workers::run(bool helper) {
+bool Workers::leads(const Thread& self) {
+    const std::lock_guard lock(mutex_);
+    if (leader_ == &self) return true;
+    const std::int64_t since = leaderReadsSince_.load(std::memory_order_relaxed);
+    if (stopping_ || since == 0 || steadyMs() - since < kHangsMs) return false;
+    leader_ = &self;
+    leaderReadsSince_.store(0, std::memory_order_relaxed);
+    addThread();
+    return true;
+}
+
+void Workers::run(Thread& self) {
     const FlushToZero flush;
     const ThreadSection worker(ThreadKind::Worker);
-    bool& called = helper ? helpWanted_ : woken_;
-    while (!stopping_) {
-        bool busy = true;
+    for (;;) {
+        bool busy = true, leader = leads(self);
         try {
             const Work work = collect();
-            if (!helper && work.tempos.size() >= kMany) callHelper();
-            if (serveOnce(work)) {
-                if (!helper) callHelper();
+            if (leader && work.tempos.size() >= kMany) callHelper();
+            if (leader) leaderReadsSince_.store(steadyMs(), std::memory_order_relaxed);
+            const bool served = serveOnce(work, leader);
+            leader = leads(self);
+            if (leader) leaderReadsSince_.store(0, std::memory_order_relaxed);
+            if (served) {
+                const std::lock_guard lock(mutex_);
+                if (stopping_) break;
                 continue;
             }
-            busy = !helper && work.busy();
+            busy = leader && work.busy();
         } catch (...) {
             // Out of memory at worst: what is missing stays silent, the next round tries again.
         }
         std::unique_lock lock(mutex_);
-        wanted_.wait_for(lock, busy ? kTick : kIdleTick, [&] { return called || stopping_; });
+        bool& called = leader_ == &self ? woken_ : helpWanted_;
+        const bool watches = leader_ != &self && leaderReadsSince_.load(std::memory_order_relaxed) != 0;
+        wanted_.wait_for(lock, busy || watches ? kTick : kIdleTick, [&] { return called || stopping_; });
         called = false;
+        if (stopping_) break;
     }
+    const std::lock_guard lock(mutex_);
+    self.ended = true;
+    ended_.notify_all();
 }
 
 void Workers::serveBlock() {
@@ -147,7 +201,7 @@ void Workers::serveBlock() {
 
 void Workers::serveAll() {
     assertControlThread();
-    while (serveOnce(collect())) {
+    while (serveOnce(collect(), false)) {
     }
 }
 

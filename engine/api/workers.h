@@ -1,9 +1,13 @@
-/// Two threads that read sounds ahead and stretch. Offline there are none: the render does their work itself,
+/// Threads that read sounds ahead and stretch: one leads and looks after everything in time, one helps when there
+/// is more than one can do. When the leader hangs in a file, as on a disk that does not answer, the helper leads and
+/// another one helps. Offline there are none: the render does their work itself,
 /// so that every run gives the same bits.
 #pragma once
 
 #include <atomic>
 #include <condition_variable>
+#include <cstdint>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -19,6 +23,7 @@ class Workers {
     ~Workers() { stop(); }
     /// [control]
     void start();
+    /// Threads that hang are left behind.
     void stop();
 
     /// Known sounds and tempo processors are served until they are gone. [any but audio]
@@ -35,28 +40,38 @@ class Workers {
     std::size_t memory();
 
   private:
-    void run(bool helper);
+    struct Thread {
+        std::thread thread;
+        bool ended = false;
+    };
+    void run(Thread& self);
+    void addThread();
+    /// Whether the calling thread leads, or takes over from one that hangs.
+    bool leads(const Thread& self);
     void callHelper();
     struct Work {
         std::vector<std::shared_ptr<PagedSound>> sounds;
         std::vector<std::shared_ptr<PagedSound>> read;  ///< by the tempo processors, one each
         std::vector<std::shared_ptr<TempoProcessor>> tempos;
         bool busy() const;
+        bool mayRead() const;  ///< somebody may have to ask a disk
     };
     struct Stretching {
         std::weak_ptr<TempoProcessor> tempo;
         std::weak_ptr<PagedSound> reads;
     };
     Work collect();
-    bool serveOnce(const Work& work);
+    bool serveOnce(const Work& work, bool leader);
 
     std::mutex mutex_;
-    std::condition_variable wanted_;
-    std::atomic<bool> stopping_ = false;
+    std::condition_variable wanted_, ended_;
     bool woken_ = false, helpWanted_ = false;  // of the first thread, and of the other
     std::vector<std::weak_ptr<PagedSound>> sounds_;
     std::vector<Stretching> tempos_;
-    std::vector<std::thread> threads_;
+    std::list<Thread> threads_;
+    const Thread* leader_ = nullptr;
+    bool stopping_ = false;
+    std::atomic<std::int64_t> leaderReadsSince_{0};  ///< steady ms; 0 while the leader reads nothing
 };
 
 }  // namespace zv::engine

@@ -10,6 +10,7 @@ namespace {
 
 constexpr double kHeadSeconds = 0.3;
 constexpr double kAheadSeconds = 0.75;
+constexpr std::uint64_t kLeadFrames = 1024;  ///< in front of a position, which filters read before it
 constexpr double kWholeSeconds = 10.0;
 constexpr std::uint64_t kWholeSamples = 1'200'000;  ///< 4.8 MB
 
@@ -53,9 +54,14 @@ PagedSound::Wanted PagedSound::window(std::uint64_t frame, std::uint64_t pages) 
     return {first, std::min<std::uint64_t>(first + pages, pages_.size())};
 }
 
+PagedSound::Wanted PagedSound::headWindow(std::uint64_t frame) const {
+    const std::uint64_t lead = std::min(frame, kLeadFrames);
+    return window(frame - lead, headPages_ + (lead + kPage - 1) / kPage);
+}
+
 PagedSound::Windows PagedSound::windows() const {
     Windows w;
-    w.head = window(head_.load(std::memory_order_acquire), headPages_);
+    w.head = headWindow(head_.load(std::memory_order_acquire));
     const PlayRange r = range();
     if (r.loop) w.loop = window(r.loopStart, headPages_);
     w.ahead = window(focus(), sounding() ? aheadPages_ : headPages_);
@@ -83,6 +89,13 @@ int PagedSound::urgency() const {
     });
     if (result >= 0 || !keepWhole_) return result;
     return resident_.load(std::memory_order_relaxed) < pages_.size() ? 1000 : -1;
+}
+
+bool PagedSound::readyAt(std::uint64_t frame) const {
+    const Wanted w = headWindow(frame);
+    for (std::uint64_t index = w.first; index < w.last; ++index)
+        if (!page(index)) return false;
+    return true;
 }
 
 bool PagedSound::service() {

@@ -59,6 +59,9 @@ class PagedSound final : public FrameReader {
         return index < pages_.size() ? pages_[index].load(std::memory_order_seq_cst) : nullptr;
     }
 
+    /// Whether the sound around `frame` is in memory: what a stretcher reads to begin there. Never waits. [any]
+    bool readyAt(std::uint64_t frame) const;
+
     /// How soon a page is missing: 0 at once .. higher later; -1 when nothing is missing. [worker]
     int urgency() const;
     /// Loads the most wanted page that is missing and drops what is no longer wanted; false when nothing was
@@ -94,6 +97,7 @@ class PagedSound final : public FrameReader {
 
     Windows windows() const;
     Wanted window(std::uint64_t frame, std::uint64_t pages) const;
+    Wanted headWindow(std::uint64_t frame) const;
     /// Calls `found(page, distance)` for missing pages in the order of their need until it returns true.
     template <typename F>
     bool eachMissing(F found) const;

@@ -55,6 +55,7 @@ class TempoProcessor {
     /// Prepares the sound from `frame` on, so that the restart(frame) that follows is stretched from its
     /// first frame. Takes about a millisecond; nothing to do while neutral. Without it restart() sounds
     /// neutral for the first 50 ms.
+    /// Nothing is primed while a worker is at this channel for long.
     void prime(std::uint64_t frame);
 
     // ---- [audio]
@@ -179,7 +180,7 @@ class TempoProcessor {
     std::atomic<std::uint64_t> heard_{0}, underruns_{0};
     Published published_;
 
-    std::mutex workMutex_;  // of everything below: control and worker
+    std::timed_mutex workMutex_;  // of everything below: control and worker
     std::vector<std::unique_ptr<TempoLane>> lanes_;
     TempoLane* pending_ = nullptr;  // made last
     std::vector<float> old_, search_;

@@ -1,5 +1,6 @@
 // What the worker does for a tempo channel: fills ahead, prepares changes.
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 #include "engine/dsp/denormals.h"
@@ -16,7 +17,8 @@ constexpr double kFadeSeconds = 0.01;
 constexpr std::size_t kLeastFade = 128;  // frames of that, at least
 constexpr double kAheadSeconds = 0.15;   // that a lane keeps rendered
 constexpr double kRefillSeconds = 0.11;  // below which it is filled up
-constexpr double kReadySeconds = 0.06;   // that a lane has when it is offered
+constexpr auto kPrimeWait = std::chrono::milliseconds(5);
+constexpr double kReadySeconds = 0.06;  // that a lane has when it is offered
 constexpr double kRingSeconds = 0.3;
 constexpr double kSearchSeconds = 0.01;  // to either side, for the best place to cross over
 constexpr double kAlike = 0.03;          // pitches so near to each other can be laid over each other
@@ -115,7 +117,8 @@ bool TempoProcessor::offerStands(const TempoLane& lane, const Snapshot& now, con
 void TempoProcessor::prime(std::uint64_t frame) {
     assertNotAudioThread();
     if (!wanted_.load(std::memory_order_acquire)) return;
-    const std::lock_guard lock(workMutex_);
+    const std::unique_lock lock(workMutex_, kPrimeWait);
+    if (!lock) return;
     const Wish wish = this->wish();
     const std::uint64_t time = time_.load(std::memory_order_acquire);
     if ((wish.curve.last().neutral() && !wish.curve.moves(time)) || !stretchers_) return;

@@ -52,24 +52,32 @@ class FolderNames {
   public:
     /// The name in `folder` that differs from `wanted` in case only; empty when there is none.
     std::string find(const fs::path& folder, std::string_view wanted) {
-        std::lock_guard lock(mutex_);
         std::error_code error;
         const fs::file_time_type changed = fs::last_write_time(folder, error);
         if (error) return {};
-        if (folders_.size() > kMostFolders) folders_.clear();
-        Listing& listing = folders_[folder.native()];
-        const bool settled = fs::file_time_type::clock::now() - changed > std::chrono::milliseconds(50);
-        if (listing.changed != changed || !listing.settled) {
-            listing.names.clear();
-            for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
-                std::string name = it->path().filename().native();
-                listing.names.emplace(folded(name), std::move(name));
-            }
-            listing.changed = changed;
-            listing.settled = settled;
+        const auto nameIn = [&](const Listing& listing) {
+            const auto found = listing.names.find(folded(wanted));
+            return found == listing.names.end() ? std::string() : found->second;
+        };
+        {
+            const std::lock_guard lock(mutex_);
+            const auto known = folders_.find(folder.native());
+            if (known != folders_.end() && known->second.changed == changed && known->second.settled)
+                return nameIn(known->second);
         }
-        const auto found = listing.names.find(folded(wanted));
-        return found == listing.names.end() ? std::string() : found->second;
+        // Read without the lock: a disk that does not answer holds up nobody who asks for another folder.
+        Listing listing;
+        for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
+            std::string name = it->path().filename().native();
+            listing.names.emplace(folded(name), std::move(name));
+        }
+        listing.changed = changed;
+        listing.settled = fs::file_time_type::clock::now() - changed > std::chrono::milliseconds(50);
+        const std::string name = nameIn(listing);
+        const std::lock_guard lock(mutex_);
+        if (folders_.size() > kMostFolders) folders_.clear();
+        folders_[folder.native()] = std::move(listing);
+        return name;
     }
 
   private:

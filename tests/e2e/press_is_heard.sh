@@ -6,6 +6,7 @@ set -u
 bin=$(cd "$1" && pwd)
 here=$(cd "$(dirname "$0")" && pwd)
 . "$here/../../tools/own_servers.sh"
+. "$here/window.sh"
 need xdotool parec python3
 own_servers 2
 mkdir -p "$work/home"
@@ -15,31 +16,9 @@ python3 "$here/tone.py" write "$work/home/Audio_Sample/Tone.wav"
 printf '[Test]\r\nPath_0=Audio_Sample\\Tone.wav\r\n' >"$work/home/palette.ini"
 printf '[Settings]\r\nPaletteIndex=Test\r\nConfirmExit=0\r\nCheckUpdate=0\r\nDeviceAux=2\r\nMIDIEnabled=0\r\n' >"$work/home/zv.ini"
 
-# The trace of the start is written when the palette is open.
-"$bin/zentrova" -t --home "$work/home" >"$work/zentrova.log" 2>&1 &
-program=$!
-pids+=($program)
-await test -s "$work/home/Trace_start.log"
+start_program "$bin"
 await sh -c "pactl list short sink-inputs | grep -q ."
-
-# The window is the largest of the program's, once its size has come to rest.
-largest_window() {
-    for id in $(xdotool search --onlyvisible --pid $program --name '^Zentrova' 2>/dev/null); do
-        eval "$(xdotool getwindowgeometry --shell "$id" 2>/dev/null)" && echo "$WIDTH $HEIGHT $id"
-    done | sort -n | tail -1
-}
-before=none
-for _ in $(seq 40); do
-    now=$(largest_window)
-    [ -n "$now" ] && [ "$now" = "$before" ] && break
-    before=$now
-    sleep 0.5
-done
-[ -n "$now" ] || fail "the window did not come"
-read -r WIDTH HEIGHT window <<<"$now"
-
-# The first button stands at the left of the grid, right under the control strip.
-read -r x y < <(python3 "$here/tone.py" button "$WIDTH" "$HEIGHT")
+find_window
 
 # One press and one more, recorded from both sinks: whether both hold the tone, whole and with silence around.
 heard_on_both() {

@@ -31,22 +31,34 @@ def amplitude(left, start, count):
     return 2 * math.hypot(a, b) / count
 
 
-def find(path):
-    """The tone sounds for about 1.2 s at its own level, without a gap, with silence before and after."""
+def levels_from(path, start):
+    """Levels of the tone in blocks of 20 ms, from byte `start` of a recording on."""
     samples = array.array("f")
     with open(path, "rb") as file:
-        raw = file.read()
+        raw = file.read()[start // 8 * 8:]
     samples.frombytes(raw[:len(raw) // 8 * 8])
     left = samples[0::2]
-    block = RATE // 100 * 2  # 20 ms: whole periods of the tone
-    levels = [amplitude(left, i, block) for i in range(0, len(left) - block, block)]
+    block = RATE // 100 * 2  # whole periods of the tone
+    return [amplitude(left, i, block) for i in range(0, len(left) - block, block)]
+
+
+def measure(path, start):
+    """Seconds of tone from byte `start` on, and how many stretches without it lie between."""
+    loud = [level > 0.9 * LEVEL for level in levels_from(path, start)]
+    gaps = sum(1 for i in range(1, len(loud)) if loud[i] and not loud[i - 1] and any(loud[:i]))
+    print(f"{sum(loud) * 0.02:.2f} {gaps}")
+
+
+def find(path):
+    """The tone sounds for about 1.2 s at its own level, without a gap, with silence before and after."""
+    levels = levels_from(path, 0)
     loud = [i for i, level in enumerate(levels) if level > 0.9 * LEVEL]
     if not loud:
         print(f"{path}: loudest {max(levels, default=0):.4f}, wanted {LEVEL}", file=sys.stderr)
         return 1
     first, last = loud[0], loud[-1]
     gaps = [i for i in range(first, last) if abs(levels[i] - LEVEL) > 0.01 * LEVEL]
-    seconds = (last - first + 1) * block / RATE
+    seconds = (last - first + 1) * 0.02
     silent = max(levels[last + 3:], default=0) < 0.001 and first > 0
     print(f"{os.path.basename(path)}: {seconds:.2f} s of tone, {len(gaps)} gaps, silence around: {silent}")
     return 0 if not gaps and 0.8 < seconds < 2.5 and silent else 1
@@ -60,6 +72,8 @@ def button(width, height):
 if __name__ == "__main__":
     if sys.argv[1] == "write":
         write(sys.argv[2])
+    elif sys.argv[1] == "measure":
+        measure(sys.argv[2], int(sys.argv[3]))
     elif sys.argv[1] == "find":
         sys.exit(find(sys.argv[2]))
     else:
