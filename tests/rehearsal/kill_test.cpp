@@ -243,7 +243,7 @@ TEST(Kill, AtAnyMomentCostsNothingThatWasSaved) {
     int status = 0;
     const auto before = Clock::now();
     ::waitpid(studio.begin(studio.session(edits, random)), &status, 0);
-    const auto lasts = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - before).count();
+    auto lasts = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - before).count();
     ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0)
         << contents(studio.home().parent_path() / "killed/events.log");
     edits = studio.look();
@@ -261,6 +261,11 @@ TEST(Kill, AtAnyMomentCostsNothingThatWasSaved) {
             << contents(studio.home().parent_path() / "killed/events.log");
         killed += WIFSIGNALED(status) ? 1 : 0;
         const int now = studio.look();
+        // Sessions take as long as the machine has time: the next kill comes earlier or later accordingly.
+        if (!WIFSIGNALED(status))
+            lasts = lasts * 2 / 3;
+        else if (now == edits)
+            lasts = lasts * 5 / 4;
         EXPECT_GE(now, edits) << "an edit that was saved is lost";
         EXPECT_LE(now, edits + kEdits);
         inTheMiddle += now > edits && now < edits + kEdits ? 1 : 0;

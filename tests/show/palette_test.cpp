@@ -415,7 +415,10 @@ TEST_F(Palette, NonsenseInAFileOpensAsSomethingThatPlays) {
         pass(20);
         EXPECT_TRUE(save());
     }
-    EXPECT_EQ(reports, std::vector<std::string>());
+    // Effects that are no numbers are told; nothing else fails.
+    EXPECT_FALSE(reports.empty());
+    for (const std::string& report : reports)
+        EXPECT_NE(report.find("modClick.openStreams:Button 1: "), std::string::npos) << report;
 }
 
 }  // namespace
