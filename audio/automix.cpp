@@ -1,9 +1,13 @@
 #include "audio/automix.h"
 
 #include "audio/devices.h"
+#include "audio/sounding.h"
+#include "audio/upcalls.h"
 #include "engine/bass.h"
 #include "model/jingle.h"
+#include "model/state.h"
 #include "startup/settings.h"
+#include "startup/upcalls.h"
 
 namespace zv {
 
@@ -17,10 +21,9 @@ DWORD autoFadeAttrib() {
 }
 
 void fadeAway(DWORD channel) {
-    if (channel != 0) {
-        BASS_ChannelSlideAttribute(channel, autoFadeAttrib(), kStopAtEnd,
-                                   static_cast<DWORD>(settings.AutoMixTime));
-    }
+    if (channel == 0) return;
+    BASS_ChannelSlideAttribute(channel, autoFadeAttrib(), kStopAtEnd,
+                               static_cast<DWORD>(settings.AutoMixTime));
 }
 
 }  // namespace
@@ -29,16 +32,24 @@ void NextAutoMix() { settings.AutoMix = (settings.AutoMix + 1) % kModes; }
 
 void FadeOthers(int index) {
     for (const int i : LiveJingles()) {
-        const JingleRecord& j = Jingle(i);
-        if (i != index && j.NoAutomix == 0 && j.hPlay != 0 &&
-            BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_PLAYING) {
-            fadeAway(j.hPlay);
-        }
+        JingleRecord& j = Jingle(i);
+        if (i == index || j.NoAutomix != 0 || !Plays(i)) continue;
+        fadeAway(j.hPlay);
+        j.Leaving = true;
     }
     fadeAway(hTmAnSrc);
-    if (settings.NoAutomixLive == 0) {
-        fadeAway(hLive);
-    }
+    if (settings.NoAutomixLive != 0) return;
+    fadeAway(hLive);
+    callUp(audioUpcalls.streamFades, settings.AutoMixTime);
+}
+
+bool LockRefuses() {
+    if (settings.AutoMix != kAutomixLock) return false;
+    if (DispRemain != 0) return true;
+    // What was started since the display looked counts as well.
+    for (const int i : LiveJingles())
+        if (Jingle(i).Playing && Sounds(i) && PlayTimeOf(i).left > 0) return true;
+    return false;
 }
 
 }  // namespace zv

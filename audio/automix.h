@@ -13,5 +13,7 @@ void NextAutoMix();
 /// The crossfade of a press on `index`: every other jingle that is not exempt, the announcer's jingle and the
 /// live stream fade to their end in AutoMixTime ms.
 void FadeOthers(int index);
+/// The lock is on and something sounds: nothing may start.
+bool LockRefuses();
 
 }  // namespace zv

@@ -210,6 +210,13 @@ void CloseMic() {
     });
 }
 
+int OutputChannels() {
+    constexpr int stereo = 2;
+    BASS_CHANNELINFO info{};
+    return OutSplit[0] != 0 && BASS_ChannelGetInfo(OutSplit[0], &info) ? static_cast<int>(info.chans)
+                                                                       : stereo;
+}
+
 void SetOutputVolume(int output, int percent, int ms) {
     if (single()) {
         if (output == 0)

@@ -40,6 +40,8 @@ void CloseMic();
 void ListOutDev();
 /// Fills the list of inputs and settles the saved one.
 void ListInDev();
+/// Channels of the main output; 2 while there is none.
+int OutputChannels();
 /// Level of an output in percent, reached in `ms`; at once in the single topology, which has output 0 only.
 void SetOutputVolume(int output, int percent, int ms = 50);
 

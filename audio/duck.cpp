@@ -1,17 +1,103 @@
 #include "audio/duck.h"
 
+#include "audio/devices.h"
+#include "audio/levels.h"
+#include "engine/bass.h"
 #include "model/jingle.h"
 #include "model/state.h"
+#include "startup/settings.h"
 
 namespace zv {
 
-void DuckTickBegin() { DuckRemain = 0; }
+bool DuckWanted = false, Ducked = false;
+int DuckTrigger = kNobody;
 
-void DuckTickJingle(int index, double left) {
-    if (Jingle(index).AutoDuck == 1) return;
-    if (DuckRemain == 0 || DuckRemain > left) DuckRemain = left;
+namespace {
+
+constexpr double kMsPerSecond = 1000;
+
+float share(double percent) { return static_cast<float>(percent * 0.01); }
+
+DWORD ms(int value) { return static_cast<DWORD>(value < 0 ? 0 : value); }
+
+bool plays(DWORD channel) { return channel != 0 && BASS_ChannelIsActive(channel) == BASS_ACTIVE_PLAYING; }
+
+double liveVolume() { return settings.VolLive * settings.CoefVolLive; }
+
+void slideLive(DWORD attribute, bool down) {
+    const double volume = liveVolume();
+    BASS_ChannelSlideAttribute(hLive, attribute, share(down ? volume * share(settings.AttnVol) : volume),
+                               ms(down ? settings.FadeOutSpeed : settings.FadeInSpeed));
 }
 
-void DuckTickEnd() {}
+/// All jingles that duck, of the grid and the hot block, whether they sound or not. One that fades to its end
+/// goes on fading.
+void slideJingles(bool down) {
+    for (int i = 0; i <= LastLiveIdx(); ++i) {
+        const JingleRecord& j = Jingle(i);
+        if (j.AutoDuck != 1 || j.hPlay == 0 || j.Leaving) continue;
+        // Up is the jingle's volume on the attribute, on top of its volume effect: 50 % come back as 25.
+        BASS_ChannelSlideAttribute(j.hPlay, BASS_ATTRIB_VOL, share(down ? settings.AttnVol : j.Volm),
+                                   ms(down ? settings.FadeOutSpeed : settings.FadeInSpeed));
+    }
+}
+
+void comeBack(DWORD liveAttribute, bool liveToo) {
+    Ducked = false;
+    DuckWanted = false;
+    if (liveToo && plays(hLive)) slideLive(liveAttribute, false);
+    slideJingles(false);
+}
+
+/// Whole ms of the time that the duck looks at.
+double remainMs() { return static_cast<double>(static_cast<long long>(DuckRemain * kMsPerSecond)); }
+
+void takePart(double left, bool triggers, int who) {
+    if (DuckRemain == 0 || DuckRemain > left) DuckRemain = left;
+    if (!triggers || remainMs() <= settings.FadeInAdvance) return;
+    DuckWanted = true;
+    DuckTrigger = who;
+}
+
+}  // namespace
+
+void DuckTickLevel(int trigLevel) {
+    if (settings.AutoDuckMode != kDuckByLevel) return;
+    DuckWanted = trigLevel >= settings.AutoDuckThreshold;
+    if (!DuckWanted && Ducked) {
+        comeBack(BASS_ATTRIB_VOLDSP, true);
+    } else if (DuckWanted) {
+        DuckTrigger = LoudestTrigger;
+        if (Ducked) return;
+        Ducked = true;
+        if (settings.LiveAutoDuck == 1 && plays(hLive)) slideLive(BASS_ATTRIB_VOLDSP, true);
+        slideJingles(true);
+    }
+}
+
+void DuckTickBegin() {
+    DuckRemain = 0;
+    DuckWanted = false;
+}
+
+void DuckTickJingle(int index, double left) {
+    const JingleRecord& j = Jingle(index);
+    if (j.AutoDuck == 0 || j.AutoDuck == 2) takePart(left, j.NoTrigDuck == 0, index);
+}
+
+void DuckTickAnnouncer(double left) { takePart(left, true, kAnnouncer); }
+
+void DuckTickEnd(bool liveFree) {
+    if (settings.AutoDuckMode == kDuckByTime) {
+        if (remainMs() < settings.FadeInAdvance && Ducked) comeBack(BASS_ATTRIB_VOL, liveFree);
+        if (!DuckWanted) return;
+        // Each tick anew: the way down is a curve that nears its end, and what starts meanwhile goes down too.
+        Ducked = true;
+        slideJingles(true);
+        if (settings.LiveAutoDuck == 1 && liveFree && plays(hLive)) slideLive(BASS_ATTRIB_VOL, true);
+    } else if (settings.AutoDuckMode != kDuckByLevel && Ducked) {
+        comeBack(BASS_ATTRIB_VOLDSP, true);  // the duck was turned off while it held something down
+    }
+}
 
 }  // namespace zv

@@ -1,13 +1,26 @@
-/// Ducking by the time left: what the display's tick gathers for it. [control]
+/// Auto-duck: jingles marked AutoDuck = 1, and the live stream, go down while something louder or more important
+/// sounds. By level (AutoDuckMode 0) the meters' tick decides, by the time left (1) the display's. [control]
 #pragma once
 
 namespace zv {
 
-/// A tick begins: the smallest time left starts anew.
+inline constexpr int kDuckByLevel = 0;  ///< values of settings.AutoDuckMode; any other ducks nothing
+inline constexpr int kDuckByTime = 1;
+
+extern bool DuckWanted, Ducked;
+/// Index of the jingle that pushed the others down, kAnnouncer, kLiveStream or kNobody (audio/levels.h).
+extern int DuckTrigger;
+
+/// The meters have read the trigger level, in units of the bar.
+void DuckTickLevel(int trigLevel);
+
+/// A tick of the display begins.
 void DuckTickBegin();
-/// A sounding jingle with `left` seconds; takes part unless it ducks itself.
+/// A sounding jingle with `left` seconds.
 void DuckTickJingle(int index, double left);
-/// The tick has seen all jingles.
-void DuckTickEnd();
+/// The announcer's voice or jingle sounds, with `left` seconds.
+void DuckTickAnnouncer(double left);
+/// The tick has seen all. `liveFree`: the live stream is not left to the time announcer.
+void DuckTickEnd(bool liveFree);
 
 }  // namespace zv

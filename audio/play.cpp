@@ -43,7 +43,8 @@ bool modifierHeld() { return CtrlDown || ShiftDown || AltDown; }
 
 DWORD ms(std::int32_t value) { return static_cast<DWORD>(std::max(0, value)); }
 
-void fadeAndStop(const JingleRecord& j, DWORD length) {
+void fadeAndStop(JingleRecord& j, DWORD length) {
+    j.Leaving = true;
     BASS_ChannelSlideAttribute(j.hPlay, static_cast<DWORD>(j.FadeAttrib), kStopAtEnd, length);
 }
 
@@ -75,10 +76,11 @@ void setLoops(const JingleRecord& j) {
 /// From rest, or again: what is heard is set before the channel plays, what is told and shown follows it.
 void start(int index, int velocity) {
     JingleRecord& j = Jingle(index);
-    if (settings.AutoMix == kAutomixLock && DispRemain != 0) return;
+    if (LockRefuses()) return;
     const QWORD length = BASS_ChannelGetLength(j.hSrc, BASS_POS_BYTE);
     if (length == 0 || length == BASS_NO_POSITION) return;
     j.Playing = true;
+    j.Leaving = false;
     setLoops(j);
     BASS_ChannelSetPosition(j.hPlay, BytePosition(j.CueStart), BASS_POS_BYTE);
     BASS_ChannelSlideAttribute(j.hPlay, BASS_ATTRIB_VOL, static_cast<float>(velocity) / kFullVelocity,

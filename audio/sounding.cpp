@@ -30,6 +30,15 @@ bool Plays(int index) {
     return channel != 0 && BASS_ChannelIsActive(channel) == BASS_ACTIVE_PLAYING;
 }
 
+double TimeLeftOf(std::uint32_t channel) {
+    if (channel == 0 || BASS_ChannelIsActive(channel) == BASS_ACTIVE_STOPPED) return 0;
+    const QWORD length = BASS_ChannelGetLength(channel, BASS_POS_BYTE);
+    const QWORD position = BASS_ChannelGetPosition(channel, BASS_POS_BYTE);
+    if (length == BASS_NO_POSITION || position >= length) return 0;
+    const double left = hundredths(BASS_ChannelBytes2Seconds(channel, length - position));
+    return left < kSpent ? 0 : left;
+}
+
 PlayTime PlayTimeOf(int index) {
     const JingleRecord& j = Jingle(index);
     const auto length = static_cast<double>(BASS_ChannelGetLength(j.hPlay, BASS_POS_BYTE));
@@ -54,6 +63,7 @@ void PlayEnded(int index) {
     JingleRecord& j = Jingle(index);
     j.State = PlayState::idle;
     j.Playing = false;
+    j.Leaving = false;
     if (j.hPlay != 0) BASS_FXReset(j.hPlay);
     if (!j.PlayingOtherPal) return;
     j.PlayingOtherPal = false;

@@ -1,6 +1,8 @@
 /// Whether a jingle sounds, for how long still, and its end. [control]
 #pragma once
 
+#include <cstdint>
+
 namespace zv {
 
 /// Time of a sounding jingle, in seconds.
@@ -14,6 +16,8 @@ bool Sounds(int index);
 /// It plays now.
 bool Plays(int index);
 PlayTime PlayTimeOf(int index);
+/// Seconds until the end of another channel, as `left` above; 0 when it is silent or has no end.
+double TimeLeftOf(std::uint32_t channel);
 /// A sequence is between the ends of its loop.
 bool InLoop(int index);
 /// A jingle was found silent: its record goes back to rest; a slot of the open palette that it held is opened.

@@ -1,5 +1,6 @@
 #include "audio/talk_over.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "audio/devices.h"
@@ -8,39 +9,62 @@
 
 namespace zv {
 
+bool MicPushed = false, TalkOverOn = false;
+float BusLevel = 1;
+
 namespace {
 
-constexpr DWORD kMicRamp = 50;  // ms
+constexpr DWORD kMicRamp = 50, kInputOffRamp = 10;  // ms
 
 float share(int percent) { return static_cast<float>(percent) / 100.0F; }
 
-/// Slides the jingle bus on the main and the auxiliary output, and the microphone on both: `mic` times its
-/// own level there.
-void slideBuses(float main, float aux, int ms, float mic) {
-    for (std::size_t i = 0; i < MainSplit.size(); ++i) {
+void slideJingles(float main, float aux, int ms) {
+    BusLevel = std::min(main, Device[1] != 0 ? aux : main);
+    for (std::size_t i = 0; i < MainSplit.size(); ++i)
         if (MainSplit[i] != 0)
             BASS_ChannelSlideAttribute(MainSplit[i], BASS_ATTRIB_VOLDSP, i == 0 ? main : aux,
-                                       static_cast<DWORD>(ms));
-        if (MicSplit[i] == 0) continue;
-        const float level = mic * share(i == 0 ? settings.VolumeInMain : settings.VolumeInAux);
-        BASS_ChannelSlideAttribute(MicSplit[i], BASS_ATTRIB_VOLDSP, level, kMicRamp);
-    }
+                                       static_cast<DWORD>(std::max(0, ms)));
+}
+
+/// The microphone on one output, at `mic` times its own level there.
+void slideMic(std::size_t output, float mic, DWORD ms) {
+    if (MicSplit[output] == 0) return;
+    const float level = mic * share(output == 0 ? settings.VolumeInMain : settings.VolumeInAux);
+    BASS_ChannelSlideAttribute(MicSplit[output], BASS_ATTRIB_VOLDSP, level, ms);
+}
+
+void slideMics(float mic, DWORD ms) {
+    for (std::size_t i = 0; i < MicSplit.size(); ++i) slideMic(i, mic, ms);
 }
 
 }  // namespace
 
-bool MicPushed = false, TalkOverOn = false;
-
-void MicUp() {
+void RaiseMic() {
     MicPushed = true;
-    slideBuses(share(settings.AttnVol), share(settings.AttnVol), settings.FadeOutSpeed, 1.0F);
+    slideJingles(share(settings.AttnVol), share(settings.AttnVol), settings.FadeOutSpeed);
+    slideMics(1, kMicRamp);
 }
 
-void MicDown() { slideBuses(1.0F, 1.0F, settings.FadeInSpeed, 0.0F); }
+void LowerMic() {
+    slideJingles(1, 1, settings.FadeInSpeed);
+    slideMics(0, kMicRamp);
+}
 
-void TalkOverEnds() {
+void EndTalkOver() {
     // Back to the output's own level, which is what the key always did.
-    slideBuses(share(settings.Volume), share(settings.VolumeAux), settings.FadeInSpeed, 0.0F);
+    slideJingles(share(settings.Volume), share(settings.VolumeAux), settings.FadeInSpeed);
+    slideMics(0, kMicRamp);
+}
+
+void InputIsOff() {
+    if (MicPushed) return;
+    slideJingles(1, 1, settings.FadeInSpeed);
+    slideMics(0, kInputOffRamp);
+}
+
+void SetInputVolume(int output, int percent) {
+    (output == 0 ? settings.VolumeInMain : settings.VolumeInAux) = percent;
+    if (MicPushed) slideMic(static_cast<std::size_t>(output), 1, kMicRamp);
 }
 
 }  // namespace zv

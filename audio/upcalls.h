@@ -39,10 +39,11 @@ struct AudioUpcalls {
     std::function<void(int, Feedback)> feedback;
 
     // ---- the display ----
-    std::function<void()> hideClock;       ///< minimal view: the counter takes over
-    std::function<void()> stopAnnouncer;   ///< ckTmAnn and b_tmAnJin off when armed
-    std::function<void()> stopStream;      ///< the live stream, when it plays
-    std::function<void()> noOutputDevice;  ///< the program plays into the no-sound device
+    std::function<void()> hideClock;          ///< minimal view: the counter takes over
+    std::function<void()> stopAnnouncer;      ///< ckTmAnn and b_tmAnJin off when armed
+    std::function<void(int ms)> streamFades;  ///< the live stream is on its way out and ends in `ms`
+    std::function<void()> stopStream;         ///< the live stream, when it plays
+    std::function<void()> noOutputDevice;     ///< the program plays into the no-sound device
 
     // ---- the mixer window ----
     std::function<void(const OutputLists&)> outputsListed;

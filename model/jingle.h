@@ -82,6 +82,7 @@ struct JingleRecord : PersistedJingle {
     bool PlayingOtherPal = false;         ///< still sounding from an earlier palette
     double LoopLen = 0;                   ///< bytes
     Shared<bool> Playing;
+    Shared<bool> Leaving;  ///< fades to its end: nothing else moves its level any more
     PlayState State = PlayState::idle;
     SlotKind Kind = SlotKind::nothing;
     std::int32_t ReverbMs = 0;   ///< ms of reverb tail

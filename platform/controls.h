@@ -114,6 +114,7 @@ struct MeterLook {
     int midLevel = 70, hiLevel = 90;
     Colour backColor = 0, lowColor = 0xFF00, midColor = 0xFFFF, hiColor = 0xFF;
     bool vertical = true;
+    bool clipped = false;  ///< a mark stands at its end: the sound was cut off a moment ago
     bool operator==(const MeterLook&) const = default;
 };
 

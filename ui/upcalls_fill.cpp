@@ -1,9 +1,7 @@
 #include "ui/upcalls_fill.h"
-#include "ui/press/midi_fill.h"
 
-#include <cstddef>
+#include <algorithm>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "audio/play.h"
@@ -29,6 +27,7 @@
 #include "ui/edit/remove.h"
 #include "ui/edit/selection.h"
 #include "ui/press/actions.h"
+#include "ui/press/midi_fill.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
@@ -174,6 +173,10 @@ void fillAudio() {
         } else {
             SlotOpened(index, moment == Feedback::loaded);
         }
+    };
+    audioUpcalls.streamFades = [](int ms) {
+        timers().TimerAutoMixStreamByTA.setInterval(std::max(1, ms));
+        timers().TimerAutoMixStreamByTA.restart();
     };
     audioUpcalls.hideClock = StopClock;
     audioUpcalls.noOutputDevice = [] { ErrDisp("no", 0, Ln("mNoOutDev")); };

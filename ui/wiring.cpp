@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "audio/upcalls.h"
 #include "midi/feedback.h"
 #include "model/state.h"
 #include "platform/controls.h"
@@ -18,6 +19,7 @@
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/trace.h"
+#include "startup/upcalls.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/jingle_menu.h"
@@ -43,6 +45,7 @@
 #include "ui/screen/layout_grid.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/screen/meters.h"
+#include "ui/screen/mic_keys.h"
 #include "ui/screen/warning.h"
 #include "ui/screen/window_place.h"
 
@@ -238,6 +241,13 @@ void wireTimers() {
     t.TimerTrigColSel.handler = TimerTrigColSelTick;
     t.TimerCloseColorPicker.handler = TimerCloseColorPickerTick;
     t.TimerShutDown.handler = TimerShutDownTick;
+    t.TimerTOrelease.handler = TimerTOreleaseTick;
+    t.TimerAutoMixStreamByTA.handler = [] {
+        guarded("frmMain.TimerAutoMixStreamByTA_Timer", [] {
+            timers().TimerAutoMixStreamByTA.stop();
+            callUp(audioUpcalls.stopStream);
+        });
+    };
     t.tmrResize.handler = [] {
         timers().tmrResize.stop();
         FormDraw();
@@ -375,6 +385,7 @@ void StartTimers() {
     t.TimerTimeAndTA.start();
     t.TimerFadeOutLED.start();
     t.TimerControlFlash.start();
+    t.TimerAutoMixStreamByTA.start();
 }
 
 }  // namespace zv

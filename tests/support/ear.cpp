@@ -92,4 +92,16 @@ std::string whatIsHeard(const Heard& sound) {
     return text;
 }
 
+std::string levelsOf(const Heard& sound, char tone, const std::vector<int>& ms) {
+    const std::vector<double> level = levels(sound, tone - 'a');
+    std::string text;
+    for (const int at : ms) {
+        const double now = level.at(static_cast<std::size_t>(at / kStepMs));
+        char part[16];
+        std::snprintf(part, sizeof part, "%.1f", std::round(200 * std::log10(now)) / 10 + 0.0);
+        text += (text.empty() ? "" : " ") + (now < kGone ? std::string("-") : std::string(part));
+    }
+    return text;
+}
+
 }  // namespace zv::test

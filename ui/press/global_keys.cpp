@@ -11,6 +11,7 @@
 #include "startup/settings.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
+#include "ui/records/timers.h"
 #include "ui/screen/colours.h"
 
 namespace zv {
@@ -77,7 +78,7 @@ void MicPush() {
         if (settings.DeviceSingle != 0) {
             return;
         }
-        MicUp();
+        RaiseMic();
         Arm(frmMain().keys.btMicPush, settings.moColor);
         LampOfMic(true);
     });
@@ -92,7 +93,7 @@ void MicRelease() {
         KeyControls& k = frmMain().keys;
         Disarm(k.btMicPush);
         if (k.btMicTO.backColor != settings.moColor) {
-            MicDown();
+            LowerMic();
         }
         LampOfMic(false);
     });
@@ -111,8 +112,9 @@ void TalkOverTog() {
             return;
         }
         Disarm(k.btMicTO);
+        timers().TimerTOrelease.stop();
         if (!Armed(k.btMicPush)) {
-            TalkOverEnds();
+            EndTalkOver();
         }
     });
 }

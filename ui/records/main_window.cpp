@@ -28,6 +28,7 @@ DisplayControls::DisplayControls(Control& window)
       lblDate("lblDate", label, &picDispBack),
       lblTime("lblTime", label, &picDispBack),
       txtDisPal("txtDisPal", label, &picDispBack),
+      lblQuiet("lblQuiet", label, &picDispBack),
       lblDispMessage("lblDispMessage", label, &picDispBack),
       lblErr("lblErr", symbol, &picDispBack),
       lblClock{{{"lblClock", symbol, &picDispBack, 0},
@@ -44,6 +45,8 @@ DisplayControls::DisplayControls(Control& window)
     sepsd.caption = ".";
     lblPosMisD.caption = "0";
     lblErr.visible = false;
+    lblQuiet.visible = false;
+    lblQuiet.alignment = 1;
     lblDispMessage.visible = false;
     for (Control& mark : lblClock) {
         mark.visible = false;

@@ -22,7 +22,7 @@ struct DisplayControls {
 
     Control picDispBack;
     Control lblPosMinC, lblPosMinD, lblPosMin, sepms, lblPosSecD, lblPosSecU, sepsd, lblPosMisD, lblPosMisC;
-    Control lblDate, lblTime, txtDisPal, lblDispMessage, lblErr;
+    Control lblDate, lblTime, txtDisPal, lblQuiet, lblDispMessage, lblErr;
     std::array<Control, 3> lblClock;     ///< clock mark, AM, PM: minimal view
     std::array<Control, 2> lblPlayMode;  ///< play mode letters: minimal view
     Control lblMIDIIcon, lblMIDIDevice;  ///< the control surface, or what its faders set

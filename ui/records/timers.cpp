@@ -44,6 +44,8 @@ UiTimers::UiTimers()
       TimerTrigColSel("TimerTrigColSel", 50),
       TimerCloseColorPicker("TimerCloseColorPicker", 50),
       TimerShutDown("TimerShutDown", 2000),
+      TimerAutoMixStreamByTA("TimerAutoMixStreamByTA", 50),
+      TimerTOrelease("TimerTOrelease", 500),
       tmrResize("tmrResize", 20) {}
 
 UiTimers& timers() {

@@ -32,13 +32,15 @@ struct UiTimers {
     UiTimer TimerControlFlash;     ///< 500 ms, always on
     UiTimer TimerVUFD;             ///< 10 ms while the bars fall
     UiTimer TimerNotif;
-    UiTimer TimerPgUpDnPalLst;      ///< 10 ms while Page Up or Down is held
-    UiTimer Timerlstpalbot;         ///< 500 ms: Page Down held at the end
-    UiTimer Timerlstpaltop;         ///< 500 ms
-    UiTimer TimerTrigColSel;        ///< 50 ms
-    UiTimer TimerCloseColorPicker;  ///< 50 ms
-    UiTimer TimerShutDown;          ///< 2000 ms: Exit held
-    UiTimer tmrResize;              ///< 20 ms after the window changed its size
+    UiTimer TimerPgUpDnPalLst;       ///< 10 ms while Page Up or Down is held
+    UiTimer Timerlstpalbot;          ///< 500 ms: Page Down held at the end
+    UiTimer Timerlstpaltop;          ///< 500 ms
+    UiTimer TimerTrigColSel;         ///< 50 ms
+    UiTimer TimerCloseColorPicker;   ///< 50 ms
+    UiTimer TimerShutDown;           ///< 2000 ms: Exit held
+    UiTimer TimerAutoMixStreamByTA;  ///< AutoMixTime ms: the live stream has faded
+    UiTimer TimerTOrelease;          ///< InTORelease ms after the input was turned off
+    UiTimer tmrResize;               ///< 20 ms after the window changed its size
 };
 
 UiTimers& timers();

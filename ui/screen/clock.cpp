@@ -23,6 +23,7 @@
 namespace zv {
 
 bool ClockShowDate = false;
+bool DateTimeDemoOn = false;
 
 namespace {
 
@@ -172,7 +173,7 @@ std::string FormatDate(std::string_view format, const WallTime& t) {
 
 void DateTimeUpdate() {
     guarded("frmMain.DateTimeUpdate", [] {
-        if (settings.MinimalView == 1) {
+        if (settings.MinimalView == 1 || DateTimeDemoOn) {
             return;
         }
         DisplayControls& d = frmMain().display;
@@ -183,6 +184,21 @@ void DateTimeUpdate() {
         d.lblDate.caption = NoOutputDevice ? Ln("mNoOutDev") : FormatDate(settings.DateFormat, now);
         d.lblDate.toolTip = NoOutputDevice ? Ln("mNoOutDev") : std::string();
         d.lblTime.caption = " " + FormatTime(settings.TimeFormat, now);
+    });
+}
+
+void DateTimeDemo(bool on) {
+    guarded("frmMain.DateTimeDemo", [&] {
+        DateTimeDemoOn = on;
+        if (!on) {
+            DateTimeUpdate();
+            return;
+        }
+        // The widest that both can become: Wednesday, September, two digits everywhere.
+        constexpr WallTime sample{2026, 9, 23, 3, 22, 58, 48, 0};
+        DisplayControls& d = frmMain().display;
+        d.lblDate.caption = FormatDate(settings.DateFormat, sample);
+        d.lblTime.caption = " " + FormatTime(settings.TimeFormat, sample);
     });
 }
 

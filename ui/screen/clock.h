@@ -15,6 +15,9 @@ std::string FormatDate(std::string_view format, const WallTime& time);
 
 extern bool ClockShowDate;  ///< the display is held down in minimal view
 
+extern bool DateTimeDemoOn;  ///< the labels show samples; DateTimeUpdate leaves them alone
+/// Fills both labels with sample values in the formats of the settings, or brings date and time back.
+void DateTimeDemo(bool on);
 /// Writes lblDate and lblTime when their text changed; normal view only.
 void DateTimeUpdate();
 /// Writes the big digits; minimal view only.

@@ -141,6 +141,7 @@ void paintDisplay() {
         text->foreColor = settings.DateTimeColor;
     }
     d.txtDisPal.foreColor = settings.PalColor;
+    d.lblQuiet.foreColor = settings.DateTimeColor;
     d.lblMIDIIcon.foreColor = settings.DateTimeColor;
     d.lblMIDIDevice.foreColor = settings.PalColor;
     for (Control* digit : d.digits()) {

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 
+#include "audio/devices.h"
 #include "audio/duck.h"
 #include "audio/sounding.h"
 #include "midi/feedback.h"
@@ -15,11 +17,14 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/settings.h"
+#include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
+#include "ui/records/main_window.h"
 #include "ui/records/timers.h"
 #include "ui/screen/button_faces.h"
 #include "ui/screen/counter.h"
 #include "ui/screen/digits.h"
+#include "ui/screen/quiet_line.h"
 #include "ui/screen/shaded.h"
 #include "ui/screen/warning.h"
 
@@ -153,6 +158,12 @@ void TimerDispAndJButtonsTick() {
                 DuckTickJingle(i, left);
             });
         }
+        for (const std::uint32_t channel : {std::uint32_t{hTmAnVoice}, std::uint32_t{hTmAn}}) {
+            if (const double left = TimeLeftOf(channel); left > 0) {
+                takeSmaller(least, left);
+                DuckTickAnnouncer(left);
+            }
+        }
         DispRemain = least;
         if (BlinkTestOn) {
             timers().TimerWarnBlink.start();
@@ -163,7 +174,8 @@ void TimerDispAndJButtonsTick() {
             DispText = DispRemain < kSpent ? "0" : NumberText(DispRemain);
             ShowRemain();
         }
-        DuckTickEnd();
+        DuckTickEnd(!Armed(frmMain().live.ckMixByTa));
+        ShowWhyQuiet();
     });
 }
 

@@ -241,7 +241,7 @@ void DrawDisplay() {
     const int margin = px(15 * std::min(1.0, u));
     const double grow = std::max(1.0, u);
     const int line = px(24 * grow);
-    for (Control* text : {&d.lblDate, &d.lblTime, &d.lblDispMessage, &d.txtDisPal}) {
+    for (Control* text : {&d.lblDate, &d.lblTime, &d.lblDispMessage, &d.txtDisPal, &d.lblQuiet}) {
         text->fontSize = 10.5 * grow;
     }
     const int inner = width - 2 * margin;
@@ -267,7 +267,9 @@ void DrawDisplay() {
     int bigWidth = px(big / px(1) * 0.57);
     int smallWidth = px(small / px(1) * 0.57);
     const int separator = px(std::max(5.0, big / px(1) * 0.16));
-    const int smallFigures = settings.DispCSec == 1 ? 2 : 1;
+    // The clock of the minimal view needs both small figures.
+    const bool twoSmall = settings.DispCSec == 1 || settings.MinimalView == 1;
+    const int smallFigures = twoSmall ? 2 : 1;
     const int gaps = (6 + smallFigures) * gapOf(big);
     const int wanted = 5 * bigWidth + smallFigures * smallWidth + 2 * separator + gaps;
     if (wanted > inner) {
@@ -283,7 +285,7 @@ void DrawDisplay() {
         place(c, right, digitsLine + big - h, w, h);
         right -= gap;
     };
-    if (settings.DispCSec == 1) {
+    if (twoSmall) {
         fromRight(d.lblPosMisC, smallWidth, small);
     } else {
         place(d.lblPosMisC, right, digitsLine + big - small, 0, small);

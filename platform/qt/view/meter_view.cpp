@@ -14,6 +14,7 @@ namespace {
 
 constexpr double kPeakFall = 0.0006;  ///< shares of the bar that the peak line falls a millisecond
 constexpr int kPeakLine = 2;          ///< pixels
+constexpr int kClipMark = 6;          ///< pixels
 
 class MeterWidget final : public QWidget, public RecordView {
   public:
@@ -73,6 +74,12 @@ class MeterWidget final : public QWidget, public RecordView {
             }
         }
         if (look_.peak && peak_ > 0.005) p.fillRect(peakRect(peak_), peakColour());
+        if (look_.clipped) {
+            const QRect mark = between(std::max(0, full() - kClipMark), full());
+            p.fillRect(mark, Qt::red);
+            p.setPen(Qt::white);
+            p.drawRect(mark.adjusted(0, 0, -1, -1));
+        }
     }
 
   private:

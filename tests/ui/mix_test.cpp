@@ -1,0 +1,367 @@
+// Who goes down, when, how far and how fast: auto-duck, automix, microphone; and what the presenter sees of it.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "audio/devices.h"
+#include "audio/duck.h"
+#include "audio/levels.h"
+#include "audio/play.h"
+#include "audio/talk_over.h"
+#include "engine/bass.h"
+#include "model/jingle.h"
+#include "model/state.h"
+#include "startup/settings.h"
+#include "tests/support/ear.h"
+#include "tests/ui/window_test.h"
+#include "ui/press/global_keys.h"
+#include "ui/records/armed.h"
+#include "ui/records/main_window.h"
+#include "ui/screen/layout.h"
+#include "ui/screen/meters.h"
+#include "ui/screen/mic_keys.h"
+#include "ui/screen/quiet_line.h"
+
+namespace zv::test {
+
+namespace {
+
+constexpr int kBed = 0, kTrigger = 1;
+constexpr double kLevel = 0.5;  // of level()
+
+/// A bed plays, tone h. At 600 ms a trigger starts, tone a. The levels of the bed, in dB, before it, while it
+/// sounds, shortly before its end and after it. `live`: a stream, tone g; `announcer`: its voice, tone c, in the
+/// place of the trigger.
+struct Row {
+    const char* name;
+    int mode;
+    const char *bed, *trigger;  ///< keys of their file; null: no trigger
+    const char* score = "a2000";
+    enum Live { none, plain, ducks, ducksByAnnouncer } live = none;
+    bool announcer = false;
+    const char* heard = "0.0 -16.5 -16.5 0.0";
+    const char* liveHeard = "";
+};
+
+constexpr const char* kStays = "0.0 0.0 0.0 0.0";
+constexpr const char* kDucks = "0.0 -16.5 -16.5 0.0";
+constexpr const char* kBackEarly = "0.0 -16.5 0.0 0.0";  ///< half a second before the end of the trigger
+
+// clang-format off
+const Row kRows[] = {
+    {.name = "level", .mode = 0, .bed = "AutoDuck=1", .trigger = ""},
+    {.name = "level: not marked", .mode = 0, .bed = "AutoDuck=2", .trigger = "", .heard = kStays},
+    {.name = "level: a trigger that may not", .mode = 0, .bed = "AutoDuck=1", .trigger = "AutoDuck=2 NoTrigDuck=1", .heard = kStays},
+    {.name = "level: beds do not push each other", .mode = 0, .bed = "AutoDuck=1", .trigger = "AutoDuck=1", .heard = kStays},
+    {.name = "level: too soft", .mode = 0, .bed = "AutoDuck=1", .trigger = "Volm=50", .heard = kStays},
+    {.name = "level: however short", .mode = 0, .bed = "AutoDuck=1", .trigger = "", .score = "a400", .heard = kStays},
+    {.name = "level: volume comes back twice", .mode = 0, .bed = "AutoDuck=1 Volm=50", .trigger = "", .heard = "-6.0 -22.5 -22.5 -12.0"},
+    {.name = "level: the announcer", .mode = 0, .bed = "AutoDuck=1", .trigger = nullptr, .announcer = true},
+    {.name = "level: the stream goes down too", .mode = 0, .bed = "AutoDuck=1", .trigger = "", .live = Row::ducks, .liveHeard = kDucks},
+    {.name = "level: the stream pushes", .mode = 0, .bed = "AutoDuck=1", .trigger = nullptr, .live = Row::plain, .heard = "-16.5 -16.5 -16.5 -16.5", .liveHeard = kStays},
+    {.name = "level: the stream alone is not pushed by itself", .mode = 0, .bed = "AutoDuck=1", .trigger = nullptr, .live = Row::ducks, .heard = kStays, .liveHeard = kStays},
+    {.name = "level: a stream left to the announcer goes down all the same", .mode = 0, .bed = "AutoDuck=1", .trigger = "", .live = Row::ducksByAnnouncer, .liveHeard = kDucks},
+    {.name = "time", .mode = 1, .bed = "AutoDuck=1", .trigger = "", .heard = kBackEarly},
+    {.name = "time: not marked", .mode = 1, .bed = "AutoDuck=2", .trigger = "", .heard = kStays},
+    {.name = "time: a trigger that may not", .mode = 1, .bed = "AutoDuck=1", .trigger = "AutoDuck=2 NoTrigDuck=1", .heard = kStays},
+    {.name = "time: beds do not push each other", .mode = 1, .bed = "AutoDuck=1", .trigger = "AutoDuck=1", .heard = kStays},
+    {.name = "time: however soft", .mode = 1, .bed = "AutoDuck=1", .trigger = "Volm=5", .heard = kBackEarly},
+    {.name = "time: too short", .mode = 1, .bed = "AutoDuck=1", .trigger = "", .score = "a480", .heard = kStays},
+    {.name = "time: volume comes back twice", .mode = 1, .bed = "AutoDuck=1 Volm=50", .trigger = "", .heard = "-6.0 -22.5 -12.0 -12.0"},
+    {.name = "time: the announcer", .mode = 1, .bed = "AutoDuck=1", .trigger = nullptr, .announcer = true, .heard = kBackEarly},
+    {.name = "time: the stream goes down too", .mode = 1, .bed = "AutoDuck=1", .trigger = "", .live = Row::ducks, .heard = kBackEarly, .liveHeard = kBackEarly},
+    {.name = "time: a stream left to the announcer", .mode = 1, .bed = "AutoDuck=1", .trigger = "", .live = Row::ducksByAnnouncer, .heard = kBackEarly, .liveHeard = kStays},
+    {.name = "time: a stream that does not duck", .mode = 1, .bed = "AutoDuck=1", .trigger = "", .live = Row::plain, .heard = kBackEarly, .liveHeard = kStays},
+    {.name = "none", .mode = 2, .bed = "AutoDuck=1", .trigger = "", .live = Row::ducks, .heard = kStays, .liveHeard = kStays},
+};
+// clang-format on
+
+void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
+
+}  // namespace
+
+class MixTest : public WindowTest {
+  protected:
+    MixTest() {
+        settings.FadeOutSpeed = 100;
+        settings.FadeInSpeed = 200;
+        settings.VolLive = 100;
+        DuckWanted = Ducked = MicPushed = TalkOverOn = false;
+        BusLevel = 1;
+    }
+    ~MixTest() override {
+        hLive = hTmAnVoice = 0;
+        hTmAn = 0;
+        Disarm(frmMain().live.ckMixByTa);
+        Disarm(frmMain().keys.btMicPush);
+        Disarm(frmMain().keys.btMicTO);
+        MicPushed = TalkOverOn = false;
+    }
+
+    /// A sound of its own in the mix, as live stream and announcer are.
+    StreamHandle source(const std::string& score) {
+        writeWav(path(score + ".wav"), tones(score));
+        const StreamHandle handle = BASS_StreamCreateFile(false, path(score + ".wav").string().c_str(), 0, 0,
+                                                          BASS_STREAM_DECODE | BASS_UNICODE);
+        BASS_Mixer_StreamAddChannel(MainMixer, handle, BASS_MIXER_CHAN_BUFFER);
+        return handle;
+    }
+    void start(int index) {
+        press(index);
+        release(index);
+    }
+    const std::string& foot() { return frmMain().display.lblQuiet.caption(); }
+};
+
+class Duck : public MixTest, public ::testing::WithParamInterface<Row> {};
+
+TEST_P(Duck, IsHeard) {
+    const Row row = GetParam();
+    settings.AutoDuckMode = row.mode;
+    settings.LiveAutoDuck = row.live >= Row::ducks ? 1 : 0;
+    load(kBed, tones("h5000"), row.bed);
+    if (row.trigger != nullptr) load(kTrigger, tones(row.score), row.trigger);
+    if (row.live == Row::ducksByAnnouncer) Arm(frmMain().live.ckMixByTa, settings.taColor);
+    heard();
+    start(kBed);
+    if (row.live != Row::none) hLive = source("g5000");
+    pass(600);
+    if (row.trigger != nullptr) start(kTrigger);
+    if (row.announcer) hTmAnVoice = source("c2000");
+    pass(3400);
+    const Heard sound = heard();
+    const std::vector<int> moments{500, 1900, 2450, 3600};
+    EXPECT_EQ(levelsOf(sound, 'h', moments), row.heard);
+    const std::string live = row.live == Row::none ? "" : levelsOf(sound, 'g', moments);
+    EXPECT_EQ(live, row.liveHeard);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, Duck, ::testing::ValuesIn(kRows),
+                         [](const auto& row) { return "row" + std::to_string(row.index); });
+
+TEST_F(MixTest, whatLeavesIsNotHeldByTheDuck) {
+    // A stop with a fade, and a crossfade, go on to their end whatever pushes the bed down meanwhile.
+    for (const int mode : {0, 1}) {
+        settings.AutoDuckMode = mode;
+        load(kBed, tones("h5000"), "AutoDuck=1 FadeOut=800");
+        load(kTrigger, tones("a2000"));
+        heard();
+        start(kBed);
+        pass(500);
+        start(kBed);
+        pass(100);
+        start(kTrigger);
+        pass(2900);
+        EXPECT_EQ(levelsOf(heard(), 'h', {400, 1400, 2400}), "0.0 - -") << mode;
+        settings.AutoMix = 1;
+        settings.AutoMixTime = 800;
+        start(kBed);
+        pass(500);
+        start(kTrigger);
+        pass(3000);
+        EXPECT_EQ(levelsOf(heard(), 'h', {400, 1400, 2400}), "0.0 - -") << mode;
+        settings.AutoMix = 0;
+    }
+}
+
+TEST_F(MixTest, aDuckThatIsTurnedOffLetsGo) {
+    load(kBed, tones("h5000"), "AutoDuck=1");
+    load(kTrigger, tones("a4000"));
+    heard();
+    start(kBed);
+    start(kTrigger);
+    pass(800);
+    settings.AutoDuckMode = 2;
+    pass(800);
+    EXPECT_EQ(levelsOf(heard(), 'h', {700, 1500}), "-16.5 0.0");
+}
+
+TEST_F(MixTest, theLockCountsWhatWasStartedAMomentAgo) {
+    load(1, tones("a500"));
+    load(2, tones("b500"));
+    settings.AutoMix = 2;
+    heard();
+    start(1);
+    pass(20);
+    start(2);
+    pass(680);
+    start(2);
+    pass(300);
+    EXPECT_EQ(whatIsHeard(heard()), "a0-500 b700-");
+}
+
+TEST_F(MixTest, aCrossfadeOfEqualMaterialHasNoStep) {
+    load(1, level(kRate * 3, 8192));
+    load(2, level(kRate * 3, 8192));
+    settings.AutoMix = 1;
+    settings.AutoMixTime = 400;
+    start(1);
+    pass(500);
+    heard();
+    start(2);
+    pass(1000);
+    const Heard sound = heard();
+    double step = 0;
+    for (std::size_t i = 1; i < sound.frames(); ++i)
+        step = std::max(step, std::abs(static_cast<double>(sound.at(i)) - sound.at(i - 1)));
+    EXPECT_LT(step, 0.25 / (kRate / 100) * 1.1);  // the start's own 10 ms are the steepest slide
+    EXPECT_NEAR(sound.at(sound.frames() - 1), 0.25, 0.25 * 0.001);
+}
+
+TEST_F(MixTest, theMicrophoneMakesRoom) {
+    Device[1] = 2;
+    bassini(1);
+    settings.InputEnabled = 1;
+    settings.VolumeInMain = 100;
+    settings.VolumeInAux = 50;
+    SwitchInput(true);
+    load(1, level(kRate * 9));
+    start(1);
+    pass(200);
+    heard(0), heard(1);
+    const auto main = [&](int ms) {  // level of the jingle's bus on both outputs after that time
+        pass(ms);
+        const Heard one = heard(0), two = heard(1);
+        EXPECT_EQ(one.at(one.frames() - 1), two.at(two.frames() - 1));
+        return 20 * std::log10(one.at(one.frames() - 1) / kLevel);
+    };
+    frmMain().keys.btMicPush.onMouseDown({});
+    EXPECT_TRUE(Armed(frmMain().keys.btMicPush));
+    // The way down is a line over FadeOutSpeed, from the first sample of the next period on.
+    pass(200);
+    const Heard down = heard();
+    heard(1);
+    std::size_t first = 0;
+    while (first < down.frames() && down.at(first) > 0.4999F) ++first;
+    std::size_t last = first;
+    while (last < down.frames() && down.at(last) > kLevel * 0.15 * 1.0005) ++last;
+    EXPECT_LE(first, 441U);
+    EXPECT_NEAR(static_cast<double>(last - first), 0.1 * kRate, 441);
+    EXPECT_NEAR(main(10), 20 * std::log10(0.15), 0.01);
+    EXPECT_EQ(foot(), "Mic");
+
+    // Talk-over changes no level while the key is held, and none when it is turned on.
+    TalkOverTog();
+    TalkOverTog();
+    EXPECT_NEAR(main(300), 20 * std::log10(0.15), 0.01);
+    frmMain().keys.btMicPush.onMouseUp({});
+    EXPECT_NEAR(main(400), 0, 0.01);
+    EXPECT_EQ(foot(), "");
+    TalkOverTog();
+    EXPECT_NEAR(main(300), 0, 0.01);
+    settings.Volume = settings.VolumeAux =
+        60;  // turned off it goes to the output's level, not to the full one
+    TalkOverTog();
+    EXPECT_NEAR(main(300), 20 * std::log10(0.6), 0.01);
+    EXPECT_EQ(foot(), "Talk over 60 % · Volume 60 % · Aux volume 60 %");
+    settings.Volume = settings.VolumeAux = 100;
+
+    // The same colour for both keys holds the bus down, deliberately.
+    settings.toColor = settings.moColor;
+    TalkOverTog();
+    MicPush();
+    MicRelease();
+    EXPECT_NEAR(main(700), 20 * std::log10(0.15), 0.01);
+    // The input goes away: its key with it, and the bus comes back after InTORelease.
+    MicPush();
+    SwitchInput(false);
+    EXPECT_FALSE(Armed(frmMain().keys.btMicPush));
+    EXPECT_FALSE(frmMain().keys.btMicPush.enabled);
+    EXPECT_NEAR(main(400), 20 * std::log10(0.15), 0.01);
+    EXPECT_NEAR(main(500), 0, 0.01);
+}
+
+TEST_F(MixTest, theMicrophoneIsHeardAtItsOwnLevels) {
+    Device[1] = 2;
+    bassini(1);
+    settings.VolumeInAux = 50;
+    SwitchInput(true);
+    devices->feedInput("Microphone", std::vector<float>(2 * kRate * 5, 0.25F), kRate);
+    const auto levels = [&] {
+        pass(600);
+        const Heard one = heard(0), two = heard(1);
+        return std::pair(one.at(one.frames() - 1), two.at(two.frames() - 1));
+    };
+    EXPECT_EQ(levels(), std::pair(0.0F, 0.0F));
+    MicPush();
+    auto [main, aux] = levels();
+    EXPECT_NEAR(main, 0.25, 0.0003);
+    EXPECT_NEAR(aux, 0.125, 0.0002);
+    SetInputVolume(0, 20);
+    std::tie(main, aux) = levels();
+    EXPECT_NEAR(main, 0.05, 0.0001);
+    EXPECT_NEAR(aux, 0.125, 0.0002);
+    devices->unplug("Microphone");
+    pass(300);
+    MicRelease();
+    EXPECT_EQ(levels(), std::pair(0.0F, 0.0F));
+    settings.VolumeInMain = settings.VolumeInAux = 100;
+}
+
+TEST_F(MixTest, whyIsItQuiet) {
+    load(kBed, tones("h5000"), "AutoDuck=1");
+    load(kTrigger, tones("a2000"));
+    start(kBed);
+    pass(200);
+    EXPECT_EQ(foot(), "");
+    EXPECT_FALSE(frmMain().display.lblQuiet.visible);
+    start(kTrigger);
+    pass(300);
+    EXPECT_EQ(foot(), "Duck: sound 1");
+    EXPECT_TRUE(frmMain().display.lblQuiet.visible);
+    EXPECT_EQ(frmMain().display.lblQuiet.toolTip(), foot());
+    settings.Volume = 60;
+    settings.AutoMix = 1;
+    load(2, tones("b2000"), "NoTrigDuck=1");
+    start(2);
+    pass(200);
+    EXPECT_EQ(foot(), "Duck: sound 1 · Automix · Volume 60 %");
+    settings.Volume = 100;
+    evStop();
+    pass(300);
+    EXPECT_EQ(foot(), "");
+    // The palette's name gives it room and takes it back.
+    frmMain().display.txtDisPal.caption = "Morning";
+    FormDraw();
+    const DisplayControls& d = frmMain().display;
+    const int whole = d.txtDisPal.width;
+    settings.Volume = 80;
+    pass(100);
+    EXPECT_LT(frmMain().display.txtDisPal.width, whole / 2);
+    EXPECT_GT(frmMain().display.lblQuiet.width, whole / 2);
+    settings.Volume = 100;
+    pass(100);
+    EXPECT_EQ(frmMain().display.txtDisPal.width, whole);
+}
+
+TEST_F(MixTest, aBarThatWasFullIsMarkedForAMoment) {
+    std::vector<std::int16_t> loud = level(kRate, 32767);
+    for (std::size_t i = 1; i < loud.size(); i += 2) loud[i] = 8192;  // the right side is soft
+    load(1, loud, "Volm=150");
+    const Control& left = frmMain().VuL;
+    const Control& right = frmMain().VuR;
+    start(1);
+    pass(900);
+    EXPECT_TRUE(left.meterLook().clipped);
+    EXPECT_FALSE(right.meterLook().clipped);
+    EXPECT_EQ(left.toolTip(), "Peak L +3.5 dBFS, clipped");
+    EXPECT_EQ(right.toolTip(), "Peak R -8.5 dBFS");
+    pass(2800);
+    EXPECT_TRUE(left.meterLook().clipped);
+    pass(700);
+    EXPECT_FALSE(left.meterLook().clipped);
+    EXPECT_EQ(left.toolTip(), "Peak L -\u221e dBFS");
+    ApplyMeterLook();
+    const int shown = settings.VUchan;
+    ChangeVUchan();
+    EXPECT_EQ(settings.VUchan, shown) << "two channels have one pair";
+    VuTestOn = true;
+    pass(100);
+    EXPECT_EQ(left.value, kMeterMax);
+    VuTestOn = false;
+}
+
+}  // namespace zv::test

@@ -1,0 +1,43 @@
+#include "ui/screen/mic_keys.h"
+
+#include "audio/devices.h"
+#include "audio/talk_over.h"
+#include "midi/feedback.h"
+#include "startup/guard.h"
+#include "startup/settings.h"
+#include "ui/records/armed.h"
+#include "ui/records/main_window.h"
+#include "ui/records/timers.h"
+#include "ui/screen/layout.h"
+
+namespace zv {
+
+void SwitchInput(bool on) {
+    guarded("frmMixer.ckInputEnable_Click", [&] {
+        settings.InputEnabled = on ? 1 : 0;
+        if (on) {
+            OpenMic();
+        } else {
+            CloseMic();
+            // Its key is gone with it: nobody could let it go any more.
+            MicPushed = false;
+            Disarm(frmMain().keys.btMicPush);
+            timers().TimerTOrelease.setInterval(settings.InTORelease > 0 ? settings.InTORelease : 1);
+            timers().TimerTOrelease.restart();
+        }
+        FormDraw("init");
+    });
+}
+
+void TimerTOreleaseTick() {
+    guarded("frmMain.TimerTOrelease_Timer", [] {
+        timers().TimerTOrelease.stop();
+        if (TalkOverOn) {
+            Arm(frmMain().keys.btMicTO, settings.toColor);
+            LampOfTalkOver(true);
+        }
+        InputIsOff();
+    });
+}
+
+}  // namespace zv

@@ -1,0 +1,13 @@
+/// Why it is quiet: a line at the foot of the display names all that holds the sound down. [control]
+#pragma once
+
+#include <string>
+
+namespace zv {
+
+/// "Mic", "Duck: News Sting", "Automix", "Volume 60 %", joined by a dot; empty while nothing is attenuated.
+std::string WhyQuiet();
+/// Shows it on the display.
+void ShowWhyQuiet();
+
+}  // namespace zv
