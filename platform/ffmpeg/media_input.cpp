@@ -5,13 +5,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <mutex>
 
 #include "engine/bass.h"
-
-extern "C" {
-#include <libavutil/mem.h>
-}
 
 namespace zv {
 namespace {
@@ -33,16 +28,6 @@ constexpr const char* verifyVariable = "ZENTROVA_VERIFY_TLS";
 constexpr std::int64_t quickProbe = 32'768;    // a WAV opens four times as fast as with the library's 5 MB
 constexpr std::int64_t deepProbe = 5'000'000;  // large pictures in front of the sound
 constexpr auto fileLimit = 30s;
-constexpr std::size_t largestAllocation = std::size_t{256} << 20;
-
-void prepareLibraries() {
-    static std::once_flag once;
-    std::call_once(once, [] {
-        av_log_set_level(AV_LOG_QUIET);
-        av_max_alloc(largestAllocation);
-        avformat_network_init();
-    });
-}
 
 int codeOf(int averror) {
     if (averror >= 0) return BASS_OK;

@@ -143,6 +143,7 @@ std::unique_ptr<engine::Decoder> openOggDecoder(const std::string& path) {
     if (!std::equal(head.begin(), head.end(), capture.begin(), capture.end(),
                     [](std::uint8_t a, char b) { return a == static_cast<std::uint8_t>(b); }))
         return nullptr;
+    prepareLibraries();
     auto file = OggFile::survey(bytes);
     if (!file) return nullptr;
     bytes.narrow();

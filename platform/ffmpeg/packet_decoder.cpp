@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <mutex>
 
 extern "C" {
+#include <libavformat/avformat.h>
 #include <libavutil/channel_layout.h>
+#include <libavutil/mem.h>
 }
 
 namespace zv {
@@ -14,6 +17,7 @@ namespace {
 constexpr int largestChannels = 64;
 constexpr int largestRate = 768'000;
 constexpr float loudestSample = 16;
+constexpr std::size_t largestAllocation = std::size_t{256} << 20;
 
 /// The float decoder where there are two: the others add noise that depends on where decoding began.
 const AVCodec* findDecoder(AVCodecID codec) {
@@ -32,7 +36,17 @@ std::uint32_t bitsInFile(const AVCodecParameters& parameters) {
 
 }  // namespace
 
+void prepareLibraries() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        av_log_set_level(AV_LOG_QUIET);
+        av_max_alloc(largestAllocation);
+        avformat_network_init();
+    });
+}
+
 int PacketDecoder::open(const AVCodecParameters& parameters, AVRational timeBase) {
+    prepareLibraries();
     const AVCodec* decoder = findDecoder(parameters.codec_id);
     if (!decoder) return AVERROR_DECODER_NOT_FOUND;
     if (!frame_) frame_.reset(av_frame_alloc());

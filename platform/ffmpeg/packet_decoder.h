@@ -9,6 +9,9 @@
 
 namespace zv {
 
+/// Silences FFmpeg's remarks and bounds what it allocates for one thing. Cheap after the first call. [any]
+void prepareLibraries();
+
 /// What one packet became.
 struct Yield {
     std::size_t frames = 0;               ///< frames of sound
