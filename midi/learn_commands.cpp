@@ -203,6 +203,14 @@ bool validRow(int row) { return row >= 0 && row < static_cast<int>(MIDILearn.row
 bool validBox(int box) { return box >= 0 && box < kMessageBoxes; }
 MessageRow& rowAt(int row) { return MIDILearn.rows[static_cast<std::size_t>(row)]; }
 
+/// What is still being typed counts as well.
+void bringIntoRange() {
+    for (int row = 0; validRow(row); ++row) {
+        for (int box = 0; box < kMessageBoxes; ++box)
+            SetLearnBox(row, box, rowAt(row)[static_cast<std::size_t>(box)]);
+    }
+}
+
 }  // namespace
 
 bool OpenLearn(const std::string& ctrl, int index) {
@@ -227,10 +235,7 @@ std::string LearnOK() {
     return guardedOr("modMidiFunctions.LearnOK", std::string(), []() -> std::string {
         if (MIDILearn.window == LearnWindow::none) return {};
         const Teachable& t = current();
-        for (int row = 0; validRow(row); ++row) {
-            for (int box = 0; box < kMessageBoxes; ++box)
-                SetLearnBox(row, box, rowAt(row)[static_cast<std::size_t>(box)]);
-        }
+        bringIntoRange();
         if (t.window == LearnWindow::reset) {
             midiOut.OutReset = joined(MIDILearn.rows[0]);
             CloseFileMIDIOut("");
@@ -315,6 +320,7 @@ void lblCpyval(int box) {
 
 void lblCpyAll(int box) {
     if (!validBox(box) || !isJingle()) return;
+    bringIntoRange();
     for (int row = 0; validRow(row); ++row) {
         const std::string value = rowAt(row)[static_cast<std::size_t>(box)];
         if (value.empty()) continue;
@@ -333,6 +339,7 @@ void btCpyPrev() {
 }
 
 void btTestDown(int row) {
+    bringIntoRange();
     if (validRow(row)) MIDIOut(joined(rowAt(row)), hMidiOut);
 }
 

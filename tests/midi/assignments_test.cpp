@@ -1,0 +1,265 @@
+// MIDI.ini: what is read is written again to the byte, damage costs what it hit, presets, former owners, codes.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "midi/assignments.h"
+#include "midi/codes.h"
+#include "midi/faults.h"
+#include "midi/learn.h"
+#include "midi/learn_commands.h"
+#include "midi/settings_commands.h"
+#include "midi/state.h"
+#include "model/state.h"
+#include "startup/errors.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+#include "tests/midi/surface.h"
+#include "ui/windows/midi_button_window.h"
+#include "ui/windows/midi_learn.h"
+#include "ui/windows/midi_small_windows.h"
+
+namespace zv::test {
+namespace {
+
+constexpr const char* kFile =
+    "[Pad]\r\nPaletteUp=9001,900100\r\nPaletteDown=9002,900200\r\nPaletteScroll=B01041,B0103F\r\n"
+    "AutoRepeat=9003,900300\r\nTouchPlay=9004,900400\r\nAutoMix=9005,900500\r\nAutoMixTime=B008,1\r\n"
+    "MainVolume=B007,0\r\nStopAll=9006,900600\r\nTalkOver=9007,900700\r\nMicON=9008,900800\r\n"
+    "Jingle0=9010,901000,255\r\nJingle96=9020,902000,64\r\nOutReset=B00000\r\nOutStopAll=A00601,A00600\r\n"
+    "OutTalkOver=A00701,,A00702\r\nOutMicON=A00801,A00800,,\r\nOutAutoMix=A00501,A00500,A00502,A00503\r\n"
+    "OutJingle0=A01001,A01002,A01003,A01004\r\nOutJingle7=,,A00703,\r\n";
+
+TEST_F(SurfaceTest, WhatIsReadIsWrittenAgain) {
+    write("MIDI.ini", std::string(kFile) + "Jingle119=907F,907F00,255\r\n");
+    LoadMIDIdatas("Pad");
+    MIDIStore.DeleteSection("Pad");
+    CloseFileMIDI("Pad");
+    CloseFileMIDIOut("");
+    EXPECT_EQ(file(), kFile);  // no such hot jingle in this grid: it was not read
+    write("MIDI.ini", std::string(kFile) + "Jingle119=907F,907F00,255\r\n; mine\r\n");
+    LoadMIDIdatas("Pad");
+    CloseFileMIDI("Pad");
+    EXPECT_EQ(file(), std::string(kFile) + "Jingle119=907F,907F00,255\r\n; mine\r\n");
+    // A device never taught has no section, and none is made.
+    LoadMIDIdatas("Other");
+    EXPECT_TRUE(midiIn.MIDIJinglePress[0].empty());
+    EXPECT_EQ(midiOut.OutStopIdle, "A00600") << "an empty key leaves the message as it was";
+    EXPECT_TRUE(midiOut.OutReset.empty());
+}
+
+TEST_F(SurfaceTest, DamageCostsWhatItHit) {
+    write("MIDI.ini",
+          "[Pad]\r\nPaletteUp=9001\r\nMainVolume=B007,x\r\nJingle0=9010,901000\r\n"
+          "Jingle1=9011,901100,999\r\njingle2=9012,901200,100\r\nOutStopAll=A0\r\nOutJingle3=,\r\n=\r\n");
+    LoadMIDIdatas("Pad");
+    EXPECT_EQ(midiIn.MIDIUpDown, "9001");
+    EXPECT_TRUE(midiIn.MIDIUpUp.empty());
+    EXPECT_EQ(midiIn.MIDIVolReverse, 0);
+    EXPECT_EQ(midiIn.MIDIJingleRelease[0], "901000");
+    EXPECT_EQ(midiIn.MIDIJingleVelocity[0], 255);
+    EXPECT_EQ(midiIn.MIDIJingleVelocity[1], 255);
+    EXPECT_EQ(midiIn.MIDIJingleVelocity[2], 100);
+}
+
+TEST_F(SurfaceTest, AFileThatCannotBeWrittenIsAskedForAgain) {
+    start({"Jingle0=9010,901000,255"});
+    midiIn.MIDIJinglePress[0] = "9011";
+    std::filesystem::remove(path("MIDI.ini"));
+    std::filesystem::create_directory(path("MIDI.ini"));  // no file can be put in its place
+    desktop().answers = {BoxAnswer::ok, BoxAnswer::ok, BoxAnswer::cancel};
+    CloseFileMIDI("Pad");
+    ASSERT_EQ(desktop().boxes.size(), 3U);
+    EXPECT_NE(desktop().boxes[0].find("MIDI.ini"), std::string::npos);
+    std::filesystem::remove(path("MIDI.ini"));
+}
+
+TEST_F(SurfaceTest, PresetsAreCopiedAndDeleted) {
+    start({"Jingle0=9010,901000,255"});
+    write("MIDI.ini", file() + "[Old]\r\nJingle0=9030,903000,255\r\nJingle5=9035,903500,255\r\n");
+    LoadMIDIPresets();
+    ASSERT_EQ(cmbMIDIpresets.rows, (std::vector<std::string>{"", "Pad", "Old"}));
+    cmbMIDIpresets_Click(1);
+    EXPECT_FALSE(MIDICopyEnabled()) << "a device's own assignments";
+    EXPECT_TRUE(MIDIDeleteEnabled());
+    cmbMIDIpresets_Click(2);
+    ASSERT_TRUE(MIDICopyEnabled());
+    btMIDICopy_Click();
+    EXPECT_EQ(section("Pad"), "Jingle0=9030,903000,255; Jingle5=9035,903500,255");
+    EXPECT_EQ(midiIn.MIDIJinglePress[5], "9035");
+    EXPECT_NE(hMidiIn, 0U);
+    cmbMIDIpresets_Click(2);
+    desktop().answers = {BoxAnswer::no, BoxAnswer::yes};
+    btMIDIDelete_Click();
+    EXPECT_EQ(section("Old").empty(), false);
+    btMIDIDelete_Click();
+    EXPECT_EQ(file().find("[Old]"), std::string::npos);
+    EXPECT_EQ(cmbMIDIpresets.rows, (std::vector<std::string>{"", "Pad"}));
+}
+
+TEST_F(SurfaceTest, TextsOfMessages) {
+    const struct {
+        int isData;
+        const char *typed, *is;
+    } rows[] = {{0, "7", "80"},  {1, "FF", "7F"}, {1, "A3C", "3C"}, {0, "abc", "BC"}, {1, "", ""},
+                {0, "90", "90"}, {1, "5", "05"},  {2, "80", "7F"},  {0, "zz", "80"},  {1, "1g", "01"}};
+    for (const auto& row : rows) EXPECT_EQ(MIDIHex(row.isData, row.typed), row.is) << row.typed;
+    EXPECT_EQ(MIDIDecomp("903C7F"), (std::array<std::string, 3>{"90", "3C", "7F"}));
+    EXPECT_EQ(MIDIDecomp("903C"), (std::array<std::string, 3>{}));
+    EXPECT_EQ(TypedHex("x9f0 a"), "0A");
+    EXPECT_EQ(PackCode("903C7F"), 0x7F3C90U);
+    EXPECT_THROW(PackCode("90807F"), ProgramError);
+    EXPECT_THROW(PackCode("90 17F"), ProgramError);
+}
+
+// ---- learning: what a control is taught, by the messages that came ----
+
+struct Lesson {
+    const char* ctrl;
+    int index;
+    const char* messages;
+    const char* key;
+    const char* value;
+    const char* former;  ///< named in a box
+};
+
+TEST_F(SurfaceTest, AControlIsTaughtByPressingIt) {
+    const Lesson lessons[] = {
+        {"b_Jingle", 7, "903C64 903C00", "Jingle7", "903C,903C00,255", ""},
+        {"b_Jingle", 97, "913C01 813C40", "Jingle97", "913C,813C40,192", ""},
+        {"b_Jingle", 8, "903C64 903C00 904000", "Jingle8", "903C,903C00,255", "Jingle 7"},  // taken from 7
+        {"b_Jingle", 8, "", "Jingle8", "903C,903C00,255", ""},
+        {"btUp", -1, "900164 900100", "PaletteUp", "9001,900100", ""},
+        {"btStop", -1, "900164 900100", "StopAll", "9001,900100", "Previous palette"},
+        {"ckAutoRep", -1, "900364 900300", "AutoRepeat", "9003,900300", ""},
+        {"ckTouch", -1, "900464 900400", "TouchPlay", "9004,900400", ""},
+        {"ckAutoMix", -1, "900564 900500", "AutoMix", "9005,900500", ""},
+        {"btMicTO", -1, "900764 900700", "TalkOver", "9007,900700", ""},
+        {"btMicPush", -1, "900864 900800", "MicON", "9008,900800", ""},
+        {"lstPal", -1, "B01041 B01041 B0103F B01000", "PaletteScroll", "B0103F,B01041", ""},
+        {"Vol", -1, "B00710 B00811 B00712", "MainVolume", "B007,0", ""},
+        {"Amix", -1, "B00710", "AutoMixTime", "B007,0", "Volume"},
+        {"btDn", -1, "900164", "PaletteDown", "", ""},  // one message is no pair yet
+    };
+    start({"PaletteUp=9011,901100"});
+    for (const Lesson& lesson : lessons) {
+        desktop().boxes.clear();
+        clMIDI(lesson.ctrl, lesson.index);
+        ASSERT_TRUE(MIDILearnActive);
+        send(lesson.messages);
+        AcceptLearn();
+        EXPECT_FALSE(MIDILearnActive);
+        EXPECT_EQ(MIDIStore.GetValue(lesson.key, 0, "Pad"), lesson.value) << lesson.ctrl << lesson.index;
+        const std::string former = lesson.former;
+        ASSERT_EQ(desktop().boxes.size(), former.empty() ? 0U : 1U) << lesson.ctrl;
+        if (!former.empty()) {
+            EXPECT_NE(desktop().boxes[0].find("'" + former + "'"), std::string::npos) << desktop().boxes[0];
+        }
+    }
+    EXPECT_TRUE(MIDIStore.GetValue("Jingle7", 0, "Pad").empty());
+    EXPECT_TRUE(MIDIStore.GetValue("PaletteUp", 0, "Pad").empty());
+    EXPECT_EQ(frmMIDIButton().form.isOpen() || frmMIDIScroll().form.isOpen() || frmMIDIFader().form.isOpen(),
+              false);
+}
+
+TEST_F(SurfaceTest, WhileAWindowLearnsNothingPlays) {
+    load(0, 1000);
+    start({"Jingle0=9010,901000,255", "OutJingle0=A01001,A01002,A01003,A01004"});
+    clMIDI("b_Jingle", 0);
+    MidiButtonWindow& w = frmMIDIButton();
+    EXPECT_EQ(w.form.window.caption(), "Jingle 0 - MIDI control ...");
+    EXPECT_EQ(w.lblPressCode.caption(), "90 10");
+    EXPECT_EQ(w.ckVelocityLimit.value(), 1);
+    heard();
+    send("901064");
+    pass(300);
+    EXPECT_TRUE(heard().silent(0, 10'000));
+    EXPECT_EQ(w.lstMidiInDump.items(), (std::vector<std::string>{"90 10 64"}));
+    // Cancel leaves everything as it was.
+    send("904000");
+    MIDILearn.rows[0] = {"90", "00", "00"};
+    w.btCancel.onClick();
+    EXPECT_EQ(midiIn.MIDIJinglePress[0], "9010");
+    EXPECT_EQ(midiOut.OutJingleDown[0], "A01001");
+    // Clear and OK: the control is free.
+    clMIDI("b_Jingle", 0);
+    w.btClear.onClick();
+    EXPECT_EQ(w.lblPressCode.caption(), kNoCode);
+    w.btOK.onClick();
+    EXPECT_FALSE(HasMIDIAssignment(0));
+    EXPECT_TRUE(MIDIStore.GetValue("Jingle0", 0, "Pad").empty());
+}
+
+TEST_F(SurfaceTest, MessagesAreCopiedTestedAndKept) {
+    load(1, 1000);
+    start({"OutJingle0=A01001,A01002,A01003,A01004", "OutJingle5=A01501,A01502,,A01504", "OutReset=B00000"});
+    clMIDI("b_Jingle", 1);
+    MidiButtonWindow& w = frmMIDIButton();
+    w.btCpyPrevKey.onClick();
+    w.lblCpyvalKey[1]->onClick();
+    const auto type = [&](int row, int box, const char* text) {
+        Control& field = *findControl(row == 0 ? "txtMIDIOutDown" : "txtMIDIOutPlay", box);
+        field.caption = std::string(text);
+        field.onChange();
+    };
+    type(0, 2, "zg7f3");
+    type(3, 0, "10");  // below a status byte
+    sent();
+    w.btTest[0]->onMouseDown({});
+    w.btTest[0]->onMouseUp({});
+    EXPECT_EQ(sent(), "A0107F") << "the slot has sent nothing yet that could come back";
+    w.lblCpyAllKey[2]->onClick();  // data 2 of all slots that have the message
+    EXPECT_EQ(midiOut.OutJingleDown[5], "A0157F");
+    EXPECT_EQ(midiOut.OutJingleUnavail[5], "");
+    w.btOK.onClick();
+    EXPECT_EQ(MIDIStore.GetValue("OutJingle1", 0, "Pad"), "A0107F,A01002,A01003,801004");
+    EXPECT_EQ(MIDIStore.GetValue("OutJingle5", 0, "Pad"), "A0157F,A01502,,A01504");
+    EXPECT_EQ(MIDIStore.GetValue("OutReset", 0, "Pad"), "B00000");
+    EXPECT_NE(sent().find("A01002"), std::string::npos) << "the pad shows that it is loaded";
+    // Taken out here, put in there.
+    clMIDI("b_Jingle", 1);
+    w.btClearOutKey.onClick();
+    w.btOK.onClick();
+    EXPECT_TRUE(MIDIStore.GetValue("OutJingle1", 0, "Pad").empty());
+    clMIDI("b_Jingle", 2);
+    w.btClearOutKey.onClick();
+    w.imgDeleteKey[3]->onClick();
+    w.btOK.onClick();
+    EXPECT_EQ(MIDIStore.GetValue("OutJingle2", 0, "Pad"), "A0107F,A01002,A01003,");
+    // Four equal messages: the surface is reset as well.
+    clMIDI("b_Jingle", 2);
+    MIDILearn.rows.fill({"90", "01", "05"});
+    sent();
+    w.btOK.onClick();
+    EXPECT_TRUE(MIDILearn.MIDILearnAllSame);
+    EXPECT_NE(sent().find("B00000"), std::string::npos);
+    clMIDI("btMIDIOutReset", -1);
+    EXPECT_EQ(MIDILearn.rows[0], (MessageRow{"B0", "00", "00"}));
+    MIDILearn.rows[0] = {"B1", "", "00"};
+    frmMIDIReset().btOK.onClick();
+    EXPECT_TRUE(MIDIStore.GetValue("OutReset", 0, "Pad").empty());
+}
+
+TEST_F(SurfaceTest, AWheelShowsWhichDirectionIsMissing) {
+    start({});
+    clMIDI("lstPal", -1);
+    MidiScrollWindow& w = frmMIDIScroll();
+    send("B01041");
+    const auto colour = [](const Control& lamp) { return lamp.drawing().at(0).colour; };
+    EXPECT_EQ(colour(w.picAntiClockw), 0x00FF00);
+    pass(60);
+    EXPECT_EQ(colour(w.picAntiClockw), 0x0000FF);
+    EXPECT_EQ(colour(w.picClockw), 0xFFFF00);
+    pass(500);
+    EXPECT_EQ(colour(w.picClockw), 0x0000FF);
+    pass(500);
+    EXPECT_EQ(colour(w.picClockw), 0xFFFF00);
+    send("B0103F");
+    pass(1100);
+    EXPECT_EQ(colour(w.picClockw), 0x0000FF);
+    w.btCancel.onClick();
+    EXPECT_TRUE(midiIn.MIDIScrollClockwise.empty());
+}
+
+}  // namespace
+}  // namespace zv::test

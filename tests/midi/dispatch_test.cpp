@@ -1,0 +1,261 @@
+// Messages as data: what each of the 22 tests of the dispatch asks the program for and sends back, and that the order
+// of the tests decides where codes overlap. Then the same through the window and the sound.
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "midi/assignments.h"
+#include "midi/dispatch.h"
+#include "midi/feedback.h"
+#include "midi/state.h"
+#include "model/actions.h"
+#include "model/state.h"
+#include "platform/timers.h"
+#include "startup/settings.h"
+#include "tests/midi/surface.h"
+#include "tests/support/ear.h"
+#include "ui/records/main_window.h"
+
+namespace zv::test {
+namespace {
+
+const std::vector<std::string> kAll{"PaletteUp=9001,900100",
+                                    "PaletteDown=9002,900200",
+                                    "PaletteScroll=B01041,B0103F",
+                                    "AutoRepeat=9003,900300",
+                                    "TouchPlay=9004,900400",
+                                    "AutoMix=9005,900500",
+                                    "AutoMixTime=B008,0",
+                                    "MainVolume=B007,0",
+                                    "StopAll=9006,900600",
+                                    "TalkOver=9007,900700",
+                                    "MicON=9008,900800",
+                                    "Jingle0=9010,901000,255",
+                                    "Jingle1=9010,901100,255",
+                                    "Jingle2=9012,801240,192",
+                                    "Jingle3=9013,801300,64",
+                                    "Jingle4=9001,901400,255",
+                                    "Jingle96=9020,902000,255",
+                                    "OutPaletteUp=A00101,A00100",
+                                    "OutPaletteDown=A00201,A00200",
+                                    "OutAutoRepeat=A00301,A00300,A00302",
+                                    "OutTouchPlay=A00401,A00400,A00402",
+                                    "OutAutoMix=A00501,A00500,A00502,A00503",
+                                    "OutStopAll=A00601,A00600",
+                                    "OutTalkOver=A00701,A00700,",
+                                    "OutMicON=A00801,A00800,,",
+                                    "OutJingle0=A01001,A01002,A01003,A01004",
+                                    "OutJingle2=A01201,A01202,A01203,A01204"};
+
+std::string actionName(Action action) {
+    static const std::map<Action, std::string> names{
+        {Action::play, "play"},           {Action::release, "release"},  {Action::stopAll, "stop"},
+        {Action::paletteUp, "up"},        {Action::paletteDown, "down"}, {Action::autoRepeat, "repeat"},
+        {Action::touch, "touch"},         {Action::autoMix, "automix"},  {Action::micDown, "micDown"},
+        {Action::micUp, "micUp"},         {Action::talkOver, "talk"},    {Action::volume, "volume"},
+        {Action::autoMixTime, "mixTime"},
+    };
+    const auto found = names.find(action);
+    return found == names.end() ? "?" : found->second;
+}
+
+struct Row {
+    const char* message;
+    const char* asked;  ///< action:argument, with /velocity for play
+    const char* sent;
+    const char* set = "";  ///< "single", "reverse"
+};
+
+// PaletteKey: held 2, letGo 3, wheel 4.
+constexpr Row kRows[] = {
+    {"B0103F", "up:4", ""},
+    {"B01041", "down:4", ""},
+    {"B01040", "", ""},
+    {"900100", "up:3", "A00100 f807A7F"},
+    {"900200", "down:3", "A00200 f807B7F"},
+    {"900300", "", "A00300"},
+    {"900400", "", "A00400"},
+    {"900500", "", "A00500"},
+    {"900600", "", "A00600 f807F7F"},
+    {"900700", "", ""},
+    {"900700", "", "", "single"},
+    {"900800", "micUp:0", ""},
+    {"900800", "", "", "single"},
+    {"B00700", "volume:0", ""},
+    {"B00740", "volume:50", ""},
+    {"B0077F", "volume:100", ""},
+    {"B00700", "volume:100", "", "reverse"},
+    {"B0077F", "volume:0", "", "reverse"},
+    {"B00740", "volume:50", "", "reverse"},  // 63 of 127
+    {"B00800", "mixTime:1", ""},
+    {"B00801", "mixTime:50", ""},
+    {"B00840", "mixTime:2500", ""},  // 2520 / 50 = 50.4
+    {"B0087F", "mixTime:5000", ""},
+    {"B0087F", "mixTime:1", "", "reverse"},
+    {"90017F", "up:2", "A00101 f907A7F"},
+    {"900201", "down:2", "A00201 f907B7F"},
+    {"900364", "repeat:0", "A00301"},
+    {"900464", "touch:0", "A00401"},
+    {"900564", "automix:0", "A00501"},
+    {"900664", "stop:0", "A00601 f907F7F"},
+    {"900764", "talk:0", ""},
+    {"900764", "", "", "single"},
+    {"900864", "micDown:0", ""},
+    {"900864", "", "", "single"},
+    // A release before a press: 901000 is slot 0's release; its press is every other velocity.
+    {"901000", "release:0", "f80007F A01003"},
+    {"901064", "play:0/100", "A01001 f90007F"},
+    {"901001", "play:0/1", "A01001 f90007F"},
+    {"901100", "release:1", "f80017F"},  // no messages of its own
+    {"901101", "", ""},                  // slot 1's press is slot 0's: the lower index has it
+    // Velocity rules: limit at 64, scale by 64.
+    {"901220", "play:2/64", "A01201 f90027F"},
+    {"90127F", "play:2/127", "A01201 f90027F"},
+    {"801240", "release:2", "f80027F A01203"},
+    {"801241", "", ""},
+    {"901320", "play:3/64", "f90037F"},
+    {"90137F", "play:3/252", "f90037F"},
+    // Slot 4 has the palette key's press: test 13 comes before the jingles.
+    {"901400", "release:4", "f80047F"},
+    {"902064", "play:96/100", "f90607F"},
+    {"902000", "release:96", "f80607F"},
+    {"FE0000", "", ""},
+    {"F80000", "", ""},
+    {"F00102", "", ""},
+};
+
+class DispatchTest : public SurfaceTest {
+  protected:
+    /// The actions are noted instead of done.
+    void note() {
+        zv::perform = [this](Action action, int argument, int velocity) {
+            asked += (asked.empty() ? "" : " ") + actionName(action) + ":" + std::to_string(argument);
+            if (action == Action::play) asked += "/" + std::to_string(velocity);
+            return listEnabled || (action != Action::paletteUp && action != Action::paletteDown);
+        };
+    }
+    std::string asked;
+    bool listEnabled = true;
+};
+
+TEST_F(DispatchTest, EachMessageAsksForOneThing) {
+    start(kAll);
+    note();
+    for (const Row& row : kRows) {
+        const std::string set = row.set;
+        settings.DeviceSingle = set == "single" ? 1 : 0;
+        midiIn.MIDIVolReverse = midiIn.MIDIAmixReverse = set == "reverse" ? 1 : 0;
+        asked.clear();
+        sent();
+        send(row.message);
+        EXPECT_EQ(asked, row.asked) << row.message << " " << set;
+        EXPECT_EQ(sent(), row.sent) << row.message << " " << set;
+    }
+    settings.DeviceSingle = 0;
+}
+
+TEST_F(DispatchTest, APressThatCannotBeYetIsHeldBackAndTheRestWaitsBehindIt) {
+    start(kAll);
+    note();
+    listEnabled = false;
+    send("90017F");
+    EXPECT_EQ(asked, "up:2");
+    devices_.queue("901064");
+    pass(30);
+    EXPECT_EQ(asked, "up:2 up:2 up:2 up:2");
+    EXPECT_EQ(sent(), "A00101 f907A7F A00101 f907A7F A00101 f907A7F A00101 f907A7F");
+    asked.clear();
+    listEnabled = true;
+    pass(10);
+    EXPECT_EQ(asked, "up:2 play:0/100");
+}
+
+TEST_F(DispatchTest, ABurstLosesNothing) {
+    start(kAll);
+    note();
+    std::string wanted;
+    for (int i = 0; i < 128; ++i) {
+        devices_.queue(i % 2 == 0 ? "901064" : "901000");
+        wanted += (wanted.empty() ? "" : " ") + std::string(i % 2 == 0 ? "play:0/100" : "release:0");
+    }
+    pass(10);
+    EXPECT_EQ(asked, wanted);
+}
+
+TEST_F(DispatchTest, ARuleOfZeroIsReportedOnceAndPlaysAsBefore) {
+    start({"Jingle0=9010,901000,0", "Jingle1=9011,901100,255"});
+    note();
+    send("901150 901064 901001");
+    EXPECT_EQ(asked, "play:1/80 play:0/80 play:0/80");
+    EXPECT_LE(reports.size(), 1U);
+}
+
+/// What the surface does is heard; both orders of press and release, touch and play modes.
+struct Show {
+    const char* name;
+    const char* mode;   ///< keys of the slot
+    const char* acts;   ///< ms and messages
+    const char* heard;  ///< tests/support/ear.h: the slot is 100 ms of a, then b
+    const char* sent;
+};
+
+TEST_F(SurfaceTest, APadPlaysAndGlows) {
+    const Show rows[] = {
+        {"press and release", "", "0 m90107F 200 m901000 400 m90107F", "a0-100 b100-",
+         "A01001 A01004 A01001"},
+        {"release before the press", "", "0 m901000 100 m90107F", "a100-200 b200-", "A01002 A01001"},
+        {"touch", "PlayMod=2", "0 m90107F 300 m901000", "a0-100 b100-300", "A01001 A01002 A01002"},
+        {"play stop", "PlayMod=3", "0 m90107F 100 m901000 300 m90107F 350 m901000", "a0-100 b100-300",
+         "A01001 A01004 A01001 A01002 A01002"},
+        {"half as hard", "", "0 m901040", "a0-100@-6.0 b100-@-6.0", "A01001"},
+        {"stop all", "", "0 m90107F 300 m90067F", "a0-100 b100-300", "A01001 A00601 A01002"},
+    };
+    start(kAll);
+    settings.MIDIOutFixedEnabled = 0;
+    for (const Show& row : rows) {
+        std::vector<std::int16_t> sound = tones("a100 b2400");
+        load(0, sound, row.mode);
+        pass(50);
+        heard();
+        sent();
+        perform(row.acts, [this](const std::string& message) { send(message.substr(1)); });
+        pass(300);
+        EXPECT_EQ(whatIsHeard(heard()), row.heard) << row.name;
+        EXPECT_EQ(sent(), row.sent) << row.name;
+        send("90067F");
+        pass(100);
+    }
+}
+
+TEST_F(SurfaceTest, AKeyHeldForHalfASecondGoesToTheEndOfTheList) {
+    for (const char* name : {"A", "B", "C", "D"}) writePalette(name, 1);
+    start(kAll);
+    Control& list = frmMain().palettes.lstPal;
+    list.items = std::vector<std::string>{"A", "B", "C", "D"};
+    list.listIndex = 0;
+    send("90027F");
+    EXPECT_EQ(list.text(), "B");
+    pass(100);
+    send("900200");
+    pass(900);
+    EXPECT_EQ(list.text(), "B");
+    send("90027F");
+    pass(600);
+    EXPECT_EQ(list.text(), "D");
+    send("900200 B0103F B0103F B0103F B0103F");
+    EXPECT_EQ(list.text(), "A");
+}
+
+TEST_F(SurfaceTest, FadersSetAndAreShown) {
+    start(kAll);
+    send("B00740");
+    EXPECT_EQ(settings.Volume, 50);
+    EXPECT_EQ(frmMain().display.lblMIDIDevice.caption(), "Volume 50 %");
+    pass(2100);
+    EXPECT_EQ(frmMain().display.lblMIDIDevice.caption(), "Pad / Fixed");
+    send("B00840");
+    EXPECT_EQ(settings.AutoMixTime, 2500);
+}
+
+}  // namespace
+}  // namespace zv::test
