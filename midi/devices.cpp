@@ -27,6 +27,8 @@ int position(const std::vector<std::string>& names, const std::string& name) {
 int rowsBut(const ShownList& box) { return static_cast<int>(box.rows.size()) - 1; }
 int count(const std::vector<std::string>& names) { return static_cast<int>(names.size()); }
 
+bool lostIts(MidiHandle handle) { return handle != 0 && !midiConnected(handle); }
+
 void showLists() { callUp(midiUpcalls.listsChanged); }
 
 void loseDevice() {
@@ -85,7 +87,14 @@ void SetMIDIDevice() {
     guarded("modMidiFunctions.SetMIDIDevice", [] {
         if (cmbInDevsGUI.selected == 0) return;
         if (!MIDIDevicePicked) ListMidiInDevices(lstInDevs);
-        if (!MIDIDevicePicked && rowsBut(cmbInDevsGUI) == count(lstInDevs)) return;
+        const bool lost = lostIts(hMidiIn) || lostIts(hMidiOut);
+        if (!MIDIDevicePicked && !lost && rowsBut(cmbInDevsGUI) == count(lstInDevs)) return;
+        if (lost) {
+            // A cable that was pulled and put back between two ticks: open both anew.
+            CloseMidiInDevice();
+            CloseMidiOutDevice(hMidiOut);
+            MIDIOutIndex = kNoMidiIndex;
+        }
         if (!MIDIDevicePicked) {
             ListMidiOutDevices(lstOutDevs);
             cmbInDevsGUI.fill(lstInDevs);
@@ -124,7 +133,7 @@ void SetMIDIOutFixedDevice() {
     guarded("modMidiFunctions.SetMIDIOutFixedDevice", [] {
         if (settings.MIDIOutFixedEnabled == 0) return;
         ListMidiOutDevices(lstOutDevs);
-        if (rowsBut(cmbMIDIOutFixedDevsGUI) == count(lstOutDevs)) return;
+        if (!lostIts(hMidiOutFixed) && rowsBut(cmbMIDIOutFixedDevsGUI) == count(lstOutDevs)) return;
         cmbMIDIOutFixedDevsGUI.fill(lstOutDevs);
         const int output = position(lstOutDevs, settings.MIDIOutFixedDevice);
         if (output >= 0) {

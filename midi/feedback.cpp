@@ -25,6 +25,9 @@ std::array<std::string, kNotes> fixedOn, fixedOff;
 
 std::string hexDigits(int value) { return value < kHexDigits ? HexByte(value).substr(1) : HexByte(value); }
 
+/// Slots whose lamp shows the down message.
+PerJingle<bool> pressedLamp{};
+
 bool known(int index) { return index >= 0 && index < kJingles; }
 
 void sendFixed(std::size_t note, bool on) { MIDIOut(on ? fixedOn[note] : fixedOff[note], hMidiOutFixed); }
@@ -40,6 +43,7 @@ const std::string& stateMessage(int index) {
 }
 
 void sendState(int index, const std::string& message) {
+    pressedLamp[static_cast<std::size_t>(index)] = false;
     MIDIOut(message, hMidiOut);
     JMidiState[static_cast<std::size_t>(index)] = message;
 }
@@ -169,6 +173,7 @@ void SlotPressed(int index) {
     if (!known(index)) return;
     MIDIOut(midiOut.OutJingleDown[static_cast<std::size_t>(index)], hMidiOut);
     MIDIOutFixedJingle(index, true);
+    pressedLamp[static_cast<std::size_t>(index)] = true;
 }
 
 void SlotReleased(int index) {
@@ -178,6 +183,11 @@ void SlotReleased(int index) {
         MIDIOut(message, hMidiOut);
     else
         sendState(index, message);
+}
+
+void SlotSilent(int index) {
+    if (known(index) && pressedLamp[static_cast<std::size_t>(index)] && Jingle(index).hPlay != 0)
+        SlotEnded(index);
 }
 
 void SlotEnded(int index) {

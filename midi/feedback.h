@@ -46,6 +46,9 @@ void LampOfTalkOver(bool on, bool fixed = true);
 void SlotOpened(int index, bool loaded);
 void SlotPressed(int index);
 void SlotReleased(int index);
+/// Seen silent by the display's tick. A press that was over before a tick saw it sound leaves its down message
+/// on the lamp: it is told that it ended.
+void SlotSilent(int index);
 void SlotEnded(int index);  ///< seen by the display's tick, once the start is over
 void SlotStopping(int index);
 

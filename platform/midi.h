@@ -38,6 +38,8 @@ bool startMidiInput(MidiHandle input);
 int deliverMidi(MidiHandle input, int most);
 /// Ends an input; what waits is dropped.
 void closeMidiInput(MidiHandle input);
+/// False when the device of an open input or output has gone since it was opened, even if it is back.
+bool midiConnected(MidiHandle device);
 /// Messages lost since the program began because kMidiWaiting others were waiting. [any]
 std::uint64_t midiMessagesDropped();
 

@@ -17,10 +17,6 @@ void add(std::vector<std::string>& names, const std::string& name) {
     if (std::ranges::find(names, name) == names.end()) names.push_back(name);
 }
 
-bool has(const std::vector<std::string>& names, const std::string& name) {
-    return std::ranges::find(names, name) != names.end();
-}
-
 /// Name of a device by its index; empty when there is none or it refuses.
 std::string nameAt(const std::vector<std::string>& names, int index, std::string& error) {
     if (all().refuse) {
@@ -58,8 +54,18 @@ void MidiDevices::plug(const std::string& name, MidiDirections which) {
 }
 
 void MidiDevices::unplug(const std::string& name, MidiDirections which) {
-    if (which.input) std::erase(inputs, name);
-    if (which.output) std::erase(outputs, name);
+    if (which.input) {
+        std::erase(inputs, name);
+        for (const auto& [handle, input] : openInputs) {
+            if (input->device == name) lost.insert(handle);
+        }
+    }
+    if (which.output) {
+        std::erase(outputs, name);
+        for (const auto& [handle, device] : openOutputs) {
+            if (device == name) lost.insert(handle);
+        }
+    }
 }
 
 bool MidiDevices::queue(std::string_view hex, const std::string& device) {
@@ -68,7 +74,7 @@ bool MidiDevices::queue(std::string_view hex, const std::string& device) {
         std::from_chars(hex.data() + 2 * i, hex.data() + 2 * i + 2, bytes[i], 16);
     const auto input = std::find_if(openInputs.rbegin(), openInputs.rend(), [&](const auto& open) {
         const Input& in = *open.second;
-        return in.started && (device.empty() || in.device == device) && has(inputs, in.device);
+        return in.started && (device.empty() || in.device == device) && !lost.contains(open.first);
     });
     if (input == openInputs.rend()) return false;
     input->second->queue.push(bytes, static_cast<std::uint32_t>(monotonicMs()));
@@ -106,6 +112,8 @@ int deliverMidi(MidiHandle input, int most) {
     return found == all().openInputs.end() ? 0 : found->second->queue.deliver(found->second->callback, most);
 }
 
+bool midiConnected(MidiHandle device) { return !all().lost.contains(device); }
+
 void closeMidiInput(MidiHandle input) { all().openInputs.erase(input); }
 
 MidiHandle openMidiOutput(int index, std::string& error) {
@@ -118,7 +126,7 @@ MidiHandle openMidiOutput(int index, std::string& error) {
 
 bool sendMidi(MidiHandle output, std::uint32_t message) {
     const auto found = all().openOutputs.find(output);
-    if (found == all().openOutputs.end() || !has(all().outputs, found->second)) return false;
+    if (found == all().openOutputs.end() || all().lost.contains(output)) return false;
     if (all().onSent) all().onSent(found->second, message);
     return true;
 }

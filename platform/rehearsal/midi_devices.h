@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,6 +48,7 @@ class MidiDevices {
     };
     std::map<MidiHandle, std::unique_ptr<Input>> openInputs;
     std::map<MidiHandle, std::string> openOutputs;  ///< names
+    std::set<MidiHandle> lost;                      ///< open ones whose device was unplugged, now or before
     std::function<void()> onWake;
 };
 

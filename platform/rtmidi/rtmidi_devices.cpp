@@ -16,6 +16,7 @@
 #include "platform/common/midi_queue.h"
 #include "platform/midi.h"
 #include "platform/rtmidi/device_names.h"
+#include "platform/rtmidi/port_check.h"
 #include "platform/wake.h"
 
 namespace zv {
@@ -144,6 +145,10 @@ Devices& devices() {
     return all;
 }
 
+/// Names of our ports; no two that were ever open bear one.
+std::string inputPort(MidiHandle handle) { return "in " + std::to_string(handle); }
+std::string outputPort(MidiHandle handle) { return "out " + std::to_string(handle); }
+
 /// Runs on the driver's thread.
 void messageCame(double, std::vector<unsigned char>* bytes, void* user) {
     auto& input = *static_cast<Input*>(user);
@@ -184,7 +189,7 @@ MidiHandle openMidiInput(int index, MidiInCallback callback, int longMessages, s
         }
         input->port->ignoreTypes(false, false, false);
         input->port->setCallback(messageCame, input.get());
-        input->port->openPort(*number, "in");
+        input->port->openPort(*number, inputPort(all.last + 1));
         if (!input->port->isPortOpen()) {
             error = "The device cannot be opened.";
             return 0;
@@ -210,6 +215,23 @@ int deliverMidi(MidiHandle input, int most) {
                                                : found->second->queue.deliver(found->second->callback, most);
 }
 
+bool midiConnected(MidiHandle device) {
+    Devices& all = devices();
+    const auto input = all.openInputs.find(device);
+    const auto output = all.openOutputs.find(device);
+    const bool isInput = input != all.openInputs.end();
+    if (!isInput && output == all.openOutputs.end()) return false;
+    const std::string port = isInput ? inputPort(device) : outputPort(device);
+    switch (isInput ? input->second->port->getCurrentApi() : output->second->getCurrentApi()) {
+        case RtMidi::LINUX_ALSA:
+            return alsaPortConnected(kClientName, port, isInput);
+        case RtMidi::UNIX_JACK:
+            return jackPortConnected(kClientName, port);
+        default:
+            return true;  // the other systems' lists change when a device goes
+    }
+}
+
 void closeMidiInput(MidiHandle input) { devices().openInputs.erase(input); }
 
 MidiHandle openMidiOutput(int index, std::string& error) {
@@ -221,7 +243,7 @@ MidiHandle openMidiOutput(int index, std::string& error) {
             error = "The device is not there.";
             return 0;
         }
-        port->openPort(*number, "out");
+        port->openPort(*number, outputPort(all.last + 1));
         if (!port->isPortOpen()) {
             error = "The device cannot be opened.";
             return 0;

@@ -63,6 +63,16 @@ TEST_F(SurfaceTest, ADeviceIsTakenUpByNameWheneverItComes) {
         EXPECT_EQ(devices_.hear("901064"), row.open) << number;
     }
     EXPECT_EQ(settings.MIDIDevice, "Pad");
+    // A cable pulled and put back at once: the number of devices is the same.
+    devices_.plug(kPad);
+    pass(kRescan + 50);
+    sent();
+    devices_.unplug(kPad);
+    EXPECT_FALSE(devices_.hear("901064"));
+    devices_.plug(kPad);
+    pass(kRescan + 50);
+    EXPECT_TRUE(devices_.hear("901064"));
+    EXPECT_TRUE(sent().starts_with("B00000 A00600"));
 }
 
 TEST_F(SurfaceTest, WithoutAnInputNothingRunsEveryTenMs) {

@@ -201,8 +201,8 @@ struct Show {
 
 TEST_F(SurfaceTest, APadPlaysAndGlows) {
     const Show rows[] = {
-        {"press and release", "", "0 m90107F 200 m901000 400 m90107F", "a0-100 b100-",
-         "A01001 A01004 A01001"},
+        {"press and release", "", "0 m90107F 200 m901000 400 m90107F", "a0-100 b100-400",
+         "A01001 A01004 A01001 A01002"},
         {"release before the press", "", "0 m901000 100 m90107F", "a100-200 b200-", "A01002 A01001"},
         {"touch", "PlayMod=2", "0 m90107F 300 m901000", "a0-100 b100-300", "A01001 A01002 A01002"},
         {"play stop", "PlayMod=3", "0 m90107F 100 m901000 300 m90107F 350 m901000", "a0-100 b100-300",

@@ -117,9 +117,15 @@ TEST(RtMidiDevices, MessagesOfAJackServersPorts) {
     EXPECT_EQ(arrived, (std::vector<std::vector<unsigned char>>{{0x90, 0x24, 0x7F}, {0xC5, 0x03}}));
     EXPECT_FALSE(sendMidi(output + 1, 0x7F2490));
 
+    EXPECT_TRUE(midiConnected(input));
+    EXPECT_TRUE(midiConnected(output));
+    sink.closePort();
+    EXPECT_FALSE(midiConnected(output));
+
     // The program's own ports are no devices; what vanishes is gone from the next list.
     for (const std::string& device : midiInputs()) EXPECT_FALSE(device.starts_with("Zentrova")) << device;
     source.reset();
+    EXPECT_FALSE(midiConnected(input));
     EXPECT_EQ(0, std::ranges::count(midiInputs(), "Pad Source:pad"));
     closeMidiInput(input);
     closeMidiOutput(output);

@@ -71,6 +71,8 @@ void silentButton(int i, JingleButton& b) {
         if (Jingle(i).Pressed == 0 && !Jingle(i).MissingFile) {
             SlotEnded(i);
         }
+    } else if (!SelectorsOn && Jingle(i).Pressed == 0) {
+        SlotSilent(i);
     }
     b.lp_Jingle.foreColor = Shaded.lp;
     b.sq_Jingle.foreColor = Shaded.sq;
