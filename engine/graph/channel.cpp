@@ -1,8 +1,10 @@
 #include "engine/graph/channel.h"
 
+#include <algorithm>
+
 namespace zv::engine {
 SplitHub::SplitHub(std::shared_ptr<Channel> of, std::uint32_t rate)
-    : source(std::move(of)), frames(std::uint64_t{rate} * 2) {
+    : source(std::move(of)), frames(std::max(std::uint64_t{rate} * 2, std::uint64_t{kBlock} * 2)) {
     ring.resize(frames * 2);
 }
 
