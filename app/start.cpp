@@ -10,6 +10,7 @@
 #include "midi/lifecycle.h"
 #include "model/jingle.h"
 #include "model/palette_files.h"
+#include "model/palette_lines.h"
 #include "model/state.h"
 #include "platform/clock.h"
 #include "platform/desktop.h"
@@ -129,6 +130,7 @@ void loadSettings() {
     SplashStep("Loading settings");
     step("LoadZVini", [] {
         LoadZVini();
+        SweepParts();
         SetProcessPriority(settings.ProcPriority);
     });
     SetProgress(7);

@@ -270,6 +270,12 @@ void ClearRecord(int index) {
 }
 
 void openNames(int index, const std::string& section, bool isHot) {
+    cImpulse& store = isHot ? HotStore : PaletteStore;
+    store.SetIniPath(isHot ? HotFile : PalFile);
+    openNames(index, SlotKeys(store, section, isHot ? index - kPaletteSlots : index));
+}
+
+void openNames(int index, const SlotKeys& keys) {
     guarded("modClick.openNames", [&] {
         if (!exists(index)) return;
         JingleRecord& j = Jingle(index);
@@ -280,9 +286,6 @@ void openNames(int index, const std::string& section, bool isHot) {
             return;
         }
         FreeJingle(index);
-        cImpulse& store = isHot ? HotStore : PaletteStore;
-        store.SetIniPath(isHot ? HotFile : PalFile);
-        const SlotKeys keys(store, section, isHot ? index - kPaletteSlots : index);
         const std::string path = keys.text("Path_");
         if (path.empty() || !IsSoundExtension(GetFileExt(GetFileName(path)))) {
             callUp(audioUpcalls.feedback, index, Feedback::empty);

@@ -5,10 +5,14 @@
 
 namespace zv {
 
+class SlotKeys;
+
 /// Reads the persisted fields of slot `index` from `section` of the palette file, or of the hot jingles' when
 /// `isHot` (numbers less 96). A slot that still sounds keeps its record and is marked PlayingOtherPal. A slot
 /// without a usable path becomes empty. Nothing when the button does not exist.
 void openNames(int index, const std::string& section, bool isHot);
+/// The same from other lines than the files'.
+void openNames(int index, const SlotKeys& keys);
 /// Opens the channels of a slot and works out what depends on the file: a worker asks the disk, and the slot is
 /// filled when it has answered. A file that cannot be opened shows on its button and disturbs nothing else.
 void openStreams(int index);

@@ -70,6 +70,7 @@ HistoryEntry read(int number) {
     entry.date = store.GetValue("Date");
     entry.name = store.GetValue("Name");
     entry.data = store.GetValue("Data");
+    entry.hot = store.GetValue("Hot") == "1";
     const auto reason = std::find(kReasons.begin(), kReasons.end(), store.GetValue("Reason"));
     if (reason != kReasons.end()) entry.reason = static_cast<HistoryReason>(reason - kReasons.begin());
     entry.lines = store.GetSectionLines(kLines);
@@ -81,6 +82,7 @@ bool write(const HistoryEntry& entry) {
     fs::create_directories(folder(), error);
     std::string text = std::string("[") + kHead + "]\r\nDate=" + entry.date + "\r\nName=" + entry.name +
                        "\r\nReason=" + kReasons[static_cast<std::size_t>(entry.reason)] + "\r\n";
+    if (entry.hot) text += "Hot=1\r\n";
     if (entry.isFile()) text += "Data=" + entry.data + "\r\n";
     text += std::string("[") + kLines + "]\r\n";
     for (const auto& [key, value] : entry.lines) text.append(key).append("=").append(value).append("\r\n");
@@ -169,10 +171,13 @@ bool keepFile(HistoryReason reason, const std::string& path, Take how) {
 
 }  // namespace
 
-void KeepSection(HistoryReason reason, const std::string& name, const std::vector<cImpulse::Line>& lines) {
+void KeepSection(HistoryReason reason, const std::string& name, const std::vector<cImpulse::Line>& lines,
+                 bool hot) {
     guarded("modMain.KeepSection", [&] {
         if (lines.empty()) return;
-        const auto same = [&](const HistoryEntry& e) { return SameText(e.name, name) && e.lines == lines; };
+        const auto same = [&](const HistoryEntry& e) {
+            return SameText(e.name, name) && e.hot == hot && e.lines == lines;
+        };
         if (!waiting.empty()) {
             if (same(waiting.back())) return;
         } else if (const auto numbers = numbersOnDisk(); !numbers.empty() && same(read(numbers.back()))) {
@@ -180,6 +185,7 @@ void KeepSection(HistoryReason reason, const std::string& name, const std::vecto
         }
         HistoryEntry entry = entryOf(reason, name);
         entry.lines = lines;
+        entry.hot = hot;
         waiting.push_back(std::move(entry));
         writeWaiting();
     });

@@ -22,6 +22,7 @@ enum class HistoryReason : std::uint8_t {
 struct HistoryEntry {
     int number = 0;    ///< grows with each entry
     std::string date;  ///< "2026-01-31 14:05:09"
+    bool hot = false;  ///< of the hot jingles, not of a palette
     std::string name;  ///< palette, "HotJingles", or the path of a sound file
     HistoryReason reason = HistoryReason::saved;
     std::string data;                   ///< of a sound file: its copy's name in the folder; else empty
@@ -33,8 +34,10 @@ struct HistoryEntry {
 inline constexpr int kHistoryEntries = 200;
 inline constexpr std::uint64_t kHistoryBytes = 500'000'000;
 
-/// Nothing for a section without lines, nor for one that the newest entry of that name holds already.
-void KeepSection(HistoryReason reason, const std::string& name, const std::vector<cImpulse::Line>& lines);
+/// Nothing for a section without lines, nor for one that the newest entry holds already. The hot jingles are of
+/// the name "HotJingles" and `hot`.
+void KeepSection(HistoryReason reason, const std::string& name, const std::vector<cImpulse::Line>& lines,
+                 bool hot = false);
 /// The sound file at `path` goes into the history. True when it is not at `path` any more.
 bool KeepDeletedFile(const std::string& path);
 /// The file at `path` is about to be replaced under its name: the history keeps what it is now.

@@ -56,11 +56,11 @@ std::vector<cImpulse::Line> hotLines(Purpose purpose) {
     return SlotLines(kPaletteSlots, kJingles - 1, storedSection(HotStore, HotFile, kHotSection), purpose);
 }
 
-/// The sound files that `lines` name.
+/// The sound files that `lines` name, without their folders: an import changes these.
 std::multiset<std::string> filesOf(const std::vector<cImpulse::Line>& lines) {
     std::multiset<std::string> files;
     for (const auto& [key, value] : lines)
-        if (key.starts_with("Path_")) files.insert(LowerCase(value));
+        if (key.starts_with("Path_")) files.insert(LowerCase(GetFileName(value)));
     return files;
 }
 
@@ -115,7 +115,7 @@ void keepFormerSection(const std::string& name, const std::vector<cImpulse::Line
 bool writeHotJingles(const std::vector<cImpulse::Line>& lines) {
     const auto former = storedSection(HotStore, HotFile, kHotSection);
     if (!without(filesOf(former), filesOf(lines)).empty())
-        KeepSection(HistoryReason::saved, kHotSection, former);
+        KeepSection(HistoryReason::saved, kHotSection, former, true);
     return sayWhetherWritten(HotStore.PutSection(kHotSection, lines, true), HotFile);
 }
 
@@ -174,10 +174,24 @@ bool CloseFileHotJingles() {
 void KeepUnsavedPalette() {
     guarded("modMain.KeepUnsavedPalette", [] {
         const auto stored = storedSection(PaletteStore, PalFile, HeldPalette().c_str());
-        auto lines = paletteLines(Purpose::look);
-        std::erase_if(lines, [](const cImpulse::Line& line) { return line.second.empty(); });
-        if (lines != stored) KeepSection(HistoryReason::unsaved, HeldPalette(), lines);
+        const auto lines = LinesOfRecords(false);
+        const bool stillEmpty = stored.empty() && lines.front().first == kEmptyPaletteKey;
+        if (lines != stored && !stillEmpty) KeepSection(HistoryReason::unsaved, HeldPalette(), lines);
     });
+}
+
+void KeepUnsavedHotJingles() {
+    guarded("modMain.KeepUnsavedHotJingles", [] {
+        const auto lines = LinesOfRecords(true);
+        if (lines != storedSection(HotStore, HotFile, kHotSection))
+            KeepSection(HistoryReason::unsaved, kHotSection, lines, true);
+    });
+}
+
+std::vector<cImpulse::Line> LinesOfRecords(bool hot) {
+    auto lines = hot ? hotLines(Purpose::look) : paletteLines(Purpose::look);
+    std::erase_if(lines, [](const cImpulse::Line& line) { return line.second.empty(); });
+    return lines;
 }
 
 void DeletePalette(const std::string& name) {

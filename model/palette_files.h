@@ -2,6 +2,9 @@
 #pragma once
 
 #include <string>
+#include <vector>
+
+#include "startup/impulse.h"
 
 namespace zv {
 
@@ -17,6 +20,9 @@ bool PalFileTest();
 
 /// Leaves a copy of the records in the history when they differ from the palette's section.
 void KeepUnsavedPalette();
+void KeepUnsavedHotJingles();
+/// What a save would write of the palette's or the hot jingles' records now; nothing is imported.
+std::vector<cImpulse::Line> LinesOfRecords(bool hot);
 /// The section goes, with a copy in the history.
 void DeletePalette(const std::string& name);
 

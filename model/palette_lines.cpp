@@ -1,5 +1,6 @@
 #include "model/palette_lines.h"
 
+#include <chrono>
 #include <cmath>
 #include <filesystem>
 #include <string>
@@ -9,6 +10,7 @@
 
 #include "engine/bass.h"
 #include "model/history.h"
+#include "model/state.h"
 #include "platform/paths.h"
 #include "startup/helpers.h"
 #include "startup/settings.h"
@@ -38,10 +40,14 @@ bool wantsImport(const std::string& path) {
 /// Names of files that this save could not import.
 std::vector<std::string> lockedFiles;
 
+std::string importFolder() {
+    const std::string folder = RPP(settings.SampleDir);
+    return settings.ImportFolderName.empty() ? folder : RPP(folder + settings.ImportFolderName);
+}
+
 /// Copies the file into the sample folder; the path of the copy, or `path` when it could not be made.
 std::string importFile(const std::string& path) {
-    std::string folder = RPP(settings.SampleDir);
-    if (!settings.ImportFolderName.empty()) folder = RPP(folder + settings.ImportFolderName);
+    const std::string folder = importFolder();
     const std::string name = GetFileName(path);
     const std::string target = folder + name;
     const auto from = nativePath(path);
@@ -151,6 +157,21 @@ std::vector<cImpulse::Line> SlotLines(int first, int last, const std::vector<cIm
         lines.insert(lines.end(), own.begin(), own.end());
     }
     return lines;
+}
+
+void SweepParts() {
+    constexpr std::chrono::seconds kStale{60};
+    namespace fs = std::filesystem;
+    const auto now = fs::file_time_type::clock::now();
+    std::error_code error;
+    for (fs::directory_iterator it(nativePath(importFolder()), error), end; !error && it != end;
+         it.increment(error)) {
+        std::error_code ignored;
+        const fs::path& file = it->path();
+        if (file.extension() == kPartEnd && IsSoundExtension(GetFileExt(utf8FromPath(file.stem()))) &&
+            it->is_regular_file(ignored) && now - it->last_write_time(ignored) > kStale)
+            fs::remove(file, ignored);
+    }
 }
 
 std::vector<std::string> TakeLockedFiles() { return std::exchange(lockedFiles, {}); }

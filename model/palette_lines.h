@@ -29,6 +29,8 @@ enum class Purpose : std::uint8_t { save, look };
 /// Lines of slots `first` to `last` with their numbers less `first`. `stored` is what the file holds for them.
 std::vector<cImpulse::Line> SlotLines(int first, int last, const std::vector<cImpulse::Line>& stored,
                                       Purpose purpose);
+/// Removes what imports of a run that was killed have left in the import folder.
+void SweepParts();
 /// Names of files that could not be imported since the last call.
 std::vector<std::string> TakeLockedFiles();
 

@@ -20,12 +20,24 @@ Whole held(double value) {
 
 }  // namespace
 
-SlotKeys::SlotKeys(cImpulse& store, std::string section, int suffix)
-    : store_(store), section_(std::move(section)), suffix_(std::to_string(suffix)) {}
+SlotKeys::SlotKeys(cImpulse& store, std::string section, int suffix) : suffix_(std::to_string(suffix)) {
+    if (section.empty()) return;
+    value_ = [&store, section = std::move(section)](const std::string& key) {
+        return store.GetValue(key, 0, section);
+    };
+}
+
+SlotKeys::SlotKeys(const std::vector<cImpulse::Line>& lines, int suffix)
+    : value_([&lines](const std::string& key) {
+          const auto line = std::find_if(lines.begin(), lines.end(),
+                                         [&](const cImpulse::Line& one) { return SameText(one.first, key); });
+          return line == lines.end() ? std::string() : line->second;
+      }),
+      suffix_(std::to_string(suffix)) {}
 
 std::string SlotKeys::text(const char* stem, const char* otherwise) const {
-    if (section_.empty()) return otherwise;
-    std::string value = store_.GetValue(stem + suffix_, 0, section_);
+    if (!value_) return otherwise;
+    std::string value = value_(stem + suffix_);
     return value.empty() ? otherwise : value;
 }
 

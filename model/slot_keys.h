@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "model/jingle.h"
 #include "startup/impulse.h"
@@ -15,6 +17,8 @@ class SlotKeys {
   public:
     /// `suffix` is the number in the file. An empty section has no keys.
     SlotKeys(cImpulse& store, std::string section, int suffix);
+    /// From the lines of a section that is in no store.
+    SlotKeys(const std::vector<cImpulse::Line>& lines, int suffix);
 
     std::string text(const char* stem, const char* otherwise = "") const;
     double number(const char* stem, double otherwise = 0) const;
@@ -22,8 +26,7 @@ class SlotKeys {
     std::uint8_t byte(const char* stem, std::uint8_t otherwise = 0) const;
 
   private:
-    cImpulse& store_;
-    std::string section_;
+    std::function<std::string(const std::string& key)> value_;
     std::string suffix_;
 };
 

@@ -22,6 +22,10 @@ void unlockUpdates();
 void processEvents();
 /// Lets events run until `over` says so, as a modal window does, or until the program ends.
 void waitUntil(const std::function<bool()>& over);
+/// Told when the user's session ends or the process is asked to end (SIGTERM, SIGINT, SIGHUP): there are 2 s to
+/// save in, and nobody to answer a question. [control]
+inline std::function<void()> onSessionEnd;
+
 /// Runs until quit(). Returns the exit status.
 int runEventLoop();
 void quit(int status = 0);

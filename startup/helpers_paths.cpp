@@ -105,7 +105,8 @@ std::string GetFullPath(std::string_view path) {
 std::string GetRelPath(std::string_view path) {
     const std::string& folder = programFolder();
     if (folder.empty() || path.size() <= folder.size() || !isSeparatorAt(path, folder.size()) ||
-        !SameText(path.substr(0, folder.size()), folder)) {
+        !(path.starts_with('/') ? path.starts_with(folder)
+                                : SameText(path.substr(0, folder.size()), folder))) {
         return std::string(path);
     }
     std::string rest(path.substr(folder.size() + 1));

@@ -6,8 +6,6 @@
 namespace zv {
 namespace {
 
-constexpr std::string_view kMark = "\xEF\xBB\xBF";  // what some editors put in front of UTF-8
-
 bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 /// A name or value as one line can hold it.
@@ -101,7 +99,7 @@ bool IniText::isNamed(const Section& section, const Key& key, std::string_view n
 
 void IniText::findSections() {
     sections_.clear();
-    const std::size_t top = bytes_.starts_with(kMark) ? kMark.size() : 0;
+    const std::size_t top = bytes_.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0;
     std::size_t from = top;
     for (std::size_t at = bytes_.find('[', from); at != std::string::npos; at = bytes_.find('[', from)) {
         std::size_t begin = at;
@@ -237,7 +235,7 @@ bool IniText::hasSection(std::string_view section) const { return find(askedName
 // ----------------------------------------------------------------------------------------------
 
 void IniText::closeLastLine() {
-    if (bytes_.empty() || bytes_.back() == '\n' || bytes_ == kMark) return;
+    if (bytes_.empty() || bytes_.back() == '\n' || bytes_ == kUtf8Mark) return;
     bytes_ += lineEnd_;
     findSections();
 }
@@ -356,8 +354,6 @@ bool IniText::replaceSection(std::string_view section, const std::vector<Line>& 
         findSections();
         return true;
     }
-    bool changed = eraseRepetitions(name);
-    s = find(name);
     // Blank lines in front of the next section stay where they are.
     std::size_t end = trimmedRange(bytes_, s->body, s->end).second;
     const std::size_t newline = end > s->body ? bytes_.find('\n', end) : std::string::npos;
@@ -367,29 +363,12 @@ bool IniText::replaceSection(std::string_view section, const std::vector<Line>& 
     if (s->body > 0 && bytes_[s->body - 1] != '\n') {  // a header that ends the file
         text.insert(0, lineEnd_);
     } else if (cutShort && text.starts_with(old) && text.size() == old.size() + lineEnd_.size()) {
-        return changed;  // all there but for the last line's end
+        return false;  // all there but for the last line's end
     }
-    if (old != text) {
-        splice(s->body, end, text);
-        if (s->body == 0 || bytes_[s->body - 1] != '\n') findSections();
-        changed = true;
-    }
-    return changed;
-}
-
-/// Takes out all sections of that name but the first.
-bool IniText::eraseRepetitions(std::string_view name) {
-    const std::size_t first = find(name)->begin;
-    const std::size_t hash = find(name)->hash;
-    bool changed = false;
-    for (std::size_t i = sections_.size(); i-- > 0 && sections_[i].begin > first;) {
-        const Section& other = sections_[i];
-        if (other.hash != hash || !isNamed(other, name)) continue;
-        bytes_.erase(other.begin, other.end - other.begin);
-        changed = true;
-    }
-    if (changed) findSections();
-    return changed;
+    if (old == text) return false;
+    splice(s->body, end, text);
+    if (s->body == 0 || bytes_[s->body - 1] != '\n') findSections();
+    return true;
 }
 
 bool IniText::mergeSection(std::string_view section, const std::vector<Line>& lines) {

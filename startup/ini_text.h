@@ -46,7 +46,8 @@ class IniText {
     bool put(std::string_view section, std::string_view key, std::string_view value);
     /// Takes out all sections of that name.
     bool eraseSection(std::string_view section);
-    /// The section holds exactly `lines` afterwards, but for those with an empty value.
+    /// The section holds exactly `lines` afterwards, but for those with an empty value. A second section of that
+    /// name, which nothing reads, is left alone; with no line to hold all of them go.
     bool replaceSection(std::string_view section, const std::vector<Line>& lines);
     /// As put() for each line.
     bool mergeSection(std::string_view section, const std::vector<Line>& lines);
@@ -85,7 +86,6 @@ class IniText {
     Section* find(std::string_view name);
     const Section* find(std::string_view name) const;
     const Key* find(Section& section, std::string_view key);
-    bool eraseRepetitions(std::string_view name);
     void splice(std::size_t begin, std::size_t end, std::string_view with);
     void closeLastLine();
     void appendHeader(std::string_view name);
@@ -97,6 +97,9 @@ class IniText {
     std::vector<Section> sections_;
     std::vector<std::uint32_t> sectionsByHash_;
 };
+
+/// What some editors put in front of UTF-8.
+inline constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
 /// Blanks at both ends go.
 std::string_view trimmedBlanks(std::string_view text);

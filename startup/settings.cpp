@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <set>
 #include <system_error>
@@ -13,6 +14,7 @@
 #include "startup/backups.h"
 #include "startup/errors.h"
 #include "startup/helpers.h"
+#include "startup/ini_text.h"
 #include "startup/language.h"
 #include "startup/settings_table.h"
 #include "startup/stores.h"
@@ -229,20 +231,39 @@ void SortZVini() {
     if (!readFile(nativePath(IniFile), bytes)) return;
     std::vector<std::string> lines = Split(isMarkedUtf16(bytes) ? textOf(bytes) : bytes, "\n");
     if (!lines.empty() && lines.back().empty()) lines.pop_back();
-    if (!lines.empty()) lines.erase(lines.begin());
-    std::map<std::string, std::string> bytesOf;  // each line keeps the encoding it has
     for (std::string& line : lines) {
         if (line.ends_with('\r')) line.pop_back();
+    }
+    if (!lines.empty() && lines.front().starts_with(kUtf8Mark)) lines.front().erase(0, kUtf8Mark.size());
+    const std::string ours = std::string("[") + kSettingsSection + "]";
+    const auto isOurs = [&](const std::string& line) { return SameText(trimmedBlanks(line), ours); };
+    const auto isHeader = [](const std::string& line) { return trimmedBlanks(line).starts_with('['); };
+    // Where the header is missing the first line is taken for it.
+    auto header = std::find_if(lines.begin(), lines.end(), isOurs);
+    if (header == lines.end()) header = lines.begin();
+    // Other sections stay as they are: those above come behind.
+    std::vector<std::string> sorted, others;
+    const auto firstAbove = std::find_if(lines.begin(), header, isHeader);
+    const auto firstBehind = header == lines.end() ? header : std::find_if(header + 1, lines.end(), isHeader);
+    std::copy_if(lines.begin(), firstAbove, std::back_inserter(sorted),
+                 [](const std::string& line) { return !trimmedBlanks(line).empty(); });
+    if (header != lines.end()) sorted.insert(sorted.end(), header + 1, firstBehind);
+    others.insert(others.end(), firstAbove, header);
+    others.insert(others.end(), firstBehind, lines.end());
+
+    std::map<std::string, std::string> bytesOf;  // each line keeps the encoding it has
+    for (std::string& line : sorted) {
         std::string text = textOf(line);
         bytesOf[text] = std::move(line);
         line = std::move(text);
     }
-    QuickSort(lines);
+    QuickSort(sorted);
     const char* lineEnd =
         bytes.find('\n') != std::string::npos && bytes.find("\r\n") == std::string::npos ? "\n" : "\r\n";
-    std::string sorted = std::string("[") + kSettingsSection + "]" + lineEnd;
-    for (const std::string& line : lines) sorted.append(bytesOf[line]).append(lineEnd);
-    if (sorted != bytes) replaceFile(nativePath(IniFile), sorted);
+    std::string file = ours + lineEnd;
+    for (const std::string& line : sorted) file.append(bytesOf[line]).append(lineEnd);
+    for (const std::string& line : others) file.append(line).append(lineEnd);
+    if (file != bytes) replaceFile(nativePath(IniFile), file);
 }
 
 std::string ReadSetting(std::string_view key, std::string_view def) {

@@ -22,7 +22,9 @@
 #include "startup/upcalls.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
+#include "ui/edit/history.h"
 #include "ui/edit/jingle_menu.h"
+#include "ui/edit/leave_palette.h"
 #include "ui/edit/options.h"
 #include "ui/edit/palette_load.h"
 #include "ui/edit/palette_steps.h"
@@ -95,6 +97,8 @@ void wirePalettes() {
     t.lstPal.onMouseUp = [](const MouseEvent& e) {
         if (e.button == MouseButton::left) {
             lstPal_MouseUp();
+        } else if (e.button == MouseButton::right) {
+            lstPalMenu();
         }
     };
     t.lstPal.onKeyDown = lstpal_KeyDown;
@@ -195,6 +199,7 @@ void wireWindow() {
     w.window.onKeyDown = Form_KeyDown;
     w.window.onKeyUp = Form_KeyUp;
     w.window.onQueryClose = Form_QueryUnload;
+    onSessionEnd = [] { UnloadMain(kSessionEnds); };
     w.window.onResize = [] { timers().tmrResize.restart(); };
     for (Control* c : {&w.lblVUSrc, &w.lblL, &w.lblR}) {
         onLeftPress(*c, ChangeVUchan);
@@ -349,13 +354,14 @@ bool Form_QueryUnload(int reason) {
     return guardedOr("frmMain.Form_QueryUnload", true, [&] {
         ErrLog("", UnloadReasonText(reason));
         bool cancel = true;
-        if (settings.ConfirmExit == 1) {
+        if (settings.ConfirmExit == 1 && reason != kSessionEnds) {
             cancel = messageBox(LnBox("mMsquit"), "Zentrova", BoxKind::question, BoxButtons::yesNo) !=
                      BoxAnswer::yes;
         } else {
             cancel = false;
         }
         if (!cancel) {
+            LeaveForGood();
             settings.ActiveTab = ActiveTab;
             SaveZVini();
         }

@@ -1,5 +1,6 @@
 // Palettes between their files and the records: every key with its condition, whole files, failed saves.
 #include <algorithm>
+#include <chrono>
 #include <functional>
 #include <set>
 #include <string>
@@ -7,6 +8,8 @@
 #include <vector>
 
 #include "audio/open_palette.h"
+#include "model/history.h"
+#include "model/palette_lines.h"
 #include "model/pending_removals.h"
 #include "model/state.h"
 #include "model/upcalls.h"
@@ -121,6 +124,14 @@ TEST_F(Palette, HotJinglesAreSavedWithIt) {
     EXPECT_EQ(read("HotJingles.ini"),
               "[HotJingles]\r\nPath_0=a.wav\r\nPlayMod_0=1\r\nPath_23=a.wav\r\nVolm_23=40\r\n");
     EXPECT_EQ(marks.back(), "hide");
+
+    // Beyond the columns no button was ever made: the file's lines stay as they are.
+    JExists[119] = 0;
+    ClearRecord(119);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(read("HotJingles.ini"),
+              "[HotJingles]\r\nPath_0=a.wav\r\nPlayMod_0=1\r\nPath_23=a.wav\r\nVolm_23=40\r\n");
+    JExists[119] = 1;
 
     for (int i = kPaletteSlots; i < kJingles; ++i) {
         FreeJingle(i);
@@ -249,6 +260,21 @@ TEST_F(Palette, FilesFromElsewhereAreImported) {
     EXPECT_EQ(read("palette.ini"), "[Morning]\r\n" + iniLine("Path_0", "Audio_Sample\\Import\\far.wav") +
                                        iniLine("Path_1", (elsewhere.path / "gone.wav").string()));
     EXPECT_EQ(marks.back(), "hide");
+
+    // What a killed import left goes at the next start, unless it is under way.
+    write("Audio_Sample/Import/old.wav.part", "half");
+    write("Audio_Sample/Import/new.wav.part", "half");
+    write("Audio_Sample/Import/mine.part", "no sound");
+    for (const char* name : {"old.wav.part", "mine.part"})
+        std::filesystem::last_write_time(
+            path("Audio_Sample/Import") / name,
+            std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+    SweepParts();
+    std::string left;
+    for (const char* name : {"old.wav.part", "new.wav.part", "mine.part"})
+        if (std::filesystem::exists(path("Audio_Sample/Import") / name)) left += std::string(name) + " ";
+    EXPECT_EQ(left, "new.wav.part mine.part ");
+    EXPECT_EQ(HistoryEntries().size(), 1U) << "the older file of that name";
 
     // What cannot be copied keeps its path, and the user is told when the save is over.
     write("language.ini", "[English]\r\nmMslockedFile1=Locked:\r\nmMslockedFile2=In use.\r\n");

@@ -158,6 +158,15 @@ TEST(IniText, Utf16WithItsMarkBecomesUtf8WhenItIsChanged) {
     }
 }
 
+TEST(IniText, ASecondSectionOfOneNameIsKept) {
+    IniText text("[A]\r\nk=1\r\n[B]\r\nx=1\r\n[a]\r\nk=2\r\nonly=here\r\n");
+    EXPECT_TRUE(text.replaceSection("A", {{"k", "3"}}));
+    EXPECT_EQ(text.bytes(), "[A]\r\nk=3\r\n[B]\r\nx=1\r\n[a]\r\nk=2\r\nonly=here\r\n");
+    EXPECT_EQ(text.value("A", "k"), "3");
+    EXPECT_TRUE(text.eraseSection("A"));
+    EXPECT_EQ(text.bytes(), "[B]\r\nx=1\r\n");
+}
+
 TEST(IniText, SectionsAtOnceKeepEachLinesEncoding) {
     IniText text("[S]\nk=\xE9\nj=\xC3\xA9\nl=\xE8\n");
     EXPECT_TRUE(text.replaceSection("S", {{"j", "\xC3\xAA"}, {"k", "\xC3\xA9"}, {"m", "\xC3\xA9"}}));

@@ -277,9 +277,20 @@ TEST_F(SettingsFile, Sorting) {
     EXPECT_EQ(read("zv.ini"),
               "[Settings]\r\n; c\r\nA=3\r\nb=2\r\n\xC9"
               "a=1\r\nEb=4\r\n");
-    write("zv.ini", "");
-    SortZVini();
-    EXPECT_EQ(read("zv.ini"), "[Settings]\r\n");
+    const std::pair<const char*, const char*> files[] = {
+        {"", "[Settings]\r\n"},
+        {"\r\n\r\n; mine\r\n[settings]\r\nb=1\r\na=2\r\n", "[Settings]\r\n; mine\r\na=2\r\nb=1\r\n"},
+        {"\xEF\xBB\xBF[Settings]\r\nb=1\r\na=2\r\n", "[Settings]\r\na=2\r\nb=1\r\n"},
+        {"[Other]\nz=1\n[Settings]\nb=1\na=2\n[More]\ny=1\nx=1\n",
+         "[Settings]\na=2\nb=1\n[Other]\nz=1\n[More]\ny=1\nx=1\n"},
+        {"b=1\na=2\n", "[Settings]\na=2\n"}};
+    for (const auto& [before, after] : files) {
+        write("zv.ini", before);
+        SortZVini();
+        EXPECT_EQ(read("zv.ini"), after);
+        SortZVini();
+        EXPECT_EQ(read("zv.ini"), after) << "sorted once is sorted";
+    }
 }
 
 TEST_F(SettingsFile, BeforeTheRest) {

@@ -19,6 +19,7 @@
 #include "startup/settings.h"
 #include "startup/stores.h"
 #include "tests/ui/window_test.h"
+#include "ui/edit/history.h"
 #include "ui/edit/move.h"
 #include "ui/edit/options.h"
 #include "ui/edit/palette_list.h"
@@ -27,8 +28,10 @@
 #include "ui/edit/rename.h"
 #include "ui/edit/save_dialogue.h"
 #include "ui/edit/unsaved.h"
+#include "ui/press/exit_key.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/error_mark.h"
+#include "ui/windows/history_window.h"
 #include "ui/windows/rename_window.h"
 
 namespace zv::test {
@@ -393,6 +396,90 @@ TEST_F(KeepingTest, whatGoesLeavesACopy) {
     save();
     EXPECT_EQ(history(), "A 1; C 4; A 0; ");
     EXPECT_EQ(HistoryEntries()[0].lines.size(), 4U) << "with the options as they were saved";
+}
+
+TEST_F(KeepingTest, earlierStatesComeBack) {
+    desktop().answers = {BoxAnswer::yes, BoxAnswer::yes, BoxAnswer::yes};
+    rec(0).Volm = 20;
+    save();
+    DelJing(1, false);
+    pick("C");
+    SelectPalette("A");
+    DeletePalette("A");
+    lstPalRefresh();
+    frmMain().palettes.lstPal.onMouseUp({MouseButton::right});
+    ASSERT_EQ(desktop().menu.size(), 1U);
+    desktop().menu[0].chosen();
+    HistoryWindow& w = frmHistory();
+    ASSERT_TRUE(w.form.isOpen());
+    ASSERT_EQ(w.lstHistory.items().size(), 2U);  // the deleted palette, and the edit that C was chosen over
+    EXPECT_NE(w.lstHistory.items()[0].find("A   deleted"), std::string::npos) << w.lstHistory.items()[0];
+    EXPECT_EQ(w.lblDifference.caption(), "Not there now: A0.wav, A1.wav, A2.wav\r\n");
+    w.btBack.onClick();
+    EXPECT_FALSE(w.form.isOpen());
+    EXPECT_EQ(HeldPalette(), "A");
+    EXPECT_EQ(rec(0).Volm, 20);
+    EXPECT_NE(rec(2).hPlay, 0U);
+    EXPECT_TRUE(PalToSave);
+    EXPECT_EQ(jingles("A"), "") << "unsaved edits, not the file";
+    ErrClick();
+    EXPECT_EQ(jingles("A"), "0:A0 1:A1 2:A2");
+    EXPECT_EQ(frmMain().palettes.lstPal.text(), "A");
+    ShowHistory();
+    w.lstHistory.listIndex = 1;
+    w.lstHistory.onChange();
+    EXPECT_EQ(w.lblDifference.caption(), "Only there now: A1.wav\r\n");
+    rec(2).Loop = 1;
+    rec(0).PlayMod = PlayMode::touch;
+    w.lstHistory.listIndex = 0;
+    w.lstHistory.onChange();
+    EXPECT_EQ(w.lblDifference.caption(), "Other settings or places: A0.wav, A2.wav\r\n");
+    w.btClose.onClick();
+    // A sound file under its own name, and the one that took its place meanwhile into the history.
+    DelJing(1, true);
+    write("Audio_Sample/A1.wav", "another");
+    ShowHistory();
+    EXPECT_NE(w.lblDifference.caption().find("Audio_Sample\\A1.wav"), std::string::npos);
+    w.btBack.onClick();
+    EXPECT_GT(std::filesystem::file_size(path("Audio_Sample/A1.wav")), 1000U);
+    EXPECT_EQ(HistoryEntries()[0].reason, HistoryReason::replaced);
+    w.form.close();
+}
+
+TEST_F(KeepingTest, theHistoryHoldsSoManyEntriesAndWaitsForRoom) {
+    for (int i = 0; i < kHistoryEntries + 5; ++i) {
+        KeepSection(HistoryReason::saved, "X", {{"Path_0", std::to_string(i)}});
+        KeepSection(HistoryReason::saved, "X", {{"Path_0", std::to_string(i)}});  // as the newest: once
+    }
+    EXPECT_EQ(HistoryEntries().size(), static_cast<std::size_t>(kHistoryEntries));
+    EXPECT_EQ(HistoryEntries().back().lines[0].second, "5");
+    std::filesystem::remove_all(path("History"));
+    write("History", "no folder can be made here");
+    DeletePalette("B");
+    EXPECT_EQ(jingles("B"), "") << "what cannot be kept holds nothing up";
+    std::filesystem::remove(path("History"));
+    DeletePalette("C");
+    EXPECT_EQ(history(), "C 4; B 4; ") << "and is kept once there is room";
+}
+
+TEST_F(KeepingTest, theSessionsEndAsksNothingAndSaves) {
+    settings.ConfirmExit = 1;
+    settings.AutoSave = 1;
+    rec(0).Volm = 33;
+    rec(96).Volm = 34;
+    MarkPalToSave();  // less than 50 ms ago
+    settings.VUspeed = 11;
+    EXPECT_TRUE(frmMain().window.onQueryClose(kSessionEnds));
+    EXPECT_TRUE(desktop().boxes.empty());
+    EXPECT_EQ(value("A", "Volm_0"), "33");
+    EXPECT_EQ(SettingsStore.GetValue("VUspeed"), "11");
+    settings.AutoSave = 0;
+    rec(0).Volm = 44;
+    rec(97).Path = "Audio_Sample\\A0.wav";
+    MarkPalToSave();
+    EXPECT_TRUE(frmMain().window.onQueryClose(kSessionEnds));
+    EXPECT_EQ(value("A", "Volm_0"), "33");
+    EXPECT_EQ(history(), "HotJingles 0; A 0; ");
 }
 
 }  // namespace zv::test

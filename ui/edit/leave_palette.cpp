@@ -18,7 +18,8 @@ namespace zv {
 
 namespace {
 
-std::string untold;  ///< name of the palette whose last edits could not be saved
+std::string untold;        ///< name of the palette whose last edits could not be saved
+bool leftUnsaved = false;  ///< a palette was left with unsaved edits, which may be the hot jingles'
 
 }  // namespace
 
@@ -35,10 +36,18 @@ void LeavePalette() {
         }
         if (PalToSave) {
             KeepUnsavedPalette();
+            leftUnsaved = true;
         }
         DropRemovalsInto(HeldPalette());
         PalToSave = false;
     });
+}
+
+void LeaveForGood() {
+    LeavePalette();
+    if (leftUnsaved) {
+        KeepUnsavedHotJingles();
+    }
 }
 
 void PaletteOpened() {

@@ -6,6 +6,8 @@ namespace zv {
 /// The records are about to become another palette's: what AutoSave still owes is saved, unsaved edits leave a
 /// copy in the history, and jingles that were cut elsewhere and pasted unsaved stay where they were.
 void LeavePalette();
+/// The program ends: as LeavePalette, for the hot jingles as well.
+void LeaveForGood();
 /// A palette stands in the records: the wait mark goes, and what could not be saved or read is told.
 void PaletteOpened();
 

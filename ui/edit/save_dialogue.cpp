@@ -142,7 +142,7 @@ void ErrClick() {
         timers().SaveTimer.stop();
         SaveMode = "save";
         CloseColorPicker();
-        if (HeldPalette().empty() || tab().lstPal.text().empty()) {
+        if (HeldPalette().empty()) {
             if (!tab().txtSave.visible) {
                 ChangeTab(static_cast<int>(MainTab::palettes));
                 SavePal();

@@ -5,6 +5,7 @@
 
 namespace zv {
 
+inline constexpr int kSessionEnds = 2;
 inline constexpr int kClosedByUser = 0;  ///< reasons of closing
 inline constexpr int kClosedByProgram = 1;
 

@@ -7,6 +7,7 @@
 
 #include "platform/clock.h"
 #include "platform/desktop.h"
+#include "platform/qt/desktop/session_end.h"
 #include "platform/qt/view/shell.h"
 #include "platform/timers.h"
 
@@ -79,6 +80,7 @@ void waitUntil(const std::function<bool()>& over) {
 
 int runEventLoop() {
     driveTimers();
+    watchSessionEnd();
     // A quit during start-up, before the loop runs, counts.
     if (!quitAsked) QCoreApplication::exec();
     quitAsked = false;
