@@ -209,6 +209,7 @@ void ShowHistory() {
 
 void lstPalMenu() {
     guarded(".lstPal_Menu", [] {
+        SelectPalette(settings.PaletteIndex);  // the right button takes the selection away beside the rows
         popupMenu(frmMain().window,
                   {{.name = "mnuEarlierStates", .caption = Ln("hsMenu"), .chosen = ShowHistory}});
     });

@@ -55,12 +55,14 @@ void watchSignals() {}
 
 void watchSessionEnd() {
     watchSignals();
+    static bool watched = false;
     auto* program = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
-    if (program == nullptr) return;
+    if (program == nullptr || watched) return;
+    watched = true;
     // The session's manager waits for the direct call to return.
     QObject::connect(
         program, &QGuiApplication::commitDataRequest, program, [](QSessionManager&) { tell(); },
-        Qt::ConnectionType(Qt::DirectConnection | Qt::UniqueConnection));
+        Qt::DirectConnection);
 }
 
 }  // namespace zv
