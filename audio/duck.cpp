@@ -36,7 +36,7 @@ void slideJingles(bool down) {
     for (int i = 0; i <= LastLiveIdx(); ++i) {
         const JingleRecord& j = Jingle(i);
         if (j.AutoDuck != 1 || j.hPlay == 0 || j.Leaving) continue;
-        // Up is the jingle's volume on the attribute, on top of its volume effect: 50 % come back as 25.
+        // The way up ends at Volm on the attribute, on top of the volume effect: 50 % come back as 25 %.
         BASS_ChannelSlideAttribute(j.hPlay, BASS_ATTRIB_VOL, share(down ? settings.AttnVol : j.Volm),
                                    ms(down ? settings.FadeOutSpeed : settings.FadeInSpeed));
     }
@@ -91,7 +91,8 @@ void DuckTickEnd(bool liveFree) {
     if (settings.AutoDuckMode == kDuckByTime) {
         if (remainMs() < settings.FadeInAdvance && Ducked) comeBack(BASS_ATTRIB_VOL, liveFree);
         if (!DuckWanted) return;
-        // Each tick anew: the way down is a curve that nears its end, and what starts meanwhile goes down too.
+        // Each tick orders the slide anew: the level nears its end along a curve, and a jingle that was started
+        // meanwhile goes down too.
         Ducked = true;
         slideJingles(true);
         if (settings.LiveAutoDuck == 1 && liveFree && plays(hLive)) slideLive(BASS_ATTRIB_VOL, true);

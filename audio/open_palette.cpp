@@ -16,7 +16,7 @@
 namespace zv {
 
 void OpenFile(const std::string& name) {
-    // Events run between the slots: one of them may open another palette, and the last one opened counts.
+    // Events run between the slots. One of them may open another palette: the last call wins.
     const int mine = BeginPaletteLoad();
     const auto eachSlot = [&](const std::function<void(int)>& step) {
         for (int i = 0; i < kPaletteSlots && IsNewestLoad(mine); ++i) {

@@ -33,7 +33,7 @@ constexpr float kStopAtEnd = -1;     // of a slide: to silence, then stop
 constexpr float kTailPriority = 50;  // the direct sound is cut before the reverb
 constexpr double kMsPerSecond = 1000;
 
-/// Syncs at the stop positions, so that a jingle that was stopped before it does not gather them.
+/// The sync at the stop position of each jingle. A new start removes the old one, which may not have fired.
 std::array<HSYNC, kJingles> stopPosSyncs{};
 
 bool inRange(int index) { return index >= 0 && index < kJingles; }
@@ -73,7 +73,7 @@ void setLoops(const JingleRecord& j) {
     }
 }
 
-/// From rest, or again: what is heard is set before the channel plays, what is told and shown follows it.
+/// Starts from rest, or again: sets all sound parameters, then plays, then traces and updates the window.
 void start(int index, int velocity) {
     JingleRecord& j = Jingle(index);
     if (LockRefuses()) return;
@@ -139,9 +139,8 @@ void pressInSequence(int index) {
     }
 }
 
-/// Where a tail that begins now has rung out. A jingle that would wrap before it gets there is taken out of
-/// its loop, which nobody hears any more: it then ends by itself, where it would have played on in silence
-/// for ever.
+/// End position of a reverb tail that begins now. Where the loop would wrap before it, the loop is turned off:
+/// the channel then ends by itself instead of playing on in silence.
 QWORD tailEnd(const JingleRecord& j) {
     const QWORD now = BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE);
     const QWORD end = now + BASS_ChannelSeconds2Bytes(j.hPlay, j.ReverbMs / kMsPerSecond);
@@ -169,8 +168,8 @@ void pressWhilePlaying(int index, int velocity) {
     if (j.PlayMod == PlayMode::autoRepeat || (global && ToggleAutoRep == 1)) {
         restart(index, velocity);
     } else if (j.PlayMod == PlayMode::touch || (global && ToggleTouch == 1)) {
-        // The reset goes to the record that the display walked last, not to this one: its tail rings on into
-        // the new start.
+        // BASS_FXReset goes to the record that the display's tick visited last (DispLoopIdx), not to this one:
+        // this jingle's tail rings on into its new start.
         if (j.State == PlayState::stopping && inRange(DispLoopIdx)) BASS_FXReset(Jingle(DispLoopIdx).hPlay);
         start(index, velocity);
     } else if (global || j.PlayMod == PlayMode::playStop) {

@@ -139,4 +139,15 @@ at 14200 shot frmShortcuts keys.png
 at 14300 end
 EOF
 perform manual
+home duck ""
+cat > "$work/duck.txt" <<EOF
+at 0 resize 1280 800
+at 0 time 2026-11-21 10:59:30
+at 0 pick Jazz Hour
+at 500 press 0
+at 2500 press 1
+at 3300 shot duck.png
+at 3400 end
+EOF
+perform duck
 ls docs/pictures

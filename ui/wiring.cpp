@@ -264,7 +264,7 @@ int displayInterval() { return std::max(10, kFastestDisplay - settings.DispSpeed
 
 int meterInterval() { return std::max(kMeterStep, (kFastestMeter - settings.VUspeed) * kMeterStep); }
 
-/// What later work will bring to life stands in its place already.
+/// Disables the controls whose functions are not there yet.
 void disableWhatIsToCome() {
     MainWindow& w = frmMain();
     AnnouncerTab& a = w.announcer;

@@ -65,7 +65,7 @@ void pressOption(std::size_t which) {
     HighlightArmed();
 }
 
-/// After an option was applied: it is spent.
+/// An option applies once: afterwards none is armed.
 void optionSpent(Control& toggle) {
     ResetJingles();
     noOption();

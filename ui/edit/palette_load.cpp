@@ -34,7 +34,7 @@ void TimerLoadPalTick() {
         if (settings.PaletteIndex.empty()) {
             return;
         }
-        // Events run while a palette is opened slot by slot: two loads must not mix their slots.
+        // Events run while OpenFile opens slot by slot: wait for it, or two loads would mix their slots.
         static int waited = 0;
         if (PaletteOpening && waited < kLongestWait) {
             ++waited;

@@ -250,7 +250,7 @@ void StopPageKey() {
 
 void TimerPgUpDnPalLstTick() {
     guarded("frmMain.TimerPgUpDnPalLst_Timer", [] {
-        // The keyboard's state says when the key goes up, even when its release went to another window.
+        // Polls the keyboard: the release of the key may have gone to another window.
         if (heldPageKey == Key::none || !keyHeld(static_cast<int>(heldPageKey))) {
             StopPageKey();
         } else if (monotonicMs() - heldSince >= kRepeatDelay) {

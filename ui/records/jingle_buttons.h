@@ -15,7 +15,7 @@ namespace zv {
 ///   picPlaylist, lblPlaylist   a small field with the letter "P" or "K" of the symbol font
 ///   picbtnumber, lblbtnumber   the number
 ///   ckJingSel                  the selection box, value 0 or 1
-/// Not made yet: null from Button().
+/// Button() gives null until the family is made.
 struct JingleButton {
     JingleButton(Control& block, int index);
 

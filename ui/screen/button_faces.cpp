@@ -135,7 +135,7 @@ std::string DescribeButton(int index) {
     if (j.MissingFile || j.Unplayable) {
         return Ln("aMissing");
     }
-    // Asked of the sound itself: the bar may be off, and is a tick behind.
+    // Asks the engine: the bar may be hidden, and shows the state of the last tick.
     if (!Sounds(index)) {
         return Ln("aReady") + " " + seconds2msd(j.Duration) + optionsOf(j);
     }

@@ -180,7 +180,7 @@ void DateTimeUpdate() {
         const WallTime now = wallTime();
         d.lblTime.width = d.picDispBack.width() < kNarrowPanel ? kNarrowTime : kWideTime;
         d.lblTime.left = d.lblDate.left() + d.lblDispMessage.width() - d.lblTime.width();
-        // Without an output the presenter must know it at a glance.
+        // Without an output the message stands in the place of the date.
         d.lblDate.caption = NoOutputDevice ? Ln("mNoOutDev") : FormatDate(settings.DateFormat, now);
         d.lblDate.toolTip = NoOutputDevice ? Ln("mNoOutDev") : std::string();
         d.lblTime.caption = " " + FormatTime(settings.TimeFormat, now);

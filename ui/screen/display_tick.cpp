@@ -38,7 +38,7 @@ constexpr double kNoDuration = 99999999;
 constexpr double kSpent = 0.1;  // s: less than this counts as at its end
 constexpr int kBarMargin = 60;  // twips that a bar is shorter than its button
 
-/// The smaller of two times left; 0 is "nothing yet", or something at its very end, and never wins.
+/// Keeps the smaller of two times left. 0 means none yet, or a jingle at its end, and is ignored.
 void takeSmaller(double& least, double left) {
     if (left > 0 && (least == 0 || least > left)) {
         least = left;
@@ -107,7 +107,7 @@ double soundingButton(int i, JingleButton& b) {
     return time.left;
 }
 
-/// Bars that had just blinked away.
+/// Gives all bars their colour back, those that the blink had just hidden too.
 void showBars() {
     for (const int i : LiveJingles()) {
         if (JingleButton* b = Button(i)) {

@@ -74,14 +74,14 @@ void drawStrip(int windowWidth, int height) {
 
 bool joined() { return settings.JoinedJButtons != 0; }
 
-/// What the blocks of buttons keep from the edges of their area: with the gap around each button, or the
-/// outer gap of joined ones, their edges stand under those of the strip.
+/// Inset of the button blocks. Buttons with gaps bring their own; joined ones are inset, so that their edges stand
+/// under those of the strip.
 int blockInset() { return joined() ? kOutside : 0; }
 
-/// Between hot jingles above and a joined grid; the other blocks bring their gaps along.
+/// Gap between a hot block above and a joined grid; buttons with gaps bring their own.
 int gapBelowHotBlock() { return joined() && settings.HotJinglesPos == 1 ? kGap : 0; }
 
-/// What is left of a length when the buttons have had equal shares of whole pixels of it.
+/// Twips that remain when a length is divided into equal buttons of whole pixels.
 int leftOver(int length, int buttons, int smallest) {
     const int room = length - (buttons + 1) * JGap;
     return room / buttons < smallest ? 0 : room % (buttons * kTwipsPerPixel);

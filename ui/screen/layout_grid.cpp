@@ -56,7 +56,7 @@ void placeParts(JingleButton& b) {
     const int thickness = std::min(barThickness(), multiple(h / 6));
     const int barTop = bar == BarPlace::bottom ? h - kBarInset - thickness : kBarInset;
     place(b.JremBG, kBarInset, barTop, w - 2 * kBarInset, thickness);
-    // The bar's width is the tick's business once it is shown.
+    // While a bar is shown the display's tick sets its width.
     place(b.JRemLev, kBarInset, barTop, b.JRemLev.visible ? b.JRemLev.width() : w - 2 * kBarInset, thickness);
     b.JRemLev.width = std::min(b.JRemLev.width(), w - 2 * kBarInset);
 
@@ -180,7 +180,7 @@ void HotJinglesDraw() {
 namespace {
 
 /// The largest caption that leaves room for the duration below it, in points. A low button has one line for
-/// both; on a narrow one most names shall stand in one size, not each in its own.
+/// both. The least size is large enough that most names of narrow buttons share it.
 double largestCaption(int buttonWidth, int buttonHeight) {
     constexpr double pointsPerTwip = 0.05;
     constexpr double ordinary = 225;  // twips: the caption of an ordinary button

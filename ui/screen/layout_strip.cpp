@@ -247,7 +247,7 @@ void DrawDisplay() {
     const int inner = width - 2 * margin;
     const int timeWidth = std::min(width < 4000 ? 2220 : 2800, inner / 2 / kTwipsPerPixel * kTwipsPerPixel);
     const int top = px(8);
-    // The time stands at the right of its field: the date may go on to where it begins.
+    // The time is right-aligned in its field: the date may use the left part of it.
     place(d.lblDate, margin, top, std::max(inner - timeWidth, inner - px(78 * grow)), line);
     place(d.lblTime, margin + inner - timeWidth, top, timeWidth, line);
     d.lblTime.alignment = 1;

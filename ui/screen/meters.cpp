@@ -120,7 +120,7 @@ void TimerVUFDTick() {
             return;
         }
         constexpr int step = VuFallStep / 100;
-        // Not below what sounds: the next reading would only raise it again, and the bar would tremble.
+        // The fall stops at the level of the last reading, to which the next one would raise the bar again.
         VuHoldL = std::max(sides[0].value, VuHoldL - step);
         VuHoldR = std::max(sides[1].value, VuHoldR - step);
         show();

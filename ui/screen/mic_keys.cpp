@@ -19,7 +19,7 @@ void SwitchInput(bool on) {
             OpenMic();
         } else {
             CloseMic();
-            // Its key is gone with it: nobody could let it go any more.
+            // The key is disabled now and gets no release: let it go here.
             MicPushed = false;
             Disarm(frmMain().keys.btMicPush);
             timers().TimerTOrelease.setInterval(settings.InTORelease > 0 ? settings.InTORelease : 1);

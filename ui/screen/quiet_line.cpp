@@ -35,13 +35,13 @@ std::string duckedBy() {
     }
 }
 
-/// Something that goes down for others sounds.
+/// Something that goes down for others sounds, and is not on its way out.
 bool somethingIsDucked() {
     if (settings.LiveAutoDuck == 1 && hLive != 0) {
         return true;
     }
     for (const int i : LiveJingles()) {
-        if (Jingle(i).AutoDuck == 1 && Sounds(i)) {
+        if (Jingle(i).AutoDuck == 1 && !Jingle(i).Leaving && Sounds(i)) {
             return true;
         }
     }
