@@ -1,11 +1,14 @@
 #include "audio/automix.h"
 
+#include <cstdint>
+
 #include "audio/devices.h"
 #include "audio/sounding.h"
 #include "audio/upcalls.h"
 #include "engine/bass.h"
 #include "model/jingle.h"
 #include "model/state.h"
+#include "platform/clock.h"
 #include "startup/settings.h"
 #include "startup/upcalls.h"
 
@@ -15,6 +18,19 @@ namespace {
 
 constexpr int kModes = 3;
 constexpr float kStopAtEnd = -1;  // of a slide: to silence, then stop
+
+constexpr std::int64_t kTold = 2000;  // ms that a refusal is told
+
+int refused = -1;
+std::int64_t refusedAt = 0;
+
+/// The display counts, or something was started since it looked.
+bool somethingIsLeft() {
+    if (DispRemain != 0) return true;
+    for (const int i : LiveJingles())
+        if (Jingle(i).Playing && Sounds(i) && PlayTimeOf(i).left > 0) return true;
+    return false;
+}
 
 DWORD autoFadeAttrib() {
     return settings.LogFadeOut == 1 ? BASS_ATTRIB_VOL | BASS_SLIDE_LOG : BASS_ATTRIB_VOL;
@@ -43,13 +59,13 @@ void FadeOthers(int index) {
     callUp(audioUpcalls.streamFades, settings.AutoMixTime);
 }
 
-bool LockRefuses() {
-    if (settings.AutoMix != kAutomixLock) return false;
-    if (DispRemain != 0) return true;
-    // What was started since the display looked counts as well.
-    for (const int i : LiveJingles())
-        if (Jingle(i).Playing && Sounds(i) && PlayTimeOf(i).left > 0) return true;
-    return false;
+bool LockRefuses(int index) {
+    if (settings.AutoMix != kAutomixLock || !somethingIsLeft()) return false;
+    refused = index;
+    refusedAt = monotonicMs();
+    return true;
 }
+
+int RefusedLately() { return refused >= 0 && monotonicMs() - refusedAt < kTold ? refused : -1; }
 
 }  // namespace zv

@@ -76,7 +76,7 @@ void setLoops(const JingleRecord& j) {
 /// Starts from rest, or again: sets all sound parameters, then plays, then traces and updates the window.
 void start(int index, int velocity) {
     JingleRecord& j = Jingle(index);
-    if (LockRefuses()) return;
+    if (LockRefuses(index)) return;
     const QWORD length = BASS_ChannelGetLength(j.hSrc, BASS_POS_BYTE);
     if (length == 0 || length == BASS_NO_POSITION) return;
     j.Playing = true;

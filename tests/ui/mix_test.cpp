@@ -187,7 +187,9 @@ TEST_F(MixTest, theLockCountsWhatWasStartedAMomentAgo) {
     start(1);
     pass(20);
     start(2);
-    pass(680);
+    pass(80);
+    EXPECT_EQ(foot(), "Lock: sound 2");
+    pass(600);
     start(2);
     pass(300);
     EXPECT_EQ(whatIsHeard(heard()), "a0-500 b700-");

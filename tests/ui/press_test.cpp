@@ -403,6 +403,8 @@ TEST_F(PressTest, globalTogglesExcludeEachOtherAndAreKept) {
         CkAutoMixTog();
         EXPECT_EQ(settings.AutoMix, mode);
         EXPECT_EQ(Armed(frmMain().keys.ckAutoMix), mode != 0);
+        EXPECT_EQ(frmMain().display.lblPlayMode[0].caption(), mode == 1 ? "a" : "n");
+        EXPECT_EQ(frmMain().display.lblPlayMode[1].caption(), "r");
     }
     MIDILearnActive = true;
     CkAutoMixTog();

@@ -1,6 +1,8 @@
 // The colours of the window: shaded option colours, light and dark, marks.
 #include "ui/screen/colours.h"
 
+#include <string>
+
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/state.h"
@@ -166,6 +168,10 @@ void ShowGlobalToggles() {
     const auto show = [](Control& key, bool on, Colour colour) { on ? Arm(key, colour) : Disarm(key); };
     show(k.ckAutoRep, ToggleAutoRep == 1, settings.arColor);
     show(k.ckTouch, ToggleTouch == 1, settings.tcColor);
+    // The minimal view shows their letters instead of the keys.
+    DisplayControls& d = frmMain().display;
+    d.lblPlayMode[0].caption = std::string(settings.AutoMix == 1 ? "a" : "n");
+    d.lblPlayMode[1].caption = std::string(ToggleAutoRep == 1 ? "r" : ToggleTouch == 1 ? "v" : "w");
     show(k.ckAutoMix, settings.AutoMix != 0, settings.AutoMix == 1 ? Shaded.am : Shaded.am2);
 }
 

@@ -82,6 +82,9 @@ std::string WhyQuiet() {
     if (somethingFades()) {
         add(Ln("mckAutoMix"));
     }
+    if (const int refused = RefusedLately(); refused >= 0) {
+        add(Ln("mckAutoMixB") + ": " + btCaption(Jingle(refused).Path));
+    }
     if (settings.Volume < kFull) {
         add(percent(Ln("mixLblVol"), settings.Volume));
     }

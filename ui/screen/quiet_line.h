@@ -5,7 +5,8 @@
 
 namespace zv {
 
-/// "Mic", "Duck: News Sting", "Automix", "Volume 60 %", joined by a dot; empty while nothing is attenuated.
+/// "Mic", "Duck: News Sting", "Automix", "Volume 60 %", joined by a dot, and for two seconds "Lock: Drum Roll" after a
+/// press that the lock refused; empty while nothing is attenuated.
 std::string WhyQuiet();
 /// Shows it on the display.
 void ShowWhyQuiet();
