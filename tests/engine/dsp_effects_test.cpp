@@ -78,32 +78,6 @@ TEST(DspPeakEq, FlatBandsChangeNoBit) {
     }
 }
 
-TEST(DspPeakEq, BlocksDoNotMatterNotEvenDuringAChange) {
-    const auto sound = noise(2 * 5000, 6);
-    std::vector<std::vector<float>> results;
-    for (const auto& sizes : test::kBlockings) {
-        PeakEq eq(kRate, 20);
-        std::size_t done = 0;
-        const auto set = [&](double gain) {
-            for (std::size_t k = 0; k < 20; ++k)
-                eq.setBand(k, {100.0 * std::pow(1.2, double(k)), gain, 0.5, 0});
-        };
-        set(3);
-        results.push_back(inBlocks(sound, sizes, [&](float* block, std::size_t n) {
-            if (done < 2000 && done + n > 2000) {  // the change comes at the same frame for all
-                eq.process(block, 2000 - done);
-                block += 2 * (2000 - done);
-                n -= 2000 - done;
-                done = 2000;
-            }
-            if (done == 2000) set(-4);
-            eq.process(block, n);
-            done += n;
-        }));
-    }
-    for (const auto& result : results) EXPECT_EQ(result, results[0]);
-}
-
 TEST(DspPeakEq, LiveChangesDoNotClickAndEndInBypass) {
     const std::size_t frames = 88200;
     const auto sound = sine(100, kRate, frames);
@@ -242,30 +216,6 @@ TEST(DspReverb, NoMixIsABypassToTheBit) {
     auto out = sound;
     reverb.process(out.data(), 2000);
     EXPECT_EQ(out, sound);
-}
-
-TEST(DspReverb, BlocksDoNotMatterNotEvenDuringAChange) {
-    const auto sound = noise(2 * 12000, 9);
-    for (double rate : {8000.0, 44100.0}) {
-        std::vector<std::vector<float>> results;
-        for (const auto& sizes : test::kBlockings) {
-            Reverb reverb(rate);
-            reverb.set({0, -6, 700, 0.5});
-            std::size_t done = 0;
-            results.push_back(inBlocks(sound, sizes, [&](float* block, std::size_t n) {
-                if (done < 5000 && done + n > 5000) {
-                    reverb.process(block, 5000 - done);
-                    block += 2 * (5000 - done);
-                    n -= 5000 - done;
-                    done = 5000;
-                }
-                if (done == 5000) reverb.set({-3, -1, 2000, 0.2});
-                reverb.process(block, n);
-                done += n;
-            }));
-        }
-        for (const auto& result : results) EXPECT_EQ(result, results[0]);
-    }
 }
 
 TEST(DspReverb, LiveChangesDoNotClick) {

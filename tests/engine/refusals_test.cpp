@@ -24,64 +24,6 @@ void expectAll(const std::vector<Refusal>& refusals) {
 
 using Refusals = Show;
 
-TEST_F(Refusals, AHandleThatIsNotKnown) {
-    openMain();
-    const DWORD mixer = BASS_Mixer_StreamCreate(44100, 2, BASS_STREAM_DECODE);
-    const DWORD gone = file("ramp");
-    const HFX goneFx = BASS_ChannelSetFX(gone, BASS_FX_BFX_VOLUME, 0);
-    ASSERT_TRUE(BASS_StreamFree(gone));
-    for (const DWORD h : {gone, DWORD{0}, ~DWORD{0}}) {
-        SCOPED_TRACE(h);
-        float value[2]{};
-        BASS_CHANNELINFO info{};
-        BASS_BFX_VOLUME volume{-1, 1};
-        std::vector<Refusal> all{
-            {"StreamFree", 0, [&] { return !BASS_StreamFree(h); }},
-            {"MusicFree", 0, [&] { return !BASS_MusicFree(h); }},
-            {"IsActive", 0, [&] { return BASS_ChannelIsActive(h) == BASS_ACTIVE_STOPPED; }},
-            {"GetInfo", 0, [&] { return !BASS_ChannelGetInfo(h, &info); }},
-            {"GetLength", 0, [&] { return BASS_ChannelGetLength(h, 0) == BASS_NO_POSITION; }},
-            {"GetPosition", 0, [&] { return BASS_ChannelGetPosition(h, 0) == BASS_NO_POSITION; }},
-            {"SetPosition", 0, [&] { return !BASS_ChannelSetPosition(h, 0, BASS_POS_BYTE); }},
-            {"Bytes2Seconds", 0, [&] { return BASS_ChannelBytes2Seconds(h, 4) < 0; }},
-            {"Seconds2Bytes", 0, [&] { return BASS_ChannelSeconds2Bytes(h, 1) == BASS_NO_POSITION; }},
-            {"Flags", 0, [&] { return BASS_ChannelFlags(h, 0, 0) == ~DWORD{0}; }},
-            {"Play", 0, [&] { return !BASS_ChannelPlay(h, true); }},
-            {"Start", 0, [&] { return !BASS_ChannelStart(h); }},
-            {"Pause", 0, [&] { return !BASS_ChannelPause(h); }},
-            {"Stop", 0, [&] { return !BASS_ChannelStop(h); }},
-            {"Update", 0, [&] { return !BASS_ChannelUpdate(h, 0); }},
-            {"SetAttribute", 0, [&] { return !BASS_ChannelSetAttribute(h, BASS_ATTRIB_VOL, 1); }},
-            {"SetAttribute of a wrong value", 0,
-             [&] { return !BASS_ChannelSetAttribute(h, BASS_ATTRIB_VOL, -1); }},
-            {"GetAttribute", 0, [&] { return !BASS_ChannelGetAttribute(h, BASS_ATTRIB_VOL, value); }},
-            {"Slide", 0, [&] { return !BASS_ChannelSlideAttribute(h, BASS_ATTRIB_VOL, 1, 9); }},
-            {"IsSliding", 0, [&] { return !BASS_ChannelIsSliding(h, BASS_ATTRIB_VOL); }},
-            {"GetLevelEx", 0, [&] { return !BASS_ChannelGetLevelEx(h, value, 0.04F, 2); }},
-            {"Mixer_GetLevelEx", 0, [&] { return !BASS_Mixer_ChannelGetLevelEx(h, value, 0.04F, 2); }},
-            {"GetData", 0, [&] { return BASS_ChannelGetData(h, value, 8) == ~DWORD{0}; }},
-            {"SetSync", 0,
-             [&] {
-                 return BASS_ChannelSetSync(
-                            h, 0, 0, [](auto, auto, auto, auto) {}, nullptr) == 0;
-             }},
-            {"RemoveSync", 0, [&] { return !BASS_ChannelRemoveSync(h, 1); }},
-            {"SetFX", 0, [&] { return BASS_ChannelSetFX(h, BASS_FX_BFX_VOLUME, 0) == 0; }},
-            {"RemoveFX", 0, [&] { return !BASS_ChannelRemoveFX(h, goneFx); }},
-            {"FXSetParameters", 0, [&] { return !BASS_FXSetParameters(goneFx, &volume); }},
-            {"FXGetParameters", 0, [&] { return !BASS_FXGetParameters(goneFx, &volume); }},
-            {"FXReset", 0, [&] { return !BASS_FXReset(h) && !BASS_FXReset(goneFx); }},
-            {"TempoCreate", 0, [&] { return BASS_FX_TempoCreate(h, 0) == 0; }},
-            {"Split", 0, [&] { return BASS_Split_StreamCreate(h, 0, nullptr) == 0; }},
-            {"AddChannel to it", 0, [&] { return !BASS_Mixer_StreamAddChannel(h, mixer, 0); }},
-            {"AddChannel of it", 0, [&] { return !BASS_Mixer_StreamAddChannel(mixer, h, 0); }},
-            {"ChannelRemove", 0, [&] { return !BASS_Mixer_ChannelRemove(h); }},
-        };
-        for (Refusal& r : all) r.code = BASS_ERROR_HANDLE;
-        expectAll(all);
-    }
-}
-
 TEST_F(Refusals, WhatMakesNoSense) {
     constexpr float nan = std::numeric_limits<float>::quiet_NaN();
     decoders->sounds["seven"] = {.format = {44100, 99, 16}, .sample = ramp};

@@ -122,34 +122,5 @@ TEST_F(TempoShow, SlidesOfTempoPitchAndRate) {
     EXPECT_EQ(value(BASS_ATTRIB_TEMPO_FREQ), 40000);
 }
 
-TEST_F(TempoShow, SlidesAreTheSameForAllPeriods) {
-    std::vector<float> reference;
-    for (const std::uint32_t period : {441U, 1U, 32U, 64U, 512U, 997U}) {
-        SCOPED_TRACE(period);
-        begin({.period = period});
-        install();
-        decoders->sounds["low"] = {.format = {22050, 1, 16}, .length = 44100, .sample = [](auto f, auto) {
-                                       return sine(f, 300, 22050, 0.4);
-                                   }};
-        const Topology studio;
-        const DWORD first = studio.jingle(file("tone")), second = studio.jingle(file("low")),
-                    third = studio.jingle(file("tone"));
-        BASS_ChannelSetAttribute(second, BASS_ATTRIB_TEMPO_PITCH, 3);
-        for (const DWORD channel : {first, second, third}) press(channel, 4 * 100);
-        BASS_ChannelSlideAttribute(first, BASS_ATTRIB_TEMPO, 30, 300);
-        BASS_ChannelSlideAttribute(second, BASS_ATTRIB_TEMPO_PITCH, 0, 150);  // into neutral
-        BASS_ChannelSlideAttribute(third, BASS_ATTRIB_TEMPO_FREQ, 60000, 700);
-        pull(period == 1 ? 17640 : 35280);
-        std::vector<float> sound = take();
-        if (reference.empty()) {
-            reference = std::move(sound);
-            continue;
-        }
-        const auto off = std::ranges::mismatch(sound, reference);
-        EXPECT_EQ(off.in1 - sound.begin(), static_cast<std::ptrdiff_t>(sound.size()));
-    }
-    EXPECT_GT(*std::ranges::max_element(reference), 0.3F);
-}
-
 }  // namespace
 }  // namespace zv::engine::test

@@ -59,77 +59,6 @@ TEST(Records, StandWhereTheyWerePlacedAndFollow) {
     EXPECT_TRUE(widgetFor(late).isVisible());
 }
 
-TEST(Jingle, ItsStateIsReadFromItsFace) {
-    Stage s;
-    Family& f = *s.families[0];
-    const QRect face = widgetFor(f.button).geometry();
-    const QRect inner = face.adjusted(4, 12, -4, -4);
-    const int all = inner.width() * inner.height();
-
-    f.button.backColor = 0xBFFFBF;  // playing: the whole face
-    f.button.foreColor = 0;
-    EXPECT_GT(count(s.picture(), inner, QColor(0xBF, 0xFF, 0xBF)), all * 8 / 10);
-
-    // What sounds is told without colours as well: a frame, and a broken one for another palette.
-    const auto framed = [&] {
-        return count(s.picture(), QRect(face.left() + 20, face.bottom() - 1, face.width() - 40, 1),
-                     QColor(0xBF, 0xFF, 0xBF), 40);
-    };
-    EXPECT_GT(framed(), 0) << "none at rest";
-    const int whole = face.width() - 40;
-    f.button.value = static_cast<int>(JingleState::otherPalette);
-    EXPECT_GT(framed(), whole / 5);
-    EXPECT_LT(framed(), whole * 4 / 5);
-    f.button.value = static_cast<int>(JingleState::sounding);
-    EXPECT_EQ(framed(), 0);
-    f.button.value = static_cast<int>(JingleState::broken);
-    f.button.backColor = kButtonFace;  // missing: red text on the usual face
-    f.button.foreColor = 255;
-    QImage p = s.picture();
-    EXPECT_GT(count(p, inner, Qt::red, 70), 40);
-    EXPECT_GT(count(p, inner, themeFor(s.window).face), all * 8 / 10);
-
-    f.button.foreColor = kNoColour;
-    f.button.caption = "";  // empty: the ground shows through, dashes around it
-    p = s.picture();
-    EXPECT_GT(count(p, inner, themeFor(s.window).ground), all * 9 / 10);
-    EXPECT_GT(count(p, QRect(face.left() + 8, face.top(), 180, 1), themeFor(s.window).ground), 40);
-    EXPECT_LT(count(p, QRect(face.left() + 8, face.top(), 180, 1), themeFor(s.window).ground), 160);
-
-    f.button.backColor = 0x00AAFF;  // an empty one to which an armed option can go
-    EXPECT_GT(count(s.picture(), inner, QColor(0xFF, 0xAA, 0x00)), all * 8 / 10);
-}
-
-TEST(Jingle, BarMarksAndDurationArePaintedFromTheirRecords) {
-    Stage s;
-    Family& f = *s.families[0];
-    f.button.caption = "1:04.2\r\nLong & &&";
-    for (Control* c : {&f.track, &f.bar, &f.lp}) c->visible = true;
-    f.bar.width = twips(80);
-    const QPoint at = widgetFor(f.button).geometry().topLeft();
-    QImage p = s.picture();
-    EXPECT_EQ(p.pixelColor(at + QPoint(40, 5)), QColor(Qt::red)) << "0x0000FF is red";
-    EXPECT_EQ(p.pixelColor(at + QPoint(120, 5)), QColor(0x40, 0x40, 0x40)) << "the track behind it";
-    EXPECT_EQ(p.pixelColor(at + QPoint(185, 15)), QColor(Qt::green)) << "the dot";
-    f.sq.visible = true;
-    EXPECT_EQ(s.picture().pixelColor(at + QPoint(173, 15)), QColor(Qt::yellow)) << "a second one beside it";
-    f.lp.visible = false;
-    p = s.picture();
-    EXPECT_EQ(p.pixelColor(at + QPoint(185, 15)), QColor(Qt::yellow)) << "the one that is left closes up";
-    EXPECT_NE(p.pixelColor(at + QPoint(173, 15)), QColor(Qt::yellow));
-    f.lp.visible = true;
-    f.sq.visible = false;
-    p = s.picture();
-    const QRect corner(at + QPoint(140, 56), QSize(54, 16));
-    EXPECT_GT(count(p, corner, themeFor(s.window).face, 2), 100);
-    EXPECT_LT(count(p, corner, themeFor(s.window).face, 2), 54 * 16 - 60) << "the duration at lower right";
-    f.lp.visible = false;
-    f.bar.visible = false;
-    p = s.picture();
-    EXPECT_NE(p.pixelColor(at + QPoint(185, 15)), QColor(Qt::green));
-    EXPECT_EQ(p.pixelColor(at + QPoint(40, 5)), QColor(0x40, 0x40, 0x40));
-}
-
 TEST(Jingle, OnlyWhatChangedIsPaintedAgain) {
     Stage s;
     Family& f = *s.families[0];
@@ -217,27 +146,6 @@ TEST(Caption, IsTakenApartAndSetInTheRoomThereIs) {
         "The very long name of a jingle that nobody could ever read on a button in time";
     flushChanged();
     EXPECT_EQ(widgetFor(s.families[0]->button).toolTip(), textOf(s.families[0]->button.caption()));
-}
-
-TEST(Display, FiguresAreLitAndTheirRestIsFaintlyThere) {
-    Stage s;
-    const QRect place(420 + 100, 210 + 20, 40, 80);
-    const auto share = [&](const QColor& c) { return count(s.picture(), place, c, 3); };
-    const QColor lit(0x80, 0xFF, 0xFF), faint = mixed(Qt::black, lit, 0.14);
-    const int one = share(lit);
-    const int rest = share(faint);
-    EXPECT_GT(one, 100);
-    EXPECT_GT(rest, 2 * one) << "five of seven segments";
-    s.digit.caption = "8";
-    EXPECT_GT(share(lit), one * 3);
-    EXPECT_LT(share(faint), rest / 10);
-    s.digit.foreColor = 0;  // blinked away: the ground's colour
-    EXPECT_EQ(share(lit), 0);
-    EXPECT_GT(share(faint), rest) << "the glass stays";
-    s.digit.foreColor = 0xFFFF80;
-    s.digit.visible = false;
-    EXPECT_EQ(share(lit), 0);
-    EXPECT_GT(share(faint), rest) << "also for a figure that is hidden";
 }
 
 TEST(Meter, ItsPeakStaysForItsDelayAndFalls) {
