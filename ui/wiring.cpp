@@ -188,8 +188,8 @@ void wireKeys() {
     k.btExit.onMouseDown = btExit_MouseDown;
     k.btExit.onMouseUp = btExit_MouseUp;
     PaletteTab& t = frmMain().palettes;
-    for (Control* c : {&k.ckAutoRep, &k.ckTouch, &k.ckAutoMix, &k.btStop, &k.btMicPush, &k.btMicTO, &t.btUp,
-                       &t.btDn, &t.lstPal}) {
+    for (Control* c :
+         {&k.ckAutoRep, &k.ckTouch, &k.ckAutoMix, &k.btStop, &k.btMicPush, &k.btMicTO, &t.btUp, &t.btDn}) {
         wireLearning(*c);
     }
 }

@@ -25,6 +25,7 @@
 #include "ui/edit/unsaved.h"
 #include "ui/records/main_window.h"
 #include "ui/windows/history_window.h"
+#include "ui/windows/midi_learn.h"
 
 namespace zv {
 
@@ -210,8 +211,13 @@ void ShowHistory() {
 void lstPalMenu() {
     guarded(".lstPal_Menu", [] {
         SelectPalette(settings.PaletteIndex);  // the right button takes the selection away beside the rows
-        popupMenu(frmMain().window,
-                  {{.name = "mnuEarlierStates", .caption = Ln("hsMenu"), .chosen = ShowHistory}});
+        std::vector<MenuItem> items{
+            {.name = "mnuEarlierStates", .caption = Ln("hsMenu"), .chosen = ShowHistory}};
+        if (MidiLearnOffered()) {
+            items.push_back(
+                {.name = "mnuMIDI", .caption = Ln("mmnuMIDI"), .chosen = [] { clMIDI("lstPal", -1); }});
+        }
+        popupMenu(frmMain().window, items);
     });
 }
 
