@@ -12,6 +12,7 @@
 #include "model/held_palette.h"
 #include "model/jingle.h"
 #include "model/state.h"
+#include "platform/rehearsal/virtual_clock.h"
 #include "startup/errors.h"
 #include "startup/settings.h"
 #include "tests/support/ear.h"
@@ -21,10 +22,12 @@
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
+#include "ui/screen/clock.h"
 #include "ui/screen/colours.h"
 #include "ui/screen/counter.h"
 #include "ui/screen/digits.h"
 #include "ui/screen/display_tick.h"
+#include "ui/screen/layout.h"
 #include "ui/screen/shaded.h"
 #include "ui/screen/warning.h"
 
@@ -265,6 +268,73 @@ TEST_F(TickTest, metersFollowTheLoudestAndFall) {
     evStop();
     pass(100);
     EXPECT_EQ(frmMain().VuL.value, 0);
+}
+
+TEST_F(TickTest, theClockOfTheMinimalView) {
+    // Two seconds of silence, then the time; the date for four seconds twice a minute and while the display is held.
+    settings.MinimalView = settings.ClockEnabled = settings.DateEnabled = 1;
+    FormDraw();
+    const DisplayControls& d = frmMain().display;
+    EXPECT_GT(d.lblPosMisC.width, 0) << "the last figure of the seconds";
+    const auto figures = [&] {
+        std::string text = shown();
+        std::erase(text, ':');
+        return text;
+    };
+    const struct {
+        const char *time, *date, *at;
+        const char* figures;  ///< after two seconds and a half
+        const char* marks;    ///< "t" time, "j" date, A and N the halves of the day
+    } cases[] = {{"HH:mm:ss", "ddd dd mmmm yyyy", "2026-11-07 15:04:20", "150422", "t"},
+                 {"hh:mm:ss AM/PM", "ddd dd mmmm yyyy", "2026-11-07 15:04:20", "030422", "tN"},
+                 {"hh:mm:ss AM/PM", "ddd dd mmmm yyyy", "2026-11-07 00:04:20", "120422", "tA"},
+                 {"HH:mm:ss", "ddd dd mmmm yyyy", "2026-11-07 15:04:09", "07.11.26", "j"},
+                 {"HH:mm:ss", "mmmm dd ddd yyyy", "2026-11-07 15:04:39", "11.07.26", "j"},
+                 {"HH:mm:ss", "ddd mmmm dd yyyy", "2026-11-07 15:04:40", "07.11.26", "j"},
+                 {"hh:mm:ss AM/PM", "yyyy mmmm dd ddd", "2026-11-07 15:04:41", "26.11.07", "j"},
+                 {"HH:mm:ss", "yyyy mmmm dd ddd", "2026-11-07 15:04:42", "150444", "t"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.at) + " " + c.time + " " + c.date);
+        settings.TimeFormat = c.time;
+        settings.DateFormat = c.date;
+        StopClock();
+        VirtualClock::instance().setWallTime(c.at);
+        pass(1900);
+        EXPECT_FALSE(ClockShown);
+        EXPECT_EQ(shown(), "00.0");
+        pass(600);
+        EXPECT_TRUE(ClockShown);
+        EXPECT_EQ(figures(), c.figures);
+        std::string marks;
+        for (const Control& mark : d.lblClock) marks += mark.visible ? mark.caption() : "";
+        EXPECT_EQ(marks, c.marks);
+    }
+    switchDisPalName();
+    EXPECT_EQ(figures(), "26.11.07");
+    switchDisPalNameRelease();
+    EXPECT_EQ(figures(), "150444");
+    // The colon flashes once a second.
+    std::set<std::string> colons;
+    for (int i = 0; i < 12; ++i) {
+        pass(100);
+        colons.insert(d.sepms.caption());
+    }
+    EXPECT_EQ(colons, (std::set<std::string>{"", ":"}));
+    load(1, 2000);
+    press(1);
+    EXPECT_FALSE(ClockShown);
+    pass(100);
+    EXPECT_EQ(shown().substr(0, 3), "01.");
+    evStop();
+    pass(100);
+    settings.MinimalView = 0;
+    StopClock();
+    DateTimeDemo(true);
+    pass(1100);
+    EXPECT_EQ(d.lblDate.caption(), "2026 September 23 Wed");
+    EXPECT_EQ(d.lblTime.caption(), " 22:58:48");
+    DateTimeDemo(false);
+    EXPECT_NE(d.lblDate.caption(), "2026 September 23 Wed");
 }
 
 TEST_F(TickTest, thePaletteNameComesAndGoes) {
