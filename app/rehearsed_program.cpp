@@ -119,7 +119,7 @@ std::string faultOf(int index) {
         if (j.State == PlayState::playing && !j.Playing) return tell("sounds, but Playing is not set");
     }
     const JingleButton* button = Button(index);
-    if (button == nullptr || SelectorsOn || !button->b_Jingle.visible()) return {};
+    if (button == nullptr || SelectorsOn || IsSearchHit(index) || !button->b_Jingle.visible()) return {};
     const Colour back = button->b_Jingle.backColor();
     const Colour playing = j.PlayingOtherPal ? settings.PlayingColorAnotherPal : settings.PlayingColor;
     Colour restBack = 0, restFore = 0;

@@ -18,6 +18,7 @@
 #include "model/upcalls.h"
 #include "platform/desktop.h"
 #include "ui/edit/palette_list.h"
+#include "ui/edit/search_index.h"
 
 namespace zv::bench {
 namespace {
@@ -53,7 +54,8 @@ double startOn(const Home& home) {
 }
 
 struct Times {
-    double refresh = 0, names = 0, open = 0, save = 0;  ///< ms
+    double refresh = 0, names = 0, open = 0, save = 0;          ///< ms
+    double searchList = 0, searchPalettes = 0, searchHits = 0;  ///< ms
 };
 
 /// The program at work on the library; in a process of its own, as it starts once only.
@@ -63,7 +65,7 @@ void work(const Home& home) {
         what();
         return (wallSeconds() - before) * 1000;
     };
-    std::vector<double> refreshed, named, opened, saved;
+    std::vector<double> refreshed, named, opened, saved, listed, found, hit;
     perform(home, "longer.txt", [&]() -> std::string {
         const int run = static_cast<int>(opened.size());
         if (run == kRuns) return {};
@@ -81,11 +83,17 @@ void work(const Home& home) {
             lstPalRefresh();
             processEvents();  // the window shows it
         }));
+        listed.push_back(timed(ListAllJing));  // the palette was just saved
+        std::size_t palettes = 0;
+        found.push_back(timed([&] { palettes = PalettesWith("number 4").size(); }));
+        if (palettes != kPalettes) return "the search did not find all palettes";
+        hit.push_back(timed([&] { HitsIn(palette, "number"); }));
         return {};
     });
     if (opened.size() < kRuns) throw std::runtime_error("the show was too short");
     home.file("results") << median(refreshed) << ' ' << median(named) << ' ' << median(opened) << ' '
-                         << median(saved);
+                         << median(saved) << ' ' << listed.front() << ' ' << median(found) << ' '
+                         << median(hit);
 }
 
 void library() {
@@ -122,13 +130,16 @@ void library() {
     int status = 0;
     ::waitpid(child, &status, 0);
     Times times;
-    if (status != 0 ||
-        !(std::ifstream(large.path("results")) >> times.refresh >> times.names >> times.open >> times.save))
+    if (status != 0 || !(std::ifstream(large.path("results")) >> times.refresh >> times.names >> times.open >>
+                         times.save >> times.searchList >> times.searchPalettes >> times.searchHits))
         throw std::runtime_error("the program at work on the library failed");
     atMost("library-list-refresh", times.refresh, "ms", 150);
     atMost("library-open-names", times.names, "ms", 10);
     tell("library-open-painted", times.open, "ms");
     atMost("library-save-palette", times.save, "ms", 100);
+    tell("library-search-list", times.searchList, "ms");
+    atMost("library-search-palettes", times.searchPalettes, "ms", 50);
+    atMost("library-search-hits", times.searchHits, "ms", 50);
 }
 
 const Known knows("library", library);

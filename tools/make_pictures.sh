@@ -136,7 +136,11 @@ at 13600 shot frmColPick colours.png
 at 13700 click Color(12)
 at 14000 key F1
 at 14200 shot frmShortcuts keys.png
-at 14300 end
+at 14400 key Escape
+at 14600 key F3
+at 14700 set frmSearchJing.txtJSearch hour
+at 15300 shot frmSearchJing search.png
+at 15400 end
 EOF
 perform manual
 home duck ""

@@ -29,6 +29,7 @@
 #include "ui/edit/palette_load.h"
 #include "ui/edit/palette_steps.h"
 #include "ui/edit/save_dialogue.h"
+#include "ui/edit/search.h"
 #include "ui/press/display_press.h"
 #include "ui/press/exit_key.h"
 #include "ui/press/global_keys.h"
@@ -106,6 +107,8 @@ void wirePalettes() {
     t.btDn.onMouseDown = btDn_MouseDown;
     t.btUp.onMouseUp = [](const MouseEvent& e) { btUpDn_MouseUp(e, true); };
     t.btDn.onMouseUp = [](const MouseEvent& e) { btUpDn_MouseUp(e, false); };
+    t.btSearchJingle.onClick = JingSearch;
+    WireSearch();
     onLeftPress(t.ckAssign, CkAssignTog);
     t.btSave.onMouseDown = [](const MouseEvent& e) {
         if (e.button == MouseButton::left) {
@@ -245,6 +248,10 @@ void wireTimers() {
     t.Timerlstpaltop.handler = TimerlstpaltopTick;
     t.TimerTrigColSel.handler = TimerTrigColSelTick;
     t.TimerCloseColorPicker.handler = TimerCloseColorPickerTick;
+    t.TimerFindJingles.handler = TimerFindJinglesTick;
+    t.TimerSearch.handler = TimerSearchTick;
+    t.TimerAutoClJSearch.handler = TimerAutoClJSearchTick;
+    t.TimerClear.handler = TimerClearTick;
     t.TimerShutDown.handler = TimerShutDownTick;
     t.TimerTOrelease.handler = TimerTOreleaseTick;
     t.TimerAutoMixStreamByTA.handler = [] {
@@ -271,7 +278,7 @@ void disableWhatIsToCome() {
     LiveTab& l = w.live;
     for (Control* c : {&a.ckTmAnn, &a.b_tmAnJin, &a.b_tmAnJinAM, &a.DTMinute, &a.DTSecond, &a.DTDelay,
                        &l.cmbStream, &l.ckPlayStream, &l.btRemUrl, &l.ckMixByTa, &l.ckAutoDuckLive,
-                       &l.SlideVolLive, &l.btCoefVolLive, &w.options.ckFXI, &w.palettes.btSearchJingle}) {
+                       &l.SlideVolLive, &l.btCoefVolLive, &w.options.ckFXI}) {
         c->enabled = false;
     }
     w.palettes.txtSave.enabled = false;

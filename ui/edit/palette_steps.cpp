@@ -26,6 +26,7 @@
 #include "ui/edit/palette_load.h"
 #include "ui/edit/remove.h"
 #include "ui/edit/save_dialogue.h"
+#include "ui/edit/search.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
@@ -72,6 +73,7 @@ bool step(int by) {
 }
 
 void stepped() {
+    StopSearchBlinking();
     LastCtrl = "lstpal";
     NotSavePal();
     settings.PaletteIndex = tab().lstPal.text();
@@ -87,6 +89,7 @@ void jumpTo(int row) {
     if (rows() == 0) {
         return;
     }
+    StopSearchBlinking();
     tab().lstPal.listIndex = std::clamp(row, 0, rows() - 1);
     NotSavePal();
     openSelected();
@@ -141,6 +144,7 @@ void lstPal_MouseUp() {
             return;
         }
         LastCtrl = "lstpal";
+        StopSearchBlinking();
         NotSavePal();
         ErrDisp("wait", 0, Ln("errLoadPal"));
         HideErrMark();

@@ -19,6 +19,7 @@
 #include "ui/edit/options.h"
 #include "ui/edit/palette_steps.h"
 #include "ui/edit/save_dialogue.h"
+#include "ui/edit/search.h"
 #include "ui/edit/selection.h"
 #include "ui/press/exit_key.h"
 #include "ui/press/global_keys.h"
@@ -137,8 +138,10 @@ bool act(Action action, int argument, int velocity) {
     switch (action) {
         case Action::none:
         case Action::minimalView:
-        case Action::search:
             break;
+        case Action::search:
+            JingSearch();
+            return true;
         case Action::settings:
             OpenMidiSettings();
             return true;

@@ -37,6 +37,10 @@ struct UiTimers {
     UiTimer Timerlstpaltop;          ///< 500 ms
     UiTimer TimerTrigColSel;         ///< 50 ms
     UiTimer TimerCloseColorPicker;   ///< 50 ms
+    UiTimer TimerFindJingles;        ///< 200 ms while hits blink
+    UiTimer TimerSearch;             ///< 25 ms while a text is typed
+    UiTimer TimerAutoClJSearch;      ///< 20 ms: the search closes by itself
+    UiTimer TimerClear;              ///< 150 ms: its backspace held
     UiTimer TimerShutDown;           ///< 2000 ms: Exit held
     UiTimer TimerAutoMixStreamByTA;  ///< AutoMixTime ms: the live stream has faded
     UiTimer TimerTOrelease;          ///< InTORelease ms after the input was turned off

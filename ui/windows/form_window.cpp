@@ -155,6 +155,15 @@ void FormWindow::open(Control* focus) {
     if (focus != nullptr) setFocus(*focus);
 }
 
+void FormWindow::refit() {
+    if (!isOpen()) return;
+    hideWindow(window);  // the shell fits windows before it shows them
+    const WindowRoom room = RoomOverGrid();
+    layOutForm(window, room.width, room.height);
+    PlaceOverGrid(window);
+    showWindow(window);
+}
+
 void FormWindow::close() {
     if (!std::exchange(shown_, false)) return;
     hideWindow(window);

@@ -47,6 +47,8 @@ class FormWindow {
     void open(Control* focus = nullptr);
     /// Hides it and gives the keyboard back to the main window.
     void close();
+    /// Gives the open window the size that its contents now need.
+    void refit();
     bool isOpen() const { return window.form != nullptr && shown_; }
     /// All texts anew, in the language of the settings.
     void fillTexts();

@@ -1,0 +1,192 @@
+// Finding a jingle: names without accents and case, the palettes and hits, the palette opened with its hits blinking.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "audio/open_palette.h"
+#include "model/state.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+#include "tests/ui/window_test.h"
+#include "ui/edit/palette_list.h"
+#include "ui/edit/search.h"
+#include "ui/edit/search_index.h"
+#include "ui/records/main_window.h"
+#include "ui/records/timers.h"
+#include "ui/windows/search_window.h"
+
+namespace zv::test {
+namespace {
+
+class SearchTest : public WindowTest {
+  protected:
+    SearchTest() {
+        write("News Sting.wav", "");
+        write("Été à Gênes.wav", "");
+        put("Morning",
+            {{0, "News Sting.wav"}, {5, "Été à Gênes.wav"}, {7, "gone_news.wav"}, {9, "News Sting.wav"}});
+        put("Noon", {{1, "Été à Gênes.wav"}});
+        put("Night", {});
+        lstPalRefresh();
+        settings.ResultsInSearch = 1;
+        settings.AutoClJSearchSec = 0;
+        WireSearch();
+    }
+    ~SearchTest() override {
+        StopSearchBlinking();
+        CloseSearchBox();
+    }
+
+    void put(const std::string& palette, const std::vector<std::pair<int, std::string>>& files) {
+        std::vector<cImpulse::Line> lines{{"Author", "x"}};
+        for (const auto& [slot, file] : files) lines.emplace_back("Path_" + std::to_string(slot), file);
+        PaletteStore.PutSection(palette, lines);
+    }
+    SearchWindow& s() { return frmSearchJing(); }
+    void type(const std::string& text) {
+        s().txtJSearch.caption = text;
+        s().txtJSearch.onChange();
+        pass(300);
+    }
+};
+
+TEST_F(SearchTest, AccentsAndCaseDoNotCountOnEitherSide) {
+    const struct {
+        const char* text;
+        std::vector<std::string> palettes;
+        std::vector<int> slots;  // in Morning
+    } rows[] = {
+        {"news", {"Morning"}, {0, 9}},  // the file of slot 7 is gone
+        {"NEWS st", {"Morning"}, {0, 9}},
+        {"ete a genes", {"Morning", "Noon"}, {5}},
+        {"ÉTÉ", {"Morning", "Noon"}, {5}},
+        {"gone n", {"Morning"}, {}},
+        {".wav", {}, {}},
+        {"Path", {}, {}},
+        {"", {}, {0, 5, 9}},
+    };
+    ListAllJing();
+    for (const auto& row : rows) {
+        EXPECT_EQ(PalettesWith(row.text), row.palettes) << row.text;
+        std::vector<int> slots;
+        for (const SearchHit& hit : HitsIn("Morning", row.text)) slots.push_back(hit.slot);
+        EXPECT_EQ(slots, row.slots) << row.text;
+    }
+    EXPECT_EQ(PlainLetters("Ça, señor Ø, Straße, łódź, 日本"), "Ca, senor O, Straße, łodź, 日本");
+}
+
+TEST_F(SearchTest, FindsWhatAPlainLoopFinds) {
+    const std::vector<std::string> letters{"a", "É", "é", "ñ", "o", "Ö", "b", " ", "ç", "N", "ß", "1"};
+    std::mt19937 chance(3);
+    std::vector<std::pair<std::string, std::string>> all;  // palette, name
+    for (int p = 0; p < 50; ++p) {
+        std::vector<std::pair<int, std::string>> files;
+        for (int slot = 0; slot < 96; slot += 1 + static_cast<int>(chance() % 3)) {
+            std::string name = "x";
+            for (int n = 0; n < 6; ++n) name += letters[chance() % letters.size()];
+            name += "x";
+            files.emplace_back(slot, name + ".wav");
+            all.emplace_back("P" + std::to_string(100 + p), name);
+        }
+        put("P" + std::to_string(100 + p), files);
+    }
+    ListAllJing();
+    const auto plain = [](std::string text) {
+        text = PlainLetters(text);
+        for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        return text;
+    };
+    for (int i = 0; i < 100; ++i) {
+        std::string text;
+        for (int n = 0; n < 2 + i % 2; ++n) text += letters[chance() % letters.size()];
+        std::vector<std::string> wanted;
+        for (const auto& [palette, name] : all) {
+            if (plain(name).find(plain(text)) != std::string::npos &&
+                (wanted.empty() || wanted.back() != palette))
+                wanted.push_back(palette);
+        }
+        std::vector<std::string> found = PalettesWith(text);
+        std::erase_if(found, [](const std::string& palette) { return palette[0] != 'P'; });
+        EXPECT_EQ(found, wanted) << text;
+    }
+}
+
+TEST_F(SearchTest, TypingPausesThenPalettesThenHitsThenThePaletteOpensWithThemBlinking) {
+    JingSearch();
+    ASSERT_TRUE(SearchOpen);
+    s().txtJSearch.caption = "Étè";
+    s().txtJSearch.onChange();
+    EXPECT_EQ(s().txtJSearch.caption(), "Ete");
+    pass(200);
+    EXPECT_TRUE(s().lstPalRes.items().empty()) << "the typing has not paused yet";
+    type("n");
+    EXPECT_EQ(s().lstPalRes.items(), (std::vector<std::string>{"Morning", "Noon"}));
+    EXPECT_EQ(s().lstJingRes.items(), (std::vector<std::string>{"News Sting", "Été à Gênes"}))
+        << "each caption once";
+    s().lstJingRes.listIndex = 0;
+    settings.BlinksJSearch = 2;
+    s().btKbGo.onClick();
+    EXPECT_FALSE(SearchOpen);
+    EXPECT_EQ(settings.PaletteIndex, "Morning");
+    EXPECT_EQ(frmMain().palettes.lstPal.text(), "Morning");
+    EXPECT_EQ(SearchHits, (std::vector<int>{0, 9}));
+    const Colour rest = button(0).backColor();
+    std::string blinks;
+    for (int tick = 0; tick < 7; ++tick) {
+        pass(200);
+        blinks += button(0).backColor() == rest ? '-' : '*';
+    }
+    EXPECT_EQ(blinks, "*-*----");
+    EXPECT_TRUE(SearchHits.empty());
+    EXPECT_FALSE(timers().TimerFindJingles.enabled());
+}
+
+TEST_F(SearchTest, WithoutResultsThePaletteOpensAtOnceAndPickingAnotherEndsTheBlinking) {
+    settings.ResultsInSearch = 0;
+    JingSearch();
+    type("genes");
+    s().btKbDnPal.onClick();
+    s().btKbGo.onClick();
+    EXPECT_EQ(settings.PaletteIndex, "Noon");
+    EXPECT_EQ(SearchHits, (std::vector<int>{1}));
+    SelectPalette("Morning");
+    frmMain().palettes.lstPal.onMouseUp({});
+    EXPECT_TRUE(SearchHits.empty());
+}
+
+TEST_F(SearchTest, ClosesByTimeUnlessSomebodyTypes) {
+    settings.AutoClJSearchSec = 1;
+    JingSearch();
+    pass(900);
+    type("e");
+    pass(600);
+    EXPECT_TRUE(SearchOpen) << "the time began anew";
+    pass(600);
+    EXPECT_FALSE(SearchOpen);
+}
+
+TEST_F(SearchTest, TheKeysOfItsKeyboardType) {
+    JingSearch();
+    s().showKeys(true);
+    std::string letters;
+    for (Control* key : s().btKb) letters += key->caption();
+    EXPECT_EQ(letters, "1234567890QWERTYUIOPASDFGHJKLZXCVBNM");
+    for (const char* wanted : {"N", "O"}) {
+        const auto key = std::find_if(s().btKb.begin(), s().btKb.end(),
+                                      [&](Control* k) { return k->caption() == wanted; });
+        (*key)->onClick();
+    }
+    s().btKbSp.onClick();
+    EXPECT_EQ(s().txtJSearch.caption(), "no ");
+    s().btKbBack.onMouseDown({});
+    pass(320);
+    s().btKbBack.onMouseUp({});
+    pass(500);
+    EXPECT_EQ(s().txtJSearch.caption(), "") << "held, it deletes on";
+}
+
+}  // namespace
+}  // namespace zv::test
