@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "audio/devices.h"
 #include "audio/open_palette.h"
@@ -267,6 +268,13 @@ void Form_Unload() {
         if (settings.ShutdownOnQuit == 1) runMinimised("systemctl poweroff");
     });
     quit(0);
+}
+
+void EndAsked() {
+    static bool asked = false;
+    if (std::exchange(asked, true)) return;
+    guarded("frmMain.EndAsked", SaveZVini);
+    if (frmMain().window.onClose) frmMain().window.onClose();
 }
 
 }  // namespace zv

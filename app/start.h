@@ -19,4 +19,7 @@ inline constexpr int kJobsPatienceMs = 1000;
 /// settings have been saved by Form_QueryUnload before. Called once; the main window's onClose does it.
 void Form_Unload();
 
+/// The system asks the program to end: the settings are saved, then the same as Form_Unload, without a question.
+void EndAsked();
+
 }  // namespace zv

@@ -11,6 +11,7 @@
 #include "platform/jobs.h"
 #include "platform/paths.h"
 #include "platform/qt/view/shell.h"
+#include "platform/wake.h"
 
 namespace {
 
@@ -39,7 +40,9 @@ int main(int argc, char** argv) {
     }
     shell::startQt(argc, argv, false);
     EnterProgramFolder(commandLine, executableFolder(argv[0]));
-    const int status = Main(commandLine) ? runEventLoop() : 1;
+    const bool started = Main(commandLine);
+    if (started) onEndAsked(EndAsked);
+    const int status = started ? runEventLoop() : 1;
     const bool quiet = endJobs(0);
     shell::endQt();
     // Work that hangs, as on a disk that does not answer, must not meet what main() takes down.

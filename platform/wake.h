@@ -12,4 +12,8 @@ void onWake(std::function<void()> handler);
 /// memory. [any]
 void wakeInterface() noexcept;
 
+/// What the interface thread does when the system asks the program to end: a signal (TERM, INT, HUP), as at the
+/// end of the session. The desktop answers; a rehearsal is never asked. [control]
+void onEndAsked(std::function<void()> handler);
+
 }  // namespace zv

@@ -1,5 +1,5 @@
 // Stands between the program and its libraries (LD_PRELOAD) and notes two moments on the monotonic clock: a
-// mouse press is handed to the toolkit; a block handed to the sound server holds the first loud sound after
+// mouse press is handed to the toolkit, or a note that is pressed comes from a MIDI driver; a block handed to the sound server holds the first loud sound after
 // silence. The program itself knows nothing of it. One line each to the file PRESS_TRACE: "press NS", or "sound NS"
 // with the time of the block before, which tells how long the server had not asked.
 #include <dlfcn.h>
@@ -67,6 +67,20 @@ extern "C" void* xcb_poll_for_queued_event(void* connection) {
     void* event = real(connection);
     look(event);
     return event;
+}
+
+struct MidiEvent {
+    std::uint32_t time;
+    std::size_t size;
+    unsigned char* bytes;
+};
+
+extern "C" int jack_midi_event_get(MidiEvent* event, void* buffer, std::uint32_t index) {
+    static const auto real = next<int (*)(MidiEvent*, void*, std::uint32_t)>("jack_midi_event_get");
+    const int result = real(event, buffer, index);
+    constexpr unsigned char kNoteOn = 0x90;
+    if (result == 0 && event->size == 3 && (event->bytes[0] & 0xF0) == kNoteOn) note("press");
+    return result;
 }
 
 extern "C" int pa_stream_write(void* stream, const void* data, std::size_t bytes, void (*release)(void*),
