@@ -54,9 +54,9 @@ home() {
     for pair in $2; do printf '%s\r\n' "$pair" >> "$home/zv.ini"; done
 }
 
-# perform NAME [SCALE]: the script of that name on the folder of that name.
+# perform NAME [SCALE [OPTION...]]: the script of that name on the folder of that name.
 perform() {
-    ZENTROVA_SCALE=${2:-1} "$rehearse" "$work/$1.txt" --home "$work/$1" --out "$work/out" --no-sound >/dev/null
+    ZENTROVA_SCALE=${2:-1} "$rehearse" "$work/$1.txt" --home "$work/$1" --out "$work/out" --no-sound "${@:3}" >/dev/null
     mv "$work"/out/*.png docs/pictures/
 }
 
@@ -154,4 +154,26 @@ at 3300 shot duck.png
 at 3400 end
 EOF
 perform duck
+
+home surface ""
+printf 'MIDIDevice=Pad Controller\r\n' >> "$work/surface/zv.ini"
+cat > "$work/surface/MIDI.ini" <<'INI'
+[Pad Controller]
+Jingle1=9024,802440,255
+OutJingle1=902405,90241C,902400,902415
+INI
+cat > "$work/surface.txt" <<EOF
+at 0 resize 1280 800
+at 0 key F2
+at 200 shot frmMIDISettings midi-settings.png
+at 300 key Escape
+at 400 rclick b_Jingle(1)
+at 500 menu mnuMIDI
+at 600 midi 90247F
+at 700 midi 802440
+at 800 midi 902464
+at 900 shot frmMIDIButton midi-learn.png
+at 1000 end
+EOF
+perform surface 1 --midi "Pad Controller"
 ls docs/pictures
