@@ -16,7 +16,7 @@ for fuzzer in "$@"; do
     work=$folder/$fuzzer
     mkdir -p "$work/corpus" "$work/found" "$work/seeds" "$work/tmp"
     if [ -d "$root/tests/fuzz/found/$fuzzer" ]; then cp "$root/tests/fuzz/found/$fuzzer"/* "$work/seeds"; fi
-    [ "$fuzzer" != decoder_fuzz ] || python3 "$root/tests/fuzz/make_sound_seeds.py" "$work/seeds"
+    [ "$fuzzer" != decoder_fuzz ] || python3 "$root/tools/make_sound_seeds.py" "$work/seeds"
     length=40000
     [ "$fuzzer" = decoder_fuzz ] || length=1500
     TMPDIR=$work/tmp "$folder/bin/$fuzzer" "$work/corpus" "$work/seeds" -max_total_time=$((minutes * 60)) \

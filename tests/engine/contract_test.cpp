@@ -37,31 +37,6 @@ TEST_F(Contract, StaleHandlesFailAndDoNothing) {
     for (const float sample : take()) ASSERT_EQ(sample, 0);
 }
 
-TEST_F(Contract, WrongKindsAndMissingFilesFailHarmlessly) {
-    const DWORD stream = file("ramp");
-    const DWORD music = BASS_MusicLoad(false, "ramp", 0, 0, BASS_STREAM_DECODE, 0);
-    EXPECT_FALSE(BASS_MusicFree(stream));
-    EXPECT_FALSE(BASS_StreamFree(music));
-    EXPECT_FALSE(BASS_MusicFree(0));
-    EXPECT_TRUE(BASS_MusicFree(music));
-    EXPECT_EQ(file("nothing"), 0U);
-    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_FILEOPEN);
-    EXPECT_EQ(file("ramp", 0), 0U) << "a playing channel needs an output";
-    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_INIT);
-    EXPECT_FALSE(BASS_ChannelPlay(stream, false));
-    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_DECODE);
-    const DWORD mixer = BASS_Mixer_StreamCreate(44100, 2, BASS_STREAM_DECODE);
-    EXPECT_FALSE(BASS_Mixer_StreamAddChannel(mixer, mixer, 0)) << "a mixer in itself";
-    const DWORD outer = BASS_Mixer_StreamCreate(44100, 2, BASS_STREAM_DECODE);
-    EXPECT_TRUE(BASS_Mixer_StreamAddChannel(outer, mixer, 0));
-    EXPECT_FALSE(BASS_Mixer_StreamAddChannel(mixer, outer, 0)) << "round in a circle";
-    EXPECT_TRUE(BASS_Mixer_StreamAddChannel(mixer, stream, 0));
-    EXPECT_FALSE(BASS_Mixer_StreamAddChannel(outer, stream, 0)) << "in one mixer at a time";
-    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_ALREADY);
-    EXPECT_TRUE(BASS_Mixer_ChannelRemove(stream));
-    EXPECT_FALSE(BASS_Mixer_ChannelRemove(stream));
-}
-
 TEST_F(Contract, ConversionsAreExact) {
     decoders->sounds["mono"] = {.format = {8000, 1, 8}, .length = 8000, .sample = ramp};
     const DWORD mono = file("mono");

@@ -82,23 +82,6 @@ TEST(DspResampler, FramesLieExactlyWhereTheyBelong) {
     }
 }
 
-TEST(DspResampler, BlocksDoNotMatter) {
-    const auto in = test::noise(2 * 9000, 4);
-    for (double ppm : {0.0, 173.0, -2000.0}) {
-        for (const Rates& rates :
-             {Rates{44100, 48000}, Rates{48000, 44100}, Rates{44100, 44100}, Rates{192000, 8000}}) {
-            std::vector<std::vector<float>> results;
-            for (const auto& sizes : test::kBlockings) {
-                Resampler resampler(rates.in, rates.out, 2);
-                resampler.setCorrection(ppm);
-                results.push_back(convert(resampler, in, rates.in > 100000 ? 350 : 7000, sizes));
-            }
-            for (const auto& result : results)
-                EXPECT_EQ(result, results[0]) << rates.in << ' ' << rates.out << ' ' << ppm;
-        }
-    }
-}
-
 TEST(DspResampler, EqualRatesPassTheSamplesThemselves) {
     const auto in = test::noise(2 * 5000, 4);
     Resampler resampler(48000, 48000, 2);

@@ -77,32 +77,6 @@ TEST_F(Playing, TheEndIsNoticedAndTheTailRings) {
     EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
 }
 
-TEST_F(Playing, AConvertedSoundEndsWithItsSourceWhateverThePeriod) {
-    std::vector<float> first;
-    for (const std::uint32_t period : {1U, 64U, 441U, 882U, 997U}) {
-        SCOPED_TRACE(period);
-        begin({.period = period});
-        decoders->sounds["short"] = {
-            .format = {48000, 2, 16}, .length = 960, .sample = [](auto, auto) { return 0.25F; }};
-        const Topology studio;
-        const DWORD jingle = studio.jingle(file("short"));
-        BASS_ChannelPlay(jingle, false);
-        std::vector<float> sound = pullAndTake(1994);
-        ASSERT_GE(sound.size(), 1764U * 2);
-        sound.resize(1764 * 2);
-        EXPECT_NE(sound[881 * 2], 0);
-        EXPECT_EQ(sound[882 * 2], 0);
-        EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
-        if (first.empty()) first = sound;
-        const auto apart = std::ranges::mismatch(sound, first).in1 - sound.begin();
-        EXPECT_EQ(apart, 1764 * 2) << "the first sample that differs";
-        // From its very end there is nothing to wait for.
-        BASS_ChannelPlay(jingle, false);
-        pull(period);
-        EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
-    }
-}
-
 /// A file of another rate is read ahead by its conversion. What is changed before the heard position is at
 /// the wrap governs that wrap all the same.
 TEST_F(Playing, ConvertedLoopsObeyToTheLastFrame) {
@@ -215,34 +189,6 @@ TEST_F(Playing, SlidesAreExactToTheSample) {
     BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOL, -1, 0);
     EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
     for (const float sample : pullAndTake(441)) ASSERT_EQ(sample, 0);
-}
-
-TEST_F(Playing, OppositeSoundsCancel) {
-    const auto noise = [](float sign) {
-        return [sign](std::uint64_t f, std::uint32_t c) {
-            return sign * (static_cast<float>((f * 2 + c) * 2654435761U % 65536) / 65536 - 0.5F);
-        };
-    };
-    for (const SoundFormat& format : {SoundFormat{44100, 2, 16}, SoundFormat{48000, 2, 24},
-                                      SoundFormat{22050, 1, 8}, SoundFormat{44100, 6, 16}}) {
-        begin({});
-        const Topology studio;
-        decoders->sounds["noise"] = {.format = format, .length = 441000, .sample = noise(1)};
-        decoders->sounds["against"] = {.format = format, .length = 441000, .sample = noise(-1)};
-        const DWORD a = studio.jingle(file("noise")), b = studio.jingle(file("against"));
-        press(a);
-        press(b);
-        pull(2205);
-        for (const DWORD channel : {a, b}) {
-            BASS_ChannelSlideAttribute(channel, BASS_ATTRIB_VOL, 0.3F, 40);
-            BASS_ChannelSlideAttribute(channel, BASS_ATTRIB_VOLDSP | BASS_SLIDE_LOG, 0.5F, 70);
-        }
-        pull(4410);
-        for (const float sample : take()) ASSERT_LT(std::abs(sample), 1e-7) << format.rate;  // -140 dB
-        BASS_ChannelStop(b);
-        const std::vector<float> alone = pullAndTake(441);
-        EXPECT_GT(*std::ranges::max_element(alone), 0.01F) << format.rate;
-    }
 }
 
 TEST_F(Playing, ThePlainTopologyPlaysStraightOnTheOutput) {

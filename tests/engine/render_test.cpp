@@ -12,54 +12,6 @@ namespace {
 
 using Rendering = Show;
 
-TEST_F(Rendering, TheSoundIsTheSameForAllPeriods) {
-    // Commands come at moments that are period boundaries for all: 32 * 64 * 441 * 997 is far, so at 0.
-    std::vector<float> reference;
-    for (const std::uint32_t period : {441U, 1U, 32U, 64U, 512U, 997U}) {
-        SCOPED_TRACE(period);
-        begin({.period = period});
-        decoders->sounds["48k"] = {.format = {48000, 2, 16}, .length = 96000, .sample = [](auto f, auto c) {
-                                       return sine(f, c == 0 ? 440 : 660, 48000, 0.4);
-                                   }};
-        decoders->sounds["mono"] = {.format = {22050, 1, 16}, .length = 44100, .sample = [](auto f, auto) {
-                                        return sine(f, 300, 22050, 0.4);
-                                    }};
-        const Topology studio;
-        const DWORD plain = studio.jingle(file("sine"));
-        const DWORD looped = file("48k");
-        const DWORD converted = studio.jingle(looped);
-        const DWORD mono = studio.jingle(file("mono"));
-        BASS_ChannelFlags(looped, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
-        BASS_ChannelSetPosition(looped, 5000 * 4, BASS_POS_END);
-        const HFX eq = BASS_ChannelSetFX(converted, BASS_FX_BFX_PEAKEQ, 5);
-        const BASS_BFX_PEAKEQ band{0, 2.5F, 0, 1000, 9, BASS_BFX_CHANALL};
-        BASS_FXSetParameters(eq, &band);
-        const HFX reverb = BASS_ChannelSetFX(mono, BASS_FX_DX8_REVERB, 10);
-        const BASS_DX8_REVERB room{0, -12, 400, 0.5F};
-        BASS_FXSetParameters(reverb, &room);
-        BASS_ChannelSetAttribute(mono, BASS_ATTRIB_TAIL, 0.4F);
-        for (const DWORD channel : {plain, converted, mono}) {
-            BASS_ChannelSetAttribute(channel, BASS_ATTRIB_VOL, 0);
-            press(channel);
-        }
-        BASS_ChannelSlideAttribute(converted, BASS_ATTRIB_VOL | BASS_SLIDE_LOG, 0.1F, 333);
-        BASS_ChannelSlideAttribute(converted, BASS_ATTRIB_VOLDSP, 0.7F, 211);
-        BASS_ChannelSlideAttribute(mono, BASS_ATTRIB_VOLDSP, 0.6F, 150);
-        BASS_ChannelSlideAttribute(plain, BASS_ATTRIB_VOL, -1, 456);
-        BASS_ChannelSlideAttribute(studio.mainSplit[0], BASS_ATTRIB_VOLDSP, 0.25F, 123);
-        pull(period == 1 ? 22050 : 66150);
-        std::vector<float> sound = take();
-        if (reference.empty()) {
-            reference = std::move(sound);
-            continue;
-        }
-        std::size_t same = 0;
-        while (same < sound.size() && sound[same] == reference[same]) ++same;
-        EXPECT_EQ(same, sound.size()) << sound[same] << " instead of " << reference[same];
-    }
-    EXPECT_GT(*std::ranges::max_element(reference), 0.3F);
-}
-
 TEST_F(Rendering, EverySplitOfASourceIsItToTheBit) {
     const DWORD source = file("ramp", BASS_STREAM_DECODE | BASS_SAMPLE_FLOAT);
     const DWORD a = BASS_Split_StreamCreate(source, BASS_STREAM_DECODE | BASS_SAMPLE_FLOAT, nullptr);

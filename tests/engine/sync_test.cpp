@@ -57,23 +57,6 @@ TEST_F(Syncs, AFadeOrderedThereBeginsAPeriodLaterAtMost) {
     EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
 }
 
-TEST_F(Syncs, EveryRunGivesTheSameBits) {
-    std::vector<float> before;
-    for (int run = 0; run < 3; ++run) {
-        begin({});
-        const Topology again;
-        const DWORD one = again.jingle(file("ramp"));
-        Fired mine;
-        mine.slideMs = 30;
-        BASS_ChannelSetSync(one, BASS_SYNC_POS | BASS_SYNC_ONETIME, 3333 * 4, note, &mine);
-        BASS_ChannelPlay(one, false);
-        std::vector<float> sound = pullAndTake(8820);
-        EXPECT_EQ(mine.count, 1);
-        EXPECT_TRUE(run == 0 || sound == before);
-        before = std::move(sound);
-    }
-}
-
 TEST_F(Syncs, OnceAlwaysRemovedJumpedOverAndInsideALoop) {
     BASS_ChannelPlay(jingle, false);
     at(500);

@@ -1,4 +1,4 @@
-// Web streams from a server of the test's own, from Icecast, and everything that can go wrong on the way.
+// Web streams from a server of the test's own, and everything that can go wrong on the way.
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -245,61 +245,6 @@ TEST_F(WebStreams, SecureOnes) {
     EXPECT_FALSE(open("https://localhost:" + std::to_string(port) + "/a.mp3"));
     EXPECT_EQ(BASS_ERROR_SSL, error);
     unsetenv("ZENTROVA_VERIFY_TLS");
-}
-
-TEST_F(WebStreams, Icecast) {
-    const int port = freePort();
-    const std::string home = folder.path().string();
-    std::ofstream(folder / "icecast.xml")
-        << "<icecast><limits><clients>10</clients><sources>5</sources><burst-size>65535</burst-size></limits>"
-           "<authentication><source-password>secret</source-password><admin-user>admin</admin-user>"
-           "<admin-password>secret</admin-password></authentication><hostname>localhost</"
-           "hostname><listen-socket><port>"
-        << port << "</port><bind-address>127.0.0.1</bind-address></listen-socket><paths><basedir>" << home
-        << "</basedir><logdir>" << home
-        << "</logdir><webroot>/usr/share/icecast2/web</webroot><adminroot>"
-           "/usr/share/icecast2/admin</adminroot></paths><logging><accesslog>a.log</"
-           "accesslog><errorlog>e.log</errorlog>"
-           "</logging></icecast>";
-    std::filesystem::permissions(folder.path(), std::filesystem::perms::all);
-    // It refuses to run as root.
-    const Process icecast({"icecast2", "-c", folder / "icecast.xml"}, {}, "/dev/null",
-                          geteuid() == 0 ? "nobody" : "");
-    const std::string base = "127.0.0.1:" + std::to_string(port);
-    struct Mount {
-        const char* name;
-        const char* arguments;
-    };
-    std::vector<Process> sources;
-    const Mount mounts[] = {{"/live.mp3", "-c:a libmp3lame -f mp3 -content_type audio/mpeg"},
-                            {"/live.ogg", "-c:a libvorbis -f ogg -content_type application/ogg"},
-                            {"/live.aac", "-c:a aac -f adts -content_type audio/aac"}};
-    ASSERT_TRUE(within(5, [&] {
-        return run("/usr/bin/python3 -c \"import socket; socket.create_connection(('127.0.0.1', " +
-                   std::to_string(port) + "))\" 2>/dev/null") == 0;
-    }));
-    for (const auto& mount : mounts)
-        sources.emplace_back(std::vector<std::string>{"sh", "-c",
-                                                      "exec ffmpeg -v error -re -stream_loop -1 -i " +
-                                                          (folder / "source.wav") + " " + mount.arguments +
-                                                          " icecast://source:secret@" + base + mount.name},
-                             std::vector<std::pair<std::string, std::string>>{});
-    for (const auto& mount : mounts) {
-        std::unique_ptr<engine::Decoder> decoder;
-        within(6, [&] {
-            decoder = open("http://" + base + mount.name);
-            return decoder != nullptr;
-        });
-        ASSERT_TRUE(decoder) << mount.name << " " << error;
-        const auto sound = readStream(*decoder, 44'100, 6);
-        ASSERT_GE(sound.size() / 2, 44'100U) << mount.name;
-        EXPECT_FALSE(decoder->ended());
-        double power = 0;
-        for (const float sample : sound) power += static_cast<double>(sample) * static_cast<double>(sample);
-        EXPECT_NEAR(0.285, std::sqrt(power / static_cast<double>(sound.size())), 0.05) << mount.name;
-    }
-    EXPECT_FALSE(open("http://" + base + "/nothing"));
-    EXPECT_EQ(BASS_ERROR_FILEOPEN, error);
 }
 
 }  // namespace
