@@ -13,7 +13,7 @@
 
 namespace zv {
 
-std::vector<std::string> InputNames;
+std::vector<std::string> InputNames, OutputNames;
 
 namespace {
 
@@ -24,13 +24,18 @@ int indexOf(const std::vector<std::string>& names, const std::string& name) {
     return found == names.end() ? -1 : static_cast<int>(found - names.begin());
 }
 
-void settleByName(OutputLists& lists) {
+/// `standard`: the row of the output that the system calls its default.
+void settleByName(OutputLists& lists, int standard) {
     lists.byName = true;
     const int last = static_cast<int>(lists.aux.size()) - 1;
 
     lists.mainSelected = 0;
     if (settings.DeviceName.empty()) {
-        if (!lists.main.empty()) settings.DeviceName = lists.main.front();
+        if (!lists.main.empty()) {
+            settings.DeviceName = lists.main[static_cast<std::size_t>(standard)];
+            lists.mainSelected = standard;
+            Device[0] = standard + 1;
+        }
     } else {
         const int found = indexOf(lists.main, settings.DeviceName);
         lists.mainSelected = std::max(0, found);
@@ -62,17 +67,19 @@ void ListOutDev() {
         DeviceId = {settings.Device, settings.DeviceAux};
         OutputLists lists;
         BASS_DEVICEINFO info{};
+        int standard = 0;  // of the list
         for (DWORD n = 1; BASS_GetDeviceInfo(n, &info); ++n) {
             lists.main.emplace_back(info.name);
-            lists.aux.emplace_back(info.name);
+            if ((info.flags & BASS_DEVICE_DEFAULT) != 0) standard = static_cast<int>(n) - 1;
         }
+        lists.aux = OutputNames = lists.main;
         lists.aux.push_back(Ln("sNoDevice"));
         if (Device[0] == Device[1]) {
             Device[1] = 0;
             lists.auxSelected = static_cast<int>(lists.aux.size()) - 1;
         }
         if (settings.SavDevBy == kByName)
-            settleByName(lists);
+            settleByName(lists, standard);
         else
             settleById(lists);
         callUp(audioUpcalls.outputsListed, lists);

@@ -73,6 +73,14 @@ void startOutput(int output) {
     BASS_ChannelStart(split);
 }
 
+/// Pulls the auxiliary branch on the device that is selected.
+void keepAuxAlive() {
+    AuxKeepAlive = BASS_Split_StreamCreate(OutMixer[1], 0, nullptr);
+    BASS_ChannelSetAttribute(AuxKeepAlive, BASS_ATTRIB_BUFFER, 0);
+    BASS_ChannelSlideAttribute(AuxKeepAlive, BASS_ATTRIB_VOLDSP, 0, 0);
+    BASS_ChannelStart(AuxKeepAlive);
+}
+
 void reportNoDevice() {
     NoOutputDevice = true;
     callUp(audioUpcalls.noOutputDevice);
@@ -99,7 +107,8 @@ void bassini(int output) {
             return;
         }
         FreeOutp(output);
-        if (output == 1 && Device[1] == 0) return;
+        // Both outputs on one device would play everything twice; AuxKeepAlive pulls the auxiliary branch.
+        if (output == 1 && (Device[1] == 0 || (Device[1] == Device[0] && !NoOutputDevice))) return;
         BASS_SetConfig(BASS_CONFIG_DEV_NONSTOP, 1);
         if (output == 0) {
             NoOutputDevice = false;
@@ -136,10 +145,17 @@ void SetupMixers() {
             for (std::size_t i = 0; i < 2; ++i)
                 BASS_Mixer_StreamAddChannel(OutMixer[i], (*splits)[i], BASS_MIXER_CHAN_BUFFER);
         bassini(0);
-        AuxKeepAlive = BASS_Split_StreamCreate(OutMixer[1], 0, nullptr);
-        BASS_ChannelSetAttribute(AuxKeepAlive, BASS_ATTRIB_BUFFER, 0);
-        BASS_ChannelSlideAttribute(AuxKeepAlive, BASS_ATTRIB_VOLDSP, 0, 0);
-        BASS_ChannelStart(AuxKeepAlive);
+        keepAuxAlive();
+        bassini(1);
+    });
+}
+
+void ReopenOutputs() {
+    guarded("modDevices.ReopenOutputs", [] {
+        bassini(0);
+        if (single()) return;
+        freeStream(AuxKeepAlive);
+        keepAuxAlive();
         bassini(1);
     });
 }

@@ -21,6 +21,7 @@ extern StreamHandle MainMixer, MicMixer, AuxKeepAlive, hMic;
 extern std::array<StreamHandle, 2> MainSplit, MicSplit, OutMixer, OutSplit;
 extern StreamHandle hTmAnSrc, hTmAnVoice, hLive;  ///< announcer and live stream
 extern std::vector<std::string> InputNames;
+extern std::vector<std::string> OutputNames;  ///< of devices 1 and up, as last listed
 /// The announcer's play channel; its sync procedure reads it.
 extern Shared<StreamHandle> hTmAn;
 /// No output device could be opened: the program plays into the no-sound device.
@@ -30,6 +31,8 @@ extern bool NoOutputDevice;
 void bassini(int output);
 /// Builds the whole mix topology.
 void SetupMixers();
+/// Opens the outputs anew after there was none; what sounds goes on.
+void ReopenOutputs();
 /// Closes everything.
 void FreeBASS();
 /// Frees the playing stream of an output.

@@ -43,6 +43,7 @@ struct AudioUpcalls {
     std::function<void()> stopAnnouncer;      ///< ckTmAnn and b_tmAnJin off when armed
     std::function<void(int ms)> streamFades;  ///< the live stream is on its way out and ends in `ms`
     std::function<void()> stopStream;         ///< the live stream, when it plays
+    std::function<void()> outputsChanged;     ///< OutputTrouble() is another
     std::function<void()> noOutputDevice;     ///< the program plays into the no-sound device
 
     // ---- the mixer window ----

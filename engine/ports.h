@@ -145,6 +145,9 @@ struct DeviceStatistics {
     std::uint64_t longestCallbackNs = 0;
     std::uint64_t commandOverflows = 0;  ///< commands that found the ring full
     std::uint64_t sourceUnderruns = 0;   ///< times a decoder or a bridge was not ahead in time
+    bool open = false;                   ///< now
+    bool lost = false;                   ///< its device is away
+    bool resting = false;                ///< not asked, because nothing sounds
 };
 
 /// The table through which the program reaches what is not an operation on channels.

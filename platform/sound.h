@@ -10,4 +10,7 @@ namespace zv {
 /// the desktop, offline ones in a rehearsal. [control]
 engine::EnginePorts soundPorts();
 
+/// Whether there is an output now. A sound server that does not answer is waited for half a second. [worker]
+bool soundOutputsThere();
+
 }  // namespace zv

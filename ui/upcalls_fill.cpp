@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "audio/output_watch.h"
 #include "audio/play.h"
 #include "audio/upcalls.h"
 #include "midi/feedback.h"
@@ -179,6 +180,14 @@ void fillAudio() {
         timers().TimerAutoMixStreamByTA.restart();
     };
     audioUpcalls.hideClock = StopClock;
+    audioUpcalls.outputsChanged = [] {
+        if (OutputTrouble().empty()) {
+            ErrDisp("ok", 0, Ln("mOutBack"));
+        } else {
+            ErrDisp("no", 1, OutputTrouble());
+        }
+        DateTimeUpdate();
+    };
     audioUpcalls.noOutputDevice = [] { ErrDisp("no", 0, Ln("mNoOutDev")); };
 }
 

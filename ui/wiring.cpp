@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "audio/output_watch.h"
 #include "audio/upcalls.h"
 #include "midi/feedback.h"
 #include "model/state.h"
@@ -243,6 +244,7 @@ void wireTimers() {
     t.TimerFadeOutLED.handler = TimerFadeOutLEDTick;
     t.TimerControlFlash.handler = TimerControlFlashTick;
     t.TimerVUFD.handler = TimerVUFDTick;
+    t.TimerOutputs.handler = WatchOutputs;
     t.TimerPgUpDnPalLst.handler = TimerPgUpDnPalLstTick;
     t.Timerlstpalbot.handler = TimerlstpalbotTick;
     t.Timerlstpaltop.handler = TimerlstpaltopTick;
@@ -399,6 +401,8 @@ void StartTimers() {
     t.TimerFadeOutLED.start();
     t.TimerControlFlash.start();
     t.TimerAutoMixStreamByTA.start();
+    t.TimerOutputs.setInterval(kOutputWatchMs);
+    t.TimerOutputs.start();
 }
 
 }  // namespace zv

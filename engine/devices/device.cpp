@@ -75,6 +75,9 @@ DeviceStatistics OutputSlot::statistics() const {
     s.commandOverflows = outputs_.graph().commands.overflows();
     s.sourceUnderruns = outputs_.graph().sourceUnderruns.load(std::memory_order_relaxed);
     if (ready() && bridge_) s.sourceUnderruns += bridge_->underruns();
+    s.open = ready();
+    s.lost = lost();
+    s.resting = outputs_.resting();
     return s;
 }
 

@@ -7,14 +7,39 @@
 #include "platform/soundtouch/soundtouch_stretcher.h"
 
 namespace zv {
+namespace {
+
+/// What the program was given; a server among it is asked anew.
+std::shared_ptr<engine::DeviceSource>& given() {
+    static std::shared_ptr<engine::DeviceSource> devices;
+    return devices;
+}
+
+bool& givenServer() {
+    static bool server = false;
+    return server;
+}
+
+}  // namespace
 
 std::shared_ptr<engine::DeviceSource> desktopDevices() {
-    if (pulseServerAnswers()) return makePulseDevices();
-    if (auto devices = makeRtAudioDevices(); !devices->outputs().empty()) return devices;
+    // A server that is there and silent will answer again: other interfaces would wait for it even longer.
+    const PulseAnswer answer = askPulseServer();
+    std::shared_ptr<engine::DeviceSource> devices;
+    if (answer == PulseAnswer::refused) devices = makeRtAudioDevices();
     // Nothing yet: a sound server that is started later is found by itself.
-    return makePulseDevices();
+    givenServer() = devices == nullptr || devices->outputs().empty();
+    if (givenServer()) devices = makePulseDevices();
+    given() = devices;
+    return devices;
 }
 
 engine::EnginePorts soundPorts() { return {makeFileDecoders(), soundTouchStretchers(), desktopDevices()}; }
+
+bool soundOutputsThere() {
+    if (given() == nullptr) return false;
+    if (givenServer() && askPulseServer() != PulseAnswer::ready) return false;
+    return !given()->outputs().empty();
+}
 
 }  // namespace zv

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <chrono>
 #include <functional>
+#include <map>
+#include <mutex>
 
 #include "platform/paced/paced_device.h"
 #include "platform/pulse/pulse_device.h"
@@ -15,6 +17,34 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr auto answerLimit = std::chrono::milliseconds(500);
+
+constexpr auto silenceLasts = std::chrono::seconds(5);
+
+/// Servers that did not answer, and until when nobody waits for them again. [any]
+class SilentServers {
+  public:
+    bool holds(const std::string& server) {
+        const std::lock_guard lock(mutex_);
+        const auto found = until_.find(server);
+        return found != until_.end() && Clock::now() < found->second;
+    }
+    void note(const std::string& server, bool silent) {
+        const std::lock_guard lock(mutex_);
+        if (silent)
+            until_[server] = Clock::now() + silenceLasts;
+        else
+            until_.erase(server);
+    }
+
+  private:
+    std::mutex mutex_;
+    std::map<std::string, Clock::time_point> until_;
+};
+
+SilentServers& silentServers() {
+    static SilentServers servers;
+    return servers;
+}
 
 /// Asks a server questions and waits for the answers, in the calling thread.
 class Inquiry {
@@ -28,6 +58,7 @@ class Inquiry {
             const auto state = pa_context_get_state(context_);
             return state == PA_CONTEXT_READY || !PA_CONTEXT_IS_GOOD(state);
         });
+        silentServers().note(options.server, answer() == PulseAnswer::silent);
     }
     Inquiry(const Inquiry&) = delete;
     Inquiry& operator=(const Inquiry&) = delete;
@@ -40,6 +71,11 @@ class Inquiry {
     }
 
     bool answers() const { return context_ && pa_context_get_state(context_) == PA_CONTEXT_READY; }
+    PulseAnswer answer() const {
+        if (answers()) return PulseAnswer::ready;
+        const bool connecting = context_ && PA_CONTEXT_IS_GOOD(pa_context_get_state(context_));
+        return connecting ? PulseAnswer::silent : PulseAnswer::refused;
+    }
     pa_context* context() const { return context_; }
 
     void finish(pa_operation* operation) {
@@ -71,21 +107,19 @@ struct Listing {
 };
 
 /// Two devices of one description get numbers, in the order of their ids, so that a saved name finds its own.
-void tellApart(std::vector<engine::DeviceDescription>& devices) {
-    std::vector<engine::DeviceDescription*> byId;
-    for (auto& device : devices) byId.push_back(&device);
-    std::sort(byId.begin(), byId.end(), [](const auto* a, const auto* b) { return a->id < b->id; });
+void tellApart(std::vector<engine::DeviceDescription>& sortedById) {
     std::vector<std::string> taken;
-    for (auto* device : byId) {
-        const std::string plain = device->name;
-        for (int number = 2; std::find(taken.begin(), taken.end(), device->name) != taken.end(); ++number)
-            device->name = plain + " (" + std::to_string(number) + ")";
-        taken.push_back(device->name);
+    for (auto& device : sortedById) {
+        const std::string plain = device.name;
+        for (int number = 2; std::find(taken.begin(), taken.end(), device.name) != taken.end(); ++number)
+            device.name = plain + " (" + std::to_string(number) + ")";
+        taken.push_back(device.name);
     }
 }
 
 Listing ask(const PulseOptions& options) {
     Listing listing;
+    if (silentServers().holds(options.server)) return listing;
     Inquiry inquiry(options);
     if (!inquiry.answers()) return listing;
     inquiry.finish(pa_context_get_server_info(
@@ -116,8 +150,11 @@ Listing ask(const PulseOptions& options) {
                                       info->name == listing.defaultInput, info->sample_spec.rate});
         },
         &listing));
-    tellApart(listing.outputs);
-    tellApart(listing.inputs);
+    // The server's own order is that of plugging: a number must mean the same device at the next start.
+    for (auto* devices : {&listing.outputs, &listing.inputs}) {
+        std::ranges::sort(*devices, {}, &engine::DeviceDescription::id);
+        tellApart(*devices);
+    }
     return listing;
 }
 
@@ -144,7 +181,7 @@ class PulseDevices : public engine::DeviceSource {
   private:
     std::unique_ptr<engine::SoundDevice> open(Direction direction, const std::string& id, std::uint32_t rate,
                                               engine::SoundClient& client) {
-        if (rate < 1 || rate > PA_RATE_MAX) return nullptr;
+        if (rate < 1 || rate > PA_RATE_MAX || silentServers().holds(options_.server)) return nullptr;
         auto device = std::make_unique<PulseDevice>(options_, direction, id, rate, client);
         return device->open() ? std::move(device) : nullptr;
     }
@@ -159,6 +196,6 @@ std::shared_ptr<engine::DeviceSource> makePulseDevices(PulseOptions options) {
     return std::make_shared<PulseDevices>(std::move(options));
 }
 
-bool pulseServerAnswers(const PulseOptions& options) { return Inquiry(options).answers(); }
+PulseAnswer askPulseServer(const PulseOptions& options) { return Inquiry(options).answer(); }
 
 }  // namespace zv

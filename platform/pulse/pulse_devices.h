@@ -19,7 +19,14 @@ struct PulseOptions {
 /// no server answers the lists are empty, at once. [control]
 std::shared_ptr<engine::DeviceSource> makePulseDevices(PulseOptions options = {});
 
-/// Whether a server answers at `options.server`; waits at most half a second. [control]
-bool pulseServerAnswers(const PulseOptions& options = {});
+enum class PulseAnswer {
+    ready,
+    refused,  ///< no server is there
+    silent,   ///< one is there and does not answer, as when its program is stopped
+};
+
+/// What the server at `options.server` answers; waits at most half a second. One that was silent is not asked by
+/// others for some seconds, unless it answers here. [control] [worker]
+PulseAnswer askPulseServer(const PulseOptions& options = {});
 
 }  // namespace zv

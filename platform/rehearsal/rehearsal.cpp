@@ -123,6 +123,8 @@ engine::EnginePorts soundPorts() {
     return {makeRehearsedDecoders(), soundTouchStretchers(), Stage::instance().devices};
 }
 
+bool soundOutputsThere() { return !Stage::instance().devices->outputs().empty(); }
+
 int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     Script script;
     if (!readScript(options, script)) return kRehearsalBad;

@@ -5,6 +5,7 @@
 
 #include "audio/devices.h"
 #include "audio/effects.h"
+#include "audio/output_watch.h"
 #include "audio/upcalls.h"
 #include "model/colours.h"
 #include "model/state.h"
@@ -123,6 +124,59 @@ TEST_F(Devices, AJingleIsOnTheChosenOutputsAtTheirLevels) {
     EXPECT_TRUE(sounds());
 }
 
+TEST_F(Devices, OutputsThatGoAwayAreToldWithinASecondAndSoIsTheirReturn) {
+    write("language.ini", "[English]\r\nsNoDevice=none\r\nmOutLost=lost\r\nmOutStands=plays\r\n");
+    settings.SavDevBy = "Name";
+    settings.DeviceName = "Two";
+    settings.DeviceAuxName = "Three";
+    ListOutDev();
+    SetupMixers();
+    int told = 0;
+    audioUpcalls.outputsChanged = [&] { ++told; };
+    openJingle(level(framesOf(60000)));
+    clPlay(0, -1);
+    const auto watch = [&](int ms) {
+        for (int at = 0; at < ms; at += kOutputWatchMs) {
+            pass(kOutputWatchMs);
+            WatchOutputs();
+        }
+    };
+    watch(2000);
+    EXPECT_EQ(OutputTrouble(), "");
+    EXPECT_EQ(told, 0);
+    const struct {
+        const char *gone, *back, *text;
+    } rows[] = {{"Two", "", "lost Two - plays Three"},
+                {"Three", "", "lost Two, lost Three"},
+                {"", "Two", "lost Three - plays Two"},
+                {"", "Three", ""}};
+    int changes = 0;
+    for (const auto& row : rows) {
+        devices->unplug(row.gone);
+        devices->plug(row.back);
+        watch(800);
+        EXPECT_EQ(OutputTrouble(), row.text);
+        EXPECT_EQ(told, ++changes);
+        EXPECT_TRUE(sounds());
+    }
+    evStop();
+}
+
+TEST_F(Devices, BothOutputsOnOneDevicePlayOnce) {
+    settings.SavDevBy = "Name";
+    settings.DeviceName = "Two";
+    settings.DeviceAuxName = "left at home";
+    ListOutDev();
+    Device[0] = 1;  // both mean the first one now
+    SetupMixers();
+    openJingle(level(framesOf(60000)));
+    clPlay(0, -1);
+    pass(200);
+    heard(0);
+    pass(200);
+    EXPECT_NEAR(loudest(0), 0.5, 1e-6);
+}
+
 TEST_F(Devices, TheMicrophoneIsSilentUntilItIsPushed) {
     settings.DeviceIn = 1;
     OpenMic();
@@ -187,6 +241,43 @@ TEST_F(NoDevices, TheShowGoesOnWithoutSound) {
     EXPECT_EQ(BASS_ChannelGetPosition(jingle().hPlay, BASS_POS_BYTE), static_cast<QWORD>(bytesOf(300)));
     pass(300);
     EXPECT_FALSE(sounds()) << "it ends in its own time";
+}
+
+class LateDevice : public Devices {
+  protected:
+    LateDevice() : Devices({.outputs = {"Late"}, .inputs = {}}) {}
+};
+
+TEST_F(LateDevice, TheFirstOutputThatComesIsTakenWithinTwoSeconds) {
+    write("language.ini", "[English]\r\nmNoOutDev=silent\r\n");
+    FreeBASS();
+    devices->unplug("Late");
+    for (const int single : {0, 1}) {
+        SCOPED_TRACE(single);
+        settings.DeviceSingle = static_cast<std::uint8_t>(single);
+        ListOutDev();
+        single == 1 ? bassini(0) : SetupMixers();
+        WatchOutputs();
+        EXPECT_EQ(OutputTrouble(), "silent");
+        openJingle(level(framesOf(60000)));
+        clPlay(0, -1);
+        pass(1000);
+        heard();
+        devices->plug("Late");
+        for (int look = 0; look < 10; ++look) {
+            pass(kOutputWatchMs);
+            WatchOutputs();
+        }
+        EXPECT_EQ(OutputTrouble(), "");
+        heard();
+        pass(200);
+        if (single == 0) {
+            EXPECT_NEAR(loudest(0), 0.5, 1e-6) << "what sounds goes on";
+        }
+        evStop();
+        FreeBASS();
+        devices->unplug("Late");
+    }
 }
 
 class OneDevice : public ShowTest {

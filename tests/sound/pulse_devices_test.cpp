@@ -87,18 +87,40 @@ class PulseDevicesTest : public testing::Test {
 };
 
 TEST_F(PulseDevicesTest, ListsNamesThatStayOverReplugging) {
-    EXPECT_THAT(namesOf(devices->outputs()), ElementsAre("OutOne", "OutTwo", "MicFeed"));
+    EXPECT_THAT(namesOf(devices->outputs()), ElementsAre("MicFeed", "OutOne", "OutTwo"));
     EXPECT_THAT(namesOf(devices->inputs()), ElementsAre("MicOne"));
-    EXPECT_EQ("out2", devices->outputs()[1].id);
-    EXPECT_EQ(44'100U, devices->outputs()[1].rate);
+    EXPECT_EQ("out2", devices->outputs()[2].id);
+    EXPECT_EQ(44'100U, devices->outputs()[2].rate);
     server.pactl("set-default-sink out2");
-    EXPECT_FALSE(devices->outputs()[0].isDefault);
-    EXPECT_TRUE(devices->outputs()[1].isDefault);
+    EXPECT_FALSE(devices->outputs()[1].isDefault);
+    EXPECT_TRUE(devices->outputs()[2].isDefault);
     server.unplugOutput("out1");
-    EXPECT_THAT(namesOf(devices->outputs()), ElementsAre("OutTwo", "MicFeed"));
-    server.plugOutput("out1", "OutOne");
+    EXPECT_THAT(namesOf(devices->outputs()), ElementsAre("MicFeed", "OutTwo"));
+    // One that is plugged in again has its place of before, whatever came meanwhile.
     server.plugOutput("out3", "OutOne");
-    EXPECT_THAT(namesOf(devices->outputs()), ElementsAre("OutTwo", "MicFeed", "OutOne", "OutOne (2)"));
+    server.plugOutput("out1", "OutOne");
+    EXPECT_THAT(namesOf(devices->outputs()), ElementsAre("MicFeed", "OutOne", "OutTwo", "OutOne (2)"));
+}
+
+TEST_F(PulseDevicesTest, AServerThatIsStoppedIsWaitedForOnceAndFoundWhenItGoesOn) {
+    const PulseOptions options{.server = server.address()};
+    const auto seconds = [start = std::chrono::steady_clock::now()] {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    };
+    Ramp ramp;
+    server.freeze(true);
+    const double before = seconds();
+    EXPECT_EQ(PulseAnswer::silent, askPulseServer(options));
+    // What a start asks: lists, names, both outputs.
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_TRUE(devices->outputs().empty());
+        EXPECT_TRUE(devices->inputs().empty());
+        EXPECT_FALSE(devices->openOutput("out1", 44'100, ramp));
+    }
+    EXPECT_LT(seconds() - before, 1.0);
+    server.freeze(false);
+    EXPECT_TRUE(within(2, [&] { return askPulseServer(options) == PulseAnswer::ready; }));
+    EXPECT_EQ(3U, devices->outputs().size());
 }
 
 TEST_F(PulseDevicesTest, TwoOutputsSendEveryFrameOnceAndUnchanged) {
@@ -220,7 +242,7 @@ TEST(PulseDevicesWithoutServer, EmptyAtOnceAndNoSoundWorks) {
     EXPECT_TRUE(devices->outputs().empty());
     EXPECT_TRUE(devices->inputs().empty());
     EXPECT_FALSE(devices->openOutput("", 44'100, ramp));
-    EXPECT_FALSE(pulseServerAnswers({.server = "unix:" + (folder / "native")}));
+    EXPECT_EQ(PulseAnswer::refused, askPulseServer({.server = "unix:" + (folder / "native")}));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(500));
 
     const auto begin = std::chrono::steady_clock::now();

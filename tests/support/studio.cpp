@@ -169,10 +169,14 @@ std::string FolderTest::read(const std::string& name) const {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
+/// Of the test that runs; for platform/sound.h.
+std::shared_ptr<OfflineDevices> studioDevices;
+
 StudioTest::StudioTest(OfflineOptions given) : options(std::move(given)) {
     devices = makeOfflineDevices(options);
     engine::engineControl()->install({makeFileDecoders(), soundTouchStretchers(), devices});
     VirtualClock::instance().alignToPeriod();
+    studioDevices = devices;
     VirtualClock::instance().drive(devices);
     VirtualClock::instance().onPeriod([] { engine::engineControl()->settleSyncs(); });
     ListOutDev();
@@ -207,3 +211,16 @@ Heard StudioTest::heard(int output) {
 }
 
 }  // namespace zv::test
+
+namespace zv {
+
+bool soundOutputsThere() { return test::studioDevices != nullptr && !test::studioDevices->outputs().empty(); }
+
+}  // namespace zv
+
+namespace zv::engine {
+
+/// Here the library is linked, not loaded.
+const EngineControl* audioLibraryControl() { return engineControl(); }
+
+}  // namespace zv::engine

@@ -37,6 +37,7 @@ UiTimers::UiTimers()
       TimerFadeOutLED("TimerFadeOutLED", 100),
       TimerControlFlash("TimerControlFlash", 500),
       TimerVUFD("TimerVUFD", 10),
+      TimerOutputs("TimerOutputs", 200),
       TimerNotif("TimerNotif", 0),
       TimerPgUpDnPalLst("TimerPgUpDnPalLst", 10),
       Timerlstpalbot("Timerlstpalbot", 500),

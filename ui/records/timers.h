@@ -31,6 +31,7 @@ struct UiTimers {
     UiTimer TimerFadeOutLED;       ///< 100 ms, always on
     UiTimer TimerControlFlash;     ///< 500 ms, always on
     UiTimer TimerVUFD;             ///< 10 ms while the bars fall
+    UiTimer TimerOutputs;          ///< 200 ms
     UiTimer TimerNotif;
     UiTimer TimerPgUpDnPalLst;       ///< 10 ms while Page Up or Down is held
     UiTimer Timerlstpalbot;          ///< 500 ms: Page Down held at the end

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "audio/devices.h"
+#include "audio/output_watch.h"
 #include "model/state.h"
 #include "platform/clock.h"
 #include "platform/controls.h"
@@ -180,9 +181,10 @@ void DateTimeUpdate() {
         const WallTime now = wallTime();
         d.lblTime.width = d.picDispBack.width() < kNarrowPanel ? kNarrowTime : kWideTime;
         d.lblTime.left = d.lblDate.left() + d.lblDispMessage.width() - d.lblTime.width();
-        // Without an output the message stands in the place of the date.
-        d.lblDate.caption = NoOutputDevice ? Ln("mNoOutDev") : FormatDate(settings.DateFormat, now);
-        d.lblDate.toolTip = NoOutputDevice ? Ln("mNoOutDev") : std::string();
+        // What is wrong with the outputs stands in the place of the date.
+        const std::string trouble = NoOutputDevice ? Ln("mNoOutDev") : OutputTrouble();
+        d.lblDate.caption = trouble.empty() ? FormatDate(settings.DateFormat, now) : trouble;
+        d.lblDate.toolTip = trouble;
         d.lblTime.caption = " " + FormatTime(settings.TimeFormat, now);
     });
 }
