@@ -123,6 +123,7 @@ bool writePalette(const std::string& name, const std::vector<cImpulse::Line>& li
     // Only the open palette can be renamed. Its old section goes in the same rewrite.
     const std::string old = SaveMode == "rename" ? HeldPalette() : std::string();
     keepFormerSection(name, lines);
+    if (!old.empty() && !SameText(old, name)) keepFormerSection(old, lines);
     // The section is replaced where its old one has to go; otherwise the keys are written over what is there.
     const bool replace = SaveMode == "save" || SameText(old, name);
     const bool written = old.empty() ? PaletteStore.PutSection(name, lines, replace)
@@ -147,6 +148,8 @@ bool CloseFile(const std::string& name) {
         const bool hotFirst = hotJinglesFirst(lines, hot);
         if (hotFirst && !writeHotJingles(hot)) return;
         if (!writePalette(name, lines)) return;
+        if (SaveMode == "rename") RenameInRemovals(HeldPalette(), name);
+        callUp(modelUpcalls.paletteNamed, HeldPalette(), name);
         HoldPalette(name);
         guarded("modMain.CloseFile", [&] {
             callUp(modelUpcalls.paletteListChanged, shown);

@@ -33,6 +33,14 @@ void DropRemovalsInto(const std::string& into) {
     drop([&](const Removal& r) { return !r.into.empty() && SameText(r.into, into); });
 }
 
+void RenameInRemovals(const std::string& from, const std::string& to) {
+    for (Removal& removal : removals) {
+        if (SameText(removal.section, from)) removal.section = to;
+        if (!removal.into.empty() && SameText(removal.into, from)) removal.into = to;
+    }
+    callUp(modelUpcalls.removalsChanged);
+}
+
 void ForgetRemovals() {
     drop([](const Removal&) { return true; });
 }

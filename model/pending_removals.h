@@ -21,6 +21,8 @@ void AddRemoval(Removal removal);
 void DropRemoval(const std::string& section, int slot);
 /// Palette `into` is left without a save: what was pasted into it is gone, and stays where it was.
 void DropRemovalsInto(const std::string& into);
+/// A palette has another name from now on.
+void RenameInRemovals(const std::string& from, const std::string& to);
 void ForgetRemovals();
 
 }  // namespace zv

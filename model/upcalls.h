@@ -12,7 +12,9 @@ struct ModelUpcalls {
     std::function<void()> endLoad;    ///< the wait mark goes if it still shows
     std::function<void(const std::string& name)> showPaletteName;  ///< txtDisPal
     std::function<void(const std::string& name)>
-        paletteListChanged;                   ///< refresh lstPal, select and centre `name`
+        paletteListChanged;  ///< refresh lstPal, select and centre `name`
+    /// The records were saved under `name`, which they are of from now on.
+    std::function<void(const std::string& before, const std::string& name)> paletteNamed;
     std::function<void()> paletteLeaves;      ///< the records are about to become another palette's
     std::function<void(int slot)> slotMoved;  ///< its jingle stands elsewhere now: the button is emptied
     std::function<void()> removalsChanged;    ///< the window's hidden lists follow

@@ -23,6 +23,7 @@
 #include "startup/settings.h"
 #include "startup/upcalls.h"
 #include "ui/edit/leave_palette.h"
+#include "ui/edit/move.h"
 #include "ui/edit/palette_list.h"
 #include "ui/edit/palette_load.h"
 #include "ui/edit/remove.h"
@@ -205,6 +206,7 @@ void fillModel() {
         PaletteOpening = false;
         PaletteOpened();
     };
+    modelUpcalls.paletteNamed = MovedPaletteNamed;
     modelUpcalls.paletteLeaves = LeavePalette;
     modelUpcalls.slotMoved = ClearButton;
     modelUpcalls.showPaletteName = [](const std::string& name) {

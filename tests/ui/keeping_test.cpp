@@ -18,7 +18,7 @@
 #include "startup/errors.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
-#include "tests/ui/window_test.h"
+#include "tests/ui/keeping_fixture.h"
 #include "ui/edit/history.h"
 #include "ui/edit/move.h"
 #include "ui/edit/options.h"
@@ -35,74 +35,6 @@
 #include "ui/windows/rename_window.h"
 
 namespace zv::test {
-
-/// Palettes "A", "B" and "C" of three jingles each, A0.wav, A1.wav, ...; A is open.
-class KeepingTest : public WindowTest {
-  protected:
-    KeepingTest() {
-        std::string text;
-        for (const std::string palette : {"A", "B", "C"}) {
-            text += "[" + palette + "]\r\n";
-            for (const std::string number : {"0", "1", "2"}) {
-                writeWav(path("Audio_Sample/" + palette + number + ".wav"), sine(2000, 440));
-                text += line(number, palette + number);
-            }
-        }
-        write("palette.ini", text);
-        write("HotJingles.ini", "");
-        SettingsStore.PutValue("PaletteIndex", "A");
-        lstPalRefresh();
-        settings.PaletteIndex = "A";
-        OpenFile("A");
-        OpenFile();
-        std::filesystem::remove_all(path("History"));
-    }
-    ~KeepingTest() override {
-        ForgetRemovals();
-        HoldPalette("");
-        std::error_code ignored;
-        std::filesystem::permissions(folder, std::filesystem::perms::owner_all, ignored);
-    }
-
-    static std::string line(const std::string& slot, const std::string& name) {
-        return "Path_" + slot + "=Audio_Sample\\" + name + ".wav\r\n";
-    }
-    /// The names of a section's jingles: "A0 A1 A2"; with their numbers where these differ from the place.
-    std::string jingles(const std::string& section, cImpulse& store = PaletteStore) {
-        std::string names;
-        for (const auto& [key, value] : store.GetSectionLines(section)) {
-            if (!key.starts_with("Path_")) continue;
-            const std::size_t slash = value.rfind('\\');
-            names += (names.empty() ? "" : " ") + key.substr(5) + ":" +
-                     value.substr(slash + 1, value.size() - slash - 5);
-        }
-        return names;
-    }
-    std::string hot() { return jingles(kHotSection, HotStore); }
-    std::string value(const std::string& section, const std::string& key) {
-        return PaletteStore.GetValue(key, 0, section);
-    }
-    void pick(const std::string& palette) {
-        SelectPalette(palette);
-        frmMain().palettes.lstPal.onMouseUp({});
-    }
-    void save() {
-        MarkPalToSave();
-        ErrClick();
-    }
-    void name(const std::string& text, int mode) {
-        SavePal(mode);
-        frmMain().palettes.txtSave.caption = text;
-        SavePal();
-        if (frmMain().palettes.txtSave.visible()) NotSavePal();
-    }
-    std::string history() {
-        std::string out;
-        for (const HistoryEntry& e : HistoryEntries())
-            out += e.name + " " + std::to_string(static_cast<int>(e.reason)) + "; ";
-        return out;
-    }
-};
 
 TEST_F(KeepingTest, aSaveBetweenAStepAndItsLoadGoesToThePaletteOfTheRecords) {
     for (const int autoSave : {1, 0}) {

@@ -101,6 +101,12 @@ void paste(int index) {
 
 }  // namespace
 
+void MovedPaletteNamed(const std::string& before, const std::string& name) {
+    if (SameText(MoveSourcePalette, before)) {
+        MoveSourcePalette = name;
+    }
+}
+
 void MovedFileRenamed(const std::string& full, const std::string& path) {
     if (!MoveBuffer.fields.Path.empty() && IsFileOf(MoveBuffer.fields.Path, full)) {
         MoveBuffer.fields.Path = path;

@@ -10,6 +10,7 @@
 #include "model/held_palette.h"
 #include "model/jingle.h"
 #include "model/palette_files.h"
+#include "model/pending_removals.h"
 #include "model/state.h"
 #include "platform/clock.h"
 #include "platform/controls.h"
@@ -113,6 +114,7 @@ void deleteSelected(bool clearFirst) {
     const int row = list.listIndex();
     if (SameText(name, HeldPalette())) {
         timers().SaveTimer.stop();
+        DropRemovalsInto(name);
         HoldPalette("");
     } else {
         LeavePalette();

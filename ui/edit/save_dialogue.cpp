@@ -7,7 +7,6 @@
 #include "model/state.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
-#include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
@@ -131,7 +130,8 @@ void txtSave_KeyDown(KeyEvent& event) {
 
 void ErrClick() {
     guarded("frmMain.ErrClick", [] {
-        if (!ErrMarkShows("f")) {
+        // Another message may have taken the place of the save mark, a failed save too: a click tries again.
+        if (!ErrMarkShows("f") && !PalToSave) {
             return;
         }
         if (PaletteLoading()) {
@@ -171,10 +171,6 @@ void SaveTimerTick() {
             return;
         }
         timers().SaveTimer.stop();
-        if (PalToSave && !ErrMarkShows("f")) {
-            ErrDisp("save", 0, Ln("mPalToSave"));  // another message took its place meanwhile
-            timers().SaveTimer.stop();
-        }
         ErrClick();
     });
 }

@@ -1,0 +1,370 @@
+// A presenter's own steps by chance, against a plain model of what he would expect to find in the files and on the
+// buttons. ZENTROVA_SEQUENCES sets how many sequences are gone through.
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <optional>
+#include <random>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "audio/open_palette.h"
+#include "model/held_palette.h"
+#include "model/history.h"
+#include "model/jingle.h"
+#include "model/palette_files.h"
+#include "model/pending_removals.h"
+#include "model/state.h"
+#include "startup/helpers.h"
+#include "startup/settings.h"
+#include "tests/ui/keeping_fixture.h"
+#include "ui/edit/leave_palette.h"
+#include "ui/edit/move.h"
+#include "ui/edit/palette_list.h"
+#include "ui/edit/palette_steps.h"
+#include "ui/edit/remove.h"
+#include "ui/edit/save_dialogue.h"
+#include "ui/edit/unsaved.h"
+#include "ui/records/main_window.h"
+
+namespace zv::test {
+
+namespace {
+
+constexpr int kSteps = 40;
+constexpr int kSlots[] = {0, 1, 2, 7, 40, 96, 97};  ///< 40 stands below the first grid
+
+struct Jing {
+    std::string file;
+    int volume = 100;
+    bool operator==(const Jing&) const = default;
+};
+using Slots = std::map<int, Jing>;
+
+/// What the presenter believes.
+struct Belief {
+    std::map<std::string, Slots> saved;  ///< by lower-case name
+    Slots savedHot, work;                ///< `work` has the hot jingles too
+    std::string held;
+    bool edited = false, autoSave = false, belowGrid = false;  ///< slot 40 has a button
+    struct Cut {
+        bool cut;
+        std::string from;
+        int slot;
+        Jing jing;
+    };
+    std::optional<Cut> clip;
+    std::vector<Removal> leaving;
+
+    Slots part(bool hot) const {
+        Slots out;
+        for (const auto& [slot, jing] : work)
+            if ((slot >= kPaletteSlots) == hot) out.emplace(slot, jing);
+        return out;
+    }
+    void saveTo(const std::string& name) {
+        for (const Removal& r : leaving)
+            if (r.section == name && work.contains(r.slot) && work[r.slot].file == r.path) work.erase(r.slot);
+        saved[name] = part(false);
+        savedHot = part(true);
+        for (const Removal& r : leaving) {
+            if (r.section == name || !saved.contains(r.section)) continue;
+            Slots& source = saved[r.section];
+            if (!source.contains(r.slot) || source[r.slot].file != r.path) continue;
+            source.erase(r.slot);
+            if (LastPalIdx < 40) source.erase(40);
+        }
+        leaving.clear();
+        if (clip && clip->from == held) clip->from = name;
+        held = name;
+        edited = false;
+    }
+    void open(const std::string& name) {
+        if (autoSave && edited) saveTo(held);
+        std::erase_if(leaving, [&](const Removal& r) { return !r.into.empty() && r.into == held; });
+        const Slots hot = part(true);
+        work = saved[name];
+        if (!belowGrid) work.erase(40);
+        work.insert(hot.begin(), hot.end());
+        held = name;
+        edited = false;
+    }
+    void touched() {
+        edited = true;
+        if (autoSave) saveTo(held);
+    }
+    void paste(int slot) {
+        const bool same = clip->from == held || clip->slot >= kPaletteSlots;
+        if (same && slot == clip->slot) return;
+        work[slot] = clip->jing;
+        if (clip->cut && same) work.erase(clip->slot);
+        if (clip->cut && !same)
+            leaving.push_back({clip->from, clip->slot, slot < kPaletteSlots ? held : "", clip->jing.file});
+        std::erase_if(leaving, [&](const Removal& r) { return r.section == held && r.slot == slot; });
+        if (clip->cut) clip.reset();
+        touched();
+    }
+};
+
+class KeepingByChance : public KeepingTest {
+  protected:
+    template <class T>
+    const T& one(const std::vector<T>& of) {
+        return of[std::uniform_int_distribution<std::size_t>(0, of.size() - 1)(chance)];
+    }
+    int slot() { return kSlots[std::uniform_int_distribution<int>(0, belief.belowGrid ? 6 : 3)(chance)]; }
+    std::vector<std::string> names() {
+        std::vector<std::string> out;
+        for (const auto& [name, slots] : belief.saved) out.push_back(name);
+        return out;
+    }
+
+    void edit(int index) {
+        if (!belief.work.contains(index)) return;
+        const int volume = std::uniform_int_distribution<int>(1, 99)(chance);
+        rec(index).Volm = belief.work[index].volume = volume;
+        MarkPalToSave();
+        belief.touched();
+    }
+    void move(int index, const char* how) {
+        if (!belief.work.contains(index) || index == 40) return;
+        clMove(index, how);
+        belief.clip = {how == std::string("cut"), belief.held, index, belief.work[index]};
+    }
+    /// The steps that there are, each done by the program and believed.
+    void step() {
+        const std::vector<std::pair<const char*, std::function<void()>>> steps{
+            {"edit", [&] { edit(slot()); }},
+            {"edit", [&] { edit(slot()); }},
+            {"save", [&] { save(), belief.saveTo(belief.held); }},
+            {"pick",
+             [&] {
+                 const std::string name = one(names());
+                 pick(name);
+                 belief.open(name);
+             }},
+            {"step with an edit before the load",
+             [&] {
+                 evBtDn();
+                 pass(20);
+                 edit(slot());
+                 pass(60);
+                 if (chance() % 2 == 0 && belief.edited) ErrClick(), belief.saveTo(belief.held);
+                 pass(150);
+                 belief.open(LowerCase(settings.PaletteIndex));
+             }},
+            {"save as",
+             [&] {
+                 const std::string to = one(std::vector<std::string>{"New", " new ", "A", "b", "Late"});
+                 name(to, 0);
+                 belief.saveTo(LowerCase(Trim(to)));
+             }},
+            {"rename",
+             [&] {
+                 const std::string to =
+                     one(std::vector<std::string>{"Moved", "", "  ", "moved ", belief.held + " "});
+                 const std::string key = LowerCase(Trim(to)), old = belief.held;
+                 if (key != old && belief.saved.contains(key)) return;
+                 name(to, 2);
+                 if (key.empty()) return;
+                 for (Removal& r : belief.leaving) {
+                     if (r.section == old) r.section = key;
+                     if (r.into == old) r.into = key;
+                 }
+                 belief.saveTo(key);
+                 if (key != old) belief.saved.erase(old);
+             }},
+            {"delete",
+             [&] {
+                 if (belief.saved.size() < 3) return;
+                 desktop().answers = {BoxAnswer::yes};
+                 const std::string gone = LowerCase(frmMain().palettes.lstPal.text());
+                 ASSERT_EQ(gone, belief.held);
+                 btDelpal_MouseUp();
+                 belief.saved.erase(gone);
+                 belief.edited = false;
+                 belief.open(LowerCase(settings.PaletteIndex));
+             }},
+            {"cut", [&] { move(slot(), "cut"); }},
+            {"cut", [&] { move(slot(), "cut"); }},
+            {"copy", [&] { move(slot(), "copy"); }},
+            {"paste",
+             [&] {
+                 const int to = slot();
+                 if (!belief.clip || to == 40) return;
+                 clMove(to, "paste");
+                 belief.paste(to);
+             }},
+            {"paste",
+             [&] {
+                 const int to = slot();
+                 if (!belief.clip || to == 40) return;
+                 clMove(to, "paste");
+                 belief.paste(to);
+             }},
+            {"grid",
+             [&] {
+                 const bool large = chance() % 2 == 0;
+                 settings.JinglesRows = large ? 8 : 4;
+                 settings.JinglesCols = large ? 12 : 4;
+                 resize(1280, 800);
+                 belief.belowGrid = JExists[40] == 1;
+             }},
+            {"away and back",
+             [&] {
+                 std::filesystem::rename(path("palette.ini"), path("away.ini"));
+                 const std::string name = one(names());
+                 const Belief before = belief;
+                 pick(name);
+                 belief.open(name);
+                 edit(slot());
+                 pass(120);
+                 if (!std::filesystem::exists(path("palette.ini")))
+                     std::filesystem::rename(path("away.ini"), path("palette.ini"));
+             }},
+            {"another program",
+             [&] {
+                 cImpulse other;
+                 other.SetIniPath(path("palette.ini").string());
+                 other.PutValue("Path_0", "Audio_Sample\\C0.wav", "Theirs");
+                 belief.saved["theirs"][0].file = "C0";
+                 other.PutValue("Volm_0", "5", "Theirs");
+                 belief.saved["theirs"][0].volume = 5;
+                 lstPalRefresh();
+                 SelectPalette(settings.PaletteIndex);
+             }},
+            {"full",
+             [&] {  // no save goes through
+                 if (belief.autoSave) return;
+                 const std::string files[] = {"palette.ini", "HotJingles.ini"};
+                 for (const std::string& file : files) {
+                     std::filesystem::rename(path(file), path("away " + file));
+                     std::filesystem::create_directory(path(file));
+                 }
+                 edit(slot());
+                 if (belief.edited) ErrClick();
+                 for (const std::string& file : files) {
+                     std::filesystem::remove(path(file));
+                     std::filesystem::rename(path("away " + file), path(file));
+                 }
+             }},
+            {"end and start",
+             [&] {
+                 LeaveForGood();
+                 if (belief.autoSave && belief.edited) belief.saveTo(belief.held);
+                 HoldPalette("");
+                 for (int i = 0; i < kJingles; ++i) ClearButton(i);
+                 ForgetRemovals();
+                 MoveSrcJ = MoveDstJ = -1;
+                 belief.clip.reset();
+                 belief.leaving.clear();
+                 belief.edited = false;
+                 OpenFile(settings.PaletteIndex);
+                 OpenFile();
+                 belief.work = belief.savedHot;
+                 belief.open(LowerCase(settings.PaletteIndex));
+             }},
+        };
+        const auto& [what, act] = one(steps);
+        trace += std::string(what) + "; ";
+        act();
+        pass(120);
+    }
+
+    static Slots inFile(cImpulse& store, const std::string& section, int offset) {
+        Slots out;
+        for (const auto& [key, value] : store.GetSectionLines(section)) {
+            if (!key.starts_with("Path_")) continue;
+            const std::string number = key.substr(5), volume = store.GetValue("Volm_" + number, 0, section);
+            const std::size_t slash = value.rfind('\\');
+            out[std::stoi(number) + offset] = {value.substr(slash + 1, value.size() - slash - 5),
+                                               volume.empty() ? 100 : std::stoi(volume)};
+        }
+        return out;
+    }
+    static std::string text(const Slots& slots) {
+        std::string out;
+        for (const auto& [slot, jing] : slots)
+            out += std::to_string(slot) + ":" + jing.file + "/" + std::to_string(jing.volume) + " ";
+        return out;
+    }
+    void compare() {
+        std::map<std::string, Slots> files;
+        PaletteStore.ListSections();
+        for (int i = 0; i < PaletteStore.SectionCount(); ++i)
+            files[LowerCase(PaletteStore.SectionName(i))] =
+                inFile(PaletteStore, PaletteStore.SectionName(i), 0);
+        std::string expected, found;
+        for (const auto& [name, slots] : belief.saved) expected += "[" + name + "] " + text(slots) + "\n";
+        for (const auto& [name, slots] : files) found += "[" + name + "] " + text(slots) + "\n";
+        Slots buttons;
+        for (int i = 0; i < kJingles; ++i)
+            if (!rec(i).Path.empty())
+                buttons[i] = {rec(i).Path.substr(13, rec(i).Path.size() - 17), rec(i).Volm};
+        expected += "hot " + text(belief.savedHot) + "\nbuttons of " + belief.held + " " + text(belief.work);
+        found += "hot " + text(inFile(HotStore, kHotSection, kPaletteSlots)) + "\nbuttons of " +
+                 LowerCase(HeldPalette()) + " " + text(buttons);
+        ASSERT_EQ(found, expected) << trace;
+        // Every jingle stands in a file, on a button, or in the history.
+        std::set<std::string> kept;
+        for (const auto& [name, slots] : files)
+            for (const auto& [slot, jing] : slots) kept.insert(jing.file);
+        for (const auto& [slot, jing] : belief.work) kept.insert(jing.file);
+        for (const auto& [slot, jing] : belief.savedHot) kept.insert(jing.file);
+        if (kept.size() == 9) return;
+        for (const HistoryEntry& entry : HistoryEntries())
+            for (const auto& [key, value] : entry.lines)
+                if (key.starts_with("Path_")) kept.insert(value.substr(13, value.size() - 17));
+        ASSERT_EQ(kept.size(), 9U) << trace;
+    }
+
+    std::mt19937 chance;
+    Belief belief;
+    std::string trace;
+};
+
+TEST_F(KeepingByChance, nothingIsLostOrDoubled) {
+    const char* wanted = std::getenv("ZENTROVA_SEQUENCES");
+    const int sequences = wanted == nullptr ? 8 : std::atoi(wanted);
+    const std::string palettes = read("palette.ini") + line("40", "C2");
+    for (int sequence = 0; sequence < sequences; ++sequence) {
+        chance.seed(static_cast<unsigned>(sequence));
+        HoldPalette("");
+        ForgetRemovals();
+        MoveSrcJ = MoveDstJ = -1;
+        for (int i = 0; i < kJingles; ++i) ClearButton(i);
+        write("palette.ini", palettes);
+        HotStore.DeleteSection(kHotSection);
+        std::filesystem::remove_all(path("History"));
+        settings.PaletteIndex = "A";
+        settings.AutoSave = sequence % 2;
+        PalToSave = false;
+        belief = {};
+        belief.autoSave = sequence % 2 == 1;
+        belief.belowGrid = JExists[40] == 1;
+        for (const std::string name : {"a", "b", "c"})
+            for (int i = 0; i < 3; ++i)
+                belief.saved[name][i].file =
+                    std::string(1, static_cast<char>(name[0] - 32)) + std::to_string(i);
+        belief.saved["c"][40].file = "C2";
+        OpenFile("A");
+        OpenFile();
+        lstPalRefresh();
+        SelectPalette("A");
+        belief.open("a");
+        trace = "sequence " + std::to_string(sequence) + ": ";
+        for (int i = 0; i < kSteps; ++i) {
+            step();
+            compare();
+            if (HasFatalFailure()) return;
+        }
+    }
+}
+
+}  // namespace
+
+}  // namespace zv::test
