@@ -14,23 +14,25 @@ namespace {
 
 class MemoryDecoder final : public engine::Decoder {
   public:
-    explicit MemoryDecoder(const std::vector<float>& sound) : sound_(sound) {}
-    engine::SoundFormat format() const override { return {kRate, 2, 16}; }
-    std::optional<std::uint64_t> length() const override { return sound_.size() / 2; }
+    MemoryDecoder(const std::vector<float>& sound, engine::SoundFormat format)
+        : sound_(sound), format_(format) {}
+    engine::SoundFormat format() const override { return format_; }
+    std::optional<std::uint64_t> length() const override { return sound_.size() / format_.channels; }
     std::size_t read(std::span<float> out) override {
         const std::size_t count = std::min(out.size(), sound_.size() - at_);
         std::copy_n(sound_.begin() + static_cast<std::ptrdiff_t>(at_), count, out.begin());
         at_ += count;
-        return count / 2;
+        return count / format_.channels;
     }
     bool seek(std::uint64_t frame) override {
-        at_ = std::min<std::size_t>(2 * frame, sound_.size());
+        at_ = std::min<std::size_t>(format_.channels * frame, sound_.size());
         return true;
     }
     bool ended() const override { return at_ == sound_.size(); }
 
   private:
     const std::vector<float>& sound_;
+    const engine::SoundFormat format_;
     std::size_t at_ = 0;
 };
 
@@ -39,7 +41,9 @@ class MemorySource final : public engine::DecoderSource {
     explicit MemorySource(const std::vector<std::vector<float>>& sounds) : sounds_(sounds) {}
     std::unique_ptr<engine::Decoder> openFile(const std::string& path, int& error) override {
         const std::size_t k = std::stoul(path);
-        if (k < sounds_.size()) return std::make_unique<MemoryDecoder>(sounds_[k]);
+        const engine::SoundFormat format{path.ends_with("fast") ? 48000 : kRate,
+                                         path.ends_with("mono") ? 1U : 2U, 16};
+        if (k < sounds_.size()) return std::make_unique<MemoryDecoder>(sounds_[k], format);
         error = BASS_ERROR_FILEOPEN;
         return nullptr;
     }
@@ -92,13 +96,16 @@ std::unique_ptr<engine::SoundDevice> HandDevices::openNoSound(std::uint32_t, eng
 
 void HandDevices::period() {
     for (engine::SoundClient* client : clients_) {
-        const double before = threadSeconds();
+        const double before = watches_ ? threadSeconds() : 0;
         client->render(buffer_);
-        longest_ = std::max(longest_, threadSeconds() - before);
+        if (watches_) longest_ = std::max(longest_, threadSeconds() - before);
     }
 }
 
-double HandDevices::takeLongest() { return std::exchange(longest_, 0.0); }
+double HandDevices::takeLongest() {
+    watches_ = true;
+    return std::exchange(longest_, 0.0);
+}
 
 std::vector<std::vector<float>> makeSounds(std::size_t count, std::size_t frames) {
     std::vector<std::vector<float>> sounds(count, std::vector<float>(2 * frames));
@@ -133,8 +140,8 @@ Studio::Studio(const std::vector<std::vector<float>>& sounds) {
 
 Studio::~Studio() { engine::engineControl()->install({}); }
 
-DWORD Studio::jingle(std::size_t k) {
-    const std::string name = std::to_string(k);
+DWORD Studio::jingle(std::size_t k, const std::string& form) {
+    const std::string name = (std::to_string(k) + form);
     const DWORD source = had(BASS_StreamCreateFile(false, name.c_str(), 0, 0, BASS_STREAM_DECODE), "a file");
     const DWORD play =
         had(BASS_FX_TempoCreate(source, BASS_STREAM_DECODE | BASS_FX_FREESOURCE), "a tempo channel");

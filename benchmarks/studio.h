@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "engine/bass.h"
@@ -31,7 +32,7 @@ class HandDevices final : public engine::DeviceSource {
 
     /// One period on every output.
     void period();
-    /// Processor seconds of the longest callback since the last call.
+    /// Processor seconds of the longest callback since the last call; 0 at the first.
     double takeLongest();
     const std::vector<float>& heard() const { return buffer_; }
 
@@ -40,6 +41,7 @@ class HandDevices final : public engine::DeviceSource {
     std::vector<engine::SoundClient*> clients_;
     std::vector<float> buffer_ = std::vector<float>(2 * kPeriod);
     double longest_ = 0;
+    bool watches_ = false;  ///< looking at the clock costs: only once someone asked
 };
 
 /// Sounds of noise: `count` of them, `frames` long, stereo.
@@ -53,8 +55,9 @@ class Studio {
     Studio(const Studio&) = delete;
     Studio& operator=(const Studio&) = delete;
 
-    /// Opens file "k" as a jingle in its place in the main mixer, stopped, looping.
-    DWORD jingle(std::size_t k);
+    /// Opens file "k" as a jingle in its place in the main mixer, stopped, looping. `form`: "" for the outputs'
+    /// rate in stereo, "mono", or "fast" for 48 kHz.
+    DWORD jingle(std::size_t k, const std::string& form = {});
     void play(std::size_t periods);
 
     std::shared_ptr<HandDevices> devices = std::make_shared<HandDevices>();

@@ -16,7 +16,7 @@ dsp::StereoLevel fromPages(Channel& channel, const Trail& trail, double seconds,
     float peak[2]{};
     double power[2]{};
     for (std::size_t i = 0; i < count; ++i)
-        root.sound->measure(runs[i].from, runs[i].to - runs[i].from, peak, power);
+        root.sound->measure(runs[i].from, runs[i].to - runs[i].from, runs[i].gain, peak, power);
     if (!rms) return {peak[0], peak[1]};
     // Of a loop so short that the trail does not hold the window, the passes that it holds stand for all.
     std::uint64_t held = 0;

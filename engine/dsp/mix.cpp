@@ -57,20 +57,38 @@ void mixStereo(float* out, std::span<const MixSource> sources, std::size_t frame
     const bool w = wideChosen();
     std::array<MixSource, 4> four;
     std::size_t held = 0;
+    bool asTheyAre = true;
     for (const MixSource& source : sources) {
-        if (source.gain == 0) continue;
+        if (source.silent()) continue;
         four[held++] = source;
+        asTheyAre = asTheyAre && source.plain();
         if (held < four.size()) continue;
-        (w ? wide::add4 : plain::add4)(out, four.data(), 2 * frames);
+        if (asTheyAre) {
+            (w ? wide::add4 : plain::add4)(out, four.data(), frames);
+        } else {
+            (w ? wide::addGained4 : plain::addGained4)(out, four.data(), frames);
+        }
         held = 0;
+        asTheyAre = true;
     }
     std::size_t done = 0;
-    if (held >= 2) {
-        (w ? wide::add2 : plain::add2)(out, four[0].frames, four[1].frames, 2 * frames, four[0].gain,
-                                       four[1].gain);
+    if (held >= 2 && asTheyAre) {
+        (w ? wide::add2 : plain::add2)(out, four[0].frames, four[1].frames, 2 * frames, four[0].fixedGain(),
+                                       four[1].fixedGain());
         done = 2;
     }
-    for (; done < held; ++done) mixStereo(out, four[done].frames, frames, four[done].gain);
+    for (; done < held; ++done) (w ? wide::addGained1 : plain::addGained1)(out, four[done], frames);
+}
+
+void mixMono(float* out, std::span<const MixSource> sources, std::size_t frames) {
+    const bool w = wideChosen();
+    for (; sources.size() >= 4; sources = sources.subspan(4))
+        (w ? wide::addMono4 : plain::addMono4)(out, sources.data(), frames);
+    for (const MixSource& source : sources) (w ? wide::addMono1 : plain::addMono1)(out, source, frames);
+}
+
+void scalePowers(float* out, const double* powers, std::size_t count, double base) {
+    (wideChosen() ? wide::powered : plain::powered)(out, powers, count, base);
 }
 
 void mixStereo(float* out, const float* in, std::size_t frames, const GainRamp& ramp) {
@@ -79,11 +97,6 @@ void mixStereo(float* out, const float* in, std::size_t frames, const GainRamp& 
 
 void mixStereo(float* out, const float* in, std::size_t frames, const float* gains) {
     (wideChosen() ? wide::gained<true> : plain::gained<true>)(out, in, frames, gains);
-}
-
-void mixMono(float* out, const float* in, std::size_t frames, float gain) {
-    if (gain == 0) return;
-    (wideChosen() ? wide::addMono : plain::addMono)(out, in, frames, gain);
 }
 
 void scale(float* out, const float* in, std::size_t count, float gain) {

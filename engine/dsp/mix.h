@@ -18,22 +18,28 @@ struct GainRamp {
     float value(std::size_t i) const { return static_cast<float>(from + step * static_cast<double>(at + i)); }
 };
 
-/// One stereo source of a mix.
+/// One source of a mix: each sample times `before`, then times the gain.
 struct MixSource {
-    const float* frames = nullptr;  ///< interleaved stereo
-    float gain = 1;
+    const float* frames = nullptr;  ///< interleaved stereo, or mono
+    float before = 1;
+    GainRamp gain;  ///< with a step of 0: the gain `from`
+    bool plain() const { return gain.step == 0 && before == 1; }
+    bool silent() const { return (gain.step == 0 && gain.from == 0) || before == 0; }
+    float fixedGain() const { return static_cast<float>(gain.from); }
 };
 
 /// out += in * gain. A gain of 1 adds unchanged, a gain of 0 leaves `out` alone.
 void mixStereo(float* out, const float* in, std::size_t frames, float gain);
 /// All of `sources` in one call, up to four of them a pass: the result of mixStereo for each in turn.
 void mixStereo(float* out, std::span<const MixSource> sources, std::size_t frames);
+/// The same for mono sources, each to both sides.
+void mixMono(float* out, std::span<const MixSource> sources, std::size_t frames);
 /// out += in * ramp.
 void mixStereo(float* out, const float* in, std::size_t frames, const GainRamp& ramp);
+/// out[i] = float(base * powers[i]): gains of a logarithmic slide.
+void scalePowers(float* out, const double* powers, std::size_t count, double base);
 /// out += in * gains[i], one gain a frame (a logarithmic slide).
 void mixStereo(float* out, const float* in, std::size_t frames, const float* gains);
-/// out += in * gain, a mono source to both sides.
-void mixMono(float* out, const float* in, std::size_t frames, float gain);
 
 /// out = in * gain for `count` samples; out may be in. A gain of 1 copies.
 void scale(float* out, const float* in, std::size_t count, float gain);

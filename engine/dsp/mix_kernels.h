@@ -12,9 +12,10 @@ void add2(float* out, const float* a, const float* b, std::size_t samples, float
     for (; i < samples; ++i) out[i] = (out[i] + a[i] * ga) + b[i] * gb;
 }
 
-void add4(float* out, const MixSource* s, std::size_t samples) {
+void add4(float* out, const MixSource* s, std::size_t frames) {
     const float *a = s[0].frames, *b = s[1].frames, *c = s[2].frames, *d = s[3].frames;
-    const float ga = s[0].gain, gb = s[1].gain, gc = s[2].gain, gd = s[3].gain;
+    const float ga = s[0].fixedGain(), gb = s[1].fixedGain(), gc = s[2].fixedGain(), gd = s[3].fixedGain();
+    const std::size_t samples = 2 * frames;
     std::size_t i = 0;
     for (; i + 8 <= samples; i += 8) {
         Eight v = load(out + i) + load(a + i) * ga;
@@ -64,14 +65,74 @@ void gained(float* out, const float* in, std::size_t frames, const float* gains)
         [&](std::size_t i) { return gains[i]; });
 }
 
-void addMono(float* out, const float* in, std::size_t frames, float gain) {
-    std::size_t i = 0;
-    for (; i + 4 <= frames; i += 4) store(out + 2 * i, load(out + 2 * i) + pairGains(in + i) * gain);
-    for (; i < frames; ++i) {
-        const float v = in[i] * gain;
-        out[2 * i] = out[2 * i] + v;
-        out[2 * i + 1] = out[2 * i + 1] + v;
+/// One source: what of it comes next, four frames a call, each sample for its side.
+template <bool Mono>
+struct Feed {
+    const float* from;
+    const float before;
+    const GainRamp ramp;
+    Double4 index;
+    explicit Feed(const MixSource& s)
+        : from(s.frames),
+          before(s.before),
+          ramp(s.gain),
+          index(static_cast<double>(s.gain.at) + Double4{0, 1, 2, 3}) {}
+    inline Eight four(std::size_t i) {
+        const Eight gains = pairs(__builtin_convertvector(ramp.from + ramp.step * index, Float4));
+        index = index + 4.0;
+        if constexpr (Mono) {
+            Float4 v;
+            __builtin_memcpy(&v, from + i, sizeof v);
+            return pairs(v) * before * gains;
+        } else {
+            return load(from + 2 * i) * before * gains;
+        }
     }
+    inline float one(std::size_t i, std::size_t side) const {
+        return from[Mono ? i : 2 * i + side] * before * ramp.value(i);
+    }
+};
+
+template <bool Mono>
+inline void gained4(float* out, const MixSource* s, std::size_t frames) {
+    Feed<Mono> a(s[0]), b(s[1]), c(s[2]), d(s[3]);
+    std::size_t i = 0;
+    for (; i + 4 <= frames; i += 4) {
+        Eight v = load(out + 2 * i) + a.four(i);
+        v = v + b.four(i);
+        v = v + c.four(i);
+        store(out + 2 * i, v + d.four(i));
+    }
+    for (; i < frames; ++i)
+        for (std::size_t side = 0; side < 2; ++side) {
+            float& sum = out[2 * i + side];
+            sum = (((sum + a.one(i, side)) + b.one(i, side)) + c.one(i, side)) + d.one(i, side);
+        }
+}
+
+template <bool Mono>
+inline void gained1(float* out, const MixSource& s, std::size_t frames) {
+    Feed<Mono> a(s);
+    std::size_t i = 0;
+    for (; i + 4 <= frames; i += 4) store(out + 2 * i, load(out + 2 * i) + a.four(i));
+    for (; i < frames; ++i)
+        for (std::size_t side = 0; side < 2; ++side) out[2 * i + side] = out[2 * i + side] + a.one(i, side);
+}
+
+void addGained4(float* out, const MixSource* s, std::size_t frames) { gained4<false>(out, s, frames); }
+void addGained1(float* out, const MixSource& s, std::size_t frames) { gained1<false>(out, s, frames); }
+void addMono4(float* out, const MixSource* s, std::size_t frames) { gained4<true>(out, s, frames); }
+void addMono1(float* out, const MixSource& s, std::size_t frames) { gained1<true>(out, s, frames); }
+
+void powered(float* out, const double* powers, std::size_t count, double base) {
+    std::size_t i = 0;
+    for (; i + 4 <= count; i += 4) {
+        Double4 p;
+        __builtin_memcpy(&p, powers + i, sizeof p);
+        const Float4 g = __builtin_convertvector(base * p, Float4);
+        __builtin_memcpy(out + i, &g, sizeof g);
+    }
+    for (; i < count; ++i) out[i] = static_cast<float>(base * powers[i]);
 }
 
 void scaled(float* out, const float* in, std::size_t count, float gain) {

@@ -18,7 +18,9 @@ namespace zv::engine {
 struct View {
     static constexpr std::uint64_t kNoSource = ~std::uint64_t{0};
     const float* data = nullptr;
-    std::uint64_t source = kNoSource;  ///< untouched stereo from pages: the frame it begins with
+    std::uint64_t source = kNoSource;  ///< untouched mono or stereo from pages: the frame it begins with
+    float gain = 1;                    ///< that is still to be applied
+    bool mono = false;                 ///< one channel, for both sides
     std::uint32_t frames = 0;
     bool own = false;
     bool ended = false;  ///< without frames: nothing more will come; else it waits for data
@@ -72,6 +74,8 @@ class Graph {
     bool plays(int device) const { return outputs_[static_cast<std::size_t>(device)].played; }
     /// Sound of a channel at its own rate, in stereo, its chain passed.
     View pullStereo(Channel& channel, std::uint32_t want);
+    /// The same for who can mix mono and apply a gain himself: see View::gain, View::mono.
+    View pullPlain(Channel& channel, std::uint32_t want);
     /// The same as it is in the file, before the chain.
     View pullNative(Channel& channel, std::uint32_t want);
     /// Advances slides of channels that nobody pulls. After each block.
@@ -120,6 +124,8 @@ class Graph {
     View pullConverted(Channel& channel, std::uint32_t want);
     View toStereo(Channel& channel, View view);
     View throughChain(Channel& channel, View view);
+    View pullTail(Channel& channel, std::uint32_t want);
+    View finished(View view);
     void passed(Channel& channel, std::uint64_t from, std::uint64_t to);
     void delivered(Channel& channel, Channel& source, std::uint64_t from, std::uint64_t to);
     void heard(Channel& channel, Channel& source, std::uint64_t to);

@@ -9,19 +9,22 @@ namespace zv::engine {
 namespace {
 
 /// Sources that lie in memory as they are wait here and are added four at a time: the sum is read and written
-/// once.
+/// once. Whatever their form, they are added in the order in which they came.
 class Batch {
   public:
     Batch(float* out, std::uint32_t frames) : out_(out), frames_(frames) {}
     ~Batch() { flush(); }
     Batch(const Batch&) = delete;
     Batch& operator=(const Batch&) = delete;
-    void add(const float* data, float gain) {
-        sources_[count_++] = {data, gain};
+    void add(const View& view, const dsp::GainRamp& gain) {
+        if (view.mono != mono_) flush();
+        mono_ = view.mono;
+        sources_[count_++] = {view.data, view.gain, gain};
         if (count_ == sources_.size()) flush();
     }
     void flush() {
-        dsp::mixStereo(out_, std::span<const dsp::MixSource>(sources_.data(), count_), frames_);
+        const std::span<const dsp::MixSource> held(sources_.data(), count_);
+        mono_ ? dsp::mixMono(out_, held, frames_) : dsp::mixStereo(out_, held, frames_);
         count_ = 0;
     }
 
@@ -30,6 +33,7 @@ class Batch {
     std::uint32_t frames_;
     std::array<dsp::MixSource, 4> sources_;
     std::size_t count_ = 0;
+    bool mono_ = false;
 };
 
 /// Sound from pages is only noted; what was computed is gone after this block and is measured now.
@@ -42,9 +46,9 @@ void measure(Channel& channel, const View& view) {
         meter.trail.reset();
     }
     if (trails) {
-        meter.trail.add(view.source, view.frames);
+        meter.trail.add(view.source, view.frames, view.gain);
     } else {
-        meter.meter.feed(view.data, view.frames);
+        meter.meter.feed(view.data, view.frames, view.gain);
     }
 }
 
@@ -56,16 +60,22 @@ void Graph::mixInputs(Channel* first, float* out, std::uint32_t frames) {
         Channel* next = channel->audio.next;
         AudioState& a = channel->audio;
         View view;
-        if (!a.volume.active() && !a.plug->resampler) {
-            view = pullStereo(*channel, frames);
-            if (view.frames == frames && !view.own) {
+        if (a.volume.ramps(frames) && !a.plug->resampler) {
+            view = pullPlain(*channel, frames);
+            const bool inPages = view.source != View::kNoSource;
+            if (view.frames == frames && !view.own && (inPages || !view.mono)) {
                 measure(*channel, view);
-                batch.add(view.data, a.volume.value());
+                batch.add(view, a.volume.ramp());
+                if (a.volume.active()) {
+                    a.volume.advance(frames);
+                    a.mixBlock = block_;
+                }
                 if (a.dry) setDry(*channel, false);
                 publishPosition(*channel);
                 channel = next;
                 continue;
             }
+            view = finished(view);
         }
         batch.flush();
         mixInput(*channel, out, frames, view);

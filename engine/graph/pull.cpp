@@ -149,7 +149,7 @@ View Graph::readFile(Channel& channel, std::uint32_t want, Channel& through) {
     view.frames = static_cast<std::uint32_t>(
         std::min<std::uint64_t>({want, range.end - at, PagedSound::kPage - offset}));
     view.data = page + offset * channel.channels;
-    if (channel.channels == 2) view.source = at;
+    if (channel.channels <= 2) view.source = at;
     if (through.audio.syncs || channel.audio.syncs) delivered(through, channel, at, at + view.frames);
     a.position = at + view.frames;
     sound.setFocus(a.position);
@@ -322,6 +322,13 @@ View Graph::toStereo(Channel& channel, View view) {
     return view;
 }
 
+/// Whether an effect of its chain would change a sample.
+static bool hasEffects(const AudioState& a) {
+    return a.chain && std::ranges::any_of(a.chain->stages, [](const Chain::Stage& stage) {
+               return stage.effect && !stage.effect->bypassed();
+           });
+}
+
 View Graph::throughChain(Channel& channel, View view) {
     AudioState& a = channel.audio;
     const bool slides = a.voldsp.active();
@@ -330,9 +337,7 @@ View Graph::throughChain(Channel& channel, View view) {
         a.chainBlock = block_;
     }
     const bool gained = slides || a.voldsp.value() != 1.0F;
-    bool effects = false;
-    if (a.chain)
-        for (const auto& stage : a.chain->stages) effects |= stage.effect && !stage.effect->bypassed();
+    const bool effects = hasEffects(a);
     if (!gained && !effects) return view;
     if (effects)
         for (const auto& stage : a.chain->stages)
@@ -365,11 +370,49 @@ View Graph::pullStereo(Channel& channel, std::uint32_t want) {
     assertAudioThread();
     AudioState& a = channel.audio;
     want = std::min(want, kBlock);
-    View view;
     if (!a.inTail) {
-        view = pullNative(channel, want);
+        const View view = pullNative(channel, want);
         if (view.frames > 0) return throughChain(channel, toStereo(channel, view));
         if (!view.ended) return view;
+    }
+    return pullTail(channel, want);
+}
+
+View Graph::pullPlain(Channel& channel, std::uint32_t want) {
+    AudioState& a = channel.audio;
+    const bool bus = channel.kind == Kind::Split || channel.kind == Kind::Mixer;
+    if (a.inTail || a.voldsp.active() || (channel.channels > 2 && !bus) || hasEffects(a))
+        return pullStereo(channel, want);
+    View view = pullNative(channel, std::min(want, kBlock));
+    if (view.frames == 0 && view.ended) return pullTail(channel, std::min(want, kBlock));
+    view.gain = a.voldsp.value();
+    view.mono = channel.channels == 1 && !bus;
+    return view;
+}
+
+/// In stereo, its gain applied.
+View Graph::finished(View view) {
+    if (view.mono) {
+        dsp::monoToStereo(stereo_.data(), view.data, view.frames);
+        view.data = stereo_.data();
+    } else if (view.gain == 1.0F) {
+        return view;
+    }
+    const std::size_t samples = std::size_t{view.frames} * 2;
+    dsp::scale(stereo_.data(), view.data, samples, view.gain);
+    view.data = stereo_.data();
+    view.own = true;
+    if (view.gain != 1.0F) view.source = View::kNoSource;
+    view.gain = 1;
+    view.mono = false;
+    return view;
+}
+
+/// Behind the end: silence through the chain, for as long as its tail.
+View Graph::pullTail(Channel& channel, std::uint32_t want) {
+    AudioState& a = channel.audio;
+    View view;
+    if (!a.inTail) {
         a.inTail = true;
         a.tailDone = 0;
         a.tailLeft = static_cast<std::uint64_t>(std::llround(a.tailSeconds * channel.rate));

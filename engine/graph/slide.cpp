@@ -54,11 +54,12 @@ bool Slide::advance(std::uint64_t frames) {
 
 void Slide::gains(float* out, std::size_t frames) const {
     std::uint64_t at = at_;
-    double base = from_ * std::exp(step_ * static_cast<double>(at - at % kGrid));
-    for (std::size_t i = 0; i < frames; ++i, ++at) {
-        const std::size_t place = at % kGrid;
-        if (place == 0) base = from_ * std::exp(step_ * static_cast<double>(at));
-        out[i] = static_cast<float>(base * powers_[place]);
+    for (std::size_t done = 0; done < frames;) {
+        const std::size_t place = at % kGrid, part = std::min(frames - done, kGrid - place);
+        const double base = from_ * std::exp(step_ * static_cast<double>(at - place));
+        dsp::scalePowers(out + done, powers_.data() + place, part, base);
+        done += part;
+        at += part;
     }
 }
 

@@ -27,6 +27,13 @@ class Slide {
     /// Lets `frames` pass (cut to left()); true when the slide came to its end. [audio]
     bool advance(std::uint64_t frames);
 
+    /// The gains of the frames to come: equal steps. Only of a slide that is linear, or not active.
+    dsp::GainRamp ramp() const {
+        return active() ? dsp::GainRamp{from_, step_, at_} : dsp::GainRamp{target_, 0, 0};
+    }
+    /// Whether ramp() holds for the next `frames` frames and beyond.
+    bool ramps(std::uint64_t frames) const { return !active() || (!logarithmic_ && left() > frames); }
+
     /// out += in times this slide for `frames` frames, at most left() while active and at most a block. Does
     /// not advance. [audio]
     void mix(float* out, const float* in, std::size_t frames) const;

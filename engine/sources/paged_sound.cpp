@@ -136,24 +136,26 @@ bool PagedSound::crowded() const {
     return !keepWhole_ && resident_.load(std::memory_order_relaxed) > 2 * headPages_ + aheadPages_ + slack;
 }
 
-void PagedSound::measure(std::uint64_t frame, std::uint64_t count, float (&peak)[2],
+void PagedSound::measure(std::uint64_t frame, std::uint64_t count, float gain, float (&peak)[2],
                          double (&power)[2]) const {
+    const std::size_t channels = format_.channels, right = channels - 1;  // of a mono sound the same one
+    const float size = std::abs(gain);
     readers_.fetch_add(1, std::memory_order_seq_cst);
     while (count > 0 && frame < length_) {
         const std::uint64_t n = std::min<std::uint64_t>({count, kPage - frame % kPage, length_ - frame});
         if (const float* samples = page(frame / kPage)) {
-            samples += frame % kPage * 2;
-            float left = 0, right = 0, leftPower = 0, rightPower = 0;
-            for (std::uint64_t i = 0; i < n; ++i) {
-                left = std::max(left, std::abs(samples[i * 2]));
-                right = std::max(right, std::abs(samples[i * 2 + 1]));
-                leftPower += samples[i * 2] * samples[i * 2];
-                rightPower += samples[i * 2 + 1] * samples[i * 2 + 1];
+            samples += frame % kPage * channels;
+            float top[2]{}, sum[2]{};
+            for (std::uint64_t i = 0; i < n; ++i, samples += channels) {
+                top[0] = std::max(top[0], std::abs(samples[0]));
+                top[1] = std::max(top[1], std::abs(samples[right]));
+                sum[0] += samples[0] * samples[0];
+                sum[1] += samples[right] * samples[right];
             }
-            peak[0] = std::max(peak[0], left);
-            peak[1] = std::max(peak[1], right);
-            power[0] += static_cast<double>(leftPower);
-            power[1] += static_cast<double>(rightPower);
+            for (const std::size_t side : {0U, 1U}) {
+                peak[side] = std::max(peak[side], top[side] * size);
+                power[side] += static_cast<double>(sum[side]) * size * size;
+            }
         }
         frame += n;
         count -= n;

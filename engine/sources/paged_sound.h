@@ -73,9 +73,10 @@ class PagedSound final : public FrameReader {
     std::size_t readAt(std::uint64_t frame, std::span<float> out) override;
     /// Takes pages away that are no longer wanted, when there are many. [worker] [control]
     void tidy();
-    /// Peaks and sums of squares of both sides of `count` stereo frames from `frame` on, raised into the four
-    /// values; pages that are not there count as silence. Never waits. [any but audio]
-    void measure(std::uint64_t frame, std::uint64_t count, float (&peak)[2], double (&power)[2]) const;
+    /// Peaks and sums of squares of both sides of `count` mono or stereo frames from `frame` on, times `gain`,
+    /// raised into the four values; pages that are not there count as silence. Never waits. [any but audio]
+    void measure(std::uint64_t frame, std::uint64_t count, float gain, float (&peak)[2],
+                 double (&power)[2]) const;
     /// Bytes of decoded sound in memory. [any]
     std::size_t memory() const {
         return resident_.load(std::memory_order_relaxed) * pageSamples_ * sizeof(float);

@@ -18,19 +18,25 @@ class WidePath : public testing::Test {
 };
 
 TEST(DspMix, AddsEverySourceInTurn) {
-    for (std::size_t count : {0u, 1u, 2u, 3u, 4u, 5u, 11u, 120u}) {
-        const std::size_t frames = 131;
-        std::vector<std::vector<float>> sounds;
-        std::vector<MixSource> sources;
-        for (unsigned k = 0; k < count; ++k) sounds.push_back(noise(2 * frames, k));
-        for (unsigned k = 0; k < count; ++k)
-            sources.push_back({sounds[k].data(), k % 3 == 0 ? 1.0f : 0.1f * static_cast<float>(k % 5)});
-        std::vector<float> out = noise(2 * frames, 99), expected = out;
-        for (const MixSource& source : sources)
-            for (std::size_t i = 0; i < expected.size(); ++i) expected[i] += source.frames[i] * source.gain;
-        mixStereo(out.data(), sources, frames);
-        EXPECT_EQ(out, expected) << count;
-    }
+    for (std::size_t count : {0u, 1u, 2u, 3u, 4u, 5u, 11u, 120u})
+        for (const bool mono : {false, true})
+            for (const bool plain : {false, true}) {
+                const std::size_t frames = 131;
+                std::vector<std::vector<float>> sounds;
+                std::vector<MixSource> sources;
+                for (unsigned k = 0; k < count; ++k) sounds.push_back(noise(2 * frames, k));
+                for (unsigned k = 0; k < count; ++k) {
+                    sources.push_back({sounds[k].data(), 1, {k % 3 == 0 ? 1.0 : 0.1 * (k % 5), 0, 0}});
+                    if (!plain && k % 4 != 1) sources[k].gain.step = 1e-3 * k, sources[k].gain.at = 7 * k;
+                    if (!plain && k % 4 == 2) sources[k].before = 0.3f;
+                }
+                std::vector<float> out = noise(2 * frames, 99), expected = out;
+                for (const MixSource& s : sources)
+                    for (std::size_t i = 0; i < expected.size(); ++i)
+                        expected[i] += s.frames[mono ? i / 2 : i] * s.before * s.gain.value(i / 2);
+                mono ? mixMono(out.data(), sources, frames) : mixStereo(out.data(), sources, frames);
+                EXPECT_EQ(out, expected) << count << (mono ? " mono" : "") << (plain ? " plain" : "");
+            }
 }
 
 TEST(DspMix, OppositeSoundsCancelToNothing) {
@@ -70,7 +76,15 @@ TEST_F(WidePath, GivesTheSameBitsAsThePlainOne) {
         mixStereo(out.data(), a.data(), frames, 0.3f), keep();
         mixStereo(out.data(), a.data(), frames, GainRamp{0.9, -1e-4 / 3, 77}), keep();
         mixStereo(out.data(), a.data(), frames, gains.data()), keep();
-        mixMono(out.data(), a.data(), frames, 0.6f), keep();
+        const MixSource set[] = {{a.data(), 0.5f, {1, -1e-3, 9}},
+                                 {a.data() + 2, 1, {0.3, 0, 0}},
+                                 {a.data() + 1, 1, {0, 1e-4, 5}},
+                                 {a.data(), 0.7f, {1, 0, 0}},
+                                 {a.data() + 3, 1, {0.2, 1e-5, 1}}};
+        mixStereo(out.data(), set, frames - 3), keep();
+        mixMono(out.data(), set, frames), keep();
+        const std::vector<double> powers(a.begin(), a.end());
+        scalePowers(out.data(), powers.data(), frames, 0.77), keep();
         scaleStereo(out.data(), out.data(), frames, GainRamp{0.1, 1e-3 / 7, 3}), keep();
         scaleStereo(out.data(), out.data(), frames, gains.data()), keep();
         scale(out.data(), out.data(), 2 * frames, 1.7f), keep();
