@@ -121,13 +121,13 @@ void forms() {
     };
     const auto nothing = [](DWORD) {};
     const std::vector<Row> rows{
-        {"mix-120-48khz", fast, nothing, nothing, 5},
-        {"mix-120-mono", mono, nothing, nothing, 1.3},
-        {"mix-120-slides", neutral, attribute(BASS_ATTRIB_VOL, 0.5F, kLong), attribute(BASS_ATTRIB_VOL, 1, 0),
-         1.3},
-        {"mix-120-log-slides", neutral, attribute(BASS_ATTRIB_VOL | BASS_SLIDE_LOG, 0.5F, kLong),
+        {"forms-120-48khz", fast, nothing, nothing, 5},
+        {"forms-120-mono", mono, nothing, nothing, 1.3},
+        {"forms-120-slides", neutral, attribute(BASS_ATTRIB_VOL, 0.5F, kLong),
          attribute(BASS_ATTRIB_VOL, 1, 0), 1.3},
-        {"mix-120-voldsp", neutral, attribute(BASS_ATTRIB_VOLDSP, 0.7F, 0),
+        {"forms-120-log-slides", neutral, attribute(BASS_ATTRIB_VOL | BASS_SLIDE_LOG, 0.5F, kLong),
+         attribute(BASS_ATTRIB_VOL, 1, 0), 1.3},
+        {"forms-120-voldsp", neutral, attribute(BASS_ATTRIB_VOLDSP, 0.7F, 0),
          attribute(BASS_ATTRIB_VOLDSP, 1, 0), 1.3},
     };
     const engine::FlushToZero flush;
@@ -290,9 +290,8 @@ void stretching() {
     atMost("stretch-32-callback", median(longest), "ms", 1000.0 * kPeriod / kRate / 4);
 }
 
-const Known knowsMixing("mix-120", mixing), knowsForms("mix-120-forms", forms),
-    knowsAlone("one-sound", alone), knowsEffects("effects-120", effects),
-    knowsStretching("stretch-32", stretching);
+const Known knowsMixing("mix-120", mixing), knowsForms("forms-120", forms), knowsAlone("one-sound", alone),
+    knowsEffects("effects-120", effects), knowsStretching("stretch-32", stretching);
 
 }  // namespace
 }  // namespace zv::bench

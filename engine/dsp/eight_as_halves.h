@@ -32,6 +32,10 @@ inline float sumOf(Eight v) {
     const Float4 s = v.low + v.high;
     return (s[0] + s[2]) + (s[1] + s[3]);
 }
+inline Eight sumsOf(const Eight (&v)[8]) {
+    return {Float4{sumOf(v[0]), sumOf(v[1]), sumOf(v[2]), sumOf(v[3])},
+            Float4{sumOf(v[4]), sumOf(v[5]), sumOf(v[6]), sumOf(v[7])}};
+}
 
 inline Eight evens(Eight a, Eight b) {
     return {__builtin_shufflevector(a.low, a.high, 0, 2, 4, 6),

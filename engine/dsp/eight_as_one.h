@@ -14,6 +14,23 @@ inline Eight counting() { return Eight{0, 1, 2, 3, 4, 5, 6, 7}; }
 /// ((0 + 4) + (2 + 6)) + ((1 + 5) + (3 + 7))
 inline float sumOf(Eight v) { return ((v[0] + v[4]) + (v[2] + v[6])) + ((v[1] + v[5]) + (v[3] + v[7])); }
 
+/// sumOf() of each of eight.
+inline Eight sumsOf(const Eight (&v)[8]) {
+    const auto halves = [](Eight a, Eight b) {
+        return __builtin_shufflevector(a, b, 0, 1, 2, 3, 8, 9, 10, 11) +
+               __builtin_shufflevector(a, b, 4, 5, 6, 7, 12, 13, 14, 15);
+    };
+    const auto quarters = [](Eight a, Eight b) {
+        return __builtin_shufflevector(a, b, 0, 1, 8, 9, 4, 5, 12, 13) +
+               __builtin_shufflevector(a, b, 2, 3, 10, 11, 6, 7, 14, 15);
+    };
+    // Two of each quartet: 0 and 4 lie in one vector, so that the last step leaves them in their places.
+    const Eight a = quarters(halves(v[0], v[4]), halves(v[1], v[5])),
+                b = quarters(halves(v[2], v[6]), halves(v[3], v[7]));
+    return __builtin_shufflevector(a, b, 0, 2, 8, 10, 4, 6, 12, 14) +
+           __builtin_shufflevector(a, b, 1, 3, 9, 11, 5, 7, 13, 15);
+}
+
 /// Of sixteen in a row those with even, and with odd numbers; and the way back, first and second half.
 inline Eight evens(Eight a, Eight b) { return __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14); }
 inline Eight odds(Eight a, Eight b) { return __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15); }

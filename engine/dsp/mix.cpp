@@ -77,7 +77,13 @@ void mixStereo(float* out, std::span<const MixSource> sources, std::size_t frame
                                        four[1].fixedGain());
         done = 2;
     }
-    for (; done < held; ++done) (w ? wide::addGained1 : plain::addGained1)(out, four[done], frames);
+    for (; done < held; ++done) {
+        if (four[done].plain()) {
+            mixStereo(out, four[done].frames, frames, four[done].fixedGain());
+        } else {
+            (w ? wide::addGained1 : plain::addGained1)(out, four[done], frames);
+        }
+    }
 }
 
 void mixMono(float* out, std::span<const MixSource> sources, std::size_t frames) {
@@ -97,6 +103,11 @@ void mixStereo(float* out, const float* in, std::size_t frames, const GainRamp& 
 
 void mixStereo(float* out, const float* in, std::size_t frames, const float* gains) {
     (wideChosen() ? wide::gained<true> : plain::gained<true>)(out, in, frames, gains);
+}
+
+void addScaled(float* out, const float* in, std::size_t count, float gain) {
+    if (gain == 0) return;
+    (wideChosen() ? wide::add1 : plain::add1)(out, in, count, gain);
 }
 
 void scale(float* out, const float* in, std::size_t count, float gain) {

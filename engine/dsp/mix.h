@@ -41,6 +41,8 @@ void scalePowers(float* out, const double* powers, std::size_t count, double bas
 /// out += in * gains[i], one gain a frame (a logarithmic slide).
 void mixStereo(float* out, const float* in, std::size_t frames, const float* gains);
 
+/// out += in * gain for `count` samples.
+void addScaled(float* out, const float* in, std::size_t count, float gain);
 /// out = in * gain for `count` samples; out may be in. A gain of 1 copies.
 void scale(float* out, const float* in, std::size_t count, float gain);
 /// Stereo frames times a ramp; out may be in.

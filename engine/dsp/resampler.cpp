@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "engine/dsp/lanes.h"
+#include "engine/dsp/mix.h"
 
 namespace zv::engine::dsp {
 
@@ -33,19 +34,21 @@ struct Conversion {
     std::uint32_t channels;
     std::uint64_t whole, fraction;  // first frame, from the beginning of the window
     std::uint64_t stepWhole, stepFraction;
+    std::size_t otherSide = 0;  // from one side's window to the other's
 };
 
 #define ZV_KERNELS "engine/dsp/resampler_kernels.h"
 #include "engine/dsp/two_paths.h"
 
-constexpr double kAttenuation = 98;  // dB in the stop band
-constexpr double kPassEdge = 0.45;   // of the lower rate
+constexpr double kAttenuation = 116;          // dB in the stop band
+constexpr double kCorrectedAttenuation = 98;  // the same of equal rates, which are only ever corrected
+constexpr double kPassEdge = 0.45;            // of the lower rate
 constexpr double kStopEdge = 0.5;
 constexpr double kPhases = 512;           // linear interpolation between them stays under -105 dB
 constexpr std::size_t kMostExact = 1024;  // output frames until the phases repeat that get rows of their own
 constexpr std::size_t kWindowRoom = 1024;
 
-/// Modified Bessel function of the first kind, order 0, of 2 sqrt(q): exact for the window's q, up to 25. A
+/// Modified Bessel function of the first kind, order 0, of 2 sqrt(q): exact for the window's q, up to 35. A
 /// table takes it fifty thousand times, while someone opens a file.
 double bessel0(double q) {
     static constexpr auto terms = [] {
@@ -64,8 +67,9 @@ std::shared_ptr<const ResamplerTable> makeTable(std::uint32_t in, std::uint32_t 
     const double lower = std::min(in, out) / static_cast<double>(in);
     const double stop = in == out ? 1 - kPassEdge : kStopEdge;
     const double width = (stop - kPassEdge) * lower, cutoff = (stop + kPassEdge) / 2 * lower;
-    const double length = (kAttenuation - 8) / (2.285 * 2 * std::numbers::pi * width);
-    const double beta = 0.1102 * (kAttenuation - 8.7), most = beta * beta / 4, scale = 1 / bessel0(most);
+    const double attenuation = in == out ? kCorrectedAttenuation : kAttenuation;
+    const double length = (attenuation - 8) / (2.285 * 2 * std::numbers::pi * width);
+    const double beta = 0.1102 * (attenuation - 8.7), most = beta * beta / 4, scale = 1 / bessel0(most);
 
     ResamplerTable table;
     table.taps = (static_cast<std::size_t>(length) + 16) / 16 * 16;
@@ -203,9 +207,40 @@ void Resampler::render(float* out, std::size_t frames) {
     } else {
         (wideChosen() ? wide::convert : plain::convert)(c, out, frames);
     }
+    advance(frames);
+}
+
+void Resampler::advance(std::size_t frames) {
     const Wide fraction = static_cast<Wide>(step_.fraction) * frames + at_.fraction;
     at_.whole += step_.whole * frames + static_cast<std::uint64_t>(fraction >> 64);
     at_.fraction = static_cast<std::uint64_t>(fraction);
+}
+
+void Resampler::align(std::uint64_t outFrames) { at_.fraction = step_.fraction * outFrames; }
+
+std::size_t Resampler::mostAtOnce() const {
+    return std::max<std::size_t>(kWindowRoom / (static_cast<std::size_t>(step_.whole) + 1), 1);
+}
+
+std::size_t Resampler::span(std::size_t frames) const {
+    if (frames == 0) return 0;
+    const Wide last = static_cast<Wide>(step_.fraction) * (frames - 1) + at_.fraction;
+    return step_.whole * (frames - 1) + static_cast<std::size_t>(last >> 64) + table_->taps;
+}
+
+void Resampler::addWindow(float* sum, std::size_t stride, std::size_t frames, float gain) const {
+    const std::uint64_t first = fed_ - filled_;
+    const float* from = window_.data() + (at_.whole - first - (table_->taps / 2 - 1));
+    for (std::size_t side = 0; side < 2; ++side)
+        addScaled(sum + side * stride, from + side * stride_, span(frames), gain);
+}
+
+void Resampler::convertWindow(const ResamplerPhase& phase, const float* sum, std::size_t stride,
+                              std::span<float> out) {
+    const ResamplerTable& table = *phase.table;
+    const Conversion c{table.rows.data(), table.taps,      table.phases,      sum, stride, 2, 0,
+                       phase.fraction,    phase.stepWhole, phase.stepFraction};
+    (wideChosen() ? wide::convert : plain::convert)(c, out.data(), out.size() / 2);
 }
 
 void Resampler::process(std::span<const float> in, std::span<float> out) {
@@ -220,9 +255,9 @@ void Resampler::process(std::span<const float> in, std::span<float> out) {
         push(from + (wanted - tail) * channels_, tail);
         return;
     }
-    const std::size_t room = kWindowRoom / (static_cast<std::size_t>(step_.whole) + 1);
+    const std::size_t room = mostAtOnce();
     while (wanted > 0) {
-        const std::size_t part = std::min(wanted, std::max<std::size_t>(room, 1));
+        const std::size_t part = std::min(wanted, room);
         const std::size_t need = std::min(inputNeeded(part), given);
         push(from, need);
         from += need * channels_;

@@ -16,6 +16,13 @@ namespace zv::engine::dsp {
 
 struct ResamplerTable;  // filter coefficients, shared by all converters of a ratio
 
+/// Where a converter of two channels stands between the frames of its source: equal ones can be converted together.
+struct ResamplerPhase {
+    const ResamplerTable* table = nullptr;  ///< kept for ever
+    std::uint64_t fraction = 0, stepWhole = 0, stepFraction = 0;
+    bool operator==(const ResamplerPhase&) const = default;
+};
+
 class Resampler {
   public:
     /// Rates in Hz, 1 and up; channels 1 and up. Coefficient tables are made once a ratio and kept. [control]
@@ -37,6 +44,27 @@ class Resampler {
     /// ppm faster. Takes effect with the next frame, without a jump in the sound. [audio]
     void setCorrection(double ppm);
     double correction() const { return correctionPpm_; }
+
+    // ---- sounds of one rate and phase are converted together: their windows are added up, and the sum converted
+    /// After reset(): begins less than a source frame later, in the phase of a converter that began `outFrames`
+    /// earlier. [audio]
+    void align(std::uint64_t outFrames);
+    ResamplerPhase phase() const {
+        return {table_.get(), at_.fraction, step_.whole, step_.fraction};
+    }  ///< [audio]
+    /// Output frames whose source can be taken in at once. [audio]
+    std::size_t mostAtOnce() const;
+    /// Takes exactly inputNeeded(frames) frames in, without making anything of them yet. [audio]
+    void take(std::span<const float> in) { push(in.data(), in.size() / channels_); }
+    /// Window frames that the next `outFrames` are made of. [audio]
+    std::size_t span(std::size_t outFrames) const;
+    /// sum += gain * window, left side and then, `stride` on, the right one. [audio]
+    void addWindow(float* sum, std::size_t stride, std::size_t outFrames, float gain) const;
+    /// Makes stereo frames of such a sum of windows that were in this phase. [audio]
+    static void convertWindow(const ResamplerPhase& phase, const float* sum, std::size_t stride,
+                              std::span<float> out);
+    /// `outFrames` were made elsewhere. [audio]
+    void advance(std::size_t outFrames);
 
     /// Forgets the sound that is held; the next output frame is source frame 0 again. [audio]
     void reset();

@@ -45,7 +45,7 @@ void Graph::restart() {
     for (Output& output : outputs_) output.gain.set(1);
     outputGain.store(1, std::memory_order_relaxed);
     sourceUnderruns.store(0, std::memory_order_relaxed);
-    silentFrames_ = 0;
+    silentFrames_ = clock_ = 0;
     quiet_.store(false, std::memory_order_release);
     SyncEvent event;
     while (syncEvents.pop(event)) {
@@ -82,6 +82,7 @@ void Graph::renderBlock(std::uint32_t frames) {
     }
     passTime(frames);
     countSilence(frames);
+    clock_ += frames;
 }
 
 /// A bus may go on without a source: its reverb, a conversion. Only what came out tells.
@@ -140,6 +141,8 @@ void Graph::start(Channel& channel, std::uint32_t generation) {
         if (a.plug->drained || a.inTail) a.plug->restart();
         a.plug->meter->meter.reset();
         a.plug->meter->trail.reset();
+        a.plug->plain = true;
+        alignConversion(channel);
     }
     // Its end may have moved meanwhile; if not, it finds it again.
     a.inTail = false;
@@ -180,7 +183,10 @@ void Graph::move(Channel& channel, std::uint64_t frame, std::uint32_t moves) {
     while (level) {
         AudioState& upper = level->audio;
         upper.inTail = false;
-        if (upper.plug) upper.plug->restart();
+        if (upper.plug) {
+            upper.plug->restart();
+            alignConversion(*level);
+        }
         if (level->tempo) level->tempo->restart(frame);
         upper.stretched = false;
         level = upper.user;

@@ -10,6 +10,7 @@
 
 #include "engine/graph/channel.h"
 #include "engine/graph/command_queue.h"
+#include "engine/graph/conversion_group.h"
 
 namespace zv::engine {
 
@@ -122,6 +123,12 @@ class Graph {
     View readSplit(Channel& channel, std::uint32_t want);
     View readMixer(Channel& channel, std::uint32_t want);
     View pullConverted(Channel& channel, std::uint32_t want);
+    /// What the conversion of the next frames needs is there; else why not.
+    enum class Filled : std::uint8_t { all, dry, ended };
+    Filled fillConverted(Channel& channel, std::uint32_t want);
+    void takeConverted(Channel& channel, std::uint32_t frames, bool make);
+    bool convertsFile(Channel& channel);
+    void alignConversion(Channel& channel) const;
     View toStereo(Channel& channel, View view);
     View throughChain(Channel& channel, View view);
     View pullTail(Channel& channel, std::uint32_t want);
@@ -133,7 +140,11 @@ class Graph {
     void passedStretched(Channel& channel, std::uint64_t from, std::uint64_t to);
     void setDry(Channel& channel, bool dry);
     // mixer.cpp
-    void mixInputs(Channel* first, float* out, std::uint32_t frames);
+    void mixInputs(Channel* const& first, float* out, std::uint32_t frames);
+    void mixPart(Channel* first, float* out, std::uint32_t frames, ConversionGroups& groups);
+    std::uint32_t evenPart(Channel* first, std::uint32_t frames);
+    bool joinGroup(Channel& channel, std::uint32_t frames, ConversionGroups& groups);
+    static void noteHeard(Channel& channel, std::uint64_t from);
     void mixInput(Channel& channel, float* out, std::uint32_t frames, View begun);
 
     std::atomic<bool> busy_{false};
@@ -141,6 +152,10 @@ class Graph {
     std::array<Output, kMostDevices> outputs_;
     Channel* slides_ = nullptr;
     std::uint64_t block_ = 0;
+    std::uint64_t clock_ = 0;  ///< frames rendered before this block
+    static constexpr std::size_t kMostNested = 6;
+    std::array<ConversionGroups, kMostNested> groups_;  ///< of the mixer that is mixed, of the one in it ...
+    std::size_t nested_ = 0;
     int sounding_ = 0;                ///< channels in lists, buses aside
     int busSyncs_ = 0;                ///< wait for positions of buses, which advance in silence as well
     std::uint64_t silentFrames_ = 0;  ///< since something last sounded

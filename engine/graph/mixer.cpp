@@ -54,7 +54,74 @@ void measure(Channel& channel, const View& view) {
 
 }  // namespace
 
-void Graph::mixInputs(Channel* first, float* out, std::uint32_t frames) {
+/// Frames up to which the same channels are converted together: a slide, or a sound, ends behind them.
+std::uint32_t Graph::evenPart(Channel* first, std::uint32_t frames) {
+    std::uint64_t part = frames;
+    for (const Channel* channel = first; channel; channel = channel->audio.next) {
+        const AudioState& a = channel->audio;
+        if (a.plug->resampler && a.volume.active()) part = std::min(part, a.volume.left());
+    }
+    for (Channel* channel = first; channel; channel = channel->audio.next) {
+        Plug& plug = *channel->audio.plug;
+        if (!plug.resampler || channel->audio.volume.active() || !convertsFile(*channel)) continue;
+        if (fillConverted(*channel, static_cast<std::uint32_t>(part)) != Filled::all || !plug.drained)
+            continue;
+        part = std::min(part, plug.resampler->framesBefore(plug.fed));
+    }
+    return static_cast<std::uint32_t>(part);
+}
+
+void Graph::mixInputs(Channel* const& first, float* out, std::uint32_t frames) {
+    ConversionGroups& groups = groups_[std::min(nested_++, kMostNested - 1)];
+    while (frames > 0) {
+        const std::uint32_t part = evenPart(first, frames);
+        // Deeper mixers than there are groups for convert each sound by itself.
+        groups.begin(nested_ <= kMostNested ? part : 0);
+        mixPart(first, out, part, groups);
+        groups.finish(out);
+        out += std::size_t{part} * 2;
+        frames -= part;
+    }
+    --nested_;
+}
+
+/// What of a converted file was heard since it stood at `from`: its levels come from there.
+void Graph::noteHeard(Channel& channel, std::uint64_t from) {
+    Metering& meter = *channel.audio.plug->meter;
+    const Channel& root = channel.root();
+    const AudioState& a = root.audio;
+    const std::uint64_t to = root.shared.heard.load(std::memory_order_relaxed);
+    if (!meter.trails.exchange(true, std::memory_order_relaxed)) {
+        meter.meter.reset();
+        meter.trail.reset();
+    }
+    const auto add = [&](std::uint64_t first, std::uint64_t last) {
+        if (first < last) meter.trail.add(first, static_cast<std::uint32_t>(last - first), 1);
+    };
+    if (to >= from) {
+        add(from, to);
+    } else if (a.wrapFrom > a.wrapTo && to >= a.wrapTo) {
+        add(from, a.wrapFrom);
+        add(a.wrapTo, to);
+    }
+}
+
+/// Puts a channel to those that are converted together; false where it must be converted alone.
+bool Graph::joinGroup(Channel& channel, std::uint32_t frames, ConversionGroups& groups) {
+    AudioState& a = channel.audio;
+    if (a.volume.active() || !convertsFile(channel) || !groups.takes(*a.plug->resampler)) return false;
+    if (fillConverted(channel, frames) != Filled::all) return false;
+    const std::uint64_t from = channel.root().shared.heard.load(std::memory_order_relaxed);
+    takeConverted(channel, frames, false);
+    groups.add(*a.plug->resampler, a.volume.value());
+    a.mixBlock = block_;
+    if (a.dry) setDry(channel, false);
+    publishPosition(channel);
+    noteHeard(channel, from);
+    return true;
+}
+
+void Graph::mixPart(Channel* first, float* out, std::uint32_t frames, ConversionGroups& groups) {
     Batch batch(out, frames);
     for (Channel* channel = first; channel;) {
         Channel* next = channel->audio.next;
@@ -77,6 +144,10 @@ void Graph::mixInputs(Channel* first, float* out, std::uint32_t frames) {
             }
             view = finished(view);
         }
+        if (a.plug->resampler && joinGroup(*channel, frames, groups)) {
+            channel = next;
+            continue;
+        }
         batch.flush();
         mixInput(*channel, out, frames, view);
         channel = next;
@@ -87,6 +158,8 @@ void Graph::mixInput(Channel& channel, float* out, std::uint32_t frames, View vi
     AudioState& a = channel.audio;
     std::uint32_t done = 0;
     bool over = view.ended;
+    const bool noted = a.plug->resampler && convertsFile(channel);
+    const std::uint64_t from = channel.root().shared.heard.load(std::memory_order_relaxed);
     while (done < frames && !over) {
         if (view.frames == 0) {
             std::uint32_t want = frames - done;
@@ -98,7 +171,7 @@ void Graph::mixInput(Channel& channel, float* out, std::uint32_t frames, View vi
                 break;
             }
         }
-        measure(channel, view);
+        if (!noted) measure(channel, view);
         a.volume.mix(out + std::size_t{done} * 2, view.data, view.frames);
         done += view.frames;
         over = a.volume.active() && a.volume.advance(view.frames) && a.volume.stopsAtEnd();
@@ -116,6 +189,7 @@ void Graph::mixInput(Channel& channel, float* out, std::uint32_t frames, View vi
     }
     setDry(channel, done < frames);
     publishPosition(channel);
+    if (noted) noteHeard(channel, from);
 }
 
 }  // namespace zv::engine

@@ -23,6 +23,7 @@ struct Plug : Garbage {
     std::size_t pending = 0;                    ///< frames waiting in `in`
     std::uint64_t fed = 0;                      ///< frames taken from the channel since the last reset
     bool drained = false;                       ///< the channel has nothing more for it
+    bool plain = true;                          ///< since its start the channel is its file and nothing else
     void restart();                             ///< [audio]
 };
 

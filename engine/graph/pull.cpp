@@ -428,15 +428,30 @@ View Graph::pullTail(Channel& channel, std::uint32_t want) {
     return throughChain(channel, view);
 }
 
-View Graph::pullConverted(Channel& channel, std::uint32_t want) {
+/// Whether what is converted is the file itself, in one or two channels: then its levels are those of its pages,
+/// and it may be converted together with others. Once something is set it is not, until its next start, because
+/// when exactly that ends depends on how far the conversion has read ahead.
+bool Graph::convertsFile(Channel& channel) {
+    AudioState& a = channel.audio;
+    Plug& plug = *a.plug;
+    if (!plug.plain) return false;
+    plug.plain = channel.root().sound && channel.channels <= 2 && channel.kind != Kind::Split &&
+                 !(channel.tempo && channel.tempo->wanted()) && !a.voldsp.active() &&
+                 a.voldsp.value() == 1.0F && !hasEffects(a);
+    return plug.plain;
+}
+
+/// A conversion begins in the phase of one that ran since the beginning of time: so all of a rate have one phase.
+void Graph::alignConversion(Channel& channel) const {
+    const Plug* plug = channel.audio.plug;
+    if (plug && plug->resampler && plug->fed == 0 && plug->pending == 0) plug->resampler->align(clock_);
+}
+
+Graph::Filled Graph::fillConverted(Channel& channel, std::uint32_t want) {
     Plug& plug = *channel.audio.plug;
     takeBack(channel);
-    View view;
-    if (plug.drained && plug.resampler->framesBefore(plug.fed) == 0) {
-        view.ended = true;
-        return view;
-    }
-    std::size_t need = plug.resampler->inputNeeded(want);
+    if (plug.drained && plug.resampler->framesBefore(plug.fed) == 0) return Filled::ended;
+    const std::size_t need = plug.resampler->inputNeeded(want);
     while (plug.pending < need) {
         float* to = plug.in.data() + plug.pending * 2;
         if (plug.drained) {
@@ -446,7 +461,7 @@ View Graph::pullConverted(Channel& channel, std::uint32_t want) {
         }
         const View piece = pullStereo(channel, static_cast<std::uint32_t>(need - plug.pending));
         if (piece.frames == 0) {
-            if (!piece.ended) return view;
+            if (!piece.ended) return Filled::dry;
             plug.drained = true;
             continue;
         }
@@ -454,19 +469,36 @@ View Graph::pullConverted(Channel& channel, std::uint32_t want) {
         plug.pending += piece.frames;
         plug.fed += piece.frames;
     }
-    if (plug.drained) {
-        // It ends where its source does, not where the block does.
-        const std::uint64_t left = plug.resampler->framesBefore(plug.fed);
-        if (left == 0) {
-            view.ended = true;
-            return view;
-        }
-        want = static_cast<std::uint32_t>(std::min<std::uint64_t>(want, left));
-        plug.pending = need = plug.resampler->inputNeeded(want);
+    return plug.drained && plug.resampler->framesBefore(plug.fed) == 0 ? Filled::ended : Filled::all;
+}
+
+/// Hands the conversion what it needs for the next `frames`; `make`: at once, into plug.out.
+void Graph::takeConverted(Channel& channel, std::uint32_t frames, bool make) {
+    Plug& plug = *channel.audio.plug;
+    const std::size_t need = plug.resampler->inputNeeded(frames);
+    const std::span<const float> in(plug.in.data(), need * 2);
+    if (make) {
+        plug.resampler->process(in, {plug.out.data(), std::size_t{frames} * 2});
+    } else {
+        plug.resampler->take(in);
     }
-    plug.resampler->process({plug.in.data(), need * 2}, {plug.out.data(), std::size_t{want} * 2});
     plug.pending -= need;
     std::copy_n(plug.in.data() + need * 2, plug.pending * 2, plug.in.data());
+}
+
+View Graph::pullConverted(Channel& channel, std::uint32_t want) {
+    Plug& plug = *channel.audio.plug;
+    View view;
+    const Filled filled = fillConverted(channel, want);
+    view.ended = filled == Filled::ended;
+    if (filled != Filled::all) return view;
+    if (plug.drained) {
+        // It ends where its source does, not where the block does.
+        want =
+            static_cast<std::uint32_t>(std::min<std::uint64_t>(want, plug.resampler->framesBefore(plug.fed)));
+        plug.pending = plug.resampler->inputNeeded(want);
+    }
+    takeConverted(channel, want, true);
     view.data = plug.out.data();
     view.frames = want;
     view.own = true;

@@ -89,6 +89,8 @@ class TempoProcessor {
     }
 
     // ---- [any]
+    /// Anything but neutral is wanted, now or at the end of a slide.
+    bool wanted() const { return wanted_.load(std::memory_order_acquire); }
     /// Heard position in the source's frames; stretched it is exact to 10 ms.
     std::uint64_t sourceFrame() const { return heard_.load(std::memory_order_relaxed); }
     std::uint64_t underruns() const { return underruns_.load(std::memory_order_relaxed); }

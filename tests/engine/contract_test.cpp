@@ -171,6 +171,8 @@ TEST_F(Contract, LevelsAreThoseOfWhatWentOut) {
             .format = {rate, channels, 16}, .length = 441000, .sample = [](std::uint64_t f, std::uint32_t c) {
                 return sine(f, c == 0 ? 400 : 700, 44100, 0.1 + 0.8 * static_cast<double>(f / 900 % 10) / 10);
             }};
+        // Of another rate: the peaks of the file stand for those of the conversion, which overshoots at a jump.
+        const float near = *way == 'a' ? 0.15F : 1e-6F;
         const Topology studio;
         const DWORD source = file("waves");
         const DWORD jingle = studio.jingle(source);
@@ -205,8 +207,8 @@ TEST_F(Contract, LevelsAreThoseOfWhatWentOut) {
                         power += sample * sample;
                     }
                     ASSERT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, seconds, BASS_LEVEL_STEREO));
-                    ASSERT_GE(levels[side], peak - 1e-6F) << way << ", " << seconds << " s, turn " << turn;
-                    ASSERT_LE(levels[side], wider + 1e-6F) << way << ", " << seconds << " s, turn " << turn;
+                    ASSERT_GE(levels[side], peak - near) << way << ", " << seconds << " s, turn " << turn;
+                    ASSERT_LE(levels[side], wider + near) << way << ", " << seconds << " s, turn " << turn;
                     BASS_Mixer_ChannelGetLevelEx(jingle, levels, seconds, BASS_LEVEL_STEREO | BASS_LEVEL_RMS);
                     const auto rms = std::sqrt(power / static_cast<double>(window));
                     ASSERT_NEAR(levels[side], rms, 0.01 + grain * 0.9 / static_cast<double>(window))
