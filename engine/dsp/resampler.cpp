@@ -141,6 +141,12 @@ void Resampler::setCorrection(double ppm) {
     step_ += change >= 0 ? Fixed{0, size} : Fixed{~std::uint64_t{0}, ~size + 1};
 }
 
+void Resampler::glide(int direction) {
+    constexpr std::uint64_t size = (std::uint64_t{1} << 63) / (kGlideFrames / 2);
+    setCorrection(direction * 1e6 / kGlideFrames);
+    step_ = direction > 0 ? Fixed{1, size} : Fixed{0, ~size + 1};
+}
+
 void Resampler::reset() {
     at_ = {};
     fed_ = 0;

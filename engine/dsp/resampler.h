@@ -44,6 +44,10 @@ class Resampler {
     /// ppm faster. Takes effect with the next frame, without a jump in the sound. [audio]
     void setCorrection(double ppm);
     double correction() const { return correctionPpm_; }
+    /// Equal rates: gives one source frame more (above 0) or less in the next kGlideFrames output frames, spread
+    /// evenly; setCorrection(0) must follow then, and finds the frames themselves again. [audio]
+    void glide(int direction);
+    static constexpr std::size_t kGlideFrames = 2048;  ///< a power of two: 488 parts per million
 
     // ---- sounds of one rate and phase are converted together: their windows are added up, and the sum converted
     /// After reset(): begins less than a source frame later, in the phase of a converter that began `outFrames`

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kChunk = 256;       ///< frames made in one go
 constexpr double kLongestMs = 90;         ///< more distance than that is given up at once
-constexpr double kMostPpm = 480;          ///< 0.048 %: under what anyone hears
+constexpr double kMostPpm = 480;          ///< 0.048 %: under what anyone hears; a glide has 488
 constexpr double kAverageSeconds = 4;     ///< periods come in lumps; only their mean counts
 constexpr double kIntegralSeconds = 600;  ///< a lasting difference of the clocks is learnt in this time
 constexpr double kStepSlackMs = 50;       ///< in step: more than that ahead was not read for a while
@@ -53,7 +53,8 @@ void Bridge::clear() {
 
 void Bridge::beginAnew() {
     running_ = averaging_ = false;
-    watched_ = 0;
+    watched_ = debt_ = 0;
+    glideLeft_ = 0;
     resampler_.setCorrection(0);
     resampler_.reset();
 }
@@ -103,13 +104,14 @@ void Bridge::readCorrected(std::span<float> stereo) {
         watched_ = 0;
     }
     const double seconds = static_cast<double>(stereo.size() / 2) / options_.outRate;
-    follow(static_cast<double>(ring_.filled() / 2), seconds);
+    follow(static_cast<double>(ring_.filled() / 2), stereo.size() / 2);
     convert(stereo);
     learn(static_cast<double>(ring_.filled() / 2) / perMs(), seconds);
 }
 
 std::size_t Bridge::due(std::size_t frames) {
     resampler_.setCorrection(0);
+    glideLeft_ = 0;
     return resampler_.inputNeeded(frames);
 }
 
@@ -121,7 +123,8 @@ void Bridge::readOwn(std::span<float> stereo) {
 
 void Bridge::convert(std::span<float> stereo) {
     for (std::size_t done = 0; done < stereo.size();) {
-        const std::size_t frames = std::min(kChunk, (stereo.size() - done) / 2);
+        std::size_t frames = std::min(kChunk, (stereo.size() - done) / 2);
+        if (glideLeft_ > 0) frames = std::min(frames, glideLeft_);
         const std::size_t need = resampler_.inputNeeded(frames) * 2;
         const std::size_t got = ring_.read(in_.data(), std::min(need, in_.size()));
         if (got < need) {
@@ -134,11 +137,13 @@ void Bridge::convert(std::span<float> stereo) {
             running_ = false;
         }
         resampler_.process({in_.data(), need}, stereo.subspan(done, frames * 2));
+        if (glideLeft_ > 0 && (glideLeft_ -= frames) == 0) resampler_.setCorrection(0);
         done += frames * 2;
     }
 }
 
-void Bridge::follow(double distance, double seconds) {
+void Bridge::follow(double distance, std::size_t frames) {
+    const double seconds = static_cast<double>(frames) / options_.outRate;
     const double deviation = distance - target_ * perMs();
     if (!averaging_) {
         average_ = deviation;
@@ -148,7 +153,17 @@ void Bridge::follow(double distance, double seconds) {
     const double proportional = average_ / perMs() * options_.ppmPerMs;
     integral_ = std::clamp(integral_ + proportional * seconds / kIntegralSeconds, -kMostPpm, kMostPpm);
     const double ppm = std::clamp(proportional + integral_, -kMostPpm, kMostPpm);
-    resampler_.setCorrection(ppm);
+    if (options_.inRate != options_.outRate) {
+        resampler_.setCorrection(ppm);
+    } else {
+        // Most of the time equal rates pass the samples themselves; a frame is given or taken now and then.
+        debt_ += ppm * 1e-6 * static_cast<double>(frames);
+        if (glideLeft_ == 0 && std::abs(debt_) >= 1) {
+            resampler_.glide(debt_ > 0 ? 1 : -1);
+            debt_ -= debt_ > 0 ? 1 : -1;
+            glideLeft_ = dsp::Resampler::kGlideFrames;
+        }
+    }
     published_.store(ppm, std::memory_order_relaxed);
 }
 

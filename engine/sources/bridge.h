@@ -66,7 +66,7 @@ class Bridge {
     void readInStep(std::span<float> stereo);
     void readCorrected(std::span<float> stereo);
     void convert(std::span<float> stereo);
-    void follow(double distance, double seconds);
+    void follow(double distance, std::size_t frames);
     void learn(double spareMs, double seconds);
     void aimAt(double ms);
     double perMs() const { return options_.inRate * 0.001; }
@@ -87,6 +87,8 @@ class Bridge {
            calm_ = 0;                    // ms left at the worst moment of so many seconds; since when ample
     double average_ = 0, integral_ = 0;  // of the deviation, frames
     bool averaging_ = false;
+    double debt_ = 0;            // source frames by which equal rates are to be corrected
+    std::size_t glideLeft_ = 0;  // output frames in which that is being done
 };
 
 }  // namespace zv::engine
