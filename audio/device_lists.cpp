@@ -62,6 +62,29 @@ void settleById(OutputLists& lists) {
 
 }  // namespace
 
+OutputLists CurrentOutputs() {
+    OutputLists lists;
+    BASS_DEVICEINFO info{};
+    for (DWORD n = 1; BASS_GetDeviceInfo(n, &info); ++n) {
+        lists.main.emplace_back(info.name);
+        lists.aux.emplace_back(info.name);
+    }
+    lists.aux.push_back(Ln("sNoDevice"));
+    lists.mainSelected = Device[0] - 1;
+    lists.auxSelected = Device[1] == 0 ? static_cast<int>(lists.aux.size()) - 1 : Device[1] - 1;
+    lists.byName = settings.SavDevBy == kByName;
+    return lists;
+}
+
+InputLists CurrentInputs() {
+    InputLists lists;
+    BASS_DEVICEINFO info{};
+    for (DWORD n = 0; BASS_RecordGetDeviceInfo(n, &info); ++n) lists.inputs.emplace_back(info.name);
+    const bool there = settings.DeviceIn < static_cast<int>(lists.inputs.size());
+    lists.selected = there ? settings.DeviceIn : -1;
+    return lists;
+}
+
 void ListOutDev() {
     guarded("modDevices.ListOutDev", [] {
         DeviceId = {settings.Device, settings.DeviceAux};
@@ -88,9 +111,7 @@ void ListOutDev() {
 
 void ListInDev() {
     guarded("modDevices.ListInDev", [] {
-        InputNames.clear();
-        BASS_DEVICEINFO info{};
-        for (DWORD n = 0; BASS_RecordGetDeviceInfo(n, &info); ++n) InputNames.emplace_back(info.name);
+        InputNames = CurrentInputs().inputs;
         InputLists lists{InputNames, -1};
         const int last = static_cast<int>(InputNames.size()) - 1;
         if (last >= 0) {

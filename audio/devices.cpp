@@ -164,6 +164,12 @@ void FreeOutp(int output) {
     guarded("modDevices.FreeOutp", [&] { freeStream(OutSplit[at(output)]); });
 }
 
+void MoveOutput(int output, int device) {
+    FreeOutp(output);
+    Device[at(output)] = device;
+    bassini(output);
+}
+
 void FreeBASS() {
     guarded("modDevices.FreeBASS", [] {
         BASS_RecordSetDevice(static_cast<DWORD>(settings.DeviceIn == 0 ? kDefaultDevice : settings.DeviceIn));

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "audio/upcalls.h"
 #include "model/jingle.h"
 
 namespace zv {
@@ -45,6 +46,11 @@ void ListOutDev();
 void ListInDev();
 /// Channels of the main output; 2 while there is none.
 int OutputChannels();
+/// The outputs and inputs that are there now, with those in use selected. Nothing is settled anew.
+OutputLists CurrentOutputs();
+InputLists CurrentInputs();
+/// An output goes to another device while it sounds: what sounds goes on there. 0: no auxiliary output.
+void MoveOutput(int output, int device);
 /// Level of an output in percent, reached in `ms`; at once in the single topology, which has output 0 only.
 void SetOutputVolume(int output, int percent, int ms = 50);
 

@@ -140,7 +140,12 @@ at 14400 key Escape
 at 14600 key F3
 at 14700 set frmSearchJing.txtJSearch hour
 at 15300 shot frmSearchJing search.png
-at 15400 end
+at 15400 key Escape
+at 15500 press 24
+at 15600 key F2
+at 15800 click frmMixer.ckInputEnable
+at 16500 shot frmMixer mixer.png
+at 16600 end
 EOF
 perform manual
 home duck ""
@@ -164,7 +169,7 @@ OutJingle1=902405,90241C,902400,902415
 INI
 cat > "$work/surface.txt" <<EOF
 at 0 resize 1280 800
-at 0 key F2
+at 0 click frmMain.lblMIDIIcon
 at 200 shot frmMIDISettings midi-settings.png
 at 300 key Escape
 at 400 rclick b_Jingle(1)

@@ -11,6 +11,7 @@
 #include "audio/output_watch.h"
 #include "audio/upcalls.h"
 #include "midi/feedback.h"
+#include "model/actions.h"
 #include "model/state.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
@@ -185,10 +186,10 @@ void wireKeys() {
         }
     };
     onLeftPress(k.btMicTO, [] { guarded(".btMicTO_MouseDown", TalkOverTog); });
+    k.btSettings.onClick = [] { guarded(".btSettings_Click", [] { perform(Action::settings, 0, -1); }); };
     k.btStop.onMouseDown = btStop_MouseDown;
     k.btStop.onMouseUp = btStop_MouseUp;
     // The page of the surface is the first of the settings that there is.
-    k.btSettings.onClick = OpenMidiSettings;
     k.btExit.onMouseDown = btExit_MouseDown;
     k.btExit.onMouseUp = btExit_MouseUp;
     PaletteTab& t = frmMain().palettes;

@@ -447,7 +447,10 @@ void Player::expectValue(const Action& action) {
     }
     if (found != nullptr) {
         bool known = true;
-        is = property.empty() ? ownValue(*found) : propertyText(*found, property, known);
+        if (found->kind == ControlKind::window && property == "clipped")
+            is = shell::clippedTexts(*found);
+        else
+            is = property.empty() ? ownValue(*found) : propertyText(*found, property, known);
         if (!known) is.reset();
     }
     if (!is && program_.value) is = program_.value(nameOf(action));

@@ -55,6 +55,9 @@ class Recording {
         if (wanted <= file_.frames()) return;
         const std::uint64_t room = wanted - file_.frames();
         if (sound.size() / 2 > room) sound.resize(static_cast<std::size_t>(room) * 2);
+        // An output that was opened since the last call sent nothing before.
+        if (!opened_ && !sound.empty()) file_.writeSilence(room - sound.size() / 2);
+        opened_ = opened_ || !sound.empty();
         file_.write(sound);
         if (wanted > file_.frames()) file_.writeSilence(wanted - file_.frames());
     }
@@ -64,6 +67,7 @@ class Recording {
   private:
     const char* device_;
     std::uint32_t rate_ = kUsualRate;
+    bool opened_ = false;
     WavFile file_;
 };
 

@@ -130,17 +130,6 @@ struct TestForm {
     void shoot(const std::string& file) { grabWindow(window, file); }
 };
 
-/// Texts of the form that do not find room, joined by blanks.
-std::string clipped(TestForm& form) {
-    std::string out;
-    for (const Control* c : form.window.children()) {
-        RecordView* view = viewOf(*c);
-        if (view == nullptr || !view->widget.isVisible() || c->caption().empty()) continue;
-        if (!view->fallbackTip().isEmpty()) out += c->name + " ";
-    }
-    return out;
-}
-
 TEST(Forms, FitTheRoomThatTheScreenHasAndTellTheirPlaces) {
     struct Case {
         int width, height;
@@ -151,7 +140,7 @@ TEST(Forms, FitTheRoomThatTheScreenHasAndTellTheirPlaces) {
         const std::string room = std::to_string(c.width) + " x " + std::to_string(c.height);
         EXPECT_LE(px(form.window.width), c.width) << room;
         EXPECT_LE(px(form.window.height), c.height) << room;
-        EXPECT_EQ(clipped(form), "") << room;
+        EXPECT_EQ(clippedTexts(form.window), "") << room;
         // The foot stays, the key that Enter presses at the lower right; places are told in the records.
         EXPECT_EQ(form.btOK.left() + form.btOK.width(), form.window.width - twips(16)) << room;
         EXPECT_EQ(form.btOK.top() + form.btOK.height(), form.window.height - twips(16)) << room;
@@ -258,7 +247,7 @@ TEST(Forms, RowsGoWithTheirControlsAndTextsAskForRoom) {
     form.window.width = form.window.width + twips(1);
     flushChanged();
     deliverEvents();
-    EXPECT_EQ(clipped(form), "");
+    EXPECT_EQ(clippedTexts(form.window), "");
 }
 
 }  // namespace

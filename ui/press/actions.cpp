@@ -29,8 +29,8 @@
 #include "ui/records/timers.h"
 #include "ui/screen/layout.h"
 #include "ui/screen/layout_strip.h"
+#include "ui/settings/mixer_window.h"
 #include "ui/windows/console_window.h"
-#include "ui/windows/midi_settings_window.h"
 #include "ui/windows/shortcuts_window.h"
 
 namespace zv {
@@ -143,7 +143,8 @@ bool act(Action action, int argument, int velocity) {
             JingSearch();
             return true;
         case Action::settings:
-            OpenMidiSettings();
+            // The devices, until the window of all settings leads there.
+            OpenMixer();
             return true;
         case Action::play:
         case Action::press:

@@ -124,6 +124,7 @@ void FormWindow::fillTexts() {
             text.record->caption = words;
         }
     }
+    if (onTexts) onTexts();
     const Form& form = *window.form;
     if (form.pager == nullptr) return;
     std::vector<std::string> names;

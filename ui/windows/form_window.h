@@ -55,7 +55,8 @@ class FormWindow {
 
     std::function<void(KeyEvent&)> onKey;  ///< keys that Enter, Escape and the focused control leave
     std::function<void()> onClosed;
-    bool alwaysCentred = false;  ///< opens in the middle each time instead of where it was left
+    std::function<void()> onTexts;  ///< after all texts were set, for those that are no key of the language
+    bool alwaysCentred = false;     ///< opens in the middle each time instead of where it was left
 
   private:
     struct Text {

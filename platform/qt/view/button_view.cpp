@@ -65,6 +65,10 @@ class KeyWidget final : public QPushButton, public RecordView {
 
     QString fallbackTip() const override { return cut_ ? captionOf(record.caption) : QString(); }
 
+    bool clipped() const override {
+        return inForm(record) && sizeHint().width() - kKeyMargins > width() - 10;
+    }
+
     QSize sizeHint() const override {
         if (!inForm(record)) return QPushButton::sizeHint();
         const double width = QFontMetricsF(fontOf(record, kKeySize, QFont::DemiBold))
@@ -157,6 +161,8 @@ class TickWidget final : public Widget, public RecordView {
         Widget::setPalette(p);
         Widget::setChecked(record.value() != 0);
     }
+
+    bool clipped() const override { return sizeHint().width() > Widget::width() + 1; }
 
     QSize sizeHint() const override {
         if (!record.segmented) return Widget::sizeHint();

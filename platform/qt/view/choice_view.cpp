@@ -4,6 +4,7 @@
 #include <QFontMetricsF>
 #include <QHBoxLayout>
 #include <QPainter>
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -83,6 +84,11 @@ class ChoiceWidget final : public QWidget, public RecordView {
         }
         setFocusProxy(keys_.empty() ? nullptr : keys_[0]);
         update();
+    }
+
+    bool clipped() const override {
+        return std::ranges::any_of(
+            keys_, [](const ChoiceKey* k) { return k->isVisible() && k->width() < k->sizeHint().width(); });
     }
 
     bool choose(int row) {

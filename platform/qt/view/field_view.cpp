@@ -150,6 +150,10 @@ class ComboWidget final : public QComboBox, public RecordView {
         relayEvents(*this, *this);
     }
 
+    bool clipped() const override {
+        return inForm(record) && fontMetrics().horizontalAdvance(currentText()) > width() - 37;
+    }
+
     void apply() override {
         const QSignalBlocker quiet(this);
         setFont(fontOf(record, kFieldSize));

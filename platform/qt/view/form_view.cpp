@@ -446,6 +446,7 @@ void FormView::refresh() {
             });
         if (row.widget->isHidden() != seen) continue;
         row.widget->setVisible(seen);
+        refit_ = window_.isVisible();
         writeBackSoon();
     }
     alignLabels();
@@ -472,6 +473,7 @@ void FormView::settle() {
 }
 
 QSize FormView::fit(QSize most) {
+    most_ = most;
     refresh();
     for (QBoxLayout* beside : beside_) beside->setDirection(QBoxLayout::LeftToRight);
     QLayout& root = *window_.layout();
@@ -485,6 +487,7 @@ QSize FormView::fit(QSize most) {
     for (QWidget* label : wrapping_) label->setMinimumHeight(0);
     settle();
     QSize size = root.sizeHint().expandedTo(QSize(form_.width, form_.height)).boundedTo(most);
+    const int bare = size.width();
     // Texts that take lines need to know their width first; a scroll bar takes some of it.
     window_.setMinimumSize(0, 0);
     for (int pass = 0; pass < 2; ++pass) {
@@ -494,8 +497,7 @@ QSize FormView::fit(QSize most) {
         settle();
         const int high =
             form_.height > 0 ? std::max(root.minimumSize().height(), form_.height) : root.sizeHint().height();
-        if (high > most.height() && size.height() < most.height() && form_.width == 0)
-            size.setWidth(std::min(size.width() + bar, most.width()));
+        if (high > most.height()) size.setWidth(std::min(bare + bar, most.width()));
         size.setHeight(std::min(high, most.height()));
     }
     window_.setMinimumSize(std::min(root.minimumSize().width() + bar, size.width()),
@@ -507,6 +509,13 @@ QSize FormView::fit(QSize most) {
 
 void FormView::writeBack() {
     queued_ = false;
+    // Rows that came need their room: the window grows by them, as far as it may.
+    if (std::exchange(refit_, false)) {
+        const QSize before = window_.size();
+        const QSize needed = fit(most_);
+        window_.resize(needed.expandedTo(before));
+        settle();
+    }
     window_.layout()->activate();
     for (QWidget* w : window_.findChildren<QWidget*>()) {
         if (w->layout() != nullptr) w->layout()->activate();

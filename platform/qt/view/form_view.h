@@ -65,7 +65,9 @@ class FormView final : public QObject {
     std::vector<Row> rows_;
     std::vector<Column> columns_;
     std::vector<QWidget*> wrapping_;
+    QSize most_;  ///< of the window, as it was laid out first
     bool queued_ = false;
+    bool refit_ = false;  ///< rows came or went
 };
 
 }  // namespace zv::shell

@@ -51,6 +51,19 @@ class PlainWidget final : public QWidget, public RecordView {
                     std::ceil(QFontMetricsF(labelFont()).height() * static_cast<double>(lines.size())))};
     }
 
+    bool clipped() const override {
+        if (record.kind != ControlKind::label || record.caption().empty()) return false;
+        const QString text = captionOf(record.caption);
+        const QFontMetrics m(labelFont());
+        if (height() < m.height() * 1.9)
+            return figuresWidth(labelFont(), text) > width() + 1 || height() < m.ascent();
+        return m.boundingRect(QRect(0, 0, width(), 10000), Qt::TextWordWrap, text).height() > height() + 2;
+    }
+
+    QSize minimumSizeHint() const override {
+        return inForm(record) ? sizeHint() : QWidget::minimumSizeHint();
+    }
+
     QString fallbackTip() const override { return cut_ ? captionOf(record.caption) : QString(); }
 
   protected:

@@ -7,6 +7,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPointingDevice>
+#include <QScrollArea>
 #include <QTouchEvent>
 #include <QUrl>
 #include <QWindow>
@@ -42,6 +43,10 @@ Target targetOf(Control& control, Place place) {
     deliverEvents();
     QWidget* widget = widgetOf(control);
     if (widget == nullptr || !isShown(control) || !control.enabled() || !widget->isEnabled()) return {};
+    // What is scrolled away is scrolled to, as a hand would.
+    for (QWidget* above = widget->parentWidget(); above != nullptr; above = above->parentWidget()) {
+        if (auto* area = qobject_cast<QScrollArea*>(above)) area->ensureWidgetVisible(widget);
+    }
     QRect area = widget->rect();
     if (RecordView* view = viewOf(control); view == nullptr || &view->widget != widget) {
         const Control* top = recordOf(widget);

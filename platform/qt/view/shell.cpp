@@ -45,7 +45,7 @@ QtMessageHandler nextHandler = nullptr;
 
 /// What the off-screen platform says at each start and nobody can mend is not worth a line; all else goes on.
 void tellAllButTheUsual(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-    const bool usual = text.startsWith(QLatin1String("This plugin does not support raise()")) ||
+    const bool usual = text.startsWith(QLatin1String("This plugin does not support")) ||
                        text.contains(QLatin1String("XDG_RUNTIME_DIR not set"));
     if (!usual && nextHandler != nullptr) nextHandler(type, context, text);
 }
@@ -118,6 +118,19 @@ void deliverEvents() {
     if (!application()) return;
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
+}
+
+std::string clippedTexts(const Control& window) {
+    flushChanged();
+    deliverEvents();
+    std::string names;
+    for (const Control* record : window.children()) {
+        const RecordView* view = viewOf(*record);
+        if (view == nullptr || !view->widget.isVisible() || !view->clipped()) continue;
+        names += (names.empty() ? "" : " ") + record->name;
+        if (record->index >= 0) names += "(" + std::to_string(record->index) + ")";
+    }
+    return names;
 }
 
 bool isShown(const Control& control) {

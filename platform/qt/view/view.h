@@ -48,6 +48,8 @@ class RecordView {
     virtual void advance(std::int64_t) {}
     /// The tool tip while the record has none: the whole of a text that was cut.
     virtual QString fallbackTip() const { return {}; }
+    /// True when a text of it does not find its room.
+    virtual bool clipped() const { return false; }
     /// The user works the control by keyboard or through a screen reader.
     virtual void press();
 

@@ -1,0 +1,115 @@
+#include "ui/settings/mixer_controls.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "audio/levels.h"
+
+namespace zv {
+
+namespace {
+
+constexpr int kMeterWidth = 88, kWidth = 940;  // pixels
+constexpr int kFull = 100, kPercentStep = 5;
+
+FormRow levelRow(Control& label, Control& slider, Control& value, const char* tip) {
+    return {.label = label, .cells = {{.control = &slider, .tip = tip, .unit = value}}};
+}
+
+}  // namespace
+
+/// What there is of each output: one of an array for the main and one for the auxiliary.
+void MixerWindow::makePairs() {
+    for (int i = 0; i < 2; ++i) {
+        const auto at = static_cast<std::size_t>(i);
+        const auto made = [&](const char* name, ControlKind kind) {
+            return &form.control(name, kind, {}, i);
+        };
+        lblDevice[at] = made("lblDevice", ControlKind::label);
+        cmbDev[at] = made("cmbDev", ControlKind::comboBox);
+        VuOut[at] = made("VuOut", ControlKind::meter);
+        SlideVolDevice[at] = made("SlideVolDevice", ControlKind::slider);
+        lblVolDeviceVal[at] = made("lblVolDeviceVal", ControlKind::label);
+        optDevBy[at] = made("optDevBy", ControlKind::option);
+        lblVolIn[at] = made("lblVolIn", ControlKind::label);
+        SlideVolIn[at] = made("SlideVolIn", ControlKind::slider);
+        lblVolInVal[at] = made("lblVolInVal", ControlKind::label);
+        optDevBy[at]->segmented = true;
+        for (Control* slider : {SlideVolDevice[at], SlideVolIn[at]}) slider->standard = kFull;
+    }
+}
+
+MixerWindow::MixerWindow() {
+    makePairs();
+    MeterLook look;
+    look.vertical = false;
+    for (Control* meter : {VuOut[0], VuOut[1], &VuIn}) {
+        meter->meterLook = look;
+        meter->maximum = kMeterMax;
+    }
+    for (Control* percent : {SlideVolDevice[0], SlideVolDevice[1], SlideVolIn[0], SlideVolIn[1],
+                             &SlideAttnVol, &SlideTOThresh}) {
+        percent->maximum = kFull;
+        percent->step = kPercentStep;
+    }
+    cmbAutoDuckMode.segmented = true;
+    cmbAutoDuckMode.items = std::vector<std::string>(3);
+
+    FormCard outputs{.title = "mixFrmOutputs"};
+    for (std::size_t i = 0; i < 2; ++i) {
+        outputs.rows.push_back(
+            {.label = *lblDevice[i],
+             .cells = {{.control = cmbDev[i], .tip = "mixDeviceTip", .width = kRestOfRow}}});
+        outputs.rows.push_back(
+            {.label = i == 0 ? FormText("mixLblVol")
+                             : FormText(form.control("lblVolAux", ControlKind::label, "mixLblVol")),
+             .cells = {{.control = SlideVolDevice[i], .tip = "mixVolTip", .unit = *lblVolDeviceVal[i]},
+                       {.control = VuOut[i], .width = kMeterWidth}}});
+    }
+    const FormCard memory{
+        .rows = {{.label = "mixLblSavDevBy",
+                  .cells = {{optDevBy[0], "mixByNumberTip"}, {optDevBy[1], "mixByNameTip"}}},
+                 {.label = "mixfrmMixerFreq", .cells = {{&cmbFreq, "mixFreqTip"}}},
+                 {.cells = {{&ckDeviceSingle, "mixSingleTip"}}},
+                 {.cells = {{.control = &lblFreqChg, .width = kRestOfRow}}}}};
+    FormCard microphone{
+        .title = "mixFrmInput",
+        .rows = {{.cells = {{&ckInputEnable, "mixInputTip"}}},
+                 {.label = "mixLblDeviceIn",
+                  .cells = {{.control = &cmbInDev, .tip = "mixDeviceInTip", .width = kRestOfRow}}},
+                 {.label = "mixLblLevel", .cells = {{.control = &VuIn, .width = kRestOfRow}}},
+                 levelRow(*lblVolIn[0], *SlideVolIn[0], *lblVolInVal[0], "mixVolInTip"),
+                 levelRow(*lblVolIn[1], *SlideVolIn[1], *lblVolInVal[1], "mixVolInTip"),
+                 {.cells = {{&ckVolInLink, "mixLinkTip"}}}}};
+    const FormCard talkOver{
+        .title = "mixLblTalkOver",
+        .rows = {{.label = "mixLblTOThreshold",
+                  .cells = {{.control = &SlideTOThresh, .tip = "mixTOThresholdTip", .unit = lblThreshVal}}},
+                 {.label = "mixLblTORelease",
+                  .cells = {{.control = &SlideTORelease, .tip = "mixTOReleaseTip", .unit = lblReleaseVal}}}}};
+    const FormCard duck{
+        .title = "mixFrmAutoDuck",
+        .rows = {{.label = "mixLblAutoDuckMode", .cells = {{&cmbAutoDuckMode, "mixModeTip"}}},
+                 levelRow(lblFadeInAdvance, SlideFadeInAdvance, lblFadeInAdvanceVal, "mixAdvanceTip")}};
+    const FormCard other{
+        .title = "mixlblOtherSources",
+        .rows = {{.label = "mixLblAttn",
+                  .cells = {{.control = &SlideAttnVol, .tip = "mixAttnTip", .unit = lblAttnVal}}},
+                 {.label = "mixLblFadeOutSpeed",
+                  .cells = {{.control = &SlideFadeOutSpeed, .tip = "mixFadeOutTip", .unit = lblOutVal}}},
+                 {.label = "mixLblFadeInSpeed",
+                  .cells = {{.control = &SlideFadeInSpeed, .tip = "mixFadeInTip", .unit = lblInVal}}}}};
+    form.describe({.blocks = {{outputs, microphone}, {duck, other}, {talkOver, memory}},
+                   .note = "mixNote",
+                   .keysLeft = {{.control = &btMIDI, .tip = "mixbtMIDITip"}},
+                   .keys = {{.control = &btOk, .tip = "mixbtOkTip", .role = KeyRole::accept}},
+                   .width = kWidth});
+}
+
+MixerWindow& frmMixer() {
+    static MixerWindow window;
+    return window;
+}
+
+}  // namespace zv

@@ -1,0 +1,160 @@
+#include "ui/settings/mixer_devices.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "audio/devices.h"
+#include "platform/desktop.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "ui/records/timers.h"
+#include "ui/screen/layout.h"
+#include "ui/settings/mixer_controls.h"
+
+namespace zv {
+
+namespace {
+
+constexpr const char* kTitle = "Zentrova";
+constexpr const char* kByNumber = "ID";
+constexpr const char* kByName = "Name";
+constexpr std::array<const char*, 5> kRates{"11025 Hz", "22050 Hz", "44100 Hz", "48000 Hz", "96000 Hz"};
+constexpr std::size_t kRateDigits = 5;
+
+bool byName() { return settings.SavDevBy == kByName; }
+
+int lastOf(const Control& list) { return static_cast<int>(list.items().size()) - 1; }
+
+/// The row of an output's device: the last of the auxiliary list means none.
+int rowOfDevice(int output) {
+    const MixerWindow& m = frmMixer();
+    const auto at = static_cast<std::size_t>(output);
+    return Device[at] == 0 ? lastOf(*m.cmbDev[at]) : Device[at] - 1;
+}
+
+void tellRestart() {
+    messageBox(frmMixer().lblFreqChg.caption(), kTitle, BoxKind::information, BoxButtons::ok);
+}
+
+/// The line in the window that reminds of it.
+void showPending() {
+    MixerWindow& m = frmMixer();
+    m.lblFreqChg.visible =
+        settings.DeviceSinglePending != settings.DeviceSingle || settings.MixerFreq != MixerFreqAtStart;
+}
+
+void rememberOutputs() {
+    MixerWindow& m = frmMixer();
+    if (byName()) {
+        settings.DeviceName = m.cmbDev[0]->text();
+        settings.DeviceAuxName = Device[1] == 0 ? std::string() : m.cmbDev[1]->text();
+        return;
+    }
+    DeviceId = Device;
+    settings.Device = Device[0];
+    settings.DeviceAux = Device[1];
+}
+
+/// Two outputs never share a device: the list that was moved goes back.
+bool refused(int output) {
+    MixerWindow& m = frmMixer();
+    if (m.cmbDev[0]->listIndex() != m.cmbDev[1]->listIndex()) return false;
+    Control& moved = *m.cmbDev[static_cast<std::size_t>(output)];
+    messageBox(Ln("sSameDevices") + " " + moved.text(), kTitle, BoxKind::information, BoxButtons::ok);
+    moved.listIndex = rowOfDevice(output);
+    if (m.cmbDev[0]->listIndex() == m.cmbDev[1]->listIndex()) m.cmbDev[1]->listIndex = lastOf(*m.cmbDev[1]);
+    return true;
+}
+
+}  // namespace
+
+void FillDeviceLists() {
+    MixerWindow& m = frmMixer();
+    const OutputLists outputs = CurrentOutputs();
+    m.cmbDev[0]->items = outputs.main;
+    m.cmbDev[1]->items = outputs.aux;
+    m.cmbDev[0]->listIndex = outputs.mainSelected;
+    m.cmbDev[1]->listIndex = outputs.auxSelected;
+    m.optDevBy[0]->value = outputs.byName ? 0 : 1;
+    m.optDevBy[1]->value = outputs.byName ? 1 : 0;
+    const InputLists inputs = CurrentInputs();
+    m.cmbInDev.items = inputs.inputs;
+    m.cmbInDev.listIndex = inputs.selected;
+    m.ckInputEnable.value = settings.InputEnabled;
+    m.ckDeviceSingle.value = settings.DeviceSinglePending;
+    m.cmbFreq.items = std::vector<std::string>(kRates.begin(), kRates.end());
+    m.cmbFreq.listIndex = -1;
+    for (std::size_t i = 0; i < kRates.size(); ++i) {
+        if (std::atoi(kRates[i]) == settings.MixerFreq) m.cmbFreq.listIndex = static_cast<int>(i);
+    }
+    showPending();
+}
+
+void OutputChosen(int output) {
+    MixerWindow& m = frmMixer();
+    if (!m.form.isOpen()) return;
+    if (settings.DeviceSingle != 0) {
+        settings.Device = m.cmbDev[0]->listIndex() + 1;
+        settings.DeviceName = m.cmbDev[0]->text();
+        tellRestart();
+        return;
+    }
+    if (refused(output)) return;
+    const Control& list = *m.cmbDev[static_cast<std::size_t>(output)];
+    const bool none = output == 1 && list.listIndex() == lastOf(list);
+    MoveOutput(output, none ? 0 : list.listIndex() + 1);
+    rememberOutputs();
+    FormDraw("init");
+}
+
+void InputChosen() {
+    MixerWindow& m = frmMixer();
+    if (!m.form.isOpen()) return;
+    settings.DeviceIn = m.cmbInDev.listIndex();
+    settings.DeviceInName = m.cmbInDev.text();
+    CloseMic();
+    OpenMic();
+}
+
+void InputSwitched() {
+    MixerWindow& m = frmMixer();
+    settings.InputEnabled = m.ckInputEnable.value;
+    if (settings.InputEnabled == 1) {
+        OpenMic();
+    } else {
+        CloseMic();
+        timers().TimerTOrelease.setInterval(settings.InTORelease);
+        timers().TimerTOrelease.restart();
+    }
+    ShowInputControls();
+    FormDraw("init");
+}
+
+void ShowInputControls() {
+    MixerWindow& m = frmMixer();
+    const bool seen = settings.DeviceSingle == 0 && settings.InputEnabled == 1;
+    for (Control* c : {&m.cmbInDev, &m.VuIn, m.SlideVolIn[0], m.SlideVolIn[1], &m.ckVolInLink})
+        c->visible = seen;
+}
+
+void RememberBy(int how) {
+    settings.SavDevBy = how == 0 ? kByNumber : kByName;
+    rememberOutputs();
+}
+
+void TopologyChosen() {
+    settings.DeviceSinglePending = frmMixer().ckDeviceSingle.value;
+    showPending();
+    if (settings.DeviceSinglePending != settings.DeviceSingle) tellRestart();
+}
+
+void RateChosen() {
+    settings.MixerFreq = std::atoi(frmMixer().cmbFreq.text().substr(0, kRateDigits).c_str());
+    showPending();
+    if (settings.MixerFreq != MixerFreqAtStart) tellRestart();
+}
+
+}  // namespace zv
