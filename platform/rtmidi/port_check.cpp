@@ -3,6 +3,7 @@
 #include <alsa/asoundlib.h>
 #include <jack/jack.h>
 
+#include <atomic>
 #include <memory>
 #include <string_view>
 
@@ -41,14 +42,36 @@ bool findPort(snd_seq_t* sequencer, const std::string& client, const std::string
     return false;
 }
 
+/// One client for all questions, as long as the system answers.
+snd_seq_t* sequencer() {
+    static std::unique_ptr<snd_seq_t, CloseSequencer> kept;
+    if (kept == nullptr) {
+        snd_seq_t* opened = nullptr;
+        if (snd_seq_open(&opened, "default", SND_SEQ_OPEN_DUPLEX, SND_SEQ_NONBLOCK) >= 0) kept.reset(opened);
+    }
+    return kept.get();
+}
+
+/// The same for JACK; one whose server has gone is made anew.
+jack_client_t* askingClient(const std::string& client) {
+    static std::atomic<bool> gone{false};
+    static std::unique_ptr<jack_client_t, CloseClient> kept;
+    if (gone.exchange(false)) kept.reset();
+    if (kept == nullptr) {
+        kept.reset(jack_client_open((client + "-check").c_str(), JackNoStartServer, nullptr));
+        if (kept != nullptr)
+            jack_on_shutdown(
+                kept.get(), [](void* flag) { static_cast<std::atomic<bool>*>(flag)->store(true); }, &gone);
+    }
+    return kept.get();
+}
+
 }  // namespace
 
 bool alsaPortConnected(const std::string& client, const std::string& port, bool input) {
-    snd_seq_t* opened = nullptr;
-    if (snd_seq_open(&opened, "default", SND_SEQ_OPEN_DUPLEX, SND_SEQ_NONBLOCK) < 0) return true;
-    const std::unique_ptr<snd_seq_t, CloseSequencer> sequencer(opened);
+    snd_seq_t* opened = sequencer();
     snd_seq_addr_t address{};
-    if (!findPort(opened, client, port, address)) return true;
+    if (opened == nullptr || !findPort(opened, client, port, address)) return true;
     snd_seq_query_subscribe_t* subscribers = nullptr;
     snd_seq_query_subscribe_alloca(&subscribers);
     snd_seq_query_subscribe_set_root(subscribers, &address);
@@ -58,14 +81,12 @@ bool alsaPortConnected(const std::string& client, const std::string& port, bool 
 }
 
 bool jackPortConnected(const std::string& client, const std::string& port) {
-    const std::unique_ptr<jack_client_t, CloseClient> asking(
-        jack_client_open((client + "-check").c_str(), JackNoStartServer, nullptr));
+    jack_client_t* asking = askingClient(client);
     if (asking == nullptr) return false;  // the server has gone with the device
-    const Ports ports(jack_get_ports(asking.get(), (":" + port + "$").c_str(), nullptr, 0));
+    const Ports ports(jack_get_ports(asking, (":" + port + "$").c_str(), nullptr, 0));
     for (std::size_t i = 0; ports != nullptr && ports[i] != nullptr; ++i) {
         if (!std::string_view(ports[i]).starts_with(client)) continue;
-        const Ports others(
-            jack_port_get_all_connections(asking.get(), jack_port_by_name(asking.get(), ports[i])));
+        const Ports others(jack_port_get_all_connections(asking, jack_port_by_name(asking, ports[i])));
         return others != nullptr;
     }
     return false;  // a server that was started anew does not know our port

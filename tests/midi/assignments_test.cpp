@@ -175,6 +175,11 @@ TEST_F(SurfaceTest, WhileAWindowLearnsNothingPlays) {
     pass(300);
     EXPECT_TRUE(heard().silent(0, 10'000));
     EXPECT_EQ(w.lstMidiInDump.items(), (std::vector<std::string>{"90 10 64"}));
+    for (const char* key : {"ckAutoRep", "ckTouch", "ckAutoMix"}) {
+        findControl(key)->onMouseDown({});
+        findControl(key)->onMouseUp({});
+    }
+    EXPECT_EQ(ToggleAutoRep + ToggleTouch + settings.AutoMix, 0) << "commands rest while a control is learnt";
     // Cancel leaves everything as it was.
     send("904000");
     MIDILearn.rows[0] = {"90", "00", "00"};

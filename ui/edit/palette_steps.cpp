@@ -168,7 +168,7 @@ void lstpal_KeyDown(KeyEvent& event) {
 
 void evbtUp() {
     guarded("frmMain.evbtUp", [] {
-        if (step(-1)) {
+        if (!MIDILearnActive && step(-1)) {
             stepped();
         }
     });
@@ -176,7 +176,7 @@ void evbtUp() {
 
 void evBtDn() {
     guarded("frmMain.evBtDn", [] {
-        if (step(1)) {
+        if (!MIDILearnActive && step(1)) {
             stepped();
         }
     });

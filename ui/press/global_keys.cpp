@@ -30,6 +30,9 @@ void keepToggles() {
 
 void CkAutoRepTog() {
     guarded("frmMain.CkAutoRepTog", [] {
+        if (MIDILearnActive) {
+            return;
+        }
         LastCtrl = "CkAutoRep";
         ToggleAutoRep = ToggleAutoRep == 1 ? 0 : 1;
         const bool other = ToggleAutoRep == 1 && ToggleTouch == 1;
@@ -46,6 +49,9 @@ void CkAutoRepTog() {
 
 void CkTouchTog() {
     guarded("frmMain.CkTouchTog", [] {
+        if (MIDILearnActive) {
+            return;
+        }
         LastCtrl = "CkTouch";
         ToggleTouch = ToggleTouch == 1 ? 0 : 1;
         const bool other = ToggleTouch == 1 && ToggleAutoRep == 1;

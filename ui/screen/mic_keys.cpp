@@ -34,7 +34,7 @@ void TimerTOreleaseTick() {
         timers().TimerTOrelease.stop();
         if (TalkOverOn) {
             Arm(frmMain().keys.btMicTO, settings.toColor);
-            LampOfTalkOver(true);
+            LampOfTalkOver(true, false);  // the fixed output has it on already
         }
         InputIsOff();
     });
