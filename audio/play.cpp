@@ -91,11 +91,7 @@ void start(int index, int velocity) {
         j.FadeSync = 0;
     }
     BASS_ChannelPlay(j.hPlay, false);
-    HSYNC& stopPosSync = stopPosSyncs[static_cast<std::size_t>(index)];
-    if (stopPosSync != 0) BASS_ChannelRemoveSync(j.hPlay, stopPosSync);
-    stopPosSync = j.StopPos == 0 ? 0
-                                 : BASS_ChannelSetSync(j.hPlay, BASS_SYNC_POS | BASS_SYNC_ONETIME,
-                                                       BytePosition(j.StopPos), &FadeOutSync, nullptr);
+    ArmStopSync(index);
     trace(index, " clPlay ");
     callUp(audioUpcalls.playStarting, index);
     if (BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_STOPPED) {
@@ -185,6 +181,15 @@ void pressWhilePlaying(int index, int velocity) {
 }
 
 }  // namespace
+
+void ArmStopSync(int index) {
+    const JingleRecord& j = Jingle(index);
+    HSYNC& stopPosSync = stopPosSyncs[static_cast<std::size_t>(index)];
+    if (stopPosSync != 0) BASS_ChannelRemoveSync(j.hPlay, stopPosSync);
+    stopPosSync = j.StopPos == 0 ? 0
+                                 : BASS_ChannelSetSync(j.hPlay, BASS_SYNC_POS | BASS_SYNC_ONETIME,
+                                                       BytePosition(j.StopPos), &FadeOutSync, nullptr);
+}
 
 void clPlay(int index, int velocity) {
     guarded("modClick.clPlay", [&] {

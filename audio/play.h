@@ -17,6 +17,8 @@ void clTouchStop(int index);
 /// Stops all live jingles at once, without fade, and what else sounds. Nothing while controls are learnt.
 /// [control]
 void evStop();
+/// The jingle fades where StopPos says so now, and at no former place. [control]
+void ArmStopSync(int index);
 
 // Called by the engine on its dispatcher. [sync]
 void FadeOutSync(HSYNC handle, DWORD channel, DWORD data, void* user);

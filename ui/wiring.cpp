@@ -25,6 +25,7 @@
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/history.h"
+#include "ui/edit/jingle_editor.h"
 #include "ui/edit/jingle_menu.h"
 #include "ui/edit/leave_palette.h"
 #include "ui/edit/options.h"
@@ -281,7 +282,7 @@ void disableWhatIsToCome() {
     LiveTab& l = w.live;
     for (Control* c : {&a.ckTmAnn, &a.b_tmAnJin, &a.b_tmAnJinAM, &a.DTMinute, &a.DTSecond, &a.DTDelay,
                        &l.cmbStream, &l.ckPlayStream, &l.btRemUrl, &l.ckMixByTa, &l.ckAutoDuckLive,
-                       &l.SlideVolLive, &l.btCoefVolLive, &w.options.ckFXI}) {
+                       &l.SlideVolLive, &l.btCoefVolLive}) {
         c->enabled = false;
     }
     w.palettes.txtSave.enabled = false;
@@ -371,6 +372,7 @@ bool Form_QueryUnload(int reason) {
             cancel = false;
         }
         if (!cancel) {
+            OKfx();
             LeaveForGood();
             settings.ActiveTab = ActiveTab;
             SaveZVini();

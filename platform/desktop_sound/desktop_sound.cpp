@@ -1,4 +1,5 @@
 #include "platform/desktop_sound/desktop_sound.h"
+#include "platform/decoders.h"
 
 #include "platform/file_decoders/file_decoders.h"
 #include "platform/pulse/pulse_devices.h"
@@ -34,7 +35,10 @@ std::shared_ptr<engine::DeviceSource> desktopDevices() {
     return devices;
 }
 
-engine::EnginePorts soundPorts() { return {makeFileDecoders(), soundTouchStretchers(), desktopDevices()}; }
+engine::EnginePorts soundPorts() {
+    soundDecoders = makeFileDecoders();
+    return {soundDecoders, soundTouchStretchers(), desktopDevices()};
+}
 
 bool soundOutputsThere() {
     if (given() == nullptr) return false;

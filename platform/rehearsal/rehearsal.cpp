@@ -10,6 +10,7 @@
 
 #include "platform/clock.h"
 #include "platform/controls.h"
+#include "platform/decoders.h"
 #include "platform/paths.h"
 #include "platform/qt/view/shell.h"
 #include "platform/rehearsal/json.h"
@@ -124,7 +125,8 @@ bool writeState(const RehearsalOptions& options, const RehearsedProgram& program
 }  // namespace
 
 engine::EnginePorts soundPorts() {
-    return {makeRehearsedDecoders(), soundTouchStretchers(), Stage::instance().devices};
+    soundDecoders = makeRehearsedDecoders();
+    return {soundDecoders, soundTouchStretchers(), Stage::instance().devices};
 }
 
 bool soundOutputsThere() { return !Stage::instance().devices->outputs().empty(); }

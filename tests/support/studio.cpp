@@ -15,6 +15,7 @@
 #include "model/state.h"
 #include "model/upcalls.h"
 #include "platform/clock.h"
+#include "platform/decoders.h"
 #include "platform/file_decoders/file_decoders.h"
 #include "platform/paths.h"
 #include "platform/rehearsal/virtual_clock.h"
@@ -174,7 +175,8 @@ std::shared_ptr<OfflineDevices> studioDevices;
 
 StudioTest::StudioTest(OfflineOptions given) : options(std::move(given)) {
     devices = makeOfflineDevices(options);
-    engine::engineControl()->install({makeFileDecoders(), soundTouchStretchers(), devices});
+    soundDecoders = makeFileDecoders();
+    engine::engineControl()->install({soundDecoders, soundTouchStretchers(), devices});
     VirtualClock::instance().alignToPeriod();
     studioDevices = devices;
     VirtualClock::instance().drive(devices);

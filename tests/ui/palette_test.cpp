@@ -384,10 +384,10 @@ TEST_F(PaletteTest, theMenuOffersWhatFitsTheButton) {
     std::filesystem::create_directories(settings.SampleDir);
     EXPECT_EQ(offered(20), "Ass ASDir ");
     EXPECT_EQ(offered(0),
-              "Ass Clr Copy Cut Rename Col Loop Seq AutoRep Touch PlayStop NoStop FX! JPath ASDir ");
+              "Ass Clr Copy Cut Rename Col Loop Seq AutoRep Touch PlayStop NoStop FX JPath ASDir ");
     rec(0).Seq = 1;
     EXPECT_EQ(offered(0),
-              "Ass Clr Copy Cut Rename Col Loop Seq AutoRep! Touch! PlayStop! NoStop! FX! JPath ASDir ");
+              "Ass Clr Copy Cut Rename Col Loop Seq AutoRep! Touch! PlayStop! NoStop! FX JPath ASDir ");
     rec(1).MissingFile = true;
     EXPECT_EQ(offered(1), "Ass Clr Reloc ASDir ");
     desktop().menuChoice = "mnuLoop";

@@ -6,6 +6,7 @@
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
+#include "ui/edit/jingle_editor.h"
 #include "ui/edit/remove.h"
 #include "ui/edit/save_dialogue.h"
 #include "ui/edit/selection.h"
@@ -56,6 +57,7 @@ WindowTest::WindowTest() {
 }
 
 WindowTest::~WindowTest() {
+    OKfx();
     StopTimers();
     for (int i = 0; i < kJingles; ++i) {
         ClearButton(i);

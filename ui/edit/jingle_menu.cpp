@@ -17,6 +17,7 @@
 #include "startup/settings.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
+#include "ui/edit/jingle_editor.h"
 #include "ui/edit/move.h"
 #include "ui/edit/options.h"
 #include "ui/edit/relocate.h"
@@ -140,8 +141,8 @@ void OpenJingleMenu(int index) {
             j.PlayMod == PlayMode::playStop);
         menu.add(
             "mnuNoStop", filled && single, [] { clNoStopSet(MenuJ); }, noSeq, j.PlayMod == PlayMode::noStop);
-        // The jingle editor is shown where it will stand.
-        menu.add("mnuFX", filled || playing, editEffects, false, b != nullptr && b->fx_Jingle.visible);
+        menu.add("mnuFX", (filled || playing) && single, editEffects, true,
+                 b != nullptr && b->fx_Jingle.visible);
         menu.add(
             "mnuMIDI", !SelectorsShown && MidiLearnOffered(), [] { clMIDI("b_Jingle", MenuJ); }, true,
             HasMIDIAssignment(index));

@@ -11,6 +11,7 @@
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
+#include "ui/edit/jingle_editor.h"
 #include "ui/records/timers.h"
 #include "ui/screen/error_mark.h"
 
@@ -25,6 +26,7 @@ bool leftUnsaved = false;  ///< a palette was left with unsaved edits, which may
 
 void LeavePalette() {
     guarded("frmMain.LeavePalette", [] {
+        OKfx();  // what it edits belongs to the palette that is left
         timers().SaveTimer.stop();
         if (PalToSave && settings.AutoSave == 1 && !HeldPalette().empty()) {
             SaveMode = "save";

@@ -224,14 +224,4 @@ void clSeqSet(int) {
     });
 }
 
-void clFXSet(int) {
-    guarded("modClick.clFXSet", [] {
-        // The jingle editor is not there yet: the option is given back unspent.
-        Disarm(frmMain().options.ckFXI);
-        OptionControl.clear();
-        OptionCode.clear();
-        ResetJingles();
-    });
-}
-
 }  // namespace zv

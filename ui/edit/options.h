@@ -21,7 +21,5 @@ void clPlayStopSet(int index);
 void clNoStopSet(int index);
 void clLoopSet(int index);
 void clSeqSet(int index);
-/// Opens the jingle editor; gives the option back while there is none.
-void clFXSet(int index);
 
 }  // namespace zv

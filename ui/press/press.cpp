@@ -14,6 +14,7 @@
 #include "startup/settings.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
+#include "ui/edit/jingle_editor.h"
 #include "ui/edit/jingle_menu.h"
 #include "ui/edit/move.h"
 #include "ui/edit/options.h"

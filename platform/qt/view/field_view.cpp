@@ -250,6 +250,8 @@ class SliderWidget final : public QSlider, public RecordView {
         if (record.foreColor() >= 0) p.setColor(QPalette::Highlight, colourOf(record.foreColor, Qt::white));
         setPalette(p);
         setRange(std::min(record.minimum(), record.maximum()), std::max(record.minimum(), record.maximum()));
+        setInvertedAppearance(fromRight());
+        setInvertedControls(fromRight());
         const int range = maximum() - minimum();
         setPageStep(std::max(1, range > kLongRange ? range / 5 : range / 10));
         setSingleStep(record.step > 1 || range <= kLongRange ? record.step : range / 16);
@@ -268,6 +270,9 @@ class SliderWidget final : public QSlider, public RecordView {
         e->accept();
     }
 
+    /// Its least value stands at the right.
+    bool fromRight() const { return record.alignment() == 1; }
+
     void wheelEvent(QWheelEvent* e) override {
         if (!inForm(record)) {
             QSlider::wheelEvent(e);
@@ -276,7 +281,7 @@ class SliderWidget final : public QSlider, public RecordView {
         turned_ += e->angleDelta().y();
         const int turns = turned_ / QWheelEvent::DefaultDeltasPerStep;
         turned_ -= turns * QWheelEvent::DefaultDeltasPerStep;
-        setValue(value() + turns * singleStep());
+        setValue(value() + (fromRight() ? -turns : turns) * singleStep());
         e->accept();
     }
 

@@ -16,7 +16,7 @@
 namespace zv::shell {
 namespace {
 
-constexpr int kHeight = 30, kStepKey = 30, kDigits = 64;  // pixels
+constexpr int kHeight = 30, kStepKey = 30, kDigits = 64, kLeastDigits = 28;  // pixels
 constexpr int kRepeatAfterMs = 400, kRepeatEachMs = 60;
 constexpr int kPageSteps = 10;
 constexpr double kTextSize = 13;
@@ -67,9 +67,11 @@ class NumberWidget final : public QWidget, public RecordView {
         auto* row = new QHBoxLayout(this);
         row->setContentsMargins(0, 0, 0, 0);
         row->setSpacing(4);
-        edit_->setFixedSize(kDigits, kHeight);
+        edit_->setFixedHeight(kHeight);
+        edit_->setMinimumWidth(kLeastDigits);
+        edit_->setMaximumWidth(kDigits);
         edit_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        edit_->setTextMargins(4, 0, 4, 0);
+        edit_->setTextMargins(2, 0, 2, 0);
         for (QWidget* part :
              {static_cast<QWidget*>(less_), static_cast<QWidget*>(edit_), static_cast<QWidget*>(more_)})
             row->addWidget(part);

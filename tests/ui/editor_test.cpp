@@ -1,0 +1,182 @@
+// The jingle editor: what its controls do to the record and to the channel that plays.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+#include <string>
+
+#include "audio/effects.h"
+#include "engine/bass.h"
+#include "model/jingle.h"
+#include "model/state.h"
+#include "startup/settings.h"
+#include "tests/ui/window_test.h"
+#include "ui/edit/jingle_editor.h"
+#include "ui/windows/jingle_window.h"
+
+namespace zv::test {
+
+namespace {
+
+constexpr int kSlot = 3, kBed = 0;
+constexpr double kSecond = kBytesPerMs * 1000;
+
+void setTime(const TimeFields& t, int seconds, int hundredths) {
+    t.min->value = 0;
+    t.sec->value = seconds;
+    t.cs->value = hundredths;
+    t.cs->onChange();
+}
+
+void set(Control& control, int value) {
+    control.value = value;
+    control.onChange();
+}
+
+/// The channel has what the record says.
+void expectAgreement() {
+    const JingleRecord& j = rec(kSlot);
+    const EffectVector e = ParseFXV(j.FXV, j.Freq).effects;
+    for (int band = 0; band < kEqBands; ++band) {
+        BASS_BFX_PEAKEQ eq{};
+        eq.lBand = band;
+        ASSERT_TRUE(BASS_FXGetParameters(JEqFx[kSlot], &eq));
+        EXPECT_FLOAT_EQ(eq.fGain, static_cast<float>(e.gain(band))) << band;
+    }
+    BASS_DX8_REVERB reverb{};
+    BASS_BFX_VOLUME volume{};
+    BASS_FXGetParameters(JReverbFx[kSlot], &reverb);
+    BASS_FXGetParameters(JVolFx[kSlot], &volume);
+    EXPECT_FLOAT_EQ(reverb.fReverbMix, static_cast<float>(ReverbMix(e.reverbMs)));
+    EXPECT_FLOAT_EQ(volume.fVolume, static_cast<float>(j.Volm * 0.01));
+    const std::pair<DWORD, double> attributes[] = {
+        {BASS_ATTRIB_TEMPO, e.tempo}, {BASS_ATTRIB_TEMPO_FREQ, e.rate}, {BASS_ATTRIB_TEMPO_PITCH, e.pitch}};
+    for (const auto& [attribute, wanted] : attributes) {
+        float value = 0;
+        BASS_ChannelGetAttribute(j.hPlay, attribute, &value);
+        EXPECT_FLOAT_EQ(value, static_cast<float>(wanted)) << attribute;
+    }
+}
+
+}  // namespace
+
+class EditorTest : public WindowTest {
+  protected:
+    void open(const std::string& keys = {}) {
+        load(kSlot, 8000, keys);
+        clFXSet(kSlot);
+        ASSERT_TRUE(FxOpen);
+        PalToSave = false;
+    }
+    JingleWindow& w = frmFX();
+    JingleRecord& j = rec(kSlot);
+};
+
+TEST_F(EditorTest, timesGoToTheNearestPlaceThatTheyMayHave) {
+    const double length = 8000.0 * 44 * kBytesPerFrame, gap = 5280;  // of whole frames a ms; 30 ms of stereo
+    const struct {
+        const char* name;
+        bool locked;
+        std::function<void(JingleWindow&)> act;
+        double start, stop, in, out;
+    } cases[] = {
+        {"start", false, [](JingleWindow& x) { setTime(x.TxtPos, 1, 50); }, 1.5 * kSecond, 0, 2 * kSecond,
+         4 * kSecond},
+        {"a step beyond the seconds carries", false, [](JingleWindow& x) { setTime(x.TxtPos, 1, 100); },
+         2 * kSecond, 0, 2 * kSecond, 4 * kSecond},
+        {"start beyond the end", false, [](JingleWindow& x) { setTime(x.TxtPos, 60, 0); }, length - gap, 0,
+         2 * kSecond, 4 * kSecond},
+        {"stop", false,
+         [](JingleWindow& x) {
+             x.optStartEnd[1]->onChange();
+             setTime(x.TxtPos, 6, 25);
+         },
+         0, 6.25 * kSecond, 2 * kSecond, 4 * kSecond},
+        {"stop at the end is none", false,
+         [](JingleWindow& x) {
+             x.optStartEnd[1]->onChange();
+             setTime(x.TxtPos, 7, 96);
+         },
+         0, 0, 2 * kSecond, 4 * kSecond},
+        {"loop in pushes loop out", false, [](JingleWindow& x) { setTime(x.TxtLI, 5, 0); }, 0, 0, 5 * kSecond,
+         5 * kSecond + gap},
+        {"loop in keeps the length", true, [](JingleWindow& x) { setTime(x.TxtLI, 5, 0); }, 0, 0, 5 * kSecond,
+         7 * kSecond},
+        {"a locked loop stays before the end", true, [](JingleWindow& x) { setTime(x.TxtLI, 7, 50); }, 0, 0,
+         length - 2 * kSecond, length},
+        {"loop out takes loop in along", false, [](JingleWindow& x) { setTime(x.TxtLO, 1, 0); }, 0, 0,
+         kSecond - gap, kSecond},
+        {"the slider's end is the length", false, [](JingleWindow& x) { set(x.sldLO, x.sldLO.maximum()); }, 0,
+         0, 2 * kSecond, length},
+        {"copied", false,
+         [](JingleWindow& x) {
+             setTime(x.TxtPos, 3, 0);
+             x.btCopyStartPos.onClick();
+         },
+         3 * kSecond, 0, 3 * kSecond, 4 * kSecond},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        open("Seq=1 LoopIn=2000 LoopOut=4000");
+        w.optStartEnd[0]->onChange();
+        set(w.ckLinkLILO, c.locked ? 1 : 0);
+        c.act(w);
+        EXPECT_NEAR(j.CueStart, c.start, kBytesPerFrame);
+        EXPECT_NEAR(j.StopPos, c.stop, kBytesPerFrame);
+        EXPECT_NEAR(j.LoopIn, c.in, kBytesPerFrame);
+        EXPECT_NEAR(j.LoopOut, c.out, kBytesPerFrame);
+        const bool moved = c.start != 0 || c.stop != 0 || c.in != 2 * kSecond || c.out != 4 * kSecond;
+        EXPECT_EQ(PalToSave, moved);
+        OKfx();
+        EXPECT_EQ(j.Seq, 1);
+        EXPECT_FALSE(FxOpen);
+    }
+}
+
+TEST_F(EditorTest, openingAndClosingChangesNothing) {
+    const std::string odd = "0.5,0,0,0,0,0,0,33.5,2.25,44123,1.5";
+    open("CueStart=101 StopPos=7003 FXV=" + odd);
+    const PersistedJingle before = j.persisted();
+    OKfx();
+    EXPECT_TRUE(before == j.persisted());
+    EXPECT_FALSE(PalToSave);
+    EXPECT_EQ(j.State, PlayState::idle);
+}
+
+TEST_F(EditorTest, randomMovesReachRecordAndChannelAndNothingElse) {
+    load(kBed, 60'000);
+    open("Seq=1 LoopIn=2000 LoopOut=4000");
+    press(kBed);
+    w.ckPlay.onClick();
+    EXPECT_EQ(BASS_ChannelIsActive(j.hPlay), BASS_ACTIVE_PLAYING);
+    const PersistedJingle bed = rec(kBed).persisted(), before = j.persisted();
+    Control* const sliders[] = {w.sldEQ[0],    w.sldEQ[3],       w.sldEQ[6],      &w.sldReverb,
+                                w.sldTempo[0], w.sldTempo[1],    w.sldTempo[2],   &w.sldPos,
+                                &w.sldLI,      &w.sldLO,         &w.sldFadeOut,   &w.SlideVolCh,
+                                &w.SlidePos,   w.optStartEnd[0], w.optStartEnd[1]};
+    std::mt19937 chance(7);
+    for (int i = 0; i < 300; ++i) {
+        Control& c = *sliders[chance() % std::size(sliders)];
+        const int most = c.maximum(), least = c.minimum();
+        set(c, least + static_cast<int>(chance() % static_cast<unsigned>(most - least + 1)));
+        if (i % 10 == 0) pass(30);
+        ASSERT_TRUE(j.CueStart >= 0 && j.CueStart < 8 * kSecond && j.StopPos >= 0 && j.StopPos < 8 * kSecond);
+        ASSERT_TRUE(j.LoopIn >= 0 && j.LoopIn < j.LoopOut && j.LoopOut <= 8 * kSecond);
+    }
+    expectAgreement();
+    EXPECT_TRUE(PalToSave);
+    EXPECT_TRUE(bed == rec(kBed).persisted());
+    EXPECT_EQ(BASS_ChannelIsActive(rec(kBed).hPlay), BASS_ACTIVE_PLAYING);
+    w.btUndoAll.onClick();
+    expectAgreement();
+    PersistedJingle now = j.persisted();
+    EXPECT_TRUE(now == before);
+    EXPECT_FALSE(PalToSave);
+    OKfx();
+    EXPECT_EQ(BASS_ChannelIsActive(j.hPlay), BASS_ACTIVE_STOPPED);
+    EXPECT_TRUE(reports.empty());
+    BASS_ChannelStop(rec(kBed).hPlay);
+    pass(3000);  // until no meter tells of it
+}
+
+}  // namespace zv::test

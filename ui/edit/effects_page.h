@@ -1,0 +1,15 @@
+/// The first page of frmFX: bands, reverb, tempo, rate, pitch and the presets. [control]
+#pragma once
+
+namespace zv {
+
+/// Handlers of the page's controls; once.
+void WireEffectsPage();
+/// Limits from the settings and values of Edited.effects.
+void ShowEffects();
+/// All of it neutral, on the channel and in the record.
+void ResetEffects();
+/// What Edited.effects says, on the channel.
+void ApplyEffects();
+
+}  // namespace zv

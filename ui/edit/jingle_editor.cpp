@@ -1,0 +1,411 @@
+#include "ui/edit/jingle_editor.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+#include "audio/edit_sound.h"
+#include "audio/play.h"
+#include "audio/safe_volume.h"
+#include "audio/sounding.h"
+#include "audio/streams.h"
+#include "model/colours.h"
+#include "model/state.h"
+#include "platform/desktop.h"
+#include "platform/jobs.h"
+#include "startup/errors.h"
+#include "startup/guard.h"
+#include "startup/helpers.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "ui/edit/edited_jingle.h"
+#include "ui/edit/effects_page.h"
+#include "ui/edit/positions_page.h"
+#include "ui/records/armed.h"
+#include "ui/records/jingle_buttons.h"
+#include "ui/records/main_window.h"
+#include "ui/records/timers.h"
+#include "ui/screen/button_faces.h"
+#include "ui/screen/captions.h"
+#include "ui/screen/highlight.h"
+#include "ui/windows/jingle_window.h"
+
+namespace zv {
+
+namespace {
+
+constexpr int kFollowMs = 40;  ///< of the digits
+constexpr int kEffectsPage = 0;
+constexpr int kPercent = 100, kMostRange = 400;
+constexpr double kKilo = 1000;
+constexpr Colour kTooLoud = 255;  ///< red
+
+bool okBusy = false;
+bool wired = false;
+int safeVolume = 0;  ///< percent; 0 while it is not known
+Job measuring;
+
+UiTimer& timerPos() {
+    static UiTimer timer("TimerPos", kFollowMs);
+    return timer;
+}
+
+void showDigits() {
+    JingleWindow& w = frmFX();
+    const bool sounding = Sounds(Edited.index);
+    const double at = sounding ? EditSeconds(Edited.index, EditPosition(Edited.index)) : 0;
+    const FieldTime time = FieldsOf(at);
+    char text[48];
+    std::snprintf(text, sizeof text, "%d:%02d.%02d", time.minutes, time.seconds, time.hundredths);
+    w.lblPos.caption = text;
+    w.lblPosMinVal.caption = std::to_string(time.minutes);
+    std::snprintf(text, sizeof text, "%02d", time.seconds);
+    w.lblPosSecVal.caption = text;
+    std::snprintf(text, sizeof text, "%02d", time.hundredths);
+    w.lblPosCs.caption = text;
+    const SoundLength sound = EditLength(Edited.index);
+    w.SlidePos.value =
+        sound.length <= 0 || !sounding
+            ? 0
+            : static_cast<int>(std::lround(EditPosition(Edited.index) * w.SlidePos.maximum() / sound.length));
+}
+
+/// ckPlay in the playing colour or in that of the jingle's button.
+void showPlaying() {
+    JingleWindow& w = frmFX();
+    const JingleRecord& j = EditedRecord();
+    const bool sounding = Plays(Edited.index);
+    w.ckPlay.backColor =
+        sounding ? settings.PlayingColor : (j.BTNCol == kFaceColourText ? kButtonFace : j.BackRGB);
+    w.ckPlay.caption = (sounding ? "\xE2\x96\xA0 " : "\xE2\x96\xB6 ") + Ln(sounding ? "fxStop" : "fxHear");
+}
+
+void TimerPosTick() {
+    guarded("frmFX.TimerPos_Timer", [] {
+        if (!FxOpen) return;
+        showDigits();
+        if (Sounds(Edited.index)) return;
+        timerPos().stop();
+        showPlaying();
+    });
+}
+
+void follow() {
+    showPlaying();
+    showDigits();
+    if (Sounds(Edited.index)) timerPos().start();
+}
+
+// ---- level ----
+
+int rangeFor(int percent) {
+    return std::clamp((percent + kPercent - 1) / kPercent, 1, kMostRange / kPercent) - 1;
+}
+
+/// btMaxVol says the highest volume that does not clip, and is red above it.
+void showSafeVolume() {
+    JingleWindow& w = frmFX();
+    std::string text = safeVolume == 0 ? Ln("fxMeasuring") : Ln("fxbtMaxVol");
+    if (const auto at = text.find("vol"); safeVolume > 0 && at != std::string::npos)
+        text.replace(at, 3, std::to_string(safeVolume));
+    w.btMaxVol.caption = text;
+    w.btMaxVol.enabled = safeVolume > 0;
+    w.btMaxVol.backColor = safeVolume > 0 && EditedRecord().Volm > safeVolume ? kTooLoud : kButtonFace;
+}
+
+void measure() {
+    safeVolume = 0;
+    showSafeVolume();
+    measuring = startJob<int>(
+        "frmFX.SafeVol",
+        [path = GetFullPath(EditedRecord().Path)](JobWork& work) { return MeasureSafeVol(path, work); },
+        [](int percent) {
+            safeVolume = percent;
+            showSafeVolume();
+        },
+        JobLane::longer);
+}
+
+void showVolume() {
+    JingleWindow& w = frmFX();
+    const int volume = EditedRecord().Volm;
+    w.cmbRange.listIndex = std::max(w.cmbRange.listIndex(), rangeFor(volume));
+    w.SlideVolCh.maximum = (w.cmbRange.listIndex() + 1) * kPercent;
+    w.SlideVolCh.value = volume;
+    w.lblVolVal.caption = std::to_string(volume) + " %";
+    showSafeVolume();
+}
+
+void setVolume(int percent) {
+    EditVolume(Edited.index, percent);
+    showVolume();
+    UpdateJFX();
+}
+
+void btMaxVol_Click() {
+    frmFX().cmbRange.listIndex = rangeFor(safeVolume);
+    setVolume(safeVolume);
+}
+
+void cmbRange_Click() {
+    JingleWindow& w = frmFX();
+    const int most = (w.cmbRange.listIndex() + 1) * kPercent;
+    w.SlideVolCh.maximum = most;
+    if (EditedRecord().Volm > most) setVolume(most);
+}
+
+// ---- what else the record holds ----
+
+void showFlags() {
+    JingleWindow& w = frmFX();
+    const JingleRecord& j = EditedRecord();
+    w.ckAutoDuck.value = j.AutoDuck == 1 ? 1 : 0;
+    w.ckNoTrigDuck.value = j.NoTrigDuck;
+    w.ckNoAutomix.value = j.NoAutomix;
+}
+
+void ckFlags_Click() {
+    JingleWindow& w = frmFX();
+    JingleRecord& j = EditedRecord();
+    j.NoTrigDuck = w.ckNoTrigDuck.value == 1 ? 1 : 0;
+    j.NoAutomix = w.ckNoAutomix.value == 1 ? 1 : 0;
+    UpdateJFX();
+}
+
+void ckAutoDuck_Click() {
+    constexpr std::uint8_t kDucks = 1, kDoesNot = 2;
+    JingleRecord& j = EditedRecord();
+    j.AutoDuck = frmFX().ckAutoDuck.value == 1 ? kDucks : kDoesNot;
+    if (j.AutoDuck == kDucks) j.NoTrigDuck = 1;
+    showFlags();
+    UpdateJFX();
+}
+
+/// A sequence plays straight through while its positions are worked on, unless it is on air.
+void putSeqAside() {
+    JingleRecord& j = EditedRecord();
+    if (Edited.entry.Seq == 0 || Sounds(Edited.index)) return;
+    j.Seq = frmFX().TabFX.listIndex() == kEffectsPage ? Edited.entry.Seq : 0;
+}
+
+void TabFX_Click() {
+    const int page = frmFX().TabFX.listIndex();
+    if (page != settings.ActiveFXTab) {
+        settings.ActiveFXTab = static_cast<std::uint8_t>(page);
+        WriteSetting("ActiveFXTab", std::to_string(page));
+    }
+    putSeqAside();
+}
+
+std::string facts() {
+    const JingleRecord& j = EditedRecord();
+    std::string line = GetFileName(j.Path);
+    const double length = EditSeconds(Edited.index, EditLength(Edited.index).length);
+    for (const std::string& fact :
+         {settings.PaletteIndex, NumberText(j.Freq / kKilo) + " kHz", seconds2msd(length)})
+        if (!fact.empty()) line += "  \xC2\xB7  " + fact;
+    return line;
+}
+
+void listen(ListenFrom from) {
+    if (okBusy) return;
+    if (!ListenTo(Edited.index, from)) Error_("Can't play jingle stream from the jingle editor");
+    follow();
+}
+
+void key(KeyEvent& event) {
+    const Control* focused = focusedControl();
+    const ControlKind kind = focused == nullptr ? ControlKind::window : focused->kind;
+    const bool typing =
+        kind == ControlKind::textBox || kind == ControlKind::comboBox || kind == ControlKind::number;
+    const bool presses =
+        kind == ControlKind::button || kind == ControlKind::checkBox || kind == ControlKind::option;
+    if (event.shift != 0) return;
+    if (event.key == Key::space && !typing && !presses) {
+        event.consumed = true;
+        if (!event.repeat) Play();
+    } else if ((event.key == static_cast<Key>('I') || event.key == static_cast<Key>('O')) && !typing &&
+               Sounds(Edited.index)) {
+        event.consumed = true;
+        const double at = EditSeconds(Edited.index, EditPosition(Edited.index));
+        if (event.key == static_cast<Key>('O'))
+            MovePoint(CuePoint::stop, at);
+        else
+            MovePoint(CuePoint::start, at);
+    }
+}
+
+void wire() {
+    JingleWindow& w = frmFX();
+    WireEffectsPage();
+    WirePositionsPage();
+    timerPos().handler = TimerPosTick;
+    w.ckPlay.onClick = Play;
+    w.PlayFromStart.onClick = PlayFromStart_Click;
+    w.PlayFromLoopIn.onClick = PlayFromLoopIn_Click;
+    w.TestLoopOut.onClick = TestLoopOut_Click;
+    w.btUndoAll.onClick = UndoAll;
+    w.btReset.onClick = resetfx;
+    w.btOK.onClick = OKfx;
+    w.SlidePos.onChange = [] {
+        guarded("frmFX.SlidePos_Change", [] {
+            const SoundLength sound = EditLength(Edited.index);
+            if (Sounds(Edited.index))
+                EditSeek(Edited.index,
+                         sound.length * frmFX().SlidePos.value() / std::max(1, frmFX().SlidePos.maximum()));
+            showDigits();
+        });
+    };
+    w.SlideVolCh.onChange = [] {
+        guarded("frmFX.SlideVolCh_Change", [] { setVolume(frmFX().SlideVolCh.value()); });
+    };
+    w.btMaxVol.onClick = [] { guarded("frmFX.btMaxVol_Click", btMaxVol_Click); };
+    w.cmbRange.onChange = [] { guarded("frmFX.cmbRange_Click", cmbRange_Click); };
+    w.ckAutoDuck.onChange = [] { guarded("frmFX.ckAutoDuck_Click", ckAutoDuck_Click); };
+    w.ckNoTrigDuck.onChange = [] { guarded("frmFX.ckNoTrigDuck_Click", ckFlags_Click); };
+    w.ckNoAutomix.onChange = [] { guarded("frmFX.ckNoAutomix_Click", ckFlags_Click); };
+    w.TabFX.onChange = [] { guarded("frmFX.TabFX_Click", TabFX_Click); };
+    w.form.onKey = key;
+    w.form.onClosed = [] { guarded("frmFX.Form_Unload", OKfx); };
+}
+
+void showAll() {
+    ShowEffects();
+    ShowPositions();
+    frmFX().cmbRange.listIndex = 0;
+    showVolume();
+    showFlags();
+}
+
+void open(int index) {
+    JingleWindow& w = frmFX();
+    const JingleRecord& j = Jingle(index);
+    if (!wired) {
+        wire();
+        wired = true;
+    }
+    MenuJ = index;
+    ResetJingles();
+    Edited.index = index;
+    Edited.entry = j.persisted();
+    Edited.unsavedOnEntry = PalToSave;
+    Edited.effects = ParseFXV(j.FXV, j.Freq).effects;
+    FxOpen = true;
+    w.JID.caption = std::to_string(index);
+    w.lblJingleToFX.caption = btCaption(j.Path);
+    w.lblFacts.caption = facts();
+    w.TabFX.listIndex = std::clamp<int>(settings.ActiveFXTab, 0, 1);
+    EditAtOnce(index);
+    w.showLoop(j.Seq != 0, Ln(j.Seq != 0 ? "fxlblSeqModNotice" : "fxNoSequence"));
+    showAll();  // before it opens, so that there is room for every text
+    w.form.open(&w.ckPlay);
+    measure();
+    // A loop beyond the end of its file was brought into it: nobody edited that.
+    Edited.entry.LoopIn = j.LoopIn;
+    Edited.entry.LoopOut = j.LoopOut;
+    Jingle(index).SeqBefore = Edited.entry.Seq;
+    putSeqAside();
+    follow();
+}
+
+}  // namespace
+
+void clFXSet(int index) {
+    guarded("modClick.clFXSet", [&] {
+        Disarm(frmMain().options.ckFXI);
+        OptionControl.clear();
+        OptionCode.clear();
+        OKfx();
+        if (Jingle(index).Path.empty() || Jingle(index).MissingFile || Jingle(index).hPlay == 0) {
+            ResetJingles();
+            return;
+        }
+        open(index);
+    });
+}
+
+void Play() {
+    guarded("frmFX.ckPlay_Click", [] {
+        if (okBusy || !FxOpen) return;
+        if (Plays(Edited.index)) {
+            ListenEnd(Edited.index);
+            follow();
+        } else {
+            putSeqAside();
+            listen(ListenFrom::start);
+        }
+    });
+}
+
+void PlayFromStart_Click() {
+    guarded("frmFX.PlayFromStart_Click",
+            [] { listen(frmFX().optStartEnd[1]->value == 1 ? ListenFrom::end : ListenFrom::start); });
+}
+
+void PlayFromLoopIn_Click() {
+    guarded("frmFX.PlayFromLoopIn_Click", [] { listen(ListenFrom::loopIn); });
+}
+
+void TestLoopOut_Click() {
+    guarded("frmFX.TestLoopOut_Click", [] { listen(ListenFrom::loopsTurn); });
+}
+
+void resetfx() {
+    guarded("frmFX.resetfx", [] {
+        if (frmFX().TabFX.listIndex() == kEffectsPage) {
+            ResetEffects();
+            return;
+        }
+        frmFX().cmbRange.listIndex = 0;
+        EditVolume(Edited.index, kPercent);
+        ResetPositions();
+        showVolume();
+    });
+}
+
+void UndoAll() {
+    guarded("frmFX.btUndoAll_Click", [] {
+        JingleRecord& j = EditedRecord();
+        const std::uint8_t seq = j.Seq;
+        j.persisted() = Edited.entry;
+        j.Seq = seq;
+        j.FadeAttrib = FadeAttribOf(j);
+        Edited.effects = ParseFXV(j.FXV, j.Freq).effects;
+        ApplyEffects();
+        EditVolume(Edited.index, j.Volm);
+        EditLoop(Edited.index);
+        ArmStopSync(Edited.index);
+        showAll();
+        UpdateJFX();
+    });
+}
+
+void OKfx() {
+    if (!FxOpen || okBusy) return;
+    guarded("frmFX.OKfx", [] {
+        okBusy = true;
+        JingleWindow& w = frmFX();
+        w.ckPlay.enabled = false;
+        JingleRecord& j = EditedRecord();
+        UpdateJFX();
+        if (Plays(Edited.index)) ListenEnd(Edited.index);
+        j.Seq = j.SeqBefore;
+        EditDone(Edited.index);
+        timerPos().stop();
+        measuring.cancel();
+        FxOpen = false;
+        SelectorsOn = false;
+        j.EndOffset = EndOffsetCalc(Edited.index);
+        j.Duration = JDurationCalc(Edited.index);
+        if (JingleButton* b = Button(Edited.index)) b->b_Jingle.caption = ButtonText(Edited.index);
+        ResetJingles();
+        w.form.close();
+        w.cmbFXpreset.items = std::vector<std::string>();
+    });
+    okBusy = false;
+    FxOpen = false;
+    frmFX().ckPlay.enabled = true;
+}
+
+}  // namespace zv

@@ -1,0 +1,276 @@
+#include "ui/edit/positions_page.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "audio/cue_points.h"
+#include "audio/edit_sound.h"
+#include "audio/play.h"
+#include "audio/sounding.h"
+#include "startup/guard.h"
+#include "startup/helpers.h"
+#include "startup/language.h"
+#include "startup/settings.h"
+#include "ui/edit/edited_jingle.h"
+#include "ui/windows/jingle_window.h"
+
+namespace zv {
+
+namespace {
+
+constexpr int kHundredths = 100;
+constexpr int kFadeStepMs = 100;
+constexpr double kTenths = 10;
+
+bool settingMode = false;  ///< the fields change their point: nothing is checked
+
+double seconds(double bytes) { return EditSeconds(Edited.index, bytes); }
+double bytesOf(const TimeFields& fields) { return EditBytes(Edited.index, SecondsOf(fields.shown())); }
+
+bool startChosen() { return frmFX().optStartEnd[0]->value == 1; }
+
+CuePoints pointsOf(const JingleRecord& j) {
+    return {.start = j.CueStart,
+            .stop = j.StopPos,
+            .loopIn = j.LoopIn,
+            .loopOut = j.LoopOut,
+            .loopLen = j.LoopLen,
+            .lengthLocked = frmFX().imgLockLoopLength.visible};
+}
+
+void showOn(Control& slider, double bytes, const SoundLength& sound) {
+    slider.value =
+        sound.length <= 0 ? 0 : static_cast<int>(std::lround(bytes * slider.maximum() / sound.length));
+}
+
+void showPoint(const TimeFields& fields, Control& slider, double bytes, const SoundLength& sound) {
+    fields.show(FieldsOf(seconds(bytes)));
+    showOn(slider, bytes, sound);
+}
+
+double stopOf(const JingleRecord& j, const SoundLength& sound) {
+    return j.StopPos == 0 ? sound.length : j.StopPos;
+}
+
+void showLoop() {
+    const JingleRecord& j = EditedRecord();
+    const SoundLength sound = EditLength(Edited.index);
+    showPoint(frmFX().TxtLI, frmFX().sldLI, j.LoopIn, sound);
+    showPoint(frmFX().TxtLO, frmFX().sldLO, j.LoopOut, sound);
+    UpdateLoopDuration();
+}
+
+/// The loop's points as they are now: record, channel, fields.
+void takeLoop(const CuePoints& points) {
+    JingleRecord& j = EditedRecord();
+    j.LoopIn = points.loopIn;
+    j.LoopOut = points.loopOut;
+    j.LoopLen = points.loopLen;
+    EditLoop(Edited.index);
+    showLoop();
+    UpdateJFX();
+}
+
+/// A slider's place as seconds in the fields of its point; at its end the length exactly.
+void fromSlider(const Control& slider, const TimeFields& fields) {
+    const SoundLength sound = EditLength(Edited.index);
+    fields.show(FieldsOf(seconds(sound.length * slider.value() / std::max(1, slider.maximum()))));
+}
+
+void sldPos_Change() {
+    fromSlider(frmFX().sldPos, frmFX().TxtPos);
+    checktimecue();
+}
+
+void sldLI_Change() {
+    fromSlider(frmFX().sldLI, frmFX().TxtLI);
+    checktimeLI();
+}
+
+void sldLO_Change() {
+    fromSlider(frmFX().sldLO, frmFX().TxtLO);
+    checktimeLO();
+}
+
+void showFade() {
+    JingleWindow& w = frmFX();
+    const JingleRecord& j = EditedRecord();
+    w.sldFadeOut.value = j.FadeOut / kFadeStepMs;
+    w.lblFadeOutVal.caption = NumberText(j.FadeOut / kFadeStepMs / kTenths) + " s";
+    w.ckLogFadeOut.value = j.LogFadeOut;
+    w.ckLoopFadeOut.value = j.LoopFadeOut;
+}
+
+void sldFadeOut_Change() {
+    EditedRecord().FadeOut = frmFX().sldFadeOut.value() * kFadeStepMs;
+    showFade();
+    UpdateJFX();
+}
+
+void setLogFade(bool on) {
+    JingleRecord& j = EditedRecord();
+    j.LogFadeOut = on ? 1 : 0;
+    j.FadeAttrib = FadeAttribOf(j);
+}
+
+void ckLogFadeOut_Click() {
+    setLogFade(frmFX().ckLogFadeOut.value == 1);
+    UpdateJFX();
+}
+
+void ckLoopFadeOut_Click() {
+    EditedRecord().LoopFadeOut = frmFX().ckLoopFadeOut.value == 1 ? 1 : 0;
+    UpdateJFX();
+}
+
+void ckLinkLILO_Click() {
+    JingleWindow& w = frmFX();
+    w.imgLockLoopLength.visible = w.ckLinkLILO.value == 1;
+    JingleRecord& j = EditedRecord();
+    j.LoopLen = j.LoopOut - j.LoopIn;
+}
+
+void btCopyStartPos_Click() {
+    frmFX().TxtLI.show(frmFX().TxtPos.shown());
+    checktimeLI();
+}
+
+}  // namespace
+
+void checktimecue() {
+    if (settingMode) return;
+    JingleWindow& w = frmFX();
+    JingleRecord& j = EditedRecord();
+    const SoundLength sound = EditLength(Edited.index);
+    CuePoints points = pointsOf(j);
+    if (startChosen()) {
+        MoveStart(points, sound, bytesOf(w.TxtPos));
+        j.CueStart = points.start;
+        if (Sounds(Edited.index)) EditSeek(Edited.index, j.CueStart);
+        showPoint(w.TxtPos, w.sldPos, j.CueStart, sound);
+        w.StartTxtPos.show(w.TxtPos.shown());
+    } else {
+        MoveStop(points, sound, bytesOf(w.TxtPos));
+        const double stop = points.stop == 0 ? sound.length : points.stop;
+        showPoint(w.TxtPos, w.sldPos, stop, sound);
+        w.StopTxtPos.show(w.TxtPos.shown());
+        SetEndSync(points.stop == 0);
+    }
+    UpdateJFX();
+}
+
+void SetEndSync(bool clear) {
+    JingleRecord& j = EditedRecord();
+    j.StopPos = clear ? 0 : bytesOf(frmFX().StopTxtPos);
+    ArmStopSync(Edited.index);
+}
+
+void checktimeLI() {
+    CuePoints points = pointsOf(EditedRecord());
+    MoveLoopIn(points, EditLength(Edited.index), bytesOf(frmFX().TxtLI));
+    takeLoop(points);
+}
+
+void checktimeLO() {
+    JingleWindow& w = frmFX();
+    const SoundLength sound = EditLength(Edited.index);
+    CuePoints points = pointsOf(EditedRecord());
+    const bool atEnd = w.sldLO.value >= w.sldLO.maximum() && bytesOf(w.TxtLO) >= sound.length - sound.minGap;
+    MoveLoopOut(points, sound, atEnd ? sound.length : bytesOf(w.TxtLO));
+    takeLoop(points);
+}
+
+void UpdateLoopDuration() { frmFX().lblLDur.show(FieldsOf(seconds(EditedRecord().LoopLen))); }
+
+void optStartEnd_Click(int which) {
+    JingleWindow& w = frmFX();
+    settingMode = true;
+    for (int i = 0; i < 2; ++i) w.optStartEnd[static_cast<std::size_t>(i)]->value = i == which ? 1 : 0;
+    const JingleRecord& j = EditedRecord();
+    const SoundLength sound = EditLength(Edited.index);
+    showPoint(w.TxtPos, w.sldPos, which == 0 ? j.CueStart : stopOf(j, sound), sound);
+    w.PlayFromStart.caption = Ln(which == 0 ? "fxPlayFromStart" : "fxPlayToStop");
+    settingMode = false;
+}
+
+void MovePoint(CuePoint point, double at) {
+    JingleWindow& w = frmFX();
+    const FieldTime time = FieldsOf(at);
+    switch (point) {
+        case CuePoint::start:
+        case CuePoint::stop:
+            optStartEnd_Click(point == CuePoint::start ? 0 : 1);
+            w.TxtPos.show(time);
+            checktimecue();
+            return;
+        case CuePoint::loopIn:
+            w.TxtLI.show(time);
+            checktimeLI();
+            return;
+        case CuePoint::loopOut:
+            w.TxtLO.show(time);
+            // The slider does not say that it stands at the end while the handle is elsewhere.
+            w.sldLO.value = w.sldLO.maximum();
+            checktimeLO();
+            return;
+    }
+}
+
+void ShowPositions() {
+    JingleWindow& w = frmFX();
+    JingleRecord& j = EditedRecord();
+    const SoundLength sound = EditLength(Edited.index);
+    const int ticks = std::max(1, static_cast<int>(std::lround(seconds(sound.length) * kHundredths)));
+    for (Control* slider : {&w.sldPos, &w.sldLI, &w.sldLO, &w.SlidePos}) {
+        slider->minimum = 0;
+        slider->maximum = ticks;
+    }
+    if (j.LoopOut <= 0 || j.LoopOut > sound.length) j.LoopOut = sound.length;
+    if (j.LoopIn > j.LoopOut - sound.minGap) j.LoopIn = std::max(0.0, j.LoopOut - sound.minGap);
+    j.LoopLen = j.LoopOut - j.LoopIn;
+    w.imgLockLoopLength.caption = Ln("fxLocked");
+    w.imgLockLoopLength.visible = w.ckLinkLILO.value == 1;
+    w.StartTxtPos.show(FieldsOf(seconds(j.CueStart)));
+    w.StopTxtPos.show(FieldsOf(seconds(stopOf(j, sound))));
+    optStartEnd_Click(w.optStartEnd[1]->value == 1 ? 1 : 0);
+    showLoop();
+    showFade();
+}
+
+void ResetPositions() {
+    JingleRecord& j = EditedRecord();
+    j.CueStart = 0;
+    j.StopPos = 0;
+    j.FadeOut = 0;
+    j.LoopFadeOut = 0;
+    setLogFade(false);
+    ArmStopSync(Edited.index);
+    ShowPositions();
+    UpdateJFX();
+}
+
+void WirePositionsPage() {
+    JingleWindow& w = frmFX();
+    const auto onTime = [](const TimeFields& t, const char* procedure, void (*check)()) {
+        for (Control* c : {t.min, t.sec, t.cs})
+            c->onChange = [procedure, check] { guarded(procedure, check); };
+    };
+    onTime(w.TxtPos, "frmFX.checktimecue", checktimecue);
+    onTime(w.TxtLI, "frmFX.checktimeLI", checktimeLI);
+    onTime(w.TxtLO, "frmFX.checktimeLO", checktimeLO);
+    w.sldPos.onChange = [] { guarded("frmFX.sldPos_Change", sldPos_Change); };
+    w.sldLI.onChange = [] { guarded("frmFX.sldLI_Change", sldLI_Change); };
+    w.sldLO.onChange = [] { guarded("frmFX.sldLO_Change", sldLO_Change); };
+    w.sldFadeOut.onChange = [] { guarded("frmFX.sldFadeOut_Change", sldFadeOut_Change); };
+    w.ckLogFadeOut.onChange = [] { guarded("frmFX.ckLogFadeOut_Click", ckLogFadeOut_Click); };
+    w.ckLoopFadeOut.onChange = [] { guarded("frmFX.ckLoopFadeOut_Click", ckLoopFadeOut_Click); };
+    w.ckLinkLILO.onChange = [] { guarded("frmFX.ckLinkLILO_Click", ckLinkLILO_Click); };
+    w.btCopyStartPos.onClick = [] { guarded("frmFX.btCopyStartPos_Click", btCopyStartPos_Click); };
+    for (int i = 0; i < 2; ++i)
+        w.optStartEnd[static_cast<std::size_t>(i)]->onChange = [i] {
+            guarded("frmFX.optStartEnd_Click", [&] { optStartEnd_Click(i); });
+        };
+}
+
+}  // namespace zv
