@@ -82,7 +82,7 @@ void start(int index, int velocity) {
     j.Playing = true;
     j.Leaving = false;
     setLoops(j);
-    BASS_ChannelSetPosition(j.hPlay, BytePosition(j.CueStart), BASS_POS_BYTE);
+    BASS_ChannelSetPosition(j.hPlay, BytePosition(StartPosition(index)), BASS_POS_BYTE);
     BASS_ChannelSlideAttribute(j.hPlay, BASS_ATTRIB_VOL, static_cast<float>(velocity) / kFullVelocity,
                                ClickFadeMs);
     BASS_ChannelSetAttribute(j.hPlay, BASS_ATTRIB_VOLDSP, 1);

@@ -47,7 +47,7 @@ PlayTime PlayTimeOf(int index) {
         return BASS_ChannelBytes2Seconds(j.hPlay, BytePosition(bytes));
     };
     PlayTime time;
-    time.duration = seconds(length - j.CueStart - j.EndOffset);
+    time.duration = seconds(length - StartPosition(index) - j.EndOffset);
     time.left = hundredths(seconds(length - position - j.EndOffset));
     if (time.left < kSpent) time.left = 0;
     return time;

@@ -145,7 +145,7 @@ void attachEffects(int index) {
     JReverbFx[slot] = BASS_ChannelSetFX(j.hPlay, BASS_FX_DX8_REVERB, kReverbPriority);
     UpdateReverb(JReverbFx[slot], j.ReverbMs);
     BASS_ChannelSetAttribute(j.hPlay, BASS_ATTRIB_TAIL, static_cast<float>(j.ReverbMs) * kSecondsPerMs);
-    BASS_ChannelSetPosition(j.hPlay, BytePosition(j.CueStart), BASS_POS_BYTE);
+    BASS_ChannelSetPosition(j.hPlay, BytePosition(StartPosition(index)), BASS_POS_BYTE);
     JVolFx[slot] = BASS_ChannelSetFX(j.hPlay, BASS_FX_BFX_VOLUME, kVolumePriority);
     SetVolFx(JVolFx[slot], j.Volm);
     if (!read.fault.empty())
@@ -324,9 +324,14 @@ double EndOffsetCalc(int index) {
     return std::max(0.0, offset);
 }
 
+double StartPosition(int index) {
+    const JingleRecord& j = Jingle(index);
+    return j.CueStart < lengthOf(j.hSrc) ? j.CueStart : 0;
+}
+
 double JDurationCalc(int index) {
     const JingleRecord& j = Jingle(index);
-    const double playable = lengthOf(j.hSrc) - j.CueStart - j.EndOffset;
+    const double playable = lengthOf(j.hSrc) - StartPosition(index) - j.EndOffset;
     if (playable <= 0) return 0;
     return std::max(0.0, BASS_ChannelBytes2Seconds(j.hSrc, BytePosition(playable)));
 }

@@ -20,6 +20,8 @@ void openStreams(int index);
 bool SlotOpening(int index);
 /// The slot's file is opened before those of other slots.
 void HurrySlot(int index);
+/// Where the slot begins: CueStart, or 0 for one that does not lie before the end of its sound. Bytes.
+double StartPosition(int index);
 /// Bytes cut from the end of the playable range.
 double EndOffsetCalc(int index);
 /// Playable seconds, never below 0.

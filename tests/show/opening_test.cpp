@@ -126,7 +126,7 @@ TEST_F(Opening, ComputedFields) {
         {"never below zero", "stereo.wav", "StopPos_0=176400\r\nFadeOut_0=5000\r\n", 0, 1058400, 352800,
          44100},
         {"stop behind the end", "stereo.wav", "StopPos_0=999999999\r\n", 2, 0, 352800, 44100},
-        {"cue behind the end", "stereo.wav", "CueStart_0=999999999\r\n", 0, 0, 352800, 44100},
+        {"cue behind the end", "stereo.wav", "CueStart_0=999999999\r\n", 2, 0, 352800, 44100},
         {"loop end of its own", "stereo.wav", "LoopOut_0=400\r\n", 2, 0, 400, 44100},
     };
     for (const Row& row : rows) {

@@ -42,6 +42,7 @@ std::vector<Row> rows() {
     // clang-format off
     return {
         {"to its end", "", "0 press", "a0-100 b100-2500", playing},
+        {"a cue point behind the end is none", "CueStart=9000", "0 press", "a0-100 b100-2500", playing},
         {"from its cue point", "CueStart=50", "0 press", "a0-50 b50-2450", playing},
         {"velocity is the level", "", "0 press:64", "a0-100@-6.0 b100-2500@-6.0", playing},
         {"volume of its own", "Volm=50", "0 press", "a0-100@-6.0 b100-2500@-6.0", playing},

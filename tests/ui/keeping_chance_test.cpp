@@ -137,6 +137,12 @@ class KeepingByChance : public KeepingTest {
     }
     /// The steps that there are, each done by the program and believed.
     void step() {
+        const auto paste = [&] {
+            const int to = slot();
+            if (!belief.clip || to == 40) return;
+            clMove(to, "paste");
+            belief.paste(to);
+        };
         const std::vector<std::pair<const char*, std::function<void()>>> steps{
             {"edit", [&] { edit(slot()); }},
             {"edit", [&] { edit(slot()); }},
@@ -192,20 +198,8 @@ class KeepingByChance : public KeepingTest {
             {"cut", [&] { move(slot(), "cut"); }},
             {"cut", [&] { move(slot(), "cut"); }},
             {"copy", [&] { move(slot(), "copy"); }},
-            {"paste",
-             [&] {
-                 const int to = slot();
-                 if (!belief.clip || to == 40) return;
-                 clMove(to, "paste");
-                 belief.paste(to);
-             }},
-            {"paste",
-             [&] {
-                 const int to = slot();
-                 if (!belief.clip || to == 40) return;
-                 clMove(to, "paste");
-                 belief.paste(to);
-             }},
+            {"paste", paste},
+            {"paste", paste},
             {"grid",
              [&] {
                  const bool large = chance() % 2 == 0;
