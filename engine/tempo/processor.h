@@ -182,7 +182,7 @@ class TempoProcessor {
     std::atomic<std::uint64_t> heard_{0}, underruns_{0};
     Published published_;
 
-    std::timed_mutex workMutex_;  // of everything below: control and worker
+    std::mutex workMutex_;  // of everything below: control and worker
     std::vector<std::unique_ptr<TempoLane>> lanes_;
     TempoLane* pending_ = nullptr;  // made last
     std::vector<float> old_, search_;

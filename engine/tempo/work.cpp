@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <mutex>
+#include <thread>
 
 #include "engine/dsp/denormals.h"
 #include "engine/realtime/thread_tags.h"
@@ -18,6 +20,7 @@ constexpr std::size_t kLeastFade = 128;  // frames of that, at least
 constexpr double kAheadSeconds = 0.15;   // that a lane keeps rendered
 constexpr double kRefillSeconds = 0.11;  // below which it is filled up
 constexpr auto kPrimeWait = std::chrono::milliseconds(5);
+constexpr auto kPrimeStep = std::chrono::microseconds(200);
 constexpr double kReadySeconds = 0.06;  // that a lane has when it is offered
 constexpr double kRingSeconds = 0.3;
 constexpr double kSearchSeconds = 0.01;  // to either side, for the best place to cross over
@@ -117,7 +120,12 @@ bool TempoProcessor::offerStands(const TempoLane& lane, const Snapshot& now, con
 void TempoProcessor::prime(std::uint64_t frame) {
     assertNotAudioThread();
     if (!wanted_.load(std::memory_order_acquire)) return;
-    const std::unique_lock lock(workMutex_, kPrimeWait);
+    std::unique_lock lock(workMutex_, std::try_to_lock);
+    // In small steps: the sanitizer of threads does not see a lock that is waited for with a limit.
+    for (auto waited = kPrimeStep; !lock && waited <= kPrimeWait; waited += kPrimeStep) {
+        std::this_thread::sleep_for(kPrimeStep);
+        lock.try_lock();
+    }
     if (!lock) return;
     const Wish wish = this->wish();
     const std::uint64_t time = time_.load(std::memory_order_acquire);
