@@ -259,55 +259,6 @@ TEST_F(Contract, ARecordingIsPulledLikeAFile) {
     EXPECT_GT(heard.back(), heard[4410]) << "the voice goes on";
 }
 
-TEST_F(Contract, AWebStreamStallsAndGoesOn) {
-    // A stream that holds two seconds and then dries up.
-    class Drip final : public Decoder {
-      public:
-        explicit Drip(std::shared_ptr<std::size_t> budget) : budget_(std::move(budget)) {}
-        SoundFormat format() const override { return {44100, 2, 16}; }
-        std::optional<std::uint64_t> length() const override { return std::nullopt; }
-        std::size_t read(std::span<float> out) override {
-            const std::size_t n = std::min(out.size() / 2, *budget_);
-            *budget_ -= n;
-            std::fill_n(out.begin(), n * 2, 0.5F);
-            return n;
-        }
-        bool seek(std::uint64_t) override { return false; }
-        bool ended() const override { return false; }
-
-      private:
-        std::shared_ptr<std::size_t> budget_;
-    };
-    class Web final : public DecoderSource {
-      public:
-        std::shared_ptr<std::size_t> budget = std::make_shared<std::size_t>(88200);
-        std::unique_ptr<Decoder> openFile(const std::string&, int&) override { return nullptr; }
-        std::unique_ptr<Decoder> openModule(const std::string&, int&) override { return nullptr; }
-        std::unique_ptr<Decoder> openUrl(const std::string& url, std::uint32_t, int& error) override {
-            error = BASS_ERROR_TIMEOUT;
-            return url == "http://here" ? std::make_unique<Drip>(budget) : nullptr;
-        }
-    };
-    const auto web = std::make_shared<Web>();
-    engineControl()->install({web, nullptr, devices});
-    const Topology studio;
-    EXPECT_EQ(BASS_StreamCreateURL("http://there", 0, BASS_STREAM_DECODE, nullptr, nullptr), 0U);
-    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_TIMEOUT);
-    const DWORD live = BASS_StreamCreateURL("http://here", 0, BASS_STREAM_DECODE, nullptr, nullptr);
-    EXPECT_EQ(BASS_ChannelGetLength(live, BASS_POS_BYTE), BASS_NO_POSITION);
-    EXPECT_TRUE(BASS_Mixer_StreamAddChannel(studio.mainMixer, live, 0));
-    pull(44100);
-    EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_PLAYING);
-    EXPECT_EQ(take().back(), 0.5F);
-    pull(66150);
-    EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_STALLED);
-    EXPECT_EQ(take().back(), 0);
-    *web->budget = 441000;
-    pull(4410);
-    EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_PLAYING);
-    EXPECT_EQ(take().back(), 0.5F);
-}
-
 /// Every operation with arguments drawn from what is likely to hurt.
 TEST_F(Contract, NothingGivenHurts) {
     const Topology studio;

@@ -236,16 +236,5 @@ TEST(DspReverb, LiveChangesDoNotClick) {
     for (std::size_t i = 2 * 70000; i < 2 * frames; ++i) ASSERT_EQ(out[i], sound[i]);
 }
 
-TEST(DspReverb, ResetSilencesTheTail) {
-    Reverb reverb(kRate);
-    reverb.set({0, 0, 3000, 0.5});
-    auto sound = noise(8000, 10);
-    reverb.process(sound.data(), 4000);
-    reverb.reset();
-    std::vector<float> quiet(8000);
-    reverb.process(quiet.data(), 4000);
-    EXPECT_EQ(quiet, std::vector<float>(8000));
-}
-
 }  // namespace
 }  // namespace zv::engine::dsp

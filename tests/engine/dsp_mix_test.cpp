@@ -39,15 +39,6 @@ TEST(DspMix, AddsEverySourceInTurn) {
             }
 }
 
-TEST(DspMix, OppositeSoundsCancelToNothing) {
-    const std::vector<float> a = noise(2000, 1);
-    std::vector<float> minus = a, out(2000);
-    scale(minus.data(), minus.data(), minus.size(), -1);
-    mixStereo(out.data(), a.data(), 1000, 0.7f);
-    mixStereo(out.data(), minus.data(), 1000, 0.7f);
-    EXPECT_EQ(out, std::vector<float>(2000));
-}
-
 TEST(DspMix, RampHitsEveryValueWhereverBlocksEnd) {
     const std::size_t frames = 1009;
     const std::vector<float> ones(2 * frames, 1.0f);

@@ -1,0 +1,348 @@
+// What is heard at the edges: fades of other rates, tails, effects that come and go, streams that run dry, clocks
+// that step.
+#include <algorithm>
+
+#include "engine/api/engine.h"
+#include "platform/soundtouch/soundtouch_stretcher.h"
+#include "tests/engine/dsp_signals.h"
+#include "tests/engine/show.h"
+
+namespace zv::engine::test {
+namespace {
+
+using Heard = Show;
+
+float loudest(const std::vector<float>& sound, std::size_t from = 0, std::size_t to = SIZE_MAX) {
+    float most = 0;
+    for (std::size_t i = 2 * from; i < std::min(sound.size(), to == SIZE_MAX ? to : 2 * to); ++i)
+        most = std::max(most, std::abs(sound[i]));
+    return most;
+}
+
+TEST_F(Heard, AFadeTakesItsTimeWhateverTheFormat) {
+    for (const SoundFormat& format :
+         {SoundFormat{44100, 2, 16}, SoundFormat{44100, 1, 16}, SoundFormat{22050, 1, 16},
+          SoundFormat{22050, 2, 16}, SoundFormat{48000, 2, 16}, SoundFormat{96000, 1, 16}})
+        for (const DWORD attribute : {BASS_ATTRIB_VOL, BASS_ATTRIB_VOLDSP})
+            for (const bool logarithmic : {false, true}) {
+                const std::string what = std::to_string(format.rate) + " Hz, channels " +
+                                         std::to_string(format.channels) + ", attribute " +
+                                         std::to_string(attribute) + (logarithmic ? ", log" : "");
+                begin({.period = 147});
+                decoders->sounds["ones"] = {
+                    .format = format, .length = 2 * format.rate, .sample = [](auto, auto) { return 0.5F; }};
+                const Topology studio;
+                const DWORD jingle = studio.jingle(file("ones"));
+                BASS_ChannelPlay(jingle, false);
+                pull(4410);
+                take();
+                BASS_ChannelSlideAttribute(jingle, attribute | (logarithmic ? BASS_SLIDE_LOG : 0), 0.125F,
+                                           200);
+                const std::vector<float> sound = pullAndTake(13230);
+                for (const std::size_t at : {1000U, 4410U, 8000U, 8700U, 8950U, 12000U}) {
+                    const double part = std::min(1.0, static_cast<double>(at) / 8820);
+                    const double gain = logarithmic ? std::pow(0.125, part) : 1 - 0.875 * part;
+                    // A conversion has read up to 4 ms ahead of VOLDSP.
+                    EXPECT_NEAR(sound[2 * at], 0.5 * gain, 0.02) << what << ", frame " << at;
+                    EXPECT_NEAR(sound[2 * at + 1], sound[2 * at], 1e-6) << what;
+                }
+                float levels[2]{};
+                BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.02F, BASS_LEVEL_STEREO);
+                const double level = attribute == BASS_ATTRIB_VOL ? 0.5 : 0.0625;
+                EXPECT_NEAR(levels[0], level, 1e-3) << what;
+                EXPECT_NEAR(levels[1], level, 1e-3) << what;
+            }
+}
+
+TEST_F(Heard, APressDuringTheTailOfAnEndBeginsAnew) {
+    for (const std::uint32_t rate : {44100U, 48000U}) {
+        begin({});
+        decoders->sounds["short"] = {
+            .format = {rate, 2, 16}, .length = 4410, .sample = [](auto, auto) { return 0.25F; }};
+        const Topology studio;
+        const DWORD jingle = studio.jingle(file("short"));
+        BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TAIL, 0.5F);
+        const BASS_DX8_REVERB room{0, 0, 1000, 0.5F};
+        BASS_FXSetParameters(BASS_ChannelSetFX(jingle, BASS_FX_DX8_REVERB, 10), &room);
+        press(jingle);
+        pull(4410 + 8820);
+        EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_PLAYING) << "the tail";
+        take();
+        BASS_ChannelSetPosition(jingle, 0, BASS_POS_BYTE);
+        BASS_FXReset(jingle);
+        BASS_ChannelPlay(jingle, false);
+        const std::vector<float> sound = pullAndTake(2205);
+        EXPECT_NEAR(sound[2 * 400], 0.25, 0.001) << rate << ": its first sound, without the old tail";
+        pull(4410);
+        EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_PLAYING) << "its own tail is whole";
+        pull(22050);
+        EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
+    }
+}
+
+TEST_F(Heard, EffectsThatGoAndComeBackBringNothingOld) {
+    const Topology studio;
+    decoders->sounds["burst"] = {.length = 441000, .sample = [](std::uint64_t f, std::uint32_t) {
+                                     return f < 4410 ? sine(f, 300, 44100, 0.5) : 0.0F;
+                                 }};
+    const BASS_DX8_REVERB room{0, 0, 3000, 0.5F}, none{0, -96, 3000, 0.5F};
+    const BASS_BFX_PEAKEQ boost{0, 0.3F, 0, 300, 15, BASS_BFX_CHANALL},
+        flat{0, 0.3F, 0, 300, 0, BASS_BFX_CHANALL};
+    struct Case {
+        const char* name;
+        std::function<void(DWORD, HFX reverb, HFX eq)> change;  // half a second after the burst
+        bool silent;
+    };
+    const Case cases[] = {
+        {"nothing", [](DWORD, HFX, HFX) {}, false},
+        {"reset of the channel", [](DWORD jingle, HFX, HFX) { BASS_FXReset(jingle); }, true},
+        {"reset of each", [](DWORD, HFX reverb, HFX eq) { BASS_FXReset(reverb), BASS_FXReset(eq); }, true},
+        {"off and on again",
+         [&](DWORD, HFX reverb, HFX eq) {
+             BASS_FXSetParameters(reverb, &none);
+             BASS_FXSetParameters(eq, &flat);
+             pull(4410);
+             BASS_FXSetParameters(reverb, &room);
+             BASS_FXSetParameters(eq, &boost);
+         },
+         true},
+        {"another time",
+         [&](DWORD, HFX reverb, HFX) {
+             const BASS_DX8_REVERB longer{0, 0, 4000, 0.5F};
+             BASS_FXSetParameters(reverb, &longer);
+         },
+         false},
+        {"moved and played", [](DWORD jingle, HFX, HFX) { BASS_ChannelSetPosition(jingle, 88200 * 4, 0); },
+         false},
+    };
+    for (const Case& c : cases) {
+        const DWORD jingle = studio.jingle(file("burst"));
+        const HFX reverb = BASS_ChannelSetFX(jingle, BASS_FX_DX8_REVERB, 10);
+        const HFX eq = BASS_ChannelSetFX(jingle, BASS_FX_BFX_PEAKEQ, 5);
+        BASS_FXSetParameters(reverb, &room);
+        BASS_FXSetParameters(eq, &boost);
+        BASS_ChannelPlay(jingle, false);
+        pull(26460);
+        c.change(jingle, reverb, eq);
+        pull(882);
+        take();
+        const float left = loudest(pullAndTake(4410));
+        if (c.silent) {
+            EXPECT_EQ(left, 0) << c.name;
+        } else {
+            EXPECT_GT(left, 0.001F) << c.name;
+        }
+        BASS_StreamFree(jingle);
+        pull(441);
+    }
+}
+
+TEST_F(Heard, AStopOvertakesItsOwnPlay) {
+    const Topology studio;
+    const DWORD jingle = studio.jingle(file("one")), other = studio.jingle(file("one"));
+    pull(441);
+    // So many commands wait that a play must wait outside the ring. The stop goes ahead of it, and still ends it.
+    for (std::size_t i = 0; i < CommandQueue::kCapacity; ++i)
+        BASS_ChannelSlideAttribute(other, BASS_ATTRIB_VOLDSP, 0.5F, 10);
+    BASS_ChannelPlay(jingle, false);
+    BASS_ChannelStop(jingle);
+    for (int i = 0; i < 5; ++i) {
+        pull(441);
+        BASS_ChannelIsActive(jingle);
+    }
+    take();
+    EXPECT_EQ(loudest(pullAndTake(4410)), 0);
+    // The same where it would begin because it comes into a mixer.
+    BASS_Mixer_ChannelRemove(jingle);
+    for (std::size_t i = 0; i < CommandQueue::kCapacity; ++i)
+        BASS_ChannelSlideAttribute(other, BASS_ATTRIB_VOLDSP, 0.5F, 10);
+    BASS_Mixer_StreamAddChannel(studio.mainMixer, jingle, 0);
+    BASS_ChannelPlay(jingle, false);
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOL, -1, 0);
+    for (int i = 0; i < 5; ++i) {
+        pull(441);
+        BASS_ChannelIsActive(jingle);
+    }
+    take();
+    EXPECT_EQ(loudest(pullAndTake(4410)), 0);
+}
+
+/// A stream that gives as much as it is allowed to.
+struct Faucet final : Decoder, DecoderSource {
+    std::shared_ptr<std::size_t> frames = std::make_shared<std::size_t>(0);
+    Faucet() = default;
+    explicit Faucet(std::shared_ptr<std::size_t> from) : frames(std::move(from)) {}
+    SoundFormat format() const override { return {44100, 2, 16}; }
+    std::optional<std::uint64_t> length() const override { return std::nullopt; }
+    std::size_t read(std::span<float> out) override {
+        const std::size_t n = std::min(out.size() / 2, *frames);
+        *frames -= n;
+        std::fill_n(out.begin(), n * 2, 0.5F);
+        return n;
+    }
+    bool seek(std::uint64_t) override { return false; }
+    bool ended() const override { return false; }
+    std::unique_ptr<Decoder> openFile(const std::string&, int&) override { return nullptr; }
+    std::unique_ptr<Decoder> openModule(const std::string&, int&) override { return nullptr; }
+    std::unique_ptr<Decoder> openUrl(const std::string&, std::uint32_t, int&) override {
+        return std::make_unique<Faucet>(frames);
+    }
+};
+
+TEST_F(Heard, AStreamThatRanDryFillsUpFirstAndFadesOutMeanwhile) {
+    const auto web = std::make_shared<Faucet>();
+    engineControl()->install({web, nullptr, devices});
+    const Topology studio;
+    const DWORD live = BASS_StreamCreateURL("x", 0, BASS_STREAM_DECODE, nullptr, nullptr);
+    BASS_Mixer_StreamAddChannel(studio.mainMixer, live, 0);
+    const auto hears = [&](std::size_t frames, double pulled) {
+        *web->frames += frames;
+        take();
+        const std::vector<float> sound = pullAndTake(static_cast<std::uint64_t>(pulled * 44100));
+        return static_cast<double>(std::ranges::count(sound, 0.5F)) / 2 / 44100;
+    };
+    EXPECT_EQ(hears(13230, 0.5), 0) << "0.3 s are not enough to begin with";
+    EXPECT_NEAR(hears(13230, 2), 0.6, 0.01) << "0.6 s are";
+    EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_STALLED);
+    EXPECT_EQ(hears(13230, 0.5), 0) << "nor to go on with";
+    EXPECT_NEAR(hears(88200, 1), 1, 0.01);
+    EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_PLAYING);
+    // A fade to the stop runs on while it is dry, and ends in its time.
+    pull(88200);
+    EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_STALLED);
+    BASS_ChannelSlideAttribute(live, BASS_ATTRIB_VOL, -1, 500);
+    pull(22050 - 441);
+    EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_STALLED);
+    pull(882);
+    EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_STOPPED);
+}
+
+TEST_F(Heard, AReaderOfASplitThatLagsGoesOnWithThePresent) {
+    const Topology studio;
+    const DWORD source = file("ramp");
+    const DWORD first = BASS_Split_StreamCreate(source, BASS_STREAM_DECODE, nullptr),
+                second = BASS_Split_StreamCreate(source, BASS_STREAM_DECODE, nullptr);
+    BASS_Mixer_StreamAddChannel(studio.outMixer[0], first, 0);
+    BASS_Mixer_StreamAddChannel(studio.outMixer[1], second, 0);
+    pull(4410);
+    // It stood still for a second, out of its mixer for another: each time it goes on with what the other gives.
+    for (const bool out : {false, true}) {
+        out ? BASS_Mixer_ChannelRemove(second) : BASS_ChannelStop(second);
+        pull(44100);
+        if (out) BASS_Mixer_StreamAddChannel(studio.outMixer[1], second, 0);
+        if (!out) BASS_ChannelPlay(second, false);
+        take(), take(kAuxName);
+        pull(4410);
+        EXPECT_EQ(take(), take(kAuxName)) << out;
+    }
+    // A mixer that is freed under its splits leaves silence, and nothing that hangs.
+    BASS_ChannelPlay(studio.jingle(file("one")), false);
+    pull(441);
+    BASS_StreamFree(studio.mainMixer);
+    BASS_StreamFree(source);
+    pull(882);
+    take();
+    EXPECT_EQ(loudest(pullAndTake(4410)), 0);
+    EXPECT_TRUE(BASS_StreamFree(first) && BASS_StreamFree(second) && BASS_StreamFree(studio.mainSplit[0]));
+    pull(441);
+}
+
+TEST_F(Heard, AStretchedPressIsStretchedFromItsFirstFrame) {
+    engineControl()->install({decoders, soundTouchStretchers(), devices});
+    const Topology studio;
+    const DWORD jingle = studio.jingle(file("sine"));
+    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO_PITCH, 12);  // 1 kHz becomes 2
+    for (const QWORD from : {QWORD{0}, QWORD{44100} * 4}) {
+        BASS_ChannelSetPosition(jingle, from, BASS_POS_BYTE);
+        BASS_ChannelPlay(jingle, false);
+        take();
+        const std::vector<float> sound =
+            pullAndTake(882);  // 20 ms: a change while it sounds would take longer
+        int turns = 0;
+        for (std::size_t f = 1; f < 882; ++f) turns += (sound[2 * f] < 0) != (sound[2 * f - 2] < 0);
+        EXPECT_NEAR(turns, 80, 4);
+        EXPECT_TRUE(Engine::instance().find(jingle)->audio.stretched);
+        BASS_ChannelStop(jingle);
+        pull(441);
+    }
+}
+
+/// Writer and reader of a bridge, each by its own clock, a millisecond a step.
+struct Clockwork {
+    explicit Clockwork(BridgeOptions options) : bridge(options) {}
+    /// `written` and `read` frames in each of `steps`.
+    void run(int steps, std::size_t written, std::size_t read) {
+        const AudioSection audio;
+        for (int i = 0; i < steps; ++i) {
+            std::vector<float> in(2 * written), out(2 * read);
+            for (std::size_t f = 0; f < written; ++f)
+                in[2 * f] = in[2 * f + 1] = 1e-6F * static_cast<float>(++last);
+            if (written > 0) bridge.write(in);
+            if (read > 0) bridge.read(out), heard = out;
+        }
+    }
+    double distanceMs() const { return static_cast<double>(bridge.filled()) / 44.1; }
+    Bridge bridge;
+    std::size_t last = 0;
+    std::vector<float> heard;
+};
+
+TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
+    BridgeOptions options;
+    options.targetMs = 30;
+    options.leastMs = 18;
+    options.mostMs = 60;
+    {
+        Clockwork c(options);
+        c.run(20, 441, 0);
+        c.run(1, 0, 441);
+        EXPECT_NEAR(c.distanceMs(), 30 - 10, 2) << "200 ms ahead: given up at once";
+        c.run(3000, 441, 441);
+        EXPECT_NEAR(c.bridge.target(), 30, 0.1) << "what is left is about right";
+        EXPECT_EQ(c.bridge.underruns(), 0U);
+    }
+    {
+        Clockwork c(options);
+        c.run(4, 441, 0);
+        c.run(100, 441, 441);
+        // Every second the reader takes 35 ms at once: what is left at the worst moment is too little.
+        for (int second = 0; second < 6; ++second) {
+            c.run(97, 441, 441);
+            c.run(1, 0, 1543);
+            c.run(1, 1543, 0);
+        }
+        EXPECT_GT(c.bridge.target(), 32);
+        EXPECT_LE(c.bridge.target(), 60);
+        c.run(500, 441, 441);
+        const double grown = c.bridge.target();
+        c.run(100 * 130, 441, 441);
+        EXPECT_LT(c.bridge.target(), grown) << "two minutes of calm let it shrink";
+        EXPECT_GE(c.bridge.target(), grown - 3) << "a millisecond a minute";
+        // Nothing comes any more: one underrun is told, and the next sound waits for the whole distance.
+        const auto before = c.bridge.underruns();
+        c.run(30, 0, 441);
+        EXPECT_EQ(c.bridge.underruns(), before + 1);
+        EXPECT_EQ(loudest(c.heard), 0);
+        c.run(2, 441, 441);
+        EXPECT_EQ(loudest(c.heard), 0) << "20 ms are too little to begin with";
+        c.run(3, 882, 441);
+        EXPECT_GT(loudest(c.heard), 0);
+        c.bridge.restart();
+        c.run(1, 441, 441);
+        EXPECT_EQ(loudest(c.heard), 0) << "begun anew";
+    }
+    {
+        options.oneClock = true;
+        Clockwork c(options);
+        c.run(10, 441, 441);
+        EXPECT_EQ(c.heard.back(), 1e-6F * static_cast<float>(c.last)) << "in step: the frame just written";
+        c.run(1, 2205 + 441, 441);
+        EXPECT_EQ(c.distanceMs(), 50) << "so much of slack is let be";
+        c.run(1, 442, 441);
+        EXPECT_EQ(c.distanceMs(), 0) << "beyond that it catches up";
+        EXPECT_EQ(c.heard.back(), 1e-6F * static_cast<float>(c.last));
+    }
+}
+
+}  // namespace
+}  // namespace zv::engine::test
