@@ -7,11 +7,12 @@
 #include <vector>
 
 #include "audio/devices.h"
+#include "audio/talk_over.h"
 #include "platform/desktop.h"
 #include "startup/language.h"
 #include "startup/settings.h"
-#include "ui/records/timers.h"
 #include "ui/screen/layout.h"
+#include "ui/screen/mic_keys.h"
 #include "ui/settings/mixer_controls.h"
 
 namespace zv {
@@ -117,20 +118,14 @@ void InputChosen() {
     settings.DeviceInName = m.cmbInDev.text();
     CloseMic();
     OpenMic();
+    // While its key is held the microphone goes on at its levels on the new input.
+    SetInputVolume(0, settings.VolumeInMain);
+    SetInputVolume(1, settings.VolumeInAux);
 }
 
 void InputSwitched() {
-    MixerWindow& m = frmMixer();
-    settings.InputEnabled = m.ckInputEnable.value;
-    if (settings.InputEnabled == 1) {
-        OpenMic();
-    } else {
-        CloseMic();
-        timers().TimerTOrelease.setInterval(settings.InTORelease);
-        timers().TimerTOrelease.restart();
-    }
+    SwitchInput(frmMixer().ckInputEnable.value == 1);
     ShowInputControls();
-    FormDraw("init");
 }
 
 void ShowInputControls() {
