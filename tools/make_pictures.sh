@@ -169,9 +169,11 @@ OutJingle1=902405,90241C,902400,902415
 INI
 cat > "$work/surface.txt" <<EOF
 at 0 resize 1280 800
-at 0 click frmMain.lblMIDIIcon
+at 0 key F2
+at 100 click frmMixer.btMIDI
 at 200 shot frmMIDISettings midi-settings.png
 at 300 key Escape
+at 350 key Escape
 at 400 rclick b_Jingle(1)
 at 500 menu mnuMIDI
 at 600 midi 90247F

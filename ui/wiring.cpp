@@ -280,9 +280,9 @@ void disableWhatIsToCome() {
     MainWindow& w = frmMain();
     AnnouncerTab& a = w.announcer;
     LiveTab& l = w.live;
-    for (Control* c : {&a.ckTmAnn, &a.b_tmAnJin, &a.b_tmAnJinAM, &a.DTMinute, &a.DTSecond, &a.DTDelay,
-                       &l.cmbStream, &l.ckPlayStream, &l.btRemUrl, &l.ckMixByTa, &l.ckAutoDuckLive,
-                       &l.SlideVolLive, &l.btCoefVolLive}) {
+    for (Control* c :
+         {&a.ckTmAnn, &a.b_tmAnJin, &a.b_tmAnJinAM, &a.DTMinute, &a.DTSecond, &a.DTDelay, &l.cmbStream,
+          &l.ckPlayStream, &l.btRemUrl, &l.ckMixByTa, &l.ckAutoDuckLive, &l.SlideVolLive, &l.btCoefVolLive}) {
         c->enabled = false;
     }
     w.palettes.txtSave.enabled = false;
@@ -329,7 +329,7 @@ void Form_Load() {
         wireKeys();
         wireTimers();
         buttonMade = wireButton;
-        setMinimumSize(w.window, MinWinWidth, MinWinHeight);
+        LimitWindow(w.window);
     });
 }
 

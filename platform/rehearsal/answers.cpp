@@ -58,6 +58,7 @@ BoxAnswer worded(BoxButtons buttons, bool agree) {
 }
 
 std::string dialog(const std::string& kind, const std::string& title) {
+    shell::noteOpened();
     const std::optional<std::string> answer = nextAnswer();
     const bool given = answer && *answer != "cancel" && *answer != "no";
     std::string path = given ? Stage::instance().file(*answer) : std::string{};
@@ -74,6 +75,7 @@ std::string dialog(const std::string& kind, const std::string& title) {
 // ---------------------------------------------------------------------------------------------------
 
 BoxAnswer messageBox(const std::string& message, const std::string& title, BoxKind, BoxButtons buttons) {
+    shell::noteOpened();
     const Stage& stage = Stage::instance();
     const std::optional<std::string> answer = nextAnswer(buttons != BoxButtons::ok);
     BoxAnswer given = worded(buttons, stage.closing);
@@ -102,6 +104,7 @@ std::string saveFileDialog(const std::string& title, const std::string&, const s
 std::string folderDialog(const std::string& title, const std::string&) { return dialog("folder", title); }
 
 void popupMenu(Control&, const std::vector<MenuItem>& items) {
+    shell::noteOpened();
     const Stage& stage = Stage::instance();
     if (!stage.chooseFromMenu) return;
     const std::string name = stage.chooseFromMenu(items);

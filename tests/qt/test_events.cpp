@@ -1,6 +1,8 @@
 // What the user does reaches the handlers: once, in order, and only where it was done.
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
+
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
@@ -244,6 +246,26 @@ TEST(Drop, OneFileGoesToTheControlUnderIt) {
     EXPECT_TRUE(dropFile(s.families[3]->button, "/tmp/a b.wav"));
     EXPECT_EQ(s.told(), "b_Jingle(3):drop /tmp/a b.wav");
     EXPECT_FALSE(dropFile(s.label, "/tmp/a b.wav")) << "nobody there takes files";
+}
+
+TEST(Mouse, APressThatOpenedAWindowEndsWithIt) {
+    Stage s;
+    Control other("frmOther", ControlKind::window);
+    other.width = twips(100);
+    other.height = twips(100);
+    for (Control* pressed : {&s.families[0]->button, &s.key}) {
+        s.listen(*pressed);
+        pressed->onMouseDown = [&](const MouseEvent&) { showWindow(other); };
+        EXPECT_TRUE(mouseDown(*pressed));
+        EXPECT_FALSE(isHeld(*pressed)) << pressed->name;
+        const auto* key = qobject_cast<QAbstractButton*>(&viewOf(*pressed)->widget);
+        EXPECT_FALSE(key != nullptr && key->isDown()) << "nor is it painted pressed";
+        EXPECT_EQ(s.told(), pressed->name + (pressed->index < 0 ? "" : "(0)") + ":up");
+        mouseUp(*pressed);
+        EXPECT_EQ(s.told(), "") << "its release has counted already";
+        hideWindow(other);
+    }
+    dropWindow(other);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "ui/records/main_window.h"
 #include "ui/screen/layout_grid.h"
 #include "ui/screen/layout_strip.h"
+#include "ui/screen/window_place.h"
 #include "ui/windows/shortcuts_window.h"
 
 namespace zv::test {
@@ -306,6 +307,27 @@ TEST_F(LayoutTest, theListOfKeysTellsWhatWorks) {
     s.form.window.onKeyDown(escape);
     EXPECT_TRUE(escape.consumed);
     EXPECT_FALSE(s.form.window.visible);
+}
+
+TEST_F(LayoutTest, theWindowIsHeldToTheScreenWhateverTheFileSays) {
+    // The screen of the tests has 1280 x 800 pixels.
+    const struct {
+        int left, top, width, height;  // pixels, as saved
+    } cases[] = {{0, 0, 333333, 700}, {5000, 5000, 1000, 700}, {-4000, 100, 900, 600}, {100, 100, 10, 10}};
+    settings.WinState = 0;
+    for (const auto& c : cases) {
+        settings.PosLeft = c.left * kTwipsPerPixel;
+        settings.PosTop = c.top * kTwipsPerPixel;
+        settings.WinWidth = c.width * kTwipsPerPixel;
+        settings.WinHeight = c.height * kTwipsPerPixel;
+        Control window("frmHeld", ControlKind::window);
+        PlaceWindow(window);
+        EXPECT_GE(window.left(), 0);
+        EXPECT_GE(window.top(), 0);
+        EXPECT_LE(window.left + window.width, 1280 * kTwipsPerPixel) << c.left << " " << c.width;
+        EXPECT_LE(window.top + window.height, 800 * kTwipsPerPixel) << c.top << " " << c.height;
+        EXPECT_GE(window.width(), MinWinWidth * kTwipsPerPixel);
+    }
 }
 
 }  // namespace zv::test

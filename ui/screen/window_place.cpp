@@ -17,7 +17,40 @@ namespace {
 constexpr int kTitleBar = 64;  // pixels that a desktop may take from a window that fills it
 constexpr int kMaximised = 2;  // of WinState
 
+/// The screen that holds the middle of the window's title, else the one that the settings name.
+Monitor screenFor(const Control& window, const std::vector<Monitor>& screens) {
+    const int x = (window.left + window.width / 2) / kTwipsPerPixel;
+    const int y = window.top / kTwipsPerPixel;
+    for (const Monitor& m : screens) {
+        if (x >= m.left && x < m.left + m.width && y >= m.top && y < m.top + m.height) {
+            return m;
+        }
+    }
+    const auto wanted = static_cast<std::size_t>(settings.Monitor);
+    return screens[wanted < screens.size() ? wanted : 0];
+}
+
+/// A size and a place inside the screen, whatever the file says.
+void holdToScreen(Control& window, const Monitor& screen) {
+    const int wide = screen.width * kTwipsPerPixel;
+    const int high = (screen.height - kTitleBar) * kTwipsPerPixel;
+    window.width = std::clamp(window.width(), std::min(MinWinWidth * kTwipsPerPixel, wide), wide);
+    window.height = std::clamp(window.height(), std::min(MinWinHeight * kTwipsPerPixel, high), high);
+    const int left = screen.left * kTwipsPerPixel, top = screen.top * kTwipsPerPixel;
+    window.left = std::clamp(window.left(), left, left + wide - window.width);
+    window.top = std::clamp(window.top(), top, top + high - window.height);
+}
+
 }  // namespace
+
+void LimitWindow(Control& window) {
+    int width = MinWinWidth, height = MinWinHeight;
+    for (const Monitor& m : monitors()) {
+        width = std::min(width, m.width);
+        height = std::min(height, m.height - kTitleBar);
+    }
+    setMinimumSize(window, width, height);
+}
 
 void PlaceWindow(Control& window) {
     window.width = settings.WinWidth;
@@ -32,6 +65,8 @@ void PlaceWindow(Control& window) {
         window.height = screen.height * kTwipsPerPixel;
         window.left = screen.left * kTwipsPerPixel;
         window.top = screen.top * kTwipsPerPixel;
+    } else if (!screens.empty()) {
+        holdToScreen(window, screenFor(window, screens));
     }
 }
 

@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QCursor>
 #include <QFileDialog>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPainter>
@@ -66,6 +67,23 @@ QString filterOf(const std::string& filter) {
     return QStringLiteral("%1 (%2)").arg(textOf(filter), patterns.join(QLatin1Char(' ')));
 }
 
+/// Escape stops the sound, whatever else it closes.
+class EscapeStops final : public QObject {
+  public:
+    explicit EscapeStops(QObject& watched) { watched.installEventFilter(this); }
+
+    bool eventFilter(QObject*, QEvent* e) override {
+        if (e->type() != QEvent::KeyPress || static_cast<QKeyEvent*>(e)->key() != Qt::Key_Escape)
+            return false;
+        const Control* main = findControl("frmMain");
+        if (main != nullptr && main->onKeyDown) {
+            KeyEvent escape{Key::escape};
+            shell::call([&] { main->onKeyDown(escape); });
+        }
+        return false;
+    }
+};
+
 }  // namespace
 
 BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind kind, BoxButtons buttons) {
@@ -98,6 +116,8 @@ BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind 
         if (QAbstractButton* button = box.button(which); button != nullptr && !word.empty())
             button->setText(textOf(word));
     }
+    const EscapeStops stops(box);
+    shell::noteOpened();
     switch (box.exec()) {
         case QMessageBox::Yes:
             return BoxAnswer::yes;
@@ -111,15 +131,18 @@ BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind 
 }
 
 std::string openFileDialog(const std::string& title, const std::string& folder, const std::string& filter) {
+    shell::noteOpened();
     return utf8(QFileDialog::getOpenFileName(front(), textOf(title), textOf(folder), filterOf(filter)));
 }
 
 std::string saveFileDialog(const std::string& title, const std::string& folder, const std::string& name) {
+    shell::noteOpened();
     const QString start = folder.empty() ? textOf(name) : textOf(folder) + QLatin1Char('/') + textOf(name);
     return utf8(QFileDialog::getSaveFileName(front(), textOf(title), start));
 }
 
 std::string folderDialog(const std::string& title, const std::string& folder) {
+    shell::noteOpened();
     return utf8(QFileDialog::getExistingDirectory(front(), textOf(title), textOf(folder)));
 }
 
@@ -139,6 +162,8 @@ void popupMenu(Control& window, const std::vector<MenuItem>& items) {
         action->setChecked(item.ticked);
         action->setObjectName(textOf(item.name));
     }
+    const EscapeStops stops(menu);
+    shell::noteOpened();
     const QAction* chosen = menu.exec(QCursor::pos());
     if (chosen == nullptr) return;
     for (const MenuItem& item : items) {

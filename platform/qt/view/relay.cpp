@@ -9,10 +9,12 @@
 #include <QTouchEvent>
 #include <QUrl>
 #include <QWindow>
+#include <cstdint>
 #include <set>
 #include <unordered_map>
 
 #include "platform/qt/view/keys.h"
+#include "platform/qt/view/shell.h"
 #include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
 
@@ -140,9 +142,25 @@ class Relay final : public QObject {
         const MouseEvent event = told(record, at, button, shiftOf(e.modifiers()));
         // A quick second press is a press as well: on air each counts.
         const QPointer<QWidget> alive(&source_);
+        const std::uint64_t opened = openedSoFar();
         call(record.onMouseDown, event);
+        if (alive && openedSoFar() != opened) {
+            endPress(event);
+            return true;  // nor does the widget look pressed
+        }
         if (alive && e.type() == QEvent::MouseButtonDblClick) call(record.onDoubleClick, event);
         return painted();
+    }
+
+    /// The release went to what the press has opened: it counts here, as one beside the control.
+    void endPress(const MouseEvent& event) {
+        if (held_.part == nullptr) return;
+        Control& record = *held_.part;
+        held_.buttons = 0;
+        held_.part = nullptr;
+        hold(&record, -1);
+        showHeld();
+        call(record.onMouseUp, event);
     }
 
     bool mouseReleased(QMouseEvent& e) {
@@ -405,6 +423,14 @@ void relayEvents(RecordView& view, QWidget& source) {
 }
 
 void relayWindowKeys(RecordView& view) { new WindowKeys(view); }
+
+namespace {
+std::uint64_t opened = 0;
+}
+
+void noteOpened() { ++opened; }
+
+std::uint64_t openedSoFar() { return opened; }
 
 bool isKeyDown(Key key) { return keysDown().contains(key); }
 

@@ -36,6 +36,8 @@ void deliverEvents();
 void dropWindow(Control& window);
 /// The windows that are open, from back to front.
 std::vector<Control*> openWindows();
+/// A window, menu or dialog opens: the press that opened it ends there, wherever its release goes.
+void noteOpened();
 /// Names of the controls of a window whose texts do not find their room, joined by blanks; those that are seen.
 std::string clippedTexts(const Control& window);
 /// True when the record is on the screen: it, its parents and its window are visible.

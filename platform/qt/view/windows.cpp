@@ -249,6 +249,7 @@ void showWindow(Control& window) {
     setProgramTheme(themeFor(window));
     QApplication::setPalette(paletteOf(themeFor(window)));
     flushChanged();
+    if (!w->isVisible()) noteOpened();
     w->show();
     w->raise();
     w->activateWindow();
