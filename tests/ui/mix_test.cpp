@@ -357,6 +357,7 @@ TEST_F(MixTest, aBarThatWasFullIsMarkedForAMoment) {
     EXPECT_TRUE(left.meterLook().clipped);
     pass(700);
     EXPECT_FALSE(left.meterLook().clipped);
+    pass(500);  // the tool tip is looked at twice a second
     EXPECT_EQ(left.toolTip(), "Peak L -\u221e dBFS");
     ApplyMeterLook();
     const int shown = settings.VUchan;
