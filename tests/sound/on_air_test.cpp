@@ -34,8 +34,10 @@ class OnAir : public testing::Test {
                 BASS_Mixer_StreamAddChannel(outMixer[i],
                                             BASS_Split_StreamCreate(bus, BASS_STREAM_DECODE, nullptr),
                                             BASS_MIXER_CHAN_BUFFER);
-            ASSERT_TRUE(BASS_Init(i + 1, rate, 0, nullptr, nullptr)) << BASS_ErrorGetCode();
-            BASS_SetDevice(static_cast<DWORD>(i + 1));
+            device[i] = numberOf(i == 0 ? "OutOne" : "OutTwo");
+            ASSERT_TRUE(BASS_Init(static_cast<int>(device[i]), rate, 0, nullptr, nullptr))
+                << BASS_ErrorGetCode();
+            BASS_SetDevice(device[i]);
             const DWORD out = BASS_Split_StreamCreate(outMixer[i], 0, nullptr);
             BASS_ChannelSetAttribute(out, BASS_ATTRIB_BUFFER, 0);
             ASSERT_TRUE(BASS_ChannelStart(out));
@@ -43,8 +45,17 @@ class OnAir : public testing::Test {
     }
     void TearDown() override {
         BASS_RecordFree();
-        for (const DWORD device : {2U, 1U, 0U})
-            if (BASS_SetDevice(device)) BASS_Free();
+        for (const DWORD number : {device[1], device[0], 0U})
+            if (BASS_SetDevice(number)) BASS_Free();
+    }
+
+    /// The number of an output, which follows from the names of all that there are.
+    static DWORD numberOf(const std::string& name) {
+        BASS_DEVICEINFO info{};
+        for (DWORD number = 1; BASS_GetDeviceInfo(number, &info); ++number)
+            if (info.name == name) return number;
+        ADD_FAILURE() << "no output " << name;
+        return 0;
     }
 
     DWORD jingle(const std::string& path) {
@@ -58,7 +69,7 @@ class OnAir : public testing::Test {
 
     SoundServer server;
     Folder folder;
-    DWORD mainMixer = 0, micMixer = 0, outMixer[2]{};
+    DWORD mainMixer = 0, micMixer = 0, outMixer[2]{}, device[2]{};
 };
 
 /// First frame of `sound` that is louder than noise; its size when there is none.
@@ -131,7 +142,7 @@ TEST_F(OnAir, OutputsRestAndAPressEndsTheRestAtOnce) {
     };
     float worst = 1, lag = 1000;
     for (int attempt = 0; attempt < 6 && worst > 1e-6F; ++attempt) {
-        ASSERT_TRUE(rest(1) && rest(2));
+        ASSERT_TRUE(rest(device[0]) && rest(device[1]));
         // What makes no sound is heard as well.
         const float volume = 0.5F + 0.1F * static_cast<float>(attempt);
         BASS_ChannelSlideAttribute(play, BASS_ATTRIB_VOL, volume, 5);
@@ -140,7 +151,7 @@ TEST_F(OnAir, OutputsRestAndAPressEndsTheRestAtOnce) {
             return BASS_ChannelGetAttribute(play, BASS_ATTRIB_VOL, &now) && now == volume;
         }));
         BASS_ChannelSetAttribute(play, BASS_ATTRIB_VOL, 1);
-        ASSERT_TRUE(rest(1) && rest(2));
+        ASSERT_TRUE(rest(device[0]) && rest(device[1]));
         Listener mainEar, auxEar;
         const auto devices = makePulseDevices({.server = server.address()});
         const auto one = devices->openInput("out1.monitor", rate, mainEar),
