@@ -145,7 +145,11 @@ at 15500 press 24
 at 15600 key F2
 at 15800 click frmMixer.ckInputEnable
 at 16500 shot frmMixer mixer.png
-at 16600 end
+at 16600 key Escape
+at 16800 rclick b_Jingle(2)
+at 16900 menu mnuFX
+at 17500 shot frmFX editor.png
+at 17600 end
 EOF
 perform manual
 home duck ""
