@@ -9,9 +9,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 . "$here/window.sh"
 need Xvfb openbox xprop pulseaudio pactl xdotool parec python3
 own_user
-own_screen
-openbox >"$work/openbox.log" 2>&1 &
-pids+=($!)
+own_desktop
 mkdir -p "$work/home"
 python3 "$here/tone.py" write "$work/home/Audio_Sample/Tone.wav"
 printf '[Test]\r\nPath_0=Audio_Sample\\Tone.wav\r\n' >"$work/home/palette.ini"
