@@ -49,8 +49,10 @@ TEST_F(Helpers, PathsUnderTheProgramFolderAreRelative) {
         EXPECT_EQ(GetRelPath(path), path);
     }
     EXPECT_EQ(GetRelPath(here + "2/x.wav"), here + "2/x.wav");
-    const std::string shouted = "/TMP" + here.substr(here.find('/', 1));
-    EXPECT_EQ(GetRelPath(shouted + "/x.wav"), shouted + "/x.wav") << "another folder to the system";
+    if (here.starts_with('/')) {
+        const std::string shouted = "/TMP" + here.substr(here.find('/', 1));
+        EXPECT_EQ(GetRelPath(shouted + "/x.wav"), shouted + "/x.wav") << "another folder to the system";
+    }
     setProgramFolder("C:\\Zentrova\\");
     EXPECT_EQ(GetFullPath("\\Fonts\\x.ttf"), "C:\\Zentrova\\Fonts\\x.ttf");
     EXPECT_EQ(GetRelPath("c:\\zentrova\\A.wav"), "A.wav");
