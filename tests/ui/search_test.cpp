@@ -157,6 +157,21 @@ TEST_F(SearchTest, WithoutResultsThePaletteOpensAtOnceAndPickingAnotherEndsTheBl
     EXPECT_TRUE(SearchHits.empty());
 }
 
+TEST_F(SearchTest, AHitThatSoundsKeepsItsFace) {
+    settings.BlinksJSearch = 3;
+    JingSearch();
+    type("news");
+    s().btKbGo.onClick();
+    load(0, 3000);
+    press(0);
+    const Colour face = button(0).backColor();
+    for (int tick = 0; tick < 5; ++tick) {
+        ASSERT_EQ(SearchHits, (std::vector<int>{0, 9}));
+        TimerFindJinglesTick();
+        EXPECT_EQ(button(0).backColor(), face) << tick;
+    }
+}
+
 TEST_F(SearchTest, ClosesByTimeUnlessSomebodyTypes) {
     settings.AutoClJSearchSec = 1;
     JingSearch();

@@ -260,6 +260,7 @@ void TimerFindJinglesTick() {
         }
         blinkOn = !blinkOn;
         for (const int index : SearchHits) {
+            if (Sounds(index)) continue;  // what sounds keeps its face
             if (blinkOn) {
                 PaintButton(index, settings.arColor, 0);
             } else {
@@ -271,14 +272,18 @@ void TimerFindJinglesTick() {
 }
 
 void TimerSearchTick() {
-    if (++pauseTicks < kPauseTicks) return;
-    timers().TimerSearch.stop();
-    SearchJing();
+    guarded("frmSearchJing.TimerSearch_Timer", [] {
+        if (++pauseTicks < kPauseTicks) return;
+        timers().TimerSearch.stop();
+        SearchJing();
+    });
 }
 
 void TimerAutoClJSearchTick() {
-    search().VUSearchDelay.value = --countDown;
-    if (countDown <= 0) CloseSearchBox();
+    guarded("frmSearchJing.TimerAutoClJSearch_Timer", [] {
+        search().VUSearchDelay.value = --countDown;
+        if (countDown <= 0) CloseSearchBox();
+    });
 }
 
 void TimerClearTick() { guarded("frmSearchJing.TimerClear_Timer", deleteLast); }
