@@ -5,6 +5,7 @@
 
 #include "audio/streams.h"
 #include "engine/bass.h"
+#include "model/after_sound.h"
 #include "model/held_palette.h"
 #include "model/jingle.h"
 #include "startup/settings.h"
@@ -67,6 +68,10 @@ void PlayEnded(int index) {
     if (j.hPlay != 0) BASS_FXReset(j.hPlay);
     if (!j.PlayingOtherPal) return;
     j.PlayingOtherPal = false;
+    if (const PersistedJingle* next = AfterSound(index)) {
+        FillSlot(index, PersistedJingle(*next));
+        return;
+    }
     const bool hot = index >= kPaletteSlots;
     openNames(index, hot ? kHotSection : HeldPalette(), hot);
     openStreams(index);

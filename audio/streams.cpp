@@ -13,6 +13,7 @@
 #include "audio/upcalls.h"
 #include "audio/waiting_press.h"
 #include "engine/bass.h"
+#include "model/after_sound.h"
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/palette_lines.h"
@@ -263,6 +264,7 @@ void ClearRecord(int index) {
     if (!inRange(index)) return;
     openings[static_cast<std::size_t>(index)].cancel();
     TakeWaitingPress(index);
+    DropAfterSound(index);
     JingleRecord& j = Jingle(index);
     j = JingleRecord();
     j.BackRGB = BtnFaceColor;
@@ -286,6 +288,7 @@ void openNames(int index, const SlotKeys& keys) {
             return;
         }
         FreeJingle(index);
+        DropAfterSound(index);
         const std::string path = keys.text("Path_");
         if (path.empty() || !IsSoundExtension(GetFileExt(GetFileName(path)))) {
             callUp(audioUpcalls.feedback, index, Feedback::empty);
@@ -299,6 +302,23 @@ void openNames(int index, const SlotKeys& keys) {
         j.State = PlayState::idle;
         ReadSlot(j, keys);
         callUp(audioUpcalls.namesRead, index);
+    });
+}
+
+void FillSlot(int index, const PersistedJingle& content) {
+    guarded("modClick.FillSlot", [&] {
+        FreeJingle(index);
+        ClearRecord(index);
+        if (content.Path.empty()) {
+            callUp(audioUpcalls.feedback, index, Feedback::empty);
+            callUp(audioUpcalls.slotReset, index);
+            return;
+        }
+        JingleRecord& j = Jingle(index);
+        j.persisted() = content;
+        DeriveFields(j);
+        callUp(audioUpcalls.namesRead, index);
+        openStreams(index);
     });
 }
 

@@ -6,6 +6,7 @@
 namespace zv {
 
 class SlotKeys;
+struct PersistedJingle;
 
 /// Reads the persisted fields of slot `index` from `section` of the palette file, or of the hot jingles' when
 /// `isHot` (numbers less 96). A slot that still sounds keeps its record and is marked PlayingOtherPal. A slot
@@ -13,6 +14,8 @@ class SlotKeys;
 void openNames(int index, const std::string& section, bool isHot);
 /// The same from other lines than the files'.
 void openNames(int index, const SlotKeys& keys);
+/// Another content for a slot that is silent; its file is opened.
+void FillSlot(int index, const PersistedJingle& content);
 /// Opens the channels of a slot and works out what depends on the file: a worker asks the disk, and the slot is
 /// filled when it has answered. A file that cannot be opened shows on its button and disturbs nothing else.
 void openStreams(int index);

@@ -42,6 +42,8 @@ enum class Action : std::uint8_t {
     loop,
     tickAll,
     copyCaptions,
+    undo,
+    redo,
 
     // ---- announcer ----
     announcer,

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "engine/bass.h"
+#include "model/after_sound.h"
 #include "model/history.h"
 #include "model/state.h"
 #include "platform/paths.h"
@@ -142,7 +143,11 @@ std::vector<cImpulse::Line> SlotLines(int first, int last, const std::vector<cIm
         const int suffix = i - first;
         std::vector<cImpulse::Line> own;
         const bool hotWithoutButton = first == kPaletteSlots && JExists[static_cast<std::size_t>(i)] != 1;
-        if (jingle.PlayingOtherPal || hotWithoutButton) {
+        if (const PersistedJingle* next = AfterSound(i)) {
+            JingleRecord after;
+            after.persisted() = *next;
+            if (!after.Path.empty()) own = JingleLines(after, suffix, GetRelPath(after.Path));
+        } else if (jingle.PlayingOtherPal || hotWithoutButton) {
             // The record is still that of an earlier palette, or was never filled; the slot waits in the file.
             own = storedLines(stored, suffix);
         } else if (jingle.Kind == SlotKind::playlist) {

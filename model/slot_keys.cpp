@@ -69,7 +69,6 @@ void ReadSlot(JingleRecord& jingle, const SlotKeys& keys) {
     jingle.FadeOut = keys.whole("FadeOut_");
     jingle.LogFadeOut = keys.byte("LogFadeOut_");
     jingle.LoopFadeOut = keys.byte("LoopFadeOut_");
-    jingle.FadeAttrib = FadeAttribOf(jingle);
     jingle.BTNCol = keys.text("BTNCol_", kFaceColourText);
     const std::uint8_t mode = keys.byte("PlayMod_");
     jingle.PlayMod =
@@ -78,6 +77,11 @@ void ReadSlot(JingleRecord& jingle, const SlotKeys& keys) {
     jingle.StopPos = keys.number("StopPos_");
     jingle.FXV = keys.text("FXV_");
     jingle.KeepsStored = false;
+    DeriveFields(jingle);
+}
+
+void DeriveFields(JingleRecord& jingle) {
+    jingle.FadeAttrib = FadeAttribOf(jingle);
     jingle.BackRGB = ButtonColour(jingle.BTNCol);
     jingle.ForeRGB = GetForeColor(jingle.BackRGB, "jingle");
 }

@@ -30,7 +30,9 @@ class SlotKeys {
     std::string suffix_;
 };
 
-/// Fills the persisted fields but for Path, and what follows from them alone: FadeAttrib, BackRGB, ForeRGB.
+/// Fills the persisted fields but for Path, and what DeriveFields does.
 void ReadSlot(JingleRecord& jingle, const SlotKeys& keys);
+/// What follows from the persisted fields alone: FadeAttrib, BackRGB, ForeRGB.
+void DeriveFields(JingleRecord& jingle);
 
 }  // namespace zv

@@ -22,8 +22,8 @@
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/upcalls.h"
+#include "ui/edit/carried.h"
 #include "ui/edit/leave_palette.h"
-#include "ui/edit/move.h"
 #include "ui/edit/palette_list.h"
 #include "ui/edit/palette_load.h"
 #include "ui/edit/remove.h"
@@ -109,7 +109,9 @@ void showLoaded(int index) {
     b->b_Jingle.toolTip = std::string();
     ShowMarks(index);
     b->fx_Jingle.visible = j.CueStart != 0 || j.FadeOut != 0 || j.StopPos != 0 || j.FXV != NeutralFXV(j.Freq);
-    paintAtRest(index);
+    if (!j.Playing || j.PlayingOtherPal) {
+        paintAtRest(index);
+    }
 }
 
 void showFailed(int index) {

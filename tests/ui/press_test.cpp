@@ -17,6 +17,7 @@
 #include "startup/settings.h"
 #include "tests/support/ear.h"
 #include "tests/ui/window_test.h"
+#include "ui/edit/carried.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/move.h"
 #include "ui/edit/options.h"

@@ -11,6 +11,7 @@
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "ui/edit/undo.h"
 #include "ui/edit/unsaved.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
@@ -53,6 +54,7 @@ void clAssign(int index) {
         const DisplayControls& d = w.display;
         const bool pasting = d.lblDispMessage.visible && d.lblDispMessage.caption() == Ln("mlblSelBtarget");
         const std::string effects = pasting ? j.FXV : std::string();
+        const UndoStep step("unAssign");
         FreeJingle(index);
         ClearRecord(index);
         j.Path = path;

@@ -13,6 +13,7 @@
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "ui/edit/selection.h"
+#include "ui/edit/undo.h"
 #include "ui/edit/unsaved.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
@@ -135,6 +136,7 @@ void clColorSet(int index) {
 
 void PickColour(int field) {
     guarded("frmColPick.Color_Click", [&] {
+        const UndoStep step("unColour");
         Disarm(frmMain().options.ckColorI);
         for (const int i : SelJ) {
             JingleRecord& j = Jingle(i);

@@ -22,6 +22,7 @@
 #include "startup/stores.h"
 #include "ui/edit/leave_palette.h"
 #include "ui/edit/palette_list.h"
+#include "ui/edit/undo.h"
 #include "ui/edit/unsaved.h"
 #include "ui/records/main_window.h"
 #include "ui/windows/history_window.h"
@@ -161,6 +162,7 @@ void bringLinesBack(const HistoryEntry& entry) {
         goTo(entry.name);
         KeepUnsavedPalette();
     }
+    const UndoStep step("unHistory");
     const int first = entry.hot ? kPaletteSlots : 0;
     const int end = entry.hot ? kJingles : kPaletteSlots;
     for (int i = first; i < end; ++i) {

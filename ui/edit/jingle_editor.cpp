@@ -22,6 +22,7 @@
 #include "ui/edit/edited_jingle.h"
 #include "ui/edit/effects_page.h"
 #include "ui/edit/positions_page.h"
+#include "ui/edit/undo.h"
 #include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
@@ -305,6 +306,7 @@ void open(int index) {
     Edited.entry.LoopIn = j.LoopIn;
     Edited.entry.LoopOut = j.LoopOut;
     Jingle(index).SeqBefore = Edited.entry.Seq;
+    OpenEditorStep(index);
     putSeqAside();
     follow();
 }
@@ -395,6 +397,7 @@ void OKfx() {
         timerPos().stop();
         measuring.cancel();
         FxOpen = false;
+        CloseEditorStep();
         SelectorsOn = false;
         j.EndOffset = EndOffsetCalc(Edited.index);
         j.Duration = JDurationCalc(Edited.index);

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "model/after_sound.h"
 #include "model/held_palette.h"
 #include "model/palette_files.h"
 #include "model/pending_removals.h"
@@ -12,6 +13,7 @@
 #include "startup/settings.h"
 #include "startup/stores.h"
 #include "ui/edit/jingle_editor.h"
+#include "ui/edit/undo.h"
 #include "ui/records/timers.h"
 #include "ui/screen/error_mark.h"
 
@@ -41,6 +43,8 @@ void LeavePalette() {
             leftUnsaved = true;
         }
         DropRemovalsInto(HeldPalette());
+        DropAfterSoundOfPalette();
+        ForgetUndo();
         PalToSave = false;
     });
 }

@@ -7,14 +7,15 @@
 #include "model/held_palette.h"
 #include "model/jingle.h"
 #include "model/pending_removals.h"
-#include "model/rename_sound.h"
 #include "model/state.h"
 #include "platform/controls.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "ui/edit/carried.h"
 #include "ui/edit/remove.h"
+#include "ui/edit/undo.h"
 #include "ui/edit/unsaved.h"
 #include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
@@ -23,18 +24,7 @@
 
 namespace zv {
 
-std::string MoveMode;
-std::string MoveSourcePalette;
-
 namespace {
-
-/// What moves with a button.
-struct MovedJingle {
-    PersistedJingle fields;
-    bool fxMark = false;
-    int tick = 0;
-};
-MovedJingle MoveBuffer;
 
 void cutOrCopy(int index, const std::string& mode) {
     const JingleRecord& j = Jingle(index);
@@ -64,6 +54,7 @@ void paste(int index) {
     MoveDstJ = index;
     const int source = MoveSrcJ;
     const bool cut = MoveMode == "cut";
+    const UndoStep step(cut ? "unMove" : "unCopy");
     JingleButton* b = Button(index);
     if (MoveBuffer.fields.Path.find('.') != std::string::npos) {
         FreeJingle(index);
@@ -100,21 +91,6 @@ void paste(int index) {
 }
 
 }  // namespace
-
-void MovedPaletteNamed(const std::string& before, const std::string& name) {
-    if (SameText(MoveSourcePalette, before)) {
-        MoveSourcePalette = name;
-    }
-}
-
-void MovedFileRenamed(const std::string& full, const std::string& path) {
-    if (!MoveBuffer.fields.Path.empty() && IsFileOf(MoveBuffer.fields.Path, full)) {
-        MoveBuffer.fields.Path = path;
-        ClipPath = ClipPath.empty() ? ClipPath : path;
-    }
-}
-
-void ForgetMoveTick() { MoveBuffer.tick = 0; }
 
 void clMove(int index, const std::string& mode) {
     guarded("modClick.clMove", [&] {

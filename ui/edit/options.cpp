@@ -10,6 +10,7 @@
 #include "startup/guard.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "ui/edit/undo.h"
 #include "ui/edit/unsaved.h"
 #include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
@@ -74,6 +75,7 @@ void optionSpent(Control& toggle) {
 }
 
 void setPlayMode(PlayMode mode, Control& toggle) {
+    const UndoStep step("unOption");
     for (const int i : SelJ) {
         JingleRecord& j = Jingle(i);
         if (j.Path.empty() || j.MissingFile) {
@@ -196,6 +198,7 @@ void clNoStopSet(int) {
 
 void clLoopSet(int) {
     guarded("modClick.clLoopSet", [] {
+        const UndoStep step("unOption");
         for (const int i : SelJ) {
             JingleRecord& j = Jingle(i);
             j.Seq = 0;
@@ -209,6 +212,7 @@ void clLoopSet(int) {
 
 void clSeqSet(int) {
     guarded("modClick.clSeqSet", [] {
+        const UndoStep step("unOption");
         for (const int i : SelJ) {
             JingleRecord& j = Jingle(i);
             j.Loop = 0;

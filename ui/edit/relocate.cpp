@@ -11,6 +11,7 @@
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "ui/edit/undo.h"
 #include "ui/edit/unsaved.h"
 #include "ui/screen/error_mark.h"
 
@@ -53,6 +54,7 @@ void clReloc(int index) {
         if (chosen.empty()) {
             return;
         }
+        const UndoStep step("unReloc");
         FreeJingle(index);
         j.Kind = SlotKind::nothing;
         j.Path = chosen;

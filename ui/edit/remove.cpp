@@ -13,6 +13,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
+#include "ui/edit/undo.h"
 #include "ui/edit/unsaved.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
@@ -58,11 +59,15 @@ void DelJing(int index, bool withFile) {
         if (messageBox(question, "Zentrova", BoxKind::question, BoxButtons::yesNo) != BoxAnswer::yes) {
             return;
         }
+        const UndoStep step(file ? "unDelete" : "unClear");
         const std::string path = GetFullPath(j.Path);
         ClearButton(index);
-        if (file && FileExists(path) && !KeepDeletedFile(path)) {
-            std::error_code error;
-            std::filesystem::remove(nativePath(path), error);
+        if (file && FileExists(path)) {
+            NoteDeletedFile(path);
+            if (!KeepDeletedFile(path)) {
+                std::error_code error;
+                std::filesystem::remove(nativePath(path), error);
+            }
         }
         MarkPalToSave();
     });
@@ -80,6 +85,7 @@ void ClearSelection() {
             BoxAnswer::yes) {
             return;
         }
+        const UndoStep step("unClear");
         for (const int i : SelJ) {
             ClearButton(i);
             if (JingleButton* b = Button(i)) {

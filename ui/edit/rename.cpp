@@ -17,7 +17,8 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "ui/edit/move.h"
+#include "ui/edit/carried.h"
+#include "ui/edit/undo.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/button_faces.h"
 #include "ui/windows/rename_window.h"
@@ -64,6 +65,8 @@ void applyRename() {
             buttons.push_back(i);
         }
     }
+    const UndoStep step("unRename");
+    NoteRename(from, path);
     for (const int i : buttons) {
         if (!Plays(i)) {
             FreeJingle(i);

@@ -7,7 +7,7 @@
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/settings.h"
-#include "ui/edit/move.h"
+#include "ui/edit/carried.h"
 #include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/screen/button_faces.h"

@@ -16,11 +16,13 @@
 #include "startup/helpers.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
+#include "ui/edit/jingle_editor.h"
 #include "ui/edit/options.h"
 #include "ui/edit/palette_steps.h"
 #include "ui/edit/save_dialogue.h"
 #include "ui/edit/search.h"
 #include "ui/edit/selection.h"
+#include "ui/edit/undo.h"
 #include "ui/press/exit_key.h"
 #include "ui/press/global_keys.h"
 #include "ui/press/keyboard.h"
@@ -214,6 +216,14 @@ bool act(Action action, int argument, int velocity) {
             return true;
         case Action::copyCaptions:
             CopyAllJings();
+            return true;
+        case Action::undo:
+            OKfx();  // what the editor has changed is the last edit
+            Undo();
+            return true;
+        case Action::redo:
+            OKfx();
+            Redo();
             return true;
         case Action::announcer:
         case Action::announcerJingle:

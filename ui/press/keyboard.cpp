@@ -32,6 +32,10 @@ bool asHeld(KeyHeld held, int shift) {
             return (shift & kAltMask) != 0;
         case KeyHeld::noEventAlt:
             return (shift & kAltMask) == 0;
+        case KeyHeld::eventCtrl:
+            return shift == kCtrlMask;
+        case KeyHeld::eventCtrlShift:
+            return shift == (kCtrlMask | kShiftMask);
         case KeyHeld::ctrl:
             return CtrlDown;
         case KeyHeld::noCtrl:

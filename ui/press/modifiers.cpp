@@ -13,6 +13,7 @@
 #include "ui/edit/selection.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
+#include "ui/screen/display_message.h"
 
 namespace zv {
 
@@ -30,10 +31,16 @@ void showMessageLine(bool on) {
     d.lblDispMessage.visible = on;
 }
 
-void say(std::string_view key) { frmMain().display.lblDispMessage.caption = Ln(key); }
+void say(std::string_view key) {
+    if (!DisplayMessageShown()) {
+        frmMain().display.lblDispMessage.caption = Ln(key);
+    }
+}
 
 void nothingHeld() {
-    showMessageLine(false);
+    if (!DisplayMessageShown()) {
+        showMessageLine(false);
+    }
     SelectorsSuppressed = false;
     if (SelectorsShown) {
         HideSelectors();

@@ -57,6 +57,9 @@ std::vector<KeyRow> made() {
         {Key::none, any, A::none, 0, acts, false, "scKeyCtrl", "Alt", "scCtrlAlt", nullptr},
         {letter('A'), ctrl, A::tickAll, 0, swallowed, false, "scKeyCtrl", "A", "scCtrlA", nullptr},
         {letter('C'), ctrlNoAlt, A::copyCaptions, 0, swallowed, false, "scKeyCtrl", "C", "scCtrlC", nullptr},
+        {letter('Z'), eventCtrl, A::undo, 0, swallowed, false, "scKeyCtrl", "Z", "scCtrlZ", nullptr},
+        {letter('Y'), eventCtrl, A::redo, 0, swallowed, false, "scKeyCtrl", "Y", "scCtrlY", nullptr},
+        {letter('Z'), eventCtrlShift, A::redo, 0, swallowed, false, "", "", "", nullptr},
         {letter('C'), altNoCtrl, A::userScript, 0, swallowed, false, "Alt", "C", "scAltC", nullptr},
         {letter('X'), alt, A::console, 0, swallowed, false, "Alt", "X", "scAltX", nullptr},
         // clang-format on

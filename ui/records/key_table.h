@@ -15,6 +15,8 @@ enum class KeyHeld {
     any,
     eventAlt,
     noEventAlt,
+    eventCtrl,  ///< no Shift, no Alt
+    eventCtrlShift,
     ctrl,
     noCtrl,
     alt,

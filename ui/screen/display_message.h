@@ -1,0 +1,12 @@
+/// What an edit says on the display: a line in the place of date and time, for three seconds. [control]
+#pragma once
+
+#include <string>
+
+namespace zv {
+
+void ShowDisplayMessage(const std::string& text);
+/// One is shown: what held keys mean is not said meanwhile.
+bool DisplayMessageShown();
+
+}  // namespace zv
