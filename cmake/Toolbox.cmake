@@ -6,7 +6,10 @@ option(ZENTROVA_FUZZ "build the fuzzers (needs Clang): tools/fuzz.sh" OFF)
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
   # Paths below the checkout are hashed as relative ones: every clone and every build folder shares its objects.
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${CCACHE_PROGRAM})
+  # A precompiled header is found in the cache only if its macros and times are left to the compiler.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
+    CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE_PROGRAM})
+  set(pch_options $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
 endif()
 
 if(WIN32)
@@ -41,6 +44,15 @@ endif()
 target_include_directories(zv_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_link_libraries(zv_options INTERFACE Threads::Threads)
 
+# What most sources include, compiled once a target. Every source still names what it needs: the Windows build has no
+# precompiled headers and would miss it.
+set(pch_standard <algorithm> <array> <cmath> <cstdint> <cstdio> <filesystem> <functional> <memory> <string> <string_view>
+  <utility> <vector>)
+function(zv_precompiled target)
+  target_precompile_headers(${target} PRIVATE ${pch_standard} ${ARGN})
+  target_compile_options(${target} PRIVATE ${pch_options})
+endfunction()
+
 # zv_room(NAME [STATIC|SHARED] DEPENDS target...): a library of all sources of the current folder.
 function(zv_room name kind)
   cmake_parse_arguments(ROOM "" "" "DEPENDS" ${ARGN})
@@ -52,6 +64,7 @@ function(zv_room name kind)
   add_library(${name} ${kind} ${room_sources})
   set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
   target_link_libraries(${name} PUBLIC zv_options ${ROOM_DEPENDS})
+  zv_precompiled(${name})
 endfunction()
 
 # zv_test(NAME DEPENDS target...): one executable of all test sources of tests/NAME, known to ctest.
@@ -61,9 +74,12 @@ function(zv_test name)
   if(NOT test_sources)
     return()
   endif()
-  add_executable(test_${name} ${test_sources})
+  add_executable(test_${name} ${test_sources} ${PROJECT_SOURCE_DIR}/tests/support/places.cpp)
   target_link_libraries(test_${name} PRIVATE zv_options ${TEST_DEPENDS} GTest::gmock GTest::gtest_main)
-  target_compile_definitions(test_${name} PRIVATE ZV_SOURCE_DIR="${PROJECT_SOURCE_DIR}" ZV_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
+  zv_precompiled(test_${name} <fstream> <map> <random> <gtest/gtest.h>)
+  if(NOT ZENTROVA_SANITIZE)  # tests are compiled more often than they run
+    target_compile_options(test_${name} PRIVATE $<$<CONFIG:Debug>:-O0>)
+  endif()
   add_test(NAME ${name} COMMAND test_${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 600)
 endfunction()

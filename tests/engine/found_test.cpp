@@ -7,6 +7,7 @@
 #include <random>
 
 #include "tests/engine/random_operations.h"
+#include "tests/support/places.h"
 
 namespace zv::engine::test {
 namespace {
@@ -14,7 +15,7 @@ namespace {
 TEST(Operations, WhatWasFoundHolds) {
     int count = 0;
     for (const auto& entry :
-         std::filesystem::directory_iterator(ZV_SOURCE_DIR "/tests/fuzz/found/operations_fuzz")) {
+         std::filesystem::directory_iterator(zv::test::sourceDir() + "/tests/fuzz/found/operations_fuzz")) {
         SCOPED_TRACE(entry.path());
         std::ifstream in(entry.path(), std::ios::binary);
         const std::vector<std::uint8_t> bytes(std::istreambuf_iterator<char>(in), {});

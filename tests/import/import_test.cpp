@@ -9,13 +9,15 @@
 
 #include "engine/bass.h"
 #include "platform/audio_library.h"
+#include "tests/support/places.h"
 
 namespace {
 
-const std::string bin = ZV_BIN_DIR;
+const std::string bin = zv::test::binDir();
+const std::string kPoorLibrary = bin + ZV_POOR_LIBRARY;
 
 std::set<std::string> operationsIn(const std::string& file, const std::string& pattern) {
-    std::ifstream in(std::string(ZV_SOURCE_DIR) + file);
+    std::ifstream in(zv::test::sourceDir() + file);
     const std::string text{std::istreambuf_iterator<char>(in), {}};
     std::set<std::string> names;
     const std::regex wanted(pattern);
@@ -45,9 +47,9 @@ TEST(AudioLibrary, FailsSoftlyUntilItIsLoaded) {
 
     const std::string folder = testing::TempDir();
     std::ofstream(folder + "/text.so") << "no library";
-    ASSERT_TRUE(std::filesystem::exists(ZV_POOR_LIBRARY));
+    ASSERT_TRUE(std::filesystem::exists(kPoorLibrary));
     for (const std::string& path :
-         {folder + "/missing.so", folder + "/text.so", std::string(ZV_POOR_LIBRARY), std::string()}) {
+         {folder + "/missing.so", folder + "/text.so", kPoorLibrary, std::string()}) {
         EXPECT_FALSE(zv::loadAudioLibrary(path)) << path;
         EXPECT_EQ(nullptr, zv::engine::audioLibraryControl());
         EXPECT_EQ(0U, BASS_GetVersion()) << path;

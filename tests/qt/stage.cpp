@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/clock.h"
+#include "tests/support/places.h"
 
 namespace zv {
 namespace {
@@ -23,7 +24,7 @@ class QtEnvironment final : public ::testing::Environment {
     void SetUp() override {
         qputenv("XDG_RUNTIME_DIR", "/tmp");
         shell::startQt(argc_, argv_, true);
-        registerFont(std::string(ZV_SOURCE_DIR) + "/data/Fonts/ZVR.ttf");
+        registerFont(test::sourceDir() + "/data/Fonts/ZVR.ttf");
     }
     void TearDown() override { shell::endQt(); }
 

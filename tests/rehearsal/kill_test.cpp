@@ -16,6 +16,7 @@
 #include <thread>
 
 #include "show.h"
+#include "tests/support/places.h"
 
 namespace zv::test {
 namespace {
@@ -172,7 +173,7 @@ class Studio : public Show {
         const int nowhere = ::open("/dev/null", O_WRONLY);
         ::dup2(nowhere, STDOUT_FILENO);
         ::dup2(nowhere, STDERR_FILENO);
-        const std::string program = std::string(ZV_BIN_DIR) + "/rehearse";
+        const std::string program = test::binDir() + "/rehearse";
         ::execl(program.c_str(), "rehearse", file.c_str(), "--home", home().c_str(), "--out",
                 (home().parent_path() / "killed").c_str(), "--no-sound", nullptr);
         ::_exit(127);

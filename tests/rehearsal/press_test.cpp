@@ -5,6 +5,7 @@
 #include <string>
 
 #include "show.h"
+#include "tests/support/places.h"
 
 namespace zv::test {
 namespace {
@@ -19,7 +20,7 @@ TEST(Press, SoundsWithinOnePeriodInEveryFormatRightAfterThePaletteWasOpened) {
     show.convert("tone.wav", "tone.ogg", "-c:a libvorbis -q:a 6");
     show.convert("tone.wav", "tone.mp3", "-c:a libmp3lame -b:a 192k");
     show.convert("tone.wav", "tone.m4a", "-c:a aac -b:a 192k");
-    std::filesystem::copy(std::string(ZV_SOURCE_DIR) + "/data/Audio_Sample/Jazz Bed.mod",
+    std::filesystem::copy(test::sourceDir() + "/data/Audio_Sample/Jazz Bed.mod",
                           show.home() / "Audio_Sample/tone.mod");
     const std::string formats[] = {"wav", "flac", "ogg", "mp3", "m4a", "mod"};
     std::string palettes = "[Test]\r\nThis_palette_is_empty=Yes\r\n", script;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "show.h"
+#include "tests/support/places.h"
 
 namespace zv::test {
 namespace {
@@ -201,7 +202,7 @@ TEST(Rehearse, GivesTheSameBytesEachTime) {
     std::string first[std::size(files)];
     for (int round = 0; round < 2; ++round) {
         Show show;
-        const std::string data = std::string(ZV_SOURCE_DIR) + "/data";
+        const std::string data = test::sourceDir() + "/data";
         for (const char* name : {"palette.ini", "HotJingles.ini"})
             std::filesystem::copy(data + "/" + name, show.home() / name);
         std::filesystem::copy(data + "/Audio_Sample", show.home() / "Audio_Sample",
@@ -226,7 +227,7 @@ TEST(Rehearse, GivesTheSameBytesEachTime) {
 
 TEST(Rehearse, PerformsTheFirstShow) {
     Show show;
-    const std::string data = std::string(ZV_SOURCE_DIR) + "/data";
+    const std::string data = test::sourceDir() + "/data";
     std::filesystem::remove(show.home() / "zv.ini");
     for (const char* name : {"palette.ini", "HotJingles.ini"})
         std::filesystem::copy(data + "/" + name, show.home() / name);

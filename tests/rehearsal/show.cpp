@@ -13,6 +13,7 @@
 #include <sstream>
 
 #include "platform/file_decoders/file_decoders.h"
+#include "tests/support/places.h"
 
 namespace zv::test {
 namespace {
@@ -88,10 +89,9 @@ void Show::convert(const std::string& from, const std::string& to, const std::st
 int Show::perform(const std::string& script, const std::string& arguments) {
     const fs::path file = folder_ / "script.txt";
     std::ofstream(file, std::ios::binary) << script;
-    const std::string command = std::string("timeout 300 \"") + ZV_BIN_DIR + "/rehearse\" \"" +
-                                file.string() + "\" --home \"" + home().string() + "\" --out \"" +
-                                out().string() + "\" " + arguments + " 2> \"" +
-                                (folder_ / "messages").string() + "\"";
+    const std::string command = "timeout 300 \"" + test::binDir() + "/rehearse\" \"" + file.string() +
+                                "\" --home \"" + home().string() + "\" --out \"" + out().string() + "\" " +
+                                arguments + " 2> \"" + (folder_ / "messages").string() + "\"";
     const int status = std::system(command.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }

@@ -15,6 +15,7 @@
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 #include "tests/startup/surroundings.h"
+#include "tests/support/places.h"
 
 namespace zv::test {
 namespace {
@@ -86,7 +87,7 @@ std::set<std::string> keysInTheCode() {
     std::set<std::string> keys;
     for (const char* room :
          {"app", "ui", "audio", "model", "midi", "backup", "online", "startup", "platform"}) {
-        const fs::path folder = fs::path(ZV_SOURCE_DIR) / room;
+        const fs::path folder = fs::path(test::sourceDir()) / room;
         if (!fs::exists(folder)) continue;
         for (const auto& entry : fs::recursive_directory_iterator(folder)) {
             const std::string extension = entry.path().extension().string();
@@ -98,7 +99,7 @@ std::set<std::string> keysInTheCode() {
 }
 
 TEST_F(Language, ShippedFileHasEveryKeyInEveryLanguage) {
-    const fs::path original = fs::path(ZV_SOURCE_DIR) / "data/language_original.ini";
+    const fs::path original = fs::path(test::sourceDir()) / "data/language_original.ini";
     ASSERT_TRUE(fs::exists(original));
     EXPECT_GE(fs::file_size(original), static_cast<std::uintmax_t>(kSmallestLanguageFile));
     cImpulse store;

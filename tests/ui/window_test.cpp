@@ -6,6 +6,7 @@
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
+#include "tests/support/places.h"
 #include "ui/edit/jingle_editor.h"
 #include "ui/edit/remove.h"
 #include "ui/edit/save_dialogue.h"
@@ -26,7 +27,7 @@ constexpr int kFramesPerMs = static_cast<int>(kRate) / 1000;
 }  // namespace
 
 WindowTest::WindowTest() {
-    std::filesystem::copy_file(ZV_SOURCE_DIR "/data/language_original.ini", path("language.ini"));
+    std::filesystem::copy_file(test::sourceDir() + "/data/language_original.ini", path("language.ini"));
     settings.Language = kEnglish;
     settings.ConfirmExit = 0;
     LoadingUI = false;
