@@ -137,26 +137,50 @@ struct Kind {
     const char* arguments;  ///< to ffmpeg
     bool joins = true;      ///< the long file may be made of copies of the short one
 };
-constexpr Kind kinds[] = {{"tag.mp3", "-b:a 128k"},        {"untagged.mp3", "-b:a 128k -write_xing 0"},
-                          {"vorbis.ogg", "-q:a 5"},        {"opus.ogg", "-c:a libopus"},
-                          {"aac.m4a", "-c:a aac"},         {"whole.flac", "", false},
-                          {"windows.wma", "-q:a 5"},       {"opus.webm", "-c:a libopus"},
-                          {"vorbis.mkv", "-c:a libvorbis"}};
+constexpr Kind kinds[] = {{"tag.mp3", "-b:a 128k"},         {"untagged.mp3", "-b:a 128k -write_xing 0"},
+                          {"vorbis.ogg", "-q:a 5"},         {"opus.ogg", "-c:a libopus"},
+                          {"aac.m4a", "-c:a aac"},          {"whole.flac", "", false},
+                          {"windows.wma", "-q:a 5"},        {"opus.webm", "-c:a libopus"},
+                          {"vorbis.mkv", "-c:a libvorbis"}, {"broadcast.mp2", "-b:a 384k"}};
 
 double openingWork(engine::DecoderSource& decoders, const std::string& path) {
+    const bool module = path.ends_with(".mod");
     std::vector<double> works;
     for (int run = 0; run < 5; ++run) {
         int error = 0;
         const double begin = threadSeconds();
-        if (!decoders.openFile(path, error)) throw std::runtime_error("a test file did not open");
+        if (!(module ? decoders.openModule(path, error) : decoders.openFile(path, error)))
+            throw std::runtime_error("a test file did not open");
         works.push_back((threadSeconds() - begin) * 1000);
     }
     return median(works);
 }
 
+/// A tracker module of `positions` patterns of 7.68 s each: four channels, a note with an effect in every second row.
+void writeModule(const std::string& path, int positions) {
+    constexpr std::size_t kHeader = 1084, kCells = 64 * 4, kWave = 8192;
+    std::string bytes(kHeader + 4 * kCells + kWave, '\0');
+    bytes[42] = kWave / 2 >> 8, bytes[45] = 64;  // one sample: its length in words, its volume
+    bytes[46] = 0, bytes[48] = kWave / 2 >> 8;   // looped
+    bytes[950] = static_cast<char>(positions);
+    bytes.replace(1080, 4, "M.K.");
+    for (std::size_t cell = 0; cell < kCells; ++cell) {
+        char* at = bytes.data() + kHeader + 4 * cell;
+        if (cell / 4 % 2 == 0) at[0] = 1, at[1] = static_cast<char>(0xAC), at[2] = 0x10;
+        at[2] = static_cast<char>(at[2] | (cell % 4 == 0 ? 0x4 : 0xA));  // vibrato, volume slide
+        at[3] = 0x12;
+    }
+    for (std::size_t i = 0; i < kWave; ++i) bytes[bytes.size() - kWave + i] = static_cast<char>(i * i);
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
 void openingKinds() {
     const Folder folder;
     const auto decoders = makeFileDecoders();
+    writeModule(folder / "brief.mod", 24);
+    atMost("open-3min-module.mod", openingWork(*decoders, folder / "brief.mod"), "ms", 15);
+    writeModule(folder / "lasting.mod", 127);  // the most there can be: 16 minutes
+    atMost("open-16min-module.mod", openingWork(*decoders, folder / "lasting.mod"), "ms", 100);
     const std::string noise = "ffmpeg -v error -y -f lavfi -i anoisesrc=c=pink:a=0.1:r=44100:d=";
     for (const Kind& kind : kinds) {
         const std::string name = kind.name, brief = folder / name, lasting = folder / ("30-" + name);

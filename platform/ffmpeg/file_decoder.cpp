@@ -86,7 +86,7 @@ class FileDecoder : public ChunkedDecoder {
 
     bool enterAt(std::int64_t frame) {
         if (!map_.enter(*input_, frame)) return false;
-        walker_.restart(false);
+        walker_.restart(frame);
         for (int i = 0; i < unplacedPackets && input_->readPacket(); ++i) {
             const auto place = walker_.place(input_->packet());
             if (place && *place > (map_.placesAtOnce() ? frame : cursor())) return false;
@@ -98,18 +98,13 @@ class FileDecoder : public ChunkedDecoder {
     }
 
     bool enterStart() {
-        const auto atFirst = [&] {
-            return input_->readPacket() &&
-                   (input_->packet().pts == map_.firstStamp() || input_->packet().dts == map_.firstStamp());
-        };
-        const bool sought =
-            map_.firstStamp() != AV_NOPTS_VALUE && input_->seekStart(map_.firstStamp()) && atFirst();
+        const bool sought = map_.enterStart(*input_);
         if (!sought && (!input_->reopen() || !input_->readPacket())) {
             drained_ = true;
             chunkStart_ = expected_ = end();
             return false;
         }
-        walker_.restart(true);
+        walker_.restartAtStart();
         expected_ = 0;
         decodeInto(walker_.place(input_->packet()));
         return true;

@@ -158,6 +158,7 @@ std::unique_ptr<MediaInput> MediaInput::openFile(const std::string& path, int& e
         return nullptr;
     }
     std::unique_ptr<MediaInput> input(new MediaInput);
+    input->path_ = path;
     input->address_ = "file:" + path;
     input->packet_.reset(av_packet_alloc());
     if (!input->packet_) {
@@ -223,9 +224,7 @@ bool MediaInput::seek(std::int64_t ticks) {
     return result >= 0;
 }
 
-bool MediaInput::seekStart(std::int64_t ticks) {
-    return seek(ticks) && decoder_.open(*stream_->codecpar, stream_->time_base) >= 0;
-}
+bool MediaInput::renew() { return decoder_.open(*stream_->codecpar, stream_->time_base) >= 0; }
 
 bool MediaInput::seekByte(std::int64_t byte) {
     const int result = av_seek_frame(context_.get(), stream_->index, byte, AVSEEK_FLAG_BYTE);

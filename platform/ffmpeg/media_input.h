@@ -38,8 +38,8 @@ class MediaInput {
     bool seek(std::int64_t ticks);
     /// Goes to the packet that begins at byte `byte` of the file and empties the codec.
     bool seekByte(std::int64_t byte);
-    /// Goes to the first packet, whose stamp is `ticks`, with a codec as new.
-    bool seekStart(std::int64_t ticks);
+    /// Takes a codec as new.
+    bool renew();
     /// Goes back to the first packet by opening the file anew.
     bool reopen();
 
@@ -49,6 +49,8 @@ class MediaInput {
     const AVCodecContext& codec() const { return decoder_.codec(); }
     const AVInputFormat& container() const { return *context_->iformat; }
     std::int64_t fileSize() const;
+    /// Of a file.
+    const std::string& path() const { return path_; }
 
     /// From now on, everything that takes longer than `limit` in all is given up.
     void setLimit(std::chrono::milliseconds limit);
@@ -62,7 +64,7 @@ class MediaInput {
     int open(std::int64_t probeBytes);
     static int interrupted(void* self);
 
-    std::string address_;
+    std::string path_, address_;
     bool network_ = false;
     IoHandle connection_;  ///< of an address; outlives the container that reads from it
     FormatHandle context_;

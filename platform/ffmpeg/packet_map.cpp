@@ -4,8 +4,9 @@
 #include <cstdlib>
 #include <numeric>
 #include <string_view>
+#include <utility>
 
-#include "platform/ffmpeg/xiph_codec.h"
+#include "platform/ffmpeg/packet_list.h"
 
 namespace zv {
 namespace {
@@ -65,39 +66,32 @@ std::int64_t framesOfWindowsMedia(const AVCodecContext& codec, const AVPacket& p
 /// Frames of a packet's sound as its header tells; 0 unknown. `xiph` follows the packets of such a codec.
 std::int64_t framesByHeader(const MediaInput& input, std::optional<XiphCodec>& xiph) {
     const AVPacket& packet = input.packet();
-    if (xiph) return xiph->framesOf({packet.data, static_cast<std::size_t>(packet.size)});
     const AVCodecID codec = input.codec().codec_id;
     if (codec == AV_CODEC_ID_WMAV1 || codec == AV_CODEC_ID_WMAV2)
         return framesOfWindowsMedia(input.codec(), packet);
-    if (codec == AV_CODEC_ID_VORBIS) return 0;  // with headers that make no sense
-    return av_get_audio_frame_duration2(input.stream().codecpar, packet.size);
+    return framesByHead(input, xiph, {packet.data, static_cast<std::size_t>(packet.size)}, packet.size);
 }
 
 }  // namespace
 
-struct PacketMap::Packet {
-    std::int64_t stamp;
-    std::int64_t duration;
-    std::int64_t header;  ///< frames by its header
-    std::int64_t byte;    ///< where it stands in the file, -1 unknown
-    int size;
-};
-
 struct PacketMap::Pass {
-    std::vector<Packet> packets;
+    std::vector<ListedPacket> packets;
     std::vector<std::size_t> yields;  ///< frames of the first packets, as decoded
     std::size_t firstSound = 0;       ///< packet that gave the first frame
     std::int64_t soundStamp = AV_NOPTS_VALUE;
     std::uint32_t skip = 0;
     std::uint32_t discard = 0;  ///< frames that the last packets cut off the end
+    std::size_t listed = 0;     ///< packets that a list tells of; 0: all were read
     std::int64_t constantFrames() const;
+    Sequel takeList(MediaInput& input, std::optional<XiphCodec>& xiph);
+    void add(const MediaInput& input, std::int64_t frames);
 };
 
 /// Frames that each packet gives where all give as many, 0 otherwise.
 std::int64_t PacketMap::Pass::constantFrames() const {
     if (firstSound + 1 >= yields.size()) return 0;
     const std::size_t first = firstSound + 1;  // the very first may be short
-    const auto sameHeader = [&](const Packet& p) {
+    const auto sameHeader = [&](const ListedPacket& p) {
         return p.header > 0 && p.header == packets[first].header;
     };
     const auto sameYield = [&](std::size_t frames) { return frames == yields[first]; };
@@ -107,8 +101,54 @@ std::int64_t PacketMap::Pass::constantFrames() const {
     return same ? static_cast<std::int64_t>(yields[first]) : 0;
 }
 
+void PacketMap::Pass::add(const MediaInput& input, std::int64_t frames) {
+    const AVPacket& packet = input.packet();
+    packets.push_back({stampOfPacket(packet), packet.duration < largestStamp ? packet.duration : 0, frames,
+                       packet.pos, packet.size});
+    discard = discardsSoFar(discard, packet);
+}
+
+/// Takes what lies between the packets that were read and the last ones from a list, where there is one that agrees with
+/// the former. The input then stands behind the first of the last ones.
+PacketMap::Sequel PacketMap::Pass::takeList(MediaInput& input, std::optional<XiphCodec>& xiph) {
+    const auto list = listPackets(input, packets.front().byte);
+    if (list.size() < packets.size() + tailPackets) return Sequel::asRead;
+    const std::int64_t offset = packets.front().stamp - list.front().stamp;
+    for (std::size_t i = 0; i < packets.size(); ++i) {
+        const ListedPacket &read = packets[i], &told = list[i];
+        if (read.stamp != told.stamp + offset || read.byte != told.byte || read.size != told.size ||
+            read.header != told.header)
+            return Sequel::asRead;
+    }
+    const std::size_t tail = list.size() - tailPackets;
+    for (std::size_t i = packets.size(); i < tail; ++i) {
+        packets.push_back(list[i]);
+        packets.back().stamp += offset;
+    }
+    listed = list.size();
+    if (!input.seek(list[tail].stamp + offset)) return Sequel::wrong;
+    for (std::size_t passed = 0; passed < list.size() && input.readPacket(); ++passed) {
+        if (input.packet().pos != list[tail].byte) continue;
+        framesByHeader(input, xiph);  // the next one's frames depend on this packet
+        add(input, list[tail].header);
+        return Sequel::asListed;
+    }
+    return Sequel::wrong;
+}
+
 std::optional<PacketMap> PacketMap::survey(MediaInput& input) {
     PacketMap map;
+    Sequel sequel = map.survey(input, true);
+    if (sequel == Sequel::wrong) {
+        map = {};
+        sequel = input.reopen() ? map.survey(input, false) : Sequel::noSound;
+    }
+    if (sequel == Sequel::noSound || map.length_ == 0) return std::nullopt;
+    return map;
+}
+
+/// `mayList`: what a list tells of the packets need not be read.
+PacketMap::Sequel PacketMap::survey(MediaInput& input, bool mayList) {
     Pass pass;
     std::vector<float> sound;
     bool heard = false;
@@ -116,12 +156,16 @@ std::optional<PacketMap> PacketMap::survey(MediaInput& input) {
     while (input.readPacket()) {
         const AVPacket& packet = input.packet();
         const std::size_t index = pass.packets.size();
-        pass.packets.push_back({stampOfPacket(packet), packet.duration < largestStamp ? packet.duration : 0,
-                                framesByHeader(input, xiph), packet.pos, packet.size});
-        pass.discard = discardsSoFar(pass.discard, packet);
+        pass.add(input, framesByHeader(input, xiph));
         const bool probe = heard ? index < pass.firstSound + probedYields : index < probedPackets;
         if (!probe) {
-            if (!heard) return std::nullopt;
+            if (!heard) return Sequel::noSound;
+            if (std::exchange(mayList, false)) {
+                for (const auto& take : {&PacketMap::takeFlac, &PacketMap::takeFrames})
+                    if (const Sequel sequel = (this->*take)(pass, input); sequel != Sequel::asRead)
+                        return sequel;
+                if (pass.takeList(input, xiph) == Sequel::wrong) return Sequel::wrong;
+            }
             continue;
         }
         sound.clear();
@@ -132,22 +176,80 @@ std::optional<PacketMap> PacketMap::survey(MediaInput& input) {
             pass.firstSound = index;
             pass.soundStamp = yield.stamp;
             pass.skip = yield.skip;
-            map.firstStamp_ = pass.packets.front().stamp;
-            if (map.takePlainSamples(input)) return map;
+            firstStamp_ = pass.packets.front().stamp;
+            if (takePlainSamples(input)) return Sequel::asRead;
         }
     }
-    if (pass.packets.empty()) return std::nullopt;
+    if (pass.packets.empty()) return Sequel::noSound;
+    if (pass.listed > 0 && pass.packets.size() != pass.listed) return Sequel::wrong;
     if (!heard) {
         // The codec may hold back a sound that is over at once.
         sound.clear();
-        if (input.decode(nullptr, sound).frames == 0) return std::nullopt;
+        if (input.decode(nullptr, sound).frames == 0) return Sequel::noSound;
     }
-    if (input.timedOut()) return std::nullopt;
-    map.firstStamp_ = pass.packets.front().stamp;
-    if (!map.takeStamps(pass, input) && !map.takeHeaders(pass, input) && !map.takeDecoded(input))
-        return std::nullopt;
-    if (map.length_ == 0) return std::nullopt;
-    return map;
+    if (input.timedOut()) return Sequel::noSound;
+    firstStamp_ = pass.packets.front().stamp;
+    const bool taken = takeStamps(pass, input) || takeHeaders(pass, input) || takeDecoded(input);
+    return taken ? Sequel::asRead : Sequel::noSound;
+}
+
+/// FLAC's frames tell which samples they hold, and its head how many there are: when the last frame agrees, nothing
+/// between need be read.
+PacketMap::Sequel PacketMap::takeFlac(const Pass& pass, MediaInput& input) {
+    const AVStream& stream = input.stream();
+    const std::int64_t total = stream.duration;
+    if (std::string_view(input.container().name) != "flac" || total <= 0 || pass.firstSound != 0 ||
+        pass.soundStamp != 0 || av_cmp_q(stream.time_base, {1, static_cast<int>(input.format().rate)}) != 0)
+        return Sequel::asRead;
+    std::int64_t at = 0;
+    for (std::size_t i = 0; i < pass.yields.size(); ++i) {
+        if (pass.packets[i].stamp != at ||
+            pass.packets[i].duration != static_cast<std::int64_t>(pass.yields[i]))
+            return Sequel::asRead;
+        at += pass.packets[i].duration;
+    }
+    std::vector<float> sound;
+    for (const std::int64_t wanted : {total / 3, total * 2 / 3, total - 1}) {
+        if (!input.seek(wanted) || !input.readPacket() || input.packet().pts > wanted) return Sequel::wrong;
+        at = input.packet().pts;
+        // The search may stop some frames early.
+        do {
+            sound.clear();
+            const Yield yield = input.decode(&input.packet(), sound);
+            if (input.packet().pts != at || yield.stamp != at || yield.frames == 0) return Sequel::wrong;
+            at += static_cast<std::int64_t>(yield.frames);
+        } while (at <= wanted && input.readPacket());
+    }
+    if (at != total || input.readPacket()) return Sequel::wrong;
+    exactStamps_ = true;
+    length_ = static_cast<std::uint64_t>(total);
+    return Sequel::taken;
+}
+
+/// Frames that tell their sizes lie one behind the other, from the first that was read to the end of the file.
+PacketMap::Sequel PacketMap::takeFrames(const Pass& pass, MediaInput& input) {
+    if (std::string_view(input.container().name) != "mp3" || pass.skip > 0 || pass.firstSound != 0)
+        return Sequel::asRead;
+    const auto list = listPackets(input, pass.packets.front().byte);
+    if (list.size() < pass.packets.size() + tailPackets) return Sequel::asRead;
+    for (std::size_t i = 0; i < pass.packets.size(); ++i)
+        if (pass.packets[i].size != list[i].size || pass.packets[i].header != list[i].header)
+            return Sequel::asRead;
+    for (std::size_t i = 0; i < pass.yields.size(); ++i)
+        if (list[i].header != static_cast<std::int64_t>(pass.yields[i])) return Sequel::asRead;
+    std::size_t next = list.size() - tailPackets;
+    if (!input.seekByte(list[next].byte)) return Sequel::wrong;
+    for (; input.readPacket(); ++next)
+        if (next >= list.size() || input.packet().size != list[next].size) return Sequel::wrong;
+    if (next != list.size()) return Sequel::wrong;
+    std::int64_t at = 0;
+    for (const ListedPacket& packet : list) {
+        marks_.push_back({firstStamp_, at, packet.byte, packet.size});
+        at += packet.header;
+    }
+    search_ = Search::place;
+    length_ = static_cast<std::uint64_t>(at);
+    return Sequel::taken;
 }
 
 /// Plain samples in a row: their number is the size of the data, whatever the header says of it.
@@ -184,7 +286,7 @@ bool PacketMap::takeStamps(const Pass& pass, MediaInput& input) {
     const auto& packets = pass.packets;
     const std::int64_t constant = pass.constantFrames();
     for (std::size_t i = pass.firstSound; i < packets.size(); ++i) {
-        const Packet& packet = packets[i];
+        const ListedPacket& packet = packets[i];
         if (packet.stamp == AV_NOPTS_VALUE || packet.duration <= 0) return false;
         const bool last = i + 1 == packets.size();
         if (!last && constant > 0 && toFrames(packet.duration) != constant) return false;
@@ -233,11 +335,11 @@ void PacketMap::takeBlocks(const MediaInput& input, std::int64_t firstByte) {
 bool PacketMap::stampsHoldAfterSeek(const Pass& pass, MediaInput& input) const {
     const auto& packets = pass.packets;
     for (const std::size_t part : {std::size_t{1}, std::size_t{2}}) {
-        const Packet& wanted = packets[packets.size() * part / 3];
+        const ListedPacket& wanted = packets[packets.size() * part / 3];
         if (!input.seek(wanted.stamp) || !input.readPacket()) return false;
         const std::int64_t stamp = stampOfPacket(input.packet());
-        const auto found =
-            std::find_if(packets.begin(), packets.end(), [&](const Packet& p) { return p.stamp == stamp; });
+        const auto found = std::find_if(packets.begin(), packets.end(),
+                                        [&](const ListedPacket& p) { return p.stamp == stamp; });
         if (found == packets.end() || found->byte != input.packet().pos || stamp > wanted.stamp) return false;
     }
     return true;
@@ -274,7 +376,7 @@ bool PacketMap::takeHeaders(const Pass& pass, MediaInput& input) {
 /// Stamps that jitter still tell how long the sound is meant to be.
 void PacketMap::capAtDurations(const Pass& pass, std::int64_t constant) {
     std::int64_t meant = -static_cast<std::int64_t>(pass.skip);
-    for (const Packet& packet : pass.packets)
+    for (const ListedPacket& packet : pass.packets)
         meant += packet.duration > 0 ? toFrames(packet.duration) : constant;
     if (meant > 0) length_ = std::min(length_, static_cast<std::uint64_t>(meant));
 }
@@ -283,7 +385,7 @@ void PacketMap::capAtDurations(const Pass& pass, std::int64_t constant) {
 bool PacketMap::measureTail(MediaInput& input, std::int64_t stamp, std::uint32_t discard) {
     if (!input.seek(stamp)) return false;
     Walker walker(*this);
-    walker.restart(false);
+    walker.restart(0);
     std::vector<float> sound;
     std::int64_t end = -1;
     while (input.readPacket()) {
@@ -342,11 +444,15 @@ bool PacketMap::takeDecoded(MediaInput& input) {
     return !marks_.empty();
 }
 
-std::int64_t PacketMap::stampOf(std::int64_t frame) const {
-    if (exactStamps_) return (frame + origin_) * ticksPerFrame_ / framesPerTick_;
+std::size_t PacketMap::markOf(std::int64_t frame) const {
     const auto after = std::upper_bound(marks_.begin(), marks_.end(), frame,
                                         [](std::int64_t f, const Mark& m) { return f < m.frame; });
-    return after == marks_.begin() ? firstStamp_ : std::prev(after)->stamp;
+    return after == marks_.begin() ? 0 : static_cast<std::size_t>(after - marks_.begin()) - 1;
+}
+
+std::int64_t PacketMap::stampOf(std::int64_t frame) const {
+    if (exactStamps_) return (frame + origin_) * ticksPerFrame_ / framesPerTick_;
+    return marks_.empty() || frame < marks_.front().frame ? firstStamp_ : marks_[markOf(frame)].stamp;
 }
 
 std::optional<std::int64_t> PacketMap::frameOf(std::int64_t stamp) const {
@@ -356,12 +462,29 @@ std::optional<std::int64_t> PacketMap::frameOf(std::int64_t stamp) const {
 
 bool PacketMap::enter(MediaInput& input, std::int64_t frame) const {
     if (blocks_.bytes > 0) return input.seekByte(blocks_.start + frame / blocks_.frames * blocks_.bytes);
+    if (search_ == Search::place) return input.seekByte(marks_[markOf(frame)].byte);
     return input.seek(stampOf(std::min(frame, lastEntry_)));
 }
 
-void PacketMap::Walker::restart(bool atStart) {
+bool PacketMap::enterStart(MediaInput& input) const {
+    if (search_ == Search::place) {
+        const Mark& first = marks_.front();
+        return input.seekByte(first.byte) && input.renew() && input.readPacket() &&
+               input.packet().size == first.size;
+    }
+    return firstStamp_ != AV_NOPTS_VALUE && input.seek(firstStamp_) && input.renew() && input.readPacket() &&
+           (input.packet().pts == firstStamp_ || input.packet().dts == firstStamp_);
+}
+
+void PacketMap::Walker::restartAtStart() {
     next_ = 0;
-    agreed_ = atStart ? neededAgreement : 0;
+    agreed_ = neededAgreement;
+}
+
+void PacketMap::Walker::restart(std::int64_t frame) {
+    const bool known = map_->search_ == Search::place;
+    next_ = known ? map_->markOf(frame) : 0;
+    agreed_ = known ? neededAgreement : 0;
 }
 
 std::optional<std::int64_t> PacketMap::Walker::place(const AVPacket& packet) {
@@ -401,6 +524,7 @@ std::optional<std::int64_t> PacketMap::Walker::place(const AVPacket& packet) {
         return agreed_ < neededAgreement ? std::nullopt : std::optional(nearest->frame);
     }
     if (next_ >= marks.size()) return std::nullopt;
+    if (map_->search_ == Search::place && marks[next_].size != packet.size) return std::nullopt;
     return marks[next_++].frame;
 }
 

@@ -23,12 +23,12 @@ class PacketMap {
 
     /// Exact frames of the decoded sound.
     std::uint64_t length() const { return length_; }
-    /// Stamp of the first packet.
-    std::int64_t firstStamp() const { return firstStamp_; }
     /// Goes to the packet that holds `frame`, or to one before it.
     bool enter(MediaInput& input, std::int64_t frame) const;
+    /// Goes to the first packet with a codec as new, and reads it. False where it is not found.
+    bool enterStart(MediaInput& input) const;
     /// Whether a packet is placed as soon as it is read, and not only after a few more.
-    bool placesAtOnce() const { return exactStamps_ || search_ == Search::byte; }
+    bool placesAtOnce() const { return exactStamps_ || search_ == Search::byte || search_ == Search::place; }
     /// Where sound of stamp `stamp` stands; nothing where stamps are not exact.
     std::optional<std::int64_t> frameOf(std::int64_t stamp) const;
 
@@ -36,8 +36,10 @@ class PacketMap {
     class Walker {
       public:
         explicit Walker(const PacketMap& map) : map_(&map) {}
-        /// The next packet is the first of the file, or any.
-        void restart(bool atStart);
+        /// The next packet is the first of the file.
+        void restartAtStart();
+        /// The next packet is that to which PacketMap::enter() went for `frame`, or one nearby.
+        void restart(std::int64_t frame);
         /// First frame of the sound of `packet`; nothing while it cannot be told which packet it is.
         std::optional<std::int64_t> place(const AVPacket& packet);
 
@@ -54,23 +56,29 @@ class PacketMap {
         std::int64_t byte;  ///< where it stands in the file, -1 unknown
         int size;
     };
-    /// What a packet is recognised by.
-    enum class Search : unsigned char { none, stamp, byte };
+    /// What a packet is recognised by; `place`: it is gone to by its byte, and then all follow in order.
+    enum class Search : unsigned char { none, stamp, byte, place };
     /// Blocks of one size in a row, each decoded by itself: the place in the file tells the frame.
     struct Blocks {
         std::int64_t start = 0;  ///< byte of the first
         std::int64_t bytes = 0;  ///< of a block; 0: the file is not made so
         std::int64_t frames = 0;
     };
-    struct Packet;
     struct Pass;
+    /// What comes of a try to go without reading every packet: all is read as before, the rest is listed, the map is
+    /// complete; or what the file tells of itself is wrong, or there is no sound.
+    enum class Sequel : unsigned char { asRead, asListed, taken, wrong, noSound };
 
+    Sequel survey(MediaInput& input, bool mayList);
+    Sequel takeFlac(const Pass& pass, MediaInput& input);
+    Sequel takeFrames(const Pass& pass, MediaInput& input);
     bool takePlainSamples(const MediaInput& input);
     bool takeStamps(const Pass& pass, MediaInput& input);
     bool takeHeaders(const Pass& pass, MediaInput& input);
     bool takeDecoded(MediaInput& input);
     void takeBlocks(const MediaInput& input, std::int64_t firstByte);
     std::int64_t stampOf(std::int64_t frame) const;
+    std::size_t markOf(std::int64_t frame) const;
     void keepOffLastPage(const Pass& pass);
     void capAtDurations(const Pass& pass, std::int64_t constant);
     bool measureTail(MediaInput& input, std::int64_t stamp, std::uint32_t discard);

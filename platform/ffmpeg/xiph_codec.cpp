@@ -121,7 +121,8 @@ std::optional<XiphCodec> XiphCodec::of(const AVCodecParameters& parameters) {
     XiphCodec codec;
     codec.id_ = parameters.codec_id;
     const bool vorbis = codec.id_ == AV_CODEC_ID_VORBIS && codec.prepareVorbis(parameters);
-    return vorbis || codec.id_ == AV_CODEC_ID_OPUS ? std::optional(codec) : std::nullopt;
+    const bool bare = codec.id_ == AV_CODEC_ID_OPUS || codec.id_ == AV_CODEC_ID_FLAC;
+    return vorbis || bare ? std::optional(codec) : std::nullopt;
 }
 
 bool XiphCodec::prepareVorbis(const AVCodecParameters& parameters) {

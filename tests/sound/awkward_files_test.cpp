@@ -75,6 +75,22 @@ const Awkward files[] = {
      .reference = decoded},
     {.name = "vorbis.mkv", .make = "ffmpeg -v error -i a.ogg -c copy $f", .reference = decoded, .cut = 4096},
     {.name = "opus.webm", .make = "ffmpeg -v error -i source.wav -c:a libopus $f", .reference = decoded},
+    {.name = "broadcast.mp2",
+     .make = "ffmpeg -v error -i source.wav -b:a 256k $f && head -c 128 /dev/zero | tr '\\0' x | sed "
+             "'s/^xxx/TAG/' >>$f",
+     .reference = "ffmpeg -v quiet -c:a mp2float -i $f -f s16le -"},
+    {.name = "alac.m4a", .make = "ffmpeg -v error -i source.wav -c:a alac $f", .reference = source},
+    {.name = "parts.mp4",
+     .make =
+         "ffmpeg -v error -i even.m4a -c copy -movflags frag_keyframe+empty_moov -frag_duration 2000000 $f",
+     .reference = decoded,
+     .cut = 1023},
+    {.name = "flac.mkv", .make = "ffmpeg -v error -i source.wav -c:a flac $f", .reference = source},
+    {.name = "film.mkv",
+     .make = "ffmpeg -v error -f lavfi -i testsrc=s=64x64:r=25:d=17 -i a.ogg -map 0 -map 1 -c:v mjpeg -c:a "
+             "copy $f",
+     .reference = decoded,
+     .cut = 4096},
     {.name = "chunks.wav", .make = "cp chunks.made $f", .reference = source},
 };
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
 
 #include "engine/bass.h"
 #include "platform/file_decoders/file_decoders.h"
@@ -39,6 +40,30 @@ TEST(Modules, ExactLengthExactSeeksNoEndlessRepeat) {
         EXPECT_GT(*std::max_element(whole.end() - 2000, whole.end()), 0.05F) << "it sounds to its end";
         EXPECT_FALSE(decoder->seek(*decoder->length() + 1));
     }
+}
+
+// Each tick is cut to whole frames: many tempos, whose ticks are whole at no rate but their own.
+TEST(Modules, LengthCountsEachTick) {
+    const Folder folder;
+    constexpr std::size_t rows = 32, cells = 1084;
+    auto bytes = tinyModule(rows);
+    const auto tick = [](std::size_t tempo) { return 44'100 * 5 / (2 * tempo); };
+    std::uint64_t expected = 0;
+    std::size_t before = 125;
+    for (std::size_t row = 0; row < rows; ++row) {
+        const std::size_t tempo = 33 + 7 * row;
+        char* second = bytes.data() + cells + row * 16 + 4;
+        second[2] = 0x0F, second[3] = static_cast<char>(tempo);
+        expected +=
+            tick(std::exchange(before, tempo)) + 5 * tick(tempo);  // it holds from a row's second tick
+    }
+    writeBytes(folder / "tempos.mod", bytes);
+    int error = -1;
+    const auto decoder = makeFileDecoders()->openModule(folder / "tempos.mod", error);
+    ASSERT_TRUE(decoder);
+    EXPECT_EQ(expected, *decoder->length());
+    const auto whole = readWhole(*decoder);
+    EXPECT_GT(*std::max_element(whole.end() - 2000, whole.end()), 0.05F) << "it sounds to its end";
 }
 
 // Gone to by a seek, the end asks for nothing to be rendered: an hour would take seconds and a gigabyte.
