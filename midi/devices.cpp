@@ -29,6 +29,14 @@ int count(const std::vector<std::string>& names) { return static_cast<int>(names
 
 bool lostIts(MidiHandle handle) { return handle != 0 && !midiConnected(handle); }
 
+/// The output of the surface is there now; it was not when the input was opened.
+bool outputCame() {
+    if (hMidiIn == 0 || hMidiOut != 0 || MIDIOutIndex != kNoMidiIndex) return false;
+    std::vector<std::string> outputs;
+    ListMidiOutDevices(outputs);
+    return position(outputs, settings.MIDIDevice) >= 0;
+}
+
 void showLists() { callUp(midiUpcalls.listsChanged); }
 
 void loseDevice() {
@@ -88,7 +96,7 @@ void SetMIDIDevice() {
         if (cmbInDevsGUI.selected == 0) return;
         if (!MIDIDevicePicked) ListMidiInDevices(lstInDevs);
         const bool lost = lostIts(hMidiIn) || lostIts(hMidiOut);
-        if (!MIDIDevicePicked && !lost && rowsBut(cmbInDevsGUI) == count(lstInDevs)) return;
+        if (!MIDIDevicePicked && !lost && rowsBut(cmbInDevsGUI) == count(lstInDevs) && !outputCame()) return;
         if (lost) {
             // A cable that was pulled and put back between two ticks: open both anew.
             CloseMidiInDevice();
@@ -167,6 +175,11 @@ void TimerMIDIDevices_Timer() {
         }
         callUp(midiUpcalls.faderLearning, pumping);
     });
+}
+
+void TimerMIDIPorts_Timer() {
+    midiTimers().TimerMIDIPorts.stop();
+    if (midiTimers().TimerMIDIDevices.enabled()) TimerMIDIDevices_Timer();
 }
 
 bool MIDIStatusVisible() { return (settings.MIDIAutoHide == 0 && settings.MIDIEnabled == 1) || hMidiIn != 0; }

@@ -28,6 +28,9 @@ void SetMIDIOutFixedDevice();
 /// Both, and the label; every two seconds, and at once after a change.
 void TimerMIDIDevices_Timer();
 
+/// The same once, after the system told that devices came or went.
+void TimerMIDIPorts_Timer();
+
 /// True when lblMIDIDevice and its mark are to be seen.
 bool MIDIStatusVisible();
 

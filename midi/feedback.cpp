@@ -119,7 +119,7 @@ void MIDIOutRefresh(int withReset) {
                                            &midiOut.OutUpIdle, &midiOut.OutDownIdle})
             MIDIOut(*message, hMidiOut);
         PlayModesTogglesMIDIOut("");
-        for (int i = 0; i <= LastLiveIdx(); ++i) MIDIOut(stateMessage(i), hMidiOut);
+        for (int i = 0; i <= LastLiveIdx(); ++i) sendState(i, stateMessage(i));
     });
 }
 

@@ -180,7 +180,8 @@ void storeRows(const Teachable& t) {
     MIDILearn.MIDILearnAllSame =
         messages.size() == kOutputRows && !messages[0]->empty() &&
         std::ranges::all_of(messages, [&](const std::string* m) { return *m == *messages[0]; });
-    sendPresentState();
+    constexpr std::size_t kIdleRow = 1;
+    if (messages.size() > kIdleRow) MIDIOut(*messages[kIdleRow], hMidiOut);
     CloseFileMIDIOut("");
     for (const std::string* message : {&midiOut.OutStopIdle, &midiOut.OutUpIdle, &midiOut.OutDownIdle})
         MIDIOut(*message, hMidiOut);

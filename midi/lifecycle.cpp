@@ -16,7 +16,12 @@ void StartMIDI() {
     MidiTimers& timers = midiTimers();
     timers.TimerMIDI.handler = TimerMIDI_Timer;
     timers.TimerMIDIDevices.handler = TimerMIDIDevices_Timer;
-    onWake(TimerMIDI_Timer);
+    timers.TimerMIDIPorts.handler = TimerMIDIPorts_Timer;
+    onWake([] {
+        TimerMIDI_Timer();
+        if (midiDevicesChanged() && midiTimers().TimerMIDIDevices.enabled())
+            midiTimers().TimerMIDIPorts.restart();
+    });
     LoadMIDIOutFixeddatas();
     const bool in = settings.MIDIEnabled == 1, out = settings.MIDIOutFixedEnabled == 1;
     callUp(midiUpcalls.enableGroup, MidiGroup::in, in);
@@ -40,6 +45,7 @@ void EndMIDI() {
     MIDIReady = false;
     midiTimers().TimerMIDI.stop();
     midiTimers().TimerMIDIDevices.stop();
+    midiTimers().TimerMIDIPorts.stop();
     onWake({});
     CloseMidiInDevice();
     CloseMidiOutDevice(hMidiOut);

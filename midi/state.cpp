@@ -16,7 +16,9 @@ MidiUpcalls midiUpcalls;
 
 namespace {
 constexpr int kPumpMs = 10, kRescanMs = 2000;
-}
+/// A surface has several ports; they come one after the other.
+constexpr int kSettleMs = 200;
+}  // namespace
 
 std::string ShownList::text() const {
     return selected >= 0 && static_cast<std::size_t>(selected) < rows.size()
@@ -36,7 +38,9 @@ void ShownList::fill(const std::vector<std::string>& names) {
 }
 
 MidiTimers::MidiTimers()
-    : TimerMIDI("TimerMIDI", kPumpMs, {}), TimerMIDIDevices("TimerMIDIDevices", kRescanMs, {}) {}
+    : TimerMIDI("TimerMIDI", kPumpMs, {}),
+      TimerMIDIDevices("TimerMIDIDevices", kRescanMs, {}),
+      TimerMIDIPorts("TimerMIDIPorts", kSettleMs, {}) {}
 
 MidiTimers& midiTimers() {
     static MidiTimers all;

@@ -44,6 +44,7 @@ struct MidiTimers {
     MidiTimers();
     Timer TimerMIDI;         ///< 10 ms, while an input is open
     Timer TimerMIDIDevices;  ///< 2000 ms
+    Timer TimerMIDIPorts;    ///< 200 ms after the system told that devices came or went; once
 };
 MidiTimers& midiTimers();
 

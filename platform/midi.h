@@ -40,6 +40,9 @@ int deliverMidi(MidiHandle input, int most);
 void closeMidiInput(MidiHandle input);
 /// False when the device of an open input or output has gone since it was opened, even if it is back.
 bool midiConnected(MidiHandle device);
+/// True when devices may have come or gone since this was asked last. The interface is woken then; where the
+/// system tells nothing it is never true, and the lists have to be looked at.
+bool midiDevicesChanged();
 /// Messages lost since the program began because kMidiWaiting others were waiting. [any]
 std::uint64_t midiMessagesDropped();
 

@@ -1,5 +1,7 @@
 #include "platform/common/midi_queue.h"
 
+#include "platform/common/callback_section.h"
+
 namespace zv {
 namespace {
 
@@ -30,6 +32,7 @@ std::size_t midiLength(unsigned char status) {
 }
 
 bool MidiQueue::push(std::span<const unsigned char> bytes, std::uint32_t ms) noexcept {
+    const CallbackSection callback;
     if (bytes.empty() || bytes[0] < 0x80 || bytes[0] == kTimingClock) return true;
     const bool isLong = bytes[0] == kSystemExclusive || bytes[0] == kContinuedExclusive;
     if (isLong && longMessages_ == 0) return true;

@@ -51,6 +51,7 @@ MidiDevices& MidiDevices::instance() {
 void MidiDevices::plug(const std::string& name, MidiDirections which) {
     if (which.input) add(inputs, name);
     if (which.output) add(outputs, name);
+    told();
 }
 
 void MidiDevices::unplug(const std::string& name, MidiDirections which) {
@@ -66,6 +67,12 @@ void MidiDevices::unplug(const std::string& name, MidiDirections which) {
             if (device == name) lost.insert(handle);
         }
     }
+    told();
+}
+
+void MidiDevices::told() {
+    changed = tells;
+    if (changed) wakeInterface();
 }
 
 bool MidiDevices::queue(std::string_view hex, const std::string& device) {
@@ -111,6 +118,8 @@ int deliverMidi(MidiHandle input, int most) {
     const auto found = all().openInputs.find(input);
     return found == all().openInputs.end() ? 0 : found->second->queue.deliver(found->second->callback, most);
 }
+
+bool midiDevicesChanged() { return std::exchange(all().changed, false); }
 
 bool midiConnected(MidiHandle device) { return !all().lost.contains(device); }
 

@@ -36,7 +36,9 @@ class MidiDevices {
     std::function<void(const std::string& device, std::uint32_t message)> onSent;
     /// Outputs that are there refuse to be opened, and inputs too.
     bool refuse = false;
-    int opened = 0;  ///< devices opened so far
+    int opened = 0;        ///< devices opened so far
+    bool tells = true;     ///< the program is told when a device comes or goes
+    bool changed = false;  ///< one did since the program asked
 
     std::vector<std::string> inputs, outputs;  ///< names, in the order of plugging
 
@@ -50,6 +52,9 @@ class MidiDevices {
     std::map<MidiHandle, std::string> openOutputs;  ///< names
     std::set<MidiHandle> lost;                      ///< open ones whose device was unplugged, now or before
     std::function<void()> onWake;
+
+  private:
+    void told();
 };
 
 /// A message as six upper-case hexadecimal digits.

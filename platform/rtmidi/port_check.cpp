@@ -7,6 +7,8 @@
 #include <memory>
 #include <string_view>
 
+#include "platform/rtmidi/port_watch.h"
+
 namespace zv {
 namespace {
 
@@ -59,9 +61,18 @@ jack_client_t* askingClient(const std::string& client) {
     if (gone.exchange(false)) kept.reset();
     if (kept == nullptr) {
         kept.reset(jack_client_open((client + "-check").c_str(), JackNoStartServer, nullptr));
-        if (kept != nullptr)
+        if (kept != nullptr) {
             jack_on_shutdown(
-                kept.get(), [](void* flag) { static_cast<std::atomic<bool>*>(flag)->store(true); }, &gone);
+                kept.get(),
+                [](void* flag) {
+                    static_cast<std::atomic<bool>*>(flag)->store(true);
+                    notePortsChanged();
+                },
+                &gone);
+            jack_set_port_registration_callback(
+                kept.get(), [](jack_port_id_t, int, void*) { notePortsChanged(); }, nullptr);
+            jack_activate(kept.get());
+        }
     }
     return kept.get();
 }
@@ -79,6 +90,8 @@ bool alsaPortConnected(const std::string& client, const std::string& port, bool 
     snd_seq_query_subscribe_set_index(subscribers, 0);
     return snd_seq_query_port_subscribers(opened, subscribers) >= 0;
 }
+
+void watchJackPorts(const std::string& client) { askingClient(client); }
 
 bool jackPortConnected(const std::string& client, const std::string& port) {
     jack_client_t* asking = askingClient(client);

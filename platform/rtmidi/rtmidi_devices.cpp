@@ -17,6 +17,7 @@
 #include "platform/midi.h"
 #include "platform/rtmidi/device_names.h"
 #include "platform/rtmidi/port_check.h"
+#include "platform/rtmidi/port_watch.h"
 #include "platform/wake.h"
 
 namespace zv {
@@ -84,6 +85,8 @@ class Lister {
         std::vector<std::string> ports;
         if (!port_ || Clock::now() >= renewAt_) renew();
         if (!port_) return {};
+        if (api_ == RtMidi::LINUX_ALSA) watchAlsaPorts(kClientName);
+        if (api_ == RtMidi::UNIX_JACK) watchJackPorts(kClientName);
         const unsigned int count = port_->getPortCount();
         for (unsigned int i = 0; i < count; ++i) {
             std::string port = port_->getPortName(i);
@@ -231,6 +234,8 @@ bool midiConnected(MidiHandle device) {
             return true;  // the other systems' lists change when a device goes
     }
 }
+
+bool midiDevicesChanged() { return portsChanged(); }
 
 void closeMidiInput(MidiHandle input) { devices().openInputs.erase(input); }
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "model/actions.h"
+#include "model/state.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
@@ -188,7 +189,9 @@ void FormWindow::keyDown(KeyEvent& event) {
         event.consumed = true;
         if (event.repeat) return;
         if (perform) perform(Action::stopAll, 0, 0);
+        const bool learning = MIDILearnActive;  // STOP rests until that ends
         if (!pressRole(KeyRole::cancel)) close();
+        if (learning && perform) perform(Action::stopAll, 0, 0);
         return;
     }
     if (event.key == Key::enter && event.shift == 0) {
