@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -83,6 +84,10 @@ struct Form {
     bool modal = false;  ///< the main window takes nothing but STOP and plain presses of jingles meanwhile
     bool borderless = false;
 };
+
+/// Asked before the shell tells a record of a press, a key (as the left button) or a file let go; false: nobody is
+/// told. Empty: everything is told.
+inline std::function<bool(const Control& record, MouseButton button)> takesInput;
 
 /// Every cell of a form, in reading order.
 std::vector<const FormCell*> cellsOf(const Form& form);

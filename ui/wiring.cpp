@@ -1,4 +1,5 @@
 #include "ui/wiring.h"
+#include "ui/windows/form_window.h"
 #include "ui/windows/midi_learn.h"
 #include "ui/windows/midi_settings_window.h"
 
@@ -15,6 +16,7 @@
 #include "model/state.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
+#include "platform/forms.h"
 #include "startup/datafiles.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
@@ -205,6 +207,7 @@ void wireWindow() {
     w.window.onKeyDown = Form_KeyDown;
     w.window.onKeyUp = Form_KeyUp;
     w.window.onQueryClose = Form_QueryUnload;
+    takesInput = TakesInput;
     onSessionEnd = [] { UnloadMain(kSessionEnds); };
     w.window.onResize = [] { timers().tmrResize.restart(); };
     for (Control* c : {&w.lblVUSrc, &w.lblL, &w.lblR}) {

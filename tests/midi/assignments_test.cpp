@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "engine/bass.h"
 #include "midi/assignments.h"
 #include "midi/codes.h"
 #include "midi/faults.h"
@@ -15,6 +16,9 @@
 #include "startup/settings.h"
 #include "startup/stores.h"
 #include "tests/midi/surface.h"
+#include "ui/records/jingle_buttons.h"
+#include "ui/records/main_window.h"
+#include "ui/windows/form_window.h"
 #include "ui/windows/midi_button_window.h"
 #include "ui/windows/midi_learn.h"
 #include "ui/windows/midi_small_windows.h"
@@ -180,6 +184,18 @@ TEST_F(SurfaceTest, WhileAWindowLearnsNothingPlays) {
         findControl(key)->onMouseUp({});
     }
     EXPECT_EQ(ToggleAutoRep + ToggleTouch + settings.AutoMix, 0) << "commands rest while a control is learnt";
+    // The main window waits, but for STOP and plain presses; STOP itself rests until the window has closed.
+    EXPECT_FALSE(TakesInput(frmMain().palettes.btUp, MouseButton::left));
+    EXPECT_FALSE(TakesInput(Button(0)->b_Jingle, MouseButton::right));
+    EXPECT_TRUE(TakesInput(Button(0)->b_Jingle, MouseButton::left));
+    EXPECT_TRUE(TakesInput(frmMain().keys.btStop, MouseButton::left));
+    BASS_ChannelPlay(Jingle(0).hPlay, 0);
+    KeyEvent escape{Key::escape};
+    w.form.window.onKeyDown(escape);
+    EXPECT_FALSE(w.form.isOpen());
+    EXPECT_TRUE(TakesInput(frmMain().palettes.btUp, MouseButton::left));
+    EXPECT_EQ(BASS_ChannelIsActive(Jingle(0).hPlay), BASS_ACTIVE_STOPPED);
+    clMIDI("b_Jingle", 0);
     // Cancel leaves everything as it was.
     send("904000");
     MIDILearn.rows[0] = {"90", "00", "00"};

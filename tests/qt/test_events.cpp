@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QWheelEvent>
 
+#include "platform/forms.h"
 #include "platform/qt/view/keys.h"
 #include "tests/qt/stage.h"
 
@@ -86,6 +87,23 @@ TEST(Mouse, TheSelectionBoxTakesItsOwnPress) {
     EXPECT_EQ(s.told(), "");
     EXPECT_TRUE(click(f.button, MouseButton::left, 0, {twips(150), twips(60)}));
     EXPECT_EQ(s.told(), "b_Jingle(2):down b_Jingle(2):up b_Jingle(2):click");
+}
+
+TEST(Mouse, WhatIsKeptFromARecordReachesNobody) {
+    Stage s;
+    for (Control* c : {&s.key, &s.list, &s.families[0]->button}) s.listen(*c);
+    takesInput = [&](const Control& record, MouseButton button) {
+        return button == MouseButton::left && record.kind == ControlKind::jingle;
+    };
+    click(s.key);
+    click(s.list);
+    click(s.families[0]->button, MouseButton::right);
+    setFocus(s.key);
+    keyDown(Key::space);
+    EXPECT_EQ(s.told(), "");
+    click(s.families[0]->button);
+    EXPECT_EQ(s.told(), "b_Jingle(0):down b_Jingle(0):up b_Jingle(0):click");
+    takesInput = nullptr;
 }
 
 TEST(Touch, FingersPressAndLeaveEachForItself) {

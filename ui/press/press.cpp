@@ -29,6 +29,7 @@
 #include "ui/screen/captions.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/screen/shaded.h"
+#include "ui/windows/form_window.h"
 
 namespace zv {
 
@@ -107,6 +108,9 @@ PressMeaning meaningOf(int index) {
     const MainWindow& w = frmMain();
     const bool filled = !j.Path.empty();
     const bool noModifier = !CtrlDown && !ShiftDown && !AltDown;
+    if (ModalFormOpen()) {
+        return filled && !j.MissingFile ? PressMeaning::play : PressMeaning::nothing;
+    }
     if (Armed(w.palettes.ckAssign)) {
         return PressMeaning::assign;
     }

@@ -217,6 +217,20 @@ void RefreshForms() {
     }
 }
 
+bool ModalFormOpen() {
+    return std::ranges::any_of(forms(),
+                               [](const FormWindow* f) { return f->isOpen() && f->window.form->modal; });
+}
+
+bool TakesInput(const Control& record, MouseButton button) {
+    if (!ModalFormOpen()) return true;
+    bool jingle = false;
+    const Control* top = &record;
+    for (; top->parent != nullptr; top = top->parent) jingle = jingle || top->kind == ControlKind::jingle;
+    if (top != &frmMain().window) return true;
+    return button == MouseButton::left && (jingle || &record == &frmMain().keys.btStop);
+}
+
 void CloseForms() {
     for (FormWindow* form : forms()) form->close();
 }

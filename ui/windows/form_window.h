@@ -78,6 +78,10 @@ class FormWindow {
 
 /// The open windows in the language of the settings, after it was changed.
 void RefreshForms();
+/// True while an open window keeps the main window from everything but STOP and plain presses of jingles.
+bool ModalFormOpen();
+/// Whether a record may be told of a press by that button: see ModalFormOpen.
+bool TakesInput(const Control& record, MouseButton button);
 /// Closes all of them, when the program ends.
 void CloseForms();
 

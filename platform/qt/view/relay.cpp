@@ -13,6 +13,7 @@
 #include <set>
 #include <unordered_map>
 
+#include "platform/forms.h"
 #include "platform/qt/view/keys.h"
 #include "platform/qt/view/shell.h"
 #include "platform/qt/view/theme.h"
@@ -53,6 +54,7 @@ class Relay final : public QObject {
 
     bool eventFilter(QObject* watched, QEvent* e) override {
         if (watched != &source_) return false;
+        if (refused(*e)) return true;
         switch (e->type()) {
             case QEvent::MouseButtonPress:
             case QEvent::MouseButtonDblClick:
@@ -88,6 +90,28 @@ class Relay final : public QObject {
     }
 
   private:
+    /// True when what begins with this event is kept from the record.
+    bool refused(QEvent& e) const {
+        if (!takesInput) return false;
+        switch (e.type()) {
+            case QEvent::MouseButtonPress:
+            case QEvent::MouseButtonDblClick: {
+                const auto& press = static_cast<const QMouseEvent&>(e);
+                return !takesInput(hit(press.position().toPoint()), buttonOf(press.button()));
+            }
+            case QEvent::ContextMenu:
+                return !takesInput(record_, MouseButton::right);
+            case QEvent::TouchBegin:
+            case QEvent::KeyPress:
+            case QEvent::Wheel:
+            case QEvent::DragEnter:
+            case QEvent::Drop:
+                return !takesInput(record_, MouseButton::left);
+            default:
+                return false;
+        }
+    }
+
     /// True for what has no widget of the toolkit behind it, which would tell clicks itself.
     bool painted() const {
         switch (view_.record.kind) {
