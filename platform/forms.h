@@ -82,6 +82,8 @@ struct Form {
     std::vector<FormCell> keysLeft = {}, keys = {};  ///< of the foot; the last one stands at the lower right
     int width = 0, height = 0;                       ///< wished, pixels at 100 %; 0: what it needs
     bool modal = false;  ///< the main window takes nothing but STOP and plain presses of jingles meanwhile
+    bool evenCards =
+        false;  ///< cards beside each other are equally wide, their labels in one column over all blocks
     bool borderless = false;
 };
 

@@ -49,7 +49,7 @@ TEST(Mixer, ChangesDevicesAndLevelsWhileItSounds) {
                            "at 3600 expect FadeInAdvance 300\n"
                            "at 3700 answer ok\n"
                            "at 3700 set frmMixer.cmbFreq 48000 Hz\n"
-                           "at 3700 expect frmMixer.lblFreqChg.visible 1\n"
+                           "at 3700 expect frmMixer.lblNote \"This change takes effect at the next start.\"\n"
                            "at 3800 key Escape\n"
                            "at 3900 expect frmMixer.visible 0\n"
                            "at 4000 end\n"),

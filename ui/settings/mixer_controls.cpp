@@ -5,12 +5,13 @@
 #include <vector>
 
 #include "audio/levels.h"
+#include "ui/windows/form_place.h"
 
 namespace zv {
 
 namespace {
 
-constexpr int kMeterWidth = 88, kWidth = 940;  // pixels
+constexpr int kMeterWidth = 72, kRateWidth = 112;  // pixels
 constexpr int kFull = 100, kPercentStep = 5;
 
 FormRow levelRow(Control& label, Control& slider, Control& value, const char* tip) {
@@ -42,6 +43,7 @@ void MixerWindow::makePairs() {
 
 MixerWindow::MixerWindow() {
     makePairs();
+    lblFreqChg.visible = false;
     MeterLook look;
     look.vertical = false;
     for (Control* meter : {VuOut[0], VuOut[1], &VuIn}) {
@@ -65,29 +67,16 @@ MixerWindow::MixerWindow() {
             {.label = i == 0 ? FormText("mixLblVol")
                              : FormText(form.control("lblVolAux", ControlKind::label, "mixLblVol")),
              .cells = {{.control = SlideVolDevice[i], .tip = "mixVolTip", .unit = *lblVolDeviceVal[i]},
-                       {.control = VuOut[i], .width = kMeterWidth}}});
+                       {.control = VuOut[i], .tip = "mixLblLevel", .width = kRestOfRow}}});
     }
-    const FormCard memory{
-        .rows = {{.label = "mixLblSavDevBy",
-                  .cells = {{optDevBy[0], "mixByNumberTip"}, {optDevBy[1], "mixByNameTip"}}},
-                 {.label = "mixfrmMixerFreq", .cells = {{&cmbFreq, "mixFreqTip"}}},
-                 {.cells = {{&ckDeviceSingle, "mixSingleTip"}}},
-                 {.cells = {{.control = &lblFreqChg, .width = kRestOfRow}}}}};
-    FormCard microphone{
+    const FormCard microphone{
         .title = "mixFrmInput",
-        .rows = {{.cells = {{&ckInputEnable, "mixInputTip"}}},
+        .rows = {{.cells = {{&ckInputEnable, "mixInputTip"}, {&ckVolInLink, "mixLinkTip"}}},
                  {.label = "mixLblDeviceIn",
-                  .cells = {{.control = &cmbInDev, .tip = "mixDeviceInTip", .width = kRestOfRow}}},
-                 {.label = "mixLblLevel", .cells = {{.control = &VuIn, .width = kRestOfRow}}},
+                  .cells = {{.control = &cmbInDev, .tip = "mixDeviceInTip", .width = kRestOfRow},
+                            {.control = &VuIn, .tip = "mixLblLevel", .width = kMeterWidth}}},
                  levelRow(*lblVolIn[0], *SlideVolIn[0], *lblVolInVal[0], "mixVolInTip"),
-                 levelRow(*lblVolIn[1], *SlideVolIn[1], *lblVolInVal[1], "mixVolInTip"),
-                 {.cells = {{&ckVolInLink, "mixLinkTip"}}}}};
-    const FormCard talkOver{
-        .title = "mixLblTalkOver",
-        .rows = {{.label = "mixLblTOThreshold",
-                  .cells = {{.control = &SlideTOThresh, .tip = "mixTOThresholdTip", .unit = lblThreshVal}}},
-                 {.label = "mixLblTORelease",
-                  .cells = {{.control = &SlideTORelease, .tip = "mixTOReleaseTip", .unit = lblReleaseVal}}}}};
+                 levelRow(*lblVolIn[1], *SlideVolIn[1], *lblVolInVal[1], "mixVolInTip")}};
     const FormCard duck{
         .title = "mixFrmAutoDuck",
         .rows = {{.label = "mixLblAutoDuckMode", .cells = {{&cmbAutoDuckMode, "mixModeTip"}}},
@@ -100,11 +89,24 @@ MixerWindow::MixerWindow() {
                   .cells = {{.control = &SlideFadeOutSpeed, .tip = "mixFadeOutTip", .unit = lblOutVal}}},
                  {.label = "mixLblFadeInSpeed",
                   .cells = {{.control = &SlideFadeInSpeed, .tip = "mixFadeInTip", .unit = lblInVal}}}}};
-    form.describe({.blocks = {{outputs, microphone}, {duck, other}, {talkOver, memory}},
-                   .note = "mixNote",
+    const FormCard rest{
+        .rows = {{.label = "mixLblTalkOver",
+                  .cells = {{.control = &lblTOThreshold},
+                            {.control = &SlideTOThresh, .tip = "mixTOThresholdTip", .unit = lblThreshVal},
+                            {.control = &lblTORelease},
+                            {.control = &SlideTORelease, .tip = "mixTOReleaseTip", .unit = lblReleaseVal}}},
+                 {.label = "mixLblSavDevBy",
+                  .cells = {{optDevBy[0], "mixByNumberTip"},
+                            {optDevBy[1], "mixByNameTip"},
+                            {.control = &frmMixerFreq},
+                            {.control = &cmbFreq, .tip = "mixFreqTip", .width = kRateWidth},
+                            {&ckDeviceSingle, "mixSingleTip"}}}}};
+    form.describe({.blocks = {{outputs, microphone}, {duck, other}, {rest}},
+                   .note = lblNote,
                    .keysLeft = {{.control = &btMIDI, .tip = "mixbtMIDITip"}},
                    .keys = {{.control = &btOk, .tip = "mixbtOkTip", .role = KeyRole::accept}},
-                   .width = kWidth});
+                   .width = kWidestWindow,
+                   .evenCards = true});
 }
 
 MixerWindow& frmMixer() {

@@ -19,7 +19,9 @@ struct MixerWindow {
     Control& ckDeviceSingle = form.control("ckDeviceSingle", ControlKind::checkBox, "mixckDeviceSingle");
     Control& cmbFreq = form.control("cmbFreq", ControlKind::comboBox);
     std::array<Control*, 2> optDevBy{};
+    Control& frmMixerFreq = form.control("frmMixerFreq", ControlKind::label, "mixfrmMixerFreq");
     Control& lblFreqChg = form.control("lblFreqChg", ControlKind::label, "mixLblValChg");
+    Control& lblNote = form.control("lblNote", ControlKind::label, "mixNote");  ///< or lblFreqChg's text
 
     // ---- microphone ----
     Control& ckInputEnable = form.control("ckInputEnable", ControlKind::checkBox, "mixCkInputEnable");
@@ -34,6 +36,8 @@ struct MixerWindow {
     Control& SlideFadeInSpeed = form.control("SlideFadeInSpeed", ControlKind::slider);
     Control& SlideTOThresh = form.control("SlideTOThresh", ControlKind::slider);
     Control& SlideTORelease = form.control("SlideTORelease", ControlKind::slider);
+    Control& lblTOThreshold = form.control("lblTOThreshold", ControlKind::label, "mixLblTOThreshold");
+    Control& lblTORelease = form.control("lblTORelease", ControlKind::label, "mixLblTORelease");
     Control& cmbAutoDuckMode = form.control("cmbAutoDuckMode", ControlKind::comboBox);
     Control& SlideFadeInAdvance = form.control("SlideFadeInAdvance", ControlKind::slider);
     Control& lblFadeInAdvance = form.control("lblFadeInAdvance", ControlKind::label);

@@ -40,13 +40,6 @@ void tellRestart() {
     messageBox(frmMixer().lblFreqChg.caption(), kTitle, BoxKind::information, BoxButtons::ok);
 }
 
-/// The line in the window that reminds of it.
-void showPending() {
-    MixerWindow& m = frmMixer();
-    m.lblFreqChg.visible =
-        settings.DeviceSinglePending != settings.DeviceSingle || settings.MixerFreq != MixerFreqAtStart;
-}
-
 void rememberOutputs() {
     MixerWindow& m = frmMixer();
     if (byName()) {
@@ -72,6 +65,13 @@ bool refused(int output) {
 
 }  // namespace
 
+void ShowPending() {
+    MixerWindow& m = frmMixer();
+    const bool pending =
+        settings.DeviceSinglePending != settings.DeviceSingle || settings.MixerFreq != MixerFreqAtStart;
+    m.lblNote.caption = pending ? m.lblFreqChg.caption() : Ln("mixNote");
+}
+
 void FillDeviceLists() {
     MixerWindow& m = frmMixer();
     const OutputLists outputs = CurrentOutputs();
@@ -91,7 +91,7 @@ void FillDeviceLists() {
     for (std::size_t i = 0; i < kRates.size(); ++i) {
         if (std::atoi(kRates[i]) == settings.MixerFreq) m.cmbFreq.listIndex = static_cast<int>(i);
     }
-    showPending();
+    ShowPending();
 }
 
 void OutputChosen(int output) {
@@ -142,13 +142,13 @@ void RememberBy(int how) {
 
 void TopologyChosen() {
     settings.DeviceSinglePending = frmMixer().ckDeviceSingle.value;
-    showPending();
+    ShowPending();
     if (settings.DeviceSinglePending != settings.DeviceSingle) tellRestart();
 }
 
 void RateChosen() {
     settings.MixerFreq = std::atoi(frmMixer().cmbFreq.text().substr(0, kRateDigits).c_str());
-    showPending();
+    ShowPending();
     if (settings.MixerFreq != MixerFreqAtStart) tellRestart();
 }
 

@@ -14,6 +14,8 @@ void InputSwitched();
 void ShowInputControls();
 /// Devices are remembered by number (0) or by name (1).
 void RememberBy(int how);
+/// The foot reminds of what waits for the next start.
+void ShowPending();
 /// These two take effect at the next start, and say so.
 void TopologyChosen();
 void RateChosen();

@@ -106,7 +106,7 @@ void showTopology() {
     MixerWindow& m = frmMixer();
     const bool mix = settings.DeviceSingle == 0;
     for (Control* c : {m.cmbDev[1], m.SlideVolDevice[1], m.VuOut[1], m.VuOut[0], &m.ckInputEnable,
-                       &m.SlideTOThresh, &m.SlideTORelease}) {
+                       &m.lblTOThreshold, &m.SlideTOThresh, &m.lblTORelease, &m.SlideTORelease}) {
         c->visible = mix;
     }
     ShowInputControls();
@@ -122,6 +122,7 @@ void fillTexts() {
     }
     m.cmbAutoDuckMode.items = Split(listOr("mixCmbAutoDuckMode", "Hidden,At top,At bottom"), ",");
     showAdvance();
+    ShowPending();
 }
 
 /// Once: what each control does.

@@ -307,6 +307,7 @@ void FormView::addBlocks(QVBoxLayout& into, const std::vector<FormBlock>& blocks
         });
     };
     Column common;  // cards below each other have their labels in one column
+    std::vector<Column> even;
     for (const FormBlock& block : blocks) {
         const int share = growing(block) ? 1 : 0;
         if (block.size() == 1) {
@@ -315,14 +316,18 @@ void FormView::addBlocks(QVBoxLayout& into, const std::vector<FormBlock>& blocks
         }
         auto* beside = new QBoxLayout(QBoxLayout::LeftToRight);
         beside->setSpacing(kGap);
-        for (const FormCard& card : block) {
+        for (std::size_t i = 0; i < block.size(); ++i) {
             Column own;
-            beside->addWidget(makeCard(card, own), card.share);
+            if (even.size() <= i) even.emplace_back();
+            QWidget* card = makeCard(block[i], form_.evenCards ? even[i] : own);
+            if (form_.evenCards) card->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+            beside->addWidget(card, block[i].share);
             columns_.push_back(own);
         }
         beside_.push_back(beside);
         into.addLayout(beside, share);
     }
+    columns_.insert(columns_.end(), even.begin(), even.end());
     columns_.push_back(common);
     if (!blocks.empty() && !std::ranges::any_of(blocks, growing) &&
         (&blocks != &form_.blocks || form_.pages.empty()))
@@ -341,11 +346,15 @@ QWidget* FormView::makeCard(const FormCard& card, Column& column) {
                              QSizePolicy::Minimum);  // never squeezed: the card scrolls
         rows->addWidget(title);
     }
+    CardRows all{widget, {}};
     for (const FormRow& row : card.rows) {
-        rows->addWidget(makeRow(row, column), row.grows ? 1 : 0);
+        QWidget* made = makeRow(row, column);
+        all.rows.push_back(made);
+        rows->addWidget(made, row.grows ? 1 : 0);
         grows = grows || row.grows;
     }
     if (!grows) rows->addStretch(1);
+    cards_.push_back(std::move(all));
     return widget;
 }
 
@@ -448,6 +457,11 @@ void FormView::refresh() {
         row.widget->setVisible(seen);
         refit_ = window_.isVisible();
         writeBackSoon();
+    }
+    // And a card whose rows are all hidden.
+    for (const CardRows& card : cards_) {
+        const auto hidden = [](const QWidget* row) { return row->isHidden(); };
+        card.widget->setVisible(card.rows.empty() || !std::ranges::all_of(card.rows, hidden));
     }
     alignLabels();
 }

@@ -37,6 +37,10 @@ class FormView final : public QObject {
         QWidget* widget;
         const FormRow* said;
     };
+    struct CardRows {
+        QWidget* widget;
+        std::vector<QWidget*> rows;
+    };
     struct Column {  ///< labels that stand in one column
         std::vector<QWidget*> labels;
     };
@@ -63,6 +67,7 @@ class FormView final : public QObject {
     QStackedWidget* stack_ = nullptr;
     std::vector<QBoxLayout*> beside_;  ///< cards side by side
     std::vector<Row> rows_;
+    std::vector<CardRows> cards_;
     std::vector<Column> columns_;
     std::vector<QWidget*> wrapping_;
     QSize most_;  ///< of the window, as it was laid out first
