@@ -56,7 +56,7 @@ void surface() {
     LastPalIdx = kPaletteSlots - 1;
     settings.MIDIDevice = "Pad";
     settings.MIDIEnabled = 1;
-    perform = [](Action, int, int) { return true; };
+    zv::perform = [](Action, int, int) { return true; };
     MidiDevices& devices = MidiDevices::instance();
     std::uint64_t sent = 0;
     devices.onSent = [&](const std::string&, std::uint32_t) { ++sent; };
@@ -77,7 +77,7 @@ void surface() {
     CloseMidiOutDevice(hMidiOut);
     devices.unplug("Pad");
     devices.onSent = nullptr;
-    perform = nullptr;
+    zv::perform = nullptr;
 }
 
 const Known knows("midi", surface);
