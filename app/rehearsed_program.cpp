@@ -11,7 +11,9 @@
 #include <utility>
 #include <vector>
 
+#include "audio/devices.h"
 #include "audio/open_palette.h"
+#include "audio/talk_over.h"
 #include "engine/bass.h"
 #include "model/jingle.h"
 #include "model/palette_files.h"
@@ -21,8 +23,10 @@
 #include "startup/settings.h"
 #include "startup/upcalls.h"
 #include "ui/records/jingle_buttons.h"
+#include "ui/records/main_window.h"
 #include "ui/screen/button_faces.h"
 #include "ui/screen/layout.h"
+#include "ui/screen/shaded.h"
 
 namespace zv {
 namespace {
@@ -180,7 +184,44 @@ void changeGrid(int rows, int columns) {
     OpenFile();
 }
 
+namespace {
+
+/// Keys of the microphone, bus and settings against each other.
+std::string mixFault() {
+    constexpr float kNear = 0.005F;
+    const KeyControls& k = frmMain().keys;
+    if ((k.btMicPush.backColor() == settings.moColor) != MicPushed)
+        return "the microphone's key shows the wrong state";
+    if ((k.btMicTO.backColor() == settings.toColor) != TalkOverOn)
+        return "the talk-over key shows the wrong state";
+    const Colour automix = settings.AutoMix == 1   ? Shaded.am
+                           : settings.AutoMix == 2 ? Shaded.am2
+                                                   : BtnFaceColor;
+    if (k.ckAutoMix.backColor() != automix) return "the automix key shows the wrong state";
+    for (std::size_t i = 0; i < MainSplit.size(); ++i) {
+        const int own = i == 0 ? settings.VolumeInMain : settings.VolumeInAux;
+        const std::pair<DWORD, float> buses[] = {
+            {MainSplit[i], MicPushed ? static_cast<float>(settings.AttnVol) / 100.0F : -1.0F},
+            {MicSplit[i], MicPushed ? static_cast<float>(own) / 100.0F : 0.0F}};
+        for (const auto& [bus, wanted] : buses) {
+            float level = 0;
+            if (bus == 0 || wanted < 0 || BASS_ChannelIsSliding(bus, BASS_ATTRIB_VOLDSP)) continue;
+            BASS_ChannelGetAttribute(bus, BASS_ATTRIB_VOLDSP, &level);
+            if (std::abs(level - wanted) > kNear)
+                return "output " + std::to_string(i) +
+                       (bus == MicSplit[i] ? ": microphone at " : ": jingles at ") + std::to_string(level) +
+                       " instead of " + std::to_string(wanted);
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
 std::string programFault() {
+    if (settings.DeviceSingle == 0) {
+        if (std::string fault = mixFault(); !fault.empty()) return fault;
+    }
     for (const int i : LiveJingles()) {
         if (JExists[static_cast<std::size_t>(i)] == 0) continue;
         if (std::string fault = faultOf(i); !fault.empty()) return fault;

@@ -266,6 +266,7 @@ void Player::perform(const Action& action) {
             break;
         case Verb::random:
         case Verb::chaos:
+        case Verb::mixing:
             if (action.line > 0)
                 scatterRandom(action);
             else
@@ -492,7 +493,9 @@ void Player::scatterRandom(const Action& action) {
     if (pending_.empty()) return;
     const std::int64_t length = pending_.begin()->first - action.at;
     random_.emplace_back(action.number != 0 ? static_cast<std::uint64_t>(action.number) : options_.seed,
-                         action.verb == Verb::chaos);
+                         action.verb == Verb::chaos    ? Chance::edits
+                         : action.verb == Verb::mixing ? Chance::mix
+                                                       : Chance::show);
     RandomShow& chance = random_.back();
     for (std::int64_t i = 0; i < action.count; ++i) {
         Action one;

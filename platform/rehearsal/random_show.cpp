@@ -20,7 +20,7 @@ constexpr std::uint64_t kLongestHoldMs = 900;
 constexpr const char* kShowKeys[] = {"PageUp", "PageDown", "PageDown", "Escape", "R",
                                      "T",      "M",        "Space",    "Space"};
 
-constexpr std::uint64_t kEditsIn = 4;        ///< one action in so many is an edit
+constexpr std::uint64_t kEditsIn = 4;        ///< one action in so many is an edit, or one of the mix
 constexpr std::uint64_t kColourFields = 25;  ///< the last one takes a colour away
 constexpr std::int64_t kStepMs = 40;         ///< between the steps of an edit
 constexpr const char* kDropped[] = {"Audio_Sample/Ding.flac", "Audio_Sample/Oops.wav",
@@ -67,7 +67,8 @@ std::uint64_t RandomShow::number(std::uint64_t below) {
 }
 
 std::vector<Action> RandomShow::next(const Pressable& there) {
-    if (edits_ && number(kEditsIn) == 0 && !there.buttons.empty()) return edit(there);
+    if (kind_ == Chance::edits && number(kEditsIn) == 0 && !there.buttons.empty()) return edit(there);
+    if (kind_ == Chance::mix && number(kEditsIn) == 0) return mix();
     Action action;
     const std::uint64_t kind = number(kKey);
     if (kind < kHold && !there.buttons.empty()) {
@@ -101,6 +102,77 @@ std::vector<Action> RandomShow::option(const Pressable& there) {
     if (arm.name == "ckLoopI" && number(2) == 0) steps.push_back(arm);  // armed twice it is the sequence
     // Now and then it stays armed for whatever comes next.
     if (number(4) != 0) steps.push_back(onButton(Verb::press, there.buttons[number(there.buttons.size())]));
+    return steps;
+}
+
+/// The devices' window: opened, one thing set, closed.
+std::vector<Action> RandomShow::inMixer() {
+    struct Setting {
+        const char* name;
+        int index;
+        std::uint64_t values;
+    };
+    static constexpr Setting kSettings[] = {
+        {"SlideAttnVol", -1, 101},
+        {"SlideFadeOutSpeed", -1, 60},
+        {"SlideFadeInSpeed", -1, 200},
+        {"SlideVolDevice", 0, 101},
+        {"SlideVolDevice", 1, 101},
+        {"SlideVolIn", 0, 101},
+        {"SlideVolIn", 1, 101},
+        {"ckVolInLink", -1, 2},
+        {"cmbAutoDuckMode", -1, 3},
+        {"SlideFadeInAdvance", -1, 101},
+        {"cmbDev", 0, 2},
+        {"cmbDev", 1, 3},
+        {"cmbDev", 0, 2},
+        {"cmbDev", 1, 3},
+        {"ckInputEnable", -1, 2},
+        {"ckInputEnable", -1, 1},
+    };
+    const Setting& one = kSettings[number(std::size(kSettings))];
+    Action set = click(one.name), close = click("btOk");
+    set.verb = Verb::set;
+    set.window = close.window = "frmMixer";
+    set.index = one.index;
+    // The input is on more often than not.
+    const std::uint64_t value = number(one.values);
+    set.text = std::to_string(one.values == 1 ? 1 : value);
+    return {key("F2"), set, close};
+}
+
+std::vector<Action> RandomShow::mix() {
+    static constexpr const char* kDevices[] = {"Main output", "Auxiliary output", "Microphone"};
+    constexpr std::uint64_t kLongestTalkMs = 4000;
+    std::vector<Action> steps;
+    switch (number(9)) {
+        case 0:
+        case 1:
+        case 2: {
+            Action down = click("btMicPush"), up = down;
+            down.verb = Verb::down;
+            up.verb = Verb::up;
+            up.at = static_cast<std::int64_t>(kShortestHoldMs + number(kLongestTalkMs));
+            return {down, up};
+        }
+        case 3:
+            return {click("btMicTO")};
+        case 4:
+            return {key("M")};
+        case 5: {
+            Action gone, back;
+            gone.verb = Verb::unplug;
+            back.verb = Verb::plug;
+            gone.text = back.text = kDevices[number(std::size(kDevices))];
+            back.at = static_cast<std::int64_t>(kLongestHoldMs + number(kLongestTalkMs));
+            return {gone, back};
+        }
+        default:
+            steps = inMixer();
+            break;
+    }
+    std::int64_t at = 0;
+    for (Action& step : steps) step.at = std::exchange(at, at + kStepMs);
     return steps;
 }
 

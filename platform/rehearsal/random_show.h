@@ -1,5 +1,5 @@
 /// Chance as a presenter: presses, palette changes and stops; on request edits, and new sizes of window and
-/// grid too. The same for the same seed on every machine.
+/// grid too, or all that is set of the mix. The same for the same seed on every machine.
 #pragma once
 
 #include <cstdint>
@@ -16,9 +16,12 @@ struct Pressable {
     std::vector<std::string> palettes;  ///< rows of the palette list
 };
 
+/// What chance does besides a show's own presses.
+enum class Chance { show, edits, mix };
+
 class RandomShow {
   public:
-    explicit RandomShow(std::uint64_t seed, bool edits = false) : state_(seed), edits_(edits) {}
+    explicit RandomShow(std::uint64_t seed, Chance kind = Chance::show) : state_(seed), kind_(kind) {}
 
     /// What to do next, one after the other; `at` is the time from now.
     std::vector<Action> next(const Pressable& there);
@@ -28,9 +31,11 @@ class RandomShow {
   private:
     std::vector<Action> edit(const Pressable& there);
     std::vector<Action> option(const Pressable& there);
+    std::vector<Action> mix();
+    std::vector<Action> inMixer();
 
     std::uint64_t state_;
-    bool edits_;
+    Chance kind_;
 };
 
 }  // namespace zv

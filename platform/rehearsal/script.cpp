@@ -28,7 +28,7 @@ class Fault : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-constexpr std::array<std::pair<std::string_view, Verb>, 28> kVerbs{{
+constexpr std::array<std::pair<std::string_view, Verb>, 29> kVerbs{{
     {"press", Verb::press},       {"down", Verb::down},     {"up", Verb::up},
     {"mods", Verb::mods},         {"key", Verb::key},       {"keydown", Verb::keydown},
     {"keyup", Verb::keyup},       {"click", Verb::click},   {"rclick", Verb::rclick},
@@ -37,8 +37,8 @@ constexpr std::array<std::pair<std::string_view, Verb>, 28> kVerbs{{
     {"unplug", Verb::unplug},     {"answer", Verb::answer}, {"drop", Verb::drop},
     {"time", Verb::time},         {"mic", Verb::mic},       {"shot", Verb::shot},
     {"resize", Verb::resize},     {"expect", Verb::expect}, {"random", Verb::random},
-    {"grid", Verb::grid},         {"chaos", Verb::chaos},   {"web", Verb::web},
-    {"end", Verb::end},
+    {"grid", Verb::grid},         {"chaos", Verb::chaos},   {"mixing", Verb::mixing},
+    {"web", Verb::web},           {"end", Verb::end},
 }};
 
 constexpr std::array<std::pair<std::string_view, Key>, 16> kKeys{{
@@ -346,6 +346,7 @@ void readArguments(Words& words, Action& action) {
             break;
         case Verb::random:
         case Verb::chaos:
+        case Verb::mixing:
             action.count = number(words.next("the count"), 1, kMostRandomActions, "count");
             action.number = number(words.next("the seed"), 0, INT64_MAX, "seed");
             break;

@@ -37,6 +37,7 @@ enum class Verb : std::uint8_t {
     expect,  ///< expect NAME[.PROPERTY] [= != < <= > >=] VALUE
     grid,    ///< grid ROWS COLUMNS: size of the grid, as the settings change it
     chaos,   ///< chaos COUNT SEED: random, and edits, new sizes of window and grid
+    mixing,  ///< mixing COUNT SEED: random, and microphone, talk-over, duck, automix, levels and devices
     random,  ///< random COUNT SEED: random presses, palette changes and stops up to the next line's time
     end,     ///< the rehearsal ends
 };
@@ -56,7 +57,8 @@ struct Action {
     int mods = 0;          ///< mods: kShiftMask | kCtrlMask | kAltMask
     std::int64_t
         count = 0,
-        number = 0;  ///< random, chaos: COUNT, SEED; resize: WIDTH, HEIGHT; grid: ROWS, COLUMNS; web: STATUS
+        number =
+            0;  ///< random, chaos, mixing: COUNT, SEED; resize: WIDTH, HEIGHT; grid: ROWS, COLUMNS; web: STATUS
 };
 
 struct ScriptFault {

@@ -7,6 +7,11 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir "$work/home"
 cp -r "$2/palette.ini" "$2/HotJingles.ini" "$2/Audio_Sample" "$work/home"
+# Beds that duck, in every palette.
+case $3 in
+    *mix-*) sed -i 's/^Path_\([0-9]*[05]\)=.*/&\nAutoDuck_\1=1/' "$work/home/palette.ini"
+        printf '[Settings]\r\nInputEnabled=1\r\n' >"$work/home/zv.ini" ;;
+esac
 guard=()
 if [ -f "$1/librt_guard.so" ]; then
     guard=(env LD_PRELOAD="$(cd "$1" && pwd)/librt_guard.so" RT_GUARD_FAIL=1 RT_GUARD_TRACE=1)
@@ -16,7 +21,7 @@ if ! "${guard[@]}" "$1/rehearse" "$3" --home "$work/home" --out "$work/out" --no
     tail -40 "$work/out/events.log" >&2
     exit 1
 fi
-wanted=$(sed -n 's/.*\(random\|chaos\) \([0-9]*\).*/\2/p' "$3" | head -n 1)
+wanted=$(sed -n 's/.*\(random\|chaos\|mixing\) \([0-9]*\).*/\2/p' "$3" | head -n 1)
 actions=$(grep -c "$(printf '\trandom\t')" "$work/out/events.log")
 reports=$(grep -c "$(printf '\treport\t')" "$work/out/events.log" || true)
 echo "random_show: $actions actions, $reports reports of errors"

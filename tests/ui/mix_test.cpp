@@ -44,6 +44,7 @@ struct Row {
     bool announcer = false;
     const char* heard = "0.0 -16.5 -16.5 0.0";
     const char* liveHeard = "";
+    int threshold = 15;
 };
 
 constexpr const char* kStays = "0.0 0.0 0.0 0.0";
@@ -64,6 +65,8 @@ const Row kRows[] = {
     {.name = "level: the stream pushes", .mode = 0, .bed = "AutoDuck=1", .trigger = nullptr, .live = Row::plain, .heard = "-16.5 -16.5 -16.5 -16.5", .liveHeard = kStays},
     {.name = "level: the stream alone is not pushed by itself", .mode = 0, .bed = "AutoDuck=1", .trigger = nullptr, .live = Row::ducks, .heard = kStays, .liveHeard = kStays},
     {.name = "level: a stream left to the announcer goes down all the same", .mode = 0, .bed = "AutoDuck=1", .trigger = "", .live = Row::ducksByAnnouncer, .liveHeard = "-6.0 -22.5 -22.5 -6.0"},
+    {.name = "level: from silence on", .mode = 0, .bed = "AutoDuck=1", .trigger = nullptr, .heard = "-16.5 -16.5 -16.5 -16.5", .threshold = 0},
+    {.name = "level: only what is full", .mode = 0, .bed = "AutoDuck=1", .trigger = "", .heard = kStays, .threshold = 100},
     {.name = "time", .mode = 1, .bed = "AutoDuck=1", .trigger = "", .heard = kBackEarly},
     {.name = "time: not marked", .mode = 1, .bed = "AutoDuck=2", .trigger = "", .heard = kStays},
     {.name = "time: a trigger that may not", .mode = 1, .bed = "AutoDuck=1", .trigger = "AutoDuck=2 NoTrigDuck=1", .heard = kStays},
@@ -121,6 +124,7 @@ class Duck : public MixTest, public ::testing::WithParamInterface<Row> {};
 TEST_P(Duck, IsHeard) {
     const Row row = GetParam();
     settings.AutoDuckMode = row.mode;
+    settings.AutoDuckThreshold = row.threshold;
     settings.LiveAutoDuck = row.live >= Row::ducks ? 1 : 0;
     load(kBed, tones("h5000"), row.bed);
     if (row.trigger != nullptr) load(kTrigger, tones(row.score), row.trigger);
@@ -302,6 +306,17 @@ TEST_F(MixTest, theMicrophoneIsHeardAtItsOwnLevels) {
     pass(300);
     MicRelease();
     EXPECT_EQ(levels(), std::pair(0.0F, 0.0F));
+    // Turned on where there is none: the key works and the jingles make room all the same.
+    SwitchInput(false);
+    SwitchInput(true);
+    load(1, level(kRate * 2));
+    start(1);
+    MicPush();
+    std::tie(main, aux) = levels();
+    EXPECT_NEAR(main, kLevel * 0.15, 0.001);
+    MicRelease();
+    evStop();
+    pass(4000);  // the meters forget what they saw
     settings.VolumeInMain = settings.VolumeInAux = 100;
 }
 
