@@ -24,6 +24,7 @@
 #include "startup/upcalls.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
+#include "ui/records/timers.h"
 #include "ui/screen/button_faces.h"
 #include "ui/screen/layout.h"
 #include "ui/screen/shaded.h"
@@ -198,6 +199,8 @@ std::string mixFault() {
                            : settings.AutoMix == 2 ? Shaded.am2
                                                    : BtnFaceColor;
     if (k.ckAutoMix.backColor() != automix) return "the automix key shows the wrong state";
+    // An input that was turned off is heard no more; its bus follows after the release time.
+    if (settings.InputEnabled == 0 || timers().TimerTOrelease.enabled()) return {};
     for (std::size_t i = 0; i < MainSplit.size(); ++i) {
         const int own = i == 0 ? settings.VolumeInMain : settings.VolumeInAux;
         const std::pair<DWORD, float> buses[] = {
