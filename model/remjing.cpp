@@ -33,10 +33,9 @@ void readTemp(JingleRecord& jingle, int slot, const std::string& section) {
 }  // namespace
 
 bool RemJing(const std::string& section, int slot, const std::string& path) {
-    bool written = true;
+    bool written = section.empty() || slot < 0;
     guarded("modMain.RemJing", [&] {
-        if (section.empty() || slot < 0) return;
-        written = false;
+        if (written) return;
         PaletteStore.SetIniPath(PalFile);
         const auto former = PaletteStore.GetSectionLines(section);
         const std::string there = SlotKeys(PaletteStore, section, slot).text("Path_");

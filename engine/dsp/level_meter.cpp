@@ -62,9 +62,7 @@ void LevelMeter::feedSilence(std::size_t frames) {
 }
 
 void LevelMeter::reset() {
-    peakLeft_ = peakRight_ = powerLeft_ = powerRight_ = 0;
-    inBucket_ = 0;
-    for (std::size_t i = 0; i < ring_.size(); ++i) close();
+    for (std::size_t i = 0; i <= ring_.size(); ++i) close();  // the open one, and every one behind it
 }
 
 std::size_t LevelMeter::bucketsOf(double seconds) const {

@@ -60,6 +60,7 @@ TEST_F(Contract, ConversionsAreExact) {
     EXPECT_EQ(frameOf(rest[0]), 440990);
     EXPECT_EQ(BASS_ChannelGetData(floats, rest.data(), 400), ~DWORD{0});
     EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_ENDED);
+    EXPECT_EQ(BASS_ChannelIsActive(floats), BASS_ACTIVE_STOPPED);
 }
 
 TEST_F(Contract, NoiseThatIsNoNumberDoesNoHarm) {
@@ -217,6 +218,42 @@ TEST_F(Contract, LevelsAreThoseOfWhatWentOut) {
             }
         }
     }
+}
+
+/// Sound straight from pages and computed sound are measured in two places; one forgets when the other begins.
+TEST_F(Contract, LevelsOfTheOtherWayAreForgotten) {
+    for (const std::uint32_t rate : {44100U, 48000U})
+        for (const bool computedFirst : {false, true}) {
+            if (computedFirst && rate != 44100) continue;  // a conversion is computed until its next start
+            begin({.period = 441});
+            decoders->sounds["ends"] = {
+                .format = {rate, 2, 16}, .length = 441000, .sample = [](auto frame, auto) {
+                    return frame < 22050 ? 0.5F : 0.0F;
+                }};
+            const Topology studio;
+            const DWORD jingle = studio.jingle(file("ends"));
+            const HFX effect = BASS_ChannelSetFX(jingle, BASS_FX_BFX_VOLUME, 20);
+            const auto computed = [&](bool on) {
+                const BASS_BFX_VOLUME gain{BASS_BFX_CHANALL, on ? 0.9F : 1};
+                BASS_FXSetParameters(effect, &gain);
+            };
+            const auto level = [&] {
+                float levels[2]{};
+                BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.5F, BASS_LEVEL_STEREO);
+                return levels[1];
+            };
+            computed(computedFirst);
+            BASS_ChannelPlay(jingle, false);
+            pull(4410);
+            EXPECT_GT(level(), 0.4F);
+            BASS_ChannelSetPosition(jingle, 30000 * 4, BASS_POS_BYTE);
+            computed(!computedFirst);
+            pull(882);
+            EXPECT_EQ(level(), 0) << rate << computedFirst;
+            computed(computedFirst);
+            pull(882);
+            EXPECT_EQ(level(), 0) << rate << computedFirst << ": nor when it comes back";
+        }
 }
 
 TEST_F(Contract, ARecordingIsPulledLikeAFile) {

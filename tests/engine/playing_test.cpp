@@ -61,7 +61,7 @@ TEST_F(Playing, PositionsAndStatesAreThoseOfTheCaller) {
 TEST_F(Playing, TheEndIsNoticedAndTheTailRings) {
     const Topology studio;
     decoders->sounds["short"] = {.length = 1000, .sample = [](auto, auto) { return 0.25F; }};
-    const DWORD jingle = studio.jingle(file("short"));
+    const DWORD jingle = studio.jingle(file("short")), other = studio.jingle(file("one"));
     press(jingle);
     BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_VOL, 1);
     const std::vector<float> sound = pullAndTake(1323);
@@ -71,7 +71,11 @@ TEST_F(Playing, TheEndIsNoticedAndTheTailRings) {
     EXPECT_EQ(BASS_ChannelGetPosition(jingle, BASS_POS_BYTE), 4000U);
     BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TAIL, 0.1F);
     press(jingle);
-    pull(1000 + 4410 - 441);
+    const BASS_BFX_VOLUME half{BASS_BFX_CHANALL, 0.5F};
+    BASS_FXSetParameters(BASS_ChannelSetFX(other, BASS_FX_BFX_VOLUME, 20), &half);
+    BASS_ChannelPlay(other, false);
+    take();
+    EXPECT_EQ(pullAndTake(1000 + 4410 - 441).back(), 0.5F) << "a tail without effects is silent";
     EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_PLAYING);
     pull(882);
     EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);

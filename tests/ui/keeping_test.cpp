@@ -383,6 +383,9 @@ TEST_F(KeepingTest, theHistoryHoldsSoManyEntriesAndWaitsForRoom) {
         KeepSection(HistoryReason::saved, "X", {{"Path_0", std::to_string(i)}});
         KeepSection(HistoryReason::saved, "X", {{"Path_0", std::to_string(i)}});  // as the newest: once
     }
+    for (const char* foreign : {"1234567890", "12345678901", "-5", "7x", ""})
+        write(std::string("History/") + foreign + ".ini", "[Entry]");
+    KeepSection(HistoryReason::saved, "X", {{"Path_0", std::to_string(kHistoryEntries + 4)}});
     EXPECT_EQ(HistoryEntries().size(), static_cast<std::size_t>(kHistoryEntries));
     EXPECT_EQ(HistoryEntries().back().lines[0].second, "5");
     std::filesystem::remove_all(path("History"));

@@ -15,6 +15,7 @@
 #include "startup/errors.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "startup/stores.h"
 #include "tests/support/ear.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/carried.h"
@@ -391,21 +392,27 @@ TEST_F(PressTest, theLoopToggleSaysItsStep) {
 }
 
 TEST_F(PressTest, globalTogglesExcludeEachOtherAndAreKept) {
-    CkTouchTog();
-    EXPECT_EQ(ToggleTouch, 1);
-    EXPECT_TRUE(Armed(frmMain().keys.ckTouch));
-    CkAutoRepTog();
-    EXPECT_EQ(ToggleTouch, 0);
-    EXPECT_EQ(ToggleAutoRep, 1);
-    EXPECT_FALSE(Armed(frmMain().keys.ckTouch));
-    EXPECT_NE(read("zv.ini").find("Autorepeat=1"), std::string::npos);
-    EXPECT_NE(read("zv.ini").find("Touch=0"), std::string::npos);
-    for (const int mode : {1, 2, 0}) {
-        CkAutoMixTog();
-        EXPECT_EQ(settings.AutoMix, mode);
-        EXPECT_EQ(Armed(frmMain().keys.ckAutoMix), mode != 0);
-        EXPECT_EQ(frmMain().display.lblPlayMode[0].caption(), mode == 1 ? "a" : "n");
-        EXPECT_EQ(frmMain().display.lblPlayMode[1].caption(), "r");
+    const KeyControls& k = frmMain().keys;
+    const struct {
+        void (*press)();
+        int touch, repeat, mix;
+        const char* letters;  ///< in the minimal view
+    } rows[] = {{CkTouchTog, 1, 0, 0, "nv"},   {CkAutoRepTog, 0, 1, 0, "nr"}, {CkAutoMixTog, 0, 1, 1, "ar"},
+                {CkAutoMixTog, 0, 1, 2, "nr"}, {CkAutoRepTog, 0, 0, 2, "nw"}, {CkAutoRepTog, 0, 1, 2, "nr"},
+                {CkTouchTog, 1, 0, 2, "nv"},   {CkTouchTog, 0, 0, 2, "nw"},   {CkAutoMixTog, 0, 0, 0, "nw"}};
+    for (const auto& row : rows) {
+        row.press();
+        SCOPED_TRACE(row.letters + std::to_string(row.mix));
+        EXPECT_EQ(ToggleTouch, row.touch);
+        EXPECT_EQ(ToggleAutoRep, row.repeat);
+        EXPECT_EQ(settings.AutoMix, row.mix);
+        EXPECT_EQ(k.ckTouch.backColor, row.touch ? settings.tcColor : BtnFaceColor);
+        EXPECT_EQ(k.ckAutoRep.backColor, row.repeat ? settings.arColor : BtnFaceColor);
+        EXPECT_EQ(k.ckAutoMix.backColor, row.mix == 1 ? Shaded.am : row.mix == 2 ? Shaded.am2 : BtnFaceColor);
+        const auto& letters = frmMain().display.lblPlayMode;
+        EXPECT_EQ(letters[0].caption() + letters[1].caption(), row.letters);
+        EXPECT_EQ(SettingsStore.GetValue("Touch"), std::to_string(row.touch));
+        EXPECT_EQ(SettingsStore.GetValue("Autorepeat"), std::to_string(row.repeat));
     }
     MIDILearnActive = true;
     CkAutoMixTog();
