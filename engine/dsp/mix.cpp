@@ -149,10 +149,6 @@ void foldToStereo(float* out, const float* in, std::size_t frames, std::uint32_t
     }
 }
 
-void fromInt16(float* out, const std::int16_t* in, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) out[i] = static_cast<float>(in[i]) * (1.0f / 32768);
-}
-
 void toInt16(std::int16_t* out, const float* in, std::size_t count) {
     constexpr float kRounder = 12582912;  // 1.5 * 2^23: adding it rounds to a whole number, halves to even
     for (std::size_t i = 0; i < count; ++i) {

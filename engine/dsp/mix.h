@@ -59,8 +59,6 @@ void monoToStereo(float* out, const float* in, std::size_t frames);
 /// channels is 2.
 void foldToStereo(float* out, const float* in, std::size_t frames, std::uint32_t channels);
 
-/// 16-bit samples to float: value / 32768, exact.
-void fromInt16(float* out, const std::int16_t* in, std::size_t count);
 /// Float to 16-bit: times 32768, rounded to the nearest (halves to even), cut to the range. NaN becomes 0.
 void toInt16(std::int16_t* out, const float* in, std::size_t count);
 

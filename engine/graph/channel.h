@@ -145,7 +145,6 @@ struct Channel {
     std::uint32_t frameBytes() const { return channels * sampleBytes(); }
     /// The channel whose position this one speaks of: a tempo channel's source, else itself.
     Channel& root() { return kind == Kind::Tempo && source ? source->root() : *this; }
-    bool hasSound() const { return sound != nullptr; }
 };
 
 }  // namespace zv::engine

@@ -23,8 +23,6 @@ ThreadKind threadKind();
 inline void assertAudioThread() { assert(threadKind() == ThreadKind::Audio); }
 /// For [any], [worker] and [control] alike.
 inline void assertNotAudioThread() { assert(threadKind() != ThreadKind::Audio); }
-/// For what only the engine's own workers call.
-inline void assertWorkerThread() { assert(threadKind() == ThreadKind::Worker); }
 /// For what may take long or waits for workers and dispatcher.
 inline void assertControlThread() { assert(threadKind() == ThreadKind::Caller); }
 

@@ -204,16 +204,13 @@ bool MediaInput::reopen() { return open(quickProbe) >= 0 || open(deepProbe) >= 0
 bool MediaInput::readPacket() {
     for (;;) {
         av_packet_unref(packet_.get());
-        readError_ = aborted_ || timedOut() ? AVERROR_EXIT : av_read_frame(context_.get(), packet_.get());
-        if (readError_ < 0) return false;
+        if (aborted_ || timedOut() || av_read_frame(context_.get(), packet_.get()) < 0) return false;
         if (packet_->stream_index == stream_->index) return true;
         // A web stream's next title may come as a stream of its own.
         AVStream& other = *context_->streams[packet_->stream_index];
         if (network_ && other.codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
             stream_ = &other;
-            readError_ = decoder_.open(*stream_->codecpar, stream_->time_base);
-            if (readError_ < 0) return false;
-            return true;
+            return decoder_.open(*stream_->codecpar, stream_->time_base) >= 0;
         }
     }
 }

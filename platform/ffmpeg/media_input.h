@@ -29,8 +29,6 @@ class MediaInput {
     /// Reads the next packet of the sound. False at the end, after a failure and past the deadline.
     bool readPacket();
     const AVPacket& packet() const { return *packet_; }
-    /// The AVERROR_ code of the last readPacket() that gave false.
-    int readError() const { return readError_; }
 
     /// As PacketDecoder::decode().
     Yield decode(const AVPacket* packet, std::vector<float>& out) { return decoder_.decode(packet, out); }
@@ -71,7 +69,6 @@ class MediaInput {
     PacketDecoder decoder_;
     AVStream* stream_ = nullptr;
     PacketHandle packet_;
-    int readError_ = 0;
     std::chrono::steady_clock::time_point deadline_ = std::chrono::steady_clock::time_point::max();
     std::atomic<bool> aborted_ = false;
 };

@@ -2,15 +2,10 @@
 # A disk that does not answer, under the real program: what sounds goes on, STOP stops it, the palette shows its
 # names, and a press sounds as soon as its file is there.
 #   hanging_disk.sh BIN_FOLDER SLOW_DISK_LIBRARY
-set -u
-bin=$(cd "$1" && pwd)
-here=$(cd "$(dirname "$0")" && pwd)
-. "$here/../../tools/own_servers.sh"
-. "$here/window.sh"
-need xdotool parec python3
+. "$(dirname "$0")/window.sh"
 own_servers 1
-mkdir -p "$work/home" "$work/slow"
-python3 "$here/tone.py" write "$work/home/Audio_Sample/Tone.wav"
+own_home PaletteIndex=Good
+mkdir -p "$work/slow"
 {
     printf '[Good]\r\nPath_0=Audio_Sample\\Tone.wav\r\n[Slow]\r\n'
     for slot in $(seq 0 11); do
@@ -18,14 +13,10 @@ python3 "$here/tone.py" write "$work/home/Audio_Sample/Tone.wav"
         printf 'Path_%d=%s\r\n' "$slot" "$work/slow/Tone$slot.wav"
     done
 } >"$work/home/palette.ini"
-printf '[Settings]\r\nPaletteIndex=Good\r\nConfirmExit=0\r\nCheckUpdate=0\r\nMIDIEnabled=0\r\n' >"$work/home/zv.ini"
 touch "$work/hangs"
-start_program "$bin" LD_PRELOAD="$2" SLOW_FOLDER="$work/slow" SLOW_SWITCH="$work/hangs"
-await sh -c "pactl list short sink-inputs | grep -q ."
+start_program LD_PRELOAD="$2" SLOW_FOLDER="$work/slow" SLOW_SWITCH="$work/hangs"
+await plays
 find_window
-press() { xdotool mousemove --window "$window" "$x" "$y" click 1; }
-# heard BYTES: how many seconds of tone the recording holds from there on, and gaps in it.
-heard() { python3 "$here/tone.py" measure "$work/out1.raw" "$1"; }
 length() { stat -c %s "$work/out1.raw"; }
 
 record out1
@@ -54,10 +45,5 @@ touch "$work/hangs"
 xdotool key --window "$window" Prior
 xdotool key --window "$window" Next
 sleep 0.3
-xdotool key --window "$window" alt+F4
-for _ in $(seq 50); do
-    kill -0 $program 2>/dev/null || break
-    sleep 0.1
-done
-kill -0 $program 2>/dev/null && fail "the program did not close while its disk hung"
+close_program 5  # while its disk hangs
 echo "hanging_disk: sound, STOP, a press and the end did not wait for the disk"

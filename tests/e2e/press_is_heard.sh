@@ -2,36 +2,23 @@
 # From a mouse press in the real program to the recording of a real sound server: starts an X server, a window
 # manager and a sound server of its own, presses a button, listens to the output, stops again.
 #   press_is_heard.sh BIN_FOLDER
-set -u
-bin=$(cd "$1" && pwd)
-here=$(cd "$(dirname "$0")" && pwd)
-. "$here/../../tools/own_servers.sh"
-. "$here/window.sh"
-need xdotool parec python3
+. "$(dirname "$0")/window.sh"
 own_servers 2
-mkdir -p "$work/home"
-
-# A palette with one tone of 700 Hz on the first button, and settings that ask nothing.
-python3 "$here/tone.py" write "$work/home/Audio_Sample/Tone.wav"
-printf '[Test]\r\nPath_0=Audio_Sample\\Tone.wav\r\n' >"$work/home/palette.ini"
-printf '[Settings]\r\nPaletteIndex=Test\r\nConfirmExit=0\r\nCheckUpdate=0\r\nDeviceAux=2\r\nMIDIEnabled=0\r\n' >"$work/home/zv.ini"
-
-start_program "$bin"
-await sh -c "pactl list short sink-inputs | grep -q ."
+own_home DeviceAux=2
+start_program
+await plays
 find_window
 
 # One press and one more, recorded from both sinks: whether both hold the tone, whole and with silence around.
 heard_on_both() {
     local recorders=() sink
     for sink in out1 out2; do
-        rm -f "$work/$sink.raw"
-        parec -d $sink.monitor --rate=44100 --format=float32le --channels=2 --raw --latency-msec=20 >"$work/$sink.raw" 2>"$work/parec-$sink.log" &
-        recorders+=($!)
+        record $sink
+        recorders+=($recorder)
     done
-    await test -s "$work/out1.raw" -a -s "$work/out2.raw"
-    xdotool mousemove --window "$window" "$x" "$y" click 1
+    press
     sleep 1.2
-    xdotool mousemove --window "$window" "$x" "$y" click 1
+    press
     sleep 0.6
     kill "${recorders[@]}"
     wait "${recorders[@]}" 2>/dev/null
@@ -47,13 +34,7 @@ for _ in 1 2 3 4 5 6; do
 done
 [ $heard = yes ] || fail "the press was not heard on both outputs"
 
-# The program closes as from its window's own button, and saves.
-xdotool key --window "$window" alt+F4
-for _ in $(seq 100); do
-    kill -0 $program 2>/dev/null || break
-    sleep 0.1
-done
-kill -0 $program 2>/dev/null && fail "the program did not close"
+close_program 10
 wait $program
 status=$?
 [ $status -eq 0 ] || fail "the program ended with status $status"

@@ -1,14 +1,41 @@
-# The real program's window, for scripts that have sourced own_servers.sh. `program` is its process.
+# The real program's window, for scripts that source this first: sets `bin` from their first argument and `here`, and
+# brings what own_servers.sh has. `program` is the program's process.
+set -u
+bin=$(cd "$1" && pwd)
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+. "$here/../../tools/own_servers.sh"
+need xdotool parec python3
 
-# start_program BIN [VARIABLE=VALUE...]: until its palette is open and it plays into a sound server.
+# own_home [SETTING=VALUE...]: a program folder with settings that ask nothing and a palette, "Test", of one tone of 700 Hz
+# on the first button.
+own_home() {
+    mkdir -p "$work/home"
+    python3 "$here/tone.py" write "$work/home/Audio_Sample/Tone.wav"
+    printf '[Test]\r\nPath_0=Audio_Sample\\Tone.wav\r\n' >"$work/home/palette.ini"
+    printf '%s\r\n' '[Settings]' "$@" PaletteIndex=Test ConfirmExit=0 CheckUpdate=0 MIDIEnabled=0 >"$work/home/zv.ini"
+}
+
+# start_program [VARIABLE=VALUE...]: until its palette is open.
 start_program() {
-    local folder=$1
-    shift
     # The trace of the start is written when the palette is open.
-    env "$@" "$folder/zentrova" -t --home "$work/home" >"$work/zentrova.log" 2>&1 &
+    env "$@" "$bin/zentrova" -t --home "$work/home" >"$work/zentrova.log" 2>&1 &
     program=$!
     pids+=($program)
     await test -s "$work/home/Trace_start.log"
+}
+
+# Whether it plays into a sound server.
+plays() { pactl list short sink-inputs | grep -q .; }
+press() { xdotool mousemove --window "$window" "$x" "$y" click 1; }
+
+# close_program SECONDS: as from its window's own button.
+close_program() {
+    xdotool key --window "$window" alt+F4
+    for _ in $(seq $(($1 * 10))); do
+        kill -0 $program 2>/dev/null || return 0
+        sleep 0.1
+    done
+    fail "the program did not close"
 }
 
 # The window is the largest of the program's.
@@ -41,3 +68,6 @@ record() {
     pids+=($recorder)
     await test -s "$work/$1.raw"
 }
+
+# heard BYTES: how many seconds of tone the recording of out1 holds from there on, and gaps in it.
+heard() { python3 "$here/tone.py" measure "$work/out1.raw" "$1"; }

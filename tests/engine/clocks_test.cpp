@@ -1,10 +1,8 @@
 // Outputs with clocks of their own: they follow one another, go and come back, and rest while nothing sounds.
-#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <optional>
 
 #include "tests/engine/show.h"
 

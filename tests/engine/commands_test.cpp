@@ -1,5 +1,4 @@
 // One channel under commands at random, beside a model that computes every frame one by one.
-#include <random>
 
 #include "tests/engine/show.h"
 

@@ -131,13 +131,7 @@ TEST(DspMix, FoldsChannelsDown) {
     }
 }
 
-TEST(DspMix, SixteenBitsThereAndBack) {
-    std::vector<std::int16_t> all(65536), back(65536);
-    for (int i = 0; i < 65536; ++i) all[static_cast<std::size_t>(i)] = static_cast<std::int16_t>(i - 32768);
-    std::vector<float> floats(65536);
-    fromInt16(floats.data(), all.data(), all.size());
-    toInt16(back.data(), floats.data(), floats.size());
-    EXPECT_EQ(all, back);
+TEST(DspMix, SixteenBitsAreRoundedAndCut) {
     const float hard[] = {1.0f, 2e9f, -1e30f, std::nanf(""), 0.5f / 32768, 1.5f / 32768, -0.5f / 32768};
     std::int16_t cut[7];
     toInt16(cut, hard, 7);

@@ -1,10 +1,7 @@
 // What is heard at the edges: fades of other rates, tails, effects that come and go, streams that run dry, clocks
 // that step.
-#include <algorithm>
 
-#include "engine/api/engine.h"
 #include "platform/soundtouch/soundtouch_stretcher.h"
-#include "tests/engine/dsp_signals.h"
 #include "tests/engine/show.h"
 
 namespace zv::engine::test {

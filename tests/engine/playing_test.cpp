@@ -1,5 +1,4 @@
 // Playing, positions, loops, slides: computed sounds go in, and every frame that comes out is known.
-#include <algorithm>
 
 #include "tests/engine/show.h"
 

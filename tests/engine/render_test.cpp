@@ -1,11 +1,8 @@
 // What goes out does not depend on how it is asked for: periods, outputs, readers.
-#include <algorithm>
-#include <random>
 
 #include "engine/dsp/denormals.h"
 #include "engine/dsp/peak_eq.h"
 #include "engine/dsp/reverb.h"
-#include "tests/engine/dsp_signals.h"
 #include "tests/engine/show.h"
 
 namespace zv::engine::test {

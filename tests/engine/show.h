@@ -11,9 +11,13 @@
 #include <string>
 #include <vector>
 
+#include <algorithm>
+#include <random>
+#include "engine/api/engine.h"
 #include "engine/bass.h"
 #include "engine/ports.h"
 #include "platform/offline/offline_devices.h"
+#include "tests/engine/dsp_signals.h"
 #include "tests/engine/made_sounds.h"
 
 namespace zv::engine::test {

@@ -2,7 +2,6 @@
 #include <atomic>
 #include <thread>
 
-#include "engine/api/engine.h"
 #include "tests/engine/show.h"
 
 namespace zv::engine::test {

@@ -1,10 +1,7 @@
 // What a tempo channel plays: played by the engine itself on an offline output, one channel alone.
-#include <algorithm>
 
-#include "engine/api/engine.h"
 #include "engine/tempo/curve.h"
 #include "platform/soundtouch/soundtouch_stretcher.h"
-#include "tests/engine/dsp_signals.h"
 #include "tests/engine/show.h"
 
 namespace zv::engine::test {
@@ -18,6 +15,16 @@ class TempoProcessor : public Show {
     TempoProcessor() {
         engineControl()->install({decoders, soundTouchStretchers(), devices});
         openMain();
+    }
+
+    DWORD tone() {
+        decoders->sounds["tone"] = {.length = 20 * 44100, .sample = [](std::uint64_t f, std::uint32_t) {
+                                        return test::sine(f, 150, 44100, 0.5);
+                                    }};
+        return file("tone");
+    }
+    static double seconds(DWORD channel) {
+        return BASS_ChannelBytes2Seconds(channel, BASS_ChannelGetPosition(channel, BASS_POS_BYTE));
     }
 
     /// A tempo channel over a sound of its own, on the output, from its beginning to its end.
@@ -97,6 +104,19 @@ std::vector<float> bursts(std::size_t frames, std::size_t first, std::size_t eve
         for (std::size_t i = 0; i < 400; ++i)
             out[2 * (at + i)] = out[2 * (at + i) + 1] = grain[i] * std::exp(-static_cast<float>(i) / 60.0f);
     return out;
+}
+
+/// Hz between two frames, by upward crossings of zero.
+double pitchBetween(const std::vector<float>& stereo, std::size_t from, std::size_t to) {
+    double first = 0, last = 0;
+    int waves = -1;
+    for (std::size_t i = std::max<std::size_t>(from, 1); i < to; ++i) {
+        const double before = stereo[2 * i - 2], now = stereo[2 * i];
+        if (before >= 0 || now < 0) continue;
+        last = static_cast<double>(i) - now / (now - before);
+        if (waves++ < 0) first = last;
+    }
+    return waves < 1 ? 0 : waves * kRate / (last - first);
 }
 
 struct Change {
@@ -187,19 +207,6 @@ TEST_F(TempoProcessor, AChangeOfLoopOrEndGovernsTheNextWrapHoweverNear) {
                     EXPECT_LT(roughness(player.heard, at, player.heard.size() / 2), 0.0015) << what;
                 }
             }
-}
-
-/// Hz between two frames, by upward crossings of zero.
-double pitchBetween(const std::vector<float>& stereo, std::size_t from, std::size_t to) {
-    double first = 0, last = 0;
-    int waves = -1;
-    for (std::size_t i = std::max<std::size_t>(from, 1); i < to; ++i) {
-        const double before = stereo[2 * i - 2], now = stereo[2 * i];
-        if (before >= 0 || now < 0) continue;
-        last = static_cast<double>(i) - now / (now - before);
-        if (waves++ < 0) first = last;
-    }
-    return waves < 1 ? 0 : waves * kRate / (last - first);
 }
 
 TEST_F(TempoProcessor, SlidesGoTheirWayWithoutAStepAndKeepThePlace) {
@@ -367,6 +374,92 @@ TEST_F(TempoProcessor, SenselessParametersAreCut) {
         player.moveTo(0);
         player.play(2000);
     }
+}
+
+// ---- through the mixers, as the program plays it
+
+TEST_F(TempoProcessor, TempoPitchAndRateDoWhatTheySay) {
+    const struct {
+        float tempo, pitch, freq;
+        double speed, hz;
+    } cases[] = {{10, 0, 0, 1.1, 150},        {-20, 0, 0, 0.8, 150},   {0, 12, 0, 1, 300},
+                 {0, -5, 0, 1, 112.37},       {0, 0, 48510, 1.1, 165}, {0, 0, 44100, 1, 150},
+                 {5, 2, 39690, 0.945, 151.53}};
+    const Topology studio;
+    for (const auto& c : cases) {
+        const DWORD jingle = studio.jingle(tone());
+        EXPECT_TRUE(BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO, c.tempo));
+        EXPECT_TRUE(BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO_PITCH, c.pitch));
+        EXPECT_TRUE(BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO_FREQ, c.freq));
+        float read = -1;
+        EXPECT_TRUE(BASS_ChannelGetAttribute(jingle, BASS_ATTRIB_TEMPO_FREQ, &read));
+        EXPECT_EQ(read, c.freq == 0 ? 44100 : c.freq);
+        press(jingle, 44100 * 4);
+        take();
+        const std::vector<float> sound = pullAndTake(4 * 44100);
+        EXPECT_NEAR(seconds(jingle), 1 + 4 * c.speed, 0.010) << c.tempo << ' ' << c.pitch << ' ' << c.freq;
+        EXPECT_NEAR(pitchBetween(sound, 4410, 4 * 44100), c.hz, 0.01 * c.hz)
+            << c.tempo << ' ' << c.pitch << ' ' << c.freq;
+        EXPECT_GT(std::fabs(sound[2 * 500]) + std::fabs(sound[2 * 573]), 0.2F) << "silent at the start";
+        // Length and sync stay in the source's terms.
+        EXPECT_EQ(BASS_ChannelGetLength(jingle, BASS_POS_BYTE), QWORD{20} * 44100 * 4);
+        BASS_StreamFree(jingle);
+        pull(441);
+    }
+}
+
+TEST_F(TempoProcessor, LoopsAndSyncsHoldWhileStretched) {
+    const Topology studio;
+    const DWORD jingle = studio.jingle(tone());
+    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO, 25);
+    BASS_ChannelSetPosition(jingle, 44100 * 4, BASS_POS_LOOP);
+    BASS_ChannelSetPosition(jingle, 2 * 44100 * 4, BASS_POS_END);
+    BASS_ChannelFlags(jingle, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
+    static int fired;
+    fired = 0;
+    BASS_ChannelSetSync(
+        jingle, BASS_SYNC_POS, static_cast<QWORD>(44100 * 4 * 1.5),
+        [](HSYNC, DWORD, DWORD, void*) { ++fired; }, nullptr);
+    press(jingle);
+    for (int i = 0; i < 400; ++i) {  // four seconds: five of the source
+        pull(441);
+        ASSERT_LE(seconds(jingle), 2.0);
+        engineControl()->settleSyncs();
+    }
+    EXPECT_EQ(fired, 4);
+    EXPECT_NEAR(seconds(jingle), 2.0, 0.012);
+    BASS_ChannelFlags(jingle, 0, BASS_SAMPLE_LOOP);
+    pull(44100);
+    EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
+}
+
+TEST_F(TempoProcessor, SlidesOfTempoPitchAndRate) {
+    const Topology studio;
+    const DWORD jingle = studio.jingle(tone());
+    const auto value = [&](DWORD attribute) {
+        float v = -1;
+        EXPECT_TRUE(BASS_ChannelGetAttribute(jingle, attribute, &v));
+        return v;
+    };
+    press(jingle);
+    pull(4410);
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_TEMPO, 50, 1000);
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_TEMPO_PITCH, -6, 500);
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_TEMPO_FREQ | BASS_SLIDE_LOG, 88200, 2000);
+    EXPECT_TRUE(BASS_ChannelIsSliding(jingle, BASS_ATTRIB_TEMPO));
+    EXPECT_EQ(value(BASS_ATTRIB_TEMPO), 0);
+    pull(22050);
+    EXPECT_NEAR(value(BASS_ATTRIB_TEMPO), 25, 0.01);
+    EXPECT_EQ(value(BASS_ATTRIB_TEMPO_PITCH), -6);
+    EXPECT_NEAR(value(BASS_ATTRIB_TEMPO_FREQ), 44100 * std::exp2(0.25), 1);
+    EXPECT_FALSE(BASS_ChannelIsSliding(jingle, BASS_ATTRIB_TEMPO_PITCH));
+    // A set ends a slide.
+    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO_FREQ, 40000);
+    EXPECT_FALSE(BASS_ChannelIsSliding(jingle, BASS_ATTRIB_TEMPO_FREQ));
+    pull(22050);
+    EXPECT_EQ(value(BASS_ATTRIB_TEMPO), 50);
+    EXPECT_FALSE(BASS_ChannelIsSliding(jingle, BASS_ATTRIB_TEMPO));
+    EXPECT_EQ(value(BASS_ATTRIB_TEMPO_FREQ), 40000);
 }
 
 }  // namespace

@@ -2,10 +2,8 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
-#include <random>
 #include <thread>
 
-#include "engine/api/engine.h"
 #include "platform/soundtouch/soundtouch_stretcher.h"
 #include "tests/engine/random_operations.h"
 #include "tests/engine/show.h"

@@ -1,20 +1,11 @@
 // MIDI.ini: what is read is written again to the byte, damage costs what it hit, presets, former owners, codes.
-#include <gtest/gtest.h>
 
-#include <filesystem>
-
-#include "engine/bass.h"
-#include "midi/assignments.h"
 #include "midi/codes.h"
 #include "midi/faults.h"
 #include "midi/learn.h"
 #include "midi/learn_commands.h"
 #include "midi/settings_commands.h"
-#include "midi/state.h"
-#include "model/state.h"
 #include "startup/errors.h"
-#include "startup/settings.h"
-#include "startup/stores.h"
 #include "tests/midi/surface.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"

@@ -1,18 +1,11 @@
 // Chance on a surface: thousands of messages, plugging and unplugging among them; afterwards the lamps that were sent
 // agree with the records.
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <map>
 #include <random>
 
-#include "engine/bass.h"
-#include "midi/assignments.h"
 #include "midi/codes.h"
-#include "midi/state.h"
-#include "model/jingle.h"
-#include "model/state.h"
-#include "startup/settings.h"
 #include "tests/midi/surface.h"
 
 namespace zv::test {

@@ -1,5 +1,4 @@
 // Devices come, go and are found again; what waits in the ring; the lamps after a cable was pulled.
-#include <gtest/gtest.h>
 
 #include <thread>
 
@@ -8,12 +7,9 @@
 #include "midi/lifecycle.h"
 #include "midi/ring.h"
 #include "midi/settings_commands.h"
-#include "midi/state.h"
 #include "platform/common/midi_queue.h"
 #include "platform/timers.h"
-#include "startup/settings.h"
 #include "tests/midi/surface.h"
-#include "ui/records/main_window.h"
 
 namespace zv::test {
 namespace {

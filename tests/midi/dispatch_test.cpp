@@ -1,20 +1,13 @@
 // Messages as data: what each of the 22 tests of the dispatch asks the program for and sends back, and that the order
 // of the tests decides where codes overlap. Then the same through the window and the sound.
-#include <gtest/gtest.h>
 
 #include <map>
 
-#include "midi/assignments.h"
 #include "midi/dispatch.h"
 #include "midi/feedback.h"
-#include "midi/state.h"
 #include "model/actions.h"
-#include "model/state.h"
 #include "platform/timers.h"
-#include "startup/settings.h"
 #include "tests/midi/surface.h"
-#include "tests/support/ear.h"
-#include "ui/records/main_window.h"
 
 namespace zv::test {
 namespace {

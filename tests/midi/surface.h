@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "midi/assignments.h"
+#include "midi/state.h"
 #include "platform/rehearsal/midi_devices.h"
 #include "tests/ui/window_test.h"
 

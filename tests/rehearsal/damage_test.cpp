@@ -1,8 +1,6 @@
 // Files that are not what they should be.
-#include <gtest/gtest.h>
 
 #include <random>
-#include <string>
 
 #include "show.h"
 

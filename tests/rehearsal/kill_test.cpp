@@ -1,6 +1,5 @@
 // Nothing is lost: the whole program is killed at random moments of busy sessions.
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <csignal>
@@ -8,11 +7,9 @@
 #include <charconv>
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
 #include <map>
 #include <random>
 #include <sstream>
-#include <string>
 #include <thread>
 
 #include "show.h"

@@ -1,8 +1,6 @@
 // What a press does, heard on the outputs.
-#include <gtest/gtest.h>
 
 #include <cmath>
-#include <string>
 
 #include "show.h"
 #include "tests/support/places.h"

@@ -1,8 +1,6 @@
 // The rehearsal itself: its statuses, its messages, and that it is the same each time.
-#include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <string>
 #include <utility>
 
 #include "show.h"

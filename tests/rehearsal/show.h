@@ -1,7 +1,9 @@
 /// A program folder of a test's own, performances on it, and what they left.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 

@@ -1,16 +1,13 @@
 // What the program finds in its folder when it starts: another program, settings without sense, no right to
 // write.
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/mount.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <fstream>
 #include <map>
 #include <sstream>
-#include <string>
 
 #include "show.h"
 

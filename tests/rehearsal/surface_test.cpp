@@ -1,7 +1,4 @@
 // A control surface in a whole show: what it plays is heard at its ms, what it is sent stands in midi.log.
-#include <gtest/gtest.h>
-
-#include <string>
 
 #include "show.h"
 

@@ -1,11 +1,6 @@
 // The network of a rehearsal, for requests and for streams.
 #include "platform/rehearsal/web.h"
 
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <vector>
-
 #include "engine/bass.h"
 #include "platform/clock.h"
 #include "platform/http.h"

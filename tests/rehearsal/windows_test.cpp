@@ -1,7 +1,4 @@
 // The windows of the program, opened and worked as a presenter does.
-#include <gtest/gtest.h>
-
-#include <string>
 
 #include "show.h"
 

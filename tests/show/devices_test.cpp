@@ -1,14 +1,10 @@
 // Outputs, inputs and what stands between them.
 #include <cmath>
-#include <string>
-#include <vector>
 
 #include "audio/devices.h"
 #include "audio/effects.h"
 #include "audio/output_watch.h"
-#include "audio/upcalls.h"
 #include "model/colours.h"
-#include "model/state.h"
 #include "startup/stores.h"
 #include "tests/show/show.h"
 

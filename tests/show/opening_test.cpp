@@ -1,14 +1,8 @@
 // From keys to channels: what a file makes of its slot, also one that is missing, empty, cut or no sound at
 // all.
 #include <cmath>
-#include <filesystem>
-#include <functional>
-#include <string>
-#include <vector>
 
 #include "audio/devices.h"
-#include "audio/upcalls.h"
-#include "model/state.h"
 #include "tests/show/show.h"
 
 namespace zv::test {

@@ -1,17 +1,13 @@
 // Palettes between their files and the records: every key with its condition, whole files, failed saves.
 #include <algorithm>
 #include <chrono>
-#include <functional>
 #include <set>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "audio/open_palette.h"
 #include "model/history.h"
 #include "model/palette_lines.h"
 #include "model/pending_removals.h"
-#include "model/state.h"
 #include "model/upcalls.h"
 #include "startup/stores.h"
 #include "tests/show/show.h"

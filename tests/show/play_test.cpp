@@ -1,13 +1,8 @@
 // What a press does, in every mode: the sound that went out is held against arithmetic.
-#include <functional>
 #include <map>
 #include <ostream>
 #include <sstream>
-#include <string>
-#include <vector>
 
-#include "audio/upcalls.h"
-#include "model/state.h"
 #include "platform/clock.h"
 #include "tests/show/show.h"
 #include "tests/support/ear.h"

@@ -7,8 +7,10 @@
 
 #include "audio/play.h"
 #include "audio/streams.h"
+#include "audio/upcalls.h"
 #include "model/jingle.h"
 #include "model/palette_files.h"
+#include "model/state.h"
 #include "startup/settings.h"
 #include "tests/support/studio.h"
 

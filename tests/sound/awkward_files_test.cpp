@@ -1,13 +1,9 @@
 // Files as encoders, recorders and accidents leave them, each against an independent decoder or against what it was made
 // from: length, every frame, seeks late and far, the wrap of a loop.
-#include <gtest/gtest.h>
 
 #include <array>
-#include <cmath>
 #include <cstring>
-#include <random>
 
-#include "platform/file_decoders/file_decoders.h"
 #include "tests/sound/workshop.h"
 
 namespace zv::test {

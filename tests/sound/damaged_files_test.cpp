@@ -1,13 +1,9 @@
 // Files that are not what they seem: an error or as much sound as there is, never a crash or a wait.
-#include <gtest/gtest.h>
 
 #include <chrono>
-#include <cmath>
 #include <fstream>
-#include <random>
 
 #include "engine/bass.h"
-#include "platform/file_decoders/file_decoders.h"
 #include "tests/sound/workshop.h"
 
 namespace zv::test {

@@ -1,11 +1,8 @@
 // Every kind of file: exact lengths, sound in its place, and seeks that land on the frame asked for.
 #include <gmock/gmock.h>
 
-#include <cmath>
 #include <optional>
-#include <random>
 
-#include "platform/file_decoders/file_decoders.h"
 #include "tests/sound/workshop.h"
 
 namespace zv::test {

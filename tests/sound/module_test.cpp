@@ -1,11 +1,7 @@
 // Tracker modules, written by the test itself.
-#include <gtest/gtest.h>
-
-#include <cmath>
 #include <utility>
 
 #include "engine/bass.h"
-#include "platform/file_decoders/file_decoders.h"
 #include "tests/sound/workshop.h"
 
 namespace zv::test {

@@ -1,10 +1,7 @@
 // What a sound looks like and how loud it is, against signals whose values are known.
-#include <gtest/gtest.h>
 
-#include <cmath>
 #include <numbers>
 
-#include "platform/file_decoders/file_decoders.h"
 #include "platform/loudness.h"
 #include "platform/waveform.h"
 #include "tests/sound/workshop.h"

@@ -9,7 +9,11 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+#include <cmath>
+#include <random>
 #include "engine/ports.h"
+#include "platform/file_decoders/file_decoders.h"
 
 namespace zv::test {
 

@@ -8,9 +8,17 @@
 #include <string>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include "platform/clock.h"
 #include "platform/desktop.h"
 #include "platform/paths.h"
+#include "startup/datafiles.h"
+#include "startup/errors.h"
+#include "startup/helpers.h"
+#include "startup/impulse.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
+#include "startup/upcalls.h"
 
 namespace zv::test {
 

@@ -1,11 +1,6 @@
 // The mark, the log, the report with its fuse, the console, and the guard that leads to them.
-#include <gmock/gmock.h>
 
-#include "startup/errors.h"
 #include "startup/guard.h"
-#include "startup/settings.h"
-#include "startup/stores.h"
-#include "startup/upcalls.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {

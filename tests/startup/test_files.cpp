@@ -1,15 +1,9 @@
 // The files that come into being at the start, their backups, the folder they lie in, the lock and the trace.
-#include <gmock/gmock.h>
 
-#include "platform/paths.h"
 #include "startup/backups.h"
 #include "startup/command_line.h"
-#include "startup/datafiles.h"
 #include "startup/instance_lock.h"
-#include "startup/settings.h"
-#include "startup/stores.h"
 #include "startup/trace.h"
-#include "startup/upcalls.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {

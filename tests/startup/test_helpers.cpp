@@ -1,10 +1,5 @@
 // The helpers on paths, files, texts, numbers and colours, over both kinds of path.
-#include <gmock/gmock.h>
 
-#include "platform/paths.h"
-#include "startup/errors.h"
-#include "startup/helpers.h"
-#include "startup/settings.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {

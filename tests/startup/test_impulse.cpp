@@ -1,10 +1,6 @@
 // The store on its file: missing files, the limits, changes by someone else, and files that cannot be
 // written.
-#include <gmock/gmock.h>
 
-#include "platform/paths.h"
-#include "startup/impulse.h"
-#include "startup/stores.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {

@@ -1,19 +1,12 @@
 // The texts: applied in their order, in the language there is; and the shipped file has every key in every
 // language.
-#include <gmock/gmock.h>
 
 #include <cctype>
 #include <fstream>
 #include <iterator>
 #include <set>
 
-#include "startup/datafiles.h"
-#include "startup/errors.h"
-#include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
-#include "startup/stores.h"
-#include "startup/upcalls.h"
 #include "tests/startup/surroundings.h"
 #include "tests/support/places.h"
 

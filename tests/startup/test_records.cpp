@@ -1,11 +1,8 @@
 // Timers, controls and paths as records: the order of firing, what counts as a change, what a path means
 // here.
-#include <gmock/gmock.h>
 
 #include "platform/controls.h"
-#include "platform/paths.h"
 #include "platform/timers.h"
-#include "startup/helpers.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {

@@ -1,17 +1,9 @@
 // zv.ini: what its keys load as, and the ways of loading, saving and sorting.
-#include <gmock/gmock.h>
 
 #include <map>
 #include <set>
 
-#include "platform/paths.h"
-#include "startup/datafiles.h"
-#include "startup/errors.h"
-#include "startup/helpers.h"
-#include "startup/settings.h"
 #include "startup/settings_table.h"
-#include "startup/stores.h"
-#include "startup/upcalls.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {

@@ -1,8 +1,6 @@
 // Texts: captions of paths, durations, dates.
-#include <gtest/gtest.h>
 
 #include "platform/clock.h"
-#include "startup/settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/screen/captions.h"
 #include "ui/screen/clock.h"

@@ -1,15 +1,8 @@
 // The jingle editor: what its controls do to the record and to the channel that plays.
-#include <gtest/gtest.h>
 
-#include <functional>
 #include <random>
-#include <string>
 
 #include "audio/effects.h"
-#include "engine/bass.h"
-#include "model/jingle.h"
-#include "model/state.h"
-#include "startup/settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/jingle_editor.h"
 #include "ui/windows/jingle_window.h"

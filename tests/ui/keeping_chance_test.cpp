@@ -2,34 +2,13 @@
 // buttons. ZENTROVA_SEQUENCES sets how many sequences are gone through.
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <functional>
 #include <map>
 #include <optional>
 #include <random>
-#include <set>
-#include <string>
-#include <utility>
-#include <vector>
 
-#include "audio/open_palette.h"
-#include "model/held_palette.h"
-#include "model/history.h"
-#include "model/jingle.h"
-#include "model/palette_files.h"
-#include "model/pending_removals.h"
-#include "model/state.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/leave_palette.h"
-#include "ui/edit/move.h"
-#include "ui/edit/palette_list.h"
-#include "ui/edit/palette_steps.h"
-#include "ui/edit/remove.h"
-#include "ui/edit/save_dialogue.h"
-#include "ui/edit/unsaved.h"
-#include "ui/records/main_window.h"
 
 namespace zv::test {
 

@@ -1,35 +1,11 @@
 // Nothing that was saved is lost: saves between a choice and its load, names, jingles that change palettes, files that
 // are away, sound files that change their names.
-#include <gtest/gtest.h>
 
-#include <filesystem>
-#include <functional>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include "audio/open_palette.h"
-#include "model/held_palette.h"
-#include "model/history.h"
-#include "model/jingle.h"
-#include "model/palette_files.h"
-#include "model/pending_removals.h"
-#include "model/state.h"
 #include "startup/errors.h"
-#include "startup/settings.h"
-#include "startup/stores.h"
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/history.h"
-#include "ui/edit/move.h"
-#include "ui/edit/options.h"
-#include "ui/edit/palette_list.h"
-#include "ui/edit/palette_steps.h"
-#include "ui/edit/remove.h"
 #include "ui/edit/rename.h"
-#include "ui/edit/save_dialogue.h"
-#include "ui/edit/unsaved.h"
 #include "ui/press/exit_key.h"
-#include "ui/records/main_window.h"
 #include "ui/screen/error_mark.h"
 #include "ui/windows/history_window.h"
 #include "ui/windows/rename_window.h"

@@ -1,15 +1,6 @@
 // Where everything stands, for every size of the grid and the window.
-#include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
-#include "model/jingle.h"
-#include "model/state.h"
-#include "startup/settings.h"
 #include "tests/ui/window_test.h"
-#include "ui/records/jingle_buttons.h"
-#include "ui/records/main_window.h"
 #include "ui/screen/layout_grid.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/screen/window_place.h"

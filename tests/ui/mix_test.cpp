@@ -1,25 +1,14 @@
 // Who goes down, when, how far and how fast: auto-duck, automix, microphone; and what the presenter sees of it.
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <string>
-#include <vector>
 
 #include "audio/devices.h"
 #include "audio/duck.h"
 #include "audio/levels.h"
-#include "audio/play.h"
 #include "audio/talk_over.h"
-#include "engine/bass.h"
-#include "model/jingle.h"
-#include "model/state.h"
-#include "startup/settings.h"
-#include "tests/support/ear.h"
 #include "tests/ui/window_test.h"
 #include "ui/press/global_keys.h"
-#include "ui/records/armed.h"
-#include "ui/records/main_window.h"
 #include "ui/screen/layout.h"
 #include "ui/screen/meters.h"
 #include "ui/screen/mic_keys.h"

@@ -1,24 +1,13 @@
 // The palette list and the buttons' contents: picking, stepping, naming, deleting, assigning, moving,
 // colouring.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 #include "audio/open_palette.h"
-#include "audio/play.h"
-#include "model/colours.h"
-#include "model/jingle.h"
 #include "model/palette_files.h"
 #include "model/pending_removals.h"
-#include "model/state.h"
 #include "startup/language.h"
-#include "startup/settings.h"
-#include "startup/stores.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/move.h"
-#include "ui/edit/options.h"
 #include "ui/edit/palette_list.h"
 #include "ui/edit/palette_load.h"
 #include "ui/edit/palette_steps.h"
@@ -26,8 +15,6 @@
 #include "ui/edit/save_dialogue.h"
 #include "ui/edit/selection.h"
 #include "ui/edit/unsaved.h"
-#include "ui/records/armed.h"
-#include "ui/records/main_window.h"
 #include "ui/screen/colours.h"
 #include "ui/screen/error_mark.h"
 

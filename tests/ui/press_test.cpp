@@ -1,32 +1,18 @@
 // What a press means, and what toggles, options and modifier keys do.
-#include <gtest/gtest.h>
 
-#include <functional>
 #include <map>
 #include <ostream>
-#include <string>
 
-#include "audio/play.h"
 #include "audio/streams.h"
-#include "model/colours.h"
-#include "model/jingle.h"
-#include "model/state.h"
 #include "platform/clock.h"
 #include "startup/errors.h"
 #include "startup/language.h"
-#include "startup/settings.h"
-#include "startup/stores.h"
-#include "tests/support/ear.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/carried.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/move.h"
-#include "ui/edit/options.h"
 #include "ui/press/global_keys.h"
 #include "ui/press/keyboard.h"
-#include "ui/records/armed.h"
-#include "ui/records/jingle_buttons.h"
-#include "ui/records/main_window.h"
 #include "ui/screen/layout_grid.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/screen/shaded.h"

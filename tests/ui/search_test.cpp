@@ -1,20 +1,13 @@
 // Finding a jingle: names without accents and case, the palettes and hits, the palette opened with its hits blinking.
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <random>
-#include <string>
-#include <vector>
 
 #include "audio/open_palette.h"
-#include "model/state.h"
-#include "startup/settings.h"
-#include "startup/stores.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/palette_list.h"
 #include "ui/edit/search.h"
 #include "ui/edit/search_index.h"
-#include "ui/records/main_window.h"
 #include "ui/records/timers.h"
 #include "ui/windows/search_window.h"
 

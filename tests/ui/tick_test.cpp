@@ -1,26 +1,14 @@
 // The display's tick: counter, warning, bars, colours, end of play; the meters.
-#include <gtest/gtest.h>
 
-#include <set>
-#include <string>
 #include <utility>
 
 #include "audio/levels.h"
-#include "audio/play.h"
 #include "audio/streams.h"
-#include "model/colours.h"
 #include "model/held_palette.h"
-#include "model/jingle.h"
-#include "model/state.h"
 #include "platform/rehearsal/virtual_clock.h"
 #include "startup/errors.h"
-#include "startup/settings.h"
-#include "tests/support/ear.h"
 #include "tests/ui/window_test.h"
-#include "ui/edit/options.h"
 #include "ui/press/display_press.h"
-#include "ui/records/jingle_buttons.h"
-#include "ui/records/main_window.h"
 #include "ui/records/timers.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/colours.h"

@@ -5,10 +5,19 @@
 #include <string>
 #include <vector>
 
+#include "audio/play.h"
+#include "model/colours.h"
 #include "model/jingle.h"
+#include "model/state.h"
+#include "startup/settings.h"
+#include "startup/stores.h"
 #include "tests/support/desktop.h"
+#include "tests/support/ear.h"
 #include "tests/support/studio.h"
+#include "ui/edit/options.h"
+#include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
+#include "ui/records/main_window.h"
 
 namespace zv::test {
 

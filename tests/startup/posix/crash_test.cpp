@@ -5,13 +5,8 @@
 
 #include <chrono>
 
-#include "platform/paths.h"
 #include "startup/backups.h"
-#include "startup/datafiles.h"
-#include "startup/impulse.h"
 #include "startup/instance_lock.h"
-#include "startup/settings.h"
-#include "startup/stores.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {

@@ -1,6 +1,4 @@
 // What names may hold here and nowhere else: links, permissions, backslashes, letters of either case.
-#include "platform/paths.h"
-#include "startup/impulse.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {
