@@ -12,6 +12,7 @@
 #include "model/jingle.h"
 #include "model/palette_files.h"
 #include "model/palette_lines.h"
+#include "model/playlists.h"
 #include "model/state.h"
 #include "platform/clock.h"
 #include "platform/desktop.h"
@@ -118,7 +119,12 @@ void openDataFiles() {
     step("language.ini", OpenLanguageFile);
     step("account.ini", OpenAccountFile);
     step("palette.ini", OpenPaletteFile);
-    if (PlaylistsEnabled) step("playlist.ini", OpenPlaylistFile);
+    if (PlaylistsEnabled) {
+        step("playlist.ini", [] {
+            OpenPlaylistFile();
+            LoadLockedFiles();
+        });
+    }
     // A newer program sorts the addresses (OpenUrlsFile tells it); that comes with the live stream.
     step("urls.txt", [] { OpenUrlsFile(); });
     step("DISPpresets.ini", OpenDispPresets);

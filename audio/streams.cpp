@@ -289,6 +289,10 @@ void openNames(int index, const SlotKeys& keys) {
         }
         FreeJingle(index);
         DropAfterSound(index);
+        if (const std::string playlist = PlaylistsEnabled ? keys.text("Playlist_") : ""; !playlist.empty()) {
+            BindSlot(index, playlist, keys.text("BTNCol_", kFaceColourText));
+            return;
+        }
         const std::string path = keys.text("Path_");
         if (path.empty() || !IsSoundExtension(GetFileExt(GetFileName(path)))) {
             callUp(audioUpcalls.feedback, index, Feedback::empty);
@@ -305,8 +309,24 @@ void openNames(int index, const SlotKeys& keys) {
     });
 }
 
+void BindSlot(int index, const std::string& playlist, const std::string& btnCol) {
+    FreeJingle(index);
+    ClearRecord(index);
+    JingleRecord& j = Jingle(index);
+    j.Kind = SlotKind::playlist;
+    j.Playlist = playlist;
+    j.BTNCol = btnCol;
+    DeriveFields(j);
+    callUp(audioUpcalls.feedback, index, Feedback::empty);
+    callUp(audioUpcalls.slotBound, index);
+}
+
 void FillSlot(int index, const PersistedJingle& content) {
     guarded("modClick.FillSlot", [&] {
+        if (PlaylistsEnabled && !content.Playlist.empty()) {
+            BindSlot(index, content.Playlist, content.BTNCol);
+            return;
+        }
         FreeJingle(index);
         ClearRecord(index);
         if (content.Path.empty()) {

@@ -14,6 +14,8 @@ struct PersistedJingle;
 void openNames(int index, const std::string& section, bool isHot);
 /// The same from other lines than the files'.
 void openNames(int index, const SlotKeys& keys);
+/// A playlist instead of a sound: its section in playlist.ini, and the slot's colour as palettes keep it.
+void BindSlot(int index, const std::string& playlist, const std::string& btnCol);
 /// Another content for a slot that is silent; its file is opened.
 void FillSlot(int index, const PersistedJingle& content);
 /// Opens the channels of a slot and works out what depends on the file: a worker asks the disk, and the slot is

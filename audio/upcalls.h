@@ -25,6 +25,7 @@ struct InputLists {
 struct AudioUpcalls {
     // ---- a slot's button ----
     std::function<void(int)> slotReset;    ///< nothing is on it: theme colours, no caption, marks hidden
+    std::function<void(int)> slotBound;    ///< a playlist is bound to it: its name and mark, colours anew
     std::function<void(int)> namesRead;    ///< colours anew from the record
     std::function<void(int)> fileMissing;  ///< tool tip "errMissFile"
     std::function<void(int)>

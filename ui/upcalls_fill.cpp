@@ -26,6 +26,7 @@
 #include "ui/edit/leave_palette.h"
 #include "ui/edit/palette_list.h"
 #include "ui/edit/palette_load.h"
+#include "ui/edit/playlists.h"
 #include "ui/edit/remove.h"
 #include "ui/edit/selection.h"
 #include "ui/press/actions.h"
@@ -96,6 +97,9 @@ void showNames(int index) {
         b->b_Jingle.caption = Ampersand(btCaption(Jingle(index).Path));
         HideMarks(index);
     }
+    if (PlaylistsEnabled) {
+        PLicon(index);
+    }
     paintAtRest(index);
 }
 
@@ -144,6 +148,7 @@ void showStarted(int index) {
 
 void fillAudio() {
     audioUpcalls.slotReset = showEmpty;
+    audioUpcalls.slotBound = ShowBound;
     audioUpcalls.namesRead = showNames;
     audioUpcalls.fileMissing = [](int index) {
         if (JingleButton* b = Button(index)) {

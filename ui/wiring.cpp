@@ -33,6 +33,7 @@
 #include "ui/edit/options.h"
 #include "ui/edit/palette_load.h"
 #include "ui/edit/palette_steps.h"
+#include "ui/edit/playlists.h"
 #include "ui/edit/save_dialogue.h"
 #include "ui/edit/search.h"
 #include "ui/press/display_press.h"
@@ -114,6 +115,7 @@ void wirePalettes() {
     t.btDn.onMouseUp = [](const MouseEvent& e) { btUpDn_MouseUp(e, false); };
     t.btSearchJingle.onClick = JingSearch;
     WireSearch();
+    WirePlaylists();
     onLeftPress(t.ckAssign, CkAssignTog);
     t.btSave.onMouseDown = [](const MouseEvent& e) {
         if (e.button == MouseButton::left) {

@@ -20,6 +20,7 @@
 #include "ui/edit/jingle_editor.h"
 #include "ui/edit/move.h"
 #include "ui/edit/options.h"
+#include "ui/edit/playlists.h"
 #include "ui/edit/relocate.h"
 #include "ui/edit/remove.h"
 #include "ui/edit/rename.h"
@@ -116,7 +117,8 @@ void OpenJingleMenu(int index) {
         menu.add(
             "mnuAss", !playing && single, [] { clAssign(MenuJ); }, !locked);
         menu.add(
-            "mnuClr", filled || missing, [] { ClearSelection(); }, !HasPlaylistMark(index, 'K'));
+            "mnuClr", filled || missing || j.Kind == SlotKind::playlist, [] { ClearSelection(); },
+            !HasPlaylistMark(index, 'K'));
         menu.line();
         menu.add("mnuCopy", filled && single, [] { copyOrCut("copy"); });
         menu.add(
@@ -126,7 +128,7 @@ void OpenJingleMenu(int index) {
         menu.add("mnuRename", filled && single, [] { clRename(MenuJ); });
         menu.add("mnuReloc", missing && !j.Unplayable && single, [] { clReloc(MenuJ); });
         menu.line();
-        menu.add("mnuCol", filled && single, colour);
+        menu.add("mnuCol", (filled || locked) && single, colour);
         menu.add(
             "mnuLoop", filled && single, [] { clLoopSet(MenuJ); }, !locked, j.Loop != 0);
         menu.add(
@@ -146,6 +148,12 @@ void OpenJingleMenu(int index) {
         menu.add(
             "mnuMIDI", !SelectorsShown && MidiLearnOffered(), [] { clMIDI("b_Jingle", MenuJ); }, true,
             HasMIDIAssignment(index));
+        menu.add("mnuLockedBy", locked && !SelectorsShown, [] { clLockedBy(MenuJ); });
+        const bool listable = !j.MissingFile && j.Loop == 0 && noSeq && !SelectorsShown;
+        if (PlaylistsEnabled && listable) {
+            menu.items.push_back(
+                {"mnuPlaylist", PlaylistMenuText(index), true, false, [] { clPlaylist(MenuJ); }});
+        }
         menu.line();
         menu.add("mnuJPath", filled || playing || (missing && j.Unplayable),
                  [] { openDocument(GetPath(GetFullPath(Jingle(MenuJ).Path))); });

@@ -1,7 +1,9 @@
 #include "ui/edit/search.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "audio/open_palette.h"
@@ -25,7 +27,7 @@
 
 namespace zv {
 
-bool SearchOpen = false;
+bool SearchOpen = false, ForPlaylist = false;
 
 namespace {
 
@@ -38,7 +40,12 @@ int blinksLeft = 0;
 bool blinkOn = false;
 std::vector<SearchHit> hits;  // of the palette that lstJingRes lists
 
+std::function<void(int, const std::string&)> chosenForPlaylist;
+
 SearchWindow& search() { return frmSearchJing(); }
+
+/// The hits of a palette are listed before one is chosen.
+bool listsHits() { return ForPlaylist || settings.ResultsInSearch == 1; }
 
 void resetCountDown() {
     countDown = settings.AutoClJSearchSec * kTicksPerSecond;
@@ -85,7 +92,10 @@ void listHits() {
     hits = HitsIn(s.lstPalRes.text(), s.txtJSearch.caption());
     std::vector<std::string> captions;
     for (const SearchHit& hit : hits) {
-        if (std::find(captions.begin(), captions.end(), hit.caption) == captions.end()) {
+        // A playlist is told of each button; for the grid a caption stands for all buttons that bear it.
+        if (ForPlaylist) {
+            captions.push_back(hit.caption + " (" + std::to_string(hit.slot) + ")");
+        } else if (std::find(captions.begin(), captions.end(), hit.caption) == captions.end()) {
             captions.push_back(hit.caption);
         }
     }
@@ -140,13 +150,13 @@ void step(Control& list, int by) {
     list.listIndex = std::clamp(list.listIndex() + by, 0, rows - 1);
     centreListRow(list, list.listIndex());
     resetCountDown();
-    if (&list == &search().lstPalRes && settings.ResultsInSearch == 1) listHits();
+    if (&list == &search().lstPalRes && listsHits()) listHits();
 }
 
 /// The list that a press on the arrows and the page keys move in.
 Control& hitList() {
     SearchWindow& s = search();
-    return settings.ResultsInSearch == 1 ? s.lstJingRes : s.lstPalRes;
+    return listsHits() ? s.lstJingRes : s.lstPalRes;
 }
 
 void go() {
@@ -154,7 +164,7 @@ void go() {
         timers().TimerSearch.stop();
         SearchJing();
     }
-    if (settings.ResultsInSearch == 1 && !hits.empty()) {
+    if (listsHits() && !hits.empty()) {
         SelectJing();
     } else {
         SelectPal();
@@ -202,6 +212,13 @@ void JingSearch() {
     });
 }
 
+void SearchForPlaylist(std::function<void(int, const std::string&)> chosen) {
+    CloseSearchBox();
+    ForPlaylist = true;
+    chosenForPlaylist = std::move(chosen);
+    JingSearch();
+}
+
 void CloseSearchBox() {
     for (Timer* timer :
          {static_cast<Timer*>(&timers().TimerSearch), static_cast<Timer*>(&timers().TimerAutoClJSearch),
@@ -209,7 +226,8 @@ void CloseSearchBox() {
         timer->stop();
     }
     if (!SearchOpen) return;
-    SearchOpen = false;
+    SearchOpen = ForPlaylist = false;
+    chosenForPlaylist = nullptr;
     search().form.close();
 }
 
@@ -220,7 +238,7 @@ void SearchJing() {
         s.lstPalRes.items = PalettesWith(s.txtJSearch.caption());
         s.lstPalRes.listIndex = s.lstPalRes.items().empty() ? -1 : 0;
         if (s.lstPalRes.items().empty()) return;
-        if (settings.ResultsInSearch == 1) listHits();
+        if (listsHits()) listHits();
         startClosing();
     });
 }
@@ -231,7 +249,7 @@ void SelectPal() {
         const std::string palette = search().lstPalRes.text();
         if (palette.empty()) return;
         listHits();
-        if (settings.ResultsInSearch == 0) openPalette(palette, slotsOf(""));
+        if (!listsHits()) openPalette(palette, slotsOf(""));
     });
 }
 
@@ -240,6 +258,15 @@ void SelectJing() {
         leaveEdits();
         const std::string palette = search().lstPalRes.text();
         if (palette.empty()) return;
+        if (ForPlaylist) {
+            const auto row = static_cast<std::size_t>(search().lstJingRes.listIndex());
+            if (search().lstJingRes.listIndex < 0 || row >= hits.size()) return;
+            const int slot = hits[row].slot;
+            const auto chosen = chosenForPlaylist;
+            CloseSearchBox();
+            if (chosen) chosen(slot, palette);
+            return;
+        }
         openPalette(palette, slotsOf(search().lstJingRes.text()));
     });
 }

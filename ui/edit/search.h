@@ -2,12 +2,18 @@
 /// its hits blinking. [control]
 #pragma once
 
+#include <functional>
+#include <string>
+
 namespace zv {
 
-extern bool SearchOpen;  ///< the window is open
+extern bool SearchOpen;   ///< the window is open
+extern bool ForPlaylist;  ///< it was opened by SearchForPlaylist
 
 /// Opens the window; with it open, closes it.
 void JingSearch();
+/// Opens it for a playlist: the jingle that is chosen goes to `chosen`, by its slot and palette, and nothing is opened.
+void SearchForPlaylist(std::function<void(int slot, const std::string& palette)> chosen);
 void CloseSearchBox();
 /// The palettes that hold the text.
 void SearchJing();

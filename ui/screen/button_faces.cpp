@@ -129,6 +129,9 @@ bool HasPlaylistMark(int index, char letter) {
 
 std::string DescribeButton(int index) {
     const JingleRecord& j = Jingle(index);
+    if (j.Kind == SlotKind::playlist) {
+        return Ln("aPlaylist");
+    }
     if (j.Path.empty()) {
         return Ln("aEmpty");
     }
