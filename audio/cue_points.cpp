@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 #include "engine/bass.h"
 
@@ -21,6 +22,9 @@ double within(double value, double least, double most) {
     return std::max(0.0, std::min(std::max(value, least), most));
 }
 
+/// Where the last point may begin. A sound shorter than the guard has one place only.
+double latest(const SoundLength& sound) { return sound.minGap > 0 ? sound.length - sound.minGap : 0; }
+
 }  // namespace
 
 FieldTime FieldsOf(double seconds) {
@@ -30,6 +34,12 @@ FieldTime FieldsOf(double seconds) {
     const std::int64_t whole = hundredths / kHundredths;
     return {static_cast<int>(whole / kSecondsPerMinute), static_cast<int>(whole % kSecondsPerMinute),
             static_cast<int>(hundredths % kHundredths)};
+}
+
+std::string TimeText(const FieldTime& fields) {
+    char text[48];
+    std::snprintf(text, sizeof text, "%d:%02d.%02d", fields.minutes, fields.seconds, fields.hundredths);
+    return text;
 }
 
 double SecondsOf(const FieldTime& fields) {
@@ -48,7 +58,7 @@ SoundLength SoundLengthOf(std::uint32_t channel) {
 }
 
 void MoveStart(CuePoints& points, const SoundLength& sound, double position) {
-    points.start = within(position, 0, sound.length - sound.minGap);
+    points.start = within(position, 0, latest(sound));
 }
 
 void MoveStop(CuePoints& points, const SoundLength& sound, double position) {
@@ -57,7 +67,7 @@ void MoveStop(CuePoints& points, const SoundLength& sound, double position) {
 }
 
 void MoveLoopIn(CuePoints& points, const SoundLength& sound, double position) {
-    points.loopIn = within(position, 0, sound.length - (points.lengthLocked ? points.loopLen : sound.minGap));
+    points.loopIn = within(position, 0, points.lengthLocked ? sound.length - points.loopLen : latest(sound));
     if (points.lengthLocked) {
         points.loopOut = points.loopIn + points.loopLen;
         return;
@@ -67,13 +77,25 @@ void MoveLoopIn(CuePoints& points, const SoundLength& sound, double position) {
 }
 
 void MoveLoopOut(CuePoints& points, const SoundLength& sound, double position) {
-    points.loopOut = within(position, points.lengthLocked ? points.loopLen : sound.minGap, sound.length);
+    const double earliest = sound.minGap > 0 ? sound.minGap : sound.length;
+    points.loopOut = within(position, points.lengthLocked ? points.loopLen : earliest, sound.length);
     if (points.lengthLocked) {
         points.loopIn = std::max(0.0, points.loopOut - points.loopLen);
         return;
     }
     points.loopIn = std::min(points.loopIn, std::max(0.0, points.loopOut - sound.minGap));
     points.loopLen = points.loopOut - points.loopIn;
+}
+
+bool BringInto(CuePoints& points, const SoundLength& sound) {
+    const CuePoints before = points;
+    if (points.start > latest(sound) || points.start < 0) points.start = 0;
+    if (points.stop > sound.length - sound.minGap || points.stop <= points.start) points.stop = 0;
+    if (points.loopOut <= 0 || points.loopOut > sound.length) points.loopOut = sound.length;
+    points.loopIn = within(points.loopIn, 0, std::min(latest(sound), points.loopOut - sound.minGap));
+    points.loopLen = points.loopOut - points.loopIn;
+    return points.start != before.start || points.stop != before.stop || points.loopIn != before.loopIn ||
+           points.loopOut != before.loopOut;
 }
 
 }  // namespace zv

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 namespace zv {
 
@@ -14,8 +15,13 @@ struct FieldTime {
 
 /// The nearest hundredth; 0 for what is below 0 or no number.
 FieldTime FieldsOf(double seconds);
+/// "1:02.50".
+std::string TimeText(const FieldTime& fields);
 /// Fields in any form: 90 seconds are a minute and a half. In seconds.
 double SecondsOf(const FieldTime& fields);
+
+/// Points of a jingle that can be moved.
+enum class CuePoint : std::uint8_t { start, stop, loopIn, loopOut };
 
 /// What the points must stay within.
 struct SoundLength {
@@ -40,5 +46,9 @@ void MoveStart(CuePoints& points, const SoundLength& sound, double position);
 void MoveStop(CuePoints& points, const SoundLength& sound, double position);
 void MoveLoopIn(CuePoints& points, const SoundLength& sound, double position);
 void MoveLoopOut(CuePoints& points, const SoundLength& sound, double position);
+
+/// Brings all points into a sound that may have become shorter: a start behind the end becomes the beginning, a stop
+/// behind it or before the start the end, the loop goes to the nearest place. True when one of them moved.
+bool BringInto(CuePoints& points, const SoundLength& sound);
 
 }  // namespace zv

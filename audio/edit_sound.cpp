@@ -4,6 +4,7 @@
 
 #include "audio/play.h"
 #include "audio/sounding.h"
+#include "audio/streams.h"
 #include "audio/upcalls.h"
 #include "engine/bass.h"
 #include "model/jingle.h"
@@ -132,6 +133,12 @@ void EditDone(int index) {
         wholeSound(j);
     }
     EditAtOnce(index);
+}
+
+void EditReopen(int index) {
+    if (Sounds(index)) return;
+    Jingle(index).Kind = SlotKind::nothing;
+    openStreams(index);
 }
 
 }  // namespace zv

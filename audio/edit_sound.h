@@ -45,5 +45,7 @@ void ListenEnd(int index);
 /// The channel as a press expects it: full level, at CueStart where it is silent, its loop as Loop says; with Seq
 /// the record is left to start anew.
 void EditDone(int index);
+/// The slot's file is opened anew, unless it sounds.
+void EditReopen(int index);
 
 }  // namespace zv

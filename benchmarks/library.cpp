@@ -1,8 +1,5 @@
 // A library of 2,000 palettes with 50 jingles each, about 20 MB: the program's start, and what it does with
 // it.
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -117,21 +114,10 @@ void library() {
     // The palette that is shown is the same: what is more is the file's.
     atMost("library-start-longer", median(big) - median(small), "s", 1);
 
-    const pid_t child = ::fork();
-    if (child == 0) {
-        int status = 1;
-        try {
-            work(large);
-            status = 0;
-        } catch (...) {
-        }
-        ::_exit(status);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
+    const bool done = inProcessOfItsOwn([&] { work(large); });
     Times times;
-    if (status != 0 || !(std::ifstream(large.path("results")) >> times.refresh >> times.names >> times.open >>
-                         times.save >> times.searchList >> times.searchPalettes >> times.searchHits))
+    if (!done || !(std::ifstream(large.path("results")) >> times.refresh >> times.names >> times.open >>
+                   times.save >> times.searchList >> times.searchPalettes >> times.searchHits))
         throw std::runtime_error("the program at work on the library failed");
     atMost("library-list-refresh", times.refresh, "ms", 150);
     atMost("library-open-names", times.names, "ms", 10);

@@ -1,5 +1,6 @@
 #include "benchmarks/program.h"
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -49,6 +50,22 @@ void perform(const Home& home, const std::string& script, const std::function<st
     const int status = rehearse(options, program);
     shell::endQt();
     if (status != kRehearsalPassed) throw std::runtime_error("the show did not pass");
+}
+
+bool inProcessOfItsOwn(const std::function<void()>& work) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        int status = 1;
+        try {
+            work();
+            status = 0;
+        } catch (...) {
+        }
+        ::_exit(status);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return status == 0;
 }
 
 void performAside(const Home& home, const std::string& script) {

@@ -30,7 +30,10 @@ std::string executables();
 /// each tick of the display; what it returns fails the show. Throws when it did not pass.
 void perform(const Home& home, const std::string& script, const std::function<std::string()>& afterTick);
 
-/// The same in a process of its own.
+/// Runs `work` in a copy of this process; false when it threw there.
+bool inProcessOfItsOwn(const std::function<void()>& work);
+
+/// Performs `script` in a process of its own.
 void performAside(const Home& home, const std::string& script);
 
 }  // namespace zv::bench

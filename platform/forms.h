@@ -55,6 +55,8 @@ struct FormCard {
     bool bare = false;  ///< without border and ground
     int share = 1;      ///< of the width, beside other cards
     int gap = 10;       ///< between rows, pixels
+    /// The rows stand side by side as columns: a slider's value above it, the slider upright, its label below.
+    bool upright = false;
 };
 
 /// Cards side by side; below each other where the screen is too narrow.

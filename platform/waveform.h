@@ -28,11 +28,18 @@ struct Waveform {
     std::uint32_t rate = 0;    ///< Hz
     std::uint64_t frames = 0;  ///< that are outlined so far
     std::uint64_t length = 0;  ///< of the whole sound
-    /// By level and side (left, right; one of one channel is heard on both, of more the first two count).
+    /// By level and side (left, right; one of one channel is heard on both, of more the first two count). The finest
+    /// level of a long sound is empty.
     std::array<std::array<std::vector<WaveBin>, 2>, levels> bins;
 
+    /// Sounds of more frames are kept without their finest level, which alone would take as much as all others seven
+    /// times.
+    static constexpr std::uint64_t longSound = std::uint64_t{1} << 23;
+    std::size_t finest() const { return length > longSound ? 1 : 0; }
     /// The coarsest level whose bins are no longer than `framesPerColumn`; the finest when all are.
-    static std::size_t levelFor(double framesPerColumn);
+    std::size_t levelFor(double framesPerColumn) const;
+    /// The largest sample of both sides, without its sign.
+    double peak() const;
 };
 
 /// Puts a waveform together from sound handed over in pieces. Used by one thread at a time. [any]
@@ -56,8 +63,8 @@ class WaveformBuilder {
     std::array<std::array<Sum, 2>, Waveform::levels> open_{};  ///< bins that are not full
 };
 
-/// Reads all of `decoder` from its start. `part` is given what there is about ten times on the way. What was read when
-/// the job is cancelled is returned. [worker]
+/// Reads all of `decoder` from its start. `part` is given what there is after the first piece and about ten times on the
+/// way. What was read when the job is cancelled is returned. [worker]
 Waveform readWaveform(engine::Decoder& decoder, JobWork& work, const std::function<void(Waveform)>& part);
 
 }  // namespace zv

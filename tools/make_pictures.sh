@@ -146,12 +146,46 @@ at 15600 key F2
 at 15800 click frmMixer.ckInputEnable
 at 16500 shot frmMixer mixer.png
 at 16600 key Escape
-at 16800 rclick b_Jingle(2)
-at 16900 menu mnuFX
-at 17500 shot frmFX editor.png
-at 17600 end
+at 16700 end
 EOF
 perform manual
+
+# editor NAME SETTINGS SIZE SCALE: both pages of the jingle editor, a sequence that sounds; no text may be clipped.
+editor() {
+    home "$1" "$2"
+    cat > "$work/$1.txt" <<EOF
+at 0 resize ${3/x/ }
+at 0 time 2026-11-21 10:59:30
+at 300 rclick b_Jingle(2)
+at 400 menu mnuSeq
+at 500 rclick b_Jingle(2)
+at 600 menu mnuFX
+at 700 set frmFX.sldEQ(0) -5
+at 720 set frmFX.sldEQ(1) -2
+at 740 set frmFX.sldEQ(5) 3
+at 800 set frmFX.TabFX 1
+at 820 set frmFX.TxtPosSec 1
+at 840 click frmFX.optStartEnd(1)
+at 860 set frmFX.TxtPosSec 25
+at 880 set frmFX.TxtLISec 6
+at 900 set frmFX.TxtLOSec 18
+at 920 click frmFX.ckPlay
+at 4000 expect frmFX.clipped
+at 4100 shot frmFX $1-positions.png
+at 4200 set frmFX.TabFX 0
+at 5000 expect frmFX.clipped
+at 5100 shot frmFX $1.png
+at 5200 end
+EOF
+    perform "$1" "$4"
+}
+editor editor "" 1280x800 1
+editor editor-dark "DarkMode=1" 1280x800 1
+editor editor-200 "" 1280x800 2
+editor editor-dark-200 "DarkMode=1" 1280x800 2
+editor editor-francais "Sealed=1 Language=Français" 1280x800 1
+editor editor-deutsch "Sealed=1 Language=Deutsch DarkMode=1" 1280x800 1
+editor editor-espanol "Sealed=1 Language=Español" 1280x800 1
 home duck ""
 cat > "$work/duck.txt" <<EOF
 at 0 resize 1280 800

@@ -12,10 +12,19 @@ constexpr int parts = 10;  // waveforms handed out on the way
 
 }  // namespace
 
-std::size_t Waveform::levelFor(double framesPerColumn) {
-    std::size_t level = 0;
+std::size_t Waveform::levelFor(double framesPerColumn) const {
+    std::size_t level = finest();
     while (level + 1 < levels && static_cast<double>(framesPerBin(level + 1)) <= framesPerColumn) ++level;
     return level;
+}
+
+double Waveform::peak() const {
+    double most = 0;
+    for (const auto& side : bins[finest()])
+        for (const WaveBin& bin : side)
+            most = std::max(
+                {most, std::abs(static_cast<double>(bin.low)), std::abs(static_cast<double>(bin.high))});
+    return most;
 }
 
 WaveformBuilder::WaveformBuilder(std::uint32_t rate, std::uint32_t channels, std::uint64_t length)
@@ -27,7 +36,8 @@ WaveformBuilder::WaveformBuilder(std::uint32_t rate, std::uint32_t channels, std
 void WaveformBuilder::add(std::span<const float> interleaved) {
     for (std::size_t at = 0; at + channels_ <= interleaved.size(); at += channels_) {
         for (std::size_t side = 0; side < 2; ++side) {
-            const float sample = interleaved[at + std::min<std::size_t>(side, channels_ - 1)];
+            const float read = interleaved[at + std::min<std::size_t>(side, channels_ - 1)];
+            const float sample = std::isfinite(read) ? read : 0.0F;
             Sum& sum = open_[0][side];
             sum.bin.low = sum.frames == 0 ? sample : std::min(sum.bin.low, sample);
             sum.bin.high = sum.frames == 0 ? sample : std::max(sum.bin.high, sample);
@@ -42,7 +52,7 @@ void WaveformBuilder::add(std::span<const float> interleaved) {
 void WaveformBuilder::finish(std::size_t level, std::size_t side) {
     Sum sum = std::exchange(open_[level][side], {});
     sum.bin.rms = static_cast<float>(std::sqrt(sum.squares / static_cast<double>(sum.frames)));
-    waveform_.bins[level][side].push_back(sum.bin);
+    if (level >= waveform_.finest()) waveform_.bins[level][side].push_back(sum.bin);
     if (level + 1 == Waveform::levels) return;
     Sum& above = open_[level + 1][side];
     above.bin.low = above.frames == 0 ? sum.bin.low : std::min(above.bin.low, sum.bin.low);
@@ -72,10 +82,11 @@ Waveform readWaveform(engine::Decoder& decoder, JobWork& work, const std::functi
         if (got == 0) break;
         builder.add(std::span(some).first(got * format.channels));
         done += got;
-        work.progress(static_cast<int>(done * 100 / length));
-        const int now = static_cast<int>(done * parts / length);
+        // The first piece shows at once that there is something to come.
+        const int now = 1 + static_cast<int>(done * parts / length);
         if (part && now > told && done < length) part(builder.waveform());
         told = now;
+        work.progress(static_cast<int>(done * 100 / length));
     }
     return builder.waveform();
 }

@@ -346,6 +346,25 @@ TEST_F(TempoProcessor, WholeSoundHasItsLengthOverTheSpeed) {
     }
 }
 
+TEST_F(TempoProcessor, LengthIsRightWithinATenthOfAPercentAndPitchWithinTwoCents) {
+    const struct {
+        double tempo, pitch, rate;
+    } cases[] = {{-30, 0, 1}, {25, 0, 1}, {0, 3, 1}, {0, -12, 1}, {0, 0, 0.85}, {10, -4, 1.05}};
+    constexpr double kHz = 150, kSeconds = 20;
+    for (const auto& c : cases) {
+        Player player(*this, sine(kHz, kRate, static_cast<std::size_t>(kSeconds * kRate)));
+        player.setParameters({c.tempo, c.pitch, c.rate});
+        player.play(static_cast<std::size_t>(2 * kSeconds * kRate));
+        const double speed = (1 + c.tempo / 100) * c.rate;
+        const std::size_t frames = player.heard.size() / 2;
+        EXPECT_NEAR(static_cast<double>(frames) / kRate * speed / kSeconds, 1, 0.001)
+            << c.tempo << ' ' << c.pitch << ' ' << c.rate;
+        const double hz = kHz * c.rate * std::exp2(c.pitch / 12);
+        const double heard = pitchBetween(player.heard, kRate / 5, frames - kRate / 5);
+        EXPECT_NEAR(1200 * std::log2(heard / hz), 0, 2) << c.tempo << ' ' << c.pitch << ' ' << c.rate;
+    }
+}
+
 TEST_F(TempoProcessor, MovingDropsWhatIsHeld) {
     std::vector<float> sound(2 * 8 * kRate);
     for (std::size_t i = 4 * kRate; i < 8 * kRate; ++i) sound[2 * i] = sound[2 * i + 1] = 0.5f;

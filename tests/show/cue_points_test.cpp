@@ -5,6 +5,10 @@
 
 #include <cmath>
 #include <random>
+#include <vector>
+
+#include "engine/bass.h"
+#include "tests/support/studio.h"
 
 namespace zv {
 namespace {
@@ -79,6 +83,49 @@ TEST(CuePoints, NoMoveLeavesTheFile) {
             ASSERT_TRUE(p.loopIn >= 0 && p.loopOut <= sound.length);
             ASSERT_GE(p.loopOut - p.loopIn, sound.minGap);
             ASSERT_DOUBLE_EQ(p.loopLen, p.loopOut - p.loopIn);
+        }
+    }
+}
+
+TEST(CuePoints, ASoundThatBecameShorterTakesItsPointsAlong) {
+    const struct {
+        CuePoints before, after;
+        bool moved;
+    } cases[] = {
+        {{100'000, 900'000, 200'000, 400'000}, {100'000, 900'000, 200'000, 400'000}, false},
+        {{2'000'000, 0, 0, 1'000'000}, {0, 0, 0, 1'000'000}, true},
+        {{0, 999'000, 0, 1'000'000}, {0, 0, 0, 1'000'000}, true},
+        {{500'000, 400'000, 0, 1'000'000}, {500'000, 0, 0, 1'000'000}, true},
+        {{0, 0, 5'000'000, 6'000'000}, {0, 0, 994'000, 1'000'000}, true},
+        {{0, 0, 0, 0}, {0, 0, 0, 1'000'000}, true},
+    };
+    for (const auto& c : cases) {
+        CuePoints p = c.before;
+        EXPECT_EQ(BringInto(p, kSound), c.moved) << c.before.start << ' ' << c.before.stop;
+        EXPECT_EQ(p.start, c.after.start);
+        EXPECT_EQ(p.stop, c.after.stop);
+        EXPECT_EQ(p.loopIn, c.after.loopIn);
+        EXPECT_EQ(p.loopOut, c.after.loopOut);
+    }
+}
+
+class CuePointFiles : public test::StudioTest {};
+
+TEST_F(CuePointFiles, AValueReadBackShowsTheSameHundredthsAtAnyRate) {
+    std::mt19937 chance(3);
+    for (const std::uint32_t rate :
+         {8'000, 11'025, 22'050, 44'100, 48'000, 88'200, 96'000, 176'400, 192'000}) {
+        for (const std::uint16_t channels : {std::uint16_t{1}, std::uint16_t{2}}) {
+            const auto file = path("some.wav");
+            test::writeWav(file, std::vector<std::int16_t>(100), rate, channels);
+            const DWORD sound = BASS_StreamCreateFile(false, file.c_str(), 0, 0, BASS_STREAM_DECODE);
+            ASSERT_NE(sound, 0U);
+            for (int i = 0; i < 2'000; ++i) {
+                const FieldTime fields = FieldsOf(std::uniform_real_distribution(0.0, 7200.0)(chance));
+                const QWORD bytes = BASS_ChannelSeconds2Bytes(sound, SecondsOf(fields));
+                ASSERT_EQ(FieldsOf(BASS_ChannelBytes2Seconds(sound, bytes)), fields) << rate << ' ' << bytes;
+            }
+            BASS_StreamFree(sound);
         }
     }
 }

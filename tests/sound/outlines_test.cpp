@@ -121,9 +121,12 @@ TEST(Waveforms, EveryLevelIsTheOutlineOfItsFrames) {
     const Waveform cut = readWaveform(*decoder, cancelled, nullptr);
     EXPECT_GT(cut.frames, 0U);
     EXPECT_LT(cut.frames, frames);
-    EXPECT_EQ(0U, Waveform::levelFor(10));
-    EXPECT_EQ(1U, Waveform::levelFor(600));
-    EXPECT_EQ(Waveform::levels - 1, Waveform::levelFor(1e9));
+    Waveform longSound;
+    longSound.length = Waveform::longSound + 1;
+    EXPECT_EQ(0U, whole.levelFor(10));
+    EXPECT_EQ(1U, longSound.levelFor(10));
+    EXPECT_EQ(1U, whole.levelFor(600));
+    EXPECT_EQ(Waveform::levels - 1, whole.levelFor(1e9));
 }
 
 }  // namespace

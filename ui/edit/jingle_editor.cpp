@@ -3,26 +3,28 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <string>
 
 #include "audio/edit_sound.h"
 #include "audio/play.h"
-#include "audio/safe_volume.h"
 #include "audio/sounding.h"
 #include "audio/streams.h"
 #include "model/colours.h"
 #include "model/state.h"
 #include "platform/desktop.h"
-#include "platform/jobs.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "ui/edit/edited_file.h"
 #include "ui/edit/edited_jingle.h"
 #include "ui/edit/effects_page.h"
+#include "ui/edit/level_page.h"
 #include "ui/edit/positions_page.h"
 #include "ui/edit/undo.h"
+#include "ui/edit/wave_canvas.h"
 #include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
@@ -38,17 +40,19 @@ namespace {
 
 constexpr int kFollowMs = 40;  ///< of the digits
 constexpr int kEffectsPage = 0;
-constexpr int kPercent = 100, kMostRange = 400;
+constexpr int kFullVolume = 100;  ///< percent
 constexpr double kKilo = 1000;
-constexpr Colour kTooLoud = 255;  ///< red
 
 bool okBusy = false;
 bool wired = false;
-int safeVolume = 0;  ///< percent; 0 while it is not known
-Job measuring;
 
 UiTimer& timerPos() {
     static UiTimer timer("TimerPos", kFollowMs);
+    return timer;
+}
+
+UiTimer& timerWindow() {
+    static UiTimer timer("TimerFX", kFollowMs);
     return timer;
 }
 
@@ -57,9 +61,8 @@ void showDigits() {
     const bool sounding = Sounds(Edited.index);
     const double at = sounding ? EditSeconds(Edited.index, EditPosition(Edited.index)) : 0;
     const FieldTime time = FieldsOf(at);
-    char text[48];
-    std::snprintf(text, sizeof text, "%d:%02d.%02d", time.minutes, time.seconds, time.hundredths);
-    w.lblPos.caption = text;
+    char text[16];
+    w.lblPos.caption = TimeText(time);
     w.lblPosMinVal.caption = std::to_string(time.minutes);
     std::snprintf(text, sizeof text, "%02d", time.seconds);
     w.lblPosSecVal.caption = text;
@@ -92,95 +95,38 @@ void TimerPosTick() {
     });
 }
 
+/// What the jingle is, or what is wrong with it.
+std::string facts() {
+    const JingleRecord& j = EditedRecord();
+    if (!FileNote().empty()) return FileNote();
+    if (j.StopPos != 0 && j.StopPos <= j.CueStart) return Ln("fxStopBeforeStart");
+    std::string line = GetFileName(j.Path);
+    const double length = EditSeconds(Edited.index, EditLength(Edited.index).length);
+    for (const std::string& fact :
+         {settings.PaletteIndex, NumberText(j.Freq / kKilo) + " kHz", seconds2msd(length)})
+        if (!fact.empty()) line += "  \xC2\xB7  " + fact;
+    return line;
+}
+
+/// What goes on by itself while the window is open.
+void TimerWindowTick() {
+    guarded("frmFX.TimerWindow_Timer", [] {
+        if (!FxOpen) return;
+        if (!EditedIsThere()) {
+            OKfx();
+            return;
+        }
+        ShowWave();
+        FollowPart();
+        FollowFile();
+        frmFX().lblFacts.caption = facts();
+    });
+}
+
 void follow() {
     showPlaying();
     showDigits();
     if (Sounds(Edited.index)) timerPos().start();
-}
-
-// ---- level ----
-
-int rangeFor(int percent) {
-    return std::clamp((percent + kPercent - 1) / kPercent, 1, kMostRange / kPercent) - 1;
-}
-
-/// btMaxVol says the highest volume that does not clip, and is red above it.
-void showSafeVolume() {
-    JingleWindow& w = frmFX();
-    std::string text = safeVolume == 0 ? Ln("fxMeasuring") : Ln("fxbtMaxVol");
-    if (const auto at = text.find("vol"); safeVolume > 0 && at != std::string::npos)
-        text.replace(at, 3, std::to_string(safeVolume));
-    w.btMaxVol.caption = text;
-    w.btMaxVol.enabled = safeVolume > 0;
-    w.btMaxVol.backColor = safeVolume > 0 && EditedRecord().Volm > safeVolume ? kTooLoud : kButtonFace;
-}
-
-void measure() {
-    safeVolume = 0;
-    showSafeVolume();
-    measuring = startJob<int>(
-        "frmFX.SafeVol",
-        [path = GetFullPath(EditedRecord().Path)](JobWork& work) { return MeasureSafeVol(path, work); },
-        [](int percent) {
-            safeVolume = percent;
-            showSafeVolume();
-        },
-        JobLane::longer);
-}
-
-void showVolume() {
-    JingleWindow& w = frmFX();
-    const int volume = EditedRecord().Volm;
-    w.cmbRange.listIndex = std::max(w.cmbRange.listIndex(), rangeFor(volume));
-    w.SlideVolCh.maximum = (w.cmbRange.listIndex() + 1) * kPercent;
-    w.SlideVolCh.value = volume;
-    w.lblVolVal.caption = std::to_string(volume) + " %";
-    showSafeVolume();
-}
-
-void setVolume(int percent) {
-    EditVolume(Edited.index, percent);
-    showVolume();
-    UpdateJFX();
-}
-
-void btMaxVol_Click() {
-    frmFX().cmbRange.listIndex = rangeFor(safeVolume);
-    setVolume(safeVolume);
-}
-
-void cmbRange_Click() {
-    JingleWindow& w = frmFX();
-    const int most = (w.cmbRange.listIndex() + 1) * kPercent;
-    w.SlideVolCh.maximum = most;
-    if (EditedRecord().Volm > most) setVolume(most);
-}
-
-// ---- what else the record holds ----
-
-void showFlags() {
-    JingleWindow& w = frmFX();
-    const JingleRecord& j = EditedRecord();
-    w.ckAutoDuck.value = j.AutoDuck == 1 ? 1 : 0;
-    w.ckNoTrigDuck.value = j.NoTrigDuck;
-    w.ckNoAutomix.value = j.NoAutomix;
-}
-
-void ckFlags_Click() {
-    JingleWindow& w = frmFX();
-    JingleRecord& j = EditedRecord();
-    j.NoTrigDuck = w.ckNoTrigDuck.value == 1 ? 1 : 0;
-    j.NoAutomix = w.ckNoAutomix.value == 1 ? 1 : 0;
-    UpdateJFX();
-}
-
-void ckAutoDuck_Click() {
-    constexpr std::uint8_t kDucks = 1, kDoesNot = 2;
-    JingleRecord& j = EditedRecord();
-    j.AutoDuck = frmFX().ckAutoDuck.value == 1 ? kDucks : kDoesNot;
-    if (j.AutoDuck == kDucks) j.NoTrigDuck = 1;
-    showFlags();
-    UpdateJFX();
 }
 
 /// A sequence plays straight through while its positions are worked on, unless it is on air.
@@ -199,18 +145,8 @@ void TabFX_Click() {
     putSeqAside();
 }
 
-std::string facts() {
-    const JingleRecord& j = EditedRecord();
-    std::string line = GetFileName(j.Path);
-    const double length = EditSeconds(Edited.index, EditLength(Edited.index).length);
-    for (const std::string& fact :
-         {settings.PaletteIndex, NumberText(j.Freq / kKilo) + " kHz", seconds2msd(length)})
-        if (!fact.empty()) line += "  \xC2\xB7  " + fact;
-    return line;
-}
-
 void listen(ListenFrom from) {
-    if (okBusy) return;
+    if (okBusy || !EditedIsThere()) return;
     if (!ListenTo(Edited.index, from)) Error_("Can't play jingle stream from the jingle editor");
     follow();
 }
@@ -241,6 +177,9 @@ void wire() {
     JingleWindow& w = frmFX();
     WireEffectsPage();
     WirePositionsPage();
+    WireLevel();
+    WireWave();
+    timerWindow().handler = TimerWindowTick;
     timerPos().handler = TimerPosTick;
     w.ckPlay.onClick = Play;
     w.PlayFromStart.onClick = PlayFromStart_Click;
@@ -258,26 +197,42 @@ void wire() {
             showDigits();
         });
     };
-    w.SlideVolCh.onChange = [] {
-        guarded("frmFX.SlideVolCh_Change", [] { setVolume(frmFX().SlideVolCh.value()); });
-    };
-    w.btMaxVol.onClick = [] { guarded("frmFX.btMaxVol_Click", btMaxVol_Click); };
-    w.cmbRange.onChange = [] { guarded("frmFX.cmbRange_Click", cmbRange_Click); };
-    w.ckAutoDuck.onChange = [] { guarded("frmFX.ckAutoDuck_Click", ckAutoDuck_Click); };
-    w.ckNoTrigDuck.onChange = [] { guarded("frmFX.ckNoTrigDuck_Click", ckFlags_Click); };
-    w.ckNoAutomix.onChange = [] { guarded("frmFX.ckNoAutomix_Click", ckFlags_Click); };
     w.TabFX.onChange = [] { guarded("frmFX.TabFX_Click", TabFX_Click); };
     w.form.onKey = key;
+    w.form.onTexts = [] {
+        if (FxOpen) ShowStartAndStop();
+    };
     w.form.onClosed = [] { guarded("frmFX.Form_Unload", OKfx); };
 }
 
 void showAll() {
     ShowEffects();
     ShowPositions();
-    frmFX().cmbRange.listIndex = 0;
-    showVolume();
-    showFlags();
+    ShowLevel();
 }
+
+/// A mark on the display gives way to the hour-glass while the window is filled, and comes back.
+class MarkOnDisplay {
+  public:
+    MarkOnDisplay() : mark_(frmMain().display.lblErr) {
+        if (shown_) ErrDisp("wait");
+    }
+    ~MarkOnDisplay() {
+        if (!shown_) return;
+        mark_.caption = caption_;
+        mark_.toolTip = toolTip_;
+        mark_.foreColor = colour_;
+        mark_.visible = true;
+    }
+    MarkOnDisplay(const MarkOnDisplay&) = delete;
+    MarkOnDisplay& operator=(const MarkOnDisplay&) = delete;
+
+  private:
+    Control& mark_;
+    const bool shown_ = mark_.visible;
+    const std::string caption_ = mark_.caption, toolTip_ = mark_.toolTip;
+    const Colour colour_ = mark_.foreColor;
+};
 
 void open(int index) {
     JingleWindow& w = frmFX();
@@ -288,9 +243,12 @@ void open(int index) {
     }
     MenuJ = index;
     ResetJingles();
+    const MarkOnDisplay mark;
     Edited.index = index;
     Edited.entry = j.persisted();
+    Edited.channel = j.hPlay;
     Edited.unsavedOnEntry = PalToSave;
+    Edited.fileLength = std::numeric_limits<double>::infinity();
     Edited.effects = ParseFXV(j.FXV, j.Freq).effects;
     FxOpen = true;
     w.JID.caption = std::to_string(index);
@@ -301,8 +259,13 @@ void open(int index) {
     w.showLoop(j.Seq != 0, Ln(j.Seq != 0 ? "fxlblSeqModNotice" : "fxNoSequence"));
     showAll();  // before it opens, so that there is room for every text
     w.form.open(&w.ckPlay);
-    measure();
-    // A loop beyond the end of its file was brought into it: nobody edited that.
+    OpenWave();
+    OpenLevel();
+    OpenFileWatch();
+    timerWindow().start();
+    // Positions beyond the end of their file were brought into it: nobody edited that.
+    Edited.entry.CueStart = j.CueStart;
+    Edited.entry.StopPos = j.StopPos;
     Edited.entry.LoopIn = j.LoopIn;
     Edited.entry.LoopOut = j.LoopOut;
     Jingle(index).SeqBefore = Edited.entry.Seq;
@@ -359,10 +322,9 @@ void resetfx() {
             ResetEffects();
             return;
         }
-        frmFX().cmbRange.listIndex = 0;
-        EditVolume(Edited.index, kPercent);
+        EditVolume(Edited.index, kFullVolume);
         ResetPositions();
-        showVolume();
+        ShowLevel();
     });
 }
 
@@ -378,6 +340,7 @@ void UndoAll() {
         EditVolume(Edited.index, j.Volm);
         EditLoop(Edited.index);
         ArmStopSync(Edited.index);
+        HoldPositions();
         showAll();
         UpdateJFX();
     });
@@ -390,21 +353,32 @@ void OKfx() {
         JingleWindow& w = frmFX();
         w.ckPlay.enabled = false;
         JingleRecord& j = EditedRecord();
-        UpdateJFX();
-        if (Plays(Edited.index)) ListenEnd(Edited.index);
-        j.Seq = j.SeqBefore;
-        EditDone(Edited.index);
+        const bool there = EditedIsThere();
+        if (there) {
+            UpdateJFX();
+            if (Plays(Edited.index)) ListenEnd(Edited.index);
+            j.Seq = j.SeqBefore;
+            EditDone(Edited.index);
+        }
         timerPos().stop();
-        measuring.cancel();
+        timerWindow().stop();
+        CloseWave();
+        CloseLevel();
+        const bool otherFile = there && EditedFileReplaced();
+        CloseFileWatch();
         FxOpen = false;
         CloseEditorStep();
         SelectorsOn = false;
-        j.EndOffset = EndOffsetCalc(Edited.index);
-        j.Duration = JDurationCalc(Edited.index);
-        if (JingleButton* b = Button(Edited.index)) b->b_Jingle.caption = ButtonText(Edited.index);
+        if (there) {
+            j.EndOffset = EndOffsetCalc(Edited.index);
+            j.Duration = JDurationCalc(Edited.index);
+        }
+        if (JingleButton* b = Button(Edited.index); there && b != nullptr)
+            b->b_Jingle.caption = ButtonText(Edited.index);
         ResetJingles();
         w.form.close();
         w.cmbFXpreset.items = std::vector<std::string>();
+        if (otherFile) EditReopen(Edited.index);
     });
     okBusy = false;
     FxOpen = false;

@@ -18,6 +18,7 @@
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/jingle_editor.h"
+#include "ui/edit/level_many.h"
 #include "ui/edit/move.h"
 #include "ui/edit/options.h"
 #include "ui/edit/playlists.h"
@@ -187,6 +188,9 @@ void ckJingleMenu() {
         menu.add("mnuTouch", !playlist, [] { clTouchSet(MenuJ); });
         menu.add("mnuPlayStop", !playlist, [] { clPlayStopSet(MenuJ); });
         menu.add("mnuNoStop", !playlist, [] { clNoStopSet(MenuJ); });
+        menu.line();
+        menu.add("mnuLoudness", !playlist, [] { BringToLoudness(SelJ); });
+        if (!playlist) menu.items.back().caption = LoudnessItem();
         menu.open();
     });
 }

@@ -1,6 +1,7 @@
 #include "ui/edit/positions_page.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <string>
 
@@ -55,7 +56,7 @@ double stopOf(const JingleRecord& j, const SoundLength& sound) {
 
 void showLoop() {
     const JingleRecord& j = EditedRecord();
-    const SoundLength sound = EditLength(Edited.index);
+    const SoundLength sound = EditedLength();
     showPoint(frmFX().TxtLI, frmFX().sldLI, j.LoopIn, sound);
     showPoint(frmFX().TxtLO, frmFX().sldLO, j.LoopOut, sound);
     UpdateLoopDuration();
@@ -72,9 +73,47 @@ void takeLoop(const CuePoints& points) {
     UpdateJFX();
 }
 
+void takeLoopIn(double position) {
+    CuePoints points = pointsOf(EditedRecord());
+    MoveLoopIn(points, EditedLength(), position);
+    takeLoop(points);
+}
+
+void takeLoopOut(double position) {
+    CuePoints points = pointsOf(EditedRecord());
+    MoveLoopOut(points, EditedLength(), position);
+    takeLoop(points);
+}
+
+void takeStart(double position) {
+    JingleWindow& w = frmFX();
+    JingleRecord& j = EditedRecord();
+    const SoundLength sound = EditedLength();
+    CuePoints points = pointsOf(j);
+    MoveStart(points, sound, position);
+    j.CueStart = points.start;
+    if (Sounds(Edited.index)) EditSeek(Edited.index, j.CueStart);
+    showPoint(w.TxtPos, w.sldPos, j.CueStart, sound);
+    w.StartTxtPos.show(w.TxtPos.shown());
+    ShowStartAndStop();
+    UpdateJFX();
+}
+
+void takeStop(double position) {
+    JingleWindow& w = frmFX();
+    const SoundLength sound = EditedLength();
+    CuePoints points = pointsOf(EditedRecord());
+    MoveStop(points, sound, position);
+    showPoint(w.TxtPos, w.sldPos, points.stop == 0 ? sound.length : points.stop, sound);
+    w.StopTxtPos.show(w.TxtPos.shown());
+    SetEndSync(points.stop);
+    ShowStartAndStop();
+    UpdateJFX();
+}
+
 /// A slider's place as seconds in the fields of its point; at its end the length exactly.
 void fromSlider(const Control& slider, const TimeFields& fields) {
-    const SoundLength sound = EditLength(Edited.index);
+    const SoundLength sound = EditedLength();
     fields.show(FieldsOf(seconds(sound.length * slider.value() / std::max(1, slider.maximum()))));
 }
 
@@ -140,99 +179,102 @@ void btCopyStartPos_Click() {
 
 void checktimecue() {
     if (settingMode) return;
-    JingleWindow& w = frmFX();
-    JingleRecord& j = EditedRecord();
-    const SoundLength sound = EditLength(Edited.index);
-    CuePoints points = pointsOf(j);
-    if (startChosen()) {
-        MoveStart(points, sound, bytesOf(w.TxtPos));
-        j.CueStart = points.start;
-        if (Sounds(Edited.index)) EditSeek(Edited.index, j.CueStart);
-        showPoint(w.TxtPos, w.sldPos, j.CueStart, sound);
-        w.StartTxtPos.show(w.TxtPos.shown());
-    } else {
-        MoveStop(points, sound, bytesOf(w.TxtPos));
-        const double stop = points.stop == 0 ? sound.length : points.stop;
-        showPoint(w.TxtPos, w.sldPos, stop, sound);
-        w.StopTxtPos.show(w.TxtPos.shown());
-        SetEndSync(points.stop == 0);
-    }
-    UpdateJFX();
+    const double position = bytesOf(frmFX().TxtPos);
+    if (startChosen())
+        takeStart(position);
+    else
+        takeStop(position);
 }
 
-void SetEndSync(bool clear) {
-    JingleRecord& j = EditedRecord();
-    j.StopPos = clear ? 0 : bytesOf(frmFX().StopTxtPos);
+void SetEndSync(double stop) {
+    EditedRecord().StopPos = stop;
     ArmStopSync(Edited.index);
 }
 
-void checktimeLI() {
-    CuePoints points = pointsOf(EditedRecord());
-    MoveLoopIn(points, EditLength(Edited.index), bytesOf(frmFX().TxtLI));
-    takeLoop(points);
-}
+void checktimeLI() { takeLoopIn(bytesOf(frmFX().TxtLI)); }
 
 void checktimeLO() {
-    JingleWindow& w = frmFX();
-    const SoundLength sound = EditLength(Edited.index);
-    CuePoints points = pointsOf(EditedRecord());
-    const bool atEnd = w.sldLO.value >= w.sldLO.maximum() && bytesOf(w.TxtLO) >= sound.length - sound.minGap;
-    MoveLoopOut(points, sound, atEnd ? sound.length : bytesOf(w.TxtLO));
-    takeLoop(points);
+    const JingleWindow& w = frmFX();
+    const SoundLength sound = EditedLength();
+    const double position = bytesOf(w.TxtLO);
+    const bool atEnd = w.sldLO.value >= w.sldLO.maximum() && position >= sound.length - sound.minGap;
+    takeLoopOut(atEnd ? sound.length : position);
 }
 
-void UpdateLoopDuration() { frmFX().lblLDur.show(FieldsOf(seconds(EditedRecord().LoopLen))); }
+void UpdateLoopDuration() {
+    const FieldTime time = FieldsOf(seconds(EditedRecord().LoopLen));
+    frmFX().lblLDur.show(time);
+    frmFX().lblLoopTime.caption = TimeText(time);
+}
 
 void optStartEnd_Click(int which) {
     JingleWindow& w = frmFX();
     settingMode = true;
     for (int i = 0; i < 2; ++i) w.optStartEnd[static_cast<std::size_t>(i)]->value = i == which ? 1 : 0;
     const JingleRecord& j = EditedRecord();
-    const SoundLength sound = EditLength(Edited.index);
+    const SoundLength sound = EditedLength();
     showPoint(w.TxtPos, w.sldPos, which == 0 ? j.CueStart : stopOf(j, sound), sound);
     w.PlayFromStart.caption = Ln(which == 0 ? "fxPlayFromStart" : "fxPlayToStop");
     settingMode = false;
 }
 
 void MovePoint(CuePoint point, double at) {
-    JingleWindow& w = frmFX();
-    const FieldTime time = FieldsOf(at);
+    const double position = EditBytes(Edited.index, at);
     switch (point) {
         case CuePoint::start:
         case CuePoint::stop:
             optStartEnd_Click(point == CuePoint::start ? 0 : 1);
-            w.TxtPos.show(time);
-            checktimecue();
+            if (point == CuePoint::start)
+                takeStart(position);
+            else
+                takeStop(position);
             return;
         case CuePoint::loopIn:
-            w.TxtLI.show(time);
-            checktimeLI();
+            takeLoopIn(position);
             return;
         case CuePoint::loopOut:
-            w.TxtLO.show(time);
-            // The slider does not say that it stands at the end while the handle is elsewhere.
-            w.sldLO.value = w.sldLO.maximum();
-            checktimeLO();
+            takeLoopOut(position);
             return;
     }
+}
+
+void ShowStartAndStop() {
+    JingleWindow& w = frmFX();
+    constexpr std::array kNames{"fxlblStartPos", "fxlblStopPos"};
+    const TimeFields* const times[] = {&w.StartTxtPos, &w.StopTxtPos};
+    for (std::size_t i = 0; i < 2; ++i) {
+        w.optStartEnd[i]->caption = Ln(kNames[i]) + " " + TimeText(times[i]->shown());
+    }
+}
+
+bool HoldPositions() {
+    JingleRecord& j = EditedRecord();
+    CuePoints points = pointsOf(j);
+    if (!BringInto(points, EditedLength())) return false;
+    j.CueStart = points.start;
+    j.LoopIn = points.loopIn;
+    j.LoopOut = points.loopOut;
+    SetEndSync(points.stop);
+    EditLoop(Edited.index);
+    return true;
 }
 
 void ShowPositions() {
     JingleWindow& w = frmFX();
     JingleRecord& j = EditedRecord();
-    const SoundLength sound = EditLength(Edited.index);
+    const SoundLength sound = EditedLength();
     const int ticks = std::max(1, static_cast<int>(std::lround(seconds(sound.length) * kHundredths)));
     for (Control* slider : {&w.sldPos, &w.sldLI, &w.sldLO, &w.SlidePos}) {
         slider->minimum = 0;
         slider->maximum = ticks;
     }
-    if (j.LoopOut <= 0 || j.LoopOut > sound.length) j.LoopOut = sound.length;
-    if (j.LoopIn > j.LoopOut - sound.minGap) j.LoopIn = std::max(0.0, j.LoopOut - sound.minGap);
+    HoldPositions();
     j.LoopLen = j.LoopOut - j.LoopIn;
     w.imgLockLoopLength.caption = Ln("fxLocked");
     w.imgLockLoopLength.visible = w.ckLinkLILO.value == 1;
     w.StartTxtPos.show(FieldsOf(seconds(j.CueStart)));
     w.StopTxtPos.show(FieldsOf(seconds(stopOf(j, sound))));
+    ShowStartAndStop();
     optStartEnd_Click(w.optStartEnd[1]->value == 1 ? 1 : 0);
     showLoop();
     showFade();

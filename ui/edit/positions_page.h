@@ -2,10 +2,9 @@
 /// place that its point may have. [control]
 #pragma once
 
-namespace zv {
+#include "audio/cue_points.h"
 
-/// Points of a jingle that can be moved.
-enum class CuePoint { start, stop, loopIn, loopOut };
+namespace zv {
 
 /// Handlers of the page's controls; once.
 void WirePositionsPage();
@@ -13,7 +12,11 @@ void WirePositionsPage();
 void ShowPositions();
 /// Start, stop and fade as they are without any; the loop stays.
 void ResetPositions();
-/// Moves a point as its fields would, to the nearest place that it may have.
+/// The times in the captions of optStartEnd, in the language of the settings.
+void ShowStartAndStop();
+/// Brings the record's positions into the sound, which may have become shorter. True when one of them moved.
+bool HoldPositions();
+/// Moves a point as its fields would, but not to whole hundredths: to the nearest place that it may have.
 void MovePoint(CuePoint point, double seconds);
 /// optStartEnd chooses what the position's fields are: the start, or the stop.
 void optStartEnd_Click(int which);
@@ -21,8 +24,8 @@ void optStartEnd_Click(int which);
 void checktimecue();
 void checktimeLI();
 void checktimeLO();
-/// The fade at StopPos, which is read from its fields; with `clear` none, and StopPos is the end.
-void SetEndSync(bool clear);
+/// StopPos, in bytes, and the fade there; 0 is the end, without one.
+void SetEndSync(double stop);
 void UpdateLoopDuration();
 
 }  // namespace zv

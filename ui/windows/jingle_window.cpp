@@ -6,7 +6,9 @@ namespace zv {
 
 namespace {
 
-constexpr int kWidth = 1000, kFieldPixels = 104, kRangePixels = 96, kPlayPixels = 180;
+constexpr int kWidth = 1000, kHeight = 760, kWaveHeight = 110, kRowGap = 4;  // pixels
+constexpr int kFieldPixels = 46, kRangePixels = 84, kTargetPixels = 100, kLoudnessPixels = 154,
+              kPlayPixels = 180;
 constexpr int kMostMinutes = 999, kCarrySeconds = 60, kCarryHundredths = 100;
 constexpr int kLongestReverb = 3000, kReverbStep = 20;  // ms
 constexpr int kRateStep = 5;
@@ -27,15 +29,11 @@ void ranged(Control& control, int least, int most, int standard, int step = 1) {
     control.step = step;
 }
 
-/// A time in a row: "0:02.84" of labels, or three fields.
+/// The three fields of a time in a row.
 std::vector<FormCell> cellsOfTime(const TimeFields& t, const char* tip) {
-    if (t.min->kind == ControlKind::number)
-        return {{.control = t.min, .tip = tip, .width = kFieldPixels},
-                {.control = t.sec, .tip = tip, .width = kFieldPixels},
-                {.control = t.cs, .tip = tip, .width = kFieldPixels}};
-    return {{.control = t.min, .tip = tip, .unit = *t.colon},
-            {.control = t.sec, .tip = tip, .unit = *t.point},
-            {.control = t.cs, .tip = tip}};
+    return {{.control = t.min, .tip = tip, .width = kFieldPixels},
+            {.control = t.sec, .tip = tip, .width = kFieldPixels},
+            {.control = t.cs, .tip = tip, .width = kFieldPixels}};
 }
 
 }  // namespace
@@ -55,12 +53,6 @@ FieldTime TimeFields::shown() const { return {min->value(), sec->value(), cs->va
 TimeFields JingleWindow::fields(const std::string& name, ControlKind kind) {
     TimeFields t{&form.control(name + "Min", kind), &form.control(name + "Sec", kind),
                  &form.control(name + "Cs", kind)};
-    if (kind == ControlKind::label) {
-        t.colon = &form.control(name + "Colon", kind);
-        t.point = &form.control(name + "Point", kind);
-        t.colon->caption = ":";
-        t.point->caption = ".";
-    }
     // One step beyond the normal form carries into the field before it.
     ranged(*t.min, 0, kMostMinutes, kNoStandard);
     ranged(*t.sec, -1, kCarrySeconds, kNoStandard);
@@ -69,14 +61,14 @@ TimeFields JingleWindow::fields(const std::string& name, ControlKind kind) {
 }
 
 FormCard JingleWindow::equaliser() {
-    FormCard card{.title = "fxEqualiser"};
+    FormCard card{.title = "fxEqualiser", .upright = true};
     for (int i = 0; i < kEqBands; ++i) {
         const auto band = static_cast<std::size_t>(i);
         lblEQ[band] = &form.control("lblEQ", ControlKind::label, {}, i);
         sldEQ[band] = &form.control("sldEQ", ControlKind::slider, {}, i);
         lblEQV[band] = &form.control("lblEQV", ControlKind::label, {}, i);
         sldEQ[band]->standard = 0;
-        sldEQ[band]->alignment = 1;  // a lift is stored below zero and stands at the right
+        sldEQ[band]->alignment = 1;  // a lift is stored below zero and stands above
         card.rows.push_back(
             {.label = *lblEQ[band],
              .cells = {
@@ -88,7 +80,7 @@ FormCard JingleWindow::equaliser() {
 FormCard JingleWindow::sound() {
     static constexpr const char* kNames[] = {"fxlblTempo", "fxlblSamplerate", "fxlblPitch"};
     static constexpr const char* kTips[] = {"fxTempoTip", "fxSamplerateTip", "fxPitchTip"};
-    FormCard card{.title = "fxSound"};
+    FormCard card{.title = "fxSound", .gap = kRowGap};
     for (int i = 0; i < 3; ++i) {
         const auto part = static_cast<std::size_t>(i);
         sldTempo[part] = &form.control("sldTempo", ControlKind::slider, {}, i);
@@ -101,9 +93,7 @@ FormCard JingleWindow::sound() {
                                         .unit = *lblTempoVal[part]}}});
     }
     sldTempo[1]->step = kRateStep;
-    card.rows.insert(
-        card.rows.begin() + 2,
-        {.label = "fxRateHz", .cells = {{.control = &lblSamplerateHz, .tip = "fxSamplerateTip"}}});
+    card.rows[1].cells.push_back({.control = &lblSamplerateHz, .tip = "fxSamplerateTip"});
     ranged(sldReverb, 0, kLongestReverb, 0, kReverbStep);
     card.rows.push_back(
         {.label = "fxlblReverb",
@@ -122,44 +112,47 @@ FormCard JingleWindow::sound() {
 FormCard JingleWindow::startAndStop() {
     optStartEnd[0] = &form.control("optStartEnd", ControlKind::option, "fxlblStartPos", 0);
     optStartEnd[1] = &form.control("optStartEnd", ControlKind::option, "fxlblStopPos", 1);
+    for (Control* option : optStartEnd) option->segmented = true;
     ranged(sldFadeOut, 0, kLongestFade, 0);
     sldPos.step = kPositionStep;
-    FormRow start{.label = "fxlblStartPos", .cells = cellsOfTime(StartTxtPos, "fxStartTip")};
-    FormRow stop{.label = "fxlblStopPos", .cells = cellsOfTime(StopTxtPos, "fxStopTip")};
-    return {
-        .title = "fxStartAndStop",
-        .rows = {
-            start,
-            stop,
-            {.label = "fxMove",
-             .cells = {{.control = optStartEnd[0], .tip = "fxMoveStartTip"},
-                       {.control = optStartEnd[1], .tip = "fxMoveStopTip"},
-                       {},
-                       {.control = &PlayFromStart, .tip = "fxPlayFromStartTip"}}},
-            {.label = "fxTime", .cells = cellsOfTime(TxtPos, "fxTimeTip")},
-            {.cells = {{.control = &sldPos, .tip = "fxTimeTip", .width = kRestOfRow}}},
-            {.label = "fxlblFadeOut",
-             .cells = {
-                 {.control = &sldFadeOut, .tip = "fxFadeOutTip", .width = kRestOfRow, .unit = lblFadeOutVal},
-                 {.control = &ckLogFadeOut, .tip = "fxLogFadeOutTip"}}}}};
+    FormRow time{.cells = cellsOfTime(TxtPos, "fxTimeTip")};
+    time.cells.push_back({.control = &sldPos, .tip = "fxTimeTip", .width = kRestOfRow});
+    return {.title = "fxStartAndStop",
+            .rows = {{.cells = {{.control = optStartEnd[0], .tip = "fxMoveStartTip"},
+                                {.control = optStartEnd[1], .tip = "fxMoveStopTip"}}},
+                     time,
+                     {.cells = {{.control = &PlayFromStart, .tip = "fxPlayFromStartTip"}}},
+                     {.label = "fxlblFadeOut",
+                      .cells = {{.control = &sldFadeOut,
+                                 .tip = "fxFadeOutTip",
+                                 .width = kRestOfRow,
+                                 .unit = lblFadeOutVal}}},
+                     {.cells = {{.control = &ckLogFadeOut, .tip = "fxLogFadeOutTip"}}}},
+            .share = 6,
+            .gap = kRowGap};
 }
 
 FormCard JingleWindow::loop() {
     sldLI.step = sldLO.step = kPositionStep;
-    FormRow length{.label = lblLoopLength, .cells = cellsOfTime(lblLDur, "fxLoopLengthTip")};
-    length.cells.push_back({.control = &ckLinkLILO, .tip = "fxLinkTip"});
+    FormRow in{.label = lblLI, .cells = cellsOfTime(TxtLI, "fxLoopInTip")};
+    in.cells.push_back({.control = &sldLI, .tip = "fxLoopInTip", .width = kRestOfRow});
+    FormRow out{.label = lblLO, .cells = cellsOfTime(TxtLO, "fxLoopOutTip")};
+    out.cells.push_back({.control = &sldLO, .tip = "fxLoopOutTip", .width = kRestOfRow});
+    FormRow length{.label = lblLoopLength,
+                   .cells = {{.control = &lblLoopTime, .tip = "fxLoopLengthTip"},
+                             {.control = &ckLinkLILO, .tip = "fxLinkTip"}}};
     length.cells.push_back({.control = &imgLockLoopLength, .tip = "fxLinkTip"});
     return {.title = lblSeqMod,
             .rows = {{.cells = {{.control = &lblSeqModNotice, .width = kRestOfRow}}},
-                     {.label = lblLI, .cells = cellsOfTime(TxtLI, "fxLoopInTip")},
-                     {.cells = {{.control = &sldLI, .tip = "fxLoopInTip", .width = kRestOfRow},
-                                {.control = &btCopyStartPos, .tip = "fxCopyStartTip"}}},
-                     {.label = lblLO, .cells = cellsOfTime(TxtLO, "fxLoopOutTip")},
-                     {.cells = {{.control = &sldLO, .tip = "fxLoopOutTip", .width = kRestOfRow}}},
+                     in,
+                     out,
                      length,
                      {.cells = {{.control = &PlayFromLoopIn, .tip = "fxPlayFromLoopInTip"},
-                                {.control = &TestLoopOut, .tip = "fxTestLoopOutTip"},
-                                {.control = &ckLoopFadeOut, .tip = "fxLoopFadeOutTip"}}}}};
+                                {.control = &TestLoopOut, .tip = "fxTestLoopOutTip"}}},
+                     {.cells = {{.control = &btCopyStartPos, .tip = "fxCopyStartTip"}}},
+                     {.cells = {{.control = &ckLoopFadeOut, .tip = "fxLoopFadeOutTip"}}}},
+            .share = 8,
+            .gap = kRowGap};
 }
 
 FormCard JingleWindow::level() {
@@ -167,45 +160,54 @@ FormCard JingleWindow::level() {
     cmbRange.items = std::vector<std::string>{"100 %", "200 %", "300 %", "400 %"};
     return {
         .title = "fxLevel",
-        .rows = {
-            {.label = "fxlblVol",
-             .cells = {{.control = &SlideVolCh, .tip = "fxVolTip", .width = kRestOfRow, .unit = lblVolVal},
-                       {.control = &cmbRange, .tip = "fxRangeTip", .width = kRangePixels},
-                       {.control = &btMaxVol, .tip = "fxMaxVolTip"}}},
-            {.cells = {{.control = &ckAutoDuck, .tip = "fxAutoDuckTip"},
-                       {.control = &ckNoTrigDuck, .tip = "fxNoTrigDuckTip"},
-                       {.control = &ckNoAutomix, .tip = "fxNoAutomixTip"}}}}};
+        .rows =
+            {{.cells = {{.control = &SlideVolCh, .tip = "fxVolTip", .width = kRestOfRow, .unit = lblVolVal},
+                        {.control = &cmbRange, .tip = "fxRangeTip", .width = kRangePixels}}},
+             {.cells = {{.control = &lblLoudness, .tip = "fxLoudnessTip", .width = kLoudnessPixels},
+                        {.control = &cmbTarget, .tip = "fxTargetTip", .width = kTargetPixels}}},
+             {.cells = {{.control = &btMaxVol, .tip = "fxMaxVolTip", .width = kRestOfRow},
+                        {.control = &btLoudness, .tip = "fxbtLoudnessTip", .width = kRestOfRow}}},
+             {.cells = {{.control = &ckAutoDuck, .tip = "fxAutoDuckTip"}}},
+             {.cells = {{.control = &ckNoTrigDuck, .tip = "fxNoTrigDuckTip"}}},
+             {.cells = {{.control = &ckNoAutomix, .tip = "fxNoAutomixTip"}}}},
+        .share = 6,
+        .gap = kRowGap};
 }
 
 JingleWindow::JingleWindow() {
-    for (Control* c : {&JID, &lblPosMinVal, &lblPosSecVal, &lblPosCs})
-        c->visible = false;  // lblPos shows them
+    // Single texts show the times, the picture the playhead.
+    for (Control* c : {&JID, &lblPosMinVal, &lblPosSecVal, &lblPosCs, &SlidePos}) c->visible = false;
+    for (const TimeFields& t : {StartTxtPos, StopTxtPos, lblLDur})
+        for (Control* c : {t.min, t.sec, t.cs}) c->visible = false;
     form.alwaysCentred = true;
     form.describe(
         {.header = {.title = lblJingleToFX, .line = lblFacts, .right = lblPos},
-         .blocks =
-             {{{.rows = {{.cells = {{.control = &SlidePos, .tip = "fxPlayheadTip", .width = kRestOfRow}}}},
-                .bare = true}}},
+         .blocks = {{{.rows = {{.cells = {{.control = &picWave, .tip = "fxWaveTip", .width = kRestOfRow}},
+                                .height = kWaveHeight,
+                                .grows = true}},
+                      .bare = true}}},
          .pager = &TabFX,
          .pages = {{.name = "fxTab0", .blocks = {{equaliser(), sound()}}},
-                   {.name = "fxTab1", .blocks = {{startAndStop(), loop()}, {level()}}}},
+                   {.name = "fxTab1", .blocks = {{startAndStop(), loop(), level()}}}},
          .note = "fxNote",
          .keysLeft = {{.control = &ckPlay, .tip = "fxPlayTip", .width = kPlayPixels}},
          .keys = {{.control = &btUndoAll, .tip = "fxUndoAllTip"},
                   {.control = &btReset, .tip = "fxResetTip"},
                   {.control = &btOK, .tip = "fxOKTip", .role = KeyRole::accept}},
          .width = kWidth,
+         .height = kHeight,
          .modal = true});
 }
 
 void JingleWindow::showLoop(bool shown, const std::string& notice) {
-    for (const TimeFields& t : {TxtLI, TxtLO, lblLDur})
-        for (Control* c : {t.min, t.sec, t.cs, t.colon, t.point})
-            if (c != nullptr) c->visible = shown;
-    for (Control* c : {&lblLI, &lblLO, &lblLoopLength, &sldLI, &sldLO, &ckLinkLILO, &btCopyStartPos,
-                       &PlayFromLoopIn, &TestLoopOut, &ckLoopFadeOut})
+    for (const TimeFields& t : {TxtLI, TxtLO})
+        for (Control* c : {t.min, t.sec, t.cs}) c->visible = shown;
+    for (Control* c : {&lblLoopTime, &lblLI, &lblLO, &lblLoopLength, &sldLI, &sldLO, &ckLinkLILO,
+                       &btCopyStartPos, &PlayFromLoopIn, &TestLoopOut, &ckLoopFadeOut})
         c->visible = shown;
     lblSeqModNotice.caption = notice;
+    lblSeqModNotice.visible = !shown;
+    lblSeqMod.toolTip = notice;
 }
 
 JingleWindow& frmFX() {

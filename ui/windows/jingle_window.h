@@ -10,10 +10,9 @@
 
 namespace zv {
 
-/// The three fields of a time, and the marks between them where they are labels.
+/// The three fields of a time.
 struct TimeFields {
     Control *min, *sec, *cs;
-    Control *colon = nullptr, *point = nullptr;
     void show(const FieldTime& time) const;
     FieldTime shown() const;
 };
@@ -30,6 +29,7 @@ struct JingleWindow {
     Control& lblPosSecVal = form.control("lblPosSecVal", ControlKind::label);
     Control& lblPosCs = form.control("lblPosCs", ControlKind::label);
     Control& SlidePos = form.control("SlidePos", ControlKind::slider);
+    Control& picWave = form.control("picWave", ControlKind::canvas);  ///< the sound and its handles
     Control& TabFX = form.control("TabFX", ControlKind::tabs);
 
     // ---- effects ----
@@ -67,6 +67,7 @@ struct JingleWindow {
     Control& lblLI = form.control("lblLI", ControlKind::label, "fxlblLI");
     Control& lblLO = form.control("lblLO", ControlKind::label, "fxlblLO");
     Control& lblLoopLength = form.control("lblLoopLength", ControlKind::label, "fxLoopLength");
+    Control& lblLoopTime = form.control("lblLoopTime", ControlKind::label);  ///< lblLDur as one text
     Control& lblSeqModNotice = form.control("lblSeqModNotice", ControlKind::label);
 
     // ---- level and behaviour ----
@@ -74,6 +75,9 @@ struct JingleWindow {
     Control& lblVolVal = form.control("lblVolVal", ControlKind::label);
     Control& cmbRange = form.control("cmbRange", ControlKind::comboBox);
     Control& btMaxVol = form.control("btMaxVol", ControlKind::button);
+    Control& lblLoudness = form.control("lblLoudness", ControlKind::label);  ///< of the part that plays
+    Control& cmbTarget = form.control("cmbTarget", ControlKind::comboBox);   ///< LoudnessTarget
+    Control& btLoudness = form.control("btLoudness", ControlKind::button);   ///< brings the volume there
     Control& ckAutoDuck = form.control("ckAutoDuck", ControlKind::checkBox, "fxCkAutoDuck");
     Control& ckNoTrigDuck = form.control("ckNoTrigDuck", ControlKind::checkBox, "fxCkNoTrigDuck");
     Control& ckNoAutomix = form.control("ckNoAutomix", ControlKind::checkBox, "fxCkNoAutomix");

@@ -120,6 +120,24 @@ class PanelInterface final : public QAccessibleWidget {
     RecordView& view_;
 };
 
+/// A picture that is worked with: its name is what is chosen in it, its description all that stands in it.
+class CanvasInterface final : public QAccessibleWidget {
+  public:
+    CanvasInterface(QWidget* widget, RecordView& view)
+        : QAccessibleWidget(widget, QAccessible::Graphic), view_(view) {}
+
+    QString text(QAccessible::Text which) const override {
+        if (which != QAccessible::Description || !view_.record.onDescribe)
+            return QAccessibleWidget::text(which);
+        std::string told;
+        call([&] { told = view_.record.onDescribe(); });
+        return textOf(told);
+    }
+
+  private:
+    RecordView& view_;
+};
+
 QAccessibleInterface* make(const QString&, QObject* object) {
     auto* widget = qobject_cast<QWidget*>(object);
     if (widget == nullptr) return nullptr;
@@ -134,6 +152,7 @@ QAccessibleInterface* make(const QString&, QObject* object) {
         const bool tab = record->name == "ckTab";
         return new PressInterface(widget, *view, tab ? QAccessible::PageTab : QAccessible::CheckBox);
     }
+    if (record->kind == ControlKind::canvas) return new CanvasInterface(widget, *view);
     if (record->kind == ControlKind::panel) return new PanelInterface(widget, *view);
     if (record->kind == ControlKind::label) return new QAccessibleWidget(widget, QAccessible::StaticText);
     return nullptr;

@@ -23,20 +23,31 @@ class CanvasWidget final : public QWidget, public RecordView {
     }
 
     void apply() override {
-        if (shown_ == record.drawing() && shownBack_ == record.backColor()) return;
-        shown_ = record.drawing();
+        // A canvas that says what stands in it is heard by that name, anew whenever it changes.
+        if (!record.caption().empty() && accessibleName() != textOf(record.caption))
+            setAccessibleName(textOf(record.caption));
+        const Drawing& now = record.drawing();
+        if (shownBack_ != record.backColor() || shown_.size() != now.size()) {
+            update();
+        } else {
+            for (std::size_t i = 0; i < now.size(); ++i) {
+                if (shown_[i] == now[i]) continue;
+                update(placeOf(shown_[i]));
+                update(placeOf(now[i]));
+            }
+        }
+        shown_ = now;
         shownBack_ = record.backColor();
-        update();
     }
 
   protected:
-    void paintEvent(QPaintEvent*) override {
+    void paintEvent(QPaintEvent* e) override {
         QPainter p(this);
         const Theme theme = themeOf(record);
         const QRectF all(rect());
         drawFace(p, all, colourOf(record.backColor, Qt::black), theme.border);
         p.setClipRect(all.adjusted(1, 1, -1, -1));
-        for (const Stroke& stroke : shown_) paint(p, stroke);
+        for (const Stroke& stroke : shown_) paint(p, stroke, e->rect());
         p.setClipping(false);
         if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
             drawFocus(p, all, theme.accent);
@@ -55,7 +66,17 @@ class CanvasWidget final : public QWidget, public RecordView {
     }
 
   private:
-    void paint(QPainter& p, const Stroke& s) {
+    /// What painting a stroke may touch.
+    static QRect placeOf(const Stroke& s) {
+        const int reach = 2 + static_cast<int>(std::ceil(s.thickness));
+        return QRectF(s.x, s.y, s.width, s.height)
+            .normalized()
+            .toAlignedRect()
+            .adjusted(-reach, -reach, reach, reach);
+    }
+
+    void paint(QPainter& p, const Stroke& s, const QRect& wanted) {
+        if (!placeOf(s).intersects(wanted)) return;
         QColor colour = colourOf(s.colour, themeOf(record).text);
         colour.setAlphaF(static_cast<float>(std::clamp(s.opacity, 0, 100)) / 100.0F);
         const QRectF place(s.x, s.y, s.width, s.height);
@@ -77,7 +98,7 @@ class CanvasWidget final : public QWidget, public RecordView {
                 return;
             }
             case Stroke::What::peaks:
-                paintPeaks(p, s, colour);
+                paintPeaks(p, s, colour, wanted);
                 return;
             case Stroke::What::text:
                 p.setPen(colour);
@@ -87,18 +108,19 @@ class CanvasWidget final : public QWidget, public RecordView {
         }
     }
 
-    static void paintPeaks(QPainter& p, const Stroke& s, const QColor& colour) {
+    static void paintPeaks(QPainter& p, const Stroke& s, const QColor& colour, const QRect& wanted) {
         if (!s.peaks || s.peaks->empty()) return;
         const double each = s.width / static_cast<double>(s.peaks->size());
         const double middle = s.y + s.height / 2, half = s.height / 2;
         QVector<QRectF> columns;
-        columns.reserve(static_cast<qsizetype>(s.peaks->size()));
-        double x = s.x;
+        columns.reserve(static_cast<qsizetype>(std::min(s.width, static_cast<double>(wanted.width()) + 4)));
+        double x = s.x - each;
         for (const auto& [low, high] : *s.peaks) {
+            x += each;
+            if (x + each < wanted.left() || x > wanted.right() + 1) continue;
             const double top = middle - half * static_cast<double>(high);
             const double foot = middle - half * static_cast<double>(low);
             columns.push_back(QRectF(x, top, std::max(each, 0.5), std::max(1.0, foot - top)));
-            x += each;
         }
         p.setPen(Qt::NoPen);
         p.setBrush(colour);

@@ -14,6 +14,7 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/qt/view/form_cells.h"
 #include "platform/qt/view/style.h"
 #include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
@@ -23,11 +24,10 @@ namespace {
 
 // Pixels at 100 %.
 constexpr int kEdge = 16, kGap = 12, kCellGap = 8;
-constexpr int kRowHeight = 30, kFootKey = 44, kFootKeyWidth = 120;
-constexpr int kLabelMost = 240;  ///< a longer label takes two lines
-constexpr int kSide = 196;       ///< width of the list of pages
-constexpr int kFieldWidth = 200, kSliderWidth = 160, kSliderMost = 320, kListHeight = 120, kValueWidth = 56;
-constexpr int kBarHeight = 10, kSwatch = 96;
+constexpr int kLabelMost = 240;                         ///< a longer label takes two lines
+constexpr int kSide = 196;                              ///< width of the list of pages
+constexpr int kValueWidth = 56;                         ///< of a slider
+constexpr int kUprightWidth = 24, kUprightHeight = 96;  ///< least ones of an upright slider
 constexpr int kLeastHeight = 240;
 
 /// The ground of a card: bordered, or none.
@@ -105,73 +105,11 @@ bool stretches(ControlKind kind) {
     }
 }
 
-int textWidth(const Control& record) {
-    int widest = 0;
-    const QFontMetrics m(fontOf(record, 13, QFont::Medium));
-    for (const std::string& item : record.items())
-        widest = std::max(widest, m.horizontalAdvance(textOf(item)));
-    return widest;
-}
-
-/// Least and largest size of a control by its kind.
-void sizeCell(const Control& record, QWidget& w, const FormCell& cell, const FormRow* row) {
-    const int high = row != nullptr && row->height > 0 ? row->height : kRowHeight;
-    const bool rest = cell.width == kRestOfRow;
-    switch (record.kind) {
-        case ControlKind::button:
-        case ControlKind::toggle:
-            w.setFixedHeight(row == nullptr ? kFootKey : kRowHeight);
-            w.setMinimumWidth(row == nullptr ? kFootKeyWidth : 0);
-            break;
-        case ControlKind::textBox:
-            if (high >= kManyLines) {
-                w.setMinimumHeight(high);
-            } else {
-                w.setFixedHeight(kRowHeight);
-            }
-            w.setMinimumWidth(rest ? kSwatch : kFieldWidth);
-            break;
-        case ControlKind::comboBox:
-            if (record.segmented) break;
-            w.setFixedHeight(kRowHeight);
-            w.setMinimumWidth(std::clamp(textWidth(record) + 44, rest ? kSwatch : kSliderWidth, kSliderMost));
-            break;
-        case ControlKind::slider:
-            w.setFixedHeight(kRowHeight);
-            w.setMinimumWidth(kSliderWidth);
-            if (!rest) w.setMaximumWidth(kSliderMost);
-            break;
-        case ControlKind::listBox:
-            w.setMinimumSize(kSwatch, row != nullptr && row->height > 0 ? row->height : kListHeight);
-            break;
-        case ControlKind::canvas:
-            w.setMinimumSize(kSwatch, high);
-            break;
-        case ControlKind::progress:
-            w.setFixedHeight(kBarHeight);
-            break;
-        case ControlKind::meter:
-            if (record.meterLook().vertical) {
-                w.setFixedWidth(kBarHeight);
-                w.setMinimumHeight(high);
-            } else {
-                w.setFixedHeight(kBarHeight);
-                w.setMinimumWidth(rest ? kSwatch : kSliderWidth);
-            }
-            break;
-        case ControlKind::colourField:
-            w.setFixedSize(cell.width > 0 ? cell.width : kSwatch, high);
-            break;
-        case ControlKind::checkBox:
-        case ControlKind::option:
-            w.setFixedHeight(kRowHeight);
-            break;
-        default:
-            break;
-    }
-    if (cell.width <= 0 || record.kind == ControlKind::colourField) return;
-    w.setFixedWidth(cell.width);
-    if (record.kind == ControlKind::label && row != nullptr) w.setFixedHeight(high);  // a chip fills its row
+/// A row in it takes the height that is left.
+bool growing(const FormBlock& block) {
+    return std::ranges::any_of(block, [](const FormCard& card) {
+        return std::ranges::any_of(card.rows, [](const FormRow& row) { return row.grows; });
+    });
 }
 
 QWidget* rowWidget(QWidget* parent, QHBoxLayout*& row) {
@@ -218,7 +156,8 @@ FormView::FormView(Control& record, QWidget& window)
             addBlocks(*column, page.blocks);
             stack_->addWidget(widget);
         }
-        inner->addWidget(stack_, 1);
+        const bool above = std::ranges::any_of(form_.blocks, growing);
+        inner->addWidget(stack_, above ? 0 : 1);
     }
     scroll_->setWidget(content_);
     content_->setAutoFillBackground(false);
@@ -301,11 +240,6 @@ QWidget* FormView::makeFoot() {
 }
 
 void FormView::addBlocks(QVBoxLayout& into, const std::vector<FormBlock>& blocks) {
-    const auto growing = [](const FormBlock& block) {
-        return std::ranges::any_of(block, [](const FormCard& card) {
-            return std::ranges::any_of(card.rows, [](const FormRow& row) { return row.grows; });
-        });
-    };
     Column common;  // cards below each other have their labels in one column
     std::vector<Column> even;
     for (const FormBlock& block : blocks) {
@@ -346,6 +280,10 @@ QWidget* FormView::makeCard(const FormCard& card, Column& column) {
                              QSizePolicy::Minimum);  // never squeezed: the card scrolls
         rows->addWidget(title);
     }
+    if (card.upright) {
+        rows->addWidget(makeColumns(card), 1);
+        return widget;
+    }
     CardRows all{widget, {}};
     for (const FormRow& row : card.rows) {
         QWidget* made = makeRow(row, column);
@@ -355,6 +293,35 @@ QWidget* FormView::makeCard(const FormCard& card, Column& column) {
     }
     if (!grows) rows->addStretch(1);
     cards_.push_back(std::move(all));
+    return widget;
+}
+
+/// The rows of an upright card.
+QWidget* FormView::makeColumns(const FormCard& card) {
+    auto* widget = new QWidget(&window_);
+    auto* columns = new QHBoxLayout(widget);
+    columns->setContentsMargins(0, 0, 0, 0);
+    columns->setSpacing(0);
+    for (const FormRow& row : card.rows) {
+        auto* column = new QVBoxLayout;
+        column->setSpacing(2);
+        for (const FormCell& cell : row.cells) {
+            if (QWidget* value = text(cell.unit, static_cast<int>(Dress::value)))
+                column->addWidget(value, 0, Qt::AlignHCenter);
+            Control& record = *cell.control;
+            record.width = kUprightWidth * kTwipsPerPixel;
+            record.height = kUprightHeight * kTwipsPerPixel;
+            if (viewOf(record) == nullptr) makeView(record, &window_);
+            QWidget& w = viewOf(record)->widget;
+            w.setMinimumSize(kUprightWidth, kUprightHeight);
+            w.setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
+            viewOf(record)->refresh();
+            column->addWidget(&w, 1, Qt::AlignHCenter);
+        }
+        if (QWidget* label = text(row.label, static_cast<int>(Dress::rowLabel)))
+            column->addWidget(label, 0, Qt::AlignHCenter);
+        columns->addLayout(column, 1);
+    }
     return widget;
 }
 

@@ -50,6 +50,7 @@ class FormView final : public QObject {
     QWidget* makeFoot();
     void addBlocks(QVBoxLayout& into, const std::vector<FormBlock>& blocks);
     QWidget* makeCard(const FormCard& card, Column& column);
+    QWidget* makeColumns(const FormCard& card);
     QWidget* makeRow(const FormRow& row, Column& column);
     QWidget* addCell(QBoxLayout& into, const FormCell& cell, const FormRow* row);
     QWidget* text(const FormText& text, int dress);

@@ -1,7 +1,6 @@
 // An up-down field: digits between a minus and a plus key. Both keys repeat while they are held; the wheel and the
 // arrow keys step; digits count as soon as they are within the limits, and are brought into them at the end.
 #include <QAbstractButton>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
@@ -16,7 +15,9 @@
 namespace zv::shell {
 namespace {
 
-constexpr int kHeight = 30, kStepKey = 30, kDigits = 64, kLeastDigits = 28;  // pixels
+constexpr int kHeight = 30, kStepKey = 30, kDigits = 64, kLeastDigits = 28, kGap = 4;  // pixels
+constexpr int kNarrow = 90;     ///< pixels: below it the keys stand above each other behind the digits
+constexpr int kNarrowKey = 18;  ///< pixels
 constexpr int kRepeatAfterMs = 400, kRepeatEachMs = 60;
 constexpr int kPageSteps = 10;
 constexpr double kTextSize = 13;
@@ -26,7 +27,6 @@ class StepKey final : public QAbstractButton {
     StepKey(const Control& record, bool up, QWidget* parent)
         : QAbstractButton(parent), record_(record), up_(up) {
         setText(up ? QStringLiteral("+") : QString(QChar(0x2212)));
-        setFixedSize(kStepKey, kHeight);
         setFocusPolicy(Qt::NoFocus);
         setAutoRepeat(true);
         setAutoRepeatDelay(kRepeatAfterMs);
@@ -47,6 +47,13 @@ class StepKey final : public QAbstractButton {
         drawFace(p, rect(), face, theme.border);
         p.setPen(QPen(isEnabled() && !limit ? theme.text : mixed(theme.ground, theme.text, 0.38), 1.5));
         const QPointF c = QRectF(rect()).center();
+        if (height() < kHeight) {
+            const double tip = up_ ? -1.75 : 1.75;
+            p.setRenderHint(QPainter::Antialiasing);
+            p.drawLine(c + QPointF(-3.5, -tip), c + QPointF(0, tip));
+            p.drawLine(c + QPointF(0, tip), c + QPointF(3.5, -tip));
+            return;
+        }
         p.drawLine(c + QPointF(-4.5, 0), c + QPointF(4.5, 0));
         if (up_) p.drawLine(c + QPointF(0, -4.5), c + QPointF(0, 4.5));
     }
@@ -64,17 +71,8 @@ class NumberWidget final : public QWidget, public RecordView {
           less_(new StepKey(r, false, this)),
           edit_(new QLineEdit(this)),
           more_(new StepKey(r, true, this)) {
-        auto* row = new QHBoxLayout(this);
-        row->setContentsMargins(0, 0, 0, 0);
-        row->setSpacing(4);
-        edit_->setFixedHeight(kHeight);
-        edit_->setMinimumWidth(kLeastDigits);
-        edit_->setMaximumWidth(kDigits);
         edit_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         edit_->setTextMargins(2, 0, 2, 0);
-        for (QWidget* part :
-             {static_cast<QWidget*>(less_), static_cast<QWidget*>(edit_), static_cast<QWidget*>(more_)})
-            row->addWidget(part);
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
         setFocusPolicy(Qt::StrongFocus);
         setFocusProxy(edit_);
@@ -122,7 +120,24 @@ class NumberWidget final : public QWidget, public RecordView {
         }
     }
 
+    QSize sizeHint() const override { return {2 * (kStepKey + kGap) + kDigits, kHeight}; }
+    QSize minimumSizeHint() const override { return {2 * (kStepKey + kGap) + kLeastDigits, kHeight}; }
+
   protected:
+    void resizeEvent(QResizeEvent*) override {
+        if (width() < kNarrow) {
+            const int digits = width() - kNarrowKey + 1;
+            edit_->setGeometry(0, 0, digits, kHeight);
+            more_->setGeometry(digits - 1, 0, kNarrowKey, kHeight / 2);
+            less_->setGeometry(digits - 1, kHeight / 2, kNarrowKey, kHeight / 2);
+            return;
+        }
+        const int digits = std::min(width() - 2 * (kStepKey + kGap), kDigits);
+        less_->setGeometry(0, 0, kStepKey, kHeight);
+        edit_->setGeometry(kStepKey + kGap, 0, digits, kHeight);
+        more_->setGeometry(kStepKey + 2 * kGap + digits, 0, kStepKey, kHeight);
+    }
+
     void wheelEvent(QWheelEvent* e) override {
         turned_ += e->angleDelta().y();
         const int turns = turned_ / QWheelEvent::DefaultDeltasPerStep;
