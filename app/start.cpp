@@ -6,6 +6,7 @@
 
 #include "audio/devices.h"
 #include "audio/open_palette.h"
+#include "audio/url_list.h"
 #include "engine/bass.h"
 #include "engine/ports.h"
 #include "midi/lifecycle.h"
@@ -125,8 +126,9 @@ void openDataFiles() {
             LoadLockedFiles();
         });
     }
-    // A newer program sorts the addresses (OpenUrlsFile tells it); that comes with the live stream.
-    step("urls.txt", [] { OpenUrlsFile(); });
+    step("urls.txt", [] {
+        if (OpenUrlsFile()) SortURLs();
+    });
     step("DISPpresets.ini", OpenDispPresets);
     step("VUpresets.ini", OpenVUPresets);
     step("FXpresets.ini", OpenFXPresets);

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "audio/devices.h"
+#include "audio/live_stream.h"
 #include "audio/sounding.h"
 #include "audio/upcalls.h"
 #include "engine/bass.h"
@@ -55,8 +56,8 @@ void FadeOthers(int index) {
     }
     fadeAway(hTmAnSrc);
     if (settings.NoAutomixLive != 0) return;
-    fadeAway(hLive);
-    callUp(audioUpcalls.streamFades, settings.AutoMixTime);
+    if (FadeLive(autoFadeAttrib(), settings.AutoMixTime))
+        callUp(audioUpcalls.streamFades, settings.AutoMixTime);
 }
 
 bool LockRefuses(int index) {

@@ -2,6 +2,7 @@
 
 #include "audio/devices.h"
 #include "audio/levels.h"
+#include "audio/live_stream.h"
 #include "engine/bass.h"
 #include "model/jingle.h"
 #include "model/state.h"
@@ -15,12 +16,16 @@ int DuckTrigger = kNobody;
 namespace {
 
 constexpr double kMsPerSecond = 1000;
+constexpr DWORD kVolumeMs = 50;
 
 float share(double percent) { return static_cast<float>(percent * 0.01); }
 
 DWORD ms(int value) { return static_cast<DWORD>(value < 0 ? 0 : value); }
 
 bool plays(DWORD channel) { return channel != 0 && BASS_ChannelIsActive(channel) == BASS_ACTIVE_PLAYING; }
+
+/// The live stream plays, and is not on its way out.
+bool livePlays() { return LiveNow != LiveState::leaving && plays(hLive); }
 
 double liveVolume() { return settings.VolLive * settings.CoefVolLive; }
 
@@ -45,7 +50,7 @@ void slideJingles(bool down) {
 void comeBack(DWORD liveAttribute, bool liveToo) {
     Ducked = false;
     DuckWanted = false;
-    if (liveToo && plays(hLive)) slideLive(liveAttribute, false);
+    if (liveToo && livePlays()) slideLive(liveAttribute, false);
     slideJingles(false);
 }
 
@@ -61,6 +66,13 @@ void takePart(double left, bool triggers, int who) {
 
 }  // namespace
 
+void LiveVolumeChanged() {
+    if (LiveNow != LiveState::onAir) return;
+    const bool down = Ducked && settings.LiveAutoDuck == 1 && settings.AutoDuckMode == kDuckByLevel;
+    BASS_ChannelSlideAttribute(hLive, BASS_ATTRIB_VOLDSP, LiveLevel() * (down ? share(settings.AttnVol) : 1),
+                               kVolumeMs);
+}
+
 void DuckTickLevel(int trigLevel) {
     if (settings.AutoDuckMode != kDuckByLevel) return;
     DuckWanted = trigLevel >= settings.AutoDuckThreshold;
@@ -70,7 +82,7 @@ void DuckTickLevel(int trigLevel) {
         DuckTrigger = LoudestTrigger;
         if (Ducked) return;
         Ducked = true;
-        if (settings.LiveAutoDuck == 1 && plays(hLive)) slideLive(BASS_ATTRIB_VOLDSP, true);
+        if (settings.LiveAutoDuck == 1 && livePlays()) slideLive(BASS_ATTRIB_VOLDSP, true);
         slideJingles(true);
     }
 }
@@ -95,7 +107,7 @@ void DuckTickEnd(bool liveFree) {
         // meanwhile goes down too.
         Ducked = true;
         slideJingles(true);
-        if (settings.LiveAutoDuck == 1 && liveFree && plays(hLive)) slideLive(BASS_ATTRIB_VOL, true);
+        if (settings.LiveAutoDuck == 1 && liveFree && livePlays()) slideLive(BASS_ATTRIB_VOL, true);
     } else if (settings.AutoDuckMode != kDuckByLevel && Ducked) {
         comeBack(BASS_ATTRIB_VOLDSP, true);  // the duck was turned off while it held something down
     }

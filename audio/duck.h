@@ -11,6 +11,9 @@ extern bool DuckWanted, Ducked;
 /// Index of the jingle that pushed the others down, kAnnouncer, kLiveStream or kNobody (audio/levels.h).
 extern int DuckTrigger;
 
+/// Volume or coefficient of the live stream have changed: it moves to where it stands now, ducked or not.
+void LiveVolumeChanged();
+
 /// The meters have read the trigger level, in units of the bar.
 void DuckTickLevel(int trigLevel);
 

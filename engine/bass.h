@@ -70,6 +70,9 @@ inline constexpr DWORD BASS_POS_END = 0x10;
 inline constexpr DWORD BASS_SYNC_POS = 0;
 inline constexpr DWORD BASS_SYNC_ONETIME = 0x80000000;
 
+// Kinds of tags.
+inline constexpr DWORD BASS_TAG_META = 5;  ///< of a web stream: "StreamTitle='...';", what is on air now
+
 // Levels.
 inline constexpr DWORD BASS_LEVEL_STEREO = 2;
 inline constexpr DWORD BASS_LEVEL_RMS = 4;
@@ -256,6 +259,10 @@ bool BASS_MusicFree(HMUSIC handle);
 DWORD BASS_ChannelIsActive(DWORD handle);
 /// Errors: ILLPARAM. [any]
 bool BASS_ChannelGetInfo(DWORD handle, BASS_CHANNELINFO* info);
+/// What a web stream tells about the sound that is delivered now (`tags` BASS_TAG_META), in its sender's encoding;
+/// valid until the thread's next call of this operation. Null when it tells nothing. Errors: NOTAVAIL (no web stream,
+/// nothing told), ILLPARAM (other tags). [any]
+const char* BASS_ChannelGetTags(DWORD handle, DWORD tags);
 /// Exact length in bytes of decoded sound, for mode BASS_POS_BYTE; a tempo channel's is its source's. Errors:
 /// NOTAVAIL (endless, a mixer, a split; other modes). [any]
 QWORD BASS_ChannelGetLength(DWORD handle, DWORD mode);

@@ -32,6 +32,9 @@ class Decoder {
     /// Moves to `frame`, exact. False when the source cannot.
     virtual bool seek(std::uint64_t frame) = 0;
     virtual bool ended() const = 0;  ///< nothing more will come without a seek
+    /// What a web stream tells about the sound that was read last: "StreamTitle='...';" and whatever its sender puts
+    /// there, in its own encoding. Empty when it tells nothing. [any]
+    virtual std::string told() const { return {}; }
 };
 
 /// Opens decoders. `error` receives a BASS_ERROR_ code when nothing is returned. [any], several at once

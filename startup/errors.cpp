@@ -112,8 +112,9 @@ void Error_(std::string_view message) {
     ErrDisp("no", 0, message);
 }
 
-void ErrorLive_(std::string_view message) {
-    const int code = BASS_ErrorGetCode();
+void ErrorLive_(std::string_view message) { ErrorLive_(message, BASS_ErrorGetCode()); }
+
+void ErrorLive_(std::string_view message, int code) {
     const bool known = std::find(kStreamCodes.begin(), kStreamCodes.end(), code) != kStreamCodes.end();
     const std::string number = std::to_string(code);
     const std::string text = known ? Ln("mStrEr" + number) : Ln("mStrEr") + number;

@@ -44,6 +44,8 @@ void ErrDisp(std::string_view mode, int blink = 0, std::string_view text = {});
 void Error_(std::string_view message);
 /// The same for the live stream, which it stops.
 void ErrorLive_(std::string_view message);
+/// As above with a code that another thread was given.
+void ErrorLive_(std::string_view message, int code);
 /// The language's text for an engine error code; empty for a code that has none.
 std::string BassErrMessage(int code);
 /// The language keys of all codes that have one.

@@ -24,6 +24,7 @@
 #include "startup/upcalls.h"
 #include "ui/edit/carried.h"
 #include "ui/edit/leave_palette.h"
+#include "ui/edit/live_tab.h"
 #include "ui/edit/palette_list.h"
 #include "ui/edit/palette_load.h"
 #include "ui/edit/playlists.h"
@@ -249,6 +250,7 @@ void FillUpcalls() {
     fillModel();
     fillAudio();
     FillActions();
+    FillLiveUpcalls();
 }
 
 }  // namespace zv

@@ -30,6 +30,7 @@
 #include "ui/edit/jingle_editor.h"
 #include "ui/edit/jingle_menu.h"
 #include "ui/edit/leave_palette.h"
+#include "ui/edit/live_tab.h"
 #include "ui/edit/options.h"
 #include "ui/edit/palette_load.h"
 #include "ui/edit/palette_steps.h"
@@ -53,6 +54,7 @@
 #include "ui/screen/layout.h"
 #include "ui/screen/layout_grid.h"
 #include "ui/screen/layout_strip.h"
+#include "ui/screen/live_view.h"
 #include "ui/screen/meters.h"
 #include "ui/screen/mic_keys.h"
 #include "ui/screen/warning.h"
@@ -263,6 +265,8 @@ void wireTimers() {
     t.TimerClear.handler = TimerClearTick;
     t.TimerShutDown.handler = TimerShutDownTick;
     t.TimerTOrelease.handler = TimerTOreleaseTick;
+    t.TimerFadOutLive.handler = TimerFadOutLiveTick;
+    t.TimerLive.handler = TimerLiveTick;
     t.TimerAutoMixStreamByTA.handler = [] {
         guarded("frmMain.TimerAutoMixStreamByTA_Timer", [] {
             timers().TimerAutoMixStreamByTA.stop();
@@ -284,10 +288,8 @@ int meterInterval() { return std::max(kMeterStep, (kFastestMeter - settings.VUsp
 void disableWhatIsToCome() {
     MainWindow& w = frmMain();
     AnnouncerTab& a = w.announcer;
-    LiveTab& l = w.live;
     for (Control* c :
-         {&a.ckTmAnn, &a.b_tmAnJin, &a.b_tmAnJinAM, &a.DTMinute, &a.DTSecond, &a.DTDelay, &l.cmbStream,
-          &l.ckPlayStream, &l.btRemUrl, &l.ckMixByTa, &l.ckAutoDuckLive, &l.SlideVolLive, &l.btCoefVolLive}) {
+         {&a.ckTmAnn, &a.ckTmAnnAM, &a.b_tmAnJin, &a.b_tmAnJinAM, &a.DTMinute, &a.DTSecond, &a.DTDelay}) {
         c->enabled = false;
     }
     w.palettes.txtSave.enabled = false;
@@ -295,14 +297,12 @@ void disableWhatIsToCome() {
 
 void fillFromSettings() {
     AnnouncerTab& a = frmMain().announcer;
-    a.DTMinute.caption = std::to_string(settings.TimeAnnMin);
-    a.DTSecond.caption = std::to_string(settings.TimeAnnSec);
-    a.DTDelay.caption = std::to_string(settings.TimeAnnDel);
-    LiveTab& l = frmMain().live;
-    l.cmbStream.caption = settings.StreamPoint;
-    l.SlideVolLive.value = settings.VolLive;
-    l.ckAutoDuckLive.value = settings.LiveAutoDuck;
-    l.btCoefVolLive.caption = "x" + std::to_string(settings.CoefVolLive);
+    a.DTMinute.value = settings.TimeAnnMin;
+    a.DTSecond.value = settings.TimeAnnSec;
+    a.DTDelay.value = settings.TimeAnnDel;
+    frmMain().live.cmbStream.caption = settings.StreamPoint;
+    ListPlayStreams();
+    ShowLive();
 }
 
 }  // namespace
@@ -332,6 +332,7 @@ void Form_Load() {
         wirePalettes();
         wireOptions();
         wireKeys();
+        WireLiveTab();
         wireTimers();
         buttonMade = wireButton;
         LimitWindow(w.window);

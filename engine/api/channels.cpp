@@ -1,6 +1,7 @@
 // Playing, states, positions, flags.
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 #include "engine/api/channel_ops.h"
 
@@ -68,6 +69,17 @@ bool BASS_ChannelGetInfo(DWORD handle, BASS_CHANNELINFO* info) {
     *info = {channel->rate, channel->channels, channel->flags | loop, static_cast<DWORD>(channel->kind),
              channel->bits};
     return succeed(true);
+}
+
+const char* BASS_ChannelGetTags(DWORD handle, DWORD tags) {
+    thread_local std::string text;
+    if (tags != BASS_TAG_META) return fail<const char*>(BASS_ERROR_ILLPARAM, nullptr);
+    const Call call;
+    const auto channel = call.engine.find(handle);
+    if (!channel) return fail<const char*>(BASS_ERROR_HANDLE, nullptr);
+    if (channel->live) text = channel->live->told();
+    if (!channel->live || text.empty()) return fail<const char*>(BASS_ERROR_NOTAVAIL, nullptr);
+    return succeed(text.c_str());
 }
 
 QWORD BASS_ChannelGetLength(DWORD handle, DWORD mode) {

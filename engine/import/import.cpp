@@ -54,6 +54,7 @@ constexpr std::array operations{
     symbol<BASS_MusicFree>("BASS_MusicFree"),
     symbol<BASS_ChannelIsActive>("BASS_ChannelIsActive"),
     symbol<BASS_ChannelGetInfo>("BASS_ChannelGetInfo"),
+    symbol<BASS_ChannelGetTags>("BASS_ChannelGetTags"),
     symbol<BASS_ChannelGetLength>("BASS_ChannelGetLength"),
     symbol<BASS_ChannelGetPosition>("BASS_ChannelGetPosition"),
     symbol<BASS_ChannelSetPosition>("BASS_ChannelSetPosition"),
@@ -152,6 +153,9 @@ DWORD BASS_ChannelIsActive(DWORD handle) {
 }
 bool BASS_ChannelGetInfo(DWORD handle, BASS_CHANNELINFO* info) {
     return forward<BASS_ChannelGetInfo>(false, handle, info);
+}
+const char* BASS_ChannelGetTags(DWORD handle, DWORD tags) {
+    return forward<BASS_ChannelGetTags>(nullptr, handle, tags);
 }
 QWORD BASS_ChannelGetLength(DWORD handle, DWORD mode) {
     return forward<BASS_ChannelGetLength>(BASS_NO_POSITION, handle, mode);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <mutex>
+#include <utility>
 
 #include "engine/realtime/thread_tags.h"
 #include "engine/sources/paged_sound.h"
@@ -31,6 +33,9 @@ struct UrlInput::Tank {
         std::size_t frames = 0;
         try {
             frames = decoder->read(piece);
+            std::string now = decoder->told();
+            const std::lock_guard lock(toldMutex);
+            toldNow = std::move(now);
             if (frames == 0 && decoder->ended()) ended.store(true, std::memory_order_release);
         } catch (...) {
             ended.store(true, std::memory_order_release);
@@ -40,11 +45,18 @@ struct UrlInput::Tank {
         return frames > 0;
     }
 
+    std::string told() const {
+        const std::lock_guard lock(toldMutex);
+        return toldNow;
+    }
+
     std::unique_ptr<Decoder> decoder;
     SoundFormat format;
     Ring<float> ring;
     std::vector<float> piece;
     std::atomic<bool> ended{false}, closed{false};
+    mutable std::mutex toldMutex;
+    std::string toldNow;
 };
 
 UrlInput::UrlInput(std::unique_ptr<Decoder> decoder, bool offline) {
@@ -70,6 +82,8 @@ UrlInput::UrlInput(std::unique_ptr<Decoder> decoder, bool offline) {
 UrlInput::~UrlInput() { tank_->closed.store(true, std::memory_order_release); }
 
 std::size_t UrlInput::filled() const { return tank_->ring.filled() / tank_->format.channels; }
+
+std::string UrlInput::told() const { return tank_->told(); }
 
 void UrlInput::fillNow() {
     assertNotAudioThread();

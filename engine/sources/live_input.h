@@ -4,6 +4,7 @@
 #include <atomic>
 #include <memory>
 #include <span>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -22,6 +23,8 @@ class LiveInput {
     virtual bool ended() const = 0;
     /// Offline: takes in what can be had now. [control]
     virtual void fillNow() {}
+    /// As Decoder::told(). [any but audio]
+    virtual std::string told() const { return {}; }
 };
 
 /// A recording: what the input device's callback hands over.
@@ -45,6 +48,7 @@ class UrlInput final : public LiveInput {
     std::size_t read(std::span<float> out) override;
     bool ended() const override;
     void fillNow() override;
+    std::string told() const override;
     /// Frames held ready. [any]
     std::size_t filled() const;
 

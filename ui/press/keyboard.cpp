@@ -22,7 +22,8 @@ constexpr int kWindowModes = 2;  // normal window, full screen
 /// Keys belong to the text while one is typed.
 bool typing() {
     const Control* focus = focusedControl();
-    return focus != nullptr && (focus->kind == ControlKind::textBox || focus->kind == ControlKind::comboBox);
+    return focus != nullptr && (focus->kind == ControlKind::textBox || focus->kind == ControlKind::comboBox ||
+                                focus->kind == ControlKind::number);
 }
 
 bool asHeld(KeyHeld held, int shift) {

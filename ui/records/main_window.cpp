@@ -100,18 +100,21 @@ PaletteTab::PaletteTab(Control& frame)
 
 AnnouncerTab::AnnouncerTab(Control& frame)
     : ckTmAnn("ckTmAnn", toggle, &frame),
+      ckTmAnnAM("ckTmAnnAM", toggle, &frame),
       b_tmAnJin("b_tmAnJin", toggle, &frame),
       b_tmAnJinAM("b_tmAnJinAM", toggle, &frame),
       lblMinute("lblMinute", label, &frame),
       lblSecond("lblSecond", label, &frame),
       lblDelay("lblDelay", label, &frame),
-      DTMinute("DTMinute", textBox, &frame),
-      DTSecond("DTSecond", textBox, &frame),
-      DTDelay("DTDelay", textBox, &frame) {
+      DTMinute("DTMinute", number, &frame),
+      DTSecond("DTSecond", number, &frame),
+      DTDelay("DTDelay", number, &frame) {
     ckTmAnn.caption = "Time announcer";
     b_tmAnJin.caption = "Time jingle";
-    b_tmAnJinAM.caption = "n";  // symbol: fades everything else
-    b_tmAnJinAM.fontName = "ZVR";
+    for (Control* mark : {&ckTmAnnAM, &b_tmAnJinAM}) {
+        mark->caption = "a";
+        mark->fontName = "ZVR";
+    }
     lblMinute.caption = "Minute";
     lblSecond.caption = "Second";
     lblDelay.caption = "Delay";
@@ -125,6 +128,7 @@ LiveTab::LiveTab(Control& frame)
       ckAutoDuckLive("ckAutoDuckLive", checkBox, &frame),
       SlideVolLive("SlideVolLive", slider, &frame),
       btCoefVolLive("btCoefVolLive", button, &frame),
+      lblVolLive("lblVolLive", label, &frame),
       lblStream("lblStream", label, &frame) {
     ckPlayStream.caption = "Play";
     btRemUrl.caption = "Remove";

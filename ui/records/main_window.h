@@ -45,7 +45,7 @@ struct PaletteTab {
 struct AnnouncerTab {
     explicit AnnouncerTab(Control& frame);
 
-    Control ckTmAnn, b_tmAnJin, b_tmAnJinAM;
+    Control ckTmAnn, ckTmAnnAM, b_tmAnJin, b_tmAnJinAM;  ///< AM: fades everything else
     Control lblMinute, lblSecond, lblDelay, DTMinute, DTSecond, DTDelay;
 };
 
@@ -54,7 +54,7 @@ struct LiveTab {
     explicit LiveTab(Control& frame);
 
     Control cmbStream, ckPlayStream, btRemUrl, ckMixByTa, ckAutoDuckLive, SlideVolLive, btCoefVolLive,
-        lblStream;
+        lblVolLive, lblStream;
 };
 
 /// Tab 3: the jingle options, each with the LED of its colour.

@@ -50,6 +50,8 @@ UiTimers::UiTimers()
       TimerClear("TimerClear", 150),
       TimerShutDown("TimerShutDown", 2000),
       TimerAutoMixStreamByTA("TimerAutoMixStreamByTA", 50),
+      TimerFadOutLive("TimerFadOutLive", 100),
+      TimerLive("TimerLive", 200),
       TimerTOrelease("TimerTOrelease", 500),
       tmrResize("tmrResize", 20) {}
 

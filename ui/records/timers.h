@@ -44,6 +44,8 @@ struct UiTimers {
     UiTimer TimerClear;              ///< 150 ms: its backspace held
     UiTimer TimerShutDown;           ///< 2000 ms: Exit held
     UiTimer TimerAutoMixStreamByTA;  ///< AutoMixTime ms: the live stream has faded
+    UiTimer TimerFadOutLive;         ///< 100 ms while the live stream fades out
+    UiTimer TimerLive;               ///< 200 ms from the press that starts the live stream to its end
     UiTimer TimerTOrelease;          ///< InTORelease ms after the input was turned off
     UiTimer tmrResize;               ///< 20 ms after the window changed its size
 };

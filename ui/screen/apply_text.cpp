@@ -7,6 +7,7 @@
 #include "platform/controls.h"
 #include "startup/settings.h"
 #include "ui/records/main_window.h"
+#include "ui/screen/live_view.h"
 
 namespace zv {
 
@@ -51,12 +52,9 @@ void ApplyText(const std::string& window, const std::string& key, const std::str
         captionOf(w.announcer.b_tmAnJin, text);
         return;
     }
-    if (key == "mStrNoCo") {
-        captionOf(w.live.lblStream, text);
+    if (key == "mStrNoCo" || key == "mckPlayStream" || key == "mckStopStream") {
+        ShowLive();  // as the stream's state wants them
         return;
-    }
-    if (key == "mckStopStream") {
-        return;  // shown while the stream plays
     }
     Control* control = findControl(std::string_view(key).substr(1));
     if (control == nullptr) {

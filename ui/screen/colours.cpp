@@ -16,6 +16,7 @@
 #include "ui/records/main_window.h"
 #include "ui/screen/button_faces.h"
 #include "ui/screen/highlight.h"
+#include "ui/screen/live_view.h"
 #include "ui/screen/shaded.h"
 
 namespace zv {
@@ -57,6 +58,7 @@ void paintToggles() {
         }
     }
     ShowGlobalToggles();
+    ShowLive();
 }
 
 void paintRecord(int i) {
@@ -107,16 +109,16 @@ void paintKeys() {
     OptionsTab& o = w.options;
     KeyControls& k = w.keys;
     for (Control* key :
-         {&p.btUp,      &p.btSearchJingle, &p.btDn,        &p.ckAssign,    &p.btSave,       &p.btNew,
-          &p.btDelPal,  &a.ckTmAnn,        &a.b_tmAnJin,   &a.b_tmAnJinAM, &l.ckPlayStream, &l.btRemUrl,
-          &l.ckMixByTa, &l.btCoefVolLive,  &o.ckPlayStopI, &o.ckAutoRepI,  &o.ckTouchI,     &o.ckNoStopI,
-          &o.ckLoopI,   &o.ckFXI,          &o.ckColorI,    &k.ckAutoRep,   &k.ckTouch,      &k.ckAutoMix,
-          &k.btMicPush, &k.btMicTO,        &k.btSettings,  &k.btExit}) {
+         {&p.btUp,      &p.btSearchJingle, &p.btDn,          &p.ckAssign,    &p.btSave,      &p.btNew,
+          &p.btDelPal,  &a.ckTmAnn,        &a.ckTmAnnAM,     &a.b_tmAnJin,   &a.b_tmAnJinAM, &l.ckPlayStream,
+          &l.btRemUrl,  &l.ckMixByTa,      &l.btCoefVolLive, &o.ckPlayStopI, &o.ckAutoRepI,  &o.ckTouchI,
+          &o.ckNoStopI, &o.ckLoopI,        &o.ckFXI,         &o.ckColorI,    &k.ckAutoRep,   &k.ckTouch,
+          &k.ckAutoMix, &k.btMicPush,      &k.btMicTO,       &k.btSettings,  &k.btExit}) {
         Disarm(*key);
         key->borderColor = BorderColour();
     }
-    for (Control* text :
-         {&p.PalNameCar, &a.lblMinute, &a.lblSecond, &a.lblDelay, &l.lblStream, &l.ckAutoDuckLive}) {
+    for (Control* text : {&p.PalNameCar, &a.lblMinute, &a.lblSecond, &a.lblDelay, &l.lblVolLive, &l.lblStream,
+                          &l.ckAutoDuckLive}) {
         text->foreColor = BtnForeColor;
     }
     const bool darkList = settings.DarkMode == 1 || settings.DarkLstPal == 1;

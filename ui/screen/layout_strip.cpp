@@ -147,11 +147,14 @@ void liveTab(const TabArea& a) {
     place(t.ckMixByTa, wide.at(1), rows.at(1), wide.at(2) + wide.size(2) - wide.at(1), rows.size(1));
     place(t.ckAutoDuckLive, wide.at(3), rows.at(1), wide.size(3), rows.size(1));
     oneSize({&t.btRemUrl, &t.ckPlayStream, &t.ckMixByTa, &t.btCoefVolLive}, kDrawnText * textScale());
-    for (Control* text : {&t.cmbStream, &t.ckAutoDuckLive, &t.lblStream}) {
+    for (Control* text : {&t.cmbStream, &t.ckAutoDuckLive, &t.lblVolLive, &t.lblStream}) {
         text->fontSize = kDrawnText * textScale() * kPointsPerPixel;
     }
     place(t.lblStream, wide.at(0), rows.at(2), wide.at(1) + wide.size(1) - a.left, rows.size(2));
-    place(t.SlideVolLive, wide.at(2), rows.at(2), wide.size(2), rows.size(2));
+    const int percent = px(44 * textScale());
+    place(t.SlideVolLive, wide.at(2), rows.at(2), wide.size(2) - percent, rows.size(2));
+    place(t.lblVolLive, wide.at(2) + wide.size(2) - percent, rows.at(2), percent, rows.size(2));
+    t.lblVolLive.alignment = 1;
     place(t.btCoefVolLive, wide.at(3), rows.at(2), wide.size(3), rows.size(2));
 }
 

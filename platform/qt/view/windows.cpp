@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QPainter>
 #include <QPlainTextEdit>
@@ -305,6 +306,8 @@ void selectAllText(Control& textBox) {
     QWidget* w = widgetOf(textBox);
     if (auto* line = qobject_cast<QLineEdit*>(w)) line->selectAll();
     if (auto* text = qobject_cast<QPlainTextEdit*>(w)) text->selectAll();
+    if (auto* combo = qobject_cast<QComboBox*>(w); combo != nullptr && combo->isEditable())
+        combo->lineEdit()->selectAll();
 }
 
 Control* focusedControl() {
