@@ -150,7 +150,11 @@ void loadSettings() {
         OpenMIDIFile();
         StartMIDI();
     });
-    // "Loading Time announce file": with the time announcer.
+    SplashStep("Loading Time announce file");
+    step("Time announce file", [] {
+        if (!FileExists(GetFullPath(settings.TimeAnnouncer)))
+            ErrLog("", "The time announcement is missing: " + settings.TimeAnnouncer);
+    });
 }
 
 void loadLanguage() {

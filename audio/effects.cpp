@@ -29,8 +29,14 @@ std::array<double, kEqBands> EqCentres() {
 
 void SetDSP_EQ(int index, std::uint32_t channel, double initialGain, double bandwidth, double q,
                const std::array<double, kEqBands>& centres, const std::array<double, kEqBands>& gains) {
-    std::uint32_t& effect = JEqFx[static_cast<std::size_t>(index)];
-    effect = BASS_ChannelSetFX(channel, BASS_FX_BFX_PEAKEQ, kEqPriority);
+    JEqFx[static_cast<std::size_t>(index)] =
+        SetDSP_EQtmJnStrm(channel, initialGain, bandwidth, q, centres, gains);
+}
+
+std::uint32_t SetDSP_EQtmJnStrm(std::uint32_t channel, double initialGain, double bandwidth, double q,
+                                const std::array<double, kEqBands>& centres,
+                                const std::array<double, kEqBands>& gains) {
+    const std::uint32_t effect = BASS_ChannelSetFX(channel, BASS_FX_BFX_PEAKEQ, kEqPriority);
     BASS_BFX_PEAKEQ band{};
     band.fGain = static_cast<float>(initialGain);
     band.fBandwidth = static_cast<float>(bandwidth);
@@ -42,6 +48,7 @@ void SetDSP_EQ(int index, std::uint32_t channel, double initialGain, double band
         BASS_FXSetParameters(effect, &band);
     }
     for (int i = 0; i < kEqBands; ++i) UpdateFX(effect, i, gains[static_cast<std::size_t>(i)]);
+    return effect;
 }
 
 void UpdateFX(std::uint32_t effect, int band, double gain) {

@@ -17,6 +17,10 @@ std::array<double, kEqBands> EqCentres();
 /// Puts the equaliser on `channel` and keeps its handle in JEqFx(index). `gains` in dB.
 void SetDSP_EQ(int index, std::uint32_t channel, double initialGain, double bandwidth, double q,
                const std::array<double, kEqBands>& centres, const std::array<double, kEqBands>& gains);
+/// The same for a channel that is no button's; returns the effect's handle.
+std::uint32_t SetDSP_EQtmJnStrm(std::uint32_t channel, double initialGain, double bandwidth, double q,
+                                const std::array<double, kEqBands>& centres,
+                                const std::array<double, kEqBands>& gains);
 /// Changes one band, gain in dB.
 void UpdateFX(std::uint32_t effect, int band, double gain);
 /// Reverb of `ms`: its time and the level of the wet sound rise together.

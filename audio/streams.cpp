@@ -10,6 +10,7 @@
 
 #include "audio/devices.h"
 #include "audio/effects.h"
+#include "audio/source_file.h"
 #include "audio/upcalls.h"
 #include "audio/waiting_press.h"
 #include "engine/bass.h"
@@ -20,7 +21,6 @@
 #include "model/slot_keys.h"
 #include "model/state.h"
 #include "platform/jobs.h"
-#include "platform/paths.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
@@ -49,34 +49,10 @@ bool sounds(std::uint32_t channel) {
 }
 bool exists(int index) { return inRange(index) && JExists[static_cast<std::size_t>(index)] == 1; }
 
-void freeChannel(std::uint32_t handle) {
-    if (handle == 0) return;
-    BASS_StreamFree(handle);
-    BASS_MusicFree(handle);
-}
-
-/// A source that a worker has opened, freed unless a slot takes it.
-class OpenedSource {
-  public:
-    OpenedSource() = default;
-    explicit OpenedSource(std::uint32_t handle) : handle_(handle) {}
-    OpenedSource(OpenedSource&& other) noexcept : handle_(std::exchange(other.handle_, 0)) {}
-    OpenedSource& operator=(OpenedSource&& other) noexcept {
-        std::swap(handle_, other.handle_);
-        return *this;
-    }
-    ~OpenedSource() { freeChannel(handle_); }
-    std::uint32_t take() { return std::exchange(handle_, 0); }
-
-  private:
-    std::uint32_t handle_ = 0;
-};
-
 /// What a worker found where a slot's file should be.
 struct Opening {
-    OpenedSource source;
+    SourceFile source;
     bool missing = false;
-    int error = BASS_OK;  ///< the engine's, when there is no source
 };
 
 std::array<Job, kJingles> openings;
@@ -84,20 +60,6 @@ std::array<Job, kJingles> openings;
 double lengthOf(std::uint32_t channel) {
     const QWORD length = channel == 0 ? BASS_NO_POSITION : BASS_ChannelGetLength(channel, BASS_POS_BYTE);
     return length == BASS_NO_POSITION ? 0 : static_cast<double>(length);
-}
-
-/// Opens the file as a sound, else as a tracker module; 0 with the engine's code in `error`. [worker]
-std::uint32_t openSource(const std::string& file, int& error) {
-    std::uint32_t source =
-        BASS_StreamCreateFile(false, file.c_str(), 0, 0, BASS_STREAM_DECODE | BASS_UNICODE);
-    if (lengthOf(source) > 0) return source;
-    freeChannel(source);
-    source = BASS_MusicLoad(false, file.c_str(), 0, 0,
-                            BASS_STREAM_DECODE | BASS_MUSIC_PRESCAN | BASS_MUSIC_RAMP | BASS_UNICODE, 0);
-    error = BASS_ErrorGetCode();
-    if (lengthOf(source) > 0) return source;
-    freeChannel(source);
-    return 0;
 }
 
 /// The record shows a slot that cannot play; what the file says of its volume and loops is kept for the next
@@ -175,9 +137,8 @@ void buildChannel(int index) {
 /// Asks the disk, however long it takes. [worker]
 Opening openFileOf(const std::string& path, bool open) {
     Opening found;
-    const std::string full = GetFullPath(path);
-    found.missing = !FileExists(full);
-    if (open) found.source = OpenedSource(openSource(nativePath(full).string(), found.error));
+    found.missing = !FileExists(GetFullPath(path));
+    if (open) found.source = OpenSourceFile(path);
     return found;
 }
 
@@ -189,7 +150,7 @@ void fillSlot(int index, Opening& found) {
     if (sounds(j.hPlay)) return;
     j.hSrc = found.source.take();
     if (j.hSrc == 0) {
-        openFailed(index, found.error);
+        openFailed(index, found.source.error());
         return;
     }
     callUp(audioUpcalls.feedback, index, Feedback::loaded);
@@ -250,8 +211,8 @@ void FreeJingle(int index) {
     JingleRecord& j = Jingle(index);
     openings[static_cast<std::size_t>(index)].cancel();
     TakeWaitingPress(index);
-    freeChannel(j.hPlay);
-    freeChannel(j.hSrc);
+    FreeSource(j.hPlay);
+    FreeSource(j.hSrc);
     j.hPlay = 0;
     j.hSrc = 0;
     if (j.Kind == SlotKind::stream) j.Kind = SlotKind::nothing;

@@ -7,7 +7,7 @@ minutes=$1
 shift
 root=$(cd "$(dirname "$0")/.." && pwd)
 folder=${FUZZ_FOLDER:-$root/build/fuzz}
-[ $# -gt 0 ] || set -- decoder_fuzz operations_fuzz ini_fuzz midi_fuzz
+[ $# -gt 0 ] || set -- decoder_fuzz operations_fuzz ini_fuzz midi_fuzz stream_text_fuzz
 cmake -S "$root" -B "$folder" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ -DZENTROVA_FUZZ=ON \
     >"$folder.log" 2>&1 || { tail "$folder.log"; exit 1; }
 ninja -C "$folder" "$@"

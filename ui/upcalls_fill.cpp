@@ -22,6 +22,7 @@
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "startup/upcalls.h"
+#include "ui/edit/announcer_tab.h"
 #include "ui/edit/carried.h"
 #include "ui/edit/leave_palette.h"
 #include "ui/edit/live_tab.h"
@@ -35,6 +36,7 @@
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
+#include "ui/screen/announcer_view.h"
 #include "ui/screen/apply_text.h"
 #include "ui/screen/button_faces.h"
 #include "ui/screen/captions.h"
@@ -159,8 +161,11 @@ void fillAudio() {
     audioUpcalls.slotFailed = showFailed;
     audioUpcalls.slotLoaded = showLoaded;
     audioUpcalls.slotOpened = [](int index) {
-        if (Jingle(index).PlayingOtherPal) {
+        const JingleRecord& j = Jingle(index);
+        if (j.PlayingOtherPal) {
             paintAtRest(index);
+        } else if (ChoosingTimeJingle && !j.Path.empty() && !j.MissingFile) {
+            PaintButton(index, Shaded.ta, GetForeColor(Shaded.ta, "jingle"));
         }
     };
     audioUpcalls.slotWaits = [](int) { ErrDisp("wait", 0, Ln("errFileWait")); };
@@ -251,6 +256,7 @@ void FillUpcalls() {
     fillAudio();
     FillActions();
     FillLiveUpcalls();
+    FillAnnouncerUpcalls();
 }
 
 }  // namespace zv

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "audio/announcer.h"
 #include "audio/output_watch.h"
 #include "audio/upcalls.h"
 #include "midi/feedback.h"
@@ -24,6 +25,7 @@
 #include "startup/settings.h"
 #include "startup/trace.h"
 #include "startup/upcalls.h"
+#include "ui/edit/announcer_tab.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/history.h"
@@ -46,6 +48,7 @@
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
+#include "ui/screen/announcer_view.h"
 #include "ui/screen/button_faces.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/colours.h"
@@ -242,7 +245,7 @@ void wireTimers() {
     t.TimerDispAndJButtons.handler = TimerDispAndJButtonsTick;
     t.TimerVU.handler = TimerVUTick;
     t.TimerKeyModifiers.handler = TimerKeyModifiersTick;
-    t.TimerTimeAndTA.handler = DateTimeUpdate;
+    t.TimerTimeAndTA.handler = TimerTimeAndTATick;
     t.SaveTimer.handler = SaveTimerTick;
     t.TimerLoadPal.handler = TimerLoadPalTick;
     t.TimerClock.handler = TimerClockTick;
@@ -284,22 +287,9 @@ int displayInterval() { return std::max(10, kFastestDisplay - settings.DispSpeed
 
 int meterInterval() { return std::max(kMeterStep, (kFastestMeter - settings.VUspeed) * kMeterStep); }
 
-/// Disables the controls whose functions are not there yet.
-void disableWhatIsToCome() {
-    MainWindow& w = frmMain();
-    AnnouncerTab& a = w.announcer;
-    for (Control* c :
-         {&a.ckTmAnn, &a.ckTmAnnAM, &a.b_tmAnJin, &a.b_tmAnJinAM, &a.DTMinute, &a.DTSecond, &a.DTDelay}) {
-        c->enabled = false;
-    }
-    w.palettes.txtSave.enabled = false;
-}
-
 void fillFromSettings() {
-    AnnouncerTab& a = frmMain().announcer;
-    a.DTMinute.value = settings.TimeAnnMin;
-    a.DTSecond.value = settings.TimeAnnSec;
-    a.DTDelay.value = settings.TimeAnnDel;
+    DTChange();
+    ShowAnnouncer();
     frmMain().live.cmbStream.caption = settings.StreamPoint;
     ListPlayStreams();
     ShowLive();
@@ -333,6 +323,7 @@ void Form_Load() {
         wireOptions();
         wireKeys();
         WireLiveTab();
+        WireAnnouncerTab();
         wireTimers();
         buttonMade = wireButton;
         LimitWindow(w.window);
@@ -353,7 +344,7 @@ void FormsLoad(const std::string& window) {
         ToggleTouch = static_cast<std::uint8_t>(settings.Touch == 1 ? 1 : 0);
         ToggleAutoRep = static_cast<std::uint8_t>(settings.Autorepeat == 1 && settings.Touch != 1 ? 1 : 0);
         fillFromSettings();
-        disableWhatIsToCome();
+        frmMain().palettes.txtSave.enabled = false;
         SwitchDarkMode(settings.DarkMode);
         ApplyMeterLook();
         DrawJButtons(1);
@@ -406,6 +397,7 @@ void StartTimers() {
     t.TimerVU.start();
     t.TimerMainPos.start();
     t.TimerKeyModifiers.start();
+    t.TimerTimeAndTA.setInterval(UntilNextSecond());
     t.TimerTimeAndTA.start();
     t.TimerFadeOutLED.start();
     t.TimerControlFlash.start();

@@ -19,6 +19,10 @@ constexpr const char* knownContainers =
     "wav,w64,aiff,au,caf,voc,flac,ogg,mp3,aac,ac3,eac3,dts,amr,amrnb,amrwb,wv,ape,tta,mpc,mpc8,"
     "mov,mp4,m4a,3gp,asf,asf_o,xwma,mpeg,mpegvideo,mpegts,avi,matroska,webm,flv";
 
+constexpr const char* segmentContainers = "hls,mpegts,mov,mp4,m4a,aac,mp3,ac3,eac3";
+
+constexpr std::size_t leastLook = 16;  // bytes by which a playlist is known
+
 constexpr const char* webProtocols = "http,https,tcp,tls,httpproxy";
 
 /// A public stream with a certificate that ran out must not fall silent on air: certificates are looked at
@@ -128,7 +132,7 @@ int MediaInput::open(std::int64_t probeBytes) {
     context->fps_probe_size = 0;
     Options options;
     options.set("protocol_whitelist", network_ ? webProtocols : "file");
-    options.set("format_whitelist", knownContainers);
+    options.set("format_whitelist", containers());
     options.set("probesize", probeBytes);
     // On failure the library frees the context itself.
     if (const int result = avformat_open_input(&context, address_.c_str(), nullptr, &options.dictionary);
@@ -176,7 +180,10 @@ std::unique_ptr<MediaInput> MediaInput::openFile(const std::string& path, int& e
     return result < 0 ? nullptr : std::move(input);
 }
 
-std::unique_ptr<MediaInput> MediaInput::openUrl(const std::string& url, std::uint32_t timeoutMs, int& error) {
+const char* MediaInput::containers() const { return segmented_ ? segmentContainers : knownContainers; }
+
+std::unique_ptr<MediaInput> MediaInput::connectTo(const std::string& url, std::uint32_t timeoutMs,
+                                                  int& error) {
     prepareLibraries();
     std::unique_ptr<MediaInput> input(new MediaInput);
     input->address_ = url;
@@ -187,16 +194,51 @@ std::unique_ptr<MediaInput> MediaInput::openUrl(const std::string& url, std::uin
         return nullptr;
     }
     input->setLimit(std::chrono::milliseconds(timeoutMs));
-    if (const int result = input->connect(); result < 0) {
-        error = codeOf(result);
-        // The library has few codes for what goes wrong below the sound; that the host is there was found
-        // before.
-        if (error == BASS_ERROR_FILEFORM) error = isSecure(url) ? BASS_ERROR_SSL : BASS_ERROR_FILEOPEN;
-    } else {
-        error = codeOf(input->open(quickProbe));
-    }
+    const int result = input->connect();
+    error = codeOf(result);
+    // The library has few codes for what goes wrong below the sound; that the host is there was found before.
+    if (error == BASS_ERROR_FILEFORM) error = isSecure(url) ? BASS_ERROR_SSL : BASS_ERROR_FILEOPEN;
     if (error != BASS_OK && input->timedOut()) error = BASS_ERROR_TIMEOUT;
     return error == BASS_OK ? std::move(input) : nullptr;
+}
+
+std::string MediaInput::look(std::size_t most, bool whole) {
+    std::string bytes;
+    unsigned char some[512];
+    while (bytes.size() < (whole ? most : std::min(most, leastLook))) {
+        const int got = avio_read_partial(connection_.get(), some, sizeof some);
+        if (got <= 0) break;
+        bytes.append(reinterpret_cast<const char*>(some), static_cast<std::size_t>(got));
+    }
+    // A few bytes are still in the connection's buffer.
+    if (!whole) avio_seek(connection_.get(), 0, SEEK_SET);
+    return bytes;
+}
+
+bool MediaInput::openConnected(bool segmented, int& error) {
+    segmented_ = segmented;
+    if (segmented) connection_.reset();  // the container asks for the playlist itself, again and again
+    error = codeOf(open(quickProbe));
+    if (error != BASS_OK && timedOut()) error = BASS_ERROR_TIMEOUT;
+    return error == BASS_OK;
+}
+
+std::string MediaInput::told() const {
+    std::uint8_t* text = nullptr;
+    if (connection_ &&
+        av_opt_get(connection_.get(), "icy_metadata_packet", AV_OPT_SEARCH_CHILDREN, &text) >= 0 && text) {
+        std::string packet(reinterpret_cast<const char*>(text));
+        av_free(text);
+        if (!packet.empty()) return packet;
+    }
+    const auto tag = [this](const char* key) -> std::string {
+        const AVDictionaryEntry* entry = av_dict_get(stream_->metadata, key, nullptr, 0);
+        if (!entry) entry = av_dict_get(context_->metadata, key, nullptr, 0);
+        return entry ? entry->value : "";
+    };
+    const std::string artist = tag("artist"), title = tag("title");
+    if (artist.empty() && title.empty()) return {};
+    return "StreamTitle='" + artist + (artist.empty() || title.empty() ? "" : " - ") + title + "';";
 }
 
 bool MediaInput::reopen() { return open(quickProbe) >= 0 || open(deepProbe) >= 0; }

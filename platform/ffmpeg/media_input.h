@@ -23,8 +23,16 @@ class MediaInput {
 
     /// Opens a file by its path. `error` as openFileDecoder has it.
     static std::unique_ptr<MediaInput> openFile(const std::string& path, int& error);
-    /// Connects to an http address. `error` as openUrlDecoder has it.
-    static std::unique_ptr<MediaInput> openUrl(const std::string& url, std::uint32_t timeoutMs, int& error);
+
+    /// Connects to an http address, whatever it sends. `error` as openUrlDecoder has it.
+    static std::unique_ptr<MediaInput> connectTo(const std::string& url, std::uint32_t timeoutMs, int& error);
+    /// The first bytes that the address sends, up to `most`: what is there after 16 of them, or with `whole` all until
+    /// it ends. They are still to be read after a short look, not after a whole one.
+    std::string look(std::size_t most, bool whole);
+    /// Finds the sound in what the address sends; `segmented`: in what its playlist of segments names. `error` as above.
+    bool openConnected(bool segmented, int& error);
+    /// What the stream tells of the packet read last, as engine::Decoder::told().
+    std::string told() const;
 
     /// Reads the next packet of the sound. False at the end, after a failure and past the deadline.
     bool readPacket();
@@ -60,10 +68,11 @@ class MediaInput {
     MediaInput() = default;
     int connect();
     int open(std::int64_t probeBytes);
+    const char* containers() const;
     static int interrupted(void* self);
 
     std::string path_, address_;
-    bool network_ = false;
+    bool network_ = false, segmented_ = false;
     IoHandle connection_;  ///< of an address; outlives the container that reads from it
     FormatHandle context_;
     PacketDecoder decoder_;

@@ -4,11 +4,13 @@
 #include <algorithm>
 #include <cctype>
 #include <condition_variable>
+#include <deque>
 #include <mutex>
 #include <string_view>
 #include <thread>
 
 #include "engine/bass.h"
+#include "platform/common/web_playlist.h"
 #include "platform/ffmpeg/ffmpeg_decoders.h"
 #include "platform/ffmpeg/media_input.h"
 
@@ -19,6 +21,7 @@ using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
 constexpr std::uint32_t secondsAhead = 10;  // of sound that are kept in store
+constexpr std::size_t kShortLook = 512;     // bytes
 
 bool beginsWith(std::string_view text, std::string_view lowerCase) {
     return text.size() >= lowerCase.size() &&
@@ -68,6 +71,8 @@ class UrlDecoder : public engine::Decoder {
         : input_(std::move(input)),
           format_(input_->format()),
           store_(std::move(first)),
+          came_(store_.size()),
+          told_{{0, input_->told()}},
           thread_([this] { run(); }) {}
     ~UrlDecoder() override {
         {
@@ -89,6 +94,8 @@ class UrlDecoder : public engine::Decoder {
             std::min(out.size() / format_.channels * format_.channels, store_.size() - taken_);
         std::copy_n(store_.begin() + static_cast<std::ptrdiff_t>(taken_), samples, out.begin());
         taken_ += samples;
+        gone_ += samples;
+        while (told_.size() > 1 && told_[1].first <= gone_) told_.pop_front();
         if (samples > 0) roomMade_.notify_all();
         return samples / format_.channels;
     }
@@ -96,6 +103,11 @@ class UrlDecoder : public engine::Decoder {
     bool ended() const override {
         const std::lock_guard lock(mutex_);
         return over_ && taken_ == store_.size();
+    }
+
+    std::string told() const override {
+        const std::lock_guard lock(mutex_);
+        return told_.front().second;
     }
 
   private:
@@ -107,7 +119,10 @@ class UrlDecoder : public engine::Decoder {
             sound.clear();
             const bool more = input_->readPacket();
             input_->decode(more ? &input_->packet() : nullptr, sound);
+            std::string now = more ? input_->told() : std::string();
             std::unique_lock lock(mutex_);
+            if (more && now != told_.back().second) told_.emplace_back(came_, std::move(now));
+            came_ += sound.size();
             if (taken_ > store_.size() / 2) {
                 store_.erase(store_.begin(), store_.begin() + static_cast<std::ptrdiff_t>(taken_));
                 taken_ = 0;
@@ -126,20 +141,38 @@ class UrlDecoder : public engine::Decoder {
     std::condition_variable roomMade_;
     std::vector<float> store_;  ///< decoded sound; the first `taken_` samples have been read
     std::size_t taken_ = 0;
+    std::uint64_t came_ = 0, gone_ = 0;                       ///< samples that were ever stored, and read
+    std::deque<std::pair<std::uint64_t, std::string>> told_;  ///< from which sample on; the first is on air
     bool over_ = false;
     bool stopping_ = false;
     std::thread thread_;
 };
 
-}  // namespace
+std::unique_ptr<engine::Decoder> openAddress(const std::string& url, Clock::time_point limit, int depth,
+                                             int& error);
 
-std::unique_ptr<engine::Decoder> openUrlDecoder(const std::string& url, std::uint32_t timeoutMs, int& error) {
+/// The first of a playlist's addresses that gives sound.
+template <class Left>
+std::unique_ptr<engine::Decoder> openFirst(const WebPlaylist& list, int depth, Left left, int& error) {
+    error = BASS_ERROR_FILEFORM;
+    if (depth >= kPlaylistDepth) return nullptr;
+    for (const std::string& address : list.addresses) {
+        if (left() <= 1ms) {
+            error = BASS_ERROR_TIMEOUT;
+            return nullptr;
+        }
+        if (auto decoder = openAddress(address, Clock::now() + left(), depth + 1, error)) return decoder;
+    }
+    return nullptr;
+}
+
+std::unique_ptr<engine::Decoder> openAddress(const std::string& url, Clock::time_point limit, int depth,
+                                             int& error) {
     const bool secure = beginsWith(url, "https://");
     if (!secure && !beginsWith(url, "http://")) {
         error = BASS_ERROR_PROTOCOL;
         return nullptr;
     }
-    const auto limit = Clock::now() + std::chrono::milliseconds(timeoutMs);
     const auto left = [&] {
         return std::max(1ms, std::chrono::duration_cast<std::chrono::milliseconds>(limit - Clock::now()));
     };
@@ -153,8 +186,18 @@ std::unique_ptr<engine::Decoder> openUrlDecoder(const std::string& url, std::uin
             error = BASS_ERROR_TIMEOUT;
             return nullptr;
     }
-    auto input = MediaInput::openUrl(url, static_cast<std::uint32_t>(left().count()), error);
+    auto input = MediaInput::connectTo(url, static_cast<std::uint32_t>(left().count()), error);
     if (!input) return nullptr;
+    bool segmented = false;
+    if (LooksLikePlaylist(input->look(kShortLook, false))) {
+        const WebPlaylist list = ReadWebPlaylist(input->look(kLongestPlaylist, true), url);
+        segmented = list.segmented;
+        if (!segmented) {
+            input.reset();
+            return openFirst(list, depth, left, error);
+        }
+    }
+    if (!input->openConnected(segmented, error)) return nullptr;
     std::vector<float> first;
     while (first.empty() && input->readPacket()) input->decode(&input->packet(), first);
     if (first.empty()) {
@@ -164,6 +207,12 @@ std::unique_ptr<engine::Decoder> openUrlDecoder(const std::string& url, std::uin
     // Connected: from here on it may stall for as long as it likes.
     input->setLimit(std::chrono::milliseconds::max());
     return std::make_unique<UrlDecoder>(std::move(input), std::move(first));
+}
+
+}  // namespace
+
+std::unique_ptr<engine::Decoder> openUrlDecoder(const std::string& url, std::uint32_t timeoutMs, int& error) {
+    return openAddress(url, Clock::now() + std::chrono::milliseconds(timeoutMs), 0, error);
 }
 
 }  // namespace zv

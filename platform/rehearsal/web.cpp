@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "engine/bass.h"
+#include "platform/common/web_playlist.h"
 #include "platform/file_decoders/file_decoders.h"
 #include "platform/http.h"
 #include "platform/rehearsal/stage.h"
@@ -51,6 +52,12 @@ class RehearsedDecoders final : public engine::DecoderSource {
     }
     std::unique_ptr<engine::Decoder> openUrl(const std::string& url, std::uint32_t timeoutMs,
                                              int& error) override {
+        return open(url, timeoutMs, 0, error);
+    }
+
+  private:
+    std::unique_ptr<engine::Decoder> open(const std::string& url, std::uint32_t timeoutMs, int depth,
+                                          int& error) {
         const WebRule rule = RehearsedWeb::instance().ask("GET", url, {});
         if (rule.kind == WebRule::Kind::hang) {
             waitInJob(static_cast<int>(timeoutMs));
@@ -62,12 +69,22 @@ class RehearsedDecoders final : public engine::DecoderSource {
             return nullptr;
         }
         waitInJob(kAnswerMs);
-        auto file = files_->openFile(Stage::instance().file(rule.file), error);
+        const std::string path = Stage::instance().file(rule.file);
+        std::string head(kLongestPlaylist, '\0');
+        std::ifstream in(path, std::ios::binary);
+        in.read(head.data(), static_cast<std::streamsize>(head.size()));
+        head.resize(static_cast<std::size_t>(in.gcount()));
+        if (LooksLikePlaylist(head) && depth < kPlaylistDepth) {
+            error = BASS_ERROR_FILEFORM;
+            for (const std::string& address : ReadWebPlaylist(head, url).addresses)
+                if (auto stream = open(address, timeoutMs, depth + 1, error)) return stream;
+            return nullptr;
+        }
+        auto file = files_->openFile(path, error);
         if (!file) return nullptr;
         return std::make_unique<WebDecoder>(std::move(file), rule.type.ends_with(kLive));
     }
 
-  private:
     const std::shared_ptr<engine::DecoderSource> files_ = makeFileDecoders();
 };
 

@@ -15,6 +15,7 @@
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "ui/edit/announcer_tab.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/jingle_editor.h"
@@ -144,6 +145,7 @@ void OpenJingleMenu(int index) {
             j.PlayMod == PlayMode::playStop);
         menu.add(
             "mnuNoStop", filled && single, [] { clNoStopSet(MenuJ); }, noSeq, j.PlayMod == PlayMode::noStop);
+        menu.add("mnuTa", (filled || playing) && single, [] { PlayAfterAnnouncement(MenuJ); });
         menu.add("mnuFX", (filled || playing) && single, editEffects, true,
                  b != nullptr && b->fx_Jingle.visible);
         menu.add(

@@ -16,6 +16,7 @@
 #include "startup/helpers.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
+#include "ui/edit/announcer_tab.h"
 #include "ui/edit/jingle_editor.h"
 #include "ui/edit/options.h"
 #include "ui/edit/palette_steps.h"
@@ -226,8 +227,12 @@ bool act(Action action, int argument, int velocity) {
             Redo();
             return true;
         case Action::announcer:
+            bring(MainTab::timeAnnouncer);
+            CkTmAnnTog();
+            return true;
         case Action::announcerJingle:
             bring(MainTab::timeAnnouncer);
+            b_tmAnJinTog();
             return true;
         case Action::tab:
             ckTab_MouseDown(argument);  // as a click on it: an armed option is given up

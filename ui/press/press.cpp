@@ -12,6 +12,7 @@
 #include "startup/guard.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "ui/edit/announcer_tab.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/jingle_editor.h"
@@ -181,6 +182,7 @@ void btClic(int index) {
                 clAssign(index);
                 break;
             case PressMeaning::announcerJingle:
+                clTmAn(index);
                 break;
             case PressMeaning::loop:
                 SelJ = {index};

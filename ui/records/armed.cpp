@@ -62,7 +62,7 @@ void ResetOption() {
         Disarm(w.palettes.ckAssign);
         LastCtrl.clear();
         const Control& key = w.announcer.b_tmAnJin;
-        if (key.caption() == Ln("mb_tmAnJin") && key.backColor == settings.assColor) {
+        if (key.caption() == Ln("mb_tmAnJin") && key.backColor == settings.taColor) {
             SelectorsOn = false;
         }
     });

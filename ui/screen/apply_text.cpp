@@ -7,6 +7,7 @@
 #include "platform/controls.h"
 #include "startup/settings.h"
 #include "ui/records/main_window.h"
+#include "ui/screen/announcer_view.h"
 #include "ui/screen/live_view.h"
 
 namespace zv {
@@ -48,8 +49,8 @@ void ApplyText(const std::string& window, const std::string& key, const std::str
         }
         return;
     }
-    if (key == "mb_tmAnJin") {
-        captionOf(w.announcer.b_tmAnJin, text);
+    if (key == "mb_tmAnJin" || key == "mckTmAnn") {
+        ShowAnnouncer();  // as the announcer's state wants them
         return;
     }
     if (key == "mStrNoCo" || key == "mckPlayStream" || key == "mckStopStream") {

@@ -14,6 +14,7 @@
 #include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
+#include "ui/screen/announcer_view.h"
 #include "ui/screen/button_faces.h"
 #include "ui/screen/highlight.h"
 #include "ui/screen/live_view.h"
@@ -59,6 +60,7 @@ void paintToggles() {
     }
     ShowGlobalToggles();
     ShowLive();
+    ShowAnnouncer();
 }
 
 void paintRecord(int i) {

@@ -5,9 +5,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "audio/announcer.h"
 #include "audio/devices.h"
 #include "audio/duck.h"
 #include "audio/sounding.h"
+#include "audio/time_jingle.h"
 #include "midi/feedback.h"
 #include "model/colours.h"
 #include "model/jingle.h"
@@ -21,6 +23,7 @@
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
+#include "ui/screen/announcer_view.h"
 #include "ui/screen/button_faces.h"
 #include "ui/screen/counter.h"
 #include "ui/screen/digits.h"
@@ -160,12 +163,16 @@ void TimerDispAndJButtonsTick() {
                 DuckTickJingle(i, left);
             });
         }
-        for (const std::uint32_t channel : {std::uint32_t{hTmAnVoice}, std::uint32_t{hTmAn}}) {
-            if (const double left = TimeLeftOf(channel); left > 0) {
+        for (const double left : {TimeLeftOf(hTmAnVoice), TimeJingleLeft()}) {
+            if (left > 0) {
                 takeSmaller(least, left);
                 DuckTickAnnouncer(left);
             }
         }
+        if (WatchAnnouncer()) {
+            ShowAnnouncer();
+        }
+        HighlightTimeJingles();
         DispRemain = least;
         if (BlinkTestOn) {
             timers().TimerWarnBlink.start();

@@ -54,7 +54,8 @@ void HighlightArmed() {
     } options[] = {{"lp", Shaded.lp, anyFits},        {"sq", Shaded.sq, anyFits},
                    {"ar", Shaded.ar, playModeFits},   {"tc", Shaded.tc, playModeFits},
                    {"ps", Shaded.ps, playModeFits},   {"ns", Shaded.ns, playModeFits},
-                   {"co", Shaded.co, filledAndThere}, {"fx", Shaded.fx, filledAndThere}};
+                   {"co", Shaded.co, filledAndThere}, {"fx", Shaded.fx, filledAndThere},
+                   {"ta", Shaded.ta, filledAndThere}};
     for (const auto& option : options) {
         if (OptionCode == option.code) {
             highlight(option.shaded, option.fits);

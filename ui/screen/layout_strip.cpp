@@ -61,9 +61,14 @@ double textScale() {
     return std::clamp(1 + (drawn - 1) * 0.75, 1.0, 1.7);
 }
 
+/// Of the longest line.
 double characters(const std::string& text) {
-    return static_cast<double>(
-        std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+    int most = 0, line = 0;
+    for (const char c : text) {
+        line = c == '\n' ? 0 : line + ((c & 0xC0) != 0x80 ? 1 : 0);
+        most = std::max(most, line);
+    }
+    return most;
 }
 
 /// One size of text for keys that stand together: as large as wanted, and so that the longest of their texts
@@ -115,24 +120,25 @@ void paletteTab(const TabArea& a) {
 
 void announcerTab(const TabArea& a) {
     AnnouncerTab& t = frmMain().announcer;
-    const Stretch rows{a.top, a.height, 2, kKeyGap};
-    const Stretch wide{a.left, a.width, 3, kKeyGap};
-    place(t.ckTmAnn, wide.at(0), rows.at(0), wide.size(0), rows.size(0));
-    place(t.b_tmAnJin, wide.at(1), rows.at(0), wide.size(1), rows.size(0));
-    place(t.b_tmAnJinAM, wide.at(2), rows.at(0), wide.size(2), rows.size(0));
+    const int mark = px(34 * textScale()), line = px(16 * textScale()), field = px(30);
+    const int keys = a.height - line - field - px(6);
+    const Stretch halves{a.left, a.width, 2, kKeyGap};
+    const auto key = [&](Control& wide, Control& narrow, int at) {
+        const int rest = narrow.visible ? mark + px(6) : 0;
+        place(wide, halves.at(at), a.top, halves.size(at) - rest, keys);
+        place(narrow, halves.at(at) + halves.size(at) - mark, a.top, mark, keys);
+        narrow.fontSize = kDrawnText * 1.2 * textScale() * kPointsPerPixel;
+    };
+    key(t.ckTmAnn, t.ckTmAnnAM, 0);
+    key(t.b_tmAnJin, t.b_tmAnJinAM, 1);
     oneSize({&t.ckTmAnn, &t.b_tmAnJin}, kDrawnText * textScale());
+    const Stretch thirds{a.left, a.width, 3, kKeyGap};
     Control* labels[] = {&t.lblMinute, &t.lblSecond, &t.lblDelay};
     Control* fields[] = {&t.DTMinute, &t.DTSecond, &t.DTDelay};
     for (int i = 0; i < 3; ++i) {
-        labels[i]->alignment = 1;  // each beside its own field
-        for (Control* text : {labels[i], fields[i]}) {
-            text->fontSize = kDrawnText * textScale() * kPointsPerPixel;
-        }
-        const int field = std::min(wide.size(i) / 2, px(48 * textScale())) / kTwipsPerPixel * kTwipsPerPixel;
-        const int height = std::min(rows.size(1), px(28 * textScale()));
-        const int top = rows.at(1) + (rows.size(1) - height) / 2 / kTwipsPerPixel * kTwipsPerPixel;
-        place(*labels[i], wide.at(i), top, wide.size(i) - field - px(6), height);
-        place(*fields[i], wide.at(i) + wide.size(i) - field, top, field, height);
+        labels[i]->fontSize = kDrawnText * textScale() * kPointsPerPixel;
+        place(*labels[i], thirds.at(i), a.top + a.height - field - line, thirds.size(i), line);
+        place(*fields[i], thirds.at(i), a.top + a.height - field, std::min(thirds.size(i), px(132)), field);
     }
 }
 

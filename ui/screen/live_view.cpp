@@ -32,7 +32,8 @@ std::string rule(const char* character) {
 
 int rowOf(const Control& list, const std::string& text) {
     const std::vector<std::string>& rows = list.items();
-    const auto found = std::find(rows.begin(), rows.end(), text);
+    const auto found = std::find_if(rows.begin(), rows.end(),
+                                    [&](const std::string& row) { return Trim(row) == Trim(text); });
     return found == rows.end() ? -1 : static_cast<int>(found - rows.begin());
 }
 

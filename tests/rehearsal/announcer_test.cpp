@@ -1,0 +1,124 @@
+// The time announcer: its moment, its jingle, and the clock that is set.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "show.h"
+
+namespace zv::test {
+namespace {
+
+constexpr double kPeriodMs = 10;
+
+class Announcer : public testing::Test {
+  protected:
+    Announcer() {
+        show.tone("news.wav", 3, 1000, 0.5);
+        show.tone("after.wav", 2, 500, 0.25);
+        show.tone("bed.wav", 60, 300, 0.125);
+        show.write("palette.ini",
+                   "[Test]\r\nPath_0=Audio_Sample\\after.wav\r\nPath_1=Audio_Sample\\bed.wav\r\n");
+    }
+    void perform(const std::string& script, const std::string& arguments = {}, const std::string& more = {}) {
+        show.write("zv.ini", "[Settings]\r\n" + more +
+                                 "TimeAnnouncer=Audio_Sample\\news.wav\r\nActiveTab=1\r\nTimeAnnDel=2\r\n"
+                                 "AutoMixTime=500\r\nConfirmExit=0\r\nVolLive=100\r\nFadeInSpeed=10\r\n");
+        EXPECT_EQ(show.perform(script, arguments), 0) << show.messages();
+    }
+    static double msOf(std::size_t frame) { return static_cast<double>(frame) * 1000 / kRate; }
+
+    Show show;
+};
+
+TEST_F(Announcer, StandsOnItsSecondAndTheJingleOnItsOwn) {
+    perform(
+        "at 0 expect DTMinute.enabled 0\n"
+        "at 0 time 10:59:50\n"
+        "at 130 key N\n"
+        "at 150 expect DTMinute.enabled 1\n"
+        "at 160 key C\n"
+        "at 300 press 0\n"
+        "at 350 expect J(0).State 0\n"
+        "at 350 expect b_tmAnJin.caption \"after  2.0\"\n"
+        "at 5500 shot on-air.png\n"
+        "at 12000 end\n");
+    EXPECT_NE(show.result("state.json").find("11:59:55"), std::string::npos) << "the next one";
+    const Sound heard = show.heard();
+    EXPECT_NEAR(msOf(firstSound(heard, 0)), 5000, kPeriodMs);
+    // Beside the announcement, which ends at 8000, the jingle stands from 7000 to 9000.
+    EXPECT_NEAR(peak(heard, framesOf(6000), framesOf(6990)), 0.5, 0.01);
+    EXPECT_NEAR(peak(heard, framesOf(7020), framesOf(7900)), 0.75, 0.02);
+    EXPECT_NEAR(peak(heard, framesOf(8050), framesOf(8950)), 0.25, 0.01);
+    EXPECT_LT(peak(heard, framesOf(9100), heard.frames()), 1e-4F);
+}
+
+TEST_F(Announcer, MarksTakeTheRestDown) {
+    perform(
+        "at 0 time 10:59:50\n"
+        "at 0 web http://radio/ " +
+        (show.home() / "Audio_Sample/bed.wav").string() +
+        " 200 audio/wav;live\n"
+        "at 100 click ckTmAnn\n"
+        "at 200 click ckTmAnnAM\n"
+        "at 300 key F7\n"
+        "at 400 set cmbStream http://radio/\n"
+        "at 400 click ckPlayStream\n"
+        "at 1500 click ckMixByTa\n"
+        "at 2000 press 1\n"
+        "at 5700 expect ckPlayStream.caption Play\n"
+        "at 5700 expect J(1).State 0\n"
+        "at 5800 end\n");
+    const Sound heard = show.heard();
+    EXPECT_GT(peak(heard, framesOf(4800), framesOf(4990)), 0.2F);
+    EXPECT_NEAR(peak(heard, framesOf(5620), framesOf(5790)), 0.5, 0.01);
+}
+
+TEST_F(Announcer, OncePerHourOverMidnightAndClocksThatAreSet) {
+    std::string script = "at 0 time 2026-02-28 22:30:00\nat 500 click ckTmAnn\n";
+    for (int hour = 0; hour < 3; ++hour) {
+        const int moment = (hour * 3600 + 1795) * 1000;
+        const auto expects = [&](int ms, const std::string& compare) {
+            script +=
+                "at " + std::to_string(moment + ms) + " expect ckTmAnn.backColor " + compare + " 12648384\n";
+        };
+        expects(-100, "!="), expects(200, "="), expects(2900, "="), expects(3200, "!=");
+    }
+    perform(script + "at 9000000 end\n", "--no-sound");
+    perform(
+        "at 0 time 10:59:50\n"
+        "at 100 click ckTmAnn\n"
+        "at 10000 time 09:59:50\n"  // an hour back: once more
+        "at 20300 time 10:59:54\n"  // on: its own
+        "at 30000 time 11:30:00\n"
+        "at 31000 time 13:00:00\n"  // over a moment: once less
+        "at 40000 end\n");
+    const Sound heard = show.heard();
+    std::vector<double> starts;
+    for (std::size_t at = firstSound(heard, 0, 0.01F); at < heard.frames();
+         at = firstSound(heard, at + framesOf(3100), 0.01F))
+        starts.push_back(msOf(at));
+    ASSERT_EQ(starts.size(), 3U);
+    EXPECT_NEAR(starts[0], 5000, kPeriodMs);
+    EXPECT_NEAR(starts[1], 15000, kPeriodMs);
+    EXPECT_NEAR(starts[2], 21300, kPeriodMs);
+}
+
+TEST_F(Announcer, RefusesAFileThatIsNotThereAndIsStoppedByStop) {
+    perform(
+        "at 0 time 10:59:50\n"
+        "at 100 click ckTmAnn\n"
+        "at 200 expect DTMinute.enabled 1\n"
+        "at 300 set DTDelay 9\n"
+        "at 350 expect DTDelay 3\n"  // no longer than the announcement
+        "at 6000 click btStop\n"
+        "at 6100 expect DTMinute.enabled 0\n"
+        "at 6500 end\n");
+    EXPECT_LT(peak(show.heard(), framesOf(6050), framesOf(6500)), 1e-4F);
+    perform("at 100 click ckTmAnn\nat 200 expect DTMinute.enabled 0\nat 300 end\n", {},
+            "TimeAnnouncer=Audio_Sample\\nothing.wav\r\n");
+    EXPECT_NE(show.result("events.log").find("The time announcement could not be loaded"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace zv::test
