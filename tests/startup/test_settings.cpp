@@ -114,8 +114,8 @@ TEST_F(SettingsFile, KeysConvertAndAreHeldToTheirLimits) {
 }
 
 TEST_F(SettingsFile, EveryKeyIsSavedWhenItChanged) {
-    const std::set<std::string> atOnce{"ActiveFXTab", "IgnoredUpdate", "PRAfterDate", "Sealed",
-                                       "VuRMS",       "Touch",         "Autorepeat"};
+    const std::set<std::string> atOnce{"ActiveFXTab", "IgnoredUpdate", "LoudnessTarget", "PRAfterDate",
+                                       "Sealed",      "VuRMS",         "Touch",          "Autorepeat"};
     std::vector<std::pair<const char*, std::string>> wanted;
     load("");
     for (const SettingKey& key : SettingKeys()) {
