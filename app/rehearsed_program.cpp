@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/rehearsed_files.h"
 #include "audio/devices.h"
 #include "audio/open_palette.h"
 #include "audio/talk_over.h"
@@ -222,6 +223,7 @@ std::string mixFault() {
 }  // namespace
 
 std::string programFault() {
+    if (std::string fault = filesFault(); !fault.empty()) return fault;
     if (settings.DeviceSingle == 0) {
         if (std::string fault = mixFault(); !fault.empty()) return fault;
     }

@@ -43,7 +43,6 @@ constexpr float kSecondsPerMs = 0.001F;
 bool inRange(int index) { return index >= 0 && index < kJingles; }
 /// A channel that must not be taken away: it plays, or waits for data.
 bool sounds(std::uint32_t channel) {
-    if (channel == 0) return false;
     const DWORD active = BASS_ChannelIsActive(channel);
     return active == BASS_ACTIVE_PLAYING || active == BASS_ACTIVE_STALLED;
 }

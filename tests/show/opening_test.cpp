@@ -212,6 +212,7 @@ TEST_F(Opening, EffectsAreOnFromTheStart) {
         {"neutral", "", 0, 3},
         {"short vector", "FXV_0=0,0\r\n", 0, 3},
         {"the slider's sign is turned", "FXV_0=0,0,0,-6,0,0,0,0,0,44100,0\r\n", 6, 3},
+        {"two and a half octaves wide", "FXV_0=0,0,0,0,-6,0,0,0,0,44100,0\r\n", 3, 3},
         {"cut", "FXV_0=0,0,0,6,0,0,0,0,0,44100,0\r\n", -6, 3},
         {"tempo", "FXV_0=0,0,0,0,0,0,0,0,25,44100,0\r\n", 0, 2.4},
         {"rate", "FXV_0=0,0,0,0,0,0,0,0,0,66150,0\r\n", 0, 2},

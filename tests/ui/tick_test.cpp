@@ -182,6 +182,16 @@ TEST_F(TickTest, theBlinkShowsAndHidesDigitsAndBars) {
     pass(100);
     EXPECT_FALSE(timers().TimerWarnBlink.enabled());
     EXPECT_EQ(frmMain().display.lblPosSecU.foreColor, settings.CountDownColor);
+    // A sound shorter than the warning's time gives one only when all do.
+    load(2, 900);
+    for (const std::uint8_t all : {0, 1}) {
+        settings.WarnAllJ = all;
+        press(2);
+        pass(300);
+        EXPECT_EQ(timers().TimerWarnBlink.enabled(), all == 1);
+        evStop();
+        pass(100);
+    }
 }
 
 TEST_F(TickTest, marksFlash) {
