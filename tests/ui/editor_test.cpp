@@ -208,4 +208,43 @@ TEST_F(EditorTest, randomMovesReachRecordAndChannelAndNothingElse) {
     EXPECT_TRUE(reports.empty());
 }
 
+TEST_F(EditorTest, keysPlayAndSetStartAndStopUnlessAFieldTakesThem) {
+    open();
+    const Key in = static_cast<Key>('I'), out = static_cast<Key>('O');
+    struct Row {
+        const char* name;
+        Control* focus;
+        Key key;
+        int shift;
+        bool repeat, taken, sounds;
+        double start, stop;  ///< seconds, within a tenth
+    };
+    const Row rows[] = {{"silent", nullptr, in, 0, false, false, false, 0, 0},
+                        {"a field takes blanks", w.TxtPos.sec, Key::space, 0, false, false, false, 0, 0},
+                        {"a key takes them", &w.btOK, Key::space, 0, false, false, false, 0, 0},
+                        {"with a modifier", nullptr, Key::space, kCtrlMask, false, false, false, 0, 0},
+                        {"held", nullptr, Key::space, 0, true, true, false, 0, 0},
+                        {"play", nullptr, Key::space, 0, false, true, true, 0, 0},
+                        {"a field takes letters", w.TxtPos.sec, in, 0, false, false, true, 0, 0},
+                        {"start", &w.btOK, in, 0, false, true, true, 1.0, 0},
+                        {"stop: it has got there", nullptr, out, 0, false, true, false, 1.0, 1.5},
+                        {"from its start", nullptr, Key::space, 0, false, true, true, 1.0, 1.5},
+                        {"once more stops", nullptr, Key::space, 0, false, true, false, 1.0, 1.5}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        if (row.key == in && row.taken) pass(500);
+        if (row.key == out) pass(500);
+        desktop().focus = row.focus;
+        KeyEvent event{row.key, row.shift, row.repeat};
+        w.form.window.onKeyDown(event);
+        pass(100);
+        EXPECT_EQ(event.consumed, row.taken);
+        EXPECT_EQ(BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_PLAYING, row.sounds);
+        EXPECT_NEAR(j.CueStart / kSecond, row.start, 0.45);
+        EXPECT_NEAR(j.StopPos / kSecond, row.stop, 0.45);
+        EXPECT_EQ(j.CueStart > 0, row.start > 0);
+        EXPECT_EQ(j.StopPos > 0, row.stop > 0);
+    }
+}
+
 }  // namespace zv::test

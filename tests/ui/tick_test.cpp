@@ -184,11 +184,11 @@ TEST_F(TickTest, theBlinkShowsAndHidesDigitsAndBars) {
     EXPECT_EQ(frmMain().display.lblPosSecU.foreColor, settings.CountDownColor);
     // A sound shorter than the warning's time gives one only when all do.
     load(2, 900);
-    for (const std::uint8_t all : {0, 1}) {
-        settings.WarnAllJ = all;
+    for (const bool all : {false, true}) {
+        settings.WarnAllJ = all ? 1 : 0;
         press(2);
         pass(300);
-        EXPECT_EQ(timers().TimerWarnBlink.enabled(), all == 1);
+        EXPECT_EQ(timers().TimerWarnBlink.enabled(), all);
         evStop();
         pass(100);
     }
