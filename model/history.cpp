@@ -80,7 +80,7 @@ HistoryEntry read(int number) {
 bool write(const HistoryEntry& entry) {
     std::error_code error;
     fs::create_directories(folder(), error);
-    std::string text = std::string("[") + kHead + "]\r\nDate=" + entry.date + "\r\nName=" + entry.name +
+    std::string text = "[" + std::string(kHead) + "]\r\nDate=" + entry.date + "\r\nName=" + entry.name +
                        "\r\nReason=" + kReasons[static_cast<std::size_t>(entry.reason)] + "\r\n";
     if (entry.hot) text += "Hot=1\r\n";
     if (entry.isFile()) text += "Data=" + entry.data + "\r\n";

@@ -159,7 +159,7 @@ TEST_F(PlaylistTest, IsEditedUntilItIsEmpty) {
     clPlaylist(kShow);
     ASSERT_EQ(s_.lstPL.items(), std::vector<std::string>{"Night show"});
     s_.lstPL.listIndex = 0;
-    s_.lstPL.onChange();
+    s_.lstPL.onMouseUp({});
     EXPECT_EQ(w_.lstPlaylist.listIndex, 2);
     w_.ckAutoMix.value = 1;
     w_.btOK.onClick();
@@ -172,7 +172,7 @@ TEST_F(PlaylistTest, IsEditedUntilItIsEmpty) {
     clLockedBy(kShow);
     EXPECT_FALSE(s_.btNew.enabled);
     s_.lstPL.listIndex = 0;
-    s_.lstPL.onChange();
+    s_.btOpen.onClick();
     EXPECT_EQ(w_.lstPlaylist.listIndex, 2);
     // Line by line it empties; confirmed, it is gone with its locks.
     for (int i = 0; i < 3; ++i) w_.btRemove.onClick();

@@ -314,7 +314,11 @@ void WirePlaylists() {
     const auto on = [](const char* procedure, void (*body)()) {
         return [procedure, body] { guarded(procedure, body); };
     };
-    s.lstPL.onChange = on("frmPlaylistSelector.lstPL_Click", lstPL_Click);
+    // The keyboard's way through the list chooses nothing yet.
+    s.lstPL.onMouseUp = [](const MouseEvent& e) {
+        if (e.button == MouseButton::left) guarded("frmPlaylistSelector.lstPL_Click", lstPL_Click);
+    };
+    s.btOpen.onClick = on("frmPlaylistSelector.btOpen_Click", lstPL_Click);
     s.btNew.onClick = on("frmPlaylistSelector.btNew_Click", btNew_Click);
     s.btCancel.onClick = on("frmPlaylistSelector.btCancel_Click", [] {
         frmPlaylistSelector().form.close();

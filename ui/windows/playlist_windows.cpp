@@ -14,7 +14,8 @@ PlaylistSelector::PlaylistSelector() {
                                           .height = kListHeight,
                                           .grows = true}}}}},
                    .keysLeft = {{.control = &btNew, .tip = "plbtNewTip"}},
-                   .keys = {{.control = &btCancel, .tip = "plbtCancelTip", .role = KeyRole::cancel}},
+                   .keys = {{.control = &btCancel, .tip = "plbtCancelTip", .role = KeyRole::cancel},
+                            {.control = &btOpen, .tip = "plbtOpenTip", .role = KeyRole::accept}},
                    .width = kNarrow,
                    .modal = true});
 }

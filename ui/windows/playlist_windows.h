@@ -16,6 +16,7 @@ struct PlaylistSelector {
         form.control("lstPLRef", ControlKind::listBox);  ///< sections, at the indices of lstPL; hidden
     Control& btNew = form.control("btNew", ControlKind::button, "plbtNew");
     Control& btCancel = form.control("btCancel", ControlKind::button, "plbtCancel");
+    Control& btOpen = form.control("btOpen", ControlKind::button, "plbtOpen");
 };
 
 struct PlaylistWindow {
