@@ -129,6 +129,23 @@ TEST_F(EditorTest, timesGoToTheNearestPlaceThatTheyMayHave) {
     }
 }
 
+TEST_F(EditorTest, whatANumberPushesWhileItIsTypedComesBack) {
+    open("Seq=1 LoopIn=2000 LoopOut=4000");
+    const auto type = [&](const TimeFields& t, std::initializer_list<int> values) {
+        desktop().focus = t.cs;
+        t.cs->onFocus();
+        for (const int hundredths : values) setTime(t, hundredths / 100, hundredths % 100);
+        desktop().focus = nullptr;
+    };
+    type(w.TxtLO, {100, 550});
+    EXPECT_NEAR(j.LoopIn, 2 * kSecond, kBytesPerFrame);
+    EXPECT_NEAR(j.LoopOut, 5.5 * kSecond, kBytesPerFrame);
+    type(w.TxtLI, {700, 300});
+    EXPECT_NEAR(j.LoopOut, 5.5 * kSecond, kBytesPerFrame);
+    type(w.TxtLI, {700});
+    EXPECT_EQ(j.LoopOut, j.LoopIn + 5280);
+}
+
 TEST_F(EditorTest, openingAndClosingChangesNothing) {
     const std::string odd = "0.5,0,0,0,0,0,0,33.5,2.25,44123,1.5";
     open("CueStart=101 StopPos=7003 FXV=" + odd);

@@ -9,6 +9,8 @@
 #include "audio/edit_sound.h"
 #include "audio/play.h"
 #include "audio/sounding.h"
+#include "model/state.h"
+#include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
@@ -24,10 +26,21 @@ constexpr int kHundredths = 100;
 constexpr int kFadeStepMs = 100;
 constexpr double kTenths = 10;
 
+/// The loop as it was when one of its fields took the keyboard: what a number pushes while it is typed digit by digit
+/// comes back with the digits that follow.
+struct {
+    double in = 0, out = 0;
+} loopAtFocus;
+
 bool settingMode = false;  ///< the fields change their point: nothing is checked
 
 double seconds(double bytes) { return EditSeconds(Edited.index, bytes); }
 double bytesOf(const TimeFields& fields) { return EditBytes(Edited.index, SecondsOf(fields.shown())); }
+
+bool hasKeyboard(const TimeFields& t) {
+    const Control* focused = focusedControl();
+    return focused != nullptr && (focused == t.min || focused == t.sec || focused == t.cs);
+}
 
 bool startChosen() { return frmFX().optStartEnd[0]->value == 1; }
 
@@ -191,11 +204,16 @@ void SetEndSync(double stop) {
     ArmStopSync(Edited.index);
 }
 
-void checktimeLI() { takeLoopIn(bytesOf(frmFX().TxtLI)); }
+void checktimeLI() {
+    const TimeFields& fields = frmFX().TxtLI;
+    if (hasKeyboard(fields)) EditedRecord().LoopOut = loopAtFocus.out;
+    takeLoopIn(bytesOf(fields));
+}
 
 void checktimeLO() {
     const JingleWindow& w = frmFX();
     const SoundLength sound = EditedLength();
+    if (hasKeyboard(w.TxtLO)) EditedRecord().LoopIn = loopAtFocus.in;
     const double position = bytesOf(w.TxtLO);
     const bool atEnd = w.sldLO.value >= w.sldLO.maximum() && position >= sound.length - sound.minGap;
     takeLoopOut(atEnd ? sound.length : position);
@@ -301,6 +319,11 @@ void WirePositionsPage() {
     onTime(w.TxtPos, "frmFX.checktimecue", checktimecue);
     onTime(w.TxtLI, "frmFX.checktimeLI", checktimeLI);
     onTime(w.TxtLO, "frmFX.checktimeLO", checktimeLO);
+    for (const TimeFields& t : {w.TxtLI, w.TxtLO})
+        for (Control* c : {t.min, t.sec, t.cs})
+            c->onFocus = [] {
+                if (FxOpen) loopAtFocus = {EditedRecord().LoopIn, EditedRecord().LoopOut};
+            };
     w.sldPos.onChange = [] { guarded("frmFX.sldPos_Change", sldPos_Change); };
     w.sldLI.onChange = [] { guarded("frmFX.sldLI_Change", sldLI_Change); };
     w.sldLO.onChange = [] { guarded("frmFX.sldLO_Change", sldLO_Change); };
