@@ -1,9 +1,7 @@
 // Handles, errors, arguments without sense, states, devices, levels, recordings, web streams.
-#include <atomic>
 #include <future>
 #include <limits>
 #include <set>
-#include <thread>
 
 #include "tests/engine/show.h"
 

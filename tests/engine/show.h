@@ -12,7 +12,9 @@
 #include <vector>
 
 #include <algorithm>
+#include <atomic>
 #include <random>
+#include <thread>
 #include "engine/api/engine.h"
 #include "engine/bass.h"
 #include "engine/ports.h"

@@ -1,6 +1,4 @@
 // Syncs: on the right frame, once, never late; what they command acts a period later at most.
-#include <atomic>
-#include <thread>
 
 #include "tests/engine/show.h"
 

@@ -1,8 +1,6 @@
 // The engine under devices with threads of their own: for the sanitizers, and for what must never wait.
-#include <atomic>
 #include <condition_variable>
 #include <mutex>
-#include <thread>
 
 #include "platform/soundtouch/soundtouch_stretcher.h"
 #include "tests/engine/random_operations.h"

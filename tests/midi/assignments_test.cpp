@@ -1,14 +1,10 @@
 // MIDI.ini: what is read is written again to the byte, damage costs what it hit, presets, former owners, codes.
 
-#include "midi/codes.h"
 #include "midi/faults.h"
 #include "midi/learn.h"
 #include "midi/learn_commands.h"
-#include "midi/settings_commands.h"
 #include "startup/errors.h"
 #include "tests/midi/surface.h"
-#include "ui/records/jingle_buttons.h"
-#include "ui/records/main_window.h"
 #include "ui/windows/form_window.h"
 #include "ui/windows/midi_button_window.h"
 #include "ui/windows/midi_learn.h"

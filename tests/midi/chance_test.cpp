@@ -2,10 +2,8 @@
 // agree with the records.
 
 #include <cstdlib>
-#include <map>
 #include <random>
 
-#include "midi/codes.h"
 #include "tests/midi/surface.h"
 
 namespace zv::test {

@@ -3,12 +3,9 @@
 #include <thread>
 
 #include "midi/devices.h"
-#include "midi/feedback.h"
 #include "midi/lifecycle.h"
 #include "midi/ring.h"
-#include "midi/settings_commands.h"
 #include "platform/common/midi_queue.h"
-#include "platform/timers.h"
 #include "tests/midi/surface.h"
 
 namespace zv::test {

@@ -1,12 +1,8 @@
 // Messages as data: what each of the 22 tests of the dispatch asks the program for and sends back, and that the order
 // of the tests decides where codes overlap. Then the same through the window and the sound.
 
-#include <map>
-
 #include "midi/dispatch.h"
-#include "midi/feedback.h"
 #include "model/actions.h"
-#include "platform/timers.h"
 #include "tests/midi/surface.h"
 
 namespace zv::test {

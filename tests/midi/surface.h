@@ -4,9 +4,14 @@
 #include <string>
 #include <vector>
 
+#include <map>
 #include "midi/assignments.h"
+#include "midi/codes.h"
+#include "midi/feedback.h"
+#include "midi/settings_commands.h"
 #include "midi/state.h"
 #include "platform/rehearsal/midi_devices.h"
+#include "platform/timers.h"
 #include "tests/ui/window_test.h"
 
 namespace zv::test {

@@ -1,8 +1,4 @@
 // The time announcer: its moment, its jingle, and the clock that is set.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 #include "show.h"
 

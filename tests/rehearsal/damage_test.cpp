@@ -1,7 +1,5 @@
 // Files that are not what they should be.
 
-#include <random>
-
 #include "show.h"
 
 namespace zv::test {

@@ -6,14 +6,9 @@
 
 #include <charconv>
 #include <chrono>
-#include <cstdlib>
-#include <map>
-#include <random>
-#include <sstream>
 #include <thread>
 
 #include "show.h"
-#include "tests/support/places.h"
 
 namespace zv::test {
 namespace {

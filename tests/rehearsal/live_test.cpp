@@ -1,8 +1,4 @@
 // The live stream as a presenter meets it.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 #include "show.h"
 

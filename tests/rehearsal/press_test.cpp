@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "show.h"
-#include "tests/support/places.h"
 
 namespace zv::test {
 namespace {

@@ -1,10 +1,8 @@
 // The rehearsal itself: its statuses, its messages, and that it is the same each time.
 
-#include <cstdlib>
 #include <utility>
 
 #include "show.h"
-#include "tests/support/places.h"
 
 namespace zv::test {
 namespace {

@@ -2,10 +2,15 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <random>
+#include <sstream>
 #include <string>
 #include <vector>
+#include "tests/support/places.h"
 
 namespace zv::test {
 

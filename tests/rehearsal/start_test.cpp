@@ -6,8 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <map>
-#include <sstream>
 
 #include "show.h"
 

@@ -1,11 +1,8 @@
 // Outputs, inputs and what stands between them.
-#include <cmath>
 
-#include "audio/devices.h"
 #include "audio/effects.h"
 #include "audio/output_watch.h"
 #include "model/colours.h"
-#include "startup/stores.h"
 #include "tests/show/show.h"
 
 namespace zv::test {

@@ -1,8 +1,6 @@
 // From keys to channels: what a file makes of its slot, also one that is missing, empty, cut or no sound at
 // all.
-#include <cmath>
 
-#include "audio/devices.h"
 #include "tests/show/show.h"
 
 namespace zv::test {

@@ -9,7 +9,6 @@
 #include "model/palette_lines.h"
 #include "model/pending_removals.h"
 #include "model/upcalls.h"
-#include "startup/stores.h"
 #include "tests/show/show.h"
 
 namespace zv::test {

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include <cmath>
+#include "audio/devices.h"
 #include "audio/play.h"
 #include "audio/streams.h"
 #include "audio/upcalls.h"
@@ -12,6 +14,7 @@
 #include "model/palette_files.h"
 #include "model/state.h"
 #include "startup/settings.h"
+#include "startup/stores.h"
 #include "tests/support/studio.h"
 
 namespace zv::test {

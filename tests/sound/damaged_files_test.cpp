@@ -3,7 +3,6 @@
 #include <chrono>
 #include <fstream>
 
-#include "engine/bass.h"
 #include "tests/sound/workshop.h"
 
 namespace zv::test {

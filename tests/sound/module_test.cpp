@@ -1,7 +1,6 @@
 // Tracker modules, written by the test itself.
 #include <utility>
 
-#include "engine/bass.h"
 #include "tests/sound/workshop.h"
 
 namespace zv::test {

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <cmath>
 #include <random>
+#include "engine/bass.h"
 #include "engine/ports.h"
 #include "platform/file_decoders/file_decoders.h"
 

@@ -9,13 +9,16 @@
 #include <vector>
 
 #include <gmock/gmock.h>
+#include <set>
 #include "platform/clock.h"
 #include "platform/desktop.h"
 #include "platform/paths.h"
+#include "startup/backups.h"
 #include "startup/datafiles.h"
 #include "startup/errors.h"
 #include "startup/helpers.h"
 #include "startup/impulse.h"
+#include "startup/instance_lock.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"

@@ -1,8 +1,6 @@
 // The files that come into being at the start, their backups, the folder they lie in, the lock and the trace.
 
-#include "startup/backups.h"
 #include "startup/command_line.h"
-#include "startup/instance_lock.h"
 #include "startup/trace.h"
 #include "tests/startup/surroundings.h"
 

@@ -4,7 +4,6 @@
 #include <cctype>
 #include <fstream>
 #include <iterator>
-#include <set>
 
 #include "startup/language.h"
 #include "tests/startup/surroundings.h"

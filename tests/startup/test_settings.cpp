@@ -1,7 +1,6 @@
 // zv.ini: what its keys load as, and the ways of loading, saving and sorting.
 
 #include <map>
-#include <set>
 
 #include "startup/settings_table.h"
 #include "tests/startup/surroundings.h"

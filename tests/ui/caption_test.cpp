@@ -1,6 +1,5 @@
 // Texts: captions of paths, durations, dates.
 
-#include "platform/clock.h"
 #include "tests/ui/window_test.h"
 #include "ui/screen/captions.h"
 #include "ui/screen/clock.h"

@@ -1,11 +1,9 @@
 // The jingle editor: what its controls do to the record and to the channel that plays.
 
-#include <algorithm>
 #include <cstdlib>
 #include <random>
 
 #include "audio/effects.h"
-#include "platform/clock.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/jingle_editor.h"
 #include "ui/windows/jingle_window.h"

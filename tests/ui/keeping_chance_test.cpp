@@ -1,12 +1,8 @@
 // A presenter's own steps by chance, against a plain model of what he would expect to find in the files and on the
 // buttons. ZENTROVA_SEQUENCES sets how many sequences are gone through.
-#include <algorithm>
 #include <cstdlib>
-#include <map>
 #include <optional>
-#include <random>
 
-#include "startup/helpers.h"
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/leave_palette.h"
 

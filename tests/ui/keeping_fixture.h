@@ -3,20 +3,25 @@
 
 #include <string>
 
+#include <map>
+#include <random>
 #include <utility>
 #include "audio/open_palette.h"
 #include "model/held_palette.h"
 #include "model/history.h"
 #include "model/palette_files.h"
 #include "model/pending_removals.h"
+#include "startup/helpers.h"
 #include "startup/stores.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/move.h"
 #include "ui/edit/palette_list.h"
 #include "ui/edit/palette_steps.h"
 #include "ui/edit/remove.h"
+#include "ui/edit/rename.h"
 #include "ui/edit/save_dialogue.h"
 #include "ui/edit/unsaved.h"
+#include "ui/windows/rename_window.h"
 
 namespace zv::test {
 

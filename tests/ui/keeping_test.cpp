@@ -4,11 +4,9 @@
 #include "startup/errors.h"
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/history.h"
-#include "ui/edit/rename.h"
 #include "ui/press/exit_key.h"
 #include "ui/screen/error_mark.h"
 #include "ui/windows/history_window.h"
-#include "ui/windows/rename_window.h"
 
 namespace zv::test {
 

@@ -1,6 +1,5 @@
 // Who goes down, when, how far and how fast: auto-duck, automix, microphone; and what the presenter sees of it.
 
-#include <algorithm>
 #include <cmath>
 
 #include "audio/devices.h"

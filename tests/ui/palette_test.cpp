@@ -1,14 +1,12 @@
 // The palette list and the buttons' contents: picking, stepping, naming, deleting, assigning, moving,
 // colouring.
 
-#include "audio/open_palette.h"
 #include "model/palette_files.h"
 #include "model/pending_removals.h"
 #include "startup/language.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/move.h"
-#include "ui/edit/palette_list.h"
 #include "ui/edit/palette_load.h"
 #include "ui/edit/palette_steps.h"
 #include "ui/edit/remove.h"

@@ -1,23 +1,12 @@
 // Playlists with their switch on: bound buttons, locked jingles, the two windows and the file.
-#include <gtest/gtest.h>
 
-#include <algorithm>
-#include <string>
-#include <vector>
-
-#include "audio/open_palette.h"
 #include "model/palette_files.h"
 #include "model/playlists.h"
-#include "model/state.h"
-#include "startup/settings.h"
-#include "startup/stores.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/jingle_menu.h"
-#include "ui/edit/palette_list.h"
 #include "ui/edit/playlists.h"
 #include "ui/edit/search.h"
 #include "ui/edit/undo.h"
-#include "ui/records/main_window.h"
 #include "ui/screen/button_faces.h"
 #include "ui/windows/playlist_windows.h"
 #include "ui/windows/search_window.h"

@@ -4,7 +4,6 @@
 #include <ostream>
 
 #include "audio/streams.h"
-#include "platform/clock.h"
 #include "startup/errors.h"
 #include "startup/language.h"
 #include "tests/ui/window_test.h"

@@ -1,11 +1,8 @@
 // Finding a jingle: names without accents and case, the palettes and hits, the palette opened with its hits blinking.
 
-#include <algorithm>
 #include <random>
 
-#include "audio/open_palette.h"
 #include "tests/ui/window_test.h"
-#include "ui/edit/palette_list.h"
 #include "ui/edit/search.h"
 #include "ui/edit/search_index.h"
 #include "ui/records/timers.h"

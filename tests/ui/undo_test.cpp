@@ -1,33 +1,13 @@
 // Edits by chance and as many undos: files and records are as they were, to the byte.
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
-#include <filesystem>
-#include <functional>
-#include <map>
-#include <random>
-#include <string>
-#include <utility>
-#include <vector>
 
-#include "audio/play.h"
-#include "model/state.h"
-#include "startup/helpers.h"
-#include "startup/settings.h"
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/jingle_editor.h"
-#include "ui/edit/move.h"
-#include "ui/edit/options.h"
-#include "ui/edit/remove.h"
-#include "ui/edit/rename.h"
 #include "ui/edit/undo.h"
-#include "ui/records/armed.h"
-#include "ui/records/main_window.h"
 #include "ui/windows/jingle_window.h"
-#include "ui/windows/rename_window.h"
 
 namespace zv::test {
 

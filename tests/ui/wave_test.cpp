@@ -1,7 +1,6 @@
 // The picture of a sound in the jingle editor: what stands where, what the mouse and the keys do with it, and what
 // becomes of a file that changes meanwhile; the loudness beside it.
 
-#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <optional>

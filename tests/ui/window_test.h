@@ -5,16 +5,20 @@
 #include <string>
 #include <vector>
 
+#include <algorithm>
+#include "audio/open_palette.h"
 #include "audio/play.h"
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/state.h"
+#include "platform/clock.h"
 #include "startup/settings.h"
 #include "startup/stores.h"
 #include "tests/support/desktop.h"
 #include "tests/support/ear.h"
 #include "tests/support/studio.h"
 #include "ui/edit/options.h"
+#include "ui/edit/palette_list.h"
 #include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"

@@ -5,8 +5,6 @@
 
 #include <chrono>
 
-#include "startup/backups.h"
-#include "startup/instance_lock.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {
