@@ -8,14 +8,22 @@
 namespace zv::engine::dsp {
 namespace {
 
-struct Sums {
-    float peakLeft, peakRight, powerLeft, powerRight;
-};
-
 #define ZV_KERNELS "engine/dsp/level_meter_kernels.h"
 #include "engine/dsp/two_paths.h"
 
 }  // namespace
+
+StereoSums measureStereo(const float* stereo, std::size_t frames) {
+    return (wideChosen() ? wide::measure : plain::measure)(stereo, frames);
+}
+
+StereoSums measureMono(const float* mono, std::size_t frames) {
+    const StereoSums pairs = measureStereo(mono, frames / 2);  // every second one counts as the other side
+    const float last = frames % 2 == 0 ? 0 : mono[frames - 1];
+    const float peak = std::max({pairs.peakLeft, pairs.peakRight, std::fabs(last)});
+    const float power = pairs.powerLeft + pairs.powerRight + last * last;
+    return {peak, peak, power, power};
+}
 
 LevelMeter::LevelMeter(double rate, double seconds)
     : rate_(std::max(rate, 1.0)),
@@ -35,10 +43,9 @@ void LevelMeter::close() {
 }
 
 void LevelMeter::feed(const float* stereo, std::size_t frames, float gain) {
-    const bool w = wideChosen();
     while (frames > 0) {
         const std::size_t part = std::min(frames, kBucket - inBucket_);
-        const Sums s = (w ? wide::measure : plain::measure)(stereo, part);
+        const StereoSums s = measureStereo(stereo, part);
         const float size = std::fabs(gain), square = gain * gain;
         peakLeft_ = std::max(peakLeft_, s.peakLeft * size);
         peakRight_ = std::max(peakRight_, s.peakRight * size);

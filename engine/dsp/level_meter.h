@@ -13,6 +13,15 @@ struct StereoLevel {
     float left = 0, right = 0;
 };
 
+/// Peaks and sums of squares of both sides.
+struct StereoSums {
+    float peakLeft = 0, peakRight = 0, powerLeft = 0, powerRight = 0;
+};
+/// Of `frames` stereo frames. [any]
+StereoSums measureStereo(const float* stereo, std::size_t frames);
+/// Of `frames` mono frames: both sides the same. [any]
+StereoSums measureMono(const float* mono, std::size_t frames);
+
 class LevelMeter {
   public:
     static constexpr std::size_t kBucket = 64;  ///< frames: the grain of the window

@@ -3,7 +3,7 @@
 
 /// Peak and power of `frames` frames. The next block of the same sound is asked for while this one is
 /// measured: with a hundred sounds in turn the processor does not foresee it by itself.
-Sums measure(const float* stereo, std::size_t frames) {
+StereoSums measure(const float* stereo, std::size_t frames) {
     constexpr std::size_t kAhead = 512;  // samples
     Eight peak{}, even{}, odd{};
     std::size_t i = 0;
@@ -24,7 +24,7 @@ Sums measure(const float* stereo, std::size_t frames) {
     const auto sum = [&](std::size_t side) {
         return (power[side] + power[side + 4]) + (power[side + 2] + power[side + 6]);
     };
-    Sums sums{most(0), most(1), sum(0), sum(1)};
+    StereoSums sums{most(0), most(1), sum(0), sum(1)};
     for (; i < frames; ++i) {
         const float left = stereo[2 * i], right = stereo[2 * i + 1];
         const float l = left < 0 ? -left : left, r = right < 0 ? -right : right;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "engine/dsp/level_meter.h"
 #include "engine/realtime/thread_tags.h"
 
 namespace zv::engine {
@@ -138,24 +139,18 @@ bool PagedSound::crowded() const {
 
 void PagedSound::measure(std::uint64_t frame, std::uint64_t count, float gain, float (&peak)[2],
                          double (&power)[2]) const {
-    const std::size_t channels = format_.channels, right = channels - 1;  // of a mono sound the same one
     const float size = std::abs(gain);
     readers_.fetch_add(1, std::memory_order_seq_cst);
     while (count > 0 && frame < length_) {
         const std::uint64_t n = std::min<std::uint64_t>({count, kPage - frame % kPage, length_ - frame});
         if (const float* samples = page(frame / kPage)) {
-            samples += frame % kPage * channels;
-            float top[2]{}, sum[2]{};
-            for (std::uint64_t i = 0; i < n; ++i, samples += channels) {
-                top[0] = std::max(top[0], std::abs(samples[0]));
-                top[1] = std::max(top[1], std::abs(samples[right]));
-                sum[0] += samples[0] * samples[0];
-                sum[1] += samples[right] * samples[right];
-            }
-            for (const std::size_t side : {0U, 1U}) {
-                peak[side] = std::max(peak[side], top[side] * size);
-                power[side] += static_cast<double>(sum[side]) * size * size;
-            }
+            samples += frame % kPage * format_.channels;
+            const dsp::StereoSums sums =
+                format_.channels == 1 ? dsp::measureMono(samples, n) : dsp::measureStereo(samples, n);
+            peak[0] = std::max(peak[0], sums.peakLeft * size);
+            peak[1] = std::max(peak[1], sums.peakRight * size);
+            power[0] += static_cast<double>(sums.powerLeft) * size * size;
+            power[1] += static_cast<double>(sums.powerRight) * size * size;
         }
         frame += n;
         count -= n;
