@@ -41,6 +41,7 @@ struct SplitHub {
     std::uint64_t frames;       ///< that the ring holds
     std::uint64_t written = 0;  ///< frames ever written [audio]
     bool ended = false;         ///< [audio]
+    int sounding = 0;           ///< readers that sound [audio]
 };
 
 /// Keeps a freed channel alive until the audio side has let go of it.

@@ -109,6 +109,18 @@ Graph::List Graph::listOf(const AudioState& a) {
     return {&output.first, &output.last};
 }
 
+/// Tells the file behind a channel that it will be read, or no more. What lies behind a split is read while one of its
+/// readers sounds.
+void Graph::soundsOrRests(Channel& channel, bool sounds) {
+    Channel& root = channel.root();
+    if (root.sound) root.sound->setSounding(sounds);
+    if (!root.hub) return;
+    SplitHub& hub = *root.hub;
+    const bool before = hub.sounding > 0;
+    hub.sounding += sounds ? 1 : -1;
+    if (before != (hub.sounding > 0)) soundsOrRests(*hub.source, sounds);
+}
+
 void Graph::link(Channel& channel) {
     AudioState& a = channel.audio;
     const auto [first, last] = listOf(a);
@@ -118,7 +130,7 @@ void Graph::link(Channel& channel) {
     (*last ? (*last)->audio.next : *first) = &channel;
     *last = &channel;
     if (!isBus(channel)) ++sounding_;
-    if (Channel& root = channel.root(); root.sound) root.sound->setSounding(true);
+    soundsOrRests(channel, true);
 }
 
 void Graph::unlink(Channel& channel) {
@@ -129,7 +141,7 @@ void Graph::unlink(Channel& channel) {
     (a.next ? a.next->audio.previous : *last) = a.previous;
     a.previous = a.next = nullptr;
     if (!isBus(channel)) --sounding_;
-    if (Channel& root = channel.root(); root.sound) root.sound->setSounding(false);
+    soundsOrRests(channel, false);
 }
 
 void Graph::start(Channel& channel, std::uint32_t generation) {

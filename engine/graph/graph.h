@@ -107,6 +107,7 @@ class Graph {
     static void findFirstSync(AudioState& a);
     void expect(const Channel& channel, int syncs);
     List listOf(const AudioState& a);
+    static void soundsOrRests(Channel& channel, bool sounds);
     void link(Channel& channel);
     void unlink(Channel& channel);
     void move(Channel& channel, std::uint64_t frame, std::uint32_t moves);
