@@ -1,9 +1,9 @@
 #!/bin/bash
 # From a pad that is hit to the first sample that the engine hands to the sound server: starts an X server, a sound
 # server, a JACK server without a sound card and the program, all of its own; a surface presses a pad COUNT times (200).
-# Prints median, 95 % and worst in milliseconds from the moment at which the driver hands the message over, and whether
-# the lamps were right at the start and dark after the program was ended by a signal. A measurement: a busy machine gives
-# other numbers.
+# Prints median, 95 % and worst in milliseconds from the moment at which the driver hands the message over, how soon the
+# lamps are right when the cable is put back (with the start of the surface in it), and whether they were right at the
+# start and dark after the program was ended by a signal. A measurement: a busy machine gives other numbers.
 #   measure_midi.sh BIN_FOLDER [COUNT]
 set -u
 bin=$(cd "$1" && pwd)
@@ -44,6 +44,21 @@ await test -s "$work/home/Trace_start.log"
 await grep -q 903C02 "$work/sent"
 sleep 1
 echo "lamp after the start: $(tail -n 1 "$work/sent")"
+# The cable is pulled and put back five times: until the lamp is right again.
+for _ in 1 2 3 4 5; do
+    kill -TERM $surface
+    wait $surface 2>/dev/null
+    sleep 1.3
+    exec 4>&-
+    "$work/surface" "$count" 250 <"$work/begin" >"$work/sent" 2>"$work/surface.log" &
+    surface=$!
+    pids+=($surface)
+    exec 4>"$work/begin"
+    back=$(date +%s%N)
+    await grep -q 903C02 "$work/sent"
+    echo "lamp after the cable was put back: $((($(date +%s%N) - back) / 1000000)) ms"
+done
+sleep 1
 echo >&4
 for _ in $(seq $((count * 300 / 1000 + 60))); do
     [ -f "$work/trace" ] && [ "$(grep -c '^press' "$work/trace")" -ge "$count" ] && break
