@@ -78,7 +78,10 @@ TEST(Windows, ClipNoTextInAnyLanguageAtAnyScale) {
         "Escape\n"
         "at 900 rclick b_Jingle(0)\nat 900 menu mnuCol\nat 1000 expect frmColPick.clipped\nat 1050 key "
         "Escape\n"
-        "at 1100 end\n";
+        "at 1100 resize 800 600\nat 1200 expect frmMain.clipped\n"
+        "at 1300 click ckTab(1)\nat 1400 expect frmMain.clipped\nat 1500 click ckTab(2)\n"
+        "at 1600 expect frmMain.clipped\nat 1700 click ckTab(3)\nat 1800 expect frmMain.clipped\n"
+        "at 1900 resize 1024 600\nat 2000 expect frmMain.clipped\nat 2100 end\n";
     const struct {
         const char* language;
         const char* scale;

@@ -190,11 +190,11 @@ TEST_F(LayoutTest, limitsAtSmallAndLargeWindows) {
         int width, height, rows, thickness;
         int strip;  ///< pixels; the rows' spare ones come on top
         int bar;    ///< pixels
-    } cases[] = {{790, 590, 6, 0, 132, 4},
+    } cases[] = {{790, 590, 6, 0, 156, 4},
                  {1280, 800, 6, 2, 156, 8},
                  {3840, 2160, 6, 2, 300, 8},
                  {3840, 2160, 6, 1, 300, 6},
-                 {790, 590, 8, 2, 132, 6}};
+                 {790, 590, 8, 2, 156, 6}};
     for (const auto& c : cases) {
         settings.JinglesRows = c.rows;
         settings.JRemLevThickness = c.thickness;
@@ -205,7 +205,9 @@ TEST_F(LayoutTest, limitsAtSmallAndLargeWindows) {
             EXPECT_LT(pixels(*block), c.strip + c.rows) << block->name;
         }
         EXPECT_EQ(pixels(Button(0)->JRemLev), c.bar);
-        EXPECT_GT(w.keys.btStop.height, 32 * kTwipsPerPixel);
+        const PaletteTab& t = w.palettes;
+        for (const Control* key : {&w.keys.btStop, &t.btUp, &t.btDn, &t.ckAssign, &t.btDelPal})
+            EXPECT_GE(key->height, 32 * kTwipsPerPixel) << key->name;
         // Numbers end at the same distance from the edge, whatever their digits.
         for (const int index : {10, 15, kPaletteSlots + 4}) {
             const Control& one = Button(5)->lblbtnumber;
@@ -289,7 +291,7 @@ TEST_F(LayoutTest, theListOfKeysTellsWhatWorks) {
         EXPECT_FALSE(s.lblSCDesc[i]->caption().empty()) << s.lblKey[i]->caption();
     }
     EXPECT_NE(told.find("Alt+F9=Joined buttons\n"), std::string::npos) << told;
-    EXPECT_NE(told.find("Ctrl+Shift=Hold: copy a jingle\n"), std::string::npos);
+    EXPECT_NE(told.find("Ctrl+Shift=Key held: copy a jingle\n"), std::string::npos);
     EXPECT_NE(told.find("F2="), std::string::npos);
     const Control& announcer = frmMain().announcer.ckTmAnn;
     EXPECT_EQ(told.find("\nN=") != std::string::npos, announcer.enabled()) << "only keys that do something";

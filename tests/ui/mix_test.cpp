@@ -252,7 +252,7 @@ TEST_F(MixTest, theMicrophoneMakesRoom) {
         60;  // turned off it goes to the output's level, not to the full one
     TalkOverTog();
     EXPECT_NEAR(main(300), 20 * std::log10(0.6), 0.01);
-    EXPECT_EQ(foot(), "Talk over 60 % · Volume 60 % · Aux volume 60 %");
+    EXPECT_EQ(foot(), "Talkover 60 % · Volume 60 % · Aux volume 60 %");
     settings.Volume = settings.VolumeAux = 100;
 
     // The same colour for both keys holds the bus down, deliberately.

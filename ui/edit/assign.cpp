@@ -16,6 +16,7 @@
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/button_faces.h"
+#include "ui/screen/display_message.h"
 #include "ui/screen/highlight.h"
 
 namespace zv {
@@ -30,6 +31,7 @@ void clAssign(int index) {
     guarded("modClick.clAssign", [&] {
         JingleRecord& j = Jingle(index);
         if (j.Playing) {
+            ShowDisplayMessage(Ln("mRefPlaying"));
             return;
         }
         MainWindow& w = frmMain();
@@ -42,13 +44,17 @@ void clAssign(int index) {
         }
         std::string path = ClipPath;
         if (path.empty()) {
-            path = openFileDialog(Ln("mDlgAsBu"), settings.LastcmDlgDir, FileFilter());
+            path = openFileDialog(Ln("mDlgAsBu"), settings.LastcmDlgDir, Ln("mDlgType") + "|" + FileFilter());
             if (path.empty()) {
                 return;
             }
             settings.LastcmDlgDir = GetPath(path);
         }
-        if (path.empty() || !supported(path)) {
+        if (path.empty()) {
+            return;
+        }
+        if (!supported(path)) {
+            ShowDisplayMessage(Ln("mRefNoSound"));
             return;
         }
         const DisplayControls& d = w.display;
@@ -75,7 +81,9 @@ void b_Jingle_OLEDragDrop(int index, const std::string& path) {
             messageBox(LnBox("mNoClipB"), "Zentrova", BoxKind::information, BoxButtons::ok);
             return;
         }
-        if (Jingle(index).State != PlayState::idle || !supported(path)) {
+        const bool idle = Jingle(index).State == PlayState::idle;
+        if (!idle || !supported(path)) {
+            ShowDisplayMessage(Ln(idle ? "mRefNoSound" : "mRefPlaying"));
             return;
         }
         settings.LastcmDlgDir = GetPath(path);

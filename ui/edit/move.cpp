@@ -4,6 +4,7 @@
 
 #include "audio/sounding.h"
 #include "audio/streams.h"
+#include "model/colours.h"
 #include "model/held_palette.h"
 #include "model/jingle.h"
 #include "model/pending_removals.h"
@@ -21,6 +22,7 @@
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/button_faces.h"
+#include "ui/screen/display_message.h"
 
 namespace zv {
 
@@ -28,7 +30,11 @@ namespace {
 
 void cutOrCopy(int index, const std::string& mode) {
     const JingleRecord& j = Jingle(index);
-    if (Plays(index) || j.Kind == SlotKind::nothing) {
+    if (j.Kind == SlotKind::nothing) {
+        return;
+    }
+    if (Plays(index)) {
+        ShowDisplayMessage(Ln("mRefPlaying"));
         return;
     }
     const JingleButton* b = Button(index);
@@ -48,7 +54,11 @@ void cutOrCopy(int index, const std::string& mode) {
 void paste(int index) {
     // Hot jingles are the same in every palette.
     const bool samePalette = SameText(MoveSourcePalette, HeldPalette()) || MoveSrcJ >= kPaletteSlots;
-    if (MoveSrcJ < 0 || (samePalette && index == MoveSrcJ) || Plays(index)) {
+    if (MoveSrcJ < 0 || (samePalette && index == MoveSrcJ)) {
+        return;
+    }
+    if (Plays(index)) {
+        ShowDisplayMessage(Ln("mRefPlaying"));
         return;
     }
     MoveDstJ = index;
@@ -62,6 +72,8 @@ void paste(int index) {
         Jingle(index).persisted() = MoveBuffer.fields;
         Jingle(index).FadeAttrib = FadeAttribOf(Jingle(index));
         openStreams(index);
+        Jingle(index).BackRGB = ButtonColour(Jingle(index).BTNCol);
+        Jingle(index).ForeRGB = GetForeColor(Jingle(index).BackRGB, "jingle");
         Colour back = 0;
         Colour fore = 0;
         RestColours(index, back, fore);

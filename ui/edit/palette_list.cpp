@@ -32,10 +32,18 @@ void tellOfHidden(int hidden) {
     told = hidden;
 }
 
+/// Empty buttons of a program without a palette say what to do.
+struct HintAtEnd {
+    ~HintAtEnd() {
+        frmMain().fraJingles.caption = tab().lstPal.items().empty() ? Ln("mDropHere") : std::string();
+    }
+};
+
 }  // namespace
 
 void lstPalRefresh() {
     guarded("modMain.lstPalRefresh", [] {
+        const HintAtEnd hint;
         lockUpdates();
         Control& list = tab().lstPal;
         if (PalFileTest()) {

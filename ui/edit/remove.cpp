@@ -81,8 +81,8 @@ void ClearSelection() {
             captions += "\r\n" + (HasPlaylistMark(i, 'P') && b != nullptr ? b->b_Jingle.caption()
                                                                           : btCaption(Jingle(i).Path));
         }
-        if (messageBox(LnBox("mMsdb") + captions, "Zentrova", BoxKind::question, BoxButtons::yesNo) !=
-            BoxAnswer::yes) {
+        if (messageBox(LnBox(SelJ.size() > 1 ? "mMsdbMany" : "mMsdb") + captions, "Zentrova",
+                       BoxKind::question, BoxButtons::yesNo) != BoxAnswer::yes) {
             return;
         }
         const UndoStep step("unClear");

@@ -21,6 +21,7 @@
 #include "ui/edit/undo.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/button_faces.h"
+#include "ui/screen/display_message.h"
 #include "ui/windows/rename_window.h"
 
 namespace zv {
@@ -107,7 +108,11 @@ void typed() {
 void clRename(int index) {
     guarded("modClick.clRename", [&] {
         const JingleRecord& j = Jingle(index);
-        if (RenameJ != -1 || j.Path.empty() || Plays(index)) {
+        if (RenameJ != -1 || j.Path.empty()) {
+            return;
+        }
+        if (Plays(index)) {
+            ShowDisplayMessage(Ln("mRefPlaying"));
             return;
         }
         MainWindow& w = frmMain();

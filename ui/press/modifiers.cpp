@@ -4,6 +4,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "model/state.h"
 #include "platform/controls.h"
@@ -12,8 +13,10 @@
 #include "startup/language.h"
 #include "ui/edit/selection.h"
 #include "ui/records/armed.h"
+#include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/display_message.h"
+#include "ui/screen/highlight.h"
 
 namespace zv {
 
@@ -37,9 +40,28 @@ void say(std::string_view key) {
     }
 }
 
+/// What is carried is outlined until it is put down.
+void outlineCarried() {
+    constexpr Colour kCarried = 0x0060FF;  // the orange of a held card
+    static int outlined = -1;
+    if (outlined == MoveSrcJ) {
+        return;
+    }
+    for (const auto& [index, colour] : {std::pair{outlined, kNoColour}, std::pair{MoveSrcJ, kCarried}}) {
+        if (JingleButton* b = Button(index)) {
+            b->b_Jingle.borderColor = colour;
+        }
+    }
+    outlined = MoveSrcJ;
+}
+
 void nothingHeld() {
     if (!DisplayMessageShown()) {
-        showMessageLine(false);
+        const std::string armed = ArmedText();
+        if (!armed.empty()) {
+            frmMain().display.lblDispMessage.caption = armed;
+        }
+        showMessageLine(!armed.empty());
     }
     SelectorsSuppressed = false;
     if (SelectorsShown) {
@@ -116,6 +138,7 @@ void TimerKeyModifiersTick() {
             MoveSrcJ = -1;
             MoveDstJ = -1;
         }
+        outlineCarried();
         PrevCtrlDown = CtrlDown;
         PrevShiftDown = ShiftDown;
         static constexpr std::array<std::string_view, 3> fields{"DTDelay", "DTSecond", "DTMinute"};

@@ -1,5 +1,6 @@
 #include "ui/press/press.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,7 @@
 #include "model/state.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
+#include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
 #include "startup/settings.h"
@@ -28,6 +30,7 @@
 #include "ui/records/main_window.h"
 #include "ui/screen/button_faces.h"
 #include "ui/screen/captions.h"
+#include "ui/screen/display_message.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/screen/shaded.h"
 #include "ui/windows/form_window.h"
@@ -141,7 +144,9 @@ PressMeaning meaningOf(int index) {
             return PressMeaning::colour;
         }
         const JingleButton* b = Button(index);
-        if (Armed(w.options.ckFXI) && b != nullptr && b->b_Jingle.backColor == Shaded.fx) {
+        // What sounds keeps its face while the option is armed; it may be edited all the same.
+        if (Armed(w.options.ckFXI) && b != nullptr && !j.MissingFile &&
+            (j.Playing || b->b_Jingle.backColor == Shaded.fx)) {
             return PressMeaning::effects;
         }
     }
@@ -157,10 +162,32 @@ PressMeaning meaningOf(int index) {
     return filled && !j.MissingFile ? PressMeaning::play : PressMeaning::nothing;
 }
 
+/// Says why a press does nothing. An empty button means nothing and says nothing.
+void sayWhyNot(int index) {
+    const JingleRecord& j = Jingle(index);
+    if (j.Path.empty()) {
+        return;
+    }
+    const OptionsTab& t = frmMain().options;
+    const auto& modes = {&t.ckAutoRepI, &t.ckTouchI, &t.ckPlayStopI, &t.ckNoStopI};
+    const bool noModifier = !CtrlDown && !ShiftDown && !AltDown;
+    if (j.Seq != 0 &&
+        std::any_of(modes.begin(), modes.end(), [](const Control* key) { return Armed(*key); })) {
+        ShowDisplayMessage(Ln("mRefSequence"));
+    } else if (!noModifier && HasPlaylistMark(index, 'K')) {
+        ShowDisplayMessage(Ln("mRefLocked"));
+    } else if (j.MissingFile || j.Unplayable) {
+        const std::string why = j.Unplayable ? BassErrMessage(j.BassErr) : Ln("errMissFile");
+        ShowDisplayMessage(btCaption(j.Path) + ": " + why);
+    }
+}
+
 /// Removes the jingle after a question, unless a playlist holds it.
 void askAndRemove(int index, std::string_view message, bool withFile) {
     showMessage(message);
-    if (!HasPlaylistMark(index, 'K')) {
+    if (HasPlaylistMark(index, 'K')) {
+        sayWhyNot(index);
+    } else {
         DelJing(index, withFile);
     }
 }
@@ -177,6 +204,7 @@ void btClic(int index) {
                 clPlay(index, -1);
                 break;
             case PressMeaning::nothing:
+                sayWhyNot(index);
                 break;
             case PressMeaning::assign:
                 clAssign(index);
@@ -215,7 +243,7 @@ void btClic(int index) {
                 clFXSet(index);
                 break;
             case PressMeaning::relocate:
-                clReloc(index);
+                Jingle(index).Unplayable ? sayWhyNot(index) : clReloc(index);
                 break;
             case PressMeaning::cut:
                 captionToClipboard(index);

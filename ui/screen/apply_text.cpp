@@ -17,6 +17,23 @@ namespace {
 /// Keys whose text explains a control that shows a symbol.
 bool isToolTip(std::string_view key) { return key == "mbtUp" || key == "mbtDn" || key == "mbtSearchJingle"; }
 
+/// Tool tips of keys bear the key's name and this behind it; those of the tabs' headers are numbered.
+constexpr std::string_view kTip = "Tip", kTabTip = "mTabCtTip";
+
+bool applyTip(std::string_view key, const std::string& text) {
+    Control* control = nullptr;
+    if (key.starts_with(kTabTip) && key.size() == kTabTip.size() + 1) {
+        control = findControl("ckTab", key.back() - '0', frmMain().window);
+    } else if (key.ends_with(kTip)) {
+        control = findControl(key.substr(1, key.size() - 1 - kTip.size()), -1, frmMain().window);
+    }
+    if (control == nullptr) {
+        return false;
+    }
+    control->toolTip = text;
+    return true;
+}
+
 void captionOf(Control& control, const std::string& text) { control.caption = text; }
 
 }  // namespace
@@ -26,6 +43,9 @@ void ApplyText(const std::string& window, const std::string& key, const std::str
         return;
     }
     MainWindow& w = frmMain();
+    if (applyTip(key, text)) {
+        return;
+    }
     if (key.starts_with("mTabCt") && key.size() == 7) {
         const int tab = key[6] - '0';
         if (tab >= 0 && tab < kTabs) {

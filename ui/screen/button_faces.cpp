@@ -110,7 +110,7 @@ void ShowState(int index, bool sounds) {
 
 void RestColours(int index, Colour& back, Colour& fore) {
     const JingleRecord& j = Jingle(index);
-    if (j.MissingFile) {
+    if (j.MissingFile || j.Unplayable) {
         back = BtnFaceColor;
         fore = kMissingColour;
     } else if (j.BTNCol.empty() || j.BTNCol == kFaceColourText) {

@@ -25,6 +25,7 @@
 #include "ui/records/timers.h"
 #include "ui/screen/announcer_view.h"
 #include "ui/screen/button_faces.h"
+#include "ui/screen/captions.h"
 #include "ui/screen/counter.h"
 #include "ui/screen/digits.h"
 #include "ui/screen/quiet_line.h"
@@ -84,17 +85,21 @@ void silentButton(int i, JingleButton& b) {
     ShowState(i, false);
 }
 
+/// Time left as a button shows it: tenths in the last ten seconds only, whole seconds before.
+std::string timeLeftText(double seconds) {
+    constexpr double kWithTenths = 10;
+    const std::string text = seconds2msd(seconds);
+    return seconds < kWithTenths ? text : text.substr(0, text.find('.'));
+}
+
 /// Paints a sounding button and its bar; returns its time left in seconds.
 double soundingButton(int i, JingleButton& b) {
     const JingleRecord& j = Jingle(i);
-    if (b.b_Jingle.backColor != settings.PlayingColor && !SelectorsOn && Plays(i)) {
-        if (j.PlayingOtherPal) {
-            b.b_Jingle.backColor = settings.PlayingColorAnotherPal;
-            b.b_Jingle.foreColor = GetForeColor(settings.PlayingColorAnotherPal, "");
-        } else {
-            b.b_Jingle.backColor = settings.PlayingColor;
-            b.b_Jingle.foreColor = settings.PlayingFColor;
-        }
+    const Colour playing = j.PlayingOtherPal ? settings.PlayingColorAnotherPal : settings.PlayingColor;
+    if (b.b_Jingle.backColor != playing && Plays(i)) {
+        b.b_Jingle.backColor = playing;
+        b.b_Jingle.foreColor = j.PlayingOtherPal ? GetForeColor(playing, "") : settings.PlayingFColor;
+        b.b_Jingle.borderColor = kNoColour;
     }
     followColours(b);
     ShowState(i, true);
@@ -107,6 +112,7 @@ double soundingButton(int i, JingleButton& b) {
     const int full = b.b_Jingle.width() - kBarMargin;
     const double share = time.duration > 0 ? std::min(1.0, time.left / time.duration) : 0;
     b.JRemLev.width = std::abs(GetMultipleOf(static_cast<int>(full * share), kTwipsPerPixel));
+    b.JRemLev.caption = settings.JDispDuration == 1 ? timeLeftText(time.left) : std::string();
     return time.left;
 }
 

@@ -10,7 +10,25 @@
 
 namespace zv {
 
-void ShowErrorMark(const ErrorMark& mark) {
+namespace {
+
+ErrorMark shown, covered;
+
+/// A wait covers what was told before it; when the wait ends, that comes back.
+bool wait(const ErrorMark& mark) { return mark.visible && mark.mode == "wait"; }
+
+}  // namespace
+
+void ShowErrorMark(const ErrorMark& told) {
+    if (wait(told) && !wait(shown)) {
+        covered = shown;
+    }
+    const bool uncovers = told.mode == "hide" && wait(shown) && covered.visible && covered.character != 0;
+    const ErrorMark mark = uncovers ? covered : told;
+    shown = mark;
+    if (!wait(mark)) {
+        covered = {};
+    }
     DisplayControls& d = frmMain().display;
     if (mark.character != 0) {
         d.lblErr.caption = std::string(1, mark.character);
@@ -31,6 +49,14 @@ bool ErrMarkShows(std::string_view letter) {
 }
 
 void HideErrMark() {
+    if (wait(shown) && covered.visible && covered.character != 0) {
+        ErrorMark hide;
+        hide.mode = "hide";
+        hide.visible = false;
+        ShowErrorMark(hide);
+        return;
+    }
+    shown = covered = {};
     Control& mark = frmMain().display.lblErr;
     mark.caption = std::string();
     mark.toolTip = std::string();

@@ -62,9 +62,7 @@ void TimerControlFlashTick() {
             if (b == nullptr || j.hSrc == 0 || j.Seq == 0 || j.State == PlayState::stopping || !Plays(i)) {
                 continue;
             }
-            if (InLoop(i)) {
-                b->sq_Jingle.foreColor = phase ? Shaded.lp : Shaded.sq;
-            }
+            b->sq_Jingle.foreColor = InLoop(i) && phase ? Shaded.lp : Shaded.sq;
         }
         Control& mark = frmMain().display.lblErr;
         if (ErrOneShot == 0) {
@@ -74,7 +72,8 @@ void TimerControlFlashTick() {
         if (++ErrBlinkCount > kMostFlashes) {
             ErrOneShot = 0;
             mark.foreColor = settings.DateTimeColor;
-            if (mark.visible && !ErrMarkShows("h")) {
+            // What failed or waits to be saved stays until it is mended.
+            if (mark.visible && !ErrMarkShows("h") && !ErrMarkShows("x") && !ErrMarkShows("f")) {
                 timers().TimerNotif.stop();
                 mark.caption = std::string();
                 mark.visible = false;

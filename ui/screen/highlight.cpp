@@ -1,10 +1,13 @@
 #include "ui/screen/highlight.h"
 
+#include <array>
+
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/state.h"
 #include "platform/controls.h"
 #include "startup/guard.h"
+#include "startup/language.h"
 #include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/screen/button_faces.h"
@@ -14,53 +17,78 @@ namespace zv {
 
 namespace {
 
+/// Holds what an option is armed for.
+struct Armable {
+    const char* code;
+    const char* text;  ///< key of what the display calls it
+    Colour shaded;
+    bool (*fits)(const JingleRecord&);
+    bool (*has)(const JingleRecord&);
+};
+
+bool hasNone(const JingleRecord&) { return false; }
+
+template <PlayMode mode>
+bool hasMode(const JingleRecord& j) {
+    return j.PlayMod == mode;
+}
+
 bool playModeFits(const JingleRecord& j) { return !j.Path.empty() && j.Seq == 0; }
 
 bool filledAndThere(const JingleRecord& j) { return !j.Path.empty() && !j.MissingFile; }
 
 bool anyFits(const JingleRecord&) { return true; }
 
-void highlightAssignable() {
-    for (const int i : LiveJingles()) {
-        if (Button(i) != nullptr && !Jingle(i).Playing) {
-            PaintButton(i, Shaded.ass, GetForeColor(Shaded.ass, "jingle"));
-        }
-    }
+std::array<Armable, 10> armables() {
+    return {{{"ass", "mckAssign", Shaded.ass, anyFits, hasNone},
+             {"lp", "mmnuLoop", Shaded.lp, anyFits, [](const JingleRecord& j) { return j.Loop != 0; }},
+             {"sq", "mmnuSeq", Shaded.sq, anyFits, [](const JingleRecord& j) { return j.Seq != 0; }},
+             {"ar", "mckAutoRepI", Shaded.ar, playModeFits, hasMode<PlayMode::autoRepeat>},
+             {"tc", "mckTouchI", Shaded.tc, playModeFits, hasMode<PlayMode::touch>},
+             {"ps", "mckPlayStopI", Shaded.ps, playModeFits, hasMode<PlayMode::playStop>},
+             {"ns", "mckNoStopI", Shaded.ns, playModeFits, hasMode<PlayMode::noStop>},
+             {"co", "mckColorI", Shaded.co, filledAndThere, hasNone},
+             {"fx", "mckFXI", Shaded.fx, filledAndThere, hasNone},
+             {"ta", "mTabCt1", Shaded.ta, filledAndThere, hasNone}}};
 }
 
-/// Paints every live button: those that fit in the option's colour, the others as faces.
-void highlight(Colour shaded, bool (*fits)(const JingleRecord&)) {
+/// Paints every live button but those that sound: where the option can go in its colour, the others as faces.
+/// The border tells the shell to show the colour as a frame; a button that has the option already shows it filled.
+void highlight(const Armable& option) {
     for (const int i : LiveJingles()) {
-        if (Button(i) == nullptr) {
+        JingleButton* b = Button(i);
+        const JingleRecord& j = Jingle(i);
+        if (b == nullptr || j.Playing) {
             continue;
         }
-        const JingleRecord& j = Jingle(i);
-        const Colour back = fits(j) ? shaded : BtnFaceColor;
+        const bool fits = option.fits(j);
+        const Colour back = fits ? option.shaded : BtnFaceColor;
         PaintButton(i, back, j.MissingFile ? kMissingColour : GetForeColor(back, "jingle"));
+        constexpr int kDeeper = -60;
+        b->b_Jingle.borderColor = !fits ? kNoColour : option.has(j) ? ShadeColor(back, kDeeper) : back;
     }
 }
 
 }  // namespace
 
 void HighlightArmed() {
-    if (OptionCode == "ass") {
-        highlightAssignable();
-        return;
-    }
-    const struct {
-        const char* code;
-        Colour shaded;
-        bool (*fits)(const JingleRecord&);
-    } options[] = {{"lp", Shaded.lp, anyFits},        {"sq", Shaded.sq, anyFits},
-                   {"ar", Shaded.ar, playModeFits},   {"tc", Shaded.tc, playModeFits},
-                   {"ps", Shaded.ps, playModeFits},   {"ns", Shaded.ns, playModeFits},
-                   {"co", Shaded.co, filledAndThere}, {"fx", Shaded.fx, filledAndThere},
-                   {"ta", Shaded.ta, filledAndThere}};
-    for (const auto& option : options) {
+    for (const Armable& option : armables()) {
         if (OptionCode == option.code) {
-            highlight(option.shaded, option.fits);
+            highlight(option);
         }
     }
+}
+
+std::string ArmedText() {
+    if (!SelectorsOn) {
+        return {};
+    }
+    for (const Armable& option : armables()) {
+        if (OptionCode == option.code) {
+            return Ln(option.text) + ": " + Ln("mChooseButton");
+        }
+    }
+    return {};
 }
 
 void ResetJingles(int except) {
@@ -70,6 +98,7 @@ void ResetJingles(int except) {
             if (i == except || Button(i) == nullptr || Jingle(i).Playing) {
                 continue;
             }
+            Button(i)->b_Jingle.borderColor = kNoColour;
             Colour back = 0;
             Colour fore = 0;
             RestColours(i, back, fore);

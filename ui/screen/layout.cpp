@@ -32,7 +32,7 @@ constexpr int px(double pixels) { return static_cast<int>(pixels) * kTwipsPerPix
 constexpr double kDrawnHeight = 800;
 constexpr double kDrawnStripWidth = 1248;  // without the two gaps between its three parts
 constexpr double kDrawnDisplay = 420, kDrawnKeys = 300, kDrawnStrip = 156;
-constexpr int kMinStrip = 132, kMaxStrip = 300;
+constexpr int kMinStrip = 156, kMaxStrip = 300;
 constexpr int kSideMeter = 44, kTopMeter = 24;
 constexpr int kOutside = kGap;
 

@@ -91,6 +91,7 @@ int tabHeader() { return px(30 * (1 + (textScale() - 1) * 0.6)); }
 
 constexpr int kKeyGap = 120;
 constexpr int kInnerGap = 90;
+constexpr int kLeastKey = 32 * kTwipsPerPixel;  // a key of the strip is never lower
 
 struct TabArea {
     int left, top, width, height;
@@ -99,10 +100,19 @@ struct TabArea {
 void paletteTab(const TabArea& a) {
     PaletteTab& t = frmMain().palettes;
     const int arrows = px(34 * textScale());
-    const int keys = std::clamp(a.width * 96 / 512 / kTwipsPerPixel * kTwipsPerPixel, px(72), px(150));
+    int keys = std::clamp(a.width * 96 / 512 / kTwipsPerPixel * kTwipsPerPixel, px(72), px(150));
+    const bool pairs = a.height < 4 * kLeastKey + 3 * kInnerGap;  // two by two where four are too low
     column({&t.btUp, &t.btSearchJingle, &t.btDn}, a.left, arrows, {a.top, a.height, 3, kInnerGap});
-    column({&t.ckAssign, &t.btSave, &t.btNew, &t.btDelPal}, a.left + a.width - keys, keys,
-           {a.top, a.height, 4, kInnerGap});
+    if (pairs) {
+        const int one = std::clamp(a.width * 78 / 512 / kTwipsPerPixel * kTwipsPerPixel, px(66), px(120));
+        keys = 2 * one + kInnerGap;
+        const Stretch rows{a.top, a.height, 2, kInnerGap};
+        column({&t.ckAssign, &t.btNew}, a.left + a.width - keys, one, rows);
+        column({&t.btSave, &t.btDelPal}, a.left + a.width - one, one, rows);
+    } else {
+        column({&t.ckAssign, &t.btSave, &t.btNew, &t.btDelPal}, a.left + a.width - keys, keys,
+               {a.top, a.height, 4, kInnerGap});
+    }
     oneSize({&t.ckAssign, &t.btSave, &t.btNew, &t.btDelPal}, kDrawnText * textScale());
     const double rowText = kDrawnText * textScale() * kPointsPerPixel;
     for (Control* text : {&t.lstPal, &t.PalNameCar, &t.txtSave}) {

@@ -60,11 +60,14 @@ QString filterOf(const std::string& filter) {
     if (filter.empty()) return {};
     // On systems that tell letters' cases apart, a file may have the extension in either.
     QStringList patterns;
-    for (const QString& pattern : textOf(filter).split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
+    const QString whole = textOf(filter);
+    const QString name = whole.contains(QLatin1Char('|')) ? whole.section(QLatin1Char('|'), 0, 0) : whole;
+    for (const QString& pattern :
+         whole.section(QLatin1Char('|'), -1).split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
         patterns << pattern;
         if (pattern.toUpper() != pattern) patterns << pattern.toUpper();
     }
-    return QStringLiteral("%1 (%2)").arg(textOf(filter), patterns.join(QLatin1Char(' ')));
+    return QStringLiteral("%1 (%2)").arg(name, patterns.join(QLatin1Char(' ')));
 }
 
 /// Escape stops the sound, whatever else it closes.
@@ -164,7 +167,8 @@ void popupMenu(Control& window, const std::vector<MenuItem>& items) {
     }
     const EscapeStops stops(menu);
     shell::noteOpened();
-    const QAction* chosen = menu.exec(QCursor::pos());
+    const QWidget* at = shell::menuAskedFor;
+    const QAction* chosen = menu.exec(at != nullptr ? at->mapToGlobal(at->rect().center()) : QCursor::pos());
     if (chosen == nullptr) return;
     for (const MenuItem& item : items) {
         // The menu is gone before its command runs: it may open another one, or a dialog.

@@ -66,7 +66,8 @@ class KeyWidget final : public QPushButton, public RecordView {
     QString fallbackTip() const override { return cut_ ? captionOf(record.caption) : QString(); }
 
     bool clipped() const override {
-        return inForm(record) && sizeHint().width() - kKeyMargins > width() - 10;
+        if (!inForm(record)) return !isSymbol() && captionIn(captionRoom(), QFont::DemiBold).cut;
+        return sizeHint().width() - kKeyMargins > width() - 10;
     }
 
     QSize sizeHint() const override {
@@ -98,7 +99,7 @@ class KeyWidget final : public QPushButton, public RecordView {
         style()->drawPrimitive(QStyle::PE_PanelButtonCommand, &o, &p, this);
         QColor ink = inkOn(record, theme, face, dress);
         if (!record.enabled()) ink = mixed(ink, face, 0.6);
-        paintCaption(p, ink, QRectF(rect()).adjusted(5, 2, -5, -2), QFont::Medium);
+        paintCaption(p, ink, captionRoom(), QFont::Medium);
     }
 
   private:
@@ -116,6 +117,14 @@ class KeyWidget final : public QPushButton, public RecordView {
             drawFocus(p, rect(), theme.accent);
     }
 
+    QRectF captionRoom() const { return QRectF(rect()).adjusted(5, 2, -5, -2); }
+
+    CaptionLayout captionIn(const QRectF& room, int weight) const {
+        return layOutCaption(captionOf(record.caption).trimmed(),
+                             fontOf(record, std::clamp(height() * 0.22, kKeySize, kHighKeySize), weight),
+                             room);
+    }
+
     void paintCaption(QPainter& p, const QColor& ink, const QRectF& room, int weight) {
         const QString text = captionOf(record.caption);
         p.setPen(ink);
@@ -126,9 +135,7 @@ class KeyWidget final : public QPushButton, public RecordView {
             p.drawText(rect(), Qt::AlignCenter, text);
             return;
         }
-        const CaptionLayout set =
-            layOutCaption(text.trimmed(),
-                          fontOf(record, std::clamp(height() * 0.22, kKeySize, kHighKeySize), weight), room);
+        const CaptionLayout set = captionIn(room, weight);
         if (set.cut != cut_) {
             cut_ = set.cut;
             setToolTip(record.toolTip().empty() ? fallbackTip() : textOf(record.toolTip));

@@ -12,29 +12,27 @@
 namespace zv::shell {
 namespace {
 
-constexpr double kFrameShare = 0.042, kFrameMin = 2, kFrameMax = 4;  ///< of the shorter side, and pixels
+constexpr double kFrameShare = 0.07, kFrameMin = 3, kFrameMax = 4;  ///< of the shorter side, and pixels
+constexpr double kRing = 3;             ///< pixels of a border that an option or a carried jingle has
+constexpr double kFrameContrast = 3.1;  ///< of a frame to its own face, in a dark window no more than that
 constexpr double kSignShare = 0.2, kSignMin = 9, kSignMax = 24;
 constexpr int kLowest = 40;     ///< pixels of height below which there is no room for a sign
 constexpr int kNarrowest = 76;  ///< and of width
 
-bool sounds(JingleState state) {
-    return state == JingleState::sounding || state == JingleState::otherPalette;
-}
-
-/// The face's own colour, deep enough to be seen beside the face and on the ground of a dark window.
-QColor frameColour(const JingleFace& face) {
-    if (face.colour.hsvSaturation() < 20) return face.accent;
-    return QColor::fromHsv(face.colour.hsvHue(), 215, 135);
-}
-
 void paintWhole(QPainter& p, const QSize& size, const JingleFace& face) {
     const QRectF rect(QPointF(), size);
     if (!sounds(face.state)) {
-        drawFace(p, rect, face.colour, face.border);
+        drawFace(p, rect, face.colour, face.ring.isValid() ? face.ring : face.border);
+        if (!face.ring.isValid()) return;
+        p.setRenderHint(QPainter::Antialiasing);
+        p.setPen(QPen(face.ring, kRing));
+        p.setBrush(Qt::NoBrush);
+        constexpr double in = kRing / 2;
+        p.drawRoundedRect(rect.adjusted(in, in, -in, -in), kRadius - 1, kRadius - 1);
         return;
     }
     const double line = std::clamp(std::min(rect.width(), rect.height()) * kFrameShare, kFrameMin, kFrameMax);
-    const QColor frame = frameColour(face);
+    const QColor frame = frameColour(face.colour, face.dark);
     drawFace(p, rect, face.colour, face.state == JingleState::sounding ? frame : face.border);
     QPen pen(frame, line);
     if (face.state == JingleState::otherPalette) {
@@ -50,14 +48,54 @@ void paintWhole(QPainter& p, const QSize& size, const JingleFace& face) {
 
 }  // namespace
 
+JingleTones tonesOf(const Control& record, const Theme& theme, bool empty, bool othersSound) {
+    constexpr double kDim = 0.1, kDurationShare = 0.22, kNumberShare = 0.42;
+    const bool playing = sounds(static_cast<JingleState>(record.value()));
+    // Where an armed option can go the option's colour is the border's, around a plain face.
+    const bool awaits = record.borderColor() >= 0 && record.borderColor() == record.backColor();
+    const QColor given = colourOf(record.backColor, theme.face);
+    JingleTones tones;
+    if (playing) {
+        tones.face = given;
+    } else if (isNeutral(record, record.backColor) || awaits) {
+        tones.face = empty ? theme.ground : theme.face;
+    } else {
+        tones.face = record.borderColor() >= 0 ? given : shadedFace(given, theme);  // what is marked glows
+    }
+    if (othersSound && !playing && !empty)
+        tones.face = mixed(tones.face, theme.dark ? theme.ground : QColor(Qt::black), kDim);
+    // Black or white was chosen for the colour that the record has: on another face it is the theme's.
+    const QColor own = colourOf(record.foreColor, theme.text);
+    const bool grey = own.hsvSaturation() < 30;
+    const bool unread = contrast(own, tones.face) < kTextContrast;
+    tones.ink = legible(grey && unread && !playing ? theme.text : own, tones.face);
+    tones.duration = legible(mixed(tones.ink, tones.face, kDurationShare), tones.face);
+    tones.number = legible(mixed(tones.ink, tones.face, kNumberShare), tones.face);
+    return tones;
+}
+
+QColor frameColour(const QColor& face, bool dark) {
+    constexpr int kBlue = 200, kVivid = 230;  // the hue of a face that has none
+    constexpr double kDeepContrast = 8;
+    const bool plain = face.hsvSaturation() < 20;
+    const int hue = plain ? kBlue : face.hsvHue();
+    QColor frame;
+    for (int value = 255; value > 0; --value) {
+        frame = QColor::fromHsv(hue, kVivid, value);
+        if (contrast(frame, face) >= (dark ? kFrameContrast : kDeepContrast)) break;
+    }
+    return frame;
+}
+
 void paintJingleFace(QPainter& p, const QSize& size, double ratio, const JingleFace& face) {
-    const QString key = QStringLiteral("zvface %1x%2 %3 %4 %5 %6")
+    const QString key = QStringLiteral("zvface %1x%2 %3 %4 %5 %6 %7")
                             .arg(size.width())
                             .arg(size.height())
                             .arg(ratio)
                             .arg(face.colour.rgb())
                             .arg(face.border.rgb())
-                            .arg(static_cast<int>(face.state));
+                            .arg(static_cast<int>(face.state) + (face.dark ? 10 : 0))
+                            .arg(face.ring.isValid() ? face.ring.rgb() : 0);
     QPixmap whole;
     if (!QPixmapCache::find(key, &whole)) {
         whole = QPixmap((QSizeF(size) * ratio).toSize());

@@ -12,11 +12,29 @@ class QPainter;
 
 namespace zv::shell {
 
+struct Theme;
+
+/// The colours of a button below its border: every text has a contrast of at least 4.5 to the face.
+struct JingleTones {
+    QColor face, ink, duration, number;
+};
+JingleTones tonesOf(const Control& record, const Theme& theme, bool empty, bool othersSound);
+
+inline bool sounds(JingleState state) {
+    return state == JingleState::sounding || state == JingleState::otherPalette;
+}
+
 struct JingleFace {
     QColor colour, border;
     JingleState state = JingleState::rest;
-    QColor accent;  ///< of the frame of a sounding face that has no colour of its own
+    bool dark = false;  ///< in a dark window
+    QColor ring =
+        {};  ///< of a wide border: the armed option can go here, or the jingle is carried; else invalid
 };
+
+/// The frame of a sounding face: its hue, with a contrast of at least 3 to the face and, from there, as far from
+/// the other faces of the window as can be.
+QColor frameColour(const QColor& face, bool dark);
 
 /// Paints the face over the whole of a button. Faces of one size and look are painted once and copied from
 /// then on.

@@ -1,5 +1,6 @@
 // A jingle button: one widget that paints its record and the parts below it.
 #include <QFontMetricsF>
+#include <QHash>
 #include <QPainter>
 #include <algorithm>
 #include <array>
@@ -29,11 +30,41 @@ constexpr double kNumberGap = 4;    ///< between a number and a mark at its side
 constexpr double kDotSize = 9;      ///< of a state mark
 constexpr double kAir = 4;          ///< above and below a caption
 constexpr int kNarrowButton = 110;  ///< pixels of width below which small texts give way to the name
+constexpr double kServes = 0.9;     ///< of the names of a block: so many share one size
+constexpr int kFrameLine = 4;       ///< pixels of the frame around what sounds
 constexpr int kLowButton = 40;      ///< pixels of height below which duration and caption share one line
+
+class JingleWidget;
+
+/// All buttons, to dim those that are idle and to give the names of a block one size.
+std::vector<JingleWidget*>& everyButton() {
+    static std::vector<JingleWidget*> all;
+    return all;
+}
+int soundingNow = 0;
+
+/// The size that the names of one block share, as a share of the size that they are given.
+struct Block {
+    double scale = 1;
+    bool settled = false;
+};
+QHash<const QWidget*, Block>& blocks() {
+    static QHash<const QWidget*, Block> all;
+    return all;
+}
+
+bool sounds(int value) { return shell::sounds(static_cast<JingleState>(value)); }
 
 class JingleWidget final : public PaintedWidget {
   public:
+    ~JingleWidget() override {
+        std::erase(everyButton(), this);
+        if (sounds(seen_.state)) --soundingNow;
+        blocks().remove(parentWidget());
+    }
+
     JingleWidget(Control& r, QWidget* parent) : PaintedWidget(r, parent) {
+        everyButton().push_back(this);
         setAttribute(Qt::WA_AcceptTouchEvents);
         setAttribute(Qt::WA_Hover);
         setFocusPolicy(Qt::StrongFocus);
@@ -49,10 +80,16 @@ class JingleWidget final : public PaintedWidget {
                        record.foreColor(),
                        record.enabled(),
                        record.value(),
+                       record.borderColor(),
                        size(),
                        fontOf(record, kCaptionSize, QFont::DemiBold)};
         if (now == seen_) return;
         if (now.caption != seen_.caption) parts_ = splitCaption(captionOf(record.caption));
+        const int before = soundingNow;
+        soundingNow += (sounds(now.state) ? 1 : 0) - (sounds(seen_.state) ? 1 : 0);
+        if ((before == 0) != (soundingNow == 0)) {
+            for (JingleWidget* other : everyButton()) other->askAll();
+        }
         seen_ = now;
         layOut();
         askAll();
@@ -71,7 +108,10 @@ class JingleWidget final : public PaintedWidget {
             }
         }
         // A mark or number that came or went leaves the caption more or less room.
-        if (part.kind == ControlKind::shape) return;  // bars move at each tick
+        if (part.kind == ControlKind::shape) {  // bars move at each tick
+            if (!part.caption().empty() || !left_.isEmpty()) timeLeftChanged(textOf(part.caption));
+            return;
+        }
         const auto shown = [this] {
             return std::tuple(layout_, durationAt_, marksAside_, showDuration_, showNumber_);
         };
@@ -91,6 +131,7 @@ class JingleWidget final : public PaintedWidget {
     }
 
     QRect partPlace(const Control& part) const override {
+        if (part.kind == ControlKind::shape && visibleIn(part, record)) return barPlace(part);
         QRect place = PaintedWidget::partPlace(part);
         if (!place.isEmpty() && isStateMark(part))
             return dotPlace(part).toAlignedRect().adjusted(-1, -1, 1, 1);
@@ -113,8 +154,10 @@ class JingleWidget final : public PaintedWidget {
     void paintEvent(QPaintEvent* e) override {
         QPainter p(this);
         const Theme theme = themeOf(record);
-        const QColor ink = legible(colourOf(record.foreColor, theme.text), face(theme));
+        settleBlock();
+        const QColor ink = tones(theme).ink;
         paintFace(p, theme);
+        if (empty()) paintHint(p, theme);
         if (!layout_.lines.isEmpty() && e->region().intersects(layout_.box.toAlignedRect())) {
             p.setFont(layout_.font);
             p.setPen(record.enabled() ? ink : theme.muted);
@@ -125,8 +168,8 @@ class JingleWidget final : public PaintedWidget {
         if (showDuration_ && !parts_.duration.isEmpty() && !empty() &&
             e->region().intersects(durationAt_.toAlignedRect())) {
             p.setFont(durationFont());
-            p.setPen(softened(ink, 0.22));
-            drawFigures(p, durationAt_, Qt::AlignRight | Qt::AlignVCenter, parts_.duration);
+            p.setPen(tones(theme).duration);
+            drawFigures(p, durationAt_, Qt::AlignRight | Qt::AlignVCenter, shownTime());
         }
         if (const QRectF sign = signPlace(); e->region().intersects(sign.toAlignedRect())) {
             paintStateSign(p, sign, state(), ink, face(theme));
@@ -143,6 +186,7 @@ class JingleWidget final : public PaintedWidget {
         Colour back = 0, fore = 0;
         bool enabled = true;
         int state = 0;
+        Colour border = 0;
         QSize size;
         QFont font;
         bool operator==(const Seen&) const = default;
@@ -150,14 +194,84 @@ class JingleWidget final : public PaintedWidget {
 
     bool empty() const { return parts_.name.isEmpty() && isNeutral(record, record.backColor); }
 
-    QColor face(const Theme& theme) const {
-        return isNeutral(record, record.backColor) ? (empty() ? theme.ground : theme.face)
-                                                   : colourOf(record.backColor, theme.face);
+    bool sounding() const { return sounds(record.value()); }
+
+    /// Worked out anew only when something that they follow from changed: they are asked for at each paint.
+    const JingleTones& tones(const Theme& theme) const {
+        const TonesKey key{record.backColor, record.foreColor, record.borderColor, record.value,
+                           soundingNow > 0,  empty(),          theme.face.rgb()};
+        if (key != tonesFor_) {
+            tonesFor_ = key;
+            tones_ = tonesOf(record, theme, empty(), soundingNow > 0);
+        }
+        return tones_;
+    }
+    QColor face(const Theme& theme) const { return tones(theme).face; }
+
+    QString shownTime() const { return sounding() && !left_.isEmpty() ? left_ : parts_.duration; }
+
+    void timeLeftChanged(const QString& text) {
+        if (text == left_) return;
+        left_ = text;
+        if (showDuration_) {
+            const QRect before = durationAt_.toAlignedRect();
+            durationAt_ = durationPlace();
+            ask(before.united(durationAt_.toAlignedRect()));
+        }
     }
 
-    QColor softened(const QColor& ink, double share) const {
-        return mixed(ink, face(themeOf(record)), share);
+    /// While there is no palette yet, empty places say what can be done there.
+    void paintHint(QPainter& p, const Theme& theme) const {
+        const QString hint = record.parent != nullptr ? textOf(record.parent->caption) : QString();
+        if (hint.isEmpty()) return;
+        const QFont font = textFont(std::clamp(height() * 0.17, 10.0, 15.0));
+        const CaptionLayout set = layOutCaption(hint, font, QRectF(rect()).adjusted(6, 3, -6, -3));
+        p.setFont(set.font);
+        p.setPen(legible(theme.muted, theme.ground));
+        for (qsizetype i = 0; i < set.lines.size(); ++i)
+            p.drawText(set.starts[static_cast<std::size_t>(i)], set.lines[i]);
     }
+
+    /// Names of one block have one size, the smallest that nine in ten of them need.
+    void settleBlock() {
+        Block& block = blocks()[parentWidget()];
+        if (block.settled) return;
+        std::vector<double> needs;
+        for (const JingleWidget* other : everyButton()) {
+            if (other->parentWidget() == parentWidget() && !other->parts_.name.isEmpty())
+                needs.push_back(other->need_);
+        }
+        std::ranges::sort(needs, std::greater{});
+        block.scale = needs.empty()
+                          ? 1
+                          : needs[static_cast<std::size_t>(static_cast<double>(needs.size() - 1) * kServes)];
+        block.settled = true;
+        for (JingleWidget* other : everyButton()) {
+            if (other->parentWidget() != parentWidget()) continue;
+            const CaptionLayout before = other->layout_;
+            other->setInBlock(block.scale);
+            if (!(before == other->layout_) && other != this) other->askAll();
+        }
+    }
+
+    /// Set anew in the size of the block, when that is smaller than what it could have.
+    void setInBlock(double scale) {
+        if (scale < need_) {
+            QFont font = nameFont();
+            font.setPixelSize(std::max(8, static_cast<int>(std::lround(font.pixelSize() * scale))));
+            layout_ = layOutCaption(parts_.name, font, room_, corners_);
+        } else {
+            layout_ = layOutCaption(parts_.name, nameFont(), room_, corners_);
+        }
+        if (!sounding()) return;
+        // Bold while it sounds, where that neither breaks the name nor makes it smaller.
+        QFont bold = layout_.font;
+        bold.setWeight(QFont::ExtraBold);
+        const CaptionLayout loud = layOutCaption(parts_.name, bold, room_, corners_);
+        if (loud.lines == layout_.lines && loud.font.pixelSize() == layout_.font.pixelSize()) layout_ = loud;
+    }
+
+    QFont nameFont() const { return seen_.font; }
 
     void paintFace(QPainter& p, const Theme& theme) const {
         const bool held = isHeld(record);
@@ -167,14 +281,19 @@ class JingleWidget final : public PaintedWidget {
             return;
         }
         QColor colour = face(theme);
+        const QColor ring = record.borderColor() >= 0 ? colourOf(record.borderColor, theme.accent) : QColor();
         const bool deep = lightness(colour) < 0.5;
         QColor border = isNeutral(record, record.backColor)
                             ? theme.border
                             : mixed(colour, deep ? QColor(Qt::white) : QColor(Qt::black), deep ? 0.16 : 0.2);
         if (held) colour = mixed(colour, deep ? QColor(Qt::white) : QColor(Qt::black), 0.16);
         if (!held && underMouse()) border = mixed(border, theme.text, 0.45);
-        paintJingleFace(p, size(), devicePixelRatioF(), {colour, border, state(), theme.accent});
+        paintJingleFace(p, size(), devicePixelRatioF(), {colour, border, state(), theme.dark, ring});
     }
+
+    using TonesKey = std::tuple<Colour, Colour, Colour, int, bool, bool, QRgb>;
+    mutable TonesKey tonesFor_{};
+    mutable JingleTones tones_;
 
     JingleState state() const { return static_cast<JingleState>(record.value()); }
 
@@ -212,8 +331,9 @@ class JingleWidget final : public PaintedWidget {
                 return;
             case ControlKind::checkBox: {
                 const double side = std::min({16.0, place.width(), place.height()});
-                drawTickBox(p, QRectF(place.topLeft(), QSizeF(side, side)), part.value() != 0, theme.field,
-                            theme.muted, theme.accent);
+                // White on any face: a dark box on a coloured face would look ticked.
+                drawTickBox(p, QRectF(place.topLeft(), QSizeF(side, side)), part.value() != 0,
+                            QColor(0xFA, 0xFA, 0xFA), QColor(0x3A, 0x40, 0x48), theme.accent);
                 return;
             }
             case ControlKind::symbol:
@@ -226,6 +346,16 @@ class JingleWidget final : public PaintedWidget {
     }
 
     /// The bar and its track; what is as high as wide is a mark.
+    /// The bar stands inside the frame of what sounds.
+    QRect barPlace(const Control& part) const {
+        const QRect place = placeIn(part, record);
+        if (!sounding()) return place;
+        const int in = kFrameLine - place.left();
+        const bool above = place.center().y() < height() / 2;
+        return place.translated(0, above ? in : -in) &
+               rect().adjusted(kFrameLine, kFrameLine, -kFrameLine, -kFrameLine);
+    }
+
     void paintShape(QPainter& p, const Control& part, const QRectF& place, const Theme& theme) const {
         // A track without a colour of its own is transparent.
         if (part.backColor() == kNoColour) return;
@@ -233,7 +363,7 @@ class JingleWidget final : public PaintedWidget {
         // Two plain rectangles make a bar with its corners taken off: a hundred of them are painted at each
         // tick.
         const QColor colour = colourOf(part.backColor, theme.muted);
-        const QRect bar = place.toRect();
+        const QRect bar = barPlace(part);
         p.fillRect(bar.adjusted(1, 0, -1, 0), colour);
         p.fillRect(bar.adjusted(0, 1, 0, -1), colour);
     }
@@ -247,7 +377,8 @@ class JingleWidget final : public PaintedWidget {
     void paintMark(QPainter& p, const Control& part, const QRectF& place, const QColor& ink) const {
         if (isStateMark(part)) {
             const Colour own = part.foreColor() >= 0 ? part.foreColor() : part.backColor();
-            const QColor colour = colourOf(own, ink);
+            // A mark that flashes is off in black: a ring without a dot.
+            const QColor colour = own == 0 ? QColor(Qt::transparent) : colourOf(own, ink);
             const QRectF dot = dotPlace(part);
             p.save();
             p.setRenderHint(QPainter::Antialiasing);
@@ -266,7 +397,7 @@ class JingleWidget final : public PaintedWidget {
         const bool symbol =
             part.kind == ControlKind::symbol || part.fontName() == "ZVR" || part.fontName() == "MSSSMod";
         p.setFont(symbol ? symbolFont(std::max(10.0, std::min(place.height(), 14.0))) : numberFont());
-        p.setPen(softened(colourOf(part.foreColor, ink), symbol ? 0.1 : 0.42));
+        p.setPen(symbol ? ink : tones(themeOf(record)).number);
         if (symbol) {
             p.drawText(place.adjusted(-4, -4, 4, 4), Qt::AlignCenter, text);
         } else {
@@ -290,7 +421,7 @@ class JingleWidget final : public PaintedWidget {
     /// Lower right, above a bar that runs there; on a low button in its middle, left of the marks.
     QRectF durationPlace() const {
         const QFont font = durationFont();
-        const double w = figuresWidth(font, parts_.duration), h = QFontMetricsF(font).height();
+        const double w = figuresWidth(font, shownTime()), h = QFontMetricsF(font).height();
         double right = width() - kMargin + 1;
         if (height() >= kLowButton) {
             double foot = height() - 3;
@@ -423,11 +554,19 @@ class JingleWidget final : public PaintedWidget {
                 if (isNumber(*part))
                     numberAt_ = numberPlace(placeIn(*part, record), captionOf(part->caption));
             }
-            layout_ = layOutCaption(parts_.name, seen_.font, narrow ? small : room, corners_);
+            room_ = narrow ? small : room;
+            layout_ = layOutCaption(parts_.name, seen_.font, room_, corners_);
             return !layout_.cut && !(narrow && cornersMeet());
         };
-        if (attempt(true, true) || (tight && (attempt(false, true) || attempt(false, false)))) return;
-        if (!tight) attempt(true, true);  // long for any button: nothing is won by leaving them out
+        // On a tight button that is not enough, the name alone; else nothing is won by leaving them out.
+        if (!attempt(true, true) && tight && !attempt(false, true)) attempt(false, false);
+        Block& block = blocks()[parentWidget()];
+        const double need =
+            seen_.font.pixelSize() > 0 ? double(layout_.font.pixelSize()) / seen_.font.pixelSize() : 1;
+        if (need != need_ || parts_.name != named_) block.settled = false;
+        need_ = need;
+        named_ = parts_.name;
+        if (block.settled) setInBlock(block.scale);
     }
 
     void tellReaders() {
@@ -440,6 +579,10 @@ class JingleWidget final : public PaintedWidget {
     CaptionLayout layout_;
     Seen seen_;
     std::vector<QRectF> corners_;
+    QRectF room_;
+    QString left_;     ///< time left, while it sounds
+    double need_ = 1;  ///< share of its size that the name needs by itself
+    QString named_;    ///< the name that was set last
     double marksAside_ = 0;
     QRectF durationAt_, numberAt_;
     bool showDuration_ = true, showNumber_ = true;

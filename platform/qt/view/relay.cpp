@@ -334,7 +334,9 @@ class Relay final : public QObject {
         event.button = MouseButton::right;
         const QPointer<QWidget> alive(&source_);
         call(view_.record.onMouseDown, event);
+        menuAskedFor = &source_;
         if (alive) call(view_.record.onMouseUp, event);
+        menuAskedFor = nullptr;
     }
 
     MouseEvent middle() const {

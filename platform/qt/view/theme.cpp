@@ -65,25 +65,41 @@ void makeCrisp(QFont& font) {
 
 double lightness(const QColor& c) { return 0.299 * c.redF() + 0.587 * c.greenF() + 0.114 * c.blueF(); }
 
-QColor legible(const QColor& ink, const QColor& ground) {
-    constexpr double kContrast =
-        3.8;  // what letters of a caption's size need, as the eye's ratio of luminance
+double luminance(const QColor& c) {
     const auto linear = [](double v) {
         return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
     };
-    const auto luminance = [&](const QColor& c) {
-        return 0.2126 * linear(c.redF()) + 0.7152 * linear(c.greenF()) + 0.0722 * linear(c.blueF()) + 0.05;
-    };
-    const double below = luminance(ground);
+    return 0.2126 * linear(c.redF()) + 0.7152 * linear(c.greenF()) + 0.0722 * linear(c.blueF());
+}
+
+double contrast(const QColor& a, const QColor& b) {
+    const double x = luminance(a) + 0.05, y = luminance(b) + 0.05;
+    return std::max(x, y) / std::min(x, y);
+}
+
+QColor legible(const QColor& ink, const QColor& ground) {
     const QColor towards =
-        below < luminance(QColor(0x76, 0x76, 0x76)) ? QColor(Qt::white) : QColor(Qt::black);
+        contrast(Qt::white, ground) > contrast(Qt::black, ground) ? QColor(Qt::white) : QColor(Qt::black);
     QColor out = ink;
-    for (double share = 0.1; share < 1; share += 0.1) {
-        const double above = luminance(out);
-        if (std::max(above, below) / std::min(above, below) >= kContrast) break;
+    for (double share = 0.1; share <= 1.01 && contrast(out, ground) < kTextContrast; share += 0.1)
         out = mixed(ink, towards, share);
-    }
     return out;
+}
+
+QColor shadedFace(const QColor& face, const Theme& theme) {
+    constexpr double kDeepest =
+        0.05;                    // luminance beside which a frame of 3 : 1 can also stand on a bright face
+    constexpr int kVivid = 150;  // saturation of a shaded pastel
+    if (!theme.dark || luminance(face) <= kDeepest) return face;
+    const int saturation =
+        face.hslSaturation() < 20 || face.saturation() < 12 ? face.saturation() / 2 : kVivid;
+    int low = 0, high = 255;
+    while (high - low > 1) {
+        const int middle = (low + high) / 2;
+        (luminance(QColor::fromHsv(std::max(0, face.hsvHue()), saturation, middle)) > kDeepest ? high : low) =
+            middle;
+    }
+    return QColor::fromHsv(std::max(0, face.hsvHue()), saturation, low);
 }
 
 QColor mixed(const QColor& a, const QColor& b, double s) {

@@ -41,6 +41,14 @@ QColor mixed(const QColor& a, const QColor& b, double shareOfB);
 /// 0 black .. 1 white, as the eye weighs it.
 double lightness(const QColor& colour);
 
+/// The eye's luminance of a colour, 0 black .. 1 white, and the ratio of two colours' luminances, 1 .. 21.
+double luminance(const QColor& colour);
+double contrast(const QColor& a, const QColor& b);
+/// What a text needs to be read on its ground.
+inline constexpr double kTextContrast = 4.5;
+/// A face as the theme shows it: in a dark window bright faces are shaded to their hue's deep tone.
+QColor shadedFace(const QColor& face, const Theme& theme);
+
 /// A text colour on a ground, made lighter or darker where it could hardly be read there.
 QColor legible(const QColor& ink, const QColor& ground);
 

@@ -89,6 +89,8 @@ void call(const std::function<void(const MouseEvent&)>& handler, const MouseEven
 void relayEvents(RecordView& view, QWidget& source);
 /// Passes keys of a window to its record first.
 void relayWindowKeys(RecordView& view);
+/// The widget whose menu the keyboard asks for; null while the mouse does.
+inline const QWidget* menuAskedFor = nullptr;
 /// Windows, menus and dialogs opened so far.
 std::uint64_t openedSoFar();
 /// The record with a mouse button or finger held down on it.
