@@ -369,7 +369,7 @@ TEST_F(PaletteTest, theMenuOffersWhatFitsTheButton) {
     std::filesystem::create_directories(settings.SampleDir);
     EXPECT_EQ(offered(20), "Ass ASDir ");
     EXPECT_EQ(offered(0),
-              "Ass Clr Copy Cut Rename Col Loop Seq AutoRep Touch PlayStop NoStop FX JPath ASDir ");
+              "Ass Clr Copy Cut Rename Col Loop Seq AutoRep Touch PlayStop NoStop Ta FX JPath ASDir ");
     rec(0).Seq = 1;
     EXPECT_EQ(offered(0),
               "Ass Clr Copy Cut Rename Col Loop Seq AutoRep! Touch! PlayStop! NoStop! FX JPath ASDir ");
