@@ -174,6 +174,18 @@ TEST(Forms, AreWalkedByTabInReadingOrder) {
         "picWave tabs txtName SlideVol udRows cmbPlace cmbDevice ckTick ColField btReset btCancel btOK ");
 }
 
+TEST(Forms, ACanvasSaysWhatIsChosenInItAndAllThatStandsThere) {
+    TestForm form;
+    form.open();
+    form.canvas.caption = "Loop in 0:01.970";
+    form.canvas.onDescribe = [] { return std::string("Start 0:00.250, Loop in 0:01.970"); };
+    flushChanged();
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&viewOf(form.canvas)->widget);
+    ASSERT_NE(spoken, nullptr);
+    EXPECT_EQ(spoken->text(QAccessible::Name), "Loop in 0:01.970");
+    EXPECT_EQ(spoken->text(QAccessible::Description), "Start 0:00.250, Loop in 0:01.970");
+}
+
 TEST(Forms, ControlsAreWorkedByMouseWheelAndKeys) {
     TestForm form;
     form.open();

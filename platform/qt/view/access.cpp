@@ -161,6 +161,8 @@ QAccessibleInterface* make(const QString&, QObject* object) {
 }  // namespace
 
 QString fieldName(const Control& field) {
+    // A canvas that says what is chosen in it is heard by that, anew whenever it changes.
+    if (field.kind == ControlKind::canvas && !field.caption().empty()) return captionOf(field.caption);
     if (!field.toolTip().empty() || field.parent == nullptr) return textOf(field.toolTip);
     // The label at its left or above it, whichever is nearer.
     const QRect own = placeOf(field);

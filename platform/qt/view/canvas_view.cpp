@@ -23,9 +23,6 @@ class CanvasWidget final : public QWidget, public RecordView {
     }
 
     void apply() override {
-        // A canvas that says what stands in it is heard by that name, anew whenever it changes.
-        if (!record.caption().empty() && accessibleName() != textOf(record.caption))
-            setAccessibleName(textOf(record.caption));
         const Drawing& now = record.drawing();
         if (shownBack_ != record.backColor() || shown_.size() != now.size()) {
             update();
