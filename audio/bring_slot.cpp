@@ -66,6 +66,7 @@ void BringSlot(int index, const PersistedJingle& content) {
             change(index, content);
         } else if (Sounds(index)) {
             HoldAfterSound(index, content);
+            callUp(audioUpcalls.namesRead, index);
         } else {
             FillSlot(index, content);
         }

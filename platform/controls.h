@@ -217,11 +217,14 @@ class Control {
         onChange;  ///< the user moved, typed, ticked or selected: the record holds the new value
     std::function<void(KeyEvent&)> onKeyDown, onKeyUp;
     std::function<void()> onFocus;
-    std::function<void(const std::string& path)> onDrop;  ///< a file let go over the control
-    std::function<void(int turns, int shift)> onWheel;    ///< canvas: up is positive
-    std::function<bool(int reason)> onQueryClose;         ///< window: false keeps it open
-    std::function<void()> onClose;                        ///< window: it closes now
-    std::function<void()> onResize;  ///< window: width and height hold the new inner size
+    std::function<void(const std::string& path)>
+        onDrop;  ///< one file let go over it; empty: something else was
+    std::function<void(const std::vector<std::string>& paths)>
+        onDropFiles;                                    ///< files and folders let go over it
+    std::function<void(int turns, int shift)> onWheel;  ///< canvas: up is positive
+    std::function<bool(int reason)> onQueryClose;       ///< window: false keeps it open
+    std::function<void()> onClose;                      ///< window: it closes now
+    std::function<void()> onResize;                     ///< window: width and height hold the new inner size
 
     /// Asked when a screen reader wants to know more than the caption: state and time left, in the user's words.
     std::function<std::string()> onDescribe;

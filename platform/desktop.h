@@ -89,6 +89,8 @@ std::vector<Monitor> monitors();
 bool screenAvailable();
 /// Opens a document or an address with the user's program for it.
 void openDocument(const std::string& target);
+/// The desktop's file manager shows the folder of that file with the file selected; where it cannot, the folder.
+void showInFolder(const std::string& file);
 /// Starts a command without waiting for it.
 void runMinimised(const std::string& command);
 /// Priority class of the process (32 normal, 16384 below, 32768 above, 128 high, 64 idle); false when refused.

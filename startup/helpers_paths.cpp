@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "platform/paths.h"
+#include "startup/folder_walk.h"
 #include "startup/helpers.h"
 
 namespace zv {
@@ -27,23 +28,6 @@ bool isForeign(std::string_view path) {
 #else
     return isAbsolutePath(path) && !path.starts_with('/');
 #endif
-}
-
-void walk(const fs::path& folder, FolderList& list) {
-    std::error_code error;
-    std::vector<fs::path> entries;
-    for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
-        entries.push_back(it->path());
-    }
-    std::sort(entries.begin(), entries.end());
-    for (const fs::path& entry : entries) {
-        if (fs::is_directory(fs::symlink_status(entry, error))) {
-            walk(entry, list);
-        } else if (fs::is_regular_file(entry, error)) {
-            ++list.count;
-            list.text += utf8FromPath(entry) + "\r\n";
-        }
-    }
 }
 
 /// True when nothing is left in the folder.
@@ -140,7 +124,11 @@ bool MkDirs(std::string_view path) {
 
 void ListFolder(std::string_view path, bool first, FolderList& list) {
     if (first) list = {};
-    if (FolderExists(path)) walk(nativePath(path), list);
+    WalkFiles(path, [&](const std::string& file) {
+        ++list.count;
+        list.text += file + "\r\n";
+        return true;
+    });
 }
 
 void ClearEmptySubFolder(std::string_view path) {

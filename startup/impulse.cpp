@@ -110,13 +110,21 @@ bool cImpulse::MoveSection(std::string_view from, std::string_view to, const std
 
 bool cImpulse::ReplaceValues(std::string_view stem, const std::function<bool(const std::string&)>& meant,
                              std::string_view to) {
+    return RewriteValues(stem, [&](const std::string&, const Line& line) {
+        return meant(line.second) ? std::optional<std::string>(to) : std::nullopt;
+    });
+}
+
+bool cImpulse::RewriteValues(std::string_view stem, const Become& become) {
     if (IniPath_.empty()) return false;
     return file().update([&](IniText& text) {
         bool changed = false;
         for (const std::string& section : text.sectionNames())
-            for (const Line& line : text.lines(section))
-                if (line.first.starts_with(stem) && meant(line.second))
-                    changed = text.put(section, line.first, to) || changed;
+            for (const Line& line : text.lines(section)) {
+                if (!line.first.starts_with(stem)) continue;
+                if (const auto value = become(section, line))
+                    changed = text.put(section, line.first, *value) || changed;
+            }
         return changed;
     });
 }

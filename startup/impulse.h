@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -62,6 +63,9 @@ class cImpulse {
     /// one rewrite. False when the file could not be written. [control]
     bool ReplaceValues(std::string_view stem, const std::function<bool(const std::string&)>& meant,
                        std::string_view to);
+    /// The same where each value becomes what `become` says; nothing leaves it as it is. [control]
+    using Become = std::function<std::optional<std::string>(const std::string& section, const Line& line)>;
+    bool RewriteValues(std::string_view stem, const Become& become);
     /// The whole file as it is in memory; good until the next call. [control]
     std::string_view Bytes();
 

@@ -186,6 +186,37 @@ editor editor-dark-200 "DarkMode=1" 1280x800 2
 editor editor-francais "Sealed=1 Language=Français" 1280x800 1
 editor editor-deutsch "Sealed=1 Language=Deutsch DarkMode=1" 1280x800 1
 editor editor-espanol "Sealed=1 Language=Español" 1280x800 1
+# An edit taken back, a library that was moved.
+home edits ""
+mkdir -p "$work/edits/Moved/News" "$work/edits/Moved/Sport"
+printf '[Moved]\r\n' >> "$work/edits/palette.ini"
+for i in 1 2 3 4 5 6; do
+    cp "$work/edits/Audio_Sample/Beep.wav" "$work/edits/Moved/News/Opener $i.wav"
+    printf 'Path_%s=D:\\Studio\\News\\Opener %s.wav\r\n' "$i" "$i" >> "$work/edits/palette.ini"
+done
+cp "$work/edits/Audio_Sample/Beep.wav" "$work/edits/Moved/Sport/Opener 3.wav"
+cat > "$work/edits.txt" <<EOF
+at 0 resize 1280 800
+at 0 time 2026-11-21 10:59:30
+at 300 press 2
+at 400 mods alt
+at 500 answer yes
+at 600 press 1
+at 700 mods
+at 900 mods ctrl
+at 900 key Z
+at 1000 mods
+at 1400 shot undone.png
+at 1500 pick Moved
+at 2000 answer Moved
+at 2000 rclick b_Jingle(3)
+at 2000 menu mnuReloc
+at 3000 shot frmSelFile find-missing.png
+at 3100 key Escape
+at 3200 end
+EOF
+perform edits
+
 home duck ""
 cat > "$work/duck.txt" <<EOF
 at 0 resize 1280 800

@@ -27,7 +27,9 @@
 #include "startup/upcalls.h"
 #include "ui/edit/announcer_tab.h"
 #include "ui/edit/assign.h"
+#include "ui/edit/carried.h"
 #include "ui/edit/colour_picker.h"
+#include "ui/edit/fill.h"
 #include "ui/edit/history.h"
 #include "ui/edit/jingle_editor.h"
 #include "ui/edit/jingle_menu.h"
@@ -99,6 +101,7 @@ void wireDisplay() {
             }
         };
     }
+    d.picDispBack.onDropFiles = FillPalette;
     onLeftPress(d.lblErr, ErrClick);
     onLeftPress(d.lblMIDIIcon, OpenMidiSettings);
     onLeftPress(d.lblMIDIDevice, OpenMidiSettings);
@@ -113,6 +116,7 @@ void wirePalettes() {
             lstPalMenu();
         }
     };
+    t.lstPal.onDropFiles = FillPalette;
     t.lstPal.onKeyDown = lstpal_KeyDown;
     t.btUp.onMouseDown = btUp_MouseDown;
     t.btDn.onMouseDown = btDn_MouseDown;
@@ -231,6 +235,11 @@ void wireButton(int index) {
     b.b_Jingle.onDrop = [index](const std::string& path) { b_Jingle_OLEDragDrop(index, path); };
     b.b_Jingle.onDescribe = [index] {
         return guardedOr(".b_Jingle_Describe", std::string(), [&] { return DescribeButton(index); });
+    };
+    b.ckJingSel.onChange = [index] {
+        if (index == MoveSrcJ) {
+            MoveBuffer.tick = Button(index)->ckJingSel.value;  // it travels with the move
+        }
     };
     b.ckJingSel.onMouseDown = [](const MouseEvent& e) {
         if (e.button == MouseButton::right) {

@@ -165,6 +165,8 @@ bool screenAvailable() { return true; }
 
 void openDocument(const std::string& target) { noteEvent("open", target); }
 
+void showInFolder(const std::string& file) { noteEvent("show", file); }
+
 void runMinimised(const std::string& command) { noteEvent("run", command); }
 
 bool setProcessPriority(int) { return true; }

@@ -25,6 +25,17 @@ constexpr int kButtons = 120;
 constexpr int kFailuresShown = 20;
 constexpr const char* kDisplayTick = "TimerDispAndJButtons";
 
+/// Files of the script, with "|" between them.
+std::vector<std::string> filesOf(const std::string& text) {
+    std::vector<std::string> files;
+    for (std::size_t from = 0; from <= text.size();) {
+        const std::size_t end = std::min(text.find('|', from), text.size());
+        files.push_back(Stage::instance().file(text.substr(from, end - from)));
+        from = end + 1;
+    }
+    return files;
+}
+
 std::optional<double> asNumber(const std::string& text) {
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -238,9 +249,8 @@ void Player::perform(const Action& action) {
             Stage::instance().answers.push_back(action.text);
             break;
         case Verb::drop:
-            if (Control* button = control(action)) {
-                if (!reachable(*button, action) ||
-                    !shell::dropFile(*button, Stage::instance().file(action.text)))
+            if (Control* target = control(action)) {
+                if (!reachable(*target, action) || !shell::dropFiles(*target, filesOf(action.text)))
                     ignored(action);
             }
             break;

@@ -191,6 +191,17 @@ void readControl(Words& words, Action& action) {
     if (!action.property.empty()) throw Fault("\"" + action.name + "\": a property has no place here");
 }
 
+/// A jingle button by its number, or any control.
+void readTarget(const std::string& text, Action& action) {
+    const bool numbered =
+        text.find_first_not_of("0123456789", text.front() == 'H' ? 1 : 0) == std::string::npos;
+    if (numbered) {
+        action.index = button(text);
+    } else {
+        splitName(text, action);
+    }
+}
+
 void readExpect(Words& words, Action& action) {
     splitName(words.next("what is expected"), action);
     action.compare = "=";
@@ -281,8 +292,8 @@ void readArguments(Words& words, Action& action) {
             readWeb(words, action);
             break;
         case Verb::drop:
-            action.index = button(words.next("the button"));
-            action.text = words.rest("the file");
+            readTarget(words.next("the button"), action);
+            action.text = words.rest("the files");
             break;
         case Verb::mods:
             action.mods = readMods(words);

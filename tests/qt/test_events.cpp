@@ -261,9 +261,9 @@ TEST(Window, TellsItsNewSizeAndKeepsItsSmallest) {
 TEST(Drop, OneFileGoesToTheControlUnderIt) {
     Stage s;
     s.listen(s.families[3]->button);
-    EXPECT_TRUE(dropFile(s.families[3]->button, "/tmp/a b.wav"));
+    EXPECT_TRUE(dropFiles(s.families[3]->button, {"/tmp/a b.wav"}));
     EXPECT_EQ(s.told(), "b_Jingle(3):drop /tmp/a b.wav");
-    EXPECT_FALSE(dropFile(s.label, "/tmp/a b.wav")) << "nobody there takes files";
+    EXPECT_FALSE(dropFiles(s.label, {"/tmp/a b.wav"})) << "nobody there takes files";
 }
 
 TEST(Mouse, APressThatOpenedAWindowEndsWithIt) {

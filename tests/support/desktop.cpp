@@ -95,6 +95,7 @@ std::vector<std::string> installedFonts() { return {"MS Sans Serif"}; }
 std::vector<Monitor> monitors() { return {test::kScreen}; }
 bool screenAvailable() { return true; }
 void openDocument(const std::string& target) { desktop().documents.push_back(target); }
+void showInFolder(const std::string& file) { desktop().shown.push_back(file); }
 void runMinimised(const std::string& command) { desktop().commands.push_back(command); }
 bool setProcessPriority(int) { return true; }
 std::string systemDescription() { return "Test system - Version: 1"; }

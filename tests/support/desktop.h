@@ -17,6 +17,7 @@ struct Desktop {
     int dialogs = 0;                     ///< file and folder dialogs shown
     std::vector<std::string> boxes;      ///< texts of the message boxes shown
     std::vector<std::string> documents;  ///< opened with the user's program
+    std::vector<std::string> shown;      ///< in the file manager
     std::vector<std::string> commands;   ///< started
     std::string clipboard;
     int modifiers = 0;                   ///< kShiftMask | kCtrlMask | kAltMask

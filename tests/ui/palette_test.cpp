@@ -372,7 +372,7 @@ TEST_F(PaletteTest, theMenuOffersWhatFitsTheButton) {
               "Ass Clr Copy Cut Rename Col Loop Seq AutoRep Touch PlayStop NoStop Ta FX JPath ASDir ");
     rec(0).Seq = 1;
     EXPECT_EQ(offered(0),
-              "Ass Clr Copy Cut Rename Col Loop Seq AutoRep! Touch! PlayStop! NoStop! FX JPath ASDir ");
+              "Ass Clr Copy Cut Rename Col Loop Seq AutoRep! Touch! PlayStop! NoStop! Ta FX JPath ASDir ");
     rec(1).MissingFile = true;
     EXPECT_EQ(offered(1), "Ass Clr Reloc ASDir ");
     desktop().menuChoice = "mnuLoop";

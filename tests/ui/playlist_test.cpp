@@ -105,7 +105,7 @@ TEST_F(PlaylistTest, AButtonIsBoundAndItsJinglesAreLocked) {
     EXPECT_EQ(button(kEmpty).caption(), "Night show");
     EXPECT_EQ(marks(), "KP---K--");
     EXPECT_TRUE(PalToSave);
-    EXPECT_EQ(offered(kEmpty), "Locked by a playlist…, Edit the playlist");
+    EXPECT_EQ(offered(kEmpty), "Edit the playlist");
     EXPECT_EQ(offered(kNews), "Locked by a playlist…, Add to a playlist");
     // Nothing sounds and nothing changes.
     heard();

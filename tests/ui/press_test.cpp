@@ -16,6 +16,7 @@
 #include "ui/screen/layout_strip.h"
 #include "ui/screen/shaded.h"
 #include "ui/windows/console_window.h"
+#include "ui/windows/select_file_window.h"
 
 namespace zv::test {
 
@@ -296,6 +297,9 @@ TEST_F(PressTest, aLostFileActsOnRelease) {
     EXPECT_EQ(desktop().paths.size(), 1U);
     release(kSlot);
     EXPECT_TRUE(desktop().paths.empty());
+    pass(100);
+    frmSelFile().btSelect.onClick();
+    pass(100);
     EXPECT_FALSE(rec(kSlot).MissingFile);
     EXPECT_EQ(rec(kSlot).Path, (folder / "Audio_Sample" / "sound_4.wav").string());
 }

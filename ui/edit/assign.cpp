@@ -27,9 +27,22 @@ bool supported(const std::string& path) { return IsSoundExtension(GetFileExt(Get
 
 }  // namespace
 
+void PutFile(int index, const std::string& path, const std::string& effects) {
+    JingleRecord& j = Jingle(index);
+    FreeJingle(index);
+    ClearRecord(index);
+    j.Path = path;
+    j.FXV = effects;
+    j.LogFadeOut = static_cast<std::uint8_t>(settings.LogFadeOut);
+    HideMarks(index);
+    ShowPlayModeMark(index);
+    PaintButton(index, BtnFaceColor, JingleForeColor);
+    openStreams(index);
+}
+
 void clAssign(int index) {
     guarded("modClick.clAssign", [&] {
-        JingleRecord& j = Jingle(index);
+        const JingleRecord& j = Jingle(index);
         if (j.Playing) {
             ShowDisplayMessage(Ln("mRefPlaying"));
             return;
@@ -59,17 +72,8 @@ void clAssign(int index) {
         }
         const DisplayControls& d = w.display;
         const bool pasting = d.lblDispMessage.visible && d.lblDispMessage.caption() == Ln("mlblSelBtarget");
-        const std::string effects = pasting ? j.FXV : std::string();
         const UndoStep step("unAssign");
-        FreeJingle(index);
-        ClearRecord(index);
-        j.Path = path;
-        j.FXV = effects;
-        j.LogFadeOut = static_cast<std::uint8_t>(settings.LogFadeOut);
-        HideMarks(index);
-        ShowPlayModeMark(index);
-        PaintButton(index, BtnFaceColor, JingleForeColor);
-        openStreams(index);
+        PutFile(index, path, pasting ? j.FXV : std::string());
         ClipPath.clear();
         MarkPalToSave();
     });

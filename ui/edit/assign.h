@@ -7,6 +7,8 @@ namespace zv {
 
 /// Assigns ClipPath, or a file that the user chooses. A command that its guard refuses says nothing.
 void clAssign(int index);
+/// The button holds that file from now on, with the defaults of a new jingle but for `effects`. Marks nothing as changed.
+void PutFile(int index, const std::string& path, const std::string& effects = {});
 /// A file let go over a button.
 void b_Jingle_OLEDragDrop(int index, const std::string& path);
 

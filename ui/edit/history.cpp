@@ -7,6 +7,7 @@
 
 #include "audio/open_palette.h"
 #include "audio/streams.h"
+#include "model/actions.h"
 #include "model/held_palette.h"
 #include "model/history.h"
 #include "model/jingle.h"
@@ -215,6 +216,15 @@ void lstPalMenu() {
         SelectPalette(settings.PaletteIndex);  // the right button takes the selection away beside the rows
         std::vector<MenuItem> items{
             {.name = "mnuEarlierStates", .caption = Ln("hsMenu"), .chosen = ShowHistory}};
+        const auto offer = [&](const char* name, const char* key, const std::string& what, Action action) {
+            if (!what.empty()) {
+                items.push_back({.name = name, .caption = Ln(key) + ": " + what, .chosen = [action] {
+                                     perform(action, 0, -1);
+                                 }});
+            }
+        };
+        offer("mnuUndo", "unMenuUndo", UndoText(), Action::undo);
+        offer("mnuRedo", "unMenuRedo", RedoText(), Action::redo);
         if (MidiLearnOffered()) {
             items.push_back(
                 {.name = "mnuMIDI", .caption = Ln("mmnuMIDI"), .chosen = [] { clMIDI("lstPal", -1); }});

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,6 +20,7 @@
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/jingle_editor.h"
+#include "ui/edit/jingle_menu_table.h"
 #include "ui/edit/level_many.h"
 #include "ui/edit/move.h"
 #include "ui/edit/options.h"
@@ -39,42 +41,6 @@ namespace zv {
 
 namespace {
 
-/// The columns of the menu's table of visibility.
-enum class ButtonState { empty, missing, filled, playing };
-
-ButtonState stateOf(const JingleRecord& j) {
-    if (j.Path.empty()) {
-        return ButtonState::empty;
-    }
-    if (j.MissingFile) {
-        return ButtonState::missing;
-    }
-    return j.Playing ? ButtonState::playing : ButtonState::filled;
-}
-
-struct MenuBuilder {
-    std::vector<MenuItem> items;
-    void add(const char* name, bool shown, std::function<void()> chosen, bool enabled = true,
-             bool ticked = false) {
-        if (shown) {
-            const std::string key = "m" + std::string(name);
-            const std::string text = Ln(key);
-            items.push_back({name, text.empty() ? name : text, enabled, ticked, std::move(chosen)});
-        }
-    }
-    void line() {
-        if (!items.empty() && items.back().caption != "-") {
-            items.push_back({"mnuspc2", "-", true, false, {}});
-        }
-    }
-    void open() {
-        while (!items.empty() && items.back().caption == "-") {
-            items.pop_back();
-        }
-        popupMenu(frmMain().window, items);
-    }
-};
-
 void copyOrCut(const char* mode) {
     setClipboard(btCaption(Jingle(MenuJ).Path));
     clMove(MenuJ, mode);
@@ -94,6 +60,80 @@ void colour() {
     clColorSet(MenuJ);
 }
 
+void showFile() { showInFolder(GetFullPath(Jingle(MenuJ).Path)); }
+
+/// What an item does with MenuJ.
+std::function<void()> actionOf(const std::string& name) {
+    static const std::map<std::string, std::function<void()>> actions{
+        {"mnuAss", [] { clAssign(MenuJ); }},
+        {"mnuClr", [] { ClearSelection(); }},
+        {"mnuCopy", [] { copyOrCut("copy"); }},
+        {"mnuCut", [] { copyOrCut("cut"); }},
+        {"mnuPaste", [] { clMove(MenuJ, "paste"); }},
+        {"mnuRename", [] { clRename(MenuJ); }},
+        {"mnuReloc", [] { clReloc(MenuJ); }},
+        {"mnuCol", colour},
+        {"mnuLoop", [] { clLoopSet(MenuJ); }},
+        {"mnuSeq", [] { clSeqSet(MenuJ); }},
+        {"mnuAutoRep", [] { clAutoRepSet(MenuJ); }},
+        {"mnuTouch", [] { clTouchSet(MenuJ); }},
+        {"mnuPlayStop", [] { clPlayStopSet(MenuJ); }},
+        {"mnuNoStop", [] { clNoStopSet(MenuJ); }},
+        {"mnuFX", editEffects},
+        {"mnuMIDI", [] { clMIDI("b_Jingle", MenuJ); }},
+        {"mnuTa", [] { PlayAfterAnnouncement(MenuJ); }},
+        {"mnuLockedBy", [] { clLockedBy(MenuJ); }},
+        {"mnuPlaylist", [] { clPlaylist(MenuJ); }},
+        {"mnuJPath", showFile},
+        {"mnuASDir", [] { openDocument(settings.SampleDir); }},
+    };
+    const auto found = actions.find(name);
+    return found == actions.end() ? std::function<void()>() : found->second;
+}
+
+std::vector<MenuItem> itemsOf(const std::vector<MenuEntry>& entries) {
+    std::vector<MenuItem> items;
+    for (const MenuEntry& entry : entries) {
+        const bool line = entry.name == "-" || entry.name == "mnuspc2";
+        if (line) {
+            items.push_back({entry.name, "-", true, false, {}});
+        } else if (auto action = actionOf(entry.name)) {
+            items.push_back({entry.name, Ln(entry.key), entry.enabled, entry.ticked, std::move(action)});
+        }
+    }
+    return items;
+}
+
+ButtonState stateOf(const JingleRecord& j) {
+    if (j.Path.empty() && !j.Playing) {
+        return ButtonState::empty;
+    }
+    if (j.MissingFile) {
+        return ButtonState::missing;
+    }
+    return j.Playing ? ButtonState::playing : ButtonState::filled;
+}
+
+MenuFacts factsOf(int index) {
+    const JingleRecord& j = Jingle(index);
+    const JingleButton* b = Button(index);
+    return {.state = stateOf(j),
+            .unplayable = j.Unplayable,
+            .playMode = j.PlayMod,
+            .loop = j.Loop != 0,
+            .seq = j.Seq != 0,
+            .effects = b != nullptr && b->fx_Jingle.visible,
+            .kind = j.Kind,
+            .locked = HasPlaylistMark(index, 'K'),
+            .carrying = MoveSrcJ >= 0,
+            .sampleFolder = FolderExists(settings.SampleDir),
+            .midiOffered = MidiLearnOffered(),
+            .midiAssigned = HasMIDIAssignment(index),
+            .playlistsEnabled = PlaylistsEnabled,
+            .boxes = SelectorsShown,
+            .playlistTicked = SelHasPlaylist};
+}
+
 }  // namespace
 
 void OpenJingleMenu(int index) {
@@ -102,66 +142,10 @@ void OpenJingleMenu(int index) {
             ckJingleMenu();
             return;
         }
-        const JingleRecord& j = Jingle(index);
-        const ButtonState state = stateOf(j);
-        const JingleButton* b = Button(index);
-        const bool filled = state == ButtonState::filled;
-        const bool playing = state == ButtonState::playing;
-        const bool missing = state == ButtonState::missing;
-        const bool noSeq = j.Seq == 0;
-        const bool locked = HasPlaylistMark(index, 'K') || j.Kind == SlotKind::playlist;
-        MenuJ = index;
         SelHasPlaylist = SelectorsShown &&
                          std::any_of(SelJ.begin(), SelJ.end(), [](int i) { return HasPlaylistMark(i, 'P'); });
-        const bool single = !SelHasPlaylist;
-
-        MenuBuilder menu;
-        menu.add(
-            "mnuAss", !playing && single, [] { clAssign(MenuJ); }, !locked);
-        menu.add(
-            "mnuClr", filled || missing || j.Kind == SlotKind::playlist, [] { ClearSelection(); },
-            !HasPlaylistMark(index, 'K'));
-        menu.line();
-        menu.add("mnuCopy", filled && single, [] { copyOrCut("copy"); });
-        menu.add(
-            "mnuCut", filled && single, [] { copyOrCut("cut"); }, !locked);
-        menu.add(
-            "mnuPaste", !playing && MoveSrcJ >= 0 && single, [] { clMove(MenuJ, "paste"); }, !locked);
-        menu.add("mnuRename", filled && single, [] { clRename(MenuJ); });
-        menu.add("mnuReloc", missing && !j.Unplayable && single, [] { clReloc(MenuJ); });
-        menu.line();
-        menu.add("mnuCol", (filled || locked) && single, colour);
-        menu.add(
-            "mnuLoop", filled && single, [] { clLoopSet(MenuJ); }, !locked, j.Loop != 0);
-        menu.add(
-            "mnuSeq", filled && single, [] { clSeqSet(MenuJ); }, !locked, j.Seq != 0);
-        menu.add(
-            "mnuAutoRep", filled && single, [] { clAutoRepSet(MenuJ); }, noSeq,
-            j.PlayMod == PlayMode::autoRepeat);
-        menu.add(
-            "mnuTouch", filled && single, [] { clTouchSet(MenuJ); }, noSeq, j.PlayMod == PlayMode::touch);
-        menu.add(
-            "mnuPlayStop", filled && single, [] { clPlayStopSet(MenuJ); }, noSeq,
-            j.PlayMod == PlayMode::playStop);
-        menu.add(
-            "mnuNoStop", filled && single, [] { clNoStopSet(MenuJ); }, noSeq, j.PlayMod == PlayMode::noStop);
-        menu.add("mnuTa", (filled || playing) && single, [] { PlayAfterAnnouncement(MenuJ); });
-        menu.add("mnuFX", (filled || playing) && single, editEffects, true,
-                 b != nullptr && b->fx_Jingle.visible);
-        menu.add(
-            "mnuMIDI", !SelectorsShown && MidiLearnOffered(), [] { clMIDI("b_Jingle", MenuJ); }, true,
-            HasMIDIAssignment(index));
-        menu.add("mnuLockedBy", locked && !SelectorsShown, [] { clLockedBy(MenuJ); });
-        const bool listable = !j.MissingFile && j.Loop == 0 && noSeq && !SelectorsShown;
-        if (PlaylistsEnabled && listable) {
-            menu.items.push_back(
-                {"mnuPlaylist", PlaylistMenuText(index), true, false, [] { clPlaylist(MenuJ); }});
-        }
-        menu.line();
-        menu.add("mnuJPath", filled || playing || (missing && j.Unplayable),
-                 [] { openDocument(GetPath(GetFullPath(Jingle(MenuJ).Path))); });
-        menu.add("mnuASDir", FolderExists(settings.SampleDir), [] { openDocument(settings.SampleDir); });
-        menu.open();
+        MenuJ = index;
+        popupMenu(frmMain().window, itemsOf(JingleMenuEntries(factsOf(index))));
     });
 }
 
@@ -176,24 +160,15 @@ void ckJingleMenu() {
                 playlist = playlist || Jingle(i).Kind == SlotKind::playlist;
             }
         }
-        if (SelJ.empty()) {
-            return;
+        if (!SelJ.empty()) {
+            MenuJ = SelJ.front();
+            std::vector<MenuItem> items = itemsOf(SelectionMenuEntries(playlist));
+            if (!playlist) {
+                items.push_back({"mnuspc3", "-", true, false, {}});
+                items.push_back({"mnuLoudness", LoudnessItem(), true, false, [] { BringToLoudness(SelJ); }});
+            }
+            popupMenu(frmMain().window, items);
         }
-        MenuJ = SelJ.front();
-        MenuBuilder menu;
-        menu.add("mnuCol", true, colour);
-        menu.add("mnuClr", true, [] { ClearSelection(); });
-        menu.line();
-        menu.add("mnuLoop", !playlist, [] { clLoopSet(MenuJ); });
-        menu.add("mnuSeq", !playlist, [] { clSeqSet(MenuJ); });
-        menu.add("mnuAutoRep", !playlist, [] { clAutoRepSet(MenuJ); });
-        menu.add("mnuTouch", !playlist, [] { clTouchSet(MenuJ); });
-        menu.add("mnuPlayStop", !playlist, [] { clPlayStopSet(MenuJ); });
-        menu.add("mnuNoStop", !playlist, [] { clNoStopSet(MenuJ); });
-        menu.line();
-        menu.add("mnuLoudness", !playlist, [] { BringToLoudness(SelJ); });
-        if (!playlist) menu.items.back().caption = LoudnessItem();
-        menu.open();
     });
 }
 

@@ -10,6 +10,7 @@
 #include "model/state.h"
 #include "platform/desktop.h"
 #include "platform/paths.h"
+#include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
@@ -70,6 +71,9 @@ void DelJing(int index, bool withFile) {
             }
         }
         MarkPalToSave();
+        if (file && FileExists(path)) {
+            ErrDisp("no", 1, Ln("unFileStays") + " " + path);
+        }
     });
 }
 

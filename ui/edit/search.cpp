@@ -127,7 +127,11 @@ void openPalette(const std::string& name, std::vector<int> found) {
     blinksLeft = settings.BlinksJSearch;
     blinkOn = false;
     CloseSearchBox();
-    if (!SearchHits.empty()) timers().TimerFindJingles.restart();
+    if (SearchHits.empty()) return;
+    // Enter plays what was found.
+    if (JingleButton* b = Button(SearchHits.front()); b != nullptr && b->b_Jingle.visible)
+        setFocus(b->b_Jingle);
+    timers().TimerFindJingles.restart();
 }
 
 std::vector<int> slotsOf(const std::string& caption) {

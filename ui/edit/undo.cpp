@@ -47,7 +47,8 @@ struct Step {
     std::vector<Removal> removalsBefore, removalsAfter;
     std::vector<FormerSection> sections;  ///< of palettes that lose a jingle, before they do
     std::optional<FileRename> renamed;
-    std::string deleted;  ///< path
+    std::vector<PathChange> paths;  ///< of palettes that are not open
+    std::string deleted;            ///< path
 };
 
 /// The edit that is under way.
@@ -146,7 +147,7 @@ void end() {
     if (editor.index >= 0) {
         editor.before = SlotContent(editor.index);
     }
-    if (step.slots.empty()) {
+    if (step.slots.empty() && step.paths.empty()) {
         return;
     }
     step.removalsAfter = PendingRemovals();
@@ -271,6 +272,7 @@ void take(std::vector<Step>& from, std::vector<Step>& to, bool back) {
         back ? FileBack(step.deleted) : FileAway(step.deleted);
     }
     bring(step, back);
+    BringPaths(step.paths, back);
     bringRemovals(step, back);
     if (!step.deleted.empty() && back) {
         OpenMissing();
@@ -304,6 +306,8 @@ void CloseEditorStep() {
 void NoteRename(const std::string& from, const std::string& to) {
     under.step.renamed = RenameBefore(from, to);
 }
+
+void NotePaths(std::vector<PathChange> changes) { under.step.paths = std::move(changes); }
 
 void NoteDeletedFile(const std::string& path) { under.step.deleted = GetRelPath(path); }
 

@@ -4,6 +4,9 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
+
+#include "ui/edit/lost_files.h"
 
 namespace zv {
 
@@ -30,6 +33,8 @@ void CloseEditorStep();
 
 /// The step under way is about to rename the sound file of path `from` to that of path `to`.
 void NoteRename(const std::string& from, const std::string& to);
+/// The step under way has changed paths in palettes that are not open.
+void NotePaths(std::vector<PathChange> changes);
 /// The step under way is about to put a sound file, which is still there, into the history.
 void NoteDeletedFile(const std::string& path);
 

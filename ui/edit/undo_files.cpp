@@ -106,6 +106,9 @@ void BringSpellingsBack(const FileRename& renamed) {
 }
 
 void FileBack(const std::string& path) {
+    if (FileExists(GetFullPath(path))) {
+        return;  // it could not be deleted, or another one stands there by now
+    }
     const auto entries = HistoryEntries();
     const auto entry = std::find_if(entries.begin(), entries.end(), [&](const HistoryEntry& one) {
         return one.isFile() && one.reason == HistoryReason::deleted && one.name == path;
@@ -118,7 +121,7 @@ void FileBack(const std::string& path) {
 void FileAway(const std::string& path) {
     const std::string full = GetFullPath(path);
     if (FileExists(full) && !KeepDeletedFile(full)) {
-        ErrDisp("no", 1, Ln("mFolderNotWritable") + " " + path);
+        ErrDisp("no", 1, Ln("unFileStays") + " " + path);
     }
 }
 

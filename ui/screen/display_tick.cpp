@@ -153,7 +153,8 @@ void TimerDispAndJButtonsTick() {
         DuckTickBegin();
         const int last = LastLiveIdx();
         for (int i = 0; i <= last; ++i) {
-            if (JExists[static_cast<std::size_t>(i)] != 1 || Button(i) == nullptr || IsSearchHit(i)) {
+            if (JExists[static_cast<std::size_t>(i)] != 1 || Button(i) == nullptr ||
+                (IsSearchHit(i) && !Jingle(i).Playing)) {
                 continue;
             }
             guarded("frmMain.TimerDispAndJButtons_Timer", [&] {

@@ -8,24 +8,24 @@
 #include "platform/controls.h"
 #include "platform/desktop.h"
 #include "platform/forms.h"
+#include "startup/datafiles.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
-#include "startup/stores.h"
 #include "ui/records/key_table.h"
 
 namespace zv {
 
 namespace {
 
-constexpr int kChipWidth = 92, kRowHeight = 24, kRowGap = 3, kWidth = 920;  // pixels
-constexpr int kSmallChange = 300, kLargeChange = 1000;                      // twips
+constexpr int kChipWidth = 92, kRowHeight = 24, kRowGap = 3, kWidth = 1000;  // pixels
+constexpr int kSmallChange = 300, kLargeChange = 1000;                       // twips
 constexpr Colour kLightChip = 0xEEEBE9, kDarkChip = 0x3C3A38;
 
 std::string keyName(const std::string& key) { return key.starts_with("scKey") ? Ln(key) : key; }
 
-std::string helpFile() { return InProgramFolder("Language/Zentrova.chm"); }
+std::string helpFile() { return ShippedFile("Manual/Zentrova.html"); }
 
 /// The rows of the table that the list shows.
 std::vector<const KeyRow*> shownRows() {

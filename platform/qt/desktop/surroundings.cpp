@@ -4,6 +4,10 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCursor>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #include <QDesktopServices>
 #include <QDir>
 #include <QEvent>
@@ -27,6 +31,8 @@ using shell::textOf;
 using shell::utf8;
 
 namespace {
+
+constexpr int kFileManagerMs = 5000;  ///< it may have to be started first
 
 /// Notes whether anything came from which a modifier key may have changed: while the program is the active
 /// one, its windows are told of every key, so that the display server need not be asked at each tick.
@@ -112,6 +118,27 @@ void openDocument(const std::string& target) {
     const QString text = textOf(target);
     const QFileInfo file(text);
     QDesktopServices::openUrl(file.exists() ? QUrl::fromLocalFile(file.absoluteFilePath()) : QUrl(text));
+}
+
+void showInFolder(const std::string& file) {
+    const QFileInfo shown(textOf(file));
+    const QUrl folder = QUrl::fromLocalFile(shown.absolutePath());
+    // Every desktop's file manager offers this on the session's bus; without one the folder is opened.
+    QDBusMessage request =
+        QDBusMessage::createMethodCall("org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
+                                       "org.freedesktop.FileManager1", "ShowItems");
+    request << QStringList{QUrl::fromLocalFile(shown.absoluteFilePath()).toString(QUrl::FullyEncoded)}
+            << QString();
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!shown.exists() || !bus.isConnected()) {
+        QDesktopServices::openUrl(folder);
+        return;
+    }
+    auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(request, kFileManagerMs), qApp);
+    QObject::connect(answer, &QDBusPendingCallWatcher::finished, qApp, [answer, folder] {
+        if (answer->isError()) QDesktopServices::openUrl(folder);
+        answer->deleteLater();
+    });
 }
 
 void runMinimised(const std::string& command) {

@@ -276,14 +276,16 @@ bool setTicked(Control& control, bool on) {
     return click(control, MouseButton::left, 0, {side / 2, control.height() / 2});
 }
 
-bool dropFile(Control& control, const std::string& path) {
+bool dropFiles(Control& control, const std::vector<std::string>& paths) {
     const Target target = targetOf(control, {});
     if (!reaches(target, control)) return false;
     QWidget* receiver = target.widget->childAt(target.at);
     if (receiver == nullptr) receiver = target.widget;
     const QPoint at = receiver->mapFrom(target.widget, target.at);
     QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(textOf(path))});
+    QList<QUrl> urls;
+    for (const std::string& path : paths) urls.push_back(QUrl::fromLocalFile(textOf(path)));
+    data.setUrls(urls);
     QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     enter.ignore();
     QCoreApplication::sendEvent(receiver, &enter);

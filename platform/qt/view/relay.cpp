@@ -369,19 +369,21 @@ class Relay final : public QObject {
     }
 
     bool dragged(QDropEvent& e) {
-        if (!view_.record.onDrop || !e.mimeData()->hasUrls()) return false;
+        if (!view_.record.onDrop && !(view_.record.onDropFiles && e.mimeData()->hasUrls())) return false;
         e.acceptProposedAction();
         return true;
     }
 
     bool dropped(QDropEvent& e) {
-        if (!view_.record.onDrop) return false;
-        const QList<QUrl> urls = e.mimeData()->urls();
+        if (!view_.record.onDrop && !view_.record.onDropFiles) return false;
+        std::vector<std::string> paths;
+        for (const QUrl& url : e.mimeData()->urls())
+            if (url.isLocalFile()) paths.push_back(utf8(url.toLocalFile()));
         e.acceptProposedAction();
-        // One file at a time; more are ignored without a word.
-        if (urls.size() == 1 && urls.front().isLocalFile()) {
-            const std::string path = utf8(urls.front().toLocalFile());
-            call([&] { view_.record.onDrop(path); });
+        if (view_.record.onDropFiles) {
+            call([&] { view_.record.onDropFiles(paths); });
+        } else if (paths.size() <= 1) {  // more are ignored without a word
+            call([&] { view_.record.onDrop(paths.empty() ? std::string() : paths.front()); });
         }
         return true;
     }

@@ -80,7 +80,7 @@ bool moveSlider(Control& control, int value);
 /// nothing happens when it already is so.
 bool setTicked(Control& control, bool on);
 /// A file is dragged from elsewhere and let go over the control.
-bool dropFile(Control& control, const std::string& path);
+bool dropFiles(Control& control, const std::vector<std::string>& paths);
 /// Asks the window to close as its close button does: onQueryClose(0), then onClose unless that said false.
 bool closeWindow(Control& window);
 /// Gives the window a new inner size as by dragging its border.
