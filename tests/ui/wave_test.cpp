@@ -277,6 +277,36 @@ TEST_F(WaveTest, AFileThatChangesTakesThePositionsAlong) {
     EXPECT_TRUE(reports.empty());
 }
 
+TEST_F(WaveTest, WithoutItsFileAHandleStillMovesAndNothingIsReadForEver) {
+    open("StopPos=6000");
+    std::filesystem::remove(file());
+    w.picWave.onMouseMove(at(400, 60));
+    w.picWave.onWheel(12, 0);
+    key(Key::right, kShiftMask);
+    pass(200);
+    EXPECT_NEAR(j.CueStart, 0.01 * kSecond, kBytesPerFrame);
+    key(Key::down);
+    key(Key::left, kShiftMask);
+    pass(200);
+    EXPECT_NEAR(j.StopPos, 5.99 * kSecond, kBytesPerFrame);
+}
+
+TEST_F(WaveTest, AStopBeforeTheStartIsTold) {
+    open("StopPos=3000");
+    const std::string facts = w.lblFacts.caption();
+    const auto start = [&](int seconds) {
+        w.optStartEnd[0]->onChange();
+        w.TxtPos.show({0, seconds, 0});
+        w.TxtPos.cs->onChange();
+        pass(100);
+    };
+    start(5);
+    EXPECT_GT(j.CueStart, j.StopPos);
+    EXPECT_NE(w.lblFacts.caption(), facts);
+    start(1);
+    EXPECT_EQ(w.lblFacts.caption(), facts);
+}
+
 TEST_F(WaveTest, ASoundOfOneFrameIsHeld) {
     load(kSlot, std::vector<std::int16_t>{1000, -1000}, "Seq=1");
     show();

@@ -83,7 +83,10 @@ std::string spelt(CuePoint point, const WaveMarks& m) {
 
 void askSamples(std::int64_t from, std::int64_t to);
 
-/// The samples have come, or were there: the handle that waits for them goes to the nearest zero crossing.
+bool asked(std::int64_t from, std::int64_t to) { return wave.asked.first <= from && wave.asked.second >= to; }
+
+/// The handle that waits goes to the nearest zero crossing once the samples around it are there. Where there are none,
+/// as of a file that is gone, it goes where it was drawn to.
 void snapNow() {
     if (!wave.snap || wave.view.rate <= 0) return;
     const auto [point, seconds] = *wave.snap;
@@ -91,12 +94,14 @@ void snapNow() {
     const auto reach = static_cast<std::int64_t>(kSnapReach * wave.view.rate);
     const auto end = static_cast<std::int64_t>(wave.view.length * wave.view.rate);
     const std::int64_t from = std::max<std::int64_t>(0, frame - reach), to = std::min(end, frame + reach);
-    if (!wave.samples.covers(from, to)) {
+    std::optional<std::int64_t> crossing;
+    if (wave.samples.covers(from, to)) {
+        crossing = ZeroCrossing(wave.samples, frame);
+    } else if (wave.sampling.running() || !asked(from, to)) {
         askSamples(from - reach, to + reach);
         return;
     }
     wave.snap.reset();
-    const auto crossing = ZeroCrossing(wave.samples, frame);
     MovePoint(point, static_cast<double>(crossing.value_or(frame)) / wave.view.rate);
 }
 
@@ -110,14 +115,14 @@ void askSamples(std::int64_t from, std::int64_t to) {
     }
     from = std::max<std::int64_t>(0, from);
     to = std::min(to, static_cast<std::int64_t>(wave.outline->length));
-    if (wave.samples.covers(from, to)) return;
-    if (wave.sampling.running() && wave.asked.first <= from && wave.asked.second >= to) return;
+    // What was asked for comes, or has come as far as the file has it.
+    if (wave.samples.covers(from, to) || asked(from, to)) return;
     wave.asked = {from, to};
     wave.sampling = ReadSamples(path(), from, to - from, [](SampleStretch read) {
         guarded("frmFX.picWave_Samples", [&] {
             wave.samples = std::move(read);
             wave.shapeStale = true;
-            if (wave.samples.rate > 0) snapNow();
+            snapNow();
             ShowWave();
         });
     });
@@ -293,6 +298,7 @@ void OpenWave() {
     wave.outlining = ReadOutline(path(), [](const Outline& outline, bool whole) {
         guarded("frmFX.picWave_Outline", [&] {
             if (outline || whole) wave.outline = outline;
+            wave.asked = {};
             if (outline) wave.view.rate = outline->rate;
             wave.shapeStale = true;
             ShowWave();
