@@ -229,6 +229,24 @@ at 3400 end
 EOF
 perform duck
 
+home air "VolLive=80 StreamPoint=http://radio.example/live"
+cat > "$work/air.txt" <<EOF
+at 0 web http://radio.example/live "$work/air/Time_Announce.wav" 200 audio/wav;live
+at 0 resize 1280 800
+at 0 time 2026-11-21 10:59:48
+at 300 click ckTab(2)
+at 500 click ckPlayStream
+at 2500 click ckMixByTa
+at 4000 shot live.png
+at 4100 click ckTab(1)
+at 4200 click ckTmAnn
+at 4500 click b_tmAnJin
+at 4700 press 1
+at 9000 shot announcer.png
+at 9100 end
+EOF
+perform air
+
 home surface ""
 printf 'MIDIDevice=Pad Controller\r\n' >> "$work/surface/zv.ini"
 cat > "$work/surface/MIDI.ini" <<'INI'

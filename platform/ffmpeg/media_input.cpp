@@ -29,8 +29,12 @@ constexpr const char* webProtocols = "http,https,tcp,tls,httpproxy";
 /// only where this is set in the environment.
 constexpr const char* verifyVariable = "ZENTROVA_VERIFY_TLS";
 
-constexpr std::int64_t quickProbe = 32'768;    // a WAV opens four times as fast as with the library's 5 MB
-constexpr std::int64_t deepProbe = 5'000'000;  // large pictures in front of the sound
+constexpr std::int64_t quickProbe = 32'768;  // a WAV opens four times as fast as with the library's 5 MB
+// Of a live stream, whose bytes come no faster than its sound: what the library would look at for a file takes it
+// several seconds.
+constexpr std::int64_t liveProbe = 16'384;
+constexpr std::int64_t liveAnalysis = 100'000;  // us
+constexpr std::int64_t deepProbe = 5'000'000;   // large pictures in front of the sound
 constexpr auto fileLimit = 30s;
 
 int codeOf(int averror) {
@@ -134,6 +138,10 @@ int MediaInput::open(std::int64_t probeBytes) {
     options.set("protocol_whitelist", network_ ? webProtocols : "file");
     options.set("format_whitelist", containers());
     options.set("probesize", probeBytes);
+    if (network_ && !segmented_) {
+        options.set("formatprobesize", liveProbe);
+        options.set("analyzeduration", liveAnalysis);
+    }
     // On failure the library frees the context itself.
     if (const int result = avformat_open_input(&context, address_.c_str(), nullptr, &options.dictionary);
         result < 0)

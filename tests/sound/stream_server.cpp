@@ -47,10 +47,15 @@ void StreamServer::Client::waitFor(const std::atomic<bool>& open) const {
     while (!open && !*stopping_) std::this_thread::sleep_for(std::chrono::milliseconds(5));
 }
 
-void StreamServer::Client::waitForHangUp() const {
+bool StreamServer::Client::hangsUpWithin(int milliseconds) const {
     std::array<char, 4096> ignored{};
-    while (!*stopping_)
-        if (readable(socket_, 20) && recv(socket_, ignored.data(), ignored.size(), 0) <= 0) return;
+    return *stopping_ ||
+           (readable(socket_, milliseconds) && recv(socket_, ignored.data(), ignored.size(), 0) <= 0);
+}
+
+void StreamServer::Client::waitForHangUp() const {
+    while (!hangsUpWithin(20)) {
+    }
 }
 
 StreamServer::StreamServer() : listener_(listenOnLoopback(port_)) {

@@ -24,6 +24,8 @@ class StreamServer {
         void send(std::span<const char> bytes);
         /// Holds the line until `open` is set or the test is over.
         void waitFor(const std::atomic<bool>& open) const;
+        /// Whether the client hangs up within so many milliseconds.
+        bool hangsUpWithin(int milliseconds) const;
         /// Until the client hangs up.
         void waitForHangUp() const;
 

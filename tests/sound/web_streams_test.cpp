@@ -125,6 +125,64 @@ TEST_F(WebStreams, RepliesOfAllKinds) {
     EXPECT_NEAR(seconds * 48'000, static_cast<double>(readStream(*decoder).size()) / 2, 1000);
 }
 
+TEST_F(WebStreams, TellsTheTitleOfTheSoundThatIsRead) {
+    const auto mp3 = encoded("a.mp3"), ogg = encoded("a.ogg", "-metadata artist=Her -metadata title=Song");
+    server.answer("/shout", [mp3](StreamServer::Client& client) {
+        client.say("ICY 200 OK\r\ncontent-type:audio/mpeg\r\nicy-metaint:4096\r\n\r\n");
+        for (std::size_t at = 0; at < mp3.size(); at += 4096) {
+            const auto piece = std::span(mp3).subspan(at, std::min<std::size_t>(4096, mp3.size() - at));
+            client.send(piece);
+            std::string title = at < mp3.size() / 2 ? "StreamTitle='It's one';" : "StreamTitle='Two';";
+            title.resize(32, '\0');
+            if (piece.size() == 4096) client.say("\x02" + title);
+        }
+    });
+    server.answer("/ogg", [ogg](StreamServer::Client& client) {
+        client.say(header("application/ogg")), client.send(ogg);
+    });
+    const auto decoder = open(server.url("/shout"));
+    ASSERT_TRUE(decoder) << error;
+    readStream(*decoder, static_cast<std::size_t>(seconds * 44'100 / 4));
+    EXPECT_EQ(decoder->told().substr(0, 23), "StreamTitle='It's one';");
+    readStream(*decoder);
+    EXPECT_EQ(decoder->told().substr(0, 18), "StreamTitle='Two';");
+    const auto named = open(server.url("/ogg"));
+    ASSERT_TRUE(named) << error;
+    EXPECT_EQ(named->told(), "StreamTitle='Her - Song';");
+}
+
+TEST_F(WebStreams, PlaylistsLeadToTheirStream) {
+    const auto mp3 = encoded("a.mp3");
+    encoded("s.m3u8", "-c:a aac -f hls -hls_time 1 -hls_list_size 0");
+    const auto text = [](std::string type, std::string body) {
+        return [=](StreamServer::Client& client) { client.say(header(type) + body); };
+    };
+    server.answer(
+        "/mp3", [mp3](StreamServer::Client& client) { client.say(header("audio/mpeg")), client.send(mp3); });
+    server.answer("/a.m3u", text("audio/x-mpegurl", "#EXTM3U\r\n" + server.url("/gone") + "\r\nmp3\r\n"));
+    server.answer("/a.pls", text("text/plain", "[playlist]\nFile1=" + server.url("/a.m3u") + "\n"));
+    server.answer("/a.xspf", text("application/xspf+xml",
+                                  "<?xml version='1.0'?><playlist><trackList><track><location>" +
+                                      server.url("/mp3") + "</location></track></trackList></playlist>"));
+    server.answer("/itself", text("text/plain", "#EXTM3U\nitself\n"));
+    server.answer("/file", text("text/plain", "#EXTM3U\nfile:///etc/passwd\n"));
+    for (const char* name : {"s.m3u8", "s0.ts", "s1.ts", "s2.ts"})
+        server.answer(
+            "/" + std::string(name), [body = readBytes(folder / name)](StreamServer::Client& client) {
+                client.say(header("video/mp2t", "Content-Length: " + std::to_string(body.size()) + "\r\n"));
+                client.send(body);
+            });
+    for (const char* path : {"/a.m3u", "/a.pls", "/a.xspf", "/s.m3u8"}) {
+        const auto decoder = open(server.url(path));
+        ASSERT_TRUE(decoder) << path << " " << error;
+        expectTones(readStream(*decoder), path);
+    }
+    for (const char* path : {"/itself", "/file"}) {
+        EXPECT_FALSE(open(server.url(path))) << path;
+        EXPECT_EQ(BASS_ERROR_FILEFORM, error) << path;
+    }
+}
+
 TEST_F(WebStreams, DriesUpAndGoesOn) {
     const auto mp3 = encoded("a.mp3");
     static std::atomic<bool> open;
@@ -188,6 +246,18 @@ TEST_F(WebStreams, EveryFailureHasItsCode) {
     server.answer("/to-file", [&](StreamServer::Client& client) {
         client.say("HTTP/1.1 302 Found\r\nLocation: file:///etc/passwd\r\nContent-Length: 0\r\n\r\n");
     });
+    const auto drip = [](std::string first, std::string piece, int ms) {
+        return [=](StreamServer::Client& client) {
+            client.say(first);
+            while (!client.hangsUpWithin(ms)) client.say(piece);
+        };
+    };
+    server.answer("/drops", drip(header("audio/mpeg"), "x", 50));
+    server.answer("/headers", drip("HTTP/1.1 200 OK\r\n", "X-More: and more\r\n", 0));
+    server.answer("/one-header", drip("HTTP/1.1 200 OK\r\nX-Long: ", std::string(100'000, 'x'), 0));
+    server.answer("/garbage", drip(header("audio/mpeg"), std::string(4096, '\x5A'), 1));
+    server.answer("/packed",
+                  drip(header("audio/mpeg", "Content-Encoding: gzip\r\n"), "\x1F\x8B\x08 rubbish", 5));
     server.answer("garbled",
                   [](StreamServer::Client& client) { client.say("HTTP/1.1 400 Bad Request\r\n\r\n"); });
     const struct {
@@ -205,6 +275,11 @@ TEST_F(WebStreams, EveryFailureHasItsCode) {
         {server.url("/empty"), BASS_ERROR_FILEFORM},
         {server.url("/silent"), BASS_ERROR_TIMEOUT},
         {server.url("/promises"), BASS_ERROR_TIMEOUT},
+        {server.url("/drops"), BASS_ERROR_TIMEOUT},
+        {server.url("/headers"), BASS_ERROR_TIMEOUT},
+        {server.url("/one-header"), BASS_ERROR_TIMEOUT},
+        {server.url("/garbage"), BASS_ERROR_FILEFORM},
+        {server.url("/packed"), BASS_ERROR_TIMEOUT},
         {"http://no-such-host.invalid/", BASS_ERROR_NONET},
         {server.url("/", "https"), BASS_ERROR_SSL},
         {"ftp://127.0.0.1/a.mp3", BASS_ERROR_PROTOCOL},

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "audio/announcer.h"
 #include "audio/devices.h"
 #include "audio/output_watch.h"
 #include "model/state.h"
@@ -24,6 +25,7 @@
 namespace zv {
 
 bool ClockShowDate = false;
+bool TaHeld = false;
 bool DateTimeDemoOn = false;
 
 namespace {
@@ -109,6 +111,19 @@ void showTime(const WallTime& t) {
     d.lblPosMin.visible = true;
     writeDigits({"", h.substr(0, 1), h.substr(1), colon, m.substr(0, 1), m.substr(1), colon, s.substr(0, 1),
                  s.substr(1)});
+}
+
+void showNextAnnouncement(const WallTime& now) {
+    DisplayControls& d = frmMain().display;
+    const std::string next = NextAnnouncement(now);  // "hh:mm:ss" and " AM" or " PM"
+    SetDigitsColour(settings.RemainColor);
+    d.lblClock[1].visible = next.find("AM") != std::string::npos;
+    d.lblClock[2].visible = next.find("PM") != std::string::npos;
+    d.lblPosMinD.visible = true;
+    d.lblPosMin.visible = true;
+    const std::string tens = next.substr(0, 1) == "0" ? std::string() : next.substr(0, 1);
+    writeDigits({"", tens, next.substr(1, 1), ":", next.substr(3, 1), next.substr(4, 1), ":",
+                 next.substr(6, 1), next.substr(7, 1)});
 }
 
 }  // namespace
@@ -212,6 +227,8 @@ void ClockUpdate() {
         const WallTime now = wallTime();
         if (settings.DateEnabled == 1 && ClockShowDate && settings.ClockEnabled == 1) {
             showDate(now);
+        } else if (settings.MinimalView == 1 && TaHeld) {
+            showNextAnnouncement(now);
         } else if (ClockShown) {
             SetDigitsColour(settings.CountDownColor);
             const int tens = now.second / 10;

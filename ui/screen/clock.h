@@ -14,6 +14,7 @@ std::string FormatTime(std::string_view format, const WallTime& time);
 std::string FormatDate(std::string_view format, const WallTime& time);
 
 extern bool ClockShowDate;  ///< the display is held down in minimal view
+extern bool TaHeld;         ///< minimal view: lblTa is held, the digits show the next announcement
 
 extern bool DateTimeDemoOn;  ///< the labels show samples; DateTimeUpdate leaves them alone
 /// Fills both labels with sample values in the formats of the settings, or brings date and time back.
