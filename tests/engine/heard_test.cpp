@@ -48,6 +48,15 @@ TEST_F(Heard, AFadeTakesItsTimeWhateverTheFormat) {
                 const double level = attribute == BASS_ATTRIB_VOL ? 0.5 : 0.0625;
                 EXPECT_NEAR(levels[0], level, 1e-3) << what;
                 EXPECT_NEAR(levels[1], level, 1e-3) << what;
+                // In silence it takes as long.
+                BASS_ChannelStop(jingle);
+                BASS_ChannelSlideAttribute(jingle, attribute, 1, 200);
+                float reached = 0;
+                for (const float wanted : {0.5625F, 1.0F}) {
+                    pull(wanted == 1 ? 4851 : 4410);
+                    BASS_ChannelGetAttribute(jingle, attribute, &reached);
+                    EXPECT_NEAR(reached, wanted, 0.015) << what;
+                }
             }
 }
 

@@ -262,4 +262,34 @@ TEST_F(EditorTest, keysPlayAndSetStartAndStopUnlessAFieldTakesThem) {
     }
 }
 
+TEST_F(EditorTest, eachBoxHasItsFieldAndShowsIt) {
+    open();
+    const std::vector<Control*> boxes{&w.ckAutoDuck, &w.ckNoTrigDuck, &w.ckNoAutomix, &w.ckLogFadeOut,
+                                      &w.ckLoopFadeOut};
+    const struct {
+        std::size_t box;
+        int value;
+        const char *fields, *shown;
+    } steps[] = {{2, 1, "00100", "00100"}, {1, 1, "01100", "01100"}, {1, 0, "00100", "00100"},
+                 {0, 1, "11100", "11100"}, {0, 0, "21100", "01100"}, {3, 1, "21110", "01110"},
+                 {4, 1, "21111", "01111"}, {2, 0, "21011", "01011"}, {3, 0, "21001", "01001"},
+                 {4, 0, "21000", "01000"}};
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.fields);
+        PalToSave = false;
+        set(*boxes[step.box], step.value);
+        EXPECT_TRUE(PalToSave);
+        OKfx();
+        clFXSet(kSlot);
+        std::string fields, shown;
+        for (const int field : {j.AutoDuck, j.NoTrigDuck, j.NoAutomix, j.LogFadeOut, j.LoopFadeOut})
+            fields += std::to_string(field);
+        for (const Control* box : boxes) shown += std::to_string(box->value());
+        EXPECT_EQ(fields, step.fields);
+        EXPECT_EQ(shown, step.shown);
+        EXPECT_EQ(j.FadeAttrib != BASS_ATTRIB_VOL, j.LogFadeOut == 1)
+            << "an attribute of its own: logarithmic";
+    }
+}
+
 }  // namespace zv::test

@@ -398,10 +398,18 @@ TEST_F(PressTest, globalTogglesExcludeEachOtherAndAreKept) {
         EXPECT_EQ(k.ckTouch.backColor, row.touch ? settings.tcColor : BtnFaceColor);
         EXPECT_EQ(k.ckAutoRep.backColor, row.repeat ? settings.arColor : BtnFaceColor);
         EXPECT_EQ(k.ckAutoMix.backColor, row.mix == 1 ? Shaded.am : row.mix == 2 ? Shaded.am2 : BtnFaceColor);
+        EXPECT_EQ(k.ckAutoMix.caption(), LnBox(row.mix == 1   ? "mckAutoMixA"
+                                               : row.mix == 2 ? "mckAutoMixB"
+                                                              : "mckAutoMix"));
         const auto& letters = frmMain().display.lblPlayMode;
         EXPECT_EQ(letters[0].caption() + letters[1].caption(), row.letters);
         EXPECT_EQ(SettingsStore.GetValue("Touch"), std::to_string(row.touch));
         EXPECT_EQ(SettingsStore.GetValue("Autorepeat"), std::to_string(row.repeat));
+    }
+    for (const bool held : {true, false}) {
+        settings.HoldExitToShutDown = held ? 1 : 0;
+        LnStrings("frmMain");
+        EXPECT_EQ(k.btExit.caption(), LnBox(held ? "mbtExitSD" : "mbtExit"));
     }
     MIDILearnActive = true;
     CkAutoMixTog();
