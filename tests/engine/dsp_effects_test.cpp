@@ -77,6 +77,11 @@ TEST(DspPeakEq, FlatBandsChangeNoBit) {
         eq.process(out.data(), 1000);
         EXPECT_EQ(out, sound);
     }
+    for (const double centre : {1.0, 22049.0}) {
+        PeakEq eq(kRate);
+        eq.setBand(0, {centre, 6, 2.5, 0});
+        EXPECT_FALSE(eq.bypassed()) << centre;
+    }
 }
 
 TEST(DspPeakEq, LiveChangesDoNotClickAndEndInBypass) {

@@ -17,6 +17,7 @@
 #include "ui/screen/shaded.h"
 #include "ui/windows/console_window.h"
 #include "ui/windows/select_file_window.h"
+#include "ui/wiring.h"
 
 namespace zv::test {
 
@@ -405,6 +406,14 @@ TEST_F(PressTest, globalTogglesExcludeEachOtherAndAreKept) {
         EXPECT_EQ(letters[0].caption() + letters[1].caption(), row.letters);
         EXPECT_EQ(SettingsStore.GetValue("Touch"), std::to_string(row.touch));
         EXPECT_EQ(SettingsStore.GetValue("Autorepeat"), std::to_string(row.repeat));
+    }
+    // As kept they come back; of two only one can.
+    for (const int kept : {0, 1, 2, 3}) {
+        settings.Autorepeat = kept % 2;
+        settings.Touch = kept / 2;
+        FormsLoad("frmMain");
+        EXPECT_EQ(ToggleTouch, kept / 2) << kept;
+        EXPECT_EQ(ToggleAutoRep, kept == 1 ? 1 : 0) << kept;
     }
     for (const bool held : {true, false}) {
         settings.HoldExitToShutDown = held ? 1 : 0;
