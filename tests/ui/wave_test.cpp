@@ -192,6 +192,15 @@ TEST_F(WaveTest, KeysMoveTheChosenHandleAndSayIt) {
     }
 }
 
+TEST_F(WaveTest, AStopLeavesTheEndByTheKeys) {
+    open();
+    key(Key::down);
+    key(Key::left);
+    EXPECT_EQ(j.StopPos, 8000.0 * 44 * kBytesPerFrame - 5280);
+    key(Key::right);
+    EXPECT_EQ(j.StopPos, 0);
+}
+
 TEST_F(WaveTest, AClickPlacesThePlayheadAndADraggedPictureDoesNot) {
     open();
     w.ckPlay.onClick();

@@ -191,7 +191,9 @@ void mouseMove(const MouseEvent& e) {
         case Hold::press:
             return;
         case Hold::nothing:
-            if (std::exchange(wave.under, HandleAt(wave.view, marks(), x, y)) != wave.under) ShowWave();
+            if (std::exchange(wave.under, HandleAt(wave.view, marks(), x, y)) == wave.under) return;
+            canvas().value = wave.under ? 1 : 0;
+            ShowWave();
             return;
     }
 }
@@ -225,11 +227,16 @@ void keyDown(KeyEvent& e) {
     e.consumed = true;
     switch (e.key) {
         case Key::left:
-        case Key::right:
-            moveHandle(marks()[wave.handle] + (e.key == Key::left ? -step : step), toCrossing);
+        case Key::right: {
+            double to = marks()[wave.handle] + (e.key == Key::left ? -step : step);
+            // A stop at the end leaves it by the guard: what is nearer to the end counts as the end.
+            if (e.key == Key::left && wave.handle == CuePoint::stop && EditedRecord().StopPos == 0)
+                to = wave.view.length - std::max(step, EditSeconds(Edited.index, EditedLength().minGap));
+            moveHandle(to, toCrossing);
             wave.view.reveal(marks()[wave.handle]);
             movedView();
             return;
+        }
         case Key::up:
         case Key::down:
             choose(e.key == Key::up ? -1 : 1);

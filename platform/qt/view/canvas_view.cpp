@@ -1,4 +1,5 @@
-// A canvas: paints the strokes of its record; mouse, wheel and keys go to the record.
+// A canvas: paints the strokes of its record; mouse, wheel and keys go to the record. Its value is 1 while the mouse
+// stands on something that can be moved sideways.
 #include <QPainter>
 #include <QWheelEvent>
 #include <algorithm>
@@ -23,6 +24,8 @@ class CanvasWidget final : public QWidget, public RecordView {
     }
 
     void apply() override {
+        const auto pointer = record.value() == 1 ? Qt::SizeHorCursor : Qt::ArrowCursor;
+        if (cursor().shape() != pointer) setCursor(pointer);
         const Drawing& now = record.drawing();
         if (shownBack_ != record.backColor() || shown_.size() != now.size()) {
             update();
