@@ -93,6 +93,13 @@ void mixMono(float* out, std::span<const MixSource> sources, std::size_t frames)
     for (const MixSource& source : sources) (w ? wide::addMono1 : plain::addMono1)(out, source, frames);
 }
 
+void mixCurved(float* out, std::span<const MixSource> sources, std::size_t frames) {
+    const bool w = wideChosen();
+    for (; sources.size() >= 4; sources = sources.subspan(4))
+        (w ? wide::addCurved4 : plain::addCurved4)(out, sources.data(), frames);
+    for (const MixSource& source : sources) (w ? wide::addCurved1 : plain::addCurved1)(out, source, frames);
+}
+
 void scalePowers(float* out, const double* powers, std::size_t count, double base) {
     (wideChosen() ? wide::powered : plain::powered)(out, powers, count, base);
 }

@@ -22,7 +22,8 @@ struct GainRamp {
 struct MixSource {
     const float* frames = nullptr;  ///< interleaved stereo, or mono
     float before = 1;
-    GainRamp gain;  ///< with a step of 0: the gain `from`
+    GainRamp gain;                 ///< with a step of 0: the gain `from`
+    const float* gains = nullptr;  ///< for mixCurved() instead of it: one a frame
     bool plain() const { return gain.step == 0 && before == 1; }
     bool silent() const { return (gain.step == 0 && gain.from == 0) || before == 0; }
     float fixedGain() const { return static_cast<float>(gain.from); }
@@ -34,6 +35,8 @@ void mixStereo(float* out, const float* in, std::size_t frames, float gain);
 void mixStereo(float* out, std::span<const MixSource> sources, std::size_t frames);
 /// The same for mono sources, each to both sides.
 void mixMono(float* out, std::span<const MixSource> sources, std::size_t frames);
+/// The same for sources with `gains`.
+void mixCurved(float* out, std::span<const MixSource> sources, std::size_t frames);
 /// out += in * ramp.
 void mixStereo(float* out, const float* in, std::size_t frames, const GainRamp& ramp);
 /// out[i] = float(base * powers[i]): gains of a logarithmic slide.

@@ -130,6 +130,35 @@ void addGained1(float* out, const MixSource& s, std::size_t frames) { gained1<fa
 void addMono4(float* out, const MixSource* s, std::size_t frames) { gained4<true>(out, s, frames); }
 void addMono1(float* out, const MixSource& s, std::size_t frames) { gained1<true>(out, s, frames); }
 
+/// One source with a gain a frame.
+struct CurvedFeed {
+    const float *from, *gains;
+    const float before;
+    explicit CurvedFeed(const MixSource& s) : from(s.frames), gains(s.gains), before(s.before) {}
+    inline Eight four(std::size_t i) const { return load(from + 2 * i) * before * pairGains(gains + i); }
+    inline float one(std::size_t i, std::size_t side) const { return from[2 * i + side] * before * gains[i]; }
+};
+
+void addCurved4(float* out, const MixSource* s, std::size_t frames) {
+    const CurvedFeed a(s[0]), b(s[1]), c(s[2]), d(s[3]);
+    std::size_t i = 0;
+    for (; i + 4 <= frames; i += 4)
+        store(out + 2 * i, (((load(out + 2 * i) + a.four(i)) + b.four(i)) + c.four(i)) + d.four(i));
+    for (; i < frames; ++i)
+        for (std::size_t side = 0; side < 2; ++side) {
+            float& sum = out[2 * i + side];
+            sum = (((sum + a.one(i, side)) + b.one(i, side)) + c.one(i, side)) + d.one(i, side);
+        }
+}
+
+void addCurved1(float* out, const MixSource& s, std::size_t frames) {
+    const CurvedFeed a(s);
+    std::size_t i = 0;
+    for (; i + 4 <= frames; i += 4) store(out + 2 * i, load(out + 2 * i) + a.four(i));
+    for (; i < frames; ++i)
+        for (std::size_t side = 0; side < 2; ++side) out[2 * i + side] = out[2 * i + side] + a.one(i, side);
+}
+
 void powered(float* out, const double* powers, std::size_t count, double base) {
     std::size_t i = 0;
     for (; i + 4 <= count; i += 4) {

@@ -181,6 +181,22 @@ std::uint64_t Resampler::framesBefore(std::uint64_t sourceFrame) const {
     return at + kTrifle >= to ? 0 : static_cast<std::uint64_t>((to - at - kTrifle + step - 1) / step);
 }
 
+/// Sides of stereo frames, each to a place of its own.
+static void splitSides(const float* in, std::size_t frames, float* left, float* right) {
+    using Four = float __attribute__((vector_size(16), aligned(4), may_alias));
+    std::size_t i = 0;
+    for (; i + 4 <= frames; i += 4) {
+        const Four a = *reinterpret_cast<const Four*>(in + 2 * i);
+        const Four b = *reinterpret_cast<const Four*>(in + 2 * i + 4);
+        *reinterpret_cast<Four*>(left + i) = __builtin_shufflevector(a, b, 0, 2, 4, 6);
+        *reinterpret_cast<Four*>(right + i) = __builtin_shufflevector(a, b, 1, 3, 5, 7);
+    }
+    for (; i < frames; ++i) {
+        left[i] = in[2 * i];
+        right[i] = in[2 * i + 1];
+    }
+}
+
 /// Takes frames into the window, whose oldest ones go as far as nothing needs them any more.
 void Resampler::push(const float* in, std::size_t frames) {
     if (filled_ + frames > stride_) {
@@ -192,9 +208,12 @@ void Resampler::push(const float* in, std::size_t frames) {
         }
         filled_ = keep;
     }
-    for (std::uint32_t c = 0; c < channels_; ++c) {
-        float* window = window_.data() + c * stride_ + filled_;
-        for (std::size_t i = 0; i < frames; ++i) window[i] = in[i * channels_ + c];
+    float* const first = window_.data() + filled_;
+    if (channels_ == 2) {
+        splitSides(in, frames, first, first + stride_);
+    } else {
+        for (std::uint32_t c = 0; c < channels_; ++c)
+            for (std::size_t i = 0; i < frames; ++i) first[c * stride_ + i] = in[i * channels_ + c];
     }
     filled_ += frames;
     fed_ += frames;

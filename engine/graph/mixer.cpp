@@ -16,24 +16,41 @@ class Batch {
     ~Batch() { flush(); }
     Batch(const Batch&) = delete;
     Batch& operator=(const Batch&) = delete;
-    void add(const View& view, const dsp::GainRamp& gain) {
-        if (view.mono != mono_) flush();
-        mono_ = view.mono;
-        sources_[count_++] = {view.data, view.gain, gain};
-        if (count_ == sources_.size()) flush();
+    void add(const View& view, const Slide& volume) {
+        const Form form = volume.curved() ? Form::curved : view.mono ? Form::mono : Form::stereo;
+        if (form != form_) flush();
+        form_ = form;
+        dsp::MixSource& source = sources_[count_] = {view.data, view.gain, volume.ramp()};
+        if (form == Form::curved) {
+            volume.gains(gains_[count_].data(), frames_);
+            source.gains = gains_[count_].data();
+        }
+        if (++count_ == sources_.size()) flush();
     }
     void flush() {
         const std::span<const dsp::MixSource> held(sources_.data(), count_);
-        mono_ ? dsp::mixMono(out_, held, frames_) : dsp::mixStereo(out_, held, frames_);
+        switch (form_) {
+            case Form::stereo:
+                dsp::mixStereo(out_, held, frames_);
+                break;
+            case Form::mono:
+                dsp::mixMono(out_, held, frames_);
+                break;
+            case Form::curved:
+                dsp::mixCurved(out_, held, frames_);
+                break;
+        }
         count_ = 0;
     }
 
   private:
+    enum class Form : std::uint8_t { stereo, mono, curved };
     float* out_;
     std::uint32_t frames_;
     std::array<dsp::MixSource, 4> sources_;
+    std::array<std::array<float, kBlock>, 4> gains_;
     std::size_t count_ = 0;
-    bool mono_ = false;
+    Form form_ = Form::stereo;
 };
 
 /// Sound from pages is only noted; what was computed is gone after this block and is measured now.
@@ -127,12 +144,13 @@ void Graph::mixPart(Channel* first, float* out, std::uint32_t frames, Conversion
         Channel* next = channel->audio.next;
         AudioState& a = channel->audio;
         View view;
-        if (a.volume.ramps(frames) && !a.plug->resampler) {
+        if (a.volume.goesOn(frames) && !a.plug->resampler) {
             view = pullPlain(*channel, frames);
             const bool inPages = view.source != View::kNoSource;
-            if (view.frames == frames && !view.own && (inPages || !view.mono)) {
+            const bool formed = !view.mono || (inPages && !a.volume.curved());
+            if (view.frames == frames && !view.own && formed) {
                 measure(*channel, view);
-                batch.add(view, a.volume.ramp());
+                batch.add(view, a.volume);
                 if (a.volume.active()) {
                     a.volume.advance(frames);
                     a.mixBlock = block_;

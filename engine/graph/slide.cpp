@@ -7,14 +7,8 @@ namespace zv::engine {
 
 float Slide::value() const {
     if (!active()) return target_;
-    if (logarithmic_) return static_cast<float>(logGain(at_));
+    if (logarithmic_) return static_cast<float>(base_ * powers_[at_ % kGrid]);
     return static_cast<float>(from_ + step_ * static_cast<double>(at_));
-}
-
-double Slide::logGain(std::uint64_t at) const {
-    // A power for every 64th frame and a table between them: exact enough, cheap, the same for all block
-    // sizes.
-    return from_ * std::exp(step_ * static_cast<double>(at - at % kGrid)) * powers_[at % kGrid];
 }
 
 void Slide::set(float value) {
@@ -40,26 +34,31 @@ void Slide::start(float target, std::uint64_t frames, bool logarithmic, bool sto
     constexpr double floorRatio = 0.001;  // 60 dB
     from_ = std::max(now, target * floorRatio);
     const double to = std::max(static_cast<double>(target), from_ * floorRatio);
-    step_ = std::log(to / from_) / count;
-    for (std::size_t i = 0; i < kGrid; ++i) powers_[i] = std::exp(step_ * static_cast<double>(i));
+    // From one point of the grid to the next by one multiplication, whatever the blocks: the same for all of their sizes.
+    const double ofFrame = std::log(to / from_) / count;
+    base_ = from_;
+    ratio_ = std::exp(ofFrame * static_cast<double>(kGrid));
+    for (std::size_t i = 0; i < kGrid; ++i) powers_[i] = std::exp(ofFrame * static_cast<double>(i));
 }
 
 bool Slide::advance(std::uint64_t frames) {
     if (!active()) return false;
+    const std::uint64_t before = at_;
     at_ += std::min(frames, left());
+    if (logarithmic_)
+        for (std::uint64_t point = before / kGrid; point < at_ / kGrid; ++point) base_ *= ratio_;
     if (at_ < length_) return false;
     length_ = at_ = 0;
     return true;
 }
 
 void Slide::gains(float* out, std::size_t frames) const {
-    std::uint64_t at = at_;
-    for (std::size_t done = 0; done < frames;) {
-        const std::size_t place = at % kGrid, part = std::min(frames - done, kGrid - place);
-        const double base = from_ * std::exp(step_ * static_cast<double>(at - place));
+    double base = base_;
+    std::size_t place = at_ % kGrid;
+    for (std::size_t done = 0; done < frames; base *= ratio_, place = 0) {
+        const std::size_t part = std::min(frames - done, kGrid - place);
         dsp::scalePowers(out + done, powers_.data() + place, part, base);
         done += part;
-        at += part;
     }
 }
 

@@ -31,8 +31,12 @@ class Slide {
     dsp::GainRamp ramp() const {
         return active() ? dsp::GainRamp{from_, step_, at_} : dsp::GainRamp{target_, 0, 0};
     }
-    /// Whether ramp() holds for the next `frames` frames and beyond.
-    bool ramps(std::uint64_t frames) const { return !active() || (!logarithmic_ && left() > frames); }
+    /// Whether it neither ends nor is replaced within the next `frames` frames.
+    bool goesOn(std::uint64_t frames) const { return !active() || left() > frames; }
+    /// Runs in equal ratios: gains() holds, else ramp().
+    bool curved() const { return active() && logarithmic_; }
+    /// The gains of the next `frames` frames of a curved one. [audio]
+    void gains(float* out, std::size_t frames) const;
 
     /// out += in times this slide for `frames` frames, at most left() while active and at most a block. Does
     /// not advance. [audio]
@@ -43,14 +47,14 @@ class Slide {
   private:
     static constexpr std::size_t kGrid = 64;
     static constexpr std::size_t kMost = 256;
-    void gains(float* out, std::size_t frames) const;
-    double logGain(std::uint64_t at) const;
 
     float target_ = 1;
     bool logarithmic_ = false, stop_ = false;
     std::uint64_t at_ = 0, length_ = 0;
-    double from_ = 1, step_ = 0;        // linear: a frame; logarithmic: ln of the ratio a frame
-    std::array<double, kGrid> powers_;  // of the ratio, valid while a logarithmic slide runs
+    double from_ = 1, step_ = 0;  // linear: what a frame adds
+    // Of a logarithmic one: the gain at the last multiple of kGrid, the ratio from one to the next, and its powers between.
+    double base_ = 1, ratio_ = 1;
+    std::array<double, kGrid> powers_;
 };
 
 }  // namespace zv::engine
