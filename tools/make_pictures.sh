@@ -95,7 +95,35 @@ EOF
     perform "$1" "$4"
 }
 
+# carried NAME SETTINGS SIZE SCALE: two sound, and a jingle waits to be put down.
+carried() {
+    home "$1" "$2"
+    cat > "$work/$1.txt" <<EOF
+at 0 resize ${3/x/ }
+at 0 time 2026-11-21 10:59:30
+at 500 press 2
+at 700 press 10
+at 1000 mods ctrl
+at 1200 press 1
+at 1600 shot $1.png
+at 1700 end
+EOF
+    perform "$1" "$4"
+}
+
+# empty NAME SETTINGS SIZE: the first start of a program without a palette.
+empty() {
+    home "$1" "$2"
+    rm -f "$work/$1/palette.ini" "$work/$1/HotJingles.ini"
+    printf 'at 0 resize %s\nat 500 shot %s.png\nat 600 end\n' "${3/x/ }" "$1" > "$work/$1.txt"
+    perform "$1"
+}
+
 face main "" 1280x800 1
+carried carried "" 1280x800 1
+empty empty "" 1280x800
+face uhd-3840 "DarkMode=1" 3840x2160 1
+face low-1024 "" 1024x600 1
 face main-1920 "" 1920x1080 1
 face dark "DarkMode=1" 1280x800 1
 face scale-150 "" 1280x800 1.5
@@ -127,6 +155,8 @@ at 9000 pick Jazz Hour
 at 9600 shot palettes.png
 at 10000 pick Sample Radio
 at 12000 click ckTab(3)
+at 12100 press 3
+at 12150 press 24
 at 12200 click ckTouchI
 at 12600 shot options.png
 at 12800 click ckTouchI

@@ -35,7 +35,7 @@ void tellOfHidden(int hidden) {
 /// Empty buttons of a program without a palette say what to do.
 struct HintAtEnd {
     ~HintAtEnd() {
-        frmMain().fraJingles.caption = tab().lstPal.items().empty() ? Ln("mDropHere") : std::string();
+        frmMain().fraJingles.toolTip = tab().lstPal.items().empty() ? Ln("mDropHere") : std::string();
     }
 };
 

@@ -6,6 +6,7 @@
 #include <QPixmapCache>
 #include <algorithm>
 
+#include "platform/qt/view/jingle_text.h"
 #include "platform/qt/view/style.h"
 #include "platform/qt/view/theme.h"
 
@@ -107,6 +108,18 @@ void paintJingleFace(QPainter& p, const QSize& size, double ratio, const JingleF
         QPixmapCache::insert(key, whole);
     }
     p.drawPixmap(0, 0, whole);
+}
+
+void paintHint(QPainter& p, const QSize& size, const QString& hint, const Theme& theme) {
+    constexpr double kShare = 0.17, kLeast = 10, kMost = 15;  // of the height, and pixels
+    if (hint.isEmpty()) return;
+    const QRectF room = QRectF(QPointF(), size).adjusted(6, 3, -6, -3);
+    const CaptionLayout set =
+        layOutCaption(hint, textFont(std::clamp(size.height() * kShare, kLeast, kMost)), room);
+    p.setFont(set.font);
+    p.setPen(legible(theme.muted, theme.ground));
+    for (qsizetype i = 0; i < set.lines.size(); ++i)
+        p.drawText(set.starts[static_cast<std::size_t>(i)], set.lines[i]);
 }
 
 QRectF stateSignPlace(const QSize& size, JingleState state, double margin) {

@@ -46,4 +46,7 @@ QRectF stateSignPlace(const QSize& size, JingleState state, double margin);
 void paintStateSign(QPainter& p, const QRectF& place, JingleState state, const QColor& ink,
                     const QColor& ground);
 
+/// What an empty button says that can be done there; nothing for an empty text.
+void paintHint(QPainter& p, const QSize& size, const QString& hint, const Theme& theme);
+
 }  // namespace zv::shell

@@ -24,6 +24,7 @@ constexpr double kDurationShare = 0.76;  ///< of the caption's size, and the lim
 constexpr double kDurationMin = 8, kDurationMax = 15;
 constexpr double kNumberShare = 0.68;
 constexpr double kNumberMin = 8, kNumberMax = 13;
+constexpr double kSmallDot = 6;     ///< where a larger one would move the name
 constexpr int kReach = 4;           ///< of small texts around their places
 constexpr int kMargin = 8;          ///< between the face's edge and its text
 constexpr double kNumberGap = 4;    ///< between a number and a mark at its side
@@ -157,7 +158,7 @@ class JingleWidget final : public PaintedWidget {
         settleBlock();
         const QColor ink = tones(theme).ink;
         paintFace(p, theme);
-        if (empty()) paintHint(p, theme);
+        if (empty() && record.parent != nullptr) paintHint(p, size(), textOf(record.parent->toolTip), theme);
         if (!layout_.lines.isEmpty() && e->region().intersects(layout_.box.toAlignedRect())) {
             p.setFont(layout_.font);
             p.setPen(record.enabled() ? ink : theme.muted);
@@ -220,18 +221,6 @@ class JingleWidget final : public PaintedWidget {
         }
     }
 
-    /// While there is no palette yet, empty places say what can be done there.
-    void paintHint(QPainter& p, const Theme& theme) const {
-        const QString hint = record.parent != nullptr ? textOf(record.parent->caption) : QString();
-        if (hint.isEmpty()) return;
-        const QFont font = textFont(std::clamp(height() * 0.17, 10.0, 15.0));
-        const CaptionLayout set = layOutCaption(hint, font, QRectF(rect()).adjusted(6, 3, -6, -3));
-        p.setFont(set.font);
-        p.setPen(legible(theme.muted, theme.ground));
-        for (qsizetype i = 0; i < set.lines.size(); ++i)
-            p.drawText(set.starts[static_cast<std::size_t>(i)], set.lines[i]);
-    }
-
     /// Names of one block have one size, the smallest that nine in ten of them need.
     void settleBlock() {
         Block& block = blocks()[parentWidget()];
@@ -257,11 +246,11 @@ class JingleWidget final : public PaintedWidget {
     /// Set anew in the size of the block, when that is smaller than what it could have.
     void setInBlock(double scale) {
         if (scale < need_) {
-            QFont font = nameFont();
+            QFont font = seen_.font;
             font.setPixelSize(std::max(8, static_cast<int>(std::lround(font.pixelSize() * scale))));
             layout_ = layOutCaption(parts_.name, font, room_, corners_);
         } else {
-            layout_ = layOutCaption(parts_.name, nameFont(), room_, corners_);
+            layout_ = layOutCaption(parts_.name, seen_.font, room_, corners_);
         }
         if (!sounding()) return;
         // Bold while it sounds, where that neither breaks the name nor makes it smaller.
@@ -270,8 +259,6 @@ class JingleWidget final : public PaintedWidget {
         const CaptionLayout loud = layOutCaption(parts_.name, bold, room_, corners_);
         if (loud.lines == layout_.lines && loud.font.pixelSize() == layout_.font.pixelSize()) layout_ = loud;
     }
-
-    QFont nameFont() const { return seen_.font; }
 
     void paintFace(QPainter& p, const Theme& theme) const {
         const bool held = isHeld(record);
@@ -327,13 +314,14 @@ class JingleWidget final : public PaintedWidget {
         const QRectF place = placeIn(part, record);
         switch (part.kind) {
             case ControlKind::shape:
-                paintShape(p, part, place, theme);
+                paintShape(p, part, theme);
                 return;
             case ControlKind::checkBox: {
                 const double side = std::min({16.0, place.width(), place.height()});
-                // White on any face: a dark box on a coloured face would look ticked.
-                drawTickBox(p, QRectF(place.topLeft(), QSizeF(side, side)), part.value() != 0,
-                            QColor(0xFA, 0xFA, 0xFA), QColor(0x3A, 0x40, 0x48), theme.accent);
+                // Hollow on any face: a box of another colour would look ticked.
+                const JingleTones& t = tones(theme);
+                drawTickBox(p, QRectF(place.topLeft(), QSizeF(side, side)), part.value() != 0, t.face,
+                            t.duration, theme.accent);
                 return;
             }
             case ControlKind::symbol:
@@ -356,10 +344,9 @@ class JingleWidget final : public PaintedWidget {
                rect().adjusted(kFrameLine, kFrameLine, -kFrameLine, -kFrameLine);
     }
 
-    void paintShape(QPainter& p, const Control& part, const QRectF& place, const Theme& theme) const {
+    void paintShape(QPainter& p, const Control& part, const Theme& theme) const {
         // A track without a colour of its own is transparent.
         if (part.backColor() == kNoColour) return;
-        if (place.width() <= 0 || place.height() <= 0) return;
         // Two plain rectangles make a bar with its corners taken off: a hundred of them are painted at each
         // tick.
         const QColor colour = colourOf(part.backColor, theme.muted);
@@ -463,6 +450,10 @@ class JingleWidget final : public PaintedWidget {
         const double wanted = std::max(kDotSize, place.width() - 1);
         double side = std::min({wanted, place.width(), place.height(), height() - 6.0});
         double y = place.center().y();
+        if (smallMarks_) {
+            side = std::min(side, kSmallDot);
+            y = place.top() + side / 2;
+        }
         if (height() < kLowButton) {
             side = std::min(side, 7.0);
             y = height() / 2.0;
@@ -537,6 +528,13 @@ class JingleWidget final : public PaintedWidget {
         });
     }
 
+    /// The name stands elsewhere than it would without anything in the corners.
+    bool movedAside() const {
+        const CaptionLayout free = layOutCaption(parts_.name, layout_.font, room_);
+        return !layout_.starts.empty() && !free.starts.empty() && layout_.lines == free.lines &&
+               layout_.starts[0] != free.starts[0];
+    }
+
     /// On a button too small for all of it the name comes first, then the number, then the duration.
     void layOut() {
         const double air = height() < kLowButton ? 1 : kAir;
@@ -558,8 +556,14 @@ class JingleWidget final : public PaintedWidget {
             layout_ = layOutCaption(parts_.name, seen_.font, room_, corners_);
             return !layout_.cut && !(narrow && cornersMeet());
         };
+        smallMarks_ = false;
+        bool whole = attempt(true, true);
+        if (movedAside()) {  // marks shrink before the name leaves the line of its row
+            smallMarks_ = true;
+            whole = attempt(true, true);
+        }
         // On a tight button that is not enough, the name alone; else nothing is won by leaving them out.
-        if (!attempt(true, true) && tight && !attempt(false, true)) attempt(false, false);
+        if (!whole && tight && !attempt(false, true)) attempt(false, false);
         Block& block = blocks()[parentWidget()];
         const double need =
             seen_.font.pixelSize() > 0 ? double(layout_.font.pixelSize()) / seen_.font.pixelSize() : 1;
@@ -583,6 +587,7 @@ class JingleWidget final : public PaintedWidget {
     QString left_;     ///< time left, while it sounds
     double need_ = 1;  ///< share of its size that the name needs by itself
     QString named_;    ///< the name that was set last
+    bool smallMarks_ = false;
     double marksAside_ = 0;
     QRectF durationAt_, numberAt_;
     bool showDuration_ = true, showNumber_ = true;
