@@ -104,6 +104,9 @@ inline void gained4(float* out, const MixSource* s, std::size_t frames) {
     Feed<Mono> a(s[0]), b(s[1]), c(s[2]), d(s[3]);
     std::size_t i = 0;
     for (; i + 4 <= frames; i += 4) {
+        if (i % 8 == 0)
+            for (const float* from : {a.from, b.from, c.from, d.from})
+                __builtin_prefetch(from + (Mono ? i : 2 * i) + kNextBlock);
         Eight v = load(out + 2 * i) + a.four(i);
         v = v + b.four(i);
         v = v + c.four(i);
@@ -142,8 +145,12 @@ struct CurvedFeed {
 void addCurved4(float* out, const MixSource* s, std::size_t frames) {
     const CurvedFeed a(s[0]), b(s[1]), c(s[2]), d(s[3]);
     std::size_t i = 0;
-    for (; i + 4 <= frames; i += 4)
+    for (; i + 4 <= frames; i += 4) {
+        if (i % 8 == 0)
+            for (const float* from : {a.from, b.from, c.from, d.from})
+                __builtin_prefetch(from + 2 * i + kNextBlock);
         store(out + 2 * i, (((load(out + 2 * i) + a.four(i)) + b.four(i)) + c.four(i)) + d.four(i));
+    }
     for (; i < frames; ++i)
         for (std::size_t side = 0; side < 2; ++side) {
             float& sum = out[2 * i + side];
