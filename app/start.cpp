@@ -73,7 +73,6 @@ bool loadEngine() {
         const std::string text = " BASS version 2.4 was not loaded";
         return refuse(text, text.substr(1));
     }
-    engine::audioLibraryControl()->install(soundPorts());
     const DWORD version = BASS_GetVersion();
     ConsoleAdd("Bass : " + std::to_string(version >> 24) + "." + std::to_string(version >> 16 & 0xFF) + "." +
                std::to_string(version >> 8 & 0xFF) + "." + std::to_string(version & 0xFF));
@@ -90,7 +89,8 @@ bool secondProgramAllowed() {
     const std::string text = LnBox("mSecondInstance");
     return messageBox(
                text.empty() ? "Zentrova already runs on this folder. Start a second one all the same?" : text,
-               kTitle, BoxKind::question, BoxButtons::yesNo) == BoxAnswer::yes;
+               kTitle, BoxKind::question, BoxButtons::yesNo,
+               Verbs("vbStartSecond", "vbDoNotStart")) == BoxAnswer::yes;
 }
 
 void warnOfReadOnlyFolder() {
@@ -184,6 +184,7 @@ void buildWindows() {
 void startAudio() {
     SplashStep("Starting audio devices");
     SetProgress(95);
+    step("", [] { engine::audioLibraryControl()->install(soundPorts(settings.SoundSystem)); });
     step("", ListOutDev);
     step("", [] {
         if (settings.DeviceSingle != 0)

@@ -11,6 +11,7 @@
 #include "platform/clock.h"
 #include "platform/jobs.h"
 #include "platform/sound.h"
+#include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
 #include "startup/settings.h"
@@ -19,13 +20,14 @@
 namespace zv {
 namespace {
 
-constexpr std::int64_t kSilentMs = 600;  ///< an output that has asked for nothing for so long is told of
+/// An output that has asked for nothing for so long is told of; while nothing sounds it asks twice a second.
+constexpr std::int64_t kSilentMs = 600, kRestingMs = 1500;
 constexpr std::int64_t kLookAgainMs = 1000;
 
 /// What is known of one output.
 struct Watched {
-    std::uint64_t callbacks = 0;
-    std::int64_t movedAt = 0;  ///< when it last asked for sound, or had no need to
+    std::uint64_t asked = 0;
+    std::int64_t movedAt = 0;  ///< when it last asked
     bool troubled = false;
 };
 
@@ -47,9 +49,9 @@ bool troubled(int output, std::int64_t now) {
         return false;
     }
     const engine::DeviceStatistics is = engine->statistics(Device[static_cast<std::size_t>(output)]);
-    if (is.callbacks != w.callbacks || is.resting || !is.open || w.movedAt == 0) w.movedAt = now;
-    w.callbacks = is.callbacks;
-    return is.open && (is.lost || now - w.movedAt >= kSilentMs);
+    if (is.asked != w.asked || !is.open || w.movedAt == 0) w.movedAt = now;
+    w.asked = is.asked;
+    return is.open && (is.lost || now - w.movedAt >= (is.resting ? kRestingMs : kSilentMs));
 }
 
 std::string nameOf(int output) {
@@ -99,6 +101,7 @@ void WatchOutputs() {
         std::string is = describe();
         if (is == trouble) return;
         trouble = std::move(is);
+        ErrLog("modDevices.WatchOutputs", trouble.empty() ? "every output plays" : trouble);
         callUp(audioUpcalls.outputsChanged);
     });
 }

@@ -16,6 +16,7 @@
 #include "model/jingle.h"
 #include "model/state.h"
 #include "platform/clock.h"
+#include "platform/sound.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/settings.h"
@@ -93,6 +94,7 @@ void start(int index, int velocity) {
     BASS_ChannelPlay(j.hPlay, false);
     ArmStopSync(index);
     trace(index, " clPlay ");
+    if (j.CueStart != 0 && StartPosition(index) == 0) callUp(audioUpcalls.startIgnored, index);
     callUp(audioUpcalls.playStarting, index);
     if (BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_STOPPED) {
         Error_("Can't play jingle stream from the main button palette");
@@ -189,6 +191,11 @@ void ArmStopSync(int index) {
     stopPosSync = j.StopPos == 0 ? 0
                                  : BASS_ChannelSetSync(j.hPlay, BASS_SYNC_POS | BASS_SYNC_ONETIME,
                                                        BytePosition(j.StopPos), &FadeOutSync, nullptr);
+    // The fade begins with the frame itself; the procedure hears of it a moment later.
+    const auto* engine = engine::audioLibraryControl();
+    if (stopPosSync != 0 && engine != nullptr)
+        engine->slideAtSync(j.hPlay, stopPosSync, kStopAtEnd, ms(j.FadeOut),
+                            (j.FadeAttrib & BASS_SLIDE_LOG) != 0);
 }
 
 void clPlay(int index, int velocity) {
@@ -247,9 +254,13 @@ void evStop() {
     });
 }
 
-void FadeOutSync(HSYNC, DWORD channel, DWORD, void*) {
+void FadeOutSync(HSYNC, DWORD channel, DWORD begun, void*) {
     const int index = FindJingle(channel);
     if (index == kNotFound) return;
+    if (begun != 0) {
+        Jingle(index).Leaving = true;
+        return;
+    }
     fadeAndStop(Jingle(index), ms(Jingle(index).FadeOut));
 }
 

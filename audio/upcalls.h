@@ -32,7 +32,9 @@ struct AudioUpcalls {
         slotFailed;  ///< could not be opened: number, name, red or with the reason in the tip
     std::function<void(int)> slotLoaded;  ///< caption, colours, marks, tool tip cleared
     std::function<void(int)> slotOpened;  ///< last step of every opening: selectable or other-palette colours
-    std::function<void(int)> slotWaits;   ///< a press waits until the slot's file is open
+    std::function<void(int)>
+        startIgnored;  ///< its start position lies beyond the end: it plays from the beginning
+    std::function<void(int)> slotWaits;        ///< a press waits until the slot's file is open
     std::function<void(int, int)> pressReady;  ///< the slot of a waiting press is ready: index, velocity
     std::function<void(int)> playStarting;     ///< the bar is full, in its own colour
     std::function<void(int)> playStarted;      ///< the bar is shown, the effects' mark is lit

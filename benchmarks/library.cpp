@@ -1,5 +1,6 @@
 // A library of 2,000 palettes with 50 jingles each, about 20 MB: the program's start, and what it does with
 // it.
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -10,6 +11,7 @@
 #include "audio/streams.h"
 #include "benchmarks/measure.h"
 #include "benchmarks/program.h"
+#include "model/history.h"
 #include "model/jingle.h"
 #include "model/palette_files.h"
 #include "model/upcalls.h"
@@ -53,6 +55,7 @@ double startOn(const Home& home) {
 struct Times {
     double refresh = 0, names = 0, open = 0, save = 0;          ///< ms
     double searchList = 0, searchPalettes = 0, searchHits = 0;  ///< ms
+    double history = 0;                                         ///< ms, the longest
 };
 
 /// The program at work on the library; in a process of its own, as it starts once only.
@@ -88,9 +91,16 @@ void work(const Home& home) {
         return {};
     });
     if (opened.size() < kRuns) throw std::runtime_error("the show was too short");
+    // A full history: each copy drops an old one.
+    std::vector<double> kept;
+    std::vector<cImpulse::Line> lines = LinesOfRecords(false);
+    for (int run = 0; run < kHistoryEntries + kRuns; ++run) {
+        lines.front().second = std::to_string(run);
+        kept.push_back(timed([&] { KeepSection(HistoryReason::unsaved, paletteName(run), lines); }));
+    }
     home.file("results") << median(refreshed) << ' ' << median(named) << ' ' << median(opened) << ' '
                          << median(saved) << ' ' << listed.front() << ' ' << median(found) << ' '
-                         << median(hit);
+                         << median(hit) << ' ' << *std::max_element(kept.end() - kRuns, kept.end());
 }
 
 void library() {
@@ -117,7 +127,7 @@ void library() {
     const bool done = inProcessOfItsOwn([&] { work(large); });
     Times times;
     if (!done || !(std::ifstream(large.path("results")) >> times.refresh >> times.names >> times.open >>
-                   times.save >> times.searchList >> times.searchPalettes >> times.searchHits))
+                   times.save >> times.searchList >> times.searchPalettes >> times.searchHits >> times.history))
         throw std::runtime_error("the program at work on the library failed");
     atMost("library-list-refresh", times.refresh, "ms", 150);
     atMost("library-open-names", times.names, "ms", 10);
@@ -126,6 +136,7 @@ void library() {
     tell("library-search-list", times.searchList, "ms");
     atMost("library-search-palettes", times.searchPalettes, "ms", 50);
     atMost("library-search-hits", times.searchHits, "ms", 50);
+    atMost("library-history-copy", times.history, "ms", 20);
 }
 
 const Known knows("library", library);

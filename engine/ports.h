@@ -84,6 +84,12 @@ class SoundClient {
     /// The device went away or came back; the sound goes on by itself when it is back. [any]
     virtual void deviceLost() = 0;
     virtual void deviceBack() = 0;
+    /// Output: while it was lost its rate (Hz) or its period (largest frames of one call) changed; comes before
+    /// deviceBack(). The device's rate() and period() need not follow. [any but audio]
+    virtual void deviceChanged(std::uint32_t rate, std::uint32_t period) {
+        static_cast<void>(rate);
+        static_cast<void>(period);
+    }
     /// Output: it would give nothing but silence until its device is woken, which may ask seldom, or not at all.
     /// [audio]
     virtual bool resting() const { return false; }
@@ -143,6 +149,7 @@ struct EnginePorts {
 /// Counters of a device, all since it was opened.
 struct DeviceStatistics {
     std::uint64_t callbacks = 0;
+    std::uint64_t asked = 0;  ///< times it showed that it is alive: callbacks, and questions within a rest
     std::uint64_t underruns =
         0;  ///< callbacks that took longer than their sound lasts, and times the device ran dry
     std::uint64_t longestCallbackNs = 0;
@@ -159,6 +166,11 @@ struct EngineControl {
     void (*install)(const EnginePorts& ports);
     /// Counters of output `device` (a number of BASS_Init); all 0 for one that is not open. [any]
     DeviceStatistics (*statistics)(int device);
+    /// A slide of VOL that begins with the very frame of position sync `sync` of `channel` (value -1: it stops the
+    /// channel at its end). The procedure of the sync is called as well, with 1 as its data. False for an unknown one.
+    /// [control]
+    bool (*slideAtSync)(std::uint32_t channel, std::uint32_t sync, float value, std::uint32_t ms,
+                        bool logarithmic);
     /// Offline only: waits until all sync procedures due so far have run. [control]
     void (*settleSyncs)();
 };

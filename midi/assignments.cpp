@@ -185,7 +185,9 @@ void write(const char* procedure, const Lines& lines) {
         while (!MIDIStore.PutSection(MIDIStore.GetSection(), lines, false)) {
             const std::string text =
                 LnBox("mMslockedFile1") + "\r\n" + MIDIFile + "\r\n" + LnBox("mMslockedFile2");
-            if (messageBox(text, "Zentrova", BoxKind::warning, BoxButtons::okCancel) != BoxAnswer::ok) return;
+            if (messageBox(text, "Zentrova", BoxKind::warning, BoxButtons::okCancel,
+                           Verbs("vbRetry", "vbGiveUp")) != BoxAnswer::ok)
+                return;
         }
     });
 }

@@ -179,7 +179,9 @@ void btMIDIDelete_Click() {
     guarded("frmSett.btMIDIDelete_Click", [] {
         if (!MIDIDeleteEnabled()) return;
         const std::string text = cmbMIDIpresets.text() + "\r\n" + LnBox("sMIDIClear");
-        if (messageBox(text, kTitle, BoxKind::question, BoxButtons::yesNo) != BoxAnswer::yes) return;
+        if (messageBox(text, kTitle, BoxKind::question, BoxButtons::yesNo,
+                       Verbs("vbDelete", "vbKeep", true)) != BoxAnswer::yes)
+            return;
         MIDIStore.DeleteSection(cmbMIDIpresets.text());
         cmbMIDIpresets = {};
         LoadMIDIPresets();

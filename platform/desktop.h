@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,9 +53,25 @@ enum class BoxAnswer { ok = 1, cancel = 2, yes = 6, no = 7 };
 /// What the buttons of message boxes say; empty: the system's own word.
 struct BoxWords {
     std::string ok, cancel, yes, no;
+    bool destroys = false;  ///< what agreeing does cannot be taken back: its key is outlined in red
 };
 inline std::function<BoxWords()> boxWords;
-BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind kind, BoxButtons buttons);
+/// Asks and waits for the answer. `words` are verbs of this question ("Delete file", "Keep"); where they are empty
+/// `boxWords` counts. Once the main window is seen the question is a card over its grid, and sound, STOP and plain
+/// presses of jingles go on meanwhile.
+BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind kind, BoxButtons buttons,
+                     const BoxWords& words = {});
+struct Question {
+    std::string text, title;
+    BoxKind kind = BoxKind::question;
+    BoxButtons buttons = BoxButtons::ok;
+    BoxWords words;  ///< none empty
+};
+/// Shows the card and waits; nothing when there is no window to show it in. `elsewhere` is asked while it waits and
+/// may know the answer as well.
+inline std::function<std::optional<BoxAnswer>(const Question&,
+                                              const std::function<std::optional<BoxAnswer>()>& elsewhere)>
+    askOnCard;
 /// Empty when the user gave up. `filter` is "*.wav;*.mp3".
 std::string openFileDialog(const std::string& title, const std::string& folder, const std::string& filter);
 std::string saveFileDialog(const std::string& title, const std::string& folder, const std::string& name);

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -87,11 +86,8 @@ struct Form {
     bool evenCards =
         false;  ///< cards beside each other are equally wide, their labels in one column over all blocks
     bool borderless = false;
+    bool card = false;  ///< a question: stands inside another window (embedForm) and takes its keyboard
 };
-
-/// Asked before the shell tells a record of a press, a key (as the left button) or a file let go; false: nobody is
-/// told. Empty: everything is told.
-inline std::function<bool(const Control& record, MouseButton button)> takesInput;
 
 /// Every cell of a form, in reading order.
 std::vector<const FormCell*> cellsOf(const Form& form);
@@ -99,6 +95,8 @@ std::vector<const FormCell*> cellsOf(const Form& form);
 /// Builds the window at the first call, gives it the size that it needs, at most that many pixels, and writes
 /// the places of its controls into their records. What does not fit scrolls.
 void layOutForm(Control& window, int mostWidth, int mostHeight);
+/// Lets a form that is a card stand in `host`; its place counts from there.
+void embedForm(Control& card, Control& host);
 /// Scrolls what did not fit, down by that many twips.
 void scrollForm(Control& window, int twips);
 

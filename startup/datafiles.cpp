@@ -43,6 +43,8 @@ constexpr const char* kFxPresets =
     "[FXP]\r\nBass boost=7,3,1,0,0,0,0,0,0,0,0\r\nTreble boost=0,0,0,0,1,3,7,0,0,0,0\r\n"
     "Tempo +10%=0,0,0,0,0,0,0,0,10,0,0\r\nReverb 1 sec=0,0,0,0,0,0,0,1004,0,0,0\r\n";
 
+constexpr const char* kTextsVersion = "TextsVersion";  // of the program that language.ini came with
+
 bool exists(const std::string& path) {
     std::error_code error;
     return fs::exists(nativePath(path), error);
@@ -65,10 +67,13 @@ void OpenIniFile() {
 void OpenLanguageFile() {
     const fs::path original = nativePath(ShippedFile("language_original.ini"));
     const fs::path language = nativePath(LangFile);
+    // Files of a package may bear older dates than the copy that an earlier version made.
+    const std::string version = ProgramVersion(), noted = SettingsStore.GetValue(kTextsVersion);
     const bool fresh = exists(LangFile) && dateOf(original) <= dateOf(language) &&
-                       FileLength(LangFile) >= kSmallestLanguageFile;
+                       FileLength(LangFile) >= kSmallestLanguageFile && (noted.empty() || noted == version);
     std::string contents;
-    if (!fresh && readFile(original, contents)) replaceFile(language, contents);
+    if (!fresh && (!readFile(original, contents) || !replaceFile(language, contents))) return;
+    if (noted != version) SettingsStore.PutValue(kTextsVersion, version);
 }
 
 void OpenAccountFile() {

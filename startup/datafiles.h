@@ -7,8 +7,8 @@
 
 namespace zv {
 
-void OpenIniFile();       ///< zv.ini, empty when missing; its date is noted
-void OpenLanguageFile();  ///< from language_original.ini when missing, older than it, or under 25,000 bytes
+void OpenIniFile();  ///< zv.ini, empty when missing; its date is noted
+void OpenLanguageFile();  ///< from language_original.ini when missing, older, of another version, or under 25,000 bytes
 void OpenAccountFile();   ///< account.ini with its two empty keys' section
 void OpenPaletteFile();   ///< palette.ini, pre-update copy, rotating backup
 void OpenPlaylistFile();  ///< playlist.ini likewise; for the day when playlists are switched on

@@ -37,7 +37,8 @@ void askToStop() {
     const Release release{stopQuestionOpen};
     callUp(startupUpcalls.unloadOtherWindows);
     const std::string text = LnBox("ErrorStop");
-    if (messageBox(text, "Zentrova", BoxKind::stop, BoxButtons::yesNo) == BoxAnswer::yes) {
+    if (messageBox(text, "Zentrova", BoxKind::stop, BoxButtons::yesNo, Verbs("vbClose", "vbGoOn")) ==
+        BoxAnswer::yes) {
         callUp(startupUpcalls.endProgram);
     }
 }

@@ -321,11 +321,7 @@ bool IniText::eraseSection(std::string_view section) {
     const std::string name = askedName(section);
     const Section* first = find(name);
     if (first == nullptr) return false;
-    for (std::size_t i = sections_.size(); i-- > 0;) {
-        const Section& s = sections_[i];
-        if (s.hash == first->hash && isNamed(s, name)) bytes_.erase(s.begin, s.end - s.begin);
-        if (&s == first) break;
-    }
+    bytes_.erase(first->begin, first->end - first->begin);
     findSections();
     return true;
 }

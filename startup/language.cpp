@@ -17,6 +17,11 @@ std::string Ln(std::string_view key) { return LanguageStore.GetValue(key, 0, set
 
 std::string LnBox(std::string_view key) { return br2chr13(Ln(key)); }
 
+BoxWords Verbs(std::string_view agree, std::string_view decline, bool destroys) {
+    const std::string yes = Ln(agree), no = Ln(decline);
+    return {yes, no, yes, no, destroys};
+}
+
 void LnStrings(std::string_view window) {
     LanguageStore.SetSection(settings.Language);
     if (LanguageStore.GetValue(kProbe).empty()) {

@@ -7,10 +7,16 @@
 
 namespace zv {
 
+struct BoxWords;
+
 /// The text of `key` in the current language; empty when it is missing.
 std::string Ln(std::string_view key);
 /// The same with "<br>" turned into line ends, as a message box wants it.
 std::string LnBox(std::string_view key);
+
+/// Words for the keys of a question: what agreeing and declining do, by their language keys. `destroys`: agreeing
+/// cannot be taken back.
+BoxWords Verbs(std::string_view agree, std::string_view decline, bool destroys = false);
 
 /// Applies the language to the controls of `window`, or of all windows when it is empty: each key that has a
 /// text is handed to upcalls.applyText; a key without one leaves the control's own text. A language whose

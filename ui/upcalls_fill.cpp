@@ -17,6 +17,7 @@
 #include "model/upcalls.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
+#include "platform/waiting.h"
 #include "startup/errors.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
@@ -42,8 +43,10 @@
 #include "ui/screen/captions.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/error_mark.h"
+#include "ui/screen/quiet_line.h"
 #include "ui/screen/shaded.h"
 #include "ui/windows/console_window.h"
+#include "ui/windows/question_window.h"
 #include "ui/windows/report_window.h"
 #include "ui/windows/splash.h"
 
@@ -168,6 +171,9 @@ void fillAudio() {
             PaintButton(index, Shaded.ta, GetForeColor(Shaded.ta, "jingle"));
         }
     };
+    audioUpcalls.startIgnored = [](int index) {
+        TellForAWhile(btCaption(Jingle(index).Path) + ": " + Ln("mStartIgnored"));
+    };
     audioUpcalls.slotWaits = [](int) { ErrDisp("wait", 0, Ln("errFileWait")); };
     audioUpcalls.pressReady = [](int index, int velocity) {
         if (ErrMarkShows("h")) {
@@ -250,6 +256,12 @@ void FillUpcalls() {
     FillMidiUpcalls();
     fillStartup();
     boxWords = [] { return BoxWords{Ln("mOK"), Ln("mCancel"), Ln("mYes"), Ln("mNo")}; };
+    FillQuestions();
+    refusedMeanwhile = [] {
+        const Waiting* waiting = waitingNow();
+        const bool answer = waiting != nullptr && waiting->what == Waiting::For::answer;
+        TellForAWhile(Ln(answer ? "mAnswerFirst" : "mWindowFirst"));
+    };
     FillConsoleUpcalls();
     FillReportUpcalls();
     fillModel();

@@ -1,5 +1,4 @@
 #include "ui/wiring.h"
-#include "ui/windows/form_window.h"
 #include "ui/windows/midi_learn.h"
 #include "ui/windows/midi_settings_window.h"
 
@@ -17,7 +16,6 @@
 #include "model/state.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
-#include "platform/forms.h"
 #include "startup/datafiles.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
@@ -64,6 +62,7 @@
 #include "ui/screen/mic_keys.h"
 #include "ui/screen/warning.h"
 #include "ui/screen/window_place.h"
+#include "ui/windows/question_window.h"
 
 namespace zv {
 
@@ -218,7 +217,6 @@ void wireWindow() {
     w.window.onKeyDown = Form_KeyDown;
     w.window.onKeyUp = Form_KeyUp;
     w.window.onQueryClose = Form_QueryUnload;
-    takesInput = TakesInput;
     onSessionEnd = [] { UnloadMain(kSessionEnds); };
     w.window.onResize = [] { timers().tmrResize.restart(); };
     for (Control* c : {&w.lblVUSrc, &w.lblL, &w.lblR}) {
@@ -288,6 +286,7 @@ void wireTimers() {
     t.tmrResize.handler = [] {
         timers().tmrResize.stop();
         FormDraw();
+        PlaceQuestion();
     };
 }
 
@@ -372,8 +371,8 @@ bool Form_QueryUnload(int reason) {
         ErrLog("", UnloadReasonText(reason));
         bool cancel = true;
         if (settings.ConfirmExit == 1 && reason != kSessionEnds) {
-            cancel = messageBox(LnBox("mMsquit"), "Zentrova", BoxKind::question, BoxButtons::yesNo) !=
-                     BoxAnswer::yes;
+            cancel = messageBox(LnBox("mMsquit"), "Zentrova", BoxKind::question, BoxButtons::yesNo,
+                                Verbs("vbClose", "vbGoOn")) != BoxAnswer::yes;
         } else {
             cancel = false;
         }

@@ -241,7 +241,7 @@ bool Engine::runSyncs() {
         runningChannel_ = event.channel;
         lock.unlock();
         try {
-            record.procedure(event.sync, event.channel, 0, record.user);
+            record.procedure(event.sync, event.channel, event.slides ? 1 : 0, record.user);
         } catch (...) {
             // A procedure that throws must not end the sound.
         }

@@ -1,4 +1,6 @@
 // The library itself: version, errors, configuration, the table for the program.
+#include <algorithm>
+
 #include "engine/api/engine.h"
 
 using namespace zv::engine;
@@ -46,7 +48,23 @@ DeviceStatistics statistics(int device) {
 
 void settleSyncs() { Engine::instance().dispatcher.settle(); }
 
-constexpr EngineControl table{install, statistics, settleSyncs};
+bool slideAtSync(DWORD handle, HSYNC sync, float value, DWORD ms, bool logarithmic) {
+    const Call call;
+    const auto channel = call.engine.find(handle);
+    const auto at = call.engine.syncs.find(sync);
+    if (!channel || at == call.engine.syncs.end() || at->second.channel != handle) return false;
+    Command command;
+    command.kind = CommandKind::SlideAtSync;
+    command.channel = channel.get();
+    command.a = sync;
+    command.value = std::max(value, 0.0F);
+    command.ms = ms;
+    command.flags = (logarithmic ? kSlideLog : 0) | (value < 0 ? kSlideStops : 0);
+    call.engine.send(command);
+    return true;
+}
+
+constexpr EngineControl table{install, statistics, slideAtSync, settleSyncs};
 
 }  // namespace
 

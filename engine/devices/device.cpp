@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <thread>
+#include <utility>
 
 #include "engine/graph/graph.h"
 #include "engine/realtime/thread_tags.h"
@@ -11,7 +12,9 @@ namespace zv::engine {
 namespace {
 
 constexpr std::uint64_t kDriverGoneMicros = 500'000;  ///< silent so long, the driver counts as lost
-constexpr double kBridgeSlackMs = 12;                 ///< over the periods of both sides: scheduling
+// An output that would run dry waits no longer than this for the driver, which has run dry itself by then.
+constexpr std::uint64_t kDriverLateMicros = 30'000, kLatePeriods = 4;
+constexpr double kBridgeSlackMs = 12;  ///< over the periods of both sides: scheduling
 constexpr double kBridgeLeastMs = 18, kBridgeMostMs = 60;
 constexpr double kBridgePpmPerMs = 10;
 
@@ -20,6 +23,7 @@ constexpr double kBridgePpmPerMs = 10;
 void OutputSlot::deviceLost() { lost_.store(true, std::memory_order_release); }
 
 bool OutputSlot::resting() const {
+    asked_.fetch_add(1, std::memory_order_relaxed);
     // The stand-in has nothing to do while another output drives.
     return outputs_.resting() || (number_ == 0 && !outputs_.drives(*this));
 }
@@ -32,28 +36,45 @@ void OutputSlot::deviceBack() {
     lost_.store(false, std::memory_order_release);
 }
 
-bool OutputSlot::open(std::unique_ptr<SoundDevice> device, std::uint32_t graphRate, bool oneClock) {
+bool OutputSlot::open(std::unique_ptr<SoundDevice> device, bool oneClock) {
     device_ = std::move(device);
-    rate_ = device_->rate();
-    if (rate_ == 0) return false;
-    const double periodMs = device_->period() * 1000.0 / rate_;
+    if (device_->rate() == 0) return false;
+    oneClock_ = oneClock;
+    take(device_->rate(), device_->period());
+    lost_.store(false, std::memory_order_release);
+    ready_.store(true, std::memory_order_release);
+    return true;
+}
+
+void OutputSlot::deviceChanged(std::uint32_t rate, std::uint32_t period) {
+    if (!ready() || !lost() || rate == 0) return;
+    // Nobody writes to an output that is lost; a render that has just seen it otherwise is let finish.
+    Graph& graph = outputs_.graph();
+    graph.acquire();
+    take(rate, period);
+    graph.release();
+}
+
+/// All that hangs on the device's rate and period.
+void OutputSlot::take(std::uint32_t rate, std::uint32_t period) {
+    rate_ = rate;
+    const std::uint32_t graphRate = outputs_.graph().rate();
+    const double periodMs = period * 1000.0 / rate_;
+    periodMicros_.store(period * std::uint64_t{1'000'000} / rate_, std::memory_order_relaxed);
     BridgeOptions options;
     options.inRate = graphRate;
     options.outRate = rate_;
-    options.oneClock = oneClock;
+    options.oneClock = oneClock_;
     options.leastMs = kBridgeLeastMs;
     options.mostMs = kBridgeMostMs;
     options.targetMs = 2 * periodMs + kBridgeSlackMs;
     options.ppmPerMs = kBridgePpmPerMs;
-    bridge_ = std::make_unique<Bridge>(options);
+    former_ = std::exchange(bridge_, std::make_unique<Bridge>(options));
     resampler_.reset();
     if (rate_ != graphRate) {
         resampler_ = std::make_unique<dsp::Resampler>(graphRate, rate_, 2U);
         in_.resize((resampler_->inputNeeded(kBlock) + 64) * 2);
     }
-    lost_.store(false, std::memory_order_release);
-    ready_.store(true, std::memory_order_release);
-    return true;
 }
 
 void OutputSlot::close() {
@@ -70,11 +91,12 @@ void OutputSlot::close() {
 DeviceStatistics OutputSlot::statistics() const {
     DeviceStatistics s;
     s.callbacks = callbacks_.load(std::memory_order_relaxed);
+    s.asked = asked_.load(std::memory_order_relaxed);
     s.underruns = underruns_.load(std::memory_order_relaxed);
     s.longestCallbackNs = longestNs_.load(std::memory_order_relaxed);
     s.commandOverflows = outputs_.graph().commands.overflows();
     s.sourceUnderruns = outputs_.graph().sourceUnderruns.load(std::memory_order_relaxed);
-    if (ready() && bridge_) s.sourceUnderruns += bridge_->underruns();
+    if (ready() && !lost() && bridge_) s.sourceUnderruns += bridge_->underruns();
     s.open = ready();
     s.lost = lost();
     s.resting = outputs_.resting();
@@ -149,6 +171,7 @@ void OutputSlot::render(std::span<float> stereo) {
         std::ranges::fill(stereo, 0.0F);
         return;
     }
+    asked_.fetch_add(1, std::memory_order_relaxed);
     using Clock = std::chrono::steady_clock;
     const auto began = Clock::now();
     Graph& graph = outputs_.graph();
@@ -161,7 +184,8 @@ void OutputSlot::render(std::span<float> stereo) {
     {
         const AudioSection section;
         const std::uint64_t micros = stereo.size() / 2 * std::uint64_t{1'000'000} / rate_;
-        if (outputs_.drives(*this) && graph.tryAcquire()) {
+        if (outputs_.drives(*this, number_ != 0 && bridge_->runsDry(stereo.size() / 2)) &&
+            graph.tryAcquire()) {
             drove = true;
             if (outputs_.leads(*this)) outputs_.silentMicros.store(0, std::memory_order_relaxed);
             graph.applyCommands();
@@ -219,7 +243,7 @@ int Outputs::open(int number, const std::string& id, std::uint32_t rate, DeviceS
     OutputSlot& slot = *owned_[place];
     auto device = number == 0 ? source.openNoSound(rate, slot) : source.openOutput(id, rate, slot);
     if (!device) return BASS_ERROR_DRIVER;
-    return slot.open(std::move(device), graph_.rate(), source.oneClock()) ? BASS_OK : BASS_ERROR_FREQ;
+    return slot.open(std::move(device), source.oneClock()) ? BASS_OK : BASS_ERROR_FREQ;
 }
 
 void Outputs::close(int number) {
@@ -247,10 +271,13 @@ const OutputSlot* Outputs::leader(const OutputSlot* without) const {
     return best;
 }
 
-bool Outputs::drives(const OutputSlot& slot) const {
+bool Outputs::drives(const OutputSlot& slot, bool runsDry) const {
     const OutputSlot* first = leader(nullptr);
     if (&slot == first) return true;
-    return silentMicros.load(std::memory_order_relaxed) > kDriverGoneMicros && &slot == leader(first);
+    const std::uint64_t silent = silentMicros.load(std::memory_order_relaxed);
+    const bool late =
+        runsDry && first && silent > std::max(kDriverLateMicros, kLatePeriods * first->periodMicros());
+    return (late || silent > kDriverGoneMicros) && &slot == leader(first);
 }
 
 // ---- inputs

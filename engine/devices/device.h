@@ -30,6 +30,7 @@ class OutputSlot final : public SoundClient {
     void heard(std::span<const float>) override {}
     void deviceLost() override;
     void deviceBack() override;
+    void deviceChanged(std::uint32_t rate, std::uint32_t period) override;
     void ranDry() override { underruns_.fetch_add(1, std::memory_order_relaxed); }
     bool resting() const override;
     void wake();  // [any but audio], under the engine's lock
@@ -42,12 +43,14 @@ class OutputSlot final : public SoundClient {
     /// Lower drives. [control] writes
     std::atomic<std::uint64_t> rank{~std::uint64_t{0}};
 
-    bool open(std::unique_ptr<SoundDevice> device, std::uint32_t graphRate, bool oneClock);
+    bool open(std::unique_ptr<SoundDevice> device, bool oneClock);
     void close();
     std::uint32_t rate() const { return rate_; }
+    std::uint64_t periodMicros() const { return periodMicros_.load(std::memory_order_relaxed); }
     Bridge* bridge() { return bridge_.get(); }
 
   private:
+    void take(std::uint32_t rate, std::uint32_t period);
     void produce(std::span<float> stereo);
     void produceBehind(std::span<float> stereo);
     void computeBlock(std::uint32_t frames);
@@ -57,10 +60,14 @@ class OutputSlot final : public SoundClient {
     std::atomic<bool> ready_{false}, lost_{false};
     std::unique_ptr<SoundDevice> device_;
     std::uint32_t rate_ = 0;
+    std::atomic<std::uint64_t> periodMicros_{0};
+    bool oneClock_ = false;
     std::unique_ptr<Bridge> bridge_;
+    std::unique_ptr<Bridge> former_;             ///< before the device changed: somebody may be looking at it
     std::unique_ptr<dsp::Resampler> resampler_;  ///< from the graph's rate, null when equal
     std::vector<float> in_;
     std::atomic<std::uint64_t> callbacks_{0}, underruns_{0}, longestNs_{0};
+    mutable std::atomic<std::uint64_t> asked_{0};
 };
 
 /// What a render needs from the rest of the engine.
@@ -81,8 +88,9 @@ class Outputs {
     bool anyOpen() const;
     OutputSlot* slot(int number) const;
 
-    /// Wait-free: whether `slot` is to compute the graph now. [audio]
-    bool drives(const OutputSlot& slot) const;
+    /// Wait-free: whether `slot` is to compute the graph now. One that is about to run dry because the driver is late
+    /// waits for it no longer. [audio]
+    bool drives(const OutputSlot& slot, bool runsDry = false) const;
     /// The same while all callbacks come in time.
     bool leads(const OutputSlot& slot) const { return &slot == leader(nullptr); }
     /// Nothing sounds and no command waits: devices need not ask. Wait-free. [any]

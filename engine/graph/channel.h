@@ -30,6 +30,9 @@ struct SyncNode : Garbage {
     HSYNC handle = 0;
     std::uint64_t frame = 0;
     bool once = true;
+    bool slides = false;  ///< a slide of VOL begins with its frame
+    float value = 0;
+    std::uint32_t ms = 0, flags = 0;
     SyncNode* next = nullptr;
 };
 
@@ -96,6 +99,8 @@ struct AudioState {
     Chain* chain = nullptr;
     SyncNode* syncs = nullptr;
     std::uint64_t firstSync = ~std::uint64_t{0};  ///< the lowest frame that a sync waits for
+    SyncNode* timed = nullptr;                    ///< the one whose slide is still to begin
+    bool timedDue = false;                        ///< its frame was passed
 
     Slide volume, voldsp;
     bool inSlides = false;

@@ -27,6 +27,7 @@ enum class CommandKind : std::uint8_t {
     User,         ///< other: the tempo channel over it
     AddSync,      ///< object: SyncNode
     RemoveSync,   ///< a: handle, 0 for all
+    SlideAtSync,  ///< a: handle; value, ms, flags: a slide of VOL that begins with the frame of the sync
     EqBand,       ///< effect; a: band, value: dB, x: Hz, y: octaves, z: q
     Reverb,       ///< effect; value: in gain, x: mix, y: ms, z: ratio
     FxGain,       ///< effect; value

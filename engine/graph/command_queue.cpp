@@ -7,7 +7,8 @@ namespace zv::engine {
 static_assert(std::is_trivially_copyable_v<Command>);
 
 bool CommandQueue::urgent(const Command& command) {
-    const bool silences = command.kind == CommandKind::Stop || (command.flags & kSlideStops) != 0;
+    const bool silences = command.kind == CommandKind::Stop ||
+                          (command.kind == CommandKind::Volume && (command.flags & kSlideStops) != 0);
     const bool busGain = command.kind == CommandKind::Voldsp && command.channel->kind == Kind::Split;
     return silences || busGain;
 }

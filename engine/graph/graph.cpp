@@ -194,7 +194,7 @@ void Graph::move(Channel& channel, std::uint64_t frame, std::uint32_t moves) {
     Channel* level = &channel;
     while (level) {
         AudioState& upper = level->audio;
-        upper.inTail = false;
+        upper.inTail = upper.timedDue = false;
         if (upper.plug) {
             upper.plug->restart();
             alignConversion(*level);
@@ -311,10 +311,22 @@ void Graph::applyOther(const Command& command) {
                     continue;
                 }
                 *at = node->next;
+                if (a.timed == node) a.timed = nullptr;
                 trash.add(node);
                 expect(*command.channel, -1);
             }
             findFirstSync(command.channel->audio);
+            break;
+        case CommandKind::SlideAtSync:
+            for (SyncNode* node = a.syncs; node; node = node->next) {
+                if (node->handle != command.a) continue;
+                node->slides = true;
+                node->value = command.value;
+                node->ms = command.ms;
+                node->flags = command.flags;
+                a.timed = node;
+                a.timedDue = false;
+            }
             break;
         case CommandKind::EqBand:
             command.effect->eqUnit->setBand(command.a, {command.x, command.value, command.y, command.z});

@@ -32,6 +32,7 @@ struct SyncEvent {
     HSYNC sync = 0;
     DWORD channel = 0;
     std::uint32_t moves = 0;
+    bool slides = false;  ///< what is to happen there has begun with the frame
 };
 
 class Graph {
@@ -143,7 +144,9 @@ class Graph {
     // mixer.cpp
     void mixInputs(Channel* const& first, float* out, std::uint32_t frames);
     void mixPart(Channel* first, float* out, std::uint32_t frames, ConversionGroups& groups);
-    std::uint32_t evenPart(Channel* first, std::uint32_t frames);
+    std::uint32_t evenPart(Channel* const& first, std::uint32_t frames);
+    std::uint32_t stretchOf(Channel* first, std::uint64_t part);
+    std::uint64_t untilTimed(Channel& channel);
     bool joinGroup(Channel& channel, std::uint32_t frames, ConversionGroups& groups);
     static void noteHeard(Channel& channel, std::uint64_t from);
     void mixInput(Channel& channel, float* out, std::uint32_t frames, View begun);

@@ -1,12 +1,16 @@
 // Adding up what sounds in a mixer or on an output.
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 #include "engine/dsp/mix.h"
 #include "engine/graph/graph.h"
 
 namespace zv::engine {
 namespace {
+
+constexpr double kHalfFrame = 0.5;
+constexpr std::uint32_t kStretchedNear = 8 * kBlock, kStretchedStep = 64;
 
 /// Sources that lie in memory as they are wait here and are added four at a time: the sum is read and written
 /// once. Whatever their form, they are added in the order in which they came.
@@ -71,9 +75,56 @@ void measure(Channel& channel, const View& view) {
 
 }  // namespace
 
+/// Frames of the mixer before the slide of a sync is to begin; it begins here when its frame is the next one.
+std::uint64_t Graph::untilTimed(Channel& channel) {
+    AudioState& a = channel.audio;
+    const AudioState& file = channel.root().audio;
+    double at = static_cast<double>(file.position);
+    if (a.plug->resampler) {
+        const Plug& plug = *a.plug;
+        const double held =
+            static_cast<double>(plug.fed - (a.inTail ? a.tailDone : 0)) - plug.resampler->position();
+        const auto since = static_cast<double>(file.position - file.wrapTo);
+        const bool wrapped = file.wrapFrom > file.wrapTo && file.position >= file.wrapTo && since < held;
+        at = wrapped ? static_cast<double>(file.wrapFrom) - (held - since) : at - held;
+    }
+    SyncNode& node = *a.timed;
+    const double left = static_cast<double>(node.frame) - at;
+    if (a.timedDue || (!a.stretched && left <= kHalfFrame && left > -1)) {
+        Command slide;
+        slide.channel = &channel;
+        slide.value = node.value;
+        slide.ms = node.ms;
+        slide.flags = node.flags;
+        slide.b = channel.shared.appliedVolume.load(std::memory_order_relaxed);
+        // A stop may leave nothing to be passed: it is told here.
+        if (!a.timedDue && syncEvents.push({node.handle, channel.handle, file.moves, true}) && node.once) {
+            node.frame = ~std::uint64_t{0};
+            findFirstSync(a);
+        }
+        a.timed = nullptr;
+        a.timedDue = false;
+        slideVolume(slide);
+        return kBlock;
+    }
+    if (left < 0) return kBlock;
+    // The position of stretched sound is known every so many frames only.
+    if (a.stretched) return left < double{kStretchedNear} ? kStretchedStep : kBlock;
+    return static_cast<std::uint64_t>(std::ceil(left * a.plug->rate / channel.rate - kHalfFrame));
+}
+
 /// Frames up to which the same channels are converted together: a slide, or a sound, ends behind them.
-std::uint32_t Graph::evenPart(Channel* first, std::uint32_t frames) {
+std::uint32_t Graph::evenPart(Channel* const& first, std::uint32_t frames) {
     std::uint64_t part = frames;
+    for (Channel* channel = first; channel;) {
+        Channel* const next = channel->audio.next;  // one that stops leaves the list
+        if (channel->audio.timed) part = std::min(part, std::max<std::uint64_t>(1, untilTimed(*channel)));
+        channel = next;
+    }
+    return stretchOf(first, part);
+}
+
+std::uint32_t Graph::stretchOf(Channel* first, std::uint64_t part) {
     for (const Channel* channel = first; channel; channel = channel->audio.next) {
         const AudioState& a = channel->audio;
         if (a.plug->resampler && a.volume.active()) part = std::min(part, a.volume.left());

@@ -32,8 +32,10 @@ void Graph::passed(Channel& channel, std::uint64_t from, std::uint64_t to) {
     bool fired = false;
     for (SyncNode* node = a.syncs; node; node = node->next) {
         if (node->frame < from || node->frame >= to) continue;
-        if (!syncEvents.push({node->handle, channel.handle, channel.root().audio.moves})) continue;
+        if (!syncEvents.push({node->handle, channel.handle, channel.root().audio.moves, node->slides}))
+            continue;
         fired = true;
+        if (node == a.timed) a.timedDue = true;
         if (node->once) node->frame = ~std::uint64_t{0};
     }
     if (fired) findFirstSync(a);

@@ -112,7 +112,14 @@ void Bridge::readCorrected(std::span<float> stereo) {
 std::size_t Bridge::due(std::size_t frames) {
     resampler_.setCorrection(0);
     glideLeft_ = 0;
-    return resampler_.inputNeeded(frames);
+    // At its full distance, so that a writer that comes back has time for its first period.
+    const auto aim = static_cast<std::size_t>(target_ * perMs());
+    const std::size_t filled = ring_.filled() / 2;
+    return resampler_.inputNeeded(frames) + (filled < aim ? aim - filled : 0);
+}
+
+bool Bridge::runsDry(std::size_t frames) const {
+    return follows() && ring_.filled() / 2 < resampler_.inputNeeded(frames);
 }
 
 void Bridge::readOwn(std::span<float> stereo) {

@@ -48,8 +48,10 @@ class Bridge {
     // ---- for a reader that must write for itself, because the writer is gone; it keeps its distance
     /// Whether the reader is on its way through a sound at a distance, and would lose some by a fresh start.
     bool follows() const { return running_ && !inStep_; }
-    /// Frames to be written before the next `frames` are read with readOwn().
+    /// Frames to be written before the next `frames` are read with readOwn(): those, and what the distance has lost.
     std::size_t due(std::size_t frames);
+    /// Whether the next read of `frames` would find too little on its way through a sound.
+    bool runsDry(std::size_t frames) const;
     void readOwn(std::span<float> stereo);
 
     /// Distance in frames of the writer. [any]

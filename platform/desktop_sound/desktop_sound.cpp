@@ -1,7 +1,14 @@
 #include "platform/desktop_sound/desktop_sound.h"
 #include "platform/decoders.h"
 
+#include <algorithm>
+#include <cctype>
+#include <utility>
+#include <vector>
+
+#include "platform/desktop_sound/choosing_devices.h"
 #include "platform/file_decoders/file_decoders.h"
+#include "platform/jack/jack_devices.h"
 #include "platform/pulse/pulse_devices.h"
 #include "platform/rtaudio/rtaudio_devices.h"
 #include "platform/sound.h"
@@ -10,40 +17,47 @@
 namespace zv {
 namespace {
 
-/// What the program was given; a server among it is asked anew.
-std::shared_ptr<engine::DeviceSource>& given() {
-    static std::shared_ptr<engine::DeviceSource> devices;
+/// What the program was given, and whether a sound server is among it.
+struct Given {
+    std::shared_ptr<engine::DeviceSource> devices;
+    bool server = false;
+};
+
+Given& given() {
+    static Given devices;
     return devices;
 }
 
-bool& givenServer() {
-    static bool server = false;
-    return server;
+bool named(std::string_view system, std::string_view name) {
+    return std::ranges::equal(system, name, [](char a, char b) {
+        return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+    });
 }
 
 }  // namespace
 
-std::shared_ptr<engine::DeviceSource> desktopDevices() {
-    // A server that is there and silent will answer again: other interfaces would wait for it even longer.
-    const PulseAnswer answer = askPulseServer();
-    std::shared_ptr<engine::DeviceSource> devices;
-    if (answer == PulseAnswer::refused) devices = makeRtAudioDevices();
-    // Nothing yet: a sound server that is started later is found by itself.
-    givenServer() = devices == nullptr || devices->outputs().empty();
-    if (givenServer()) devices = makePulseDevices();
-    given() = devices;
-    return devices;
+std::shared_ptr<engine::DeviceSource> desktopDevices(std::string_view system) {
+    const bool jack = named(system, "JACK"), alsa = named(system, "ALSA"), server = named(system, "Server");
+    const bool any = !jack && !alsa && !server;
+    std::vector<SoundSystem> systems;
+    // A server that is there and silent will answer again.
+    if (server || any)
+        systems.push_back({makePulseDevices(), [] { return askPulseServer() == PulseAnswer::silent; }});
+    if (jack || any) systems.push_back({makeJackDevices()});
+    if (alsa || any) systems.push_back({makeRtAudioDevices()});
+    given() = {chooseDevices(std::move(systems)), server || any};
+    return given().devices;
 }
 
-engine::EnginePorts soundPorts() {
+engine::EnginePorts soundPorts(std::string_view system) {
     soundDecoders = makeFileDecoders();
-    return {soundDecoders, soundTouchStretchers(), desktopDevices()};
+    return {soundDecoders, soundTouchStretchers(), desktopDevices(system)};
 }
 
 bool soundOutputsThere() {
-    if (given() == nullptr) return false;
-    if (givenServer() && askPulseServer() != PulseAnswer::ready) return false;
-    return !given()->outputs().empty();
+    if (given().devices == nullptr) return false;
+    if (given().server) askPulseServer();  // one that was silent is asked again
+    return !given().devices->outputs().empty();
 }
 
 }  // namespace zv

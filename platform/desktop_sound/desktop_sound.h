@@ -2,13 +2,14 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 
 #include "engine/ports.h"
 
 namespace zv {
 
-/// The sound server's devices; RtAudio's when no server answers and it lists devices. Never null: without any
-/// device the lists are empty and the no-sound device works. [control]
-std::shared_ptr<engine::DeviceSource> desktopDevices();
+/// The devices of a sound system (soundPorts). Never null: without any device the lists are empty, and the no-sound
+/// device works. [control]
+std::shared_ptr<engine::DeviceSource> desktopDevices(std::string_view system);
 
 }  // namespace zv

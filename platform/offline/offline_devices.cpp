@@ -34,6 +34,7 @@ struct Jack {
     std::string name;
     bool plugged = true;
     double clockError = 0;
+    bool hangs = false;
     KeptSound kept;
     Fed fed;
 };
@@ -73,7 +74,7 @@ class Line final : public engine::SoundDevice {
 
     Jack* jack() const { return jack_; }
     bool input() const { return input_; }
-    bool running() const { return !jack_ || (jack_->plugged && !resting_); }
+    bool running() const { return !jack_ || (jack_->plugged && !jack_->hangs && !resting_); }
     engine::SoundClient& client() { return client_; }
 
     /// The device's clock begins anew at the present moment.
@@ -233,6 +234,13 @@ class Offline final : public OfflineDevices {
             line->restart();
             line->client().deviceBack();
         }
+    }
+    void hang(const std::string& name, bool on) override {
+        Jack* jack = world_->find(name);
+        if (!jack || jack->hangs == on) return;
+        jack->hangs = on;
+        for (Line* line : linesOf(jack))
+            if (!on) line->restart();
     }
     void setPeriod(std::uint32_t frames) override { world_->options.period = std::max(frames, 1U); }
     void setClockError(const std::string& name, double partsPerMillion) override {

@@ -37,6 +37,8 @@ class OfflineDevices : public engine::DeviceSource {
     /// Takes a device away and brings it back.
     virtual void unplug(const std::string& name) = 0;
     virtual void plug(const std::string& name) = 0;
+    /// A device that stops asking without a word, and goes on.
+    virtual void hang(const std::string& name, bool on) = 0;
     virtual void setPeriod(std::uint32_t frames) = 0;
     /// Lets the clock of device `name` run faster (above 0) or slower than wall time, -100000..100000 parts
     /// per million; in force from its next period. Devices then no longer share a clock.

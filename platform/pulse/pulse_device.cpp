@@ -113,6 +113,7 @@ void PulseDevice::dropStream() {
     pa_stream_set_write_callback(stream_, nullptr, nullptr);
     pa_stream_set_read_callback(stream_, nullptr, nullptr);
     pa_stream_set_underflow_callback(stream_, nullptr, nullptr);
+    pa_stream_set_suspended_callback(stream_, nullptr, nullptr);
     pa_stream_disconnect(stream_);
     pa_stream_unref(stream_);
     stream_ = nullptr;
@@ -210,6 +211,8 @@ void PulseDevice::openStream() {
             },
             this);
         resting_ = 0;
+        pa_stream_set_suspended_callback(
+            stream_, [](pa_stream*, void* self) { static_cast<PulseDevice*>(self)->suspended(); }, this);
         pa_stream_set_underflow_callback(
             stream_, [](pa_stream*, void* self) { static_cast<PulseDevice*>(self)->client_->ranDry(); },
             this);
@@ -262,6 +265,19 @@ void PulseDevice::streamGone() {
         paceOn();
     }
     retryIn(later);
+}
+
+/// The server has put the output to sleep, or woken it: another program has the card, or somebody turned it off.
+/// The stream stays.
+void PulseDevice::suspended() {
+    const bool asleep = pa_stream_is_suspended(stream_) > 0;
+    if (asleep && state_ == State::Running) {
+        settle(State::Lost);
+        client_->deviceLost();
+        paceOn();
+    } else if (!asleep && state_ == State::Lost && pa_stream_get_state(stream_) == PA_STREAM_READY) {
+        streamReady();
+    }
 }
 
 void PulseDevice::retryIn(pa_usec_t microseconds) {

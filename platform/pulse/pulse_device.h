@@ -43,6 +43,7 @@ class PulseDevice : public engine::SoundDevice {
     void openStream();
     void streamGone();
     void streamReady();
+    void suspended();
     void giveSound(std::size_t bytes);
     bool give(std::size_t frames, pa_seek_mode_t where);
     void takeSound();

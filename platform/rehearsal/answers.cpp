@@ -9,6 +9,7 @@
 #include "platform/rehearsal/rehearsal.h"
 #include "platform/rehearsal/stage.h"
 #include "platform/sound.h"
+#include "platform/waiting.h"
 
 namespace zv {
 namespace {
@@ -18,16 +19,23 @@ constexpr int kVirtualControl = 17;
 constexpr int kVirtualAlt = 18;
 constexpr Monitor kScreen{0, 0, 1280, 800};
 
-/// The answer prepared, else the one that comes while the question waits.
-std::optional<std::string> nextAnswer(bool waits = true) {
+std::optional<std::string> preparedAnswer() {
     Stage& stage = Stage::instance();
-    if (stage.answers.empty()) {
-        std::string coming = waits && stage.waitForAnswer ? stage.waitForAnswer() : std::string{};
-        return coming.empty() ? std::nullopt : std::optional(std::move(coming));
-    }
+    if (stage.answers.empty()) return std::nullopt;
     std::string answer = std::move(stage.answers.front());
     stage.answers.pop_front();
     return answer;
+}
+
+/// The answer prepared, else the one that comes while a dialog waits.
+std::optional<std::string> nextAnswer() {
+    const Stage& stage = Stage::instance();
+    if (stage.answers.empty() && stage.playUntil && stage.answerComes && stage.answerComes(false)) {
+        const Waiting waiting(Waiting::For::answer, nullptr,
+                              [] { Stage::instance().answers.emplace_front("cancel"); });
+        stage.playUntil([&stage] { return !stage.answers.empty(); });
+    }
+    return preparedAnswer();
 }
 
 const char* text(BoxAnswer answer) {
@@ -74,20 +82,32 @@ std::string dialog(const std::string& kind, const std::string& title) {
 // ---- dialogs
 // ---------------------------------------------------------------------------------------------------
 
-BoxAnswer messageBox(const std::string& message, const std::string& title, BoxKind, BoxButtons buttons) {
+BoxAnswer messageBox(const std::string& message, const std::string& title, BoxKind kind, BoxButtons buttons,
+                     const BoxWords& own) {
     shell::noteOpened();
     const Stage& stage = Stage::instance();
-    const std::optional<std::string> answer = nextAnswer(buttons != BoxButtons::ok);
     BoxAnswer given = worded(buttons, stage.closing);
     std::string remark;
-    if (!answer) {
-        if (buttons != BoxButtons::ok && !stage.closing) remark = " (no answer was prepared)";
-    } else if (*answer == "yes" || *answer == "ok") {
-        given = worded(buttons, true);
-    } else if (*answer == "no" || *answer == "cancel") {
-        given = worded(buttons, false);
-    } else if (stage.fail) {
-        stage.fail("the answer \"" + *answer + "\" does not fit the message box \"" + message + "\"");
+    const auto understood = [&](const std::string& answer) {
+        if (answer == "yes" || answer == "ok") return worded(buttons, true);
+        if (answer != "no" && answer != "cancel" && stage.fail)
+            stage.fail("the answer \"" + answer + "\" does not fit the message box \"" + message + "\"");
+        return worded(buttons, false);
+    };
+    const auto prepared = [&]() -> std::optional<BoxAnswer> {
+        const std::optional<std::string> answer = preparedAnswer();
+        return answer ? std::optional(understood(*answer)) : std::nullopt;
+    };
+    std::optional<BoxAnswer> answer = prepared();
+    if (!answer && askOnCard && stage.answerComes && stage.answerComes(buttons == BoxButtons::ok)) {
+        const BoxWords words{own.ok.empty() ? "OK" : own.ok, own.cancel.empty() ? "Cancel" : own.cancel,
+                             own.yes.empty() ? "Yes" : own.yes, own.no.empty() ? "No" : own.no, own.destroys};
+        answer = askOnCard({message, title, kind, buttons, words}, prepared);
+    }
+    if (answer) {
+        given = *answer;
+    } else if (buttons != BoxButtons::ok && !stage.closing) {
+        remark = " (no answer was prepared)";
     }
     noteEvent("box", title + ": " + message + " -> " + text(given) + remark);
     return given;

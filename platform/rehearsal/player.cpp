@@ -16,6 +16,7 @@
 #include "platform/rehearsal/virtual_clock.h"
 #include "platform/rehearsal/web.h"
 #include "platform/timers.h"
+#include "platform/waiting.h"
 
 namespace zv {
 namespace {
@@ -23,6 +24,7 @@ namespace {
 constexpr int kButtons = 120;
 /// More than these are counted, not printed: one fault of a tick tends to return at each following one.
 constexpr int kFailuresShown = 20;
+constexpr const char* kQuestionCard = "frmQuestion";
 constexpr const char* kDisplayTick = "TimerDispAndJButtons";
 
 /// Files of the script, with "|" between them.
@@ -175,20 +177,11 @@ bool Player::playUntil(const std::function<bool()>& over) {
     return over();
 }
 
-std::string Player::waitForAnswer() {
-    const bool coming =
-        std::ranges::any_of(pending_, [](const auto& entry) { return entry.second.verb == Verb::answer; });
-    if (!coming) return {};
-    ++questions_;
-    Stage& stage = Stage::instance();
-    playUntil([&] { return !stage.answers.empty(); });
-    --questions_;
-    std::string answer;
-    if (!stage.answers.empty()) {
-        answer = std::move(stage.answers.front());
-        stage.answers.pop_front();
-    }
-    return answer;
+bool Player::answerComes(bool cardOnly) const {
+    return std::ranges::any_of(pending_, [&](const auto& entry) {
+        const Action& action = entry.second;
+        return action.window == kQuestionCard || (!cardOnly && action.verb == Verb::answer);
+    });
 }
 
 void Player::perform(const Action& action) {
@@ -208,10 +201,6 @@ void Player::perform(const Action& action) {
             break;
         case Verb::key:
         case Verb::keydown:
-            if (questions_ > 0) {
-                keyToQuestion(action);
-                break;
-            }
             Stage::instance().heldKeys.insert(static_cast<int>(action.key));
             if (!shell::keyDown(action.key, Stage::instance().mods)) ignored(action);
             if (action.verb == Verb::keydown) break;
@@ -250,8 +239,7 @@ void Player::perform(const Action& action) {
             break;
         case Verb::drop:
             if (Control* target = control(action)) {
-                if (!reachable(*target, action) || !shell::dropFiles(*target, filesOf(action.text)))
-                    ignored(action);
+                if (!shell::dropFiles(*target, filesOf(action.text))) ignored(action);
             }
             break;
         case Verb::time:
@@ -316,24 +304,6 @@ Control* Player::control(const Action& action) {
     return found;
 }
 
-bool Player::reachable(const Control& control, const Action& action) const {
-    if (questions_ == 0) return true;
-    // A question waits: STOP and plain presses of jingles are left.
-    const bool plain = action.verb == Verb::press || action.verb == Verb::down || action.verb == Verb::up ||
-                       action.verb == Verb::click;
-    return plain && Stage::instance().mods == 0 && (control.name == "btStop" || control.name == "b_Jingle");
-}
-
-void Player::keyToQuestion(const Action& action) {
-    if (action.key != Key::escape) {
-        ignored(action);
-        return;
-    }
-    shell::keyDown(action.key, Stage::instance().mods);
-    shell::keyUp(action.key, Stage::instance().mods);
-    Stage::instance().answers.emplace_front("cancel");
-}
-
 void Player::ignored(const Action& action) { noteEvent("ignored", actionText(action)); }
 
 void Player::plugDevice(const Action& action) {
@@ -353,7 +323,6 @@ void Player::pressButton(const Action& action) {
     if (button == nullptr) return;
     Stage& stage = Stage::instance();
     const int mods = stage.mods;
-    if (!reachable(*button, action)) return ignored(action);
     bool reached = true;
     stage.mouseWindow = windowOf(*button).name;
     stage.heldKeys.erase(kLeftMouse);
@@ -370,9 +339,7 @@ void Player::clickControl(const Action& action) {
     const int mods = Stage::instance().mods;
     bool reached = false;
     Stage::instance().mouseWindow = windowOf(*target).name;
-    if (!reachable(*target, action))
-        reached = false;
-    else if (action.verb == Verb::dblclick)
+    if (action.verb == Verb::dblclick)
         reached = shell::doubleClick(*target, mods);
     else if (action.verb == Verb::rclick)
         reached = shell::click(*target, MouseButton::right, mods);
@@ -399,12 +366,12 @@ void Player::selectRow(Control& list, const std::string& text) {
 void Player::setControl(const Action& action) {
     Control* target = control(action);
     if (target == nullptr) return;
-    if (!reachable(*target, action)) return ignored(action);
     bool reached = true;
     switch (target->kind) {
         case ControlKind::listBox:
         case ControlKind::tabs:
-            selectRow(*target, action.text);
+            reached = takesNow(*target, nullptr);
+            if (reached) selectRow(*target, action.text);
             break;
         case ControlKind::comboBox:
             // One that can be typed into takes any text, as a keyboard gives it.
@@ -438,7 +405,7 @@ void Player::setControl(const Action& action) {
 
 void Player::pickPalette(const Action& action) {
     Control* list = findControl("lstPal");
-    if (list != nullptr && !reachable(*list, action)) return ignored(action);
+    if (list != nullptr && !takesNow(*list, nullptr)) return ignored(action);
     if (list == nullptr) {
         fail("there is no list of palettes");
     } else if (std::ranges::find(list->items(), action.text) == list->items().end()) {

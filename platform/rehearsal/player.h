@@ -22,8 +22,8 @@ class Player {
     void play();
     /// Goes on performing until `over` says so, as while a modal window waits. False when the script ended before.
     bool playUntil(const std::function<bool()>& over);
-    /// Goes on performing until the script answers the question that waits; its answer, or nothing.
-    std::string waitForAnswer();
+    /// True when what is left of the script answers a question: by its card, or by `answer` unless only the card counts.
+    bool answerComes(bool cardOnly) const;
     /// Tells what went wrong, with the place in the script; the rehearsal has failed then.
     void fail(const std::string& text);
     bool failed() const { return failures_ > 0; }
@@ -39,9 +39,6 @@ class Player {
     /// Time goes on to the next action. Null when the script is over, the program has ended or `over` says so.
     const Action* reachNext(const std::function<bool()>& over);
     Control* find(const Action& action) const;
-    /// False while a question keeps the mouse from that control.
-    bool reachable(const Control& control, const Action& action) const;
-    void keyToQuestion(const Action& action);
     void perform(const Action& action);
     void plugDevice(const Action& action);
     void pressButton(const Action& action);
@@ -64,7 +61,6 @@ class Player {
     std::vector<RandomShow> random_;
     int line_ = 0;  ///< of the action that is performed
     int failures_ = 0;
-    int questions_ = 0;  ///< that wait for an answer
 };
 
 /// Performs a `web` line.

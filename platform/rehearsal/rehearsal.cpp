@@ -124,7 +124,7 @@ bool writeState(const RehearsalOptions& options, const RehearsedProgram& program
 
 }  // namespace
 
-engine::EnginePorts soundPorts() {
+engine::EnginePorts soundPorts(std::string_view) {
     soundDecoders = makeRehearsedDecoders();
     return {soundDecoders, soundTouchStretchers(), Stage::instance().devices};
 }
@@ -204,7 +204,7 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     Player player(options, program, std::move(script.actions));
     stage.fail = [&player](const std::string& text) { player.fail(text); };
     stage.playUntil = [&player](const std::function<bool()>& over) { return player.playUntil(over); };
-    stage.waitForAnswer = [&player] { return player.waitForAnswer(); };
+    stage.answerComes = [&player](bool cardOnly) { return player.answerComes(cardOnly); };
     stage.chooseFromMenu = [&player](const std::vector<MenuItem>& items) {
         return player.chooseFromMenu(items);
     };
@@ -224,7 +224,7 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     }
     stage.chooseFromMenu = nullptr;
     stage.playUntil = nullptr;
-    stage.waitForAnswer = nullptr;
+    stage.answerComes = nullptr;
     stage.closing = true;
     if (program.close) program.close();
     MidiDevices::instance().onSent = nullptr;

@@ -39,8 +39,8 @@ struct Stage {
     std::function<std::string(const std::vector<MenuItem>&)> chooseFromMenu;
     /// Waits, performing the script, until `over` says so; false when the script ended before.
     std::function<bool(const std::function<bool()>& over)> playUntil;
-    /// Waits, performing the script, for the answer of a question; empty when the script gives none.
-    std::function<std::string()> waitForAnswer;
+    /// True when the script still answers a question: by its card, or by an `answer` unless only the card counts.
+    std::function<bool(bool cardOnly)> answerComes;
     /// Called once, when the program lets waiting events run for the first time: it has filled its tables by
     /// then.
     std::function<void()> onFirstEvents;

@@ -41,6 +41,7 @@ class RtAudioDevice : public engine::SoundDevice {
             }
             if (!found) return false;
         }
+        rate = rateOf(audio_.getDeviceInfo(parameters.deviceId), rate);
         RtAudio::StreamOptions options;
         options.flags = RTAUDIO_MINIMIZE_LATENCY | RTAUDIO_SCHEDULE_REALTIME;
         options.numberOfBuffers = 2;
@@ -58,6 +59,12 @@ class RtAudioDevice : public engine::SoundDevice {
     std::uint32_t period() const override { return period_; }
 
   private:
+    /// The wished rate where the device has it, else the one it prefers: the engine converts.
+    static std::uint32_t rateOf(const RtAudio::DeviceInfo& info, std::uint32_t wished) {
+        const bool has = std::ranges::find(info.sampleRates, wished) != info.sampleRates.end();
+        return has || info.preferredSampleRate == 0 ? wished : info.preferredSampleRate;
+    }
+
     static int onPeriod(void* out, void* in, unsigned frames, double, RtAudioStreamStatus, void* self) {
         auto& device = *static_cast<RtAudioDevice*>(self);
         const std::size_t samples = std::size_t{frames} * channels;
@@ -131,15 +138,9 @@ class RtAudioDevices : public engine::DeviceSource {
 std::shared_ptr<engine::DeviceSource> makeRtAudioDevices() {
     std::vector<RtAudio::Api> built;
     RtAudio::getCompiledApi(built);
-    // The sound server is asked elsewhere, over its own interface.
-    std::erase(built, RtAudio::LINUX_PULSE);
-    std::erase(built, RtAudio::RTAUDIO_DUMMY);
-    const auto jack = std::find(built.begin(), built.end(), RtAudio::UNIX_JACK);
-    if (jack != built.end()) std::rotate(built.begin(), jack, jack + 1);
-    for (const RtAudio::Api api : built) {
-        auto devices = std::make_shared<RtAudioDevices>(api);
-        if (!devices->outputs().empty()) return devices;
-    }
+    // The servers are asked elsewhere, over their own interfaces.
+    for (const RtAudio::Api server : {RtAudio::LINUX_PULSE, RtAudio::UNIX_JACK, RtAudio::RTAUDIO_DUMMY})
+        std::erase(built, server);
     return std::make_shared<RtAudioDevices>(built.empty() ? RtAudio::RTAUDIO_DUMMY : built.front());
 }
 

@@ -1,4 +1,4 @@
-/// Outputs and inputs through RtAudio: JACK and ALSA here, the systems' own interfaces elsewhere.
+/// Outputs and inputs through RtAudio: ALSA here, the systems' own interfaces elsewhere.
 #pragma once
 
 #include <memory>
@@ -7,8 +7,7 @@
 
 namespace zv {
 
-/// Devices of the first interface that lists any, JACK before ALSA. There is no word of a device that vanishes.
-/// [control]
+/// Each list is what there is now; there is no word of a device that vanishes. [control]; what only asks: [any]
 std::shared_ptr<engine::DeviceSource> makeRtAudioDevices();
 
 }  // namespace zv

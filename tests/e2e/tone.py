@@ -49,6 +49,19 @@ def measure(path, start):
     print(f"{sum(loud) * 0.02:.2f} {gaps}")
 
 
+def ends(path, start):
+    """Milliseconds from byte `start` to the end of the tone there; -1 when it goes on to the end."""
+    block = RATE // 100
+    samples = array.array("f")
+    with open(path, "rb") as file:
+        raw = file.read()[start // 8 * 8:]
+    samples.frombytes(raw[:len(raw) // 8 * 8])
+    left = samples[0::2]
+    loud = [i for i in range(0, len(left) - block, block) if max(left[i:i + block]) > 0.1 * LEVEL]
+    last = loud[-1] + block if loud else 0
+    print(-1 if last > len(left) - 3 * block else last * 1000 // RATE)
+
+
 def find(path):
     """The tone sounds for about 1.2 s at its own level, without a gap, with silence before and after."""
     levels = levels_from(path, 0)
@@ -74,6 +87,8 @@ if __name__ == "__main__":
         write(sys.argv[2])
     elif sys.argv[1] == "measure":
         measure(sys.argv[2], int(sys.argv[3]))
+    elif sys.argv[1] == "ends":
+        ends(sys.argv[2], int(sys.argv[3]))
     elif sys.argv[1] == "find":
         sys.exit(find(sys.argv[2]))
     else:

@@ -8,8 +8,8 @@
 #include <QKeyEvent>
 #include <QWheelEvent>
 
-#include "platform/forms.h"
 #include "platform/qt/view/keys.h"
+#include "platform/waiting.h"
 #include "tests/qt/stage.h"
 
 namespace zv::test {
@@ -92,9 +92,10 @@ TEST(Mouse, TheSelectionBoxTakesItsOwnPress) {
 TEST(Mouse, WhatIsKeptFromARecordReachesNobody) {
     Stage s;
     for (Control* c : {&s.key, &s.list, &s.families[0]->button}) s.listen(*c);
-    takesInput = [&](const Control& record, MouseButton button) {
-        return button == MouseButton::left && record.kind == ControlKind::jingle;
+    worksMeanwhile = [](const Control& record, const MouseEvent& press) {
+        return press.button == MouseButton::left && record.kind == ControlKind::jingle;
     };
+    const Waiting waiting(Waiting::For::answer, nullptr, {});
     click(s.key);
     click(s.list);
     click(s.families[0]->button, MouseButton::right);
@@ -103,7 +104,7 @@ TEST(Mouse, WhatIsKeptFromARecordReachesNobody) {
     EXPECT_EQ(s.told(), "");
     click(s.families[0]->button);
     EXPECT_EQ(s.told(), "b_Jingle(0):down b_Jingle(0):up b_Jingle(0):click");
-    takesInput = nullptr;
+    worksMeanwhile = nullptr;
 }
 
 TEST(Touch, FingersPressAndLeaveEachForItself) {

@@ -197,6 +197,40 @@ TEST_F(OnAir, SoundGoesOnOverADeviceThatIsPulledOut) {
     EXPECT_EQ(BASS_ACTIVE_PLAYING, BASS_ChannelIsActive(play));
 }
 
+/// Longest stretch of silence within `sound`, ms.
+double longestHole(const std::vector<float>& sound) {
+    std::size_t longest = 0, run = 0;
+    const std::size_t from = firstSound(sound);
+    for (std::size_t f = from; f < sound.size() / 2; ++f) {
+        const bool quiet = std::abs(sound[f * 2]) < 1e-4F && std::abs(sound[f * 2 + 1]) < 1e-4F;
+        run = quiet ? run + 1 : 0;
+        longest = std::max(longest, run);
+    }
+    return static_cast<double>(longest) * 1000 / rate;
+}
+
+TEST_F(OnAir, TheOtherOutputGoesOnWhileTheMainOneIsPutToSleepAndWoken) {
+    writeWav(folder / "tones.wav", wanderingTones(rate, 2, rate * 40), rate, 2);
+    ASSERT_TRUE(BASS_ChannelPlay(jingle(folder / "tones.wav"), false));
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    double worst = 1000;
+    for (int attempt = 0; attempt < 4 && worst > 20; ++attempt) {
+        SoundServer::Recording other(server, "out2");
+        ASSERT_TRUE(within(5, [&] { return other.frames() > rate / 2; }));
+        server.pactl("suspend-sink out1 1");
+        EXPECT_TRUE(
+            within(2, [&] { return engine::engineControl()->statistics(static_cast<int>(device[0])).lost; }));
+        ASSERT_TRUE(within(5, [&, from = other.frames()] { return other.frames() > from + rate; }));
+        server.pactl("suspend-sink out1 0");
+        EXPECT_TRUE(within(
+            2, [&] { return !engine::engineControl()->statistics(static_cast<int>(device[0])).lost; }));
+        ASSERT_TRUE(within(5, [&, from = other.frames()] { return other.frames() > from + rate; }));
+        worst = longestHole(other.stop());
+        std::printf("main output put to sleep and woken: longest hole on the other %.1f ms\n", worst);
+    }
+    EXPECT_LT(worst, 120) << "a busy machine adds to it, but not at every try";
+}
+
 TEST_F(OnAir, MicrophoneReachesTheOutput) {
     writeWav(folder / "tones.wav", wanderingTones(rate, 2, rate * 6), rate, 2);
     ASSERT_TRUE(BASS_RecordInit(-1)) << BASS_ErrorGetCode();

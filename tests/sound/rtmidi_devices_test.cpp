@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <mutex>
 
+#include "platform/jack/jack_devices.h"
 #include "platform/midi.h"
-#include "platform/rtaudio/rtaudio_devices.h"
 #include "platform/rtmidi/device_names.h"
 #include "platform/wake.h"
 #include "tests/sound/sound_server.h"
@@ -139,7 +139,7 @@ TEST(RtMidiDevices, MessagesOfAJackServersPorts) {
     setenv("JACK_NO_START_SERVER", "1", 1);
     Process jack({"jackd", "-n", name, "-r", "-d", "dummy", "-r", "44100", "-p", "256"},
                  {{"HOME", folder.path().string()}});
-    ASSERT_TRUE(within(8, [] { return !makeRtAudioDevices()->outputs().empty(); }));
+    ASSERT_TRUE(within(8, [] { return !makeJackDevices()->outputs().empty(); }));
     playSurface(RtMidi::UNIX_JACK);
 }
 

@@ -67,7 +67,7 @@ std::int64_t monotonicMs() { return around.nowMs; }
 WallTime wallTime() { return around.wall; }
 void sleepMs(int ms) { around.nowMs += ms; }
 
-BoxAnswer messageBox(const std::string& text, const std::string&, BoxKind, BoxButtons) {
+BoxAnswer messageBox(const std::string& text, const std::string&, BoxKind, BoxButtons, const BoxWords&) {
     around.boxes.push_back(text);
     return around.answer;
 }

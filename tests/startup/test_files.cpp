@@ -77,6 +77,15 @@ TEST_F(Files, LanguageRepairsItself) {
         OpenLanguageFile();
         EXPECT_EQ(read("language.ini"), row.kept ? std::string(row.size, 'x') : original) << row.what;
     }
+    // Another version's texts are newer, whatever their dates say.
+    for (const char* noted : {"0.0.1", "1.0.0"}) {
+        const bool same = noted == ProgramVersion();
+        SettingsStore.PutValue("TextsVersion", noted);
+        write("language.ini", std::string(40000, 'x'));
+        OpenLanguageFile();
+        EXPECT_EQ(read("language.ini") == original, !same) << noted;
+        EXPECT_EQ(SettingsStore.GetValue("TextsVersion"), ProgramVersion());
+    }
     fs::remove(path("language_original.ini"));
     fs::remove(path("language.ini"));
     OpenLanguageFile();  // nothing to repair from

@@ -132,7 +132,7 @@ TEST(IniText, ChangesOnlyWhatIsMeant) {
          "[S]\nk=\xE9\nj=\xC3\x83\xC2\xA9\n"},
         {"the mark in front stays", "\xEF\xBB\xBF[S]\nk=1\n", {"S", "k", "2"}, "\xEF\xBB\xBF[S]\nk=2\n"},
         {"a section goes whole", "; top\n[S]\nk=1\n; c\n\n[T]\na=1\n", {"S"}, "; top\n[T]\na=1\n"},
-        {"all sections of a name", "[S]\nk=1\n[T]\na=1\n[s]\nk=2\n", {"s"}, "[T]\na=1\n"},
+        {"the first of a name", "[S]\nk=1\n[T]\na=1\n[s]\nk=2\n", {"s"}, "[T]\na=1\n[s]\nk=2\n"},
     };
     for (const Change& row : table) {
         IniText text(row.before);
@@ -164,7 +164,8 @@ TEST(IniText, ASecondSectionOfOneNameIsKept) {
     EXPECT_EQ(text.bytes(), "[A]\r\nk=3\r\n[B]\r\nx=1\r\n[a]\r\nk=2\r\nonly=here\r\n");
     EXPECT_EQ(text.value("A", "k"), "3");
     EXPECT_TRUE(text.eraseSection("A"));
-    EXPECT_EQ(text.bytes(), "[B]\r\nx=1\r\n");
+    EXPECT_EQ(text.bytes(), "[B]\r\nx=1\r\n[a]\r\nk=2\r\nonly=here\r\n");  // it comes to light
+    EXPECT_EQ(text.value("A", "k"), "2");
 }
 
 TEST(IniText, SectionsAtOnceKeepEachLinesEncoding) {

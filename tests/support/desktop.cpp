@@ -44,6 +44,7 @@ void layOutForm(Control& window, int mostWidth, int mostHeight) {
     window.height = std::min(400, mostHeight) * kTwipsPerPixel;
 }
 void scrollForm(Control&, int) {}
+void embedForm(Control&, Control&) {}
 void hideWindow(Control& window) { window.visible = false; }
 void lockUpdates() {}
 void unlockUpdates() {}
@@ -63,7 +64,8 @@ void centreListRow(Control& list, int row) { list.topRow = std::max(0, row - tes
 int visibleListRows(const Control&) { return test::kListRows; }
 
 // ---- dialogs
-BoxAnswer messageBox(const std::string& text, const std::string&, BoxKind, BoxButtons buttons) {
+BoxAnswer messageBox(const std::string& text, const std::string&, BoxKind, BoxButtons buttons,
+                     const BoxWords&) {
     desktop().boxes.push_back(text);
     return test::next(desktop().answers, buttons == BoxButtons::ok ? BoxAnswer::ok : BoxAnswer::no);
 }

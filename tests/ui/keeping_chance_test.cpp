@@ -1,7 +1,20 @@
 // A presenter's own steps by chance, against a plain model of what he would expect to find in the files and on the
 // buttons. ZENTROVA_SEQUENCES sets how many sequences are gone through.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
 #include <optional>
+#include <random>
+#include <sstream>
+#include <thread>
 
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/leave_palette.h"
@@ -291,47 +304,165 @@ class KeepingByChance : public KeepingTest {
         ASSERT_EQ(kept.size(), 9U) << trace;
     }
 
+    void begin(int sequence);
+
     std::mt19937 chance;
     Belief belief;
     std::string trace;
+    const std::string palettes = read("palette.ini") + line("40", "C2");
 };
 
+void KeepingByChance::begin(int sequence) {
+    chance.seed(static_cast<unsigned>(sequence));
+    HoldPalette("");
+    ForgetRemovals();
+    MoveSrcJ = MoveDstJ = -1;
+    for (int i = 0; i < kJingles; ++i) ClearButton(i);
+    write("palette.ini", palettes);
+    HotStore.DeleteSection(kHotSection);
+    std::filesystem::remove_all(path("History"));
+    settings.PaletteIndex = "A";
+    settings.AutoSave = sequence % 2;
+    PalToSave = false;
+    belief = {};
+    belief.autoSave = sequence % 2 == 1;
+    belief.belowGrid = JExists[40] == 1;
+    for (const std::string name : {"a", "b", "c"})
+        for (int i = 0; i < 3; ++i)
+            belief.saved[name][i].file = std::string(1, static_cast<char>(name[0] - 32)) + std::to_string(i);
+    belief.saved["c"][40].file = "C2";
+    OpenFile("A");
+    OpenFile();
+    lstPalRefresh();
+    SelectPalette("A");
+    belief.open("a");
+    trace = "sequence " + std::to_string(sequence) + ": ";
+}
+
+int numberFrom(const char* variable, int otherwise) {
+    const char* text = std::getenv(variable);
+    return text == nullptr ? otherwise : std::atoi(text);
+}
+
 TEST_F(KeepingByChance, nothingIsLostOrDoubled) {
-    const char* wanted = std::getenv("ZENTROVA_SEQUENCES");
-    const int sequences = wanted == nullptr ? 8 : std::atoi(wanted);
-    const std::string palettes = read("palette.ini") + line("40", "C2");
+    const int sequences = numberFrom("ZENTROVA_SEQUENCES", 8);
     for (int sequence = 0; sequence < sequences; ++sequence) {
-        chance.seed(static_cast<unsigned>(sequence));
-        HoldPalette("");
-        ForgetRemovals();
-        MoveSrcJ = MoveDstJ = -1;
-        for (int i = 0; i < kJingles; ++i) ClearButton(i);
-        write("palette.ini", palettes);
-        HotStore.DeleteSection(kHotSection);
-        std::filesystem::remove_all(path("History"));
-        settings.PaletteIndex = "A";
-        settings.AutoSave = sequence % 2;
-        PalToSave = false;
-        belief = {};
-        belief.autoSave = sequence % 2 == 1;
-        belief.belowGrid = JExists[40] == 1;
-        for (const std::string name : {"a", "b", "c"})
-            for (int i = 0; i < 3; ++i)
-                belief.saved[name][i].file =
-                    std::string(1, static_cast<char>(name[0] - 32)) + std::to_string(i);
-        belief.saved["c"][40].file = "C2";
-        OpenFile("A");
-        OpenFile();
-        lstPalRefresh();
-        SelectPalette("A");
-        belief.open("a");
-        trace = "sequence " + std::to_string(sequence) + ": ";
+        begin(sequence);
         for (int i = 0; i < kSteps; ++i) {
             step();
             compare();
             if (HasFatalFailure()) return;
         }
     }
+}
+
+// ---- the same under SIGKILL: a process of its own goes through a sequence and tells what the files hold after each
+// step; killed at a random moment it leaves each file as before the step that was under way, or as after it.
+
+TEST_F(KeepingByChance, DISABLED_oneSequenceForTheKiller) {
+    begin(numberFrom("ZENTROVA_SEQUENCE", 0));
+    std::ofstream log(std::getenv("ZENTROVA_LOG"));
+    log << path("").string() << std::endl;
+    for (int i = 0; i <= kSteps; ++i) {
+        std::string saved = "hot:" + text(belief.savedHot);
+        for (const auto& [name, slots] : belief.saved) saved += "|" + name + ":" + text(slots);
+        const std::size_t what = trace.rfind("; ", trace.size() - 3);
+        log << (i == 0 ? "begin; " : trace.substr(what == std::string::npos ? 0 : what + 2)) << saved
+            << std::endl;
+        if (i < kSteps) step();
+    }
+}
+
+using Sections = std::map<std::string, std::string>;  ///< a section's name, its jingles
+
+struct Told {
+    std::string folder;
+    std::vector<std::pair<std::string, Sections>> steps;  ///< what was done, what the files hold then
+};
+
+Told toldIn(const std::string& log) {
+    Told told;
+    std::ifstream file(log);
+    std::getline(file, told.folder);
+    for (std::string line; std::getline(file, line) && !file.eof();) {
+        const std::size_t semicolon = line.find("; ");
+        Sections sections;
+        std::istringstream parts(line.substr(semicolon + 2));
+        for (std::string part; std::getline(parts, part, '|');)
+            sections[part.substr(0, part.find(':'))] = part.substr(part.find(':') + 1);
+        told.steps.emplace_back(line.substr(0, semicolon), sections);
+    }
+    return told;
+}
+
+pid_t goThrough(int sequence, const std::string& log) {
+    const pid_t child = ::fork();
+    if (child != 0) return child;
+    ::setenv("ZENTROVA_SEQUENCE", std::to_string(sequence).c_str(), 1);
+    ::setenv("ZENTROVA_LOG", log.c_str(), 1);
+    if (std::freopen("/dev/null", "w", stdout) == nullptr) ::_exit(1);
+    ::execl("/proc/self/exe", "test_ui", "--gtest_also_run_disabled_tests",
+            "--gtest_filter=KeepingByChance.DISABLED_oneSequenceForTheKiller", nullptr);
+    ::_exit(1);
+}
+
+TEST_F(KeepingByChance, killedAtAnyMomentEachFileIsOldOrNew) {
+    const int kills = numberFrom("ZENTROVA_KILLS", 3);
+    std::mt19937 random(static_cast<unsigned>(numberFrom("ZENTROVA_SEED", 3)));
+    int inTheMiddle = 0;
+    for (int kill = 0; kill < kills; ++kill) {
+        const std::string all = path("all.log").string(), some = path("some.log").string();
+        int status = 0;
+        const auto before = std::chrono::steady_clock::now();
+        ::waitpid(goThrough(kill, all), &status, 0);
+        ASSERT_EQ(status, 0);
+        const auto lasts =
+            std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - before)
+                .count();
+        const std::vector<std::pair<std::string, Sections>> steps = toldIn(all).steps;
+        ASSERT_EQ(steps.size(), kSteps + 1U);
+        const pid_t child = goThrough(kill, some);
+        std::this_thread::sleep_for(
+            std::chrono::microseconds(lasts / 4 + static_cast<std::int64_t>(random()) % (lasts * 3 / 4)));
+        ::kill(child, SIGKILL);
+        ::waitpid(child, &status, 0);
+        const Told told = toldIn(some);
+        const std::size_t done = told.steps.size();
+        if (done == 0 || done > kSteps || !std::filesystem::exists(told.folder)) continue;
+        ++inTheMiddle;
+        const Sections &old = steps[done - 1].second, &now = steps[done].second;
+        const std::string what = steps[done].first;
+        // These two take the files away themselves.
+        if (what != "away and back" && what != "full") {
+            const std::string where =
+                "kill " + std::to_string(kill) + " in step " + std::to_string(done) + ", " + what;
+            Sections found;
+            cImpulse store;
+            store.SetIniPath(told.folder + "/palette.ini");
+            store.ListSections();
+            for (int i = 0; i < store.SectionCount(); ++i)
+                found[LowerCase(store.SectionName(i))] = text(inFile(store, store.SectionName(i), 0));
+            const std::string bytes(store.Bytes());
+            EXPECT_TRUE(bytes.ends_with('\n')) << where << ": the file is cut";
+            cImpulse hotStore;
+            hotStore.SetIniPath(told.folder + "/HotJingles.ini");
+            found["hot"] = text(inFile(hotStore, kHotSection, kPaletteSlots));
+            const auto of = [](const Sections& sections, const std::string& name) {
+                const auto at = sections.find(name);
+                return at == sections.end() ? std::string("none") : at->second;
+            };
+            Sections every = old;
+            every.insert(now.begin(), now.end());
+            every.insert(found.begin(), found.end());
+            for (const auto& [name, slots] : every)
+                EXPECT_TRUE(of(found, name) == of(old, name) || of(found, name) == of(now, name))
+                    << where << ": " << name << " holds " << of(found, name) << "\nbefore " << of(old, name)
+                    << "\nafter " << of(now, name);
+        }
+        std::filesystem::remove_all(told.folder);
+    }
+    EXPECT_GT(inTheMiddle, kills / 4);
+    std::printf("%d kills, %d in the middle of a sequence\n", kills, inTheMiddle);
 }
 
 }  // namespace

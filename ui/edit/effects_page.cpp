@@ -108,9 +108,9 @@ void cmbFXpreset_Click() {
     changed();
 }
 
-bool agreed(const char* question) {
-    return messageBox(LnBox(question), frmFX().cmbFXpreset.text(), BoxKind::question, BoxButtons::yesNo) ==
-           BoxAnswer::yes;
+bool agreed(const char* question, const char* verb) {
+    return messageBox(LnBox(question), frmFX().cmbFXpreset.text(), BoxKind::question, BoxButtons::yesNo,
+                      Verbs(verb, "vbKeep", true)) == BoxAnswer::yes;
 }
 
 void btAddFXpreset_Click() {
@@ -122,7 +122,7 @@ void btAddFXpreset_Click() {
     }
     const auto names = EffectPresets();
     const bool known = std::ranges::any_of(names, [&](const std::string& n) { return SameText(n, name); });
-    if (known && !agreed("fxMsrp")) return;
+    if (known && !agreed("fxMsrp", "vbReplace")) return;
     EffectVector e = Edited.effects;
     e.rate = w.sldTempo[kRate]->value();
     if (WriteEffectPreset(name, e)) {
@@ -134,7 +134,7 @@ void btAddFXpreset_Click() {
 
 void btDelFXpreset_Click() {
     const std::string name = frmFX().cmbFXpreset.text();
-    if (name.empty() || !agreed("fxMsdp")) return;
+    if (name.empty() || !agreed("fxMsdp", "vbDelete")) return;
     DeleteEffectPreset(name);
     fillPresets({});
 }

@@ -100,8 +100,8 @@ void jumpTo(int row) {
 }
 
 bool askDelete(const std::string& name) {
-    return messageBox(name + "\r\n" + LnBox("mMsdp"), "Zentrova", BoxKind::question, BoxButtons::yesNo) ==
-           BoxAnswer::yes;
+    return messageBox(name + "\r\n" + LnBox("mMsdp"), "Zentrova", BoxKind::question, BoxButtons::yesNo,
+                      Verbs("vbDelete", "vbKeep", true)) == BoxAnswer::yes;
 }
 
 /// The section goes; the entry before it (or the first) is selected and opened.
@@ -268,8 +268,8 @@ void TimerPgUpDnPalLstTick() {
 void btNewTog() {
     guarded("frmMain.btNewTog", [] {
         LastCtrl = "btNew";
-        if (messageBox(LnBox("mMsclearpal"), "Zentrova", BoxKind::question, BoxButtons::yesNo) !=
-            BoxAnswer::yes) {
+        if (messageBox(LnBox("mMsclearpal"), "Zentrova", BoxKind::question, BoxButtons::yesNo,
+                       Verbs("vbNewPalette", "mCancel", true)) != BoxAnswer::yes) {
             return;
         }
         LeavePalette();

@@ -154,8 +154,14 @@ void showFade() {
     w.ckLoopFadeOut.value = j.LoopFadeOut;
 }
 
+/// A stop position that is waited for takes the fade that it was given.
+void rearm() {
+    if (Sounds(Edited.index)) ArmStopSync(Edited.index);
+}
+
 void sldFadeOut_Change() {
     EditedRecord().FadeOut = frmFX().sldFadeOut.value() * kFadeStepMs;
+    rearm();
     showFade();
     UpdateJFX();
 }
@@ -164,6 +170,7 @@ void setLogFade(bool on) {
     JingleRecord& j = EditedRecord();
     j.LogFadeOut = on ? 1 : 0;
     j.FadeAttrib = FadeAttribOf(j);
+    rearm();
 }
 
 void ckLogFadeOut_Click() {

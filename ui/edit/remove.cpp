@@ -57,7 +57,8 @@ void DelJing(int index, bool withFile) {
         const std::string caption = btCaption(j.Path);
         const std::string question = file ? LnBox("mMsdbf") + "\r\n" + caption + "\r\n" + LnBox("mMsdba")
                                           : LnBox("mMsdb") + "\r\n" + caption;
-        if (messageBox(question, "Zentrova", BoxKind::question, BoxButtons::yesNo) != BoxAnswer::yes) {
+        if (messageBox(question, "Zentrova", BoxKind::question, BoxButtons::yesNo,
+                       Verbs(file ? "vbDeleteFile" : "vbClear", "vbKeep", true)) != BoxAnswer::yes) {
             return;
         }
         const UndoStep step(file ? "unDelete" : "unClear");
@@ -86,7 +87,8 @@ void ClearSelection() {
                                                                           : btCaption(Jingle(i).Path));
         }
         if (messageBox(LnBox(SelJ.size() > 1 ? "mMsdbMany" : "mMsdb") + captions, "Zentrova",
-                       BoxKind::question, BoxButtons::yesNo) != BoxAnswer::yes) {
+                       BoxKind::question, BoxButtons::yesNo, Verbs("vbClear", "vbKeep", true)) !=
+            BoxAnswer::yes) {
             return;
         }
         const UndoStep step("unClear");

@@ -12,6 +12,7 @@
 #include "platform/controls.h"
 #include "platform/desktop.h"
 #include "platform/timers.h"
+#include "platform/waiting.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/settings.h"
@@ -264,10 +265,36 @@ bool act(Action action, int argument, int velocity) {
     return false;
 }
 
+/// What sounds goes on being steered while a question or a modal window waits.
+bool steersSound(Action action) {
+    switch (action) {
+        case Action::play:
+        case Action::press:
+        case Action::release:
+        case Action::pressLast:
+        case Action::releaseLast:
+        case Action::stopAll:
+        case Action::micDown:
+        case Action::micUp:
+        case Action::talkOver:
+        case Action::volume:
+        case Action::autoMixTime:
+            return true;
+        case Action::close:
+            return waitingNow()->what == Waiting::For::window;  // it closes the window as well
+        default:
+            return false;
+    }
+}
+
 }  // namespace
 
 void FillActions() {
     perform = [](Action action, int argument, int velocity) {
+        if (onlyPlays() && !steersSound(action)) {
+            if (action != Action::none && refusedMeanwhile) refusedMeanwhile();
+            return true;  // done with: it is not made up for later
+        }
         return guardedOr("frmMain.Perform", false, [&] { return act(action, argument, velocity); });
     };
 }

@@ -11,7 +11,6 @@
 #include "ui/records/key_table.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/layout.h"
-#include "ui/windows/form_window.h"
 
 namespace zv {
 
@@ -72,9 +71,6 @@ void Form_KeyDown(KeyEvent& event) {
     guarded(".Form_KeyDown", [&] {
         const KeyRow* row = rowFor(event);
         if (row == nullptr || (!row->window && typing())) {
-            return;
-        }
-        if (ModalFormOpen() && row->action != Action::stopAll && row->action != Action::pressLast) {
             return;
         }
         if (event.repeat && row->repeat == KeyRepeat::swallowed) {

@@ -10,6 +10,7 @@
 #include "model/state.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
+#include "platform/waiting.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
@@ -33,7 +34,6 @@
 #include "ui/screen/display_message.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/screen/shaded.h"
-#include "ui/windows/form_window.h"
 
 namespace zv {
 
@@ -112,7 +112,7 @@ PressMeaning meaningOf(int index) {
     const MainWindow& w = frmMain();
     const bool filled = !j.Path.empty();
     const bool noModifier = !CtrlDown && !ShiftDown && !AltDown;
-    if (ModalFormOpen()) {
+    if (onlyPlays()) {
         return filled && !j.MissingFile ? PressMeaning::play : PressMeaning::nothing;
     }
     if (Armed(w.palettes.ckAssign)) {

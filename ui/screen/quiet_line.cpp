@@ -1,5 +1,6 @@
 #include "ui/screen/quiet_line.h"
 
+#include <cstdint>
 #include <string>
 
 #include "audio/automix.h"
@@ -9,6 +10,7 @@
 #include "audio/sounding.h"
 #include "audio/talk_over.h"
 #include "model/jingle.h"
+#include "platform/clock.h"
 #include "platform/controls.h"
 #include "startup/language.h"
 #include "startup/settings.h"
@@ -20,7 +22,11 @@ namespace zv {
 
 namespace {
 
-constexpr int kFull = 100;  // percent
+constexpr int kFull = 100;            // percent
+constexpr std::int64_t kTold = 3000;  // ms that a remark stands
+
+std::string remark;
+std::int64_t remarkedAt = 0;
 
 /// What pushed the ducked sounds down.
 std::string duckedBy() {
@@ -85,6 +91,9 @@ std::string WhyQuiet() {
     if (const int refused = RefusedLately(); refused >= 0) {
         add(Ln("mckAutoMixB") + ": " + btCaption(Jingle(refused).Path));
     }
+    if (!remark.empty() && monotonicMs() - remarkedAt < kTold) {
+        add(remark);
+    }
     if (settings.Volume < kFull) {
         add(percent(Ln("mixLblVol"), settings.Volume));
     }
@@ -92,6 +101,12 @@ std::string WhyQuiet() {
         add(percent(Ln("mVolumeAux"), settings.VolumeAux));
     }
     return line;
+}
+
+void TellForAWhile(const std::string& text) {
+    remark = text;
+    remarkedAt = monotonicMs();
+    ShowWhyQuiet();
 }
 
 void ShowWhyQuiet() {

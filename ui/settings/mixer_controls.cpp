@@ -11,7 +11,7 @@ namespace zv {
 
 namespace {
 
-constexpr int kMeterWidth = 72, kRateWidth = 112;  // pixels
+constexpr int kMeterWidth = 72, kRateWidth = 112, kSystemWidth = 128;  // pixels
 constexpr int kFull = 100, kPercentStep = 5;
 
 FormRow levelRow(Control& label, Control& slider, Control& value, const char* tip) {
@@ -98,6 +98,8 @@ MixerWindow::MixerWindow() {
                  {.label = "mixLblSavDevBy",
                   .cells = {{optDevBy[0], "mixByNumberTip"},
                             {optDevBy[1], "mixByNameTip"},
+                            {.control = &lblSystem},
+                            {.control = &cmbSystem, .tip = "mixSystemTip", .width = kSystemWidth},
                             {.control = &frmMixerFreq},
                             {.control = &cmbFreq, .tip = "mixFreqTip", .width = kRateWidth},
                             {&ckDeviceSingle, "mixSingleTip"}}}}};

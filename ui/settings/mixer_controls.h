@@ -17,8 +17,10 @@ struct MixerWindow {
     // ---- outputs: 0 main, 1 auxiliary ----
     std::array<Control*, 2> lblDevice{}, cmbDev{}, SlideVolDevice{}, lblVolDeviceVal{}, VuOut{};
     Control& ckDeviceSingle = form.control("ckDeviceSingle", ControlKind::checkBox, "mixckDeviceSingle");
+    Control& cmbSystem = form.control("cmbSystem", ControlKind::comboBox);
     Control& cmbFreq = form.control("cmbFreq", ControlKind::comboBox);
     std::array<Control*, 2> optDevBy{};
+    Control& lblSystem = form.control("lblSystem", ControlKind::label, "mixLblSystem");
     Control& frmMixerFreq = form.control("frmMixerFreq", ControlKind::label, "mixfrmMixerFreq");
     Control& lblFreqChg = form.control("lblFreqChg", ControlKind::label, "mixLblValChg");
     Control& lblNote = form.control("lblNote", ControlKind::label, "mixNote");  ///< or lblFreqChg's text

@@ -1,5 +1,6 @@
 #include "ui/settings/mixer_devices.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdlib>
@@ -9,6 +10,7 @@
 #include "audio/devices.h"
 #include "audio/talk_over.h"
 #include "platform/desktop.h"
+#include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
 #include "ui/screen/layout.h"
@@ -24,6 +26,7 @@ constexpr const char* kByNumber = "ID";
 constexpr const char* kByName = "Name";
 constexpr std::array<const char*, 5> kRates{"11025 Hz", "22050 Hz", "44100 Hz", "48000 Hz", "96000 Hz"};
 constexpr std::size_t kRateDigits = 5;
+constexpr std::array<const char*, 4> kSystems{"Auto", "Server", "JACK", "ALSA"};  // as in the file
 
 bool byName() { return settings.SavDevBy == kByName; }
 
@@ -38,6 +41,12 @@ int rowOfDevice(int output) {
 
 void tellRestart() {
     messageBox(frmMixer().lblFreqChg.caption(), kTitle, BoxKind::information, BoxButtons::ok);
+}
+
+/// As the program began with.
+const std::string& systemAtStart() {
+    static const std::string system = settings.SoundSystem;
+    return system;
 }
 
 void rememberOutputs() {
@@ -67,8 +76,8 @@ bool refused(int output) {
 
 void ShowPending() {
     MixerWindow& m = frmMixer();
-    const bool pending =
-        settings.DeviceSinglePending != settings.DeviceSingle || settings.MixerFreq != MixerFreqAtStart;
+    const bool pending = settings.DeviceSinglePending != settings.DeviceSingle ||
+                         settings.MixerFreq != MixerFreqAtStart || settings.SoundSystem != systemAtStart();
     m.lblNote.caption = pending ? m.lblFreqChg.caption() : Ln("mixNote");
 }
 
@@ -86,6 +95,13 @@ void FillDeviceLists() {
     m.cmbInDev.listIndex = inputs.selected;
     m.ckInputEnable.value = settings.InputEnabled;
     m.ckDeviceSingle.value = settings.DeviceSinglePending;
+    systemAtStart();
+    std::vector<std::string> systems{Ln("mixSystemAuto"), Ln("mixSystemServer")};
+    systems.insert(systems.end(), kSystems.begin() + 2, kSystems.end());
+    m.cmbSystem.items = systems;
+    m.cmbSystem.listIndex = 0;
+    for (std::size_t i = 0; i < kSystems.size(); ++i)
+        if (SameText(kSystems[i], settings.SoundSystem)) m.cmbSystem.listIndex = static_cast<int>(i);
     m.cmbFreq.items = std::vector<std::string>(kRates.begin(), kRates.end());
     m.cmbFreq.listIndex = -1;
     for (std::size_t i = 0; i < kRates.size(); ++i) {
@@ -144,6 +160,13 @@ void TopologyChosen() {
     settings.DeviceSinglePending = frmMixer().ckDeviceSingle.value;
     ShowPending();
     if (settings.DeviceSinglePending != settings.DeviceSingle) tellRestart();
+}
+
+void SystemChosen() {
+    const auto at = static_cast<std::size_t>(std::max(0, frmMixer().cmbSystem.listIndex()));
+    settings.SoundSystem = kSystems[at];
+    ShowPending();
+    if (settings.SoundSystem != systemAtStart()) tellRestart();
 }
 
 void RateChosen() {

@@ -16,8 +16,9 @@ void ShowInputControls();
 void RememberBy(int how);
 /// The foot reminds of what waits for the next start.
 void ShowPending();
-/// These two take effect at the next start, and say so.
+/// These take effect at the next start, and say so.
 void TopologyChosen();
 void RateChosen();
+void SystemChosen();
 
 }  // namespace zv

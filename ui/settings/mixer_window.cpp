@@ -152,6 +152,7 @@ void wire(MixerWindow& m) {
     m.bound.bind(m.ckVolInLink, "VolInLink", {.changed = linkChanged});
     m.SlideFadeInAdvance.onChange = [] { guarded("frmMixer.SlideFadeInAdvance_Change", advanceChanged); };
     m.ckDeviceSingle.onChange = [] { guarded("frmMixer.ckDeviceSingle_Click", TopologyChosen); };
+    m.cmbSystem.onChange = [] { guarded("frmMixer.cmbSystem_Click", SystemChosen); };
     m.cmbFreq.onChange = [] { guarded("frmMixer.cmbFreq_Click", RateChosen); };
     m.ckInputEnable.onChange = [] { guarded("frmMixer.ckInputEnable_Click", InputSwitched); };
     m.cmbInDev.onChange = [] { guarded("frmMixer.cmbInDev_Click", InputChosen); };

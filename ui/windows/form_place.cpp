@@ -45,18 +45,22 @@ WindowRoom RoomOverGrid() {
     return room;
 }
 
-void PlaceOverGrid(Control& window) {
+std::pair<int, int> PlaceOverGrid(int width, int innerHeight) {
     const WindowRoom room = RoomOverGrid();
     const Control& main = frmMain().window;
     const Monitor screen = screenOf(main);
-    const int width = pixels(window.width), height = pixels(window.height) + kFrameHeight;
+    const int height = innerHeight + kFrameHeight;
     const int grid = pixels(main.top + main.height) - room.top;
     const int left = pixels(main.left + main.width / 2) - width / 2;
     const int lowest = screen.top + screen.height - kGap - height;
-    window.left = std::clamp(left, screen.left, std::max(screen.left, screen.left + screen.width - width)) *
-                  kTwipsPerPixel;
-    window.top =
-        std::clamp(room.top + (grid - height) / 2, room.top, std::max(room.top, lowest)) * kTwipsPerPixel;
+    return {std::clamp(left, screen.left, std::max(screen.left, screen.left + screen.width - width)),
+            std::clamp(room.top + (grid - height) / 2, room.top, std::max(room.top, lowest))};
+}
+
+void PlaceOverGrid(Control& window) {
+    const auto [left, top] = PlaceOverGrid(pixels(window.width), pixels(window.height));
+    window.left = left * kTwipsPerPixel;
+    window.top = top * kTwipsPerPixel;
 }
 
 void HoldOnScreen(Control& window) {

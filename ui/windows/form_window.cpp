@@ -59,11 +59,7 @@ FormWindow::FormWindow(std::string_view name, std::string_view titleKey)
     : window(name, ControlKind::window), titleKey_(titleKey) {
     window.visible = false;
     window.onKeyDown = [this](KeyEvent& e) { guarded(window.name + ".Form_KeyDown", [&] { keyDown(e); }); };
-    window.onClose = [this] {
-        guarded(window.name + ".Form_Unload", [&] {
-            if (!pressRole(KeyRole::cancel)) close();
-        });
-    };
+    window.onClose = [this] { guarded(window.name + ".Form_Unload", [&] { cancel(); }); };
     forms().push_back(this);
 }
 
@@ -137,11 +133,18 @@ void FormWindow::fillTexts() {
 
 void FormWindow::open(Control* focus) {
     const bool before = std::exchange(shown_, true);
+    const Form& form = *window.form;
+    if (!waiting_ && (form.modal || form.card)) {
+        waiting_.emplace(form.card ? Waiting::For::answer : Waiting::For::window, &window,
+                         [this] { guarded(window.name + ".Form_Unload", [&] { cancel(); }); });
+    }
     window.backColor = frmMain().window.backColor();
     fillTexts();
     const WindowRoom room = RoomOverGrid();
     layOutForm(window, room.width, room.height);
-    if (!std::exchange(placed_, true) || (alwaysCentred && !before)) {
+    if (onPlace) {
+        onPlace();
+    } else if (!std::exchange(placed_, true) || (alwaysCentred && !before)) {
         PlaceOverGrid(window);
     } else if (!before) {
         HoldOnScreen(window);
@@ -168,9 +171,14 @@ void FormWindow::refit() {
 
 void FormWindow::close() {
     if (!std::exchange(shown_, false)) return;
+    waiting_.reset();
     hideWindow(window);
     setFocus(frmMain().window);
     if (onClosed) onClosed();
+}
+
+void FormWindow::cancel() {
+    if (!pressRole(KeyRole::cancel)) close();
 }
 
 bool FormWindow::pressRole(KeyRole role) {
@@ -190,7 +198,7 @@ void FormWindow::keyDown(KeyEvent& event) {
         if (event.repeat) return;
         if (perform) perform(Action::stopAll, 0, 0);
         const bool learning = MIDILearnActive;  // STOP rests until that ends
-        if (!pressRole(KeyRole::cancel)) close();
+        cancel();
         if (learning && perform) perform(Action::stopAll, 0, 0);
         return;
     }
@@ -215,20 +223,6 @@ void RefreshForms() {
         form->window.backColor = frmMain().window.backColor();
         form->fillTexts();
     }
-}
-
-bool ModalFormOpen() {
-    return std::ranges::any_of(forms(),
-                               [](const FormWindow* f) { return f->isOpen() && f->window.form->modal; });
-}
-
-bool TakesInput(const Control& record, MouseButton button) {
-    if (!ModalFormOpen()) return true;
-    bool jingle = false;
-    const Control* top = &record;
-    for (; top->parent != nullptr; top = top->parent) jingle = jingle || top->kind == ControlKind::jingle;
-    if (top != &frmMain().window) return true;
-    return button == MouseButton::left && (jingle || &record == &frmMain().keys.btStop);
 }
 
 void CloseForms() {

@@ -19,12 +19,14 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/controls.h"
 #include "platform/forms.h"
+#include "platform/waiting.h"
 
 namespace zv {
 
@@ -56,6 +58,7 @@ class FormWindow {
     std::function<void(KeyEvent&)> onKey;  ///< keys that Enter, Escape and the focused control leave
     std::function<void()> onClosed;
     std::function<void()> onTexts;  ///< after all texts were set, for those that are no key of the language
+    std::function<void()> onPlace;  ///< says where a card stands; others stand over the grid
     bool alwaysCentred = false;     ///< opens in the middle each time instead of where it was left
 
   private:
@@ -70,18 +73,17 @@ class FormWindow {
     void keyDown(KeyEvent& event);
     bool pressRole(KeyRole role);
 
+    void cancel();
+
     std::string titleKey_;
     std::vector<std::unique_ptr<Control>> controls_;
     std::vector<Text> texts_;
     bool shown_ = false, placed_ = false;
+    std::optional<Waiting> waiting_;  ///< while a modal one is open
 };
 
 /// The open windows in the language of the settings, after it was changed.
 void RefreshForms();
-/// True while an open window keeps the main window from everything but STOP and plain presses of jingles.
-bool ModalFormOpen();
-/// Whether a record may be told of a press by that button: see ModalFormOpen.
-bool TakesInput(const Control& record, MouseButton button);
 /// Closes all of them, when the program ends.
 void CloseForms();
 

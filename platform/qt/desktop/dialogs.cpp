@@ -1,20 +1,25 @@
-// Message boxes, file dialogs and menus on the desktop, in the program's own look.
+// File dialogs, menus and the message boxes of the start on the desktop, in the program's own look.
 #include <QApplication>
 #include <QCursor>
+#include <QEventLoop>
 #include <QFileDialog>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMessageBox>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPixmap>
+#include <QPointer>
 #include <QPushButton>
 #include <QStringList>
 #include <utility>
 
 #include "platform/desktop.h"
+#include "platform/qt/view/keys.h"
 #include "platform/qt/view/shell.h"
 #include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
+#include "platform/waiting.h"
 
 namespace zv {
 namespace {
@@ -76,20 +81,85 @@ class EscapeStops final : public QObject {
     explicit EscapeStops(QObject& watched) { watched.installEventFilter(this); }
 
     bool eventFilter(QObject*, QEvent* e) override {
-        if (e->type() != QEvent::KeyPress || static_cast<QKeyEvent*>(e)->key() != Qt::Key_Escape)
-            return false;
-        const Control* main = findControl("frmMain");
-        if (main != nullptr && main->onKeyDown) {
-            KeyEvent escape{Key::escape};
-            shell::call([&] { main->onKeyDown(escape); });
-        }
+        if (e->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(e)->key() == Qt::Key_Escape)
+            shell::stopSound();
         return false;
     }
 };
 
+/// A press beside an open menu closes it, and counts where presses always do: on STOP and on a jingle.
+class PressBeside final : public QObject {
+  public:
+    explicit PressBeside(QMenu& menu) : menu_(menu) { menu.installEventFilter(this); }
+
+    bool eventFilter(QObject*, QEvent* e) override {
+        if (e->type() != QEvent::MouseButtonPress) return false;
+        const auto& mouse = *static_cast<QMouseEvent*>(e);
+        if (menu_.rect().contains(mouse.position().toPoint())) return false;
+        QWidget* under = QApplication::widgetAt(mouse.globalPosition().toPoint());
+        const Control* record = shell::recordOf(under);
+        if (record == nullptr || !worksMeanwhile ||
+            !worksMeanwhile(*record, {shell::buttonOf(mouse.button()), shell::shiftOf(mouse.modifiers())}))
+            return false;
+        menu_.setAttribute(Qt::WA_NoMouseReplay);
+        under_ = under;
+        at_ = mouse.globalPosition();
+        return false;
+    }
+    /// Once the menu is closed. The release comes by itself.
+    void deliver() {
+        if (!under_) return;
+        QMouseEvent press(QEvent::MouseButtonPress, under_->mapFromGlobal(at_), at_, Qt::LeftButton,
+                          Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(under_, &press);
+    }
+
+  private:
+    QMenu& menu_;
+    QPointer<QWidget> under_;
+    QPointF at_;
+};
+
+BoxWords wordsOf(const BoxWords& own) {
+    BoxWords words = boxWords ? boxWords() : BoxWords{};
+    words.destroys = own.destroys;
+    for (const auto word : {&BoxWords::ok, &BoxWords::cancel, &BoxWords::yes, &BoxWords::no}) {
+        if (!(own.*word).empty()) words.*word = own.*word;
+    }
+    return words;
+}
+
+/// A file dialog in a window of its own that leaves the main window's sound alone: not modal, over the grid.
+std::string chosenIn(QFileDialog& dialog) {
+    shell::flushChanged();
+    QEventLoop loop;
+    dialog.setOption(QFileDialog::DontUseNativeDialog);  // the system's own would stop all else
+    dialog.setModal(false);
+    dialog.setPalette(shell::paletteOf(shell::programTheme()));
+    const EscapeStops stops(dialog);
+    QPointer<QWidget> before = QApplication::focusWidget();
+    const Waiting waiting(Waiting::For::answer, nullptr, [&dialog] { dialog.reject(); });
+    QObject::connect(&dialog, &QDialog::finished, &loop, &QEventLoop::quit);
+    shell::noteOpened();
+    if (placeOverGrid) {
+        const auto [left, top] = placeOverGrid(dialog.sizeHint().width(), dialog.sizeHint().height());
+        dialog.move(left, top);
+    }
+    dialog.show();
+    loop.exec();
+    if (before) before->setFocus(Qt::OtherFocusReason);
+    const QStringList files = dialog.selectedFiles();
+    return dialog.result() == QDialog::Accepted && !files.empty() ? utf8(files.front()) : std::string();
+}
+
 }  // namespace
 
-BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind kind, BoxButtons buttons) {
+BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind kind, BoxButtons buttons,
+                     const BoxWords& own) {
+    const BoxWords words = wordsOf(own);
+    if (askOnCard) {
+        if (const auto answer = askOnCard({text, title, kind, buttons, words}, {})) return *answer;
+    }
     shell::flushChanged();
     QMessageBox box(front());
     if (front() != nullptr) box.setPalette(front()->palette());
@@ -109,7 +179,6 @@ BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind 
             box.setEscapeButton(QMessageBox::No);
             break;
     }
-    const BoxWords words = boxWords ? boxWords() : BoxWords{};
     const std::pair<QMessageBox::StandardButton, const std::string&> captions[]{
         {QMessageBox::Ok, words.ok},
         {QMessageBox::Cancel, words.cancel},
@@ -134,19 +203,23 @@ BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind 
 }
 
 std::string openFileDialog(const std::string& title, const std::string& folder, const std::string& filter) {
-    shell::noteOpened();
-    return utf8(QFileDialog::getOpenFileName(front(), textOf(title), textOf(folder), filterOf(filter)));
+    QFileDialog dialog(front(), textOf(title), textOf(folder), filterOf(filter));
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    return chosenIn(dialog);
 }
 
 std::string saveFileDialog(const std::string& title, const std::string& folder, const std::string& name) {
-    shell::noteOpened();
-    const QString start = folder.empty() ? textOf(name) : textOf(folder) + QLatin1Char('/') + textOf(name);
-    return utf8(QFileDialog::getSaveFileName(front(), textOf(title), start));
+    QFileDialog dialog(front(), textOf(title), textOf(folder));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.selectFile(textOf(name));
+    return chosenIn(dialog);
 }
 
 std::string folderDialog(const std::string& title, const std::string& folder) {
-    shell::noteOpened();
-    return utf8(QFileDialog::getExistingDirectory(front(), textOf(title), textOf(folder)));
+    QFileDialog dialog(front(), textOf(title), textOf(folder));
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    return chosenIn(dialog);
 }
 
 void popupMenu(Control& window, const std::vector<MenuItem>& items) {
@@ -166,10 +239,11 @@ void popupMenu(Control& window, const std::vector<MenuItem>& items) {
         action->setObjectName(textOf(item.name));
     }
     const EscapeStops stops(menu);
+    PressBeside beside(menu);
     shell::noteOpened();
     const QWidget* at = shell::menuAskedFor;
     const QAction* chosen = menu.exec(at != nullptr ? at->mapToGlobal(at->rect().center()) : QCursor::pos());
-    if (chosen == nullptr) return;
+    if (chosen == nullptr) return beside.deliver();
     for (const MenuItem& item : items) {
         // The menu is gone before its command runs: it may open another one, or a dialog.
         if (textOf(item.name) == chosen->objectName() && item.chosen) {

@@ -20,6 +20,7 @@
 #include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
 #include "platform/qt/view/windows.h"
+#include "platform/waiting.h"
 
 // The toolkit's own gates for the events of a test: the same way that a screen's driver takes, with a time of
 // our own, so that two quick presses are a double click here too.
@@ -38,9 +39,13 @@ struct Target {
 };
 
 /// Where a press on the record lands; nothing when it is hidden, disabled or covered.
-Target targetOf(Control& control, Place place) {
+Target targetOf(Control& control, Place place, const MouseEvent* press = nullptr) {
     flushChanged();
     deliverEvents();
+    if (!takesNow(control, press)) {
+        if (press != nullptr) call(refusedMeanwhile);
+        return {};
+    }
     QWidget* widget = widgetOf(control);
     if (widget == nullptr || !isShown(control) || !control.enabled() || !widget->isEnabled()) return {};
     // What is scrolled away is scrolled to, as a hand would.
@@ -167,7 +172,8 @@ void typeInto(QWidget& focused, const QString& text) {
 }
 
 bool mouseDown(Control& control, MouseButton button, int shift, Place at) {
-    const Target target = targetOf(control, at);
+    const MouseEvent event{button, shift};
+    const Target target = targetOf(control, at, &event);
     if (!reaches(target, control)) return false;
     press(*target.widget, target.at, button, shift);
     return true;
@@ -200,7 +206,8 @@ bool click(Control& control, MouseButton button, int shift, Place at) {
 
 bool doubleClick(Control& control, int shift, Place at) {
     if (!click(control, MouseButton::left, shift, at)) return false;
-    const Target target = targetOf(control, at);
+    const MouseEvent event{MouseButton::left, shift};
+    const Target target = targetOf(control, at, &event);
     if (!reaches(target, control)) return false;
     press(*target.widget, target.at, MouseButton::left, shift);
     release(*target.widget, target.at, MouseButton::left, shift);
@@ -208,7 +215,8 @@ bool doubleClick(Control& control, int shift, Place at) {
 }
 
 bool touchDown(Control& control, int finger) {
-    const Target target = targetOf(control, {});
+    const MouseEvent plain;
+    const Target target = targetOf(control, {}, &plain);
     if (!reaches(target, control) || fingers().contains(finger)) return false;
     QWidget* window = target.widget->window();
     const QPointF local = target.widget->mapTo(window, target.at);

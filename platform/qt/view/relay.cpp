@@ -13,11 +13,11 @@
 #include <set>
 #include <unordered_map>
 
-#include "platform/forms.h"
 #include "platform/qt/view/keys.h"
 #include "platform/qt/view/shell.h"
 #include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
+#include "platform/waiting.h"
 
 namespace zv::shell {
 namespace {
@@ -54,7 +54,6 @@ class Relay final : public QObject {
 
     bool eventFilter(QObject* watched, QEvent* e) override {
         if (watched != &source_) return false;
-        if (refused(*e)) return true;
         switch (e->type()) {
             case QEvent::MouseButtonPress:
             case QEvent::MouseButtonDblClick:
@@ -90,28 +89,6 @@ class Relay final : public QObject {
     }
 
   private:
-    /// True when what begins with this event is kept from the record.
-    bool refused(QEvent& e) const {
-        if (!takesInput) return false;
-        switch (e.type()) {
-            case QEvent::MouseButtonPress:
-            case QEvent::MouseButtonDblClick: {
-                const auto& press = static_cast<const QMouseEvent&>(e);
-                return !takesInput(hit(press.position().toPoint()), buttonOf(press.button()));
-            }
-            case QEvent::ContextMenu:
-                return !takesInput(record_, MouseButton::right);
-            case QEvent::TouchBegin:
-            case QEvent::KeyPress:
-            case QEvent::Wheel:
-            case QEvent::DragEnter:
-            case QEvent::Drop:
-                return !takesInput(record_, MouseButton::left);
-            default:
-                return false;
-        }
-    }
-
     /// True for what has no widget of the toolkit behind it, which would tell clicks itself.
     bool painted() const {
         switch (view_.record.kind) {
@@ -425,12 +402,35 @@ class WindowKeys final : public QObject {
         } else {
             keysDown().erase(event.key);
         }
+        const Waiting* waiting = waitingNow();
+        if (waiting != nullptr && waiting->what == Waiting::For::answer && waiting->window != &record_)
+            return keyForAnswer(*waiting, e->type(), event);
         const auto& handler = e->type() == QEvent::KeyPress ? record_.onKeyDown : record_.onKeyUp;
         if (handler) call([&] { handler(event); });
         return event.consumed;
     }
 
   private:
+    /// The keyboard belongs to the question. In the window that it stands in, its own controls have the key next.
+    bool keyForAnswer(const Waiting& waiting, QEvent::Type type, KeyEvent& event) {
+        const Control* card = waiting.window;
+        if (card == nullptr) {  // a dialog of the toolkit: it has its own keys in its own window
+            if (type != QEvent::KeyPress || event.key != Key::escape || event.repeat) return true;
+            stopSound();
+            call(waiting.cancel);
+            return true;
+        }
+        const auto handler = type == QEvent::KeyPress ? card->onKeyDown : card->onKeyUp;
+        if (handler) call([&] { handler(event); });
+        const RecordView* view = viewOf(*card);
+        if (event.consumed || view == nullptr || view->widget.window() != &widget_) return true;
+        // A press on a jingle has taken it.
+        QWidget* own = view->widget.focusWidget();
+        if (own != nullptr && !view->widget.isAncestorOf(QApplication::focusWidget()))
+            own->setFocus(Qt::OtherFocusReason);
+        return own == nullptr;
+    }
+
     void watchDoor() {
         QWindow* door = widget_.windowHandle();
         if (door == nullptr || door == door_) return;
@@ -451,6 +451,13 @@ void relayEvents(RecordView& view, QWidget& source) {
 }
 
 void relayWindowKeys(RecordView& view) { new WindowKeys(view); }
+
+void stopSound() {
+    const Control* main = findControl("frmMain");
+    if (main == nullptr || !main->onKeyDown) return;
+    KeyEvent escape{Key::escape};
+    call([&] { main->onKeyDown(escape); });
+}
 
 namespace {
 std::uint64_t opened = 0;

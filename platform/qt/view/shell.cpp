@@ -86,6 +86,7 @@ void startQt(int& argc, char** argv, bool offscreen) {
     QApplication::setQuitOnLastWindowClosed(false);
     installStyle();
     installAccessibility();
+    installGate();
     flushTarget() = new FlushTarget;
     onFirstChange([] {
         if (flushTarget()) QCoreApplication::postEvent(flushTarget(), new QEvent(FlushTarget::flushEvent()));

@@ -91,6 +91,10 @@ void relayEvents(RecordView& view, QWidget& source);
 void relayWindowKeys(RecordView& view);
 /// The widget whose menu the keyboard asks for; null while the mouse does.
 inline const QWidget* menuAskedFor = nullptr;
+/// The Escape key, as the main window takes it.
+void stopSound();
+/// While something waits for the presenter, keeps mouse, wheel, files and keys from what waits with it.
+void installGate();
 /// Windows, menus and dialogs opened so far.
 std::uint64_t openedSoFar();
 /// The record with a mouse button or finger held down on it.

@@ -19,8 +19,10 @@
 #include "platform/qt/view/form_view.h"
 #include "platform/qt/view/native.h"
 #include "platform/qt/view/shell.h"
+#include "platform/qt/view/style.h"
 #include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
+#include "platform/waiting.h"
 
 namespace zv::shell {
 namespace {
@@ -31,6 +33,8 @@ std::vector<Control*>& shownWindows() {
 }
 
 int lockDepth = 0;
+constexpr double kCardRadius = 6;
+constexpr int kMostWidgets = 10000;  ///< more than any window has
 
 /// A window of the program. Its size follows its record and the record follows the user's resizing.
 class WindowWidget final : public QWidget, public RecordView {
@@ -40,6 +44,7 @@ class WindowWidget final : public QWidget, public RecordView {
         setFocusPolicy(Qt::ClickFocus);
         if (r.name == "frmSplash") setWindowFlags(Qt::SplashScreen);
         if (r.form != nullptr && r.form->borderless) setWindowFlags(Qt::Window | Qt::FramelessWindowHint);
+        if (isCard()) setAttribute(Qt::WA_OpaquePaintEvent, false);
         resize(px(r.width), px(r.height));
     }
 
@@ -48,6 +53,7 @@ class WindowWidget final : public QWidget, public RecordView {
     void showFirst() {
         wasShown = true;
         const QRect wanted(px(record.left), px(record.top), width(), height());
+        if (isCard()) return move(wanted.topLeft());
         const QScreen* screen = QGuiApplication::screenAt(wanted.center());
         const bool fills = screen != nullptr && wanted.contains(screen->geometry());
         if (fills && QGuiApplication::platformName() != QLatin1String("offscreen")) {
@@ -80,6 +86,12 @@ class WindowWidget final : public QWidget, public RecordView {
     void closeEvent(QCloseEvent* e) override {
         // A window that the program closes is hidden through its record; this is the user's or the session's
         // doing.
+        if (const Waiting* waiting = waitingNow();
+            waiting != nullptr && waiting->what == Waiting::For::answer && waiting->window != &record) {
+            e->ignore();
+            if (refusedMeanwhile) call(refusedMeanwhile);
+            return;
+        }
         if (!askClose(0)) e->ignore();
     }
 
@@ -87,6 +99,8 @@ class WindowWidget final : public QWidget, public RecordView {
     FormView* form = nullptr;
 
     bool wasShown = false;  ///< only then does the record's visibility count
+
+    bool isCard() const { return record.form != nullptr && record.form->card; }
 
     bool askClose(int reason) {
         if (record.onQueryClose) {
@@ -101,7 +115,27 @@ class WindowWidget final : public QWidget, public RecordView {
   protected:
     void paintEvent(QPaintEvent* e) override {
         QPainter p(this);
-        p.fillRect(e->rect(), themeFor(record).ground);
+        const Theme theme = themeFor(record);
+        if (isCard()) {
+            drawFace(p, rect(), theme.dark ? theme.panel : theme.field, theme.accent, kCardRadius);
+        } else {
+            p.fillRect(e->rect(), theme.ground);
+        }
+    }
+
+    /// Tab goes round inside a card: what lies behind it waits.
+    bool focusNextPrevChild(bool next) override {
+        if (!isCard()) return QWidget::focusNextPrevChild(next);
+        QWidget* const from = QApplication::focusWidget();
+        QWidget* w = from != nullptr ? from : this;
+        for (int turns = 0; turns < kMostWidgets; ++turns) {
+            w = next ? w->nextInFocusChain() : w->previousInFocusChain();
+            const bool stops = (w->focusPolicy() & Qt::TabFocus) != 0 && w->isEnabled() && w->isVisible();
+            if (!stops || !isAncestorOf(w)) continue;
+            w->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+            return true;
+        }
+        return true;
     }
 
     void resizeEvent(QResizeEvent* e) override {
@@ -251,6 +285,8 @@ void showWindow(Control& window) {
     QApplication::setPalette(paletteOf(themeFor(window)));
     flushChanged();
     if (!w->isVisible()) noteOpened();
+    // A question is seen even where the window around it is not to be painted for a moment.
+    if (w->isCard() && lockDepth > 0) w->window()->setUpdatesEnabled(true);
     w->show();
     w->raise();
     w->activateWindow();
@@ -270,6 +306,12 @@ void layOutForm(Control& window, int mostWidth, int mostHeight) {
     window.width = size.width() * kTwipsPerPixel;
     window.height = size.height() * kTwipsPerPixel;
     w->form->writeBack();
+}
+
+void embedForm(Control& card, Control& host) {
+    WindowWidget* inner = builtWindow(card);
+    WindowWidget* outer = builtWindow(host);
+    if (inner->parentWidget() != outer) inner->setParent(outer);
 }
 
 void scrollForm(Control& window, int twips) {
@@ -322,7 +364,7 @@ Control* focusedControl() {
 
 void setAlwaysOnTop(Control& window, bool on) {
     WindowWidget* w = builtWindow(window);
-    if (w == nullptr || w->windowFlags().testFlag(Qt::WindowStaysOnTopHint) == on) return;
+    if (w == nullptr || w->isCard() || w->windowFlags().testFlag(Qt::WindowStaysOnTopHint) == on) return;
     const bool shown = w->isVisible();
     w->setWindowFlag(Qt::WindowStaysOnTopHint, on);
     if (shown) w->show();

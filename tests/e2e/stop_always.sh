@@ -1,0 +1,127 @@
+#!/bin/bash
+# STOP, whatever else is open or broken: over a question, a menu and a file dialog, by mouse and by Escape; while the
+# sound server stands still, when it dies, and when it loses its output. Times are printed; only gross ones fail.
+#   stop_always.sh BIN_FOLDER
+set -u
+bin=$(cd "$1" && pwd)
+here=$(cd "$(dirname "$0")" && pwd)
+. "$here/../../tools/own_servers.sh"
+. "$here/window.sh"
+need xdotool parec python3 pactl
+own_servers 1
+mkdir -p "$work/home"
+python3 "$here/tone.py" write "$work/home/Audio_Sample/Tone.wav"
+printf '[Test]\r\nPath_0=Audio_Sample\\Tone.wav\r\n' >"$work/home/palette.ini"
+printf '[Settings]\r\nPaletteIndex=Test\r\nConfirmExit=1\r\nErrorLog=1\r\nCheckUpdate=0\r\nMIDIEnabled=0\r\n' >"$work/home/zv.ini"
+start_program "$bin"
+await sh -c "pactl list short sink-inputs | grep -q ."
+find_window
+
+ms() { echo $(($(date +%s%N) / 1000000)); }
+press() { xdotool mousemove --window "$window" "$x" "$y" click "${1:-1}"; }
+stop() { xdotool mousemove --window "$window" $((WIDTH * 107 / 128)) $((HEIGHT * 16 / 100)) click 1; }
+key() { xdotool key "$@"; }
+length() { stat -c %s "$work/out1.raw"; }
+# A press is heard: the tone has been there for half a second since.
+heard() {
+    local from seconds gaps
+    from=$(length)
+    press
+    sleep 1
+    read -r seconds gaps < <(python3 "$here/tone.py" measure "$work/out1.raw" "$from")
+    awk -v s="$seconds" 'BEGIN { exit !(s > 0.3) }' || fail "$1: the press was not heard ($seconds s)"
+}
+# silenced WHAT COMMAND...: how long after the command the tone ends.
+silenced() {
+    local what=$1 from took
+    shift
+    from=$(length)
+    "$@"
+    sleep 0.8
+    took=$(python3 "$here/tone.py" ends "$work/out1.raw" "$from")
+    echo "$what: silent after $took ms"
+    [ "$took" -ge 0 ] && [ "$took" -lt 500 ] || fail "$what: STOP did not act ($took ms)"
+    kill -0 "$program" || fail "$what: the program is gone"
+}
+
+record out1
+heard "at first"
+silenced "STOP" stop
+
+# A question: it waits, STOP and a plain press work, Escape stops and declines.
+key alt+F4
+sleep 0.5
+heard "over a question"
+[ -n "${PICTURES:-}" ] && import -window "$window" "$PICTURES/question.png"
+silenced "STOP over a question" stop
+heard "over a question again"
+silenced "Escape in a question" key Escape
+
+# A menu, and the file dialog that its first entry opens.
+heard "before a menu"
+press 3
+sleep 0.3
+silenced "STOP beside a menu" stop
+key Escape
+heard "before a dialog"
+press 3
+sleep 0.3
+key Down Return
+sleep 1
+[ -n "${PICTURES:-}" ] && import -window root "$PICTURES/dialog.png"
+silenced "STOP beside a file dialog" stop
+heard "beside a file dialog"
+silenced "Escape in a file dialog" key Escape
+heard "after the dialog"
+
+# told TEXT: waits until the log of errors says so (what it says stands on the display).
+log=$work/home/Error.log
+told() {
+    local from
+    from=$(ms)
+    await grep -q "$1" "$log"
+    echo "$2: told after $(($(ms) - from)) ms"
+    [ $(($(ms) - from)) -lt 5000 ] || fail "$2: told too late"
+}
+server=$(pgrep -f "socket=$work/run/native")
+: >"$log"
+kill -STOP "$server"
+told "Output lost" "a server that stands still"
+stop
+sleep 4
+from=$(length)
+: >"$log"
+kill -CONT "$server"
+told "every output plays" "a server that goes on"
+took=$(python3 "$here/tone.py" ends "$work/out1.raw" "$from")
+echo "STOP while the server stood still: $took ms of sound after it went on"
+[ "$took" -ge 0 ] && [ "$took" -lt 500 ] || fail "STOP was not obeyed while the server stood still"
+heard "after the server went on"
+
+: >"$log"
+kill -9 "$server"
+told "Output lost" "a server that dies"
+stop
+: >"$log"
+own_sound 1
+told "every output plays" "a server that comes again"
+record out1
+heard "with the new server"
+
+: >"$log"
+pactl unload-module "$(pactl list short modules | awk '/sink_name=out1/ {print $1}')"
+told "Output lost" "an output that goes"
+stop
+: >"$log"
+pactl load-module module-null-sink sink_name=out1 rate=44100 format=float32le norewinds=1 >/dev/null
+told "every output plays" "an output that comes again"
+record out1
+heard "with the new output"
+
+# The keyboard answers a question: Tab to the key beside, Return.
+key alt+F4
+sleep 0.5
+key Tab Return
+await sh -c "! kill -0 $program"
+wait "$program" || fail "the program ended with status $?"
+echo "stop_always: STOP acted each time"
