@@ -2,23 +2,17 @@
 # STOP, whatever else is open or broken: over a question, a menu and a file dialog, by mouse and by Escape; while the
 # sound server stands still, when it dies, and when it loses its output. Times are printed; only gross ones fail.
 #   stop_always.sh BIN_FOLDER
-set -u
-bin=$(cd "$1" && pwd)
-here=$(cd "$(dirname "$0")" && pwd)
-. "$here/../../tools/own_servers.sh"
-. "$here/window.sh"
-need xdotool parec python3 pactl
+. "$(dirname "$0")/window.sh"
+need pactl
 own_servers 1
-mkdir -p "$work/home"
-python3 "$here/tone.py" write "$work/home/Audio_Sample/Tone.wav"
-printf '[Test]\r\nPath_0=Audio_Sample\\Tone.wav\r\n' >"$work/home/palette.ini"
-printf '[Settings]\r\nPaletteIndex=Test\r\nConfirmExit=1\r\nErrorLog=1\r\nCheckUpdate=0\r\nMIDIEnabled=0\r\n' >"$work/home/zv.ini"
-start_program "$bin"
-await sh -c "pactl list short sink-inputs | grep -q ."
+own_home ErrorLog=1
+sed -i 's/ConfirmExit=0/ConfirmExit=1/' "$work/home/zv.ini"
+start_program
+await plays
 find_window
 
 ms() { echo $(($(date +%s%N) / 1000000)); }
-press() { xdotool mousemove --window "$window" "$x" "$y" click "${1:-1}"; }
+menu() { xdotool mousemove --window "$window" "$x" "$y" click 3; }
 stop() { xdotool mousemove --window "$window" $((WIDTH * 107 / 128)) $((HEIGHT * 16 / 100)) click 1; }
 key() { xdotool key "$@"; }
 length() { stat -c %s "$work/out1.raw"; }
@@ -59,12 +53,12 @@ silenced "Escape in a question" key Escape
 
 # A menu, and the file dialog that its first entry opens.
 heard "before a menu"
-press 3
+menu
 sleep 0.3
 silenced "STOP beside a menu" stop
 key Escape
 heard "before a dialog"
-press 3
+menu
 sleep 0.3
 key Down Return
 sleep 1

@@ -38,8 +38,9 @@ void chosen() {
 void removeUrl() {
     guarded(".btRemUrl_Click", [] {
         const std::string url = ChosenSource();
-        if (url.empty() || messageBox(LnBox("mMsRemUrl") + "\r\n" + url, "Zentrova", BoxKind::question,
-                                      BoxButtons::yesNo) != BoxAnswer::yes) {
+        if (url.empty() ||
+            messageBox(LnBox("mMsRemUrl") + "\r\n" + url, "Zentrova", BoxKind::question, BoxButtons::yesNo,
+                       Verbs("vbDelete", "vbKeep", true)) != BoxAnswer::yes) {
             return;
         }
         if (LiveOn) {
