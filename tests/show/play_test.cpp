@@ -70,8 +70,8 @@ std::vector<Row> rows() {
         {"repeat during a fade", "FadeOut=200 PlayMod=1", "0 press 500 release 600 press", "a0-100 b100-500~610! a620-720 b720-3120", playing},
         {"touch: release stops", "FadeOut=200 PlayMod=2", "0 press 500 release", "a0-100 b100-500~700", stopping},
         {"touch: press takes up a fade", "FadeOut=200 PlayMod=2", "0 press 500 release 600 press", "a0-100 b100-500~600! a600-700 b700-3100", playing},
-        {"stop position, one period later", "StopPos=500", "0 press", "a0-100 b100-510", playing},
-        {"stop position begins the fade", "StopPos=500 FadeOut=200", "0 press", "a0-100 b100-510~710", playing},
+        {"stop position", "StopPos=500", "0 press", "a0-100 b100-500", playing},
+        {"stop position begins the fade", "StopPos=500 FadeOut=200", "0 press", "a0-100 b100-500~700", playing},
         {"stop all has no fade", "FadeOut=200", "0 press 500 stop", "a0-100 b100-500", playing},
 
         // Sequences: by state, position and LoopFadeOut.
