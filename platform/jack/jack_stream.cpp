@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 
 namespace zv {
 namespace {
@@ -18,6 +19,9 @@ void silent(const char*) {}
 }  // namespace
 
 jack_client_t* openJackClient(const char* name) {
+    // The library writes to the socket of a server that has just died.
+    static const auto before = std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(before);
     jack_set_error_function(silent);
     jack_set_info_function(silent);
     return jack_client_open(name, JackNoStartServer, nullptr);
