@@ -126,8 +126,9 @@ void library() {
 
     const bool done = inProcessOfItsOwn([&] { work(large); });
     Times times;
-    if (!done || !(std::ifstream(large.path("results")) >> times.refresh >> times.names >> times.open >>
-                   times.save >> times.searchList >> times.searchPalettes >> times.searchHits >> times.history))
+    if (!done ||
+        !(std::ifstream(large.path("results")) >> times.refresh >> times.names >> times.open >> times.save >>
+          times.searchList >> times.searchPalettes >> times.searchHits >> times.history))
         throw std::runtime_error("the program at work on the library failed");
     atMost("library-list-refresh", times.refresh, "ms", 150);
     atMost("library-open-names", times.names, "ms", 10);

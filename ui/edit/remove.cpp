@@ -87,8 +87,8 @@ void ClearSelection() {
                                                                           : btCaption(Jingle(i).Path));
         }
         if (messageBox(LnBox(SelJ.size() > 1 ? "mMsdbMany" : "mMsdb") + captions, "Zentrova",
-                       BoxKind::question, BoxButtons::yesNo, Verbs("vbClear", "vbKeep", true)) !=
-            BoxAnswer::yes) {
+                       BoxKind::question, BoxButtons::yesNo,
+                       Verbs("vbClear", "vbKeep", true)) != BoxAnswer::yes) {
             return;
         }
         const UndoStep step("unClear");
