@@ -122,7 +122,7 @@ TEST_F(SurfaceTest, AControlIsTaughtByPressingIt) {
         {"b_Jingle", 8, "903C64 903C00 904000", "Jingle8", "903C,903C00,255", "Jingle 7"},  // taken from 7
         {"b_Jingle", 8, "", "Jingle8", "903C,903C00,255", ""},
         {"btUp", -1, "900164 900100", "PaletteUp", "9001,900100", ""},
-        {"btStop", -1, "900164 900100", "StopAll", "9001,900100", "Previous palette"},
+        {"btStop", -1, "900164 900100", "StopAll", "9001,900100", "Previous palette (Page up)"},
         {"ckAutoRep", -1, "900364 900300", "AutoRepeat", "9003,900300", ""},
         {"ckTouch", -1, "900464 900400", "TouchPlay", "9004,900400", ""},
         {"ckAutoMix", -1, "900564 900500", "AutoMix", "9005,900500", ""},
