@@ -38,7 +38,7 @@ TEST_F(Live, GoesOnAirFadesOutAndIsRemembered) {
         (show.home() / "Audio_Sample/tone.wav").string() +
         " 200 audio/wav;live\n"
         "at 200 click ckPlayStream\n"
-        "at 205 expect lblStream Connecting ...\n"
+        "at 205 expect lblStream Connecting…\n"
         "at 205 expect cmbStream.enabled 0\n"
         "at 1000 expect lblStream \"On air: HTTP://radio/live - connected\"\n"
         "at 2000 set SlideVolLive 50\n"
