@@ -159,7 +159,7 @@ TEST_F(SurfaceTest, WhileAWindowLearnsNothingPlays) {
     start({"Jingle0=9010,901000,255", "OutJingle0=A01001,A01002,A01003,A01004"});
     clMIDI("b_Jingle", 0);
     MidiButtonWindow& w = frmMIDIButton();
-    EXPECT_EQ(w.form.window.caption(), "Jingle 0 - MIDI control ...");
+    EXPECT_EQ(w.form.window.caption(), "Jingle 0 - MIDI control…");
     EXPECT_EQ(w.lblPressCode.caption(), "90 10");
     EXPECT_EQ(w.ckVelocityLimit.value(), 1);
     heard();
