@@ -52,11 +52,15 @@ std::vector<std::string> linesOf(const std::string& bytes) {
     return lines;
 }
 
-void writeLines(const std::vector<std::string>& lines, Encoding encoding) {
+std::string bytesOf(const std::vector<std::string>& lines, Encoding encoding) {
     std::string text;
     for (const std::string& line : lines) text += line + "\r\n";
     std::string bytes;
-    if (!fromUtf8(text, encoding, bytes)) bytes = text;
+    return fromUtf8(text, encoding, bytes) ? bytes : text;
+}
+
+void writeLines(const std::vector<std::string>& lines, Encoding encoding) {
+    const std::string bytes = bytesOf(lines, encoding);
     if (!replaceFile(nativePath(UrlsFile), bytes)) throw ProgramError(kErrorFileAccess, UrlsFile);
 }
 
@@ -102,7 +106,7 @@ void SortURLs() {
         const std::string bytes = fileBytes(encoding);
         std::vector<std::string> lines = linesOf(bytes);
         sortLines(lines);
-        writeLines(lines, encoding);
+        if (bytesOf(lines, encoding) != bytes) writeLines(lines, encoding);
     });
 }
 

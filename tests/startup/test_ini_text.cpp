@@ -263,12 +263,9 @@ class Model {
     }
 
     void erase(const std::string& section) {
-        for (;;) {
-            const auto [begin, end] = range(section);
-            if (begin == 0) return;
-            lines_.erase(lines_.begin() + static_cast<long>(begin) - 1,
-                         lines_.begin() + static_cast<long>(end));
-        }
+        const auto [begin, end] = range(section);
+        if (begin == 0) return;
+        lines_.erase(lines_.begin() + static_cast<long>(begin) - 1, lines_.begin() + static_cast<long>(end));
     }
 
   private:

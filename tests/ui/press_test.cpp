@@ -201,7 +201,7 @@ class PressTest : public WindowTest {
             {"S", [&] { key(static_cast<Key>('S')); }},
             {"own", [&] { repeatOnButton(); }},
             {"tab", [] { frmMain().ckTab[1].onMouseDown({}); }},
-            {"announcer", [] { Arm(frmMain().announcer.b_tmAnJin, settings.assColor); }},
+            {"announcer", [] { Arm(frmMain().announcer.b_tmAnJin, settings.taColor); }},
             {"noreloc", [] { settings.OpenReloc = 0; }},
             {"lock", [] { settings.AutoMix = 2; }},
             {"inhibit", [] { settings.InhibSpBar = 1; }},
