@@ -4,14 +4,17 @@
 #include <ostream>
 
 #include "audio/streams.h"
+#include "audio/time_jingle.h"
 #include "startup/errors.h"
 #include "startup/language.h"
 #include "tests/ui/window_test.h"
+#include "ui/edit/announcer_tab.h"
 #include "ui/edit/carried.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/move.h"
 #include "ui/press/global_keys.h"
 #include "ui/press/keyboard.h"
+#include "ui/screen/announcer_view.h"
 #include "ui/screen/layout_grid.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/screen/shaded.h"
@@ -49,7 +52,7 @@ constexpr Row kRows[] = {
     {"assign, disarmed", "", "0 ckAssign ckAssign 100 click", "a100-200 b200-", ""},
     {"assign leaves what sounds alone", "", "0 click 300 ckAssign file 400 click", "a0-100 b100-", "armed:ass"},
     {"announcer asks for a jingle", "", "0 announcer 100 click", "", ""},
-    {"announcer takes no empty one", "empty", "0 announcer 100 click", "", ""},
+    {"announcer takes no empty one", "empty", "0 announcer 100 click", "", "armed:ta"},
     {"loop", "", "0 ckLoopI 100 click 300 click", "a300-400 b400-", "loop unsaved"},
     {"loop, whatever is held", "", "0 ckTouch shift ckLoopI 100 click", "", "loop unsaved"},
     {"loop takes the sequence away", kSeq, "0 ckLoopI 100 click", "", "loop unsaved"},
@@ -141,7 +144,8 @@ void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
 class PressTest : public WindowTest {
   protected:
     void TearDown() override {
-        Disarm(frmMain().announcer.b_tmAnJin);
+        DropTimeJingle();
+        EndChoosing();
         Button(kSlot)->picPlaylist.visible = false;
         CloseColorPicker();
         ckTab_MouseDown(0);
@@ -201,7 +205,7 @@ class PressTest : public WindowTest {
             {"S", [&] { key(static_cast<Key>('S')); }},
             {"own", [&] { repeatOnButton(); }},
             {"tab", [] { frmMain().ckTab[1].onMouseDown({}); }},
-            {"announcer", [] { Arm(frmMain().announcer.b_tmAnJin, settings.taColor); }},
+            {"announcer", b_tmAnJinTog},
             {"noreloc", [] { settings.OpenReloc = 0; }},
             {"lock", [] { settings.AutoMix = 2; }},
             {"inhibit", [] { settings.InhibSpBar = 1; }},
