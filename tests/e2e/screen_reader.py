@@ -9,7 +9,7 @@ import pyatspi
 
 BUTTONS = 30 + 10  # the grid of the first start and two rows of hot jingles
 WAIT = 10  # seconds for anything to happen
-NAMED = ("STOP", "Repeat", "Touch", "Automix", "Exit", "Assign", "Save", "New", "Delete")
+NAMED = ("STOP", "Restart", "Hold", "Automix", "Exit", "Assign", "Save", "New", "Delete")
 TABS = ("Palettes", "Time announcer", "Live stream", "Jingle options")
 READY = re.compile(r"^(ready|prêt)\b.*\d")
 PLAYING = re.compile(r"^playing, time left (\d+:)?\d+\.\d$")
@@ -93,18 +93,18 @@ def main():
         check(buttons, f"{name} is not reachable by its name")
         for n in buttons[:1]:
             check(n.queryAction().nActions > 0, f"{name} cannot be pressed")
-    # Toggles say whether they are on; Repeat and Touch exclude each other.
-    toggles = {name: by_name[name][0] for name in ("Repeat", "Touch", "Automix") if by_name.get(name)}
+    # Toggles say whether they are on; Restart and Hold exclude each other.
+    toggles = {name: by_name[name][0] for name in ("Restart", "Hold", "Automix") if by_name.get(name)}
     for name, n in toggles.items():
         check(n.getRole() == pyatspi.ROLE_CHECK_BOX, f"{name} does not tell that it can be on")
         check(not checked(n), f"{name} says it is on")
     if len(toggles) == 3:
-        for on, off in (("Repeat", "Touch"), ("Touch", "Repeat")):
+        for on, off in (("Restart", "Hold"), ("Hold", "Restart")):
             check(press(toggles[on]), f"{on} cannot be pressed")
             check(until(lambda: checked(toggles[on])), f"{on} does not say that it is on")
             check(until(lambda: not checked(toggles[off])), f"{off} still says that it is on")
-        press(toggles["Touch"])
-        check(until(lambda: not checked(toggles["Touch"])), "Touch still says that it is on")
+        press(toggles["Hold"])
+        check(until(lambda: not checked(toggles["Hold"])), "Hold still says that it is on")
 
     # The list is named, and says which palette is open.
     lists = [n for n in nodes if n.getRole() == pyatspi.ROLE_LIST]
