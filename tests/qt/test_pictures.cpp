@@ -57,6 +57,13 @@ TEST(Jingle, OnlyWhatChangedIsPaintedAgain) {
     f.bar.width = twips(150);
     flushChanged();
     EXPECT_TRUE(QRect(0, 0, 200, 10).contains(w.takeAsked().boundingRect())) << "the bar's rows only";
+    f.bar.width = twips(140);
+    flushChanged();
+    EXPECT_LT(w.takeAsked().boundingRect().width(), 20) << "the end of a bar that is shorter";
+    f.bar.width = twips(150);
+    f.bar.backColor = 0x00FF00;
+    flushChanged();
+    EXPECT_GE(w.takeAsked().boundingRect().width(), 150) << "all of a bar of another colour";
     f.bar.width = twips(150);
     f.button.backColor = f.button.backColor();
     flushChanged();

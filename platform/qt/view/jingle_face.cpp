@@ -5,6 +5,8 @@
 #include <QPixmap>
 #include <QPixmapCache>
 #include <algorithm>
+#include <map>
+#include <tuple>
 
 #include "platform/qt/view/jingle_text.h"
 #include "platform/qt/view/style.h"
@@ -89,14 +91,14 @@ QColor frameColour(const QColor& face, bool dark) {
 }
 
 void paintJingleFace(QPainter& p, const QSize& size, double ratio, const JingleFace& face) {
-    const QString key = QStringLiteral("zvface %1x%2 %3 %4 %5 %6 %7")
-                            .arg(size.width())
-                            .arg(size.height())
-                            .arg(ratio)
-                            .arg(face.colour.rgb())
-                            .arg(face.border.rgb())
-                            .arg(static_cast<int>(face.state) + (face.dark ? 10 : 0))
-                            .arg(face.ring.isValid() ? face.ring.rgb() : 0);
+    // A hundred of them are painted at each tick: numbers are compared, no text is made for a key.
+    using FaceKey = std::tuple<int, int, double, QRgb, QRgb, QRgb, int, bool>;
+    static std::map<FaceKey, QPixmapCache::Key> known;
+    constexpr std::size_t kMostKnown = 1000;
+    if (known.size() > kMostKnown) known.clear();
+    QPixmapCache::Key& key =
+        known[{size.width(), size.height(), ratio, face.colour.rgb(), face.border.rgb(),
+               face.ring.isValid() ? face.ring.rgb() : 0, static_cast<int>(face.state), face.dark}];
     QPixmap whole;
     if (!QPixmapCache::find(key, &whole)) {
         whole = QPixmap((QSizeF(size) * ratio).toSize());
@@ -105,7 +107,7 @@ void paintJingleFace(QPainter& p, const QSize& size, double ratio, const JingleF
         QPainter inside(&whole);
         paintWhole(inside, size, face);
         inside.end();
-        QPixmapCache::insert(key, whole);
+        key = QPixmapCache::insert(whole);
     }
     p.drawPixmap(0, 0, whole);
 }

@@ -1,5 +1,7 @@
 #include "platform/qt/view/painted.h"
 
+#include <algorithm>
+
 namespace zv::shell {
 
 PaintedWidget::PaintedWidget(Control& r, QWidget* parent)
@@ -18,12 +20,26 @@ void PaintedWidget::ask(const QRect& r) {
 
 QRegion PaintedWidget::takeAsked() { return std::exchange(asked_, {}); }
 
+/// A bar of one colour that is longer or shorter than before: nothing but its end has to be painted.
+bool PaintedWidget::grew(const Shown& before, const Shown& now) {
+    return !before.place.isEmpty() && !now.place.isEmpty() && before.colour == now.colour &&
+           before.place.topLeft() == now.place.topLeft() && before.place.height() == now.place.height() &&
+           before.place.width() != now.place.width();
+}
+
 void PaintedWidget::partChanged(Control& part) {
-    const QRect now = partPlace(part);
-    QRect& before = places_[&part];
+    const Shown now{partPlace(part), part.backColor()};
+    Shown& before = shown_[&part];
     // Something antialiased may reach half a pixel over its place.
-    if (!before.isEmpty()) ask(before.adjusted(-1, -1, 1, 1));
-    if (!now.isEmpty() && now != before) ask(now.adjusted(-1, -1, 1, 1));
+    if (part.kind == ControlKind::shape && grew(before, now)) {
+        const int shorter = std::min(before.place.right(), now.place.right());
+        const int longer = std::max(before.place.right(), now.place.right());
+        ask(QRect(QPoint(shorter, now.place.top()), QPoint(longer, now.place.bottom()))
+                .adjusted(-2, -1, 1, 1));
+    } else {
+        if (!before.place.isEmpty()) ask(before.place.adjusted(-1, -1, 1, 1));
+        if (!now.place.isEmpty() && now.place != before.place) ask(now.place.adjusted(-1, -1, 1, 1));
+    }
     before = now;
     // Parts inside a part go with it.
     for (Control* child : part.children()) partChanged(*child);
@@ -31,7 +47,7 @@ void PaintedWidget::partChanged(Control& part) {
 
 void PaintedWidget::remember(const Control& from) {
     for (const Control* child : from.children()) {
-        places_[child] = partPlace(*child);
+        shown_[child] = {partPlace(*child), child->backColor()};
         remember(*child);
     }
 }

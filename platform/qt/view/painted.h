@@ -32,10 +32,15 @@ class PaintedWidget : public QWidget, public RecordView {
     void placesChanged();
 
   private:
+    struct Shown {
+        QRect place;
+        Colour colour = 0;
+    };
+    static bool grew(const Shown& before, const Shown& now);
     Control* hitBelow(const Control& from, QPoint at) const;
     void remember(const Control& from);
 
-    std::unordered_map<const Control*, QRect> places_;
+    std::unordered_map<const Control*, Shown> shown_;  ///< how each part was painted last
     QRegion asked_;
 };
 

@@ -1,7 +1,11 @@
 #include "platform/qt/view/theme.h"
 
+#include <QCoreApplication>
 #include <QFontDatabase>
+#include <algorithm>
 #include <cmath>
+#include <map>
+#include <utility>
 
 namespace zv::shell {
 namespace {
@@ -54,6 +58,12 @@ const QString& textFamily() {
         return QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
     }();
     return family;
+}
+
+/// By pixels and weight. A copy shares what the first use of a font has looked up.
+std::map<std::pair<int, int>, QFont>& knownFonts() {
+    static std::map<std::pair<int, int>, QFont> known;
+    return known;
 }
 
 void makeCrisp(QFont& font) {
@@ -156,11 +166,17 @@ QPalette paletteOf(const Theme& t) {
 }
 
 QFont textFont(double pixels, int weight) {
-    QFont font(textFamily());
-    font.setPixelSize(std::max(6, static_cast<int>(std::lround(pixels))));
-    font.setWeight(static_cast<QFont::Weight>(weight));
-    makeCrisp(font);
-    return font;
+    const int size = std::max(6, static_cast<int>(std::lround(pixels)));
+    if (knownFonts().empty()) qAddPostRoutine([] { knownFonts().clear(); });  // none outlives the toolkit
+    const auto [at, isNew] = knownFonts().try_emplace({size, weight});
+    if (isNew) {
+        QFont font(textFamily());
+        font.setPixelSize(size);
+        font.setWeight(static_cast<QFont::Weight>(weight));
+        makeCrisp(font);
+        at->second = font;
+    }
+    return at->second;
 }
 
 QFont symbolFont(double pixels) {
