@@ -79,6 +79,9 @@ function(zv_test name)
   zv_precompiled(test_${name} <fstream> <map> <random> <gtest/gtest.h>)
   if(NOT ZENTROVA_SANITIZE)  # tests are compiled more often than they run
     target_compile_options(test_${name} PRIVATE $<$<CONFIG:Debug>:-O0>)
+  elseif(ZENTROVA_SANITIZE STREQUAL "thread")  # g++ 12 sees overruns where texts are joined and there are none
+    target_compile_options(test_${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds>
+      $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict> $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow>)
   endif()
   add_test(NAME ${name} COMMAND test_${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 600)
