@@ -23,11 +23,13 @@ for file in "${changed[@]}"; do [ ! -e "$file" ] || present+=("$file"); done
 log=$(mktemp -d)
 trap 'rm -rf "$log"' EXIT
 export log until=$(($(date +%s) + ${TIDY_SECONDS:-90}))
+# The precompiled headers are another compiler's.
+sed -E 's/ -Winvalid-pch//; s/ -fpch-preprocess//; s/ -include [^ ]*cmake_pch[^ ]*//' build/dev/compile_commands.json >"$log/compile_commands.json"
 printf '%s\0' "${present[@]}" | xargs -0 -r -P 2 -n 1 bash -c '
     left=$((until - $(date +%s)))
     [ "$left" -gt 0 ] || exit 0
     name=$log/$(echo "$1" | tr / _)
-    if timeout "$left" nice clang-tidy -p build/dev --quiet "$1" >"$name" 2>/dev/null; then echo "$1" >>"$log/clean"
+    if timeout "$left" nice clang-tidy -p "$log" --extra-arg=-Wno-unknown-pragmas --quiet "$1" >"$name" 2>/dev/null; then echo "$1" >>"$log/clean"
     elif [ -s "$name" ]; then cat "$name"; echo "$1" >>"$log/bad"; fi' _
 count() { [ ! -e "$log/$1" ] || wc -l <"$log/$1"; }
 clean=$(count clean) bad=$(count bad)
