@@ -22,6 +22,14 @@
 #include "platform/rehearsal/json.h"
 #include "platform/rehearsal/rehearsal.h"
 #include "startup/settings.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/duck.h"
+#include "startup/settings/grid.h"
+#include "startup/settings/marks.h"
+#include "startup/settings/palette.h"
+#include "startup/settings/playing.h"
+#include "startup/settings/volumes.h"
 #include "startup/upcalls.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
@@ -127,7 +135,8 @@ std::string faultOf(int index) {
     const JingleButton* button = Button(index);
     if (button == nullptr || SelectorsOn || IsSearchHit(index) || !button->b_Jingle.visible()) return {};
     const Colour back = button->b_Jingle.backColor();
-    const Colour playing = j.PlayingOtherPal ? settings.PlayingColorAnotherPal : settings.PlayingColor;
+    const Colour playing =
+        j.PlayingOtherPal ? playingSettings.PlayingColorAnotherPal : playingSettings.PlayingColor;
     Colour restBack = 0, restFore = 0;
     RestColours(index, restBack, restFore);
     if (active == BASS_ACTIVE_PLAYING && back != playing)
@@ -178,11 +187,11 @@ void writeProgramState(std::ostream& json) {
 }
 
 void changeGrid(int rows, int columns) {
-    settings.JinglesRows = static_cast<decltype(settings.JinglesRows)>(rows);
-    settings.JinglesCols = static_cast<decltype(settings.JinglesCols)>(columns);
+    gridSettings.JinglesRows = static_cast<decltype(gridSettings.JinglesRows)>(rows);
+    gridSettings.JinglesCols = static_cast<decltype(gridSettings.JinglesCols)>(columns);
     FormDraw("init");
     // Buttons that are new to the run have nothing in their records yet.
-    OpenFile(settings.PaletteIndex);
+    OpenFile(paletteSettings.PaletteIndex);
     OpenFile();
 }
 
@@ -192,20 +201,20 @@ namespace {
 std::string mixFault() {
     constexpr float kNear = 0.005F;
     const KeyControls& k = frmMain().keys;
-    if ((k.btMicPush.backColor() == settings.moColor) != MicPushed)
+    if ((k.btMicPush.backColor() == markSettings.moColor) != MicPushed)
         return "the microphone's key shows the wrong state";
-    if ((k.btMicTO.backColor() == settings.toColor) != TalkOverOn)
+    if ((k.btMicTO.backColor() == markSettings.toColor) != TalkOverOn)
         return "the talk-over key shows the wrong state";
-    const Colour automix = settings.AutoMix == 1   ? Shaded.am
-                           : settings.AutoMix == 2 ? Shaded.am2
-                                                   : BtnFaceColor;
+    const Colour automix = automixSettings.AutoMix == 1   ? Shaded.am
+                           : automixSettings.AutoMix == 2 ? Shaded.am2
+                                                          : BtnFaceColor;
     if (k.ckAutoMix.backColor() != automix) return "the automix key shows the wrong state";
     // An input that was turned off is heard no more; its bus follows after the release time.
-    if (settings.InputEnabled == 0 || timers().TimerTOrelease.enabled()) return {};
+    if (volumeSettings.InputEnabled == 0 || timers().TimerTOrelease.enabled()) return {};
     for (std::size_t i = 0; i < MainSplit.size(); ++i) {
-        const int own = i == 0 ? settings.VolumeInMain : settings.VolumeInAux;
+        const int own = i == 0 ? volumeSettings.VolumeInMain : volumeSettings.VolumeInAux;
         const std::pair<DWORD, float> buses[] = {
-            {MainSplit[i], MicPushed ? static_cast<float>(settings.AttnVol) / 100.0F : -1.0F},
+            {MainSplit[i], MicPushed ? static_cast<float>(duckSettings.AttnVol) / 100.0F : -1.0F},
             {MicSplit[i], MicPushed ? static_cast<float>(own) / 100.0F : 0.0F}};
         for (const auto& [bus, wanted] : buses) {
             float level = 0;
@@ -224,7 +233,7 @@ std::string mixFault() {
 
 std::string programFault() {
     if (std::string fault = filesFault(); !fault.empty()) return fault;
-    if (settings.DeviceSingle == 0) {
+    if (deviceSettings.DeviceSingle == 0) {
         if (std::string fault = mixFault(); !fault.empty()) return fault;
     }
     for (const int i : LiveJingles()) {

@@ -27,6 +27,14 @@
 #include "startup/instance_lock.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "startup/settings/announcer.h"
+#include "startup/settings/clock.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/palette.h"
+#include "startup/settings/palette_list.h"
+#include "startup/settings/program.h"
+#include "startup/settings/volumes.h"
+#include "startup/settings/window.h"
 #include "startup/stores.h"
 #include "startup/trace.h"
 #include "startup/upcalls.h"
@@ -85,7 +93,7 @@ bool loadEngine() {
 bool secondProgramAllowed() {
     if (instanceLock.acquire(programFolder()) != InstanceLock::Result::shared) return true;
     if (const std::string language = SettingsStore.GetValue("Language"); LanguageExists(language))
-        settings.Language = language;
+        programSettings.Language = language;
     const std::string text = LnBox("mSecondInstance");
     return messageBox(
                text.empty() ? "Zentrova already runs on this folder. Start a second one all the same?" : text,
@@ -140,7 +148,7 @@ void loadSettings() {
     step("LoadZVini", [] {
         LoadZVini();
         SweepParts();
-        SetProcessPriority(settings.ProcPriority);
+        SetProcessPriority(programSettings.ProcPriority);
     });
     SetProgress(7);
     step("HotJingles.ini", OpenHotFile);
@@ -152,8 +160,8 @@ void loadSettings() {
     });
     SplashStep("Loading Time announce file");
     step("Time announce file", [] {
-        if (!FileExists(GetFullPath(settings.TimeAnnouncer)))
-            ErrLog("", "The time announcement is missing: " + settings.TimeAnnouncer);
+        if (!FileExists(GetFullPath(announcerSettings.TimeAnnouncer)))
+            ErrLog("", "The time announcement is missing: " + announcerSettings.TimeAnnouncer);
     });
 }
 
@@ -184,17 +192,17 @@ void buildWindows() {
 void startAudio() {
     SplashStep("Starting audio devices");
     SetProgress(95);
-    step("", [] { engine::audioLibraryControl()->install(soundPorts(settings.SoundSystem)); });
+    step("", [] { engine::audioLibraryControl()->install(soundPorts(deviceSettings.SoundSystem)); });
     step("", ListOutDev);
     step("", [] {
-        if (settings.DeviceSingle != 0)
+        if (deviceSettings.DeviceSingle != 0)
             bassini(0);
         else
             SetupMixers();
     });
     step("", ListInDev);
     step("", [] {
-        if (settings.InputEnabled == 1) OpenMic();
+        if (volumeSettings.InputEnabled == 1) OpenMic();
     });
 }
 
@@ -205,22 +213,22 @@ void showMain() {
     step("frmMain.Show", [] {
         PalFileTest();
         lstPalRefresh();
-        settings.PaletteIndex = CheckSection(settings.PaletteIndex);
-        frmMain().display.txtDisPal.caption = settings.PaletteIndex;
-        SelectPalette(settings.PaletteIndex);
+        paletteSettings.PaletteIndex = CheckSection(paletteSettings.PaletteIndex);
+        frmMain().display.txtDisPal.caption = paletteSettings.PaletteIndex;
+        SelectPalette(paletteSettings.PaletteIndex);
         LoadingUI = false;
         FormDraw("init");
         StartTimers();
-        if (settings.CenterLstPal == 1) CentrePaletteList();
+        if (paletteListSettings.CenterLstPal == 1) CentrePaletteList();
     });
-    step("", [] { setAlwaysOnTop(frmMain().window, settings.AlwaysOnTop == 1); });
+    step("", [] { setAlwaysOnTop(frmMain().window, windowSettings.AlwaysOnTop == 1); });
     // The checks for updates and notifications come here.
     step("", AllowMIDIFeedback);
     step("", UnloadSplash);
 }
 
 void openPalette() {
-    step("", [] { OpenFile(settings.PaletteIndex); });
+    step("", [] { OpenFile(paletteSettings.PaletteIndex); });
     step("", [] { OpenFile(); });
 }
 
@@ -275,10 +283,10 @@ void Form_Unload() {
     guarded("frmMain.Form_Unload", [] { FreeBASS(); });
     guarded("frmMain.Form_Unload", [] { callUp(startupUpcalls.unloadOtherWindows); });
     guarded("frmMain.Form_Unload",
-            [] { ErrLog("", "Program normal exit at " + FormatTime(settings.TimeFormat, wallTime())); });
+            [] { ErrLog("", "Program normal exit at " + FormatTime(clockSettings.TimeFormat, wallTime())); });
     guarded("frmMain.Form_Unload", [] {
         instanceLock.release();
-        if (settings.ShutdownOnQuit == 1) runMinimised("systemctl poweroff");
+        if (programSettings.ShutdownOnQuit == 1) runMinimised("systemctl poweroff");
     });
     quit(0);
 }

@@ -16,7 +16,10 @@
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/announcer.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/clock.h"
+#include "startup/settings/devices.h"
 #include "startup/upcalls.h"
 
 namespace zv {
@@ -35,8 +38,8 @@ DWORD hTmAnVoiceSrc = 0;
 Job opening;
 bool voiceSounded = false;  // at the last look
 
-bool mix() { return settings.DeviceSingle == 0; }
-DWORD mixMs() { return static_cast<DWORD>(std::max(0, settings.AutoMixTime)); }
+bool mix() { return deviceSettings.DeviceSingle == 0; }
+DWORD mixMs() { return static_cast<DWORD>(std::max(0, automixSettings.AutoMixTime)); }
 
 void freeVoice() {
     opening.cancel();
@@ -86,8 +89,8 @@ void fadeJingles() {
 void announce() {
     BASS_ChannelSetPosition(hTmAnVoice, 0, BASS_POS_BYTE);
     BASS_ChannelSetAttribute(hTmAnVoice, BASS_ATTRIB_VOL, 1);
-    if (LiveMixByTa && FadeLive(BASS_ATTRIB_VOLDSP, settings.AutoMixTime))
-        callUp(audioUpcalls.streamFades, settings.AutoMixTime);
+    if (LiveMixByTa && FadeLive(BASS_ATTRIB_VOLDSP, automixSettings.AutoMixTime))
+        callUp(audioUpcalls.streamFades, automixSettings.AutoMixTime);
     if (TmAnnAM) fadeJingles();
     TmAnRunning = true;
     BASS_ChannelPlay(hTmAnVoice, false);
@@ -121,7 +124,8 @@ void ArmAnnouncer() {
     FreeTimeJingle();
     // In a rehearsal the file is there at once.
     opening = startJob<SourceFile>(
-        "frmMain.CkTmAnnTog", [path = settings.TimeAnnouncer](JobWork&) { return OpenSourceFile(path); },
+        "frmMain.CkTmAnnTog",
+        [path = announcerSettings.TimeAnnouncer](JobWork&) { return OpenSourceFile(path); },
         [](SourceFile found) { guarded("frmMain.CkTmAnnTog", [&] { build(found); }); }, JobLane::soon, 0);
 }
 
@@ -136,9 +140,9 @@ void DisarmAnnouncer() {
 bool AnnouncerOpens() { return opening.running(); }
 
 void DTChange() {
-    if (TmAnnOn) settings.TimeAnnDel = std::min(settings.TimeAnnDel, TmAnLen);
-    TmJingleMin = settings.TimeAnnMin;
-    TmJingleSec = settings.TimeAnnSec + settings.TimeAnnDel;
+    if (TmAnnOn) announcerSettings.TimeAnnDel = std::min(announcerSettings.TimeAnnDel, TmAnLen);
+    TmJingleMin = announcerSettings.TimeAnnMin;
+    TmJingleSec = announcerSettings.TimeAnnSec + announcerSettings.TimeAnnDel;
     while (TmJingleSec >= kSixty) {
         TmJingleSec -= kSixty;
         TmJingleMin = (TmJingleMin + 1) % kSixty;
@@ -146,7 +150,8 @@ void DTChange() {
 }
 
 void AnnounceAt(int minute, int second) {
-    if (TmAnnOn && minute == settings.TimeAnnMin && second == settings.TimeAnnSec) announce();
+    if (TmAnnOn && minute == announcerSettings.TimeAnnMin && second == announcerSettings.TimeAnnSec)
+        announce();
     if (!TmAnPath.empty() && TmAnRunning && minute == TmJingleMin && second == TmJingleSec) playJingle();
 }
 
@@ -167,14 +172,16 @@ bool WatchAnnouncer() {
 
 std::string NextAnnouncement(const WallTime& now) {
     constexpr int halfDay = 12, day = 24;
-    const bool past = now.minute > settings.TimeAnnMin ||
-                      (now.minute == settings.TimeAnnMin && now.second > settings.TimeAnnSec);
+    const bool past =
+        now.minute > announcerSettings.TimeAnnMin ||
+        (now.minute == announcerSettings.TimeAnnMin && now.second > announcerSettings.TimeAnnSec);
     const int next = (now.hour + (past ? 1 : 0)) % day;
-    const bool halves = settings.TimeFormat.find("AM") != std::string::npos ||
-                        settings.TimeFormat.find("PM") != std::string::npos;
+    const bool halves = clockSettings.TimeFormat.find("AM") != std::string::npos ||
+                        clockSettings.TimeFormat.find("PM") != std::string::npos;
     const int hour = !halves ? next : next % halfDay == 0 ? halfDay : next % halfDay;
     char text[40];
-    std::snprintf(text, sizeof text, "%02d:%02d:%02d%s", hour, settings.TimeAnnMin, settings.TimeAnnSec,
+    std::snprintf(text, sizeof text, "%02d:%02d:%02d%s", hour, announcerSettings.TimeAnnMin,
+                  announcerSettings.TimeAnnSec,
                   !halves          ? ""
                   : next < halfDay ? " AM"
                                    : " PM");

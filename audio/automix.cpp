@@ -10,7 +10,8 @@
 #include "model/jingle.h"
 #include "model/state.h"
 #include "platform/clock.h"
-#include "startup/settings.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/live.h"
 #include "startup/upcalls.h"
 
 namespace zv {
@@ -34,18 +35,18 @@ bool somethingIsLeft() {
 }
 
 DWORD autoFadeAttrib() {
-    return settings.LogFadeOut == 1 ? BASS_ATTRIB_VOL | BASS_SLIDE_LOG : BASS_ATTRIB_VOL;
+    return automixSettings.LogFadeOut == 1 ? BASS_ATTRIB_VOL | BASS_SLIDE_LOG : BASS_ATTRIB_VOL;
 }
 
 void fadeAway(DWORD channel) {
     if (channel == 0) return;
     BASS_ChannelSlideAttribute(channel, autoFadeAttrib(), kStopAtEnd,
-                               static_cast<DWORD>(settings.AutoMixTime));
+                               static_cast<DWORD>(automixSettings.AutoMixTime));
 }
 
 }  // namespace
 
-void NextAutoMix() { settings.AutoMix = (settings.AutoMix + 1) % kModes; }
+void NextAutoMix() { automixSettings.AutoMix = (automixSettings.AutoMix + 1) % kModes; }
 
 void FadeOthers(int index) {
     for (const int i : LiveJingles()) {
@@ -55,13 +56,13 @@ void FadeOthers(int index) {
         j.Leaving = true;
     }
     fadeAway(hTmAnSrc);
-    if (settings.NoAutomixLive != 0) return;
-    if (FadeLive(autoFadeAttrib(), settings.AutoMixTime))
-        callUp(audioUpcalls.streamFades, settings.AutoMixTime);
+    if (liveSettings.NoAutomixLive != 0) return;
+    if (FadeLive(autoFadeAttrib(), automixSettings.AutoMixTime))
+        callUp(audioUpcalls.streamFades, automixSettings.AutoMixTime);
 }
 
 bool LockRefuses(int index) {
-    if (settings.AutoMix != kAutomixLock || !somethingIsLeft()) return false;
+    if (automixSettings.AutoMix != kAutomixLock || !somethingIsLeft()) return false;
     refused = index;
     refusedAt = monotonicMs();
     return true;

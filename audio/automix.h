@@ -3,7 +3,7 @@
 
 namespace zv {
 
-/// Values of settings.AutoMix.
+/// Values of automixSettings.AutoMix.
 inline constexpr int kAutomixOff = 0;
 inline constexpr int kAutomixCrossfade = 1;  ///< the rest fades away
 inline constexpr int kAutomixLock = 2;       ///< nothing starts while anything sounds

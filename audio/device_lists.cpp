@@ -8,7 +8,7 @@
 #include "engine/bass.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/devices.h"
 #include "startup/upcalls.h"
 
 namespace zv {
@@ -30,23 +30,23 @@ void settleByName(OutputLists& lists, int standard) {
     const int last = static_cast<int>(lists.aux.size()) - 1;
 
     lists.mainSelected = 0;
-    if (settings.DeviceName.empty()) {
+    if (deviceSettings.DeviceName.empty()) {
         if (!lists.main.empty()) {
-            settings.DeviceName = lists.main[static_cast<std::size_t>(standard)];
+            deviceSettings.DeviceName = lists.main[static_cast<std::size_t>(standard)];
             lists.mainSelected = standard;
             Device[0] = standard + 1;
         }
     } else {
-        const int found = indexOf(lists.main, settings.DeviceName);
+        const int found = indexOf(lists.main, deviceSettings.DeviceName);
         lists.mainSelected = std::max(0, found);
         Device[0] = lists.mainSelected + 1;
     }
 
-    if (settings.DeviceAuxName.empty()) {
+    if (deviceSettings.DeviceAuxName.empty()) {
         lists.auxSelected = last;
         Device[1] = 0;
     } else {
-        lists.auxSelected = std::max(0, indexOf(lists.aux, settings.DeviceAuxName));
+        lists.auxSelected = std::max(0, indexOf(lists.aux, deviceSettings.DeviceAuxName));
         Device[1] = lists.auxSelected + 1;
     }
     if (Device[1] == last + 1) Device[1] = 0;
@@ -72,7 +72,7 @@ OutputLists CurrentOutputs() {
     lists.aux.push_back(Ln("sNoDevice"));
     lists.mainSelected = Device[0] - 1;
     lists.auxSelected = Device[1] == 0 ? static_cast<int>(lists.aux.size()) - 1 : Device[1] - 1;
-    lists.byName = settings.SavDevBy == kByName;
+    lists.byName = deviceSettings.SavDevBy == kByName;
     return lists;
 }
 
@@ -80,14 +80,14 @@ InputLists CurrentInputs() {
     InputLists lists;
     BASS_DEVICEINFO info{};
     for (DWORD n = 0; BASS_RecordGetDeviceInfo(n, &info); ++n) lists.inputs.emplace_back(info.name);
-    const bool there = settings.DeviceIn < static_cast<int>(lists.inputs.size());
-    lists.selected = there ? settings.DeviceIn : -1;
+    const bool there = deviceSettings.DeviceIn < static_cast<int>(lists.inputs.size());
+    lists.selected = there ? deviceSettings.DeviceIn : -1;
     return lists;
 }
 
 void ListOutDev() {
     guarded("modDevices.ListOutDev", [] {
-        DeviceId = {settings.Device, settings.DeviceAux};
+        DeviceId = {deviceSettings.Device, deviceSettings.DeviceAux};
         OutputLists lists;
         BASS_DEVICEINFO info{};
         int standard = 0;  // of the list
@@ -101,7 +101,7 @@ void ListOutDev() {
             Device[1] = 0;
             lists.auxSelected = static_cast<int>(lists.aux.size()) - 1;
         }
-        if (settings.SavDevBy == kByName)
+        if (deviceSettings.SavDevBy == kByName)
             settleByName(lists, standard);
         else
             settleById(lists);
@@ -115,13 +115,13 @@ void ListInDev() {
         InputLists lists{InputNames, -1};
         const int last = static_cast<int>(InputNames.size()) - 1;
         if (last >= 0) {
-            if (settings.SavDevBy == kByName) {
-                if (!settings.DeviceInName.empty())
-                    settings.DeviceIn = std::max(0, indexOf(InputNames, settings.DeviceInName));
-                if (settings.DeviceIn <= last) lists.selected = settings.DeviceIn;
+            if (deviceSettings.SavDevBy == kByName) {
+                if (!deviceSettings.DeviceInName.empty())
+                    deviceSettings.DeviceIn = std::max(0, indexOf(InputNames, deviceSettings.DeviceInName));
+                if (deviceSettings.DeviceIn <= last) lists.selected = deviceSettings.DeviceIn;
             } else {
-                if (settings.DeviceIn > last) settings.DeviceIn = 0;
-                lists.selected = settings.DeviceIn;
+                if (deviceSettings.DeviceIn > last) deviceSettings.DeviceIn = 0;
+                lists.selected = deviceSettings.DeviceIn;
             }
         }
         callUp(audioUpcalls.inputsListed, lists);

@@ -7,7 +7,8 @@
 #include "audio/upcalls.h"
 #include "engine/bass.h"
 #include "startup/guard.h"
-#include "startup/settings.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/volumes.h"
 #include "startup/upcalls.h"
 
 namespace zv {
@@ -32,16 +33,16 @@ constexpr DWORD kMicMs = 10;
 constexpr DWORD kPercentToGlobal = 100;
 constexpr DWORD kMixerFlags = BASS_STREAM_DECODE | BASS_MIXER_NONSTOP | BASS_SAMPLE_FLOAT;
 
-bool single() { return settings.DeviceSingle != 0; }
+bool single() { return deviceSettings.DeviceSingle != 0; }
 DWORD rate() { return static_cast<DWORD>(MixerFreqAtStart); }
 
 std::size_t at(int output) { return static_cast<std::size_t>(output); }
 
 /// The rate of this run: one of the list's, whatever the file says.
 void settleRate() {
-    const bool known = std::find(kRates.begin(), kRates.end(), settings.MixerFreq) != kRates.end();
-    if (!known) settings.MixerFreq = kRates[kUsualRate];
-    MixerFreqAtStart = settings.MixerFreq;
+    const bool known = std::find(kRates.begin(), kRates.end(), deviceSettings.MixerFreq) != kRates.end();
+    if (!known) deviceSettings.MixerFreq = kRates[kUsualRate];
+    MixerFreqAtStart = deviceSettings.MixerFreq;
 }
 
 /// Selects the output that the system calls its default, if it is open.
@@ -95,7 +96,7 @@ void openSingle() {
         reportNoDevice();
     }
     BASS_SetConfig(BASS_CONFIG_BUFFER, 2 * BASS_GetConfig(BASS_CONFIG_BUFFER));
-    BASS_SetConfig(BASS_CONFIG_GVOL_STREAM, static_cast<DWORD>(settings.Volume) * kPercentToGlobal);
+    BASS_SetConfig(BASS_CONFIG_GVOL_STREAM, static_cast<DWORD>(volumeSettings.Volume) * kPercentToGlobal);
 }
 
 }  // namespace
@@ -139,7 +140,7 @@ void SetupMixers() {
         }
         for (int i = 0; i < 2; ++i) {
             OutMixer[at(i)] = newMixer();
-            SetOutputVolume(i, i == 0 ? settings.Volume : settings.VolumeAux);
+            SetOutputVolume(i, i == 0 ? volumeSettings.Volume : volumeSettings.VolumeAux);
         }
         for (const auto* splits : {&MainSplit, &MicSplit})
             for (std::size_t i = 0; i < 2; ++i)
@@ -172,7 +173,8 @@ void MoveOutput(int output, int device) {
 
 void FreeBASS() {
     guarded("modDevices.FreeBASS", [] {
-        BASS_RecordSetDevice(static_cast<DWORD>(settings.DeviceIn == 0 ? kDefaultDevice : settings.DeviceIn));
+        BASS_RecordSetDevice(
+            static_cast<DWORD>(deviceSettings.DeviceIn == 0 ? kDefaultDevice : deviceSettings.DeviceIn));
         BASS_RecordFree();
         if (single()) {
             BASS_Free();
@@ -205,7 +207,7 @@ void FreeBASS() {
 void OpenMic() {
     guarded("modDevices.OpenMic", [] {
         if (hMic != 0) CloseMic();
-        if (!BASS_RecordInit(settings.DeviceIn == 0 ? kDefaultDevice : settings.DeviceIn) &&
+        if (!BASS_RecordInit(deviceSettings.DeviceIn == 0 ? kDefaultDevice : deviceSettings.DeviceIn) &&
             BASS_ErrorGetCode() != BASS_ERROR_ALREADY)
             return;
         BASS_RECORDINFO info{};

@@ -1,4 +1,4 @@
-/// Outputs, the microphone and the mix topology between them. Two topologies: settings.DeviceSingle 1 plays
+/// Outputs, the microphone and the mix topology between them. Two topologies: deviceSettings.DeviceSingle 1 plays
 /// every channel straight on one device; 0 mixes jingles and microphone onto two outputs. [control]
 #pragma once
 

@@ -6,7 +6,8 @@
 #include "engine/bass.h"
 #include "model/jingle.h"
 #include "model/state.h"
-#include "startup/settings.h"
+#include "startup/settings/duck.h"
+#include "startup/settings/live.h"
 
 namespace zv {
 
@@ -27,12 +28,12 @@ bool plays(DWORD channel) { return channel != 0 && BASS_ChannelIsActive(channel)
 /// The live stream plays, and is not on its way out.
 bool livePlays() { return LiveNow != LiveState::leaving && plays(hLive); }
 
-double liveVolume() { return settings.VolLive * settings.CoefVolLive; }
+double liveVolume() { return liveSettings.VolLive * liveSettings.CoefVolLive; }
 
 void slideLive(DWORD attribute, bool down) {
     const double volume = liveVolume();
-    BASS_ChannelSlideAttribute(hLive, attribute, share(down ? volume * share(settings.AttnVol) : volume),
-                               ms(down ? settings.FadeOutSpeed : settings.FadeInSpeed));
+    BASS_ChannelSlideAttribute(hLive, attribute, share(down ? volume * share(duckSettings.AttnVol) : volume),
+                               ms(down ? duckSettings.FadeOutSpeed : duckSettings.FadeInSpeed));
 }
 
 /// All jingles that duck, of the grid and the hot block, whether they sound or not. One that fades to its end
@@ -42,8 +43,8 @@ void slideJingles(bool down) {
         const JingleRecord& j = Jingle(i);
         if (j.AutoDuck != 1 || j.hPlay == 0 || j.Leaving) continue;
         // The way up ends at Volm on the attribute, on top of the volume effect: 50 % come back as 25 %.
-        BASS_ChannelSlideAttribute(j.hPlay, BASS_ATTRIB_VOL, share(down ? settings.AttnVol : j.Volm),
-                                   ms(down ? settings.FadeOutSpeed : settings.FadeInSpeed));
+        BASS_ChannelSlideAttribute(j.hPlay, BASS_ATTRIB_VOL, share(down ? duckSettings.AttnVol : j.Volm),
+                                   ms(down ? duckSettings.FadeOutSpeed : duckSettings.FadeInSpeed));
     }
 }
 
@@ -59,7 +60,7 @@ double remainMs() { return static_cast<double>(static_cast<long long>(DuckRemain
 
 void takePart(double left, bool triggers, int who) {
     if (DuckRemain == 0 || DuckRemain > left) DuckRemain = left;
-    if (!triggers || remainMs() <= settings.FadeInAdvance) return;
+    if (!triggers || remainMs() <= duckSettings.FadeInAdvance) return;
     DuckWanted = true;
     DuckTrigger = who;
 }
@@ -68,21 +69,21 @@ void takePart(double left, bool triggers, int who) {
 
 void LiveVolumeChanged() {
     if (LiveNow != LiveState::onAir) return;
-    const bool down = Ducked && settings.LiveAutoDuck == 1 && settings.AutoDuckMode == kDuckByLevel;
-    BASS_ChannelSlideAttribute(hLive, BASS_ATTRIB_VOLDSP, LiveLevel() * (down ? share(settings.AttnVol) : 1),
-                               kVolumeMs);
+    const bool down = Ducked && liveSettings.LiveAutoDuck == 1 && duckSettings.AutoDuckMode == kDuckByLevel;
+    BASS_ChannelSlideAttribute(hLive, BASS_ATTRIB_VOLDSP,
+                               LiveLevel() * (down ? share(duckSettings.AttnVol) : 1), kVolumeMs);
 }
 
 void DuckTickLevel(int trigLevel) {
-    if (settings.AutoDuckMode != kDuckByLevel) return;
-    DuckWanted = trigLevel >= settings.AutoDuckThreshold;
+    if (duckSettings.AutoDuckMode != kDuckByLevel) return;
+    DuckWanted = trigLevel >= duckSettings.AutoDuckThreshold;
     if (!DuckWanted && Ducked) {
         comeBack(BASS_ATTRIB_VOLDSP, true);
     } else if (DuckWanted) {
         DuckTrigger = LoudestTrigger;
         if (Ducked) return;
         Ducked = true;
-        if (settings.LiveAutoDuck == 1 && livePlays()) slideLive(BASS_ATTRIB_VOLDSP, true);
+        if (liveSettings.LiveAutoDuck == 1 && livePlays()) slideLive(BASS_ATTRIB_VOLDSP, true);
         slideJingles(true);
     }
 }
@@ -100,15 +101,15 @@ void DuckTickJingle(int index, double left) {
 void DuckTickAnnouncer(double left) { takePart(left, true, kAnnouncer); }
 
 void DuckTickEnd(bool liveFree) {
-    if (settings.AutoDuckMode == kDuckByTime) {
-        if (remainMs() < settings.FadeInAdvance && Ducked) comeBack(BASS_ATTRIB_VOL, liveFree);
+    if (duckSettings.AutoDuckMode == kDuckByTime) {
+        if (remainMs() < duckSettings.FadeInAdvance && Ducked) comeBack(BASS_ATTRIB_VOL, liveFree);
         if (!DuckWanted) return;
         // Each tick orders the slide anew: the level nears its end along a curve, and a jingle that was started
         // meanwhile goes down too.
         Ducked = true;
         slideJingles(true);
-        if (settings.LiveAutoDuck == 1 && liveFree && livePlays()) slideLive(BASS_ATTRIB_VOL, true);
-    } else if (settings.AutoDuckMode != kDuckByLevel && Ducked) {
+        if (liveSettings.LiveAutoDuck == 1 && liveFree && livePlays()) slideLive(BASS_ATTRIB_VOL, true);
+    } else if (duckSettings.AutoDuckMode != kDuckByLevel && Ducked) {
         comeBack(BASS_ATTRIB_VOLDSP, true);  // the duck was turned off while it held something down
     }
 }

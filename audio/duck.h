@@ -4,7 +4,7 @@
 
 namespace zv {
 
-inline constexpr int kDuckByLevel = 0;  ///< values of settings.AutoDuckMode; any other ducks nothing
+inline constexpr int kDuckByLevel = 0;  ///< values of duckSettings.AutoDuckMode; any other ducks nothing
 inline constexpr int kDuckByTime = 1;
 
 extern bool DuckWanted, Ducked;

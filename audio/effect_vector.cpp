@@ -6,7 +6,7 @@
 
 #include "startup/helpers.h"
 #include "startup/impulse.h"
-#include "startup/settings.h"
+#include "startup/settings/editor.h"
 #include "startup/stores.h"
 
 namespace zv {
@@ -80,11 +80,11 @@ double SliderOfRate(double rate, int freq) {
     return freq == 0 || rate == 0 ? 0 : (rate / freq - 1) / kPerTenth;
 }
 
-int MostTempo() { return std::min(settings.TempoMax, kMostTempoDown); }
+int MostTempo() { return std::min(editorSettings.TempoMax, kMostTempoDown); }
 int MostRateDown() { return static_cast<int>(MostTempo() / kPercentPerTenth); }
-int MostRateUp() { return static_cast<int>(settings.TempoMax / kPercentPerTenth); }
-int MostPitch() { return settings.TempoMax; }
-int MostGain() { return settings.EQVMax; }
+int MostRateUp() { return static_cast<int>(editorSettings.TempoMax / kPercentPerTenth); }
+int MostPitch() { return editorSettings.TempoMax; }
+int MostGain() { return editorSettings.EQVMax; }
 
 std::vector<std::string> EffectPresets() {
     std::vector<std::string> names;

@@ -6,7 +6,7 @@
 #include "engine/bass.h"
 #include "model/jingle.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
+#include "startup/settings/editor.h"
 
 namespace zv {
 namespace {
@@ -21,7 +21,7 @@ double twoDecimals(double value) { return std::floor(value * 100 + 0.5) / 100; }
 }  // namespace
 
 std::array<double, kEqBands> EqCentres() {
-    const auto parts = Split(settings.EQBands, ",");
+    const auto parts = Split(editorSettings.EQBands, ",");
     std::array<double, kEqBands> centres{};
     for (std::size_t i = 0; i < centres.size(); ++i) centres[i] = Val(parts.at(i));
     return centres;

@@ -7,7 +7,9 @@
 #include "audio/sounding.h"
 #include "engine/bass.h"
 #include "model/jingle.h"
-#include "startup/settings.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/live.h"
+#include "startup/settings/meters.h"
 
 namespace zv {
 
@@ -37,8 +39,9 @@ Pair levelOf(DWORD channel) {
         return {};
     }
     float levels[2] = {0, 0};
-    const DWORD flags = (settings.VuRMS != 0 ? BASS_LEVEL_RMS : 0) | BASS_LEVEL_STEREO | BASS_LEVEL_VOLPAN;
-    const bool heard = settings.DeviceSingle != 0
+    const DWORD flags =
+        (meterSettings.VuRMS != 0 ? BASS_LEVEL_RMS : 0) | BASS_LEVEL_STEREO | BASS_LEVEL_VOLPAN;
+    const bool heard = deviceSettings.DeviceSingle != 0
                            ? BASS_ChannelGetLevelEx(channel, levels, kWindowSeconds, flags)
                            : BASS_Mixer_ChannelGetLevelEx(channel, levels, kWindowSeconds, flags);
     return heard ? Pair{levels[0], levels[1]} : Pair{};
@@ -75,7 +78,7 @@ std::array<int, 6> GetLevels() {
     }
     const Pair live = levelOf(hLive);
     meter.raise(live);
-    if (settings.LiveAutoDuck == 0) triggers(live.loudest(), kLiveStream);
+    if (liveSettings.LiveAutoDuck == 0) triggers(live.loudest(), kLiveStream);
     LoudestLevel = {meter.left, meter.right};
     return {units(duck.left), units(duck.right), units(meter.left), units(meter.right), units(trigger), 0};
 }

@@ -17,7 +17,9 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/duck.h"
+#include "startup/settings/live.h"
 #include "startup/upcalls.h"
 
 namespace zv {
@@ -66,7 +68,7 @@ std::int64_t dryFrom = 0;  // ms: the stream has stalled since; 0 it flows
 std::size_t breaks = 0;    // in a row
 bool told = false;         // that it has ended
 
-bool mix() { return settings.DeviceSingle == 0; }
+bool mix() { return deviceSettings.DeviceSingle == 0; }
 DWORD ms(int value) { return static_cast<DWORD>(std::max(0, value)); }
 /// The number under which the engine knows an input of the list.
 int inputNumber(int index) { return index == 0 ? kDefaultInput : index; }
@@ -118,7 +120,7 @@ void dropChannel() {
     if (hLive == 0) return;
     if (!mix()) {
         // It frees itself when it has faded.
-        BASS_ChannelSlideAttribute(hLive, BASS_ATTRIB_VOL, kStopAtEnd, ms(settings.FadeOutSpeed));
+        BASS_ChannelSlideAttribute(hLive, BASS_ATTRIB_VOL, kStopAtEnd, ms(duckSettings.FadeOutSpeed));
         return;
     }
     BASS_Mixer_ChannelRemove(hLive);
@@ -141,10 +143,10 @@ void connected(Opened& opened, bool again) {
         ErrorLive_(Ln("mError"), opened.error());
         return;
     }
-    putOnAir(again ? kReconnectFade : settings.FadeInSpeed);
+    putOnAir(again ? kReconnectFade : duckSettings.FadeInSpeed);
     enter(LiveState::onAir);
     LiveTitle.clear();
-    settings.StreamPoint = StreamChoice;
+    liveSettings.StreamPoint = StreamChoice;
     if (UrlAdd(StreamChoice)) callUp(audioUpcalls.addressesChanged);
     saysOnAir();
     if (!mix()) BASS_ChannelPlay(hLive, false);
@@ -164,7 +166,7 @@ void connect(bool again) {
 }
 
 /// The devices of the other inputs stay selected as they were.
-void selectMicrophone() { BASS_RecordSetDevice(static_cast<DWORD>(inputNumber(settings.DeviceIn))); }
+void selectMicrophone() { BASS_RecordSetDevice(static_cast<DWORD>(inputNumber(deviceSettings.DeviceIn))); }
 
 void openInput(int index) {
     LiveInputIdx = index;
@@ -183,14 +185,14 @@ void openInput(int index) {
         ErrorLive_(Ln("mError"), error);
         return;
     }
-    putOnAir(settings.FadeInSpeed);
+    putOnAir(duckSettings.FadeInSpeed);
     enter(LiveState::onAir);
-    settings.StreamPoint = StreamChoice;
+    liveSettings.StreamPoint = StreamChoice;
     callUp(audioUpcalls.liveChanged);
 }
 
 void closeInput() {
-    if (LiveInputIdx < 0 || LiveInputIdx == settings.DeviceIn) return;
+    if (LiveInputIdx < 0 || LiveInputIdx == deviceSettings.DeviceIn) return;
     if (BASS_RecordSetDevice(static_cast<DWORD>(inputNumber(LiveInputIdx)))) BASS_RecordFree();
     selectMicrophone();
 }
@@ -249,7 +251,7 @@ bool brokenOff() {
 void watchSound() {
     if (monotonicMs() - since >= kSettledMs) breaks = 0;
     if (brokenOff()) {
-        if (LiveInputIdx < 0 && settings.LiveReconnect == 1) return waitForNext();
+        if (LiveInputIdx < 0 && liveSettings.LiveReconnect == 1) return waitForNext();
         if (!std::exchange(told, true)) say(Ln("mStrEr5"));
         return;
     }
@@ -266,7 +268,7 @@ void watchSound() {
 
 }  // namespace
 
-float LiveLevel() { return static_cast<float>(settings.VolLive * settings.CoefVolLive * 0.01); }
+float LiveLevel() { return static_cast<float>(liveSettings.VolLive * liveSettings.CoefVolLive * 0.01); }
 
 bool LivePlays() { return hLive != 0 && BASS_ChannelIsActive(hLive) == BASS_ACTIVE_PLAYING; }
 
@@ -289,7 +291,7 @@ void SubPlayStream(const std::string& choice) {
             StopPlayStream();
             return;
         }
-        FadeLive(BASS_ATTRIB_VOL, settings.FadeOutSpeed);
+        FadeLive(BASS_ATTRIB_VOL, duckSettings.FadeOutSpeed);
         callUp(audioUpcalls.liveFadesOut);
     });
 }

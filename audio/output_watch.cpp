@@ -14,7 +14,7 @@
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/devices.h"
 #include "startup/upcalls.h"
 
 namespace zv {
@@ -37,7 +37,7 @@ Job look;
 std::int64_t lookedAt = 0;
 
 bool used(int output) {
-    return output == 0 || (settings.DeviceSingle == 0 && Device[1] > 0 && Device[1] != Device[0]);
+    return output == 0 || (deviceSettings.DeviceSingle == 0 && Device[1] > 0 && Device[1] != Device[0]);
 }
 
 /// Whether the output does not play what it should.

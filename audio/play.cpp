@@ -19,7 +19,8 @@
 #include "platform/sound.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
-#include "startup/settings.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/minimal.h"
 #include "startup/upcalls.h"
 
 namespace zv {
@@ -210,9 +211,9 @@ void clPlay(int index, int velocity) {
             callUp(audioUpcalls.slotWaits, index);
             return;
         }
-        if (settings.AutoMix == kAutomixCrossfade) FadeOthers(index);
+        if (automixSettings.AutoMix == kAutomixCrossfade) FadeOthers(index);
         if (Jingle(index).hPlay == 0) return;
-        if (settings.MinimalView == 1 && ClockShown) callUp(audioUpcalls.hideClock);
+        if (minimalSettings.MinimalView == 1 && ClockShown) callUp(audioUpcalls.hideClock);
         if (plays(Jingle(index)))
             pressWhilePlaying(index, velocity);
         else

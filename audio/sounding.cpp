@@ -8,7 +8,6 @@
 #include "model/after_sound.h"
 #include "model/held_palette.h"
 #include "model/jingle.h"
-#include "startup/settings.h"
 #include "startup/stores.h"
 
 namespace zv {

@@ -24,7 +24,7 @@
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
+#include "startup/settings/devices.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 
@@ -116,7 +116,7 @@ void attachEffects(int index) {
 
 void buildChannel(int index) {
     JingleRecord& j = Jingle(index);
-    const bool mix = settings.DeviceSingle == 0;
+    const bool mix = deviceSettings.DeviceSingle == 0;
     j.hPlay = BASS_FX_TempoCreate(j.hSrc, mix ? BASS_STREAM_DECODE | BASS_FX_FREESOURCE : BASS_FX_FREESOURCE);
     BASS_ChannelSetAttribute(j.hPlay, BASS_ATTRIB_BUFFER, 0);
     BASS_ChannelUpdate(j.hPlay, 0);

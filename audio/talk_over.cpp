@@ -5,7 +5,8 @@
 
 #include "audio/devices.h"
 #include "engine/bass.h"
-#include "startup/settings.h"
+#include "startup/settings/duck.h"
+#include "startup/settings/volumes.h"
 
 namespace zv {
 
@@ -29,7 +30,7 @@ void slideJingles(float main, float aux, int ms) {
 /// The microphone on one output, at `mic` times its own level there.
 void slideMic(std::size_t output, float mic, DWORD ms) {
     if (MicSplit[output] == 0) return;
-    const float level = mic * share(output == 0 ? settings.VolumeInMain : settings.VolumeInAux);
+    const float level = mic * share(output == 0 ? volumeSettings.VolumeInMain : volumeSettings.VolumeInAux);
     BASS_ChannelSlideAttribute(MicSplit[output], BASS_ATTRIB_VOLDSP, level, ms);
 }
 
@@ -41,29 +42,29 @@ void slideMics(float mic, DWORD ms) {
 
 void RaiseMic() {
     MicPushed = true;
-    slideJingles(share(settings.AttnVol), share(settings.AttnVol), settings.FadeOutSpeed);
+    slideJingles(share(duckSettings.AttnVol), share(duckSettings.AttnVol), duckSettings.FadeOutSpeed);
     slideMics(1, kMicRamp);
 }
 
 void LowerMic() {
-    slideJingles(1, 1, settings.FadeInSpeed);
+    slideJingles(1, 1, duckSettings.FadeInSpeed);
     slideMics(0, kMicRamp);
 }
 
 void EndTalkOver() {
     // Back to the output's own level, which is what the key always did.
-    slideJingles(share(settings.Volume), share(settings.VolumeAux), settings.FadeInSpeed);
+    slideJingles(share(volumeSettings.Volume), share(volumeSettings.VolumeAux), duckSettings.FadeInSpeed);
     slideMics(0, kMicRamp);
 }
 
 void InputIsOff() {
     if (MicPushed) return;
-    slideJingles(1, 1, settings.FadeInSpeed);
+    slideJingles(1, 1, duckSettings.FadeInSpeed);
     slideMics(0, kInputOffRamp);
 }
 
 void SetInputVolume(int output, int percent) {
-    (output == 0 ? settings.VolumeInMain : settings.VolumeInAux) = percent;
+    (output == 0 ? volumeSettings.VolumeInMain : volumeSettings.VolumeInAux) = percent;
     if (MicPushed) slideMic(static_cast<std::size_t>(output), 1, kMicRamp);
 }
 

@@ -18,7 +18,7 @@
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/devices.h"
 #include "startup/upcalls.h"
 
 namespace zv {
@@ -37,7 +37,7 @@ PersistedJingle chosen;
 double endOffset = 0;  // bytes cut from its end
 Job opening;
 
-bool mix() { return settings.DeviceSingle == 0; }
+bool mix() { return deviceSettings.DeviceSingle == 0; }
 
 double lengthOf(DWORD channel) {
     const QWORD length = channel == 0 ? BASS_NO_POSITION : BASS_ChannelGetLength(channel, BASS_POS_BYTE);

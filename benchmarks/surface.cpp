@@ -15,7 +15,8 @@
 #include "model/jingle.h"
 #include "platform/paths.h"
 #include "platform/rehearsal/midi_devices.h"
-#include "startup/settings.h"
+#include "startup/settings/grid.h"
+#include "startup/settings/midi.h"
 #include "startup/stores.h"
 
 namespace zv::bench {
@@ -52,10 +53,10 @@ void surface() {
     writeSurface(home);
     setProgramFolder(home.path(""));
     SetStorePaths();
-    settings.JinglesCols = 12;
+    gridSettings.JinglesCols = 12;
     LastPalIdx = kPaletteSlots - 1;
-    settings.MIDIDevice = "Pad";
-    settings.MIDIEnabled = 1;
+    midiSettings.MIDIDevice = "Pad";
+    midiSettings.MIDIEnabled = 1;
     zv::perform = [](Action, int, int) { return true; };
     MidiDevices& devices = MidiDevices::instance();
     std::uint64_t sent = 0;

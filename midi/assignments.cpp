@@ -15,7 +15,6 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 

@@ -10,7 +10,7 @@
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/midi.h"
 #include "startup/upcalls.h"
 
 namespace zv {
@@ -34,7 +34,7 @@ bool outputCame() {
     if (hMidiIn == 0 || hMidiOut != 0 || MIDIOutIndex != kNoMidiIndex) return false;
     std::vector<std::string> outputs;
     ListMidiOutDevices(outputs);
-    return position(outputs, settings.MIDIDevice) >= 0;
+    return position(outputs, midiSettings.MIDIDevice) >= 0;
 }
 
 void showLists() { callUp(midiUpcalls.listsChanged); }
@@ -46,8 +46,8 @@ void loseDevice() {
 }
 
 std::string caption() {
-    const std::string in = settings.MIDIEnabled == 1 && !MIDIHidden ? MIDIDeviceLabel : std::string();
-    const std::string out = settings.MIDIOutFixedEnabled == 1 ? MIDIOutFixedDeviceLabel : std::string();
+    const std::string in = midiSettings.MIDIEnabled == 1 && !MIDIHidden ? MIDIDeviceLabel : std::string();
+    const std::string out = midiSettings.MIDIOutFixedEnabled == 1 ? MIDIOutFixedDeviceLabel : std::string();
     return in.empty() || out.empty() ? in + out : in + " / " + out;
 }
 
@@ -84,11 +84,11 @@ void CloseMidiOutDevice(MidiHandle& handle) {
 }
 
 void LoadMIDI() {
-    const int index = position(lstInDevs, settings.MIDIDevice);
+    const int index = position(lstInDevs, midiSettings.MIDIDevice);
     if (index < 0) return;
     OpenMidiInDevice(index);
     startMidiInput(hMidiIn);
-    LoadMIDIdatas(settings.MIDIDevice);
+    LoadMIDIdatas(midiSettings.MIDIDevice);
 }
 
 void SetMIDIDevice() {
@@ -108,11 +108,11 @@ void SetMIDIDevice() {
             cmbInDevsGUI.fill(lstInDevs);
         }
         MIDIDevicePicked = false;
-        const int input = position(lstInDevs, settings.MIDIDevice);
+        const int input = position(lstInDevs, midiSettings.MIDIDevice);
         int output = kNoMidiIndex;
         if (input >= 0) {
             ListMidiOutDevices(lstOutDevs);
-            output = position(lstOutDevs, settings.MIDIDevice);
+            output = position(lstOutDevs, midiSettings.MIDIDevice);
         } else {
             loseDevice();
         }
@@ -124,8 +124,8 @@ void SetMIDIDevice() {
             showLists();
             return;
         }
-        cmbInDevsGUI.select(settings.MIDIDevice);
-        MIDIDeviceLabel = settings.MIDIDevice;
+        cmbInDevsGUI.select(midiSettings.MIDIDevice);
+        MIDIDeviceLabel = midiSettings.MIDIDevice;
         LoadMIDI();
         MIDIInOpen = hMidiIn != 0;
         midiTimers().TimerMIDI.start();
@@ -139,16 +139,16 @@ void SetMIDIDevice() {
 
 void SetMIDIOutFixedDevice() {
     guarded("modMidiFunctions.SetMIDIOutFixedDevice", [] {
-        if (settings.MIDIOutFixedEnabled == 0) return;
+        if (midiSettings.MIDIOutFixedEnabled == 0) return;
         ListMidiOutDevices(lstOutDevs);
         if (!lostIts(hMidiOutFixed) && rowsBut(cmbMIDIOutFixedDevsGUI) == count(lstOutDevs)) return;
         cmbMIDIOutFixedDevsGUI.fill(lstOutDevs);
-        const int output = position(lstOutDevs, settings.MIDIOutFixedDevice);
+        const int output = position(lstOutDevs, midiSettings.MIDIOutFixedDevice);
         if (output >= 0) {
-            cmbMIDIOutFixedDevsGUI.select(settings.MIDIOutFixedDevice);
+            cmbMIDIOutFixedDevsGUI.select(midiSettings.MIDIOutFixedDevice);
             OpenMidiOutDevice(output, hMidiOutFixed);
             LoadMIDIOutFixeddatas();
-            MIDIOutFixedDeviceLabel = settings.MIDIOutFixedDevice;
+            MIDIOutFixedDeviceLabel = midiSettings.MIDIOutFixedDevice;
         } else {
             CloseMidiOutDevice(hMidiOutFixed);
             cmbMIDIOutFixedDevsGUI.selected = 0;
@@ -160,8 +160,8 @@ void SetMIDIOutFixedDevice() {
 
 void TimerMIDIDevices_Timer() {
     guarded(".TimerMIDIDevices_Timer", [] {
-        if (settings.MIDIOutFixedEnabled == 1) SetMIDIOutFixedDevice();
-        if (settings.MIDIEnabled == 1) {
+        if (midiSettings.MIDIOutFixedEnabled == 1) SetMIDIOutFixedDevice();
+        if (midiSettings.MIDIEnabled == 1) {
             SetMIDIDevice();
             if (const std::string text = caption(); text != MIDIStatusText) {
                 MIDIStatusText = text;
@@ -169,7 +169,7 @@ void TimerMIDIDevices_Timer() {
             }
         }
         const bool pumping = midiTimers().TimerMIDI.enabled();
-        if (pumping && settings.MIDIAutoHide == 1 && MIDIHidden) {
+        if (pumping && midiSettings.MIDIAutoHide == 1 && MIDIHidden) {
             MIDIHidden = false;
             callUp(midiUpcalls.showStatus, true);
         }
@@ -182,6 +182,8 @@ void TimerMIDIPorts_Timer() {
     if (midiTimers().TimerMIDIDevices.enabled()) TimerMIDIDevices_Timer();
 }
 
-bool MIDIStatusVisible() { return (settings.MIDIAutoHide == 0 && settings.MIDIEnabled == 1) || hMidiIn != 0; }
+bool MIDIStatusVisible() {
+    return (midiSettings.MIDIAutoHide == 0 && midiSettings.MIDIEnabled == 1) || hMidiIn != 0;
+}
 
 }  // namespace zv

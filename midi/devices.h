@@ -19,7 +19,7 @@ void CloseMidiInDevice();
 void OpenMidiOutDevice(int index, MidiHandle& handle);
 void CloseMidiOutDevice(MidiHandle& handle);
 
-/// Opens and starts the input settings.MIDIDevice and loads its assignments.
+/// Opens and starts the input midiSettings.MIDIDevice and loads its assignments.
 void LoadMIDI();
 /// The rescans of the control input with its output, and of the fixed output: nothing happens while the number of
 /// devices stays the same, unless one was picked.

@@ -18,7 +18,7 @@
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/devices.h"
 #include "startup/upcalls.h"
 
 namespace zv {
@@ -67,7 +67,7 @@ void autoMixFader() {
 
 /// Tests 1 to 10: wheels and releases, which are full codes.
 bool takenAsFull() {
-    const bool micPath = settings.DeviceSingle == 0;
+    const bool micPath = deviceSettings.DeviceSingle == 0;
     if (full(midiIn.MIDIScrollAnticlockwise)) {
         act(Action::paletteUp, PaletteKey::wheel);
     } else if (full(midiIn.MIDIScrollClockwise)) {
@@ -105,7 +105,7 @@ Taken paletteKey(Action action, LampKey lamp) {
 
 /// Tests 11 to 20: faders and presses, which are short codes.
 Taken takenAsShort() {
-    const bool micPath = settings.DeviceSingle == 0;
+    const bool micPath = deviceSettings.DeviceSingle == 0;
     if (shortly(midiIn.MIDIVolCode)) {
         volumeFader();
     } else if (shortly(midiIn.MIDIAmixCode)) {

@@ -12,7 +12,8 @@
 #include "model/state.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
-#include "startup/settings.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/midi.h"
 
 namespace zv {
 namespace {
@@ -57,9 +58,9 @@ const std::string& toggleState(Toggle toggle) {
         case Toggle::autoMix:
             break;
     }
-    return settings.AutoMix == 0   ? midiOut.OutMixOff
-           : settings.AutoMix == 1 ? midiOut.OutMixOn1
-                                   : midiOut.OutMixOn2;
+    return automixSettings.AutoMix == 0   ? midiOut.OutMixOff
+           : automixSettings.AutoMix == 1 ? midiOut.OutMixOn1
+                                          : midiOut.OutMixOn2;
 }
 
 struct ToggleLamp {
@@ -78,15 +79,15 @@ const ToggleLamp& lampOf(Toggle toggle) { return kToggles[static_cast<std::size_
 bool isOn(Toggle toggle) {
     return toggle == Toggle::autoRepeat ? ToggleAutoRep != 0
            : toggle == Toggle::touch    ? ToggleTouch != 0
-                                        : settings.AutoMix != 0;
+                                        : automixSettings.AutoMix != 0;
 }
 
 }  // namespace
 
 void MIDIOut(const std::string& text, MidiHandle handle) {
     guarded("modMidiFunctions.MIDIOut", [&] {
-        if (handle == hMidiOutFixed && settings.MIDIOutFixedEnabled == 0) return;
-        if (handle == hMidiOut && settings.MIDIEnabled == 0) return;
+        if (handle == hMidiOutFixed && midiSettings.MIDIOutFixedEnabled == 0) return;
+        if (handle == hMidiOut && midiSettings.MIDIEnabled == 0) return;
         if (text.size() != kFullCode) return;
         try {
             sendMidi(handle, PackCode(text));
@@ -103,8 +104,8 @@ void MIDIOutFixedJingle(int index, bool on) {
 }
 
 void LoadMIDIOutFixeddatas() {
-    const std::string channel = hexDigits(settings.MIDIOutFixedChan - 1);
-    const std::string velocity = hexDigits(settings.MIDIOutFixedVel);
+    const std::string channel = hexDigits(midiSettings.MIDIOutFixedChan - 1);
+    const std::string velocity = hexDigits(midiSettings.MIDIOutFixedVel);
     for (int note = 0; note < kNotes; ++note) {
         const auto at = static_cast<std::size_t>(note);
         fixedOn[at] = "9" + channel + HexByte(note) + velocity;

@@ -15,7 +15,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/midi.h"
 #include "startup/upcalls.h"
 
 namespace zv {
@@ -151,8 +151,8 @@ std::string freeCodes(const Teachable& t) {
     const Learning& l = MIDILearn;
     if (stored(l.MIDILearnDown).empty() && stored(l.MIDILearnUp).empty()) return {};
     if (t.window == LearnWindow::fader)
-        return MIDIassignedTo(settings.MIDIDevice, l.MIDILearnDown, l.ckReverse ? "1" : "0");
-    return MIDIassignedTo(settings.MIDIDevice, stored(l.MIDILearnDown), stored(l.MIDILearnUp));
+        return MIDIassignedTo(midiSettings.MIDIDevice, l.MIDILearnDown, l.ckReverse ? "1" : "0");
+    return MIDIassignedTo(midiSettings.MIDIDevice, stored(l.MIDILearnDown), stored(l.MIDILearnUp));
 }
 
 /// What the control shows at present.
@@ -246,7 +246,7 @@ std::string LearnOK() {
         const std::string name = MIDILearn.name;
         const std::string former = freeCodes(t);
         storeCodes(t);
-        CloseFileMIDI(settings.MIDIDevice);
+        CloseFileMIDI(midiSettings.MIDIDevice);
         if (t.window == LearnWindow::button) storeRows(t);
         LearnCancel();
         return former == name ? std::string() : former;

@@ -7,7 +7,7 @@
 #include "midi/state.h"
 #include "midi/upcalls.h"
 #include "platform/wake.h"
-#include "startup/settings.h"
+#include "startup/settings/midi.h"
 #include "startup/upcalls.h"
 
 namespace zv {
@@ -23,7 +23,7 @@ void StartMIDI() {
             midiTimers().TimerMIDIPorts.restart();
     });
     LoadMIDIOutFixeddatas();
-    const bool in = settings.MIDIEnabled == 1, out = settings.MIDIOutFixedEnabled == 1;
+    const bool in = midiSettings.MIDIEnabled == 1, out = midiSettings.MIDIOutFixedEnabled == 1;
     callUp(midiUpcalls.enableGroup, MidiGroup::in, in);
     if (in) {
         timers.TimerMIDIDevices.start();

@@ -10,7 +10,7 @@
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/midi.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 
@@ -34,7 +34,7 @@ bool SameMIDIDevices(const std::string& name) {
 void switchInput(bool on) {
     callUp(midiUpcalls.enableGroup, MidiGroup::in, on);
     if (on) {
-        settings.MIDIEnabled = 1;
+        midiSettings.MIDIEnabled = 1;
         if (cmbInDevsGUI.selected == 0) return;
         // Boxes that were never filled are filled by the rescan itself.
         MIDIDevicePicked = !cmbInDevsGUI.rows.empty();
@@ -45,8 +45,8 @@ void switchInput(bool on) {
     }
     MIDIOut(midiOut.OutReset, hMidiOut);
     CloseMidiInDevice();
-    CloseFileMIDI(settings.MIDIDevice);
-    settings.MIDIEnabled = 0;
+    CloseFileMIDI(midiSettings.MIDIDevice);
+    midiSettings.MIDIEnabled = 0;
     MIDIInOpen = false;
     midiTimers().TimerMIDI.stop();
     midiTimers().TimerMIDIDevices.stop();
@@ -61,17 +61,17 @@ void ckMIDIEnable_Click(MidiSwitch item, bool on) {
                 switchInput(on);
                 break;
             case MidiSwitch::autoHide:
-                settings.MIDIAutoHide = on ? 1 : 0;
+                midiSettings.MIDIAutoHide = on ? 1 : 0;
                 if (!on) MIDIHidden = false;
                 break;
             case MidiSwitch::fixedOutput:
-                settings.MIDIOutFixedEnabled = on ? 1 : 0;
+                midiSettings.MIDIOutFixedEnabled = on ? 1 : 0;
                 callUp(midiUpcalls.enableGroup, MidiGroup::out, on);
                 if (on) SetMIDIOutFixedDevice();
                 break;
         }
         processEvents();
-        if (settings.MIDIEnabled == 1 || settings.MIDIAutoHide == 1) {
+        if (midiSettings.MIDIEnabled == 1 || midiSettings.MIDIAutoHide == 1) {
             midiTimers().TimerMIDIDevices.start();
             TimerMIDIDevices_Timer();
         } else {
@@ -86,7 +86,7 @@ void cmbInDevsGUI_Click(int row) {
     guarded("frmSett.cmbInDevsGUI_Click", [&] {
         cmbInDevsGUI.selected = row;
         const std::string name = cmbInDevsGUI.text();
-        if (MIDIDevicePicked || name == settings.MIDIDevice) return;
+        if (MIDIDevicePicked || name == midiSettings.MIDIDevice) return;
         midiTimers().TimerMIDIDevices.stop();
         processEvents();
         if (SameMIDIDevices(name)) {
@@ -98,9 +98,9 @@ void cmbInDevsGUI_Click(int row) {
         CloseMidiOutDevice(hMidiOut);
         MIDIOutIndex = kNoMidiIndex;
         CloseMidiInDevice();
-        settings.MIDIDevice.clear();
+        midiSettings.MIDIDevice.clear();
         if (row != 0) {
-            settings.MIDIDevice = name;
+            midiSettings.MIDIDevice = name;
             MIDIDevicePicked = true;
             midiTimers().TimerMIDIDevices.start();
             TimerMIDIDevices_Timer();
@@ -130,7 +130,7 @@ void cmbMIDIOutFixedDevsGUI_Click(int row) {
             MIDIOutFixedDeviceLabel.clear();
         } else {
             OpenMidiOutDevice(row - 1, hMidiOutFixed);
-            settings.MIDIOutFixedDevice = name;
+            midiSettings.MIDIOutFixedDevice = name;
             MIDIOutFixedDeviceLabel = name;
             LoadMIDIOutFixeddatas();
         }
@@ -140,12 +140,12 @@ void cmbMIDIOutFixedDevsGUI_Click(int row) {
 }
 
 void cmbMIDIOutFixedChan_Click(int channel) {
-    settings.MIDIOutFixedChan = std::clamp(channel, 1, kLastChannel);
+    midiSettings.MIDIOutFixedChan = std::clamp(channel, 1, kLastChannel);
     LoadMIDIOutFixeddatas();
 }
 
 void txtMIDIOutVel_Change(int velocity) {
-    settings.MIDIOutFixedVel = std::clamp(velocity, 0, kLargestVelocity);
+    midiSettings.MIDIOutFixedVel = std::clamp(velocity, 0, kLargestVelocity);
     LoadMIDIOutFixeddatas();
 }
 
@@ -156,7 +156,7 @@ void cmbMIDIpresets_Click(int row) {
 
 bool MIDICopyEnabled() {
     const std::string preset = cmbMIDIpresets.text();
-    return !settings.MIDIDevice.empty() && !preset.empty() && preset != settings.MIDIDevice;
+    return !midiSettings.MIDIDevice.empty() && !preset.empty() && preset != midiSettings.MIDIDevice;
 }
 
 bool MIDIDeleteEnabled() { return !cmbMIDIpresets.text().empty(); }
@@ -164,7 +164,7 @@ bool MIDIDeleteEnabled() { return !cmbMIDIpresets.text().empty(); }
 void btMIDICopy_Click() {
     guarded("frmSett.btMIDICopy_Click", [] {
         if (!MIDICopyEnabled()) return;
-        CopySection(cmbMIDIpresets.text(), settings.MIDIDevice, MIDIFile);
+        CopySection(cmbMIDIpresets.text(), midiSettings.MIDIDevice, MIDIFile);
         cmbMIDIpresets.selected = 0;
         CloseMidiInDevice();
         LoadMIDI();

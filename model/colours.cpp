@@ -5,7 +5,8 @@
 
 #include "model/state.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
+#include "startup/settings/dark.h"
+#include "startup/settings/marks.h"
 
 namespace zv {
 namespace {
@@ -33,35 +34,35 @@ std::int32_t ShadeColor(std::int32_t colour, int offset) {
 
 std::int32_t GetForeColor(std::int32_t colour, std::string_view kind) {
     const bool jingle = kind == "jingle";
-    const bool dark = settings.DarkMode == 1;
+    const bool dark = darkSettings.DarkMode == 1;
     if (colour == BtnFaceColor) return jingle ? JingleForeColor : dark ? kWhite : kBlack;
-    const bool onDark = Luminosity(colour) <= settings.BrightThresh;
+    const bool onDark = Luminosity(colour) <= darkSettings.BrightThresh;
     if (!dark) {
-        if (onDark) return settings.ColForeCB;
+        if (onDark) return darkSettings.ColForeCB;
         return jingle ? JingleForeColor : BtnForeColor;
     }
-    if (!onDark) return settings.ColForeCBDM;
-    return jingle ? JingleForeColor : settings.DarkForeColor;
+    if (!onDark) return darkSettings.ColForeCBDM;
+    return jingle ? JingleForeColor : darkSettings.DarkForeColor;
 }
 
 std::int32_t ButtonColour(std::string_view btnCol) {
     if (btnCol.empty() || btnCol == kFaceColourText) return BtnFaceColor;
-    return ShadeColor(HexToRGB(btnCol), settings.ShadeOffsetVal);
+    return ShadeColor(HexToRGB(btnCol), darkSettings.ShadeOffsetVal);
 }
 
 ModeColour PlayMod2Color(PlayMode mode) {
     const auto shaded = [](std::int32_t colour) {
-        return ModeColour{ShadeColor(colour, settings.ShadeOffsetVal), true};
+        return ModeColour{ShadeColor(colour, darkSettings.ShadeOffsetVal), true};
     };
     switch (mode) {
         case PlayMode::autoRepeat:
-            return shaded(settings.arColor);
+            return shaded(markSettings.arColor);
         case PlayMode::touch:
-            return shaded(settings.tcColor);
+            return shaded(markSettings.tcColor);
         case PlayMode::playStop:
-            return shaded(settings.psColor);
+            return shaded(markSettings.psColor);
         case PlayMode::noStop:
-            return shaded(settings.nsColor);
+            return shaded(markSettings.nsColor);
         case PlayMode::global:
             break;
     }

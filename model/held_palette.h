@@ -1,4 +1,4 @@
-/// Which palette the slots 0 to 95 of J hold. The name that was chosen (settings.PaletteIndex) runs ahead of it:
+/// Which palette the slots 0 to 95 of J hold. The name that was chosen (paletteSettings.PaletteIndex) runs ahead of it:
 /// a load follows the choice slot by slot, and until it is done the records belong to no palette. [control]
 #pragma once
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "engine/bass.h"
-#include "startup/settings.h"
+#include "startup/settings/grid.h"
 
 namespace zv {
 
@@ -30,7 +30,7 @@ std::uint64_t BytePosition(double position) {
     return static_cast<std::uint64_t>(std::min(position, kBeyondAll));
 }
 
-int LastLiveIdx() { return kPaletteSlots - 1 + 2 * settings.JinglesCols; }
+int LastLiveIdx() { return kPaletteSlots - 1 + 2 * gridSettings.JinglesCols; }
 
 bool IsLive(int index) {
     if (index < 0 || index > LastLiveIdx()) return false;

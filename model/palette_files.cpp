@@ -17,7 +17,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/palette.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 
@@ -139,8 +139,8 @@ bool CloseFile(const std::string& name) {
         if (name.empty() || PaletteLoading()) return;
         // A save of the palette that is being left does not turn the choice of the next one back.
         const bool chosenAhead =
-            !settings.PaletteIndex.empty() && !SameText(settings.PaletteIndex, HeldPalette());
-        const std::string shown = chosenAhead ? settings.PaletteIndex : name;
+            !paletteSettings.PaletteIndex.empty() && !SameText(paletteSettings.PaletteIndex, HeldPalette());
+        const std::string shown = chosenAhead ? paletteSettings.PaletteIndex : name;
         ErrDisp("save");
         emptyMovedSlots(name);
         const auto lines = paletteLines(Purpose::save);

@@ -14,7 +14,7 @@
 #include "model/state.h"
 #include "platform/paths.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
+#include "startup/settings/folders.h"
 
 namespace zv {
 
@@ -35,15 +35,15 @@ bool holds(const std::string& text, const std::string& part) {
 /// A path of a file that an import would copy: absolute, or in the sample folder.
 bool wantsImport(const std::string& path) {
     return isAbsolutePath(path) || holds(path, "\\\\") || holds(path, ":\\") ||
-           holds(path, settings.SampleDir);
+           holds(path, folderSettings.SampleDir);
 }
 
 /// Names of files that this save could not import.
 std::vector<std::string> lockedFiles;
 
 std::string importFolder() {
-    const std::string folder = RPP(settings.SampleDir);
-    return settings.ImportFolderName.empty() ? folder : RPP(folder + settings.ImportFolderName);
+    const std::string folder = RPP(folderSettings.SampleDir);
+    return folderSettings.ImportFolderName.empty() ? folder : RPP(folder + folderSettings.ImportFolderName);
 }
 
 /// Copies the file into the sample folder; the path of the copy, or `path` when it could not be made.
@@ -97,7 +97,7 @@ std::string NeutralFXV(int freq) { return "0,0,0,0,0,0,0,0,0," + std::to_string(
 
 std::string StoredPath(const std::string& path) {
     std::string stored = GetRelPath(path);
-    if (settings.ImportFiles == 1 && wantsImport(stored) && FileExists(GetFullPath(stored)))
+    if (folderSettings.ImportFiles == 1 && wantsImport(stored) && FileExists(GetFullPath(stored)))
         stored = importFile(stored);
     return GetRelPath(stored);
 }

@@ -8,6 +8,7 @@
 #include "startup/backups.h"
 #include "startup/helpers.h"
 #include "startup/settings.h"
+#include "startup/settings/live.h"
 #include "startup/stores.h"
 
 namespace zv {

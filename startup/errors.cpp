@@ -11,7 +11,8 @@
 #include "platform/paths.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/palette.h"
+#include "startup/settings/program.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 
@@ -99,7 +100,7 @@ void ErrDisp(std::string_view mode, int blink, std::string_view text) {
         if (m.mode == mode) mark.character = m.character;
     }
     callUp(startupUpcalls.showErrorMark, mark);
-    if (mode == "save" && settings.AutoSave == 1) callUp(startupUpcalls.startSaveTimer);
+    if (mode == "save" && paletteSettings.AutoSave == 1) callUp(startupUpcalls.startSaveTimer);
 }
 
 void Error_(std::string_view message) {
@@ -128,7 +129,7 @@ std::string BassErrMessage(int code) {
         std::find_if(kCodes.begin(), kCodes.end(), [&](const CodeName& c) { return c.code == code; });
     const std::string_view key = found == kCodes.end() ? std::string_view() : std::string_view(found->key);
     const std::string first = LanguageStore.GetValue(key);
-    return first.empty() ? first : LanguageStore.GetValue(key, 0, settings.Language, first);
+    return first.empty() ? first : LanguageStore.GetValue(key, 0, programSettings.Language, first);
 }
 
 std::vector<const char*> EngineErrorKeys() {

@@ -2,7 +2,7 @@
 
 #include "platform/desktop.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
+#include "startup/settings/program.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 
@@ -13,7 +13,7 @@ constexpr const char* kProbe = "mb_tmAnJin";  // a language without it is unusab
 
 }  // namespace
 
-std::string Ln(std::string_view key) { return LanguageStore.GetValue(key, 0, settings.Language); }
+std::string Ln(std::string_view key) { return LanguageStore.GetValue(key, 0, programSettings.Language); }
 
 std::string LnBox(std::string_view key) { return br2chr13(Ln(key)); }
 
@@ -23,9 +23,9 @@ BoxWords Verbs(std::string_view agree, std::string_view decline, bool destroys) 
 }
 
 void LnStrings(std::string_view window) {
-    LanguageStore.SetSection(settings.Language);
+    LanguageStore.SetSection(programSettings.Language);
     if (LanguageStore.GetValue(kProbe).empty()) {
-        settings.Language = kEnglish;
+        programSettings.Language = kEnglish;
         LanguageStore.SetSection(kEnglish);
     }
     for (const LanguageKey& entry : LanguageKeys()) {

@@ -1,4 +1,9 @@
 #include "startup/settings.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/folders.h"
+#include "startup/settings/labels.h"
+#include "startup/settings/program.h"
+#include "startup/settings/window.h"
 
 #include <algorithm>
 #include <array>
@@ -23,8 +28,6 @@
 
 namespace zv {
 
-Settings settings;
-
 namespace {
 
 namespace fs = std::filesystem;
@@ -44,10 +47,8 @@ cImpulse& storeOf(const SettingKey& key) {
     return key.rules.special == Special::account ? AccountStore : SettingsStore;
 }
 
-std::int32_t& numberOf(const SettingKey& key) {
-    return settings.*std::get<std::int32_t Settings::*>(key.field);
-}
-std::string& textOf(const SettingKey& key) { return settings.*std::get<std::string Settings::*>(key.field); }
+std::int32_t& numberOf(const SettingKey& key) { return *std::get<std::int32_t*>(key.field); }
+std::string& textOf(const SettingKey& key) { return *std::get<std::string*>(key.field); }
 bool isNumber(const SettingKey& key) { return key.type != SettingType::text; }
 
 /// Values in the course of one load: the keys that need a default and those that could not be used.
@@ -63,9 +64,9 @@ std::string defaultOf(const SettingKey& key, const Load& load) {
         case Special::palette:
             return FileLength(PalFile) > 0 ? kSamplePalette : "";
         case Special::lastFolder:
-            return GetRelPath(settings.SampleDir);
+            return GetRelPath(folderSettings.SampleDir);
         case Special::language:
-            return settings.Sealed.empty() ? LanguageChosenBySystem() : kEnglish;
+            return programSettings.Sealed.empty() ? LanguageChosenBySystem() : kEnglish;
         case Special::ignoredUpdate:
             return ProgramVersionDigits();
         case Special::today:
@@ -105,7 +106,7 @@ void loadMixerFreq(const std::string& value, const SettingKey& key, Load& load) 
     if (result != Conversion::good) {
         complain(load, key, value, result);
     } else if (std::find(kMixerRates.begin(), kMixerRates.end(), rate) != kMixerRates.end()) {
-        settings.MixerFreq = rate;
+        deviceSettings.MixerFreq = rate;
     }
 }
 
@@ -118,20 +119,20 @@ void loadKey(const SettingKey& key, Load& load) {
     std::string value = readKey(key, load);
     switch (key.rules.special) {
         case Special::alwaysOnTop:
-            settings.AlwaysOnTop =
+            windowSettings.AlwaysOnTop =
                 value.empty() || value == "0" || SameText(value, "Faux") || SameText(value, "False") ? 0 : 1;
             return;
         case Special::anything:
             numberOf(key) = value.empty() ? 0 : 1;
             return;
         case Special::deviceSingle:
-            settings.DeviceSingle = settings.DeviceSinglePending = value.empty() ? 0 : 1;
+            deviceSettings.DeviceSingle = deviceSettings.DeviceSinglePending = value.empty() ? 0 : 1;
             return;
         case Special::mixerFreq:
             loadMixerFreq(value, key, load);
             return;
         case Special::sealed:
-            settings.Sealed = value;
+            programSettings.Sealed = value;
             if (value.empty()) load.defaults.emplace_back(key.key, SettingDefault(key));
             return;
         case Special::folder:
@@ -139,19 +140,19 @@ void loadKey(const SettingKey& key, Load& load) {
             return;
         case Special::lastFolder:
             textOf(key) = GetFullPath(value);
-            if (!FolderExists(textOf(key))) textOf(key) = settings.SampleDir;
+            if (!FolderExists(textOf(key))) textOf(key) = folderSettings.SampleDir;
             return;
         case Special::importFolder:
             textOf(key) = value == kNoImportFolder ? "" : value;
             return;
         case Special::language:
-            settings.Language = usableLanguage(value);
+            programSettings.Language = usableLanguage(value);
             return;
         case Special::font:
-            settings.JLabelFont = fontInstalled(value) ? value : kSplashFont;
+            labelSettings.JLabelFont = fontInstalled(value) ? value : kSplashFont;
             return;
         case Special::ignoredUpdate:
-            settings.IgnoredUpdate = std::max(value, ProgramVersionDigits());
+            programSettings.IgnoredUpdate = std::max(value, ProgramVersionDigits());
             return;
         default:
             break;
@@ -164,7 +165,7 @@ void loadKey(const SettingKey& key, Load& load) {
 std::string textToSave(const SettingKey& key) {
     switch (key.rules.special) {
         case Special::deviceSingle:
-            return settings.DeviceSinglePending != 0 ? "1" : "";
+            return deviceSettings.DeviceSinglePending != 0 ? "1" : "";
         case Special::mixerFreq:
             return SettingText(key) == SettingDefault(key) ? "" : SettingText(key);
         case Special::folder:
@@ -199,7 +200,7 @@ void LoadZVini(bool firstLoad) {
     Load load;
     load.first = firstLoad;
     for (const SettingKey& key : SettingKeys()) loadKey(key, load);
-    if (settings.FullScreen == 1) settings.WindowMode = kFullScreenMode;
+    if (windowSettings.FullScreen == 1) windowSettings.WindowMode = kFullScreenMode;
     for (const char* key : kObsoleteKeys) {
         if (!SettingsStore.GetValue(key).empty()) load.defaults.emplace_back(key, "");
     }
@@ -279,27 +280,16 @@ void WriteSetting(std::string_view key, std::string_view value) { SettingsStore.
 int ReadMonitorSetting(int monitorCount) {
     std::int32_t monitor = 0;
     const bool good = ToWhole(ReadSetting("Monitor", "0"), SettingType::word, monitor) == Conversion::good;
-    settings.Monitor = good && monitor >= 0 && monitor < monitorCount ? monitor : 0;
-    return settings.Monitor;
+    windowSettings.Monitor = good && monitor >= 0 && monitor < monitorCount ? monitor : 0;
+    return windowSettings.Monitor;
 }
 
 bool ReadErrorLogSetting() {
     std::int32_t on = 0;
     ToWhole(ReadSetting("ErrorLog", "0"), SettingType::byte, on);
-    settings.ErrorLog = on;
+    programSettings.ErrorLog = on;
     ErrorLogOn = on != 0;
     return ErrorLogOn;
-}
-
-std::string JDurationPrefix() {
-    const std::size_t at = settings.JDispDurationEncap.find("duration");
-    return at == std::string::npos ? std::string() : settings.JDispDurationEncap.substr(0, at);
-}
-
-std::string JDurationSuffix() {
-    constexpr std::string_view kWord = "duration";
-    const std::size_t at = settings.JDispDurationEncap.find(kWord);
-    return at == std::string::npos ? std::string() : settings.JDispDurationEncap.substr(at + kWord.size());
 }
 
 std::string CheckSection(const std::string& name) {
@@ -309,6 +299,18 @@ std::string CheckSection(const std::string& name) {
         if (SameText(entry, name)) return entry;
     }
     return names.empty() ? std::string() : names.front();
+}
+
+void ResetSettings() {
+    for (const SettingKey& key : SettingKeys()) {
+        if (isNumber(key)) {
+            numberOf(key) = std::get<std::int32_t>(key.standard);
+        } else {
+            textOf(key) = std::get<const char*>(key.standard);
+        }
+    }
+    windowSettings.Monitor = 0;
+    deviceSettings.DeviceSinglePending = 0;
 }
 
 std::string SettingsDump() {

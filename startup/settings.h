@@ -1,40 +1,14 @@
-/// The settings: one plain record with a field for every key of zv.ini, under the key's name. LoadZVini fills
-/// it at start and after a reset, SaveZVini writes it back at exit; in between the fields are the truth. To add
-/// a setting add its line to settings_list.inc. Touched on the interface thread only. [control]
+/// The settings: a record for each subject (startup/settings/*.h) with a field for every key of zv.ini, under the
+/// key's name. LoadZVini fills them at start and after a reset, SaveZVini writes them back at exit; in between the
+/// fields are the truth. Touched on the interface thread only. [control]
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace zv {
 
-/// A streaming server on the studio's own machine, where the usual ones answer.
-inline constexpr const char* kDefaultStreamUrl = "http://localhost:8000/live";
-inline constexpr const char* kSplashFont = "MS Sans Serif";
-inline constexpr const char* kEnglish = "English";
-inline constexpr const char* kFrench = "Français";
-
-/// A field for every line of settings_list.inc, each with its default.
-struct Settings {
-#define ZV_BYTE(name, standard, ...) std::int32_t name = standard;
-#define ZV_WORD(name, standard, ...) std::int32_t name = standard;
-#define ZV_WHOLE(name, standard, ...) std::int32_t name = standard;
-#define ZV_COLOUR(name, standard, ...) std::int32_t name = standard;
-#define ZV_TEXT(name, standard, ...) std::string name = standard;
-#include "startup/settings_list.inc"
-
-    std::int32_t Monitor = 0;              ///< index of the monitor in use; the file keeps its own value
-    std::int32_t DeviceSinglePending = 0;  ///< DeviceSingle as chosen in the window; the one that is saved
-};
-
-extern Settings settings;
-
-/// Text before and after the word "duration" in JDispDurationEncap; both empty without the word.
-std::string JDurationPrefix();
-std::string JDurationSuffix();
-
-/// Fills `settings` from zv.ini. A key that is missing or empty gets its default, in the file too; obsolete
+/// Fills the records from zv.ini. A key that is missing or empty gets its default, in the file too; obsolete
 /// keys go; values out of range are clamped in the record only. A value that does not convert leaves its
 /// field as it was and goes to the error report, one report for all of them. Tells the window logic to
 /// prepare its lists and the model that the grid's size is known (upcalls). `firstLoad` false: a settings
@@ -58,7 +32,7 @@ void NoteIniFileDate();
 /// One key by the reading idiom (a missing or empty value writes `def` to the file), as text.
 std::string ReadSetting(std::string_view key, std::string_view def);
 /// The settings that are read before LoadZVini: the monitor of the splash (0 when it is not there; the file
-/// keeps its value) and the switch of the log. They set their fields of `settings`.
+/// keeps its value) and the switch of the log. They set their fields.
 int ReadMonitorSetting(int monitorCount);
 bool ReadErrorLogSetting();
 /// Writes one key at once, for the few that are saved when they change (Touch, Autorepeat, ActiveFXTab, ...).
@@ -66,6 +40,9 @@ void WriteSetting(std::string_view key, std::string_view value);
 
 /// `name` if the list of palettes has it, else the first entry, empty when there is none.
 std::string CheckSection(const std::string& name);
+
+/// All records as they are without a file: every field its default.
+void ResetSettings();
 
 /// Every setting as "key=value" in the order of loading, for state dumps.
 std::string SettingsDump();

@@ -5,25 +5,77 @@
 #include <limits>
 
 #include "startup/helpers.h"
+#include "startup/settings/announcer.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/bars.h"
+#include "startup/settings/clock.h"
+#include "startup/settings/dark.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/display.h"
+#include "startup/settings/duck.h"
+#include "startup/settings/editor.h"
+#include "startup/settings/folders.h"
+#include "startup/settings/grid.h"
+#include "startup/settings/keys.h"
+#include "startup/settings/labels.h"
+#include "startup/settings/live.h"
+#include "startup/settings/marks.h"
+#include "startup/settings/meters.h"
+#include "startup/settings/midi.h"
+#include "startup/settings/minimal.h"
+#include "startup/settings/palette.h"
+#include "startup/settings/palette_list.h"
+#include "startup/settings/playing.h"
+#include "startup/settings/program.h"
+#include "startup/settings/search.h"
+#include "startup/settings/volumes.h"
+#include "startup/settings/warning.h"
+#include "startup/settings/window.h"
 
 namespace zv {
+
+ClockSettings clockSettings;
+WarningSettings warningSettings;
+WindowSettings windowSettings;
+MinimalSettings minimalSettings;
+ProgramSettings programSettings;
+PaletteSettings paletteSettings;
+PaletteListSettings paletteListSettings;
+FolderSettings folderSettings;
+GridSettings gridSettings;
+LabelSettings labelSettings;
+BarSettings barSettings;
+KeySettings keySettings;
+SearchSettings searchSettings;
+DisplaySettings displaySettings;
+DarkSettings darkSettings;
+PlayingSettings playingSettings;
+MarkSettings markSettings;
+MeterSettings meterSettings;
+AutomixSettings automixSettings;
+DuckSettings duckSettings;
+VolumeSettings volumeSettings;
+DeviceSettings deviceSettings;
+EditorSettings editorSettings;
+LiveSettings liveSettings;
+AnnouncerSettings announcerSettings;
+MidiSettings midiSettings;
+
 namespace {
 
-using S = Settings;
-
 constexpr SettingKey kKeys[] = {
-#define ZV_BYTE(name, standard, ...) {#name, SettingType::byte, &S::name, SettingRules() __VA_ARGS__},
-#define ZV_WORD(name, standard, ...) {#name, SettingType::word, &S::name, SettingRules() __VA_ARGS__},
-#define ZV_WHOLE(name, standard, ...) {#name, SettingType::whole, &S::name, SettingRules() __VA_ARGS__},
-#define ZV_COLOUR(name, standard, ...) {#name, SettingType::colour, &S::name, SettingRules() __VA_ARGS__},
-#define ZV_TEXT(name, standard, ...) {#name, SettingType::text, &S::name, SettingRules() __VA_ARGS__},
+#define ZV_BYTE(name, standard, ...) \
+    {#name, SettingType::byte, &ZV_GROUP.name, standard, SettingRules() __VA_ARGS__},
+#define ZV_WORD(name, standard, ...) \
+    {#name, SettingType::word, &ZV_GROUP.name, standard, SettingRules() __VA_ARGS__},
+#define ZV_WHOLE(name, standard, ...) \
+    {#name, SettingType::whole, &ZV_GROUP.name, standard, SettingRules() __VA_ARGS__},
+#define ZV_COLOUR(name, standard, ...) \
+    {#name, SettingType::colour, &ZV_GROUP.name, standard, SettingRules() __VA_ARGS__},
+#define ZV_TEXT(name, standard, ...) \
+    {#name, SettingType::text, &ZV_GROUP.name, standard, SettingRules() __VA_ARGS__},
 #include "startup/settings_list.inc"
 };
-
-std::string textIn(const Settings& record, const SettingKey& key) {
-    if (const auto* text = std::get_if<std::string S::*>(&key.field)) return record.**text;
-    return NumberText(record.*std::get<std::int32_t S::*>(key.field));
-}
 
 }  // namespace
 
@@ -35,11 +87,14 @@ const SettingKey* FindSetting(std::string_view key) {
     return found == std::end(kKeys) ? nullptr : found;
 }
 
-std::string SettingText(const SettingKey& key) { return textIn(settings, key); }
+std::string SettingText(const SettingKey& key) {
+    if (const auto* text = std::get_if<std::string*>(&key.field)) return **text;
+    return NumberText(*std::get<std::int32_t*>(key.field));
+}
 
 std::string SettingDefault(const SettingKey& key) {
-    static const Settings standard;
-    return textIn(standard, key);
+    if (const auto* text = std::get_if<const char*>(&key.standard)) return *text;
+    return NumberText(std::get<std::int32_t>(key.standard));
 }
 
 Conversion ToWhole(const std::string& text, SettingType type, std::int32_t& value) {
@@ -61,8 +116,8 @@ Conversion ToWhole(const std::string& text, SettingType type, std::int32_t& valu
 }
 
 Conversion SetSetting(const SettingKey& key, const std::string& text) {
-    if (const auto* field = std::get_if<std::string S::*>(&key.field)) {
-        settings.** field = text;
+    if (const auto* field = std::get_if<std::string*>(&key.field)) {
+        **field = text;
         return Conversion::good;
     }
     std::int32_t number = 0;
@@ -73,7 +128,7 @@ Conversion SetSetting(const SettingKey& key, const std::string& text) {
         if (rules.outside == Outside::clamp) number = std::clamp(number, rules.low, rules.high);
         if (rules.outside == Outside::value) number = rules.otherwise;
     }
-    settings.*std::get<std::int32_t S::*>(key.field) = number;
+    *std::get<std::int32_t*>(key.field) = number;
     return result;
 }
 

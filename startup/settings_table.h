@@ -9,16 +9,17 @@
 #include <variant>
 
 #include "startup/setting_rules.h"
-#include "startup/settings.h"
 
 namespace zv {
 
-using SettingField = std::variant<std::int32_t Settings::*, std::string Settings::*>;
+using SettingField = std::variant<std::int32_t*, std::string*>;  ///< in the record of its group
+using SettingStandard = std::variant<std::int32_t, const char*>;
 
 struct SettingKey {
     const char* key;
     SettingType type;
     SettingField field;
+    SettingStandard standard;
     SettingRules rules;
 };
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "startup/impulse.h"
+#include "startup/settings/program.h"
 
 namespace zv {
 
@@ -12,7 +13,7 @@ extern std::string IniFile, LangFile, AccountFile, PalFile, HotFile, PlaylistFil
     VUPresetsFile, FXPresetsFile, MIDIFile, UrlsFile;
 
 extern cImpulse SettingsStore;     ///< zv.ini, section "Settings"
-extern cImpulse LanguageStore;     ///< language.ini, section = settings.Language after LnStrings
+extern cImpulse LanguageStore;     ///< language.ini, section = programSettings.Language after LnStrings
 extern cImpulse AccountStore;      ///< account.ini, section "SupportForumAccount"
 extern cImpulse PaletteStore;      ///< palette.ini
 extern cImpulse HotStore;          ///< HotJingles.ini

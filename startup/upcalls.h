@@ -16,7 +16,7 @@ struct ErrorMark {
     char character = 0;  ///< in the symbol font; 0: leave it as it is
     bool visible = true;
     bool blink = false;
-    bool usesPlayingColor = false;  ///< fore colour is settings.PlayingColor
+    bool usesPlayingColor = false;  ///< fore colour is playingSettings.PlayingColor
     std::string toolTip;
 };
 

@@ -50,7 +50,6 @@ FLOORS = {
 # Circles of subjects that stand; a name goes when its circle has gone.
 OPEN_CIRCLES = [
     {"startup/impulse", "startup/stores"},
-    {"startup/errors", "startup/language", "startup/settings", "startup/settings_table"},
     {"platform/qt/view/shell", "platform/qt/view/windows"},
     {"platform/rehearsal/player", "platform/rehearsal/rehearsal", "platform/rehearsal/stage", "platform/rehearsal/web"},
     {"platform/pulse/pulse_device", "platform/pulse/pulse_devices"},

@@ -21,7 +21,10 @@
 #include "startup/errors.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/bars.h"
+#include "startup/settings/grid.h"
+#include "startup/settings/palette_list.h"
+#include "startup/settings/playing.h"
 #include "startup/upcalls.h"
 #include "ui/edit/announcer_tab.h"
 #include "ui/edit/carried.h"
@@ -61,7 +64,7 @@ void fillStartup() {
     startupUpcalls.startSaveTimer = [] { timers().SaveTimer.restart(); };
     startupUpcalls.applyText = ApplyText;
     startupUpcalls.paletteNames = [] { return frmMain().palettes.lstPal.items(); };
-    startupUpcalls.gridChanged = [] { LastPalIdx = settings.JinglesRows * settings.JinglesCols - 1; };
+    startupUpcalls.gridChanged = [] { LastPalIdx = gridSettings.JinglesRows * gridSettings.JinglesCols - 1; };
     startupUpcalls.splashStep = [](const std::string& text) { frmSplash().lblStep.caption = text; };
     startupUpcalls.splashBar = [](int width) { frmSplash().picLoad.width = width; };
 }
@@ -85,7 +88,8 @@ void paintAtRest(int index) {
     }
     ShowState(index, Jingle(index).PlayingOtherPal);
     if (Jingle(index).PlayingOtherPal) {
-        PaintButton(index, settings.PlayingColorAnotherPal, GetForeColor(settings.PlayingColorAnotherPal));
+        PaintButton(index, playingSettings.PlayingColorAnotherPal,
+                    GetForeColor(playingSettings.PlayingColorAnotherPal));
         return;
     }
     Colour back = 0;
@@ -140,14 +144,14 @@ void showFailed(int index) {
 void showStarting(int index) {
     if (JingleButton* b = Button(index)) {
         b->JRemLev.width = b->JremBG.width();
-        b->JRemLev.backColor = settings.JRemLevCol;
+        b->JRemLev.backColor = barSettings.JRemLevCol;
     }
 }
 
 void showStarted(int index) {
     if (JingleButton* b = Button(index)) {
-        b->JRemLev.visible = settings.JRemLevPos > 0;
-        b->JremBG.visible = settings.JRemLevPos > 0;
+        b->JRemLev.visible = barSettings.JRemLevPos > 0;
+        b->JremBG.visible = barSettings.JRemLevPos > 0;
         b->fx_Jingle.foreColor = Shaded.fx;
     }
 }
@@ -217,7 +221,7 @@ void fillModel() {
         ErrDisp("hide");
         ErrDisp("wait", 0, Ln("errLoadPal"));
         HideSelectors();
-        if (settings.CenterLstPal == 1) {
+        if (paletteListSettings.CenterLstPal == 1) {
             CentrePaletteList();
         }
     };
@@ -234,7 +238,7 @@ void fillModel() {
     modelUpcalls.paletteListChanged = [](const std::string& name) {
         lstPalRefresh();
         SelectPalette(name);
-        if (settings.CenterLstPal == 1) {
+        if (paletteListSettings.CenterLstPal == 1) {
             CentrePaletteList();
         }
     };

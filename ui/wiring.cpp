@@ -21,6 +21,15 @@
 #include "startup/guard.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "startup/settings/dark.h"
+#include "startup/settings/display.h"
+#include "startup/settings/grid.h"
+#include "startup/settings/keys.h"
+#include "startup/settings/live.h"
+#include "startup/settings/meters.h"
+#include "startup/settings/program.h"
+#include "startup/settings/warning.h"
+#include "startup/settings/window.h"
 #include "startup/trace.h"
 #include "startup/upcalls.h"
 #include "ui/edit/announcer_tab.h"
@@ -291,14 +300,14 @@ void wireTimers() {
 }
 
 constexpr int kFastestDisplay = 110, kFastestMeter = 11, kMeterStep = 10;  // ms
-int displayInterval() { return std::max(10, kFastestDisplay - settings.DispSpeed); }
+int displayInterval() { return std::max(10, kFastestDisplay - displaySettings.DispSpeed); }
 
-int meterInterval() { return std::max(kMeterStep, (kFastestMeter - settings.VUspeed) * kMeterStep); }
+int meterInterval() { return std::max(kMeterStep, (kFastestMeter - meterSettings.VUspeed) * kMeterStep); }
 
 void fillFromSettings() {
     DTChange();
     ShowAnnouncer();
-    frmMain().live.cmbStream.caption = settings.StreamPoint;
+    frmMain().live.cmbStream.caption = liveSettings.StreamPoint;
     ListPlayStreams();
     ShowLive();
 }
@@ -346,14 +355,15 @@ void FormsLoad(const std::string& window) {
         if (window != "frmMain") {
             return;
         }
-        ActiveTab = std::clamp(settings.ActiveTab, 0, kTabs - 1);
-        JGap = settings.JoinedJButtons == 1 ? 0 : kGap;
-        JOuterGap = settings.JoinedJButtons == 1 ? kJoinedOuterGap : 0;
-        ToggleTouch = static_cast<std::uint8_t>(settings.Touch == 1 ? 1 : 0);
-        ToggleAutoRep = static_cast<std::uint8_t>(settings.Autorepeat == 1 && settings.Touch != 1 ? 1 : 0);
+        ActiveTab = std::clamp(windowSettings.ActiveTab, 0, kTabs - 1);
+        JGap = gridSettings.JoinedJButtons == 1 ? 0 : kGap;
+        JOuterGap = gridSettings.JoinedJButtons == 1 ? kJoinedOuterGap : 0;
+        ToggleTouch = static_cast<std::uint8_t>(keySettings.Touch == 1 ? 1 : 0);
+        ToggleAutoRep =
+            static_cast<std::uint8_t>(keySettings.Autorepeat == 1 && keySettings.Touch != 1 ? 1 : 0);
         fillFromSettings();
         frmMain().palettes.txtSave.enabled = false;
-        SwitchDarkMode(settings.DarkMode);
+        SwitchDarkMode(darkSettings.DarkMode);
         ApplyMeterLook();
         DrawJButtons(1);
         ReColorizeBtn();
@@ -370,7 +380,7 @@ bool Form_QueryUnload(int reason) {
     return guardedOr("frmMain.Form_QueryUnload", true, [&] {
         ErrLog("", UnloadReasonText(reason));
         bool cancel = true;
-        if (settings.ConfirmExit == 1 && reason != kSessionEnds) {
+        if (programSettings.ConfirmExit == 1 && reason != kSessionEnds) {
             cancel = messageBox(LnBox("mMsquit"), "Zentrova", BoxKind::question, BoxButtons::yesNo,
                                 Verbs("vbClose", "vbGoOn")) != BoxAnswer::yes;
         } else {
@@ -379,7 +389,7 @@ bool Form_QueryUnload(int reason) {
         if (!cancel) {
             OKfx();
             LeaveForGood();
-            settings.ActiveTab = ActiveTab;
+            windowSettings.ActiveTab = ActiveTab;
             SaveZVini();
         }
         return !cancel;
@@ -400,7 +410,7 @@ void StartTimers() {
     UiTimers& t = timers();
     t.TimerDispAndJButtons.setInterval(displayInterval());
     t.TimerVU.setInterval(meterInterval());
-    t.TimerWarnBlink.setInterval(WarnBlinkInterval(settings.BlinkWarn));
+    t.TimerWarnBlink.setInterval(WarnBlinkInterval(warningSettings.BlinkWarn));
     t.TimerDispAndJButtons.start();
     t.TimerVU.start();
     t.TimerMainPos.start();

@@ -19,7 +19,7 @@
 #include "model/state.h"
 #include "platform/paths.h"
 #include "platform/rehearsal/midi_devices.h"
-#include "startup/settings.h"
+#include "startup/settings/midi.h"
 #include "startup/stores.h"
 
 namespace {
@@ -44,7 +44,7 @@ void begin() {
         setProgramFolder(folder.string());
         SetStorePaths();
         MidiDevices::instance().plug("Pad");
-        settings.MIDIDevice = "Pad";
+        midiSettings.MIDIDevice = "Pad";
         return true;
     }();
     (void)once;

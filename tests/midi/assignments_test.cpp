@@ -5,6 +5,7 @@
 #include "midi/learn_commands.h"
 #include "platform/waiting.h"
 #include "startup/errors.h"
+#include "startup/settings/automix.h"
 #include "tests/midi/surface.h"
 #include "ui/windows/form_window.h"
 #include "ui/windows/midi_button_window.h"
@@ -171,7 +172,8 @@ TEST_F(SurfaceTest, WhileAWindowLearnsNothingPlays) {
         findControl(key)->onMouseDown({});
         findControl(key)->onMouseUp({});
     }
-    EXPECT_EQ(ToggleAutoRep + ToggleTouch + settings.AutoMix, 0) << "commands rest while a control is learnt";
+    EXPECT_EQ(ToggleAutoRep + ToggleTouch + automixSettings.AutoMix, 0)
+        << "commands rest while a control is learnt";
     const auto takes = [](const Control& record, MouseButton button) {
         const MouseEvent press{button};
         return takesNow(record, &press);

@@ -6,6 +6,7 @@
 #include "midi/lifecycle.h"
 #include "midi/ring.h"
 #include "platform/common/midi_queue.h"
+#include "startup/settings/midi.h"
 #include "tests/midi/surface.h"
 
 namespace zv::test {
@@ -34,7 +35,7 @@ TEST_F(SurfaceTest, ADeviceIsTakenUpByNameWheneverItComes) {
         {"in:Pad", "", "Pad", true, ""},  // no output of its name
     };
     write("MIDI.ini", "[Pad]\r\nJingle0=9010,901000,255\r\nOutReset=B00000\r\nOutStopAll=A00601,A00600\r\n");
-    settings.MIDIDevice = kPad;
+    midiSettings.MIDIDevice = kPad;
     StartMIDI();
     int number = 0;
     for (const Row& row : rows) {
@@ -55,7 +56,7 @@ TEST_F(SurfaceTest, ADeviceIsTakenUpByNameWheneverItComes) {
         EXPECT_EQ(sent(), row.sent) << number;
         EXPECT_EQ(devices_.hear("901064"), row.open) << number;
     }
-    EXPECT_EQ(settings.MIDIDevice, "Pad");
+    EXPECT_EQ(midiSettings.MIDIDevice, "Pad");
     // A cable pulled and put back at once: the number of devices is the same.
     devices_.plug(kPad);
     pass(kRescan + 50);
@@ -71,7 +72,7 @@ TEST_F(SurfaceTest, ADeviceIsTakenUpByNameWheneverItComes) {
 TEST_F(SurfaceTest, TheLampsAreRightWithinASecondOfACable) {
     constexpr int kSecond = 1000, kTwoPorts = 100;
     write("MIDI.ini", "[Pad]\r\nJingle0=9010,901000,255\r\nOutStopAll=A00601,A00600\r\n");
-    settings.MIDIDevice = kPad;
+    midiSettings.MIDIDevice = kPad;
     StartMIDI();
     const struct {
         const char* what;
@@ -100,7 +101,7 @@ TEST_F(SurfaceTest, TheLampsAreRightWithinASecondOfACable) {
 }
 
 TEST_F(SurfaceTest, WithoutAnInputNothingRunsEveryTenMs) {
-    settings.MIDIDevice = kPad;
+    midiSettings.MIDIDevice = kPad;
     StartMIDI();
     pass(3 * kRescan);
     EXPECT_FALSE(pumping());
@@ -110,7 +111,7 @@ TEST_F(SurfaceTest, WithoutAnInputNothingRunsEveryTenMs) {
     pass(kRescan);
     EXPECT_FALSE(pumping());
     EXPECT_TRUE(desktop().boxes.empty());  // an input that is in use is told by the label alone
-    settings.MIDIEnabled = 0;
+    midiSettings.MIDIEnabled = 0;
 }
 
 TEST_F(SurfaceTest, TheSurfaceGoesDarkAtTheEnd) {
@@ -137,17 +138,17 @@ TEST_F(SurfaceTest, PickingInTheSettings) {
     cmbMIDIOutFixedDevsGUI_Click(row(cmbMIDIOutFixedDevsGUI, kPad));
     ASSERT_EQ(desktop().boxes.size(), 1U);
     EXPECT_EQ(cmbMIDIOutFixedDevsGUI.selected, 0);
-    EXPECT_EQ(settings.MIDIOutFixedDevice, kFixed);
+    EXPECT_EQ(midiSettings.MIDIOutFixedDevice, kFixed);
     cmbMIDIOutFixedDevsGUI_Click(row(cmbMIDIOutFixedDevsGUI, kFixed));
     sent();
     cmbInDevsGUI_Click(row(cmbInDevsGUI, "Second"));
-    EXPECT_EQ(settings.MIDIDevice, "Second");
+    EXPECT_EQ(midiSettings.MIDIDevice, "Second");
     EXPECT_EQ(devices_.openInputs.begin()->second->device, "Second");
     EXPECT_EQ(devices_.openOutputs.at(hMidiOut), "Second");
     EXPECT_TRUE(sent().starts_with("B00000"));  // the one that is left goes dark
     // No device: everything rests until another is picked; the same output is opened again.
     cmbInDevsGUI_Click(0);
-    EXPECT_TRUE(settings.MIDIDevice.empty());
+    EXPECT_TRUE(midiSettings.MIDIDevice.empty());
     EXPECT_EQ(hMidiIn, 0U);
     EXPECT_FALSE(pumping());
     cmbInDevsGUI_Click(row(cmbInDevsGUI, "Second"));
@@ -156,7 +157,7 @@ TEST_F(SurfaceTest, PickingInTheSettings) {
     ckMIDIEnable_Click(MidiSwitch::input, false);
     EXPECT_EQ(hMidiIn, 0U);
     EXPECT_FALSE(pumping());
-    EXPECT_EQ(settings.MIDIEnabled, 0);
+    EXPECT_EQ(midiSettings.MIDIEnabled, 0);
     ckMIDIEnable_Click(MidiSwitch::input, true);
     EXPECT_NE(hMidiIn, 0U);
     EXPECT_TRUE(pumping());
@@ -175,7 +176,7 @@ TEST_F(SurfaceTest, PickingInTheSettings) {
 
 TEST_F(SurfaceTest, AnOutputThatCannotBeOpenedIsTold) {
     devices_.plug(kPad);
-    settings.MIDIDevice = kPad;
+    midiSettings.MIDIDevice = kPad;
     lstInDevs = {kPad};
     devices_.refuse = true;
     MidiHandle handle = 0;

@@ -3,6 +3,10 @@
 
 #include "midi/dispatch.h"
 #include "model/actions.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/midi.h"
+#include "startup/settings/volumes.h"
 #include "tests/midi/surface.h"
 
 namespace zv::test {
@@ -132,7 +136,7 @@ TEST_F(DispatchTest, EachMessageAsksForOneThing) {
     note();
     for (const Row& row : kRows) {
         const std::string set = row.set;
-        settings.DeviceSingle = set == "single" ? 1 : 0;
+        deviceSettings.DeviceSingle = set == "single" ? 1 : 0;
         midiIn.MIDIVolReverse = midiIn.MIDIAmixReverse = set == "reverse" ? 1 : 0;
         asked.clear();
         sent();
@@ -140,7 +144,7 @@ TEST_F(DispatchTest, EachMessageAsksForOneThing) {
         EXPECT_EQ(asked, row.asked) << row.message << " " << set;
         EXPECT_EQ(sent(), row.sent) << row.message << " " << set;
     }
-    settings.DeviceSingle = 0;
+    deviceSettings.DeviceSingle = 0;
 }
 
 TEST_F(DispatchTest, APressThatCannotBeYetIsHeldBackAndTheRestWaitsBehindIt) {
@@ -200,7 +204,7 @@ TEST_F(SurfaceTest, APadPlaysAndGlows) {
         {"stop all", "", "0 m90107F 300 m90067F", "a0-100 b100-300", "A01001 A00601 A01002"},
     };
     start(kAll);
-    settings.MIDIOutFixedEnabled = 0;
+    midiSettings.MIDIOutFixedEnabled = 0;
     for (const Show& row : rows) {
         std::vector<std::int16_t> sound = tones("a100 b2400");
         load(0, sound, row.mode);
@@ -238,12 +242,12 @@ TEST_F(SurfaceTest, AKeyHeldForHalfASecondGoesToTheEndOfTheList) {
 TEST_F(SurfaceTest, FadersSetAndAreShown) {
     start(kAll);
     send("B00740");
-    EXPECT_EQ(settings.Volume, 50);
+    EXPECT_EQ(volumeSettings.Volume, 50);
     EXPECT_EQ(frmMain().display.lblMIDIDevice.caption(), "Volume 50 %");
     pass(2100);
     EXPECT_EQ(frmMain().display.lblMIDIDevice.caption(), "Pad / Fixed");
     send("B00840");
-    EXPECT_EQ(settings.AutoMixTime, 2500);
+    EXPECT_EQ(automixSettings.AutoMixTime, 2500);
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include "midi/ring.h"
 #include "midi/state.h"
 #include "model/state.h"
-#include "startup/settings.h"
+#include "startup/settings/midi.h"
 #include "startup/stores.h"
 
 namespace zv::test {
@@ -45,9 +45,9 @@ void SurfaceTest::start(const std::vector<std::string>& lines) {
     write("MIDI.ini", text);
     devices_.plug(kPad);
     devices_.plug(kFixed, {false, true});
-    settings.MIDIDevice = kPad;
-    settings.MIDIOutFixedDevice = kFixed;
-    settings.MIDIOutFixedEnabled = 1;
+    midiSettings.MIDIDevice = kPad;
+    midiSettings.MIDIOutFixedDevice = kFixed;
+    midiSettings.MIDIOutFixedEnabled = 1;
     StartMIDI();
     AllowMIDIFeedback();
     sent_.clear();

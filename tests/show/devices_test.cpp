@@ -1,8 +1,12 @@
 // Outputs, inputs and what stands between them.
 
+#include "startup/settings/devices.h"
 #include "audio/effects.h"
 #include "audio/output_watch.h"
 #include "model/colours.h"
+#include "startup/settings/dark.h"
+#include "startup/settings/marks.h"
+#include "startup/settings/volumes.h"
 #include "tests/show/show.h"
 
 namespace zv::test {
@@ -40,14 +44,14 @@ TEST_F(Devices, SavedOutputsAreFoundAgain) {
     audioUpcalls.outputsListed = [&](const OutputLists& given) { lists = given; };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        settings.SavDevBy = row.by;
-        settings.DeviceName = settings.DeviceAuxName = "";
+        deviceSettings.SavDevBy = row.by;
+        deviceSettings.DeviceName = deviceSettings.DeviceAuxName = "";
         if (row.by == "ID") {
-            settings.Device = std::stoi(row.main);
-            settings.DeviceAux = std::stoi(row.aux);
+            deviceSettings.Device = std::stoi(row.main);
+            deviceSettings.DeviceAux = std::stoi(row.aux);
         } else {
-            settings.DeviceName = row.main;
-            settings.DeviceAuxName = row.aux;
+            deviceSettings.DeviceName = row.main;
+            deviceSettings.DeviceAuxName = row.aux;
         }
         Device = {1, 0};
         ListOutDev();
@@ -75,13 +79,13 @@ TEST_F(Devices, SavedInputsAreFoundAgain) {
     audioUpcalls.inputsListed = [&](const InputLists& given) { lists = given; };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        settings.SavDevBy = row.by;
-        settings.DeviceInName = row.saved;
-        settings.DeviceIn = row.deviceIn;
+        deviceSettings.SavDevBy = row.by;
+        deviceSettings.DeviceInName = row.saved;
+        deviceSettings.DeviceIn = row.deviceIn;
         ListInDev();
         EXPECT_EQ(lists.inputs, (std::vector<std::string>{"Line", "Mic"}));
         EXPECT_EQ(lists.selected, row.selected);
-        EXPECT_EQ(settings.DeviceIn, row.selected);
+        EXPECT_EQ(deviceSettings.DeviceIn, row.selected);
     }
 }
 
@@ -119,9 +123,9 @@ TEST_F(Devices, AJingleIsOnTheChosenOutputsAtTheirLevels) {
 
 TEST_F(Devices, OutputsThatGoAwayAreToldWithinASecondAndSoIsTheirReturn) {
     write("language.ini", "[English]\r\nsNoDevice=none\r\nmOutLost=lost\r\nmOutStands=plays\r\n");
-    settings.SavDevBy = "Name";
-    settings.DeviceName = "Two";
-    settings.DeviceAuxName = "Three";
+    deviceSettings.SavDevBy = "Name";
+    deviceSettings.DeviceName = "Two";
+    deviceSettings.DeviceAuxName = "Three";
     ListOutDev();
     SetupMixers();
     int told = 0;
@@ -156,9 +160,9 @@ TEST_F(Devices, OutputsThatGoAwayAreToldWithinASecondAndSoIsTheirReturn) {
 }
 
 TEST_F(Devices, BothOutputsOnOneDevicePlayOnce) {
-    settings.SavDevBy = "Name";
-    settings.DeviceName = "Two";
-    settings.DeviceAuxName = "left at home";
+    deviceSettings.SavDevBy = "Name";
+    deviceSettings.DeviceName = "Two";
+    deviceSettings.DeviceAuxName = "left at home";
     ListOutDev();
     Device[0] = 1;  // both mean the first one now
     SetupMixers();
@@ -171,7 +175,7 @@ TEST_F(Devices, BothOutputsOnOneDevicePlayOnce) {
 }
 
 TEST_F(Devices, TheMicrophoneIsSilentUntilItIsPushed) {
-    settings.DeviceIn = 1;
+    deviceSettings.DeviceIn = 1;
     OpenMic();
     ASSERT_NE(hMic, 0U);
     std::vector<float> voice(framesOf(5000) * 2, 0.25F);
@@ -201,13 +205,13 @@ TEST_F(Devices, TheMicrophoneIsSilentUntilItIsPushed) {
 TEST_F(Devices, OnlyRatesOfTheListAreUsed) {
     for (const auto& [saved, used] : std::vector<std::pair<int, int>>{
              {11025, 11025}, {48000, 48000}, {96000, 96000}, {32000, 44100}, {0, 44100}, {-5, 44100}}) {
-        settings.MixerFreq = saved;
+        deviceSettings.MixerFreq = saved;
         SetupMixers();
         EXPECT_EQ(MixerFreqAtStart, used);
         BASS_CHANNELINFO info{};
         ASSERT_TRUE(BASS_ChannelGetInfo(MainMixer, &info));
         EXPECT_EQ(info.freq, static_cast<DWORD>(used));
-        EXPECT_EQ(settings.MixerFreq, used);
+        EXPECT_EQ(deviceSettings.MixerFreq, used);
     }
 }
 
@@ -247,7 +251,7 @@ TEST_F(LateDevice, TheFirstOutputThatComesIsTakenWithinTwoSeconds) {
     devices->unplug("Late");
     for (const int single : {0, 1}) {
         SCOPED_TRACE(single);
-        settings.DeviceSingle = static_cast<std::uint8_t>(single);
+        deviceSettings.DeviceSingle = static_cast<std::uint8_t>(single);
         ListOutDev();
         single == 1 ? bassini(0) : SetupMixers();
         WatchOutputs();
@@ -277,13 +281,13 @@ class OneDevice : public ShowTest {
   protected:
     OneDevice() {
         FreeBASS();
-        settings.DeviceSingle = 1;
-        settings.Volume = 50;
+        deviceSettings.DeviceSingle = 1;
+        volumeSettings.Volume = 50;
         bassini(0);
     }
     ~OneDevice() override {
         FreeBASS();
-        settings.DeviceSingle = 0;
+        deviceSettings.DeviceSingle = 0;
     }
 };
 
@@ -340,10 +344,10 @@ TEST_F(Colours, Arithmetic) {
 }
 
 TEST_F(Colours, TextOnABackground) {
-    settings.BrightThresh = 90;
-    settings.ColForeCB = 0x111111;
-    settings.ColForeCBDM = 0x222222;
-    settings.DarkForeColor = 0x333333;
+    darkSettings.BrightThresh = 90;
+    darkSettings.ColForeCB = 0x111111;
+    darkSettings.ColForeCBDM = 0x222222;
+    darkSettings.DarkForeColor = 0x333333;
     BtnForeColor = 0x444444;
     BtnFaceColor = 0xF0F0F0;
     JingleForeColor = 0x555555;
@@ -365,14 +369,14 @@ TEST_F(Colours, TextOnABackground) {
                                            {1, dark, "jingle", 0x555555},
                                            {1, bright, "", 0x222222},
                                            {1, bright, "jingle", 0x222222}}) {
-        settings.DarkMode = row.darkMode;
+        darkSettings.DarkMode = row.darkMode;
         EXPECT_EQ(GetForeColor(row.colour, row.kind), row.expected)
             << "dark mode " << row.darkMode << ", colour " << std::hex << row.colour << ", " << row.kind;
     }
-    settings.ShadeOffsetVal = 16;
+    darkSettings.ShadeOffsetVal = 16;
     EXPECT_EQ(ButtonColour("vbButtonFace"), 0xF0F0F0);
     EXPECT_EQ(ButtonColour("102030"), 0x403020) << "the text is RRGGBB";
-    settings.nsColor = 0x102030;
+    markSettings.nsColor = 0x102030;
     EXPECT_TRUE(PlayMod2Color(PlayMode::noStop).visible);
     EXPECT_EQ(PlayMod2Color(PlayMode::noStop).colour, 0x203040);
     EXPECT_FALSE(PlayMod2Color(PlayMode::global).visible);

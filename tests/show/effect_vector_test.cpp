@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "startup/settings.h"
+#include "startup/settings/editor.h"
 #include "startup/stores.h"
 #include "tests/support/studio.h"
 
@@ -46,13 +46,13 @@ TEST(EffectVector, TheSliderOfTheRateComesBackWhateverTheRate) {
 }
 
 TEST(EffectVector, OnlyTheWayDownIsLimited) {
-    const int before = settings.TempoMax;
-    settings.TempoMax = 120;
+    const int before = editorSettings.TempoMax;
+    editorSettings.TempoMax = 120;
     EXPECT_EQ(MostTempo(), 94);
     EXPECT_EQ(MostRateDown(), 940);
     EXPECT_EQ(MostRateUp(), 1'200);
     EXPECT_EQ(MostPitch(), 120);
-    settings.TempoMax = before;
+    editorSettings.TempoMax = before;
 }
 
 class EffectPresetFiles : public FolderTest {};

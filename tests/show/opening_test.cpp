@@ -1,6 +1,7 @@
 // From keys to channels: what a file makes of its slot, also one that is missing, empty, cut or no sound at
 // all.
 
+#include "startup/settings/editor.h"
 #include "tests/show/show.h"
 
 namespace zv::test {
@@ -230,7 +231,7 @@ TEST_F(Opening, EffectsAreOnFromTheStart) {
 }
 
 TEST_F(Opening, FewerThanSevenBandsAreReportedAndTheRestStillWorks) {
-    settings.EQBands = "60,150,400";
+    editorSettings.EQBands = "60,150,400";
     openJingle(level(framesOf(500)), iniLine("Volm_0", "50"));
     ASSERT_EQ(reports.size(), 1U);
     EXPECT_NE(reports[0].find("modClick.openStreams"), std::string::npos) << reports[0];

@@ -9,6 +9,9 @@
 #include "model/palette_lines.h"
 #include "model/pending_removals.h"
 #include "model/upcalls.h"
+#include "startup/settings/folders.h"
+#include "startup/settings/grid.h"
+#include "startup/settings/palette.h"
 #include "tests/show/show.h"
 
 namespace zv::test {
@@ -112,7 +115,7 @@ TEST_F(Palette, HotJinglesAreSavedWithIt) {
     OpenFile();
     EXPECT_EQ(jingle(96).Kind, SlotKind::stream);
     EXPECT_EQ(jingle(119).Volm, 40);
-    settings.JinglesCols = 4;  // out of the grid, kept all the same
+    gridSettings.JinglesCols = 4;  // out of the grid, kept all the same
     jingle(96).PlayMod = PlayMode::autoRepeat;
     openPalette("This_palette_is_empty=Yes\r\n");
     EXPECT_TRUE(save());
@@ -192,7 +195,7 @@ TEST_F(Palette, SaveModesTellWhatHappensToTheSection) {
 TEST_F(Palette, AWindowsUsersFileGoesBackUnharmed) {
     std::filesystem::create_directories(path("Audio_Sample"));
     soundFile("Audio_Sample/Été.WAV");
-    settings.ImportFiles = 0;
+    folderSettings.ImportFiles = 0;
     const std::string other =
         "; my palettes\r\n[Soir\xE9"
         "e]\r\nPath_0=D:\\Jingles\\caf\xE9.mp3\r\nvolm_0 = 80\r\nPath_1=\"x.wav\"\r\n\r\n";
@@ -202,7 +205,7 @@ TEST_F(Palette, AWindowsUsersFileGoesBackUnharmed) {
         "BTNCol_1=CC99FF\r\nFXV_1=0,0,0,0,0,0,0,0,0,44100,0\r\n"
         "Path_2=\\\\server\\share\\x.flac\r\nPlayMod_2=3\r\n";
     write("palette.ini", other + "[Matin]\r\n" + mine);
-    settings.PaletteIndex = "Matin";
+    paletteSettings.PaletteIndex = "Matin";
     OpenFile("Matin");
     EXPECT_EQ(jingle(0).Kind, SlotKind::stream) << "found though its letters differ";
     EXPECT_EQ(jingle(0).Path, "audio_sample\\Été.wav");
@@ -236,7 +239,7 @@ TEST_F(Palette, AFileThatIsAwayForAWhileKeepsItsValues) {
 
 TEST_F(Palette, PathsUnderTheProgramFolderAreStoredRelative) {
     soundFile("sub/a.wav");
-    settings.ImportFiles = 0;
+    folderSettings.ImportFiles = 0;
     openPalette(iniLine("Path_0", (folder / "sub/a.wav").string()));
     ASSERT_EQ(jingle().Kind, SlotKind::stream);
     EXPECT_TRUE(save());
@@ -274,7 +277,7 @@ TEST_F(Palette, FilesFromElsewhereAreImported) {
     // What cannot be copied keeps its path, and the user is told when the save is over.
     write("language.ini", "[English]\r\nmMslockedFile1=Locked:\r\nmMslockedFile2=In use.\r\n");
     write("Blocked", "a file where a folder is needed");
-    settings.SampleDir = path("Blocked").string();
+    folderSettings.SampleDir = path("Blocked").string();
     openPalette(iniLine("Path_0", far));
     EXPECT_TRUE(save());
     EXPECT_EQ(jingle(0).Path, far);
@@ -310,7 +313,7 @@ TEST_F(Palette, ASlotThatStillSoundsKeepsThePalettesOwnKeys) {
     openPalette("Path_0=a.wav\r\nLoop_0=1\r\n" + evening);
     clPlay(0, -1);
     pass(50);
-    settings.PaletteIndex = "Evening";
+    paletteSettings.PaletteIndex = "Evening";
     OpenFile("Evening");
     EXPECT_TRUE(jingle(0).PlayingOtherPal);
     EXPECT_EQ(jingle(0).Path, "a.wav");

@@ -4,6 +4,8 @@
 #include <sstream>
 
 #include "platform/clock.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/minimal.h"
 #include "tests/show/show.h"
 #include "tests/support/ear.h"
 
@@ -111,8 +113,8 @@ void act(const std::string& word) {
         {"shift", [] { CtrlDown = AltDown = false, ShiftDown = true; }},
         {"alt", [] { CtrlDown = ShiftDown = false, AltDown = true; }},
         {"learn", [] { MIDILearnActive = true; }},
-        {"lock", [] { settings.AutoMix = 2, DispRemain = 1.5; }},
-        {"mix", [] { settings.AutoMix = 1; }},
+        {"lock", [] { automixSettings.AutoMix = 2, DispRemain = 1.5; }},
+        {"mix", [] { automixSettings.AutoMix = 1; }},
     };
     words.at(word)();
 }
@@ -294,7 +296,7 @@ TEST_F(Play, ControlsAreToldInOrder) {
         if (what == Feedback::stopping) told.push_back("stopping " + std::to_string(i));
     };
     audioUpcalls.hideClock = [&] { told.push_back("clock"); };
-    settings.MinimalView = 1;
+    minimalSettings.MinimalView = 1;
     ClockShown = true;
     press();
     EXPECT_TRUE(jingle().Playing);

@@ -6,18 +6,20 @@
 
 #include "audio/devices.h"
 #include "model/upcalls.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/palette.h"
 
 namespace zv::test {
 
 ShowTest::ShowTest(OfflineOptions options) : StudioTest(std::move(options)) {
-    settings.DeviceAux = 2;
+    deviceSettings.DeviceAux = 2;
     ListOutDev();
     SetupMixers();
 }
 
 void ShowTest::openPalette(const std::string& lines, const std::string& name) {
     write("palette.ini", "[" + name + "]\r\n" + lines);
-    settings.PaletteIndex = name;
+    paletteSettings.PaletteIndex = name;
     OpenFile(name);
 }
 

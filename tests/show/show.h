@@ -13,7 +13,6 @@
 #include "model/jingle.h"
 #include "model/palette_files.h"
 #include "model/state.h"
-#include "startup/settings.h"
 #include "startup/stores.h"
 #include "tests/support/studio.h"
 

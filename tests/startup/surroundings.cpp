@@ -25,7 +25,7 @@ void ProgramFolderTest::SetUp() {
     ASSERT_TRUE(std::filesystem::create_directory(folder));
     const std::string name = utf8FromPath(folder);
     around = {};
-    settings = {};
+    ResetSettings();
     startupUpcalls = {};
     ErrCount = 0;
     ErrorLogOn = false;

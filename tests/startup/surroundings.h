@@ -19,7 +19,6 @@
 #include "startup/helpers.h"
 #include "startup/impulse.h"
 #include "startup/instance_lock.h"
-#include "startup/settings.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 

@@ -1,6 +1,8 @@
 // The mark, the log, the report with its fuse, the console, and the guard that leads to them.
 
 #include "startup/guard.h"
+#include "startup/settings/palette.h"
+#include "startup/settings/program.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {
@@ -61,7 +63,7 @@ TEST_F(Errors, MarkShowsEachMode) {
         EXPECT_EQ(ErrBlinkCount, 0);
     }
     EXPECT_EQ(saves, 0);
-    settings.AutoSave = 1;
+    paletteSettings.AutoSave = 1;
     ErrDisp("save");
     ErrDisp("no");
     EXPECT_EQ(saves, 1);

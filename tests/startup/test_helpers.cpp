@@ -1,5 +1,6 @@
 // The helpers on paths, files, texts, numbers and colours, over both kinds of path.
 
+#include "startup/settings/program.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {
@@ -113,7 +114,7 @@ TEST_F(Helpers, SizesInUnits) {
     write("language.ini",
           "[Fran\xC3\xA7"
           "ais]\nSizeUnits=octets,Ko,Mo,Go,To\n");
-    settings.Language = kFrench;
+    programSettings.Language = kFrench;
     EXPECT_EQ(BytesToUnits(2048, 0), "2 Ko");
 }
 

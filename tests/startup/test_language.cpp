@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "startup/language.h"
+#include "startup/settings/program.h"
 #include "tests/startup/surroundings.h"
 #include "tests/support/places.h"
 
@@ -34,15 +35,15 @@ TEST_F(Language, TextsGoToTheirControlsInOrder) {
           "[English]\nmbtSave=Save\nmb_tmAnJin=Jingle\nfxForm=Editor\nmckAssign=As<br>sign\nmbtNew="
           "EntryNotFoundFlag\n"
           "[Deutsch]\nmbtSave=Speichern\n");
-    settings.Language = kEnglish;
+    programSettings.Language = kEnglish;
     LnStrings();
     EXPECT_THAT(applied, ElementsAre("frmMain.mb_tmAnJin=Jingle", "frmFX.fxForm=Editor  ",
                                      "frmMain.mckAssign=As\r\nsign", "frmMain.mbtSave=Save"));
     applied.clear();
-    settings.Language = "Deutsch";  // without the key that every language has
+    programSettings.Language = "Deutsch";  // without the key that every language has
     LnStrings("frmfx");
     EXPECT_THAT(applied, ElementsAre("frmFX.fxForm=Editor  "));
-    EXPECT_EQ(settings.Language, kEnglish);
+    EXPECT_EQ(programSettings.Language, kEnglish);
     EXPECT_EQ(Ln("mbtSave"), "Save");
     EXPECT_EQ(Ln("mbtNew"), "");
     EXPECT_EQ(LnBox("mckAssign"), "As\r\nsign");

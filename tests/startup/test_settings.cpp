@@ -2,6 +2,16 @@
 
 #include <map>
 
+#include "startup/settings.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/display.h"
+#include "startup/settings/folders.h"
+#include "startup/settings/grid.h"
+#include "startup/settings/labels.h"
+#include "startup/settings/meters.h"
+#include "startup/settings/palette.h"
+#include "startup/settings/program.h"
+#include "startup/settings/window.h"
 #include "startup/settings_table.h"
 #include "tests/startup/surroundings.h"
 
@@ -75,7 +85,7 @@ class SettingsFile : public ProgramFolderTest {
     }
     void load(const std::string& contents) {
         write("zv.ini", contents);
-        settings = {};
+        ResetSettings();
         NoteIniFileDate();
         LoadZVini();
     }
@@ -92,8 +102,8 @@ TEST_F(SettingsFile, AFreshFileHoldsTheDefaults) {
         EXPECT_EQ(SettingText(key), SettingDefault(key)) << key.key;
     }
     EXPECT_EQ(ErrCount, 0);
-    EXPECT_EQ(settings.MixerFreq, 44100);
-    EXPECT_EQ(settings.SampleDir, text("Audio_Sample"));
+    EXPECT_EQ(deviceSettings.MixerFreq, 44100);
+    EXPECT_EQ(folderSettings.SampleDir, text("Audio_Sample"));
 }
 
 TEST_F(SettingsFile, KeysConvertAndAreHeldToTheirLimits) {
@@ -131,14 +141,14 @@ TEST_F(SettingsFile, EveryKeyIsSavedWhenItChanged) {
 
 TEST_F(SettingsFile, ChoicesWithWaysOfTheirOwnAreSaved) {
     load("");
-    settings.AlwaysOnTop = 1;
-    settings.Language = "Deutsch";
-    settings.SampleDir = "/srv/sounds";
-    settings.LastcmDlgDir = text("Here");
-    settings.ImportFolderName.clear();
-    settings.MixerFreq = 48000;
-    settings.DeviceSinglePending = 1;
-    settings.PaletteIndex = "Evening";
+    windowSettings.AlwaysOnTop = 1;
+    programSettings.Language = "Deutsch";
+    folderSettings.SampleDir = "/srv/sounds";
+    folderSettings.LastcmDlgDir = text("Here");
+    folderSettings.ImportFolderName.clear();
+    deviceSettings.MixerFreq = 48000;
+    deviceSettings.DeviceSinglePending = 1;
+    paletteSettings.PaletteIndex = "Evening";
     SaveZVini();
     const std::pair<const char*, const char*> inFile[] = {
         {"AlwaysOnTop", "1"},     {"Language", "Deutsch"},    {"SampleDir", "/srv/sounds"},
@@ -152,7 +162,7 @@ TEST_F(SettingsFile, UntouchedWhenNothingChanged) {
     SaveZVini();
     EXPECT_THAT(read("zv.ini"), StartsWith("[Settings]\r\nActiveFXTab=0\r\nActiveSTab=0\r\nActiveTab=0\r\n"));
     NoteIniFileDate();
-    settings = {};
+    ResetSettings();
     LoadZVini();
     const auto date = fs::last_write_time(path("zv.ini"));
     const std::string bytes = read("zv.ini");
@@ -178,27 +188,27 @@ TEST_F(SettingsFile, NonsenseInEveryKeyIsOneReport) {
     EXPECT_EQ(ErrCount, 1);
     EXPECT_THAT(ReportText, HasSubstr("Function: modMain.LoadZVini\r\nError Number: 13\r\n"));
     EXPECT_THAT(ReportText, HasSubstr("JinglesRows="));
-    EXPECT_EQ(settings.JinglesRows, 6);
-    EXPECT_EQ(settings.Language, kEnglish);
-    EXPECT_EQ(settings.JLabelSeparator[0], '\x01');
+    EXPECT_EQ(gridSettings.JinglesRows, 6);
+    EXPECT_EQ(programSettings.Language, kEnglish);
+    EXPECT_EQ(labelSettings.JLabelSeparator[0], '\x01');
     load("[Settings]\r\nConfirmExit=300\r\n");
     EXPECT_THAT(ReportText, HasSubstr("Error Number: 6\r\nError Description: Overflow: ConfirmExit=300\r\n"));
 }
 
 TEST_F(SettingsFile, SpecialKeys) {
     load("[Settings]\r\nFullScreen=1\r\nCueRepeater=1\r\nBottomMargin=5\r\nDispspeed=90\r\nVuRMS=\r\n");
-    EXPECT_EQ(settings.WindowMode, 2);
-    EXPECT_EQ(settings.DispSpeed, 90);  // whatever the case of its letters
+    EXPECT_EQ(windowSettings.WindowMode, 2);
+    EXPECT_EQ(displaySettings.DispSpeed, 90);  // whatever the case of its letters
     EXPECT_THAT(read("zv.ini"), Not(HasSubstr("CueRepeater")));
     EXPECT_THAT(read("zv.ini"), Not(HasSubstr("BottomMargin")));
 
     write("palette.ini", "[x]\n");
     load("");
-    EXPECT_EQ(settings.PaletteIndex, "Sample Radio");
+    EXPECT_EQ(paletteSettings.PaletteIndex, "Sample Radio");
 
     around.fontsThere = false;
     load("[Settings]\r\nJLabelFont=Gone Sans\r\n");
-    EXPECT_EQ(settings.JLabelFont, "MS Sans Serif");
+    EXPECT_EQ(labelSettings.JLabelFont, "MS Sans Serif");
 
     struct {
         const char *pattern, *prefix, *suffix;
@@ -214,19 +224,19 @@ TEST_F(SettingsFile, SpecialKeys) {
 TEST_F(SettingsFile, LanguageIsChosenOnceFromTheSystem) {
     around.french = true;
     load("");
-    EXPECT_EQ(settings.Language, kFrench);
+    EXPECT_EQ(programSettings.Language, kFrench);
     EXPECT_EQ(value("Sealed"), "0");
     load("[Settings]\r\nSealed=0\r\n");
-    EXPECT_EQ(settings.Language, kEnglish);
+    EXPECT_EQ(programSettings.Language, kEnglish);
     load("[Settings]\r\nLanguage=Deutsch\r\n");
-    EXPECT_EQ(settings.Language, "Deutsch");
+    EXPECT_EQ(programSettings.Language, "Deutsch");
 }
 
 TEST_F(SettingsFile, DeviceChoiceAndRateGoByAbsence) {
     load("[Settings]\r\nDeviceSingle=yes\r\nMixerFreq=48000\r\n");
-    EXPECT_EQ(settings.DeviceSingle, 1);
-    settings.DeviceSinglePending = 0;  // chosen in the window, in force at the next start
-    settings.MixerFreq = 44100;
+    EXPECT_EQ(deviceSettings.DeviceSingle, 1);
+    deviceSettings.DeviceSinglePending = 0;  // chosen in the window, in force at the next start
+    deviceSettings.MixerFreq = 44100;
     SaveZVini();
     EXPECT_THAT(read("zv.ini"), Not(HasSubstr("DeviceSingle")));
     EXPECT_THAT(read("zv.ini"), Not(HasSubstr("MixerFreq")));
@@ -234,19 +244,19 @@ TEST_F(SettingsFile, DeviceChoiceAndRateGoByAbsence) {
 
 TEST_F(SettingsFile, ResetKeepsTheGrid) {
     load("");
-    settings.JinglesRows = 8;
-    settings.VUspeed = 9;
+    gridSettings.JinglesRows = 8;
+    meterSettings.VUspeed = 9;
     write("zv.ini", "");
     LoadZVini(false);
-    EXPECT_EQ(settings.JinglesRows, 8);
-    EXPECT_EQ(settings.VUspeed, 7);
+    EXPECT_EQ(gridSettings.JinglesRows, 8);
+    EXPECT_EQ(meterSettings.VUspeed, 7);
 }
 
 TEST_F(SettingsFile, AccountLivesInItsOwnFile) {
     OpenAccountFile();
     EXPECT_EQ(read("account.ini"), "[SupportForumAccount]\r\nSupportUsername=\r\nSupportPassword=\r\n");
     load("");
-    settings.SupportUsername = "anna";
+    programSettings.SupportUsername = "anna";
     SaveZVini();
     EXPECT_EQ(read("account.ini"), "[SupportForumAccount]\r\nSupportUsername=anna\r\nSupportPassword=\r\n");
     EXPECT_THAT(read("zv.ini"), Not(HasSubstr("anna")));
@@ -254,7 +264,7 @@ TEST_F(SettingsFile, AccountLivesInItsOwnFile) {
 
 TEST_F(SettingsFile, WhatIsForThisRunOnlyStaysOutOfTheFile) {
     load("");
-    settings.ConfirmExit = 0;
+    programSettings.ConfirmExit = 0;
     KeepOutOfFile("ConfirmExit");
     SaveZVini();
     EXPECT_EQ(value("ConfirmExit"), "1");

@@ -22,6 +22,9 @@
 #include "platform/soundtouch/soundtouch_stretcher.h"
 #include "startup/errors.h"
 #include "startup/settings.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/folders.h"
+#include "startup/settings/grid.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 #include "tests/support/desktop.h"
@@ -35,7 +38,7 @@ void put(std::string& bytes, std::uint32_t value, int count) {
 
 /// All that lives for the whole run of the program, as it is before its start.
 void beginRun() {
-    settings = {};
+    ResetSettings();
     startupUpcalls = {};
     modelUpcalls = {};
     audioUpcalls = {};
@@ -46,7 +49,7 @@ void beginRun() {
     JReverbFx.fill(0);
     JVolFx.fill(0);
     JEqFx.fill(0);
-    LastPalIdx = settings.JinglesRows * settings.JinglesCols - 1;
+    LastPalIdx = gridSettings.JinglesRows * gridSettings.JinglesCols - 1;
     PalToSave = SelectorsOn = MIDILearnActive = ClockShown = FxOpen = false;
     CtrlDown = ShiftDown = AltDown = false;
     SaveMode.clear();
@@ -149,7 +152,7 @@ FolderTest::FolderTest() {
     setProgramFolder(name);
     setShippedFolder(name + "/shipped");
     SetStorePaths();
-    settings.SampleDir = name + "/Audio_Sample";
+    folderSettings.SampleDir = name + "/Audio_Sample";
     startupUpcalls.showErrorMark = [this](const ErrorMark& mark) {
         marks.push_back(mark.mode + (mark.toolTip.empty() ? "" : ": " + mark.toolTip));
     };
@@ -182,7 +185,7 @@ StudioTest::StudioTest(OfflineOptions given) : options(std::move(given)) {
     VirtualClock::instance().drive(devices);
     VirtualClock::instance().onPeriod([] { engine::engineControl()->settleSyncs(); });
     ListOutDev();
-    if (settings.DeviceSingle == 1)
+    if (deviceSettings.DeviceSingle == 1)
         bassini(0);
     else
         SetupMixers();

@@ -1,5 +1,6 @@
 // Texts: captions of paths, durations, dates.
 
+#include "startup/settings/labels.h"
 #include "tests/ui/window_test.h"
 #include "ui/screen/captions.h"
 #include "ui/screen/clock.h"
@@ -31,8 +32,8 @@ TEST_F(CaptionTest, captionsOfPaths) {
         {2, 1, "x\\日本 jingle.wav", "日本 JINGLE"},
     };
     for (const auto& c : cases) {
-        settings.JLabelFormat = c.format;
-        settings.JU2Sp = c.blanks;
+        labelSettings.JLabelFormat = c.format;
+        labelSettings.JU2Sp = c.blanks;
         EXPECT_EQ(btCaption(c.path), c.caption) << c.path << " as " << c.format;
     }
 }
@@ -54,11 +55,11 @@ TEST_F(CaptionTest, durations) {
 TEST_F(CaptionTest, theDurationStandsAboveTheName) {
     load(3, 2500);
     EXPECT_EQ(button(3).caption(), "2.5\r\nsound 3");
-    settings.JDispDuration = 0;
+    labelSettings.JDispDuration = 0;
     RewriteJingle();
     EXPECT_EQ(button(3).caption(), "sound 3");
-    settings.JDispDuration = 1;
-    settings.JDispDurationEncap = "(duration)";
+    labelSettings.JDispDuration = 1;
+    labelSettings.JDispDurationEncap = "(duration)";
     RewriteJingle();
     EXPECT_EQ(button(3).caption(), "(2.5)\r\nsound 3");
 }

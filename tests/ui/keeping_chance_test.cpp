@@ -16,6 +16,8 @@
 #include <sstream>
 #include <thread>
 
+#include "startup/settings/grid.h"
+#include "startup/settings/palette.h"
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/leave_palette.h"
 
@@ -149,7 +151,7 @@ class KeepingByChance : public KeepingTest {
                  pass(60);
                  if (chance() % 2 == 0 && belief.edited) ErrClick(), belief.saveTo(belief.held);
                  pass(150);
-                 belief.open(LowerCase(settings.PaletteIndex));
+                 belief.open(LowerCase(paletteSettings.PaletteIndex));
              }},
             {"save as",
              [&] {
@@ -181,7 +183,7 @@ class KeepingByChance : public KeepingTest {
                  btDelpal_MouseUp();
                  belief.saved.erase(gone);
                  belief.edited = false;
-                 belief.open(LowerCase(settings.PaletteIndex));
+                 belief.open(LowerCase(paletteSettings.PaletteIndex));
              }},
             {"cut", [&] { move(slot(), "cut"); }},
             {"cut", [&] { move(slot(), "cut"); }},
@@ -191,8 +193,8 @@ class KeepingByChance : public KeepingTest {
             {"grid",
              [&] {
                  const bool large = chance() % 2 == 0;
-                 settings.JinglesRows = large ? 8 : 4;
-                 settings.JinglesCols = large ? 12 : 4;
+                 gridSettings.JinglesRows = large ? 8 : 4;
+                 gridSettings.JinglesCols = large ? 12 : 4;
                  resize(1280, 800);
                  belief.belowGrid = JExists[40] == 1;
              }},
@@ -217,7 +219,7 @@ class KeepingByChance : public KeepingTest {
                  other.PutValue("Volm_0", "5", "Theirs");
                  belief.saved["theirs"][0].volume = 5;
                  lstPalRefresh();
-                 SelectPalette(settings.PaletteIndex);
+                 SelectPalette(paletteSettings.PaletteIndex);
              }},
             {"full",
              [&] {  // no save goes through
@@ -245,10 +247,10 @@ class KeepingByChance : public KeepingTest {
                  belief.clip.reset();
                  belief.leaving.clear();
                  belief.edited = false;
-                 OpenFile(settings.PaletteIndex);
+                 OpenFile(paletteSettings.PaletteIndex);
                  OpenFile();
                  belief.work = belief.savedHot;
-                 belief.open(LowerCase(settings.PaletteIndex));
+                 belief.open(LowerCase(paletteSettings.PaletteIndex));
              }},
         };
         const auto& [what, act] = one(steps);
@@ -321,8 +323,8 @@ void KeepingByChance::begin(int sequence) {
     write("palette.ini", palettes);
     HotStore.DeleteSection(kHotSection);
     std::filesystem::remove_all(path("History"));
-    settings.PaletteIndex = "A";
-    settings.AutoSave = sequence % 2;
+    paletteSettings.PaletteIndex = "A";
+    paletteSettings.AutoSave = sequence % 2;
     PalToSave = false;
     belief = {};
     belief.autoSave = sequence % 2 == 1;

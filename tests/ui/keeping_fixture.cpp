@@ -6,7 +6,7 @@
 #include "model/held_palette.h"
 #include "model/history.h"
 #include "model/pending_removals.h"
-#include "startup/settings.h"
+#include "startup/settings/palette.h"
 #include "ui/edit/palette_list.h"
 #include "ui/edit/save_dialogue.h"
 #include "ui/edit/unsaved.h"
@@ -27,7 +27,7 @@ KeepingTest::KeepingTest() {
     write("HotJingles.ini", "");
     SettingsStore.PutValue("PaletteIndex", "A");
     lstPalRefresh();
-    settings.PaletteIndex = "A";
+    paletteSettings.PaletteIndex = "A";
     OpenFile("A");
     OpenFile();
     std::filesystem::remove_all(path("History"));

@@ -2,6 +2,10 @@
 // are away, sound files that change their names.
 
 #include "startup/errors.h"
+#include "startup/settings/grid.h"
+#include "startup/settings/meters.h"
+#include "startup/settings/palette.h"
+#include "startup/settings/program.h"
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/history.h"
 #include "ui/press/exit_key.h"
@@ -12,13 +16,13 @@ namespace zv::test {
 
 TEST_F(KeepingTest, aSaveBetweenAStepAndItsLoadGoesToThePaletteOfTheRecords) {
     for (const int autoSave : {1, 0}) {
-        settings.AutoSave = autoSave;
+        paletteSettings.AutoSave = autoSave;
         pick("A");
         rec(1).Volm = 33 + autoSave;
         MarkPalToSave();
         pass(20);
         evBtDn();
-        EXPECT_EQ(settings.PaletteIndex, "B");
+        EXPECT_EQ(paletteSettings.PaletteIndex, "B");
         rec(2).Volm = 44 + autoSave;
         MarkPalToSave();
         if (autoSave == 0) {
@@ -38,7 +42,7 @@ TEST_F(KeepingTest, aSaveBetweenAStepAndItsLoadGoesToThePaletteOfTheRecords) {
 }
 
 TEST_F(KeepingTest, anEditIsSavedHoweverSoonThePaletteIsLeft) {
-    settings.AutoSave = 1;
+    paletteSettings.AutoSave = 1;
     const std::vector<std::pair<const char*, std::function<void()>>> ways{
         {"picked", [&] { pick("B"); }},
         {"stepped",
@@ -69,12 +73,12 @@ TEST_F(KeepingTest, anEditIsSavedHoweverSoonThePaletteIsLeft) {
 }
 
 TEST_F(KeepingTest, slotsBelowTheGridFollowAStep) {
-    settings.JinglesRows = 8;
-    settings.JinglesCols = 12;
+    gridSettings.JinglesRows = 8;
+    gridSettings.JinglesCols = 12;
     resize(1280, 800);
     write("palette.ini", read("palette.ini") + line("60", "C1"));  // the last section is C
     pick("C");
-    settings.JinglesRows = settings.JinglesCols = 4;
+    gridSettings.JinglesRows = gridSettings.JinglesCols = 4;
     resize(1280, 800);
     evbtUp();
     pass(300);
@@ -99,7 +103,7 @@ TEST_F(KeepingTest, namesOfPalettes) {
             list += (list.empty() ? "" : " ") + item;
         EXPECT_EQ(list, row.list);
         EXPECT_EQ(frmMain().palettes.lstPal.text(), row.shown);
-        EXPECT_EQ(settings.PaletteIndex, row.shown);
+        EXPECT_EQ(paletteSettings.PaletteIndex, row.shown);
         EXPECT_EQ(jingles(row.shown), "0:A0 1:A1 2:A2");
     }
     SelectPalette("C");  // by the arrow keys, not opened
@@ -219,7 +223,7 @@ TEST_F(KeepingTest, aPaletteFileThatIsAwayStandsAsItWasRead) {
 }
 
 TEST_F(KeepingTest, anAutoSaveThatFailedIsTriedAgainBeforeThePaletteIsLeft) {
-    settings.AutoSave = 1;
+    paletteSettings.AutoSave = 1;
     std::filesystem::rename(path("palette.ini"), path("away.ini"));
     std::filesystem::create_directory(path("palette.ini"));
     rec(0).Volm = 71;
@@ -372,17 +376,17 @@ TEST_F(KeepingTest, theHistoryHoldsSoManyEntriesAndWaitsForRoom) {
 }
 
 TEST_F(KeepingTest, theSessionsEndAsksNothingAndSaves) {
-    settings.ConfirmExit = 1;
-    settings.AutoSave = 1;
+    programSettings.ConfirmExit = 1;
+    paletteSettings.AutoSave = 1;
     rec(0).Volm = 33;
     rec(96).Volm = 34;
     MarkPalToSave();  // less than 50 ms ago
-    settings.VUspeed = 11;
+    meterSettings.VUspeed = 11;
     EXPECT_TRUE(frmMain().window.onQueryClose(kSessionEnds));
     EXPECT_TRUE(desktop().boxes.empty());
     EXPECT_EQ(value("A", "Volm_0"), "33");
     EXPECT_EQ(SettingsStore.GetValue("VUspeed"), "11");
-    settings.AutoSave = 0;
+    paletteSettings.AutoSave = 0;
     rec(0).Volm = 44;
     rec(97).Path = "Audio_Sample\\A0.wav";
     MarkPalToSave();

@@ -1,5 +1,11 @@
 // Where everything stands, for every size of the grid and the window.
 
+#include "startup/settings/bars.h"
+#include "startup/settings/grid.h"
+#include "startup/settings/labels.h"
+#include "startup/settings/meters.h"
+#include "startup/settings/minimal.h"
+#include "startup/settings/window.h"
 #include "tests/ui/window_test.h"
 #include "ui/screen/layout_grid.h"
 #include "ui/screen/layout_strip.h"
@@ -30,20 +36,21 @@ bool wholePixels(const Control& c) {
 
 std::string shape(int rows, int columns) {
     return std::to_string(rows) + "x" + std::to_string(columns) + " joined " +
-           std::to_string(settings.JoinedJButtons) + " hot " + std::to_string(settings.HotJinglesPos) + "/" +
-           std::to_string(settings.HotJinglesRows) + " at " + std::to_string(settings.HotJinglesHeight) +
-           " window " + std::to_string(frmMain().window.width / 15) + "x" +
-           std::to_string(frmMain().window.height / 15) + " meters " + settings.VUPos;
+           std::to_string(gridSettings.JoinedJButtons) + " hot " +
+           std::to_string(gridSettings.HotJinglesPos) + "/" + std::to_string(gridSettings.HotJinglesRows) +
+           " at " + std::to_string(gridSettings.HotJinglesHeight) + " window " +
+           std::to_string(frmMain().window.width / 15) + "x" + std::to_string(frmMain().window.height / 15) +
+           " meters " + meterSettings.VUPos;
 }
 
 /// What must hold in any layout; empty, or what does not.
 std::string fault(int rows, int columns) {
     MainWindow& w = frmMain();
     std::vector<const Control*> blocks{&w.display.picDispBack, &w.fraPanel, &w.keys.fraKeys, &w.fraJingles};
-    if (settings.HotJinglesPos != 0) {
+    if (gridSettings.HotJinglesPos != 0) {
         blocks.push_back(&w.fraHotJingles);
     }
-    if (settings.VUPos != "n") {
+    if (meterSettings.VUPos != "n") {
         blocks.push_back(&w.fraVU);
     }
     for (std::size_t i = 0; i < blocks.size(); ++i) {
@@ -59,30 +66,32 @@ std::string fault(int rows, int columns) {
     // Even gaps: the grid stands as far from the strip as its buttons from each other, and ends as far from
     // meters at its side.
     const Control& first = Button(0)->b_Jingle;
-    const Control& upper = settings.HotJinglesPos == 1 ? w.fraHotJingles : w.fraJingles;
-    const Control& topmost = settings.HotJinglesPos == 1 ? Button(kPaletteSlots)->b_Jingle : first;
-    if (first.height > kMinButtonHeight && settings.VUPos != "t" &&
+    const Control& upper = gridSettings.HotJinglesPos == 1 ? w.fraHotJingles : w.fraJingles;
+    const Control& topmost = gridSettings.HotJinglesPos == 1 ? Button(kPaletteSlots)->b_Jingle : first;
+    if (first.height > kMinButtonHeight && meterSettings.VUPos != "t" &&
         upper.top + topmost.top != boxOf(w.fraPanel).bottom + kGap) {
         return "an uneven gap below the strip";
     }
     const Box last = boxOf(Button(columns - 1)->b_Jingle);
-    if (first.width > kMinButtonWidth && settings.VUPos == "r" &&
+    if (first.width > kMinButtonWidth && meterSettings.VUPos == "r" &&
         (w.fraJingles.left + first.left != kGap || w.fraVU.left - w.fraJingles.left - last.right != kGap)) {
         return "uneven gaps beside the grid";
     }
     // Joined buttons stand under the edges of the strip, up to the pixels that they cannot share out, and against
     // the hot block.
-    if (settings.JoinedJButtons == 1 && first.width > kMinButtonWidth && first.height > kMinButtonHeight) {
+    if (gridSettings.JoinedJButtons == 1 && first.width > kMinButtonWidth &&
+        first.height > kMinButtonHeight) {
         const int spare = (columns + 1) / 2 * kTwipsPerPixel;
-        const int left = w.fraJingles.left + first.left - (settings.VUPos == "l" ? boxOf(w.fraVU).right : 0);
+        const int left =
+            w.fraJingles.left + first.left - (meterSettings.VUPos == "l" ? boxOf(w.fraVU).right : 0);
         const Box foot = boxOf(Button(rows * columns - 1)->b_Jingle);
         if (left < kGap || left > kGap + spare) {
             return "joined buttons not under the strip's edge";
         }
-        if (settings.HotJinglesPos == 1 && first.top != 0) {
+        if (gridSettings.HotJinglesPos == 1 && first.top != 0) {
             return "joined buttons away from the hot block above";
         }
-        if (settings.HotJinglesPos == 2 && foot.bottom != w.fraJingles.height) {
+        if (gridSettings.HotJinglesPos == 2 && foot.bottom != w.fraJingles.height) {
             return "joined buttons away from the hot block below";
         }
         if (Button(1)->b_Jingle.left != boxOf(first).right) {
@@ -94,11 +103,11 @@ std::string fault(int rows, int columns) {
         JingleButton* b = Button(i);
         const bool hot = i >= kPaletteSlots;
         const int place = hot ? i - kPaletteSlots : i;
-        const bool wanted = hot ? place < columns * settings.HotJinglesRows : place < rows * columns;
+        const bool wanted = hot ? place < columns * gridSettings.HotJinglesRows : place < rows * columns;
         if (b == nullptr ? wanted : b->b_Jingle.visible != wanted) {
             return "button " + std::to_string(i) + " wrongly shown";
         }
-        if (!wanted || (hot && settings.HotJinglesPos == 0)) {
+        if (!wanted || (hot && gridSettings.HotJinglesPos == 0)) {
             continue;
         }
         const Control& c = b->b_Jingle;
@@ -133,20 +142,20 @@ TEST_F(LayoutTest, everyGridInEveryWindowIsFreeOfOverlaps) {
         int width, height;
         const char* meters;
     } windows[] = {{790, 590, "r"}, {1280, 800, "l"}, {1280, 800, "r"}, {1920, 1080, "t"}, {1024, 700, "n"}};
-    settings.JNumbPos = 1;
+    labelSettings.JNumbPos = 1;
     for (const auto& window : windows) {
-        settings.VUPos = window.meters;
+        meterSettings.VUPos = window.meters;
         for (int rows = 4; rows <= 8; ++rows) {
             for (int columns = 4; columns <= 12; columns += 2) {
                 for (int variant = 0; variant < 12; ++variant) {
-                    settings.JinglesRows = rows;
-                    settings.JinglesCols = columns;
-                    settings.JoinedJButtons = variant % 2;
-                    settings.HotJinglesPos = variant / 2 % 3;
-                    settings.HotJinglesRows = 1 + variant / 6;
-                    settings.HotJinglesHeight = variant % 2 == 0 ? 2 : 6;
-                    settings.JNumbPos = 1 + rows % 2;
-                    settings.JRemLevPos = 1 + columns / 2 % 2;
+                    gridSettings.JinglesRows = rows;
+                    gridSettings.JinglesCols = columns;
+                    gridSettings.JoinedJButtons = variant % 2;
+                    gridSettings.HotJinglesPos = variant / 2 % 3;
+                    gridSettings.HotJinglesRows = 1 + variant / 6;
+                    gridSettings.HotJinglesHeight = variant % 2 == 0 ? 2 : 6;
+                    labelSettings.JNumbPos = 1 + rows % 2;
+                    barSettings.JRemLevPos = 1 + columns / 2 % 2;
                     resize(window.width, window.height);
                     ASSERT_EQ(fault(rows, columns), "") << shape(rows, columns);
                 }
@@ -165,17 +174,17 @@ TEST_F(LayoutTest, aGridTooLargeForItsBlockKeepsItsButtonsAndOverflows) {
 
 TEST_F(LayoutTest, hotRowsTakeTheirShareOfTheWindow) {
     for (int variant = 0; variant < 16; ++variant) {
-        settings.JoinedJButtons = variant % 2;
-        settings.HotJinglesPos = 1 + variant / 2 % 2;
-        settings.HotJinglesRows = 1 + variant / 4 % 2;
-        settings.HotJinglesHeight = variant < 8 ? 2 : 6;
+        gridSettings.JoinedJButtons = variant % 2;
+        gridSettings.HotJinglesPos = 1 + variant / 2 % 2;
+        gridSettings.HotJinglesRows = 1 + variant / 4 % 2;
+        gridSettings.HotJinglesHeight = variant < 8 ? 2 : 6;
         resize(1280, 800);
         SCOPED_TRACE(shape(6, 5));
         const Control& first = button(kPaletteSlots);
-        const Control& second = button(kPaletteSlots + settings.JinglesCols);
-        EXPECT_EQ(first.height, 800 * settings.HotJinglesHeight / 100 * kTwipsPerPixel);
-        EXPECT_EQ(second.visible, settings.HotJinglesRows == 2);
-        EXPECT_EQ(second.top - boxOf(first).bottom, settings.JoinedJButtons == 1 ? 0 : kGap);
+        const Control& second = button(kPaletteSlots + gridSettings.JinglesCols);
+        EXPECT_EQ(first.height, 800 * gridSettings.HotJinglesHeight / 100 * kTwipsPerPixel);
+        EXPECT_EQ(second.visible, gridSettings.HotJinglesRows == 2);
+        EXPECT_EQ(second.top - boxOf(first).bottom, gridSettings.JoinedJButtons == 1 ? 0 : kGap);
         EXPECT_EQ(button(kPaletteSlots + 1).left, button(1).left);
         EXPECT_EQ(button(kPaletteSlots + 1).width, button(1).width);
     }
@@ -184,8 +193,8 @@ TEST_F(LayoutTest, hotRowsTakeTheirShareOfTheWindow) {
 TEST_F(LayoutTest, limitsAtSmallAndLargeWindows) {
     const auto pixels = [](const Control& c) { return c.height / kTwipsPerPixel; };
     const MainWindow& w = frmMain();
-    settings.JRemLevPos = 1;
-    settings.JNumbPos = 2;
+    barSettings.JRemLevPos = 1;
+    labelSettings.JNumbPos = 2;
     const struct {
         int width, height, rows, thickness;
         int strip;  ///< pixels; the rows' spare ones come on top
@@ -196,8 +205,8 @@ TEST_F(LayoutTest, limitsAtSmallAndLargeWindows) {
                  {3840, 2160, 6, 1, 300, 6},
                  {790, 590, 8, 2, 156, 6}};
     for (const auto& c : cases) {
-        settings.JinglesRows = c.rows;
-        settings.JRemLevThickness = c.thickness;
+        gridSettings.JinglesRows = c.rows;
+        barSettings.JRemLevThickness = c.thickness;
         resize(c.width, c.height);
         SCOPED_TRACE(shape(c.rows, 5));
         for (const Control* block : {&w.display.picDispBack, &w.fraPanel, &w.keys.fraKeys}) {
@@ -219,12 +228,12 @@ TEST_F(LayoutTest, limitsAtSmallAndLargeWindows) {
 }
 
 TEST_F(LayoutTest, aSmallerGridHidesButtonsAndKeepsTheirRecords) {
-    settings.JinglesRows = 8;
-    settings.JinglesCols = 12;
+    gridSettings.JinglesRows = 8;
+    gridSettings.JinglesCols = 12;
     resize(1280, 800);
     load(90, 300);
-    settings.JinglesRows = 4;
-    settings.JinglesCols = 4;
+    gridSettings.JinglesRows = 4;
+    gridSettings.JinglesCols = 4;
     resize(1280, 800);
     EXPECT_EQ(LastPalIdx, 15);
     EXPECT_FALSE(button(90).visible);
@@ -259,20 +268,20 @@ TEST_F(LayoutTest, tabsShowOneFrameAndTheirControlsFit) {
             EXPECT_TRUE(boxOf(*part).inside(innerOf(w.display.picDispBack))) << part->name << " at " << width;
         }
     }
-    settings.MinimalView = 1;
+    minimalSettings.MinimalView = 1;
     ChangeTab(1);
     EXPECT_EQ(ActiveTab, 3);
 }
 
 TEST_F(LayoutTest, captionsGrowWithTheButtonsAndFitThem) {
-    settings.JLabelFontSize = 2;
+    labelSettings.JLabelFontSize = 2;
     resize(1280, 800);
     EXPECT_EQ(button(0).fontSize, 5.0);  // 2 x 3540 / 12 / 110, in half points
-    settings.JLabelFontSize = 20;
+    labelSettings.JLabelFontSize = 20;
     resize(1280, 800);
     const double large = button(0).fontSize;
     EXPECT_LT(large * 4 / 3, button(0).height / 15 / 2);  // two lines and the duration have room
-    settings.JLabelAutoSize = 0;
+    labelSettings.JLabelAutoSize = 0;
     UpdateJLblFont();
     EXPECT_EQ(button(0).fontSize, 20.0);
 }
@@ -307,12 +316,12 @@ TEST_F(LayoutTest, theWindowIsHeldToTheScreenWhateverTheFileSays) {
     const struct {
         int left, top, width, height;  // pixels, as saved
     } cases[] = {{0, 0, 333333, 700}, {5000, 5000, 1000, 700}, {-4000, 100, 900, 600}, {100, 100, 10, 10}};
-    settings.WinState = 0;
+    windowSettings.WinState = 0;
     for (const auto& c : cases) {
-        settings.PosLeft = c.left * kTwipsPerPixel;
-        settings.PosTop = c.top * kTwipsPerPixel;
-        settings.WinWidth = c.width * kTwipsPerPixel;
-        settings.WinHeight = c.height * kTwipsPerPixel;
+        windowSettings.PosLeft = c.left * kTwipsPerPixel;
+        windowSettings.PosTop = c.top * kTwipsPerPixel;
+        windowSettings.WinWidth = c.width * kTwipsPerPixel;
+        windowSettings.WinHeight = c.height * kTwipsPerPixel;
         Control window("frmHeld", ControlKind::window);
         PlaceWindow(window);
         EXPECT_GE(window.left(), 0);

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "model/state.h"
-#include "startup/settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/jingle_menu.h"
 #include "ui/edit/jingle_menu_table.h"

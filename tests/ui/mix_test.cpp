@@ -6,6 +6,12 @@
 #include "audio/duck.h"
 #include "audio/levels.h"
 #include "audio/talk_over.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/duck.h"
+#include "startup/settings/live.h"
+#include "startup/settings/marks.h"
+#include "startup/settings/meters.h"
+#include "startup/settings/volumes.h"
 #include "tests/ui/window_test.h"
 #include "ui/press/global_keys.h"
 #include "ui/screen/layout.h"
@@ -77,9 +83,9 @@ void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
 class MixTest : public WindowTest {
   protected:
     MixTest() {
-        settings.FadeOutSpeed = 100;
-        settings.FadeInSpeed = 200;
-        settings.VolLive = 100;
+        duckSettings.FadeOutSpeed = 100;
+        duckSettings.FadeInSpeed = 200;
+        liveSettings.VolLive = 100;
         DuckWanted = Ducked = MicPushed = TalkOverOn = false;
         BusLevel = 1;
     }
@@ -111,12 +117,12 @@ class Duck : public MixTest, public ::testing::WithParamInterface<Row> {};
 
 TEST_P(Duck, IsHeard) {
     const Row row = GetParam();
-    settings.AutoDuckMode = row.mode;
-    settings.AutoDuckThreshold = row.threshold;
-    settings.LiveAutoDuck = row.live >= Row::ducks ? 1 : 0;
+    duckSettings.AutoDuckMode = row.mode;
+    duckSettings.AutoDuckThreshold = row.threshold;
+    liveSettings.LiveAutoDuck = row.live >= Row::ducks ? 1 : 0;
     load(kBed, tones("h5000"), row.bed);
     if (row.trigger != nullptr) load(kTrigger, tones(row.score), row.trigger);
-    if (row.live == Row::ducksByAnnouncer) Arm(frmMain().live.ckMixByTa, settings.taColor);
+    if (row.live == Row::ducksByAnnouncer) Arm(frmMain().live.ckMixByTa, markSettings.taColor);
     heard();
     start(kBed);
     if (row.live != Row::none) hLive = source("g5000");
@@ -139,7 +145,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, Duck, ::testing::ValuesIn(kRows),
 TEST_F(MixTest, whatLeavesIsNotHeldByTheDuck) {
     // A stop with a fade, and a crossfade, go on to their end whatever pushes the bed down meanwhile.
     for (const int mode : {0, 1}) {
-        settings.AutoDuckMode = mode;
+        duckSettings.AutoDuckMode = mode;
         load(kBed, tones("h5000"), "AutoDuck=1 FadeOut=800");
         load(kTrigger, tones("a2000"));
         heard();
@@ -150,14 +156,14 @@ TEST_F(MixTest, whatLeavesIsNotHeldByTheDuck) {
         start(kTrigger);
         pass(2900);
         EXPECT_EQ(levelsOf(heard(), 'h', {400, 1400, 2400}), "0.0 - -") << mode;
-        settings.AutoMix = 1;
-        settings.AutoMixTime = 800;
+        automixSettings.AutoMix = 1;
+        automixSettings.AutoMixTime = 800;
         start(kBed);
         pass(500);
         start(kTrigger);
         pass(3000);
         EXPECT_EQ(levelsOf(heard(), 'h', {400, 1400, 2400}), "0.0 - -") << mode;
-        settings.AutoMix = 0;
+        automixSettings.AutoMix = 0;
     }
 }
 
@@ -168,7 +174,7 @@ TEST_F(MixTest, aDuckThatIsTurnedOffLetsGo) {
     start(kBed);
     start(kTrigger);
     pass(800);
-    settings.AutoDuckMode = 2;
+    duckSettings.AutoDuckMode = 2;
     pass(800);
     EXPECT_EQ(levelsOf(heard(), 'h', {700, 1500}), "-16.5 0.0");
 }
@@ -176,7 +182,7 @@ TEST_F(MixTest, aDuckThatIsTurnedOffLetsGo) {
 TEST_F(MixTest, theLockCountsWhatWasStartedAMomentAgo) {
     load(1, tones("a500"));
     load(2, tones("b500"));
-    settings.AutoMix = 2;
+    automixSettings.AutoMix = 2;
     heard();
     start(1);
     pass(20);
@@ -192,8 +198,8 @@ TEST_F(MixTest, theLockCountsWhatWasStartedAMomentAgo) {
 TEST_F(MixTest, aCrossfadeOfEqualMaterialHasNoStep) {
     load(1, level(kRate * 3, 8192));
     load(2, level(kRate * 3, 8192));
-    settings.AutoMix = 1;
-    settings.AutoMixTime = 400;
+    automixSettings.AutoMix = 1;
+    automixSettings.AutoMixTime = 400;
     start(1);
     pass(500);
     heard();
@@ -210,9 +216,9 @@ TEST_F(MixTest, aCrossfadeOfEqualMaterialHasNoStep) {
 TEST_F(MixTest, theMicrophoneMakesRoom) {
     Device[1] = 2;
     bassini(1);
-    settings.InputEnabled = 1;
-    settings.VolumeInMain = 100;
-    settings.VolumeInAux = 50;
+    volumeSettings.InputEnabled = 1;
+    volumeSettings.VolumeInMain = 100;
+    volumeSettings.VolumeInAux = 50;
     SwitchInput(true);
     load(1, level(kRate * 9));
     start(1);
@@ -248,15 +254,15 @@ TEST_F(MixTest, theMicrophoneMakesRoom) {
     EXPECT_EQ(foot(), "");
     TalkOverTog();
     EXPECT_NEAR(main(300), 0, 0.01);
-    settings.Volume = settings.VolumeAux =
+    volumeSettings.Volume = volumeSettings.VolumeAux =
         60;  // turned off it goes to the output's level, not to the full one
     TalkOverTog();
     EXPECT_NEAR(main(300), 20 * std::log10(0.6), 0.01);
     EXPECT_EQ(foot(), "Talkover 60 % · Volume 60 % · Aux volume 60 %");
-    settings.Volume = settings.VolumeAux = 100;
+    volumeSettings.Volume = volumeSettings.VolumeAux = 100;
 
     // The same colour for both keys holds the bus down, deliberately.
-    settings.toColor = settings.moColor;
+    markSettings.toColor = markSettings.moColor;
     TalkOverTog();
     MicPush();
     MicRelease();
@@ -273,7 +279,7 @@ TEST_F(MixTest, theMicrophoneMakesRoom) {
 TEST_F(MixTest, theMicrophoneIsHeardAtItsOwnLevels) {
     Device[1] = 2;
     bassini(1);
-    settings.VolumeInAux = 50;
+    volumeSettings.VolumeInAux = 50;
     SwitchInput(true);
     devices->feedInput("Microphone", std::vector<float>(2 * kRate * 5, 0.25F), kRate);
     const auto levels = [&] {
@@ -305,7 +311,7 @@ TEST_F(MixTest, theMicrophoneIsHeardAtItsOwnLevels) {
     MicRelease();
     evStop();
     pass(4000);  // the meters forget what they saw
-    settings.VolumeInMain = settings.VolumeInAux = 100;
+    volumeSettings.VolumeInMain = volumeSettings.VolumeInAux = 100;
 }
 
 TEST_F(MixTest, whyIsItQuiet) {
@@ -320,13 +326,13 @@ TEST_F(MixTest, whyIsItQuiet) {
     EXPECT_EQ(foot(), "Duck: sound 1");
     EXPECT_TRUE(frmMain().display.lblQuiet.visible);
     EXPECT_EQ(frmMain().display.lblQuiet.toolTip(), foot());
-    settings.Volume = 60;
-    settings.AutoMix = 1;
+    volumeSettings.Volume = 60;
+    automixSettings.AutoMix = 1;
     load(2, tones("b2000"), "NoTrigDuck=1");
     start(2);
     pass(200);
     EXPECT_EQ(foot(), "Automix · Volume 60 %") << "the bed leaves: nobody holds it down any more";
-    settings.Volume = 100;
+    volumeSettings.Volume = 100;
     evStop();
     pass(300);
     EXPECT_EQ(foot(), "");
@@ -335,11 +341,11 @@ TEST_F(MixTest, whyIsItQuiet) {
     FormDraw();
     const DisplayControls& d = frmMain().display;
     const int whole = d.txtDisPal.width;
-    settings.Volume = 80;
+    volumeSettings.Volume = 80;
     pass(100);
     EXPECT_LT(frmMain().display.txtDisPal.width, whole / 2);
     EXPECT_GT(frmMain().display.lblQuiet.width, whole / 2);
-    settings.Volume = 100;
+    volumeSettings.Volume = 100;
     pass(100);
     EXPECT_EQ(frmMain().display.txtDisPal.width, whole);
 }
@@ -363,9 +369,9 @@ TEST_F(MixTest, aBarThatWasFullIsMarkedForAMoment) {
     pass(500);  // the tool tip is looked at twice a second
     EXPECT_EQ(left.toolTip(), "Peak L -\u221e dBFS");
     ApplyMeterLook();
-    const int shown = settings.VUchan;
+    const int shown = meterSettings.VUchan;
     ChangeVUchan();
-    EXPECT_EQ(settings.VUchan, shown) << "two channels have one pair";
+    EXPECT_EQ(meterSettings.VUchan, shown) << "two channels have one pair";
     VuTestOn = true;
     pass(100);
     EXPECT_EQ(left.value, kMeterMax);

@@ -1,9 +1,15 @@
 // The palette list and the buttons' contents: picking, stepping, naming, deleting, assigning, moving,
 // colouring.
 
+#include "startup/settings/palette.h"
 #include "model/palette_files.h"
 #include "model/pending_removals.h"
 #include "startup/language.h"
+#include "startup/settings.h"
+#include "startup/settings/dark.h"
+#include "startup/settings/folders.h"
+#include "startup/settings/marks.h"
+#include "startup/settings/palette_list.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/move.h"
@@ -26,7 +32,7 @@ class PaletteTest : public WindowTest {
         writePalette("Zulu", 1);
         SettingsStore.PutValue("PaletteIndex", "Morning");
         lstPalRefresh();
-        settings.PaletteIndex = "Morning";
+        paletteSettings.PaletteIndex = "Morning";
         OpenFile("Morning");
     }
 
@@ -59,7 +65,7 @@ TEST_F(PaletteTest, pickingOpensAtOnceAndForgetsWhatWasPending) {
     EXPECT_EQ(frmMain().palettes.lstJID.items(), std::vector<std::string>{"0"});
     PalToSave = true;
     pick("afternoon");
-    EXPECT_EQ(settings.PaletteIndex, "afternoon");
+    EXPECT_EQ(paletteSettings.PaletteIndex, "afternoon");
     EXPECT_EQ(name(), "afternoon");
     EXPECT_EQ(filled(), 2);
     EXPECT_FALSE(PalToSave);
@@ -86,7 +92,7 @@ TEST_F(PaletteTest, steppingLoadsOnlyWhereItStops) {
     EXPECT_EQ(filled(), 3);
     evbtUp();
     pass(150);
-    settings.LoopLstPal = 0;
+    paletteListSettings.LoopLstPal = 0;
     evbtUp();
     EXPECT_EQ(name(), "afternoon");  // at the top it stays
     evBtDn();
@@ -102,7 +108,7 @@ TEST_F(PaletteTest, aHeldPageKeyRunsAfterAMoment) {
         frmMain().window.onKeyDown(event);
         EXPECT_TRUE(event.consumed);
     };
-    settings.LoopLstPal = 0;
+    paletteListSettings.LoopLstPal = 0;
     SelectPalette("afternoon");
     desktop().keys = {pageDown};
     send(false);
@@ -141,7 +147,7 @@ TEST_F(PaletteTest, aNewPaletteIsBornAtItsFirstSave) {
     btNewTog();
     EXPECT_EQ(filled(), 0);
     EXPECT_EQ(list().listIndex, -1);
-    EXPECT_EQ(settings.PaletteIndex, "");
+    EXPECT_EQ(paletteSettings.PaletteIndex, "");
     load(7, 200);
     MarkPalToSave();
     EXPECT_TRUE(ErrMarkShows("f"));
@@ -156,7 +162,7 @@ TEST_F(PaletteTest, aNewPaletteIsBornAtItsFirstSave) {
     EXPECT_FALSE(t.txtSave.visible);
     EXPECT_TRUE(t.btNew.enabled);
     EXPECT_EQ(list().text(), "Evening");
-    EXPECT_EQ(settings.PaletteIndex, "Evening");
+    EXPECT_EQ(paletteSettings.PaletteIndex, "Evening");
     EXPECT_TRUE(inFile("[Evening]"));
     EXPECT_TRUE(inFile("Path_7="));
 }
@@ -164,7 +170,7 @@ TEST_F(PaletteTest, aNewPaletteIsBornAtItsFirstSave) {
 TEST_F(PaletteTest, namingCanBeGivenUp) {
     SavePal();
     PaletteTab& t = frmMain().palettes;
-    EXPECT_EQ(t.btSave.backColor, settings.spColor);
+    EXPECT_EQ(t.btSave.backColor, markSettings.spColor);
     EXPECT_EQ(t.txtSave.caption(), "Morning");
     KeyEvent escape{Key::escape};
     t.txtSave.onKeyDown(escape);
@@ -199,11 +205,11 @@ TEST_F(PaletteTest, deletingOpensTheOneBefore) {
     EXPECT_TRUE(list().items().empty());
     EXPECT_EQ(list().listIndex, -1);
     EXPECT_EQ(filled(), 0);
-    EXPECT_EQ(settings.PaletteIndex, "Zulu");
+    EXPECT_EQ(paletteSettings.PaletteIndex, "Zulu");
 }
 
 TEST_F(PaletteTest, autoSaveFollowsAnEditAndWaitsForTheEditor) {
-    settings.AutoSave = 1;
+    paletteSettings.AutoSave = 1;
     SelJ = {1};
     FxOpen = true;
     clLoopSet(1);
@@ -332,25 +338,25 @@ TEST_F(PaletteTest, colours) {
     SelJ = {0};
     PickColour(15);  // dark mode keeps the colour and works out what is shown
     SwitchDarkMode(1);
-    EXPECT_EQ(BtnFaceColor, settings.DarkBackColor);
+    EXPECT_EQ(BtnFaceColor, darkSettings.DarkBackColor);
     EXPECT_EQ(rec(0).BTNCol, "FF0000");
-    EXPECT_EQ(button(1).backColor, settings.DarkBackColor);
-    EXPECT_EQ(button(1).foreColor, settings.DarkForeColor);
+    EXPECT_EQ(button(1).backColor, darkSettings.DarkBackColor);
+    EXPECT_EQ(button(1).foreColor, darkSettings.DarkForeColor);
     EXPECT_EQ(button(0).foreColor, GetForeColor(rec(0).BackRGB, "jingle"));
     const std::int32_t before = rec(0).BackRGB;
-    settings.ShadeOffsetVal = -40;
+    darkSettings.ShadeOffsetVal = -40;
     ReColorizeBtn();
     EXPECT_NE(rec(0).BackRGB, before);
     // Dark: borders stand out from the ground, the list is dark, or light when it is reversed.
-    EXPECT_EQ(BorderColour(), ShadeColor(settings.DarkBackColor, 32));
+    EXPECT_EQ(BorderColour(), ShadeColor(darkSettings.DarkBackColor, 32));
     EXPECT_EQ(frmMain().fraPanel.borderColor, BorderColour());
-    EXPECT_EQ(list().backColor, settings.DarkBackColor);
-    settings.RevLstPalCol = 1;
+    EXPECT_EQ(list().backColor, darkSettings.DarkBackColor);
+    paletteListSettings.RevLstPalCol = 1;
     SwitchDarkMode(1);
-    EXPECT_EQ(list().backColor, settings.DarkForeColor);
-    EXPECT_EQ(list().foreColor, settings.DarkBackColor);
+    EXPECT_EQ(list().backColor, darkSettings.DarkForeColor);
+    EXPECT_EQ(list().foreColor, darkSettings.DarkBackColor);
     SwitchDarkMode(0);
-    EXPECT_NE(frmMain().fraPanel.borderColor, ShadeColor(settings.DarkBackColor, 32));
+    EXPECT_NE(frmMain().fraPanel.borderColor, ShadeColor(darkSettings.DarkBackColor, 32));
     EXPECT_EQ(button(1).backColor, kButtonFace);
     const Control& stop = frmMain().keys.btStop;
     EXPECT_GT(stop.backColor & 0xFF, 128);  // red stays red
@@ -366,7 +372,7 @@ TEST_F(PaletteTest, theMenuOffersWhatFitsTheButton) {
         }
         return names;
     };
-    std::filesystem::create_directories(settings.SampleDir);
+    std::filesystem::create_directories(folderSettings.SampleDir);
     EXPECT_EQ(offered(20), "Ass ASDir ");
     EXPECT_EQ(offered(0),
               "Ass Clr Copy Cut Rename Col Loop Seq AutoRep Touch PlayStop NoStop Ta FX JPath ASDir ");

@@ -2,6 +2,8 @@
 
 #include "model/palette_files.h"
 #include "model/playlists.h"
+#include "startup/settings/palette.h"
+#include "startup/settings/search.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/jingle_menu.h"
 #include "ui/edit/playlists.h"
@@ -28,8 +30,8 @@ class PlaylistTest : public WindowTest {
         write("playlist.ini", "");
         LoadLockedFiles();
         lstPalRefresh();
-        settings.ResultsInSearch = 0;
-        settings.AutoClJSearchSec = 0;
+        searchSettings.ResultsInSearch = 0;
+        searchSettings.AutoClJSearchSec = 0;
         open("Morning");
     }
     ~PlaylistTest() override {
@@ -41,7 +43,7 @@ class PlaylistTest : public WindowTest {
     }
 
     void open(const std::string& palette) {
-        settings.PaletteIndex = palette;
+        paletteSettings.PaletteIndex = palette;
         OpenFile(palette);
         pass(2000);
     }

@@ -7,6 +7,12 @@
 #include "audio/time_jingle.h"
 #include "startup/errors.h"
 #include "startup/language.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/folders.h"
+#include "startup/settings/grid.h"
+#include "startup/settings/keys.h"
+#include "startup/settings/marks.h"
+#include "startup/settings/program.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/announcer_tab.h"
 #include "ui/edit/carried.h"
@@ -206,9 +212,9 @@ class PressTest : public WindowTest {
             {"own", [&] { repeatOnButton(); }},
             {"tab", [] { frmMain().ckTab[1].onMouseDown({}); }},
             {"announcer", b_tmAnJinTog},
-            {"noreloc", [] { settings.OpenReloc = 0; }},
-            {"lock", [] { settings.AutoMix = 2; }},
-            {"inhibit", [] { settings.InhibSpBar = 1; }},
+            {"noreloc", [] { folderSettings.OpenReloc = 0; }},
+            {"lock", [] { automixSettings.AutoMix = 2; }},
+            {"inhibit", [] { keySettings.InhibSpBar = 1; }},
             {"yes", [] { desktop().answers = {BoxAnswer::yes}; }},
             {"file", [&] { desktop().paths = {path("Audio_Sample/sound_5.wav").string()}; }},
         };
@@ -399,9 +405,9 @@ TEST_F(PressTest, globalTogglesExcludeEachOtherAndAreKept) {
         SCOPED_TRACE(row.letters + std::to_string(row.mix));
         EXPECT_EQ(ToggleTouch, row.touch);
         EXPECT_EQ(ToggleAutoRep, row.repeat);
-        EXPECT_EQ(settings.AutoMix, row.mix);
-        EXPECT_EQ(k.ckTouch.backColor, row.touch ? settings.tcColor : BtnFaceColor);
-        EXPECT_EQ(k.ckAutoRep.backColor, row.repeat ? settings.arColor : BtnFaceColor);
+        EXPECT_EQ(automixSettings.AutoMix, row.mix);
+        EXPECT_EQ(k.ckTouch.backColor, row.touch ? markSettings.tcColor : BtnFaceColor);
+        EXPECT_EQ(k.ckAutoRep.backColor, row.repeat ? markSettings.arColor : BtnFaceColor);
         EXPECT_EQ(k.ckAutoMix.backColor, row.mix == 1 ? Shaded.am : row.mix == 2 ? Shaded.am2 : BtnFaceColor);
         EXPECT_EQ(k.ckAutoMix.caption(), LnBox(row.mix == 1   ? "mckAutoMixA"
                                                : row.mix == 2 ? "mckAutoMixB"
@@ -413,20 +419,20 @@ TEST_F(PressTest, globalTogglesExcludeEachOtherAndAreKept) {
     }
     // As kept they come back; of two only one can.
     for (const int kept : {0, 1, 2, 3}) {
-        settings.Autorepeat = kept % 2;
-        settings.Touch = kept / 2;
+        keySettings.Autorepeat = kept % 2;
+        keySettings.Touch = kept / 2;
         FormsLoad("frmMain");
         EXPECT_EQ(ToggleTouch, kept / 2) << kept;
         EXPECT_EQ(ToggleAutoRep, kept == 1 ? 1 : 0) << kept;
     }
     for (const bool held : {true, false}) {
-        settings.HoldExitToShutDown = held ? 1 : 0;
+        programSettings.HoldExitToShutDown = held ? 1 : 0;
         LnStrings("frmMain");
         EXPECT_EQ(k.btExit.caption(), LnBox(held ? "mbtExitSD" : "mbtExit"));
     }
     MIDILearnActive = true;
     CkAutoMixTog();
-    EXPECT_EQ(settings.AutoMix, 0);
+    EXPECT_EQ(automixSettings.AutoMix, 0);
     MIDILearnActive = false;
 }
 
@@ -434,11 +440,11 @@ TEST_F(PressTest, automixFadesWhatElseSounds) {
     load(1, tones("a2000"));
     load(2, tones("b2000"), "NoAutomix=1");
     load(3, tones("c2000"));
-    settings.AutoMixTime = 300;
+    automixSettings.AutoMixTime = 300;
     heard();
     perform("0 p1 p2 200 mix p3 600 p3 700", [&](const std::string& word) {
         if (word == "mix") {
-            settings.AutoMix = 1;
+            automixSettings.AutoMix = 1;
         } else {
             press(word[1] - '0');
         }
@@ -522,20 +528,20 @@ TEST_F(PressTest, keysOfTheWindow) {
     EXPECT_EQ(ActiveTab, 3);
     EXPECT_EQ(LoopToggleStep, 1);
     key(static_cast<int>(Key::f9));
-    EXPECT_EQ(settings.JoinedJButtons, 0);
+    EXPECT_EQ(gridSettings.JoinedJButtons, 0);
     key(static_cast<int>(Key::f9), kAltMask);
-    EXPECT_EQ(settings.JoinedJButtons, 1);
+    EXPECT_EQ(gridSettings.JoinedJButtons, 1);
     EXPECT_EQ(JGap, 0);
     EXPECT_EQ(JOuterGap, 60);
     for (const int position : {0, 1, 2}) {
         key(static_cast<int>(Key::f10));
-        EXPECT_EQ(settings.HotJinglesPos, position);
+        EXPECT_EQ(gridSettings.HotJinglesPos, position);
     }
     // While a text is typed, letters belong to it.
     desktop().focus = &frmMain().palettes.txtSave;
     EXPECT_FALSE(key('T'));
     EXPECT_EQ(ToggleTouch, 0);
-    settings.InhibSpBar = 1;
+    keySettings.InhibSpBar = 1;
     desktop().focus = nullptr;
     EXPECT_TRUE(key(static_cast<int>(Key::space)));
     EXPECT_EQ(rec(2).State, PlayState::idle);

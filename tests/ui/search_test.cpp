@@ -2,6 +2,8 @@
 
 #include <random>
 
+#include "startup/settings/palette.h"
+#include "startup/settings/search.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/search.h"
 #include "ui/edit/search_index.h"
@@ -21,8 +23,8 @@ class SearchTest : public WindowTest {
         put("Noon", {{1, "Été à Gênes.wav"}});
         put("Night", {});
         lstPalRefresh();
-        settings.ResultsInSearch = 1;
-        settings.AutoClJSearchSec = 0;
+        searchSettings.ResultsInSearch = 1;
+        searchSettings.AutoClJSearchSec = 0;
         WireSearch();
     }
     ~SearchTest() override {
@@ -117,10 +119,10 @@ TEST_F(SearchTest, TypingPausesThenPalettesThenHitsThenThePaletteOpensWithThemBl
     EXPECT_EQ(s().lstJingRes.items(), (std::vector<std::string>{"News Sting", "Été à Gênes"}))
         << "each caption once";
     s().lstJingRes.listIndex = 0;
-    settings.BlinksJSearch = 2;
+    searchSettings.BlinksJSearch = 2;
     s().btKbGo.onClick();
     EXPECT_FALSE(SearchOpen);
-    EXPECT_EQ(settings.PaletteIndex, "Morning");
+    EXPECT_EQ(paletteSettings.PaletteIndex, "Morning");
     EXPECT_EQ(frmMain().palettes.lstPal.text(), "Morning");
     EXPECT_EQ(SearchHits, (std::vector<int>{0, 9}));
     const Colour rest = button(0).backColor();
@@ -135,12 +137,12 @@ TEST_F(SearchTest, TypingPausesThenPalettesThenHitsThenThePaletteOpensWithThemBl
 }
 
 TEST_F(SearchTest, WithoutResultsThePaletteOpensAtOnceAndPickingAnotherEndsTheBlinking) {
-    settings.ResultsInSearch = 0;
+    searchSettings.ResultsInSearch = 0;
     JingSearch();
     type("genes");
     s().btKbDnPal.onClick();
     s().btKbGo.onClick();
-    EXPECT_EQ(settings.PaletteIndex, "Noon");
+    EXPECT_EQ(paletteSettings.PaletteIndex, "Noon");
     EXPECT_EQ(SearchHits, (std::vector<int>{1}));
     SelectPalette("Morning");
     frmMain().palettes.lstPal.onMouseUp({});
@@ -148,7 +150,7 @@ TEST_F(SearchTest, WithoutResultsThePaletteOpensAtOnceAndPickingAnotherEndsTheBl
 }
 
 TEST_F(SearchTest, AHitThatSoundsKeepsItsFace) {
-    settings.BlinksJSearch = 3;
+    searchSettings.BlinksJSearch = 3;
     JingSearch();
     type("news");
     s().btKbGo.onClick();
@@ -163,7 +165,7 @@ TEST_F(SearchTest, AHitThatSoundsKeepsItsFace) {
 }
 
 TEST_F(SearchTest, ClosesByTimeUnlessSomebodyTypes) {
-    settings.AutoClJSearchSec = 1;
+    searchSettings.AutoClJSearchSec = 1;
     JingSearch();
     pass(900);
     type("e");

@@ -7,6 +7,15 @@
 #include "model/held_palette.h"
 #include "platform/rehearsal/virtual_clock.h"
 #include "startup/errors.h"
+#include "startup/settings/clock.h"
+#include "startup/settings/dark.h"
+#include "startup/settings/display.h"
+#include "startup/settings/marks.h"
+#include "startup/settings/meters.h"
+#include "startup/settings/minimal.h"
+#include "startup/settings/palette_list.h"
+#include "startup/settings/playing.h"
+#include "startup/settings/warning.h"
 #include "tests/ui/window_test.h"
 #include "ui/press/display_press.h"
 #include "ui/records/timers.h"
@@ -64,7 +73,7 @@ TEST_F(TickTest, digits) {
                  {59.96, 1, "59.96"},   {67.4, 0, "1:07.4"}, {1000, 0, "16:40.0"}, {6000, 0, "100:00.0"},
                  {599.25, 1, "9:59.25"}};
     for (const auto& c : cases) {
-        settings.DispCSec = c.hundredths;
+        displaySettings.DispCSec = c.hundredths;
         WriteDigits(c.seconds);
         EXPECT_EQ(shown(), c.shown) << c.seconds;
     }
@@ -115,8 +124,8 @@ TEST_F(TickTest, aSoundingButtonAndItsEnd) {
     pass(1000);
     EXPECT_NEAR(DuckRemain, 1.0, 0.06);
     const JingleButton& b = *Button(1);
-    EXPECT_EQ(b.b_Jingle.backColor, settings.PlayingColor);
-    EXPECT_EQ(b.picbtnumber.backColor, settings.PlayingColor);
+    EXPECT_EQ(b.b_Jingle.backColor, playingSettings.PlayingColor);
+    EXPECT_EQ(b.picbtnumber.backColor, playingSettings.PlayingColor);
     EXPECT_EQ(b.b_Jingle.value, static_cast<int>(JingleState::sounding));
     EXPECT_TRUE(b.JRemLev.visible);
     const int full = b.b_Jingle.width - 60;
@@ -153,7 +162,7 @@ TEST_F(TickTest, aJingleOfAnotherPaletteGivesItsSlotBack) {
     HoldPalette("Other");
     pass(100);
     EXPECT_TRUE(rec(1).PlayingOtherPal);
-    EXPECT_EQ(button(1).backColor, settings.PlayingColorAnotherPal);
+    EXPECT_EQ(button(1).backColor, playingSettings.PlayingColorAnotherPal);
     EXPECT_EQ(rec(1).Path, "Audio_Sample\\sound_1.wav");
     pass(1100);
     EXPECT_FALSE(rec(1).PlayingOtherPal);
@@ -162,8 +171,8 @@ TEST_F(TickTest, aJingleOfAnotherPaletteGivesItsSlotBack) {
 }
 
 TEST_F(TickTest, theBlinkShowsAndHidesDigitsAndBars) {
-    settings.BlinkWarn = 100;  // each 100 ms
-    settings.BlinkTarget = 2;
+    warningSettings.BlinkWarn = 100;  // each 100 ms
+    warningSettings.BlinkTarget = 2;
     load(1, 6000);
     press(1);
     pass(3500);
@@ -173,19 +182,19 @@ TEST_F(TickTest, theBlinkShowsAndHidesDigitsAndBars) {
     for (int i = 0; i < 8; ++i) {
         pass(50);
         const Colour digit = frmMain().display.lblPosSecU.foreColor;
-        gone = gone || digit == settings.DispBackCol;
-        there = there || digit == settings.RemainColor;
+        gone = gone || digit == displaySettings.DispBackCol;
+        there = there || digit == warningSettings.RemainColor;
     }
     EXPECT_TRUE(gone);
     EXPECT_TRUE(there);
     evStop();
     pass(100);
     EXPECT_FALSE(timers().TimerWarnBlink.enabled());
-    EXPECT_EQ(frmMain().display.lblPosSecU.foreColor, settings.CountDownColor);
+    EXPECT_EQ(frmMain().display.lblPosSecU.foreColor, displaySettings.CountDownColor);
     // A sound shorter than the warning's time gives one only when all do.
     load(2, 900);
     for (const bool all : {false, true}) {
-        settings.WarnAllJ = all ? 1 : 0;
+        warningSettings.WarnAllJ = all ? 1 : 0;
         press(2);
         pass(300);
         EXPECT_EQ(timers().TimerWarnBlink.enabled(), all);
@@ -233,10 +242,10 @@ TEST_F(TickTest, searchHitsAndArmedOptionsAreLeftAlone) {
 
     // New colours reach the armed option and the buttons that it can go to.
     ckTouchI_MouseDown();
-    settings.tcColor = 0x203040;
+    markSettings.tcColor = 0x203040;
     ReColorizeBtn();
     EXPECT_EQ(frmMain().options.ckTouchI.backColor, 0x203040);
-    EXPECT_EQ(button(1).backColor, ShadeColor(0x203040, settings.ShadeOffsetVal));
+    EXPECT_EQ(button(1).backColor, ShadeColor(0x203040, darkSettings.ShadeOffsetVal));
     EXPECT_EQ(button(2).backColor, BtnFaceColor) << "nothing is on it";
     ckTouchI_MouseDown();
     EXPECT_EQ(button(1).backColor, BtnFaceColor);
@@ -260,7 +269,7 @@ TEST_F(TickTest, metersFollowTheLoudestAndFall) {
     pass(600);
     EXPECT_EQ(frmMain().VuL.value, 0);
     pass(100);
-    settings.VUpersist = 0;
+    meterSettings.VUpersist = 0;
     press(1);
     pass(200);
     evStop();
@@ -270,7 +279,7 @@ TEST_F(TickTest, metersFollowTheLoudestAndFall) {
 
 TEST_F(TickTest, theClockOfTheMinimalView) {
     // Two seconds of silence, then the time; the date for four seconds twice a minute and while the display is held.
-    settings.MinimalView = settings.ClockEnabled = settings.DateEnabled = 1;
+    minimalSettings.MinimalView = clockSettings.ClockEnabled = clockSettings.DateEnabled = 1;
     FormDraw();
     const DisplayControls& d = frmMain().display;
     EXPECT_GT(d.lblPosMisC.width, 0) << "the last figure of the seconds";
@@ -293,8 +302,8 @@ TEST_F(TickTest, theClockOfTheMinimalView) {
                  {"HH:mm:ss", "yyyy mmmm dd ddd", "2026-11-07 15:04:42", "150444", "t"}};
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.at) + " " + c.time + " " + c.date);
-        settings.TimeFormat = c.time;
-        settings.DateFormat = c.date;
+        clockSettings.TimeFormat = c.time;
+        clockSettings.DateFormat = c.date;
         StopClock();
         VirtualClock::instance().setWallTime(c.at);
         pass(1900);
@@ -325,7 +334,7 @@ TEST_F(TickTest, theClockOfTheMinimalView) {
     EXPECT_EQ(shown().substr(0, 3), "01.");
     evStop();
     pass(100);
-    settings.MinimalView = 0;
+    minimalSettings.MinimalView = 0;
     StopClock();
     DateTimeDemo(true);
     pass(1100);
@@ -340,7 +349,7 @@ TEST_F(TickTest, thePaletteNameComesAndGoes) {
     EXPECT_TRUE(name.visible);
     switchDisPalName();
     EXPECT_FALSE(name.visible);
-    settings.LockDisPalName = 1;
+    paletteListSettings.LockDisPalName = 1;
     switchDisPalName();
     EXPECT_FALSE(name.visible);
 }

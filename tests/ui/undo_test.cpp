@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "startup/settings/folders.h"
+#include "startup/settings/palette.h"
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
@@ -19,7 +21,7 @@ class UndoTest : public KeepingTest {
   protected:
     UndoTest() {
         ForgetUndo();
-        settings.ImportFiles = 0;
+        folderSettings.ImportFiles = 0;
     }
 
     int any(int most) { return std::uniform_int_distribution<int>(0, most)(chance); }
@@ -130,7 +132,7 @@ TEST_F(UndoTest, thirtyEditsAndAsManyUndosLeaveNoTrace) {
     for (unsigned sequence = 0; sequence < 6; ++sequence) {
         chance.seed(sequence);
         trace = "sequence " + std::to_string(sequence) + ": ";
-        settings.AutoSave = sequence % 2;
+        paletteSettings.AutoSave = sequence % 2;
         pick("B");
         clMove(static_cast<int>(sequence) % 3, "cut");
         pick("A");

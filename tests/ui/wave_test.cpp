@@ -10,6 +10,7 @@
 #include "audio/file_level.h"
 #include "audio/outline.h"
 #include "startup/helpers.h"
+#include "startup/settings/editor.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/jingle_editor.h"
 #include "ui/edit/level_many.h"
@@ -353,7 +354,7 @@ TEST_F(WaveTest, LoudnessOfThePartBringsTheVolumeToTheTarget) {
     pass(2000);
     w.cmbTarget.listIndex = 3;
     w.cmbTarget.onChange();
-    EXPECT_EQ(settings.LoudnessTarget, -14);
+    EXPECT_EQ(editorSettings.LoudnessTarget, -14);
     w.btLoudness.onClick();
     EXPECT_EQ(j.Volm, 400);  // the safe one, as far as the slider reaches
     EXPECT_TRUE(read("zv.ini").find("LoudnessTarget=-14") != std::string::npos);

@@ -4,7 +4,7 @@
 #include "model/jingle.h"
 #include "model/state.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/program.h"
 #include "startup/stores.h"
 #include "tests/support/places.h"
 #include "ui/edit/jingle_editor.h"
@@ -28,8 +28,8 @@ constexpr int kFramesPerMs = static_cast<int>(kRate) / 1000;
 
 WindowTest::WindowTest() {
     std::filesystem::copy_file(test::sourceDir() + "/data/language_original.ini", path("language.ini"));
-    settings.Language = kEnglish;
-    settings.ConfirmExit = 0;
+    programSettings.Language = kEnglish;
+    programSettings.ConfirmExit = 0;
     LoadingUI = false;
     Unloading = false;
     MoveSrcJ = MoveDstJ = RenameJ = -1;

@@ -12,7 +12,6 @@
 #include "model/jingle.h"
 #include "model/state.h"
 #include "platform/clock.h"
-#include "startup/settings.h"
 #include "startup/stores.h"
 #include "tests/support/desktop.h"
 #include "tests/support/ear.h"

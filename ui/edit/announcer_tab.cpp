@@ -11,7 +11,7 @@
 #include "platform/clock.h"
 #include "platform/controls.h"
 #include "startup/guard.h"
-#include "startup/settings.h"
+#include "startup/settings/announcer.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
@@ -30,9 +30,9 @@ WallSeconds wallSeconds;
 void fieldChanged() {
     guarded(".DTMinute_Change", [] {
         const AnnouncerTab& t = frmMain().announcer;
-        settings.TimeAnnMin = t.DTMinute.value;
-        settings.TimeAnnSec = t.DTSecond.value;
-        settings.TimeAnnDel = t.DTDelay.value;
+        announcerSettings.TimeAnnMin = t.DTMinute.value;
+        announcerSettings.TimeAnnSec = t.DTSecond.value;
+        announcerSettings.TimeAnnDel = t.DTDelay.value;
         DTChange();
         ShowAnnouncer();
     });

@@ -10,7 +10,8 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/folders.h"
 #include "ui/edit/undo.h"
 #include "ui/edit/unsaved.h"
 #include "ui/records/armed.h"
@@ -33,7 +34,7 @@ void PutFile(int index, const std::string& path, const std::string& effects) {
     ClearRecord(index);
     j.Path = path;
     j.FXV = effects;
-    j.LogFadeOut = static_cast<std::uint8_t>(settings.LogFadeOut);
+    j.LogFadeOut = static_cast<std::uint8_t>(automixSettings.LogFadeOut);
     HideMarks(index);
     ShowPlayModeMark(index);
     PaintButton(index, BtnFaceColor, JingleForeColor);
@@ -52,16 +53,17 @@ void clAssign(int index) {
         ResetOption();
         ResetJingles();
         OptionCode.clear();
-        if (!FolderExists(settings.SampleDir)) {
-            MkDirs(settings.SampleDir);
+        if (!FolderExists(folderSettings.SampleDir)) {
+            MkDirs(folderSettings.SampleDir);
         }
         std::string path = ClipPath;
         if (path.empty()) {
-            path = openFileDialog(Ln("mDlgAsBu"), settings.LastcmDlgDir, Ln("mDlgType") + "|" + FileFilter());
+            path = openFileDialog(Ln("mDlgAsBu"), folderSettings.LastcmDlgDir,
+                                  Ln("mDlgType") + "|" + FileFilter());
             if (path.empty()) {
                 return;
             }
-            settings.LastcmDlgDir = GetPath(path);
+            folderSettings.LastcmDlgDir = GetPath(path);
         }
         if (path.empty()) {
             return;
@@ -90,7 +92,7 @@ void b_Jingle_OLEDragDrop(int index, const std::string& path) {
             ShowDisplayMessage(Ln(idle ? "mRefNoSound" : "mRefPlaying"));
             return;
         }
-        settings.LastcmDlgDir = GetPath(path);
+        folderSettings.LastcmDlgDir = GetPath(path);
         ClipPath = path;
         clAssign(index);
         ClipPath.clear();

@@ -11,7 +11,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/dark.h"
 #include "ui/edit/selection.h"
 #include "ui/edit/undo.h"
 #include "ui/edit/unsaved.h"
@@ -118,7 +118,8 @@ void clColorSet(int index) {
         for (int i = 0; i < kPickFields; ++i) {
             Control& field = *picker.Color[static_cast<std::size_t>(i)];
             const Colour colour = PickerColour(i);
-            field.backColor = i < kNoColourField ? ShadeColor(colour, settings.ShadeOffsetVal) : BtnFaceColor;
+            field.backColor =
+                i < kNoColourField ? ShadeColor(colour, darkSettings.ShadeOffsetVal) : BtnFaceColor;
             const std::string digits = i < kNoColourField ? ColorToHex(colour) : std::string(kFaceColourText);
             field.toolTip = i < kNoColourField ? "#" + digits : Ln("cplblDelCol");
             const bool has = SameText(Jingle(MenuJ).BTNCol, digits);
@@ -142,7 +143,7 @@ void PickColour(int field) {
             JingleRecord& j = Jingle(i);
             if (field < kNoColourField) {
                 j.BTNCol = ColorToHex(PickerColour(field));
-                j.BackRGB = ShadeColor(PickerColour(field), settings.ShadeOffsetVal);
+                j.BackRGB = ShadeColor(PickerColour(field), darkSettings.ShadeOffsetVal);
             } else {
                 j.BTNCol = kFaceColourText;
                 j.BackRGB = BtnFaceColor;

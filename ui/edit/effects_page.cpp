@@ -10,7 +10,6 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
 #include "ui/edit/edited_jingle.h"
 #include "ui/windows/jingle_window.h"
 

@@ -19,7 +19,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/palette.h"
 #include "startup/stores.h"
 #include "ui/edit/leave_palette.h"
 #include "ui/edit/palette_list.h"
@@ -152,7 +152,7 @@ void goTo(const std::string& name) {
         return;
     }
     SelectPalette(name);
-    settings.PaletteIndex = name;
+    paletteSettings.PaletteIndex = name;
     frmMain().display.txtDisPal.caption = name;
     OpenFile(name);
 }
@@ -213,7 +213,8 @@ void ShowHistory() {
 
 void lstPalMenu() {
     guarded(".lstPal_Menu", [] {
-        SelectPalette(settings.PaletteIndex);  // the right button takes the selection away beside the rows
+        SelectPalette(
+            paletteSettings.PaletteIndex);  // the right button takes the selection away beside the rows
         std::vector<MenuItem> items{
             {.name = "mnuEarlierStates", .caption = Ln("hsMenu"), .chosen = ShowHistory}};
         const auto offer = [&](const char* name, const char* key, const std::string& what, Action action) {

@@ -18,6 +18,9 @@
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "startup/settings/editor.h"
+#include "startup/settings/palette.h"
+#include "startup/settings/playing.h"
 #include "ui/edit/edited_file.h"
 #include "ui/edit/edited_jingle.h"
 #include "ui/edit/effects_page.h"
@@ -81,7 +84,7 @@ void showPlaying() {
     const JingleRecord& j = EditedRecord();
     const bool sounding = Plays(Edited.index);
     w.ckPlay.backColor =
-        sounding ? settings.PlayingColor : (j.BTNCol == kFaceColourText ? kButtonFace : j.BackRGB);
+        sounding ? playingSettings.PlayingColor : (j.BTNCol == kFaceColourText ? kButtonFace : j.BackRGB);
     w.ckPlay.caption = (sounding ? "\xE2\x96\xA0 " : "\xE2\x96\xB6 ") + Ln(sounding ? "fxStop" : "fxHear");
 }
 
@@ -103,7 +106,7 @@ std::string facts() {
     std::string line = GetFileName(j.Path);
     const double length = EditSeconds(Edited.index, EditLength(Edited.index).length);
     for (const std::string& fact :
-         {settings.PaletteIndex, NumberText(j.Freq / kKilo) + " kHz", seconds2msd(length)})
+         {paletteSettings.PaletteIndex, NumberText(j.Freq / kKilo) + " kHz", seconds2msd(length)})
         if (!fact.empty()) line += "  \xC2\xB7  " + fact;
     return line;
 }
@@ -138,8 +141,8 @@ void putSeqAside() {
 
 void TabFX_Click() {
     const int page = frmFX().TabFX.listIndex();
-    if (page != settings.ActiveFXTab) {
-        settings.ActiveFXTab = static_cast<std::uint8_t>(page);
+    if (page != editorSettings.ActiveFXTab) {
+        editorSettings.ActiveFXTab = static_cast<std::uint8_t>(page);
         WriteSetting("ActiveFXTab", std::to_string(page));
     }
     putSeqAside();
@@ -254,7 +257,7 @@ void open(int index) {
     w.JID.caption = std::to_string(index);
     w.lblJingleToFX.caption = btCaption(j.Path);
     w.lblFacts.caption = facts();
-    w.TabFX.listIndex = std::clamp<int>(settings.ActiveFXTab, 0, 1);
+    w.TabFX.listIndex = std::clamp<int>(editorSettings.ActiveFXTab, 0, 1);
     EditAtOnce(index);
     w.showLoop(j.Seq != 0, Ln(j.Seq != 0 ? "fxlblSeqModNotice" : "fxNoSequence"));
     showAll();  // before it opens, so that there is room for every text

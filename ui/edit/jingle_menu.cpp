@@ -15,7 +15,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/folders.h"
 #include "ui/edit/announcer_tab.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
@@ -85,7 +85,7 @@ std::function<void()> actionOf(const std::string& name) {
         {"mnuLockedBy", [] { clLockedBy(MenuJ); }},
         {"mnuPlaylist", [] { clPlaylist(MenuJ); }},
         {"mnuJPath", showFile},
-        {"mnuASDir", [] { openDocument(settings.SampleDir); }},
+        {"mnuASDir", [] { openDocument(folderSettings.SampleDir); }},
     };
     const auto found = actions.find(name);
     return found == actions.end() ? std::function<void()>() : found->second;
@@ -126,7 +126,7 @@ MenuFacts factsOf(int index) {
             .kind = j.Kind,
             .locked = HasPlaylistMark(index, 'K'),
             .carrying = MoveSrcJ >= 0,
-            .sampleFolder = FolderExists(settings.SampleDir),
+            .sampleFolder = FolderExists(folderSettings.SampleDir),
             .midiOffered = MidiLearnOffered(),
             .midiAssigned = HasMIDIAssignment(index),
             .playlistsEnabled = PlaylistsEnabled,

@@ -10,7 +10,7 @@
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/palette.h"
 #include "startup/stores.h"
 #include "ui/edit/jingle_editor.h"
 #include "ui/edit/undo.h"
@@ -30,7 +30,7 @@ void LeavePalette() {
     guarded("frmMain.LeavePalette", [] {
         OKfx();  // what it edits belongs to the palette that is left
         timers().SaveTimer.stop();
-        if (PalToSave && settings.AutoSave == 1 && !HeldPalette().empty()) {
+        if (PalToSave && paletteSettings.AutoSave == 1 && !HeldPalette().empty()) {
             SaveMode = "save";
             if (CloseFile(HeldPalette())) {
                 PalToSave = false;

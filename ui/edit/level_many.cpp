@@ -13,7 +13,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/editor.h"
 #include "ui/edit/undo.h"
 #include "ui/edit/unsaved.h"
 #include "ui/windows/level_window.h"
@@ -68,7 +68,7 @@ void apply(const std::vector<Measure>& all) {
     int count = 0;
     for (const Measure& m : all) {
         const int volume =
-            VolumeForLoudness(settings.LoudnessTarget, m.level.part.integrated, m.level.safeVolume);
+            VolumeForLoudness(editorSettings.LoudnessTarget, m.level.part.integrated, m.level.safeVolume);
         // Another jingle may lie there by now.
         if (volume == 0 || Jingle(m.slot).Path != m.path || Jingle(m.slot).hPlay == 0) continue;
         EditVolume(m.slot, volume);
@@ -77,7 +77,8 @@ void apply(const std::vector<Measure>& all) {
     frmLoudness().form.close();
     if (count == 0) return;
     MarkPalToSave();
-    ErrDisp("save", 0, filled(Ln("lvDone"), std::to_string(count), std::to_string(settings.LoudnessTarget)));
+    ErrDisp("save", 0,
+            filled(Ln("lvDone"), std::to_string(count), std::to_string(editorSettings.LoudnessTarget)));
 }
 
 void show(int percent, const std::string& part, std::size_t parts, std::int64_t began) {
@@ -93,7 +94,9 @@ void show(int percent, const std::string& part, std::size_t parts, std::int64_t 
 
 }  // namespace
 
-std::string LoudnessItem() { return filled(Ln("mmnuLoudness"), std::to_string(settings.LoudnessTarget)); }
+std::string LoudnessItem() {
+    return filled(Ln("mmnuLoudness"), std::to_string(editorSettings.LoudnessTarget));
+}
 
 void BringToLoudness(const std::vector<int>& slots) {
     guarded("frmMain.BringToLoudness", [&] {

@@ -15,6 +15,7 @@
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "startup/settings/editor.h"
 #include "ui/edit/edited_jingle.h"
 #include "ui/windows/jingle_window.h"
 
@@ -68,22 +69,24 @@ void showLoudness() {
     w.lblLoudness.caption =
         there ? decimal(part.integrated + gain) + " LUFS \xC2\xB7 " + decimal(part.truePeak + gain) + " dBTP"
               : Ln(measured.known ? "fxNotMeasured" : "fxMeasuring");
-    w.btLoudness.enabled =
-        there && VolumeForLoudness(settings.LoudnessTarget, part.integrated, measured.level.safeVolume) > 0;
+    w.btLoudness.enabled = there && VolumeForLoudness(editorSettings.LoudnessTarget, part.integrated,
+                                                      measured.level.safeVolume) > 0;
     std::string text = Ln("fxbtLoudness");
     if (const auto at = text.find("%1"); at != std::string::npos)
-        text.replace(at, 2, std::to_string(settings.LoudnessTarget));
+        text.replace(at, 2, std::to_string(editorSettings.LoudnessTarget));
     w.btLoudness.caption = text;
 }
 
 void showTargets() {
     std::vector<int> targets(kTargets.begin(), kTargets.end());
-    if (!std::ranges::count(targets, settings.LoudnessTarget)) targets.push_back(settings.LoudnessTarget);
+    if (!std::ranges::count(targets, editorSettings.LoudnessTarget))
+        targets.push_back(editorSettings.LoudnessTarget);
     std::vector<std::string> names;
     for (const int target : targets) names.push_back(std::to_string(target) + " LUFS");
     Control& list = frmFX().cmbTarget;
     list.items = names;
-    list.listIndex = static_cast<int>(std::ranges::find(targets, settings.LoudnessTarget) - targets.begin());
+    list.listIndex =
+        static_cast<int>(std::ranges::find(targets, editorSettings.LoudnessTarget) - targets.begin());
 }
 
 void measure() {
@@ -125,15 +128,15 @@ void setWithRange(int percent) {
 }
 
 void btLoudness_Click() {
-    const int volume =
-        VolumeForLoudness(settings.LoudnessTarget, measured.level.part.integrated, measured.level.safeVolume);
+    const int volume = VolumeForLoudness(editorSettings.LoudnessTarget, measured.level.part.integrated,
+                                         measured.level.safeVolume);
     if (measured.known && volume > 0) setWithRange(volume);
 }
 
 void cmbTarget_Click() {
     const int target = std::atoi(frmFX().cmbTarget.text().c_str());
-    if (target == 0 || target == settings.LoudnessTarget) return;
-    settings.LoudnessTarget = target;
+    if (target == 0 || target == editorSettings.LoudnessTarget) return;
+    editorSettings.LoudnessTarget = target;
     WriteSetting("LoudnessTarget", std::to_string(target));
     showLoudness();
 }

@@ -12,7 +12,7 @@
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/live.h"
 #include "startup/upcalls.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
@@ -63,7 +63,7 @@ void mixByTa() {
 
 void volumeMoved() {
     guarded(".SlideVolLive_Change", [] {
-        settings.VolLive = frmMain().live.SlideVolLive.value;
+        liveSettings.VolLive = frmMain().live.SlideVolLive.value;
         LiveVolumeChanged();
         ShowLive();
     });
@@ -72,8 +72,8 @@ void volumeMoved() {
 /// The left button raises the coefficient, the right one lowers it; both go round.
 void coefficient(bool up) {
     guarded(".btCoefVolLive_Click", [&] {
-        const int next = settings.CoefVolLive + (up ? 1 : -1);
-        settings.CoefVolLive = next > kHighestCoefficient ? 1 : next < 1 ? kHighestCoefficient : next;
+        const int next = liveSettings.CoefVolLive + (up ? 1 : -1);
+        liveSettings.CoefVolLive = next > kHighestCoefficient ? 1 : next < 1 ? kHighestCoefficient : next;
         LiveVolumeChanged();
         ShowLive();
     });
@@ -121,7 +121,8 @@ void WireLiveTab() {
     t.SlideVolLive.onChange = volumeMoved;
     t.SlideVolLive.standard = kFullVolume;
     t.ckAutoDuckLive.onChange = [] {
-        guarded(".ckAutoDuckLive_Click", [] { settings.LiveAutoDuck = frmMain().live.ckAutoDuckLive.value; });
+        guarded(".ckAutoDuckLive_Click",
+                [] { liveSettings.LiveAutoDuck = frmMain().live.ckAutoDuckLive.value; });
     };
     t.btCoefVolLive.onMouseUp = [](const MouseEvent& e) {
         if (e.button == MouseButton::right) {

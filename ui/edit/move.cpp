@@ -13,7 +13,6 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
 #include "ui/edit/carried.h"
 #include "ui/edit/remove.h"
 #include "ui/edit/undo.h"

@@ -9,7 +9,7 @@
 #include "platform/controls.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/marks.h"
 #include "ui/edit/undo.h"
 #include "ui/edit/unsaved.h"
 #include "ui/records/armed.h"
@@ -33,12 +33,12 @@ struct Option {
 
 std::array<Option, 6> options() {
     OptionsTab& t = frmMain().options;
-    return {{{&t.ckAutoRepI, "ckAutoRepI", settings.arColor, "ar"},
-             {&t.ckTouchI, "ckTouchI", settings.tcColor, "tc"},
-             {&t.ckPlayStopI, "ckPlayStopI", settings.psColor, "ps"},
-             {&t.ckNoStopI, "ckNoStopI", settings.nsColor, "ns"},
-             {&t.ckColorI, "ckColorI", settings.coColor, "co"},
-             {&t.ckFXI, "ckFXI", settings.fxColor, "fx"}}};
+    return {{{&t.ckAutoRepI, "ckAutoRepI", markSettings.arColor, "ar"},
+             {&t.ckTouchI, "ckTouchI", markSettings.tcColor, "tc"},
+             {&t.ckPlayStopI, "ckPlayStopI", markSettings.psColor, "ps"},
+             {&t.ckNoStopI, "ckNoStopI", markSettings.nsColor, "ns"},
+             {&t.ckColorI, "ckColorI", markSettings.coColor, "co"},
+             {&t.ckFXI, "ckFXI", markSettings.fxColor, "fx"}}};
 }
 
 void noOption() {
@@ -129,7 +129,7 @@ void ckLoopITog() {
             t.lp_LED.visible = true;
             t.sq_LED.visible = false;
             t.ckLoopI.caption = Ln("mmnuLoop");
-            Arm(t.ckLoopI, settings.lpColor);
+            Arm(t.ckLoopI, markSettings.lpColor);
             SelectorsOn = true;
             OptionCode = "lp";
             HighlightArmed();
@@ -138,7 +138,7 @@ void ckLoopITog() {
             t.sq_LED.visible = true;
             t.lp_LED.visible = false;
             t.ckLoopI.caption = Ln("mmnuSeq");
-            Arm(t.ckLoopI, settings.sqColor);
+            Arm(t.ckLoopI, markSettings.sqColor);
             SelectorsOn = true;
             OptionCode = "sq";
             HighlightArmed();
@@ -162,7 +162,7 @@ void CkAssignTog() {
             ResetJingles();
             return;
         }
-        Arm(assign, settings.assColor);
+        Arm(assign, markSettings.assColor);
         SelectorsOn = true;
         OptionCode = "ass";
         HighlightArmed();

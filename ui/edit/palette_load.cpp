@@ -10,7 +10,8 @@
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/minimal.h"
+#include "startup/settings/palette.h"
 #include "ui/edit/leave_palette.h"
 #include "ui/edit/selection.h"
 #include "ui/records/main_window.h"
@@ -31,7 +32,7 @@ int PalLoadIdx = 0;
 void TimerLoadPalTick() {
     guarded("frmMain.TimerLoadPal_Timer", [] {
         timers().TimerLoadPal.stop();
-        if (settings.PaletteIndex.empty()) {
+        if (paletteSettings.PaletteIndex.empty()) {
             return;
         }
         // Events run while OpenFile opens slot by slot: wait for it, or two loads would mix their slots.
@@ -45,12 +46,12 @@ void TimerLoadPalTick() {
         PaletteOpening = false;
         ErrDisp("wait", 0, Ln("errLoadPal"));
         HideSelectors();
-        if (settings.MinimalView == 1) {
+        if (minimalSettings.MinimalView == 1) {
             for (Control& mark : frmMain().display.lblPlayMode) {
                 mark.visible = true;
             }
         }
-        const std::string opening = settings.PaletteIndex;
+        const std::string opening = paletteSettings.PaletteIndex;
         const int load = BeginPaletteLoad();
         // Every slot that has a button, out of the grid too: a save walks them all.
         while (PalLoadIdx < kPaletteSlots) {
@@ -63,7 +64,8 @@ void TimerLoadPalTick() {
                 openStreams(i);
             });
             processEvents();
-            if (opening != settings.PaletteIndex || timers().TimerLoadPal.enabled() || !IsNewestLoad(load)) {
+            if (opening != paletteSettings.PaletteIndex || timers().TimerLoadPal.enabled() ||
+                !IsNewestLoad(load)) {
                 return;  // another palette was chosen meanwhile
             }
         }

@@ -19,7 +19,8 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/palette.h"
+#include "startup/settings/palette_list.h"
 #include "startup/stores.h"
 #include "ui/edit/leave_palette.h"
 #include "ui/edit/options.h"
@@ -50,9 +51,9 @@ void clearSlots() {
 }
 
 void openSelected() {
-    settings.PaletteIndex = tab().lstPal.text();
-    frmMain().display.txtDisPal.caption = settings.PaletteIndex;
-    OpenFile(settings.PaletteIndex);
+    paletteSettings.PaletteIndex = tab().lstPal.text();
+    frmMain().display.txtDisPal.caption = paletteSettings.PaletteIndex;
+    OpenFile(paletteSettings.PaletteIndex);
 }
 
 /// Steps the selection; true when it moved or wrapped.
@@ -64,7 +65,7 @@ bool step(int by) {
     }
     int row = list.listIndex() < 0 ? (by > 0 ? 0 : count - 1) : list.listIndex() + by;
     if (row < 0 || row >= count) {
-        if (settings.LoopLstPal != 1) {
+        if (paletteListSettings.LoopLstPal != 1) {
             return false;
         }
         row = row < 0 ? count - 1 : 0;
@@ -77,9 +78,9 @@ void stepped() {
     StopSearchBlinking();
     LastCtrl = "lstpal";
     NotSavePal();
-    settings.PaletteIndex = tab().lstPal.text();
-    frmMain().display.txtDisPal.caption = settings.PaletteIndex;
-    if (settings.CenterLstPal == 1) {
+    paletteSettings.PaletteIndex = tab().lstPal.text();
+    frmMain().display.txtDisPal.caption = paletteSettings.PaletteIndex;
+    if (paletteListSettings.CenterLstPal == 1) {
         CentrePaletteList();
     }
     PalLoadIdx = 0;
@@ -94,7 +95,7 @@ void jumpTo(int row) {
     tab().lstPal.listIndex = std::clamp(row, 0, rows() - 1);
     NotSavePal();
     openSelected();
-    if (settings.CenterLstPal == 1) {
+    if (paletteListSettings.CenterLstPal == 1) {
         CentrePaletteList();
     }
 }
@@ -151,7 +152,7 @@ void lstPal_MouseUp() {
         ErrDisp("wait", 0, Ln("errLoadPal"));
         HideErrMark();
         openSelected();
-        if (settings.CenterLstPal == 1) {
+        if (paletteListSettings.CenterLstPal == 1) {
             CentrePaletteList();
         }
     });
@@ -236,7 +237,7 @@ std::int64_t heldSince = 0;
 
 void StartPageKey(Key key) {
     const bool up = key == Key::pageUp;
-    if (settings.BringLstPal == 1) {
+    if (paletteListSettings.BringLstPal == 1) {
         ChangeTab(static_cast<int>(MainTab::palettes));  // first: what is hidden takes no focus
     }
     setFocus(up ? tab().btUp : tab().btDn);
@@ -276,7 +277,7 @@ void btNewTog() {
         timers().TimerLoadPal.stop();
         frmMain().display.txtDisPal.caption = std::string();
         tab().txtSave.caption = std::string();
-        settings.PaletteIndex.clear();
+        paletteSettings.PaletteIndex.clear();
         HoldPalette("");
         clearSlots();
         tab().lstPal.listIndex = -1;

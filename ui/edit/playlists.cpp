@@ -15,7 +15,9 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/display.h"
+#include "startup/settings/palette.h"
+#include "startup/settings/palette_list.h"
 #include "startup/stores.h"
 #include "ui/edit/remove.h"
 #include "ui/edit/search.h"
@@ -63,7 +65,7 @@ PlaylistItem itemOfLine(const std::string& line) {
     return item;
 }
 
-PlaylistItem itemOfButton(int index) { return ItemOf(index, settings.PaletteIndex); }
+PlaylistItem itemOfButton(int index) { return ItemOf(index, paletteSettings.PaletteIndex); }
 
 void setMark(int index, const char* mark) {
     JingleButton* b = Button(index);
@@ -176,8 +178,8 @@ void blinkTick() {
         return;
     }
     const bool lit = blinksLeft % 2 != 0;
-    w.txtPL.backColor = lit ? settings.PalColor : settings.DispBackCol;
-    w.txtPL.foreColor = lit ? settings.DispBackCol : settings.PalColor;
+    w.txtPL.backColor = lit ? paletteListSettings.PalColor : displaySettings.DispBackCol;
+    w.txtPL.foreColor = lit ? displaySettings.DispBackCol : paletteListSettings.PalColor;
 }
 
 void bind(int index, const Playlist& playlist) {

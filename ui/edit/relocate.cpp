@@ -18,7 +18,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/folders.h"
 #include "startup/stores.h"
 #include "ui/edit/lost_files.h"
 #include "ui/edit/undo.h"
@@ -153,11 +153,11 @@ void clReloc(int index) {
         const std::string path = j.Path;
         const std::string name = GetFileName(path);
         const std::string folder =
-            folderDialog(Ln("mSrchTitle") + " - " + Ln("mSrchStr") + " " + name, settings.LastcmDlgDir);
+            folderDialog(Ln("mSrchTitle") + " - " + Ln("mSrchStr") + " " + name, folderSettings.LastcmDlgDir);
         if (folder.empty()) {
             return;
         }
-        settings.LastcmDlgDir = folder;
+        folderSettings.LastcmDlgDir = folder;
         endSearch();
         lostPath = path;
         others.clear();

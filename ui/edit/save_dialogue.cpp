@@ -11,6 +11,9 @@
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "startup/settings/marks.h"
+#include "startup/settings/minimal.h"
+#include "startup/settings/palette.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/palette_list.h"
 #include "ui/records/armed.h"
@@ -30,7 +33,7 @@ bool renaming = false;  // what the dialogue was opened for; saves may come in b
 
 PaletteTab& tab() { return frmMain().palettes; }
 
-bool dialogueOpen() { return tab().btSave.backColor == settings.spColor; }
+bool dialogueOpen() { return tab().btSave.backColor == markSettings.spColor; }
 
 void atRest() {
     PaletteTab& t = tab();
@@ -54,21 +57,21 @@ void confirm() {
             // The mark says why; the dialogue stays open, nothing counts as saved.
             return;
         }
-        settings.PaletteIndex = CheckSection(name);
-        frmMain().display.txtDisPal.caption = settings.PaletteIndex;
+        paletteSettings.PaletteIndex = CheckSection(name);
+        frmMain().display.txtDisPal.caption = paletteSettings.PaletteIndex;
         PalToSave = false;
     }
     SaveMode.clear();
     atRest();
     lstPalRefresh();
-    SelectPalette(settings.PaletteIndex);
+    SelectPalette(paletteSettings.PaletteIndex);
     setFocus(tab().lstPal);
 }
 
 void open(int mode) {
     PaletteTab& t = tab();
     ResetJingles();
-    Arm(t.btSave, settings.spColor);
+    Arm(t.btSave, markSettings.spColor);
     OptionCode = "sp";
     renaming = mode == kRename;
     SaveMode = renaming ? "rename" : "save";
@@ -89,7 +92,7 @@ void open(int mode) {
 void SavePal(int mode) {
     guarded("frmMain.SavePal", [&] {
         LastCtrl = "btSave";
-        if (settings.MinimalView == 1) {
+        if (minimalSettings.MinimalView == 1) {
             if (frmMain().display.lblErr.visible && !tab().lstPal.text().empty()) {
                 SaveMode = "save";
                 CloseFile(HeldPalette());
@@ -157,7 +160,7 @@ void ErrClick() {
         if (ErrMarkShows("f")) {
             HideErrMark();
         }
-        if (settings.MinimalView == 1) {
+        if (minimalSettings.MinimalView == 1) {
             for (Control& mark : frmMain().display.lblPlayMode) {
                 mark.visible = true;
             }

@@ -15,7 +15,10 @@
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
+#include "startup/settings/marks.h"
+#include "startup/settings/palette.h"
+#include "startup/settings/palette_list.h"
+#include "startup/settings/search.h"
 #include "ui/edit/palette_list.h"
 #include "ui/edit/save_dialogue.h"
 #include "ui/edit/search_index.h"
@@ -45,16 +48,16 @@ std::function<void(int, const std::string&)> chosenForPlaylist;
 SearchWindow& search() { return frmSearchJing(); }
 
 /// The hits of a palette are listed before one is chosen.
-bool listsHits() { return ForPlaylist || settings.ResultsInSearch == 1; }
+bool listsHits() { return ForPlaylist || searchSettings.ResultsInSearch == 1; }
 
 void resetCountDown() {
-    countDown = settings.AutoClJSearchSec * kTicksPerSecond;
+    countDown = searchSettings.AutoClJSearchSec * kTicksPerSecond;
     search().VUSearchDelay.value = countDown;
 }
 
 void startClosing() {
     resetCountDown();
-    if (settings.AutoClJSearchSec > 0) timers().TimerAutoClJSearch.restart();
+    if (searchSettings.AutoClJSearchSec > 0) timers().TimerAutoClJSearch.restart();
 }
 
 /// The text as it is typed; nothing is looked for until the typing pauses.
@@ -119,12 +122,12 @@ void leaveEdits() {
 void openPalette(const std::string& name, std::vector<int> found) {
     StopSearchBlinking();
     SelectPalette(name);
-    settings.PaletteIndex = name;
+    paletteSettings.PaletteIndex = name;
     frmMain().display.txtDisPal.caption = name;
     OpenFile(name);
-    if (settings.CenterLstPal == 1) CentrePaletteList();
+    if (paletteListSettings.CenterLstPal == 1) CentrePaletteList();
     SearchHits = std::move(found);
-    blinksLeft = settings.BlinksJSearch;
+    blinksLeft = searchSettings.BlinksJSearch;
     blinkOn = false;
     CloseSearchBox();
     if (SearchHits.empty()) return;
@@ -208,8 +211,8 @@ void JingSearch() {
         emptyHits();
         s.fillKeys();
         s.showKeys(s.keysShown());
-        s.VUSearchDelay.visible = settings.AutoClJSearchSec > 0;
-        s.VUSearchDelay.maximum = settings.AutoClJSearchSec * kTicksPerSecond;
+        s.VUSearchDelay.visible = searchSettings.AutoClJSearchSec > 0;
+        s.VUSearchDelay.maximum = searchSettings.AutoClJSearchSec * kTicksPerSecond;
         SearchOpen = true;
         s.form.open(&s.txtJSearch);
         startClosing();
@@ -293,7 +296,7 @@ void TimerFindJinglesTick() {
         for (const int index : SearchHits) {
             if (Sounds(index)) continue;  // what sounds keeps its face
             if (blinkOn) {
-                PaintButton(index, settings.arColor, 0);
+                PaintButton(index, markSettings.arColor, 0);
             } else {
                 restColours(index);
             }

@@ -12,7 +12,7 @@
 #include "model/jingle.h"
 #include "platform/paths.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
+#include "startup/settings/labels.h"
 #include "startup/stores.h"
 #include "ui/screen/captions.h"
 
@@ -80,13 +80,13 @@ bool upToDate() {
     const auto size = error ? 0 : std::filesystem::file_size(file, error);
     AllJinglesTable& all = AllJingles;
     const bool same = !error && all.written == written && all.size == size &&
-                      all.format == settings.JLabelFormat && all.underscores == settings.JU2Sp &&
-                      all.separator == settings.JLabelSeparator;
+                      all.format == labelSettings.JLabelFormat && all.underscores == labelSettings.JU2Sp &&
+                      all.separator == labelSettings.JLabelSeparator;
     all.written = written;
     all.size = size;
-    all.format = settings.JLabelFormat;
-    all.underscores = settings.JU2Sp;
-    all.separator = settings.JLabelSeparator;
+    all.format = labelSettings.JLabelFormat;
+    all.underscores = labelSettings.JU2Sp;
+    all.separator = labelSettings.JLabelSeparator;
     return same;
 }
 

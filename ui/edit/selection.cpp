@@ -6,7 +6,7 @@
 #include "model/state.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
-#include "startup/settings.h"
+#include "startup/settings/labels.h"
 #include "ui/edit/carried.h"
 #include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
@@ -32,7 +32,7 @@ void ShowSelectors() {
             const bool file = !j.Path.empty() && !HasPlaylistMark(i, 'K') && !j.MissingFile && j.BassErr == 0;
             if (file || j.Kind == SlotKind::playlist) {
                 b->ckJingSel.visible = true;
-                if (settings.JNumbPos == 2) {
+                if (labelSettings.JNumbPos == 2) {
                     b->picbtnumber.visible = false;
                     b->lblbtnumber.visible = false;
                 }
@@ -51,7 +51,7 @@ void HideSelectors() {
             if (JingleButton* b = Button(i)) {
                 b->ckJingSel.visible = false;
                 b->ckJingSel.value = 0;
-                if (settings.JNumbPos == 2) {
+                if (labelSettings.JNumbPos == 2) {
                     b->picbtnumber.visible = true;
                     b->lblbtnumber.visible = true;
                 }

@@ -14,7 +14,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/dark.h"
 #include "ui/edit/edited_jingle.h"
 #include "ui/edit/positions_page.h"
 #include "ui/screen/wave_picture.h"
@@ -324,7 +324,7 @@ void ShowWave() {
         askSamples(from, to);
     }
     if (std::exchange(wave.shapeStale, false)) wave.shape = ShapeOf(wave.view, wave.outline, wave.samples);
-    const WaveLook look = WaveLookOf(settings.DarkMode == 1);
+    const WaveLook look = WaveLookOf(darkSettings.DarkMode == 1);
     const WaveMarks m = marks();
     canvas().backColor = look.ground;
     canvas().drawing = DrawWave(wave.view, m, wave.shape, wave.samples, wave.names, look);

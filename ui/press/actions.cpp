@@ -15,7 +15,11 @@
 #include "platform/waiting.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/grid.h"
+#include "startup/settings/keys.h"
+#include "startup/settings/volumes.h"
 #include "startup/stores.h"
 #include "ui/edit/announcer_tab.h"
 #include "ui/edit/jingle_editor.h"
@@ -131,7 +135,7 @@ bool onLast(Action action) {
         PlayJing(LastPlayedJ);
         return true;
     }
-    if (settings.InhibSpBar != 0) {
+    if (keySettings.InhibSpBar != 0) {
         return false;
     }
     releaseJingle(LastPlayedJ);
@@ -185,19 +189,19 @@ bool act(Action action, int argument, int velocity) {
             return true;
         case Action::micDown:
             MicPush();
-            return settings.DeviceSingle == 0;
+            return deviceSettings.DeviceSingle == 0;
         case Action::micUp:
             MicRelease();
-            return settings.DeviceSingle == 0;
+            return deviceSettings.DeviceSingle == 0;
         case Action::talkOver:
             TalkOverTog();
-            return settings.DeviceSingle == 0;
+            return deviceSettings.DeviceSingle == 0;
         case Action::volume:
-            settings.Volume = std::clamp(argument, 0, kFullPercent);
-            SetOutputVolume(0, settings.Volume, kVolumeMs);
+            volumeSettings.Volume = std::clamp(argument, 0, kFullPercent);
+            SetOutputVolume(0, volumeSettings.Volume, kVolumeMs);
             return true;
         case Action::autoMixTime:
-            settings.AutoMixTime = std::clamp(argument, 1, kLongestAutoMix);
+            automixSettings.AutoMixTime = std::clamp(argument, 1, kLongestAutoMix);
             return true;
         case Action::assign:
             bring(MainTab::palettes);
@@ -239,10 +243,10 @@ bool act(Action action, int argument, int velocity) {
             ckTab_MouseDown(argument);  // as a click on it: an armed option is given up
             return true;
         case Action::joinedButtons:
-            SetJoinedJButtons(settings.JoinedJButtons != 1);
+            SetJoinedJButtons(gridSettings.JoinedJButtons != 1);
             return true;
         case Action::hotJinglesPlace:
-            settings.HotJinglesPos = (settings.HotJinglesPos + 1) % kHotPlaces;
+            gridSettings.HotJinglesPos = (gridSettings.HotJinglesPos + 1) % kHotPlaces;
             FormDraw("init");
             return true;
         case Action::fullScreen:

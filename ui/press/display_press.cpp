@@ -1,7 +1,8 @@
 #include "ui/press/display_press.h"
 
 #include "startup/guard.h"
-#include "startup/settings.h"
+#include "startup/settings/minimal.h"
+#include "startup/settings/palette_list.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/layout.h"
 
@@ -9,22 +10,22 @@ namespace zv {
 
 void switchDisPalName() {
     guarded("frmMain.switchDisPalName", [] {
-        if (settings.LockDisPalName == 1) {
+        if (paletteListSettings.LockDisPalName == 1) {
             return;
         }
-        if (settings.MinimalView == 1) {
+        if (minimalSettings.MinimalView == 1) {
             ClockShowDate = true;
             ClockUpdate();
             return;
         }
-        settings.DisPalName = settings.DisPalName == 1 ? 0 : 1;
+        paletteListSettings.DisPalName = paletteListSettings.DisPalName == 1 ? 0 : 1;
         FormDraw("init");
     });
 }
 
 void switchDisPalNameRelease() {
     guarded("frmMain.switchDisPalNameRelease", [] {
-        if (settings.LockDisPalName == 1 || settings.MinimalView != 1) {
+        if (paletteListSettings.LockDisPalName == 1 || minimalSettings.MinimalView != 1) {
             return;
         }
         ClockShowDate = false;

@@ -4,6 +4,7 @@
 #include "platform/controls.h"
 #include "startup/guard.h"
 #include "startup/settings.h"
+#include "startup/settings/program.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
 
@@ -11,7 +12,7 @@ namespace zv {
 
 void btExit_MouseDown(const MouseEvent& event) {
     guarded(".btExit_MouseDown", [&] {
-        if (event.button == MouseButton::left && settings.HoldExitToShutDown == 1) {
+        if (event.button == MouseButton::left && programSettings.HoldExitToShutDown == 1) {
             timers().TimerShutDown.restart();
         }
     });
@@ -29,8 +30,8 @@ void btExit_MouseUp(const MouseEvent& event) {
 void TimerShutDownTick() {
     guarded("frmMain.TimerShutDown_Timer", [] {
         timers().TimerShutDown.stop();
-        settings.ConfirmExit = 0;
-        settings.ShutdownOnQuit = 1;
+        programSettings.ConfirmExit = 0;
+        programSettings.ShutdownOnQuit = 1;
         KeepOutOfFile("ConfirmExit");
         KeepOutOfFile("ShutdownOnQuit");
         UnloadMain(kClosedByProgram);

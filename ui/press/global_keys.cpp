@@ -9,6 +9,9 @@
 #include "startup/guard.h"
 #include "startup/language.h"
 #include "startup/settings.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/keys.h"
+#include "startup/settings/marks.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
@@ -19,8 +22,8 @@ namespace zv {
 namespace {
 
 void keepToggles() {
-    settings.Touch = ToggleTouch;
-    settings.Autorepeat = ToggleAutoRep;
+    keySettings.Touch = ToggleTouch;
+    keySettings.Autorepeat = ToggleAutoRep;
     WriteSetting("Touch", std::to_string(ToggleTouch));
     WriteSetting("Autorepeat", std::to_string(ToggleAutoRep));
     ShowGlobalToggles();
@@ -81,24 +84,24 @@ void CkAutoMixTog() {
 
 void MicPush() {
     guarded("frmMain.MicPush", [] {
-        if (settings.DeviceSingle != 0) {
+        if (deviceSettings.DeviceSingle != 0) {
             return;
         }
         RaiseMic();
-        Arm(frmMain().keys.btMicPush, settings.moColor);
+        Arm(frmMain().keys.btMicPush, markSettings.moColor);
         LampOfMic(true);
     });
 }
 
 void MicRelease() {
     guarded("frmMain.MicRelease", [] {
-        if (settings.DeviceSingle != 0) {
+        if (deviceSettings.DeviceSingle != 0) {
             return;
         }
         MicPushed = false;
         KeyControls& k = frmMain().keys;
         Disarm(k.btMicPush);
-        if (k.btMicTO.backColor != settings.moColor) {
+        if (k.btMicTO.backColor != markSettings.moColor) {
             LowerMic();
         }
         LampOfMic(false);
@@ -107,14 +110,14 @@ void MicRelease() {
 
 void TalkOverTog() {
     guarded("frmMain.TalkOverTog", [] {
-        if (settings.DeviceSingle != 0) {
+        if (deviceSettings.DeviceSingle != 0) {
             return;
         }
         KeyControls& k = frmMain().keys;
         TalkOverOn = !TalkOverOn;
         LampOfTalkOver(TalkOverOn);
         if (TalkOverOn) {
-            Arm(k.btMicTO, settings.toColor);
+            Arm(k.btMicTO, markSettings.toColor);
             return;
         }
         Disarm(k.btMicTO);

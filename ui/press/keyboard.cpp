@@ -6,7 +6,7 @@
 #include "platform/desktop.h"
 #include "platform/jobs.h"
 #include "startup/guard.h"
-#include "startup/settings.h"
+#include "startup/settings/window.h"
 #include "ui/edit/palette_steps.h"
 #include "ui/records/key_table.h"
 #include "ui/records/main_window.h"
@@ -96,9 +96,9 @@ void Form_KeyUp(KeyEvent& event) {
 
 void ChangeWindowMode() {
     guarded("frmMain.ChangeWindowMode", [] {
-        settings.FullScreen = settings.FullScreen == 1 ? 0 : 1;
-        settings.WindowMode = settings.FullScreen == 1 ? kWindowModes : 0;
-        setFullScreen(frmMain().window, settings.FullScreen == 1);
+        windowSettings.FullScreen = windowSettings.FullScreen == 1 ? 0 : 1;
+        windowSettings.WindowMode = windowSettings.FullScreen == 1 ? kWindowModes : 0;
+        setFullScreen(frmMain().window, windowSettings.FullScreen == 1);
         FormDraw();
     });
 }

@@ -14,7 +14,8 @@
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/folders.h"
+#include "startup/settings/keys.h"
 #include "ui/edit/announcer_tab.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
@@ -153,7 +154,7 @@ PressMeaning meaningOf(int index) {
     if (ToggleTouch == 1 && noModifier) {
         return filled && !j.MissingFile ? PressMeaning::play : PressMeaning::nothing;
     }
-    if (settings.OpenReloc == 1 && j.MissingFile && noModifier) {
+    if (folderSettings.OpenReloc == 1 && j.MissingFile && noModifier) {
         return PressMeaning::relocate;
     }
     if (!noModifier) {
@@ -317,7 +318,7 @@ void b_Jingle_KeyDown(int index, KeyEvent& event) {
     guarded(".b_Jingle_KeyDown", [&] {
         const bool oneModifier =
             event.shift == kShiftMask || event.shift == kCtrlMask || event.shift == kAltMask;
-        if (!inRange(index) || oneModifier || settings.InhibSpBar != 0 || event.repeat ||
+        if (!inRange(index) || oneModifier || keySettings.InhibSpBar != 0 || event.repeat ||
             event.key == Key::tab) {
             return;
         }
@@ -330,7 +331,7 @@ void b_Jingle_KeyDown(int index, KeyEvent& event) {
 
 void PlayJing(int index) {
     guarded("modClick.PlayJing", [&] {
-        if (!inRange(index) || settings.InhibSpBar != 0) {
+        if (!inRange(index) || keySettings.InhibSpBar != 0) {
             return;
         }
         if (ToggleTouch == 0 || !Jingle(index).Playing) {

@@ -7,7 +7,7 @@
 #include "platform/controls.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/marks.h"
 #include "ui/records/main_window.h"
 
 namespace zv {
@@ -62,7 +62,7 @@ void ResetOption() {
         Disarm(w.palettes.ckAssign);
         LastCtrl.clear();
         const Control& key = w.announcer.b_tmAnJin;
-        if (key.caption() == Ln("mb_tmAnJin") && key.backColor == settings.taColor) {
+        if (key.caption() == Ln("mb_tmAnJin") && key.backColor == markSettings.taColor) {
             SelectorsOn = false;
         }
     });

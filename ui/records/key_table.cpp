@@ -4,7 +4,6 @@
 
 #include "model/actions.h"
 #include "platform/controls.h"
-#include "startup/settings.h"
 #include "ui/records/main_window.h"
 
 namespace zv {

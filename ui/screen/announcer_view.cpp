@@ -9,7 +9,11 @@
 #include "platform/controls.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/announcer.h"
+#include "startup/settings/labels.h"
+#include "startup/settings/marks.h"
+#include "startup/settings/minimal.h"
+#include "startup/settings/playing.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/captions.h"
@@ -28,17 +32,17 @@ constexpr const char* kIconFont = "ZVR";
 
 std::string withDuration(const std::string& path, double seconds) {
     const std::string name = Ampersand(btCaption(path));
-    return settings.JDispDuration == 1
+    return labelSettings.JDispDuration == 1
                ? name + "  " + JDurationPrefix() + seconds2msd(seconds) + JDurationSuffix()
                : name;
 }
 
 void paint(Control& key, bool sounds, bool armed) {
     if (sounds) {
-        key.backColor = settings.PlayingColor;
-        key.foreColor = settings.PlayingFColor;
+        key.backColor = playingSettings.PlayingColor;
+        key.foreColor = playingSettings.PlayingFColor;
     } else if (armed) {
-        Arm(key, settings.taColor);
+        Arm(key, markSettings.taColor);
     } else {
         Disarm(key);
     }
@@ -47,7 +51,7 @@ void paint(Control& key, bool sounds, bool armed) {
 void showMark(Control& mark, bool visible, bool on, const char* tip) {
     mark.visible = visible;
     mark.toolTip = Ln(tip);
-    on ? Arm(mark, settings.amColor) : Disarm(mark);
+    on ? Arm(mark, markSettings.amColor) : Disarm(mark);
 }
 
 void showField(Control& field, int value, int highest, const char* tip) {
@@ -61,12 +65,13 @@ void showField(Control& field, int value, int highest, const char* tip) {
 }  // namespace
 
 std::string TmAnnFormat() {
-    return withDuration(settings.TimeAnnouncer, TmAnDuration) + "\r\n" + NextAnnouncement(wallTime());
+    return withDuration(announcerSettings.TimeAnnouncer, TmAnDuration) + "\r\n" +
+           NextAnnouncement(wallTime());
 }
 
 void ShowAnnouncer() {
     AnnouncerTab& t = frmMain().announcer;
-    const bool minimal = settings.MinimalView == 1;
+    const bool minimal = minimalSettings.MinimalView == 1;
     const bool voice = AnnouncementSounds();
     if (!TmAnnOn) {
         t.ckTmAnn.caption = Ln("mckTmAnn");
@@ -89,9 +94,10 @@ void ShowAnnouncer() {
     if (marks != t.ckTmAnnAM.visible || jingleMark != t.b_tmAnJinAM.visible) {
         TabDraw(static_cast<int>(MainTab::timeAnnouncer));
     }
-    showField(t.DTMinute, settings.TimeAnnMin, kLastOfSixty, "mTipDTMinute");
-    showField(t.DTSecond, settings.TimeAnnSec, kLastOfSixty, "mTipDTSecond");
-    showField(t.DTDelay, settings.TimeAnnDel, TmAnnOn ? TmAnLen : settings.TimeAnnDel, "mTipDTDelay");
+    showField(t.DTMinute, announcerSettings.TimeAnnMin, kLastOfSixty, "mTipDTMinute");
+    showField(t.DTSecond, announcerSettings.TimeAnnSec, kLastOfSixty, "mTipDTSecond");
+    showField(t.DTDelay, announcerSettings.TimeAnnDel, TmAnnOn ? TmAnLen : announcerSettings.TimeAnnDel,
+              "mTipDTDelay");
 }
 
 void HighlightTimeJingles() {

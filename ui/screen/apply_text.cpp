@@ -5,7 +5,8 @@
 #include <string_view>
 
 #include "platform/controls.h"
-#include "startup/settings.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/program.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/announcer_view.h"
 #include "ui/screen/live_view.h"
@@ -55,16 +56,16 @@ void ApplyText(const std::string& window, const std::string& key, const std::str
     }
     // Automix and Exit show another text in another state.
     if (key.starts_with("mckAutoMix")) {
-        const std::string_view wanted = settings.AutoMix == 1   ? "mckAutoMixA"
-                                        : settings.AutoMix == 2 ? "mckAutoMixB"
-                                                                : "mckAutoMix";
+        const std::string_view wanted = automixSettings.AutoMix == 1   ? "mckAutoMixA"
+                                        : automixSettings.AutoMix == 2 ? "mckAutoMixB"
+                                                                       : "mckAutoMix";
         if (key == wanted) {
             captionOf(w.keys.ckAutoMix, text);
         }
         return;
     }
     if (key == "mbtExit" || key == "mbtExitSD") {
-        if ((key == "mbtExitSD") == (settings.HoldExitToShutDown == 1)) {
+        if ((key == "mbtExitSD") == (programSettings.HoldExitToShutDown == 1)) {
             captionOf(w.keys.btExit, text);
         }
         return;

@@ -9,7 +9,7 @@
 #include "model/state.h"
 #include "platform/controls.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/bars.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/screen/captions.h"
 #include "ui/screen/shaded.h"
@@ -154,8 +154,8 @@ std::string DescribeButton(int index) {
 
 void DressButton(int index) {
     JingleButton& b = *Button(index);
-    b.JremBG.backColor = settings.JRemLevTrBg == 1 ? kNoColour : settings.JRemLevColBg;
-    b.JRemLev.backColor = settings.JRemLevCol;
+    b.JremBG.backColor = barSettings.JRemLevTrBg == 1 ? kNoColour : barSettings.JRemLevColBg;
+    b.JRemLev.backColor = barSettings.JRemLevCol;
     b.lp_Jingle.foreColor = Shaded.lp;
     b.sq_Jingle.foreColor = Shaded.sq;
     b.fx_Jingle.foreColor = Shaded.fx;

@@ -14,7 +14,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/labels.h"
 #include "ui/records/jingle_buttons.h"
 
 namespace zv {
@@ -116,7 +116,7 @@ std::string initials(const std::string& name, bool restLower) {
 }
 
 std::string formatted(const std::string& name) {
-    switch (static_cast<LabelFormat>(settings.JLabelFormat)) {
+    switch (static_cast<LabelFormat>(labelSettings.JLabelFormat)) {
         case LabelFormat::lower:
             return recased(name, false);
         case LabelFormat::upper:
@@ -156,7 +156,7 @@ std::string btCaption(const std::string& path) {
     if (!extension.empty() && IsSoundExtension(extension)) {
         name.erase(name.size() - extension.size() - 1);
     }
-    if (settings.JU2Sp == 1) {
+    if (labelSettings.JU2Sp == 1) {
         name = replaced(name, "_", " ");
     }
     return formatted(name);
@@ -193,7 +193,7 @@ std::string ButtonText(int index) {
         return {};
     }
     const std::string name = Ampersand(btCaption(j.Path));
-    if (settings.JDispDuration != 1 || j.MissingFile || j.hSrc == 0) {
+    if (labelSettings.JDispDuration != 1 || j.MissingFile || j.hSrc == 0) {
         return name;
     }
     return JDurationPrefix() + seconds2msd(j.Duration) + JDurationSuffix() + "\r\n" + name;

@@ -16,7 +16,10 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/clock.h"
+#include "startup/settings/display.h"
+#include "startup/settings/minimal.h"
+#include "startup/settings/warning.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
 #include "ui/screen/digits.h"
@@ -84,10 +87,10 @@ void showDate(const WallTime& t) {
     d.lblClock[0].caption = "j";
     std::string day = padded(t.day, 2), month = padded(t.month, 2), year = padded(t.year % 100, 2);
     std::string first = day, second = month, third = year;
-    if (settings.DateFormat == "mmmm dd ddd yyyy") {
+    if (clockSettings.DateFormat == "mmmm dd ddd yyyy") {
         first = month;
         second = day;
-    } else if (settings.DateFormat == "yyyy mmmm dd ddd") {
+    } else if (clockSettings.DateFormat == "yyyy mmmm dd ddd") {
         first = year;
         third = day;
     }
@@ -101,7 +104,7 @@ void showTime(const WallTime& t) {
     DisplayControls& d = frmMain().display;
     d.lblClock[0].visible = true;
     d.lblClock[0].caption = "t";
-    const bool halfDays = settings.TimeFormat.find("AM") != std::string::npos;
+    const bool halfDays = clockSettings.TimeFormat.find("AM") != std::string::npos;
     d.lblClock[1].visible = halfDays && t.hour < 12;
     d.lblClock[2].visible = halfDays && t.hour >= 12;
     const int hour = halfDays ? (t.hour % 12 == 0 ? 12 : t.hour % 12) : t.hour;
@@ -116,7 +119,7 @@ void showTime(const WallTime& t) {
 void showNextAnnouncement(const WallTime& now) {
     DisplayControls& d = frmMain().display;
     const std::string next = NextAnnouncement(now);  // "hh:mm:ss" and " AM" or " PM"
-    SetDigitsColour(settings.RemainColor);
+    SetDigitsColour(warningSettings.RemainColor);
     d.lblClock[1].visible = next.find("AM") != std::string::npos;
     d.lblClock[2].visible = next.find("PM") != std::string::npos;
     d.lblPosMinD.visible = true;
@@ -189,7 +192,7 @@ std::string FormatDate(std::string_view format, const WallTime& t) {
 
 void DateTimeUpdate() {
     guarded("frmMain.DateTimeUpdate", [] {
-        if (settings.MinimalView == 1 || DateTimeDemoOn) {
+        if (minimalSettings.MinimalView == 1 || DateTimeDemoOn) {
             return;
         }
         DisplayControls& d = frmMain().display;
@@ -198,9 +201,9 @@ void DateTimeUpdate() {
         d.lblTime.left = d.lblDate.left() + d.lblDispMessage.width() - d.lblTime.width();
         // What is wrong with the outputs stands in the place of the date.
         const std::string trouble = NoOutputDevice ? Ln("mNoOutDev") : OutputTrouble();
-        d.lblDate.caption = trouble.empty() ? FormatDate(settings.DateFormat, now) : trouble;
+        d.lblDate.caption = trouble.empty() ? FormatDate(clockSettings.DateFormat, now) : trouble;
         d.lblDate.toolTip = trouble;
-        d.lblTime.caption = " " + FormatTime(settings.TimeFormat, now);
+        d.lblTime.caption = " " + FormatTime(clockSettings.TimeFormat, now);
     });
 }
 
@@ -214,8 +217,8 @@ void DateTimeDemo(bool on) {
         // The widest that both can become: Wednesday, September, two digits everywhere.
         constexpr WallTime sample{2026, 9, 23, 3, 22, 58, 48, 0};
         DisplayControls& d = frmMain().display;
-        d.lblDate.caption = FormatDate(settings.DateFormat, sample);
-        d.lblTime.caption = " " + FormatTime(settings.TimeFormat, sample);
+        d.lblDate.caption = FormatDate(clockSettings.DateFormat, sample);
+        d.lblTime.caption = " " + FormatTime(clockSettings.TimeFormat, sample);
     });
 }
 
@@ -225,15 +228,15 @@ void ClockUpdate() {
             return;
         }
         const WallTime now = wallTime();
-        if (settings.DateEnabled == 1 && ClockShowDate && settings.ClockEnabled == 1) {
+        if (clockSettings.DateEnabled == 1 && ClockShowDate && clockSettings.ClockEnabled == 1) {
             showDate(now);
-        } else if (settings.MinimalView == 1 && TaHeld) {
+        } else if (minimalSettings.MinimalView == 1 && TaHeld) {
             showNextAnnouncement(now);
         } else if (ClockShown) {
-            SetDigitsColour(settings.CountDownColor);
+            SetDigitsColour(displaySettings.CountDownColor);
             const int tens = now.second / 10;
             const bool dateTurn = (tens == 1 || tens == 4) && now.second % 10 <= 3;
-            if (settings.DateEnabled == 1 && dateTurn) {
+            if (clockSettings.DateEnabled == 1 && dateTurn) {
                 showDate(now);
             } else {
                 showTime(now);

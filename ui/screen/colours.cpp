@@ -10,7 +10,13 @@
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/clock.h"
+#include "startup/settings/dark.h"
+#include "startup/settings/display.h"
+#include "startup/settings/labels.h"
+#include "startup/settings/marks.h"
+#include "startup/settings/palette_list.h"
 #include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
@@ -47,12 +53,16 @@ void paintToggles() {
         const char* code;
         Control* key;
         Colour colour;
-    } options[] = {
-        {"ass", &w.palettes.ckAssign, settings.assColor}, {"ar", &w.options.ckAutoRepI, settings.arColor},
-        {"tc", &w.options.ckTouchI, settings.tcColor},    {"ps", &w.options.ckPlayStopI, settings.psColor},
-        {"ns", &w.options.ckNoStopI, settings.nsColor},   {"co", &w.options.ckColorI, settings.coColor},
-        {"fx", &w.options.ckFXI, settings.fxColor},       {"lp", &w.options.ckLoopI, settings.lpColor},
-        {"sq", &w.options.ckLoopI, settings.sqColor},     {"sp", &w.palettes.btSave, settings.spColor}};
+    } options[] = {{"ass", &w.palettes.ckAssign, markSettings.assColor},
+                   {"ar", &w.options.ckAutoRepI, markSettings.arColor},
+                   {"tc", &w.options.ckTouchI, markSettings.tcColor},
+                   {"ps", &w.options.ckPlayStopI, markSettings.psColor},
+                   {"ns", &w.options.ckNoStopI, markSettings.nsColor},
+                   {"co", &w.options.ckColorI, markSettings.coColor},
+                   {"fx", &w.options.ckFXI, markSettings.fxColor},
+                   {"lp", &w.options.ckLoopI, markSettings.lpColor},
+                   {"sq", &w.options.ckLoopI, markSettings.sqColor},
+                   {"sp", &w.palettes.btSave, markSettings.spColor}};
     for (const auto& option : options) {
         if (OptionCode == option.code) {
             Arm(*option.key, option.colour);
@@ -70,7 +80,7 @@ void paintRecord(int i) {
     b.sq_Jingle.foreColor = Shaded.sq;
     b.fx_Jingle.foreColor = Shaded.fx;
     if (!j.Path.empty() && j.BTNCol != kFaceColourText && !j.BTNCol.empty()) {
-        j.BackRGB = ShadeColor(HexToRGB(j.BTNCol), settings.ShadeOffsetVal);
+        j.BackRGB = ShadeColor(HexToRGB(j.BTNCol), darkSettings.ShadeOffsetVal);
         j.ForeRGB = GetForeColor(j.BackRGB, "jingle");
     } else {
         j.BackRGB = BtnFaceColor;
@@ -88,10 +98,10 @@ void paintRecord(int i) {
 
 void paintFrames() {
     MainWindow& w = frmMain();
-    const bool dark = settings.DarkMode == 1;
+    const bool dark = darkSettings.DarkMode == 1;
     const Colour border = BorderColour();
     // The shell works out ground, panel and borders from the window's colour; the light theme is its own.
-    w.window.backColor = dark ? settings.DarkBackColor : kNoColour;
+    w.window.backColor = dark ? darkSettings.DarkBackColor : kNoColour;
     w.window.foreColor = BtnForeColor;
     w.fraPanel.foreColor = BtnForeColor;
     for (Control* frame : {&w.fraPanel, &w.fraVU, &w.display.picDispBack, &w.linHotJingles}) {
@@ -123,15 +133,15 @@ void paintKeys() {
                           &l.ckAutoDuckLive}) {
         text->foreColor = BtnForeColor;
     }
-    const bool darkList = settings.DarkMode == 1 || settings.DarkLstPal == 1;
-    const Colour listBack = darkList ? settings.DarkBackColor : kWhite;
-    const Colour listFore = darkList ? settings.DarkForeColor : 0;
-    const bool reversed = settings.RevLstPalCol == 1;
+    const bool darkList = darkSettings.DarkMode == 1 || paletteListSettings.DarkLstPal == 1;
+    const Colour listBack = darkList ? darkSettings.DarkBackColor : kWhite;
+    const Colour listFore = darkList ? darkSettings.DarkForeColor : 0;
+    const bool reversed = paletteListSettings.RevLstPalCol == 1;
     p.lstPal.backColor = reversed ? listFore : listBack;
     p.lstPal.foreColor = reversed ? listBack : listFore;
     for (Control* field : {&p.txtSave, &l.cmbStream, &a.DTMinute, &a.DTSecond, &a.DTDelay}) {
-        field->backColor = settings.DarkMode == 1 ? settings.DarkBackColor : kWhite;
-        field->foreColor = settings.DarkMode == 1 ? settings.DarkForeColor : 0;
+        field->backColor = darkSettings.DarkMode == 1 ? darkSettings.DarkBackColor : kWhite;
+        field->foreColor = darkSettings.DarkMode == 1 ? darkSettings.DarkForeColor : 0;
     }
     for (Control& tab : w.ckTab) {
         tab.foreColor = BtnForeColor;
@@ -142,41 +152,41 @@ void paintKeys() {
 
 void paintDisplay() {
     DisplayControls& d = frmMain().display;
-    d.picDispBack.backColor = settings.DispBackCol;
+    d.picDispBack.backColor = displaySettings.DispBackCol;
     for (Control* text : {&d.lblDate, &d.lblTime, &d.lblDispMessage, &d.lblErr}) {
-        text->foreColor = settings.DateTimeColor;
+        text->foreColor = clockSettings.DateTimeColor;
     }
-    d.txtDisPal.foreColor = settings.PalColor;
-    d.lblQuiet.foreColor = settings.DateTimeColor;
-    d.lblMIDIIcon.foreColor = settings.DateTimeColor;
-    d.lblMIDIDevice.foreColor = settings.PalColor;
+    d.txtDisPal.foreColor = paletteListSettings.PalColor;
+    d.lblQuiet.foreColor = clockSettings.DateTimeColor;
+    d.lblMIDIIcon.foreColor = clockSettings.DateTimeColor;
+    d.lblMIDIDevice.foreColor = paletteListSettings.PalColor;
     for (Control* digit : d.digits()) {
-        digit->foreColor = settings.CountDownColor;
+        digit->foreColor = displaySettings.CountDownColor;
     }
     for (Control& mark : d.lblClock) {
-        mark.foreColor = settings.DateTimeColor;
+        mark.foreColor = clockSettings.DateTimeColor;
     }
     for (Control& mark : d.lblPlayMode) {
-        mark.foreColor = settings.DateTimeColor;
+        mark.foreColor = clockSettings.DateTimeColor;
     }
 }
 
 }  // namespace
 
 Colour BorderColour() {
-    return settings.DarkMode == 1 ? ShadeColor(settings.DarkBackColor, 32) : kLightBorder;
+    return darkSettings.DarkMode == 1 ? ShadeColor(darkSettings.DarkBackColor, 32) : kLightBorder;
 }
 
 void ShowGlobalToggles() {
     KeyControls& k = frmMain().keys;
     const auto show = [](Control& key, bool on, Colour colour) { on ? Arm(key, colour) : Disarm(key); };
-    show(k.ckAutoRep, ToggleAutoRep == 1, settings.arColor);
-    show(k.ckTouch, ToggleTouch == 1, settings.tcColor);
+    show(k.ckAutoRep, ToggleAutoRep == 1, markSettings.arColor);
+    show(k.ckTouch, ToggleTouch == 1, markSettings.tcColor);
     // The minimal view shows their letters instead of the keys.
     DisplayControls& d = frmMain().display;
-    d.lblPlayMode[0].caption = std::string(settings.AutoMix == 1 ? "a" : "n");
+    d.lblPlayMode[0].caption = std::string(automixSettings.AutoMix == 1 ? "a" : "n");
     d.lblPlayMode[1].caption = std::string(ToggleAutoRep == 1 ? "r" : ToggleTouch == 1 ? "v" : "w");
-    show(k.ckAutoMix, settings.AutoMix != 0, settings.AutoMix == 1 ? Shaded.am : Shaded.am2);
+    show(k.ckAutoMix, automixSettings.AutoMix != 0, automixSettings.AutoMix == 1 ? Shaded.am : Shaded.am2);
 }
 
 void ReColorizeBtn() {
@@ -198,12 +208,12 @@ void ReColorizeBtn() {
 void SwitchDarkMode(int dark) {
     guarded("frmMain.SwitchDarkMode", [&] {
         lockUpdates();
-        settings.DarkMode = dark == 1 ? 1 : 0;
-        BtnFaceColor = dark == 1 ? settings.DarkBackColor : kButtonFace;
-        BtnForeColor = dark == 1 ? settings.DarkForeColor : 0;
+        darkSettings.DarkMode = dark == 1 ? 1 : 0;
+        BtnFaceColor = dark == 1 ? darkSettings.DarkBackColor : kButtonFace;
+        BtnForeColor = dark == 1 ? darkSettings.DarkForeColor : 0;
         // A text colour that was never chosen follows the theme, or it could not be read in the dark.
-        JingleForeColor =
-            dark == 1 && settings.JLabelFontColor == 0 ? settings.DarkForeColor : settings.JLabelFontColor;
+        JingleForeColor = dark == 1 && labelSettings.JLabelFontColor == 0 ? darkSettings.DarkForeColor
+                                                                          : labelSettings.JLabelFontColor;
         paintFrames();
         paintKeys();
         paintDisplay();

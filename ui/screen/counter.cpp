@@ -5,7 +5,9 @@
 #include "model/state.h"
 #include "platform/timers.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
+#include "startup/settings/clock.h"
+#include "startup/settings/display.h"
+#include "startup/settings/minimal.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
 #include "ui/screen/clock.h"
@@ -23,9 +25,9 @@ void minimalClock() {
     if (DispRemain <= 0) {
         if (t.TimerWarnBlink.enabled()) {
             t.TimerWarnBlink.stop();
-            SetDigitsColour(settings.CountDownColor);
+            SetDigitsColour(displaySettings.CountDownColor);
         }
-        if (settings.ClockEnabled == 1) {
+        if (clockSettings.ClockEnabled == 1) {
             if (!ClockShown) {
                 t.TimerIdleClock.start();
             }
@@ -40,7 +42,7 @@ void minimalClock() {
 }  // namespace
 
 void ShowRemain() {
-    if (settings.MinimalView == 1) {
+    if (minimalSettings.MinimalView == 1) {
         minimalClock();
     }
     if (ClockShown) {
@@ -55,8 +57,8 @@ void ShowRemain() {
         d.lblPosSecD.caption = "0";
         d.lblPosSecU.caption = "0";
         d.lblPosMisD.caption = "0";
-        d.lblPosMisC.caption = std::string(settings.DispCSec == 1 ? "0" : "");
-        SetDigitsColour(settings.CountDownColor);
+        d.lblPosMisC.caption = std::string(displaySettings.DispCSec == 1 ? "0" : "");
+        SetDigitsColour(displaySettings.CountDownColor);
     }
 }
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "platform/controls.h"
-#include "startup/settings.h"
+#include "startup/settings/display.h"
 #include "ui/records/main_window.h"
 
 namespace zv {
@@ -39,7 +39,7 @@ void SetDigitsColour(Colour colour) {
 
 void WriteDigits(double seconds) {
     // One number, rounded once (halves go up): all digits are its digits.
-    const int parts = settings.DispCSec == 1 ? kHundredths : kTenths;
+    const int parts = displaySettings.DispCSec == 1 ? kHundredths : kTenths;
     const auto total = static_cast<long>(std::floor(seconds * parts + 0.5));
     const auto whole = static_cast<int>(total / parts);
     const int fraction = static_cast<int>(total % parts) * (kHundredths / parts);
@@ -54,7 +54,7 @@ void WriteDigits(double seconds) {
     d.lblPosSecD.caption = digit(whole % kSecondsPerMinute / 10);
     d.lblPosSecU.caption = digit(whole % kSecondsPerMinute);
     d.lblPosMisD.caption = digit(fraction / 10);
-    d.lblPosMisC.caption = settings.DispCSec == 1 ? digit(fraction) : std::string();
+    d.lblPosMisC.caption = displaySettings.DispCSec == 1 ? digit(fraction) : std::string();
 }
 
 void HideMinutes() {

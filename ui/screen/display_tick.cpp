@@ -18,7 +18,11 @@
 #include "platform/timers.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
+#include "startup/settings/bars.h"
+#include "startup/settings/display.h"
+#include "startup/settings/labels.h"
+#include "startup/settings/playing.h"
+#include "startup/settings/warning.h"
 #include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
@@ -95,10 +99,11 @@ std::string timeLeftText(double seconds) {
 /// Paints a sounding button and its bar; returns its time left in seconds.
 double soundingButton(int i, JingleButton& b) {
     const JingleRecord& j = Jingle(i);
-    const Colour playing = j.PlayingOtherPal ? settings.PlayingColorAnotherPal : settings.PlayingColor;
+    const Colour playing =
+        j.PlayingOtherPal ? playingSettings.PlayingColorAnotherPal : playingSettings.PlayingColor;
     if (b.b_Jingle.backColor != playing && Plays(i)) {
         b.b_Jingle.backColor = playing;
-        b.b_Jingle.foreColor = j.PlayingOtherPal ? GetForeColor(playing, "") : settings.PlayingFColor;
+        b.b_Jingle.foreColor = j.PlayingOtherPal ? GetForeColor(playing, "") : playingSettings.PlayingFColor;
         b.b_Jingle.borderColor = kNoColour;
     }
     followColours(b);
@@ -106,13 +111,13 @@ double soundingButton(int i, JingleButton& b) {
 
     const PlayTime time = PlayTimeOf(i);
     MinDuration = std::min(MinDuration, time.duration);
-    if (!BlinkTestOn && time.left > settings.RemainWarn) {
-        b.JRemLev.backColor = settings.JRemLevCol;
+    if (!BlinkTestOn && time.left > warningSettings.RemainWarn) {
+        b.JRemLev.backColor = barSettings.JRemLevCol;
     }
     const int full = b.b_Jingle.width() - kBarMargin;
     const double share = time.duration > 0 ? std::min(1.0, time.left / time.duration) : 0;
     b.JRemLev.width = std::abs(GetMultipleOf(static_cast<int>(full * share), kTwipsPerPixel));
-    b.JRemLev.caption = settings.JDispDuration == 1 ? timeLeftText(time.left) : std::string();
+    b.JRemLev.caption = labelSettings.JDispDuration == 1 ? timeLeftText(time.left) : std::string();
     return time.left;
 }
 
@@ -120,23 +125,23 @@ double soundingButton(int i, JingleButton& b) {
 void showBars() {
     for (const int i : LiveJingles()) {
         if (JingleButton* b = Button(i)) {
-            b->JRemLev.backColor = settings.JRemLevCol;
+            b->JRemLev.backColor = barSettings.JRemLevCol;
         }
     }
 }
 
 void warn() {
     Timer& blink = timers().TimerWarnBlink;
-    switch (
-        WarningFor(DispRemain, MinDuration, settings.RemainWarn, settings.WarnAllJ == 1, blink.enabled())) {
+    switch (WarningFor(DispRemain, MinDuration, warningSettings.RemainWarn, warningSettings.WarnAllJ == 1,
+                       blink.enabled())) {
         case WarnStep::start:
-            blink.setInterval(WarnBlinkInterval(settings.BlinkWarn));
+            blink.setInterval(WarnBlinkInterval(warningSettings.BlinkWarn));
             blink.restart();
-            SetDigitsColour(settings.RemainColor);
+            SetDigitsColour(warningSettings.RemainColor);
             break;
         case WarnStep::stop:
             blink.stop();
-            SetDigitsColour(settings.CountDownColor);
+            SetDigitsColour(displaySettings.CountDownColor);
             showBars();
             break;
         case WarnStep::leave:

@@ -4,7 +4,9 @@
 #include <string_view>
 
 #include "platform/controls.h"
-#include "startup/settings.h"
+#include "startup/settings/clock.h"
+#include "startup/settings/minimal.h"
+#include "startup/settings/playing.h"
 #include "startup/upcalls.h"
 #include "ui/records/main_window.h"
 
@@ -33,10 +35,10 @@ void ShowErrorMark(const ErrorMark& told) {
     if (mark.character != 0) {
         d.lblErr.caption = std::string(1, mark.character);
     }
-    d.lblErr.foreColor = mark.usesPlayingColor ? settings.PlayingColor : settings.DateTimeColor;
+    d.lblErr.foreColor = mark.usesPlayingColor ? playingSettings.PlayingColor : clockSettings.DateTimeColor;
     d.lblErr.toolTip = mark.toolTip;
     d.lblErr.visible = mark.visible;
-    if (mark.visible && settings.MinimalView == 1) {
+    if (mark.visible && minimalSettings.MinimalView == 1) {
         for (Control& playMode : d.lblPlayMode) {
             playMode.visible = false;
         }

@@ -9,7 +9,8 @@
 #include "platform/controls.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
-#include "startup/settings.h"
+#include "startup/settings/clock.h"
+#include "startup/settings/display.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
@@ -68,10 +69,10 @@ void TimerControlFlashTick() {
         if (ErrOneShot == 0) {
             return;
         }
-        mark.foreColor = phase ? settings.DispBackCol : settings.DateTimeColor;
+        mark.foreColor = phase ? displaySettings.DispBackCol : clockSettings.DateTimeColor;
         if (++ErrBlinkCount > kMostFlashes) {
             ErrOneShot = 0;
-            mark.foreColor = settings.DateTimeColor;
+            mark.foreColor = clockSettings.DateTimeColor;
             // What failed or waits to be saved stays until it is mended.
             if (mark.visible && !ErrMarkShows("h") && !ErrMarkShows("x") && !ErrMarkShows("f")) {
                 timers().TimerNotif.stop();

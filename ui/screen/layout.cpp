@@ -12,7 +12,13 @@
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/grid.h"
+#include "startup/settings/meters.h"
+#include "startup/settings/palette.h"
+#include "startup/settings/palette_list.h"
+#include "startup/settings/volumes.h"
+#include "startup/settings/window.h"
 #include "startup/stores.h"
 #include "startup/trace.h"
 #include "ui/records/jingle_buttons.h"
@@ -72,14 +78,14 @@ void drawStrip(int windowWidth, int height) {
     }
 }
 
-bool joined() { return settings.JoinedJButtons != 0; }
+bool joined() { return gridSettings.JoinedJButtons != 0; }
 
 /// Inset of the button blocks. Buttons with gaps bring their own; joined ones are inset, so that their edges stand
 /// under those of the strip.
 int blockInset() { return joined() ? kOutside : 0; }
 
 /// Gap between a hot block above and a joined grid; buttons with gaps bring their own.
-int gapBelowHotBlock() { return joined() && settings.HotJinglesPos == 1 ? kGap : 0; }
+int gapBelowHotBlock() { return joined() && gridSettings.HotJinglesPos == 1 ? kGap : 0; }
 
 /// Twips that remain when a length is divided into equal buttons of whole pixels.
 int leftOver(int length, int buttons, int smallest) {
@@ -88,21 +94,21 @@ int leftOver(int length, int buttons, int smallest) {
 }
 
 int leftOverHeight(const Area& area) {
-    const bool across = settings.VUPos == "t";
+    const bool across = meterSettings.VUPos == "t";
     const int taken =
         HotBlockHeight() + gapBelowHotBlock() + 2 * blockInset() + (across ? kGap + px(kTopMeter) : 0);
-    return leftOver(area.bottom - area.top - taken, settings.JinglesRows, kMinButtonHeight);
+    return leftOver(area.bottom - area.top - taken, gridSettings.JinglesRows, kMinButtonHeight);
 }
 
 /// Places the meters at their side and takes their room from the area. Meters at a side take what the grid
 /// cannot share out, so that the gaps stay even.
 void drawMeterBlock(Area& area) {
     MainWindow& w = frmMain();
-    const std::string& side = settings.VUPos;
+    const std::string& side = meterSettings.VUPos;
     w.fraVU.visible = side != "n";
     const int narrow = px(kSideMeter);
     const int wide = narrow + leftOver(area.right - area.left - kOutside - narrow - 2 * blockInset(),
-                                       settings.JinglesCols, kMinButtonWidth);
+                                       gridSettings.JinglesCols, kMinButtonWidth);
     if (side == "t") {
         place(w.fraVU, kOutside, area.top + kGap, area.right - 2 * kOutside, px(kTopMeter));
         area.top += kGap + px(kTopMeter);
@@ -127,7 +133,7 @@ void drawBlocks(const Area& area) {
     const int bottom = area.bottom - inset;
     const int gap = gapBelowHotBlock();
     int line = 0;  // in the middle of what parts the blocks
-    if (settings.HotJinglesPos == 1) {
+    if (gridSettings.HotJinglesPos == 1) {
         place(w.fraHotJingles, left, top, width, hot);
         place(w.fraJingles, left, top + hot + gap, width, bottom - top - hot - gap);
         line = top + hot + gap / 2;
@@ -144,14 +150,14 @@ void drawBlocks(const Area& area) {
 /// What depends on settings: which controls exist at all.
 void showBySettings() {
     MainWindow& w = frmMain();
-    const bool mix = settings.DeviceSingle == 0;
+    const bool mix = deviceSettings.DeviceSingle == 0;
     w.keys.btMicPush.visible = mix;
     w.keys.btMicTO.visible = mix;
-    w.keys.btMicPush.enabled = settings.InputEnabled == 1;
-    w.keys.btMicTO.enabled = settings.InputEnabled == 1;
-    w.display.txtDisPal.visible = settings.DisPalName == 1;
-    JGap = settings.JoinedJButtons == 1 ? 0 : kGap;
-    JOuterGap = settings.JoinedJButtons == 1 ? kJoinedOuterGap : 0;
+    w.keys.btMicPush.enabled = volumeSettings.InputEnabled == 1;
+    w.keys.btMicTO.enabled = volumeSettings.InputEnabled == 1;
+    w.display.txtDisPal.visible = paletteListSettings.DisPalName == 1;
+    JGap = gridSettings.JoinedJButtons == 1 ? 0 : kGap;
+    JOuterGap = gridSettings.JoinedJButtons == 1 ? kJoinedOuterGap : 0;
 }
 
 }  // namespace
@@ -164,7 +170,7 @@ void FormDraw(const std::string& mode) {
         }
         lockUpdates();
         if (mode == "init") {
-            setFullScreen(w.window, settings.FullScreen == 1);
+            setFullScreen(w.window, windowSettings.FullScreen == 1);
             showBySettings();
             DrawJButtons(0);
         }
@@ -189,12 +195,12 @@ void DrawJButtons(int load) {
             JExists[static_cast<std::size_t>(i)] = i == 0 || Button(i) != nullptr ? 1 : 0;
         }
         MakeButton(0);
-        LastPalIdx = settings.JinglesRows * settings.JinglesCols - 1;
+        LastPalIdx = gridSettings.JinglesRows * gridSettings.JinglesCols - 1;
         if (Unloading) {
             return;
         }
         lockUpdates();
-        const int live = LastPalIdx + 1 + 2 * settings.JinglesCols;
+        const int live = LastPalIdx + 1 + 2 * gridSettings.JinglesCols;
         for (int i = 0; i < kJingles; ++i) {
             if (!IsLive(i)) {
                 ShowButton(i, false);
@@ -203,8 +209,8 @@ void DrawJButtons(int load) {
             guarded("frmMain.DrawJButtons", [&] {
                 JingleButton& b = MakeButton(i);
                 JExists[static_cast<std::size_t>(i)] = 1;
-                ShowButton(i, i < kPaletteSlots || i < kPaletteSlots + settings.JinglesCols ||
-                                  settings.HotJinglesRows > 1);
+                ShowButton(i, i < kPaletteSlots || i < kPaletteSlots + gridSettings.JinglesCols ||
+                                  gridSettings.HotJinglesRows > 1);
                 if (Jingle(i).Path.empty()) {
                     b.b_Jingle.caption = std::string();
                     b.b_Jingle.toolTip = std::string();
@@ -212,7 +218,7 @@ void DrawJButtons(int load) {
                 if (load == 1) {
                     const bool hot = i >= kPaletteSlots;
                     const std::string& palette =
-                        HeldPalette().empty() ? settings.PaletteIndex : HeldPalette();
+                        HeldPalette().empty() ? paletteSettings.PaletteIndex : HeldPalette();
                     openNames(i, hot ? kHotSection : palette, hot);
                     openStreams(i);
                 }
@@ -226,7 +232,7 @@ void DrawJButtons(int load) {
 }
 
 void SetJoinedJButtons(bool joined) {
-    settings.JoinedJButtons = joined ? 1 : 0;
+    gridSettings.JoinedJButtons = joined ? 1 : 0;
     JOuterGap = joined ? kJoinedOuterGap : 0;
     JGap = joined ? 0 : kGap;
     FormDraw();

@@ -6,7 +6,9 @@
 #include "model/jingle.h"
 #include "platform/controls.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
+#include "startup/settings/bars.h"
+#include "startup/settings/grid.h"
+#include "startup/settings/labels.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
 
@@ -31,14 +33,14 @@ constexpr int kMarkStep = 210;
 constexpr int kLargeButton = 1500;
 constexpr int kBelowBar = 30;
 
-/// Positions of settings.JRemLevPos.
+/// Positions of barSettings.JRemLevPos.
 enum class BarPlace : int { none = 0, top = 1, bottom = 2 };
 
 int multiple(int twips) { return GetMultipleOf(twips, kPixel); }
 
 int barThickness() {
     constexpr int thickness[] = {60, 90, 120};
-    return thickness[std::clamp<int>(settings.JRemLevThickness, 0, 2)];
+    return thickness[std::clamp<int>(barSettings.JRemLevThickness, 0, 2)];
 }
 
 void place(Control& c, int left, int top, int width, int height) {
@@ -52,7 +54,7 @@ void place(Control& c, int left, int top, int width, int height) {
 void placeParts(JingleButton& b) {
     const int w = b.b_Jingle.width;
     const int h = b.b_Jingle.height;
-    const auto bar = static_cast<BarPlace>(static_cast<int>(settings.JRemLevPos));
+    const auto bar = static_cast<BarPlace>(static_cast<int>(barSettings.JRemLevPos));
     const int thickness = std::min(barThickness(), multiple(h / 6));
     const int barTop = bar == BarPlace::bottom ? h - kBarInset - thickness : kBarInset;
     place(b.JremBG, kBarInset, barTop, w - 2 * kBarInset, thickness);
@@ -63,7 +65,7 @@ void placeParts(JingleButton& b) {
     const int marksTop = bar == BarPlace::top ? kBarInset + thickness + kBelowBar : 60;
     const int number = b.b_Jingle.index;
     const int digits = number < 10 ? 1 : number < 100 ? 2 : 3;
-    const bool numberRight = settings.JNumbPos == 2;
+    const bool numberRight = labelSettings.JNumbPos == 2;
     const int numberWidth = digits * kDigitWidth;
     // One digit stands 135 twips from the right edge, two 225; a third goes on in the same step.
     const int numberLeft = numberRight ? w - (kNumberInset + numberWidth) : kNumberInset;
@@ -71,7 +73,7 @@ void placeParts(JingleButton& b) {
     const int numberTop = std::min(marksTop, h - numberHeight - kPixel);
     place(b.picbtnumber, numberLeft, numberTop, numberWidth, numberHeight);
     place(b.lblbtnumber, numberLeft, numberTop, numberWidth, numberHeight);
-    b.picbtnumber.visible = settings.JNumbPos != 0 && !(numberRight && b.ckJingSel.visible);
+    b.picbtnumber.visible = labelSettings.JNumbPos != 0 && !(numberRight && b.ckJingSel.visible);
     b.lblbtnumber.visible = b.picbtnumber.visible();
 
     // Marks grow on large buttons, with the steps between them.
@@ -120,28 +122,28 @@ GridGeometry GridFor(int blockWidth, int blockHeight, int rows, int columns, int
 }
 
 int HotBlockHeight() {
-    if (settings.HotJinglesPos == 0) {
+    if (gridSettings.HotJinglesPos == 0) {
         return 0;
     }
-    const int button = multiple(settings.HotJinglesHeight * frmMain().window.height() / 100);
-    const bool joined = settings.JoinedJButtons != 0;
-    const bool two = settings.HotJinglesRows > 1;
+    const int button = multiple(gridSettings.HotJinglesHeight * frmMain().window.height() / 100);
+    const bool joined = gridSettings.JoinedJButtons != 0;
+    const bool two = gridSettings.HotJinglesRows > 1;
     if (joined) {
         // The first row of a block below the grid keeps a gap above it.
-        return (two ? 2 * button : button) + (settings.HotJinglesPos == 2 ? kGap : 0);
+        return (two ? 2 * button : button) + (gridSettings.HotJinglesPos == 2 ? kGap : 0);
     }
     return two ? 2 * button + 3 * kGap : button + 2 * kGap;
 }
 
 void DrawGrid() {
     const Control& block = frmMain().fraJingles;
-    const bool joined = settings.JoinedJButtons != 0;
-    const std::string_view marker = !joined                       ? ""
-                                    : settings.HotJinglesPos == 1 ? "top"
-                                    : settings.HotJinglesPos == 2 ? "bottom"
-                                                                  : "";
+    const bool joined = gridSettings.JoinedJButtons != 0;
+    const std::string_view marker = !joined                           ? ""
+                                    : gridSettings.HotJinglesPos == 1 ? "top"
+                                    : gridSettings.HotJinglesPos == 2 ? "bottom"
+                                                                      : "";
     const GridGeometry g =
-        GridFor(block.width, block.height, settings.JinglesRows, settings.JinglesCols, JGap, marker);
+        GridFor(block.width, block.height, gridSettings.JinglesRows, gridSettings.JinglesCols, JGap, marker);
     for (int i = 0; i <= LastPalIdx; ++i) {
         if (JingleButton* b = Button(i)) {
             place(b->b_Jingle, g.left(i), g.top(i), g.width, g.height);
@@ -153,27 +155,27 @@ void DrawGrid() {
 
 void HotJinglesDraw() {
     MainWindow& w = frmMain();
-    w.fraHotJingles.visible = settings.HotJinglesPos != 0;
-    w.linHotJingles.visible = settings.HotJinglesPos != 0;
-    if (settings.HotJinglesPos == 0) {
+    w.fraHotJingles.visible = gridSettings.HotJinglesPos != 0;
+    w.linHotJingles.visible = gridSettings.HotJinglesPos != 0;
+    if (gridSettings.HotJinglesPos == 0) {
         return;
     }
-    const bool joined = settings.JoinedJButtons != 0;
-    const int height = multiple(settings.HotJinglesHeight * w.window.height() / 100);
-    const int firstTop = joined && settings.HotJinglesPos == 1 ? 0 : kGap;
+    const bool joined = gridSettings.JoinedJButtons != 0;
+    const int height = multiple(gridSettings.HotJinglesHeight * w.window.height() / 100);
+    const int firstTop = joined && gridSettings.HotJinglesPos == 1 ? 0 : kGap;
     const int secondTop = firstTop + height + (joined ? 0 : kGap);
-    const GridGeometry grid = GridFor(w.fraJingles.width, w.fraJingles.height, settings.JinglesRows,
-                                      settings.JinglesCols, JGap, "");
+    const GridGeometry grid = GridFor(w.fraJingles.width, w.fraJingles.height, gridSettings.JinglesRows,
+                                      gridSettings.JinglesCols, JGap, "");
     for (int i = kPaletteSlots; i <= LastLiveIdx(); ++i) {
         JingleButton* b = Button(i);
         if (b == nullptr) {
             continue;
         }
-        const int column = (i - kPaletteSlots) % settings.JinglesCols;
-        const bool second = i - kPaletteSlots >= settings.JinglesCols;
+        const int column = (i - kPaletteSlots) % gridSettings.JinglesCols;
+        const bool second = i - kPaletteSlots >= gridSettings.JinglesCols;
         place(b->b_Jingle, grid.left(column), second ? secondTop : firstTop, grid.width, height);
         placeParts(*b);
-        b->b_Jingle.visible = !second || settings.HotJinglesRows > 1;
+        b->b_Jingle.visible = !second || gridSettings.HotJinglesRows > 1;
     }
 }
 
@@ -199,16 +201,16 @@ void UpdateJLblFont() {
         if (b == nullptr) {
             return;
         }
-        double size = settings.JLabelFontSize;
-        if (settings.JLabelAutoSize == 1) {
+        double size = labelSettings.JLabelFontSize;
+        if (labelSettings.JLabelAutoSize == 1) {
             // The width sets the size; the height keeps it from being cut.
             size = halfPoints(std::min(size * b->b_Jingle.width() / 12 / 110,
                                        largestCaption(b->b_Jingle.width, b->b_Jingle.height)));
         }
-        b->b_Jingle.fontName = settings.JLabelFont;
+        b->b_Jingle.fontName = labelSettings.JLabelFont;
         b->b_Jingle.fontSize = size;
-        b->b_Jingle.fontBold = settings.JLabelFontBold != 0;
-        b->b_Jingle.fontItalic = settings.JLabelFontItalic != 0;
+        b->b_Jingle.fontBold = labelSettings.JLabelFontBold != 0;
+        b->b_Jingle.fontItalic = labelSettings.JLabelFontItalic != 0;
     };
     for (const int i : LiveJingles()) {
         apply(i);

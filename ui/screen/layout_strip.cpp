@@ -7,7 +7,9 @@
 
 #include "platform/controls.h"
 #include "startup/guard.h"
-#include "startup/settings.h"
+#include "startup/settings/display.h"
+#include "startup/settings/meters.h"
+#include "startup/settings/minimal.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/meters.h"
@@ -237,7 +239,7 @@ void TabDraw(int tab) {
 
 void ChangeTab(int tab) {
     guarded("frmMain.ChangeTab", [&] {
-        if (settings.MinimalView == 1 || tab < 0 || tab >= kTabs) {
+        if (minimalSettings.MinimalView == 1 || tab < 0 || tab >= kTabs) {
             return;
         }
         ResetOption();
@@ -287,7 +289,7 @@ void DrawDisplay() {
     int smallWidth = px(small / px(1) * 0.57);
     const int separator = px(std::max(5.0, big / px(1) * 0.16));
     // The clock of the minimal view needs both small figures.
-    const bool twoSmall = settings.DispCSec == 1 || settings.MinimalView == 1;
+    const bool twoSmall = displaySettings.DispCSec == 1 || minimalSettings.MinimalView == 1;
     const int smallFigures = twoSmall ? 2 : 1;
     const int gaps = (6 + smallFigures) * gapOf(big);
     const int wanted = 5 * bigWidth + smallFigures * smallWidth + 2 * separator + gaps;
@@ -347,7 +349,7 @@ void DrawKeys() {
 void DrawMeters() {
     MainWindow& w = frmMain();
     const int inset = px(5);
-    const bool across = settings.VUPos == "t";
+    const bool across = meterSettings.VUPos == "t";
     const int width = w.fraVU.width;
     const int height = w.fraVU.height;
     if (across) {

@@ -11,7 +11,11 @@
 #include "platform/controls.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/live.h"
+#include "startup/settings/marks.h"
+#include "startup/settings/minimal.h"
+#include "startup/settings/playing.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 
@@ -49,13 +53,13 @@ bool isHeading(int row) { return row >= addresses() && row < addresses() + 3; }
 
 void showKey() {
     Control& key = frmMain().live.ckPlayStream;
-    const bool minimal = settings.MinimalView == 1;
+    const bool minimal = minimalSettings.MinimalView == 1;
     key.fontName = std::string(minimal ? kIconFont : "");
     key.caption = minimal ? std::string("z") : Ln(LiveOn ? "mckStopStream" : "mckPlayStream");
     key.toolTip = !LiveTitle.empty() ? LiveTitle : Ln(LiveOn ? "mTipStopStream" : "mTipPlayStream");
     if (LiveOn) {
-        key.backColor = settings.PlayingColor;
-        key.foreColor = settings.PlayingFColor;
+        key.backColor = playingSettings.PlayingColor;
+        key.foreColor = playingSettings.PlayingFColor;
     } else {
         Disarm(key);
     }
@@ -63,11 +67,11 @@ void showKey() {
 
 void showLevels() {
     LiveTab& t = frmMain().live;
-    t.SlideVolLive.value = settings.VolLive;
-    t.lblVolLive.caption = std::to_string(settings.VolLive) + " %";
-    t.btCoefVolLive.caption = "x" + std::to_string(settings.CoefVolLive);
-    t.ckAutoDuckLive.value = settings.LiveAutoDuck == 1 ? 1 : 0;
-    LiveMixByTa ? Arm(t.ckMixByTa, settings.taColor) : Disarm(t.ckMixByTa);
+    t.SlideVolLive.value = liveSettings.VolLive;
+    t.lblVolLive.caption = std::to_string(liveSettings.VolLive) + " %";
+    t.btCoefVolLive.caption = "x" + std::to_string(liveSettings.CoefVolLive);
+    t.ckAutoDuckLive.value = liveSettings.LiveAutoDuck == 1 ? 1 : 0;
+    LiveMixByTa ? Arm(t.ckMixByTa, markSettings.taColor) : Disarm(t.ckMixByTa);
 }
 
 void showTips() {
@@ -100,7 +104,7 @@ void ShowLive() {
 void ListPlayStreams() {
     Control& list = frmMain().live.cmbStream;
     std::vector<std::string> rows = ReadUrls();
-    if (settings.DeviceSingle == 0) {
+    if (deviceSettings.DeviceSingle == 0) {
         rows.push_back(rule("_"));
         rows.push_back(Ln("mixlblAudioDev") + "        ");
         rows.push_back(rule("\u00AF"));

@@ -15,7 +15,7 @@
 #include "platform/controls.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/meters.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
 
@@ -96,11 +96,11 @@ void showMarks(std::int64_t now) {
 void TimerVUTick() {
     guarded("frmMain.TimerVU_Timer", [] {
         const std::array<int, 6> levels = GetLevels();
-        if (settings.VUPos != "n") {
+        if (meterSettings.VUPos != "n") {
             const std::int64_t now = monotonicMs();
             sides[0].read(levels[2], LoudestLevel[0], now);
             sides[1].read(levels[3], LoudestLevel[1], now);
-            const bool falls = settings.VUpersist == 1;
+            const bool falls = meterSettings.VUpersist == 1;
             VuHoldL = falls ? std::max(VuHoldL, sides[0].value) : sides[0].value;
             VuHoldR = falls ? std::max(VuHoldR, sides[1].value) : sides[1].value;
             show();
@@ -115,7 +115,7 @@ void TimerVUTick() {
 
 void TimerVUFDTick() {
     guarded("frmMain.TimerVUFD_Timer", [] {
-        if (settings.VUpersist != 1 || (VuHoldL == 0 && VuHoldR == 0)) {
+        if (meterSettings.VUpersist != 1 || (VuHoldL == 0 && VuHoldR == 0)) {
             timers().TimerVUFD.stop();
             return;
         }
@@ -132,8 +132,8 @@ void ChangeVUchan() {
         if (OutputChannels() <= kStereo) {
             return;
         }
-        settings.VUchan = settings.VUchan == 0 ? 1 : 0;
-        frmMain().lblVUSrc.caption = std::string(settings.VUchan == 0 ? "p" : "q");
+        meterSettings.VUchan = meterSettings.VUchan == 0 ? 1 : 0;
+        frmMain().lblVUSrc.caption = std::string(meterSettings.VUchan == 0 ? "p" : "q");
     });
 }
 
@@ -141,24 +141,24 @@ void ApplyMeterLook() {
     MainWindow& w = frmMain();
     for (Control* meter : meters()) {
         MeterLook look;
-        look.gradient = settings.VUGradient != 0;
-        look.solid = settings.VUSolid != 0;
-        look.peak = settings.VUPeak != 0;
-        look.peakDelayMs = settings.VUPeakDelay;
-        look.midLevel = settings.VUMid;
-        look.hiLevel = settings.VUHi;
-        look.backColor = settings.VUBackCol;
-        look.lowColor = settings.VULowCol;
-        look.midColor = settings.VUMidCol;
-        look.hiColor = settings.VUHiCol;
-        look.vertical = settings.VUPos != "t";
+        look.gradient = meterSettings.VUGradient != 0;
+        look.solid = meterSettings.VUSolid != 0;
+        look.peak = meterSettings.VUPeak != 0;
+        look.peakDelayMs = meterSettings.VUPeakDelay;
+        look.midLevel = meterSettings.VUMid;
+        look.hiLevel = meterSettings.VUHi;
+        look.backColor = meterSettings.VUBackCol;
+        look.lowColor = meterSettings.VULowCol;
+        look.midColor = meterSettings.VUMidCol;
+        look.hiColor = meterSettings.VUHiCol;
+        look.vertical = meterSettings.VUPos != "t";
         look.clipped = meter->meterLook().clipped;
         meter->maximum = kMeterMax;
         meter->meterLook = look;
-        meter->backColor = settings.VUBackCol;
+        meter->backColor = meterSettings.VUBackCol;
     }
-    w.fraVU.backColor = settings.VUBackCol;
-    w.lblVUSrc.caption = std::string(settings.VUchan == 0 ? "p" : "q");
+    w.fraVU.backColor = meterSettings.VUBackCol;
+    w.lblVUSrc.caption = std::string(meterSettings.VUchan == 0 ? "p" : "q");
     w.lblVUSrc.visible = OutputChannels() > kStereo;
 }
 

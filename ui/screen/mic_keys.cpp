@@ -4,7 +4,9 @@
 #include "audio/talk_over.h"
 #include "midi/feedback.h"
 #include "startup/guard.h"
-#include "startup/settings.h"
+#include "startup/settings/duck.h"
+#include "startup/settings/marks.h"
+#include "startup/settings/volumes.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
@@ -14,7 +16,7 @@ namespace zv {
 
 void SwitchInput(bool on) {
     guarded("frmMixer.ckInputEnable_Click", [&] {
-        settings.InputEnabled = on ? 1 : 0;
+        volumeSettings.InputEnabled = on ? 1 : 0;
         if (on) {
             OpenMic();
         } else {
@@ -22,7 +24,7 @@ void SwitchInput(bool on) {
             // The key is disabled now and gets no release: let it go here.
             MicPushed = false;
             Disarm(frmMain().keys.btMicPush);
-            timers().TimerTOrelease.setInterval(settings.InTORelease > 0 ? settings.InTORelease : 1);
+            timers().TimerTOrelease.setInterval(duckSettings.InTORelease > 0 ? duckSettings.InTORelease : 1);
             timers().TimerTOrelease.restart();
         }
         FormDraw("init");
@@ -33,7 +35,7 @@ void TimerTOreleaseTick() {
     guarded("frmMain.TimerTOrelease_Timer", [] {
         timers().TimerTOrelease.stop();
         if (TalkOverOn) {
-            Arm(frmMain().keys.btMicTO, settings.toColor);
+            Arm(frmMain().keys.btMicTO, markSettings.toColor);
             LampOfTalkOver(true, false);  // the fixed output has it on already
         }
         InputIsOff();

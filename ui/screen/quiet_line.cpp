@@ -13,7 +13,10 @@
 #include "platform/clock.h"
 #include "platform/controls.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/automix.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/live.h"
+#include "startup/settings/volumes.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/captions.h"
 #include "ui/screen/display_foot.h"
@@ -43,7 +46,7 @@ std::string duckedBy() {
 
 /// Something that goes down for others sounds, and is not on its way out.
 bool somethingIsDucked() {
-    if (settings.LiveAutoDuck == 1 && hLive != 0) {
+    if (liveSettings.LiveAutoDuck == 1 && hLive != 0) {
         return true;
     }
     for (const int i : LiveJingles()) {
@@ -56,7 +59,7 @@ bool somethingIsDucked() {
 
 /// Automix takes something away.
 bool somethingFades() {
-    if (settings.AutoMix != kAutomixCrossfade) {
+    if (automixSettings.AutoMix != kAutomixCrossfade) {
         return false;
     }
     for (const int i : LiveJingles()) {
@@ -75,7 +78,7 @@ std::string percent(const std::string& what, int value) { return what + " " + st
 std::string WhyQuiet() {
     std::string line;
     const auto add = [&](const std::string& cause) { line += (line.empty() ? "" : " · ") + cause; };
-    const bool mix = settings.DeviceSingle == 0;
+    const bool mix = deviceSettings.DeviceSingle == 0;
     if (mix && MicPushed) {
         add(Ln("mbtMicPush"));
     } else if (mix && BusLevel < 1) {
@@ -94,11 +97,11 @@ std::string WhyQuiet() {
     if (!remark.empty() && monotonicMs() - remarkedAt < kTold) {
         add(remark);
     }
-    if (settings.Volume < kFull) {
-        add(percent(Ln("mixLblVol"), settings.Volume));
+    if (volumeSettings.Volume < kFull) {
+        add(percent(Ln("mixLblVol"), volumeSettings.Volume));
     }
-    if (mix && Device[1] != 0 && settings.VolumeAux < kFull) {
-        add(percent(Ln("mVolumeAux"), settings.VolumeAux));
+    if (mix && Device[1] != 0 && volumeSettings.VolumeAux < kFull) {
+        add(percent(Ln("mVolumeAux"), volumeSettings.VolumeAux));
     }
     return line;
 }

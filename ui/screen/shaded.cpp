@@ -2,30 +2,31 @@
 
 #include "model/colours.h"
 #include "platform/controls.h"
-#include "startup/settings.h"
+#include "startup/settings/dark.h"
+#include "startup/settings/marks.h"
 
 namespace zv {
 
 ShadedColours Shaded;
 
 void ComputeShaded() {
-    const int offset = settings.ShadeOffsetVal;
+    const int offset = darkSettings.ShadeOffsetVal;
     const auto shade = [&](Colour colour) { return ShadeColor(colour, offset); };
-    Shaded.lp = shade(settings.lpColor);
-    Shaded.sq = shade(settings.sqColor);
-    Shaded.fx = shade(settings.fxColor);
-    Shaded.co = shade(settings.coColor);
-    Shaded.ar = shade(settings.arColor);
-    Shaded.tc = shade(settings.tcColor);
-    Shaded.ps = shade(settings.psColor);
-    Shaded.ns = shade(settings.nsColor);
-    Shaded.ta = shade(settings.taColor);
-    Shaded.am = shade(settings.amColor);
-    Shaded.am2 = shade(0xFFFFFF - settings.amColor);
-    Shaded.ass = shade(settings.assColor);
-    Shaded.sp = shade(settings.spColor);
-    Shaded.to = shade(settings.toColor);
-    Shaded.mo = shade(settings.moColor);
+    Shaded.lp = shade(markSettings.lpColor);
+    Shaded.sq = shade(markSettings.sqColor);
+    Shaded.fx = shade(markSettings.fxColor);
+    Shaded.co = shade(markSettings.coColor);
+    Shaded.ar = shade(markSettings.arColor);
+    Shaded.tc = shade(markSettings.tcColor);
+    Shaded.ps = shade(markSettings.psColor);
+    Shaded.ns = shade(markSettings.nsColor);
+    Shaded.ta = shade(markSettings.taColor);
+    Shaded.am = shade(markSettings.amColor);
+    Shaded.am2 = shade(0xFFFFFF - markSettings.amColor);
+    Shaded.ass = shade(markSettings.assColor);
+    Shaded.sp = shade(markSettings.spColor);
+    Shaded.to = shade(markSettings.toColor);
+    Shaded.mo = shade(markSettings.moColor);
 }
 
 }  // namespace zv

@@ -2,7 +2,10 @@
 
 #include "model/jingle.h"
 #include "startup/guard.h"
-#include "startup/settings.h"
+#include "startup/settings/bars.h"
+#include "startup/settings/display.h"
+#include "startup/settings/playing.h"
+#include "startup/settings/warning.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/screen/digits.h"
 
@@ -30,11 +33,11 @@ int WarnBlinkInterval(int blinkWarn) { return blinkWarn <= 0 ? 0 : kBlinkUnit / 
 
 void TimerWarnBlinkTick() {
     guarded("frmMain.TimerWarnBlink_Timer", [] {
-        if (settings.BlinkWarn == 0) {
-            SetDigitsColour(settings.RemainColor);
+        if (warningSettings.BlinkWarn == 0) {
+            SetDigitsColour(warningSettings.RemainColor);
             return;
         }
-        if (settings.BlinkTarget == 1 || settings.BlinkTarget == 2) {
+        if (warningSettings.BlinkTarget == 1 || warningSettings.BlinkTarget == 2) {
             for (const int i : LiveJingles()) {
                 JingleButton* b = Button(i);
                 if (b == nullptr) {
@@ -42,24 +45,24 @@ void TimerWarnBlinkTick() {
                 }
                 const JingleRecord& j = Jingle(i);
                 if (BlinkPhase) {
-                    if (settings.JRemLevPos != 0) {
-                        b->JRemLev.backColor = settings.JRemLevCol;
+                    if (barSettings.JRemLevPos != 0) {
+                        b->JRemLev.backColor = barSettings.JRemLevCol;
                         if (BlinkTestOn) {
                             b->JRemLev.visible = true;
                         }
                     }
-                } else if (settings.JRemLevTrBg == 1) {
-                    b->JRemLev.backColor = j.PlayingOtherPal ? settings.PlayingColorAnotherPal
-                                           : j.Playing       ? settings.PlayingColor
+                } else if (barSettings.JRemLevTrBg == 1) {
+                    b->JRemLev.backColor = j.PlayingOtherPal ? playingSettings.PlayingColorAnotherPal
+                                           : j.Playing       ? playingSettings.PlayingColor
                                                              : j.BackRGB;
                 } else {
                     b->JRemLev.backColor =
-                        j.PlayingOtherPal ? settings.JRemLevColBgPl : settings.JRemLevColBg;
+                        j.PlayingOtherPal ? barSettings.JRemLevColBgPl : barSettings.JRemLevColBg;
                 }
             }
         }
-        if (settings.BlinkTarget == 0 || settings.BlinkTarget == 2) {
-            SetDigitsColour(BlinkPhase ? settings.RemainColor : settings.DispBackCol);
+        if (warningSettings.BlinkTarget == 0 || warningSettings.BlinkTarget == 2) {
+            SetDigitsColour(BlinkPhase ? warningSettings.RemainColor : displaySettings.DispBackCol);
         }
         BlinkPhase = !BlinkPhase;
     });

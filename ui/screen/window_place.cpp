@@ -7,7 +7,7 @@
 #include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
-#include "startup/settings.h"
+#include "startup/settings/window.h"
 #include "ui/records/main_window.h"
 
 namespace zv {
@@ -26,7 +26,7 @@ Monitor screenFor(const Control& window, const std::vector<Monitor>& screens) {
             return m;
         }
     }
-    const auto wanted = static_cast<std::size_t>(settings.Monitor);
+    const auto wanted = static_cast<std::size_t>(windowSettings.Monitor);
     return screens[wanted < screens.size() ? wanted : 0];
 }
 
@@ -53,13 +53,13 @@ void LimitWindow(Control& window) {
 }
 
 void PlaceWindow(Control& window) {
-    window.width = settings.WinWidth;
-    window.height = settings.WinHeight;
-    window.left = settings.PosLeft;
-    window.top = settings.PosTop;
+    window.width = windowSettings.WinWidth;
+    window.height = windowSettings.WinHeight;
+    window.left = windowSettings.PosLeft;
+    window.top = windowSettings.PosTop;
     const std::vector<Monitor> screens = monitors();
-    if (settings.WinState == kMaximised && !screens.empty()) {
-        const auto wanted = static_cast<std::size_t>(settings.Monitor);
+    if (windowSettings.WinState == kMaximised && !screens.empty()) {
+        const auto wanted = static_cast<std::size_t>(windowSettings.Monitor);
         const Monitor& screen = screens[wanted < screens.size() ? wanted : 0];
         window.width = screen.width * kTwipsPerPixel;
         window.height = screen.height * kTwipsPerPixel;
@@ -73,7 +73,7 @@ void PlaceWindow(Control& window) {
 void TimerMainPosTick() {
     guarded("frmMain.TimerMainPos_Timer", [] {
         const Control& w = frmMain().window;
-        if (isMinimised(w) || settings.FullScreen == 1) {
+        if (isMinimised(w) || windowSettings.FullScreen == 1) {
             return;
         }
         const std::vector<Monitor> screens = monitors();
@@ -81,14 +81,14 @@ void TimerMainPosTick() {
             return w.width() >= m.width * kTwipsPerPixel &&
                    w.height() >= (m.height - kTitleBar) * kTwipsPerPixel;
         });
-        settings.WinState = fills ? kMaximised : 0;
+        windowSettings.WinState = fills ? kMaximised : 0;
         if (fills) {
             return;  // the size that it had before is kept
         }
-        settings.WinWidth = w.width;
-        settings.WinHeight = w.height;
-        settings.PosLeft = w.left;
-        settings.PosTop = w.top;
+        windowSettings.WinWidth = w.width;
+        windowSettings.WinHeight = w.height;
+        windowSettings.PosLeft = w.left;
+        windowSettings.PosTop = w.top;
     });
 }
 

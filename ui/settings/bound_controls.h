@@ -4,7 +4,7 @@
 ///     bound.bind(ckVolInLink, "VolInLink");
 ///     bound.bind(SlideFadeInSpeed, "FadeInSpeed", {.step = 10, .shown = &lblFadeInSpeedVal, .unit = " ms"});
 ///     bound.bind(cmbAutoDuckMode, "AutoDuckMode", {.changed = modeChanged});
-///     bound.greyUnless(SlideTOThresh, [] { return settings.InputEnabled == 1; });
+///     bound.greyUnless(SlideTOThresh, [] { return volumeSettings.InputEnabled == 1; });
 #pragma once
 
 #include <functional>

@@ -12,7 +12,8 @@
 #include "platform/desktop.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/volumes.h"
 #include "ui/screen/layout.h"
 #include "ui/screen/mic_keys.h"
 #include "ui/settings/mixer_controls.h"
@@ -28,7 +29,7 @@ constexpr std::array<const char*, 5> kRates{"11025 Hz", "22050 Hz", "44100 Hz", 
 constexpr std::size_t kRateDigits = 5;
 constexpr std::array<const char*, 4> kSystems{"Auto", "Server", "JACK", "ALSA"};  // as in the file
 
-bool byName() { return settings.SavDevBy == kByName; }
+bool byName() { return deviceSettings.SavDevBy == kByName; }
 
 int lastOf(const Control& list) { return static_cast<int>(list.items().size()) - 1; }
 
@@ -45,20 +46,20 @@ void tellRestart() {
 
 /// As the program began with.
 const std::string& systemAtStart() {
-    static const std::string system = settings.SoundSystem;
+    static const std::string system = deviceSettings.SoundSystem;
     return system;
 }
 
 void rememberOutputs() {
     MixerWindow& m = frmMixer();
     if (byName()) {
-        settings.DeviceName = m.cmbDev[0]->text();
-        settings.DeviceAuxName = Device[1] == 0 ? std::string() : m.cmbDev[1]->text();
+        deviceSettings.DeviceName = m.cmbDev[0]->text();
+        deviceSettings.DeviceAuxName = Device[1] == 0 ? std::string() : m.cmbDev[1]->text();
         return;
     }
     DeviceId = Device;
-    settings.Device = Device[0];
-    settings.DeviceAux = Device[1];
+    deviceSettings.Device = Device[0];
+    deviceSettings.DeviceAux = Device[1];
 }
 
 /// Two outputs never share a device: the list that was moved goes back.
@@ -76,8 +77,9 @@ bool refused(int output) {
 
 void ShowPending() {
     MixerWindow& m = frmMixer();
-    const bool pending = settings.DeviceSinglePending != settings.DeviceSingle ||
-                         settings.MixerFreq != MixerFreqAtStart || settings.SoundSystem != systemAtStart();
+    const bool pending = deviceSettings.DeviceSinglePending != deviceSettings.DeviceSingle ||
+                         deviceSettings.MixerFreq != MixerFreqAtStart ||
+                         deviceSettings.SoundSystem != systemAtStart();
     m.lblNote.caption = pending ? m.lblFreqChg.caption() : Ln("mixNote");
 }
 
@@ -93,19 +95,19 @@ void FillDeviceLists() {
     const InputLists inputs = CurrentInputs();
     m.cmbInDev.items = inputs.inputs;
     m.cmbInDev.listIndex = inputs.selected;
-    m.ckInputEnable.value = settings.InputEnabled;
-    m.ckDeviceSingle.value = settings.DeviceSinglePending;
+    m.ckInputEnable.value = volumeSettings.InputEnabled;
+    m.ckDeviceSingle.value = deviceSettings.DeviceSinglePending;
     systemAtStart();
     std::vector<std::string> systems{Ln("mixSystemAuto"), Ln("mixSystemServer")};
     systems.insert(systems.end(), kSystems.begin() + 2, kSystems.end());
     m.cmbSystem.items = systems;
     m.cmbSystem.listIndex = 0;
     for (std::size_t i = 0; i < kSystems.size(); ++i)
-        if (SameText(kSystems[i], settings.SoundSystem)) m.cmbSystem.listIndex = static_cast<int>(i);
+        if (SameText(kSystems[i], deviceSettings.SoundSystem)) m.cmbSystem.listIndex = static_cast<int>(i);
     m.cmbFreq.items = std::vector<std::string>(kRates.begin(), kRates.end());
     m.cmbFreq.listIndex = -1;
     for (std::size_t i = 0; i < kRates.size(); ++i) {
-        if (std::atoi(kRates[i]) == settings.MixerFreq) m.cmbFreq.listIndex = static_cast<int>(i);
+        if (std::atoi(kRates[i]) == deviceSettings.MixerFreq) m.cmbFreq.listIndex = static_cast<int>(i);
     }
     ShowPending();
 }
@@ -113,9 +115,9 @@ void FillDeviceLists() {
 void OutputChosen(int output) {
     MixerWindow& m = frmMixer();
     if (!m.form.isOpen()) return;
-    if (settings.DeviceSingle != 0) {
-        settings.Device = m.cmbDev[0]->listIndex() + 1;
-        settings.DeviceName = m.cmbDev[0]->text();
+    if (deviceSettings.DeviceSingle != 0) {
+        deviceSettings.Device = m.cmbDev[0]->listIndex() + 1;
+        deviceSettings.DeviceName = m.cmbDev[0]->text();
         tellRestart();
         return;
     }
@@ -130,13 +132,13 @@ void OutputChosen(int output) {
 void InputChosen() {
     MixerWindow& m = frmMixer();
     if (!m.form.isOpen()) return;
-    settings.DeviceIn = m.cmbInDev.listIndex();
-    settings.DeviceInName = m.cmbInDev.text();
+    deviceSettings.DeviceIn = m.cmbInDev.listIndex();
+    deviceSettings.DeviceInName = m.cmbInDev.text();
     CloseMic();
     OpenMic();
     // While its key is held the microphone goes on at its levels on the new input.
-    SetInputVolume(0, settings.VolumeInMain);
-    SetInputVolume(1, settings.VolumeInAux);
+    SetInputVolume(0, volumeSettings.VolumeInMain);
+    SetInputVolume(1, volumeSettings.VolumeInAux);
 }
 
 void InputSwitched() {
@@ -146,33 +148,33 @@ void InputSwitched() {
 
 void ShowInputControls() {
     MixerWindow& m = frmMixer();
-    const bool seen = settings.DeviceSingle == 0 && settings.InputEnabled == 1;
+    const bool seen = deviceSettings.DeviceSingle == 0 && volumeSettings.InputEnabled == 1;
     for (Control* c : {&m.cmbInDev, &m.VuIn, m.SlideVolIn[0], m.SlideVolIn[1], &m.ckVolInLink})
         c->visible = seen;
 }
 
 void RememberBy(int how) {
-    settings.SavDevBy = how == 0 ? kByNumber : kByName;
+    deviceSettings.SavDevBy = how == 0 ? kByNumber : kByName;
     rememberOutputs();
 }
 
 void TopologyChosen() {
-    settings.DeviceSinglePending = frmMixer().ckDeviceSingle.value;
+    deviceSettings.DeviceSinglePending = frmMixer().ckDeviceSingle.value;
     ShowPending();
-    if (settings.DeviceSinglePending != settings.DeviceSingle) tellRestart();
+    if (deviceSettings.DeviceSinglePending != deviceSettings.DeviceSingle) tellRestart();
 }
 
 void SystemChosen() {
     const auto at = static_cast<std::size_t>(std::max(0, frmMixer().cmbSystem.listIndex()));
-    settings.SoundSystem = kSystems[at];
+    deviceSettings.SoundSystem = kSystems[at];
     ShowPending();
-    if (settings.SoundSystem != systemAtStart()) tellRestart();
+    if (deviceSettings.SoundSystem != systemAtStart()) tellRestart();
 }
 
 void RateChosen() {
-    settings.MixerFreq = std::atoi(frmMixer().cmbFreq.text().substr(0, kRateDigits).c_str());
+    deviceSettings.MixerFreq = std::atoi(frmMixer().cmbFreq.text().substr(0, kRateDigits).c_str());
     ShowPending();
-    if (settings.MixerFreq != MixerFreqAtStart) tellRestart();
+    if (deviceSettings.MixerFreq != MixerFreqAtStart) tellRestart();
 }
 
 }  // namespace zv

@@ -11,7 +11,9 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/devices.h"
+#include "startup/settings/duck.h"
+#include "startup/settings/volumes.h"
 #include "ui/records/main_window.h"
 #include "ui/settings/mixer_controls.h"
 #include "ui/settings/mixer_devices.h"
@@ -38,14 +40,14 @@ std::string listOr(const char* key, const char* otherwise) {
 }
 
 void setVolume(int output, int percent) {
-    (output == 0 ? settings.Volume : settings.VolumeAux) = percent;
+    (output == 0 ? volumeSettings.Volume : volumeSettings.VolumeAux) = percent;
     SetOutputVolume(output, percent);
     frmMixer().lblVolDeviceVal[static_cast<std::size_t>(output)]->caption = std::to_string(percent) + " %";
 }
 
 void showInputLevels() {
     MixerWindow& m = frmMixer();
-    const int levels[] = {settings.VolumeInMain, settings.VolumeInAux};
+    const int levels[] = {volumeSettings.VolumeInMain, volumeSettings.VolumeInAux};
     for (std::size_t i = 0; i < 2; ++i) {
         m.SlideVolIn[i]->value = levels[i];
         m.lblVolInVal[i]->caption = std::to_string(levels[i]) + " %";
@@ -53,7 +55,7 @@ void showInputLevels() {
 }
 
 void setInputLevel(int output, int percent) {
-    const bool both = settings.VolInLink == 1;
+    const bool both = volumeSettings.VolInLink == 1;
     for (int i = 0; i < 2; ++i) {
         if (both || output == i) SetInputVolume(i, percent);
     }
@@ -66,31 +68,31 @@ void attnChanged() {
 }
 
 void linkChanged() {
-    if (settings.VolInLink == 1) SetInputVolume(1, settings.VolumeInMain);
+    if (volumeSettings.VolInLink == 1) SetInputVolume(1, volumeSettings.VolumeInMain);
     showInputLevels();
 }
 
 /// One slider stands for the threshold or for the time before the end, as the mode says.
 void showAdvance() {
     MixerWindow& m = frmMixer();
-    const bool level = settings.AutoDuckMode == kByLevel;
+    const bool level = duckSettings.AutoDuckMode == kByLevel;
     Control& slider = m.SlideFadeInAdvance;
     slider.minimum = 0;
     slider.maximum = level ? kFull : kLongestAdvance / kSliderStep;
-    slider.standard = level ? Settings{}.AutoDuckThreshold : Settings{}.FadeInAdvance / kSliderStep;
-    slider.value = level ? settings.AutoDuckThreshold : settings.FadeInAdvance / kSliderStep;
-    m.lblFadeInAdvanceVal.caption = level ? std::to_string(settings.AutoDuckThreshold) + " %"
-                                          : std::to_string(settings.FadeInAdvance) + " ms";
-    m.lblFadeInAdvance.caption = element(Ln("mixLblFadeInAdvance"), settings.AutoDuckMode);
-    slider.enabled = settings.AutoDuckMode <= 1;
+    slider.standard = level ? DuckSettings{}.AutoDuckThreshold : DuckSettings{}.FadeInAdvance / kSliderStep;
+    slider.value = level ? duckSettings.AutoDuckThreshold : duckSettings.FadeInAdvance / kSliderStep;
+    m.lblFadeInAdvanceVal.caption = level ? std::to_string(duckSettings.AutoDuckThreshold) + " %"
+                                          : std::to_string(duckSettings.FadeInAdvance) + " ms";
+    m.lblFadeInAdvance.caption = element(Ln("mixLblFadeInAdvance"), duckSettings.AutoDuckMode);
+    slider.enabled = duckSettings.AutoDuckMode <= 1;
 }
 
 void advanceChanged() {
     const int value = frmMixer().SlideFadeInAdvance.value;
-    if (settings.AutoDuckMode == kByLevel) {
-        settings.AutoDuckThreshold = value;
+    if (duckSettings.AutoDuckMode == kByLevel) {
+        duckSettings.AutoDuckThreshold = value;
     } else {
-        settings.FadeInAdvance = value * kSliderStep;
+        duckSettings.FadeInAdvance = value * kSliderStep;
     }
     showAdvance();
 }
@@ -104,7 +106,7 @@ void showLevels() {
 /// What is there in the topology of this run.
 void showTopology() {
     MixerWindow& m = frmMixer();
-    const bool mix = settings.DeviceSingle == 0;
+    const bool mix = deviceSettings.DeviceSingle == 0;
     for (Control* c : {m.cmbDev[1], m.SlideVolDevice[1], m.VuOut[1], m.VuOut[0], &m.ckInputEnable,
                        &m.lblTOThreshold, &m.SlideTOThresh, &m.lblTORelease, &m.SlideTORelease}) {
         c->visible = mix;
@@ -170,8 +172,8 @@ void OpenMixer() {
         MixerWindow& m = frmMixer();
         if (!m.Timer1.handler) wire(m);
         FillDeviceLists();
-        m.SlideVolDevice[0]->value = settings.Volume;
-        m.SlideVolDevice[1]->value = settings.VolumeAux;
+        m.SlideVolDevice[0]->value = volumeSettings.Volume;
+        m.SlideVolDevice[1]->value = volumeSettings.VolumeAux;
         for (int i = 0; i < 2; ++i) {
             const auto at = static_cast<std::size_t>(i);
             m.lblVolDeviceVal[at]->caption = std::to_string(m.SlideVolDevice[at]->value()) + " %";

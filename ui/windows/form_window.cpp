@@ -9,7 +9,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/window.h"
 #include "ui/records/main_window.h"
 #include "ui/windows/form_place.h"
 
@@ -150,7 +150,7 @@ void FormWindow::open(Control* focus) {
         HoldOnScreen(window);
     }
     showWindow(window);
-    setAlwaysOnTop(window, settings.AlwaysOnTop == 1);
+    setAlwaysOnTop(window, windowSettings.AlwaysOnTop == 1);
     if (focus == nullptr) {
         const auto cells = cellsOf(*window.form);
         const auto first = std::ranges::find_if(

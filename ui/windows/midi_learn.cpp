@@ -7,7 +7,7 @@
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/midi.h"
 #include "ui/records/main_window.h"
 #include "ui/windows/midi_button_window.h"
 #include "ui/windows/midi_small_windows.h"
@@ -55,7 +55,9 @@ void fill(LearnWindow window) {
 
 }  // namespace
 
-bool MidiLearnOffered() { return MIDIInOpen && !settings.MIDIDevice.empty() && settings.MIDIEnabled == 1; }
+bool MidiLearnOffered() {
+    return MIDIInOpen && !midiSettings.MIDIDevice.empty() && midiSettings.MIDIEnabled == 1;
+}
 
 void clMIDI(const std::string& ctrl, int index) {
     guarded("modMidiFunctions.clMIDI", [&] {

@@ -7,7 +7,7 @@
 #include "midi/state.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/midi.h"
 #include "ui/windows/midi_learn.h"
 
 namespace zv {
@@ -124,9 +124,9 @@ void ShowMidiLists() {
     for (std::size_t i = 0; i < w.lblMIDIOutFixed.size(); ++i) {
         w.lblMIDIOutFixed[i]->caption = part("slblMIDIOutFixed", static_cast<int>(i));
     }
-    const bool in = settings.MIDIEnabled == 1, out = settings.MIDIOutFixedEnabled == 1;
+    const bool in = midiSettings.MIDIEnabled == 1, out = midiSettings.MIDIOutFixedEnabled == 1;
     w.ckMIDIEnable[0]->value = in ? 1 : 0;
-    w.ckMIDIEnable[1]->value = settings.MIDIAutoHide == 1 ? 1 : 0;
+    w.ckMIDIEnable[1]->value = midiSettings.MIDIAutoHide == 1 ? 1 : 0;
     w.ckMIDIEnable[2]->value = out ? 1 : 0;
     show(w.cmbInDevsGUI, cmbInDevsGUI);
     show(w.cmbMIDIOutFixedDevsGUI, cmbMIDIOutFixedDevsGUI);
@@ -136,8 +136,8 @@ void ShowMidiLists() {
         channels.push_back(std::to_string(i));
     }
     w.cmbMIDIOutFixedChan.items = channels;
-    w.cmbMIDIOutFixedChan.listIndex = settings.MIDIOutFixedChan - 1;
-    w.txtMIDIOutVel.value = settings.MIDIOutFixedVel;
+    w.cmbMIDIOutFixedChan.listIndex = midiSettings.MIDIOutFixedChan - 1;
+    w.txtMIDIOutVel.value = midiSettings.MIDIOutFixedVel;
     for (Control* c : {&w.cmbInDevsGUI, &w.lblMIDIpresets, &w.cmbMIDIpresets, w.ckMIDIEnable[1]}) {
         c->enabled = in;
     }

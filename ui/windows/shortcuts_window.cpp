@@ -12,7 +12,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings.h"
+#include "startup/settings/dark.h"
 #include "ui/records/key_table.h"
 
 namespace zv {
@@ -43,7 +43,7 @@ void showChip(Control& chip, const std::string& text, bool seen) {
     chip.visible = seen;
     chip.caption = there ? text : std::string();
     chip.alignment = 2;
-    chip.backColor = !there ? kNoColour : settings.DarkMode == 1 ? kDarkChip : kLightChip;
+    chip.backColor = !there ? kNoColour : darkSettings.DarkMode == 1 ? kDarkChip : kLightChip;
 }
 
 void fill() {

@@ -5,7 +5,7 @@
 
 #include "platform/controls.h"
 #include "platform/desktop.h"
-#include "startup/settings.h"
+#include "startup/settings/window.h"
 #include "startup/trace.h"
 
 namespace zv {
@@ -57,7 +57,7 @@ void ShowSplash() {
     Control& w = frmSplash().window;
     const std::vector<Monitor> all = monitors();
     if (!all.empty()) {
-        const auto index = static_cast<std::size_t>(settings.Monitor);
+        const auto index = static_cast<std::size_t>(windowSettings.Monitor);
         const Monitor& m = all[index < all.size() ? index : 0];
         w.left = m.left * kTwipsPerPixel + (m.width * kTwipsPerPixel - w.width()) / 2;
         w.top = m.top * kTwipsPerPixel + (m.height * kTwipsPerPixel - w.height()) / 2;

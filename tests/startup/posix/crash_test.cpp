@@ -5,6 +5,8 @@
 
 #include <chrono>
 
+#include "startup/settings.h"
+#include "startup/settings/grid.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {
@@ -81,7 +83,7 @@ TEST_F(Crash, FullDisk) {
     EXPECT_EQ(PaletteStore.GetValue("Path_0", 0, "Morning"), "Generation 1.wav");
     EXPECT_FALSE(there("palette_backup1.ini"));
     EXPECT_EQ(read("zv.ini"), "[Settings]\r\nRemainWarn=3\r\n");
-    EXPECT_EQ(settings.JinglesRows, 6);  // the defaults hold although they could not be written
+    EXPECT_EQ(gridSettings.JinglesRows, 6);  // the defaults hold although they could not be written
     for (const auto& entry : fs::directory_iterator(folder)) EXPECT_NE(entry.path().extension(), ".zvtmp");
     EXPECT_TRUE(PaletteStore.PutSection("Morning", palette(2)));
 }
