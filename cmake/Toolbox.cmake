@@ -67,9 +67,12 @@ function(zv_room name kind)
   zv_precompiled(${name})
 endfunction()
 
-# zv_test(NAME DEPENDS target...): one executable of all test sources of tests/NAME, known to ctest.
+# zv_test(NAME [OPTIMIZED] [SLOW] [SHARDS count] [COST seconds] [EXCEPT filter] DEPENDS target...): one executable of all
+# test sources of tests/NAME, known to ctest. OPTIMIZED: what the test itself computes takes longer than its compilation.
+# SLOW: tests with Slow in their names are an entry of their own, NAME_slow, which "./test fast" leaves out.
+# SHARDS: so many entries of about equal length. COST: ctest starts the longest first. EXCEPT: tests another entry runs.
 function(zv_test name)
-  cmake_parse_arguments(TEST "" "" "DEPENDS" ${ARGN})
+  cmake_parse_arguments(TEST "OPTIMIZED;SLOW" "SHARDS;COST;EXCEPT" "DEPENDS" ${ARGN})
   file(GLOB_RECURSE test_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.h)
   if(NOT test_sources)
     return()
@@ -77,12 +80,36 @@ function(zv_test name)
   add_executable(test_${name} ${test_sources} ${PROJECT_SOURCE_DIR}/tests/support/places.cpp)
   target_link_libraries(test_${name} PRIVATE zv_options ${TEST_DEPENDS} GTest::gmock GTest::gtest_main)
   zv_precompiled(test_${name} <fstream> <map> <random> <gtest/gtest.h>)
-  if(NOT ZENTROVA_SANITIZE)  # tests are compiled more often than they run
-    target_compile_options(test_${name} PRIVATE $<$<CONFIG:Debug>:-O0>)
-  elseif(ZENTROVA_SANITIZE STREQUAL "thread")  # g++ 12 sees overruns where texts are joined and there are none
-    target_compile_options(test_${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds>
-      $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict> $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow>)
+  if(ZENTROVA_SANITIZE)  # all of it in one entry
+    add_test(NAME ${name} COMMAND test_${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 600)
+    if(ZENTROVA_SANITIZE STREQUAL "thread")  # g++ 12 sees overruns where texts are joined and there are none
+      target_compile_options(test_${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds>
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict> $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow>)
+    endif()
+    return()
   endif()
-  add_test(NAME ${name} COMMAND test_${name})
-  set_tests_properties(${name} PROPERTIES TIMEOUT 600)
+  if(NOT TEST_OPTIMIZED)  # tests are compiled more often than they run
+    target_compile_options(test_${name} PRIVATE $<$<CONFIG:Debug>:-O0>)
+  endif()
+  set(entries ${name})
+  if(TEST_SHARDS)
+    set(entries "")
+    math(EXPR last "${TEST_SHARDS} - 1")
+    foreach(shard RANGE ${last})
+      list(APPEND entries ${name}_${shard})
+    endforeach()
+  endif()
+  foreach(entry ${entries})
+    add_test(NAME ${entry} COMMAND test_${name} --gtest_filter=-*Slow*:${TEST_EXCEPT})
+    set_tests_properties(${entry} PROPERTIES TIMEOUT 600 COST "${TEST_COST}")
+    if(TEST_SHARDS)
+      string(REGEX REPLACE ".*_" "" shard ${entry})
+      set_tests_properties(${entry} PROPERTIES ENVIRONMENT "GTEST_TOTAL_SHARDS=${TEST_SHARDS};GTEST_SHARD_INDEX=${shard}")
+    endif()
+  endforeach()
+  if(TEST_SLOW)
+    add_test(NAME ${name}_slow COMMAND test_${name} --gtest_filter=*Slow*)
+    set_tests_properties(${name}_slow PROPERTIES TIMEOUT 600 LABELS slow)
+  endif()
 endfunction()

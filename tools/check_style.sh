@@ -7,8 +7,13 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 if [ "${1:-format}" = format ]; then
-    git ls-files -z --cached --others --exclude-standard '*.cpp' '*.h' | xargs -0 ls -d 2>/dev/null |
-        xargs -d '\n' -P 2 -n 100 clang-format --dry-run -Werror || { echo "error: run clang-format -i on these files" >&2; exit 1; }
+    # What was as it should be at the last run and has not been touched since still is.
+    mkdir -p build && touch build/formatting
+    [ build/formatted -nt .clang-format ] || rm -f build/formatted
+    git ls-files --cached --others --exclude-standard '*.cpp' '*.h' |
+        while read -r file; do [ ! "$file" -nt build/formatted ] || echo "$file"; done |
+        xargs -d '\n' -r -P 2 -n 100 clang-format --dry-run -Werror || { echo "error: run clang-format -i on these files" >&2; exit 1; }
+    mv build/formatting build/formatted
     exit 0
 fi
 

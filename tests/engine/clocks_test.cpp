@@ -139,10 +139,10 @@ TEST_P(Drift, TheAuxiliaryFollowsWithoutGapOrLag) {
                 worstPitch * 100);
 }
 
-INSTANTIATE_TEST_SUITE_P(Clocks, Drift,
-                         testing::Values(std::pair{200.0, 0.0}, std::pair{-200.0, 0.0}, std::pair{100.0, 0.0},
-                                         std::pair{-100.0, 0.0}, std::pair{100.0, -100.0},
-                                         std::pair{0.0, 0.0}));
+INSTANTIATE_TEST_SUITE_P(Clocks, Drift, testing::Values(std::pair{200.0, 0.0}, std::pair{100.0, -100.0}));
+INSTANTIATE_TEST_SUITE_P(SlowClocks, Drift,
+                         testing::Values(std::pair{-200.0, 0.0}, std::pair{100.0, 0.0},
+                                         std::pair{-100.0, 0.0}, std::pair{0.0, 0.0}));
 
 TEST_F(Clocks, TheOutputThatFollowedGoesOnWithoutACorner) {
     playTone(150, -50);

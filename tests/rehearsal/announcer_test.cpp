@@ -70,34 +70,39 @@ TEST_F(Announcer, MarksTakeTheRestDown) {
     EXPECT_NEAR(peak(heard, framesOf(5620), framesOf(5790)), 0.5, 0.01);
 }
 
-TEST_F(Announcer, OncePerHourOverMidnightAndClocksThatAreSet) {
-    std::string script = "at 0 time 2026-02-28 22:30:00\nat 500 click ckTmAnn\n";
+TEST_F(Announcer, SlowOncePerHourOverMidnight) {
+    std::string script = "at 0 time 2026-02-28 22:59:00\nat 500 click ckTmAnn\n";
     for (int hour = 0; hour < 3; ++hour) {
-        const int moment = (hour * 3600 + 1795) * 1000;
+        const int moment = (hour * 3600 + 55) * 1000;
         const auto expects = [&](int ms, const std::string& compare) {
             script +=
                 "at " + std::to_string(moment + ms) + " expect ckTmAnn.backColor " + compare + " 12648384\n";
         };
         expects(-100, "!="), expects(200, "="), expects(2900, "="), expects(3200, "!=");
     }
-    perform(script + "at 9000000 end\n", "--no-sound");
+    perform(script + "at 7260000 end\n", "--no-sound");
+}
+
+TEST_F(Announcer, OncePerHourOverClocksThatAreSet) {
     perform(
         "at 0 time 10:59:50\n"
         "at 100 click ckTmAnn\n"
         "at 10000 time 09:59:50\n"  // an hour back: once more
         "at 20300 time 10:59:54\n"  // on: its own
         "at 30000 time 11:30:00\n"
-        "at 31000 time 13:00:00\n"  // over a moment: once less
-        "at 40000 end\n");
+        "at 31000 time 13:00:00\n"             // over a moment: once less
+        "at 32000 time 2026-02-28 23:59:50\n"  // the day ends with it
+        "at 42000 end\n");
     const Sound heard = show.heard();
     std::vector<double> starts;
     for (std::size_t at = firstSound(heard, 0, 0.01F); at < heard.frames();
          at = firstSound(heard, at + framesOf(3100), 0.01F))
         starts.push_back(msOf(at));
-    ASSERT_EQ(starts.size(), 3U);
+    ASSERT_EQ(starts.size(), 4U);
     EXPECT_NEAR(starts[0], 5000, kPeriodMs);
     EXPECT_NEAR(starts[1], 15000, kPeriodMs);
     EXPECT_NEAR(starts[2], 21300, kPeriodMs);
+    EXPECT_NEAR(starts[3], 37000, kPeriodMs);
 }
 
 TEST_F(Announcer, RefusesAFileThatIsNotThereAndIsStoppedByStop) {
