@@ -199,8 +199,12 @@ std::vector<cImpulse::Line> LinesOfRecords(bool hot) {
 
 void DeletePalette(const std::string& name) {
     guarded("modMain.DeletePalette", [&] {
-        KeepSection(HistoryReason::deleted, name, storedSection(PaletteStore, PalFile, name.c_str()));
-        PaletteStore.DeleteSection(name);
+        // Several sections of that name are one palette: none of them comes to light when the first is gone.
+        for (std::size_t before = 0; PaletteStore.Bytes().size() != before;) {
+            before = PaletteStore.Bytes().size();
+            KeepSection(HistoryReason::deleted, name, storedSection(PaletteStore, PalFile, name.c_str()));
+            PaletteStore.DeleteSection(name);
+        }
     });
 }
 

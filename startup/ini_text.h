@@ -44,7 +44,7 @@ class IniText {
     /// empty. A name that could not be found again (empty, or that would read as something else) changes
     /// nothing.
     bool put(std::string_view section, std::string_view key, std::string_view value);
-    /// Takes out all sections of that name.
+    /// Takes out the first section of that name.
     bool eraseSection(std::string_view section);
     /// The section holds exactly `lines` afterwards, but for those with an empty value. A second section of that
     /// name, which nothing reads, is left alone; with no line to hold all of them go.

@@ -6,9 +6,11 @@
 #include "startup/settings/search.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/jingle_menu.h"
+#include "ui/edit/move.h"
 #include "ui/edit/playlists.h"
 #include "ui/edit/search.h"
 #include "ui/edit/undo.h"
+#include "ui/press/press.h"
 #include "ui/screen/button_faces.h"
 #include "ui/windows/playlist_windows.h"
 #include "ui/windows/search_window.h"
@@ -172,6 +174,41 @@ TEST_F(PlaylistTest, IsEditedUntilItIsEmpty) {
     EXPECT_TRUE(AllPlaylists().empty());
     EXPECT_EQ(marks(), "--------");
     EXPECT_EQ(rec(kShow).Kind, SlotKind::stream);
+}
+
+TEST_F(PlaylistTest, AJingleThatDoesNotJoinGivesItsButtonToTheNewPlaylist) {
+    clPlaylist(kShow);
+    s_.btNew.onClick();
+    EXPECT_TRUE(w_.lstPlaylist.items().empty());
+    w_.txtPL.caption = "Night show";
+    w_.btOK.onClick();
+    EXPECT_EQ(rec(kShow).Kind, SlotKind::stream) << "a playlist of nothing takes no button";
+    for (const bool sounds : {true, false}) {
+        clPlaylist(kShow);
+        s_.btNew.onClick();
+        w_.txtPL.caption = "Night show";
+        find("news", 0);
+        if (sounds) press(kShow);
+        w_.btOK.onClick();
+        EXPECT_EQ(rec(kShow).Kind, sounds ? SlotKind::stream : SlotKind::playlist);
+        evStop();
+        pass(300);
+    }
+    EXPECT_EQ(button(kShow).caption(), "Night show");
+    // It cannot be carried away, and what was carried before is not put down in its place.
+    clMove(kNews, "copy");
+    MoveSrcJ = -1;
+    clMove(kShow, "cut");
+    EXPECT_EQ(MoveSrcJ, -1);
+    Undo();
+    EXPECT_EQ(rec(kShow).Path, "Audio_Sample\\Show.wav");
+    // The key that deletes leaves a jingle that a playlist holds.
+    LastCtrl = "b_Jingle";
+    LastPlayedJ = kNews;
+    const std::size_t asked = desktop().boxes.size();
+    DeleteObj();
+    EXPECT_EQ(desktop().boxes.size(), asked);
+    EXPECT_EQ(frmMain().display.lblDispMessage.caption(), "A playlist holds this jingle");
 }
 
 TEST_F(PlaylistTest, BindingAndEmptyingAreTakenBack) {

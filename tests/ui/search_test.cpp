@@ -173,6 +173,10 @@ TEST_F(SearchTest, ClosesByTimeUnlessSomebodyTypes) {
     EXPECT_TRUE(SearchOpen) << "the time began anew";
     pass(600);
     EXPECT_FALSE(SearchOpen);
+    JingSearch();
+    type("nothing has this name");
+    pass(1100);
+    EXPECT_FALSE(SearchOpen) << "also without a hit";
 }
 
 TEST_F(SearchTest, TheKeysOfItsKeyboardType) {

@@ -2,12 +2,15 @@
 
 #include <array>
 
+#include "startup/language.h"
 #include "startup/settings/folders.h"
 #include "startup/settings/palette.h"
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"
+#include "ui/edit/fill.h"
 #include "ui/edit/jingle_editor.h"
+#include "ui/edit/level_many.h"
 #include "ui/edit/undo.h"
 #include "ui/windows/jingle_window.h"
 
@@ -22,6 +25,11 @@ class UndoTest : public KeepingTest {
     UndoTest() {
         ForgetUndo();
         folderSettings.ImportFiles = 0;
+        for (const std::string name : {"A0", "A1", "B2"})  // long enough to have a loudness
+            writeWav(path("Audio_Sample/" + name + ".wav"), sine(22'050, 440, 0.1));
+        for (const std::string name : {"one", "two", "three"})
+            writeWav(path("more/" + name + ".wav"), sine(2000, 440));
+        pick("A");
     }
 
     int any(int most) { return std::uniform_int_distribution<int>(0, most)(chance); }
@@ -68,6 +76,18 @@ class UndoTest : public KeepingTest {
             {"sequence",
              [&] {
                  if (rec(index).hPlay != 0) clSeqSet(index);
+             }},
+            {"loudness",
+             [&] {
+                 BringToLoudness({0, 1, 2, 3, 96});
+                 pass(1500);
+             }},
+            {"fill",
+             [&] {
+                 if (rec(20).Path.empty()) {
+                     desktop().answers = {BoxAnswer::yes}, FillPalette({path("more").string()});
+                     pass(300);
+                 }
              }},
             {"colour",
              [&] {
@@ -129,6 +149,7 @@ class UndoTest : public KeepingTest {
 };
 
 TEST_F(UndoTest, thirtyEditsAndAsManyUndosLeaveNoTrace) {
+    std::string undone;
     for (unsigned sequence = 0; sequence < 6; ++sequence) {
         chance.seed(sequence);
         trace = "sequence " + std::to_string(sequence) + ": ";
@@ -164,6 +185,13 @@ TEST_F(UndoTest, thirtyEditsAndAsManyUndosLeaveNoTrace) {
             ASSERT_EQ(edited(), behind) << trace;
         }
         MoveSrcJ = -1;
+        undone += said;
+    }
+    for (const char* kind : {"unAssign", "unMove", "unCopy", "unClear", "unDelete", "unPlayMode", "unLoop",
+                             "unSeq", "unColour", "unRename", "unEditor", "unLoudness", "unFill"}) {
+        const std::string text = Ln(kind);
+        EXPECT_NE(undone.find(text.substr(0, text.find("%1"))), std::string::npos)
+            << kind << " was not among them";
     }
 }
 

@@ -22,11 +22,12 @@
 
 namespace zv {
 
-namespace {
-
-bool supported(const std::string& path) { return IsSoundExtension(GetFileExt(GetFileName(path))); }
-
-}  // namespace
+std::string WhyNotAssigned(const std::string& path) {
+    if (path.find_first_of("\r\n") != std::string::npos) {
+        return "mRefLineEnd";
+    }
+    return IsSoundExtension(GetFileExt(GetFileName(path))) ? std::string() : "mRefNoSound";
+}
 
 void PutFile(int index, const std::string& path, const std::string& effects) {
     JingleRecord& j = Jingle(index);
@@ -68,8 +69,8 @@ void clAssign(int index) {
         if (path.empty()) {
             return;
         }
-        if (!supported(path)) {
-            ShowDisplayMessage(Ln("mRefNoSound"));
+        if (const std::string why = WhyNotAssigned(path); !why.empty()) {
+            ShowDisplayMessage(Ln(why));
             return;
         }
         const DisplayControls& d = w.display;
@@ -88,8 +89,8 @@ void b_Jingle_OLEDragDrop(int index, const std::string& path) {
             return;
         }
         const bool idle = Jingle(index).State == PlayState::idle;
-        if (!idle || !supported(path)) {
-            ShowDisplayMessage(Ln(idle ? "mRefNoSound" : "mRefPlaying"));
+        if (const std::string why = idle ? WhyNotAssigned(path) : "mRefPlaying"; !why.empty()) {
+            ShowDisplayMessage(Ln(why));
             return;
         }
         folderSettings.LastcmDlgDir = GetPath(path);

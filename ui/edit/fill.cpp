@@ -31,7 +31,7 @@ Job looking;
 std::vector<std::string> soundFiles(const std::vector<std::string>& paths, JobWork& work) {
     std::vector<std::string> files;
     const auto take = [&](const std::string& path) {
-        if (IsSoundExtension(GetFileExt(GetFileName(path))) && files.size() < kMostFiles) {
+        if (WhyNotAssigned(path).empty() && files.size() < kMostFiles) {
             files.push_back(path);
         }
     };

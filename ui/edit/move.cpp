@@ -29,7 +29,12 @@ namespace {
 
 void cutOrCopy(int index, const std::string& mode) {
     const JingleRecord& j = Jingle(index);
+    // A button that plays a playlist is not carried: what is written there is no file.
+    if (j.Path.find('.') == std::string::npos) {
+        return;
+    }
     if (j.Kind == SlotKind::nothing) {
+        SayWhyBroken(index);
         return;
     }
     if (Plays(index)) {
@@ -42,9 +47,6 @@ void cutOrCopy(int index, const std::string& mode) {
     MoveSrcJ = index;
     MoveMode = mode;
     MoveSourcePalette = HeldPalette();
-    if (j.Path.find('.') == std::string::npos) {
-        return;
-    }
     MoveBuffer.fields = j;
     MoveBuffer.fxMark = b != nullptr && b->fx_Jingle.visible;
     ClipPath = j.Path;

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "audio/sounding.h"
 #include "audio/streams.h"
 #include "model/colours.h"
 #include "model/jingle.h"
@@ -27,6 +28,7 @@
 #include "ui/records/main_window.h"
 #include "ui/screen/button_faces.h"
 #include "ui/screen/captions.h"
+#include "ui/screen/display_message.h"
 #include "ui/windows/playlist_windows.h"
 
 namespace zv {
@@ -155,7 +157,6 @@ void lstPL_Click() {
 void btNew_Click() {
     frmPlaylistSelector().form.close();
     openEditor({}, titleNow());
-    joinJingle();
 }
 
 void forgetButton() {
@@ -183,6 +184,10 @@ void blinkTick() {
 }
 
 void bind(int index, const Playlist& playlist) {
+    if (Sounds(index)) {
+        ShowDisplayMessage(Ln("mRefPlaying"));
+        return;
+    }
     const UndoStep step("unPlaylist");
     const std::string colour = Jingle(index).BTNCol;
     BindSlot(index, playlist.section, colour);
@@ -218,7 +223,11 @@ void btOK_Click() {
     const SlotKind kind = lblJIDplaylist;
     forgetButton();
     for (const int i : LiveJingles()) PLicon(i);
-    if (index == kNone || kind == SlotKind::stream) return;
+    if (index == kNone) return;
+    // A jingle that joined stays a jingle: the playlist holds it by its button.
+    const bool joined = kind == SlotKind::stream &&
+                        std::ranges::find(playlist.items, itemOfButton(index)) != playlist.items.end();
+    if (joined) return;
     if (!playlist.items.empty())
         bind(index, playlist);
     else if (kind == SlotKind::playlist)

@@ -242,10 +242,11 @@ void SearchJing() {
     guarded("frmSearchJing.SearchJing", [] {
         SearchWindow& s = search();
         emptyHits();
+        ListAllJing();  // another program may have written the file meanwhile
         s.lstPalRes.items = PalettesWith(s.txtJSearch.caption());
         s.lstPalRes.listIndex = s.lstPalRes.items().empty() ? -1 : 0;
-        if (s.lstPalRes.items().empty()) return;
-        if (listsHits()) listHits();
+        if (s.txtJSearch.caption().empty()) return;
+        if (listsHits() && s.lstPalRes.listIndex >= 0) listHits();
         startClosing();
     });
 }

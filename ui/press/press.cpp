@@ -177,9 +177,8 @@ void sayWhyNot(int index) {
         ShowDisplayMessage(Ln("mRefSequence"));
     } else if (!noModifier && HasPlaylistMark(index, 'K')) {
         ShowDisplayMessage(Ln("mRefLocked"));
-    } else if (j.MissingFile || j.Unplayable) {
-        const std::string why = j.Unplayable ? BassErrMessage(j.BassErr) : Ln("errMissFile");
-        ShowDisplayMessage(btCaption(j.Path) + ": " + why);
+    } else {
+        SayWhyBroken(index);
     }
 }
 
@@ -360,7 +359,9 @@ void btStop_MouseUp(const MouseEvent& event) {
 void DeleteObj() {
     guarded("frmMain.DeleteObj", [] {
         if (LastCtrl.find("b_Jingle") != std::string::npos) {
-            if (LastPlayedJ >= 0) {
+            if (LastPlayedJ >= 0 && HasPlaylistMark(LastPlayedJ, 'K')) {
+                ShowDisplayMessage(Ln("mRefLocked"));
+            } else if (LastPlayedJ >= 0) {
                 DelJing(LastPlayedJ, false);
             }
         } else if (ActiveTab == static_cast<int>(MainTab::palettes)) {

@@ -1,9 +1,13 @@
 #include "ui/screen/display_message.h"
 
+#include "model/jingle.h"
 #include "platform/controls.h"
+#include "startup/errors.h"
 #include "startup/guard.h"
+#include "startup/language.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
+#include "ui/screen/captions.h"
 
 namespace zv {
 
@@ -35,6 +39,14 @@ void ShowDisplayMessage(const std::string& text) {
         });
     };
     timerMessage().restart();
+}
+
+void SayWhyBroken(int index) {
+    const JingleRecord& j = Jingle(index);
+    if (j.MissingFile || j.Unplayable) {
+        ShowDisplayMessage(btCaption(j.Path) + ": " +
+                           (j.Unplayable ? BassErrMessage(j.BassErr) : Ln("errMissFile")));
+    }
 }
 
 bool DisplayMessageShown() { return timerMessage().enabled(); }

@@ -11,8 +11,8 @@ struct ShortcutsWindow {
     ShortcutsWindow();
 
     FormWindow form{"frmShortcuts", "scShortcuts"};
-    Control& btHelp = form.control("scbtHelp", ControlKind::button, "scbtHelp");
-    Control& btOK = form.control("scbtOK", ControlKind::button, "scbtOK");
+    Control& btHelp = form.control("btHelp", ControlKind::button, "scbtHelp");
+    Control& btOK = form.control("btOK", ControlKind::button, "scbtOK");
     /// A row each, same index; hidden while what the row tells of is not there.
     std::vector<Control*> lblKey, lblKeyBis, lblSCDesc;
 };

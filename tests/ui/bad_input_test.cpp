@@ -1,0 +1,390 @@
+// What a studio does to files behind the program's back: media pulled out, folders that cannot be written, odd names,
+// other programs that write the same files.
+#include <unistd.h>
+
+#include "model/playlists.h"
+#include "startup/settings/folders.h"
+#include "startup/settings/palette.h"
+#include "startup/settings/search.h"
+#include "tests/ui/keeping_fixture.h"
+#include "ui/edit/assign.h"
+#include "ui/edit/fill.h"
+#include "ui/edit/search.h"
+#include "ui/edit/search_index.h"
+#include "ui/edit/undo.h"
+#include "ui/windows/search_window.h"
+
+namespace zv::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kFree = 5;
+constexpr unsigned kNobody = 65534;
+
+/// Nothing can be written below a folder, also not by root.
+class ReadOnly {
+  public:
+    explicit ReadOnly(fs::path folder) : folder_(std::move(folder)) {
+        set(fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+            fs::perm_options::remove);
+        set(fs::perms::group_read | fs::perms::group_exec | fs::perms::others_read | fs::perms::others_exec,
+            fs::perm_options::add);
+        if (geteuid() == 0) root_ = seteuid(kNobody) == 0;
+    }
+    ~ReadOnly() {
+        if (root_ && seteuid(0) != 0) std::abort();
+        set(fs::perms::owner_write, fs::perm_options::add);
+    }
+
+  private:
+    void set(fs::perms perms, fs::perm_options how) {
+        fs::permissions(folder_, perms, how);
+        for (const auto& one : fs::recursive_directory_iterator(folder_))
+            fs::permissions(one.path(), perms, how);
+    }
+    fs::path folder_;
+    bool root_ = false;
+};
+
+class BadInput;
+struct Row {
+    const char* what;
+    std::string (*act)(BadInput&);
+    const char* left;  ///< what act() returns
+};
+
+class BadInput : public KeepingTest, public ::testing::WithParamInterface<Row> {
+  public:
+    BadInput() {
+        ForgetUndo();
+        folderSettings.ImportFiles = 0;
+        paletteSettings.AutoSave = 0;
+        writeWav(path("stick/Live.wav"), sine(22'050, 440));
+        fs::permissions(path(""), fs::perms::all);
+    }
+    ~BadInput() override {
+        CloseSearchBox();
+        StopSearchBlinking();
+    }
+
+    std::string stick(const std::string& name = "Live.wav") { return path("stick/" + name).string(); }
+    void pullOut() { fs::remove_all(path("stick")); }
+    void edit(int volume) {
+        rec(0).Volm = volume;
+        MarkPalToSave();
+    }
+    /// Whether slot 5 stands in the file with the path that it was dropped with.
+    std::string stored(const std::string& file) {
+        const std::string path = value("A", "Path_5");
+        return path == GetRelPath(file) ? "its own path" : path;
+    }
+    std::string volume() { return value("A", "Volm_0"); }
+    std::string slots() {
+        std::string all;
+        for (int i = 0; i < 8; ++i)
+            all += rec(i).Path.empty() ? '.' : rec(i).MissingFile ? '!' : rec(i).hPlay != 0 ? 'o' : '?';
+        return all;
+    }
+    static std::string said() {
+        const DisplayControls& d = frmMain().display;
+        return d.lblDispMessage.visible() ? d.lblDispMessage.caption() : "nothing";
+    }
+    /// Another program's write: `from` becomes `to` in the palettes' file.
+    void theyWrite(const std::string& from, const std::string& to) {
+        std::string text = read("palette.ini");
+        const std::size_t at = text.find(from);
+        text.replace(at, at == std::string::npos ? 0 : from.size(), to);
+        write("palette.ini", text);
+    }
+    /// A file of that name through all that an edit may do with it: "ok", or the first step that lost it.
+    std::string travel(const std::string& name) {
+        writeWav(path("stick/" + name), sine(2000, 440));
+        const auto holds = [&](int slot) {
+            return GetRelPath(rec(slot).Path) == GetRelPath(stick(name)) && rec(slot).hPlay != 0;
+        };
+        b_Jingle_OLEDragDrop(kFree, stick(name));
+        clMove(kFree, "copy"), clMove(97, "paste");
+        MoveSrcJ = -1;
+        save();
+        const std::string before = read("palette.ini");
+        pick("B"), pick("A");
+        if (!holds(kFree) || !holds(97)) return "saved and opened: " + rec(kFree).Path;
+        ListAllJing();
+        const std::string part = name.substr(0, name.size() - 4);
+        const auto hits = HitsIn("A", part);
+        if (PalettesWith(part) != std::vector<std::string>{"A"} || hits.size() != 1) return "found";
+        clMove(kFree, "cut");
+        pick("C");
+        clMove(7, "paste");
+        save();
+        if (!holds(7) || jingles("A") != "0:A0 1:A1 2:A2") return "moved";
+        pick("A");
+        pick("C");
+        clMove(7, "cut"), clMove(8, "paste");
+        desktop().answers = {BoxAnswer::yes};
+        DelJing(8, true);
+        if (fs::exists(stick(name))) return "deleted";
+        Undo(), Undo();
+        return holds(7) ? "ok" : "undone: " + rec(7).Path;
+    }
+
+    using FolderTest::path;
+    using FolderTest::read;
+    using FolderTest::reports;
+    using FolderTest::write;
+    using KeepingTest::history;
+    using KeepingTest::hot;
+    using KeepingTest::jingles;
+    using KeepingTest::line;
+    using KeepingTest::name;
+    using KeepingTest::pick;
+    using KeepingTest::save;
+    using KeepingTest::value;
+    using StudioTest::heard;
+    using StudioTest::pass;
+    using WindowTest::press;
+};
+
+const Row kRows[] = {
+    {"pulled out before it is opened",
+     [](BadInput& t) {
+         const std::string file = t.stick();
+         t.pullOut();
+         b_Jingle_OLEDragDrop(kFree, file);
+         t.save();
+         const std::string with = t.slots();
+         Undo();
+         return with + " " + t.slots() + " " + t.stored(file);
+     },
+     "ooo..!.. ooo..... its own path"},
+    {"pulled out before it is imported",
+     [](BadInput& t) {
+         folderSettings.ImportFiles = 1;
+         const std::string file = t.stick();
+         b_Jingle_OLEDragDrop(kFree, file);
+         t.pullOut();
+         t.save();
+         return t.stored(file) + (fs::exists(t.path("Audio_Sample/Import")) ? ", half a copy" : "");
+     },
+     "its own path"},
+    {"pulled out while it plays",
+     [](BadInput& t) {
+         b_Jingle_OLEDragDrop(kFree, t.stick());
+         t.press(kFree);
+         t.pass(100);
+         t.heard();
+         t.pullOut();
+         t.pass(300);
+         const Heard heard = t.heard();
+         int quiet = 0;
+         for (std::size_t at = 0; at + 441 <= heard.frames(); at += 441)
+             quiet += heard.loudest(at, at + 441) < 0.3F ? 1 : 0;
+         t.pass(400);
+         return std::to_string(quiet) + " holes, " + (rec(kFree).Playing ? "plays on" : "ended");
+     },
+     "0 holes, ended"},
+    {"pulled out between a deletion and its undo",
+     [](BadInput& t) {
+         b_Jingle_OLEDragDrop(kFree, t.stick());
+         desktop().answers = {BoxAnswer::yes};
+         DelJing(kFree, true);
+         t.pullOut();
+         Undo();
+         return t.slots();
+     },
+     "ooo..o.."},
+    {"a folder to fill from that is gone",
+     [](BadInput& t) {
+         const std::string folder = t.path("stick").string();
+         t.pullOut();
+         FillPalette({folder});
+         t.pass(300);
+         return BadInput::said() + ", " + t.slots();
+     },
+     "No sound file among what was dropped, ooo....."},
+    {"read-only: a save",
+     [](BadInput& t) {
+         t.edit(12);
+         std::string left;
+         {
+             const ReadOnly folder(t.path(""));
+             t.save();
+             left = PalToSave ? "unsaved, " : "saved, ";
+         }
+         left += t.read("palette.ini").find("Volm_0") == std::string::npos ? "file as before, "
+                                                                           : "file changed, ";
+         t.save();
+         return left + t.volume();
+     },
+     "unsaved, file as before, 12"},
+    {"read-only: the name of a sound file",
+     [](BadInput& t) {
+         const std::string before = t.read("palette.ini");
+         const ReadOnly folder(t.path(""));
+         clRename(0);
+         frmRenameFile().txtFilename.caption = "Other";
+         frmRenameFile().onAccepted();
+         return rec(0).Path + (t.read("palette.ini") == before ? "" : ", file changed") +
+                (UndoText().empty() ? "" : ", " + UndoText()) + ", " + t.slots();
+     },
+     "Audio_Sample\\A0.wav, ooo....."},
+    {"read-only: a sound file deleted",
+     [](BadInput& t) {
+         const ReadOnly folder(t.path(""));
+         desktop().answers = {BoxAnswer::yes};
+         DelJing(1, true);
+         const std::string with = t.slots();
+         const bool there = fs::exists(t.path("Audio_Sample/A1.wav"));
+         Undo();
+         return with + " " + (there ? "the file stays " : "gone ") + t.slots();
+     },
+     "o.o..... the file stays ooo....."},
+    {"read-only: no folder of samples",
+     [](BadInput& t) {
+         folderSettings.SampleDir = t.path("Audio_Sample/new/deep").string();
+         const ReadOnly folder(t.path("Audio_Sample"));
+         b_Jingle_OLEDragDrop(kFree, t.stick());
+         return t.slots();
+     },
+     "ooo..o.."},
+    {"read-only: an import",
+     [](BadInput& t) {
+         folderSettings.ImportFiles = 1;
+         b_Jingle_OLEDragDrop(kFree, t.stick());
+         {
+             const ReadOnly folder(t.path("Audio_Sample"));
+             t.save();
+         }
+         return t.stored(t.stick());
+     },
+     "its own path"},
+    {"read-only: a playlist",
+     [](BadInput& t) {
+         const ReadOnly folder(t.path(""));
+         Playlist playlist{{}, "Night", {{0, "A"}}};
+         return std::string(KeepPlaylist(playlist) ? "kept" : "refused") +
+                (AllPlaylists().empty() ? "" : ", listed");
+     },
+     "refused"},
+    {"quotes and brackets", [](BadInput& t) { return t.travel("Say \"hi\" [live].wav"); }, "ok"},
+    {"a bracket and quotes at the ends", [](BadInput& t) { return t.travel("]'q' & 'r'[.wav"); }, "ok"},
+    {"signs of the file's own", [](BadInput& t) { return t.travel("; a=b # 100% %1 : c > d|e.wav"); }, "ok"},
+    {"a line end",
+     [](BadInput& t) {
+         std::string left;
+         for (const char* name : {"two\nlines.wav", "two\r.wav"}) {
+             writeWav(t.path("stick/" + std::string(name)), sine(2000, 440));
+             b_Jingle_OLEDragDrop(kFree, t.stick(name));
+             left += BadInput::said().substr(0, 27) + ", ";
+         }
+         desktop().answers = {BoxAnswer::yes};
+         FillPalette({t.path("stick").string()});
+         t.pass(300);
+         return left + t.slots();
+     },
+     "Its name holds a line break, Its name holds a line break, oooo...."},
+    {"a line end in a new name",
+     [](BadInput& t) {
+         clRename(0);
+         frmRenameFile().txtFilename.caption = "two\nlines [\"x\"]";
+         frmRenameFile().onAccepted();
+         return t.slots() + (rec(0).Path.find('\n') == std::string::npos ? "" : " line end") +
+                (t.read("palette.ini").find(rec(0).Path + "\r\n") == std::string::npos ? " lost" : "");
+     },
+     "ooo....."},
+    {"a palette of that name",
+     [](BadInput& t) {
+         t.name("[x] \"y\"\nz", 0);
+         const std::string name = HeldPalette();
+         t.pick("B");
+         t.pick(name);
+         return t.slots() + " " + std::to_string(frmMain().palettes.lstPal.items().size());
+     },
+     "ooo..... 4"},
+    {"they change another palette",
+     [](BadInput& t) {
+         t.theyWrite(t.line("1", "B1"), t.line("1", "B1") + t.line("9", "C0"));
+         t.edit(12);
+         t.save();
+         return t.jingles("B") + ", " + t.volume();
+     },
+     "0:B0 1:B1 9:C0 2:B2, 12"},
+    {"they add a palette and take one away",
+     [](BadInput& t) {
+         t.theyWrite("[C]", "[Dawn]");
+         t.edit(12);
+         t.save();
+         std::string list;
+         for (const std::string& name : frmMain().palettes.lstPal.items()) list += name + " ";
+         return list + t.jingles("Dawn");
+     },
+     "A B Dawn 0:C0 1:C1 2:C2"},
+    {"they change the palette that is open",
+     [](BadInput& t) {
+         t.theyWrite(t.line("1", "A1"), t.line("1", "C1"));
+         t.edit(12);
+         t.save();
+         return t.jingles("A") + ", theirs in the history: " + t.history();
+     },
+     "0:A0 1:A1 2:A2, theirs in the history: A 1; "},
+    {"they take the open palette away",
+     [](BadInput& t) {
+         t.theyWrite("[A]", "[Former]");
+         t.edit(12);
+         t.save();
+         return t.jingles("A") + ", " + t.jingles("Former");
+     },
+     "0:A0 1:A1 2:A2, 0:A0 1:A1 2:A2"},
+    {"they write between an edit and its undo",
+     [](BadInput& t) {
+         clMove(1, "cut");
+         t.pick("B");
+         clMove(kFree, "paste");
+         t.save();
+         t.theyWrite(t.line("0", "A0"), t.line("0", "C2"));
+         t.theyWrite("[C]", "[C]\r\nPath_9=Audio_Sample\\A0.wav");
+         Undo();
+         t.save();
+         return t.jingles("A") + ", " + t.jingles("B") + ", " + t.jingles("C");
+     },
+     "0:C2 2:A2 1:A1, 0:B0 1:B1 2:B2, 9:A0 0:C0 1:C1 2:C2"},
+    {"they add a jingle while it is looked for",
+     [](BadInput& t) {
+         searchSettings.ResultsInSearch = 1;
+         searchSettings.AutoClJSearchSec = 0;
+         JingSearch();
+         SearchWindow& s = frmSearchJing();
+         std::string found;
+         for (const bool after : {false, true}) {
+             s.txtJSearch.caption = "b2";
+             SearchJing();
+             for (const std::string& name : s.lstPalRes.items()) found += name + " ";
+             if (!after) t.theyWrite("[C]", "[C]\r\nPath_9=Audio_Sample\\B2.wav");
+         }
+         return found;
+     },
+     "B B C "},
+    {"a palette with a twin is deleted",
+     [](BadInput& t) {
+         t.write("palette.ini", t.read("palette.ini") + "[b]\r\n" + t.line("4", "C0"));
+         t.pick("B");
+         LastCtrl = "lstpal";
+         desktop().answers = {BoxAnswer::yes};
+         lstpaldel();
+         std::string list;
+         for (const std::string& name : frmMain().palettes.lstPal.items()) list += name + " ";
+         return list + "history " + t.history();
+     },
+     "A C history B 4; B 4; "},
+};
+
+TEST_P(BadInput, LosesNothing) {
+    EXPECT_EQ(GetParam().act(*this), GetParam().left) << GetParam().what;
+    EXPECT_TRUE(reports.empty()) << reports.front();
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, BadInput, ::testing::ValuesIn(kRows));
+
+}  // namespace
+}  // namespace zv::test
