@@ -13,7 +13,7 @@ trap cleanup EXIT
 fail() {
     echo "$(basename "$0" .sh): $*" >&2
     local log
-    for log in "$work"/*.log; do echo "--- $log" >&2; tail -n 20 "$log" >&2; done
+    for log in "$work"/*.log "$work"/home/*.log; do echo "--- $log" >&2; tail -n 20 "$log" >&2; done
     exit 1
 }
 
@@ -31,8 +31,9 @@ need() {
 # A user of its own: nothing of the real one's is read or written.
 own_user() {
     export XDG_RUNTIME_DIR=$work/run HOME=$work/user
-    mkdir -m 700 -p "$XDG_RUNTIME_DIR" "$HOME"
-    unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS PULSE_SERVER AT_SPI_BUS_ADDRESS
+    mkdir -m 700 -p "$XDG_RUNTIME_DIR" "$XDG_RUNTIME_DIR/pulse" "$HOME"
+    unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS AT_SPI_BUS_ADDRESS
+    export PULSE_SERVER=unix:$work/run/pulse/native
 }
 
 # own_screen [SIZE]: the X server chooses a free display and tells its number. One that is just going can take the
@@ -56,19 +57,42 @@ own_screen() {
     fail "no X server came"
 }
 
-# own_sound OUTPUTS: a sound server with so many outputs.
+# own_sound OUTPUTS: a sound server with so many outputs, out1 and up; PipeWire instead of PulseAudio where SOUND_SERVER
+# says so. Like a desktop's it has a stand-in output while there is no other. `servers` are its processes.
 own_sound() {
-    export PULSE_SERVER=unix:$work/run/native
-    local sinks=() n
-    for n in $(seq "$1"); do
-        sinks+=(--load="module-null-sink sink_name=out$n rate=44100 format=float32le norewinds=1")
-    done
-    pulseaudio -n --daemonize=no --exit-idle-time=-1 --disallow-exit --use-pid-file=no \
-        --load="module-native-protocol-unix auth-anonymous=1 socket=$work/run/native" "${sinks[@]}" \
-        >"$work/pulse.log" 2>&1 &
-    pids+=($!)
+    local n
+    servers=()
+    "own_${SOUND_SERVER:-pulseaudio}"
     await pactl info
+    for n in $(seq "$1"); do plug_output "out$n"; done
 }
+
+own_pulseaudio() {
+    pulseaudio -n --daemonize=no --exit-idle-time=-1 --disallow-exit --use-pid-file=no --load=module-always-sink \
+        --load="module-native-protocol-unix auth-anonymous=1 socket=$work/run/pulse/native" >"$work/pulse.log" 2>&1 &
+    servers+=($!)
+    pids+=($!)
+}
+
+# Its session manager asks for a session bus.
+own_pipewire() {
+    local part
+    export DBUS_SESSION_BUS_ADDRESS=unix:path=$work/run/bus
+    if [ ! -S "$work/run/bus" ]; then
+        dbus-daemon --session --nofork --address="$DBUS_SESSION_BUS_ADDRESS" >"$work/bus.log" 2>&1 &
+        pids+=($!)
+        await test -S "$work/run/bus"
+    fi
+    for part in pipewire wireplumber pipewire-pulse; do
+        "$part" >"$work/$part.log" 2>&1 &
+        servers+=($!)
+        pids+=($!)
+        [ $part != pipewire ] || await test -S "$work/run/pipewire-0"
+    done
+}
+
+plug_output() { pactl load-module module-null-sink "sink_name=$1" rate=44100 format=float32le norewinds=1 >/dev/null; }
+unplug_output() { pactl unload-module "$(pactl list short modules | awk -v name="sink_name=$1" 'index($0, name) {print $1}')"; }
 
 # own_desktop [SIZE]: a screen with a window manager. What answered first may have been a server that was just going:
 # then both are started again.

@@ -16,7 +16,7 @@ class ChoosingDevices final : public engine::DeviceSource {
             !known.empty() || opened_)
             return known;
         for (std::size_t i = 0; i < systems_.size(); ++i) {
-            if (systems_[i].hangs && systems_[i].hangs()) break;
+            if (systems_[i].waits && systems_[i].waits()) break;
             if (i == chosen_) continue;
             std::vector<engine::DeviceDescription> found = systems_[i].devices->outputs();
             if (found.empty()) continue;

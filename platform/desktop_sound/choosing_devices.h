@@ -12,8 +12,8 @@ namespace zv {
 
 struct SoundSystem {
     std::shared_ptr<engine::DeviceSource> devices;
-    /// True while it is there and does not answer: then those after it are not asked, which would wait for it too.
-    std::function<bool()> hangs = {};
+    /// True while neither this one nor those after it may be asked, because a server that is there has the cards.
+    std::function<bool()> waits = {};
 };
 
 /// [control]; what only asks: [any]

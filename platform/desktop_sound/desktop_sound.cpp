@@ -40,11 +40,15 @@ std::shared_ptr<engine::DeviceSource> desktopDevices(std::string_view system) {
     const bool jack = named(system, "JACK"), alsa = named(system, "ALSA"), server = named(system, "Server");
     const bool any = !jack && !alsa && !server;
     std::vector<SoundSystem> systems;
-    // A server that is there and silent will answer again.
+    // A server that is there and silent will answer again. One without a card gets it sooner than ALSA, whose default
+    // output is that server.
     if (server || any)
-        systems.push_back({makePulseDevices(), [] { return askPulseServer() == PulseAnswer::silent; }});
+        systems.push_back({makePulseDevices(), [] { return pulseServerState() == PulseAnswer::silent; }});
     if (jack || any) systems.push_back({makeJackDevices()});
-    if (alsa || any) systems.push_back({makeRtAudioDevices()});
+    if (alsa) systems.push_back({makeRtAudioDevices()});
+    if (any)
+        systems.push_back(
+            {makeRtAudioDevices(), [] { return pulseServerState() != PulseAnswer::refused; }});
     given() = {chooseDevices(std::move(systems)), server || any};
     return given().devices;
 }

@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <string_view>
 
 #include "platform/paced/paced_device.h"
 #include "platform/pulse/pulse_device.h"
@@ -17,6 +18,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr auto answerLimit = std::chrono::milliseconds(500);
+// What the servers put in the place of a sound card while there is none. Nobody hears it: it counts as no output.
+constexpr std::string_view standInSink = "auto_null";
 
 constexpr auto silenceLasts = std::chrono::seconds(5);
 
@@ -134,7 +137,7 @@ Listing ask(const PulseOptions& options) {
     inquiry.finish(pa_context_get_sink_info_list(
         inquiry.context(),
         [](pa_context*, const pa_sink_info* info, int, void* target) {
-            if (!info) return;
+            if (!info || info->name == standInSink) return;
             auto& listing = *static_cast<Listing*>(target);
             listing.outputs.push_back({info->description ? info->description : info->name, info->name,
                                        info->name == listing.defaultOutput, info->sample_spec.rate});
@@ -197,5 +200,9 @@ std::shared_ptr<engine::DeviceSource> makePulseDevices(PulseOptions options) {
 }
 
 PulseAnswer askPulseServer(const PulseOptions& options) { return Inquiry(options).answer(); }
+
+PulseAnswer pulseServerState(const PulseOptions& options) {
+    return silentServers().holds(options.server) ? PulseAnswer::silent : askPulseServer(options);
+}
 
 }  // namespace zv

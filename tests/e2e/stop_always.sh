@@ -1,7 +1,7 @@
 #!/bin/bash
 # STOP, whatever else is open or broken: over a question, a menu and a file dialog, by mouse and by Escape; while the
 # sound server stands still, when it dies, and when it loses its output. Times are printed; only gross ones fail.
-#   stop_always.sh BIN_FOLDER
+#   [SOUND_SERVER=pipewire] stop_always.sh BIN_FOLDER
 . "$(dirname "$0")/window.sh"
 need pactl
 own_servers 1
@@ -77,15 +77,15 @@ told() {
     echo "$2: told after $(($(ms) - from)) ms"
     [ $(($(ms) - from)) -lt 5000 ] || fail "$2: told too late"
 }
-server=$(pgrep -f "socket=$work/run/native")
+died=("${servers[@]}")
 : >"$log"
-kill -STOP "$server"
+kill -STOP "${died[@]}"
 told "Output lost" "a server that stands still"
 stop
 sleep 4
 from=$(length)
 : >"$log"
-kill -CONT "$server"
+kill -CONT "${died[@]}"
 told "every output plays" "a server that goes on"
 took=$(python3 "$here/tone.py" ends "$work/out1.raw" "$from")
 echo "STOP while the server stood still: $took ms of sound after it went on"
@@ -93,7 +93,7 @@ echo "STOP while the server stood still: $took ms of sound after it went on"
 heard "after the server went on"
 
 : >"$log"
-kill -9 "$server"
+kill -9 "${died[@]}"
 told "Output lost" "a server that dies"
 stop
 : >"$log"
@@ -103,11 +103,11 @@ record out1
 heard "with the new server"
 
 : >"$log"
-pactl unload-module "$(pactl list short modules | awk '/sink_name=out1/ {print $1}')"
+unplug_output out1
 told "Output lost" "an output that goes"
 stop
 : >"$log"
-pactl load-module module-null-sink sink_name=out1 rate=44100 format=float32le norewinds=1 >/dev/null
+plug_output out1
 told "every output plays" "an output that comes again"
 record out1
 heard "with the new output"

@@ -159,11 +159,11 @@ TEST_F(Jack, AToneIsHeardAtItsPitchAndAfterTheServerCameBackAtAnotherRate) {
 TEST(ChosenDevices, TheFirstSystemWithAnOutputIsTakenWheneverItComes) {
     const auto server = makeOfflineDevices({.outputs = {"Server"}});
     const auto card = makeOfflineDevices({.outputs = {"Card"}});
-    bool hangs = true;
-    const auto devices = chooseDevices({{server, [&] { return hangs; }}, {card}});
+    bool waits = true;
+    const auto devices = chooseDevices({{server, [&] { return waits; }}, {card}});
     server->unplug("Server");
-    EXPECT_TRUE(devices->outputs().empty());  // it hangs: nobody else is asked
-    hangs = false;
+    EXPECT_TRUE(devices->outputs().empty());  // it waits: nobody else is asked
+    waits = false;
     card->unplug("Card");
     EXPECT_TRUE(devices->outputs().empty());
     card->plug("Card");  // a card that is plugged in later
