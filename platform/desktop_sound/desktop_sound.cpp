@@ -47,8 +47,7 @@ std::shared_ptr<engine::DeviceSource> desktopDevices(std::string_view system) {
     if (jack || any) systems.push_back({makeJackDevices()});
     if (alsa) systems.push_back({makeRtAudioDevices()});
     if (any)
-        systems.push_back(
-            {makeRtAudioDevices(), [] { return pulseServerState() != PulseAnswer::refused; }});
+        systems.push_back({makeRtAudioDevices(), [] { return pulseServerState() != PulseAnswer::refused; }});
     given() = {chooseDevices(std::move(systems)), server || any};
     return given().devices;
 }

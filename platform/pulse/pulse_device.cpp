@@ -26,6 +26,7 @@ constexpr std::uint32_t restsInSecond = 2;
 constexpr auto openLimit = 2s;
 constexpr pa_usec_t soon = 20 * PA_USEC_PER_MSEC;
 constexpr pa_usec_t later = 500 * PA_USEC_PER_MSEC;
+constexpr pa_usec_t standstill = 1500 * PA_USEC_PER_MSEC;  // a rest asks more often
 constexpr int audioPriority = 10;
 constexpr auto unset = static_cast<std::uint32_t>(-1);
 
@@ -250,7 +251,22 @@ void PulseDevice::streamReady() {
         api_->time_free(paceTimer_);
         paceTimer_ = nullptr;
     }
+    servedAt_ = 0;
+    stale_ = false;
     if (back) client_->deviceBack();
+}
+
+/// Whether the server asks, or gives, for the first time after it has stood still: a stream of before may play nothing
+/// any more (PipeWire), or lag by as much. Then another one is opened in its place.
+bool PulseDevice::outlivedStandstill() {
+    if (stale_) return true;
+    const pa_usec_t now = pa_rtclock_now();
+    stale_ = servedAt_ != 0 && now - servedAt_ > standstill;
+    servedAt_ = now;
+    if (!stale_) return false;
+    streamGone();
+    retryIn(soon);
+    return true;
 }
 
 void PulseDevice::streamGone() {
@@ -335,6 +351,7 @@ void PulseDevice::pace() {
 }
 
 void PulseDevice::giveSound(std::size_t bytes) {
+    if (outlivedStandstill()) return;
     if (resting_.load(std::memory_order_relaxed) != 0) {
         if (client_->resting()) {
             giveSilence(bytes);
@@ -429,6 +446,7 @@ void PulseDevice::woken() {
 }
 
 void PulseDevice::takeSound() {
+    if (outlivedStandstill()) return;
     const void* data = nullptr;
     std::size_t bytes = 0;
     while (pa_stream_readable_size(stream_) > 0) {

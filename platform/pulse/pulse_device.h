@@ -44,6 +44,7 @@ class PulseDevice : public engine::SoundDevice {
     void streamGone();
     void streamReady();
     void suspended();
+    bool outlivedStandstill();
     void giveSound(std::size_t bytes);
     bool give(std::size_t frames, pa_seek_mode_t where);
     void takeSound();
@@ -77,6 +78,8 @@ class PulseDevice : public engine::SoundDevice {
     pa_time_event* retryTimer_ = nullptr;
     pa_time_event* paceTimer_ = nullptr;
     pa_usec_t lostAt_ = 0;           ///< when the device went away
+    pa_usec_t servedAt_ = 0;         ///< when the server last asked or gave
+    bool stale_ = false;             ///< the stream outlived a standstill: another one is on its way
     std::uint64_t pacedFrames_ = 0;  ///< asked for since
     std::vector<float> thrownAway_;  ///< sound of a device that is away
     std::vector<float> silence_;     ///< what an input gives for a hole in its stream
