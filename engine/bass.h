@@ -166,7 +166,7 @@ struct BASS_DX8_REVERB {
 
 struct BASS_BFX_VOLUME {
     int lChannel;   ///< BASS_BFX_CHANALL
-    float fVolume;  ///< gain, 1 = unchanged
+    float fVolume;  ///< gain, 0 to 1000, 1 = unchanged
 };
 
 /// Called once on the sync dispatcher [sync]; may call the engine, must not touch the interface.
@@ -296,7 +296,7 @@ bool BASS_ChannelPause(DWORD handle);
 bool BASS_ChannelStop(DWORD handle);
 /// Has the decoders look at once for what the channel wants ahead; `ms` is not used. [any]
 bool BASS_ChannelUpdate(DWORD handle, DWORD ms);
-/// Sets BASS_ATTRIB_... at once; ends a slide of it. Gains 0 and up, BUFFER 0 to 5 s, TAIL 0 to 3600 s,
+/// Sets BASS_ATTRIB_... at once; ends a slide of it. Gains 0 to 1000, BUFFER 0 to 5 s, TAIL 0 to 3600 s,
 /// VOLDSP_PRIORITY cut to a whole number, TEMPO -95 to 5000 %, TEMPO_PITCH -60 to 60 semitones, TEMPO_FREQ Hz
 /// (0: the source's). Errors: ILLTYPE (unknown, or TEMPO... of what is no tempo channel), ILLPARAM. [any]
 bool BASS_ChannelSetAttribute(DWORD handle, DWORD attribute, float value);

@@ -94,6 +94,8 @@ bool slide(DWORD handle, DWORD attribute, float value, DWORD ms) {
     if (!std::isfinite(value)) return fail(BASS_ERROR_ILLPARAM, false);
     const bool logarithmic = (attribute & BASS_SLIDE_LOG) != 0;
     attribute &= ~BASS_SLIDE_LOG;
+    if ((attribute == BASS_ATTRIB_VOL || attribute == BASS_ATTRIB_VOLDSP) && value > kMostGain)
+        return fail(BASS_ERROR_ILLPARAM, false);
     if (attribute == BASS_ATTRIB_VOL) {
         const bool stops = value == -1.0F;
         sendVolume(call.engine, *channel, std::max(value, 0.0F), ms, logarithmic, stops);

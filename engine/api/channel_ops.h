@@ -8,6 +8,9 @@
 
 namespace zv::engine {
 
+/// Above it a gain is refused: 60 dB. So no product of sound and gains runs to infinity.
+inline constexpr float kMostGain = 1000;
+
 void sendVolume(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic,
                 bool stops);
 void sendVoldsp(Engine& engine, Channel& channel, float value, std::uint32_t ms, bool logarithmic);

@@ -1,7 +1,7 @@
 // Effects: added, set while they sound, emptied.
 #include <cmath>
 
-#include "engine/api/engine.h"
+#include "engine/api/channel_ops.h"
 
 using namespace zv::engine;
 
@@ -50,7 +50,7 @@ bool setReverb(Engine& engine, Channel& channel, Effect& effect, const BASS_DX8_
 }
 
 bool setVolume(Engine& engine, Channel& channel, Effect& effect, const BASS_BFX_VOLUME& p) {
-    if (!std::isfinite(p.fVolume) || p.fVolume < 0) return fail(BASS_ERROR_ILLPARAM, false);
+    if (!(p.fVolume >= 0 && p.fVolume <= kMostGain)) return fail(BASS_ERROR_ILLPARAM, false);
     effect.volume = p;
     Command command = commandFor(CommandKind::FxGain, channel, &effect);
     command.value = p.fVolume;

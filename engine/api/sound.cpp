@@ -8,6 +8,8 @@ using namespace zv::engine;
 
 namespace {
 
+constexpr float kLoudest = 1e15F;  ///< of a level: its square is still a number
+
 dsp::StereoLevel fromPages(Channel& channel, const Trail& trail, double seconds, bool rms) {
     const Channel& root = channel.root();
     const auto window = static_cast<std::uint64_t>(std::ceil(seconds * root.rate));
@@ -44,6 +46,8 @@ bool level(Engine& engine, Channel& channel, float* levels, float seconds, DWORD
         found.left *= volume;
         found.right *= volume;
     }
+    for (float* side : {&found.left, &found.right})
+        if (!(*side <= kLoudest)) *side = kLoudest;
     if ((flags & BASS_LEVEL_STEREO) != 0) {
         levels[0] = found.left;
         levels[1] = found.right;

@@ -56,6 +56,7 @@ inline Mask lanesOf(std::int32_t first, std::int32_t end) {
     const Int4 low{0, 1, 2, 3}, high{4, 5, 6, 7};
     return {(low >= first) & (low < end), (high >= first) & (high < end)};
 }
+inline Mask notAbove(Eight a, Eight b) { return {a.low <= b.low, a.high <= b.high}; }
 inline Eight chosen(Mask mask, Eight a, Eight b) {
     return {mask.low ? a.low : b.low, mask.high ? a.high : b.high};
 }

@@ -44,6 +44,7 @@ inline Mask lanesOf(std::int32_t first, std::int32_t end) {
     const Int8 lane{0, 1, 2, 3, 4, 5, 6, 7};
     return (lane >= first) & (lane < end);
 }
+inline Mask notAbove(Eight a, Eight b) { return a <= b; }
 inline Eight chosen(Mask mask, Eight a, Eight b) { return mask ? a : b; }
 
 /// Two halves of four, each with a place of its own in memory.

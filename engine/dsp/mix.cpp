@@ -23,6 +23,7 @@ bool machineIsWide() {
 
 std::atomic<bool> chosen{machineIsWide()};
 
+constexpr float kLoudest = 1e9F;  ///< nothing that was meant as sound
 constexpr float kMinus3dB = 0.70710678f;
 
 /// What a channel gives to left and right.
@@ -154,6 +155,10 @@ void foldToStereo(float* out, const float* in, std::size_t frames, std::uint32_t
         out[2 * i] = left;
         out[2 * i + 1] = right;
     }
+}
+
+void makeHarmless(std::span<float> samples) {
+    (wideChosen() ? wide::harmless : plain::harmless)(samples.data(), samples.size(), kLoudest);
 }
 
 void toInt16(std::int16_t* out, const float* in, std::size_t count) {

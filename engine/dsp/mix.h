@@ -62,6 +62,10 @@ void monoToStereo(float* out, const float* in, std::size_t frames);
 /// channels is 2.
 void foldToStereo(float* out, const float* in, std::size_t frames, std::uint32_t channels);
 
+/// Samples that are no numbers, or far beyond any sound (1e9), become silence: a damaged file must not deafen the
+/// filters that it passes. [any]
+void makeHarmless(std::span<float> samples);
+
 /// Float to 16-bit: times 32768, rounded to the nearest (halves to even), cut to the range. NaN becomes 0.
 void toInt16(std::int16_t* out, const float* in, std::size_t count);
 

@@ -182,3 +182,13 @@ void scaled(float* out, const float* in, std::size_t count, float gain) {
     for (; i + 8 <= count; i += 8) store(out + i, load(in + i) * gain);
     for (; i < count; ++i) out[i] = in[i] * gain;
 }
+
+void harmless(float* samples, std::size_t count, float loudest) {
+    std::size_t i = 0;
+    for (; i + 8 <= count; i += 8) {
+        const Eight v = load(samples + i);
+        store(samples + i, chosen(notAbove(sizes(v), all(loudest)), v, all(0)));
+    }
+    for (; i < count; ++i)
+        if (!(samples[i] <= loudest && samples[i] >= -loudest)) samples[i] = 0;
+}

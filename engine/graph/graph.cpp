@@ -4,6 +4,7 @@
 #include <cmath>
 #include <thread>
 
+#include "engine/dsp/mix.h"
 #include "engine/realtime/thread_tags.h"
 
 namespace zv::engine {
@@ -79,6 +80,7 @@ void Graph::renderBlock(std::uint32_t frames) {
         if (!output.gain.active() && output.gain.value() != wanted)
             output.gain.start(wanted, static_cast<std::uint64_t>(kOutputGainSeconds * rate()), false, false);
         if (output.gain.active() || wanted != 1.0F) output.gain.scale(output.bus.data(), frames);
+        dsp::makeHarmless({output.bus.data(), std::size_t{frames} * 2});
     }
     passTime(frames);
     countSilence(frames);

@@ -5,8 +5,8 @@
 #include <mutex>
 #include <utility>
 
+#include "engine/dsp/mix.h"
 #include "engine/realtime/thread_tags.h"
-#include "engine/sources/paged_sound.h"
 
 namespace zv::engine {
 namespace {
@@ -40,7 +40,7 @@ struct UrlInput::Tank {
         } catch (...) {
             ended.store(true, std::memory_order_release);
         }
-        makeHarmless(piece);
+        dsp::makeHarmless(piece);
         ring.write(piece.data(), std::min(frames * format.channels, piece.size()));
         return frames > 0;
     }

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "engine/dsp/level_meter.h"
+#include "engine/dsp/mix.h"
 #include "engine/realtime/thread_tags.h"
 
 namespace zv::engine {
@@ -15,18 +16,11 @@ constexpr std::uint64_t kLeadFrames = 1024;  ///< in front of a position, which 
 constexpr double kWholeSeconds = 10.0;
 constexpr std::uint64_t kWholeSamples = 1'200'000;  ///< 4.8 MB
 
-constexpr float kLoudest = 1e9F;  ///< nothing that was meant as sound
-
 std::uint64_t pagesFor(double seconds, std::uint32_t rate) {
     return static_cast<std::uint64_t>(seconds * rate) / PagedSound::kPage + 1;
 }
 
 }  // namespace
-
-void makeHarmless(std::span<float> samples) {
-    for (float& sample : samples)
-        if (!(std::abs(sample) <= kLoudest)) sample = 0;
-}
 
 PagedSound::PagedSound(std::unique_ptr<Decoder> decoder, std::uint64_t length, const RenderCount& renders)
     : format_(decoder->format()),
@@ -212,7 +206,7 @@ void PagedSound::decodeInto(float* to, std::uint64_t index) {
             got += std::min(frames * format_.channels, samples - got);
             decoderAt_ += frames;
         }
-        makeHarmless({to, got});
+        dsp::makeHarmless({to, got});
         if (got < samples) decoderAt_ = ~std::uint64_t{0};
     } catch (...) {
         decoderAt_ = ~std::uint64_t{0};

@@ -23,10 +23,6 @@ namespace zv::engine {
 /// removed in one epoch is freed once no render of that epoch runs.
 using RenderCount = std::atomic<std::uint64_t>;
 
-/// Samples that are no numbers, or far beyond any sound, become silence: a damaged file must not deafen the
-/// filters that it passes. [worker] [control]
-void makeHarmless(std::span<float> samples);
-
 class PagedSound final : public FrameReader {
   public:
     static constexpr std::uint32_t kPage = 4096;  ///< frames

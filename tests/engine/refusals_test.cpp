@@ -35,6 +35,7 @@ TEST_F(Refusals, WhatMakesNoSense) {
     ASSERT_NE(live, 0U);
     const HFX eq = BASS_ChannelSetFX(jingle, BASS_FX_BFX_PEAKEQ, 5);
     const BASS_BFX_PEAKEQ far{64, 1, 0, 1000, 0, -1}, odd{0, 1, 0, nan, 0, -1};
+    const BASS_BFX_VOLUME deafening{BASS_BFX_CHANALL, 1e30F};
     float value[2]{};
     BASS_DEVICEINFO device{};
     const auto attribute = [&](DWORD channel, DWORD which, float to) {
@@ -57,6 +58,11 @@ TEST_F(Refusals, WhatMakesNoSense) {
          [&] { return BASS_ChannelGetLength(live, BASS_POS_BYTE) == BASS_NO_POSITION; }},
         {"tempo of a file", BASS_ERROR_ILLTYPE, attribute(decoding, BASS_ATTRIB_TEMPO, 1)},
         {"a gain below 0", BASS_ERROR_ILLPARAM, attribute(jingle, BASS_ATTRIB_VOLDSP, -0.5F)},
+        {"a gain beyond 60 dB", BASS_ERROR_ILLPARAM, attribute(jingle, BASS_ATTRIB_VOLDSP, 1001)},
+        {"a slide beyond 60 dB", BASS_ERROR_ILLPARAM,
+         [&] { return !BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOL, 1e30F, 5); }},
+        {"a volume beyond 60 dB", BASS_ERROR_ILLPARAM,
+         [&] { return !BASS_FXSetParameters(BASS_ChannelSetFX(jingle, BASS_FX_BFX_VOLUME, 0), &deafening); }},
         {"a gain that is no number", BASS_ERROR_ILLPARAM, attribute(jingle, BASS_ATTRIB_VOL, nan)},
         {"a slide to nowhere", BASS_ERROR_ILLPARAM,
          [&] { return !BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOL, nan, 5); }},
@@ -92,6 +98,22 @@ TEST_F(Refusals, WhatMakesNoSense) {
          [] { return BASS_RecordStart(44100, 2, 0, nullptr, nullptr) == 0; }},
         {"an input beyond the last in use", BASS_ERROR_DEVICE, [] { return !BASS_RecordInit(7); }},
     });
+}
+
+TEST_F(Refusals, GainsOnGainsStayNumbers) {
+    const Topology studio;
+    const DWORD jingle = studio.jingle(file("sine"));
+    const BASS_BFX_VOLUME most{BASS_BFX_CHANALL, 1000};
+    for (int n = 0; n < 16; ++n)
+        EXPECT_TRUE(BASS_FXSetParameters(BASS_ChannelSetFX(jingle, BASS_FX_BFX_VOLUME, 0), &most));
+    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_VOL, 1000);
+    BASS_ChannelPlay(jingle, false);
+    for (const float sample : pullAndTake(4410)) ASSERT_TRUE(std::isfinite(sample));
+    for (const DWORD flags : {BASS_LEVEL_STEREO, BASS_LEVEL_RMS, BASS_LEVEL_RMS | BASS_LEVEL_VOLPAN}) {
+        float levels[2]{};
+        ASSERT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.02F, flags));
+        EXPECT_TRUE(std::isfinite(levels[0]) && levels[0] > 1000) << flags;
+    }
 }
 
 }  // namespace
