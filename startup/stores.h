@@ -5,7 +5,6 @@
 #include <string>
 
 #include "startup/impulse.h"
-#include "startup/settings/program.h"
 
 namespace zv {
 
