@@ -39,6 +39,8 @@ struct FormCell {
     int width = 0;       ///< pixels at 100 %; 0: what it needs
     FormText unit = {};  ///< stands behind it: "ms", "%", or a slider's value
     KeyRole role = KeyRole::plain;
+    /// Labels that follow without a gap: one figure in parts, in the dress of a value.
+    std::vector<Control*> joined = {};
 };
 
 struct FormRow {

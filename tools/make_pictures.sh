@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
 # Makes the pictures of the manual and of the window's many faces anew: each is a rehearsal on a fresh copy of the
 # sample folder.
-# Usage: tools/make_pictures.sh [PRESET]; the pictures go to docs/pictures/.
+# Usage: tools/make_pictures.sh [PRESET]; the pictures go to docs/pictures/, those that nothing shows to build/pictures/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 rehearse=build/${1:-release}/bin/rehearse
 [ -x "$rehearse" ] || { echo "error: $rehearse is not built" >&2; exit 1; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-mkdir -p docs/pictures
+pictures=docs/pictures
+mkdir -p "$pictures" build/pictures
 
 # A palette of long names, marks of all kinds, a missing file, one that is no sound.
 all_kinds() {
@@ -57,7 +58,7 @@ home() {
 # perform NAME [SCALE [OPTION...]]: the script of that name on the folder of that name.
 perform() {
     ZENTROVA_SCALE=${2:-1} "$rehearse" "$work/$1.txt" --home "$work/$1" --out "$work/out" --no-sound "${@:3}" >/dev/null
-    mv "$work"/out/*.png docs/pictures/
+    mv "$work"/out/*.png "$pictures/"
 }
 
 # face NAME SETTINGS SIZE SCALE: the window with jingles sounding.
@@ -199,7 +200,10 @@ at 840 click frmFX.optStartEnd(1)
 at 860 set frmFX.TxtPosSec 25
 at 880 set frmFX.TxtLISec 6
 at 900 set frmFX.TxtLOSec 18
+at 910 click frmFX.ckLinkLILO
 at 920 click frmFX.ckPlay
+at 3900 set frmFX.SlidePos 900
+at 3900 expect frmFX.lblPosSecVal 09
 at 4000 expect frmFX.clipped
 at 4100 shot frmFX $1-positions.png
 at 4200 set frmFX.TabFX 0
@@ -216,6 +220,17 @@ editor editor-dark-200 "DarkMode=1" 1280x800 2
 editor editor-francais "Sealed=1 Language=Français" 1280x800 1
 editor editor-deutsch "Sealed=1 Language=Deutsch DarkMode=1" 1280x800 1
 editor editor-espanol "Sealed=1 Language=Español" 1280x800 1
+# The faces that the manual does not show: looked at in build/pictures.
+pictures=build/pictures
+for language in English Français Deutsch Español; do
+    for dark in 0 1; do
+        for scale in 1 2; do
+            editor "editor-$language-$dark-$scale" "Sealed=1 Language=$language DarkMode=$dark" 1280x800 "$scale"
+        done
+    done
+done
+pictures=docs/pictures
+
 # An edit taken back, a library that was moved.
 home edits ""
 mkdir -p "$work/edits/Moved/News" "$work/edits/Moved/Sport"

@@ -186,6 +186,23 @@ TEST(Forms, ACanvasSaysWhatIsChosenInItAndAllThatStandsThere) {
     EXPECT_EQ(spoken->text(QAccessible::Description), "Start 0:00.250, Loop in 0:01.970");
 }
 
+TEST(Forms, ASliderTellsItsValueInWordsAndCountsAsItIsSeen) {
+    TestForm form;
+    form.slide.minimum = -10;
+    form.slide.maximum = 30;
+    form.slide.value = -4;
+    form.slide.alignment = 1;  // its least value stands at the right
+    form.slide.onDescribe = [&] { return std::to_string(-form.slide.value()) + " dB"; };
+    form.open();
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&viewOf(form.slide)->widget);
+    ASSERT_TRUE(spoken != nullptr && spoken->valueInterface() != nullptr);
+    EXPECT_EQ(spoken->text(QAccessible::Value), "4 dB");
+    EXPECT_EQ(spoken->valueInterface()->currentValue().toInt(), 24);
+    spoken->valueInterface()->setCurrentValue(0);
+    EXPECT_EQ(form.slide.value(), 20);
+    EXPECT_EQ(spoken->text(QAccessible::Value), "-20 dB");
+}
+
 TEST(Forms, ControlsAreWorkedByMouseWheelAndKeys) {
     TestForm form;
     form.open();
@@ -224,6 +241,7 @@ TEST(Forms, ControlsAreWorkedByMouseWheelAndKeys) {
         {"typed nonsense", [&] { typeText(form.rows, "x"); }, &form.rows, 12, 0},
         {"slider's wheel", [&] { wheel(form.slide, -1); }, &form.slide, 75, 1},
         {"slider's arrow", [&] { setFocus(form.slide), keyDown(Key::right); }, &form.slide, 80, 1},
+        {"slider's page", [&] { keyDown(Key::pageDown); }, &form.slide, 30, 1},
     };
     for (const Case& c : cases) {
         changes = 0;

@@ -221,6 +221,40 @@ TEST_F(WaveTest, AClickPlacesThePlayheadAndADraggedPictureDoesNot) {
     EXPECT_FALSE(PalToSave);
 }
 
+TEST_F(WaveTest, ThePlayheadGoesWithItsSliderAndStaysInSilence) {
+    open();
+    const auto slide = [&](int hundredths) {
+        w.SlidePos.value = hundredths;
+        w.SlidePos.onChange();
+    };
+    const auto letter = [&](char which) {
+        KeyEvent e{static_cast<Key>(which)};
+        w.form.window.onKeyDown(e);
+    };
+    ASSERT_EQ(w.SlidePos.maximum(), 798);  // 352,000 frames
+    slide(250);
+    EXPECT_EQ(w.lblPos.caption() + w.lblPosSecVal.caption() + w.lblPosCs.caption(), "0:02.500250");
+    letter('I');
+    EXPECT_NEAR(j.CueStart, 2.5 * kSecond, kBytesPerFrame * 44);
+    EXPECT_EQ(w.StartTxtPos.sec->caption() + w.StartTxtPos.cs->caption(), "0250");
+    w.ckPlay.onClick();  // from the start
+    slide(600);
+    EXPECT_NEAR(static_cast<double>(BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE)), 6 * kSecond,
+                0.03 * kSecond);
+    pass(500);
+    EXPECT_NEAR(w.SlidePos.value(), 650, 6);
+    w.ckPlay.onClick();
+    const int left = w.SlidePos.value();
+    pass(200);
+    EXPECT_EQ(w.SlidePos.value(), left);
+    slide(798);
+    letter('O');
+    EXPECT_EQ(j.StopPos, 0);
+    w.picWave.onMouseDown(at(400, 60));
+    w.picWave.onMouseUp(at(400, 60));
+    EXPECT_EQ(w.SlidePos.onDescribe(), "0:03.99");
+}
+
 TEST_F(WaveTest, TheOutlineComesInPartsAndIsKept) {
     load(kSlot, 30'000);
     std::vector<std::uint64_t> frames;

@@ -142,6 +142,12 @@ void btDelFXpreset_Click() {
 
 void WireEffectsPage() {
     JingleWindow& w = frmFX();
+    const auto told = [](Control& slider, const Control& value) {
+        slider.onDescribe = [&value] { return value.caption(); };
+    };
+    for (std::size_t i = 0; i < kEqBands; ++i) told(*w.sldEQ[i], *w.lblEQV[i]);
+    for (std::size_t i = 0; i < w.sldTempo.size(); ++i) told(*w.sldTempo[i], *w.lblTempoVal[i]);
+    told(w.sldReverb, w.lblReverbVal);
     for (int i = 0; i < kEqBands; ++i)
         w.sldEQ[static_cast<std::size_t>(i)]->onChange = [i] {
             guarded("frmFX.sldEQ_Change", [&] { sldEQ_Change(i); });

@@ -1,8 +1,6 @@
 #include "ui/edit/jingle_editor.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
 #include <limits>
 #include <string>
 
@@ -25,6 +23,7 @@
 #include "ui/edit/edited_jingle.h"
 #include "ui/edit/effects_page.h"
 #include "ui/edit/level_page.h"
+#include "ui/edit/playhead.h"
 #include "ui/edit/positions_page.h"
 #include "ui/edit/undo.h"
 #include "ui/edit/wave_canvas.h"
@@ -59,25 +58,6 @@ UiTimer& timerWindow() {
     return timer;
 }
 
-void showDigits() {
-    JingleWindow& w = frmFX();
-    const bool sounding = Sounds(Edited.index);
-    const double at = sounding ? EditSeconds(Edited.index, EditPosition(Edited.index)) : 0;
-    const FieldTime time = FieldsOf(at);
-    char text[16];
-    w.lblPos.caption = TimeText(time);
-    w.lblPosMinVal.caption = std::to_string(time.minutes);
-    std::snprintf(text, sizeof text, "%02d", time.seconds);
-    w.lblPosSecVal.caption = text;
-    std::snprintf(text, sizeof text, "%02d", time.hundredths);
-    w.lblPosCs.caption = text;
-    const SoundLength sound = EditLength(Edited.index);
-    w.SlidePos.value =
-        sound.length <= 0 || !sounding
-            ? 0
-            : static_cast<int>(std::lround(EditPosition(Edited.index) * w.SlidePos.maximum() / sound.length));
-}
-
 /// ckPlay in the playing colour or in that of the jingle's button.
 void showPlaying() {
     JingleWindow& w = frmFX();
@@ -91,7 +71,7 @@ void showPlaying() {
 void TimerPosTick() {
     guarded("frmFX.TimerPos_Timer", [] {
         if (!FxOpen) return;
-        showDigits();
+        ShowPlayhead();
         if (Sounds(Edited.index)) return;
         timerPos().stop();
         showPlaying();
@@ -128,7 +108,7 @@ void TimerWindowTick() {
 
 void follow() {
     showPlaying();
-    showDigits();
+    ShowPlayhead();
     if (Sounds(Edited.index)) timerPos().start();
 }
 
@@ -166,13 +146,9 @@ void key(KeyEvent& event) {
         event.consumed = true;
         if (!event.repeat) Play();
     } else if ((event.key == static_cast<Key>('I') || event.key == static_cast<Key>('O')) && !typing &&
-               Sounds(Edited.index)) {
+               (Sounds(Edited.index) || Playhead() > 0)) {
         event.consumed = true;
-        const double at = EditSeconds(Edited.index, EditPosition(Edited.index));
-        if (event.key == static_cast<Key>('O'))
-            MovePoint(CuePoint::stop, at);
-        else
-            MovePoint(CuePoint::start, at);
+        MovePoint(event.key == static_cast<Key>('O') ? CuePoint::stop : CuePoint::start, Playhead());
     }
 }
 
@@ -182,6 +158,7 @@ void wire() {
     WirePositionsPage();
     WireLevel();
     WireWave();
+    WirePlayhead();
     timerWindow().handler = TimerWindowTick;
     timerPos().handler = TimerPosTick;
     w.ckPlay.onClick = Play;
@@ -191,19 +168,10 @@ void wire() {
     w.btUndoAll.onClick = UndoAll;
     w.btReset.onClick = resetfx;
     w.btOK.onClick = OKfx;
-    w.SlidePos.onChange = [] {
-        guarded("frmFX.SlidePos_Change", [] {
-            const SoundLength sound = EditLength(Edited.index);
-            if (Sounds(Edited.index))
-                EditSeek(Edited.index,
-                         sound.length * frmFX().SlidePos.value() / std::max(1, frmFX().SlidePos.maximum()));
-            showDigits();
-        });
-    };
     w.TabFX.onChange = [] { guarded("frmFX.TabFX_Click", TabFX_Click); };
     w.form.onKey = key;
     w.form.onTexts = [] {
-        if (FxOpen) ShowStartAndStop();
+        if (FxOpen) ShowPositionTexts();
     };
     w.form.onClosed = [] { guarded("frmFX.Form_Unload", OKfx); };
 }
@@ -260,6 +228,7 @@ void open(int index) {
     w.TabFX.listIndex = std::clamp<int>(editorSettings.ActiveFXTab, 0, 1);
     EditAtOnce(index);
     w.showLoop(j.Seq != 0, Ln(j.Seq != 0 ? "fxlblSeqModNotice" : "fxNoSequence"));
+    ResetPlayhead();
     showAll();  // before it opens, so that there is room for every text
     w.form.open(&w.ckPlay);
     OpenWave();

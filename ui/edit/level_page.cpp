@@ -177,6 +177,7 @@ void ckAutoDuck_Click() {
 
 void WireLevel() {
     JingleWindow& w = frmFX();
+    w.SlideVolCh.onDescribe = [] { return frmFX().lblVolVal.caption(); };
     w.SlideVolCh.onChange = [] {
         guarded("frmFX.SlideVolCh_Change", [] { SetLevel(frmFX().SlideVolCh.value()); });
     };

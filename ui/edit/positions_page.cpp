@@ -1,9 +1,9 @@
 #include "ui/edit/positions_page.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <string>
+#include <utility>
 
 #include "audio/cue_points.h"
 #include "audio/edit_sound.h"
@@ -107,7 +107,6 @@ void takeStart(double position) {
     if (Sounds(Edited.index)) EditSeek(Edited.index, j.CueStart);
     showPoint(w.TxtPos, w.sldPos, j.CueStart, sound);
     w.StartTxtPos.show(w.TxtPos.shown());
-    ShowStartAndStop();
     UpdateJFX();
 }
 
@@ -119,7 +118,6 @@ void takeStop(double position) {
     showPoint(w.TxtPos, w.sldPos, points.stop == 0 ? sound.length : points.stop, sound);
     w.StopTxtPos.show(w.TxtPos.shown());
     SetEndSync(points.stop);
-    ShowStartAndStop();
     UpdateJFX();
 }
 
@@ -225,11 +223,7 @@ void checktimeLO() {
     takeLoopOut(atEnd ? sound.length : position);
 }
 
-void UpdateLoopDuration() {
-    const FieldTime time = FieldsOf(seconds(EditedRecord().LoopLen));
-    frmFX().lblLDur.show(time);
-    frmFX().lblLoopTime.caption = TimeText(time);
-}
+void UpdateLoopDuration() { frmFX().lblLDur.show(FieldsOf(seconds(EditedRecord().LoopLen))); }
 
 void optStartEnd_Click(int which) {
     JingleWindow& w = frmFX();
@@ -238,7 +232,7 @@ void optStartEnd_Click(int which) {
     const JingleRecord& j = EditedRecord();
     const SoundLength sound = EditedLength();
     showPoint(w.TxtPos, w.sldPos, which == 0 ? j.CueStart : stopOf(j, sound), sound);
-    w.PlayFromStart.caption = Ln(which == 0 ? "fxPlayFromStart" : "fxPlayToStop");
+    ShowPositionTexts();
     settingMode = false;
 }
 
@@ -262,12 +256,16 @@ void MovePoint(CuePoint point, double at) {
     }
 }
 
-void ShowStartAndStop() {
+void ShowPositionTexts() {
     JingleWindow& w = frmFX();
-    constexpr std::array kNames{"fxlblStartPos", "fxlblStopPos"};
-    const TimeFields* const times[] = {&w.StartTxtPos, &w.StopTxtPos};
-    for (std::size_t i = 0; i < 2; ++i) {
-        w.optStartEnd[i]->caption = Ln(kNames[i]) + " " + TimeText(times[i]->shown());
+    const bool start = startChosen();
+    w.PlayFromStart.caption = Ln(start ? "fxPlayFromStart" : "fxPlayToStop");
+    const std::pair<const TimeFields&, const char*> times[] = {
+        {w.TxtPos, start ? "fxlblStartPos" : "fxlblStopPos"}, {w.TxtLI, "fxlblLI"}, {w.TxtLO, "fxlblLO"}};
+    for (const auto& [fields, name] : times) {
+        fields.min->toolTip = Ln(name) + ": " + Ln("fxlblPosMin");
+        fields.sec->toolTip = Ln(name) + ": " + Ln("fxlblPosSec");
+        fields.cs->toolTip = Ln(name) + ": " + Ln("fxlblPosCs");
     }
 }
 
@@ -298,7 +296,6 @@ void ShowPositions() {
     w.imgLockLoopLength.visible = w.ckLinkLILO.value == 1;
     w.StartTxtPos.show(FieldsOf(seconds(j.CueStart)));
     w.StopTxtPos.show(FieldsOf(seconds(stopOf(j, sound))));
-    ShowStartAndStop();
     optStartEnd_Click(w.optStartEnd[1]->value == 1 ? 1 : 0);
     showLoop();
     showFade();
@@ -318,6 +315,11 @@ void ResetPositions() {
 
 void WirePositionsPage() {
     JingleWindow& w = frmFX();
+    const std::pair<Control&, const TimeFields&> told[] = {
+        {w.sldLI, w.TxtLI}, {w.sldLO, w.TxtLO}, {w.sldPos, w.TxtPos}};
+    for (const auto& [slider, fields] : told)
+        slider.onDescribe = [&time = fields] { return TimeText(time.shown()); };
+    w.sldFadeOut.onDescribe = [] { return frmFX().lblFadeOutVal.caption(); };
     const auto onTime = [](const TimeFields& t, const char* procedure, void (*check)()) {
         for (Control* c : {t.min, t.sec, t.cs})
             c->onChange = [procedure, check] { guarded(procedure, check); };

@@ -12,8 +12,8 @@ void WirePositionsPage();
 void ShowPositions();
 /// Start, stop and fade as they are without any; the loop stays.
 void ResetPositions();
-/// The times in the captions of optStartEnd, in the language of the settings.
-void ShowStartAndStop();
+/// The texts that depend on what optStartEnd chose, in the language of the settings.
+void ShowPositionTexts();
 /// Brings the record's positions into the sound, which may have become shorter. True when one of them moved.
 bool HoldPositions();
 /// Moves a point as its fields would, but not to whole hundredths: to the nearest place that it may have.

@@ -16,6 +16,7 @@
 #include "startup/language.h"
 #include "startup/settings/dark.h"
 #include "ui/edit/edited_jingle.h"
+#include "ui/edit/playhead.h"
 #include "ui/edit/positions_page.h"
 #include "ui/screen/wave_picture.h"
 #include "ui/windows/jingle_window.h"
@@ -73,7 +74,7 @@ WaveMarks marks() {
     m.fade = j.StopPos == 0 ? 0 : j.FadeOut / 1000.0;
     m.logFade = j.LogFadeOut != 0;
     m.chosen = wave.hold == Hold::handle || focusedControl() == &canvas() ? wave.handle : wave.under;
-    if (Sounds(Edited.index)) m.playhead = EditSeconds(Edited.index, EditPosition(Edited.index));
+    if (Sounds(Edited.index) || Playhead() > 0) m.playhead = Playhead();
     return m;
 }
 
@@ -199,10 +200,8 @@ void mouseMove(const MouseEvent& e) {
 }
 
 void mouseUp(const MouseEvent& e) {
-    if (std::exchange(wave.hold, Hold::nothing) == Hold::press && Sounds(Edited.index)) {
-        const double at = std::clamp(wave.view.secondsAt(pixels(e.x)), 0.0, wave.view.length);
-        EditSeek(Edited.index, EditBytes(Edited.index, at));
-    }
+    if (std::exchange(wave.hold, Hold::nothing) == Hold::press)
+        PlacePlayhead(std::clamp(wave.view.secondsAt(pixels(e.x)), 0.0, wave.view.length));
     ShowWave();
 }
 

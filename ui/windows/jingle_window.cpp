@@ -6,7 +6,8 @@ namespace zv {
 
 namespace {
 
-constexpr int kWidth = 1000, kHeight = 760, kWaveHeight = 110, kRowGap = 4;  // pixels
+constexpr int kWidth = 1000, kHeight = 760, kWaveHeight = 88, kPlayheadHeight = 20, kWaveGap = 2, kRowGap = 4,
+              kLineHeight = 30;  // pixels
 constexpr int kFieldPixels = 46, kRangePixels = 84, kTargetPixels = 100, kLoudnessPixels = 154,
               kPlayPixels = 180;
 constexpr int kMostMinutes = 999, kCarrySeconds = 60, kCarryHundredths = 100;
@@ -15,12 +16,6 @@ constexpr int kRateStep = 5;
 constexpr int kLongestFade = 200;  // tenths of a second
 constexpr int kPositionStep = 10;  // hundredths
 constexpr int kFullVolume = 100;
-
-std::string twoDigits(int value) {
-    char text[16];
-    std::snprintf(text, sizeof text, "%02d", value);
-    return text;
-}
 
 void ranged(Control& control, int least, int most, int standard, int step = 1) {
     control.minimum = least;
@@ -36,19 +31,37 @@ std::vector<FormCell> cellsOfTime(const TimeFields& t, const char* tip) {
             {.control = t.cs, .tip = tip, .width = kFieldPixels}};
 }
 
+/// A time that is only shown, as one figure.
+FormCell figureOf(const TimeFields& t, const char* tip) {
+    return {.control = t.min, .tip = tip, .joined = {t.marks[0], t.sec, t.marks[1], t.cs}};
+}
+
 }  // namespace
+
+std::string TwoDigits(int value) {
+    char text[16];
+    std::snprintf(text, sizeof text, "%02d", value);
+    return text;
+}
 
 void TimeFields::show(const FieldTime& time) const {
     min->value = time.minutes;
     sec->value = time.seconds;
     cs->value = time.hundredths;
     if (min->kind != ControlKind::label) return;
-    min->caption = twoDigits(time.minutes);
-    sec->caption = twoDigits(time.seconds);
-    cs->caption = twoDigits(time.hundredths);
+    marks[0]->caption = std::string(":");
+    marks[1]->caption = std::string(".");
+    min->caption = TwoDigits(time.minutes);
+    sec->caption = TwoDigits(time.seconds);
+    cs->caption = TwoDigits(time.hundredths);
 }
 
 FieldTime TimeFields::shown() const { return {min->value(), sec->value(), cs->value()}; }
+
+void TimeFields::setVisible(bool seen) const {
+    for (Control* c : {min, sec, cs, marks[0], marks[1]})
+        if (c != nullptr) c->visible = seen;
+}
 
 TimeFields JingleWindow::fields(const std::string& name, ControlKind kind) {
     TimeFields t{&form.control(name + "Min", kind), &form.control(name + "Sec", kind),
@@ -57,6 +70,8 @@ TimeFields JingleWindow::fields(const std::string& name, ControlKind kind) {
     ranged(*t.min, 0, kMostMinutes, kNoStandard);
     ranged(*t.sec, -1, kCarrySeconds, kNoStandard);
     ranged(*t.cs, -1, kCarryHundredths, kNoStandard);
+    if (kind == ControlKind::label)
+        t.marks = {&form.control(name + "Colon", kind), &form.control(name + "Point", kind)};
     return t;
 }
 
@@ -118,8 +133,10 @@ FormCard JingleWindow::startAndStop() {
     FormRow time{.cells = cellsOfTime(TxtPos, "fxTimeTip")};
     time.cells.push_back({.control = &sldPos, .tip = "fxTimeTip", .width = kRestOfRow});
     return {.title = "fxStartAndStop",
-            .rows = {{.cells = {{.control = optStartEnd[0], .tip = "fxMoveStartTip"},
-                                {.control = optStartEnd[1], .tip = "fxMoveStopTip"}}},
+            .rows = {{.cells = {{.control = optStartEnd[0], .tip = "fxMoveStartTip", .width = kRestOfRow},
+                                figureOf(StartTxtPos, "fxStartTip")}},
+                     {.cells = {{.control = optStartEnd[1], .tip = "fxMoveStopTip", .width = kRestOfRow},
+                                figureOf(StopTxtPos, "fxStopTip")}},
                      time,
                      {.cells = {{.control = &PlayFromStart, .tip = "fxPlayFromStartTip"}}},
                      {.label = "fxlblFadeOut",
@@ -138,10 +155,10 @@ FormCard JingleWindow::loop() {
     in.cells.push_back({.control = &sldLI, .tip = "fxLoopInTip", .width = kRestOfRow});
     FormRow out{.label = lblLO, .cells = cellsOfTime(TxtLO, "fxLoopOutTip")};
     out.cells.push_back({.control = &sldLO, .tip = "fxLoopOutTip", .width = kRestOfRow});
-    FormRow length{.label = lblLoopLength,
-                   .cells = {{.control = &lblLoopTime, .tip = "fxLoopLengthTip"},
-                             {.control = &ckLinkLILO, .tip = "fxLinkTip"}}};
-    length.cells.push_back({.control = &imgLockLoopLength, .tip = "fxLinkTip"});
+    const FormRow length{
+        .label = lblLoopLength,
+        .cells = {figureOf(lblLDur, "fxLoopLengthTip"), {.control = &imgLockLoopLength, .tip = "fxLinkTip"}},
+        .height = kLineHeight};
     return {.title = lblSeqMod,
             .rows = {{.cells = {{.control = &lblSeqModNotice, .width = kRestOfRow}}},
                      in,
@@ -149,7 +166,8 @@ FormCard JingleWindow::loop() {
                      length,
                      {.cells = {{.control = &PlayFromLoopIn, .tip = "fxPlayFromLoopInTip"},
                                 {.control = &TestLoopOut, .tip = "fxTestLoopOutTip"}}},
-                     {.cells = {{.control = &btCopyStartPos, .tip = "fxCopyStartTip"}}},
+                     {.cells = {{.control = &btCopyStartPos, .tip = "fxCopyStartTip"},
+                                {.control = &ckLinkLILO, .tip = "fxLinkTip"}}},
                      {.cells = {{.control = &ckLoopFadeOut, .tip = "fxLoopFadeOutTip"}}}},
             .share = 8,
             .gap = kRowGap};
@@ -175,17 +193,20 @@ FormCard JingleWindow::level() {
 }
 
 JingleWindow::JingleWindow() {
-    // Single texts show the times, the picture the playhead.
-    for (Control* c : {&JID, &lblPosMinVal, &lblPosSecVal, &lblPosCs, &SlidePos}) c->visible = false;
-    for (const TimeFields& t : {StartTxtPos, StopTxtPos, lblLDur})
-        for (Control* c : {t.min, t.sec, t.cs}) c->visible = false;
+    // A single text shows the digits.
+    for (Control* c : {&JID, &lblPosMinVal, &lblPosSecVal, &lblPosCs}) c->visible = false;
+    SlidePos.step = kPositionStep;
     form.alwaysCentred = true;
     form.describe(
         {.header = {.title = lblJingleToFX, .line = lblFacts, .right = lblPos},
-         .blocks = {{{.rows = {{.cells = {{.control = &picWave, .tip = "fxWaveTip", .width = kRestOfRow}},
-                                .height = kWaveHeight,
-                                .grows = true}},
-                      .bare = true}}},
+         .blocks =
+             {{{.rows = {{.cells = {{.control = &picWave, .tip = "fxWaveTip", .width = kRestOfRow}},
+                          .height = kWaveHeight,
+                          .grows = true},
+                         {.cells = {{.control = &SlidePos, .tip = "fxPlayheadTip", .width = kRestOfRow}},
+                          .height = kPlayheadHeight}},
+                .bare = true,
+                .gap = kWaveGap}}},
          .pager = &TabFX,
          .pages = {{.name = "fxTab0", .blocks = {{equaliser(), sound()}}},
                    {.name = "fxTab1", .blocks = {{startAndStop(), loop(), level()}}}},
@@ -200,10 +221,9 @@ JingleWindow::JingleWindow() {
 }
 
 void JingleWindow::showLoop(bool shown, const std::string& notice) {
-    for (const TimeFields& t : {TxtLI, TxtLO})
-        for (Control* c : {t.min, t.sec, t.cs}) c->visible = shown;
-    for (Control* c : {&lblLoopTime, &lblLI, &lblLO, &lblLoopLength, &sldLI, &sldLO, &ckLinkLILO,
-                       &btCopyStartPos, &PlayFromLoopIn, &TestLoopOut, &ckLoopFadeOut})
+    for (const TimeFields& t : {TxtLI, TxtLO, lblLDur}) t.setVisible(shown);
+    for (Control* c : {&lblLI, &lblLO, &lblLoopLength, &sldLI, &sldLO, &ckLinkLILO, &btCopyStartPos,
+                       &PlayFromLoopIn, &TestLoopOut, &ckLoopFadeOut})
         c->visible = shown;
     lblSeqModNotice.caption = notice;
     lblSeqModNotice.visible = !shown;

@@ -13,9 +13,14 @@ namespace zv {
 /// The three fields of a time.
 struct TimeFields {
     Control *min, *sec, *cs;
+    std::array<Control*, 2> marks{};  ///< between them, of a time that is only shown
     void show(const FieldTime& time) const;
     FieldTime shown() const;
+    void setVisible(bool seen) const;
 };
+
+/// "07".
+std::string TwoDigits(int value);
 
 struct JingleWindow {
     JingleWindow();
@@ -67,7 +72,6 @@ struct JingleWindow {
     Control& lblLI = form.control("lblLI", ControlKind::label, "fxlblLI");
     Control& lblLO = form.control("lblLO", ControlKind::label, "fxlblLO");
     Control& lblLoopLength = form.control("lblLoopLength", ControlKind::label, "fxLoopLength");
-    Control& lblLoopTime = form.control("lblLoopTime", ControlKind::label);  ///< lblLDur as one text
     Control& lblSeqModNotice = form.control("lblSeqModNotice", ControlKind::label);
 
     // ---- level and behaviour ----

@@ -6,6 +6,7 @@
 #include <QPoint>
 
 #include "platform/qt/view/jingle_text.h"
+#include "platform/qt/view/native.h"
 #include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
 
@@ -138,6 +139,38 @@ class CanvasInterface final : public QAccessibleWidget {
     RecordView& view_;
 };
 
+/// A slider whose value is told in words, as a time or with its unit. One that stands upside down counts as it is seen.
+class SliderInterface final : public QAccessibleWidget, public QAccessibleValueInterface {
+  public:
+    SliderInterface(QWidget* widget, RecordView& view)
+        : QAccessibleWidget(widget, QAccessible::Slider), view_(view) {}
+
+    QString text(QAccessible::Text which) const override {
+        if (which != QAccessible::Description && which != QAccessible::Value)
+            return QAccessibleWidget::text(which);
+        std::string told;
+        call([&] { told = view_.record.onDescribe(); });
+        return textOf(told);
+    }
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);
+        return QAccessibleWidget::interface_cast(type);
+    }
+    QVariant currentValue() const override { return seen(view_.record.value); }
+    void setCurrentValue(const QVariant& value) override { userMovesSlider(view_, seen(value.toInt())); }
+    QVariant minimumValue() const override { return view_.record.minimum(); }
+    QVariant maximumValue() const override { return view_.record.maximum(); }
+    QVariant minimumStepSize() const override { return view_.record.step; }
+
+  private:
+    int seen(int value) const {
+        const Control& r = view_.record;
+        return r.alignment() == 1 ? r.minimum() + r.maximum() - value : value;
+    }
+
+    RecordView& view_;
+};
+
 QAccessibleInterface* make(const QString&, QObject* object) {
     auto* widget = qobject_cast<QWidget*>(object);
     if (widget == nullptr) return nullptr;
@@ -153,6 +186,7 @@ QAccessibleInterface* make(const QString&, QObject* object) {
         return new PressInterface(widget, *view, tab ? QAccessible::PageTab : QAccessible::CheckBox);
     }
     if (record->kind == ControlKind::canvas) return new CanvasInterface(widget, *view);
+    if (record->kind == ControlKind::slider && record->onDescribe) return new SliderInterface(widget, *view);
     if (record->kind == ControlKind::panel) return new PanelInterface(widget, *view);
     if (record->kind == ControlKind::label) return new QAccessibleWidget(widget, QAccessible::StaticText);
     return nullptr;

@@ -22,6 +22,7 @@ namespace {
 
 constexpr double kFieldSize = 13;
 constexpr int kRowHeight = 21;
+constexpr int kPageSteps = 10;    ///< of a slider whose steps are larger than one
 constexpr int kLongRange = 1000;  ///< a slider of more than that many values scrolls; others set a value
 
 QPalette fieldPalette(const Control& record) {
@@ -253,7 +254,10 @@ class SliderWidget final : public QSlider, public RecordView {
         setInvertedAppearance(fromRight());
         setInvertedControls(fromRight());
         const int range = maximum() - minimum();
-        setPageStep(std::max(1, range > kLongRange ? range / 5 : range / 10));
+        const int page = record.step > 1      ? kPageSteps * record.step
+                         : range > kLongRange ? range / 5
+                                              : range / 10;
+        setPageStep(std::max(1, page));
         setSingleStep(record.step > 1 || range <= kLongRange ? record.step : range / 16);
         // While the user holds it, the slider knows better than a record that was clamped meanwhile.
         if (value() != record.value()) setValue(record.value);

@@ -45,7 +45,7 @@ void sizeCell(const Control& record, QWidget& w, const FormCell& cell, const For
             w.setMinimumWidth(std::clamp(textWidth(record) + 44, rest ? kSwatch : kSliderWidth, kSliderMost));
             break;
         case ControlKind::slider:
-            w.setFixedHeight(kRowHeight);
+            w.setFixedHeight(std::min(high, kRowHeight));
             w.setMinimumWidth(rest ? kSliderLeast : kSliderWidth);
             if (!rest) w.setMaximumWidth(kSliderMost);
             break;

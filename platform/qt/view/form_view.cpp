@@ -368,8 +368,18 @@ QWidget* FormView::addCell(QBoxLayout& into, const FormCell& cell, const FormRow
     if (stretched && record.kind != ControlKind::label)
         w.setSizePolicy(QSizePolicy::Expanding, w.sizePolicy().verticalPolicy());
     sizeCell(record, w, cell, row);
+    if (!cell.joined.empty()) view->dress = Dress::value;
     view->refresh();
-    into.addWidget(&w, stretched ? 1 : 0, high ? Qt::Alignment() : Qt::AlignVCenter);
+    auto* figure = cell.joined.empty() ? nullptr : new QHBoxLayout;
+    if (figure != nullptr) {
+        figure->setSpacing(0);
+        figure->addWidget(&w);
+        for (Control* part : cell.joined)
+            figure->addWidget(text(*part, static_cast<int>(Dress::value)), 0, Qt::AlignVCenter);
+        into.addLayout(figure);
+    } else {
+        into.addWidget(&w, stretched ? 1 : 0, high ? Qt::Alignment() : Qt::AlignVCenter);
+    }
     if (QWidget* unit = text(cell.unit, static_cast<int>(Dress::value))) {
         if (record.kind == ControlKind::slider || record.kind == ControlKind::meter)
             unit->setMinimumWidth(kValueWidth);
