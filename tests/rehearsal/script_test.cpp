@@ -51,5 +51,46 @@ TEST(RehearsalScript, TellsWhatIsWrongAndWhere) {
     }
 }
 
+TEST(RehearsalScript, SaysWhatItHasRead) {
+    // A line, and the event log's words for it where they differ.
+    const std::pair<const char*, const char*> rows[] = {
+        {"press 3", ""},
+        {"press H0", "press 96"},
+        {"press H23", "press 119"},
+        {"down frmFX.btOK", ""},
+        {"up 119", ""},
+        {"click ckTab(1)", ""},
+        {"set frmFX.lblGain(2) \" 1.5 \"", "set frmFX.lblGain(2)  1.5 "},
+        {"midi 903C7F Pad", "midi Pad 903C7F"},
+        {"plug Sound card", ""},
+        {"unplug midi-in \"My Pad\"", "unplug midi-in My Pad"},
+        {"web http://a/ b.mp3 404 audio/mpeg;live", "web http://a/ b.mp3"},
+        {"expect lblDate.visible 1", ""},
+        {"expect J(0).State <= 2", ""},
+        {"expect txtDisPal = A  # the first", "expect txtDisPal A"},
+        {"expect DispText", ""},
+        {"shot a.png", "shot frmMain a.png"},
+        {"resize 1280 800", ""},
+        {"grid 8 12", ""},
+        {"key F9", ""},
+        {"time 2026-02-28 10:59:59", ""},
+        {"drop 7 a.wav", "drop a.wav"},
+    };
+    for (const auto& [line, said] : rows) {
+        const Script script = parseScript("at 70 " + std::string(line) + "\nat 70 end");
+        ASSERT_TRUE(script.faults.empty()) << line << ": " << script.faults.front().text;
+        EXPECT_EQ(actionText(script.actions[0]), *said == 0 ? line : said);
+        EXPECT_EQ(script.actions[0].at, 70);
+    }
+    const auto first = [](const char* text) { return parseScript(text).actions.at(0); };
+    const Action web = first("at 0 web http://a/ b 404 audio/mpeg;live\nat 1 end");
+    EXPECT_EQ(web.number, 404);
+    EXPECT_EQ(web.property, "audio/mpeg;live");
+    EXPECT_EQ(first("at 0 web http://a/ off\nat 1 end").number, 200);
+    EXPECT_EQ(first("at 0 mods ctrl Alt\nat 1 end").mods, kCtrlMask | kAltMask);
+    EXPECT_EQ(first("at 0 mods shift\nat 1 end").mods, kShiftMask);
+    EXPECT_EQ(first("at 0 drop 7 a.wav\nat 1 end").index, 7);
+}
+
 }  // namespace
 }  // namespace zv

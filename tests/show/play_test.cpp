@@ -229,7 +229,7 @@ TEST_F(Play, ReverbTailRingsOnAfterTheStop) {
     clTouchStop(0);
     pass(200);
     press();
-    pass(700);
+    pass(1000);  // well past where it lay
     EXPECT_TRUE(sounds());
     EXPECT_EQ(jingle().FadeSync, 0U);
 }
@@ -273,13 +273,15 @@ TEST_F(Play, PressesOnWhatCannotPlayDoNothing) {
 }
 
 TEST_F(Play, EveryPressOfAHundredStopsEarlierStopPositions) {
-    // Started and stopped many times before its stop position: it fades once, when it gets there.
+    // Started and stopped many times before its stop position, which moves on: it fades once, when it gets there.
     openJingle(level(framesOf(2000)),
-               key("StopPos", bytes(500)) + key("FadeOut", "100") + key("PlayMod", "2"));
+               key("StopPos", bytes(300)) + key("FadeOut", "100") + key("PlayMod", "2"));
     for (int i = 0; i < 100; ++i) {
         press();
         pass(10);
+        jingle().StopPos = static_cast<double>(bytesOf(301 + 2 * i));
     }
+    jingle().StopPos = static_cast<double>(bytesOf(500));
     heard();
     press();
     pass(1000);

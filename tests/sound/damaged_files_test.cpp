@@ -4,6 +4,9 @@
 #include <fstream>
 
 #include "tests/sound/workshop.h"
+#include "tests/support/places.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace zv::test {
 namespace {
@@ -130,6 +133,17 @@ TEST(DamagedFiles, WavHeadersThatLie) {
         ASSERT_TRUE(decoder) << claimed;
         EXPECT_EQ(claimed == 30'000U ? 7'500U : 10'000U, *decoder->length()) << claimed;
         EXPECT_EQ(*decoder->length() * 2, readWhole(*decoder).size()) << claimed;
+    }
+}
+
+/// What a fuzzer found once goes its way through the fuzzer's own target, which ends the program where one fails.
+TEST(DamagedFiles, WhatWasFoundHolds) {
+    const std::filesystem::path found = sourceDir() + "/tests/fuzz/found/decoder_fuzz";
+    ASSERT_FALSE(std::filesystem::is_empty(found));
+    for (const auto& entry : std::filesystem::directory_iterator(found)) {
+        const std::vector<char> bytes = readBytes(entry.path());
+        EXPECT_EQ(LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()),
+                  0);
     }
 }
 

@@ -500,6 +500,9 @@ TEST_F(PressTest, theConsoleIsFilledWhileItIsOpenAndKeepsTheLastLines) {
     EXPECT_EQ(shown.back(), "line 4999");
     ConsoleAdd("one more");
     EXPECT_EQ(shown.back(), "one more");
+    load(2, 1000);
+    press(2);
+    EXPECT_TRUE(std::ranges::any_of(shown, [](const auto& line) { return line.starts_with("2 clPlay "); }));
     CloseConsole();
 }
 
