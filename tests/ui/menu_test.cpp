@@ -79,6 +79,12 @@ TEST(JingleMenu, TheRulesBehindIt) {
          [](MenuFacts& f) { f.kind = SlotKind::playlist; },
          {"-mnuLockedBy", "!mnuLoop", "!mnuSeq", "!mnuAss", "!mnuCut", "!mnuPaste", "+mnuClr",
           "-mnuPlaylist"}},
+        {"playlist, whose button holds no file",
+         [](MenuFacts& f) {
+             f.kind = SlotKind::playlist, f.state = ButtonState::empty, f.playlistsEnabled = true;
+         },
+         {"+mnuCol", "+mnuspc2", "!mnuAss", "!mnuPaste", "+mnuClr", "+mnuPlaylist", "-mnuLockedBy", "-mnuFX",
+          "-mnuTa", "-mnuTouch", "-mnuJPath"}},
         {"playlists on", [](MenuFacts& f) { f.playlistsEnabled = true; }, {"+mnuPlaylist"}},
         {"playlists on, sequence", [](MenuFacts& f) { f.playlistsEnabled = f.seq = true; }, {"-mnuPlaylist"}},
         {"playlists on, loop", [](MenuFacts& f) { f.playlistsEnabled = f.loop = true; }, {"-mnuPlaylist"}},
@@ -106,12 +112,25 @@ TEST(JingleMenu, TheRulesBehindIt) {
             EXPECT_EQ(told, expected.substr(0, 1)) << c.what << ": " << expected.substr(1);
         }
     }
-    for (const auto& [kind, key] :
-         {std::pair{SlotKind::nothing, "mmnuPlaylistNew"}, {SlotKind::stream, "mmnuPlaylistAdd"}}) {
+    for (const auto& [kind, key] : {std::pair{SlotKind::nothing, "mmnuPlaylistNew"},
+                                    {SlotKind::stream, "mmnuPlaylistAdd"},
+                                    {SlotKind::playlist, "mmnuPlaylistEdit"}}) {
         MenuFacts facts = base;
         facts.kind = kind;
         facts.playlistsEnabled = true;
         EXPECT_EQ(find(JingleMenuEntries(facts), "mnuPlaylist")->key, key);
+    }
+}
+
+TEST(JingleMenu, OfSeveralButtons) {
+    for (const bool playlist : {false, true}) {
+        std::string all;
+        for (const MenuEntry& entry : SelectionMenuEntries(playlist))
+            all += entry.name + (entry.enabled ? "" : "!") + (entry.ticked ? "*" : "") + " ";
+        EXPECT_EQ(all,
+                  playlist
+                      ? "mnuClr mnuspc2 mnuCol "
+                      : "mnuClr mnuspc2 mnuCol mnuLoop mnuSeq mnuAutoRep mnuTouch mnuPlayStop mnuNoStop ");
     }
 }
 

@@ -3,6 +3,7 @@
 #include <random>
 
 #include "startup/settings/palette.h"
+#include "startup/settings/program.h"
 #include "startup/settings/search.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/search.h"
@@ -71,38 +72,60 @@ TEST_F(SearchTest, AccentsAndCaseDoNotCountOnEitherSide) {
 }
 
 TEST_F(SearchTest, FindsWhatAPlainLoopFinds) {
-    const std::vector<std::string> letters{"a", "É", "é", "ñ", "o", "Ö", "b", " ", "ç", "N", "ß", "1"};
+    // Letters of the four languages, and as what they count.
+    const std::vector<std::pair<std::string, std::string>> letters{
+        {"a", "a"}, {"à", "a"}, {"Á", "a"}, {"â", "a"}, {"Ä", "a"}, {"b", "b"}, {"ç", "c"},
+        {"Ç", "c"}, {"É", "e"}, {"è", "e"}, {"ê", "e"}, {"Ë", "e"}, {"í", "i"}, {"Î", "i"},
+        {"ï", "i"}, {"N", "n"}, {"ñ", "n"}, {"Ñ", "n"}, {"Ó", "o"}, {"ô", "o"}, {"Ö", "o"},
+        {"ß", "ß"}, {"Ú", "u"}, {"ù", "u"}, {"û", "u"}, {"Ü", "u"}, {"ÿ", "y"}, {"Œ", "œ"},
+        {"œ", "œ"}, {"æ", "æ"}, {"¡", "¡"}, {" ", " "}, {"1", "1"}, {"'", "'"}, {"[", "["}};
     std::mt19937 chance(3);
-    std::vector<std::pair<std::string, std::string>> all;  // palette, name
-    for (int p = 0; p < 50; ++p) {
-        std::vector<std::pair<int, std::string>> files;
-        for (int slot = 0; slot < 96; slot += 1 + static_cast<int>(chance() % 3)) {
-            std::string name = "x";
-            for (int n = 0; n < 6; ++n) name += letters[chance() % letters.size()];
-            name += "x";
-            files.emplace_back(slot, name + ".wav");
-            all.emplace_back("P" + std::to_string(100 + p), name);
+    const auto word = [&](int length) {
+        std::pair<std::string, std::string> out;
+        for (int n = 0; n < length; ++n) {
+            const auto& [letter, plain] = letters[chance() % letters.size()];
+            out.first += letter, out.second += plain;
         }
-        put("P" + std::to_string(100 + p), files);
-    }
-    ListAllJing();
-    const auto plain = [](std::string text) {
-        text = PlainLetters(text);
-        for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        return text;
+        return out;
     };
-    for (int i = 0; i < 100; ++i) {
-        std::string text;
-        for (int n = 0; n < 2 + i % 2; ++n) text += letters[chance() % letters.size()];
-        std::vector<std::string> wanted;
-        for (const auto& [palette, name] : all) {
-            if (plain(name).find(plain(text)) != std::string::npos &&
-                (wanted.empty() || wanted.back() != palette))
-                wanted.push_back(palette);
+    std::vector<std::pair<std::string, std::string>> names;  // and how they are compared
+    for (int i = 0; i < 400; ++i) {
+        const auto [name, plain] = word(6);
+        names.emplace_back("x" + name + "x", "x" + plain + "x");
+        if (i % 2 == 0) write(names.back().first + ".wav", "");  // the others are gone
+    }
+    struct Placed {
+        std::string palette;
+        int slot;
+        std::size_t name;
+    };
+    std::vector<Placed> all;
+    for (int p = 0; p < 60; ++p) {
+        const std::string palette = "P" + std::to_string(100 + p);
+        std::vector<std::pair<int, std::string>> files;
+        for (int slot = 0; slot < 96; slot += chance() % 10 == 0 ? 2 : 1) {
+            all.push_back({palette, slot, chance() % names.size()});
+            files.emplace_back(slot, names[all.back().name].first + ".wav");
+        }
+        put(palette, files);
+    }
+    EXPECT_GE(all.size(), 5000U);
+    ListAllJing();
+    for (int i = 0; i < 200; ++i) {
+        const auto [text, plain] = word(1 + i % 3);
+        std::vector<std::string> palettes;
+        std::vector<int> slots;  // of P130
+        for (const Placed& one : all) {
+            if (names[one.name].second.find(plain) == std::string::npos) continue;
+            if (palettes.empty() || palettes.back() != one.palette) palettes.push_back(one.palette);
+            if (one.palette == "P130" && one.name % 2 == 0) slots.push_back(one.slot);
         }
         std::vector<std::string> found = PalettesWith(text);
         std::erase_if(found, [](const std::string& palette) { return palette[0] != 'P'; });
-        EXPECT_EQ(found, wanted) << text;
+        EXPECT_EQ(found, palettes) << text;
+        std::vector<int> hits;
+        for (const SearchHit& hit : HitsIn("P130", text)) hits.push_back(hit.slot);
+        EXPECT_EQ(hits, slots) << text;
     }
 }
 
@@ -180,11 +203,18 @@ TEST_F(SearchTest, ClosesByTimeUnlessSomebodyTypes) {
 }
 
 TEST_F(SearchTest, TheKeysOfItsKeyboardType) {
-    JingSearch();
-    s().showKeys(true);
-    std::string letters;
-    for (Control* key : s().btKb) letters += key->caption();
-    EXPECT_EQ(letters, "1234567890QWERTYUIOPASDFGHJKLZXCVBNM");
+    for (const auto& [language, keys] : {std::pair{"Français", "1234567890AZERTYUIOPQSDFGHJKLMWXCVBN"},
+                                         {"Deutsch", "1234567890QWERTZUIOPASDFGHJKLYXCVBNM"},
+                                         {"Español", "1234567890QWERTYUIOPASDFGHJKLÑZXCVBNM"},
+                                         {"English", "1234567890QWERTYUIOPASDFGHJKLZXCVBNM"}}) {
+        programSettings.Language = language;
+        CloseSearchBox();
+        JingSearch();
+        s().showKeys(true);
+        std::string letters;
+        for (Control* key : s().btKb) letters += key->caption();
+        EXPECT_EQ(letters, keys);
+    }
     for (const char* wanted : {"N", "O"}) {
         const auto key = std::find_if(s().btKb.begin(), s().btKb.end(),
                                       [&](Control* k) { return k->caption() == wanted; });

@@ -138,6 +138,7 @@ void openSelector(const PlaylistItem* item) {
     s.lstPL.foreColor = frmMain().palettes.lstPal.foreColor();
     lstPLRefresh(item);
     s.btNew.enabled = item == nullptr;
+    s.btOpen.enabled = false;
     s.form.open(&s.lstPL);
 }
 
@@ -328,6 +329,9 @@ void WirePlaylists() {
     // The keyboard's way through the list chooses nothing yet.
     s.lstPL.onMouseUp = [](const MouseEvent& e) {
         if (e.button == MouseButton::left) guarded("frmPlaylistSelector.lstPL_Click", lstPL_Click);
+    };
+    s.lstPL.onChange = [] {
+        frmPlaylistSelector().btOpen.enabled = frmPlaylistSelector().lstPL.listIndex() >= 0;
     };
     s.btOpen.onClick = on("frmPlaylistSelector.btOpen_Click", lstPL_Click);
     s.btNew.onClick = on("frmPlaylistSelector.btNew_Click", btNew_Click);

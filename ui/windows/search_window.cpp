@@ -13,10 +13,10 @@ namespace zv {
 namespace {
 
 constexpr int kWidth = 760;       // pixels
-constexpr int kListHeight = 180;  // pixels
+constexpr int kListHeight = 130;  // pixels
 constexpr int kKeysInRow = 10;
-constexpr int kKeyWidth = 56;  // pixels
-constexpr int kNarrow = 48;    // pixels: keys with an arrow
+constexpr int kKeyWidth = 64, kKeyHeight = 40;  // pixels: a finger finds them
+constexpr int kNarrow = 48;                     // pixels: keys with an arrow
 
 constexpr const char* kUp = "▲";
 constexpr const char* kDown = "▼";
@@ -48,7 +48,7 @@ SearchWindow::SearchWindow() {
 
     FormCard keyboard{.bare = true};
     for (int first = 0; first < kSearchKeys; first += kKeysInRow) {
-        FormRow row;
+        FormRow row{.height = kKeyHeight};
         for (int i = first; i < std::min(first + kKeysInRow, kSearchKeys); ++i) {
             row.cells.push_back({.control = btKb[static_cast<std::size_t>(i)], .width = kKeyWidth});
         }

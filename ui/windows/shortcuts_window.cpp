@@ -19,7 +19,7 @@ namespace zv {
 
 namespace {
 
-constexpr int kChipWidth = 80, kRowHeight = 24, kRowGap = 3, kWidth = 1000;  // pixels
+constexpr int kChipWidth = 80, kRowHeight = 23, kRowGap = 2, kWidth = 1000;  // pixels
 constexpr int kSmallChange = 300, kLargeChange = 1000;                       // twips
 constexpr Colour kLightChip = 0xEEEBE9, kDarkChip = 0x3C3A38;
 

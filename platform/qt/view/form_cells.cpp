@@ -28,7 +28,10 @@ void sizeCell(const Control& record, QWidget& w, const FormCell& cell, const For
     switch (record.kind) {
         case ControlKind::button:
         case ControlKind::toggle:
-            w.setFixedHeight(row == nullptr ? kFootKey : kRowHeight);
+            // In a row of a finger's height a key fills it.
+            w.setFixedHeight(row == nullptr      ? kFootKey
+                             : high < kManyLines ? std::max(high, kRowHeight)
+                                                 : kRowHeight);
             w.setMinimumWidth(row == nullptr ? kFootKeyWidth : 0);
             break;
         case ControlKind::textBox:
