@@ -1,6 +1,7 @@
 #include "engine/sources/live_input.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <mutex>
 #include <utility>
@@ -13,7 +14,9 @@ namespace {
 
 constexpr double kTankSeconds = 4;
 constexpr std::size_t kTankSamples = 2U << 20;  ///< at most: 8 MB, whatever a stream says of itself
-constexpr double kRefillSeconds = 0.4;  ///< after running dry the stream waits for so much before it goes on
+/// Seconds of sound in store with which a stream begins, and goes on after it ran dry once, twice and more often: one
+/// that stalled will stall again.
+constexpr std::array kRefillSeconds{0.4, 1.2, 2.4, 3.0};
 constexpr std::size_t kPieceFrames = 2048;
 constexpr auto kFullWait = std::chrono::milliseconds(20);
 constexpr auto kDryWait = std::chrono::milliseconds(10);
@@ -97,14 +100,17 @@ std::size_t UrlInput::read(std::span<float> out) {
     const std::size_t channels = tank_->format.channels;
     const bool over = tank_->ended.load(std::memory_order_acquire);
     if (!flowing_) {
-        // A stream with more samples a second than the store was made for goes on with half a store.
-        const auto enough = std::min(static_cast<std::size_t>(kRefillSeconds * tank_->format.rate) * channels,
-                                     ring.capacity() / 2);
+        const auto frames = static_cast<std::size_t>(kRefillSeconds[ranDry_] * tank_->format.rate);
+        // A stream with more samples a second than the store was made for goes on with most of a store.
+        const std::size_t enough = std::min(frames * channels, ring.capacity() / 4 * 3);
         if (ring.filled() < enough && !over) return 0;
         flowing_ = true;
     }
     const std::size_t got = ring.read(out.data(), out.size() / channels * channels);
-    if (got == 0) flowing_ = false;
+    if (got == 0 && flowing_) {
+        flowing_ = false;
+        ranDry_ = std::min(ranDry_ + 1, kRefillSeconds.size() - 1);
+    }
     return got / channels;
 }
 

@@ -55,7 +55,8 @@ class UrlInput final : public LiveInput {
   private:
     struct Tank;
     std::shared_ptr<Tank> tank_;  // shared with the thread, which may outlive this in a read of the network
-    bool flowing_ = false;
+    bool flowing_ = false;        ///< sounds [audio]
+    std::size_t ranDry_ = 0;      ///< how often, as far as it counts [audio]
 };
 
 }  // namespace zv::engine

@@ -37,6 +37,9 @@ constexpr std::int64_t liveAnalysis = 100'000;  // us
 constexpr std::int64_t deepProbe = 5'000'000;   // large pictures in front of the sound
 constexpr auto fileLimit = 30s;
 
+constexpr std::size_t flacBlockHeader = 4;  // bytes: the kind, with a mark of the last one, and the length
+constexpr int flacComment = 4;
+
 int codeOf(int averror) {
     if (averror >= 0) return BASS_OK;
     switch (averror) {
@@ -158,6 +161,7 @@ int MediaInput::open(std::int64_t probeBytes) {
     for (unsigned i = 0; i < context->nb_streams; ++i)
         context->streams[i]->discard = static_cast<int>(i) == best ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
     stream_ = context->streams[best];
+    if (network_) hearSong();
     return decoder_.open(*stream_->codecpar, stream_->time_base);
 }
 
@@ -239,14 +243,39 @@ std::string MediaInput::told() const {
         av_free(text);
         if (!packet.empty()) return packet;
     }
+    const auto& [artist, title] = song_;
+    if (artist.empty() && title.empty()) return {};
+    return "StreamTitle='" + artist + (artist.empty() || title.empty() ? "" : " - ") + title + "';";
+}
+
+void MediaInput::hearSong() {
     const auto tag = [this](const char* key) -> std::string {
         const AVDictionaryEntry* entry = av_dict_get(stream_->metadata, key, nullptr, 0);
         if (!entry) entry = av_dict_get(context_->metadata, key, nullptr, 0);
         return entry ? entry->value : "";
     };
-    const std::string artist = tag("artist"), title = tag("title");
-    if (artist.empty() && title.empty()) return {};
-    return "StreamTitle='" + artist + (artist.empty() || title.empty() ? "" : " - ") + title + "';";
+    switch (stream_->codecpar->codec_id) {
+        case AV_CODEC_ID_FLAC: {
+            // The library hands the headers of a song that follows over as packets of its sound.
+            const std::string_view bytes(reinterpret_cast<const char*>(packet_->data),
+                                         static_cast<std::size_t>(packet_->size));
+            if (bytes.size() > flacBlockHeader && (bytes[0] & 0x7F) == flacComment)
+                song_ = ReadVorbisComment(bytes.substr(flacBlockHeader));
+            else if (packet_->size == 0)
+                song_ = {tag("artist"), tag("title")};
+            break;
+        }
+        case AV_CODEC_ID_OPUS:
+            // The library adds the names of a song that follows to those before.
+            if ((stream_->event_flags & AVSTREAM_EVENT_FLAG_METADATA_UPDATED) == 0 && packet_->size != 0)
+                break;
+            song_ = {tag("artist"), tag("title")};
+            stream_->event_flags &= ~AVSTREAM_EVENT_FLAG_METADATA_UPDATED;
+            av_dict_free(&stream_->metadata);
+            break;
+        default:
+            song_ = {tag("artist"), tag("title")};
+    }
 }
 
 bool MediaInput::reopen() { return open(quickProbe) >= 0 || open(deepProbe) >= 0; }
@@ -255,7 +284,10 @@ bool MediaInput::readPacket() {
     for (;;) {
         av_packet_unref(packet_.get());
         if (aborted_ || timedOut() || av_read_frame(context_.get(), packet_.get()) < 0) return false;
-        if (packet_->stream_index == stream_->index) return true;
+        if (packet_->stream_index == stream_->index) {
+            if (network_) hearSong();
+            return true;
+        }
         // A web stream's next title may come as a stream of its own.
         AVStream& other = *context_->streams[packet_->stream_index];
         if (network_ && other.codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/ports.h"
+#include "platform/common/vorbis_comment.h"
 #include "platform/ffmpeg/packet_decoder.h"
 
 namespace zv {
@@ -68,10 +69,13 @@ class MediaInput {
     MediaInput() = default;
     int connect();
     int open(std::int64_t probeBytes);
+    /// Takes over what the packet just read, or the container, says of the song on air.
+    void hearSong();
     const char* containers() const;
     static int interrupted(void* self);
 
     std::string path_, address_;
+    SongName song_;  ///< of the packet read last, where the container names songs
     bool network_ = false, segmented_ = false;
     IoHandle connection_;  ///< of an address; outlives the container that reads from it
     FormatHandle context_;

@@ -87,6 +87,9 @@ bool PacketDecoder::prepareConverter(const AVFrame& frame) {
     av_channel_layout_uninit(&in);
     av_channel_layout_uninit(&result);
     converter_.reset(converter);
+    // A song in mono goes to both sides as it is; the library would take 3 dB off.
+    static constexpr double asItIs[2] = {1, 1};
+    if (failed >= 0 && channels == 1 && format_.channels == 2) swr_set_matrix(converter, asItIs, 1);
     if (failed < 0 || swr_init(converter) < 0) {
         converter_.reset();
         return false;

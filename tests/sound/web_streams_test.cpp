@@ -1,6 +1,7 @@
 // Web streams from a server of the test's own, and everything that can go wrong on the way.
 #include <gtest/gtest.h>
 
+#include <malloc.h>
 #include <unistd.h>
 
 #include <cmath>
@@ -78,6 +79,8 @@ TEST_F(WebStreams, RepliesOfAllKinds) {
     server.answer("/ogg", plain("application/ogg", ogg));
     server.answer("/aac", plain("audio/aacp", aac));
     server.answer("/flac", plain("audio/flac", flac));
+    EXPECT_EQ(0, run("gzip -k " + (folder / "a.mp3")));
+    server.answer("/gzip", plain("audio/mpeg\r\nContent-Encoding: gzip", readBytes(folder / "a.mp3.gz")));
     server.answer("/chunked", [mp3](StreamServer::Client& client) {
         client.say("HTTP/1.1 200 OK\r\nContent-Type: audio/mpeg\r\nTransfer-Encoding: chunked\r\n\r\n");
         for (std::size_t at = 0; at < mp3.size(); at += 1777) {
@@ -108,7 +111,8 @@ TEST_F(WebStreams, RepliesOfAllKinds) {
     server.answer("/again", [&](StreamServer::Client& client) {
         client.say("HTTP/1.1 301 Moved\r\nLocation: /mp3\r\nContent-Length: 0\r\n\r\n");
     });
-    for (const char* path : {"/mp3", "/untyped", "/ogg", "/aac", "/flac", "/chunked", "/shout", "/moved"}) {
+    for (const char* path :
+         {"/mp3", "/untyped", "/ogg", "/aac", "/flac", "/chunked", "/shout", "/moved", "/gzip"}) {
         const auto decoder = open(server.url(path));
         ASSERT_TRUE(decoder) << path << " " << error;
         EXPECT_EQ(0, error);
@@ -149,6 +153,89 @@ TEST_F(WebStreams, TellsTheTitleOfTheSoundThatIsRead) {
     const auto named = open(server.url("/ogg"));
     ASSERT_TRUE(named) << error;
     EXPECT_EQ(named->told(), "StreamTitle='Her - Song';");
+}
+
+/// Bytes of `stream` up to the end of the page in which its first `seconds` end.
+std::size_t pagesOf(const std::vector<char>& stream, double rate, double seconds) {
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(stream[i]); };
+    std::size_t at = 0;
+    for (double until = 0; until < seconds * rate && at + 27 < stream.size();) {
+        const std::size_t pieces = byte(at + 26);
+        const bool ends = byte(at + 13) != 0xFF;  // a sound ends in it
+        until = ends ? byte(at + 6) + 256.0 * byte(at + 7) + 65536.0 * byte(at + 8) : until;
+        std::size_t size = 27 + pieces;
+        for (std::size_t i = 0; i < pieces; ++i) size += byte(at + 27 + i);
+        at += size;
+    }
+    return at;
+}
+
+TEST_F(WebStreams, NeedHalfASecondOfTheirOwnTimeToSound) {
+    constexpr double begins = 0.4, has = 0.5;  // s
+    const struct {
+        const char *file, *type, *encoder;
+        double rate;  // of the pages' time; 0: without pages
+    } formats[] = {
+        {"a.mp3", "audio/mpeg", "-b:a 128k", 0},
+        {"a.aac", "audio/aac", "-b:a 128k", 0},
+        {"v.ogg", "application/ogg", "-c:a libvorbis", 44'100},
+        {"a.opus", "audio/ogg", "-ar 48000", 48'000},
+        {"f.oga", "application/ogg", "-c:a flac", 44'100},
+    };
+    for (const auto& [file, type, encoder, rate] : formats) {
+        const auto body = encoded(file, encoder);
+        const auto part = rate == 0
+                              ? static_cast<std::size_t>(static_cast<double>(body.size()) * has / seconds)
+                              : pagesOf(body, rate, has);
+        ASSERT_LT(part, body.size()) << file;
+        server.answer("/part", [&, part](StreamServer::Client& client) {
+            client.say(header(type)), client.send(std::span(body).first(part)), client.waitForHangUp();
+        });
+        const auto decoder = open(server.url("/part"));
+        ASSERT_TRUE(decoder) << file << " " << error;
+        const auto wanted = static_cast<std::size_t>(begins * decoder->format().rate);
+        EXPECT_GE(readStream(*decoder, wanted).size() / 2, wanted) << file;
+    }
+}
+
+TEST_F(WebStreams, SongsThatFollowInOneOggStreamGoOnUnderTheirNames) {
+    for (const auto& [encoder, later] : {std::pair<std::string, std::string>{"libvorbis", "44100"},
+                                         {"libopus", "24000"},
+                                         {"flac", "44100"}}) {
+        std::vector<char> stream;
+        for (const std::string& song :
+             std::vector<std::string>{"-ar 48000 -metadata title=One -metadata artist=Her",
+                                      "-af 'pan=1c|c0=c0' -ar 48000 -metadata title=Two", "-ar " + later}) {
+            const auto part = encoded("song.ogg", "-c:a " + encoder + " " + song);
+            stream.insert(stream.end(), part.begin(), part.end());
+        }
+        server.answer("/songs", [&](StreamServer::Client& client) {
+            client.say(header("application/ogg")), client.send(stream);
+        });
+        const auto decoder = open(server.url("/songs"));
+        ASSERT_TRUE(decoder) << encoder << " " << error;
+        std::vector<std::string> names;
+        std::vector<double> power(3);
+        std::vector<float> some(2048);
+        std::size_t frames = 0;
+        within(20, [&] {
+            while (const std::size_t got = decoder->read(some)) {
+                const auto song =
+                    static_cast<std::size_t>(static_cast<double>(frames) / decoder->format().rate / seconds);
+                for (const float sample : std::span(some).first(got * 2))
+                    power[std::min<std::size_t>(song, 2)] +=
+                        static_cast<double>(sample) * static_cast<double>(sample);
+                frames += got;
+                if (names.empty() || names.back() != decoder->told()) names.push_back(decoder->told());
+            }
+            return decoder->ended();
+        });
+        EXPECT_NEAR(static_cast<double>(frames) / decoder->format().rate, 3 * seconds, 0.15) << encoder;
+        EXPECT_EQ(names, (std::vector<std::string>{"StreamTitle='Her - One';", "StreamTitle='Two';", ""}))
+            << encoder;
+        EXPECT_NEAR(power[1] / power[0], 1, 0.1) << encoder << ", in mono";
+        EXPECT_NEAR(power[2] / power[0], 1, 0.1) << encoder << ", at another rate";
+    }
 }
 
 TEST_F(WebStreams, PlaylistsLeadToTheirStream) {
@@ -258,6 +345,14 @@ TEST_F(WebStreams, EveryFailureHasItsCode) {
     server.answer("/garbage", drip(header("audio/mpeg"), std::string(4096, '\x5A'), 1));
     server.answer("/packed",
                   drip(header("audio/mpeg", "Content-Encoding: gzip\r\n"), "\x1F\x8B\x08 rubbish", 5));
+    // Headers of sound that promise gigabytes.
+    const std::string zeros(1 << 16, '\0');
+    server.answer("/long-tag",
+                  drip(header("audio/mpeg") + std::string("ID3\4\0\0\x7F\x7F\x7F\x7F", 10), zeros, 0));
+    server.answer("/long-chunk", drip(header("audio/wav", "Content-Length: 4000000000\r\n") +
+                                          std::string("RIFF\xFF\xFF\xFF\x7FWAVELIST\xFF\xFF\xFF\x7F", 20),
+                                      zeros, 0));
+    server.answer("/long-atom", drip(header("audio/mp4") + std::string("\x7F\xFF\xFF\xFFmoov", 8), zeros, 0));
     server.answer("garbled",
                   [](StreamServer::Client& client) { client.say("HTTP/1.1 400 Bad Request\r\n\r\n"); });
     const struct {
@@ -280,6 +375,9 @@ TEST_F(WebStreams, EveryFailureHasItsCode) {
         {server.url("/one-header"), BASS_ERROR_TIMEOUT},
         {server.url("/garbage"), BASS_ERROR_FILEFORM},
         {server.url("/packed"), BASS_ERROR_TIMEOUT},
+        {server.url("/long-tag"), BASS_ERROR_TIMEOUT},
+        {server.url("/long-chunk"), BASS_ERROR_TIMEOUT},
+        {server.url("/long-atom"), BASS_ERROR_TIMEOUT},
         {"http://no-such-host.invalid/", BASS_ERROR_NONET},
         {server.url("/", "https"), BASS_ERROR_SSL},
         {"ftp://127.0.0.1/a.mp3", BASS_ERROR_PROTOCOL},
@@ -293,6 +391,7 @@ TEST_F(WebStreams, EveryFailureHasItsCode) {
         EXPECT_EQ(expected, error) << url;
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1500)) << url;
     }
+    EXPECT_LT(mallinfo2().uordblks + mallinfo2().hblkhd, std::size_t{100} << 20);
 }
 
 TEST_F(WebStreams, SecureOnes) {
