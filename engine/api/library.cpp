@@ -46,7 +46,15 @@ DeviceStatistics statistics(int device) {
     return slot ? slot->statistics() : DeviceStatistics{};
 }
 
-void settleSyncs() { Engine::instance().dispatcher.settle(); }
+void settleSyncs() {
+    Engine& engine = Engine::instance();
+    {
+        // Nearly always nothing is due: no other thread need be woken to find that.
+        const std::lock_guard lock(engine.mutex);
+        if (engine.offline() && !engine.graph.syncEvents.filled() && engine.graph.commands.settled()) return;
+    }
+    engine.dispatcher.settle();
+}
 
 bool slideAtSync(DWORD handle, HSYNC sync, float value, DWORD ms, bool logarithmic) {
     const Call call;

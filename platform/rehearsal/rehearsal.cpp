@@ -31,11 +31,14 @@ namespace {
 constexpr std::int64_t kCollectMs = 1000;
 constexpr std::uint32_t kUsualRate = 44100;
 
-void makeDevices(int outputs) {
+void makeDevices(int outputs, bool sound) {
     OfflineOptions options;
     options.outputs = {kMainOutput, kAuxOutput};
     options.outputs.resize(static_cast<std::size_t>(std::clamp(outputs, 0, 2)));
     options.inputs = {kMicrophone};
+    // Nobody looks at what goes out: silence need not be computed.
+    options.keepSound = sound;
+    options.rests = !sound;
     Stage::instance().devices = makeOfflineDevices(options);
 }
 
@@ -156,7 +159,7 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     stage.scriptFolder = std::filesystem::absolute(options.script).parent_path().string();
 
     VirtualClock& clock = VirtualClock::instance();
-    makeDevices(options.outputs);
+    makeDevices(options.outputs, options.keepSound);
     clock.drive(Stage::instance().devices);
     clock.onPeriod([] {
         if (const engine::EngineControl* engine = engine::audioLibraryControl()) engine->settleSyncs();
