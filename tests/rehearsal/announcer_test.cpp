@@ -70,9 +70,9 @@ TEST_F(Announcer, MarksTakeTheRestDown) {
     EXPECT_NEAR(peak(heard, framesOf(5620), framesOf(5790)), 0.5, 0.01);
 }
 
-TEST_F(Announcer, SlowOncePerHourOverMidnight) {
+TEST_F(Announcer, SlowOncePerHourOfADay) {
     std::string script = "at 0 time 2026-02-28 22:59:00\nat 500 click ckTmAnn\n";
-    for (int hour = 0; hour < 3; ++hour) {
+    for (int hour = 0; hour < 24; ++hour) {
         const int moment = (hour * 3600 + 55) * 1000;
         const auto expects = [&](int ms, const std::string& compare) {
             script +=
@@ -80,7 +80,7 @@ TEST_F(Announcer, SlowOncePerHourOverMidnight) {
         };
         expects(-100, "!="), expects(200, "="), expects(2900, "="), expects(3200, "!=");
     }
-    perform(script + "at 7260000 end\n", "--no-sound");
+    perform(script + "at 86400000 end\n", "--no-sound");
 }
 
 TEST_F(Announcer, OncePerHourOverClocksThatAreSet) {
