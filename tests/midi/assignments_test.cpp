@@ -255,6 +255,23 @@ TEST_F(SurfaceTest, MessagesAreCopiedTestedAndKept) {
     EXPECT_TRUE(MIDIStore.GetValue("OutReset", 0, "Pad").empty());
 }
 
+TEST_F(SurfaceTest, AFaderIsSeenAndItsCodeMayBeAnother) {
+    start({});
+    clMIDI("Vol", -1);
+    MidiFaderWindow& w = frmMIDIFader();
+    send("B00710 B00820");
+    EXPECT_EQ(w.SlideFader.value(), 0x10);
+    w.lstMidiInDump.listIndex = 1;
+    w.lstMidiInDump.onChange();
+    EXPECT_EQ(w.lblFaderCode.caption(), "B0 08");
+    w.ckReverse.value = 1;
+    w.ckReverse.onChange();
+    send("B00821 B00733");
+    EXPECT_EQ(w.SlideFader.value(), 127 - 0x21);
+    w.btOK.onClick();
+    EXPECT_EQ(section("Pad"), "MainVolume=B008,1");
+}
+
 TEST_F(SurfaceTest, AWheelShowsWhichDirectionIsMissing) {
     start({});
     clMIDI("lstPal", -1);

@@ -2,12 +2,16 @@
 // of the tests decides where codes overlap. Then the same through the window and the sound.
 
 #include "midi/dispatch.h"
+#include "audio/streams.h"
 #include "model/actions.h"
 #include "startup/settings/automix.h"
 #include "startup/settings/devices.h"
+#include "startup/settings/marks.h"
 #include "startup/settings/midi.h"
 #include "startup/settings/volumes.h"
 #include "tests/midi/surface.h"
+#include "ui/press/global_keys.h"
+#include "ui/records/timers.h"
 
 namespace zv::test {
 namespace {
@@ -147,6 +151,79 @@ TEST_F(DispatchTest, EachMessageAsksForOneThing) {
     deviceSettings.DeviceSingle = 0;
 }
 
+TEST_F(DispatchTest, SlotsBehindTheLastOneOfTheGridDoNotReactHotOnesDo) {
+    start(kAll);
+    note();
+    const int last = LastPalIdx;
+    LastPalIdx = 2;
+    send("901220 901320 901300 902064");
+    LastPalIdx = last;
+    EXPECT_EQ(asked, "play:2/64 play:96/100");
+}
+
+/// What happens in the program lights the lamps of both outputs.
+TEST_F(SurfaceTest, EachEventLightsItsLamps) {
+    load(0, 1000);
+    writePalette("B", 1);
+    start(kAll);
+    midiOut.OutReset = "B00000";
+    auto& keys = frmMain().keys;
+    auto& palettes = frmMain().palettes;
+    const MouseEvent left{MouseButton::left};
+    const auto same = [](bool on) { markSettings.toColor = on ? markSettings.moColor : 0x00FF00; };
+    same(false);
+    const struct {
+        const char* name;
+        std::function<void()> act;
+        const char* sent;
+    } events[] = {
+        {"a mode's key", [&] { keys.ckAutoRep.onMouseDown(left); }, "A00301 A00302 f907C7F"},
+        {"let go: all three", [&] { keys.ckAutoRep.onMouseUp(left); }, "A00302 A00400 A00500"},
+        {"one mode ends the other", [&] { keys.ckTouch.onMouseDown(left); },
+         "A00401 A00402 f907D7F A00300 f807C7F"},
+        {"off again", CkTouchTog, "A00400 f807D7F"},
+        {"automix A", CkAutoMixTog, "A00502 f907E7F"},
+        {"automix B", CkAutoMixTog, "A00503 f907E7F"},
+        {"no automix", CkAutoMixTog, "A00500 f807E7F"},
+        {"up", [&] { palettes.btUp.onMouseDown(left); }, "A00101 f907A7F"},
+        {"up let go", [&] { palettes.btUp.onMouseUp(left); }, "A00100 f807A7F"},
+        {"down", [&] { palettes.btDn.onMouseDown(left); }, "A00201 f907B7F"},
+        {"down let go", [&] { palettes.btDn.onMouseUp(left); }, "A00200 f807B7F"},
+        {"stop", [&] { keys.btStop.onMouseDown(left); }, "A00601 f907F7F"},
+        {"stop let go", [&] { keys.btStop.onMouseUp(left); }, "A00600 f807F7F"},
+        {"microphone", MicPush, "A00801 f90797F"},
+        {"microphone let go", MicRelease, "A00800 f80797F"},
+        {"talk-over", TalkOverTog, "A00701 f90787F"},
+        {"the input's release", [&] { timers().TimerTOrelease.restart(), pass(1000); }, "A00701"},
+        {"talk-over ends", TalkOverTog, "A00700 f80787F"},
+        {"both in one colour", [&] { same(true), TalkOverTog(), MicPush(); },
+         "A00701 f90787F A00801 f90797F"},
+        {"the microphone stays open", MicRelease, ""},
+        {"until talk-over ends", TalkOverTog, "A00700 f80787F A00800 f80797F"},
+        {"a jingle", [&] { press(0); }, "A01001 f90007F"},
+        {"let go while it plays", [&] { release(0); }, "f80007F A01004"},
+        {"at its end", [&] { pass(1500); }, "A01002"},
+        {"an option takes the press", [&] { SelectorsOn = true, press(0), release(0), SelectorsOn = false; },
+         ""},
+        {"its end then", [&] { pass(1500); }, "A01002"},
+        {"an empty one let go", [&] { release(2); }, "f80027F A01203"},
+        {"loaded", [&] { load(2, 100); }, "A01202"},
+        {"no sound", [&] { load(2, std::vector<std::int16_t>{}); }, "A01203"},
+        {"taken away", [] { openNames(2, "Test", false); }, "A01203"},
+        {"all anew", [] { MIDIOutRefresh(0); },
+         "A00700 A00800 A00600 A00100 A00200 A00300 A00400 A00500 A01002 A01203"},
+        {"and reset", [] { MIDIOutRefresh(-1); },
+         "B00000 A00700 A00800 A00600 A00100 A00200 A00300 A00400 A00500 A01002 A01203"},
+        {"switched off", [] { ckMIDIEnable_Click(MidiSwitch::input, false); }, "B00000"},
+        {"nothing then", [] { MIDIOutRefresh(-1); }, ""},
+    };
+    for (const auto& event : events) {
+        sent();
+        event.act();
+        EXPECT_EQ(sent(), event.sent) << event.name;
+    }
+}
+
 TEST_F(DispatchTest, APressThatCannotBeYetIsHeldBackAndTheRestWaitsBehindIt) {
     start(kAll);
     note();
@@ -200,6 +277,9 @@ TEST_F(SurfaceTest, APadPlaysAndGlows) {
         {"touch", "PlayMod=2", "0 m90107F 300 m901000", "a0-100 b100-300", "A01001 A01002 A01002"},
         {"play stop", "PlayMod=3", "0 m90107F 100 m901000 300 m90107F 350 m901000", "a0-100 b100-300",
          "A01001 A01004 A01001 A01002 A01002"},
+        {"touch for all", "", "0 m900464 10 m90107F 310 m901000 400 m900464", "a10-110 b110-310",
+         "A00401 A00402 A01001 A01002 A01002 A00401 A00400"},
+        {"a sequence is let go", "Seq=1", "0 m90107F 300 m901000", "a0-100 b100-", "A01001 A01004"},
         {"half as hard", "", "0 m901040", "a0-100@-6.0 b100-@-6.0", "A01001"},
         {"stop all", "", "0 m90107F 300 m90067F", "a0-100 b100-300", "A01001 A00601 A01002"},
     };

@@ -144,6 +144,46 @@ TEST_F(EditorTest, whatANumberPushesWhileItIsTypedComesBack) {
     EXPECT_EQ(j.LoopOut, j.LoopIn + 5280);
 }
 
+TEST_F(EditorTest, presetsAreChosenSavedReplacedAndDeleted) {
+    FXPresetsStore.PutSection(kFXPresetsSection, {{"Bass boost", "7,3,1,0,0,0,0,0,0,0,0"},
+                                                  {"Far", "99,-99,0,0,0,0,0,5000,50,-9999,40"}});
+    open();
+    const auto choose = [&](int row) {
+        w.cmbFXpreset.listIndex = row;
+        w.cmbFXpreset.onChange();
+        expectAgreement();
+    };
+    choose(0);
+    EXPECT_EQ(j.FXV, "-7,-3,-1,0,0,0,0,0,0,44100,0");
+    EXPECT_EQ(w.lblEQV[0]->caption(), "+7 dB");
+    EXPECT_TRUE(PalToSave);
+    choose(1);  // beyond the sliders: at their ends
+    EXPECT_EQ(j.FXV, "-10,10,0,0,0,0,0,3000,30,30870,30");
+    EXPECT_EQ(w.lblTempoVal[1]->caption() + " " + w.lblSamplerateHz.caption(), "-30 % 30870 Hz");
+    const auto stored = [](const char* name) { return FXPresetsStore.GetValue(name, 0, kFXPresetsSection); };
+    const auto save = [&](const char* name, BoxAnswer answer) {
+        w.txtFXpreset.caption = std::string(name);
+        desktop().answers = {answer};
+        w.btAddFXpreset.onClick();
+    };
+    save("Mine", BoxAnswer::no);
+    EXPECT_EQ(stored("Mine"), "10,-10,0,0,0,0,0,3000,30,-300,30") << "a new name asks nothing";
+    EXPECT_EQ(w.cmbFXpreset.text(), "Mine");
+    w.btReset.onClick();
+    save("mine", BoxAnswer::no);
+    EXPECT_EQ(stored("Mine").substr(0, 2), "10");
+    save("mine", BoxAnswer::yes);
+    EXPECT_EQ(stored("Mine"), "0,0,0,0,0,0,0,0,0,0,0");
+    for (const BoxAnswer answer : {BoxAnswer::no, BoxAnswer::yes}) {
+        EXPECT_FALSE(stored("Mine").empty());
+        desktop().answers = {answer};
+        w.btDelFXpreset.onClick();
+    }
+    EXPECT_TRUE(stored("Mine").empty());
+    EXPECT_EQ(desktop().boxes.size(), 4U);
+    EXPECT_FALSE(w.btDelFXpreset.enabled);
+}
+
 TEST_F(EditorTest, openingAndClosingChangesNothing) {
     const std::string odd = "0.5,0,0,0,0,0,0,33.5,2.25,44123,1.5";
     open("CueStart=101 StopPos=7003 FXV=" + odd);

@@ -56,6 +56,23 @@ void showSliders() {
     w.sldTempo[kPitch]->value = rounded(e.pitch);
 }
 
+/// The sliders as they stand, the rate as its slider has it.
+EffectVector sliderValues() {
+    const JingleWindow& w = frmFX();
+    EffectVector e;
+    for (std::size_t i = 0; i < kEqBands; ++i) e.sliders[i] = w.sldEQ[i]->value();
+    e.reverbMs = w.sldReverb.value();
+    e.tempo = w.sldTempo[kTempo]->value();
+    e.rate = w.sldTempo[kRate]->value();
+    e.pitch = w.sldTempo[kPitch]->value();
+    return e;
+}
+
+/// Nobody's hand moves it: within its limits.
+void slide(Control& slider, double value) {
+    slider.value = std::clamp(rounded(value), slider.minimum(), slider.maximum());
+}
+
 void fillPresets(const std::string& selected) {
     Control& list = frmFX().cmbFXpreset;
     const auto names = EffectPresets();
@@ -97,13 +114,18 @@ void cmbFXpreset_Click() {
     JingleWindow& w = frmFX();
     const std::string name = w.cmbFXpreset.text();
     if (name.empty()) return;
-    EffectVector e = ReadEffectPreset(name);
-    e.rate = RateOfSlider(std::clamp(rounded(e.rate), -MostRateDown(), MostRateUp()), EditedRecord().Freq);
-    Edited.effects = e;
+    // What lies beyond a slider of these settings counts as the slider's end.
+    const EffectVector stored = ReadEffectPreset(name);
+    for (std::size_t i = 0; i < kEqBands; ++i) slide(*w.sldEQ[i], stored.sliders[i]);
+    slide(w.sldReverb, stored.reverbMs);
+    slide(*w.sldTempo[kTempo], stored.tempo);
+    slide(*w.sldTempo[kRate], stored.rate);
+    slide(*w.sldTempo[kPitch], stored.pitch);
+    Edited.effects = sliderValues();
+    Edited.effects.rate = RateOfSlider(Edited.effects.rate, EditedRecord().Freq);
     w.txtFXpreset.caption = name;
     w.btDelFXpreset.enabled = true;
     ApplyEffects();
-    showSliders();
     changed();
 }
 
@@ -122,9 +144,7 @@ void btAddFXpreset_Click() {
     const auto names = EffectPresets();
     const bool known = std::ranges::any_of(names, [&](const std::string& n) { return SameText(n, name); });
     if (known && !agreed("fxMsrp", "vbReplace")) return;
-    EffectVector e = Edited.effects;
-    e.rate = w.sldTempo[kRate]->value();
-    if (WriteEffectPreset(name, e)) {
+    if (WriteEffectPreset(name, sliderValues())) {
         fillPresets(name);
     } else {
         messageBox(LnBox("mFolderNotWritable"), name, BoxKind::warning, BoxButtons::ok);

@@ -65,7 +65,7 @@ void showPlaying() {
     const bool sounding = Plays(Edited.index);
     w.ckPlay.backColor =
         sounding ? playingSettings.PlayingColor : (j.BTNCol == kFaceColourText ? kButtonFace : j.BackRGB);
-    w.ckPlay.caption = (sounding ? "\xE2\x96\xA0 " : "\xE2\x96\xB6 ") + Ln(sounding ? "fxStop" : "fxHear");
+    w.ckPlay.caption = (sounding ? "\xE2\x96\xA0 " : "\xE2\x96\xB6 ") + w.lblJingleToFX.caption();
 }
 
 void TimerPosTick() {

@@ -146,7 +146,10 @@ void showFade() {
     JingleWindow& w = frmFX();
     const JingleRecord& j = EditedRecord();
     w.sldFadeOut.value = j.FadeOut / kFadeStepMs;
-    w.lblFadeOutVal.caption = NumberText(j.FadeOut / kFadeStepMs / kTenths) + " s";
+    std::string fade = NumberText(j.FadeOut / kFadeStepMs / kTenths);
+    if (const auto point = fade.find('.'); point != std::string::npos)
+        fade.replace(point, 1, Ln("fxDecimal"));
+    w.lblFadeOutVal.caption = fade;
     w.ckLogFadeOut.value = j.LogFadeOut;
     w.ckLoopFadeOut.value = j.LoopFadeOut;
 }

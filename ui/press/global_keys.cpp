@@ -1,6 +1,7 @@
 #include "ui/press/global_keys.h"
 
 #include <string>
+#include <utility>
 
 #include "audio/automix.h"
 #include "audio/talk_over.h"
@@ -20,6 +21,9 @@
 namespace zv {
 
 namespace {
+
+/// The talk-over key has the colour of a pushed microphone: the microphone stays open when it is let go, its lamp lit.
+bool micHeldOpen = false;
 
 void keepToggles() {
     keySettings.Touch = ToggleTouch;
@@ -87,6 +91,7 @@ void MicPush() {
         if (deviceSettings.DeviceSingle != 0) {
             return;
         }
+        micHeldOpen = false;
         RaiseMic();
         Arm(frmMain().keys.btMicPush, markSettings.moColor);
         LampOfMic(true);
@@ -101,9 +106,11 @@ void MicRelease() {
         MicPushed = false;
         KeyControls& k = frmMain().keys;
         Disarm(k.btMicPush);
-        if (k.btMicTO.backColor != markSettings.moColor) {
-            LowerMic();
+        micHeldOpen = k.btMicTO.backColor == markSettings.moColor;
+        if (micHeldOpen) {
+            return;
         }
+        LowerMic();
         LampOfMic(false);
     });
 }
@@ -124,6 +131,9 @@ void TalkOverTog() {
         timers().TimerTOrelease.stop();
         if (!Armed(k.btMicPush)) {
             EndTalkOver();
+            if (std::exchange(micHeldOpen, false)) {
+                LampOfMic(false);
+            }
         }
     });
 }

@@ -22,6 +22,9 @@ void SwitchInput(bool on) {
         } else {
             CloseMic();
             // The key is disabled now and gets no release: let it go here.
+            if (MicPushed) {
+                LampOfMic(false);
+            }
             MicPushed = false;
             Disarm(frmMain().keys.btMicPush);
             timers().TimerTOrelease.setInterval(duckSettings.InTORelease > 0 ? duckSettings.InTORelease : 1);
