@@ -363,12 +363,20 @@ TEST_F(KeepingByChance, DISABLED_oneSequenceForTheKiller) {
     begin(numberFrom("ZENTROVA_SEQUENCE", 0));
     std::ofstream log(std::getenv("ZENTROVA_LOG"));
     log << path("").string() << std::endl;
+    const int doomed = numberFrom("ZENTROVA_DOOMED_STEP", -1);
+    std::jthread killer;
     for (int i = 0; i <= kSteps; ++i) {
         std::string saved = "hot:" + text(belief.savedHot);
         for (const auto& [name, slots] : belief.saved) saved += "|" + name + ":" + text(slots);
         const std::size_t what = trace.rfind("; ", trace.size() - 3);
         log << (i == 0 ? "begin; " : trace.substr(what == std::string::npos ? 0 : what + 2)) << saved
             << std::endl;
+        if (i == doomed)
+            killer = std::jthread([] {
+                std::this_thread::sleep_for(
+                    std::chrono::microseconds(numberFrom("ZENTROVA_DOOMED_AFTER", 0)));
+                ::kill(::getpid(), SIGKILL);
+            });
         if (i < kSteps) step();
     }
 }
@@ -402,9 +410,16 @@ std::string standing(const std::string& folder, std::initializer_list<const char
     return {};
 }
 
-pid_t goThrough(int sequence, const std::string& log) {
+/// When the sequence is killed: so many microseconds after a step has begun; never without a step.
+struct Doom {
+    int step = -1, microseconds = 0;
+};
+
+pid_t goThrough(int sequence, const std::string& log, Doom doom) {
     const pid_t child = ::fork();
     if (child != 0) return child;
+    ::setenv("ZENTROVA_DOOMED_STEP", std::to_string(doom.step).c_str(), 1);
+    ::setenv("ZENTROVA_DOOMED_AFTER", std::to_string(doom.microseconds).c_str(), 1);
     ::setenv("ZENTROVA_SEQUENCE", std::to_string(sequence).c_str(), 1);
     ::setenv("ZENTROVA_LOG", log.c_str(), 1);
     if (std::freopen("/dev/null", "w", stdout) == nullptr) ::_exit(1);
@@ -421,18 +436,15 @@ TEST_F(KeepingByChance, killedAtAnyMomentEachFileIsOldOrNew) {
         const std::string all = path("all.log").string(), some = path("some.log").string();
         int status = 0;
         const auto before = std::chrono::steady_clock::now();
-        ::waitpid(goThrough(kill, all), &status, 0);
+        ::waitpid(goThrough(kill, all, {}), &status, 0);
         ASSERT_EQ(status, 0);
         const auto lasts =
             std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - before)
                 .count();
         const std::vector<std::pair<std::string, Sections>> steps = toldIn(all).steps;
         ASSERT_EQ(steps.size(), kSteps + 1U);
-        const pid_t child = goThrough(kill, some);
-        std::this_thread::sleep_for(
-            std::chrono::microseconds(lasts / 4 + static_cast<std::int64_t>(random()) % (lasts * 3 / 4)));
-        ::kill(child, SIGKILL);
-        ::waitpid(child, &status, 0);
+        const Doom doom{static_cast<int>(random() % kSteps), static_cast<int>(random() % (lasts / kSteps))};
+        ::waitpid(goThrough(kill, some, doom), &status, 0);
         const Told told = toldIn(some);
         const std::size_t done = told.steps.size();
         if (done == 0 || done > kSteps || !std::filesystem::exists(told.folder)) continue;
