@@ -174,6 +174,30 @@ TEST(Forms, AreWalkedByTabInReadingOrder) {
         "picWave tabs txtName SlideVol udRows cmbPlace cmbDevice ckTick ColField btReset btCancel btOK ");
 }
 
+TEST(Forms, TheKeyboardsPlaceIsSeenOnEveryControl) {
+    for (const bool dark : {false, true}) {
+        TestForm form(dark);
+        form.tick.value = 1;
+        form.open();
+        setFocus(form.btReset);
+        for (int i = 0; i < 12; ++i) {
+            keyDown(Key::tab);
+            keyUp(Key::tab);
+            const Control& at = *focusedControl();
+            QWidget& w = viewOf(at)->widget;
+            const QImage with = w.grab().toImage();
+            w.clearFocus();
+            const QImage without = w.grab().toImage();
+            setFocus(const_cast<Control&>(at));
+            int seen = 0;  // pixels that are clearly lighter or darker
+            for (int y = 0; y < with.height(); ++y)
+                for (int x = 0; x < with.width(); ++x)
+                    seen += std::abs(qGray(with.pixel(x, y)) - qGray(without.pixel(x, y))) > 30 ? 1 : 0;
+            EXPECT_GT(seen, 20) << at.name << (dark ? ", dark" : "");
+        }
+    }
+}
+
 TEST(Forms, ACanvasSaysWhatIsChosenInItAndAllThatStandsThere) {
     TestForm form;
     form.open();

@@ -18,6 +18,7 @@ namespace {
 
 constexpr int kScrollBarWidth = 12;
 constexpr int kSliderThumb = 16;
+constexpr double kAlike = 0.12;  ///< difference of lightness that is not seen
 constexpr int kTickBox = 16;
 constexpr int kMenuRow = 28;
 
@@ -37,6 +38,13 @@ QColor shadedFor(const QStyleOption& o, const QColor& face) {
 
 bool keyboardFocus(const QStyleOption& o) {
     return (o.state & QStyle::State_HasFocus) && (o.state & QStyle::State_KeyboardFocusChange);
+}
+
+/// Of a field; on a dark ground the one with the keyboard is lighter than the accent colour itself.
+QColor fieldBorder(const QStyleOption& o) {
+    const QPalette& c = o.palette;
+    if (!(o.state & QStyle::State_HasFocus)) return c.color(QPalette::Mid);
+    return c.color(QPalette::Highlight).lighter(lightness(c.color(QPalette::Base)) < 0.5 ? 150 : 100);
 }
 
 void drawArrow(QPainter& p, const QRectF& box, const QColor& colour, bool up) {
@@ -63,25 +71,25 @@ class Style final : public QProxyStyle {
                 if (qobject_cast<const QComboBox*>(w != nullptr ? w->parentWidget() : nullptr) != nullptr) {
                     return;  // the combo box has drawn its field
                 }
-                drawFace(*p, o->rect, c.color(QPalette::Base),
-                         o->state & State_HasFocus ? c.color(QPalette::Highlight) : c.color(QPalette::Mid));
+                drawFace(*p, o->rect, c.color(QPalette::Base), fieldBorder(*o));
                 return;
             case PE_FrameLineEdit:
                 return;
             case PE_Frame:
-                drawFace(*p, o->rect, c.color(QPalette::Base),
-                         o->state & State_HasFocus ? c.color(QPalette::Highlight) : c.color(QPalette::Mid));
+                drawFace(*p, o->rect, c.color(QPalette::Base), fieldBorder(*o));
                 return;
             case PE_PanelButtonCommand: {
                 const QColor face = c.color(QPalette::Button);
                 drawFace(*p, o->rect, shadedFor(*o, face), c.color(QPalette::Mid));
-                if (keyboardFocus(*o)) drawFocus(*p, o->rect, c.color(QPalette::Highlight));
+                if (keyboardFocus(*o)) drawFocusOn(*p, o->rect, face, c);
                 return;
             }
             case PE_IndicatorCheckBox:
                 drawTickBox(*p, o->rect, o->state & State_On, shadedFor(*o, c.color(QPalette::Base)),
                             keyboardFocus(*o) ? c.color(QPalette::Highlight) : c.color(QPalette::Mid),
                             c.color(QPalette::Highlight));
+                if (keyboardFocus(*o) && (o->state & State_On))
+                    drawFocusOn(*p, o->rect, c.color(QPalette::Highlight), c);
                 return;
             case PE_IndicatorRadioButton: {
                 p->save();
@@ -306,6 +314,14 @@ class Style final : public QProxyStyle {
         }
     }
 
+    /// On a face in the colour of the focus the ring has the colour of the text on it.
+    static void drawFocusOn(QPainter& p, const QRectF& rect, const QColor& face, const QPalette& c) {
+        const QColor focus = c.color(QPalette::Highlight);
+        const bool alike =
+            std::abs(lightness(face) - lightness(focus)) < kAlike && face.hslHue() == focus.hslHue();
+        drawFocus(p, rect, !alike ? focus : lightness(face) < 0.5 ? QColor(Qt::white) : QColor(Qt::black));
+    }
+
     void drawSlider(const QStyleOptionSlider& o, QPainter& p) const {
         const QRectF thumb = QProxyStyle::subControlRect(CC_Slider, &o, SC_SliderHandle, nullptr);
         const bool flat = o.orientation == Qt::Horizontal;
@@ -328,7 +344,7 @@ class Style final : public QProxyStyle {
         }
         p.setBrush(on);
         p.drawRoundedRect(filled, 2, 2);
-        p.setBrush(o.palette.color(QPalette::Button));
+        p.setBrush(keyboardFocus(o) ? on : o.palette.color(QPalette::Button));
         p.setPen(
             QPen(keyboardFocus(o) || (o.state & State_Sunken) ? on : o.palette.color(QPalette::Shadow), 1.4));
         p.drawEllipse(c, 7, 7);
@@ -336,9 +352,7 @@ class Style final : public QProxyStyle {
     }
 
     static void drawCombo(const QStyleOptionComboBox& o, QPainter& p) {
-        const QColor border =
-            o.state & State_HasFocus ? o.palette.color(QPalette::Highlight) : o.palette.color(QPalette::Mid);
-        drawFace(p, o.rect, o.palette.color(QPalette::Base), border);
+        drawFace(p, o.rect, o.palette.color(QPalette::Base), fieldBorder(o));
         drawArrow(p, QRectF(o.rect.right() - 24, o.rect.top(), 22, o.rect.height()),
                   o.palette.color(o.state & State_Enabled ? QPalette::Text : QPalette::Mid), false);
     }
