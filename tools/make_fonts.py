@@ -163,7 +163,7 @@ def symbols(w):
     put("r", "repeats by itself", arc(400, 350, 230, w, -45, 250), head(470, 172, 215, 230))
     put("v", "plays while touched", disc(400, 360, 90), arc(400, 360, 190, w * 0.8, 0, 350), arc(400, 360, 300, w * 0.8, 20, 160),
         arc(400, 360, 300, w * 0.8, 200, 340))
-    put("w", "plays to its end", triangle)
+    put("w", "plays to its end", poly((150, 90), (150, 630), (540, 360)), rect(570, 90, 670, 630, 20))
     put("y", "play", triangle)
     put("z", "stop the stream", rect(170, 130, 630, 590, 40))
     put("S", "stop", rect(170, 130, 630, 590, 40))
@@ -186,7 +186,7 @@ def symbols(w):
         line(w, (640, 110), (640, 520)), head(640, 690, 90, 200))
     put("e", "effects", *[line(w * 0.8, (x, 70), (x, 650)) for x in (190, 400, 610)],
         rect(110, 400, 270, 500, 30), rect(320, 190, 480, 290, 30), rect(530, 450, 690, 550, 30))
-    put("m", "play mode", triangle, line(w, (130, 110), (130, 610)))
+    put("m", "plays, stops at the next press", poly((40, 100), (40, 620), (390, 360)), rect(450, 160, 780, 560, 30))
     put("u", "second voice", line(w, (160, 560), (160, 160)), line(w, (320, 640), (320, 80)),
         line(w, (480, 500), (480, 220)), line(w, (640, 580), (640, 140)))
     put("c", "colour", disc(400, 260, 210), poly((210, 350), (590, 350), (400, 690)))

@@ -5,6 +5,7 @@
 #include <QFontMetricsF>
 #include <QSlider>
 
+#include "platform/qt/view/jingle_places.h"
 #include "platform/qt/view/jingle_text.h"
 #include "platform/qt/view/painted.h"
 #include "platform/qt/view/theme.h"
@@ -74,12 +75,31 @@ TEST(Jingle, OnlyWhatChangedIsPaintedAgain) {
     EXPECT_TRUE(w.takeAsked().isEmpty()) << "a hidden mark asks for nothing";
     f.lp.visible = true;
     flushChanged();
-    EXPECT_TRUE(QRect(178, 6, 20, 20).contains(w.takeAsked().boundingRect()))
+    EXPECT_TRUE(QRect(172, 4, 26, 26).contains(w.takeAsked().boundingRect()))
         << "its place and what is around it";
     f.button.backColor = 0xFFFFFF;
     flushChanged();
     EXPECT_EQ(w.takeAsked().boundingRect(), w.rect());
     EXPECT_TRUE(neighbour.takeAsked().isEmpty());
+}
+
+TEST(Jingle, MarksAreToldByTheirSignsAndShrinkBeforeTheNameMoves) {
+    Stage s;
+    Family& f = *s.families[0];
+    f.button.caption = "Name";
+    f.lp.visible = true;
+    f.lp.foreColor = 0x80C0FF;
+    f.lp.caption = "l";
+    const QImage loop = s.picture();
+    f.lp.caption = "s";
+    EXPECT_NE(s.picture(), loop) << "another sign in the same colour";
+    JinglePlaces places(f.button);
+    double before = 100;
+    for (const MarkSize marks : {MarkSize::full, MarkSize::compact, MarkSize::dot}) {
+        places.settle(QSize(200, 76), 15, {true, true, marks});
+        EXPECT_LT(places.placeOf(f.lp).width(), before);
+        before = places.placeOf(f.lp).width();
+    }
 }
 
 TEST(Jingle, ScreenRepaintsGiveTheSamePictureAsAFreshOne) {

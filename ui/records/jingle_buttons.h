@@ -11,7 +11,7 @@ namespace zv {
 /// parts from their records: geometry in twips inside the button, colours as they stand.
 ///   b_Jingle                   caption (of two lines the first is the duration), both colours, value: JingleState
 ///   JremBG, JRemLev            the bar's track and the bar: filled with backColor, hidden while nothing sounds
-///   lp, sq, fx, pm_Jingle      state marks: a dot in foreColor while visible; caption is their symbol letter
+///   lp, sq, fx, pm_Jingle      state marks: a chip in foreColor while visible; caption is their symbol letter
 ///   picPlaylist, lblPlaylist   a small field with the letter "P" or "K" of the symbol font
 ///   picbtnumber, lblbtnumber   the number
 ///   ckJingSel                  the selection box, value 0 or 1

@@ -40,24 +40,16 @@ void ShowPlayModeMark(int index) {
     }
     const JingleRecord& j = Jingle(index);
     const bool filled = !j.Path.empty();
-    Colour colour = 0;
-    switch (j.PlayMod) {
-        case PlayMode::global:
-            break;
-        case PlayMode::autoRepeat:
-            colour = Shaded.ar;
-            break;
-        case PlayMode::touch:
-            colour = Shaded.tc;
-            break;
-        case PlayMode::playStop:
-            colour = Shaded.ps;
-            break;
-        case PlayMode::noStop:
-            colour = Shaded.ns;
-            break;
-    }
-    b->pm_Jingle.foreColor = colour;
+    struct Mark {
+        Colour colour;
+        const char* symbol;
+    };
+    const std::array<Mark, 5> marks{
+        {{0, "m"}, {Shaded.ar, "r"}, {Shaded.tc, "v"}, {Shaded.ps, "m"}, {Shaded.ns, "w"}}};
+    const auto mode = static_cast<std::size_t>(j.PlayMod);
+    const Mark& mark = marks[mode < marks.size() ? mode : 0];
+    b->pm_Jingle.foreColor = mark.colour;
+    b->pm_Jingle.caption = mark.symbol;
     b->pm_Jingle.visible = filled && j.PlayMod != PlayMode::global && j.Seq == 0;
 }
 

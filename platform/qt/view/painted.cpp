@@ -1,8 +1,46 @@
 #include "platform/qt/view/painted.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 namespace zv::shell {
+
+namespace {
+
+struct Asked {
+    QWidget* parent;
+    QRect rect;  ///< in the parent
+};
+std::vector<Asked>& gathered() {
+    static std::vector<Asked> all;
+    return all;
+}
+bool gathering = false;
+
+}  // namespace
+
+AskedTogether::AskedTogether() : outermost_(!std::exchange(gathering, true)) {}
+
+AskedTogether::~AskedTogether() {
+    if (!outermost_) return;
+    gathering = false;
+    auto& all = gathered();
+    // Rectangles in reading order are appended; in another order a region is joined anew with each of them.
+    std::ranges::sort(all, {}, [](const Asked& a) {
+        return std::tuple(std::bit_cast<std::uintptr_t>(a.parent), a.rect.top(), a.rect.left());
+    });
+    for (auto from = all.begin(); from != all.end();) {
+        QWidget* const parent = from->parent;
+        QRegion region;
+        for (; from != all.end() && from->parent == parent; ++from) region += from->rect;
+        parent->update(region);
+    }
+    all.clear();
+}
 
 PaintedWidget::PaintedWidget(Control& r, QWidget* parent)
     : QWidget(parent), RecordView(r, static_cast<QWidget&>(*this)) {}
@@ -14,11 +52,18 @@ QRect PaintedWidget::partPlace(const Control& part) const {
 void PaintedWidget::ask(const QRect& r) {
     const QRect inside = r & rect();
     if (inside.isEmpty()) return;
-    if (asked_.rectCount() < 64) asked_ += inside;
-    update(inside);
+    if (watched_) asked_ += inside;
+    if (!gathering || isHidden() || parentWidget() == nullptr) {
+        update(inside);
+    } else {
+        gathered().push_back({parentWidget(), inside.translated(pos())});
+    }
 }
 
-QRegion PaintedWidget::takeAsked() { return std::exchange(asked_, {}); }
+QRegion PaintedWidget::takeAsked() {
+    watched_ = true;
+    return std::exchange(asked_, {});
+}
 
 /// A bar of one colour that is longer or shorter than before: nothing but its end has to be painted.
 bool PaintedWidget::grew(const Shown& before, const Shown& now) {

@@ -10,6 +10,19 @@
 
 namespace zv::shell {
 
+/// While one lives, what painted widgets ask for is gathered and asked for at its end, as one region for each
+/// block of them: a tick of the display asks for hundreds of small rectangles. No widget may end meanwhile.
+class AskedTogether {
+  public:
+    AskedTogether();
+    ~AskedTogether();
+    AskedTogether(const AskedTogether&) = delete;
+    AskedTogether& operator=(const AskedTogether&) = delete;
+
+  private:
+    bool outermost_;
+};
+
 class PaintedWidget : public QWidget, public RecordView {
   public:
     PaintedWidget(Control& record, QWidget* parent);
@@ -17,7 +30,8 @@ class PaintedWidget : public QWidget, public RecordView {
     bool paintsChildren() const override { return true; }
     void partChanged(Control& part) override;
     Control* partAt(QPoint at) const override;
-    /// Rectangles asked to be painted since the last call, for the tests of what a change costs.
+    /// Rectangles asked to be painted since the last call, kept from the first call on: for the tests of what a
+    /// change costs.
     QRegion takeAsked();
 
   protected:
@@ -41,6 +55,7 @@ class PaintedWidget : public QWidget, public RecordView {
     void remember(const Control& from);
 
     std::unordered_map<const Control*, Shown> shown_;  ///< how each part was painted last
+    bool watched_ = false;
     QRegion asked_;
 };
 

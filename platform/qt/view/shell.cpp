@@ -10,6 +10,7 @@
 
 #include "platform/clock.h"
 #include "platform/desktop.h"
+#include "platform/qt/view/painted.h"
 #include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
 #include "platform/qt/view/windows.h"
@@ -104,6 +105,7 @@ void flushChanged() {
     if (!application()) return;
     // Showing a record changes no record, so one pass is enough; a handler that a widget calls back comes
     // again by its own change.
+    const AskedTogether painting;
     std::vector<Control*> forms;  // a record of each form that changed
     for (Control* record : takeChanged()) {
         showChange(*record);

@@ -127,7 +127,13 @@ Theme themeFor(const Control& window) {
     return lightness(back) < kDarkBelow ? dark(back) : light();
 }
 
-Theme themeOf(const Control& control) { return themeFor(windowOf(control)); }
+const Theme& themeOf(const Control& control) {
+    static std::map<Colour, Theme> known;
+    const Control& window = windowOf(control);
+    const auto found = known.find(window.backColor);
+    return found != known.end() ? found->second
+                                : known.emplace(window.backColor(), themeFor(window)).first->second;
+}
 
 const Theme& programTheme() { return program(); }
 

@@ -26,8 +26,8 @@ struct Theme {
 
 /// The theme of a window record: dark when its back colour is.
 Theme themeFor(const Control& window);
-/// The theme of the window that the control stands in.
-Theme themeOf(const Control& control);
+/// The theme of the window that the control stands in; each is worked out once.
+const Theme& themeOf(const Control& control);
 /// For message boxes and menus: the theme of the window shown first.
 const Theme& programTheme();
 void setProgramTheme(const Theme& theme);
