@@ -144,6 +144,84 @@ TEST_F(EditorTest, whatANumberPushesWhileItIsTypedComesBack) {
     EXPECT_EQ(j.LoopOut, j.LoopIn + 5280);
 }
 
+/// The jingle is a second of each tone from a to e; positions in ms.
+TEST_F(EditorTest, whatIsListenedToIsHeard) {
+    const struct {
+        const char *name, *keys, *acts, *heard;
+    } rows[] = {
+        {"from the start and stopped", "CueStart=500", "0 play 1000 play", "a0-500 b500-1010"},
+        {"to its stop", "CueStart=500 StopPos=1500", "0 play", "a0-500 b500-1000"},
+        {"its stop fades", "CueStart=500 StopPos=1500 FadeOut=500", "0 play", "a0-500 b500-1000~1490"},
+        {"from the start again", "CueStart=500", "0 play 1200 from",
+         "a0-500 b500-1210 a1220-1720 b1720-2720 c2720-"},
+        {"the last half second", "StopPos=3500", "0 stop 0 from", "d0-500"},
+        {"without a stop the file's", "", "0 stop 0 from", "e0-500"},
+        {"the loop goes round", "Seq=1 LoopIn=1000 LoopOut=2500", "0 loop", "b0-1000 c1000-1500 b1500-"},
+        {"its turn", "Seq=1 LoopIn=1000 LoopOut=2500", "0 turn", "b0-500 c500-1000 b1000-2000 c2000-"},
+        {"a start that moves", "", "0 play 500 to3", "a0-500 d500-1500 e1500-2500"},
+        {"a playhead that moves", "", "0 play 500 at4", "a0-500 e500-1500"},
+        {"a loop that moves under it", "Seq=1 LoopIn=1000 LoopOut=2500", "0 loop 500 in0.5",
+         "b0-1000 c1000-1500 a1500-2000 b2000-"},
+        {"a stop ahead of it", "", "0 play 500 stop 600 to2 2200 play",
+         "a0-1000 b1000-2000 a2200-3200 b3200-4200"},
+        {"closing ends it", "", "0 play 700 ok", "a0-710"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        load(kSlot, tones("a1000 b1000 c1000 d1000 e1000"), row.keys);
+        clFXSet(kSlot);
+        w.TabFX.listIndex = 1;
+        w.optStartEnd[0]->onChange();
+        heard();
+        perform(row.acts, [&](const std::string& act) {
+            const auto seconds = [&](std::size_t from) { return std::atof(act.c_str() + from); };
+            if (act == "play") w.ckPlay.onClick();
+            if (act == "from") w.PlayFromStart.onClick();
+            if (act == "loop") w.PlayFromLoopIn.onClick();
+            if (act == "turn") w.TestLoopOut.onClick();
+            if (act == "stop") w.optStartEnd[1]->onChange();
+            if (act == "ok") w.btOK.onClick();
+            if (act.starts_with("to")) setTime(w.TxtPos, static_cast<int>(seconds(2)), 0);
+            if (act.starts_with("in")) setTime(w.TxtLI, 0, static_cast<int>(100 * seconds(2)));
+            if (act.starts_with("at")) set(w.SlidePos, static_cast<int>(100 * seconds(2)));
+        });
+        pass(2500);
+        EXPECT_EQ(whatIsHeard(heard()), row.heard);
+        OKfx();
+        pass(200);
+        EXPECT_EQ(BASS_ChannelIsActive(j.hPlay), BASS_ACTIVE_STOPPED);
+        EXPECT_EQ(j.State, PlayState::idle);
+    }
+}
+
+TEST_F(EditorTest, aPageGoesBackToItsDefaults) {
+    open(
+        "Seq=1 CueStart=1000 StopPos=6000 FadeOut=2000 LogFadeOut=1 LoopFadeOut=1 LoopIn=2000 LoopOut=4000 "
+        "Volm=250 FXV=-5,0,0,0,0,0,3,700,10,48000,-2");
+    EXPECT_EQ(w.cmbRange.text(), "300 %");
+    w.TabFX.listIndex = 0;
+    w.btReset.onClick();
+    EXPECT_EQ(j.FXV, "0,0,0,0,0,0,0,0,0,44100,0");
+    expectAgreement();
+    EXPECT_EQ(j.CueStart, kSecond);
+    w.TabFX.listIndex = 1;
+    w.btReset.onClick();
+    EXPECT_EQ(j.CueStart + j.StopPos + j.FadeOut + j.LogFadeOut + j.LoopFadeOut, 0);
+    EXPECT_EQ(j.FadeAttrib, BASS_ATTRIB_VOL);
+    EXPECT_EQ(std::pair(j.Volm, w.cmbRange.text()), std::pair(100, std::string("100 %")));
+    EXPECT_EQ(w.StopTxtPos.shown(), FieldsOf(8000.0 * 44 / 44100));
+    EXPECT_FALSE(Button(kSlot)->fx_Jingle.visible);
+    pass(2000);
+    w.btMaxVol.onClick();  // of a sound at half the level
+    EXPECT_NEAR(j.Volm, 200, 1);
+    EXPECT_EQ(w.btMaxVol.backColor(), kButtonFace);
+    set(w.SlideVolCh, j.Volm + 1);
+    EXPECT_EQ(w.btMaxVol.backColor(), 255);
+    w.cmbRange.listIndex = 0;
+    w.cmbRange.onChange();
+    EXPECT_EQ(j.Volm, 100);
+}
+
 TEST_F(EditorTest, presetsAreChosenSavedReplacedAndDeleted) {
     FXPresetsStore.PutSection(kFXPresetsSection, {{"Bass boost", "7,3,1,0,0,0,0,0,0,0,0"},
                                                   {"Far", "99,-99,0,0,0,0,0,5000,50,-9999,40"}});
