@@ -298,6 +298,16 @@ TEST_F(SurfaceTest, APadPlaysAndGlows) {
         send("90067F");
         pass(100);
     }
+    // Under the mouse it glows as long as the button is held, longer than the sound.
+    load(0, 100);
+    pass(50);
+    sent();
+    press(0);
+    pass(300);
+    EXPECT_EQ(sent(), "A01001");
+    release(0);
+    pass(100);
+    EXPECT_EQ(sent(), "A01002");
 }
 
 TEST_F(SurfaceTest, AKeyHeldForHalfASecondGoesToTheEndOfTheList) {
