@@ -397,6 +397,31 @@ TEST_F(TempoProcessor, SenselessParametersAreCut) {
 
 // ---- through the mixers, as the program plays it
 
+/// Each sound of a mixer is heard as if it were alone, also while it goes in and out of being stretched.
+TEST_F(TempoProcessor, SoundsTogetherAreThoseAlone) {
+    const auto play = [&](int which) {
+        begin({.period = 64});
+        engineControl()->install({decoders, soundTouchStretchers(), devices});
+        const Topology studio;
+        std::vector<DWORD> jingles;
+        for (int k = 0; k < 2; ++k) {
+            decoders->sounds["t"] = {.length = 441000, .sample = [k](std::uint64_t f, std::uint32_t) {
+                                         return test::sine(f, k == 0 ? 300 : 700, 44100, 0.2);
+                                     }};
+            jingles.push_back(studio.jingle(file("t")));
+            if (which < 0 || which == k) BASS_ChannelPlay(jingles.back(), false);
+        }
+        for (const float tempo : {0.0F, 10.0F, 0.0F}) {
+            for (const DWORD jingle : jingles) BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO, tempo);
+            pull(6400);
+        }
+        return take();
+    };
+    const std::vector<float> together = play(-1), one = play(0), other = play(1);
+    for (std::size_t i = 0; i < together.size(); ++i)
+        ASSERT_NEAR(together[i], one[i] + other[i], 1e-6) << i / 2;
+}
+
 TEST_F(TempoProcessor, TempoPitchAndRateDoWhatTheySay) {
     const struct {
         float tempo, pitch, freq;

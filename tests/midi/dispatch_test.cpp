@@ -310,6 +310,33 @@ TEST_F(SurfaceTest, APadPlaysAndGlows) {
     EXPECT_EQ(sent(), "A01002");
 }
 
+/// What a hand does at the window shows at the surface.
+TEST_F(SurfaceTest, TheWindowsKeysLightTheirLamps) {
+    start(kAll);
+    MainWindow& w = frmMain();
+    Control& mic = w.keys.btMicPush;
+    Control& talk = w.keys.btMicTO;
+    const struct {
+        const char* what;
+        std::function<void()> act;
+        const char* sent;
+    } rows[] = {
+        {"touch", [&] { w.keys.ckTouch.onMouseDown({}); }, "A00401 A00402 f907D7F"},
+        {"repeat", [&] { w.keys.ckAutoRep.onMouseDown({}); }, "A00301 A00302 f907C7F A00400 f807D7F"},
+        {"automix", [&] { w.keys.ckAutoMix.onMouseDown({}); }, "A00501 A00502 f907E7F"},
+        {"lock", [&] { w.keys.ckAutoMix.onMouseDown({}); }, "A00501 A00503 f907E7F"},
+        {"none", [&] { w.keys.ckAutoMix.onMouseDown({}); }, "A00501 A00500 f807E7F"},
+        {"talk over", [&] { talk.onMouseDown({}); }, "A00701 f90787F"},
+        {"microphone", [&] { mic.onMouseDown({}); }, "A00801 f90797F"},
+        {"microphone let go", [&] { mic.onMouseUp({}); }, "A00800 f80797F"},
+    };
+    for (const auto& row : rows) {
+        sent();
+        row.act();
+        EXPECT_EQ(sent(), row.sent) << row.what;
+    }
+}
+
 TEST_F(SurfaceTest, AKeyHeldForHalfASecondGoesToTheEndOfTheList) {
     for (const char* name : {"A", "B", "C", "D"}) writePalette(name, 1);
     start(kAll);

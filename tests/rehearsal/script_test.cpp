@@ -70,6 +70,7 @@ TEST(RehearsalScript, SaysWhatItHasRead) {
         {"expect txtDisPal = A  # the first", "expect txtDisPal A"},
         {"expect DispText", ""},
         {"shot a.png", "shot frmMain a.png"},
+        {"shot frmFX a.png", ""},
         {"resize 1280 800", ""},
         {"grid 8 12", ""},
         {"key F9", ""},

@@ -408,6 +408,14 @@ TEST_F(EditorTest, eachBoxHasItsFieldAndShowsIt) {
         EXPECT_EQ(j.FadeAttrib != BASS_ATTRIB_VOL, j.LogFadeOut == 1)
             << "an attribute of its own: logarithmic";
     }
+    // What another hand put into the record meanwhile.
+    for (const std::uint8_t value : {std::uint8_t{1}, std::uint8_t{0}}) {
+        OKfx();
+        j.AutoDuck = j.NoTrigDuck = j.NoAutomix = value;
+        j.LogFadeOut = j.LoopFadeOut = value;
+        clFXSet(kSlot);
+        for (const Control* box : boxes) EXPECT_EQ(box->value(), value) << box->name;
+    }
 }
 
 }  // namespace zv::test

@@ -255,6 +255,12 @@ TEST_F(KeepingTest, aRenamedSoundTakesEverythingAlong) {
         frmRenameFile().txtFilename.caption = to;
         frmRenameFile().btOK.onClick();
     };
+    clRename(50);  // an empty button
+    EXPECT_FALSE(frmRenameFile().form.isOpen());
+    clRename(1);
+    clRename(2);  // while another one is open
+    EXPECT_EQ(RenameJ, 1);
+    frmRenameFile().btCancel.onClick();
     rename(1, "Hymn");
     before.Path = "Audio_Sample\\Hymn.wav";
     EXPECT_EQ(rec(1).persisted(), before);

@@ -315,7 +315,12 @@ TEST_F(LayoutTest, theWindowIsHeldToTheScreenWhateverTheFileSays) {
     // The screen of the tests has 1280 x 800 pixels.
     const struct {
         int left, top, width, height;  // pixels, as saved
-    } cases[] = {{0, 0, 333333, 700}, {5000, 5000, 1000, 700}, {-4000, 100, 900, 600}, {100, 100, 10, 10}};
+        int wide, high;                // as it opens, its title above
+    } cases[] = {{0, 0, 333333, 700, 1280, 700},
+                 {5000, 5000, 1000, 700, 1000, 700},
+                 {-4000, 100, 900, 600, 900, 600},
+                 {100, 50, 1100, 999, 1100, 736},
+                 {100, 100, 10, 10, MinWinWidth, MinWinHeight}};
     windowSettings.WinState = 0;
     for (const auto& c : cases) {
         windowSettings.PosLeft = c.left * kTwipsPerPixel;
@@ -328,7 +333,8 @@ TEST_F(LayoutTest, theWindowIsHeldToTheScreenWhateverTheFileSays) {
         EXPECT_GE(window.top(), 0);
         EXPECT_LE(window.left + window.width, 1280 * kTwipsPerPixel) << c.left << " " << c.width;
         EXPECT_LE(window.top + window.height, 800 * kTwipsPerPixel) << c.top << " " << c.height;
-        EXPECT_GE(window.width(), MinWinWidth * kTwipsPerPixel);
+        EXPECT_EQ(window.width(), c.wide * kTwipsPerPixel) << c.left;
+        EXPECT_EQ(window.height(), c.high * kTwipsPerPixel) << c.left;
     }
 }
 

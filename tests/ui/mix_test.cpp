@@ -14,6 +14,7 @@
 #include "startup/settings/volumes.h"
 #include "tests/ui/window_test.h"
 #include "ui/press/global_keys.h"
+#include "ui/screen/display_foot.h"
 #include "ui/screen/layout.h"
 #include "ui/screen/meters.h"
 #include "ui/screen/mic_keys.h"
@@ -345,6 +346,13 @@ TEST_F(MixTest, whyIsItQuiet) {
     pass(100);
     EXPECT_LT(frmMain().display.txtDisPal.width, whole / 2);
     EXPECT_GT(frmMain().display.lblQuiet.width, whole / 2);
+    EXPECT_GT(d.lblQuiet.left, d.txtDisPal.left + d.txtDisPal.width);
+    frmMain().display.lblMIDIDevice.visible = true;  // a surface takes the rest, the line the name's place
+    DrawDisplayFoot();
+    EXPECT_EQ(d.lblQuiet.left, d.txtDisPal.left());
+    EXPECT_GE(d.lblMIDIDevice.left, d.lblQuiet.left + d.lblQuiet.width);
+    frmMain().display.lblMIDIDevice.visible = false;
+    DrawDisplayFoot();
     volumeSettings.Volume = 100;
     pass(100);
     EXPECT_EQ(frmMain().display.txtDisPal.width, whole);

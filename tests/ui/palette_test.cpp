@@ -8,6 +8,7 @@
 #include "startup/settings.h"
 #include "startup/settings/dark.h"
 #include "startup/settings/folders.h"
+#include "startup/settings/labels.h"
 #include "startup/settings/marks.h"
 #include "startup/settings/palette_list.h"
 #include "tests/ui/window_test.h"
@@ -385,9 +386,15 @@ TEST_F(PaletteTest, theMenuOffersWhatFitsTheButton) {
     offered(2);
     EXPECT_EQ(rec(2).Loop, 1);
     desktop().menuChoice.clear();
-    // Several buttons.
-    desktop().modifiers = kCtrlMask;
-    pass(100);
+    // Several buttons; a number in the corner of the box makes room for it.
+    labelSettings.JNumbPos = 2;
+    for (const int modifiers : {kCtrlMask, 0, kCtrlMask}) {
+        desktop().modifiers = modifiers;
+        pass(100);
+        EXPECT_EQ(Button(2)->ckJingSel.visible, modifiers != 0);
+        EXPECT_EQ(Button(2)->lblbtnumber.visible, modifiers == 0);
+        EXPECT_EQ(Button(2)->picbtnumber.visible, modifiers == 0);
+    }
     CheckAllSelectors();
     offered(2);
     EXPECT_EQ(SelJ, (std::vector<int>{0, 2}));  // the lost one has no box

@@ -361,10 +361,13 @@ TEST_F(PressTest, armedOptionsShowWhereTheyFit) {
         EXPECT_EQ(button(1).backColor, c.shaded);
         EXPECT_EQ(button(2).backColor, c.sequences ? c.shaded : BtnFaceColor);
         EXPECT_EQ(button(5).backColor, c.empty ? c.shaded : BtnFaceColor);
+        EXPECT_NE(button(1).borderColor, kNoColour);
+        EXPECT_EQ(button(2).borderColor != kNoColour, c.sequences);
     }
     ckTab_MouseDown(3);
     EXPECT_FALSE(SelectorsOn);
     EXPECT_EQ(button(1).backColor, BtnFaceColor);
+    EXPECT_EQ(button(1).borderColor, kNoColour);
     EXPECT_EQ(ActiveTab, 3);
 }
 

@@ -100,6 +100,27 @@ TEST(WavePicture, ColumnsHoldPeaksAndLevelOfWhatTheyStandFor) {
     const auto [low, high] = (*near.peaks[1])[4];
     EXPECT_NEAR(high, 0.5F, 0.01F);
     EXPECT_NEAR(low, 0.375F, 0.01F);
+    // What stands on the picture: by colour, kind, left edge and width.
+    WaveView all{.length = 2, .rate = 48'000, .shown = 2, .width = 100, .height = 116};
+    const WaveMarks marks{.at = {0.2, 1.6, 0.4, 1.2}, .loop = true, .fade = 0.2, .playhead = 1.0};
+    const WaveLook look = WaveLookOf(true);
+    const Drawing drawn = DrawWave(all, marks, ShapeOf(all, outline, {}), {}, {"S", "E", "I", "O"}, look);
+    const auto at = [&](Colour colour, Stroke::What what) {
+        std::string places;
+        for (const Stroke& s : drawn)
+            if (s.colour == colour && s.what == what)
+                places += std::to_string(std::lround(s.x)) + "+" + std::to_string(std::lround(s.width)) + " ";
+        return places;
+    };
+    EXPECT_EQ(at(look.peaks, Stroke::What::peaks), "0+100 0+100 ");
+    EXPECT_EQ(at(look.rms, Stroke::What::peaks), "0+100 0+100 ");
+    EXPECT_EQ(at(look.shade, Stroke::What::area), "0+10 90+10 ") << "before the start, behind the fade";
+    EXPECT_EQ(at(look.loop, Stroke::What::area).substr(0, 6), "20+40 ");
+    EXPECT_EQ(at(look.playhead, Stroke::What::area), "50+2 ");
+    EXPECT_TRUE(at(look.axis, Stroke::What::line).starts_with("0+100 0+100 "));
+    std::string names;
+    for (const Stroke& s : drawn) names += s.what == Stroke::What::text && s.text.size() == 1 ? s.text : "";
+    EXPECT_EQ(names, "IOSE");
     EXPECT_EQ(WaveTime(62.5, 0.5), "1:02.5");
     EXPECT_EQ(WaveTime(59.9996, 0.001), "1:00.000");
     EXPECT_EQ(WaveTime(3600, 60), "60:00");
