@@ -32,7 +32,8 @@ void OutputSlot::wake() {
     if (device_ && ready()) device_->wake();
 }
 void OutputSlot::deviceBack() {
-    if (ready() && bridge_) bridge_->restart();
+    Bridge* bridge = bridge_;
+    if (ready() && bridge) bridge->restart();
     lost_.store(false, std::memory_order_release);
 }
 
@@ -47,34 +48,38 @@ bool OutputSlot::open(std::unique_ptr<SoundDevice> device, bool oneClock) {
 }
 
 void OutputSlot::deviceChanged(std::uint32_t rate, std::uint32_t period) {
-    if (!ready() || !lost() || rate == 0) return;
-    // Nobody writes to an output that is lost; a render that has just seen it otherwise is let finish.
-    Graph& graph = outputs_.graph();
-    graph.acquire();
-    take(rate, period);
-    graph.release();
+    if (ready() && lost() && rate != 0) take(rate, period);
 }
 
-/// All that hangs on the device's rate and period.
+/// All that hangs on the device's rate and period. It is made first, for the other outputs render meanwhile; nobody
+/// renders while it is put in place.
 void OutputSlot::take(std::uint32_t rate, std::uint32_t period) {
-    rate_ = rate;
-    const std::uint32_t graphRate = outputs_.graph().rate();
-    const double periodMs = period * 1000.0 / rate_;
-    periodMicros_.store(period * std::uint64_t{1'000'000} / rate_, std::memory_order_relaxed);
+    Graph& graph = outputs_.graph();
+    const std::uint32_t graphRate = graph.rate();
     BridgeOptions options;
     options.inRate = graphRate;
-    options.outRate = rate_;
+    options.outRate = rate;
     options.oneClock = oneClock_;
     options.leastMs = kBridgeLeastMs;
     options.mostMs = kBridgeMostMs;
-    options.targetMs = 2 * periodMs + kBridgeSlackMs;
+    options.targetMs = 2 * period * 1000.0 / rate + kBridgeSlackMs;
     options.ppmPerMs = kBridgePpmPerMs;
-    former_ = std::exchange(bridge_, std::make_unique<Bridge>(options));
-    resampler_.reset();
-    if (rate_ != graphRate) {
-        resampler_ = std::make_unique<dsp::Resampler>(graphRate, rate_, 2U);
-        in_.resize((resampler_->inputNeeded(kBlock) + 64) * 2);
+    auto bridge = std::make_unique<Bridge>(options);
+    std::unique_ptr<dsp::Resampler> resampler;
+    std::vector<float> in;
+    if (rate != graphRate) {
+        resampler = std::make_unique<dsp::Resampler>(graphRate, rate, 2U);
+        in.resize((resampler->inputNeeded(kBlock) + 64) * 2);
     }
+    graph.acquire();
+    rate_.store(rate, std::memory_order_relaxed);
+    periodMicros_.store(period * std::uint64_t{1'000'000} / rate, std::memory_order_relaxed);
+    bridge_ = bridge.get();
+    former_.swap(present_);
+    present_.swap(bridge);  // the one before the former goes when nobody waits for it
+    resampler_.swap(resampler);
+    in_.swap(in);
+    graph.release();
 }
 
 void OutputSlot::close() {
@@ -83,7 +88,8 @@ void OutputSlot::close() {
     // Another output's callback may just be writing into the bridge: it goes when none is rendering.
     Graph& graph = outputs_.graph();
     graph.acquire();
-    auto old = std::move(bridge_);
+    bridge_ = nullptr;
+    auto old = std::move(present_);
     graph.release();
     rank.store(~std::uint64_t{0});
 }
@@ -96,7 +102,8 @@ DeviceStatistics OutputSlot::statistics() const {
     s.longestCallbackNs = longestNs_.load(std::memory_order_relaxed);
     s.commandOverflows = outputs_.graph().commands.overflows();
     s.sourceUnderruns = outputs_.graph().sourceUnderruns.load(std::memory_order_relaxed);
-    if (ready() && !lost() && bridge_) s.sourceUnderruns += bridge_->underruns();
+    const Bridge* bridge = bridge_;
+    if (ready() && !lost() && bridge) s.sourceUnderruns += bridge->underruns();
     s.open = ready();
     s.lost = lost();
     s.resting = outputs_.resting();
@@ -113,10 +120,11 @@ void OutputSlot::computeBlock(std::uint32_t frames) {
     for (int i = 1; i < kMostDevices; ++i) {
         OutputSlot* other = outputs_.slot(i);
         if (!other || other == this || !other->usable() || !graph.plays(i)) continue;
+        Bridge& bridge = *other->bridge_;
         if (graph.quiet()) {
-            other->bridge_->rest();
+            bridge.rest();
         } else {
-            other->bridge_->write({graph.bus(i), std::size_t{frames} * 2});
+            bridge.write({graph.bus(i), std::size_t{frames} * 2});
         }
     }
 }
@@ -125,13 +133,14 @@ void OutputSlot::computeBlock(std::uint32_t frames) {
 /// distance to the sound that is computed, until a silence, or until the other one drives again.
 void OutputSlot::produceBehind(std::span<float> stereo) {
     Graph& graph = outputs_.graph();
-    for (std::size_t due = bridge_->due(stereo.size() / 2); due > 0;) {
+    Bridge& bridge = *bridge_;
+    for (std::size_t due = bridge.due(stereo.size() / 2); due > 0;) {
         const auto frames = static_cast<std::uint32_t>(std::min<std::size_t>(kBlock, due));
         computeBlock(frames);
-        bridge_->write({graph.bus(number_), std::size_t{frames} * 2});
+        bridge.write({graph.bus(number_), std::size_t{frames} * 2});
         due -= frames;
     }
-    bridge_->readOwn(stereo);
+    bridge.readOwn(stereo);
 }
 
 void OutputSlot::produce(std::span<float> stereo) {
@@ -183,18 +192,18 @@ void OutputSlot::render(std::span<float> stereo) {
     }
     {
         const AudioSection section;
+        Bridge& bridge = *bridge_;
         const std::uint64_t micros = stereo.size() / 2 * std::uint64_t{1'000'000} / rate_;
-        if (outputs_.drives(*this, number_ != 0 && bridge_->runsDry(stereo.size() / 2)) &&
-            graph.tryAcquire()) {
+        if (outputs_.drives(*this, number_ != 0 && bridge.runsDry(stereo.size() / 2)) && graph.tryAcquire()) {
             drove = true;
             if (outputs_.leads(*this)) outputs_.silentMicros.store(0, std::memory_order_relaxed);
             graph.applyCommands();
-            if (bridge_->follows() && graph.plays(number_) && !graph.quiet()) {
+            if (bridge.follows() && graph.plays(number_) && !graph.quiet()) {
                 produceBehind(stereo);
             } else {
                 produce(stereo);
                 // Whoever drives next may write before this output reads.
-                bridge_->clear();
+                bridge.clear();
             }
             graph.release();
         } else {
@@ -202,7 +211,7 @@ void OutputSlot::render(std::span<float> stereo) {
             if (number_ == 0) {
                 std::ranges::fill(stereo, 0.0F);
             } else {
-                bridge_->read(stereo);
+                bridge.read(stereo);
             }
         }
     }

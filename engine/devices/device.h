@@ -45,9 +45,7 @@ class OutputSlot final : public SoundClient {
 
     bool open(std::unique_ptr<SoundDevice> device, bool oneClock);
     void close();
-    std::uint32_t rate() const { return rate_; }
     std::uint64_t periodMicros() const { return periodMicros_.load(std::memory_order_relaxed); }
-    Bridge* bridge() { return bridge_.get(); }
 
   private:
     void take(std::uint32_t rate, std::uint32_t period);
@@ -59,11 +57,12 @@ class OutputSlot final : public SoundClient {
     const int number_;
     std::atomic<bool> ready_{false}, lost_{false};
     std::unique_ptr<SoundDevice> device_;
-    std::uint32_t rate_ = 0;
+    std::atomic<std::uint32_t> rate_{0};
     std::atomic<std::uint64_t> periodMicros_{0};
     bool oneClock_ = false;
-    std::unique_ptr<Bridge> bridge_;
-    std::unique_ptr<Bridge> former_;             ///< before the device changed: somebody may be looking at it
+    std::atomic<Bridge*> bridge_{nullptr};
+    std::unique_ptr<Bridge> present_,
+        former_;  ///< `former_`: before the device changed; statistics() may look at it
     std::unique_ptr<dsp::Resampler> resampler_;  ///< from the graph's rate, null when equal
     std::vector<float> in_;
     std::atomic<std::uint64_t> callbacks_{0}, underruns_{0}, longestNs_{0};

@@ -44,8 +44,13 @@ bool JackStream::connect() {
         own_[side] = jack_port_register(jack_, name.c_str(), JACK_DEFAULT_AUDIO_TYPE,
                                         output ? JackPortIsOutput : JackPortIsInput, 0);
     }
-    rate_ = jack_get_sample_rate(jack_);
-    period_ = std::min<std::uint32_t>(jack_get_buffer_size(jack_), kChunk);
+    const std::uint32_t rate = jack_get_sample_rate(jack_);
+    const std::uint32_t period = std::min<std::uint32_t>(jack_get_buffer_size(jack_), kChunk);
+    const bool changed = rate_ != 0 && (rate_ != rate || period_ != period);
+    rate_ = rate;
+    period_ = period;
+    // Before the server asks for the first sound of the new kind.
+    if (changed) tell([=](engine::SoundClient& client) { client.deviceChanged(rate, period); });
     jack_set_process_callback(jack_, &JackStream::onProcess, this);
     jack_on_shutdown(jack_, &JackStream::onShutdown, this);
     bool joined = own_[0] != nullptr && own_[1] != nullptr && jack_activate(jack_) == 0;
@@ -95,6 +100,12 @@ void JackStream::process(std::uint32_t frames) {
     calls_.fetch_sub(1, std::memory_order_seq_cst);
 }
 
+void JackStream::tell(const std::function<void(engine::SoundClient&)>& call) {
+    const std::lock_guard lock(mutex_);
+    engine::SoundClient* client = client_;
+    if (!stopping_ && client != nullptr) call(*client);
+}
+
 void JackStream::follow() {
     std::unique_lock lock(mutex_);
     while (!stopping_) {
@@ -102,20 +113,15 @@ void JackStream::follow() {
                           [this] { return stopping_; });
         if (stopping_ || (jack_ != nullptr && !gone_)) continue;
         lock.unlock();
-        engine::SoundClient* client = client_;
         if (jack_ != nullptr) {
-            close();
-            if (client != nullptr) client->deviceLost();
+            tell([](engine::SoundClient& client) { client.deviceLost(); });
+            close();  // may hang with the server
         }
-        const std::uint32_t rate = rate_, period = period_;
-        const bool back = connect();
+        if (connect())
+            tell([](engine::SoundClient& client) { client.deviceBack(); });
+        else
+            gone_ = true;
         lock.lock();
-        if (stopping_) break;
-        if (back && client != nullptr) {
-            if (rate_ != rate || period_ != period) client->deviceChanged(rate_, period_);
-            client->deviceBack();
-        }
-        if (!back) gone_ = true;
     }
     lock.unlock();
     close();

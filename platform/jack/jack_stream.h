@@ -6,6 +6,7 @@
 #include <array>
 #include <atomic>
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -45,6 +46,8 @@ class JackStream {
 
     bool connect();
     void close();
+    /// Calls the client unless it was told goodbye. [worker]
+    void tell(const std::function<void(engine::SoundClient&)>& call);
     void process(std::uint32_t frames);
     static int onProcess(jack_nframes_t frames, void* self);
     static void onShutdown(void* self);
