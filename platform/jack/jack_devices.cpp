@@ -73,7 +73,7 @@ class Lister {
         return false;
     }
     void close() {
-        if (jack_ != nullptr) jack_client_close(jack_);
+        if (jack_ != nullptr) closeJackClient(jack_);
         jack_ = nullptr;
     }
 

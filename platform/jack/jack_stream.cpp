@@ -13,8 +13,14 @@ constexpr std::size_t kChunk = 1024;  ///< frames handed to the client in one go
 constexpr auto kLookAgain = 500ms;
 constexpr auto kShutdownSeen = 50ms;  ///< a server that goes is noticed within this time
 constexpr auto kClosingLimit = 1s;
+constexpr auto kTurnLimit = 300ms;  ///< a call that hangs with its server holds up no other for longer
 
 void silent(const char*) {}
+
+std::unique_lock<std::timed_mutex> libraryTurn() {
+    static std::timed_mutex library;
+    return std::unique_lock(library, kTurnLimit);
+}
 
 }  // namespace
 
@@ -24,7 +30,13 @@ jack_client_t* openJackClient(const char* name) {
     static_cast<void>(before);
     jack_set_error_function(silent);
     jack_set_info_function(silent);
-    return jack_client_open(name, JackNoStartServer, nullptr);
+    const auto turn = libraryTurn();
+    return turn ? jack_client_open(name, JackNoStartServer, nullptr) : nullptr;
+}
+
+void closeJackClient(jack_client_t* client) {
+    const auto turn = libraryTurn();
+    jack_client_close(client);
 }
 
 JackStream::JackStream(JackDirection direction, std::vector<std::string> ports, engine::SoundClient& client)
@@ -64,7 +76,7 @@ bool JackStream::connect() {
 }
 
 void JackStream::close() {
-    if (jack_ != nullptr) jack_client_close(jack_);
+    if (jack_ != nullptr) closeJackClient(jack_);
     jack_ = nullptr;
     own_ = {};
 }

@@ -19,8 +19,10 @@ namespace zv {
 
 enum class JackDirection { output, input };
 
-/// A client of the server, without a word on the terminal; null when no server answers.
+/// A client of the server, without a word on the terminal; null when no server answers. The library's own state is not
+/// safe from two threads that open and close clients: both go one at a time, here and in closeJackClient(). [any]
 jack_client_t* openJackClient(const char* name);
+void closeJackClient(jack_client_t* client);
 
 /// What the callback and the thread that follows the server share. It outlives its device when the server hangs: then
 /// closing would hang as well, and is left to the thread.

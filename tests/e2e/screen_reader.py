@@ -68,6 +68,27 @@ def shown(node):
     return node.getState().contains(pyatspi.STATE_SHOWING)
 
 
+def question(window, asks, stop, jingle):
+    """A question takes the keyboard and tells its text with the key that has it; meanwhile a jingle plays and STOP
+    stops it; the answer gives the keyboard back."""
+    check(press(asks), "the question was not asked")
+    text = "Close Zentrova?"
+    with_it = until(lambda: [n for n in below(window)
+                             if n.description == text and n.getState().contains(pyatspi.STATE_FOCUSED)])
+    if not with_it:
+        faults.append("the question did not take the keyboard, or does not tell its text with it")
+        return
+    key = with_it[0]
+    check(key.name == "Go on" and key.getRole() == pyatspi.ROLE_PUSH_BUTTON, f"the keyboard went to {key}")
+    told = [n.name for n in below(window) if shown(n)]
+    for wanted in (text, "Close Zentrova"):
+        check(wanted in told, f"the question does not show \"{wanted}\"")
+    check(press(jingle) and until(lambda: PLAYING.match(jingle.description)), "no press plays while a question waits")
+    check(press(stop) and until(lambda: jingle.description.startswith("ready")), "no STOP while a question waits")
+    check(press(key), "the key cannot be pressed")
+    check(until(lambda: not shown(key)), "the answer did not end the question")
+
+
 def main():
     window = until(program)
     if window is None:
@@ -140,12 +161,14 @@ def main():
         check(stop is not None and press(stop), "STOP was refused")
         check(until(lambda: bed.description.startswith("ready")), f"after STOP: \"{bed.description}\"")
 
+    question(window, by_name["Exit"][0], by_name["STOP"][0], bed)
+
     for text in faults:
         print(f"screen_reader: {text}", file=sys.stderr)
     if not faults:
         print(f"screen_reader: {len(jingles)} jingle buttons, {len(NAMED)} keys, {len(TABS)} tabs, "
               "toggles, list and display; "
-              "a press was seen to start and STOP to end it")
+              "a press was seen to start and STOP to end it, also over a question that told its text")
     return 1 if faults else 0
 
 

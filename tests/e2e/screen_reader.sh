@@ -7,13 +7,13 @@ bin=$(cd "$1" && pwd)
 data=$(cd "$2" && pwd)
 here=$(cd "$(dirname "$0")" && pwd)
 . "$here/../../tools/own_servers.sh"
-need Xvfb dbus-run-session xprop
+need Xvfb openbox dbus-run-session xprop
 own_user
 mkdir -p "$work/home"
 cp -r "$data/palette.ini" "$data/HotJingles.ini" "$data/Audio_Sample" "$work/home"
-printf '[Settings]\r\nConfirmExit=0\r\nCheckUpdate=0\r\nMIDIEnabled=0\r\nHotJinglesHeight=6\r\n' >"$work/home/zv.ini"
+printf '[Settings]\r\nConfirmExit=1\r\nCheckUpdate=0\r\nMIDIEnabled=0\r\nHotJinglesHeight=6\r\n' >"$work/home/zv.ini"
 
-own_screen
+own_desktop
 export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 QT_ACCESSIBILITY=1
 
 # Without a sound server the program plays to its silent device: states change there as well.

@@ -12,6 +12,7 @@
 #include "platform/desktop_sound/choosing_devices.h"
 #include "platform/file_decoders/file_decoders.h"
 #include "platform/jack/jack_devices.h"
+#include "platform/jack/jack_stream.h"
 #include "platform/offline/offline_devices.h"
 #include "platform/soundtouch/soundtouch_stretcher.h"
 #include "tests/sound/sound_server.h"
@@ -87,7 +88,7 @@ TEST_F(Jack, EveryRateAndBlockSizeOfTheServerIsTaken) {
 /// Listens to what the program sends: how often it crosses zero upwards.
 class Tap {
   public:
-    Tap() : client_(jack_client_open("tap", JackNoStartServer, nullptr)) {
+    Tap() : client_(openJackClient("tap")) {
         if (client_ == nullptr) return;
         port_ = jack_port_register(client_, "in", JACK_DEFAULT_AUDIO_TYPE, JackPortIsInput, 0);
         jack_set_process_callback(
@@ -101,7 +102,7 @@ class Tap {
         jack_connect(client_, "Zentrova:out_1", jack_port_name(port_));
     }
     ~Tap() {
-        if (client_ != nullptr) jack_client_close(client_);
+        if (client_ != nullptr) closeJackClient(client_);
     }
     /// Hz of the tone that is heard, counted over a second of it.
     double pitch() {
@@ -142,14 +143,15 @@ TEST_F(Jack, AToneIsHeardAtItsPitchAndAfterTheServerCameBackAtAnotherRate) {
     ASSERT_TRUE(BASS_Init(1, rate, 0, nullptr, nullptr)) << BASS_ErrorGetCode();
     const DWORD play = BASS_StreamCreateFile(false, (folder_ / "tone.wav").c_str(), 0, 0, BASS_SAMPLE_LOOP);
     ASSERT_TRUE(BASS_ChannelPlay(play, false));
-    EXPECT_NEAR(hertz, Tap().pitch(), 3);
+    const auto heard = [] { return within(8, [] { return std::abs(Tap().pitch() - hertz) < 3; }); };
+    EXPECT_TRUE(heard());
     for (const int again : {44'100, 96'000}) {
         server.end();
         EXPECT_TRUE(within(3, [] { return engine::engineControl()->statistics(1).lost; }));
         EXPECT_EQ(DWORD{BASS_ACTIVE_PLAYING}, BASS_ChannelIsActive(play));
         server = serve(again, 256);
         ASSERT_TRUE(within(8, [] { return !engine::engineControl()->statistics(1).lost; }));
-        EXPECT_NEAR(hertz, Tap().pitch(), 3) << again;
+        EXPECT_TRUE(heard()) << again;
     }
     BASS_Free();
     BASS_SetDevice(0);

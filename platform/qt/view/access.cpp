@@ -22,6 +22,8 @@ class PressInterface : public QAccessibleWidget {
         : QAccessibleWidget(widget, role), view_(view) {}
 
     QString text(QAccessible::Text which) const override {
+        if (which == QAccessible::Description)
+            if (const QString text = described(); !text.isEmpty()) return text;
         const QString own = QAccessibleWidget::text(which);
         if (which != QAccessible::Name || !own.isEmpty()) return own;
         return captionOf(view_.record.caption);
@@ -43,13 +45,26 @@ class PressInterface : public QAccessibleWidget {
 
     void doAction(const QString& action) override {
         if (action == pressAction()) {
-            if (widget()->isEnabled()) view_.press();
+            // Later: the reader waits for the end of this call, and a press may ask a question.
+            QMetaObject::invokeMethod(
+                widget(),
+                [view = &view_] {
+                    if (view->widget.isEnabled()) view->press();
+                },
+                Qt::QueuedConnection);
         } else {
             QAccessibleWidget::doAction(action);
         }
     }
 
   protected:
+    /// What the record says of itself.
+    QString described() const {
+        std::string told;
+        if (view_.record.onDescribe) call([&] { told = view_.record.onDescribe(); });
+        return textOf(told);
+    }
+
     RecordView& view_;
 };
 
@@ -66,9 +81,7 @@ class JingleInterface final : public PressInterface {
                 return parts.name.isEmpty() ? number : parts.name;
             }
             case QAccessible::Description: {
-                std::string told;
-                if (record.onDescribe) call([&] { told = record.onDescribe(); });
-                if (!told.empty()) return textOf(told);
+                if (const QString text = described(); !text.isEmpty()) return text;
                 const CaptionParts parts = splitCaption(captionOf(record.caption));
                 return parts.duration.isEmpty() ? textOf(record.toolTip) : parts.duration;
             }
