@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "engine/dsp/denormals.h"
 #include "engine/realtime/thread_tags.h"
@@ -12,8 +13,11 @@ namespace {
 constexpr std::size_t kMostThreads = 24;  ///< those that hang included
 constexpr std::int64_t kHangsMs = 60;     ///< a leader that reads for so long is taken over from
 constexpr auto kStopPatience = std::chrono::milliseconds(500);
-constexpr auto kTick = std::chrono::milliseconds(16);  ///< while something sounds
-constexpr std::size_t kMany = 16;                      ///< stretched channels due at once: for more than one
+constexpr auto kTick = std::chrono::milliseconds(32);      ///< while something sounds
+constexpr auto kSoonTick = std::chrono::milliseconds(16);  ///< while a tempo channel is about to change
+constexpr auto kWatchTick =
+    std::chrono::milliseconds(25);  ///< while something sounds: how often a helper looks
+constexpr std::size_t kMany = 16;   ///< stretched channels due at once: for more than one
 constexpr auto kIdleTick = std::chrono::milliseconds(250);
 constexpr int kSoon = 100;  ///< urgencies below belong to sounding channels
 
@@ -115,14 +119,16 @@ bool Workers::Work::busy() const {
     return std::ranges::any_of(sounds, [](const auto& sound) { return sound->sounding(); });
 }
 
-bool Workers::Work::mayRead() const {
-    return !tempos.empty() ||
-           std::ranges::any_of(sounds, [](const auto& sound) { return sound->urgency() >= 0; });
+bool Workers::Work::lacksPages() const {
+    return std::ranges::any_of(sounds, [](const auto& sound) { return sound->urgency() >= 0; });
+}
+
+bool Workers::Work::changes() const {
+    return std::ranges::any_of(tempos, [](const auto& tempo) { return tempo->workDue(); });
 }
 
 bool Workers::serveOnce(const Work& work, bool leader) {
-    // Whoever helps looks on while the leader is at something that may hang.
-    if (leader && work.mayRead()) callHelper();
+    if (leader && (work.tempos.size() >= kMany || work.lacksPages())) callHelper();
     for (const auto& tempo : work.tempos) tempo->work();
     // The most urgent page of all sounds, then look anew: a press in between goes first.
     std::vector<std::pair<int, PagedSound*>> order;
@@ -152,32 +158,45 @@ bool Workers::leads(const Thread& self) {
     return true;
 }
 
+/// How long a thread that found nothing to do may sleep when nobody calls it.
+std::chrono::milliseconds Workers::rest(bool leader) const {
+    if (leader) return std::chrono::milliseconds(leaderTick_.load(std::memory_order_relaxed));
+    // Whoever helps takes over from a leader at the very moment at which it counts as hanging.
+    if (const std::int64_t since = leaderReadsSince_.load(std::memory_order_relaxed))
+        return std::chrono::milliseconds(std::max<std::int64_t>(1, since + kHangsMs - steadyMs()));
+    return leaderTick_.load(std::memory_order_relaxed) < kIdleTick.count() ? kWatchTick : kIdleTick;
+}
+
 void Workers::run(Thread& self) {
     const FlushToZero flush;
     const ThreadSection worker(ThreadKind::Worker);
-    for (;;) {
-        bool busy = true, leader = leads(self);
+    for (bool wasCalled = true;;) {
+        bool leader = leads(self);
         try {
-            const Work work = collect();
-            if (leader && work.tempos.size() >= kMany) callHelper();
-            if (leader) leaderReadsSince_.store(steadyMs(), std::memory_order_relaxed);
-            const bool served = serveOnce(work, leader);
-            leader = leads(self);
-            if (leader) leaderReadsSince_.store(0, std::memory_order_relaxed);
-            if (served) {
-                const std::lock_guard lock(mutex_);
-                if (stopping_) break;
-                continue;
+            // Whoever helps and was not called only looks whether the leader hangs.
+            if (leader || wasCalled) {
+                const Work work = collect();
+                if (leader) leaderReadsSince_.store(steadyMs(), std::memory_order_relaxed);
+                const bool served = serveOnce(work, leader);
+                leader = leads(self);
+                if (leader) {
+                    leaderReadsSince_.store(0, std::memory_order_relaxed);
+                    const auto tick = !work.busy() ? kIdleTick : work.changes() ? kSoonTick : kTick;
+                    leaderTick_.store(tick.count(), std::memory_order_relaxed);
+                }
+                if (served) {
+                    const std::lock_guard lock(mutex_);
+                    if (stopping_) break;
+                    continue;
+                }
             }
-            busy = leader && work.busy();
         } catch (...) {
             // Out of memory at worst: what is missing stays silent, the next round tries again.
         }
         std::unique_lock lock(mutex_);
         bool& called = leader_ == &self ? woken_ : helpWanted_;
-        const bool watches = leader_ != &self && leaderReadsSince_.load(std::memory_order_relaxed) != 0;
-        wanted_.wait_for(lock, busy || watches ? kTick : kIdleTick, [&] { return called || stopping_; });
-        called = false;
+        wanted_.wait_for(lock, rest(leader_ == &self), [&] { return called || stopping_; });
+        wasCalled = std::exchange(called, false);
         if (stopping_) break;
     }
     const std::lock_guard lock(mutex_);

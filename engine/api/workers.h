@@ -5,6 +5,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <list>
@@ -49,12 +50,14 @@ class Workers {
     /// Whether the calling thread leads, or takes over from one that hangs.
     bool leads(const Thread& self);
     void callHelper();
+    std::chrono::milliseconds rest(bool leader) const;
     struct Work {
         std::vector<std::shared_ptr<PagedSound>> sounds;
         std::vector<std::shared_ptr<PagedSound>> read;  ///< by the tempo processors, one each
         std::vector<std::shared_ptr<TempoProcessor>> tempos;
         bool busy() const;
-        bool mayRead() const;  ///< somebody may have to ask a disk
+        bool lacksPages() const;
+        bool changes() const;  ///< a tempo channel is about to change over
     };
     struct Stretching {
         std::weak_ptr<TempoProcessor> tempo;
@@ -71,6 +74,7 @@ class Workers {
     std::list<Thread> threads_;
     const Thread* leader_ = nullptr;
     bool stopping_ = false;
+    std::atomic<std::int64_t> leaderTick_{0};        ///< ms that the leader sleeps until it looks anew
     std::atomic<std::int64_t> leaderReadsSince_{0};  ///< steady ms; 0 while the leader reads nothing
 };
 

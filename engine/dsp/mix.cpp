@@ -101,8 +101,9 @@ void mixCurved(float* out, std::span<const MixSource> sources, std::size_t frame
     for (const MixSource& source : sources) (w ? wide::addCurved1 : plain::addCurved1)(out, source, frames);
 }
 
-void scalePowers(float* out, const double* powers, std::size_t count, double base) {
-    (wideChosen() ? wide::powered : plain::powered)(out, powers, count, base);
+void curveGains(float* out, const double* powers, std::size_t place, std::size_t count, double base,
+                double ratio) {
+    (wideChosen() ? wide::powered : plain::powered)(out, powers, place, count, base, ratio);
 }
 
 void mixStereo(float* out, const float* in, std::size_t frames, const GainRamp& ramp) {

@@ -39,8 +39,11 @@ void mixMono(float* out, std::span<const MixSource> sources, std::size_t frames)
 void mixCurved(float* out, std::span<const MixSource> sources, std::size_t frames);
 /// out += in * ramp.
 void mixStereo(float* out, const float* in, std::size_t frames, const GainRamp& ramp);
-/// out[i] = float(base * powers[i]): gains of a logarithmic slide.
-void scalePowers(float* out, const double* powers, std::size_t count, double base);
+/// Gains of a logarithmic slide: float(base * powers[place]) and so on, `powers` being kCurveGrid values; behind the
+/// last of them `base` is multiplied by `ratio`.
+inline constexpr std::size_t kCurveGrid = 16;
+void curveGains(float* out, const double* powers, std::size_t place, std::size_t count, double base,
+                double ratio);
 /// out += in * gains[i], one gain a frame (a logarithmic slide).
 void mixStereo(float* out, const float* in, std::size_t frames, const float* gains);
 

@@ -166,15 +166,21 @@ void addCurved1(float* out, const MixSource& s, std::size_t frames) {
         for (std::size_t side = 0; side < 2; ++side) out[2 * i + side] = out[2 * i + side] + a.one(i, side);
 }
 
-void powered(float* out, const double* powers, std::size_t count, double base) {
+void powered(float* out, const double* powers, std::size_t place, std::size_t count, double base,
+             double ratio) {
+    Double4 p[kCurveGrid / 4];
+    __builtin_memcpy(p, powers, sizeof p);
     std::size_t i = 0;
-    for (; i + 4 <= count; i += 4) {
-        Double4 p;
-        __builtin_memcpy(&p, powers + i, sizeof p);
-        const Float4 g = __builtin_convertvector(base * p, Float4);
-        __builtin_memcpy(out + i, &g, sizeof g);
+    for (; i < count && place != 0; place = (place + 1) % kCurveGrid) {
+        out[i++] = static_cast<float>(base * powers[place]);
+        if (place + 1 == kCurveGrid) base *= ratio;
     }
-    for (; i < count; ++i) out[i] = static_cast<float>(base * powers[i]);
+    for (; i + kCurveGrid <= count; i += kCurveGrid, base *= ratio)
+        for (std::size_t k = 0; k < kCurveGrid / 4; ++k) {
+            const Float4 g = __builtin_convertvector(base * p[k], Float4);
+            __builtin_memcpy(out + i + 4 * k, &g, sizeof g);
+        }
+    for (; i < count; ++i) out[i] = static_cast<float>(base * powers[place++]);
 }
 
 void scaled(float* out, const float* in, std::size_t count, float gain) {

@@ -53,13 +53,7 @@ bool Slide::advance(std::uint64_t frames) {
 }
 
 void Slide::gains(float* out, std::size_t frames) const {
-    double base = base_;
-    std::size_t place = at_ % kGrid;
-    for (std::size_t done = 0; done < frames; base *= ratio_, place = 0) {
-        const std::size_t part = std::min(frames - done, kGrid - place);
-        dsp::scalePowers(out + done, powers_.data() + place, part, base);
-        done += part;
-    }
+    dsp::curveGains(out, powers_.data(), at_ % kGrid, frames, base_, ratio_);
 }
 
 void Slide::mix(float* out, const float* in, std::size_t frames) const {

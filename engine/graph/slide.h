@@ -45,7 +45,7 @@ class Slide {
     void scale(float* stereo, std::size_t frames);
 
   private:
-    static constexpr std::size_t kGrid = 64;
+    static constexpr std::size_t kGrid = dsp::kCurveGrid;
     static constexpr std::size_t kMost = 256;
 
     float target_ = 1;

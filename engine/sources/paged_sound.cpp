@@ -77,6 +77,7 @@ bool PagedSound::eachMissing(F found) const {
 }
 
 int PagedSound::urgency() const {
+    if (resident_.load(std::memory_order_relaxed) == pages_.size()) return -1;
     int result = -1;
     eachMissing([&](std::uint64_t, std::uint64_t distance) {
         result = static_cast<int>(distance) + (sounding() ? 0 : 100);

@@ -16,9 +16,9 @@ namespace {
 constexpr double kLeadSeconds = 0.025;   // between the making of a change and its frame
 constexpr double kHurrySeconds = 0.006;  // the same where there is no time for that
 constexpr double kFadeSeconds = 0.01;
-constexpr std::size_t kLeastFade = 128;  // frames of that, at least
-constexpr double kAheadSeconds = 0.15;   // that a lane keeps rendered
-constexpr double kRefillSeconds = 0.11;  // below which it is filled up
+constexpr std::size_t kLeastFade = 128;   // frames of that, at least
+constexpr double kAheadSeconds = 0.15;    // that a lane keeps rendered
+constexpr double kRefillSeconds = 0.125;  // below which it is filled up
 constexpr auto kPrimeWait = std::chrono::milliseconds(5);
 constexpr auto kPrimeStep = std::chrono::microseconds(200);
 constexpr double kReadySeconds = 0.06;  // that a lane has when it is offered

@@ -75,7 +75,7 @@ TEST_F(WidePath, GivesTheSameBitsAsThePlainOne) {
         mixStereo(out.data(), set, frames - 3), keep();
         mixMono(out.data(), set, frames), keep();
         const std::vector<double> powers(a.begin(), a.end());
-        scalePowers(out.data(), powers.data(), frames, 0.77), keep();
+        curveGains(out.data(), powers.data(), frames % kCurveGrid, frames, 0.77, 1.01), keep();
         scaleStereo(out.data(), out.data(), frames, GainRamp{0.1, 1e-3 / 7, 3}), keep();
         scaleStereo(out.data(), out.data(), frames, gains.data()), keep();
         scale(out.data(), out.data(), 2 * frames, 1.7f), keep();
