@@ -3,7 +3,6 @@
 #include "platform/paths.h"
 #include "startup/helpers.h"
 #include "startup/ini_file.h"
-#include "startup/stores.h"
 
 namespace zv {
 namespace {

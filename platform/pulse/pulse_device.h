@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "engine/ports.h"
-#include "platform/pulse/pulse_devices.h"
+#include "platform/pulse/pulse_options.h"
 
 namespace zv {
 

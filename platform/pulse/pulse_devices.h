@@ -5,13 +5,9 @@
 #include <string>
 
 #include "engine/ports.h"
+#include "platform/pulse/pulse_options.h"
 
 namespace zv {
-
-struct PulseOptions {
-    std::string server;                ///< address; empty: what the user's environment says
-    std::uint32_t periodFrames = 256;  ///< frames asked for at a time, at the rate of the device
-};
 
 /// Devices of a sound server; what it puts in the place of a missing sound card is none. Names are the descriptions that the server gives, ids its own names: both
 /// stable over replugging. A device that vanishes is told to its client (deviceLost) and opened again by

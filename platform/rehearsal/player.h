@@ -9,7 +9,7 @@
 
 #include "platform/desktop.h"
 #include "platform/rehearsal/random_show.h"
-#include "platform/rehearsal/rehearsal.h"
+#include "platform/rehearsal/rehearsed.h"
 #include "platform/rehearsal/script.h"
 
 namespace zv {

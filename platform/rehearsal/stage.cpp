@@ -5,7 +5,6 @@
 
 #include "platform/clock.h"
 #include "platform/paths.h"
-#include "platform/rehearsal/rehearsal.h"
 
 namespace zv {
 

@@ -58,6 +58,8 @@ struct Stage {
 
 /// The present ms of the script; "start" before it began.
 std::string whenText();
+/// Adds a line to events.log: the present time in ms of the script, `kind`, `text` with line ends as " / ".
+void noteEvent(std::string_view kind, std::string_view text);
 /// `text` on one line: `lineEnd` in place of line ends.
 std::string onOneLine(std::string_view text, std::string_view lineEnd);
 

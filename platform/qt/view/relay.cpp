@@ -13,8 +13,8 @@
 #include <set>
 #include <unordered_map>
 
+#include "platform/qt/view/changes.h"
 #include "platform/qt/view/keys.h"
-#include "platform/qt/view/shell.h"
 #include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
 #include "platform/waiting.h"
@@ -458,14 +458,6 @@ void stopSound() {
     KeyEvent escape{Key::escape};
     call([&] { main->onKeyDown(escape); });
 }
-
-namespace {
-std::uint64_t opened = 0;
-}
-
-void noteOpened() { ++opened; }
-
-std::uint64_t openedSoFar() { return opened; }
 
 bool isKeyDown(Key key) { return keysDown().contains(key); }
 

@@ -8,9 +8,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/clock.h"
 #include "platform/desktop.h"
-#include "platform/qt/view/painted.h"
 #include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
 #include "platform/qt/view/windows.h"
@@ -51,25 +49,6 @@ void tellAllButTheUsual(QtMsgType type, const QMessageLogContext& context, const
     if (!usual && nextHandler != nullptr) nextHandler(type, context, text);
 }
 
-void showChange(Control& record) {
-    if (RecordView* view = viewOf(record)) {
-        view->refresh();
-        if (record.kind == ControlKind::window) windowChanged(record);
-        return;
-    }
-    // Painted by a record above, or made after its window was.
-    for (Control* c = record.parent; c != nullptr; c = c->parent) {
-        RecordView* view = viewOf(*c);
-        if (view == nullptr) continue;
-        if (view->paintsChildren()) {
-            view->partChanged(record);
-        } else {
-            makeChildren(*c, &view->widget);
-        }
-        return;
-    }
-}
-
 }  // namespace
 
 void startQt(int& argc, char** argv, bool offscreen) {
@@ -88,6 +67,7 @@ void startQt(int& argc, char** argv, bool offscreen) {
     installStyle();
     installAccessibility();
     installGate();
+    windowUpcalls = {windowChanged, formChanged, advanceViews};
     flushTarget() = new FlushTarget;
     onFirstChange([] {
         if (flushTarget()) QCoreApplication::postEvent(flushTarget(), new QEvent(FlushTarget::flushEvent()));
@@ -99,28 +79,6 @@ void endQt() {
     dropAllWindows();
     delete flushTarget();
     application().reset();
-}
-
-void flushChanged() {
-    if (!application()) return;
-    // Showing a record changes no record, so one pass is enough; a handler that a widget calls back comes
-    // again by its own change.
-    const AskedTogether painting;
-    std::vector<Control*> forms;  // a record of each form that changed
-    for (Control* record : takeChanged()) {
-        showChange(*record);
-        const auto same = [&](const Control* c) { return c->parent == record->parent; };
-        if (inForm(*record) && std::ranges::none_of(forms, same)) forms.push_back(record);
-    }
-    for (const Control* record : forms) formChanged(*record);
-    const std::int64_t now = monotonicMs();
-    advanceViews(now);
-}
-
-void deliverEvents() {
-    if (!application()) return;
-    QCoreApplication::sendPostedEvents();
-    QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
 }
 
 std::string clippedTexts(const Control& window) {

@@ -17,6 +17,8 @@
 #include <vector>
 
 #include "platform/controls.h"
+#include "platform/qt/view/changes.h"
+#include "platform/qt/view/windows.h"
 
 namespace zv::shell {
 
@@ -27,17 +29,6 @@ void startQt(int& argc, char** argv, bool offscreen);
 /// Ends it: deletes all windows and the application object. Records stay.
 void endQt();
 
-/// Shows what changed in the records since the last call: sets widgets, marks rectangles for painting. The
-/// desktop needs no call (one is queued by the first change of a turn); the rehearsal calls it when it likes.
-void flushChanged();
-/// Delivers what waits in the toolkit's queue (posted events, painting) without waiting for more.
-void deliverEvents();
-/// Forgets a window and all of its records' widgets; needed before a window record is destroyed.
-void dropWindow(Control& window);
-/// The windows that are open, from back to front.
-std::vector<Control*> openWindows();
-/// A window, menu or dialog opens: the press that opened it ends there, wherever its release goes.
-void noteOpened();
 /// Names of the controls of a window whose texts do not find their room, joined by blanks; those that are seen.
 std::string clippedTexts(const Control& window);
 /// True when the record is on the screen: it, its parents and its window are visible.
@@ -81,9 +72,5 @@ bool moveSlider(Control& control, int value);
 bool setTicked(Control& control, bool on);
 /// A file is dragged from elsewhere and let go over the control.
 bool dropFiles(Control& control, const std::vector<std::string>& paths);
-/// Asks the window to close as its close button does: onQueryClose(0), then onClose unless that said false.
-bool closeWindow(Control& window);
-/// Gives the window a new inner size as by dragging its border.
-bool resizeWindow(Control& window, int widthPixels, int heightPixels);
 
 }  // namespace zv::shell

@@ -95,8 +95,6 @@ inline const QWidget* menuAskedFor = nullptr;
 void stopSound();
 /// While something waits for the presenter, keeps mouse, wheel, files and keys from what waits with it.
 void installGate();
-/// Windows, menus and dialogs opened so far.
-std::uint64_t openedSoFar();
 /// The record with a mouse button or finger held down on it.
 bool isHeld(const Control& record);
 

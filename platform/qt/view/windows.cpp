@@ -16,9 +16,9 @@
 
 #include "platform/desktop.h"
 #include "platform/forms.h"
+#include "platform/qt/view/changes.h"
 #include "platform/qt/view/form_view.h"
 #include "platform/qt/view/native.h"
-#include "platform/qt/view/shell.h"
 #include "platform/qt/view/style.h"
 #include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
