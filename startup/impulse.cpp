@@ -116,16 +116,7 @@ bool cImpulse::ReplaceValues(std::string_view stem, const std::function<bool(con
 
 bool cImpulse::RewriteValues(std::string_view stem, const Become& become) {
     if (IniPath_.empty()) return false;
-    return file().update([&](IniText& text) {
-        bool changed = false;
-        for (const std::string& section : text.sectionNames())
-            for (const Line& line : text.lines(section)) {
-                if (!line.first.starts_with(stem)) continue;
-                if (const auto value = become(section, line))
-                    changed = text.put(section, line.first, *value) || changed;
-            }
-        return changed;
-    });
+    return file().update([&](IniText& text) { return text.rewriteValues(stem, become); });
 }
 
 std::string_view cImpulse::Bytes() { return IniPath_.empty() ? std::string_view() : file().text().bytes(); }

@@ -265,6 +265,49 @@ bool IniText::put(std::string_view section, std::string_view key, std::string_vi
     return putPlain(askedName(section), askedName(key), sanitized(onOneLine(value)));
 }
 
+std::optional<std::string> IniText::lineWith(const Section& section, const Key& key,
+                                             std::string_view value) const {
+    // A plain value takes the place of the old one, the blanks around it stay; one with blanks at its
+    // ends takes all there is behind the equals sign.
+    std::size_t begin = section.begin + key.value;
+    std::size_t end = section.begin + key.valueEnd;
+    if (trimmedBlanks(value).size() != value.size()) {
+        begin = bytes_.find('=', section.begin + key.nameEnd) + 1;
+        end = section.begin + key.end;
+        while (end > begin && (bytes_[end - 1] == '\n' || bytes_[end - 1] == '\r')) --end;
+    }
+    if (toUtf8(view(begin, end), key.encoding) == value) return std::nullopt;
+    std::string line = toUtf8(view(section.begin + key.begin, begin), key.encoding);
+    line.append(value).append(toUtf8(view(end, section.begin + key.end), key.encoding));
+    return lineBytes(line, key.encoding);
+}
+
+bool IniText::rewriteValues(std::string_view stem, const Become& become) {
+    std::string out;
+    std::size_t copied = 0;
+    for (Section& s : sections_) {
+        const std::string name = toUtf8(view(s.name, s.nameEnd), s.encoding);
+        if (!askable(name) || find(name) != &s) continue;
+        index(s);
+        for (const Key& k : s.keys) {
+            if (!view(s.begin + k.name, s.begin + k.nameEnd).starts_with(stem)) continue;
+            const std::string key = toUtf8(view(s.begin + k.name, s.begin + k.nameEnd), k.encoding);
+            if (!askable(key) || find(s, key) != &k) continue;
+            const auto value = become(name, {key, valueOf(s, k)});
+            if (!value || value->empty()) continue;
+            if (const auto line = lineWith(s, k, sanitized(onOneLine(*value)))) {
+                out.append(bytes_, copied, s.begin + k.begin - copied).append(*line);
+                copied = s.begin + k.end;
+            }
+        }
+    }
+    if (copied == 0) return false;
+    out.append(bytes_, copied);
+    bytes_ = std::move(out);
+    findSections();
+    return true;
+}
+
 /// put() of names and a value that are valid and on one line.
 bool IniText::putPlain(std::string_view section, std::string_view key, std::string_view value) {
     Section* s = find(section);
@@ -282,21 +325,9 @@ bool IniText::putPlain(std::string_view section, std::string_view key, std::stri
     }
     if (value.empty()) return false;
     if (k != nullptr) {
-        // A plain value takes the place of the old one, the blanks around it stay; one with blanks at its
-        // ends takes all there is behind the equals sign.
-        std::size_t begin = s->begin + k->value;
-        std::size_t end = s->begin + k->valueEnd;
-        if (trimmedBlanks(value).size() != value.size()) {
-            begin = bytes_.find('=', s->begin + k->nameEnd) + 1;
-            end = s->begin + k->end;
-            while (end > begin && (bytes_[end - 1] == '\n' || bytes_[end - 1] == '\r')) --end;
-        }
-        if (toUtf8(view(begin, end), k->encoding) == value) return false;
-        const std::size_t lineBegin = s->begin + k->begin, lineEnd = s->begin + k->end;
-        std::string line = toUtf8(view(lineBegin, begin), k->encoding);
-        line.append(value).append(toUtf8(view(end, lineEnd), k->encoding));
-        splice(lineBegin, lineEnd, lineBytes(line, k->encoding));
-        return true;
+        const auto line = lineWith(*s, *k, value);
+        if (line) splice(s->begin + k->begin, s->begin + k->end, *line);
+        return line.has_value();
     }
     const std::string line = lineBytes(std::string(key).append("=").append(value), newLines_) + lineEnd_;
     if (s != nullptr) {

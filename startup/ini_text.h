@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -51,6 +52,10 @@ class IniText {
     bool replaceSection(std::string_view section, const std::vector<Line>& lines);
     /// As put() for each line.
     bool mergeSection(std::string_view section, const std::vector<Line>& lines);
+    /// What a value of `section` becomes; nothing, or an empty text, leaves it.
+    using Become = std::function<std::optional<std::string>(const std::string& section, const Line& line)>;
+    /// As put() for each line whose key begins with `stem`, in one pass over the text.
+    bool rewriteValues(std::string_view stem, const Become& become);
 
   private:
     /// One line with a key, by offsets from the beginning of its section.
@@ -86,6 +91,8 @@ class IniText {
     Section* find(std::string_view name);
     const Section* find(std::string_view name) const;
     const Key* find(Section& section, std::string_view key);
+    /// The line of `key` with another value; nothing when it has that one already.
+    std::optional<std::string> lineWith(const Section& section, const Key& key, std::string_view value) const;
     void splice(std::size_t begin, std::size_t end, std::string_view with);
     void closeLastLine();
     void appendHeader(std::string_view name);

@@ -352,6 +352,30 @@ TEST(IniText, RandomOperationsAgreeWithTheModel) {
     }
 }
 
+TEST(IniText, ValuesRewrittenAtOnceAreThoseOfManyPuts) {
+    const std::vector<std::string> pieces{"[S]\n", "[s]\n", "[T]\r\n",   "a=1\n",   " ab = \"q\" \r\n",
+                                          "A=2\n", "b=3\n", "a1=\xE9\n", "; a=4\n", "\n",
+                                          "[\n",   "a2=",   "=",         "x"};
+    std::mt19937 random(7);
+    for (int round = 0; round < 2000; ++round) {
+        std::string start;
+        for (auto i = random() % 20; i > 0; --i) start += oneOf(pieces, random);
+        IniText once(start), each(start);
+        const auto become = [&](const std::string& section, const IniText::Line& line) {
+            return line.second == "1" ? std::nullopt : std::optional(line.second + " \u2126" + section);
+        };
+        bool changed = false;
+        for (const std::string& section : each.sectionNames())
+            for (const IniText::Line& line : each.lines(section))
+                if (const auto value = become(section, line); value && line.first.starts_with("a"))
+                    changed = each.put(section, line.first, *value) || changed;
+        ASSERT_EQ(once.rewriteValues("a", become), changed) << start;
+        ASSERT_EQ(once.bytes(), each.bytes()) << start;
+        for (const std::string& section : each.sectionNames())
+            ASSERT_EQ(once.lines(section), each.lines(section)) << start;
+    }
+}
+
 TEST(IniText, RandomBytesDoNoHarm) {
     std::mt19937 random(7);
     for (int round = 0; round < 3000; ++round) {
