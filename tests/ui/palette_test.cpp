@@ -102,6 +102,25 @@ TEST_F(PaletteTest, steppingLoadsOnlyWhereItStops) {
     EXPECT_EQ(filled(), 3);
 }
 
+TEST_F(PaletteTest, whateverMovesInTheListCentresItIfThatIsWanted) {
+    for (int i = 0; i < 60; ++i) writePalette("P" + std::to_string(10 + i), 1);
+    lstPalRefresh();
+    for (const int wanted : {1, 0}) {
+        paletteListSettings.CenterLstPal = static_cast<std::uint8_t>(wanted);
+        const std::pair<const char*, std::function<void()>> ways[] = {
+            {"picked", [&] { list().onMouseUp({}); }},
+            {"stepped", [] { evBtDn(); }},
+            {"jumped", [] { frmMain().palettes.btUp.onMouseDown({}); }}};
+        for (const auto& [way, act] : ways) {
+            SelectPalette("P40");
+            list().topRow = 0;
+            act();
+            EXPECT_EQ(list().topRow() > 0, wanted == 1) << way;
+            pass(200);
+        }
+    }
+}
+
 TEST_F(PaletteTest, aHeldPageKeyRunsAfterAMoment) {
     const int pageDown = static_cast<int>(Key::pageDown);
     const auto send = [&](bool repeat) {
