@@ -182,7 +182,7 @@ TEST_F(SurfaceTest, EachEventLightsItsLamps) {
         {"one mode ends the other", [&] { keys.ckTouch.onMouseDown(left); },
          "A00401 A00402 f907D7F A00300 f807C7F"},
         {"off again", CkTouchTog, "A00400 f807D7F"},
-        {"automix A", CkAutoMixTog, "A00502 f907E7F"},
+        {"automix A", [&] { keys.ckAutoMix.onMouseDown(left); }, "A00501 A00502 f907E7F"},
         {"automix B", CkAutoMixTog, "A00503 f907E7F"},
         {"no automix", CkAutoMixTog, "A00500 f807E7F"},
         {"up", [&] { palettes.btUp.onMouseDown(left); }, "A00101 f907A7F"},
@@ -191,9 +191,9 @@ TEST_F(SurfaceTest, EachEventLightsItsLamps) {
         {"down let go", [&] { palettes.btDn.onMouseUp(left); }, "A00200 f807B7F"},
         {"stop", [&] { keys.btStop.onMouseDown(left); }, "A00601 f907F7F"},
         {"stop let go", [&] { keys.btStop.onMouseUp(left); }, "A00600 f807F7F"},
-        {"microphone", MicPush, "A00801 f90797F"},
-        {"microphone let go", MicRelease, "A00800 f80797F"},
-        {"talk-over", TalkOverTog, "A00701 f90787F"},
+        {"microphone", [&] { keys.btMicPush.onMouseDown(left); }, "A00801 f90797F"},
+        {"microphone let go", [&] { keys.btMicPush.onMouseUp(left); }, "A00800 f80797F"},
+        {"talk-over", [&] { keys.btMicTO.onMouseDown(left); }, "A00701 f90787F"},
         {"the input's release", [&] { timers().TimerTOrelease.restart(), pass(1000); }, "A00701"},
         {"talk-over ends", TalkOverTog, "A00700 f80787F"},
         {"both in one colour", [&] { same(true), TalkOverTog(), MicPush(); },
@@ -308,33 +308,6 @@ TEST_F(SurfaceTest, APadPlaysAndGlows) {
     release(0);
     pass(100);
     EXPECT_EQ(sent(), "A01002");
-}
-
-/// What a hand does at the window shows at the surface.
-TEST_F(SurfaceTest, TheWindowsKeysLightTheirLamps) {
-    start(kAll);
-    MainWindow& w = frmMain();
-    Control& mic = w.keys.btMicPush;
-    Control& talk = w.keys.btMicTO;
-    const struct {
-        const char* what;
-        std::function<void()> act;
-        const char* sent;
-    } rows[] = {
-        {"touch", [&] { w.keys.ckTouch.onMouseDown({}); }, "A00401 A00402 f907D7F"},
-        {"repeat", [&] { w.keys.ckAutoRep.onMouseDown({}); }, "A00301 A00302 f907C7F A00400 f807D7F"},
-        {"automix", [&] { w.keys.ckAutoMix.onMouseDown({}); }, "A00501 A00502 f907E7F"},
-        {"lock", [&] { w.keys.ckAutoMix.onMouseDown({}); }, "A00501 A00503 f907E7F"},
-        {"none", [&] { w.keys.ckAutoMix.onMouseDown({}); }, "A00501 A00500 f807E7F"},
-        {"talk over", [&] { talk.onMouseDown({}); }, "A00701 f90787F"},
-        {"microphone", [&] { mic.onMouseDown({}); }, "A00801 f90797F"},
-        {"microphone let go", [&] { mic.onMouseUp({}); }, "A00800 f80797F"},
-    };
-    for (const auto& row : rows) {
-        sent();
-        row.act();
-        EXPECT_EQ(sent(), row.sent) << row.what;
-    }
 }
 
 TEST_F(SurfaceTest, AKeyHeldForHalfASecondGoesToTheEndOfTheList) {
