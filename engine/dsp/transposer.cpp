@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <mutex>
 #include <numbers>
 
 #include "engine/dsp/lanes.h"
@@ -18,8 +19,10 @@ constexpr std::size_t kZeros =
 constexpr double kLeastScale = 0.125;  ///< of the cutoff; beyond that speed some folding is let be
 constexpr double kAttenuation = 86, kCutoff = 0.47;
 constexpr std::size_t kFine = 512;    ///< points of the filter's shape a frame
-constexpr std::size_t kPhases = 256;  ///< rows of a table
-constexpr int kSteady = 4;            ///< calls after which a table is worth making
+constexpr std::size_t kPhases = 256;  ///< rows of a table at full cutoff; fewer where the filter is wider
+constexpr int kSteady = 4;            ///< calls after which a table of its own is worth making
+constexpr std::size_t kSteps = 16;    ///< tables of moving cutoffs an octave
+constexpr std::size_t kOctaves = 3;   ///< down to kLeastScale
 constexpr std::size_t kRoom = 2048;
 
 double scaleOf(double speed) { return speed <= 1 ? 1 : std::max(1 / speed, kLeastScale); }
@@ -76,26 +79,59 @@ void weigh(std::span<float> row, double scale, double back) {
 
 struct TransposerRows {
     explicit TransposerRows(double forScale)
-        : scale(forScale), taps(tapsOf(forScale)), rows((kPhases + 1) * taps) {
-        for (std::size_t p = 0; p <= kPhases; ++p)
-            weigh({rows.data() + p * taps, taps}, scale, static_cast<double>(p) / kPhases);
+        : scale(forScale),
+          half(halfOf(forScale)),
+          taps(tapsOf(forScale)),
+          phases(static_cast<std::size_t>(std::ceil(kPhases * forScale))),
+          rows((phases + 1) * taps) {
+        for (std::size_t p = 0; p <= phases; ++p)
+            weigh({rows.data() + p * taps, taps}, scale,
+                  static_cast<double>(p) / static_cast<double>(phases));
+    }
+    /// The sound `fraction` behind the frame that `middle` points to.
+    float at(const float* middle, double fraction) const {
+        const double phase = fraction * static_cast<double>(phases);
+        const auto p = static_cast<std::size_t>(phase);
+        const auto f = static_cast<float>(phase - static_cast<double>(p));
+        const float *row = rows.data() + p * taps, *x = middle - static_cast<std::ptrdiff_t>(half) + 1;
+        return wideChosen() ? wide::dotBetween(x, row, row + taps, taps, f)
+                            : plain::dotBetween(x, row, row + taps, taps, f);
     }
     double scale;
-    std::size_t taps;
+    std::size_t half, taps, phases;
     std::vector<float> rows;
 };
+
+namespace {
+
+/// The table of the cutoff `step` steps below the full one. Made once, for all.
+const TransposerRows& stepRows(std::size_t step) {
+    constexpr std::size_t kMost = kSteps * kOctaves;
+    static std::array<std::once_flag, kMost + 1> made;
+    static std::array<std::unique_ptr<const TransposerRows>, kMost + 1> all;
+    step = std::min(step, kMost);
+    std::call_once(made[step], [step] {
+        all[step] = std::make_unique<TransposerRows>(std::exp2(-static_cast<double>(step) / kSteps));
+    });
+    return *all[step];
+}
+
+}  // namespace
 
 Transposer::Transposer(std::uint32_t channels) : channels_(std::max(channels, 1u)) {
     const std::size_t most = tapsOf(kLeastScale);
     stride_ = 2 * most + kRoom;
     window_.assign(stride_ * channels_, 0.0F);
-    row_.resize(most);
     reset(0);
 }
 
 Transposer::~Transposer() = default;
 
-std::size_t Transposer::reach(double speed) { return halfOf(scaleOf(speed)); }
+std::size_t Transposer::reach(double speed) {
+    const double scale = scaleOf(speed);
+    // While the cutoff moves, as far as the next wider table.
+    return scale == 1 ? kZeros : halfOf(std::max(scale * std::exp2(-1.0 / kSteps), kLeastScale)) + 1;
+}
 
 void Transposer::reset(std::size_t lead) {
     std::fill(window_.begin(), window_.end(), 0.0F);
@@ -142,10 +178,7 @@ void Transposer::push(std::span<const float> in) {
 
 /// A table, as soon as it is worth its making; null while the cutoff moves.
 const TransposerRows* Transposer::rowsFor(double scale) {
-    if (scale == 1) {
-        static const TransposerRows whole(1);
-        return &whole;
-    }
+    if (scale == 1) return &stepRows(0);
     if (own_ && own_->scale == scale) return own_.get();
     steady_ = scale == lastScale_ ? steady_ + 1 : 0;
     lastScale_ = scale;
@@ -156,29 +189,23 @@ const TransposerRows* Transposer::rowsFor(double scale) {
 
 void Transposer::make(std::span<float> out, double speed) {
     const double scale = scaleOf(speed);
-    const std::size_t half = halfOf(scale), taps = tapsOf(scale);
-    const TransposerRows* table = rowsFor(scale);
-    const bool isWide = wideChosen();
+    const TransposerRows* const own = rowsFor(scale);
+    // A moving cutoff lies between those of two tables.
+    const double step = own ? 0 : -std::log2(scale) * kSteps;
+    const auto whole = static_cast<std::size_t>(step);
+    const TransposerRows &table = own ? *own : stepRows(whole), &lower = own ? *own : stepRows(whole + 1);
+    const auto part = static_cast<float>(step - static_cast<double>(whole));
     float* to = out.data();
     for (std::size_t i = 0; i < out.size() / channels_; ++i) {
-        const float* x = window_.data() + (whole_ - first_) - static_cast<std::int64_t>(half) + 1;
-        if (table) {
-            const double phase = fraction_ * kPhases;
-            const auto p = static_cast<std::size_t>(phase);
-            const auto f = static_cast<float>(phase - static_cast<double>(p));
-            const float* row = table->rows.data() + p * taps;
-            for (std::uint32_t c = 0; c < channels_; ++c, x += stride_)
-                *to++ = isWide ? wide::dotBetween(x, row, row + taps, taps, f)
-                               : plain::dotBetween(x, row, row + taps, taps, f);
-        } else {
-            weigh({row_.data(), taps}, scale, fraction_);
-            for (std::uint32_t c = 0; c < channels_; ++c, x += stride_)
-                *to++ = isWide ? wide::dot(x, row_.data(), taps) : plain::dot(x, row_.data(), taps);
+        const float* x = window_.data() + (whole_ - first_);
+        for (std::uint32_t c = 0; c < channels_; ++c, x += stride_) {
+            const float here = table.at(x, fraction_);
+            *to++ = own ? here : here + part * (lower.at(x, fraction_) - here);
         }
         fraction_ += speed;
-        const double step = std::floor(fraction_);
-        whole_ += static_cast<std::int64_t>(step);
-        fraction_ -= step;
+        const double ahead = std::floor(fraction_);
+        whole_ += static_cast<std::int64_t>(ahead);
+        fraction_ -= ahead;
     }
 }
 

@@ -43,7 +43,6 @@ class Transposer {
     double lastScale_ = 0;
     int steady_ = 0;  ///< calls with that cutoff
     std::unique_ptr<TransposerRows> own_;
-    std::vector<float> row_;
 };
 
 }  // namespace zv::engine::dsp

@@ -1,14 +1,7 @@
 // Included by transposer.cpp once a path, inside a namespace of the path's own; no include guard for that
 // reason.
 
-/// `taps` is a multiple of 8.
-float dot(const float* x, const float* row, std::size_t taps) {
-    Eight sum{};
-    for (std::size_t k = 0; k < taps; k += 8) sum = sum + load(x + k) * load(row + k);
-    return sumOf(sum);
-}
-
-/// The same frames under two neighbouring rows, `f` of the way from one to the other.
+/// Frames under two neighbouring rows, `f` of the way from one to the other; `taps` is a multiple of 8.
 float dotBetween(const float* x, const float* row, const float* next, std::size_t taps, float f) {
     Eight low{}, high{};
     for (std::size_t k = 0; k < taps; k += 8) {
