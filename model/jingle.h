@@ -91,7 +91,6 @@ struct JingleRecord : PersistedJingle {
     std::uint8_t Pressed = 0;
     Shared<std::uint32_t> hPlay = 0;  ///< the tempo channel that is played and mixed
     std::uint32_t hSrc = 0;           ///< the decoding source under it
-    std::int64_t Spare = 0;
 
     PersistedJingle& persisted() { return *this; }
     const PersistedJingle& persisted() const { return *this; }

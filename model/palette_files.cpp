@@ -112,7 +112,8 @@ void keepFormerSection(const std::string& name, const std::vector<cImpulse::Line
         KeepSection(another ? HistoryReason::replaced : HistoryReason::saved, name, former);
 }
 
-bool writeHotJingles(const std::vector<cImpulse::Line>& lines) {
+/// Slots 96 to 119 into the section "HotJingles", as part of every save of a palette.
+bool CloseFileHotJingles(const std::vector<cImpulse::Line>& lines) {
     const auto former = storedSection(HotStore, HotFile, kHotSection);
     if (!without(filesOf(former), filesOf(lines)).empty())
         KeepSection(HistoryReason::saved, kHotSection, former, true);
@@ -146,7 +147,7 @@ bool CloseFile(const std::string& name) {
         const auto lines = paletteLines(Purpose::save);
         const auto hot = hotLines(Purpose::save);
         const bool hotFirst = hotJinglesFirst(lines, hot);
-        if (hotFirst && !writeHotJingles(hot)) return;
+        if (hotFirst && !CloseFileHotJingles(hot)) return;
         if (!writePalette(name, lines)) return;
         if (SaveMode == "rename") RenameInRemovals(HeldPalette(), name);
         callUp(modelUpcalls.paletteNamed, HeldPalette(), name);
@@ -155,22 +156,13 @@ bool CloseFile(const std::string& name) {
             callUp(modelUpcalls.paletteListChanged, shown);
             callUp(modelUpcalls.showPaletteName, shown);
         });
-        written = hotFirst || writeHotJingles(hot);
+        written = hotFirst || CloseFileHotJingles(hot);
         // What was cut elsewhere leaves its palette once its new place is on disk.
         written = written && workOffRemovals();
         if (written) ErrDisp("hide");
         SaveMode.clear();
     });
     guarded("modMain.CloseFile", sayLockedFiles);
-    return written;
-}
-
-bool CloseFileHotJingles() {
-    bool written = false;
-    guarded("modMain.CloseFileHotJingles", [&] {
-        ErrDisp("save");
-        written = writeHotJingles(hotLines(Purpose::save));
-    });
     return written;
 }
 

@@ -13,8 +13,6 @@ namespace zv {
 /// keeps what the file has for it. A file that cannot be written stays as it was, the mark says so and false
 /// is returned.
 bool CloseFile(const std::string& name);
-/// Writes slots 96 to 119 into the section "HotJingles". False when the file could not be written.
-bool CloseFileHotJingles();
 /// True if the palette file holds a "[" anywhere.
 bool PalFileTest();
 

@@ -23,9 +23,8 @@ struct HttpRequest {
 };
 
 struct HttpReply {
-    int status = 0;           ///< HTTP status; 0: nobody answered in time, or the answer broke off
-    std::string error;        ///< why the status is 0, or the file could not be written
-    std::string contentType;  ///< as sent
+    int status = 0;     ///< HTTP status; 0: nobody answered in time, or the answer broke off
+    std::string error;  ///< why the status is 0, or the file could not be written
     std::string body;
     std::int64_t bytes = 0;  ///< received
 };

@@ -70,8 +70,6 @@ class Job {
     void cancel();
     /// Work that has not begun comes before all other of its lane.
     void hurry();
-    /// The job goes on without its holder.
-    void letRun();
 
   private:
     std::shared_ptr<JobState> state_;

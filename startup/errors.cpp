@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <filesystem>
-#include <system_error>
 
 #include "engine/bass.h"
 #include "platform/clock.h"
@@ -132,12 +130,6 @@ std::string BassErrMessage(int code) {
     return first.empty() ? first : LanguageStore.GetValue(key, 0, programSettings.Language, first);
 }
 
-std::vector<const char*> EngineErrorKeys() {
-    std::vector<const char*> keys;
-    for (const CodeName& c : kCodes) keys.push_back(c.key);
-    return keys;
-}
-
 void ConsoleAdd(std::string_view line, bool clear) {
     if (startupUpcalls.consolePaused && startupUpcalls.consolePaused()) return;
     std::vector<std::string> pieces;
@@ -146,13 +138,6 @@ void ConsoleAdd(std::string_view line, bool clear) {
         pieces.push_back(std::move(piece));
     }
     callUp(startupUpcalls.consoleLines, pieces, clear);
-}
-
-void ClearErrorFiles() {
-    for (const char* name : {"Error.log", "Errors.txt"}) {
-        std::error_code error;
-        std::filesystem::remove(nativePath(InProgramFolder(name)), error);
-    }
 }
 
 }  // namespace zv

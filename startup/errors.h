@@ -48,8 +48,6 @@ void ErrorLive_(std::string_view message);
 void ErrorLive_(std::string_view message, int code);
 /// The language's text for an engine error code; empty for a code that has none.
 std::string BassErrMessage(int code);
-/// The language keys of all codes that have one.
-std::vector<const char*> EngineErrorKeys();
 
 /// The report of an unexpected error in `procedure` ("modMain.CloseFile", ".lstPal_MouseUp"): clipboard,
 /// Errors.txt, report window. One at a time: while the window is open further ones are dropped. The fourth of
@@ -62,9 +60,6 @@ void ConsoleAdd(std::string_view line, bool clear = false);
 
 /// Name and version of the system; asked for once.
 const std::string& OSName();
-
-/// Deletes Error.log and Errors.txt.
-void ClearErrorFiles();
 
 /// "2026-01-31" and "14:05:09", the form of date and time in the logs.
 std::string LogDate();

@@ -73,6 +73,4 @@ void Job::hurry() {
     if (const auto runner = state_->runner.lock()) runner->hurry(state_);
 }
 
-void Job::letRun() { state_.reset(); }
-
 }  // namespace zv

@@ -126,7 +126,6 @@ HttpReply performHttp(const HttpRequest& request, JobWork& work) {
     std::ifstream in(Stage::instance().file(rule.file), std::ios::binary);
     std::string bytes{std::istreambuf_iterator<char>(in), {}};
     reply.bytes = static_cast<std::int64_t>(bytes.size());
-    reply.contentType = rule.type;
     if (request.file.empty()) {
         reply.body = std::move(bytes);
     } else if (!(std::ofstream(request.file, std::ios::binary | std::ios::trunc) << bytes).flush()) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "audio/automix.h"
 #include "platform/controls.h"
 #include "startup/settings/automix.h"
 #include "startup/settings/program.h"
@@ -56,9 +57,9 @@ void ApplyText(const std::string& window, const std::string& key, const std::str
     }
     // Automix and Exit show another text in another state.
     if (key.starts_with("mckAutoMix")) {
-        const std::string_view wanted = automixSettings.AutoMix == 1   ? "mckAutoMixA"
-                                        : automixSettings.AutoMix == 2 ? "mckAutoMixB"
-                                                                       : "mckAutoMix";
+        const std::string_view wanted = automixSettings.AutoMix == kAutomixCrossfade ? "mckAutoMixA"
+                                        : automixSettings.AutoMix == kAutomixLock    ? "mckAutoMixB"
+                                                                                     : "mckAutoMix";
         if (key == wanted) {
             captionOf(w.keys.ckAutoMix, text);
         }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "audio/sounding.h"
+#include "model/colours.h"
 #include "model/jingle.h"
 #include "model/state.h"
 #include "platform/controls.h"
@@ -40,17 +41,12 @@ void ShowPlayModeMark(int index) {
     }
     const JingleRecord& j = Jingle(index);
     const bool filled = !j.Path.empty();
-    struct Mark {
-        Colour colour;
-        const char* symbol;
-    };
-    const std::array<Mark, 5> marks{
-        {{0, "m"}, {Shaded.ar, "r"}, {Shaded.tc, "v"}, {Shaded.ps, "m"}, {Shaded.ns, "w"}}};
+    constexpr std::array kSymbols{"m", "r", "v", "m", "w"};
     const auto mode = static_cast<std::size_t>(j.PlayMod);
-    const Mark& mark = marks[mode < marks.size() ? mode : 0];
+    const ModeColour mark = PlayMod2Color(j.PlayMod);
     b->pm_Jingle.foreColor = mark.colour;
-    b->pm_Jingle.caption = mark.symbol;
-    b->pm_Jingle.visible = filled && j.PlayMod != PlayMode::global && j.Seq == 0;
+    b->pm_Jingle.caption = kSymbols[mode < kSymbols.size() ? mode : 0];
+    b->pm_Jingle.visible = filled && mark.visible && j.Seq == 0;
 }
 
 void ShowButton(int index, bool visible) {

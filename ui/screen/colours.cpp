@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "audio/automix.h"
 #include "model/colours.h"
 #include "model/jingle.h"
 #include "model/state.h"
@@ -184,9 +185,10 @@ void ShowGlobalToggles() {
     show(k.ckTouch, ToggleTouch == 1, markSettings.tcColor);
     // The minimal view shows their letters instead of the keys.
     DisplayControls& d = frmMain().display;
-    d.lblPlayMode[0].caption = std::string(automixSettings.AutoMix == 1 ? "a" : "n");
+    d.lblPlayMode[0].caption = std::string(automixSettings.AutoMix == kAutomixCrossfade ? "a" : "n");
     d.lblPlayMode[1].caption = std::string(ToggleAutoRep == 1 ? "r" : ToggleTouch == 1 ? "v" : "w");
-    show(k.ckAutoMix, automixSettings.AutoMix != 0, automixSettings.AutoMix == 1 ? Shaded.am : Shaded.am2);
+    show(k.ckAutoMix, automixSettings.AutoMix != kAutomixOff,
+         automixSettings.AutoMix == kAutomixCrossfade ? Shaded.am : Shaded.am2);
 }
 
 void ReColorizeBtn() {

@@ -217,14 +217,6 @@ void FormWindow::keyDown(KeyEvent& event) {
     if (onKey) onKey(event);
 }
 
-void RefreshForms() {
-    for (FormWindow* form : forms()) {
-        if (!form->isOpen()) continue;
-        form->window.backColor = frmMain().window.backColor();
-        form->fillTexts();
-    }
-}
-
 void CloseForms() {
     for (FormWindow* form : forms()) form->close();
 }

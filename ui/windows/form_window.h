@@ -82,8 +82,6 @@ class FormWindow {
     std::optional<Waiting> waiting_;  ///< while a modal one is open
 };
 
-/// The open windows in the language of the settings, after it was changed.
-void RefreshForms();
 /// Closes all of them, when the program ends.
 void CloseForms();
 

@@ -68,7 +68,6 @@ HttpReply performHttp(const HttpRequest& request, JobWork& work) {
     look.start(kLookForCancelMs);
     if (!reply->isFinished()) loop.exec();
     take();
-    result.contentType = utf8(reply->header(QNetworkRequest::ContentTypeHeader).toString());
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     // An answer of 404 is an answer; one that breaks off is none.
     const bool broken =
