@@ -169,6 +169,7 @@ at 14000 key F1
 at 14200 shot frmShortcuts keys.png
 at 14400 key Escape
 at 14600 key F3
+at 14650 click frmSearchJing.ShowHideKb
 at 14700 set frmSearchJing.txtJSearch hour
 at 15300 shot frmSearchJing search.png
 at 15400 key Escape
@@ -258,7 +259,10 @@ at 2000 rclick b_Jingle(3)
 at 2000 menu mnuReloc
 at 3000 shot frmSelFile find-missing.png
 at 3100 key Escape
-at 3200 end
+at 3200 drop lstPal Moved
+at 3500 shot filling.png
+at 3600 answer no
+at 3700 end
 EOF
 perform edits
 

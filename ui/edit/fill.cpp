@@ -94,7 +94,8 @@ void ask(const std::vector<std::string>& files) {
         question += "\r\n" + FilledText("flLeft", std::to_string(files.size() - count));
     }
     const std::string palette = HeldPalette();
-    if (messageBox(question, "Zentrova", BoxKind::question, BoxButtons::yesNo) == BoxAnswer::yes &&
+    if (messageBox(question, "Zentrova", BoxKind::question, BoxButtons::yesNo, Verbs("vbFill", "mCancel")) ==
+            BoxAnswer::yes &&
         HeldPalette() == palette) {
         put(files);
     }

@@ -55,7 +55,9 @@ class KeyWidget final : public QPushButton, public RecordView {
     void apply() override {
         // The text is also what a screen reader says; ampersands are no key letters here.
         setText(captionOf(record.caption).replace(QLatin1Char('&'), QLatin1String("&&")));
-        if (isSymbol()) setAccessibleName(textOf(record.toolTip));
+        // Signs say nothing to a screen reader; their tool tip does.
+        const QString spoken = isSpoken() ? QString() : textOf(record.toolTip);
+        if (accessibleName() != spoken) setAccessibleName(spoken);
         QPalette p = paletteOf(themeOf(record));
         p.setColor(QPalette::Button, faceOf(record, themeOf(record), dress));
         setPalette(p);
@@ -104,6 +106,11 @@ class KeyWidget final : public QPushButton, public RecordView {
 
   private:
     bool isSymbol() const { return record.fontName() == "ZVR" || record.fontName() == "MSSSMod"; }
+    bool isSpoken() const {
+        const QString caption = captionOf(record.caption);
+        return !isSymbol() &&
+               std::any_of(caption.begin(), caption.end(), [](QChar c) { return c.isLetterOrNumber(); });
+    }
 
     void paintHeader(QPainter& p, const Theme& theme) {
         const bool active = record.value() != 0 || record.fontBold();
