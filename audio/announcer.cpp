@@ -51,8 +51,10 @@ void freeVoice() {
 
 void refuse() {
     freeVoice();
+    TmAnnOn = false;
     Error_(Ln("mLoadTAError"));
     callUp(audioUpcalls.announcerChanged);
+    callUp(audioUpcalls.announcementFailed);
 }
 
 void build(SourceFile& found) {

@@ -42,16 +42,17 @@ struct AudioUpcalls {
     std::function<void(int, Feedback)> feedback;
 
     // ---- the display ----
-    std::function<void()> hideClock;          ///< minimal view: the counter takes over
-    std::function<void()> stopAnnouncer;      ///< ckTmAnn and b_tmAnJin off when armed
-    std::function<void(int ms)> streamFades;  ///< the live stream is on its way out and ends in `ms`
-    std::function<void()> stopStream;         ///< the live stream, when it plays
-    std::function<void()> liveChanged;        ///< its state, its status line or its title is another
-    std::function<void()> liveFadesOut;       ///< its key was pressed: it ends when it is silent
-    std::function<void()> addressesChanged;   ///< urls.txt is another
-    std::function<void()> announcerChanged;   ///< armed, its jingle, or what it shows is another
-    std::function<void()> outputsChanged;     ///< OutputTrouble() is another
-    std::function<void()> noOutputDevice;     ///< the program plays into the no-sound device
+    std::function<void()> hideClock;           ///< minimal view: the counter takes over
+    std::function<void()> stopAnnouncer;       ///< ckTmAnn and b_tmAnJin off when armed
+    std::function<void(int ms)> streamFades;   ///< the live stream is on its way out and ends in `ms`
+    std::function<void()> stopStream;          ///< the live stream, when it plays
+    std::function<void()> liveChanged;         ///< its state, its status line or its title is another
+    std::function<void()> liveFadesOut;        ///< its key was pressed: it ends when it is silent
+    std::function<void()> addressesChanged;    ///< urls.txt is another
+    std::function<void()> announcerChanged;    ///< armed, its jingle, or what it shows is another
+    std::function<void()> announcementFailed;  ///< its file cannot be played: another may be chosen
+    std::function<void()> outputsChanged;      ///< OutputTrouble() is another
+    std::function<void()> noOutputDevice;      ///< the program plays into the no-sound device
 
     // ---- the mixer window ----
     std::function<void(const OutputLists&)> outputsListed;

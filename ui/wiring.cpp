@@ -109,6 +109,12 @@ void wireDisplay() {
             }
         };
     }
+    d.lblTa.onMouseDown = [](const MouseEvent& e) {
+        if (e.button == MouseButton::left) {
+            HoldNextAnnouncement(true);
+        }
+    };
+    d.lblTa.onMouseUp = [](const MouseEvent&) { HoldNextAnnouncement(false); };
     d.picDispBack.onDropFiles = FillPalette;
     onLeftPress(d.lblErr, ErrClick);
     onLeftPress(d.lblMIDIIcon, OpenMidiSettings);
@@ -329,7 +335,7 @@ void Form_Load() {
             c->fontSize = 14;
         }
         for (Control* c : {&d.lblErr, &d.lblClock[0], &d.lblClock[1], &d.lblClock[2], &d.lblPlayMode[0],
-                           &d.lblPlayMode[1]}) {
+                           &d.lblPlayMode[1], &d.lblTa}) {
             c->fontName = kSymbolFont;
             c->fontSize = 12;
         }

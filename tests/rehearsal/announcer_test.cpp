@@ -117,8 +117,21 @@ TEST_F(Announcer, RefusesAFileThatIsNotThereAndIsStoppedByStop) {
         "at 6100 expect DTMinute.enabled 0\n"
         "at 6500 end\n");
     EXPECT_LT(peak(show.heard(), framesOf(6050), framesOf(6500)), 1e-4F);
-    perform("at 100 click ckTmAnn\nat 200 expect DTMinute.enabled 0\nat 300 end\n", {},
-            "TimeAnnouncer=Audio_Sample\\nothing.wav\r\n");
+    // The window with its file opens; another one arms it, and is kept.
+    perform(
+        "at 100 click ckTmAnn\n"
+        "at 200 expect DTMinute.enabled 0\n"
+        "at 200 expect frmSett.btSound.foreColor 255\n"
+        "at 300 answer " +
+            (show.home() / "Audio_Sample/after.wav").string() +
+            "\nat 300 click frmSett.btSound\n"
+            "at 500 expect DTMinute.enabled 1\n"
+            "at 500 expect frmSett.btSound.foreColor -1\n"
+            "at 600 click frmSett.btOK\n"
+            "at 700 end\n",
+        {}, "TimeAnnouncer=Audio_Sample\\nothing.wav\r\n");
+    EXPECT_NE(contents(show.home() / "zv.ini").find("TimeAnnouncer=Audio_Sample\\after.wav"),
+              std::string::npos);
     EXPECT_NE(show.result("events.log").find("The time announcement could not be loaded"), std::string::npos);
 }
 

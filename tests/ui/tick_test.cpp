@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "audio/announcer.h"
 #include "audio/levels.h"
 #include "audio/streams.h"
 #include "model/held_palette.h"
@@ -19,6 +20,7 @@
 #include "tests/ui/window_test.h"
 #include "ui/press/display_press.h"
 #include "ui/records/timers.h"
+#include "ui/screen/announcer_view.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/colours.h"
 #include "ui/screen/counter.h"
@@ -320,6 +322,23 @@ TEST_F(TickTest, theClockOfTheMinimalView) {
     EXPECT_EQ(figures(), "26.11.07");
     switchDisPalNameRelease();
     EXPECT_EQ(figures(), "150444");
+    // lblTa held shows the next announcement, once the announcer is armed.
+    HoldNextAnnouncement(true);
+    EXPECT_EQ(figures(), "150444");
+    TmAnnOn = true;
+    clockSettings.TimeFormat = "hh:mm:ss AM/PM";
+    ShowAnnouncer();
+    EXPECT_TRUE(d.lblTa.visible);
+    d.lblTa.onMouseDown({});
+    pass(100);
+    EXPECT_EQ(figures(), "35955");
+    EXPECT_TRUE(d.lblClock[2].visible);
+    d.lblTa.onMouseUp({});
+    EXPECT_EQ(figures().substr(0, 4), "0304");
+    TmAnnOn = false;
+    clockSettings.TimeFormat = "HH:mm:ss";
+    ShowAnnouncer();
+    EXPECT_FALSE(d.lblTa.visible);
     // The colon flashes once a second.
     std::set<std::string> colons;
     for (int i = 0; i < 12; ++i) {

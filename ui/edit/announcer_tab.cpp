@@ -12,6 +12,7 @@
 #include "platform/controls.h"
 #include "startup/guard.h"
 #include "startup/settings/announcer.h"
+#include "ui/edit/announcer_file.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
@@ -118,7 +119,13 @@ void TimerTimeAndTATick() {
 
 void WireAnnouncerTab() {
     AnnouncerTab& t = frmMain().announcer;
-    onLeft(t.ckTmAnn, CkTmAnnTog);
+    t.ckTmAnn.onMouseDown = [](const MouseEvent& e) {
+        if (e.button == MouseButton::left) {
+            CkTmAnnTog();
+        } else if (e.button == MouseButton::right) {
+            OpenAnnouncerSettings(false);
+        }
+    };
     onLeft(t.b_tmAnJin, b_tmAnJinTog);
     onLeft(t.ckTmAnnAM, [] { guarded(".ckTmAnnAM_MouseDown", [] { turn(TmAnnAM); }); });
     onLeft(t.b_tmAnJinAM, [] { guarded(".b_tmAnJinAM_MouseDown", [] { turn(TmJingleAM); }); });
@@ -129,6 +136,7 @@ void WireAnnouncerTab() {
 
 void FillAnnouncerUpcalls() {
     audioUpcalls.announcerChanged = ShowAnnouncer;
+    audioUpcalls.announcementFailed = [] { OpenAnnouncerSettings(true); };
     audioUpcalls.stopAnnouncer = [] {
         if (TmAnnOn || AnnouncerOpens()) {
             CkTmAnnTog();

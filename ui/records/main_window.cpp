@@ -35,6 +35,7 @@ DisplayControls::DisplayControls(Control& window)
                 {"lblClock", symbol, &picDispBack, 1},
                 {"lblClock", symbol, &picDispBack, 2}}},
       lblPlayMode{{{"lblPlayMode", symbol, &picDispBack, 0}, {"lblPlayMode", symbol, &picDispBack, 1}}},
+      lblTa("lblTa", symbol, &picDispBack),
       lblMIDIIcon("lblMIDIIcon", label, &picDispBack),
       lblMIDIDevice("lblMIDIDevice", label, &picDispBack) {
     for (Control* digit : {&lblPosMinC, &lblPosMinD, &lblPosMin}) {
@@ -57,6 +58,8 @@ DisplayControls::DisplayControls(Control& window)
     for (Control& mark : lblPlayMode) {
         mark.visible = false;
     }
+    lblTa.caption = "d";
+    lblTa.visible = false;
     lblMIDIIcon.caption = "MIDI";
     lblMIDIIcon.visible = false;
     lblMIDIDevice.visible = false;

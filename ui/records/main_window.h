@@ -25,6 +25,7 @@ struct DisplayControls {
     Control lblDate, lblTime, txtDisPal, lblQuiet, lblDispMessage, lblErr;
     std::array<Control, 3> lblClock;     ///< clock mark, AM, PM: minimal view
     std::array<Control, 2> lblPlayMode;  ///< play mode letters: minimal view
+    Control lblTa;  ///< held, the digits show when the next announcement comes: minimal view
     Control lblMIDIIcon, lblMIDIDevice;  ///< the control surface, or what its faders set
 
     /// The nine digit controls, from the left.

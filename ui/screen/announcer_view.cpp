@@ -94,6 +94,9 @@ void ShowAnnouncer() {
     if (marks != t.ckTmAnnAM.visible || jingleMark != t.b_tmAnJinAM.visible) {
         TabDraw(static_cast<int>(MainTab::timeAnnouncer));
     }
+    Control& next = frmMain().display.lblTa;
+    next.visible = minimal && TmAnnOn;
+    next.toolTip = Ln("mTipTa");
     showField(t.DTMinute, announcerSettings.TimeAnnMin, kLastOfSixty, "mTipDTMinute");
     showField(t.DTSecond, announcerSettings.TimeAnnSec, kLastOfSixty, "mTipDTSecond");
     showField(t.DTDelay, announcerSettings.TimeAnnDel, TmAnnOn ? TmAnLen : announcerSettings.TimeAnnDel,

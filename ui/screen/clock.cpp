@@ -245,6 +245,20 @@ void ClockUpdate() {
     });
 }
 
+void HoldNextAnnouncement(bool held) {
+    guarded("frmMain.lblTa_MouseDown", [&] {
+        TaHeld = held && TmAnnOn;
+        ClockUpdate();
+        if (!TaHeld && !ClockShown && DispRemain <= 0) {
+            // The counter takes its digits back with its next tick.
+            DisplayControls& d = frmMain().display;
+            d.lblClock[1].visible = false;
+            d.lblClock[2].visible = false;
+            SetDigitsColour(displaySettings.CountDownColor);
+        }
+    });
+}
+
 void StopClock() {
     UiTimers& t = timers();
     ClockShown = false;

@@ -16,6 +16,9 @@ std::string FormatDate(std::string_view format, const WallTime& time);
 extern bool ClockShowDate;  ///< the display is held down in minimal view
 extern bool TaHeld;         ///< minimal view: lblTa is held, the digits show the next announcement
 
+/// lblTa is pressed, or let go.
+void HoldNextAnnouncement(bool held);
+
 extern bool DateTimeDemoOn;  ///< the labels show samples; DateTimeUpdate leaves them alone
 /// Fills both labels with sample values in the formats of the settings, or brings date and time back.
 void DateTimeDemo(bool on);

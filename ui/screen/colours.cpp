@@ -170,6 +170,7 @@ void paintDisplay() {
     for (Control& mark : d.lblPlayMode) {
         mark.foreColor = clockSettings.DateTimeColor;
     }
+    d.lblTa.foreColor = clockSettings.DateTimeColor;
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ void ShowRemain() {
     if (minimalSettings.MinimalView == 1) {
         minimalClock();
     }
-    if (ClockShown) {
+    if (ClockShown || (TaHeld && DispRemain <= 0)) {
         return;
     }
     WriteDigits(Val(DispText));

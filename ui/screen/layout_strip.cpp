@@ -321,7 +321,7 @@ void DrawDisplay() {
     fromRight(d.lblPosMinC, bigWidth, big);
     int left = margin;
     for (Control* c :
-         {&d.lblClock[0], &d.lblClock[1], &d.lblClock[2], &d.lblPlayMode[0], &d.lblPlayMode[1]}) {
+         {&d.lblClock[0], &d.lblClock[1], &d.lblClock[2], &d.lblPlayMode[0], &d.lblPlayMode[1], &d.lblTa}) {
         place(*c, left, digitsTop, line, line);
         left += line;
     }
