@@ -1,6 +1,7 @@
 #include "benchmarks/measure.h"
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -9,6 +10,7 @@
 #include <ctime>
 #include <exception>
 #include <filesystem>
+#include <fstream>
 
 namespace zv::bench {
 namespace {
@@ -38,6 +40,13 @@ std::string number(double value) {
 double threadSeconds() { return secondsOf(CLOCK_THREAD_CPUTIME_ID); }
 double processSeconds() { return secondsOf(CLOCK_PROCESS_CPUTIME_ID); }
 double wallSeconds() { return secondsOf(CLOCK_MONOTONIC); }
+
+double residentMegabytes() {
+    std::ifstream status("/proc/self/statm");
+    double pages = 0;
+    status >> pages >> pages;
+    return pages * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1e6;
+}
 
 double median(std::vector<double> values) {
     std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2),

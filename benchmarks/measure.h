@@ -12,6 +12,9 @@ double threadSeconds();
 double processSeconds();
 double wallSeconds();
 
+/// Of this process.
+double residentMegabytes();
+
 /// The middle one of `values`.
 double median(std::vector<double> values);
 

@@ -67,13 +67,6 @@ class Files {
     Folder folder_;
 };
 
-double residentMegabytes() {
-    std::ifstream status("/proc/self/statm");
-    double pages = 0;
-    status >> pages >> pages;
-    return pages * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1e6;
-}
-
 void opening() {
     const Files files;
     std::vector<double> totals, holds, works, memories;

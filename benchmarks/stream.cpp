@@ -82,13 +82,6 @@ class Server {
     std::thread thread_;
 };
 
-double residentMegabytes() {
-    std::ifstream status("/proc/self/statm");
-    double pages = 0;
-    status >> pages >> pages;
-    return pages * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1e6;
-}
-
 void stream() {
     const Server server("HTTP/1.0 200 OK\r\nContent-Type: audio/mpeg\r\n\r\n" + mp3());
     const double before = residentMegabytes();
