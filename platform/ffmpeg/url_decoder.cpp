@@ -20,8 +20,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-constexpr std::uint32_t secondsAhead = 10;  // of sound that are kept in store
-constexpr std::size_t kShortLook = 512;     // bytes
+constexpr std::uint32_t secondsAhead = 10;               // of sound that are kept in store
+constexpr std::size_t mostAhead = std::size_t{4} << 20;  // samples, whatever a stream says of itself
+constexpr std::size_t kShortLook = 512;                  // bytes
 
 bool beginsWith(std::string_view text, std::string_view lowerCase) {
     return text.size() >= lowerCase.size() &&
@@ -114,7 +115,12 @@ class UrlDecoder : public engine::Decoder {
     /// Reads and decodes ahead until the store is full, the stream is over or the decoder is destroyed.
     void run() {
         std::vector<float> sound;
-        const std::size_t full = std::size_t{format_.rate} * format_.channels * secondsAhead;
+        const std::size_t full =
+            std::min(std::size_t{format_.rate} * format_.channels * secondsAhead, mostAhead);
+        {
+            const std::lock_guard lock(mutex_);
+            store_.reserve(full + full / 4);
+        }
         for (;;) {
             sound.clear();
             const bool more = input_->readPacket();
@@ -123,7 +129,7 @@ class UrlDecoder : public engine::Decoder {
             std::unique_lock lock(mutex_);
             if (more && now != told_.back().second) told_.emplace_back(came_, std::move(now));
             came_ += sound.size();
-            if (taken_ > store_.size() / 2) {
+            if (taken_ > store_.size() / 2 || store_.size() + sound.size() > store_.capacity()) {
                 store_.erase(store_.begin(), store_.begin() + static_cast<std::ptrdiff_t>(taken_));
                 taken_ = 0;
             }
