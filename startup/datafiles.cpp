@@ -7,8 +7,8 @@
 #include "platform/paths.h"
 #include "startup/backups.h"
 #include "startup/helpers.h"
-#include "startup/settings.h"
 #include "startup/settings/live.h"
+#include "startup/settings_file.h"
 #include "startup/stores.h"
 
 namespace zv {

@@ -29,7 +29,7 @@ std::span<const SettingKey> SettingKeys();
 const SettingKey* FindSetting(std::string_view key);
 
 /// The field's value as text, and its default. The default of a key with a way of its own may differ in the
-/// file (settings.cpp).
+/// file (settings_file.cpp).
 std::string SettingText(const SettingKey& key);
 std::string SettingDefault(const SettingKey& key);
 

@@ -7,7 +7,7 @@
 #include "engine/bass.h"
 #include "platform/paths.h"
 #include "startup/errors.h"
-#include "startup/settings.h"
+#include "startup/settings_file.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 

@@ -2,7 +2,6 @@
 
 #include <map>
 
-#include "startup/settings.h"
 #include "startup/settings/devices.h"
 #include "startup/settings/display.h"
 #include "startup/settings/folders.h"
@@ -12,6 +11,7 @@
 #include "startup/settings/palette.h"
 #include "startup/settings/program.h"
 #include "startup/settings/window.h"
+#include "startup/settings_file.h"
 #include "startup/settings_table.h"
 #include "tests/startup/surroundings.h"
 

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "startup/guard.h"
-#include "startup/settings.h"
+#include "startup/settings_file.h"
 
 namespace zv {
 

@@ -5,8 +5,8 @@
 
 #include <chrono>
 
-#include "startup/settings.h"
 #include "startup/settings/grid.h"
+#include "startup/settings_file.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {

@@ -1,4 +1,4 @@
-#include "startup/settings.h"
+#include "startup/settings_file.h"
 #include "startup/settings/devices.h"
 #include "startup/settings/folders.h"
 #include "startup/settings/labels.h"
