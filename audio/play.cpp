@@ -95,7 +95,7 @@ void start(int index, int velocity) {
     BASS_ChannelPlay(j.hPlay, false);
     ArmStopSync(index);
     trace(index, " clPlay ");
-    if (j.CueStart != 0 && StartPosition(index) == 0) callUp(audioUpcalls.startIgnored, index);
+    if (StartIgnored(index)) callUp(audioUpcalls.startIgnored, index);
     callUp(audioUpcalls.playStarting, index);
     if (BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_STOPPED) {
         Error_("Can't play jingle stream from the main button palette");

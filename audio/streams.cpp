@@ -329,6 +329,8 @@ double StartPosition(int index) {
     return j.CueStart < lengthOf(j.hSrc) ? j.CueStart : 0;
 }
 
+bool StartIgnored(int index) { return Jingle(index).CueStart != 0 && StartPosition(index) == 0; }
+
 double JDurationCalc(int index) {
     const JingleRecord& j = Jingle(index);
     const double playable = lengthOf(j.hSrc) - StartPosition(index) - j.EndOffset;

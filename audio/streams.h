@@ -27,6 +27,8 @@ bool SlotOpening(int index);
 void HurrySlot(int index);
 /// Where the slot begins: CueStart, or 0 for one that does not lie before the end of its sound. Bytes.
 double StartPosition(int index);
+/// Its start position counts as 0 for that reason.
+bool StartIgnored(int index);
 /// Bytes cut from the end of the playable range.
 double EndOffsetCalc(int index);
 /// Playable seconds, never below 0.

@@ -30,7 +30,7 @@ struct AudioUpcalls {
     std::function<void(int)> fileMissing;  ///< tool tip "errMissFile"
     std::function<void(int)>
         slotFailed;  ///< could not be opened: number, name, red or with the reason in the tip
-    std::function<void(int)> slotLoaded;  ///< caption, colours, marks, tool tip cleared
+    std::function<void(int)> slotLoaded;  ///< caption, colours, marks, tool tip
     std::function<void(int)> slotOpened;  ///< last step of every opening: selectable or other-palette colours
     std::function<void(int)>
         startIgnored;  ///< its start position lies beyond the end: it plays from the beginning

@@ -6,6 +6,7 @@
 
 #include "audio/output_watch.h"
 #include "audio/play.h"
+#include "audio/streams.h"
 #include "audio/upcalls.h"
 #include "midi/feedback.h"
 #include "model/colours.h"
@@ -120,7 +121,7 @@ void showLoaded(int index) {
     }
     const JingleRecord& j = Jingle(index);
     b->b_Jingle.caption = ButtonText(index);
-    b->b_Jingle.toolTip = std::string();
+    b->b_Jingle.toolTip = StartIgnored(index) ? Ln("mStartIgnored") : std::string();
     ShowMarks(index);
     b->fx_Jingle.visible = j.CueStart != 0 || j.FadeOut != 0 || j.StopPos != 0 || j.FXV != NeutralFXV(j.Freq);
     if (!j.Playing || j.PlayingOtherPal) {
@@ -175,9 +176,7 @@ void fillAudio() {
             PaintButton(index, Shaded.ta, GetForeColor(Shaded.ta, "jingle"));
         }
     };
-    audioUpcalls.startIgnored = [](int index) {
-        TellForAWhile(btCaption(Jingle(index).Path) + ": " + Ln("mStartIgnored"));
-    };
+    audioUpcalls.startIgnored = [](int) { TellForAWhile(Ln("mStartIgnored")); };
     audioUpcalls.slotWaits = [](int) { ErrDisp("wait", 0, Ln("errFileWait")); };
     audioUpcalls.pressReady = [](int index, int velocity) {
         if (ErrMarkShows("h")) {

@@ -50,6 +50,25 @@ TEST(Press, SoundsWithinOnePeriodInEveryFormatRightAfterThePaletteWasOpened) {
     }
 }
 
+TEST(Press, OfAStartBeyondTheEndPlaysFromTheBeginningAndSaysSo) {
+    Show show;
+    show.tone("tone.wav", 2, 1000, 0.5);
+    show.write(
+        "palette.ini",
+        "[Test]\r\nPath_0=Audio_Sample\\tone.wav\r\nCueStart_0=999999\r\nPath_1=Audio_Sample\\tone.wav\r\n");
+    EXPECT_EQ(show.perform(
+                  "at 500 expect b_Jingle(0).toolTip \"Start beyond the end: from 0\"\n"
+                  "at 500 expect b_Jingle(1).toolTip \"\"\nat 500 press 1\nat 600 expect lblQuiet \"\"\n"
+                  "at 700 click btStop\nat 1000 press 0\n"
+                  "at 1100 expect lblQuiet \"Start beyond the end: from 0\"\nat 5000 expect lblQuiet \"\"\n"
+                  "at 6000 end\n"),
+              0)
+        << show.messages();
+    const Sound output = show.heard("main.wav");
+    EXPECT_GT(peak(output, framesOf(1020), framesOf(2980)), 0.4F) << "all of it";
+    EXPECT_EQ(peak(output, framesOf(3050), framesOf(5900)), 0) << "once";
+}
+
 TEST(Press, ArrivesAtItsOwnLevelOnBothOutputs) {
     Show show;
     show.tone("tone.wav", 2, 1000, 0.5);
