@@ -196,7 +196,9 @@ void OutputSlot::render(std::span<float> stereo) {
         const std::uint64_t micros = stereo.size() / 2 * std::uint64_t{1'000'000} / rate_;
         if (outputs_.drives(*this, number_ != 0 && bridge.runsDry(stereo.size() / 2)) && graph.tryAcquire()) {
             drove = true;
-            if (outputs_.leads(*this)) outputs_.silentMicros.store(0, std::memory_order_relaxed);
+            const bool leads = outputs_.leads(*this);
+            if (leads) outputs_.silentMicros.store(0, std::memory_order_relaxed);
+            if (leads || number_ != 0) outputs_.deputySilentMicros.store(0, std::memory_order_relaxed);
             graph.applyCommands();
             if (bridge.follows() && graph.plays(number_) && !graph.quiet()) {
                 produceBehind(stereo);
@@ -209,6 +211,7 @@ void OutputSlot::render(std::span<float> stereo) {
         } else {
             outputs_.silentMicros.fetch_add(micros, std::memory_order_relaxed);
             if (number_ == 0) {
+                outputs_.deputySilentMicros.fetch_add(micros, std::memory_order_relaxed);
                 std::ranges::fill(stereo, 0.0F);
             } else {
                 bridge.read(stereo);
@@ -286,6 +289,10 @@ bool Outputs::drives(const OutputSlot& slot, bool runsDry) const {
     const std::uint64_t silent = silentMicros.load(std::memory_order_relaxed);
     const bool late =
         runsDry && first && silent > std::max(kDriverLateMicros, kLatePeriods * first->periodMicros());
+    // Both outputs of a server that stands still are silent without being lost: the stand-in computes on.
+    if (slot.number() == 0 && silent > kDriverGoneMicros &&
+        deputySilentMicros.load(std::memory_order_relaxed) > kDriverGoneMicros)
+        return true;
     return (late || silent > kDriverGoneMicros) && &slot == leader(first);
 }
 

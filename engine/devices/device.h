@@ -100,6 +100,8 @@ class Outputs {
     RenderHooks hooks;
     /// Microseconds that others have rendered since the driver last did. [audio]
     std::atomic<std::uint64_t> silentMicros{0};
+    /// Microseconds that the no-sound device has waited since an output last drove, the driver or its deputy. [audio]
+    std::atomic<std::uint64_t> deputySilentMicros{0};
 
   private:
     const OutputSlot* leader(const OutputSlot* without) const;

@@ -231,6 +231,37 @@ TEST_F(OnAir, TheOtherOutputGoesOnWhileTheMainOneIsPutToSleepAndWoken) {
     EXPECT_LT(worst, 1000) << "a busy machine adds to it; a quiet one stays under 20";
 }
 
+/// By the engine's own positions: a server that stands still lets nobody listen.
+TEST_F(OnAir, StopActsWithinTheEngineWhileTheServerStandsStill) {
+    writeWav(folder / "tones.wav", wanderingTones(rate, 2, rate * 40), rate, 2);
+    const DWORD play = jingle(folder / "tones.wav");
+    const auto moves = [&] {
+        const QWORD before = BASS_ChannelGetPosition(play, BASS_POS_BYTE);
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        return BASS_ChannelGetPosition(play, BASS_POS_BYTE) != before;
+    };
+    const auto ms = [start = std::chrono::steady_clock::now()] {
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    };
+    double worstCall = 0, worstSilent = 0;
+    server.freeze(true);
+    for (const int wait : {20, 200, 1000, 50, 50}) {
+        ASSERT_TRUE(BASS_ChannelPlay(play, true));
+        EXPECT_TRUE(within(2, moves)) << "a press is computed on";
+        std::this_thread::sleep_for(std::chrono::milliseconds(wait));
+        const double pressed = ms();
+        ASSERT_TRUE(BASS_ChannelStop(play));
+        worstCall = std::max(worstCall, ms() - pressed);
+        EXPECT_TRUE(within(2, [&] { return !moves(); }));
+        worstSilent = std::max(worstSilent, ms() - pressed);
+    }
+    server.freeze(false);
+    std::printf("STOP while the server stood still: call %.2f ms, silent after %.1f ms at worst\n", worstCall,
+                worstSilent);
+    EXPECT_LT(worstCall, 100) << "15 on a quiet machine";
+    EXPECT_LT(worstSilent, 700) << "50 on a quiet machine";
+}
+
 TEST_F(OnAir, MicrophoneReachesTheOutput) {
     writeWav(folder / "tones.wav", wanderingTones(rate, 2, rate * 6), rate, 2);
     ASSERT_TRUE(BASS_RecordInit(-1)) << BASS_ErrorGetCode();
