@@ -4,11 +4,9 @@
 #include <array>
 #include <atomic>
 #include <bit>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
-#include <string>
 #include <thread>
 
 #include "platform/soundtouch/soundtouch_stretcher.h"

@@ -2,15 +2,10 @@
 
 #include <sstream>
 
-#include "midi/assignments.h"
-#include "midi/feedback.h"
 #include "midi/learn.h"
 #include "midi/lifecycle.h"
 #include "midi/ring.h"
-#include "midi/state.h"
-#include "model/state.h"
 #include "startup/settings/midi.h"
-#include "startup/stores.h"
 
 namespace zv::test {
 

@@ -1,8 +1,4 @@
 // Editing as a presenter does it: with the keyboard, the mouse, whole folders; what the files hold afterwards.
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <string>
 
 #include "show.h"
 

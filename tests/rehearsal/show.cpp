@@ -1,19 +1,14 @@
 #include "show.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <iterator>
-#include <sstream>
 
 #include "platform/file_decoders/file_decoders.h"
-#include "tests/support/places.h"
 
 namespace zv::test {
 namespace {

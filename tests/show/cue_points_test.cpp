@@ -1,13 +1,9 @@
 // Start, stop and loop of a jingle as an editor moves them.
 #include "audio/cue_points.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <random>
-#include <vector>
 
-#include "engine/bass.h"
 #include "tests/support/studio.h"
 
 namespace zv {

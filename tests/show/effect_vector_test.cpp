@@ -1,8 +1,6 @@
 // The effects text of a jingle and the presets.
 #include "audio/effect_vector.h"
 
-#include <gtest/gtest.h>
-
 #include "startup/settings/editor.h"
 #include "startup/stores.h"
 #include "tests/support/studio.h"

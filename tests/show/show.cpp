@@ -1,10 +1,8 @@
 #include "tests/show/show.h"
 #include "audio/open_palette.h"
 
-#include <cmath>
 #include <utility>
 
-#include "audio/devices.h"
 #include "model/upcalls.h"
 #include "startup/settings/devices.h"
 #include "startup/settings/palette.h"

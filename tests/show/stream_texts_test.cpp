@@ -1,8 +1,4 @@
 // Addresses, playlists, titles and seconds, as texts and numbers.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 #include "audio/stream_title.h"
 #include "audio/url_list.h"

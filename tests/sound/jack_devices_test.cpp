@@ -1,16 +1,12 @@
 // Devices of a JACK server of the test's own, and the choice between sound systems.
-#include <gtest/gtest.h>
 
 #include <jack/jack.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <cmath>
 #include <cstdlib>
 
-#include "engine/bass.h"
 #include "platform/desktop_sound/choosing_devices.h"
-#include "platform/file_decoders/file_decoders.h"
 #include "platform/jack/jack_devices.h"
 #include "platform/jack/jack_stream.h"
 #include "platform/offline/offline_devices.h"

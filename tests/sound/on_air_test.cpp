@@ -3,10 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
-#include <cmath>
 
-#include "engine/bass.h"
-#include "platform/file_decoders/file_decoders.h"
 #include "platform/pulse/pulse_devices.h"
 #include "platform/soundtouch/soundtouch_stretcher.h"
 #include "tests/sound/sound_server.h"

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
-#include <cmath>
 #include <csignal>
 #include <mutex>
 

@@ -1,6 +1,5 @@
 // MIDI devices through RtMidi: their names, and real ports on a JACK server of the test's own.
 #include <RtMidi.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <algorithm>

@@ -1,5 +1,4 @@
 // Web streams from a server of the test's own, and everything that can go wrong on the way.
-#include <gtest/gtest.h>
 
 #ifdef __SANITIZE_ADDRESS__
 #include <sanitizer/allocator_interface.h>
@@ -8,11 +7,8 @@
 #endif
 #include <unistd.h>
 
-#include <cmath>
 #include <fstream>
 
-#include "engine/bass.h"
-#include "platform/file_decoders/file_decoders.h"
 #include "tests/sound/sound_server.h"
 #include "tests/sound/stream_server.h"
 

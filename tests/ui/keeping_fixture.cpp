@@ -1,16 +1,6 @@
 #include "tests/ui/keeping_fixture.h"
 
-#include <filesystem>
-
-#include "audio/open_palette.h"
-#include "model/held_palette.h"
-#include "model/history.h"
-#include "model/pending_removals.h"
 #include "startup/settings/palette.h"
-#include "ui/edit/palette_list.h"
-#include "ui/edit/save_dialogue.h"
-#include "ui/edit/unsaved.h"
-#include "ui/records/main_window.h"
 
 namespace zv::test {
 

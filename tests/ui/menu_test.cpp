@@ -1,17 +1,9 @@
 // The context menu of a jingle button: which item is there, alive and ticked, by what is on the button.
-#include <gtest/gtest.h>
 
-#include <algorithm>
-#include <functional>
-#include <string>
-#include <vector>
-
-#include "model/state.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/jingle_menu.h"
 #include "ui/edit/jingle_menu_table.h"
 #include "ui/edit/selection.h"
-#include "ui/records/armed.h"
 #include "ui/screen/button_faces.h"
 
 namespace zv::test {
