@@ -57,9 +57,9 @@ class Engine {
     std::uint64_t newSerial() { return ++serial_; }
     std::shared_ptr<Channel> find(DWORD handle) const;
     void adopt(const std::shared_ptr<Channel>& channel);
-    /// What makes sound ends a rest at once; the dispatcher sees to the rest of it.
+    /// Sends it. One that makes sound wakes resting outputs at once, for others the dispatcher looks.
     void send(const Command& command);
-    /// Takes the channel out of everything; its memory goes when the audio side has let go.
+    /// Forgets its handle, syncs and effects and unplugs it; freed for good once the audio side dropped it.
     void freeChannel(const std::shared_ptr<Channel>& channel, std::unique_lock<std::mutex>& lock);
     void rebuildChain(Channel& channel);
     bool removeSync(HSYNC sync, std::unique_lock<std::mutex>& lock);
@@ -70,14 +70,14 @@ class Engine {
     void refreshDevices();
     InputSlot* input(int number);
 
-    /// Frees what asked for it and has stopped.
+    /// Frees the channels of freedWhenStopped that have stopped.
     void reap();
-    /// Runs commands at once where no callback does it, and throws away what came back.
+    /// Applies commands at once where no callback does it, and frees what the trash brought back.
     void settleCommands();
     /// Waits until all commands so far have been heard: for a read by hand. At most 200 ms.
     void waitForCommands(std::unique_lock<std::mutex>& lock);
 
-    /// True: more may come soon.
+    /// Runs the syncs that are due. True: more may come soon.
     bool runSyncs();
 
   private:

@@ -40,7 +40,7 @@ class OutputSlot final : public SoundClient {
     bool lost() const { return lost_.load(std::memory_order_acquire); }
     bool usable() const { return ready() && !lost(); }
     DeviceStatistics statistics() const;
-    /// Lower drives. [control] writes
+    /// Place in the order of drivers: of those open the lowest drives. Written by [control]
     std::atomic<std::uint64_t> rank{~std::uint64_t{0}};
 
     bool open(std::unique_ptr<SoundDevice> device, bool oneClock);
@@ -118,7 +118,7 @@ class InputSlot final : public SoundClient {
     void render(std::span<float>) override {}
     void heard(std::span<const float> stereo) override;  // [audio] of the input
     void deviceLost() override {}
-    /// The recordings begin anew with what is heard next. Only notes it: they belong to others. [any]
+    /// Sets a flag: the recordings drop what they hold and go on with the next callback's sound. [any]
     void deviceBack() override { back_.store(true, std::memory_order_release); }
 
     bool add(const std::shared_ptr<RecordInput>& input);  // [control]

@@ -47,7 +47,7 @@ struct SplitHub {
     int sounding = 0;           ///< readers that sound [audio]
 };
 
-/// Keeps a freed channel alive until the audio side has let go of it.
+/// Keeps a freed channel alive until the audio side has dropped it.
 struct ChannelKeeper : Garbage {
     explicit ChannelKeeper(std::shared_ptr<Channel> held) : channel(std::move(held)) {}
     std::shared_ptr<Channel> channel;
@@ -62,7 +62,7 @@ struct ControlState {
     std::optional<std::uint64_t> readTo;  ///< where a read by hand has come to, unknown to the graph
     float volume = 1, voldsp = 1;         ///< last commanded
     std::uint32_t volumeCommands = 0, voldspCommands = 0;
-    bool volumeSlides = false, voldspSlides = false;  ///< the last command takes time
+    bool volumeSlides = false, voldspSlides = false;  ///< the last command was a slide that takes time
     float buffer = 0.5F, tail = 0;
     int voldspPriority = 0;
     bool loop = false;
@@ -99,7 +99,7 @@ struct AudioState {
     Chain* chain = nullptr;
     SyncNode* syncs = nullptr;
     std::uint64_t firstSync = ~std::uint64_t{0};  ///< the lowest frame that a sync waits for
-    SyncNode* timed = nullptr;                    ///< the one whose slide is still to begin
+    SyncNode* timed = nullptr;                    ///< the sync whose slide has not begun yet
     bool timedDue = false;                        ///< its frame was passed
 
     Slide volume, voldsp;

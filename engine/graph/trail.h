@@ -1,6 +1,6 @@
-/// Levels without computing them: where a channel's sound is mixed straight from decoded pages, only the
-/// frames that were heard are noted; who asks for a level computes it then, from the pages, on its own
-/// thread.
+/// Levels on demand. Where a channel's sound is mixed straight from decoded pages, the audio side only
+/// notes which frames were heard. A thread that asks for a level computes it from the pages, at that
+/// moment.
 #pragma once
 
 #include <array>
@@ -41,9 +41,10 @@ class Trail {
 /// What a plugged channel's levels come from.
 struct Metering {
     Metering(double rate, double seconds) : meter(rate, seconds) {}
-    dsp::LevelMeter meter;            ///< sound that had to be computed
-    Trail trail;                      ///< sound straight from pages
-    std::atomic<bool> trails{false};  ///< which of the two the last block went to
+    dsp::LevelMeter meter;  ///< sound that had to be computed
+    Trail trail;            ///< sound straight from pages
+    std::atomic<bool> trails{
+        false};  ///< true: the last block was noted in `trail`; false: measured by `meter`
 };
 
 }  // namespace zv::engine

@@ -20,8 +20,8 @@ class FrameReader {
   public:
     virtual ~FrameReader() = default;
     /// Copies frames from `frame` on, interleaved, into `out`; returns the frames copied. Fewer than asked:
-    /// the end of the data, or not decoded yet. Asked for places near the heard position and near the loop
-    /// start, in rising order mostly. [worker] [control]
+    /// the end of the data, or not decoded yet. Most calls ask near the heard position or the loop start, in
+    /// rising order. [worker] [control]
     virtual std::size_t readAt(std::uint64_t frame, std::span<float> out) = 0;
     /// Where it ends or wraps now. [any]
     virtual PlayRange range() const = 0;

@@ -56,7 +56,7 @@ class UrlInput final : public LiveInput {
     struct Tank;
     std::shared_ptr<Tank> tank_;  // shared with the thread, which may outlive this in a read of the network
     bool flowing_ = false;        ///< sounds [audio]
-    std::size_t ranDry_ = 0;      ///< how often, as far as it counts [audio]
+    std::size_t ranDry_ = 0;      ///< times it ran dry, up to the last of kRefillSeconds [audio]
 };
 
 }  // namespace zv::engine

@@ -1,6 +1,6 @@
-/// The decoded sound of a file, by pages of frames: a page is there or it is not. The audio side reads pages
-/// without waiting and follows loops and ends itself, frame by frame, so that a change governs the very next
-/// wrap that is heard; workers keep the pages that may be wanted next in memory.
+/// The decoded sound of a file, in pages of frames. Workers decode the pages that may be wanted next. The
+/// audio side reads the pages that are in memory and never waits for one. It follows loop and end itself, frame
+/// by frame, so that a change holds from the next wrap on.
 ///
 /// A short sound is decoded whole and stays. Of a long one stay the head of the position last set, the head
 /// of the loop's start, and what lies ahead of the present position, also past the end of a loop.
@@ -115,7 +115,8 @@ class PagedSound final : public FrameReader {
     std::atomic<std::uint64_t> loopStart_{0}, end_{~std::uint64_t{0}}, head_{0}, focus_{0};
     std::atomic<std::size_t> resident_{0};
     std::atomic<bool> hasRetired_{false};
-    mutable std::atomic<int> readers_{0};  ///< pages that were taken away are kept while someone measures
+    mutable std::atomic<int> readers_{
+        0};  ///< threads that measure peaks: removed pages are kept until none does
     std::vector<std::atomic<float*>> pages_;
 
     std::mutex mutex_;  // of everything below: the decoder belongs to one thread at a time

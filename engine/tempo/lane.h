@@ -19,13 +19,13 @@
 
 namespace zv::engine {
 
-/// Where in the source the frame lies that is `frames` of play after `frame`. [any]
+/// The source frame reached after playing `frames` frames from `frame` on, loop included. [any]
 std::uint64_t advance(std::uint64_t frame, std::uint64_t frames, const PlayRange& range);
 /// The same source read in the order of play: follows the loop. Returns the frames read. [worker] [control]
 std::size_t readInOrder(FrameReader& reader, std::uint64_t& frame, std::span<float> out,
                         std::uint32_t channels, const PlayRange& range);
 
-/// How much of the new stands at `frame` of a cross-fade of `frames`. [any]
+/// Share of the new sound, 0 to 1, at `frame` of a cross-fade of `frames`. [any]
 float fadeAt(std::size_t frame, std::size_t frames);
 
 class TempoLane {
@@ -39,7 +39,7 @@ class TempoLane {
 
     // ---- fixed when it is offered
     TempoCurve curve;
-    std::uint32_t changes = 0;   ///< which curve of the channel that is
+    std::uint32_t changes = 0;   ///< number of that curve among the channel's
     std::uint64_t base = 0;      ///< time of its frame 0
     std::uint32_t epoch = 0;     ///< restarts of the channel when it was made
     TempoLane* after = nullptr;  ///< the lane that it follows; null: the source itself
@@ -47,17 +47,17 @@ class TempoLane {
     bool leaves = false;         ///< a cross-fade back to the source, which goes on at leaveSource
     std::uint64_t leaveSource = 0;
     std::uint64_t startSource = 0;  ///< of frame 0
-    bool clean = false;             ///< begins in place, with nothing faded in: good for any start from there
+    bool clean = false;             ///< no cross-fade at its beginning: any start at startSource may use it
 
     // ---- [worker]
     /// Takes the curve, whose frame `from` is the lane's first, before begin(); false when the stretcher
     /// cannot be had.
     bool open(StretcherSource& stretchers, const TempoCurve& wanted, std::uint32_t number,
               std::uint64_t from);
-    /// Source frames by which the sound lies behind the place it is counted at, on average; after open().
+    /// Average delay of the stretcher's sound, in source frames; after open().
     double lag() const { return lagAt(curve.at(base)); }
-    /// The first frame is source frame `start`. `settled`: it is counted by that much earlier, as all later
-    /// ones are; else the count waits at `start` (nothing sounded before).
+    /// The first frame is source frame `start`. `settled`: positions begin lag() earlier, as in a lane that
+    /// has run for long; else they stay at `start` until that much has passed (nothing sounded before).
     void begin(std::uint64_t start, const PlayRange& where, bool settled);
     /// Begins a lane of `content` only, after which the source goes on at `next`.
     void openLeaving(std::span<const float> content, std::uint64_t start, std::uint64_t next,
@@ -66,11 +66,11 @@ class TempoLane {
     void fill(FrameReader& reader, std::size_t ahead);
     /// Fades from `old` into the frames written first; before anyone reads.
     void fadeFrom(std::span<const float> old);
-    /// Copies frames that wait; false when not all of them are there.
+    /// Copies rendered frames without taking them; false when not all of them are rendered.
     bool peek(std::uint64_t frame, std::span<float> out) const;
-    /// Whether something that `other` would play otherwise was rendered already.
+    /// True when a frame already rendered would be another one under `other`.
     bool playsOtherwise(const PlayRange& other) const;
-    /// Goes on under `other`, which changes nothing of what was rendered.
+    /// Follows `other` from now on; what was rendered must be the same under it.
     void adopt(const PlayRange& other);
     bool finished() const { return endAt_.load(std::memory_order_acquire) != kNowhere; }
     std::size_t ahead() const {
@@ -80,8 +80,8 @@ class TempoLane {
     // ---- [audio]
     /// Takes frames up to lane frame `limit`; returns how many.
     std::size_t read(std::span<float> out, std::uint64_t limit);
-    /// The next `frames` where they lie, taken with that; empty where they are not all there in one piece.
-    /// The worker leaves them alone until a good while after the next call.
+    /// Takes the next `frames` and returns them in place; empty when the ring does not hold them in one piece.
+    /// The worker does not overwrite them before the next call.
     std::span<const float> view(std::size_t frames);
     bool exhausted() const { return readAt() >= endAt_.load(std::memory_order_acquire); }
 
@@ -115,7 +115,7 @@ class TempoLane {
     std::unique_ptr<Stretcher> stretcher_;
     std::unique_ptr<dsp::Transposer> transposer_;
     std::atomic<std::uint64_t> written_{0}, read_{0}, endAt_{kNowhere};
-    // One by one is enough: adopt() only changes what lies ahead of everything rendered.
+    // Separate atomic values suffice: adopt() only changes what has not been rendered yet.
     std::atomic<std::uint64_t> end_{0}, loopStart_{0};
     std::atomic<bool> loop_{false};
 
@@ -124,12 +124,12 @@ class TempoLane {
     double least_ = 0, lag_ = 0;              // lag_: at the beginning; kept all the way
     std::uint64_t fed_ = 0, nextSource_ = 0;  // source frames taken; the next one
     std::uint64_t lead_ = 0;                  // of fed_: only to fill the transposer's filter
-    double place_ = 0;                        // source frames that the curve comes to at written_
-    std::uint64_t charted_ = 0;               // entries of places_ that stand
-    double stretch_ = 1;                      // that the stretcher has
+    double place_ = 0;                        // source frames that the curve has covered at written_
+    std::uint64_t charted_ = 0;               // entries of places_ that are valid
+    double stretch_ = 1;                      // ratio set in the stretcher
     double consumed_ = 0;                     // source frames in all that it made, on average
     std::uint64_t made_ = 0;                  // frames that it made
-    bool steered_ = false;                    // the next sequence has its tempo
+    bool steered_ = false;                    // the tempo of the next sequence is set
 };
 
 }  // namespace zv::engine

@@ -49,7 +49,7 @@ class TempoProcessor {
     /// One of them, from the value it has reached to `value`, in `frames` of the clock; 0: at once. See
     /// TempoCurve::move.
     void slide(TempoPart part, double value, std::uint64_t frames, bool ratios);
-    /// As they are now, also within a slide. [any]
+    /// Their present values, also in the middle of a slide. [any]
     TempoParameters parameters() const;
     bool sliding(TempoPart part) const;  ///< [any]
     /// Prepares the sound from `frame` on, so that the restart(frame) that follows is stretched from its
@@ -59,7 +59,7 @@ class TempoProcessor {
     void prime(std::uint64_t frame);
 
     // ---- [audio]
-    /// The channel goes on at `frame`: what is held is dropped.
+    /// The channel was moved to `frame`: drops what was rendered ahead.
     void restart(std::uint64_t frame);
     /// True: the next frame comes from the source itself, at sourceFrame(). Changes over when its frame has
     /// come.
@@ -69,7 +69,7 @@ class TempoProcessor {
     /// `frames` frames of the source were played; the source stands at `frame` now (wrapped where it
     /// wrapped).
     void passed(std::size_t frames, std::uint64_t frame);
-    /// Whether what comes from the source now is still to be faded in, by fade().
+    /// True while the source's sound must still be faded in, by fade().
     bool fades() const { return fading_ != nullptr; }
     void fade(std::span<float> fromSource);
     /// The next `frames` stretched frames where they lie, and read with that; valid until the next call of
@@ -82,7 +82,7 @@ class TempoProcessor {
     bool ended() const { return ended_; }
     /// Time passes without sound: slides run on.
     void idle(std::uint64_t frames);
-    /// Whether one is under way.
+    /// True while a slide runs.
     bool slides() const {
         return static_cast<std::int64_t>(restsFrom_.load(std::memory_order_acquire) -
                                          time_.load(std::memory_order_relaxed)) > 0;
@@ -155,16 +155,16 @@ class TempoProcessor {
 
     mutable std::mutex curveMutex_;  // control and worker
     TempoCurve curve_;
-    std::atomic<bool> wanted_{false};          // not neutral, or on the way
+    std::atomic<bool> wanted_{false};          // the parameters are not neutral, or about to be
     std::atomic<std::uint32_t> changes_{0};    // of the curve
     std::atomic<std::uint64_t> time_{0};       // frames that passed: the clock of slides
     std::atomic<std::uint64_t> restsFrom_{0};  // from that time on nothing slides
-    // What work() last found settled: nothing but filling is due until turn() is another one.
+    // turn() of the last work() that left nothing to do but filling; more is due once turn() differs.
     std::atomic<std::uint64_t> settled_{~std::uint64_t{0}};
 
     // [audio]
     TempoLane *current_ = nullptr, *next_ = nullptr;
-    TempoLane* fading_ = nullptr;  // was left: sounds on below what comes from the source
+    TempoLane* fading_ = nullptr;  // the lane just left, fading out under the source's sound
     std::uint64_t fadeBegan_ = 0;  // its frame then
     std::size_t fadeFrames_ = 0;
     TempoLane* leaves_ = nullptr;  // the lane that something else must follow from its frame leaveDue_ on
