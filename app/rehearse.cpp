@@ -12,7 +12,6 @@
 #include "app/rehearsed_program.h"
 #include "app/start.h"
 #include "platform/controls.h"
-#include "platform/desktop.h"
 #include "platform/paths.h"
 #include "platform/qt/view/shell.h"
 #include "platform/rehearsal/rehearsal.h"

@@ -17,7 +17,6 @@
 #include "audio/talk_over.h"
 #include "engine/bass.h"
 #include "model/jingle.h"
-#include "model/palette_files.h"
 #include "model/state.h"
 #include "platform/rehearsal/json.h"
 #include "platform/rehearsal/rehearsed.h"

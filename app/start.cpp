@@ -10,7 +10,6 @@
 #include "engine/bass.h"
 #include "engine/ports.h"
 #include "midi/lifecycle.h"
-#include "model/jingle.h"
 #include "model/palette_files.h"
 #include "model/palette_lines.h"
 #include "model/playlists.h"

@@ -15,7 +15,6 @@
 #include "audio/waiting_press.h"
 #include "engine/bass.h"
 #include "model/after_sound.h"
-#include "model/colours.h"
 #include "model/jingle.h"
 #include "model/palette_lines.h"
 #include "model/slot_keys.h"

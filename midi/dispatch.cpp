@@ -17,7 +17,6 @@
 #include "platform/midi.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
-#include "startup/language.h"
 #include "startup/settings/devices.h"
 #include "startup/upcalls.h"
 

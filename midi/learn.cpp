@@ -4,7 +4,6 @@
 
 #include "midi/codes.h"
 #include "midi/upcalls.h"
-#include "startup/guard.h"
 #include "startup/upcalls.h"
 
 namespace zv {

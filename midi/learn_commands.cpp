@@ -13,8 +13,6 @@
 #include "model/jingle.h"
 #include "model/state.h"
 #include "startup/guard.h"
-#include "startup/helpers.h"
-#include "startup/language.h"
 #include "startup/settings/midi.h"
 #include "startup/upcalls.h"
 

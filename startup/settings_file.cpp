@@ -13,7 +13,6 @@
 #include <set>
 #include <system_error>
 
-#include "platform/clock.h"
 #include "platform/desktop.h"
 #include "platform/paths.h"
 #include "startup/backups.h"

@@ -11,7 +11,6 @@
 #include "midi/feedback.h"
 #include "model/colours.h"
 #include "model/jingle.h"
-#include "model/palette_files.h"
 #include "model/palette_lines.h"
 #include "model/pending_removals.h"
 #include "model/state.h"

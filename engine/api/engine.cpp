@@ -4,8 +4,6 @@
 #include <chrono>
 #include <thread>
 
-#include "engine/realtime/thread_tags.h"
-
 namespace zv::engine {
 namespace {
 

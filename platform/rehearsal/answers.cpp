@@ -7,7 +7,6 @@
 #include "platform/desktop.h"
 #include "platform/qt/view/shell.h"
 #include "platform/rehearsal/stage.h"
-#include "platform/sound.h"
 #include "platform/waiting.h"
 
 namespace zv {

@@ -11,7 +11,6 @@
 #include "platform/clock.h"
 #include "platform/controls.h"
 #include "platform/decoders.h"
-#include "platform/paths.h"
 #include "platform/qt/view/shell.h"
 #include "platform/rehearsal/json.h"
 #include "platform/rehearsal/midi_devices.h"

@@ -3,7 +3,6 @@
 #include <optional>
 #include <string>
 
-#include "audio/edit_sound.h"
 #include "audio/sound_file.h"
 #include "platform/files.h"
 #include "platform/jobs.h"

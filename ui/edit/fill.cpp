@@ -5,7 +5,6 @@
 
 #include "model/held_palette.h"
 #include "model/jingle.h"
-#include "model/state.h"
 #include "platform/desktop.h"
 #include "platform/jobs.h"
 #include "startup/folder_walk.h"

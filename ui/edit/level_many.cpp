@@ -6,7 +6,6 @@
 #include "audio/edit_sound.h"
 #include "audio/file_level.h"
 #include "model/jingle.h"
-#include "model/state.h"
 #include "platform/clock.h"
 #include "platform/jobs.h"
 #include "startup/errors.h"

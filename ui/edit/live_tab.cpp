@@ -7,7 +7,6 @@
 #include "audio/live_stream.h"
 #include "audio/upcalls.h"
 #include "audio/url_list.h"
-#include "model/state.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"

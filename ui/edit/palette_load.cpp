@@ -16,7 +16,6 @@
 #include "ui/edit/selection.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
-#include "ui/screen/error_mark.h"
 
 namespace zv {
 

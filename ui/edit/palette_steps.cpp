@@ -21,7 +21,6 @@
 #include "startup/language.h"
 #include "startup/settings/palette.h"
 #include "startup/settings/palette_list.h"
-#include "startup/stores.h"
 #include "ui/edit/leave_palette.h"
 #include "ui/edit/options.h"
 #include "ui/edit/palette_list.h"

@@ -8,7 +8,6 @@
 
 #include "audio/sounding.h"
 #include "audio/streams.h"
-#include "model/colours.h"
 #include "model/jingle.h"
 #include "model/playlists.h"
 #include "model/state.h"

@@ -13,7 +13,6 @@
 #include "audio/streams.h"
 #include "model/held_palette.h"
 #include "model/jingle.h"
-#include "model/palette_files.h"
 #include "model/pending_removals.h"
 #include "model/rename_sound.h"
 #include "model/state.h"

@@ -11,7 +11,6 @@
 #include "platform/controls.h"
 #include "platform/desktop.h"
 #include "platform/waiting.h"
-#include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
 #include "startup/settings/folders.h"

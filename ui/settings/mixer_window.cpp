@@ -14,7 +14,6 @@
 #include "startup/settings/devices.h"
 #include "startup/settings/duck.h"
 #include "startup/settings/volumes.h"
-#include "ui/records/main_window.h"
 #include "ui/settings/mixer_controls.h"
 #include "ui/settings/mixer_devices.h"
 #include "ui/windows/midi_settings_window.h"

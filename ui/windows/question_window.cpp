@@ -8,7 +8,6 @@
 #include "platform/desktop.h"
 #include "platform/waiting.h"
 #include "startup/guard.h"
-#include "startup/language.h"
 #include "ui/records/main_window.h"
 #include "ui/windows/form_place.h"
 

@@ -6,7 +6,6 @@
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
-#include "startup/language.h"
 #include "startup/upcalls.h"
 #include "ui/records/main_window.h"
 #include "ui/windows/console_window.h"

@@ -7,7 +7,6 @@
 #include <optional>
 
 #include "platform/qt/view/keys.h"
-#include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
 #include "platform/waiting.h"
 

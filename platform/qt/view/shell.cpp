@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "platform/desktop.h"
-#include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
 #include "platform/qt/view/windows.h"
 
