@@ -134,7 +134,9 @@ constexpr Kind kinds[] = {{"tag.mp3", "-b:a 128k"},         {"untagged.mp3", "-b
                           {"vorbis.ogg", "-q:a 5"},         {"opus.ogg", "-c:a libopus"},
                           {"aac.m4a", "-c:a aac"},          {"whole.flac", "", false},
                           {"windows.wma", "-q:a 5"},        {"opus.webm", "-c:a libopus"},
-                          {"vorbis.mkv", "-c:a libvorbis"}, {"broadcast.mp2", "-b:a 384k"}};
+                          {"vorbis.mkv", "-c:a libvorbis"}, {"broadcast.mp2", "-b:a 384k"},
+                          {"film.avi", "-b:a 128k"},        {"film.flv", "-b:a 128k"},
+                          {"film.ts", "-c:a aac"},          {"film.mpg", "-b:a 256k"}};
 
 double openingWork(engine::DecoderSource& decoders, const std::string& path) {
     const bool module = path.ends_with(".mod");

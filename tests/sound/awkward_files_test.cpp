@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 
+#include "platform/offline/offline_devices.h"
 #include "tests/sound/workshop.h"
 
 namespace zv::test {
@@ -159,6 +160,23 @@ TEST_P(AwkwardFiles, SoundAsTheReferenceHasThem) {
         ASSERT_EQ(std::min<std::size_t>(700, length - to), got);
         ASSERT_NO_FATAL_FAILURE(agree(to, std::span(part).first(got * 2))) << "from " << to;
     }
+    // The wrap as it is heard: the last frame, then at once the loop's first.
+    const std::size_t loop = length / 3, before = 900;
+    const std::uint32_t fileRate = decoder->format().rate;
+    const auto devices = makeOfflineDevices({});
+    engine::engineControl()->install({makeFileDecoders(), nullptr, devices});
+    BASS_Init(1, fileRate, 0, nullptr, nullptr);
+    const HSTREAM channel =
+        BASS_StreamCreateFile(false, (corpus() / kind.name).c_str(), 0, 0, BASS_SAMPLE_LOOP);
+    EXPECT_TRUE(BASS_ChannelSetPosition(channel, loop * 4, BASS_POS_LOOP));
+    EXPECT_TRUE(BASS_ChannelSetPosition(channel, (length - before) * 4, BASS_POS_BYTE));
+    EXPECT_TRUE(BASS_ChannelPlay(channel, false));
+    devices->pull(3 * before, fileRate);
+    const auto heard = devices->takeSound("Main output");
+    engine::engineControl()->install({});
+    ASSERT_EQ(heard.size(), 6 * before);
+    ASSERT_NO_FATAL_FAILURE(agree(length - before, std::span(heard).first(2 * before)));
+    ASSERT_NO_FATAL_FAILURE(agree(loop, std::span(heard).subspan(2 * before)));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, AwkwardFiles, testing::ValuesIn(files), [](const auto& info) {
