@@ -29,14 +29,18 @@ namespace {
 
 /// What is to be said once a save is over: nothing hides it any more.
 void sayLockedFiles() {
+    const auto locked = TakeLockedFiles();
+    if (locked.empty()) return;
     std::string names;
-    for (const std::string& name : TakeLockedFiles()) names += " " + name;
-    if (names.empty()) return;
-    ErrDisp("no", 0, Ln("mMslockedFile1") + names + ". " + Ln("mMslockedFile2"));
+    for (const std::string& name : locked) names += (names.empty() ? " " : ", ") + name;
+    const bool many = locked.size() > 1;
+    ErrDisp("no", 0,
+            Ln(many ? "mMslockedFiles1" : "mMslockedFile1") + names + ". " +
+                Ln(many ? "mMslockedFiles2" : "mMslockedFile2"));
 }
 
 bool sayWhetherWritten(bool written, const std::string& file) {
-    if (!written) ErrDisp("no", 1, Ln("mFolderNotWritable") + " " + file);
+    if (!written) ErrDisp("no", 1, Ln("mSaveFailed") + " " + file);
     return written;
 }
 

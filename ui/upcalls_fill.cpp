@@ -1,6 +1,7 @@
 #include "ui/upcalls_fill.h"
 
 #include <algorithm>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@
 #include "model/upcalls.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
+#include "platform/dialog_language.h"
 #include "platform/waiting.h"
 #include "startup/errors.h"
 #include "startup/helpers.h"
@@ -25,6 +27,7 @@
 #include "startup/settings/grid.h"
 #include "startup/settings/palette_list.h"
 #include "startup/settings/playing.h"
+#include "startup/settings/program.h"
 #include "startup/upcalls.h"
 #include "ui/edit/announcer_tab.h"
 #include "ui/edit/carried.h"
@@ -258,6 +261,12 @@ void FillUpcalls() {
     FillMidiUpcalls();
     fillStartup();
     boxWords = [] { return BoxWords{Ln("mOK"), Ln("mCancel"), Ln("mYes"), Ln("mNo")}; };
+    dialogLanguage = [] {
+        static const std::map<std::string, std::string> codes{
+            {kFrench, "fr"}, {"Deutsch", "de"}, {"Español", "es"}};
+        const auto found = codes.find(programSettings.Language);
+        return found == codes.end() ? std::string() : found->second;
+    };
     FillQuestions();
     refusedMeanwhile = [] {
         const Waiting* waiting = waitingNow();

@@ -81,7 +81,13 @@ TEST(Windows, ClipNoTextInAnyLanguageAtAnyScale) {
         "at 1100 resize 800 600\nat 1200 expect frmMain.clipped\n"
         "at 1300 click ckTab(1)\nat 1400 expect frmMain.clipped\nat 1500 click ckTab(2)\n"
         "at 1600 expect frmMain.clipped\nat 1700 click ckTab(3)\nat 1800 expect frmMain.clipped\n"
-        "at 1900 resize 1024 600\nat 2000 expect frmMain.clipped\nat 2100 end\n";
+        "at 1850 click ckTab(0)\nat 1900 resize 1024 600\nat 2000 expect frmMain.clipped\n"
+        "at 2000 click ckLoopI\nat 2050 expect frmMain.clipped\nat 2050 click ckLoopI\n"
+        "at 2100 mods ctrl\nat 2200 expect frmMain.clipped\nat 2200 mods ctrl shift\n"
+        "at 2300 expect frmMain.clipped\nat 2300 mods alt\nat 2400 expect frmMain.clipped\n"
+        "at 2400 mods ctrl alt\nat 2500 expect frmMain.clipped\nat 2500 mods shift\n"
+        "at 2600 expect frmMain.clipped\nat 2600 resize 800 600\nat 2700 expect frmMain.clipped\n"
+        "at 2700 mods\nat 2800 end\n";
     const struct {
         const char* language;
         const char* scale;

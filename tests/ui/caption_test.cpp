@@ -1,6 +1,7 @@
 // Texts: captions of paths, durations, dates.
 
 #include "startup/settings/labels.h"
+#include "startup/settings/program.h"
 #include "tests/ui/window_test.h"
 #include "ui/screen/captions.h"
 #include "ui/screen/clock.h"
@@ -75,6 +76,10 @@ TEST_F(CaptionTest, datesAndTimes) {
     for (const auto& c : dates) {
         EXPECT_EQ(FormatDate(c.format, t), c.text);
     }
+    programSettings.Language = "Deutsch";
+    EXPECT_EQ(FormatDate("ddd dd mmmm yyyy", t), "Sa., 07. November 2026");
+    EXPECT_EQ(FormatDate("yyyy mmmm dd ddd", t), "2026 November 07. Sa.");
+    programSettings.Language = "English";
     const struct {
         const char *format, *text;
     } times[] = {{"HH:mm:ss", "15:04:09"}, {"h:mm AM/PM", "3:04 PM"}, {"hh:mm:ss AM/PM", "03:04:09 PM"}};

@@ -61,7 +61,7 @@ void PaletteOpened() {
         HideErrMark();
     }
     if (!untold.empty()) {
-        ErrDisp("no", 1, Ln("mFolderNotWritable") + " " + PalFile + ": " + untold);
+        ErrDisp("no", 1, Ln("mSaveFailed") + " " + PalFile + ": " + untold);
         untold.clear();
     } else if (PaletteStore.Away()) {
         ErrDisp("no", 1, Ln("mPalAway"));

@@ -167,6 +167,10 @@ std::string FormatTime(std::string_view format, const WallTime& t) {
 }
 
 std::string FormatDate(std::string_view format, const WallTime& t) {
+    // What a language writes behind the name of a day and behind its number, apart by "|".
+    const std::vector<std::string> marks = Split(Ln("mDateMarks"), "|");
+    const std::string behindName = marks.size() > 1 ? marks[0] : "",
+                      behindDay = marks.size() > 1 ? marks[1] : "";
     std::string out;
     for (const std::string& word : Split(format, " ")) {
         if (word.empty()) {
@@ -174,9 +178,9 @@ std::string FormatDate(std::string_view format, const WallTime& t) {
         }
         out += out.empty() ? "" : " ";
         if (word == "ddd") {
-            out += dayName(t);
+            out += dayName(t) + behindName;
         } else if (word == "dd") {
-            out += padded(t.day, 2);
+            out += padded(t.day, 2) + behindDay;
         } else if (word == "mmmm") {
             out += monthName(t, false);
         } else if (word == "mmm") {
@@ -187,7 +191,7 @@ std::string FormatDate(std::string_view format, const WallTime& t) {
             out += word;
         }
     }
-    return out;
+    return out.ends_with(',') ? out.substr(0, out.size() - 1) : out;
 }
 
 void DateTimeUpdate() {

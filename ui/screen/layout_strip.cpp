@@ -54,6 +54,8 @@ void column(std::initializer_list<Control*> controls, int left, int width, const
     }
 }
 
+constexpr double kDuckBox = 92;                       // pixels of the box with its text, in the drawing
+constexpr int kLeastSlider = 72;                      // pixels: less is no way to move
 constexpr double kDrawnStrip = 156, kDrawnText = 13;  // pixels, in the drawing of the window
 constexpr double kPointsPerPixel = 0.75;
 
@@ -162,15 +164,22 @@ void liveTab(const TabArea& a) {
     place(t.cmbStream, a.left, rows.at(0), three, rows.size(0));
     place(t.btRemUrl, wide.at(3), rows.at(0), wide.size(3), rows.size(0));
     place(t.ckPlayStream, wide.at(0), rows.at(1), wide.size(0), rows.size(1));
-    place(t.ckMixByTa, wide.at(1), rows.at(1), wide.at(2) + wide.size(2) - wide.at(1), rows.size(1));
-    place(t.ckAutoDuckLive, wide.at(3), rows.at(1), wide.size(3), rows.size(1));
+    // The box has no key around it to shrink its text: it takes what its words need from the key at its side.
+    const int right = wide.at(3) + wide.size(3);
+    const int box = std::max(wide.size(3), px(kDuckBox * textScale()));
+    place(t.ckMixByTa, wide.at(1), rows.at(1), wide.at(2) + wide.size(2) - wide.at(1) - (box - wide.size(3)),
+          rows.size(1));
+    place(t.ckAutoDuckLive, right - box, rows.at(1), box, rows.size(1));
     oneSize({&t.btRemUrl, &t.ckPlayStream, &t.ckMixByTa, &t.btCoefVolLive}, kDrawnText * textScale());
     for (Control* text : {&t.cmbStream, &t.ckAutoDuckLive, &t.lblVolLive, &t.lblStream}) {
         text->fontSize = kDrawnText * textScale() * kPointsPerPixel;
     }
-    place(t.lblStream, wide.at(0), rows.at(2), wide.at(1) + wide.size(1) - a.left, rows.size(2));
     const int percent = px(44 * textScale());
-    place(t.SlideVolLive, wide.at(2), rows.at(2), wide.size(2) - percent, rows.size(2));
+    const int slider = std::max(wide.size(2) - percent, px(kLeastSlider));
+    const int sliderLeft = wide.at(2) + wide.size(2) - percent - slider;
+    const int gap = wide.at(1) - wide.at(0) - wide.size(0);
+    place(t.lblStream, wide.at(0), rows.at(2), sliderLeft - gap - wide.at(0), rows.size(2));
+    place(t.SlideVolLive, sliderLeft, rows.at(2), slider, rows.size(2));
     place(t.lblVolLive, wide.at(2) + wide.size(2) - percent, rows.at(2), percent, rows.size(2));
     t.lblVolLive.alignment = 1;
     place(t.btCoefVolLive, wide.at(3), rows.at(2), wide.size(3), rows.size(2));

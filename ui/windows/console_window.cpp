@@ -8,6 +8,7 @@
 #include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
+#include "startup/language.h"
 #include "startup/upcalls.h"
 
 namespace zv {
@@ -62,11 +63,6 @@ struct Drag {
 
 ConsoleWindow::ConsoleWindow() {
     Control& window = form.window;
-    window.caption = "Console";
-    ckPause.caption = "Pause";
-    btCopy.caption = "Copy";
-    btClear.caption = "Clear";
-    btClose.caption = "Close";
     form.describe({.blocks = {{{.rows = {{.cells = {{&lstConsole}}, .height = 80, .grows = true},
                                          {.cells = {{&ckPause}, {}, {&btCopy}, {&btClear}, {&btClose}}}},
                                 .bare = true}}},
@@ -94,7 +90,13 @@ ConsoleWindow& frmConsole() {
 
 void OpenConsole() {
     guarded("frmConsole.Form_Load", [] {
-        frmConsole().form.open();
+        ConsoleWindow& w = frmConsole();
+        w.form.window.caption = Ln("coConsole");
+        w.ckPause.caption = Ln("coPause");
+        w.btCopy.caption = Ln("coCopy");
+        w.btClear.caption = Ln("coClear");
+        w.btClose.caption = Ln("coClose");
+        w.form.open();
         ConsoleOpen = true;
         showLines();
     });

@@ -4,6 +4,7 @@
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QKeyEvent>
+#include <QLibraryInfo>
 #include <QMenu>
 #include <QMessageBox>
 #include <QMouseEvent>
@@ -12,9 +13,11 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QStringList>
+#include <QTranslator>
 #include <utility>
 
 #include "platform/desktop.h"
+#include "platform/dialog_language.h"
 #include "platform/qt/view/keys.h"
 #include "platform/qt/view/shell.h"
 #include "platform/qt/view/theme.h"
@@ -74,6 +77,29 @@ QString filterOf(const std::string& filter) {
     }
     return QStringLiteral("%1 (%2)").arg(name, patterns.join(QLatin1Char(' ')));
 }
+
+/// The toolkit's words in the program's language while one lives: from beside the program, else from the system.
+class ToolkitWords final {
+  public:
+    ToolkitWords() {
+        const QString language = dialogLanguage ? textOf(dialogLanguage()) : QString();
+        if (language.isEmpty()) return;
+        const QString name = QStringLiteral("qtbase_") + language;
+        loaded_ =
+            words_.load(name, QCoreApplication::applicationDirPath() + QStringLiteral("/translations")) ||
+            words_.load(name, QLibraryInfo::path(QLibraryInfo::TranslationsPath));
+        if (loaded_) QCoreApplication::installTranslator(&words_);
+    }
+    ~ToolkitWords() {
+        if (loaded_) QCoreApplication::removeTranslator(&words_);
+    }
+    ToolkitWords(const ToolkitWords&) = delete;
+    ToolkitWords& operator=(const ToolkitWords&) = delete;
+
+  private:
+    QTranslator words_;
+    bool loaded_ = false;
+};
 
 /// Escape stops the sound, whatever else it closes.
 class EscapeStops final : public QObject {
@@ -203,12 +229,14 @@ BoxAnswer messageBox(const std::string& text, const std::string& title, BoxKind 
 }
 
 std::string openFileDialog(const std::string& title, const std::string& folder, const std::string& filter) {
+    const ToolkitWords words;
     QFileDialog dialog(front(), textOf(title), textOf(folder), filterOf(filter));
     dialog.setFileMode(QFileDialog::ExistingFile);
     return chosenIn(dialog);
 }
 
 std::string saveFileDialog(const std::string& title, const std::string& folder, const std::string& name) {
+    const ToolkitWords words;
     QFileDialog dialog(front(), textOf(title), textOf(folder));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.selectFile(textOf(name));
@@ -216,6 +244,7 @@ std::string saveFileDialog(const std::string& title, const std::string& folder, 
 }
 
 std::string folderDialog(const std::string& title, const std::string& folder) {
+    const ToolkitWords words;
     QFileDialog dialog(front(), textOf(title), textOf(folder));
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly);

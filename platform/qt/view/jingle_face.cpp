@@ -112,12 +112,15 @@ void paintJingleFace(QPainter& p, const QSize& size, double ratio, const JingleF
     p.drawPixmap(0, 0, whole);
 }
 
-void paintHint(QPainter& p, const QSize& size, const QString& hint, const Theme& theme) {
+CaptionLayout layOutHint(const QSize& size, const QString& hint) {
     constexpr double kShare = 0.17, kLeast = 10, kMost = 15;  // of the height, and pixels
+    return layOutCaption(hint, textFont(std::clamp(size.height() * kShare, kLeast, kMost)),
+                         QRectF(QPointF(), size).adjusted(6, 3, -6, -3));
+}
+
+void paintHint(QPainter& p, const QSize& size, const QString& hint, const Theme& theme) {
     if (hint.isEmpty()) return;
-    const QRectF room = QRectF(QPointF(), size).adjusted(6, 3, -6, -3);
-    const CaptionLayout set =
-        layOutCaption(hint, textFont(std::clamp(size.height() * kShare, kLeast, kMost)), room);
+    const CaptionLayout set = layOutHint(size, hint);
     p.setFont(set.font);
     p.setPen(legible(theme.muted, theme.ground));
     for (qsizetype i = 0; i < set.lines.size(); ++i)

@@ -7,6 +7,7 @@
 #include <QSize>
 
 #include "platform/controls.h"
+#include "platform/qt/view/jingle_text.h"
 
 class QPainter;
 
@@ -46,7 +47,9 @@ QRectF stateSignPlace(const QSize& size, JingleState state, double margin);
 void paintStateSign(QPainter& p, const QRectF& place, JingleState state, const QColor& ink,
                     const QColor& ground);
 
-/// What an empty button says that can be done there; nothing for an empty text.
+/// What an empty button says that can be done there, in the room of a button.
+CaptionLayout layOutHint(const QSize& size, const QString& hint);
+/// Nothing for an empty text.
 void paintHint(QPainter& p, const QSize& size, const QString& hint, const Theme& theme);
 
 }  // namespace zv::shell

@@ -87,6 +87,9 @@ class JingleWidget final : public PaintedWidget {
         tellReaders();
     }
 
+    bool clipped() const override {
+        return empty() && record.parent != nullptr && layOutHint(size(), textOf(record.parent->toolTip)).cut;
+    }
     QString fallbackTip() const override { return layout_.cut ? parts_.name : QString(); }
 
     void partChanged(Control& part) override {

@@ -46,6 +46,8 @@ class PanelWidget final : public PaintedWidget {
         PaintedWidget::partChanged(part);
     }
 
+    bool clipped() const override { return clippedBelow(record); }
+
   protected:
     bool takesMouse(const Control& part) const override {
         return part.onMouseDown || part.onMouseUp || part.onClick || !part.toolTip().empty();
@@ -118,6 +120,31 @@ class PanelWidget final : public PaintedWidget {
         p.drawPath(litSegments(text.front(), placeIn(part, record)));
     }
 
+    /// Somewhat smaller than asked for where that shows the whole text.
+    static QFont textFontFor(const Control& part, const QRect& place) {
+        QFont font = fontOf(part, kTextSize, QFont::DemiBold);
+        // A font size meant for another font must not leave its field.
+        if (font.pixelSize() > place.height() * 0.92)
+            font.setPixelSize(std::max(9, static_cast<int>(place.height() * 0.92)));
+        const double w = QFontMetricsF(font).horizontalAdvance(captionOf(part.caption));
+        if (w > place.width() && w < place.width() * 1.25)
+            font.setPixelSize(std::max(9, static_cast<int>(font.pixelSize() * place.width() / w)));
+        return font;
+    }
+
+    bool clippedBelow(const Control& from) const {
+        return std::ranges::any_of(from.children(), [this](const Control* part) {
+            if (!part->visible() || part->kind == ControlKind::shape) return false;
+            const QRect place = placeIn(*part, record);
+            const QString text = captionOf(part->caption).trimmed();
+            const bool written = part->kind == ControlKind::label && !isFigure(*part) &&
+                                 !isSeparator(*part) && part->fontName().empty();
+            return (written &&
+                    QFontMetricsF(textFontFor(*part, place)).horizontalAdvance(text) > place.width() + 1) ||
+                   clippedBelow(*part);
+        });
+    }
+
     void paintText(QPainter& p, const Control& part, const QRect& place) const {
         const QString text = captionOf(part.caption);
         if (!part.visible()) return;
@@ -134,14 +161,7 @@ class PanelWidget final : public PaintedWidget {
             p.drawText(place.adjusted(-2, -2, 2, 2), Qt::AlignCenter, text);
             return;
         }
-        QFont font = fontOf(part, kTextSize, QFont::DemiBold);
-        // A font size meant for another font must not leave its field.
-        if (font.pixelSize() > place.height() * 0.92)
-            font.setPixelSize(std::max(9, static_cast<int>(place.height() * 0.92)));
-        const QFontMetricsF wide(font);
-        if (const double w = wide.horizontalAdvance(text); w > place.width() && w < place.width() * 1.25) {
-            font.setPixelSize(std::max(9, static_cast<int>(font.pixelSize() * place.width() / w)));
-        }
+        const QFont font = textFontFor(part, place);
         p.setFont(font);
         const int side = part.alignment() == 1   ? Qt::AlignRight
                          : part.alignment() == 2 ? Qt::AlignHCenter

@@ -80,16 +80,27 @@ void endQt() {
     application().reset();
 }
 
+namespace {
+
+void gatherClipped(const Control& from, std::string& names) {
+    for (const Control* record : from.children()) {
+        const RecordView* view = viewOf(*record);
+        if (view == nullptr || !view->widget.isVisible()) continue;
+        if (view->clipped()) {
+            names += (names.empty() ? "" : " ") + record->name;
+            if (record->index >= 0) names += "(" + std::to_string(record->index) + ")";
+        }
+        gatherClipped(*record, names);
+    }
+}
+
+}  // namespace
+
 std::string clippedTexts(const Control& window) {
     flushChanged();
     deliverEvents();
     std::string names;
-    for (const Control* record : window.children()) {
-        const RecordView* view = viewOf(*record);
-        if (view == nullptr || !view->widget.isVisible() || !view->clipped()) continue;
-        names += (names.empty() ? "" : " ") + record->name;
-        if (record->index >= 0) names += "(" + std::to_string(record->index) + ")";
-    }
+    gatherClipped(window, names);
     return names;
 }
 
