@@ -29,7 +29,7 @@ void choose() {
         if (path.empty()) {
             return;
         }
-        announcerSettings.TimeAnnouncer = RPP(path);
+        announcerSettings.TimeAnnouncer = GetRelPath(path);
         show(false);
         ArmAnnouncer();
     });
