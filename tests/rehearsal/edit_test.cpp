@@ -167,7 +167,11 @@ TEST(Editing, FindsFiveHundredLostFilesAtOnce) {
     show.write("palette.ini", palettes);
     show.write("zv.ini", contents(show.home() / "zv.ini") + "JinglesRows=8\r\nJinglesCols=12\r\n");
     const std::string find =
-        "at 100 pick P0\nat 500 answer elsewhere\nat 500 rclick b_Jingle(3)\nat 500 menu mnuReloc\n"
+        "at 100 pick P0\nat 400 answer elsewhere\nat 400 rclick b_Jingle(3)\nat 400 menu mnuReloc\n"
+        "at 405 expect frmSelFile.visible 1\n"
+        "at 410 key Escape\nat 450 expect frmSelFile.visible 0\n"
+        "at 450 expect J(3).MissingFile -1\n"
+        "at 500 answer elsewhere\nat 500 rclick b_Jingle(3)\nat 500 menu mnuReloc\n"
         "at 520 shot frmSelFile searching.png\n"
         "at 2000 expect frmSelFile.visible 1\nat 2000 expect frmSelFile.lstFoundFiles.listIndex 0\n"
         "at 2000 expect frmSelFile.ckOthers.value 1\nat 2050 shot frmSelFile found.png\n";

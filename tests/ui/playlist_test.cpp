@@ -147,7 +147,10 @@ TEST_F(PlaylistTest, IsEditedUntilItIsEmpty) {
     EXPECT_NE(w_.txtPL.backColor, kNoColour) << "the box asks for the name";
     pass(1500);
     EXPECT_EQ(w_.txtPL.backColor, kNoColour);
+    w_.btAdd.onClick();
+    EXPECT_TRUE(SearchOpen);
     w_.btCancel.onClick();
+    EXPECT_FALSE(SearchOpen) << "nothing is left that a jingle could join";
     open("Ads");
     clPlaylist(kShow);
     ASSERT_EQ(s_.lstPL.items(), std::vector<std::string>{"Night show"});

@@ -345,6 +345,9 @@ void WirePlaylists() {
         frmPlaylist().form.close();
         forgetButton();
     });
+    w.form.onClosed = [] {
+        if (ForPlaylist) CloseSearchBox();  // there is no list any more that a jingle could join
+    };
     w.TimerBlink.handler = on("frmPlaylist.TimerBlink_Timer", blinkTick);
 }
 

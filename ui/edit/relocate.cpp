@@ -152,8 +152,8 @@ void clReloc(int index) {
         }
         const std::string path = j.Path;
         const std::string name = GetFileName(path);
-        const std::string folder =
-            folderDialog(Ln("mSrchTitle") + " - " + Ln("mSrchStr") + " " + name, folderSettings.LastcmDlgDir);
+        const std::string folder = folderDialog(Ln("mSrchTitle") + " - " + name + " - " + Ln("mSrchStr"),
+                                                folderSettings.LastcmDlgDir);
         if (folder.empty()) {
             return;
         }
