@@ -14,6 +14,7 @@ TEST(Rehearse, TellsAFailedExpectationWithItsLineAndABadScriptBeforeAnythingIsDo
     EXPECT_NE(show.messages().find("script.txt:2: at 10: expect lstPal.items nothing: it is \"\""),
               std::string::npos)
         << show.messages();
+    EXPECT_NE(show.result("events.log").find("\tfailed\texpect lstPal.items nothing"), std::string::npos);
     EXPECT_EQ(show.perform("at 0 click btNowhere\nat 20 end\n"), 1);
     EXPECT_NE(show.messages().find("there is no control btNowhere"), std::string::npos) << show.messages();
     EXPECT_EQ(show.perform("at 0 click\nat 20 press 400\nat 30 end\n"), 2);

@@ -199,6 +199,14 @@ TEST_F(Play, ALoopTurnedOffPlaysToTheEndAtTheNextPress) {
     press();
     pass(300);
     EXPECT_EQ(heard().end(), 10000U);
+    // A plain loop instead: over the whole sound.
+    jingle().Loop = 1;
+    press();
+    pass(500);
+    const Heard sound = heard();
+    for (std::size_t frame = 442; frame < sound.frames(); ++frame)
+        ASSERT_EQ(rampFrame(sound, frame), static_cast<int>(frame % 10000)) << frame;
+    evStop();
 }
 
 TEST_F(Play, ReverbTailRingsOnAfterTheStop) {

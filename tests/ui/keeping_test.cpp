@@ -163,6 +163,18 @@ TEST_F(KeepingTest, aCutJingleStaysSomewhere) {
     EXPECT_EQ(jingles("A"), "0:A0 1:A1");
     EXPECT_EQ(hot(), "0:A2");
     EXPECT_TRUE(rec(2).Path.empty());
+    // The palette that it went to gets another name before anything is saved.
+    clMove(1, "cut");
+    pick("B");
+    clMove(9, "paste");
+    name("Bee", 2);
+    EXPECT_EQ(jingles("A"), "0:A0");
+    EXPECT_EQ(jingles("Bee"), "0:B0 1:B1 2:B2 9:A1");
+    name("B", 2);
+    clMove(9, "cut");
+    pick("A");
+    clMove(1, "paste");
+    save();
     // The slot got another file meanwhile: that one stays.
     clMove(1, "cut");
     pick("B");

@@ -242,6 +242,23 @@ TEST_F(LayoutTest, aSmallerGridHidesButtonsAndKeepsTheirRecords) {
     EXPECT_FALSE(button(105).visible);  // beyond 95 + 2 x 4
 }
 
+TEST_F(LayoutTest, whatIsDoneToAllReachesTheFirstAndTheLast) {
+    gridSettings.JinglesRows = 8;
+    gridSettings.JinglesCols = 12;
+    resize(1280, 800);
+    for (const int index : {0, kPaletteSlots - 1, kPaletteSlots, kJingles - 1}) {
+        load(index, 3000);
+        press(index);
+        release(index);
+        pass(100);
+        EXPECT_EQ(button(index).value, static_cast<int>(JingleState::sounding)) << index;
+        evStop();
+        pass(100);
+        EXPECT_EQ(button(index).value, static_cast<int>(JingleState::rest)) << index;
+        EXPECT_EQ(BASS_ChannelIsActive(rec(index).hPlay), static_cast<DWORD>(BASS_ACTIVE_STOPPED)) << index;
+    }
+}
+
 TEST_F(LayoutTest, tabsShowOneFrameAndTheirControlsFit) {
     MainWindow& w = frmMain();
     for (const auto& [width, height] : {std::pair{790, 590}, {1280, 800}, {1920, 1080}}) {
