@@ -112,6 +112,24 @@ EOF
     perform "$1" "$4"
 }
 
+# question NAME SETTINGS SIZE SCALE: two sound, and a question waits over the grid.
+question() {
+    home "$1" "$2"
+    cat > "$work/$1.txt" <<EOF
+at 0 resize ${3/x/ }
+at 0 time 2026-11-21 10:59:30
+at 500 press 2
+at 700 press 10
+at 1000 mods alt
+at 1200 press 1
+at 1300 mods
+at 1700 shot $1.png
+at 1800 answer no
+at 1900 end
+EOF
+    perform "$1" "$4"
+}
+
 # empty NAME SETTINGS SIZE: the first start of a program without a palette.
 empty() {
     home "$1" "$2"
@@ -122,6 +140,9 @@ empty() {
 
 face main "" 1280x800 1
 carried carried "" 1280x800 1
+carried carried-low "DarkMode=1" 1024x600 1
+question question "" 1280x800 1
+question question-low "DarkMode=1" 1024x600 1
 empty empty "" 1280x800
 face uhd-3840 "DarkMode=1" 3840x2160 1
 face low-1024 "" 1024x600 1
