@@ -34,6 +34,7 @@ bool Graph::tryAcquire() {
 }
 
 void Graph::acquire() {
+    assertNotAudioThread();
     while (!tryAcquire()) std::this_thread::yield();
 }
 
