@@ -2,9 +2,11 @@
 // a face can be read.
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QGraphicsBlurEffect>
 #include <QGraphicsPixmapItem>
 #include <QGraphicsScene>
+#include <QMouseEvent>
 #include <QPainter>
 #include <fstream>
 #include <set>
@@ -70,6 +72,24 @@ TEST(OnAir, FramesAndTextsHaveTheirContrastOnEveryFace) {
             }
         }
     }
+}
+
+TEST(OnAir, APressIsNotHeldWhileWhatItOpenedWaits) {
+    Stage s;
+    Control& button = s.families[0]->button;
+    bool before = false, after = true;
+    button.onMouseDown = [&](const MouseEvent&) {
+        before = isHeld(button);
+        noteOpened();
+        after = isHeld(button);
+    };
+    s.picture();
+    QWidget& w = viewOf(button)->widget;
+    const QPointF at(30, 30);
+    QMouseEvent press(QEvent::MouseButtonPress, at, w.mapToGlobal(at), Qt::LeftButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&w, &press);
+    EXPECT_TRUE(before);
+    EXPECT_FALSE(after);
 }
 
 QImage blurredGrey(const QImage& picture) {

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <set>
 #include <unordered_map>
+#include <utility>
 
 #include "platform/qt/view/changes.h"
 #include "platform/qt/view/keys.h"
@@ -39,6 +40,14 @@ void hold(const Control* record, int by) {
     int& count = heldCounts()[record];
     count = std::max(0, count + by);
 }
+
+/// A press whose handler runs, and how many windows were open when it began: what a question over the grid keeps
+/// waiting is no longer held.
+struct RunningPress {
+    const Control* record = nullptr;
+    std::uint64_t opened = 0;
+};
+RunningPress runningPress;
 
 class Relay final : public QObject {
   public:
@@ -144,7 +153,9 @@ class Relay final : public QObject {
         // A quick second press is a press as well: on air each counts.
         const QPointer<QWidget> alive(&source_);
         const std::uint64_t opened = openedSoFar();
+        const RunningPress outer = std::exchange(runningPress, {&record, opened});
         call(record.onMouseDown, event);
+        runningPress = outer;
         if (alive && openedSoFar() != opened) {
             endPress(event);
             return true;  // nor does the widget look pressed
@@ -462,6 +473,7 @@ void stopSound() {
 bool isKeyDown(Key key) { return keysDown().contains(key); }
 
 bool isHeld(const Control& record) {
+    if (runningPress.record == &record && runningPress.opened != openedSoFar()) return false;
     const auto found = heldCounts().find(&record);
     return found != heldCounts().end() && found->second > 0;
 }
