@@ -1,16 +1,17 @@
 // Web streams from a server of the test's own, and everything that can go wrong on the way.
 
-#ifdef __SANITIZE_ADDRESS__
-#include <sanitizer/allocator_interface.h>
-#else
 #include <malloc.h>
-#endif
 #include <unistd.h>
 
 #include <fstream>
 
 #include "tests/sound/sound_server.h"
 #include "tests/sound/stream_server.h"
+
+#ifdef __SANITIZE_ADDRESS__
+extern "C" std::size_t
+__sanitizer_get_current_allocated_bytes();  // the compiler's package has no header of it
+#endif
 
 namespace zv::test {
 namespace {
