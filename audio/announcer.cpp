@@ -16,10 +16,10 @@
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings/announcer.h"
-#include "startup/settings/automix.h"
-#include "startup/settings/clock.h"
-#include "startup/settings/devices.h"
+#include "startup/settings/announcer_settings.h"
+#include "startup/settings/automix_settings.h"
+#include "startup/settings/clock_settings.h"
+#include "startup/settings/devices_settings.h"
 #include "startup/upcalls.h"
 
 namespace zv {

@@ -10,8 +10,8 @@
 #include "model/jingle.h"
 #include "model/state.h"
 #include "platform/clock.h"
-#include "startup/settings/automix.h"
-#include "startup/settings/live.h"
+#include "startup/settings/automix_settings.h"
+#include "startup/settings/live_settings.h"
 #include "startup/upcalls.h"
 
 namespace zv {

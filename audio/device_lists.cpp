@@ -8,7 +8,7 @@
 #include "engine/bass.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings/devices.h"
+#include "startup/settings/devices_settings.h"
 #include "startup/upcalls.h"
 
 namespace zv {

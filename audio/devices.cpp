@@ -7,8 +7,8 @@
 #include "audio/upcalls.h"
 #include "engine/bass.h"
 #include "startup/guard.h"
-#include "startup/settings/devices.h"
-#include "startup/settings/volumes.h"
+#include "startup/settings/devices_settings.h"
+#include "startup/settings/volumes_settings.h"
 #include "startup/upcalls.h"
 
 namespace zv {

@@ -6,8 +6,8 @@
 #include "engine/bass.h"
 #include "model/jingle.h"
 #include "model/state.h"
-#include "startup/settings/duck.h"
-#include "startup/settings/live.h"
+#include "startup/settings/duck_settings.h"
+#include "startup/settings/live_settings.h"
 
 namespace zv {
 

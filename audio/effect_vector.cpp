@@ -6,7 +6,7 @@
 
 #include "startup/helpers.h"
 #include "startup/impulse.h"
-#include "startup/settings/editor.h"
+#include "startup/settings/editor_settings.h"
 #include "startup/stores.h"
 
 namespace zv {

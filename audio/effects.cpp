@@ -6,7 +6,7 @@
 #include "engine/bass.h"
 #include "model/jingle.h"
 #include "startup/helpers.h"
-#include "startup/settings/editor.h"
+#include "startup/settings/editor_settings.h"
 
 namespace zv {
 namespace {

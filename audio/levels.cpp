@@ -7,9 +7,9 @@
 #include "audio/sounding.h"
 #include "engine/bass.h"
 #include "model/jingle.h"
-#include "startup/settings/devices.h"
-#include "startup/settings/live.h"
-#include "startup/settings/meters.h"
+#include "startup/settings/devices_settings.h"
+#include "startup/settings/live_settings.h"
+#include "startup/settings/meters_settings.h"
 
 namespace zv {
 

@@ -17,9 +17,9 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings/devices.h"
-#include "startup/settings/duck.h"
-#include "startup/settings/live.h"
+#include "startup/settings/devices_settings.h"
+#include "startup/settings/duck_settings.h"
+#include "startup/settings/live_settings.h"
 #include "startup/upcalls.h"
 
 namespace zv {

@@ -19,8 +19,8 @@
 #include "platform/sound.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
-#include "startup/settings/automix.h"
-#include "startup/settings/minimal.h"
+#include "startup/settings/automix_settings.h"
+#include "startup/settings/minimal_settings.h"
 #include "startup/upcalls.h"
 
 namespace zv {

@@ -23,7 +23,7 @@
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
-#include "startup/settings/devices.h"
+#include "startup/settings/devices_settings.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 

@@ -5,8 +5,8 @@
 
 #include "audio/devices.h"
 #include "engine/bass.h"
-#include "startup/settings/duck.h"
-#include "startup/settings/volumes.h"
+#include "startup/settings/duck_settings.h"
+#include "startup/settings/volumes_settings.h"
 
 namespace zv {
 

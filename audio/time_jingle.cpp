@@ -18,7 +18,7 @@
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings/devices.h"
+#include "startup/settings/devices_settings.h"
 #include "startup/upcalls.h"
 
 namespace zv {

@@ -15,8 +15,8 @@
 #include "model/jingle.h"
 #include "platform/paths.h"
 #include "platform/rehearsal/midi_devices.h"
-#include "startup/settings/grid.h"
-#include "startup/settings/midi.h"
+#include "startup/settings/grid_settings.h"
+#include "startup/settings/midi_settings.h"
 #include "startup/stores.h"
 
 namespace zv::bench {

@@ -17,7 +17,7 @@
 #include "platform/midi.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
-#include "startup/settings/devices.h"
+#include "startup/settings/devices_settings.h"
 #include "startup/upcalls.h"
 
 namespace zv {

@@ -12,8 +12,8 @@
 #include "model/state.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
-#include "startup/settings/automix.h"
-#include "startup/settings/midi.h"
+#include "startup/settings/automix_settings.h"
+#include "startup/settings/midi_settings.h"
 
 namespace zv {
 namespace {

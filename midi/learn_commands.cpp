@@ -13,7 +13,7 @@
 #include "model/jingle.h"
 #include "model/state.h"
 #include "startup/guard.h"
-#include "startup/settings/midi.h"
+#include "startup/settings/midi_settings.h"
 #include "startup/upcalls.h"
 
 namespace zv {

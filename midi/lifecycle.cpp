@@ -7,7 +7,7 @@
 #include "midi/state.h"
 #include "midi/upcalls.h"
 #include "platform/wake.h"
-#include "startup/settings/midi.h"
+#include "startup/settings/midi_settings.h"
 #include "startup/upcalls.h"
 
 namespace zv {

@@ -10,7 +10,7 @@
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings/midi.h"
+#include "startup/settings/midi_settings.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 

@@ -5,8 +5,8 @@
 
 #include "model/state.h"
 #include "startup/helpers.h"
-#include "startup/settings/dark.h"
-#include "startup/settings/marks.h"
+#include "startup/settings/dark_settings.h"
+#include "startup/settings/marks_settings.h"
 
 namespace zv {
 namespace {

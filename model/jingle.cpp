@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "engine/bass.h"
-#include "startup/settings/grid.h"
+#include "startup/settings/grid_settings.h"
 
 namespace zv {
 

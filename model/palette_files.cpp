@@ -17,7 +17,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings/palette.h"
+#include "startup/settings/palette_settings.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 

@@ -14,7 +14,7 @@
 #include "model/state.h"
 #include "platform/paths.h"
 #include "startup/helpers.h"
-#include "startup/settings/folders.h"
+#include "startup/settings/folders_settings.h"
 
 namespace zv {
 

@@ -7,7 +7,7 @@
 #include "platform/paths.h"
 #include "startup/backups.h"
 #include "startup/helpers.h"
-#include "startup/settings/live.h"
+#include "startup/settings/live_settings.h"
 #include "startup/settings_file.h"
 #include "startup/stores.h"
 

@@ -9,8 +9,8 @@
 #include "platform/paths.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings/palette.h"
-#include "startup/settings/program.h"
+#include "startup/settings/palette_settings.h"
+#include "startup/settings/program_settings.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 

@@ -2,7 +2,7 @@
 
 #include "platform/desktop.h"
 #include "startup/helpers.h"
-#include "startup/settings/program.h"
+#include "startup/settings/program_settings.h"
 #include "startup/stores.h"
 #include "startup/upcalls.h"
 

@@ -1,9 +1,9 @@
 #include "startup/settings_file.h"
-#include "startup/settings/devices.h"
-#include "startup/settings/folders.h"
-#include "startup/settings/labels.h"
-#include "startup/settings/program.h"
-#include "startup/settings/window.h"
+#include "startup/settings/devices_settings.h"
+#include "startup/settings/folders_settings.h"
+#include "startup/settings/labels_settings.h"
+#include "startup/settings/program_settings.h"
+#include "startup/settings/window_settings.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-/// The settings: a record for each subject (startup/settings/*.h) with a field for every key of zv.ini, under the
+/// The settings: a record for each subject (startup/settings/*_settings.h) with a field for every key of zv.ini, under the
 /// key's name. LoadZVini fills them at start and after a reset, SaveZVini writes them back at exit; in between the
 /// fields are the truth. Touched on the interface thread only. [control]
 #pragma once

@@ -6,7 +6,7 @@
 # on two quiet cores.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-[ $# -gt 0 ] || set -- ui/screen/layout.cpp engine/graph/graph.cpp startup/settings/grid.h
+[ $# -gt 0 ] || set -- ui/screen/layout.cpp engine/graph/graph.cpp startup/settings/grid_settings.h
 
 copy=build/inner_loop
 mkdir -p "$copy"

@@ -19,7 +19,7 @@
 #include "model/state.h"
 #include "platform/paths.h"
 #include "platform/rehearsal/midi_devices.h"
-#include "startup/settings/midi.h"
+#include "startup/settings/midi_settings.h"
 #include "startup/stores.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include "midi/learn_commands.h"
 #include "platform/waiting.h"
 #include "startup/errors.h"
-#include "startup/settings/automix.h"
+#include "startup/settings/automix_settings.h"
 #include "tests/midi/surface.h"
 #include "ui/windows/form_window.h"
 #include "ui/windows/midi_button_window.h"

@@ -6,7 +6,7 @@
 #include "midi/lifecycle.h"
 #include "midi/ring.h"
 #include "platform/common/midi_queue.h"
-#include "startup/settings/midi.h"
+#include "startup/settings/midi_settings.h"
 #include "tests/midi/surface.h"
 
 namespace zv::test {

@@ -5,7 +5,7 @@
 #include "midi/learn.h"
 #include "midi/lifecycle.h"
 #include "midi/ring.h"
-#include "startup/settings/midi.h"
+#include "startup/settings/midi_settings.h"
 
 namespace zv::test {
 

@@ -1,12 +1,12 @@
 // Outputs, inputs and what stands between them.
 
-#include "startup/settings/devices.h"
 #include "audio/effects.h"
 #include "audio/output_watch.h"
 #include "model/colours.h"
-#include "startup/settings/dark.h"
-#include "startup/settings/marks.h"
-#include "startup/settings/volumes.h"
+#include "startup/settings/dark_settings.h"
+#include "startup/settings/devices_settings.h"
+#include "startup/settings/marks_settings.h"
+#include "startup/settings/volumes_settings.h"
 #include "tests/show/show.h"
 
 namespace zv::test {

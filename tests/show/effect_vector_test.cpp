@@ -1,7 +1,7 @@
 // The effects text of a jingle and the presets.
 #include "audio/effect_vector.h"
 
-#include "startup/settings/editor.h"
+#include "startup/settings/editor_settings.h"
 #include "startup/stores.h"
 #include "tests/support/studio.h"
 

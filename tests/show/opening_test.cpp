@@ -1,7 +1,7 @@
 // From keys to channels: what a file makes of its slot, also one that is missing, empty, cut or no sound at
 // all.
 
-#include "startup/settings/editor.h"
+#include "startup/settings/editor_settings.h"
 #include "tests/show/show.h"
 
 namespace zv::test {

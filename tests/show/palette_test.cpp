@@ -9,9 +9,9 @@
 #include "model/palette_lines.h"
 #include "model/pending_removals.h"
 #include "model/upcalls.h"
-#include "startup/settings/folders.h"
-#include "startup/settings/grid.h"
-#include "startup/settings/palette.h"
+#include "startup/settings/folders_settings.h"
+#include "startup/settings/grid_settings.h"
+#include "startup/settings/palette_settings.h"
 #include "tests/show/show.h"
 
 namespace zv::test {

@@ -4,8 +4,8 @@
 #include <sstream>
 
 #include "platform/clock.h"
-#include "startup/settings/automix.h"
-#include "startup/settings/minimal.h"
+#include "startup/settings/automix_settings.h"
+#include "startup/settings/minimal_settings.h"
 #include "tests/show/show.h"
 #include "tests/support/ear.h"
 

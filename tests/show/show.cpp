@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "model/upcalls.h"
-#include "startup/settings/devices.h"
-#include "startup/settings/palette.h"
+#include "startup/settings/devices_settings.h"
+#include "startup/settings/palette_settings.h"
 
 namespace zv::test {
 

@@ -1,8 +1,8 @@
 // The mark, the log, the report with its fuse, the console, and the guard that leads to them.
 
 #include "startup/guard.h"
-#include "startup/settings/palette.h"
-#include "startup/settings/program.h"
+#include "startup/settings/palette_settings.h"
+#include "startup/settings/program_settings.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {

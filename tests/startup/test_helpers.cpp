@@ -1,6 +1,6 @@
 // The helpers on paths, files, texts, numbers and colours, over both kinds of path.
 
-#include "startup/settings/program.h"
+#include "startup/settings/program_settings.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {

@@ -6,7 +6,7 @@
 #include <iterator>
 
 #include "startup/language.h"
-#include "startup/settings/program.h"
+#include "startup/settings/program_settings.h"
 #include "tests/startup/surroundings.h"
 #include "tests/support/places.h"
 

@@ -3,9 +3,9 @@
 #include <unistd.h>
 
 #include "model/playlists.h"
-#include "startup/settings/folders.h"
-#include "startup/settings/palette.h"
-#include "startup/settings/search.h"
+#include "startup/settings/folders_settings.h"
+#include "startup/settings/palette_settings.h"
+#include "startup/settings/search_settings.h"
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/fill.h"

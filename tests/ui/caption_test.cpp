@@ -1,7 +1,7 @@
 // Texts: captions of paths, durations, dates.
 
-#include "startup/settings/labels.h"
-#include "startup/settings/program.h"
+#include "startup/settings/labels_settings.h"
+#include "startup/settings/program_settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/screen/captions.h"
 #include "ui/screen/clock.h"

@@ -12,8 +12,8 @@
 #include <sstream>
 #include <thread>
 
-#include "startup/settings/grid.h"
-#include "startup/settings/palette.h"
+#include "startup/settings/grid_settings.h"
+#include "startup/settings/palette_settings.h"
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/leave_palette.h"
 

@@ -1,6 +1,6 @@
 #include "tests/ui/keeping_fixture.h"
 
-#include "startup/settings/palette.h"
+#include "startup/settings/palette_settings.h"
 
 namespace zv::test {
 

@@ -2,10 +2,10 @@
 // are away, sound files that change their names.
 
 #include "startup/errors.h"
-#include "startup/settings/grid.h"
-#include "startup/settings/meters.h"
-#include "startup/settings/palette.h"
-#include "startup/settings/program.h"
+#include "startup/settings/grid_settings.h"
+#include "startup/settings/meters_settings.h"
+#include "startup/settings/palette_settings.h"
+#include "startup/settings/program_settings.h"
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/history.h"
 #include "ui/press/exit_key.h"

@@ -1,11 +1,11 @@
 // Where everything stands, for every size of the grid and the window.
 
-#include "startup/settings/bars.h"
-#include "startup/settings/grid.h"
-#include "startup/settings/labels.h"
-#include "startup/settings/meters.h"
-#include "startup/settings/minimal.h"
-#include "startup/settings/window.h"
+#include "startup/settings/bars_settings.h"
+#include "startup/settings/grid_settings.h"
+#include "startup/settings/labels_settings.h"
+#include "startup/settings/meters_settings.h"
+#include "startup/settings/minimal_settings.h"
+#include "startup/settings/window_settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/screen/layout_grid.h"
 #include "ui/screen/layout_strip.h"

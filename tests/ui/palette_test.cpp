@@ -1,15 +1,15 @@
 // The palette list and the buttons' contents: picking, stepping, naming, deleting, assigning, moving,
 // colouring.
 
-#include "startup/settings/palette.h"
 #include "model/palette_files.h"
 #include "model/pending_removals.h"
 #include "startup/language.h"
-#include "startup/settings/dark.h"
-#include "startup/settings/folders.h"
-#include "startup/settings/labels.h"
-#include "startup/settings/marks.h"
-#include "startup/settings/palette_list.h"
+#include "startup/settings/dark_settings.h"
+#include "startup/settings/folders_settings.h"
+#include "startup/settings/labels_settings.h"
+#include "startup/settings/marks_settings.h"
+#include "startup/settings/palette_list_settings.h"
+#include "startup/settings/palette_settings.h"
 #include "startup/settings_file.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/colour_picker.h"

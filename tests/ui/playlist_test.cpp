@@ -2,8 +2,8 @@
 
 #include "model/palette_files.h"
 #include "model/playlists.h"
-#include "startup/settings/palette.h"
-#include "startup/settings/search.h"
+#include "startup/settings/palette_settings.h"
+#include "startup/settings/search_settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/jingle_menu.h"
 #include "ui/edit/move.h"

@@ -2,9 +2,9 @@
 
 #include <random>
 
-#include "startup/settings/palette.h"
-#include "startup/settings/program.h"
-#include "startup/settings/search.h"
+#include "startup/settings/palette_settings.h"
+#include "startup/settings/program_settings.h"
+#include "startup/settings/search_settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/search.h"
 #include "ui/edit/search_index.h"

@@ -3,8 +3,8 @@
 #include <array>
 
 #include "startup/language.h"
-#include "startup/settings/folders.h"
-#include "startup/settings/palette.h"
+#include "startup/settings/folders_settings.h"
+#include "startup/settings/palette_settings.h"
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"

@@ -2,7 +2,7 @@
 
 #include "audio/streams.h"
 #include "startup/language.h"
-#include "startup/settings/program.h"
+#include "startup/settings/program_settings.h"
 #include "tests/support/places.h"
 #include "ui/edit/jingle_editor.h"
 #include "ui/edit/remove.h"

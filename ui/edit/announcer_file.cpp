@@ -6,7 +6,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings/announcer.h"
+#include "startup/settings/announcer_settings.h"
 #include "ui/windows/announcer_window.h"
 
 namespace zv {

@@ -11,7 +11,7 @@
 #include "platform/clock.h"
 #include "platform/controls.h"
 #include "startup/guard.h"
-#include "startup/settings/announcer.h"
+#include "startup/settings/announcer_settings.h"
 #include "ui/edit/announcer_file.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"

@@ -11,7 +11,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings/dark.h"
+#include "startup/settings/dark_settings.h"
 #include "ui/edit/selection.h"
 #include "ui/edit/undo.h"
 #include "ui/edit/unsaved.h"

@@ -19,7 +19,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings/palette.h"
+#include "startup/settings/palette_settings.h"
 #include "startup/stores.h"
 #include "ui/edit/leave_palette.h"
 #include "ui/edit/palette_list.h"

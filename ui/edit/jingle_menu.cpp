@@ -15,7 +15,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings/folders.h"
+#include "startup/settings/folders_settings.h"
 #include "ui/edit/announcer_tab.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/colour_picker.h"

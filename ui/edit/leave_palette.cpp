@@ -10,7 +10,7 @@
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings/palette.h"
+#include "startup/settings/palette_settings.h"
 #include "startup/stores.h"
 #include "ui/edit/jingle_editor.h"
 #include "ui/edit/undo.h"

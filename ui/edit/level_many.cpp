@@ -12,7 +12,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings/editor.h"
+#include "startup/settings/editor_settings.h"
 #include "ui/edit/undo.h"
 #include "ui/edit/unsaved.h"
 #include "ui/windows/level_window.h"

@@ -14,7 +14,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings/editor.h"
+#include "startup/settings/editor_settings.h"
 #include "startup/settings_file.h"
 #include "ui/edit/edited_jingle.h"
 #include "ui/windows/jingle_window.h"

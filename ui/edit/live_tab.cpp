@@ -11,7 +11,7 @@
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings/live.h"
+#include "startup/settings/live_settings.h"
 #include "startup/upcalls.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"

@@ -9,7 +9,7 @@
 #include "platform/controls.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings/marks.h"
+#include "startup/settings/marks_settings.h"
 #include "ui/edit/undo.h"
 #include "ui/edit/unsaved.h"
 #include "ui/records/armed.h"

@@ -18,7 +18,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings/folders.h"
+#include "startup/settings/folders_settings.h"
 #include "startup/stores.h"
 #include "ui/edit/lost_files.h"
 #include "ui/edit/undo.h"

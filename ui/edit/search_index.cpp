@@ -12,7 +12,7 @@
 #include "model/jingle.h"
 #include "platform/paths.h"
 #include "startup/helpers.h"
-#include "startup/settings/labels.h"
+#include "startup/settings/labels_settings.h"
 #include "startup/stores.h"
 #include "ui/screen/captions.h"
 

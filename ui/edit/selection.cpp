@@ -6,7 +6,7 @@
 #include "model/state.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
-#include "startup/settings/labels.h"
+#include "startup/settings/labels_settings.h"
 #include "ui/edit/carried.h"
 #include "ui/records/armed.h"
 #include "ui/records/jingle_buttons.h"

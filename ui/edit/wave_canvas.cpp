@@ -14,7 +14,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings/dark.h"
+#include "startup/settings/dark_settings.h"
 #include "ui/edit/edited_jingle.h"
 #include "ui/edit/playhead.h"
 #include "ui/edit/positions_page.h"

@@ -1,8 +1,8 @@
 #include "ui/press/display_press.h"
 
 #include "startup/guard.h"
-#include "startup/settings/minimal.h"
-#include "startup/settings/palette_list.h"
+#include "startup/settings/minimal_settings.h"
+#include "startup/settings/palette_list_settings.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/layout.h"
 

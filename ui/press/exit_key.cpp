@@ -3,7 +3,7 @@
 #include "model/state.h"
 #include "platform/controls.h"
 #include "startup/guard.h"
-#include "startup/settings/program.h"
+#include "startup/settings/program_settings.h"
 #include "startup/settings_file.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"

@@ -6,7 +6,7 @@
 #include "platform/desktop.h"
 #include "platform/jobs.h"
 #include "startup/guard.h"
-#include "startup/settings/window.h"
+#include "startup/settings/window_settings.h"
 #include "ui/edit/palette_steps.h"
 #include "ui/records/key_table.h"
 #include "ui/records/main_window.h"

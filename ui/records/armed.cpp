@@ -7,7 +7,7 @@
 #include "platform/controls.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings/marks.h"
+#include "startup/settings/marks_settings.h"
 #include "ui/records/main_window.h"
 
 namespace zv {

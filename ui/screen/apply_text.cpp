@@ -6,8 +6,8 @@
 
 #include "audio/automix.h"
 #include "platform/controls.h"
-#include "startup/settings/automix.h"
-#include "startup/settings/program.h"
+#include "startup/settings/automix_settings.h"
+#include "startup/settings/program_settings.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/announcer_view.h"
 #include "ui/screen/live_view.h"

@@ -10,7 +10,7 @@
 #include "model/state.h"
 #include "platform/controls.h"
 #include "startup/language.h"
-#include "startup/settings/bars.h"
+#include "startup/settings/bars_settings.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/screen/captions.h"
 #include "ui/screen/shaded.h"

@@ -14,7 +14,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings/labels.h"
+#include "startup/settings/labels_settings.h"
 #include "ui/records/jingle_buttons.h"
 
 namespace zv {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "platform/controls.h"
-#include "startup/settings/display.h"
+#include "startup/settings/display_settings.h"
 #include "ui/records/main_window.h"
 
 namespace zv {

@@ -4,9 +4,9 @@
 #include <string_view>
 
 #include "platform/controls.h"
-#include "startup/settings/clock.h"
-#include "startup/settings/minimal.h"
-#include "startup/settings/playing.h"
+#include "startup/settings/clock_settings.h"
+#include "startup/settings/minimal_settings.h"
+#include "startup/settings/playing_settings.h"
 #include "startup/upcalls.h"
 #include "ui/records/main_window.h"
 

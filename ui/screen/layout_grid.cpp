@@ -6,9 +6,9 @@
 #include "model/jingle.h"
 #include "platform/controls.h"
 #include "startup/helpers.h"
-#include "startup/settings/bars.h"
-#include "startup/settings/grid.h"
-#include "startup/settings/labels.h"
+#include "startup/settings/bars_settings.h"
+#include "startup/settings/grid_settings.h"
+#include "startup/settings/labels_settings.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
 

@@ -7,9 +7,9 @@
 
 #include "platform/controls.h"
 #include "startup/guard.h"
-#include "startup/settings/display.h"
-#include "startup/settings/meters.h"
-#include "startup/settings/minimal.h"
+#include "startup/settings/display_settings.h"
+#include "startup/settings/meters_settings.h"
+#include "startup/settings/minimal_settings.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/meters.h"

@@ -15,7 +15,7 @@
 #include "platform/controls.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings/meters.h"
+#include "startup/settings/meters_settings.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
 

@@ -2,8 +2,8 @@
 
 #include "model/colours.h"
 #include "platform/controls.h"
-#include "startup/settings/dark.h"
-#include "startup/settings/marks.h"
+#include "startup/settings/dark_settings.h"
+#include "startup/settings/marks_settings.h"
 
 namespace zv {
 

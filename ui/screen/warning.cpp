@@ -2,10 +2,10 @@
 
 #include "model/jingle.h"
 #include "startup/guard.h"
-#include "startup/settings/bars.h"
-#include "startup/settings/display.h"
-#include "startup/settings/playing.h"
-#include "startup/settings/warning.h"
+#include "startup/settings/bars_settings.h"
+#include "startup/settings/display_settings.h"
+#include "startup/settings/playing_settings.h"
+#include "startup/settings/warning_settings.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/screen/digits.h"
 

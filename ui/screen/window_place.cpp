@@ -7,7 +7,7 @@
 #include "platform/controls.h"
 #include "platform/desktop.h"
 #include "startup/guard.h"
-#include "startup/settings/window.h"
+#include "startup/settings/window_settings.h"
 #include "ui/records/main_window.h"
 
 namespace zv {

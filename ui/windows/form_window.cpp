@@ -9,7 +9,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings/window.h"
+#include "startup/settings/window_settings.h"
 #include "ui/records/main_window.h"
 #include "ui/windows/form_place.h"
 

@@ -7,7 +7,7 @@
 #include "platform/desktop.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings/midi.h"
+#include "startup/settings/midi_settings.h"
 #include "ui/records/main_window.h"
 #include "ui/windows/midi_button_window.h"
 #include "ui/windows/midi_small_windows.h"

@@ -7,7 +7,7 @@
 #include "midi/state.h"
 #include "startup/guard.h"
 #include "startup/language.h"
-#include "startup/settings/midi.h"
+#include "startup/settings/midi_settings.h"
 #include "ui/windows/midi_learn.h"
 
 namespace zv {

@@ -12,7 +12,7 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
-#include "startup/settings/dark.h"
+#include "startup/settings/dark_settings.h"
 #include "ui/records/key_table.h"
 
 namespace zv {

@@ -5,7 +5,7 @@
 
 #include "platform/controls.h"
 #include "platform/desktop.h"
-#include "startup/settings/window.h"
+#include "startup/settings/window_settings.h"
 #include "startup/trace.h"
 
 namespace zv {

@@ -5,7 +5,7 @@
 
 #include <chrono>
 
-#include "startup/settings/grid.h"
+#include "startup/settings/grid_settings.h"
 #include "startup/settings_file.h"
 #include "tests/startup/surroundings.h"
 

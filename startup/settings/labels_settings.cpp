@@ -1,4 +1,4 @@
-#include "startup/settings/labels.h"
+#include "startup/settings/labels_settings.h"
 
 namespace zv {
 
