@@ -24,7 +24,7 @@ namespace zv::test {
 
 namespace {
 
-constexpr int kBed = 0, kTrigger = 1;
+constexpr int kBed = 0, kTrigger = 1, kOther = 2;
 constexpr double kLevel = 0.5;  // of level()
 
 /// A bed plays, tone h. At 600 ms a trigger starts, tone a. The levels of the bed, in dB, before it, while it
@@ -40,6 +40,7 @@ struct Row {
     const char* heard = "0.0 -16.5 -16.5 0.0";
     const char* liveHeard = "";
     int threshold = 15;
+    const char* other = nullptr;  ///< keys of a further jingle above the trigger, started with it; null: none
 };
 
 constexpr const char* kStays = "0.0 0.0 0.0 0.0";
@@ -53,6 +54,8 @@ const Row kRows[] = {
     {.name = "level: a trigger that may not", .mode = 0, .bed = "AutoDuck=1", .trigger = "AutoDuck=2 NoTrigDuck=1", .heard = kStays},
     {.name = "level: beds do not push each other", .mode = 0, .bed = "AutoDuck=1", .trigger = "AutoDuck=1", .heard = kStays},
     {.name = "level: too soft", .mode = 0, .bed = "AutoDuck=1", .trigger = "Volm=50", .heard = kStays},
+    {.name = "level: a soft trigger, a loud one above that may not", .mode = 0, .bed = "AutoDuck=1", .trigger = "Volm=50", .heard = kStays, .other = "AutoDuck=2 NoTrigDuck=1"},
+    {.name = "level: a soft trigger, a loud one below that may not", .mode = 0, .bed = "AutoDuck=1", .trigger = "AutoDuck=2 NoTrigDuck=1", .heard = kStays, .other = "Volm=50"},
     {.name = "level: however short", .mode = 0, .bed = "AutoDuck=1", .trigger = "", .score = "a400", .heard = kStays},
     {.name = "level: volume comes back twice", .mode = 0, .bed = "AutoDuck=1 Volm=50", .trigger = "", .heard = "-6.0 -22.5 -22.5 -12.0"},
     {.name = "level: the announcer", .mode = 0, .bed = "AutoDuck=1", .trigger = nullptr, .announcer = true},
@@ -123,6 +126,7 @@ TEST_P(Duck, IsHeard) {
     liveSettings.LiveAutoDuck = row.live >= Row::ducks ? 1 : 0;
     load(kBed, tones("h5000"), row.bed);
     if (row.trigger != nullptr) load(kTrigger, tones(row.score), row.trigger);
+    if (row.other != nullptr) load(kOther, tones("b2000"), row.other);
     if (row.live == Row::ducksByAnnouncer) Arm(frmMain().live.ckMixByTa, markSettings.taColor);
     heard();
     start(kBed);
@@ -131,6 +135,7 @@ TEST_P(Duck, IsHeard) {
     if (row.live == Row::ducksByAnnouncer) BASS_ChannelSetAttribute(hLive, BASS_ATTRIB_VOL, 0.5F);
     pass(600);
     if (row.trigger != nullptr) start(kTrigger);
+    if (row.other != nullptr) start(kOther);
     if (row.announcer) hTmAnVoice = source("c2000");
     pass(3400);
     const Heard sound = heard();
