@@ -221,7 +221,9 @@ TEST_F(Palette, AWindowsUsersFileGoesBackUnharmed) {
 }
 
 TEST_F(Palette, AFileThatIsAwayForAWhileKeepsItsValues) {
-    const std::string lines = "Path_0=a.wav\r\nVolm_0=35\r\nAutoDuck_0=2\r\nLoop_0=1\r\nSeq_0=1\r\n";
+    const std::string lines =
+        "Path_0=a.wav\r\nVolm_0=35\r\nAutoDuck_0=2\r\nLoop_0=1\r\nSeq_0=1\r\n"
+        "Path_1=gone.wav\r\nAutoDuck_1=1\r\n";
     openPalette(lines);
     openStreams(0);  // looked for twice
     ASSERT_TRUE(jingle(0).MissingFile);
@@ -235,6 +237,17 @@ TEST_F(Palette, AFileThatIsAwayForAWhileKeepsItsValues) {
     EXPECT_EQ(read("palette.ini"), "[Morning]\r\n" + lines);
     openPalette("Path_0=a.wav\r\n");
     EXPECT_EQ(jingle(0).AutoDuck, 0) << "another palette's choice does not stay in the slot";
+
+    // A long jingle's duck is that of this opening, and its own: what follows in the slot, there or away, has none.
+    writeWav(path("long.wav"), std::vector<std::int16_t>(8000 * 121), 8000, 1);
+    for (const std::string next : {"Path_0=a.wav\r\n", "Path_0=gone.wav\r\n"}) {
+        const std::string longOne = "Path_0=long.wav\r\n", ducks = "AutoDuck_0=1\r\nNoTrigDuck_0=1\r\n";
+        for (const auto& [opened, saved] : {std::pair(longOne, longOne + ducks), std::pair(next, next)}) {
+            openPalette(opened);
+            EXPECT_TRUE(save());
+            EXPECT_EQ(read("palette.ini"), "[Morning]\r\n" + saved);
+        }
+    }
 }
 
 TEST_F(Palette, PathsUnderTheProgramFolderAreStoredRelative) {
