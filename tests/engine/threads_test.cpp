@@ -94,6 +94,16 @@ TEST_F(Threads, TenThousandRandomOperations) {
     }
 }
 
+TEST_F(Threads, RecordingsAreFreedWhileTheirInputComesBack) {
+    ASSERT_TRUE(BASS_RecordInit(-1));
+    for (int i = 0; i < 500; ++i) {
+        const DWORD mic = BASS_RecordStart(48000, 2, 0, nullptr, nullptr);
+        ASSERT_NE(mic, 0U) << i;
+        ASSERT_TRUE(BASS_StreamFree(mic)) << i;
+    }
+    ASSERT_TRUE(BASS_RecordFree());
+}
+
 TEST_F(Threads, WorkersReadAheadOfWhatIsPlayed) {
     const Topology studio;
     const DWORD jingle = studio.jingle(file("long"));
