@@ -4,6 +4,8 @@
 #include <chrono>
 #include <csignal>
 
+#include "platform/common/jack_turn.h"
+
 namespace zv {
 namespace {
 
@@ -13,14 +15,8 @@ constexpr std::size_t kChunk = 1024;  ///< frames handed to the client in one go
 constexpr auto kLookAgain = 500ms;
 constexpr auto kShutdownSeen = 50ms;  ///< a server that goes is noticed within this time
 constexpr auto kClosingLimit = 1s;
-constexpr auto kTurnLimit = 300ms;  ///< a call that hangs with its server holds up no other for longer
 
 void silent(const char*) {}
-
-std::unique_lock<std::timed_mutex> libraryTurn() {
-    static std::timed_mutex library;
-    return std::unique_lock(library, kTurnLimit);
-}
 
 }  // namespace
 
@@ -30,12 +26,12 @@ jack_client_t* openJackClient(const char* name) {
     static_cast<void>(before);
     jack_set_error_function(silent);
     jack_set_info_function(silent);
-    const auto turn = libraryTurn();
+    const auto turn = jackTurn();
     return turn ? jack_client_open(name, JackNoStartServer, nullptr) : nullptr;
 }
 
 void closeJackClient(jack_client_t* client) {
-    const auto turn = libraryTurn();
+    const auto turn = jackTurn();
     jack_client_close(client);
 }
 

@@ -19,8 +19,8 @@ namespace zv {
 
 enum class JackDirection { output, input };
 
-/// A client of the server, without a word on the terminal; null when no server answers. The library's own state is not
-/// safe from two threads that open and close clients: both go one at a time, here and in closeJackClient(). [any]
+/// A client of the server, without a word on the terminal; null when no server answers. It waits for its
+/// turn, as closeJackClient() does (platform/common/jack_turn.h). [any]
 jack_client_t* openJackClient(const char* name);
 void closeJackClient(jack_client_t* client);
 

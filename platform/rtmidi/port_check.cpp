@@ -7,6 +7,7 @@
 #include <memory>
 #include <string_view>
 
+#include "platform/common/jack_turn.h"
 #include "platform/rtmidi/port_watch.h"
 
 namespace zv {
@@ -16,7 +17,10 @@ struct CloseSequencer {
     void operator()(snd_seq_t* s) const { snd_seq_close(s); }
 };
 struct CloseClient {
-    void operator()(jack_client_t* c) const { jack_client_close(c); }
+    void operator()(jack_client_t* c) const {
+        const auto turn = jackTurn();
+        jack_client_close(c);
+    }
 };
 struct FreePorts {
     void operator()(const char** names) const { jack_free(static_cast<void*>(names)); }
@@ -60,7 +64,8 @@ jack_client_t* askingClient(const std::string& client) {
     static std::unique_ptr<jack_client_t, CloseClient> kept;
     if (gone.exchange(false)) kept.reset();
     if (kept == nullptr) {
-        kept.reset(jack_client_open((client + "-check").c_str(), JackNoStartServer, nullptr));
+        if (const auto turn = jackTurn())
+            kept.reset(jack_client_open((client + "-check").c_str(), JackNoStartServer, nullptr));
         if (kept != nullptr) {
             jack_on_shutdown(
                 kept.get(),

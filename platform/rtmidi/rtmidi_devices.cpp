@@ -10,9 +10,11 @@
 #include <csignal>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <utility>
 
+#include "platform/common/jack_turn.h"
 #include "platform/common/midi_queue.h"
 #include "platform/midi.h"
 #include "platform/rtmidi/device_names.h"
@@ -35,16 +37,32 @@ constexpr const char* kSequencer = "/dev/snd/seq";
 void dropError(RtMidiError::Type, const std::string&, void*) {}
 void dropText(const char*) {}
 
+/// A port opens a client of its own: with JACK in its turn. Otherwise nobody waits.
+std::unique_lock<std::timed_mutex> turnAt(RtMidi::Api api) {
+    return api == RtMidi::UNIX_JACK ? jackTurn() : std::unique_lock<std::timed_mutex>();
+}
+
 template <class Port>
-std::unique_ptr<Port> makePort(RtMidi::Api api) {
-    std::unique_ptr<Port> port;
-    try {
-        port = std::make_unique<Port>(api, kClientName);
-        port->setErrorCallback(dropError, nullptr);
-    } catch (const RtMidiError&) {
-        port.reset();
+struct ClosePort {
+    void operator()(Port* port) const {
+        const auto turn = turnAt(port->getCurrentApi());
+        std::default_delete<Port>{}(port);
     }
-    return port;
+};
+template <class Port>
+using Held = std::unique_ptr<Port, ClosePort<Port>>;
+
+template <class Port>
+Held<Port> makePort(RtMidi::Api api) {
+    const auto turn = turnAt(api);
+    if (api == RtMidi::UNIX_JACK && !turn) return nullptr;
+    try {
+        auto port = std::make_unique<Port>(api, kClientName);
+        port->setErrorCallback(dropError, nullptr);
+        return Held<Port>(port.release());
+    } catch (const RtMidiError&) {
+        return nullptr;
+    }
 }
 
 /// The first interface that this machine has: one that needs a server counts as there, and lists nothing
@@ -87,6 +105,7 @@ class Lister {
         if (!port_) return {};
         if (api_ == RtMidi::LINUX_ALSA) watchAlsaPorts(kClientName);
         if (api_ == RtMidi::UNIX_JACK) watchJackPorts(kClientName);
+        const auto turn = turnAt(port_->getCurrentApi());  // without a server each question tries to open one
         const unsigned int count = port_->getPortCount();
         for (unsigned int i = 0; i < count; ++i) {
             std::string port = port_->getPortName(i);
@@ -101,6 +120,7 @@ class Lister {
     std::optional<unsigned int> number(int index, Port& port) const {
         if (index < 0 || static_cast<std::size_t>(index) >= found_.size()) return std::nullopt;
         const Found& wanted = found_[static_cast<std::size_t>(index)];
+        const auto turn = turnAt(port.getCurrentApi());
         const unsigned int count = port.getPortCount();
         if (wanted.number < count && port.getPortName(wanted.number) == wanted.port) return wanted.number;
         for (unsigned int i = 0; i < count; ++i) {
@@ -109,7 +129,7 @@ class Lister {
         return std::nullopt;
     }
 
-    std::unique_ptr<Port> make() const { return api_ ? makePort<Port>(*api_) : nullptr; }
+    Held<Port> make() const { return api_ ? makePort<Port>(*api_) : nullptr; }
 
   private:
     void renew() {
@@ -120,7 +140,7 @@ class Lister {
     }
 
     std::optional<RtMidi::Api> api_;
-    std::unique_ptr<Port> port_;
+    Held<Port> port_;
     Clock::time_point renewAt_;
     std::vector<Found> found_;
 };
@@ -132,14 +152,14 @@ struct Input {
     MidiQueue queue;
     std::atomic<bool> started{false};
     const Clock::time_point opened = Clock::now();
-    std::unique_ptr<RtMidiIn> port;  ///< last: it ends before the queue that it writes
+    Held<RtMidiIn> port;  ///< last: it ends before the queue that it writes
 };
 
 struct Devices {
     Lister<RtMidiIn> inputs;
     Lister<RtMidiOut> outputs;
     std::map<MidiHandle, std::unique_ptr<Input>> openInputs;
-    std::map<MidiHandle, std::unique_ptr<RtMidiOut>> openOutputs;
+    std::map<MidiHandle, Held<RtMidiOut>> openOutputs;
     MidiHandle last = 0;
 };
 

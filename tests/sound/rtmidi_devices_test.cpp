@@ -1,15 +1,21 @@
 // MIDI devices through RtMidi: their names, and real ports on a JACK server of the test's own.
 #include <RtMidi.h>
+#include <jack/jack.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <latch>
 #include <mutex>
+#include <thread>
 
+#include "platform/common/jack_turn.h"
 #include "platform/jack/jack_devices.h"
+#include "platform/jack/jack_stream.h"
 #include "platform/midi.h"
 #include "platform/rtmidi/device_names.h"
+#include "platform/rtmidi/port_check.h"
 #include "platform/wake.h"
 #include "tests/sound/sound_server.h"
 
@@ -139,6 +145,30 @@ TEST(RtMidiDevices, MessagesOfAJackServersPorts) {
     Process jack({"jackd", "-n", name, "-r", "-d", "dummy", "-r", "44100", "-p", "256"},
                  {{"HOME", folder.path().string()}});
     ASSERT_TRUE(within(8, [] { return !makeJackDevices()->outputs().empty(); }));
+    // Another thread hangs in opening a client: none is opened beside it.
+    jack_client_t* looker = openJackClient("looker");
+    ASSERT_NE(looker, nullptr);
+    const auto there = [&](const char* client) {
+        char* uuid = jack_get_uuid_for_client_name(looker, client);
+        jack_free(uuid);
+        return uuid != nullptr;
+    };
+    std::latch held(1), over(1);
+    std::jthread other([&] {
+        const auto turn = jackTurn();
+        held.count_down();
+        over.wait();
+    });
+    held.wait();
+    EXPECT_TRUE(midiInputs().empty());
+    watchJackPorts("Zentrova");
+    EXPECT_FALSE(there("Zentrova"));
+    EXPECT_FALSE(there("Zentrova-check"));
+    over.count_down();
+    midiInputs();
+    EXPECT_TRUE(there("Zentrova"));
+    EXPECT_TRUE(there("Zentrova-check"));
+    closeJackClient(looker);
     playSurface(RtMidi::UNIX_JACK);
 }
 
