@@ -52,8 +52,16 @@ void SoundServer::unplugOutput(const std::string& name) {
         " | cut -f1 | xargs -r -n1 pactl unload-module'");
 }
 
+namespace {
+/// The path of a file that is not there: a recording before must not be taken for the one that begins.
+std::string emptied(std::string path) {
+    std::filesystem::remove(path);
+    return path;
+}
+}  // namespace
+
 SoundServer::Recording::Recording(const SoundServer& server, const std::string& output)
-    : file_(server.folder_ / (output + ".raw")),
+    : file_(emptied(server.folder_ / (output + ".raw"))),
       recorder_({"parec", "-d", output + ".monitor", "--format=float32le", "--rate=44100", "--channels=2",
                  "--raw", "--latency-msec=10"},
                 server.environment(), file_) {
