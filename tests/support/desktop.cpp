@@ -27,7 +27,6 @@ std::string chosenPath() {
     return next(desktop().paths, std::string());
 }
 
-constexpr Monitor kScreen{0, 0, 1280, 800};
 constexpr int kListRows = 10;
 
 }  // namespace
@@ -57,7 +56,10 @@ Control* focusedControl() { return desktop().focus; }
 void setAlwaysOnTop(Control&, bool) {}
 void selectAllText(Control&) {}
 void setFullScreen(Control&, bool) {}
-void setMinimumSize(Control&, int, int) {}
+void setMinimumSize(Control&, int width, int height) {
+    desktop().leastWidth = width;
+    desktop().leastHeight = height;
+}
 bool isMinimised(const Control&) { return false; }
 bool grabWindow(Control&, const std::string&) { return false; }
 void centreListRow(Control& list, int row) { list.topRow = std::max(0, row - test::kListRows / 2); }
@@ -94,7 +96,7 @@ std::string clipboard() { return desktop().clipboard; }
 bool registerFont(const std::string&) { return true; }
 bool fontInstalled(const std::string&) { return true; }
 std::vector<std::string> installedFonts() { return {"MS Sans Serif"}; }
-std::vector<Monitor> monitors() { return {test::kScreen}; }
+std::vector<Monitor> monitors() { return desktop().screens; }
 bool screenAvailable() { return true; }
 void openDocument(const std::string& target) { desktop().documents.push_back(target); }
 void showInFolder(const std::string& file) { desktop().shown.push_back(file); }

@@ -26,6 +26,8 @@ struct Desktop {
     std::vector<MenuItem> menu;          ///< the context menu opened last
     std::string menuChoice;              ///< item that the user picks from it
     Control* focus = nullptr;
+    std::vector<Monitor> screens{{0, 0, 1280, 800}};
+    int leastWidth = 0, leastHeight = 0;  ///< the smallest size that a window was given last, pixels
     bool quitAsked = false;
 };
 

@@ -1,5 +1,6 @@
 // Where everything stands, for every size of the grid and the window.
 
+#include "ui/screen/layout.h"
 #include "startup/settings/bars_settings.h"
 #include "startup/settings/grid_settings.h"
 #include "startup/settings/labels_settings.h"
@@ -10,6 +11,7 @@
 #include "ui/screen/layout_grid.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/screen/window_place.h"
+#include "ui/windows/rename_window.h"
 #include "ui/windows/shortcuts_window.h"
 
 namespace zv::test {
@@ -141,7 +143,8 @@ TEST_F(LayoutTest, everyGridInEveryWindowIsFreeOfOverlaps) {
     const struct {
         int width, height;
         const char* meters;
-    } windows[] = {{790, 590, "r"}, {1280, 800, "l"}, {1280, 800, "r"}, {1920, 1080, "t"}, {1024, 700, "n"}};
+    } windows[] = {{790, 590, "r"},  {1280, 800, "l"}, {1280, 800, "r"}, {1920, 1080, "t"},
+                   {1024, 700, "n"}, {960, 476, "r"},  {512, 236, "r"}};
     labelSettings.JNumbPos = 1;
     for (const auto& window : windows) {
         meterSettings.VUPos = window.meters;
@@ -199,11 +202,8 @@ TEST_F(LayoutTest, limitsAtSmallAndLargeWindows) {
         int width, height, rows, thickness;
         int strip;  ///< pixels; the rows' spare ones come on top
         int bar;    ///< pixels
-    } cases[] = {{790, 590, 6, 0, 156, 4},
-                 {1280, 800, 6, 2, 156, 8},
-                 {3840, 2160, 6, 2, 300, 8},
-                 {3840, 2160, 6, 1, 300, 6},
-                 {790, 590, 8, 2, 156, 6}};
+    } cases[] = {{790, 590, 6, 0, 156, 4},   {1024, 536, 6, 0, 156, 4},  {1280, 800, 6, 2, 156, 8},
+                 {3840, 2160, 6, 2, 300, 8}, {3840, 2160, 6, 1, 300, 6}, {790, 590, 8, 2, 156, 6}};
     for (const auto& c : cases) {
         gridSettings.JinglesRows = c.rows;
         barSettings.JRemLevThickness = c.thickness;
@@ -328,30 +328,112 @@ TEST_F(LayoutTest, theListOfKeysTellsWhatWorks) {
     EXPECT_FALSE(s.form.window.visible);
 }
 
-TEST_F(LayoutTest, theWindowIsHeldToTheScreenWhateverTheFileSays) {
-    // The screen of the tests has 1280 x 800 pixels.
+/// Sizes and places of a window in pixels.
+struct Place {
+    int left, top, width, height;
+    bool operator==(const Place&) const = default;
+};
+void PrintTo(const Place& p, std::ostream* out) {
+    *out << p.left << "," << p.top << " " << p.width << "x" << p.height;
+}
+Place placeOf(const Control& c) {
+    return {c.left / kTwipsPerPixel, c.top / kTwipsPerPixel, c.width / kTwipsPerPixel,
+            c.height / kTwipsPerPixel};
+}
+void put(Control& window, const Place& p) {
+    window.left = p.left * kTwipsPerPixel;
+    window.top = p.top * kTwipsPerPixel;
+    window.width = p.width * kTwipsPerPixel;
+    window.height = p.height * kTwipsPerPixel;
+}
+
+/// Screens as the toolkit tells them: a scale of two halves their pixels.
+const std::vector<Monitor> kUsual{{0, 0, 1280, 800}}, kLowAtTwo{{0, 0, 512, 300}},
+    kWideAtTwo{{0, 0, 960, 540}}, kTwo{{0, 0, 1280, 800}, {1280, 0, 1920, 1080}},
+    kTwoLeft{{0, 0, 1280, 800}, {-1920, -200, 1920, 1080}};
+constexpr int kGone = 5'000'000 / kTwipsPerPixel;
+
+TEST_F(LayoutTest, theWindowIsHeldToTheScreensWhateverTheFileSays) {
     const struct {
-        int left, top, width, height;  // pixels, as saved
-        int wide, high;                // as it opens, its title above
-    } cases[] = {{0, 0, 333333, 700, 1280, 700},
-                 {5000, 5000, 1000, 700, 1000, 700},
-                 {-4000, 100, 900, 600, 900, 600},
-                 {100, 50, 1100, 999, 1100, 736},
-                 {100, 100, 10, 10, MinWinWidth, MinWinHeight}};
-    windowSettings.WinState = 0;
+        const std::vector<Monitor>& screens;
+        int monitor, state;
+        Place saved, opens;  // its title above the inner size
+        bool fills = false;
+    } cases[] = {
+        {kUsual, 0, 0, {0, 0, kGone, 700}, {0, 0, 1280, 700}},
+        {kUsual, 0, 0, {-4000, 100, 900, 600}, {0, 100, 900, 600}},
+        {kUsual, 0, 0, {100, 50, 1100, 999}, {100, 0, 1100, 736}},
+        {kUsual, 0, 0, {100, 100, 10, 10}, {100, 100, MinWinWidth, MinWinHeight}},
+        {kLowAtTwo, 0, 0, {100, 50, 1000, 700}, {0, 0, 512, 236}, true},
+        {kWideAtTwo, 0, 0, {100, 50, 800, 590}, {100, 0, 800, 476}},
+        {kWideAtTwo, 0, 2, {100, 50, 800, 590}, {0, 0, 960, 540}, true},
+        // Several screens: the one that holds the window, else the one of the settings, else the first.
+        {kTwo, 0, 0, {1400, 100, kGone, 700}, {1280, 100, 1920, 700}},
+        {kTwo, 0, 0, {1400, 100, 1300, 800}, {1400, 100, 1300, 800}},
+        {kTwoLeft, 0, 0, {-1900, -150, 1000, kGone}, {-1900, -200, 1000, 1016}},
+        {kTwo, 1, 0, {9000, 9000, 1000, 700}, {2200, 316, 1000, 700}},
+        {kTwo, 1, 2, {100, 100, 1000, 700}, {1280, 0, 1920, 1080}, true},
+        // The second one is gone.
+        {kUsual, 1, 0, {1400, 300, 1600, 900}, {0, 0, 1280, 736}, true},
+        {kUsual, 1, 0, {-1900, -150, 1000, 700}, {0, 0, 1000, 700}},
+        {kUsual, 1, 2, {1400, 300, 1600, 900}, {0, 0, 1280, 800}, true},
+        {kUsual, 0, 0, {kGone * 428, 0, kGone * 428, 700}, {0, 0, 1280, 700}}};
+    int row = 0;
     for (const auto& c : cases) {
-        windowSettings.PosLeft = c.left * kTwipsPerPixel;
-        windowSettings.PosTop = c.top * kTwipsPerPixel;
-        windowSettings.WinWidth = c.width * kTwipsPerPixel;
-        windowSettings.WinHeight = c.height * kTwipsPerPixel;
-        Control window("frmHeld", ControlKind::window);
+        SCOPED_TRACE(row++);
+        desktop().screens = c.screens;
+        windowSettings.Monitor = c.monitor;
+        windowSettings.WinState = static_cast<std::uint8_t>(c.state);
+        windowSettings.PosLeft = c.saved.left * kTwipsPerPixel;
+        windowSettings.PosTop = c.saved.top * kTwipsPerPixel;
+        windowSettings.WinWidth = c.saved.width * kTwipsPerPixel;
+        windowSettings.WinHeight = c.saved.height * kTwipsPerPixel;
+        Control& window = frmMain().window;
         PlaceWindow(window);
-        EXPECT_GE(window.left(), 0);
-        EXPECT_GE(window.top(), 0);
-        EXPECT_LE(window.left + window.width, 1280 * kTwipsPerPixel) << c.left << " " << c.width;
-        EXPECT_LE(window.top + window.height, 800 * kTwipsPerPixel) << c.top << " " << c.height;
-        EXPECT_EQ(window.width(), c.wide * kTwipsPerPixel) << c.left;
-        EXPECT_EQ(window.height(), c.high * kTwipsPerPixel) << c.left;
+        EXPECT_EQ(placeOf(window), c.opens);
+        LimitWindow(window);
+        for (const Monitor& m : c.screens) {
+            // A desktop's bars and the title take their part of a maximised window.
+            EXPECT_LE(desktop().leastWidth, m.width);
+            EXPECT_LE(desktop().leastHeight, m.height - 96);
+        }
+        TimerMainPosTick();
+        EXPECT_EQ(windowSettings.WinState, c.fills ? 2 : 0);
+        EXPECT_EQ(windowSettings.WinWidth, (c.fills ? c.saved : c.opens).width * kTwipsPerPixel);
+    }
+}
+
+TEST_F(LayoutTest, aWindowOpensOverTheGridAndWhollyOnItsScreen) {
+    const struct {
+        const std::vector<Monitor>& screens;
+        Place main, at;  // the form is 600 x 400, or as high as its room; its title stands above
+    } cases[] = {{kUsual, {140, 0, 1000, 736}, {340, 239, 600, 400}},
+                 {kUsual, {700, 0, 790, 590}, {680, 172, 600, 400}},
+                 {kUsual, {140, 600, 1000, 736}, {340, 380, 600, 380}},
+                 {kUsual, {140, -400, 1000, 736}, {340, 8, 600, 400}},
+                 {kLowAtTwo, {0, 0, 512, 236}, {8, 8, 496, 252}},
+                 {kWideAtTwo, {100, 0, 800, 476}, {200, 120, 600, 380}},
+                 {kTwo, {1400, 100, 1300, 800}, {1750, 371, 600, 400}},
+                 {kTwoLeft, {-1900, -150, 1000, 700}, {-1700, 71, 600, 400}},
+                 {kUsual, {5000, -5000, 1000, 700}, {680, 8, 600, 400}},
+                 {kUsual, {-5000, 5000, 1000, 700}, {0, 380, 600, 380}}};
+    for (const auto& c : cases) {
+        desktop().screens = c.screens;
+        put(frmMain().window, c.main);
+        FormDraw("init");
+        RenameWindow r;
+        r.form.open();
+        EXPECT_EQ(placeOf(r.form.window), c.at) << ::testing::PrintToString(c.main);
+        r.form.close();
+        // It comes back where it was left, unless no screen is there any more.
+        put(r.form.window, {c.screens.back().left + 20, c.screens.back().top + 40, 300, 200});
+        r.form.open();
+        EXPECT_EQ(placeOf(r.form.window).left, c.screens.back().left + 20);
+        r.form.close();
+        put(r.form.window, {9000, 40, 300, 200});
+        r.form.open();
+        EXPECT_EQ(placeOf(r.form.window), c.at) << ::testing::PrintToString(c.main);
+        r.form.close();
     }
 }
 

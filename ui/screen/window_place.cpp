@@ -15,11 +15,15 @@ namespace zv {
 namespace {
 
 constexpr int kTitleBar = 64;  // pixels that a desktop may take from a window that fills it
+constexpr int kBars = 96;      // what its title and the bars of a desktop take at most
 constexpr int kMaximised = 2;  // of WinState
 
-/// The screen that holds the middle of the window's title, else the one that the settings name.
+/// The screen that holds the middle of the window's title, as far as a screen is wide; else the one that the
+/// settings name.
 Monitor screenFor(const Control& window, const std::vector<Monitor>& screens) {
-    const int x = (window.left + window.width / 2) / kTwipsPerPixel;
+    int widest = 0;
+    for (const Monitor& m : screens) widest = std::max(widest, m.width);
+    const int x = window.left / kTwipsPerPixel + std::min(window.width / kTwipsPerPixel, widest) / 2;
     const int y = window.top / kTwipsPerPixel;
     for (const Monitor& m : screens) {
         if (x >= m.left && x < m.left + m.width && y >= m.top && y < m.top + m.height) {
@@ -47,7 +51,7 @@ void LimitWindow(Control& window) {
     int width = MinWinWidth, height = MinWinHeight;
     for (const Monitor& m : monitors()) {
         width = std::min(width, m.width);
-        height = std::min(height, m.height - kTitleBar);
+        height = std::min(height, m.height - kBars);
     }
     setMinimumSize(window, width, height);
 }
@@ -77,10 +81,10 @@ void TimerMainPosTick() {
             return;
         }
         const std::vector<Monitor> screens = monitors();
-        const bool fills = std::any_of(screens.begin(), screens.end(), [&](const Monitor& m) {
-            return w.width() >= m.width * kTwipsPerPixel &&
-                   w.height() >= (m.height - kTitleBar) * kTwipsPerPixel;
-        });
+        if (screens.empty()) return;
+        const Monitor m = screenFor(w, screens);
+        const bool fills =
+            w.width() >= m.width * kTwipsPerPixel && w.height() >= (m.height - kTitleBar) * kTwipsPerPixel;
         windowSettings.WinState = fills ? kMaximised : 0;
         if (fills) {
             return;  // the size that it had before is kept

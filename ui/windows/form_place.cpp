@@ -35,7 +35,7 @@ WindowRoom RoomOverGrid() {
     WindowRoom room;
     room.width = std::min(kWidestWindow, screen.width - 2 * kGap);
     room.left = pixels(main.window.left + main.window.width / 2) - room.width / 2;
-    room.top = pixels(main.window.top + strip.top + strip.height) + kGap;
+    room.top = std::max(pixels(main.window.top + strip.top + strip.height), screen.top) + kGap;
     const int bottom = screen.top + screen.height - kGap;
     room.height = bottom - room.top - kFrameHeight;
     if (room.height < kLeastHeight) {
