@@ -61,6 +61,22 @@ TEST_F(PaletteTest, theListIsSortedAndShowsTheCurrentOne) {
     EXPECT_EQ(filled(), 3);
 }
 
+TEST_F(PaletteTest, namesBeyondTheListAreToldUntilSomethingElseIs) {
+    std::string many;
+    for (int i = 0; i < 2000; ++i) many += "[A palette of many " + std::to_string(i) + "]\r\nVolm_0=1\r\n";
+    write("palette.ini", read("palette.ini") + many);
+    lstPalRefresh();
+    const auto told = [] {
+        return ErrMarkShows("b") && frmMain().display.lblErr.toolTip().find(Ln("mPalHidden")) == 0;
+    };
+    EXPECT_TRUE(told());
+    OpenFile("Morning");  // as the start does
+    pass(15000);
+    EXPECT_TRUE(told());
+    pick("afternoon");
+    EXPECT_FALSE(told());
+}
+
 TEST_F(PaletteTest, pickingOpensAtOnceAndForgetsWhatWasPending) {
     AddRemoval({"Zulu", 0, "Morning", "a.wav"});
     EXPECT_EQ(frmMain().palettes.lstJID.items(), std::vector<std::string>{"0"});

@@ -40,7 +40,7 @@ constexpr int kRowMs = 900;
 /// one next to it tone c. Meanwhile a bed plays, tone h, and whatever a press means, it plays on.
 struct Row {
     const char* name;
-    const char* slot;  ///< "empty", "missing", "locked" (held by a playlist), or keys of a file
+    const char* slot;  ///< "empty", "missing", "broken", "locked" (held by a playlist), or keys of a file
     const char* acts;
     const char* heard;
     const char* after;
@@ -56,7 +56,7 @@ constexpr Row kRows[] = {
     {"assign on an empty one", "empty", "0 ckAssign file 100 click 300 click", "c300-", "other unsaved"},
     {"assign, given up", "", "0 ckAssign 100 click 300 click", "a300-400 b400-", ""},
     {"assign, disarmed", "", "0 ckAssign ckAssign 100 click", "a100-200 b200-", ""},
-    {"assign leaves what sounds alone", "", "0 click 300 ckAssign file 400 click", "a0-100 b100-", "armed:ass"},
+    {"assign leaves what sounds alone", "", "0 click 300 ckAssign file 400 click", "a0-100 b100-", "armed:ass mRefPlaying"},
     {"announcer asks for a jingle", "", "0 announcer 100 click", "", ""},
     {"announcer takes no empty one", "empty", "0 announcer 100 click", "", "armed:ta"},
     {"loop", "", "0 ckLoopI 100 click 300 click", "a300-400 b400-", "loop unsaved"},
@@ -71,10 +71,10 @@ constexpr Row kRows[] = {
     {"play stop", "", "0 ckPlayStopI 100 click 300 click 600 click", "a300-400 b400-600", "playstop unsaved"},
     {"no stop", "", "0 ckNoStopI 100 click 300 click 600 click", "a300-400 b400-", "nostop unsaved"},
     {"no stop of what sounds", "", "0 click 300 ckNoStopI 400 click 600 click", "a0-100 b100-", "nostop unsaved"},
-    {"a sequence has no mode to repeat", kSeq, "0 ckTouch ckAutoRepI 100 click", "", "seq armed:ar"},
-    {"nor touch", kSeq, "0 ckTouchI 100 click", "", "seq armed:tc"},
-    {"nor play stop", kSeq, "0 ckPlayStopI 100 click", "", "seq armed:ps"},
-    {"nor no stop", kSeq, "0 ckNoStopI 100 click", "", "seq armed:ns"},
+    {"a sequence has no mode to repeat", kSeq, "0 ckTouch ckAutoRepI 100 click", "", "seq armed:ar mRefSequence"},
+    {"nor touch", kSeq, "0 ckTouchI 100 click", "", "seq armed:tc mRefSequence"},
+    {"nor play stop", kSeq, "0 ckPlayStopI 100 click", "", "seq armed:ps mRefSequence"},
+    {"nor no stop", kSeq, "0 ckNoStopI 100 click", "", "seq armed:ns mRefSequence"},
     {"a missing file takes no mode", "missing", "0 ckTouchI 100 click", "", "missing unsaved"},
     {"an empty one leaves it armed", "empty", "0 ckAutoRepI ctrl 100 click", "", "armed:ar"},
     {"the same option again takes it away", "PlayMod=4", "0 ckNoStopI 100 click 300 click 600 click", "a300-400 b400-600", "unsaved"},
@@ -91,37 +91,41 @@ constexpr Row kRows[] = {
 
     // Touch mode plays what is there and looks for nothing.
     {"touch mode", "", "0 ckTouch 100 down 400 up", "a100-200 b200-400", ""},
-    {"touch mode: missing", "missing", "0 ckTouch 100 click", "", "missing"},
+    {"touch mode: missing", "missing", "0 ckTouch 100 click", "", "missing errMissFile"},
     {"touch mode: empty", "empty", "0 ckTouch 100 click", "", ""},
     {"touch mode: moved", "", "0 ckTouch ctrl 100 click", "", "cut4"},
     {"missing: looked for", "missing", "0 100 click", "", "missing dialog"},
-    {"missing: not looked for", "missing", "0 noreloc 100 click", "", "missing"},
+    {"missing: not looked for", "missing", "0 noreloc 100 click", "", "missing errMissFile"},
+    {"broken: says why", "broken", "0 100 click", "", "why"},
+    {"broken, by its key", "broken", "0 100 space", "", "why"},
+    {"broken, in touch mode", "broken", "0 ckTouch 100 click", "", "why"},
+    {"broken: not moved", "broken", "0 ctrl 100 click", "", "why"},
     {"missing: renamed", "missing", "0 shift 100 click", "", "missing renames"},
 
     // Modifier keys.
     {"move", "", "0 ctrl 100 click5 200 click 300 none 400 click", "c400-", "other gone5 unsaved"},
-    {"move: nothing under what sounds", "", "0 click 200 ctrl 300 click5 400 click", "a0-100 b100-", "cut5"},
-    {"move: not what sounds", "", "0 click 200 ctrl 300 click", "a0-100 b100-", ""},
+    {"move: nothing under what sounds", "", "0 click 200 ctrl 300 click5 400 click", "a0-100 b100-", "cut5 mRefPlaying"},
+    {"move: not what sounds", "", "0 click 200 ctrl 300 click", "a0-100 b100-", "mRefPlaying"},
     {"move: onto an empty one", "empty", "0 ctrl 100 click5 200 click", "", "other gone5 unsaved"},
-    {"move: not what a playlist holds", "locked", "0 ctrl 100 click", "", ""},
-    {"move: nothing over what a playlist holds", "locked", "0 ctrl 100 click5 200 click", "", "cut5"},
+    {"move: not what a playlist holds", "locked", "0 ctrl 100 click", "", "mRefLocked"},
+    {"move: nothing over what a playlist holds", "locked", "0 ctrl 100 click5 200 click", "", "cut5 mRefLocked"},
     {"move: letting go forgets", "", "0 ctrl 100 click 200 none 300 click", "a300-400 b400-", ""},
     {"move: shift makes it a new copy", "", "0 ctrl 100 click 200 cs 300 click5", "", "copy5"},
     {"copy", "", "0 cs 100 click5 200 click 300 none 400 click", "c400-", "other unsaved"},
     {"copy: goes on to the next", "", "0 cs 100 click5 200 click", "", "other copy5 unsaved"},
     {"copy: of what a playlist holds", "locked", "0 cs 100 click", "", "copy4"},
-    {"copy: nothing over what a playlist holds", "locked", "0 cs 100 click5 200 click", "", "copy5"},
+    {"copy: nothing over what a playlist holds", "locked", "0 cs 100 click5 200 click", "", "copy5 mRefLocked"},
     {"rename", "", "0 shift 100 click", "", "renames"},
     {"delete", "", "0 alt yes 100 click", "", "gone asked unsaved"},
     {"delete: no", "", "0 alt 100 click 200 none 300 click", "a300-400 b400-", "asked"},
-    {"delete: not what a playlist holds", "locked", "0 alt yes 100 click", "", ""},
+    {"delete: not what a playlist holds", "locked", "0 alt yes 100 click", "", "mRefLocked"},
     {"delete with the file", "", "0 ca yes 100 click", "", "gone nofile asked unsaved"},
-    {"delete with the file: no playlist's", "locked", "0 ca yes 100 click", "", ""},
+    {"delete with the file: no playlist's", "locked", "0 ca yes 100 click", "", "mRefLocked"},
     {"shift and alt: nothing", "", "0 sa yes 100 click", "", ""},
     {"all three: nothing", "", "0 csa yes 100 click", "", ""},
 
     // And what is left: mouse buttons, fingers, keys.
-    {"lock of the mix", "", "0 lock 100 click", "", ""},
+    {"lock of the mix", "", "0 lock 100 click", "", "quiet"},
     {"plays, stops", "", "0 down 300 up 600 click", "a0-100 b100-600", ""},
     {"what a playlist holds plays", "locked", "0 click", "a0-100 b100-", ""},
     {"empty: nothing", "empty", "0 click", "", ""},
@@ -150,6 +154,7 @@ void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
 class PressTest : public WindowTest {
   protected:
     void TearDown() override {
+        if (frmMain().display.lblQuiet.visible) pass(2100);  // the lock's refusal is told that long
         DropTimeJingle();
         EndChoosing();
         Button(kSlot)->picPlaylist.visible = false;
@@ -166,11 +171,16 @@ class PressTest : public WindowTest {
     void fill(const std::string& slot) {
         load(kOther, tones("c2000"));
         if (slot == "empty") return;
-        load(kSlot, tones("a100 b2400"), slot == "missing" || slot == "locked" ? "" : slot);
+        load(kSlot, tones("a100 b2400"),
+             slot == "missing" || slot == "broken" || slot == "locked" ? "" : slot);
         if (slot == "missing") {
             std::filesystem::remove(path("Audio_Sample/sound_4.wav"));
             FreeJingle(kSlot);
             rec(kSlot).MissingFile = true;
+        } else if (slot == "broken") {
+            write("Audio_Sample/sound_4.wav", "no sound");
+            FreeJingle(kSlot);
+            openStreams(kSlot);
         } else if (slot == "locked") {
             Button(kSlot)->picPlaylist.visible = true;
             Button(kSlot)->lblPlaylist.caption = "K";
@@ -259,6 +269,12 @@ class PressTest : public WindowTest {
         tell(desktop().dialogs > 0 && j.MissingFile, "dialog");
         tell(!desktop().boxes.empty(), "asked");
         tell(PalToSave, "unsaved");
+        const Control& message = frmMain().display.lblDispMessage;
+        for (const char* why : {"mRefPlaying", "mRefSequence", "mRefLocked", "errMissFile"})
+            tell(message.visible && message.caption().ends_with(Ln(why)), why);
+        tell(j.Unplayable && message.visible && message.caption() == "sound 4: " + BassErrMessage(j.BassErr),
+             "why");
+        tell(frmMain().display.lblQuiet.visible && !frmMain().display.lblQuiet.caption().empty(), "quiet");
         return text;
     }
 

@@ -13,6 +13,7 @@
 #include "startup/settings/palette_settings.h"
 #include "startup/stores.h"
 #include "ui/edit/jingle_editor.h"
+#include "ui/edit/palette_list.h"
 #include "ui/edit/undo.h"
 #include "ui/records/timers.h"
 #include "ui/screen/error_mark.h"
@@ -65,6 +66,8 @@ void PaletteOpened() {
         untold.clear();
     } else if (PaletteStore.Away()) {
         ErrDisp("no", 1, Ln("mPalAway"));
+    } else {
+        TellHiddenPalettes(true);
     }
 }
 

@@ -23,15 +23,6 @@ namespace {
 
 PaletteTab& tab() { return frmMain().palettes; }
 
-/// The list is limited; palettes beyond the limit are in the file all the same. Told once for each number.
-void tellOfHidden(int hidden) {
-    static int told = 0;
-    if (hidden > 0 && hidden != told) {
-        ErrDisp("notification", 0, Ln("mPalHidden") + " (" + std::to_string(hidden) + ")");
-    }
-    told = hidden;
-}
-
 /// Empty buttons of a program without a palette say what to do.
 struct HintAtEnd {
     ~HintAtEnd() {
@@ -40,6 +31,15 @@ struct HintAtEnd {
 };
 
 }  // namespace
+
+void TellHiddenPalettes(bool opened) {
+    static int told = 0;
+    const int hidden = PaletteStore.HiddenSections();
+    if (hidden > 0 && hidden != told) {
+        ErrDisp("notification", 0, Ln("mPalHidden") + " (" + std::to_string(hidden) + ")");
+    }
+    if (opened) told = hidden;
+}
 
 void lstPalRefresh() {
     guarded("modMain.lstPalRefresh", [] {
@@ -57,7 +57,7 @@ void lstPalRefresh() {
             QuickSort(names);
             list.items = names;
             SelectPalette(SettingsStore.GetValue("PaletteIndex"));
-            tellOfHidden(PaletteStore.HiddenSections());
+            TellHiddenPalettes(false);
         } else {
             list.items = std::vector<std::string>();
             list.listIndex = -1;

@@ -35,6 +35,7 @@
 #include "ui/press/press.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
+#include "ui/screen/display_message.h"
 #include "ui/screen/layout.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/settings/mixer_window.h"
@@ -119,6 +120,7 @@ bool onJingle(Action action, int index, int velocity) {
     }
     if (action == Action::play) {
         clPlay(index, velocity);
+        SayWhyBroken(index);
     } else if (action == Action::release) {
         releaseJingle(index);
     } else {

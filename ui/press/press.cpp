@@ -201,6 +201,7 @@ void btClic(int index) {
         switch (meaningOf(index)) {
             case PressMeaning::play:
                 clPlay(index, -1);
+                SayWhyBroken(index);
                 break;
             case PressMeaning::nothing:
                 sayWhyNot(index);
