@@ -22,6 +22,7 @@ namespace {
 using namespace shell;
 
 constexpr Colour kPlaying = 0xC0FFC0, kForeign = 0xFFFFFF, kDark = 0x312D2B, kLight = -1;
+constexpr int kPlayingHue = 120;  // degrees: green
 
 /// The colours of the sample set, and none.
 std::set<Colour> sampleFaces() {
@@ -40,6 +41,11 @@ std::set<Colour> sampleFaces() {
 TEST(OnAir, FramesAndTextsHaveTheirContrastOnEveryFace) {
     const std::set<Colour> faces = sampleFaces();
     EXPECT_GE(faces.size(), 6U);
+    for (const Colour face : faces) {
+        const QColor idle(face & 0xFF, face >> 8 & 0xFF, face >> 16 & 0xFF);
+        EXPECT_TRUE(face == kNoColour || std::abs(idle.hue() - kPlayingHue) >= 45)
+            << idle.name().toStdString();
+    }
     for (const Colour back : {kLight, kDark}) {
         Stage s(back);
         const Theme theme = themeFor(s.window);

@@ -71,7 +71,8 @@ BoxAnswer messageBox(const std::string& text, const std::string&, BoxKind, BoxBu
     desktop().boxes.push_back(text);
     return test::next(desktop().answers, buttons == BoxButtons::ok ? BoxAnswer::ok : BoxAnswer::no);
 }
-std::string openFileDialog(const std::string&, const std::string&, const std::string&) {
+std::string openFileDialog(const std::string&, const std::string&, const std::string& kinds) {
+    desktop().kinds = kinds;
     return test::chosenPath();
 }
 std::string saveFileDialog(const std::string&, const std::string&, const std::string&) {

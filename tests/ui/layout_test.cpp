@@ -1,13 +1,16 @@
 // Where everything stands, for every size of the grid and the window.
 
 #include "ui/screen/layout.h"
+#include "startup/language.h"
 #include "startup/settings/bars_settings.h"
 #include "startup/settings/grid_settings.h"
 #include "startup/settings/labels_settings.h"
 #include "startup/settings/meters_settings.h"
 #include "startup/settings/minimal_settings.h"
+#include "startup/settings/program_settings.h"
 #include "startup/settings/window_settings.h"
 #include "tests/ui/window_test.h"
+#include "ui/edit/palette_list.h"
 #include "ui/screen/layout_grid.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/screen/window_place.h"
@@ -301,6 +304,28 @@ TEST_F(LayoutTest, captionsGrowWithTheButtonsAndFitThem) {
     labelSettings.JLabelAutoSize = 0;
     UpdateJLblFont();
     EXPECT_EQ(button(0).fontSize, 20.0);
+}
+
+TEST_F(LayoutTest, everyKeySaysInEachLanguageWhatItDoes) {
+    const MainWindow& w = frmMain();
+    std::set<std::string> told;
+    for (const char* language : {"English", "Fran\u00E7ais", "Deutsch", "Espa\u00F1ol"}) {
+        programSettings.Language = language;
+        LnStrings("frmMain");
+        lstPalRefresh();
+        std::vector<const Control*> open{&w.window};
+        while (!open.empty()) {
+            const Control* c = open.back();
+            open.pop_back();
+            for (const Control* child : c->children()) open.push_back(child);
+            const bool key = c->kind == ControlKind::button || c->kind == ControlKind::toggle;
+            EXPECT_TRUE(!key || c->name == "b_Jingle" || !c->toolTip().empty()) << language << " " << c->name;
+        }
+        told.insert(w.keys.btStop.toolTip());
+        told.insert(w.fraJingles.toolTip());  // the hint of a program without a palette
+    }
+    EXPECT_EQ(told.size(), 8U);
+    programSettings.Language = kEnglish;
 }
 
 TEST_F(LayoutTest, theListOfKeysTellsWhatWorks) {

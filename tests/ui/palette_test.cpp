@@ -1,6 +1,7 @@
 // The palette list and the buttons' contents: picking, stepping, naming, deleting, assigning, moving,
 // colouring.
 
+#include "audio/streams.h"
 #include "model/palette_files.h"
 #include "model/pending_removals.h"
 #include "startup/language.h"
@@ -288,6 +289,7 @@ TEST_F(PaletteTest, assigningAndDropping) {
     desktop().paths = {file};
     CkAssignTog();
     press(0);
+    EXPECT_EQ(desktop().kinds, Ln("mDlgType") + "|" + FileFilter());
     EXPECT_EQ(rec(0).Path, file);
     EXPECT_EQ(rec(0).Volm, 100);
     EXPECT_EQ(rec(0).PlayMod, PlayMode::global);
@@ -350,6 +352,7 @@ TEST_F(PaletteTest, everythingThatIsPersistedTravelsWithAMovedButton) {
         clMove(1, how);
         clMove(97, "paste");
         EXPECT_EQ(rec(97).persisted(), before) << how;
+        EXPECT_EQ(button(97).backColor, ShadeColor(0x00FF00, 0)) << how;
         EXPECT_EQ(rec(97).FadeAttrib, static_cast<int>(BASS_ATTRIB_VOL | BASS_SLIDE_LOG));
         EXPECT_EQ(rec(1).Path.empty(), how == std::string("cut"));
     }
@@ -370,6 +373,18 @@ TEST_F(PaletteTest, colours) {
     PickColour(kPickFields - 1);
     EXPECT_EQ(rec(0).BTNCol, kFaceColourText);
     EXPECT_EQ(button(0).backColor, BtnFaceColor);
+
+    // A file that cannot be played has the window's face and red letters, whatever its own colour.
+    load(7, 300, "BTNCol=3366FF");
+    EXPECT_EQ(button(7).backColor, ShadeColor(0xFF6633, 0));
+    write("Audio_Sample/sound_7.wav", "no sound");
+    FreeJingle(7);
+    openStreams(7);
+    EXPECT_EQ(button(7).backColor, BtnFaceColor);
+    EXPECT_EQ(button(7).foreColor & 0xFFFF, 0xFF);
+    pass(200);
+    ReColorizeBtn();
+    EXPECT_EQ(button(7).backColor, BtnFaceColor);
 
     SelJ = {0};
     PickColour(15);  // dark mode keeps the colour and works out what is shown

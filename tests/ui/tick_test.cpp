@@ -18,6 +18,7 @@
 #include "startup/settings/playing_settings.h"
 #include "startup/settings/warning_settings.h"
 #include "tests/ui/window_test.h"
+#include "ui/edit/options.h"
 #include "ui/press/display_press.h"
 #include "ui/records/timers.h"
 #include "ui/screen/announcer_view.h"
@@ -26,6 +27,7 @@
 #include "ui/screen/counter.h"
 #include "ui/screen/digits.h"
 #include "ui/screen/display_tick.h"
+#include "ui/screen/error_mark.h"
 #include "ui/screen/layout.h"
 #include "ui/screen/shaded.h"
 #include "ui/screen/warning.h"
@@ -165,8 +167,14 @@ TEST_F(TickTest, aJingleOfAnotherPaletteGivesItsSlotBack) {
     pass(100);
     EXPECT_TRUE(rec(1).PlayingOtherPal);
     EXPECT_EQ(button(1).backColor, playingSettings.PlayingColorAnotherPal);
+    // So it stays when an option that was armed meanwhile is given up.
+    for (int presses = 0; presses < 2; ++presses) {
+        CkAssignTog();
+        pass(100);
+        EXPECT_EQ(button(1).backColor, playingSettings.PlayingColorAnotherPal) << presses;
+    }
     EXPECT_EQ(rec(1).Path, "Audio_Sample\\sound_1.wav");
-    pass(1100);
+    pass(900);
     EXPECT_FALSE(rec(1).PlayingOtherPal);
     EXPECT_EQ(rec(1).Path, "Audio_Sample\\short.wav");
     EXPECT_EQ(button(1).caption(), "0.1\r\nshort");
@@ -220,12 +228,16 @@ TEST_F(TickTest, marksFlash) {
     EXPECT_EQ(colours(900), std::set<Colour>{Shaded.sq});
     EXPECT_EQ(colours(1800), (std::set<Colour>{Shaded.lp, Shaded.sq}));
     evStop();
-    ErrDisp("notification", 1, "something");
-    ASSERT_TRUE(frmMain().display.lblErr.visible);
-    pass(9000);
-    EXPECT_TRUE(frmMain().display.lblErr.visible);
-    pass(2500);
-    EXPECT_FALSE(frmMain().display.lblErr.visible);
+    // What failed or waits to be saved stays until it is mended.
+    const Control& mark = frmMain().display.lblErr;
+    for (const char* mode : {"no", "save", "wait", "notification", "ok"}) {
+        ErrDisp(mode, 1, "something");
+        pass(9000);
+        EXPECT_TRUE(mark.visible) << mode;
+        pass(2500);
+        EXPECT_EQ(mark.visible, std::string("no save wait").find(mode) != std::string::npos) << mode;
+        HideErrMark();
+    }
 }
 
 TEST_F(TickTest, searchHitsAndArmedOptionsAreLeftAlone) {
