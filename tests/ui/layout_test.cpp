@@ -14,6 +14,7 @@
 #include "ui/screen/layout_grid.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/screen/window_place.h"
+#include "ui/windows/question_window.h"
 #include "ui/windows/rename_window.h"
 #include "ui/windows/shortcuts_window.h"
 
@@ -122,6 +123,10 @@ std::string fault(int rows, int columns) {
         const bool overflows = c.width == kMinButtonWidth || (!hot && c.height == kMinButtonHeight);
         if (!overflows && !boxOf(c).inside(innerOf(*c.parent))) {
             return "button " + std::to_string(i) + " outside its block";
+        }
+        if (const int below = c.height - boxOf(b->ckJingSel).bottom;
+            b->ckJingSel.top > std::max(below, 0) + kTwipsPerPixel) {
+            return "box at the foot of button " + std::to_string(i);
         }
         for (const Control* part : c.children()) {
             if (part->visible && part != &b->ckJingSel && !boxOf(*part).inside(innerOf(c))) {
@@ -446,6 +451,11 @@ TEST_F(LayoutTest, aWindowOpensOverTheGridAndWhollyOnItsScreen) {
         desktop().screens = c.screens;
         put(frmMain().window, c.main);
         FormDraw("init");
+        frmMain().window.visible = true;
+        ASSERT_TRUE(askOnCard);
+        askOnCard(Question{}, {});
+        const Control& card = frmQuestion().form.window;
+        EXPECT_TRUE(boxOf(card).inside(innerOf(frmMain().window)) || card.top == 0) << placeOf(card).top;
         RenameWindow r;
         r.form.open();
         EXPECT_EQ(placeOf(r.form.window), c.at) << ::testing::PrintToString(c.main);

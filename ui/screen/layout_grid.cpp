@@ -93,7 +93,7 @@ void placeParts(JingleButton& b) {
     place(b.picPlaylist, kSmallFieldInset, std::max(0, h - foot - field), field, field);
     place(b.lblPlaylist, kSmallFieldInset, std::max(0, h - foot - field), field, field);
     place(b.ckJingSel, std::min(kSelectorInset, w - kSelectorSize),
-          std::clamp(h - kSelectorSize - kPixel, 0, kSelectorInset), kSelectorSize, kSelectorSize);
+          std::clamp(multiple((h - kSelectorSize) / 2), 0, kSelectorInset), kSelectorSize, kSelectorSize);
 }
 
 }  // namespace

@@ -169,7 +169,9 @@ void PlaceQuestion() {
     const int above = &host == &frmMain().window ? strip.top + strip.height : 0;
     const int gap = kGap * kTwipsPerPixel;
     card.left = std::max(0, (host.width - card.width) / 2);
-    card.top = std::max(above + gap, above + (host.height - above - card.height) / 2);
+    // Where a low window has no room below the strip, the card rather covers that than loses its keys.
+    const int lowest = std::max(0, host.height - card.height - gap);
+    card.top = std::min(lowest, std::max(above + gap, above + (host.height - above - card.height) / 2));
     if (card.visible) showWindow(card);  // before buttons that were made since
 }
 

@@ -113,7 +113,7 @@ void paintJingleFace(QPainter& p, const QSize& size, double ratio, const JingleF
 }
 
 CaptionLayout layOutHint(const QSize& size, const QString& hint) {
-    constexpr double kShare = 0.17, kLeast = 10, kMost = 15;  // of the height, and pixels
+    constexpr double kShare = 0.17, kLeast = 10, kMost = 32;  // of the height, and pixels
     return layOutCaption(hint, textFont(std::clamp(size.height() * kShare, kLeast, kMost)),
                          QRectF(QPointF(), size).adjusted(6, 3, -6, -3));
 }
