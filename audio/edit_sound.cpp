@@ -131,8 +131,6 @@ void EditDone(int index) {
     if (j.Seq == 0) {
         BASS_ChannelFlags(j.hSrc, j.Loop != 0 ? BASS_SAMPLE_LOOP : 0, BASS_SAMPLE_LOOP);
         wholeSound(j);
-    } else if (Sounds(index)) {
-        j.State = PlayState::playing;  // whatever its loop was doing, it is in it again
     }
     EditAtOnce(index);
 }
