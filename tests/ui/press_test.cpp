@@ -5,6 +5,7 @@
 
 #include "audio/streams.h"
 #include "audio/time_jingle.h"
+#include "model/actions.h"
 #include "startup/errors.h"
 #include "startup/language.h"
 #include "startup/settings/automix_settings.h"
@@ -98,6 +99,7 @@ constexpr Row kRows[] = {
     {"missing: not looked for", "missing", "0 noreloc 100 click", "", "missing errMissFile"},
     {"broken: says why", "broken", "0 100 click", "", "why"},
     {"broken, by its key", "broken", "0 100 space", "", "why"},
+    {"broken, by a surface's pad", "broken", "0 100 pad", "", "why"},
     {"broken, in touch mode", "broken", "0 ckTouch 100 click", "", "why"},
     {"broken: not moved", "broken", "0 ctrl 100 click", "", "why"},
     {"missing: renamed", "missing", "0 shift 100 click", "", "missing renames"},
@@ -220,6 +222,7 @@ class PressTest : public WindowTest {
             {"f6", [&] { key(Key::f6); }},
             {"S", [&] { key(static_cast<Key>('S')); }},
             {"own", [&] { repeatOnButton(); }},
+            {"pad", [] { zv::perform(Action::play, kSlot, 127); }},
             {"tab", [] { frmMain().ckTab[1].onMouseDown({}); }},
             {"announcer", b_tmAnJinTog},
             {"noreloc", [] { folderSettings.OpenReloc = 0; }},
