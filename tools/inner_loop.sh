@@ -10,6 +10,7 @@ cd "$(dirname "$0")/.."
 
 copy=build/inner_loop
 mkdir -p "$copy"
+find "$copy" -mindepth 1 -maxdepth 1 ! -name build -exec rm -rf {} +  # what is gone from the tree goes here too
 git ls-files -z --cached | tar --null --files-from=- -c | tar -x -C "$copy"  # with their times
 cd "$copy"
 cmake --preset dev >configure.log 2>&1 || { tail configure.log >&2; exit 1; }
