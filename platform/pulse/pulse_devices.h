@@ -9,10 +9,10 @@
 
 namespace zv {
 
-/// Devices of a sound server; what it puts in the place of a missing sound card is none. Names are the descriptions that the server gives, ids its own names: both
-/// stable over replugging. A device that vanishes is told to its client (deviceLost) and opened again by
-/// itself as soon as the server lists it again (deviceBack), also when the server itself was restarted. While
-/// no server answers the lists are empty, at once. [control]
+/// Devices of a sound server; what it puts in the place of a missing sound card is none. Names are the descriptions
+/// that the server gives, ids its own names: both stable over replugging. A device that vanishes is told to its
+/// client (deviceLost) and opened again by itself as soon as the server lists it again (deviceBack), also when the
+/// server itself was restarted. While no server answers the lists are empty, at once. [control]
 std::shared_ptr<engine::DeviceSource> makePulseDevices(PulseOptions options = {});
 
 enum class PulseAnswer {
