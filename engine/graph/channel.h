@@ -27,8 +27,9 @@ enum class Kind : std::uint8_t { File, Module, Url, Record, Tempo, Mixer, Split 
 
 /// A position that someone waits for. Handed to the audio side, taken back through the trash.
 struct SyncNode : Garbage {
+    static constexpr std::uint64_t kNever = ~std::uint64_t{0};
     HSYNC handle = 0;
-    std::uint64_t frame = 0;
+    std::uint64_t frame = 0;  ///< kNever: it has fired
     bool once = true;
     bool slides = false;  ///< a slide of VOL begins with its frame
     float value = 0;
@@ -98,9 +99,9 @@ struct AudioState {
     Plug* plug = nullptr;
     Chain* chain = nullptr;
     SyncNode* syncs = nullptr;
-    std::uint64_t firstSync = ~std::uint64_t{0};  ///< the lowest frame that a sync waits for
-    SyncNode* timed = nullptr;                    ///< the sync whose slide has not begun yet
-    bool timedDue = false;                        ///< its frame was passed
+    std::uint64_t firstSync = SyncNode::kNever;  ///< the lowest frame that a sync waits for
+    SyncNode* timed = nullptr;                   ///< the sync whose slide has not begun yet
+    bool timedDue = false;                       ///< its frame was passed
 
     Slide volume, voldsp;
     bool inSlides = false;
@@ -148,6 +149,8 @@ struct Channel {
 
     ~Channel();
     std::uint32_t sampleBytes() const { return (flags & BASS_SAMPLE_FLOAT) != 0 ? 4 : 2; }
+    /// A bus never stops. It counts as sounding when an input does.
+    bool isBus() const { return kind == Kind::Mixer || kind == Kind::Split; }
     std::uint32_t frameBytes() const { return channels * sampleBytes(); }
     /// The channel whose position this one speaks of: a tempo channel's source, else itself.
     Channel& root() { return kind == Kind::Tempo && source ? source->root() : *this; }

@@ -1,16 +1,12 @@
-// Adding up what sounds in a mixer or on an output.
+#include "engine/graph/mixer.h"
+
 #include <algorithm>
-#include <array>
-#include <cmath>
+#include <span>
 
 #include "engine/dsp/mix.h"
-#include "engine/graph/graph.h"
 
 namespace zv::engine {
 namespace {
-
-constexpr double kHalfFrame = 0.5;
-constexpr std::uint32_t kStretchedNear = 8 * kBlock, kStretchedStep = 64;
 
 /// Sources that lie in memory as they are wait here and are added four at a time: the sum is read and written
 /// once. Whatever their form, they are added in the order in which they came.
@@ -73,88 +69,8 @@ void measure(Channel& channel, const View& view) {
     }
 }
 
-}  // namespace
-
-/// Frames of the mixer before the slide of a sync is to begin; it begins here when its frame is the next one.
-std::uint64_t Graph::untilTimed(Channel& channel) {
-    AudioState& a = channel.audio;
-    const AudioState& file = channel.root().audio;
-    double at = static_cast<double>(file.position);
-    if (a.plug->resampler) {
-        const Plug& plug = *a.plug;
-        const double held =
-            static_cast<double>(plug.fed - (a.inTail ? a.tailDone : 0)) - plug.resampler->position();
-        const auto since = static_cast<double>(file.position - file.wrapTo);
-        const bool wrapped = file.wrapFrom > file.wrapTo && file.position >= file.wrapTo && since < held;
-        at = wrapped ? static_cast<double>(file.wrapFrom) - (held - since) : at - held;
-    }
-    SyncNode& node = *a.timed;
-    const double left = static_cast<double>(node.frame) - at;
-    if (a.timedDue || (!a.stretched && left <= kHalfFrame && left > -1)) {
-        Command slide;
-        slide.channel = &channel;
-        slide.value = node.value;
-        slide.ms = node.ms;
-        slide.flags = node.flags;
-        slide.b = channel.shared.appliedVolume.load(std::memory_order_relaxed);
-        // A stop may leave nothing to be passed: it is told here.
-        if (!a.timedDue && syncEvents.push({node.handle, channel.handle, file.moves, true}) && node.once) {
-            node.frame = ~std::uint64_t{0};
-            findFirstSync(a);
-        }
-        a.timed = nullptr;
-        a.timedDue = false;
-        slideVolume(slide);
-        return kBlock;
-    }
-    if (left < 0) return kBlock;
-    // The position of stretched sound is known every so many frames only.
-    if (a.stretched) return left < double{kStretchedNear} ? kStretchedStep : kBlock;
-    return static_cast<std::uint64_t>(std::ceil(left * a.plug->rate / channel.rate - kHalfFrame));
-}
-
-/// Frames up to which the same channels are converted together: a slide, or a sound, ends behind them.
-std::uint32_t Graph::evenPart(Channel* const& first, std::uint32_t frames) {
-    std::uint64_t part = frames;
-    for (Channel* channel = first; channel;) {
-        Channel* const next = channel->audio.next;  // one that stops leaves the list
-        if (channel->audio.timed) part = std::min(part, std::max<std::uint64_t>(1, untilTimed(*channel)));
-        channel = next;
-    }
-    return stretchOf(first, part);
-}
-
-std::uint32_t Graph::stretchOf(Channel* first, std::uint64_t part) {
-    for (const Channel* channel = first; channel; channel = channel->audio.next) {
-        const AudioState& a = channel->audio;
-        if (a.plug->resampler && a.volume.active()) part = std::min(part, a.volume.left());
-    }
-    for (Channel* channel = first; channel; channel = channel->audio.next) {
-        Plug& plug = *channel->audio.plug;
-        if (!plug.resampler || channel->audio.volume.active() || !convertsFile(*channel)) continue;
-        if (fillConverted(*channel, static_cast<std::uint32_t>(part)) != Filled::all || !plug.drained)
-            continue;
-        part = std::min(part, plug.resampler->framesBefore(plug.fed));
-    }
-    return static_cast<std::uint32_t>(part);
-}
-
-void Graph::mixInputs(Channel* const& first, float* out, std::uint32_t frames) {
-    ConversionGroups& groups = groups_[std::min(nested_++, kMostNested - 1)];
-    while (frames > 0) {
-        const std::uint32_t part = evenPart(first, frames);
-        // Deeper mixers than there are groups for convert each sound by itself.
-        groups.begin(nested_ <= kMostNested ? part : 0);
-        mixPart(first, out, part, groups);
-        groups.finish(out);
-        out += std::size_t{part} * 2;
-        frames -= part;
-    }
-    --nested_;
-}
-
 /// What of a converted file was heard since it stood at `from`: its levels come from there.
-void Graph::noteHeard(Channel& channel, std::uint64_t from) {
+void noteHeard(Channel& channel, std::uint64_t from) {
     Metering& meter = *channel.audio.plug->meter;
     const Channel& root = channel.root();
     const AudioState& a = root.audio;
@@ -174,29 +90,72 @@ void Graph::noteHeard(Channel& channel, std::uint64_t from) {
     }
 }
 
+}  // namespace
+
+/// Frames up to which the same channels are converted together: a slide, or a sound, ends behind them.
+std::uint32_t Mixer::evenPart(Channel* const& first, std::uint32_t frames) {
+    std::uint64_t part = frames;
+    for (Channel* channel = first; channel;) {
+        Channel* const next = channel->audio.next;  // one that stops leaves the list
+        if (channel->audio.timed) part = std::min(part, std::max<std::uint64_t>(1, timed_.until(*channel)));
+        channel = next;
+    }
+    return stretchOf(first, part);
+}
+
+std::uint32_t Mixer::stretchOf(Channel* first, std::uint64_t part) {
+    for (const Channel* channel = first; channel; channel = channel->audio.next) {
+        const AudioState& a = channel->audio;
+        if (a.plug->resampler && a.volume.active()) part = std::min(part, a.volume.left());
+    }
+    for (Channel* channel = first; channel; channel = channel->audio.next) {
+        Plug& plug = *channel->audio.plug;
+        if (!plug.resampler || channel->audio.volume.active() || !Conversion::isFile(*channel)) continue;
+        if (conversion_.fill(*channel, static_cast<std::uint32_t>(part)) != Conversion::Filled::all ||
+            !plug.drained)
+            continue;
+        part = std::min(part, plug.resampler->framesBefore(plug.fed));
+    }
+    return static_cast<std::uint32_t>(part);
+}
+
+void Mixer::mixInputs(Channel* const& first, float* out, std::uint32_t frames) {
+    ConversionGroups& groups = groups_[std::min(nested_++, kMostNested - 1)];
+    while (frames > 0) {
+        const std::uint32_t part = evenPart(first, frames);
+        // Deeper mixers than there are groups for convert each sound by itself.
+        groups.begin(nested_ <= kMostNested ? part : 0);
+        mixPart(first, out, part, groups);
+        groups.finish(out);
+        out += std::size_t{part} * 2;
+        frames -= part;
+    }
+    --nested_;
+}
+
 /// Puts a channel to those that are converted together; false where it must be converted alone.
-bool Graph::joinGroup(Channel& channel, std::uint32_t frames, ConversionGroups& groups) {
+bool Mixer::joinGroup(Channel& channel, std::uint32_t frames, ConversionGroups& groups) {
     AudioState& a = channel.audio;
-    if (a.volume.active() || !convertsFile(channel) || !groups.takes(*a.plug->resampler)) return false;
-    if (fillConverted(channel, frames) != Filled::all) return false;
+    if (a.volume.active() || !Conversion::isFile(channel) || !groups.takes(*a.plug->resampler)) return false;
+    if (conversion_.fill(channel, frames) != Conversion::Filled::all) return false;
     const std::uint64_t from = channel.root().shared.heard.load(std::memory_order_relaxed);
-    takeConverted(channel, frames, false);
+    Conversion::take(channel, frames, false);
     groups.add(*a.plug->resampler, a.volume.value());
-    a.mixBlock = block_;
-    if (a.dry) setDry(channel, false);
-    publishPosition(channel);
+    a.mixBlock = time_.block;
+    if (a.dry) playback_.setDry(channel, false);
+    positions_.publish(channel);
     noteHeard(channel, from);
     return true;
 }
 
-void Graph::mixPart(Channel* first, float* out, std::uint32_t frames, ConversionGroups& groups) {
+void Mixer::mixPart(Channel* first, float* out, std::uint32_t frames, ConversionGroups& groups) {
     Batch batch(out, frames);
     for (Channel* channel = first; channel;) {
         Channel* next = channel->audio.next;
         AudioState& a = channel->audio;
         View view;
         if (a.volume.goesOn(frames) && !a.plug->resampler) {
-            view = pullPlain(*channel, frames);
+            view = pull_.plain(*channel, frames);
             const bool inPages = view.source != View::kNoSource;
             const bool formed = !view.mono || (inPages && !a.volume.curved());
             if (view.frames == frames && !view.own && formed) {
@@ -204,14 +163,14 @@ void Graph::mixPart(Channel* first, float* out, std::uint32_t frames, Conversion
                 batch.add(view, a.volume);
                 if (a.volume.active()) {
                     a.volume.advance(frames);
-                    a.mixBlock = block_;
+                    a.mixBlock = time_.block;
                 }
-                if (a.dry) setDry(*channel, false);
-                publishPosition(*channel);
+                if (a.dry) playback_.setDry(*channel, false);
+                positions_.publish(*channel);
                 channel = next;
                 continue;
             }
-            view = finished(view);
+            view = pull_.finished(view);
         }
         if (a.plug->resampler && joinGroup(*channel, frames, groups)) {
             channel = next;
@@ -223,18 +182,18 @@ void Graph::mixPart(Channel* first, float* out, std::uint32_t frames, Conversion
     }
 }
 
-void Graph::mixInput(Channel& channel, float* out, std::uint32_t frames, View view) {
+void Mixer::mixInput(Channel& channel, float* out, std::uint32_t frames, View view) {
     AudioState& a = channel.audio;
     std::uint32_t done = 0;
     bool over = view.ended;
-    const bool noted = a.plug->resampler && convertsFile(channel);
+    const bool noted = a.plug->resampler && Conversion::isFile(channel);
     const std::uint64_t from = channel.root().shared.heard.load(std::memory_order_relaxed);
     while (done < frames && !over) {
         if (view.frames == 0) {
             std::uint32_t want = frames - done;
             if (a.volume.active())
                 want = static_cast<std::uint32_t>(std::min<std::uint64_t>(want, a.volume.left()));
-            view = a.plug->resampler ? pullConverted(channel, want) : pullStereo(channel, want);
+            view = a.plug->resampler ? conversion_.pull(channel, want) : pull_.stereo(channel, want);
             if (view.frames == 0) {
                 over = view.ended;
                 break;
@@ -246,18 +205,18 @@ void Graph::mixInput(Channel& channel, float* out, std::uint32_t frames, View vi
         over = a.volume.active() && a.volume.advance(view.frames) && a.volume.stopsAtEnd();
         view.frames = 0;
     }
-    a.mixBlock = block_;
+    a.mixBlock = time_.block;
     if (done < frames) {
         a.plug->meter->meter.feedSilence(frames - done);
         // Time goes on where its sound does not.
         if (a.volume.active() && a.volume.advance(frames - done)) over |= a.volume.stopsAtEnd();
     }
     if (over) {
-        finish(channel);
+        playback_.finish(channel);
         return;
     }
-    setDry(channel, done < frames);
-    publishPosition(channel);
+    playback_.setDry(channel, done < frames);
+    positions_.publish(channel);
     if (noted) noteHeard(channel, from);
 }
 

@@ -20,4 +20,8 @@ void Plug::restart() {
     drained = false;
 }
 
+void Plug::align(std::uint64_t clock) {
+    if (resampler && fed == 0 && pending == 0) resampler->align(clock);
+}
+
 }  // namespace zv::engine

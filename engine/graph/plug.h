@@ -25,6 +25,9 @@ struct Plug : Garbage {
     bool drained = false;                       ///< the channel has nothing more for it
     bool plain = true;                          ///< since its start the channel is its file and nothing else
     void restart();                             ///< [audio]
+    /// A conversion that begins takes the phase of one that ran since the beginning of time: so all of a rate
+    /// have one phase. `clock`: frames rendered so far. [audio]
+    void align(std::uint64_t clock);
 };
 
 }  // namespace zv::engine

@@ -1,9 +1,7 @@
-// Slides of VOL and VOLDSP: commanded, advanced with the sound, and let run on where nothing sounds; and the
-// clock of slides of tempo, pitch and rate.
+#include "engine/graph/slides.h"
+
 #include <cmath>
 #include <utility>
-
-#include "engine/graph/graph.h"
 
 namespace zv::engine {
 namespace {
@@ -25,16 +23,16 @@ std::uint64_t share(std::uint32_t frames, std::uint32_t rate, std::uint32_t of, 
 
 }  // namespace
 
-void Graph::keepSliding(Channel& channel) {
+void Slides::keep(Channel& channel) {
     if (channel.audio.inSlides) return;
     channel.audio.inSlides = true;
-    channel.audio.nextSlide = slides_;
-    slides_ = &channel;
+    channel.audio.nextSlide = first_;
+    first_ = &channel;
 }
 
-void Graph::forgetSlides(Channel& channel) {
+void Slides::forget(Channel& channel) {
     if (!channel.audio.inSlides) return;
-    for (Channel** at = &slides_; *at; at = &(*at)->audio.nextSlide) {
+    for (Channel** at = &first_; *at; at = &(*at)->audio.nextSlide) {
         if (*at != &channel) continue;
         *at = channel.audio.nextSlide;
         break;
@@ -42,7 +40,7 @@ void Graph::forgetSlides(Channel& channel) {
     channel.audio.inSlides = false;
 }
 
-void Graph::slideVolume(const Command& command) {
+void Slides::volume(const Command& command) {
     Channel& channel = *command.channel;
     AudioState& a = channel.audio;
     const std::uint32_t rate = a.plug ? a.plug->rate : channel.rate;
@@ -52,13 +50,13 @@ void Graph::slideVolume(const Command& command) {
     channel.shared.volumeSlides.store(a.volume.active(), std::memory_order_relaxed);
     channel.shared.appliedVolume.store(static_cast<std::uint32_t>(command.b), std::memory_order_release);
     if (a.volume.active()) {
-        keepSliding(channel);
+        keep(channel);
     } else if (a.volume.stopsAtEnd()) {
-        finish(channel);
+        playback_.finish(channel);
     }
 }
 
-void Graph::slideVoldsp(const Command& command) {
+void Slides::voldsp(const Command& command) {
     Channel& channel = *command.channel;
     AudioState& a = channel.audio;
     a.voldsp.start(command.value, framesOf(command.ms, channel.rate), (command.flags & kSlideLog) != 0,
@@ -66,34 +64,37 @@ void Graph::slideVoldsp(const Command& command) {
     channel.shared.voldsp.store(a.voldsp.value(), std::memory_order_relaxed);
     channel.shared.voldspSlides.store(a.voldsp.active(), std::memory_order_relaxed);
     channel.shared.appliedVoldsp.store(static_cast<std::uint32_t>(command.b), std::memory_order_release);
-    if (a.voldsp.active()) keepSliding(channel);
+    if (a.voldsp.active()) keep(channel);
 }
 
-void Graph::volumeEnded(Channel& channel) {
-    if (channel.audio.volume.stopsAtEnd()) finish(channel);
+void Slides::tempo(Channel& channel) {
+    channel.audio.tempoSlides = true;
+    keep(channel);
 }
 
-void Graph::passTime(std::uint32_t frames) {
-    Channel** at = &slides_;
+void Slides::passTime(std::uint32_t frames) {
+    const std::uint32_t rate = time_.rate.load(std::memory_order_relaxed);
+    Channel** at = &first_;
     while (Channel* channel = *at) {
         AudioState& a = channel->audio;
-        if (a.volume.active() && a.mixBlock != block_ &&
-            a.volume.advance(share(frames, a.plug ? a.plug->rate : channel->rate, rate(), a.volumeRest)))
-            volumeEnded(*channel);
+        if (a.volume.active() && a.mixBlock != time_.block &&
+            a.volume.advance(share(frames, a.plug ? a.plug->rate : channel->rate, rate, a.volumeRest)) &&
+            a.volume.stopsAtEnd())
+            playback_.finish(*channel);
         // A block may be so short that a conversion needs nothing new for it.
-        const bool enough = a.mixBlock == block_ && !a.dry && a.plug && a.plug->resampler;
+        const bool enough = a.mixBlock == time_.block && !a.dry && a.plug && a.plug->resampler;
         if (a.voldsp.active()) {
-            if (a.chainBlock != block_ && !enough) {
-                a.voldsp.advance(share(frames, channel->rate, rate(), a.voldspRest));
-            } else if (!a.playing && channel->rate == rate() && a.chainBlock == block_ &&
+            if (a.chainBlock != time_.block && !enough) {
+                a.voldsp.advance(share(frames, channel->rate, rate, a.voldspRest));
+            } else if (!a.playing && channel->rate == rate && a.chainBlock == time_.block &&
                        a.chainDone < frames) {
                 a.voldsp.advance(frames - a.chainDone);  // it ended in this block
             }
         }
         if (a.tempoSlides) {
             // A conversion does not ask in every block; who is not asked for longer stands still.
-            a.tempoIdle += share(frames, channel->rate, rate(), a.tempoRest);
-            if (a.tempoBlock == block_) {
+            a.tempoIdle += share(frames, channel->rate, rate, a.tempoRest);
+            if (a.tempoBlock == time_.block) {
                 a.tempoIdle = 0;
             } else if (!a.playing || a.dry || a.tempoIdle > channel->rate / kStandsStillPart) {
                 channel->tempo->idle(std::exchange(a.tempoIdle, 0));

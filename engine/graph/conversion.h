@@ -1,0 +1,33 @@
+/// Conversion of a channel to the rate of what it is plugged into.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/graph/pull.h"
+
+namespace zv::engine {
+
+class Conversion {
+  public:
+    explicit Conversion(Pull& pull) : pull_(pull) {}
+
+    /// What the conversion of the next frames needs is there; else why not.
+    enum class Filled : std::uint8_t { all, dry, ended };
+
+    /// Whether what is converted is the file itself, in one or two channels: then its levels are those of its
+    /// pages, and it may be converted together with others. Once something is set it is not, until its next
+    /// start, because when exactly that ends depends on how far the conversion has read ahead. [audio]
+    static bool isFile(Channel& channel);
+    /// Reads from the channel what its conversion needs for the next `want` frames. [audio]
+    Filled fill(Channel& channel, std::uint32_t want);
+    /// Hands the conversion what it needs for the next `frames`; `make`: converts at once, into Plug::out.
+    /// After fill() gave Filled::all. [audio]
+    static void take(Channel& channel, std::uint32_t frames, bool make);
+    /// The next converted frames, `want` at most. [audio]
+    View pull(Channel& channel, std::uint32_t want);
+
+  private:
+    Pull& pull_;
+};
+
+}  // namespace zv::engine
