@@ -86,6 +86,8 @@ class TempoLane {
     bool exhausted() const { return readAt() >= endAt_.load(std::memory_order_acquire); }
 
     // ---- [any]
+    /// Whoever holds it has no use for it any more: it may be made anew.
+    void retire() { state.store(State::retired, std::memory_order_release); }
     std::uint64_t readAt() const { return read_.load(std::memory_order_acquire); }
     /// The source's frame that is heard, on average, with lane frame `frame`: one that was rendered and not
     /// heard long ago.

@@ -1,20 +1,14 @@
 #include "engine/tempo/processor.h"
 
 #include <algorithm>
-#include <cmath>
+#include <array>
 
 #include "engine/realtime/thread_tags.h"
-#include "engine/tempo/lane.h"
 
 namespace zv::engine {
 namespace {
 
 constexpr double kHoldSeconds = 0.05;  // that a position waits at most after a change
-constexpr double kFadeSeconds = 0.01;  // from a lane that was left into the source
-
-constexpr std::uint64_t kLeastFade = 128;  // frames of that
-
-std::size_t framesOf(double seconds, std::uint32_t rate) { return static_cast<std::size_t>(seconds * rate); }
 
 }  // namespace
 
@@ -22,89 +16,41 @@ TempoProcessor::TempoProcessor(std::uint32_t rate, std::uint32_t channels,
                                std::shared_ptr<StretcherSource> stretchers, FrameReader& reader)
     : rate_(std::max(rate, 1u)),
       channels_(std::max(channels, 1u)),
-      stretchers_(std::move(stretchers)),
-      reader_(reader) {}
-
-TempoProcessor::~TempoProcessor() = default;
-
-// ---- [control]
-
-template <typename Change>
-void TempoProcessor::change(Change change) {
-    const std::lock_guard lock(curveMutex_);
-    const std::uint64_t now = time_.load(std::memory_order_acquire);
-    change(now);
-    wanted_.store(curve_.moves(now) || !curve_.last().neutral(), std::memory_order_release);
-    restsFrom_.store(curve_.restsFrom(now), std::memory_order_release);
-    changes_.fetch_add(1, std::memory_order_release);
-}
-
-void TempoProcessor::setParameters(const TempoParameters& parameters) {
-    change([&](std::uint64_t now) {
-        curve_.move(TempoPart::Tempo, cutTempo(TempoPart::Tempo, parameters.tempo), now, 0, false);
-        curve_.move(TempoPart::Pitch, cutTempo(TempoPart::Pitch, parameters.pitch), now, 0, false);
-        curve_.move(TempoPart::Rate, cutTempo(TempoPart::Rate, parameters.rate), now, 0, false);
-    });
-}
+      reader_(reader),
+      work_(rate_, channels_, std::move(stretchers), reader, wishes_, meeting_) {}
 
 void TempoProcessor::slide(TempoPart part, double value, std::uint64_t frames, bool ratios) {
     assertNotAudioThread();
-    change([&](std::uint64_t now) { curve_.move(part, cutTempo(part, value), now, frames, ratios); });
+    wishes_.slide(part, value, frames, ratios);
 }
 
-TempoParameters TempoProcessor::parameters() const {
-    const std::lock_guard lock(curveMutex_);
-    return curve_.at(time_.load(std::memory_order_acquire));
-}
-
-bool TempoProcessor::sliding(TempoPart part) const {
-    const std::lock_guard lock(curveMutex_);
-    return curve_.line(part).moves(time_.load(std::memory_order_acquire));
-}
-
-// ---- [audio]
-
-void TempoProcessor::drop(TempoLane* lane) {
-    lane->state.store(TempoLane::State::retired, std::memory_order_release);
-}
-
-/// Seqlock writer: the version is odd while the data is being updated. A reader that finds the same even
-/// version before and after its reading has read one state.
 void TempoProcessor::publish() {
-    constexpr auto release = std::memory_order_release;
-    const std::uint32_t version = published_.version.load(std::memory_order_relaxed);
-    published_.version.store(version + 1, std::memory_order_relaxed);
-    published_.epoch.store(epoch_, release);
-    published_.clock.store(clock_, release);
-    published_.start.store(start_, release);
-    published_.source.store(source_, release);
-    published_.zero.store(time_.load(std::memory_order_relaxed) - (current_ ? current_->readAt() : clock_),
-                          release);
-    published_.current.store(current_, release);
-    published_.version.store(version + 2, release);
+    const std::uint64_t at = current_ ? current_->readAt() : clock_;
+    meeting_.publish(epoch_, clock_, start_, source_, wishes_.time() - at, current_);
 }
 
 void TempoProcessor::restart(std::uint64_t frame) {
     assertAudioThread();
     ++epoch_;
     ended_ = false;
-    if (current_) drop(current_);
-    if (fading_) drop(fading_);
+    if (current_) current_->retire();
+    if (fading_) fading_->retire();
     current_ = fading_ = nullptr;
     start_ = clock_;
     source_ = frame;
     // A lane that was primed for it, or one that waits for the start from here.
-    TempoLane* primed = primed_.exchange(nullptr);
-    if (TempoLane* lane = offered_.load(std::memory_order_relaxed) ? offered_.exchange(nullptr) : nullptr) {
-        if (next_) drop(next_);
+    TempoLane* primed = meeting_.primed.exchange(nullptr);
+    if (TempoLane* lane =
+            meeting_.offered.load(std::memory_order_relaxed) ? meeting_.offered.exchange(nullptr) : nullptr) {
+        if (next_) next_->retire();
         next_ = lane;
     }
     for (TempoLane* lane : {primed, next_}) {
         if (!lane) continue;
-        const bool fits = !current_ && lane->clean && lane->startSource == frame && lane->readAt() == 0 &&
-                          wanted_.load(std::memory_order_acquire);
+        const bool fits =
+            !current_ && lane->clean && lane->startSource == frame && lane->readAt() == 0 && wishes_.wanted();
         if (!fits) {
-            drop(lane);
+            lane->retire();
             continue;
         }
         lane->state.store(TempoLane::State::playing, std::memory_order_release);
@@ -117,32 +63,32 @@ void TempoProcessor::restart(std::uint64_t frame) {
 
 /// The lane to change over to, if it can still be done. A newer offer replaces an older one.
 TempoLane* TempoProcessor::next() {
-    if (offered_.load(std::memory_order_relaxed)) {
-        TempoLane* lane = offered_.exchange(nullptr);
-        if (lane && next_) drop(next_);
+    if (meeting_.offered.load(std::memory_order_relaxed)) {
+        TempoLane* lane = meeting_.offered.exchange(nullptr);
+        if (lane && next_) next_->retire();
         if (lane) next_ = lane;
     }
     if (!next_) return nullptr;
     const bool late = next_->switchAt < (current_ ? current_->readAt() : clock_);
     if (!late && next_->after == current_ && next_->epoch == epoch_) return next_;
-    drop(next_);
+    next_->retire();
     next_ = nullptr;
     return nullptr;
 }
 
 void TempoProcessor::takeOver() {
-    if (current_) drop(current_);
-    if (fading_) drop(fading_);
+    if (current_) current_->retire();
+    if (fading_) fading_->retire();
     current_ = next_;
     next_ = fading_ = nullptr;
     current_->state.store(TempoLane::State::playing, std::memory_order_release);
-    heldLeft_ = framesOf(kHoldSeconds, rate_);
+    heldLeft_ = tempoFrames(kHoldSeconds, rate_);
     publish();
 }
 
 /// The source goes on by itself at `source`, with the lane still sounding below its first frames.
 void TempoProcessor::leaveAt(std::uint64_t source, std::size_t fade) {
-    if (fading_) drop(fading_);
+    if (fading_) fading_->retire();
     fadeFrames_ = fade;
     fading_ = current_;
     fadeBegan_ = current_->readAt();
@@ -170,13 +116,9 @@ void TempoProcessor::fade(std::span<float> fromSource) {
         }
         done += got;
         if (got > 0 && at + got < frames) continue;
-        drop(fading_);
+        fading_->retire();
         fading_ = nullptr;
     }
-}
-
-void TempoProcessor::pass(std::uint64_t frames) {
-    time_.store(time_.load(std::memory_order_relaxed) + frames, std::memory_order_release);
 }
 
 bool TempoProcessor::neutral() {
@@ -196,7 +138,7 @@ std::size_t TempoProcessor::neutralRun() const {
 void TempoProcessor::passed(std::size_t frames, std::uint64_t frame) {
     assertAudioThread();
     clock_ += frames;
-    pass(frames);
+    wishes_.pass(frames);
     source_ = frame;
     heard_.store(frame, std::memory_order_relaxed);
     publish();
@@ -204,7 +146,7 @@ void TempoProcessor::passed(std::size_t frames, std::uint64_t frame) {
 
 void TempoProcessor::idle(std::uint64_t frames) {
     assertAudioThread();
-    pass(frames);
+    wishes_.pass(frames);
     publish();
 }
 
@@ -231,7 +173,7 @@ bool TempoProcessor::diverges(std::uint64_t& limit) {
         leaves_ = nullptr;
         return false;
     }
-    const std::uint64_t fade = framesOf(kFadeSeconds, rate_), due = leaveDue_;
+    const std::uint64_t fade = tempoFrames(kTempoFadeSeconds, rate_), due = leaveDue_;
     std::uint64_t at = due;
     // Early enough to fade while both sound alike, unless another lane is there in time.
     if (leaveThere_ != TempoLane::kNowhere && limit > at) at = std::max(now, at - std::min(at, fade));
@@ -240,9 +182,9 @@ bool TempoProcessor::diverges(std::uint64_t& limit) {
     if (leaveThere_ == TempoLane::kNowhere) {
         end();
     } else {
-        leaveAt(
-            now < due ? current_->sourceAt(now) : leaveThere_,
-            static_cast<std::size_t>(std::clamp<std::uint64_t>(due - std::min(due, now), kLeastFade, fade)));
+        leaveAt(now < due ? current_->sourceAt(now) : leaveThere_,
+                static_cast<std::size_t>(
+                    std::clamp<std::uint64_t>(due - std::min(due, now), kLeastTempoFade, fade)));
     }
     leaves_ = nullptr;
     return true;
@@ -280,7 +222,7 @@ std::size_t TempoProcessor::read(std::span<float> out) {
         if (current_->exhausted()) {
             if (current_->leaves) {
                 source_ = current_->leaveSource;
-                drop(current_);
+                current_->retire();
                 current_ = nullptr;
                 start_ = clock_ - 1;  // something sounds before this frame
                 heard_.store(source_, std::memory_order_relaxed);
@@ -300,10 +242,10 @@ std::size_t TempoProcessor::read(std::span<float> out) {
 /// The heard position. A lane may begin a few milliseconds before the place where the last one was left: the
 /// position then waits, it does not go back.
 void TempoProcessor::report(std::size_t frames) {
-    pass(frames);
+    wishes_.pass(frames);
     const std::uint64_t before = heard_.load(std::memory_order_relaxed);
     const std::uint64_t now = current_->sourceAt(current_->readAt());
-    const bool back = now < before && before - now < framesOf(kHoldSeconds, rate_);
+    const bool back = now < before && before - now < tempoFrames(kHoldSeconds, rate_);
     if (!(back && heldLeft_ > 0)) heard_.store(now, std::memory_order_relaxed);
     heldLeft_ -= std::min(heldLeft_, frames);
 }

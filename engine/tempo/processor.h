@@ -19,44 +19,38 @@
 ///              source's range; offline before every rendered block, on the rendering thread itself
 #pragma once
 
-#include <array>
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <span>
-#include <vector>
 
 #include "engine/ports.h"
 #include "engine/realtime/frame_reader.h"
-#include "engine/tempo/curve.h"
+#include "engine/tempo/work.h"
 
 namespace zv::engine {
-
-class TempoLane;
 
 class TempoProcessor {
   public:
     /// `rate` and `channels` are the source's. Cheap: buffers come with the first stretch. [control]
     TempoProcessor(std::uint32_t rate, std::uint32_t channels, std::shared_ptr<StretcherSource> stretchers,
                    FrameReader& reader);
-    ~TempoProcessor();
 
     // ---- [control]
     /// Cut to the ranges of TempoParameters. Heard within about 50 ms (at once on a channel that does not
     /// sound, when work() has run before it starts). Ends all slides.
-    void setParameters(const TempoParameters& parameters);
+    void setParameters(const TempoParameters& parameters) { wishes_.set(parameters); }
     /// One of them, from the value it has reached to `value`, in `frames` of the clock; 0: at once. See
     /// TempoCurve::move.
     void slide(TempoPart part, double value, std::uint64_t frames, bool ratios);
     /// Their present values, also in the middle of a slide. [any]
-    TempoParameters parameters() const;
-    bool sliding(TempoPart part) const;  ///< [any]
+    TempoParameters parameters() const { return wishes_.now(); }
+    bool sliding(TempoPart part) const { return wishes_.sliding(part); }  ///< [any]
     /// Prepares the sound from `frame` on, so that the restart(frame) that follows is stretched from its
     /// first frame. Takes about a millisecond; nothing to do while neutral. Without it restart() sounds
     /// neutral for the first 50 ms.
     /// Nothing is primed while a worker is at this channel for long.
-    void prime(std::uint64_t frame);
+    void prime(std::uint64_t frame) { work_.prime(frame); }
 
     // ---- [audio]
     /// The channel was moved to `frame`: drops what was rendered ahead.
@@ -83,84 +77,36 @@ class TempoProcessor {
     /// Time passes without sound: slides run on.
     void idle(std::uint64_t frames);
     /// True while a slide runs.
-    bool slides() const {
-        return static_cast<std::int64_t>(restsFrom_.load(std::memory_order_acquire) -
-                                         time_.load(std::memory_order_relaxed)) > 0;
-    }
+    bool slides() const { return wishes_.slides(); }
 
     // ---- [any]
     /// Anything but neutral is wanted, now or at the end of a slide.
-    bool wanted() const { return wanted_.load(std::memory_order_acquire); }
+    bool wanted() const { return wishes_.wanted(); }
     /// Heard position in the source's frames; stretched it is exact to 10 ms.
     std::uint64_t sourceFrame() const { return heard_.load(std::memory_order_relaxed); }
     std::uint64_t underruns() const { return underruns_.load(std::memory_order_relaxed); }
     /// Whether work() would do something now.
-    bool workDue() const;
+    bool workDue() const { return work_.due(); }
 
     // ---- [worker]
     /// Fills ahead, prepares changes. Returns at once when nothing is due. Calls from several threads take
     /// turns.
-    void work();
+    void work() { work_.work(); }
 
   private:
-    /// What the audio thread tells the worker. Seqlock: the version is odd while the data is being updated.
-    struct Published {
-        std::atomic<std::uint32_t> version{0}, epoch{0};
-        std::atomic<std::uint64_t> clock{0}, start{0}, source{0}, zero{0};
-        std::atomic<TempoLane*> current{nullptr};
-    };
-    struct Snapshot {
-        std::uint32_t epoch;
-        std::uint64_t clock, start, source;
-        std::uint64_t zero;  ///< time of frame 0 of the lane, or of the neutral clock
-        TempoLane* current;
-        PlayRange range;
-        /// Frame of the lane, or of the neutral clock, that is heard next.
-        std::uint64_t at() const;
-    };
-    /// What is wanted.
-    struct Wish {
-        TempoCurve curve;
-        std::uint32_t changes;
-    };
-
-    // processor.cpp: [control] [audio]
-    template <typename Change>
-    void change(Change change);
     void publish();
-    void pass(std::uint64_t frames);
     void report(std::size_t frames);
     TempoLane* next();
     void takeOver();
     void leaveAt(std::uint64_t source, std::size_t fade);
     bool diverges(std::uint64_t& limit);
     void end();
-    void drop(TempoLane* lane);
-
-    // work.cpp: [worker]
-    Snapshot snapshot() const;
-    std::uint64_t turn() const;
-    Wish wish() const;
-    TempoLane* freeLane();
-    void offer(TempoLane* lane, const Snapshot& now, std::uint64_t switchAt);
-    bool follows(const TempoLane& lane, const Wish& wish, std::uint64_t base) const;
-    bool offerStands(const TempoLane& lane, const Snapshot& now, const Wish& wish) const;
-    void enter(const Snapshot& now, const Wish& wish);
-    void replace(const Snapshot& now, const Wish& wish, bool follows);
-    std::int64_t bestLag(std::span<const float> old, std::uint64_t source, const PlayRange& range);
 
     const std::uint32_t rate_, channels_;
-    const std::shared_ptr<StretcherSource> stretchers_;
     FrameReader& reader_;
-
-    mutable std::mutex curveMutex_;  // control and worker
-    TempoCurve curve_;
-    std::atomic<bool> wanted_{false};          // the parameters are not neutral, or about to be
-    std::atomic<std::uint32_t> changes_{0};    // of the curve
-    std::atomic<std::uint64_t> time_{0};       // frames that passed: the clock of slides
-    std::atomic<std::uint64_t> restsFrom_{0};  // from that time on nothing slides
-    // turn() of the last work() that left nothing to do but filling; more is due once turn() differs.
-    std::atomic<std::uint64_t> settled_{~std::uint64_t{0}};
+    TempoWishes wishes_;
+    TempoMeeting meeting_;
+    TempoWork work_;
 
     // [audio]
     TempoLane *current_ = nullptr, *next_ = nullptr;
@@ -172,20 +118,11 @@ class TempoProcessor {
     std::uint64_t leaveDue_ = 0, leaveThere_ = 0;  // leaveThere_: see TempoLane::divergesAt
     PlayRange leaveRange_;
     bool ended_ = false;
-    std::uint32_t epoch_ = 0;
-    std::uint64_t clock_ = 0, start_ = 0,
-                  source_ = 0;  // frames passed while neutral; where that began; the source's frame
+    std::uint32_t epoch_ = 0;                           // see TempoSnapshot
+    std::uint64_t clock_ = 0, start_ = 0, source_ = 0;  // see TempoSnapshot
     std::size_t heldLeft_ = 0;
 
-    // from the worker to the audio thread
-    std::atomic<TempoLane*> offered_{nullptr}, primed_{nullptr};
     std::atomic<std::uint64_t> heard_{0}, underruns_{0};
-    Published published_;
-
-    std::mutex workMutex_;  // of everything below: control and worker
-    std::vector<std::unique_ptr<TempoLane>> lanes_;
-    TempoLane* pending_ = nullptr;  // made last
-    std::vector<float> old_, search_;
 };
 
 }  // namespace zv::engine

@@ -1,4 +1,5 @@
-// What the worker does for a tempo channel: fills ahead, prepares changes.
+#include "engine/tempo/work.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -7,16 +8,12 @@
 
 #include "engine/dsp/denormals.h"
 #include "engine/realtime/thread_tags.h"
-#include "engine/tempo/lane.h"
-#include "engine/tempo/processor.h"
 
 namespace zv::engine {
 namespace {
 
-constexpr double kLeadSeconds = 0.025;   // between the making of a change and its frame
-constexpr double kHurrySeconds = 0.006;  // the same where there is no time for that
-constexpr double kFadeSeconds = 0.01;
-constexpr std::size_t kLeastFade = 128;   // frames of that, at least
+constexpr double kLeadSeconds = 0.025;    // between the making of a change and its frame
+constexpr double kHurrySeconds = 0.006;   // the same where there is no time for that
 constexpr double kAheadSeconds = 0.15;    // that a lane keeps rendered
 constexpr double kRefillSeconds = 0.125;  // below which it is filled up
 constexpr auto kPrimeWait = std::chrono::milliseconds(5);
@@ -26,8 +23,6 @@ constexpr double kRingSeconds = 0.3;
 constexpr double kSearchSeconds = 0.01;  // to either side, for the best place to cross over
 constexpr double kAlike = 0.03;          // pitches so near to each other can be laid over each other
 
-std::size_t framesOf(double seconds, std::uint32_t rate) { return static_cast<std::size_t>(seconds * rate); }
-
 /// A little before or after `frame`; never before the beginning or behind the end.
 std::uint64_t shifted(std::uint64_t frame, std::int64_t by, const PlayRange& range) {
     if (by >= 0) return advance(frame, static_cast<std::uint64_t>(by), range);
@@ -36,47 +31,23 @@ std::uint64_t shifted(std::uint64_t frame, std::int64_t by, const PlayRange& ran
 
 }  // namespace
 
-std::uint64_t TempoProcessor::Snapshot::at() const { return current ? current->readAt() : clock; }
-
-TempoProcessor::Snapshot TempoProcessor::snapshot() const {
-    constexpr auto acquire = std::memory_order_acquire;
-    for (;;) {
-        const std::uint32_t before = published_.version.load(acquire);
-        Snapshot s{published_.epoch.load(acquire),
-                   published_.clock.load(acquire),
-                   published_.start.load(acquire),
-                   published_.source.load(acquire),
-                   published_.zero.load(acquire),
-                   published_.current.load(acquire),
-                   {}};
-        if (before % 2 != 0 || published_.version.load(std::memory_order_relaxed) != before) continue;
-        s.range = reader_.range();
-        return s;
-    }
-}
-
-TempoProcessor::Wish TempoProcessor::wish() const {
-    const std::lock_guard lock(curveMutex_);
-    return {curve_, changes_.load(std::memory_order_acquire)};
-}
-
 /// Which commands of the audio thread and of the callers hold.
-std::uint64_t TempoProcessor::turn() const {
-    return std::uint64_t{changes_.load(std::memory_order_acquire)} << 32 |
-           published_.version.load(std::memory_order_acquire);
+std::uint64_t TempoWork::turn() const {
+    return std::uint64_t{wishes_.changes()} << 32 |
+           meeting_.published.version.load(std::memory_order_acquire);
 }
 
-bool TempoProcessor::workDue() const {
-    const TempoLane* current = published_.current.load(std::memory_order_acquire);
+bool TempoWork::due() const {
+    const TempoLane* current = meeting_.published.current.load(std::memory_order_acquire);
     if (settled_.load(std::memory_order_acquire) == turn()) {
         if (!current) return false;
-        return (!current->finished() && current->ahead() < framesOf(kRefillSeconds, rate_)) ||
+        return (!current->finished() && current->ahead() < tempoFrames(kRefillSeconds, rate_)) ||
                current->range() != reader_.range();
     }
-    return wanted_.load(std::memory_order_acquire) || current || offered_.load();
+    return wishes_.wanted() || current || meeting_.offered.load();
 }
 
-TempoLane* TempoProcessor::freeLane() {
+TempoLane* TempoWork::freeLane() {
     // Playing, fading out, offered, primed, and what the audio side has not let go of yet.
     constexpr std::size_t kMostLanes = 6;
     for (auto& lane : lanes_) {
@@ -87,21 +58,21 @@ TempoLane* TempoProcessor::freeLane() {
         }
     }
     if (lanes_.size() == kMostLanes) return nullptr;
-    lanes_.push_back(std::make_unique<TempoLane>(rate_, channels_, framesOf(kRingSeconds, rate_)));
+    lanes_.push_back(std::make_unique<TempoLane>(rate_, channels_, tempoFrames(kRingSeconds, rate_)));
     return lanes_.back().get();
 }
 
-void TempoProcessor::offer(TempoLane* lane, const Snapshot& now, std::uint64_t switchAt) {
+void TempoWork::offer(TempoLane* lane, const TempoSnapshot& now, std::uint64_t switchAt) {
     lane->after = now.current;
     lane->epoch = now.epoch;
     lane->switchAt = switchAt;
     lane->state.store(TempoLane::State::made, std::memory_order_release);
     pending_ = lane;
-    if (TempoLane* before = offered_.exchange(lane)) drop(before);
+    if (TempoLane* before = meeting_.offered.exchange(lane)) before->retire();
 }
 
 /// Whether a lane that begins (or began) at time `base` plays what is wanted.
-bool TempoProcessor::follows(const TempoLane& lane, const Wish& wish, std::uint64_t base) const {
+bool TempoWork::follows(const TempoLane& lane, const Wish& wish, std::uint64_t base) {
     if (lane.leaves) return wish.curve.last().neutral() && !wish.curve.moves(base);
     const bool moves = wish.curve.moves(base) || lane.curve.moves(lane.base);
     if (lane.changes == wish.changes) return !moves || lane.base == base;
@@ -109,7 +80,7 @@ bool TempoProcessor::follows(const TempoLane& lane, const Wish& wish, std::uint6
 }
 
 /// Whether a lane that waits is still what is wanted, and in time.
-bool TempoProcessor::offerStands(const TempoLane& lane, const Snapshot& now, const Wish& wish) const {
+bool TempoWork::offerStands(const TempoLane& lane, const TempoSnapshot& now, const Wish& wish) {
     if (lane.epoch != now.epoch || lane.after != now.current) return false;
     if (lane.playsOtherwise(now.range) || lane.switchAt < now.at()) return false;
     // One that continues what sounds is heard first, though wishes have changed since: while somebody turns a
@@ -117,18 +88,18 @@ bool TempoProcessor::offerStands(const TempoLane& lane, const Snapshot& now, con
     return !lane.clean || follows(lane, wish, now.zero + lane.switchAt);
 }
 
-void TempoProcessor::prime(std::uint64_t frame) {
+void TempoWork::prime(std::uint64_t frame) {
     assertNotAudioThread();
-    if (!wanted_.load(std::memory_order_acquire)) return;
-    std::unique_lock lock(workMutex_, std::try_to_lock);
+    if (!wishes_.wanted()) return;
+    std::unique_lock lock(mutex_, std::try_to_lock);
     // In small steps: the sanitizer of threads does not see a lock that is waited for with a limit.
     for (auto waited = kPrimeStep; !lock && waited <= kPrimeWait; waited += kPrimeStep) {
         std::this_thread::sleep_for(kPrimeStep);
         lock.try_lock();
     }
     if (!lock) return;
-    const Wish wish = this->wish();
-    const std::uint64_t time = time_.load(std::memory_order_acquire);
+    const Wish wish = wishes_.wish();
+    const std::uint64_t time = wishes_.time();
     if ((wish.curve.last().neutral() && !wish.curve.moves(time)) || !stretchers_) return;
     const FlushToZero flush;
     const PlayRange range = reader_.range();
@@ -136,26 +107,26 @@ void TempoProcessor::prime(std::uint64_t frame) {
         return lane && lane->state.load(std::memory_order_acquire) == TempoLane::State::made && lane->clean &&
                lane->startSource == frame && follows(*lane, wish, time) && !lane->playsOtherwise(range);
     };
-    if (good(primed_.load()) || (!published_.current.load() && good(pending_))) return;
-    if (TempoLane* before = primed_.exchange(nullptr)) drop(before);
+    if (good(meeting_.primed.load()) || (!meeting_.published.current.load() && good(pending_))) return;
+    if (TempoLane* before = meeting_.primed.exchange(nullptr)) before->retire();
     TempoLane* lane = freeLane();
     if (!lane || !lane->open(*stretchers_, wish.curve, wish.changes, time)) return;
     lane->begin(frame, range, false);
     lane->after = nullptr;
-    lane->fill(reader_, framesOf(kReadySeconds, rate_));
+    lane->fill(reader_, tempoFrames(kReadySeconds, rate_));
     lane->state.store(TempoLane::State::made, std::memory_order_release);
-    primed_.store(lane);
+    meeting_.primed.store(lane);
 }
 
 /// From the source itself into a first lane. Both begin with the same frames: the fade is hardly one.
-void TempoProcessor::enter(const Snapshot& now, const Wish& wish) {
+void TempoWork::enter(const TempoSnapshot& now, const Wish& wish) {
     const bool fresh = now.clock == now.start;  // nothing has sounded from here
-    const std::uint64_t lead = fresh ? 0 : framesOf(kLeadSeconds, rate_);
+    const std::uint64_t lead = fresh ? 0 : tempoFrames(kLeadSeconds, rate_);
     const std::uint64_t switchAt = now.clock + lead, base = now.zero + switchAt;
-    if (TempoLane* primed = primed_.load(); fresh && primed && primed->startSource == now.source &&
-                                            follows(*primed, wish, base) &&
-                                            !primed->playsOtherwise(now.range)) {
-        if (primed_.compare_exchange_strong(primed, nullptr)) offer(primed, now, switchAt);
+    if (TempoLane* primed = meeting_.primed.load(); fresh && primed && primed->startSource == now.source &&
+                                                    follows(*primed, wish, base) &&
+                                                    !primed->playsOtherwise(now.range)) {
+        if (meeting_.primed.compare_exchange_strong(primed, nullptr)) offer(primed, now, switchAt);
         return;
     }
     const std::uint64_t source = advance(now.source, lead, now.range);
@@ -163,10 +134,10 @@ void TempoProcessor::enter(const Snapshot& now, const Wish& wish) {
     TempoLane* lane = freeLane();
     if (!lane || !lane->open(*stretchers_, wish.curve, wish.changes, base)) return;
     lane->begin(source, now.range, false);
-    lane->fill(reader_, framesOf(kReadySeconds, rate_));
+    lane->fill(reader_, tempoFrames(kReadySeconds, rate_));
     if (!fresh) {
         std::uint64_t from = source;
-        old_.assign(framesOf(kFadeSeconds, rate_) * channels_, 0.0f);
+        old_.assign(tempoFrames(kTempoFadeSeconds, rate_) * channels_, 0.0f);
         readInOrder(reader_, from, old_, channels_, now.range);
         lane->fadeFrom(old_);
     }
@@ -175,10 +146,10 @@ void TempoProcessor::enter(const Snapshot& now, const Wish& wish) {
 
 /// From one lane to another, or back to the source. `follows`: the lane does what is wanted, and is only left
 /// when that has come to rest.
-void TempoProcessor::replace(const Snapshot& now, const Wish& wish, bool follows) {
+void TempoWork::replace(const TempoSnapshot& now, const Wish& wish, bool follows) {
     TempoLane& current = *now.current;
-    const std::size_t lead = framesOf(kLeadSeconds, rate_);
-    std::size_t fade = framesOf(kFadeSeconds, rate_);
+    const std::size_t lead = tempoFrames(kLeadSeconds, rate_);
+    std::size_t fade = tempoFrames(kTempoFadeSeconds, rate_);
     const std::uint64_t heard = current.readAt();
     std::uint64_t at = heard + lead, there = 0;
     // Where the loop or the end has changed it is done before the sound comes to that place; with no time for
@@ -186,8 +157,8 @@ void TempoProcessor::replace(const Snapshot& now, const Wish& wish, bool follows
     const std::uint64_t limit = current.divergesAt(now.range, heard, there);
     if (limit != TempoLane::kNowhere) {
         if (there == TempoLane::kNowhere) return;  // it ends there
-        const std::uint64_t soonest = heard + framesOf(kHurrySeconds, rate_);
-        if (limit < soonest + kLeastFade) return;
+        const std::uint64_t soonest = heard + tempoFrames(kHurrySeconds, rate_);
+        if (limit < soonest + kLeastTempoFade) return;
         at = std::clamp(limit - std::min<std::uint64_t>(limit, fade), soonest, at);
         fade = std::min<std::size_t>(fade, limit - at);
     }
@@ -215,7 +186,7 @@ void TempoProcessor::replace(const Snapshot& now, const Wish& wish, bool follows
         const bool alike = std::fabs(was / is - 1) < kAlike;
         lane->begin(alike ? shifted(start, bestLag(old_, start, now.range), now.range) : start, now.range,
                     true);
-        lane->fill(reader_, framesOf(kReadySeconds, rate_));
+        lane->fill(reader_, tempoFrames(kReadySeconds, rate_));
     }
     lane->fadeFrom(old_);
     offer(lane, now, at);
@@ -223,10 +194,9 @@ void TempoProcessor::replace(const Snapshot& now, const Wish& wish, bool follows
 
 /// How many frames from `source` the sound lies that resembles `old` most. Negative lags are two's
 /// complement.
-std::int64_t TempoProcessor::bestLag(std::span<const float> old, std::uint64_t source,
-                                     const PlayRange& range) {
+std::int64_t TempoWork::bestLag(std::span<const float> old, std::uint64_t source, const PlayRange& range) {
     const std::uint64_t floor = range.loop && source >= range.loopStart ? range.loopStart : 0;
-    const std::size_t reach = framesOf(kSearchSeconds, rate_), frames = old.size() / channels_;
+    const std::size_t reach = tempoFrames(kSearchSeconds, rate_), frames = old.size() / channels_;
     const auto back =
         static_cast<std::size_t>(std::min<std::uint64_t>(reach, source - std::min(source, floor)));
     std::vector<float> around((back + reach + frames) * channels_), there(back + reach + frames),
@@ -258,15 +228,15 @@ std::int64_t TempoProcessor::bestLag(std::span<const float> old, std::uint64_t s
     return static_cast<std::int64_t>(place) - static_cast<std::int64_t>(back);
 }
 
-void TempoProcessor::work() {
+void TempoWork::work() {
     assertNotAudioThread();
-    if (!workDue() || !stretchers_) return;
-    std::unique_lock lock(workMutex_, std::try_to_lock);
+    if (!due() || !stretchers_) return;
+    std::unique_lock lock(mutex_, std::try_to_lock);
     if (!lock) return;
     const std::uint64_t turn = this->turn();  // before anything is looked at
-    const Wish wish = this->wish();
+    const Wish wish = wishes_.wish();
     const FlushToZero flush;
-    const Snapshot now = snapshot();
+    const TempoSnapshot now = meeting_.snapshot(reader_);
 
     // Refill the playing lane first; skip retired ones.
     const bool sounding =
@@ -274,15 +244,15 @@ void TempoProcessor::work() {
     if (sounding) {
         if (!now.current->leaves && !now.current->playsOtherwise(now.range)) now.current->adopt(now.range);
         // By the stretch, not by the crumb: a stretcher's state has to come into the caches each time.
-        if (now.current->ahead() < framesOf(kRefillSeconds, rate_))
-            now.current->fill(reader_, framesOf(kAheadSeconds, rate_));
+        if (now.current->ahead() < tempoFrames(kRefillSeconds, rate_))
+            now.current->fill(reader_, tempoFrames(kAheadSeconds, rate_));
     } else if (now.current) {
         return;  // it has just changed over: next time
     }
     if (pending_ && pending_->state.load(std::memory_order_acquire) == TempoLane::State::made &&
         offerStands(*pending_, now, wish)) {
-        if (pending_->ahead() < framesOf(kReadySeconds, rate_))
-            pending_->fill(reader_, framesOf(kReadySeconds, rate_));
+        if (pending_->ahead() < tempoFrames(kReadySeconds, rate_))
+            pending_->fill(reader_, tempoFrames(kReadySeconds, rate_));
         if (!now.current && follows(*pending_, wish, now.zero + pending_->switchAt))
             settled_.store(turn, std::memory_order_release);
         return;

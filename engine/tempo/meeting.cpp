@@ -1,0 +1,37 @@
+#include "engine/tempo/meeting.h"
+
+namespace zv::engine {
+
+/// A reader that finds the same even version before and after its reading has read one state.
+void TempoMeeting::publish(std::uint32_t epoch, std::uint64_t clock, std::uint64_t start,
+                           std::uint64_t source, std::uint64_t zero, TempoLane* current) {
+    constexpr auto release = std::memory_order_release;
+    const std::uint32_t version = published.version.load(std::memory_order_relaxed);
+    published.version.store(version + 1, std::memory_order_relaxed);
+    published.epoch.store(epoch, release);
+    published.clock.store(clock, release);
+    published.start.store(start, release);
+    published.source.store(source, release);
+    published.zero.store(zero, release);
+    published.current.store(current, release);
+    published.version.store(version + 2, release);
+}
+
+TempoSnapshot TempoMeeting::snapshot(const FrameReader& reader) const {
+    constexpr auto acquire = std::memory_order_acquire;
+    for (;;) {
+        const std::uint32_t before = published.version.load(acquire);
+        TempoSnapshot s{published.epoch.load(acquire),
+                        published.clock.load(acquire),
+                        published.start.load(acquire),
+                        published.source.load(acquire),
+                        published.zero.load(acquire),
+                        published.current.load(acquire),
+                        {}};
+        if (before % 2 != 0 || published.version.load(std::memory_order_relaxed) != before) continue;
+        s.range = reader.range();
+        return s;
+    }
+}
+
+}  // namespace zv::engine
