@@ -3,8 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cmath>
-#include <cstdint>
 #include <cstring>
 #include <iterator>
 
@@ -15,15 +13,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr double kPi = 3.14159265358979323846;
+constexpr float kSilence = 1e-4F;
 constexpr const char* kSettings =
     "[Settings]\r\nDevice=1\r\nDeviceAux=2\r\nPaletteIndex=Test\r\nConfirmExit=0\r\nLanguage="
-    "English\r\nSealed=0\r\n"
-    "CheckUpdate=0\r\n";
-
-void append(std::string& out, std::uint32_t value, int bytes) {
-    for (int i = 0; i < bytes; ++i) out += static_cast<char>(value >> (8 * i));
-}
+    "English\r\nSealed=0\r\nCheckUpdate=0\r\n";
 
 }  // namespace
 
@@ -46,39 +39,18 @@ Show::~Show() {
 }
 
 void Show::write(const std::string& name, const std::string& text) {
-    std::ofstream out(home() / name, std::ios::binary | std::ios::trunc);
-    out << text;
+    std::ofstream(home() / name, std::ios::binary | std::ios::trunc) << text;
 }
 
 void Show::tone(const std::string& name, double seconds, double hertz, double level) {
-    const auto frames = static_cast<std::uint32_t>(seconds * static_cast<double>(kRate));
-    std::string wav = "RIFF";
-    append(wav, 36 + frames * 4, 4);
-    wav += "WAVEfmt ";
-    append(wav, 16, 4);
-    append(wav, 1, 2);
-    append(wav, 2, 2);
-    append(wav, kRate, 4);
-    append(wav, kRate * 4, 4);
-    append(wav, 4, 2);
-    append(wav, 16, 2);
-    wav += "data";
-    append(wav, frames * 4, 4);
-    for (std::uint32_t i = 0; i < frames; ++i) {
-        // A cosine: it is loud from its first sample on.
-        const double x = level * std::cos(2 * kPi * hertz * i / static_cast<double>(kRate));
-        const auto sample = static_cast<std::uint32_t>(static_cast<std::int32_t>(std::lround(x * 32767)));
-        append(wav, sample, 2);
-        append(wav, sample, 2);
-    }
-    write("Audio_Sample/" + name, wav);
+    writeWav(sound(name), sine(framesOf(seconds * 1000), hertz, level));
 }
 
-void Show::convert(const std::string& from, const std::string& to, const std::string& options) {
-    const fs::path folder = home() / "Audio_Sample";
-    const std::string command = "ffmpeg -y -loglevel error -i \"" + (folder / from).string() + "\" " +
-                                options + " \"" + (folder / to).string() + "\" < /dev/null";
-    EXPECT_EQ(std::system(command.c_str()), 0) << command;
+void Show::palette(const std::vector<std::string>& sounds, const std::string& keys) {
+    std::string text = "[Test]\r\n";
+    for (std::size_t i = 0; i < sounds.size(); ++i)
+        text += "Path_" + std::to_string(i) + "=Audio_Sample\\" + sounds[i] + "\r\n";
+    write("palette.ini", text + keys);
 }
 
 int Show::perform(const std::string& script, const std::string& arguments) {
@@ -91,65 +63,63 @@ int Show::perform(const std::string& script, const std::string& arguments) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
+void Show::passes(const std::string& script, const std::string& arguments) {
+    EXPECT_EQ(perform(script, arguments), 0) << messages() << result("events.log");
+}
+
+std::string Show::contentsOf(const std::string& name) const { return contents(home() / name); }
+
 std::string Show::messages() const { return contents(folder_ / "messages"); }
 
 std::string Show::result(const std::string& file) const { return contents(out() / file); }
 
-Sound Show::heard(const std::string& file) const {
+Heard Show::heard(const std::string& file) const {
     // Read here and not by the program's decoders: what they get wrong must not cancel out.
     const std::string wav = result(file);
     const std::size_t data = wav.find("data");
-    Sound sound;
+    Heard sound;
     if (data == std::string::npos) {
         ADD_FAILURE() << file << " holds no sound";
         return sound;
     }
-    sound.samples.resize((wav.size() - data - 8) / sizeof(float));
-    std::memcpy(sound.samples.data(), wav.data() + data + 8, sound.samples.size() * sizeof(float));
+    sound.stereo.resize((wav.size() - data - 8) / sizeof(float));
+    std::memcpy(sound.stereo.data(), wav.data() + data + 8, sound.stereo.size() * sizeof(float));
     return sound;
 }
 
-Sound decoded(const fs::path& file) {
+Heard decoded(const fs::path& file) {
     int error = 0;
     const auto source = makeFileDecoders();
     auto decoder = source->openFile(file.string(), error);
     if (!decoder) decoder = source->openModule(file.string(), error);
-    Sound sound;
+    Heard sound;
     if (!decoder) {
         ADD_FAILURE() << file << " cannot be decoded";
         return sound;
     }
     EXPECT_EQ(decoder->format().channels, 2U);
     std::vector<float> block(8192);
-    while (const std::size_t frames = decoder->read(block)) {
-        sound.samples.insert(sound.samples.end(), block.begin(),
-                             block.begin() + static_cast<std::ptrdiff_t>(frames * 2));
-    }
+    while (const std::size_t frames = decoder->read(block))
+        sound.stereo.insert(sound.stereo.end(), block.begin(),
+                            block.begin() + static_cast<std::ptrdiff_t>(frames * 2));
     return sound;
 }
 
-std::size_t firstSound(const Sound& sound, std::size_t from, float threshold) {
-    for (std::size_t i = from; i < sound.frames(); ++i) {
-        if (std::abs(sound.left(i)) > threshold || std::abs(sound.right(i)) > threshold) return i;
-    }
-    return sound.frames();
+double soundsAt(const Heard& sound, double fromMs) {
+    return static_cast<double>(sound.firstSound(framesOf(fromMs), kSilence)) * 1000 / kRate;
 }
 
-float peak(const Sound& sound, std::size_t from, std::size_t to) {
-    float loudest = 0;
-    for (std::size_t i = from; i < std::min(to, sound.frames()); ++i) {
-        loudest = std::max({loudest, std::abs(sound.left(i)), std::abs(sound.right(i))});
-    }
-    return loudest;
+float peak(const Heard& sound, double fromMs, double toMs) {
+    return sound.loudest(framesOf(fromMs), framesOf(toMs));
 }
 
-std::size_t sameBits(const Sound& a, std::size_t from, const Sound& b, std::size_t offset,
+std::size_t sameBits(const Heard& a, std::size_t from, const Heard& b, std::size_t offset,
                      std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-        if (from + i >= a.frames() || offset + i >= b.frames()) return i;
-        if (a.left(from + i) != b.left(offset + i) || a.right(from + i) != b.right(offset + i)) return i;
-    }
-    return count;
+    const std::size_t most =
+        std::min({count, a.frames() - std::min(from, a.frames()), b.frames() - std::min(offset, b.frames())});
+    for (std::size_t i = 0; i < 2 * most; ++i)
+        if (a.stereo[2 * from + i] != b.stereo[2 * offset + i]) return i / 2;
+    return most;
 }
 
 }  // namespace zv::test

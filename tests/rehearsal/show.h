@@ -11,18 +11,10 @@
 #include <string>
 #include <vector>
 #include "tests/support/places.h"
+#include "tests/support/sound.h"
 
 namespace zv::test {
 
-/// Interleaved stereo at 44,100 Hz.
-struct Sound {
-    std::vector<float> samples;
-    std::size_t frames() const { return samples.size() / 2; }
-    float left(std::size_t frame) const { return samples[frame * 2]; }
-    float right(std::size_t frame) const { return samples[frame * 2 + 1]; }
-};
-
-inline constexpr std::size_t kRate = 44100;
 inline std::size_t framesOf(double ms) { return static_cast<std::size_t>(ms * kRate / 1000 + 0.5); }
 
 class Show {
@@ -35,17 +27,25 @@ class Show {
     void write(const std::string& name, const std::string& contents);
     /// A tone of `hertz` at `level` from its first frame to its last, 16 bit, in Audio_Sample.
     void tone(const std::string& name, double seconds, double hertz = 1000, double level = 0.5);
-    /// A file of Audio_Sample in another format, by the ffmpeg command.
-    void convert(const std::string& from, const std::string& to, const std::string& options = {});
+    /// A palette "Test" of sounds in Audio_Sample, on the buttons from 0 on; `keys` stand behind them.
+    void palette(const std::vector<std::string>& sounds, const std::string& keys = {});
+    /// Lines behind those of zv.ini.
+    void set(const std::string& lines) { write("zv.ini", contentsOf("zv.ini") + lines); }
     /// Performs the script; returns the exit status. `arguments` are added to the command.
     int perform(const std::string& script, const std::string& arguments = {});
+    /// Performs it and expects that all goes as the script expects.
+    void passes(const std::string& script, const std::string& arguments = {});
 
     std::filesystem::path home() const { return folder_ / "home"; }
     std::filesystem::path out() const { return folder_ / "out"; }
+    /// A sound's whole path.
+    std::string sound(const std::string& name) const { return (home() / "Audio_Sample" / name).string(); }
+    /// A file of the program folder.
+    std::string contentsOf(const std::string& name) const;
     /// What was told on standard error.
     std::string messages() const;
     std::string result(const std::string& file) const;
-    Sound heard(const std::string& file = "main.wav") const;
+    Heard heard(const std::string& file = "main.wav") const;
 
   private:
     std::filesystem::path folder_;
@@ -54,12 +54,12 @@ class Show {
 /// A whole file, empty when it cannot be read.
 std::string contents(const std::filesystem::path& file);
 /// A sound file decoded as the program does; modules too.
-Sound decoded(const std::filesystem::path& file);
-/// First frame from `from` on that is louder than `threshold`; the length when there is none.
-std::size_t firstSound(const Sound& sound, std::size_t from, float threshold = 1e-4F);
-/// Loudest sample in a stretch.
-float peak(const Sound& sound, std::size_t from, std::size_t to);
+Heard decoded(const std::filesystem::path& file);
+/// The ms of the first sound behind `fromMs`; the length when there is none.
+double soundsAt(const Heard& sound, double fromMs = 0);
+/// Loudest sample in a stretch of ms.
+float peak(const Heard& sound, double fromMs, double toMs);
 /// Frames from `from` on in which both sounds have the same bits, up to `count`.
-std::size_t sameBits(const Sound& a, std::size_t from, const Sound& b, std::size_t offset, std::size_t count);
+std::size_t sameBits(const Heard& a, std::size_t from, const Heard& b, std::size_t offset, std::size_t count);
 
 }  // namespace zv::test

@@ -32,16 +32,16 @@ std::map<std::string, std::string> filesOf(const fs::path& folder) {
 }
 
 void expectSound(const Show& show) {
-    const Sound main = show.heard();
-    EXPECT_EQ(peak(main, 0, framesOf(90)), 0);
-    EXPECT_GT(peak(main, framesOf(150), framesOf(350)), 0.1F);
+    const Heard main = show.heard();
+    EXPECT_EQ(peak(main, 0, 90), 0);
+    EXPECT_GT(peak(main, 150, 350), 0.1F);
 }
 
 TEST(Start, ASecondProgramOnTheFolderAsksAndIsRefusedOrAllowed) {
     Show show;
     show.tone("tone.wav", 1);
-    show.write("palette.ini", kPalette);
-    ASSERT_EQ(show.perform(kPressSounds), 0) << show.messages() << show.result("events.log");
+    show.palette({"tone.wav"});
+    show.passes(kPressSounds);
     const auto before = filesOf(show.home());
     ASSERT_TRUE(before.contains(".zentrova.lock"));
 
@@ -54,10 +54,10 @@ TEST(Start, ASecondProgramOnTheFolderAsksAndIsRefusedOrAllowed) {
         << show.result("events.log");
     EXPECT_EQ(filesOf(show.home()), before) << "the refused program has written";
 
-    EXPECT_EQ(show.perform(kPressSounds, "--answer yes"), 0) << show.messages() << show.result("events.log");
+    show.passes(kPressSounds, "--answer yes");
     expectSound(show);
     ::close(lock);
-    EXPECT_EQ(show.perform(kPressSounds), 0) << "whoever held the lock is gone";
+    show.passes(kPressSounds);  // whoever held the lock is gone
     EXPECT_EQ(show.result("events.log").find("already running"), std::string::npos);
 }
 
@@ -81,27 +81,32 @@ TEST(Start, WithNonsenseInEveryKeyTheWindowWorks) {
         SCOPED_TRACE(kind.value);
         Show show;
         show.tone("tone.wav", 1);
-        show.write("palette.ini", kPalette);
+        show.palette({"tone.wav"});
         std::string text = "[Settings]\r\n";
         for (const char* key : kSettingKeys) text += std::string(key) + "=" + kind.value + "\r\n";
         show.write("zv.ini", text);
-        EXPECT_EQ(show.perform("at 0 answer cancel\n"
-                               "at 0 expect PaletteIndex Test\n"
-                               "at 0 expect b_Jingle(0).visible 1\n"
-                               "at 100 down 0\n"
-                               "at 300 expect J(0).State 1\n"
-                               "at 300 expect BASS_ChannelIsActive(0) 1\n"
-                               "at 400 up 0\n"
-                               "at 3000 shot window.png\n"
-                               "at 3000 end\n"),
-                  0)
-            << show.messages() << show.result("events.log");
+        show.passes(
+            "at 0 answer cancel\nat 0 expect PaletteIndex Test\nat 0 expect b_Jingle(0).visible 1\n"
+            "at 100 down 0\nat 300 expect J(0).State 1\nat 300 expect BASS_ChannelIsActive(0) 1\n"
+            "at 400 up 0\nat 3000 shot window.png\nat 3000 end\n");
         EXPECT_GT(fs::file_size(show.out() / "window.png"), 5000U);
-        const Sound main = show.heard(), aux = show.heard("aux.wav");
-        EXPECT_EQ(std::max(peak(main, framesOf(150), framesOf(350)),
-                           peak(aux, framesOf(150), framesOf(350))) > 0.1F,
-                  kind.audible);
-        EXPECT_EQ(contents(show.home() / "palette.ini"), kPalette);
+        const Heard main = show.heard(), aux = show.heard("aux.wav");
+        EXPECT_EQ(std::max(peak(main, 150, 350), peak(aux, 150, 350)) > 0.1F, kind.audible);
+        EXPECT_EQ(show.contentsOf("palette.ini"), kPalette);
+    }
+}
+
+TEST(Start, APaletteFileOfRandomBytesOpensAsAnEmptyListAndIsLeftAlone) {
+    for (const unsigned seed : {1U, 2U, 3U}) {
+        Show show;
+        std::mt19937 chance(seed);
+        std::string bytes(20000, '\0');
+        for (char& c : bytes) c = static_cast<char>(chance());
+        show.write("palette.ini", bytes);
+        show.passes(
+            "at 0 expect lstPal.items \"\"\nat 0 press 0\nat 100 press 5\nat 200 expect J(0).Path \"\"\n"
+            "at 300 end\n");
+        EXPECT_EQ(show.contentsOf("palette.ini"), bytes) << seed;
     }
 }
 
@@ -134,14 +139,12 @@ TEST(Start, AFolderThatCannotBeWrittenIsToldAndPlays) {
         SCOPED_TRACE(startedBefore ? "with all its files" : "with the user's files only");
         Show show;
         show.tone("tone.wav", 1);
-        show.write("palette.ini", kPalette);
-        if (startedBefore) {
-            ASSERT_EQ(show.perform(kPressSounds), 0) << show.messages();
-        }
+        show.palette({"tone.wav"});
+        if (startedBefore) show.passes(kPressSounds);
         const auto before = filesOf(show.home());
         const ReadOnly folder(show.home());
         if (!folder.sealed()) GTEST_SKIP() << "a folder cannot be made read-only here";
-        EXPECT_EQ(show.perform(kPressSounds), 0) << show.messages() << show.result("events.log");
+        show.passes(kPressSounds);
         const std::string events = show.result("events.log");
         const std::size_t box = events.find("Nothing will be saved");
         ASSERT_NE(box, std::string::npos) << events;

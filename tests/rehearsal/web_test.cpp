@@ -83,7 +83,7 @@ TEST(RehearsedWeb, AnswersRequestsAsTheLongestRuleSays) {
 TEST(RehearsedWeb, StreamsEndOrLiveOnAndTellWhyTheyDoNotOpen) {
     Show show;
     show.tone("tone.wav", 0.5);
-    const std::string tone = (show.home() / "Audio_Sample/tone.wav").string();
+    const std::string tone = show.sound("tone.wav");
     RehearsedWeb& web = RehearsedWeb::instance();
     web.answer("http://s/", {Kind::file, tone, 200, "audio/wav"});
     web.answer("http://s/live", {Kind::file, tone, 200, "audio/wav;live"});

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/studio.h"
+#include "tests/support/sound.h"
 
 namespace zv::test {
 
