@@ -68,18 +68,23 @@ class MadeDecoder final : public Decoder {
 class MadeSource final : public DecoderSource {
   public:
     std::map<std::string, Made> sounds;
+    std::uint32_t timeoutMs = 0;  ///< of the stream opened last
     std::unique_ptr<Decoder> openFile(const std::string& path, int& error) override {
         return open(path, error);
     }
     std::unique_ptr<Decoder> openModule(const std::string& path, int& error) override {
         return open(path, error);
     }
-    std::unique_ptr<Decoder> openUrl(const std::string& url, std::uint32_t, int& error) override {
+    std::unique_ptr<Decoder> openUrl(const std::string& url, std::uint32_t ms, int& error) override {
+        timeoutMs = ms;
         return open(url, error);
     }
 
   private:
     std::unique_ptr<Decoder> open(const std::string& path, int& error) {
+        if (path == "no reason") return nullptr;
+        if (path == "no memory") throw std::bad_alloc();
+        if (path == "trouble") throw 1;
         const auto at = sounds.find(path);
         if (at == sounds.end()) {
             error = BASS_ERROR_FILEOPEN;
