@@ -48,7 +48,9 @@ void hideWindow(Control& window) { window.visible = false; }
 void lockUpdates() {}
 void unlockUpdates() {}
 void processEvents() {}
-void waitUntil(const std::function<bool()>&) {}
+void waitUntil(const std::function<bool()>&) {
+    if (desktop().whileWaiting) desktop().whileWaiting();
+}
 int runEventLoop() { return 0; }
 void quit(int) { desktop().quitAsked = true; }
 void setFocus(Control& control) { desktop().focus = &control; }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -30,6 +31,7 @@ struct Desktop {
     std::vector<Monitor> screens{{0, 0, 1280, 800}};
     int leastWidth = 0, leastHeight = 0;  ///< the smallest size that a window was given last, pixels
     bool quitAsked = false;
+    std::function<void()> whileWaiting;  ///< runs once while a question waits for its answer
 };
 
 /// The one desktop; a test begins with `desktop() = {}`.

@@ -4,6 +4,29 @@
 
 namespace zv::test {
 
+Fields fieldsOf(const PersistedJingle& j) {
+    Fields fields{{"Path", j.Path}, {"FXV", j.FXV}, {"Playlist", j.Playlist}};
+    if (j.BTNCol != kFaceColourText) fields["BTNCol"] = j.BTNCol;
+    if (j.Volm != 100) fields["Volm"] = std::to_string(j.Volm);
+    const std::pair<const char*, double> numbers[] = {{"AutoDuck", j.AutoDuck},
+                                                      {"NoAutomix", j.NoAutomix},
+                                                      {"NoTrigDuck", j.NoTrigDuck},
+                                                      {"Loop", j.Loop},
+                                                      {"Seq", j.Seq},
+                                                      {"LoopIn", j.LoopIn},
+                                                      {"LoopOut", j.LoopOut},
+                                                      {"FadeOut", j.FadeOut},
+                                                      {"LogFadeOut", j.LogFadeOut},
+                                                      {"LoopFadeOut", j.LoopFadeOut},
+                                                      {"CueStart", j.CueStart},
+                                                      {"StopPos", j.StopPos},
+                                                      {"PlayMod", static_cast<int>(j.PlayMod)}};
+    for (const auto& [key, value] : numbers)
+        if (value != 0) fields[key] = std::to_string(static_cast<std::int64_t>(value));
+    std::erase_if(fields, [](const auto& field) { return field.second.empty(); });
+    return fields;
+}
+
 KeepingTest::KeepingTest() {
     std::string text;
     for (const std::string palette : {"A", "B", "C"}) {

@@ -25,6 +25,10 @@
 
 namespace zv::test {
 
+/// What a palette file may hold of a jingle, keys with values; those at their defaults are left out.
+using Fields = std::map<std::string, std::string>;
+Fields fieldsOf(const PersistedJingle& jingle);
+
 class KeepingTest : public WindowTest {
   protected:
     KeepingTest();

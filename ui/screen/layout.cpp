@@ -211,7 +211,7 @@ void DrawJButtons(int load) {
                 JExists[static_cast<std::size_t>(i)] = 1;
                 ShowButton(i, i < kPaletteSlots || i < kPaletteSlots + gridSettings.JinglesCols ||
                                   gridSettings.HotJinglesRows > 1);
-                if (Jingle(i).Path.empty()) {
+                if (Jingle(i).Path.empty() && Jingle(i).Kind != SlotKind::playlist) {
                     b.b_Jingle.caption = std::string();
                     b.b_Jingle.toolTip = std::string();
                 }
