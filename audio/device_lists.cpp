@@ -1,4 +1,4 @@
-// The lists of outputs and inputs, and which of them the saved settings mean.
+// Of audio/devices.h: the lists of outputs and inputs, and which of them the saved settings mean.
 #include <algorithm>
 #include <string>
 #include <vector>

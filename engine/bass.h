@@ -233,7 +233,7 @@ bool BASS_RecordFree();
 // Without BASS_STREAM_DECODE the channel plays on the thread's device and starts stopped (error INIT without
 // one). A decoding channel counts as playing until it is stopped.
 
-/// Opens a sound file. `path` is UTF-8; `memory`, `offset` and `length` must be false and 0. Its first 150 ms
+/// Opens a sound file. `path` is UTF-8; `memory`, `offset` and `length` must be false and 0. Its first 0.4 s
 /// are decoded before it returns; up to 10 s of sound go into memory as a whole, in the background. Errors:
 /// FILEOPEN, FILEFORM, CODEC, NOTAUDIO, FORMAT, MEM, ILLPARAM, NOTAVAIL, INIT. Takes some milliseconds,
 /// without the engine's lock. [control]

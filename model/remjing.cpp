@@ -1,4 +1,4 @@
-// A palette that is not open loses one slot: its section goes through a second array of records.
+// Of model/palette_files.h: a palette that is not open loses one slot. Its section goes through a second array of records.
 
 #include <array>
 #include <string>

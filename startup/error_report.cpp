@@ -1,4 +1,4 @@
-// The report of an unexpected error: what is told, where it is kept, and the fuse that stops a loop of them.
+// Of startup/errors.h: the report of an unexpected error, where it is kept, and the fuse that stops a loop of them.
 #include <filesystem>
 #include <new>
 

@@ -1,4 +1,4 @@
-// Helpers that ask something of the desktop or touch a control.
+// Of startup/helpers.h: what asks something of the desktop or touches a control.
 #include <algorithm>
 
 #include "platform/controls.h"

@@ -1,4 +1,4 @@
-// Paths and files of both kinds.
+// Of startup/helpers.h: paths and files of both kinds.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>

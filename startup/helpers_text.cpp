@@ -1,4 +1,4 @@
-// Texts, numbers and colours.
+// Of startup/helpers.h: texts, numbers and colours.
 #include <algorithm>
 #include <array>
 #include <charconv>

@@ -1,4 +1,4 @@
-// The keys of language.ini that belong to a control, in the order in which they are applied.
+// Of startup/language.h: the keys of language.ini that belong to a control, in the order in which they are applied.
 #include <array>
 
 #include "startup/language.h"

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Holds the house to its plan: arrows point down only, nothing stands in a circle, foreign headers stay at the border."""
+"""Holds the house to its plan: arrows point down only, nothing stands in a circle, foreign headers stay at the border, each
+source has a header."""
 import pathlib
 import re
 import subprocess
@@ -95,6 +96,20 @@ def arrow_fault(name, header):
     return None
 
 
+def header_fault(root, name, known):
+    """What is wrong with a source that has no header; None when nothing is."""
+    room, path = name.split("/")[0], pathlib.PurePosixPath(name)
+    in_library = room == "platform" and not name.startswith("platform/common/")
+    if path.suffix != ".cpp" or room in FREE or in_library:
+        return None
+    if {str(path.with_suffix(".h")), f"platform/{path.stem}.h"} & known:
+        return None
+    first = (root / name).read_text(encoding="utf-8").split("\n", 1)[0]
+    if first.startswith("//") and known.intersection(re.findall(r"[\w/]+\.h", first)):
+        return None
+    return "has no header of its own name; its first comment must name the one that declares what it defines"
+
+
 def circles(arrows):
     """The groups of nodes that reach each other (Tarjan)."""
     order, low, stack, found = {}, {}, [], []
@@ -141,6 +156,9 @@ def check(root, files):
                 for view, key in views.items():
                     if key(name) != key(header):
                         arrows[view].setdefault(key(name), set()).add(key(header))
+        fault = header_fault(root, name, known)
+        if fault:
+            faults.append(f"{name}: {fault}")
         lines = (root / name).read_text(encoding="utf-8").count("\n")
         if lines > LONGEST:
             faults.append(f"{name}: {lines} lines; {LONGEST} at most")

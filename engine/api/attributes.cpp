@@ -1,7 +1,8 @@
-// Attributes and slides.
+// Of engine/bass.h, from "channels": attributes and their slides.
 #include <cmath>
 
-#include "engine/api/channel_ops.h"
+#include "engine/api/gains.h"
+#include "engine/api/playing.h"
 
 using namespace zv::engine;
 
@@ -32,12 +33,7 @@ bool slideTempo(Engine& engine, Channel& channel, DWORD attribute, float value, 
     if (!channel.tempo) return succeed(true);  // a live source sounds as it comes
     channel.tempo->slide(tempoPart(attribute), to, (std::uint64_t{ms} * channel.rate + 500) / 1000,
                          logarithmic);
-    if (ms > 0) {
-        Command command;
-        command.kind = CommandKind::TempoSlides;
-        command.channel = &channel;
-        engine.send(command);
-    }
+    if (ms > 0) engine.send({.kind = CommandKind::TempoSlides, .channel = &channel});
     Channel& root = channel.root();
     if (!root.sound->sounding()) primeTempo(engine, channel, positionOf(channel));
     engine.workers.wake();
@@ -66,16 +62,11 @@ bool setPlain(Engine& engine, Channel& channel, DWORD attribute, float value) {
             if (value < 0 || value > kMostBuffer) return fail(BASS_ERROR_ILLPARAM, false);
             channel.control.buffer = value;
             return succeed(true);
-        case BASS_ATTRIB_TAIL: {
+        case BASS_ATTRIB_TAIL:
             if (value < 0 || value > kMostTail) return fail(BASS_ERROR_ILLPARAM, false);
             channel.control.tail = value;
-            Command command;
-            command.kind = CommandKind::Tail;
-            command.channel = &channel;
-            command.value = value;
-            engine.send(command);
+            engine.send({.kind = CommandKind::Tail, .value = value, .channel = &channel});
             return succeed(true);
-        }
         case BASS_ATTRIB_VOLDSP_PRIORITY:
             if (std::abs(value) > kMostPriority) return fail(BASS_ERROR_ILLPARAM, false);
             if (channel.control.voldspPriority == static_cast<int>(value)) return succeed(true);

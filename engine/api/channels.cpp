@@ -1,9 +1,9 @@
-// Playing, states, positions, flags.
+// Of engine/bass.h, from "channels": states, playing, positions, flags, tags.
 #include <algorithm>
 #include <cmath>
 #include <string>
 
-#include "engine/api/channel_ops.h"
+#include "engine/api/playing.h"
 
 using namespace zv::engine;
 

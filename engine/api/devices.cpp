@@ -1,7 +1,7 @@
-// Output and input devices.
+// Of engine/bass.h: "output devices" and "inputs".
 #include <string>
 
-#include "engine/api/channel_ops.h"
+#include "engine/api/new_channel.h"
 
 using namespace zv::engine;
 

@@ -1,21 +1,13 @@
-// Effects: added, set while they sound, emptied.
+// Of engine/bass.h: "effects", without tempo channels.
 #include <cmath>
 
-#include "engine/api/channel_ops.h"
+#include "engine/api/gains.h"
 
 using namespace zv::engine;
 
 namespace {
 
 constexpr std::size_t kMostEffects = 32;
-
-Command commandFor(CommandKind kind, Channel& channel, Effect* effect) {
-    Command command;
-    command.kind = kind;
-    command.channel = &channel;
-    command.effect = effect;
-    return command;
-}
 
 bool setEq(Engine& engine, Channel& channel, Effect& effect, const BASS_BFX_PEAKEQ& p) {
     if (p.lBand < 0 || static_cast<std::size_t>(p.lBand) >= kMostBands)
@@ -26,13 +18,14 @@ bool setEq(Engine& engine, Channel& channel, Effect& effect, const BASS_BFX_PEAK
     while (effect.bands.size() <= band)
         effect.bands.push_back({static_cast<int>(effect.bands.size()), 1, 0, 1000, 0, BASS_BFX_CHANALL});
     effect.bands[band] = p;
-    Command command = commandFor(CommandKind::EqBand, channel, &effect);
-    command.a = band;
-    command.value = p.fGain;
-    command.x = p.fCenter;
-    command.y = p.fBandwidth;
-    command.z = p.fQ;
-    engine.send(command);
+    engine.send({.kind = CommandKind::EqBand,
+                 .value = p.fGain,
+                 .channel = &channel,
+                 .effect = &effect,
+                 .a = band,
+                 .x = p.fCenter,
+                 .y = p.fBandwidth,
+                 .z = p.fQ});
     return succeed(true);
 }
 
@@ -40,21 +33,20 @@ bool setReverb(Engine& engine, Channel& channel, Effect& effect, const BASS_DX8_
     for (const float value : {p.fInGain, p.fReverbMix, p.fReverbTime, p.fHighFreqRTRatio})
         if (!std::isfinite(value)) return fail(BASS_ERROR_ILLPARAM, false);
     effect.reverb = p;
-    Command command = commandFor(CommandKind::Reverb, channel, &effect);
-    command.value = p.fInGain;
-    command.x = p.fReverbMix;
-    command.y = p.fReverbTime;
-    command.z = p.fHighFreqRTRatio;
-    engine.send(command);
+    engine.send({.kind = CommandKind::Reverb,
+                 .value = p.fInGain,
+                 .channel = &channel,
+                 .effect = &effect,
+                 .x = p.fReverbMix,
+                 .y = p.fReverbTime,
+                 .z = p.fHighFreqRTRatio});
     return succeed(true);
 }
 
 bool setVolume(Engine& engine, Channel& channel, Effect& effect, const BASS_BFX_VOLUME& p) {
     if (!(p.fVolume >= 0 && p.fVolume <= kMostGain)) return fail(BASS_ERROR_ILLPARAM, false);
     effect.volume = p;
-    Command command = commandFor(CommandKind::FxGain, channel, &effect);
-    command.value = p.fVolume;
-    engine.send(command);
+    engine.send({.kind = CommandKind::FxGain, .value = p.fVolume, .channel = &channel, .effect = &effect});
     return succeed(true);
 }
 
@@ -145,13 +137,13 @@ bool BASS_FXReset(DWORD handle) {
         const bool passed =
             dirty.load(std::memory_order_relaxed) && dirty.exchange(false, std::memory_order_relaxed);
         // Nothing went through since the last time: nothing to empty.
-        if (passed || e.active(channel)) e.send(commandFor(CommandKind::ResetFx, channel, nullptr));
+        if (passed || e.active(channel)) e.send({.kind = CommandKind::ResetFx, .channel = &channel});
         return succeed(true);
     }
     const auto at = e.effects.find(handle);
     if (at == e.effects.end()) return fail(BASS_ERROR_HANDLE, false);
     if (const auto channel = e.find(at->second->channel))
-        e.send(commandFor(CommandKind::ResetFx, *channel, at->second.get()));
+        e.send({.kind = CommandKind::ResetFx, .channel = channel.get(), .effect = at->second.get()});
     return succeed(true);
 }
 

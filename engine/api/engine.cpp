@@ -115,24 +115,17 @@ bool Engine::active(Channel& channel) const {
 }
 
 void Engine::rebuildChain(Channel& channel) {
-    Command command;
-    command.kind = CommandKind::SetChain;
-    command.channel = &channel;
-    command.object = Chain::build(channel.control.effects, channel.control.voldspPriority).release();
-    send(command);
+    send({.kind = CommandKind::SetChain,
+          .channel = &channel,
+          .object = Chain::build(channel.control.effects, channel.control.voldspPriority).release()});
 }
 
 bool Engine::removeSync(HSYNC sync, std::unique_lock<std::mutex>& lock) {
     const auto at = syncs.find(sync);
     const bool known = at != syncs.end();
     if (known) {
-        if (const auto channel = find(at->second.channel)) {
-            Command command;
-            command.kind = CommandKind::RemoveSync;
-            command.channel = channel.get();
-            command.a = sync;
-            send(command);
-        }
+        if (const auto channel = find(at->second.channel))
+            send({.kind = CommandKind::RemoveSync, .channel = channel.get(), .a = sync});
         syncs.erase(at);
     }
     if (lock.owns_lock() && !dispatcher.isThisThread())
@@ -147,25 +140,17 @@ void Engine::freeChannel(const std::shared_ptr<Channel>& held, std::unique_lock<
     channels.erase(channel->handle);
     std::erase_if(syncs, [&](const auto& entry) { return entry.second.channel == channel->handle; });
     for (const auto& effect : channel->control.effects) effects.erase(effect->handle);
-    const auto commandFor = [&](CommandKind kind, Channel* whose) {
-        Command command;
-        command.kind = kind;
-        command.channel = whose;
-        return command;
-    };
     for (const auto& [handle, other] : channels) {
         if (other->control.mixer == channel->handle) {
             other->control.mixer = 0;
-            send(commandFor(CommandKind::Unplug, other.get()));
+            send({.kind = CommandKind::Unplug, .channel = other.get()});
         }
         if (other->source == channel || (other->hub && other->hub->source == channel))
-            send(commandFor(CommandKind::Orphan, other.get()));
+            send({.kind = CommandKind::Orphan, .channel = other.get()});
     }
     if (const auto record = std::dynamic_pointer_cast<RecordInput>(channel->live))
         for (auto& slot : inputs) slot->remove(record.get());
-    Command command = commandFor(CommandKind::Free, channel.get());
-    command.object = new ChannelKeeper(channel);
-    send(command);
+    send({.kind = CommandKind::Free, .channel = channel.get(), .object = new ChannelKeeper(channel)});
     if (channel->freeSource && channel->source) freeChannel(channel->source, lock);
     rankOutputs();
     if (lock.owns_lock() && !dispatcher.isThisThread())

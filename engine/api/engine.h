@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "engine/api/errors.h"
-#include "engine/api/sync.h"
+#include "engine/api/sync_dispatcher.h"
 #include "engine/api/workers.h"
 #include "engine/devices/device.h"
 #include "engine/graph/channel.h"

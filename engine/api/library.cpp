@@ -1,4 +1,4 @@
-// The library itself: version, errors, configuration, the table for the program.
+// Of engine/bass.h: "the library"; and the table of engine/ports.h for the program.
 #include <algorithm>
 
 #include "engine/api/engine.h"
@@ -61,14 +61,12 @@ bool slideAtSync(DWORD handle, HSYNC sync, float value, DWORD ms, bool logarithm
     const auto channel = call.engine.find(handle);
     const auto at = call.engine.syncs.find(sync);
     if (!channel || at == call.engine.syncs.end() || at->second.channel != handle) return false;
-    Command command;
-    command.kind = CommandKind::SlideAtSync;
-    command.channel = channel.get();
-    command.a = sync;
-    command.value = std::max(value, 0.0F);
-    command.ms = ms;
-    command.flags = (logarithmic ? kSlideLog : 0) | (value < 0 ? kSlideStops : 0);
-    call.engine.send(command);
+    call.engine.send({.kind = CommandKind::SlideAtSync,
+                      .flags = (logarithmic ? kSlideLog : 0) | (value < 0 ? kSlideStops : 0),
+                      .value = std::max(value, 0.0F),
+                      .ms = ms,
+                      .channel = channel.get(),
+                      .a = sync});
     return true;
 }
 

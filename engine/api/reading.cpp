@@ -1,8 +1,8 @@
-// Reading a channel by hand.
+// Of engine/bass.h, from "channels": data read by hand.
 #include <algorithm>
 #include <optional>
 
-#include "engine/api/channel_ops.h"
+#include "engine/api/playing.h"
 #include "engine/dsp/mix.h"
 #include "engine/tempo/lane.h"
 

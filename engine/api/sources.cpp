@@ -1,7 +1,8 @@
-// Files, tracker modules, web streams, tempo channels, mixers, splits.
+// Of engine/bass.h: "sources", "mixers and splits", and tempo channels from "effects".
 #include <string>
 
-#include "engine/api/channel_ops.h"
+#include "engine/api/new_channel.h"
+#include "engine/api/playing.h"
 
 using namespace zv::engine;
 
@@ -136,11 +137,7 @@ HSTREAM BASS_FX_TempoCreate(DWORD source, DWORD flags) {
             e.workers.add(channel->tempo, of->sound);
         }
         const DWORD handle = publishChannel(e, channel);
-        Command command;
-        command.kind = CommandKind::User;
-        command.channel = of.get();
-        command.other = channel.get();
-        e.send(command);
+        e.send({.kind = CommandKind::User, .channel = of.get(), .other = channel.get()});
         return handle;
     } catch (...) {
         return fail<HSTREAM>(BASS_ERROR_MEM, 0);
@@ -165,17 +162,15 @@ bool BASS_Mixer_StreamAddChannel(HSTREAM mixer, DWORD handle, DWORD) {
     if (channel->control.mixer != 0) return fail(BASS_ERROR_ALREADY, false);
     if (dependsOn(e, *channel, *into)) return fail(BASS_ERROR_ILLPARAM, false);
     settleRead(e, *channel);
-    Command command;
-    command.kind = CommandKind::AddToMixer;
-    command.channel = channel.get();
-    command.other = into.get();
     auto* plug = new Plug(channel->rate, into->rate);
     channel->control.meter = plug->meter;
-    command.object = plug;
-    command.flags = e.active(*channel) ? kBegins : 0;
-    command.b = channel->control.generation;
     channel->control.mixer = mixer;
-    e.send(command);
+    e.send({.kind = CommandKind::AddToMixer,
+            .flags = e.active(*channel) ? kBegins : 0,
+            .channel = channel.get(),
+            .other = into.get(),
+            .object = plug,
+            .b = channel->control.generation});
     e.workers.wake();
     return succeed(true);
 }
@@ -186,10 +181,7 @@ bool BASS_Mixer_ChannelRemove(DWORD handle) {
     if (!channel) return fail(BASS_ERROR_HANDLE, false);
     if (channel->control.mixer == 0) return fail(BASS_ERROR_NOTAVAIL, false);
     channel->control.mixer = 0;
-    Command command;
-    command.kind = CommandKind::Unplug;
-    command.channel = channel.get();
-    call.engine.send(command);
+    call.engine.send({.kind = CommandKind::Unplug, .channel = channel.get()});
     return succeed(true);
 }
 

@@ -19,7 +19,7 @@ enum class CommandKind : std::uint8_t {
     TempoSlides,  ///< its tempo processor has a slide to go
     Tail,         ///< value: seconds
     SetChain,     ///< object: Chain
-    AddToMixer,   ///< other: mixer, object: Plug, a: generation, kBegins: it sounds
+    AddToMixer,   ///< other: mixer, object: Plug, b: generation, kBegins: it sounds
     Unplug,       ///< out of its mixer
     ToDevice,     ///< a: device, object: Plug
     Free,         ///< object: ChannelKeeper
@@ -42,10 +42,8 @@ struct Command {
     float value = 0;
     std::uint32_t ms = 0;
     Channel* channel = nullptr;
-    union {
-        Channel* other = nullptr;
-        Effect* effect;
-    };
+    Channel* other = nullptr;
+    Effect* effect = nullptr;
     Garbage* object = nullptr;
     std::uint64_t a = 0, b = 0;
     double x = 0, y = 0, z = 0;

@@ -16,21 +16,41 @@ namespace {
 const std::string bin = zv::test::binDir();
 const std::string kPoorLibrary = bin + ZV_POOR_LIBRARY;
 
-std::set<std::string> operationsIn(const std::string& file, const std::string& pattern) {
+/// What `pattern` finds in a file of the sources, each find as the pieces that it names.
+std::set<std::vector<std::string>> found(const std::string& file, const std::string& pattern) {
     std::ifstream in(zv::test::sourceDir() + file);
     const std::string text{std::istreambuf_iterator<char>(in), {}};
-    std::set<std::string> names;
+    std::set<std::vector<std::string>> all;
     const std::regex wanted(pattern);
     for (auto match = std::sregex_iterator(text.begin(), text.end(), wanted); match != std::sregex_iterator();
          ++match)
-        names.insert((*match)[1]);
-    return names;
+        all.emplace(std::next(match->begin()), match->end());
+    return all;
 }
 
-TEST(AudioLibrary, TableNamesEveryOperationOfTheHeader) {
-    const auto declared = operationsIn("/engine/bass.h", R"(\n(?:const )?\w+\*? (BASS_\w+)\()");
+/// "bool memory, const void* path" and "memory, path" alike: the last words.
+std::string names(const std::string& list) {
+    static const std::regex type(R"([^,]*[ *](\w+))");
+    return std::regex_replace(list, type, "$1,");
+}
+
+TEST(AudioLibrary, ForwardsEveryOperationOfTheHeaderToItself) {
+    const auto declared = found("/engine/bass.h", R"(\n(?:const )?\w+\*? (BASS_\w+)\()");
     EXPECT_GT(declared.size(), 45U);
-    EXPECT_EQ(declared, operationsIn("/engine/import/import.cpp", R"re("(BASS_\w+)")re"));
+    std::set<std::vector<std::string>> bound, forwarded;
+    for (const auto& row : found("/engine/import/library.cpp", R"re(symbol<(BASS_\w+)>\("(BASS_\w+)"\))re")) {
+        EXPECT_EQ(row[0], row[1]);
+        bound.insert({row[1]});
+    }
+    for (const auto& row :
+         found("/engine/import/library.cpp",
+               R"((BASS_\w+)\(([^()]*)\) \{\s*return forward<(BASS_\w+)>\([^,)]*(?:, )?([^()]*)\))")) {
+        EXPECT_EQ(row[0], row[2]);
+        EXPECT_EQ(names(row[1]), row[3].empty() ? "" : names(" " + row[3])) << row[0];
+        forwarded.insert({row[0]});
+    }
+    EXPECT_EQ(declared, bound);
+    EXPECT_EQ(declared, forwarded);
 }
 
 TEST(AudioLibrary, FailsSoftlyUntilItIsLoaded) {

@@ -1,4 +1,4 @@
-#include "engine/api/sync.h"
+#include "engine/api/sync_dispatcher.h"
 
 #include <chrono>
 #include <utility>

@@ -1,4 +1,4 @@
-// Looking at the sound: levels, syncs.
+// Of engine/bass.h: levels, from "channels" and from "mixers and splits".
 #include <algorithm>
 #include <cmath>
 
@@ -76,42 +76,6 @@ bool BASS_Mixer_ChannelGetLevelEx(DWORD handle, float* levels, float seconds, DW
     const auto channel = call.engine.find(handle);
     if (!channel || channel->control.mixer == 0) return fail(BASS_ERROR_HANDLE, false);
     return level(call.engine, *channel, levels, seconds, flags);
-}
-
-HSYNC BASS_ChannelSetSync(DWORD handle, DWORD type, QWORD position, SYNCPROC* procedure, void* user) {
-    const Call call;
-    Engine& e = call.engine;
-    const auto channel = e.find(handle);
-    if (!channel) return fail<HSYNC>(BASS_ERROR_HANDLE, 0);
-    if (!procedure) return fail<HSYNC>(BASS_ERROR_ILLPARAM, 0);
-    if ((type & ~BASS_SYNC_ONETIME) != BASS_SYNC_POS) return fail<HSYNC>(BASS_ERROR_ILLTYPE, 0);
-    try {
-        const HSYNC sync = e.newHandle();
-        e.syncs[sync] = {handle, procedure, user, (type & BASS_SYNC_ONETIME) != 0};
-        auto node = std::make_unique<SyncNode>();
-        node->handle = sync;
-        node->frame = position / channel->root().frameBytes();
-        node->once = (type & BASS_SYNC_ONETIME) != 0;
-        Command command;
-        command.kind = CommandKind::AddSync;
-        command.channel = channel.get();
-        command.object = node.release();
-        e.send(command);
-        e.dispatcher.watch();
-        return succeed(sync);
-    } catch (...) {
-        return fail<HSYNC>(BASS_ERROR_MEM, 0);
-    }
-}
-
-bool BASS_ChannelRemoveSync(DWORD handle, HSYNC sync) {
-    Call call;
-    Engine& e = call.engine;
-    if (!e.find(handle)) return fail(BASS_ERROR_HANDLE, false);
-    const auto at = e.syncs.find(sync);
-    if (at == e.syncs.end() || at->second.channel != handle) return fail(BASS_ERROR_HANDLE, false);
-    e.removeSync(sync, call.lock);
-    return succeed(true);
 }
 
 }  // extern "C"
