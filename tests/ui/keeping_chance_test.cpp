@@ -8,14 +8,22 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <optional>
 #include <sstream>
 #include <thread>
 
+#include "startup/settings/automix_settings.h"
 #include "startup/settings/grid_settings.h"
 #include "startup/settings/palette_settings.h"
-#include "tests/ui/keeping_fixture.h"
+#include "startup/settings/search_settings.h"
+#include "tests/ui/belief.h"
+#include "ui/edit/assign.h"
+#include "ui/edit/colour_picker.h"
+#include "ui/edit/jingle_editor.h"
 #include "ui/edit/leave_palette.h"
+#include "ui/edit/search.h"
+#include "ui/edit/undo.h"
+#include "ui/windows/jingle_window.h"
+#include "ui/windows/search_window.h"
 
 namespace zv::test {
 
@@ -23,78 +31,6 @@ namespace {
 
 constexpr int kSteps = 40;
 constexpr int kSlots[] = {0, 1, 2, 7, 40, 96, 97};  ///< 40 stands below the first grid
-
-struct Jing {
-    std::string file;
-    int volume = 100;
-    bool operator==(const Jing&) const = default;
-};
-using Slots = std::map<int, Jing>;
-
-/// What the presenter believes.
-struct Belief {
-    std::map<std::string, Slots> saved;  ///< by lower-case name
-    Slots savedHot, work;                ///< `work` has the hot jingles too
-    std::string held;
-    bool edited = false, autoSave = false, belowGrid = false;  ///< slot 40 has a button
-    struct Cut {
-        bool cut;
-        std::string from;
-        int slot;
-        Jing jing;
-    };
-    std::optional<Cut> clip;
-    std::vector<Removal> leaving;
-
-    Slots part(bool hot) const {
-        Slots out;
-        for (const auto& [slot, jing] : work)
-            if ((slot >= kPaletteSlots) == hot) out.emplace(slot, jing);
-        return out;
-    }
-    void saveTo(const std::string& name) {
-        for (const Removal& r : leaving)
-            if (r.section == name && work.contains(r.slot) && work[r.slot].file == r.path) work.erase(r.slot);
-        saved[name] = part(false);
-        savedHot = part(true);
-        for (const Removal& r : leaving) {
-            if (r.section == name || !saved.contains(r.section)) continue;
-            Slots& source = saved[r.section];
-            if (!source.contains(r.slot) || source[r.slot].file != r.path) continue;
-            source.erase(r.slot);
-            if (LastPalIdx < 40) source.erase(40);
-        }
-        leaving.clear();
-        if (clip && clip->from == held) clip->from = name;
-        held = name;
-        edited = false;
-    }
-    void open(const std::string& name) {
-        if (autoSave && edited) saveTo(held);
-        std::erase_if(leaving, [&](const Removal& r) { return !r.into.empty() && r.into == held; });
-        const Slots hot = part(true);
-        work = saved[name];
-        if (!belowGrid) work.erase(40);
-        work.insert(hot.begin(), hot.end());
-        held = name;
-        edited = false;
-    }
-    void touched() {
-        edited = true;
-        if (autoSave) saveTo(held);
-    }
-    void paste(int slot) {
-        const bool same = clip->from == held || clip->slot >= kPaletteSlots;
-        if (same && slot == clip->slot) return;
-        work[slot] = clip->jing;
-        if (clip->cut && same) work.erase(clip->slot);
-        if (clip->cut && !same)
-            leaving.push_back({clip->from, clip->slot, slot < kPaletteSlots ? held : "", clip->jing.file});
-        std::erase_if(leaving, [&](const Removal& r) { return r.section == held && r.slot == slot; });
-        if (clip->cut) clip.reset();
-        touched();
-    }
-};
 
 class KeepingByChance : public KeepingTest {
   protected:
@@ -109,12 +45,117 @@ class KeepingByChance : public KeepingTest {
         return out;
     }
 
+    int any(int most) { return std::uniform_int_distribution<int>(0, most)(chance); }
+    /// An edit that no key takes back.
     void edit(int index) {
         if (!belief.work.contains(index)) return;
-        const int volume = std::uniform_int_distribution<int>(1, 99)(chance);
-        rec(index).Volm = belief.work[index].volume = volume;
+        rec(index).Volm = any(98) + 1;
+        belief.work[index]["Volm"] = std::to_string(rec(index).Volm);
         MarkPalToSave();
         belief.touched();
+    }
+    void forgetEdits() {
+        ForgetUndo();
+        belief.done.clear(), belief.undone.clear();
+    }
+    /// The options of a button: one of the play modes, loop, sequence, a colour.
+    void option(int index) {
+        if (!belief.work.contains(index)) return;
+        Fields fields = belief.work[index];
+        const auto turn = [&](const char* key, const char* value) {
+            fields[key] = fields[key] == value ? "" : value;
+        };
+        SelJ = {index};
+        const int which = any(6);
+        if (which < 4) {
+            const std::pair<void (*)(int), const char*> modes[] = {
+                {clAutoRepSet, "1"}, {clTouchSet, "2"}, {clPlayStopSet, "3"}, {clNoStopSet, "4"}};
+            modes[which].first(index);
+            turn("PlayMod", modes[which].second);
+        } else if (which == 4) {
+            clLoopSet(index);
+            turn("Loop", "1"), fields["Seq"] = "";
+        } else if (which == 5) {
+            clSeqSet(index);
+            turn("Seq", "1"), fields["Loop"] = "";
+            if (!fields["Seq"].empty()) fields["PlayMod"] = "";
+        } else {
+            const std::tuple<int, const char*> colours[] = {{4, "3366FF"}, {15, "FF0000"}, {24, ""}};
+            const auto& [field, text] = colours[any(2)];
+            PickColour(field);
+            fields["BTNCol"] = text;
+        }
+        belief.edit({{index, plain(fields)}});
+    }
+    /// One of the editor's fields.
+    void editor(int index) {
+        if (!belief.work.contains(index) || index == 40) return;
+        Fields fields = belief.work[index];
+        clFXSet(index);
+        ASSERT_TRUE(FxOpen) << trace;
+        JingleWindow& w = frmFX();
+        const auto set = [&](Control& control, const char* key, int value, int factor = 1) {
+            control.value = value;
+            control.onChange();
+            fields[key] = std::to_string(value * factor);
+        };
+        switch (any(8)) {
+            case 0:
+                set(w.SlideVolCh, "Volm", any(98) + 1);
+                break;
+            case 1:
+                set(w.sldFadeOut, "FadeOut", any(20), 100);
+                break;
+            case 2:
+                set(w.ckLogFadeOut, "LogFadeOut", any(1));
+                break;
+            case 3:
+                set(w.ckLoopFadeOut, "LoopFadeOut", any(1));
+                break;
+            case 4:
+                set(w.ckNoTrigDuck, "NoTrigDuck", any(1));
+                break;
+            case 5:
+                set(w.ckNoAutomix, "NoAutomix", any(1));
+                break;
+            case 6:
+                set(w.ckAutoDuck, "AutoDuck", any(1));
+                if (fields["AutoDuck"] == "0") fields["AutoDuck"] = "2";
+                if (fields["AutoDuck"] == "1") fields["NoTrigDuck"] = "1";
+                break;
+            default: {
+                const int band = any(6), reverb = any(3) * 100;
+                set(*w.sldEQ[static_cast<std::size_t>(band)], "FXV", any(20) - 10);
+                set(w.sldReverb, "", reverb);
+                std::string text = belief.work[index]["FXV"];
+                if (text.empty()) text = "0,0,0,0,0,0,0,0,0,44100,0";
+                std::vector<std::string> parts = Split(text, ",");
+                parts[static_cast<std::size_t>(band)] = fields["FXV"];
+                parts[7] = fields[""];
+                fields.erase(""), fields["FXV"].clear();
+                for (const std::string& part : parts)
+                    fields["FXV"] += (fields["FXV"].empty() ? "" : ",") + part;
+            }
+        }
+        OKfx();
+        if (plain(fields) != plain(belief.work[index])) belief.edit({{index, plain(fields)}});
+    }
+    /// The sound file of a button gets another name: a new one, other capitals, or one that is taken.
+    void renameSound(int index) {
+        if (!belief.work.contains(index) || index == 40) return;
+        const std::string old = nameOf(belief.work[index]["Path"]);
+        const std::string to =
+            one(std::vector<std::string>{LowerCase(old), "N" + std::to_string(any(3)), "A0", "B1"});
+        const bool taken =
+            std::ranges::any_of(files, [&](const auto& f) { return f != old && SameText(f, to); });
+        clRename(index);
+        frmRenameFile().txtFilename.caption = to;
+        frmRenameFile().onAccepted();
+        if (RenameJ >= 0) frmRenameFile().onCancelled();
+        if (taken || to == old) return;
+        files.erase(old), files.insert(to);
+        belief.renamed(pathOf(old), pathOf(to));
+        forgetEdits();
     }
     void move(int index, const char* how) {
         if (!belief.work.contains(index) || index == 40) return;
@@ -127,11 +168,51 @@ class KeepingByChance : public KeepingTest {
             const int to = slot();
             if (!belief.clip || to == 40) return;
             clMove(to, "paste");
-            belief.paste(to);
+            if (!belief.paste(to)) forgetEdits();
         };
         const std::vector<std::pair<const char*, std::function<void()>>> steps{
             {"edit", [&] { edit(slot()); }},
-            {"edit", [&] { edit(slot()); }},
+            {"option", [&] { option(slot()); }},
+            {"option", [&] { option(slot()); }},
+            {"editor", [&] { editor(slot()); }},
+            {"editor", [&] { editor(slot()); }},
+            {"rename a sound", [&] { renameSound(slot()); }},
+            {"undo", [&] { Undo(), belief.take(belief.done, belief.undone, true); }},
+            {"undo", [&] { Undo(), belief.take(belief.done, belief.undone, true); }},
+            {"redo", [&] { Redo(), belief.take(belief.undone, belief.done, false); }},
+            {"clear",
+             [&] {
+                 const int index = slot();
+                 desktop().answers = {BoxAnswer::yes};
+                 if (!belief.work.contains(index)) return;
+                 DelJing(index, false);
+                 belief.edit({{index, {}}});
+             }},
+            {"assign",
+             [&] {
+                 const int index = slot();
+                 ClipPath = pathOf(*std::next(files.begin(), any(8)));
+                 const std::string path = ClipPath;
+                 clAssign(index);
+                 belief.edit({{index, plain({{"Path", path},
+                                             {"LogFadeOut", std::to_string(automixSettings.LogFadeOut)}})}});
+             }},
+            {"find",
+             [&] {
+                 const std::string name = *std::next(files.begin(), any(8));
+                 JingSearch();
+                 frmSearchJing().txtJSearch.caption = name;
+                 SearchJing();
+                 const std::string found = LowerCase(frmSearchJing().lstPalRes.text());
+                 if (found.empty()) return CloseSearchBox();
+                 frmSearchJing().btKbGo.onClick();
+                 ASSERT_TRUE(std::ranges::any_of(
+                     belief.saved[found],
+                     [&](auto& one) { return one.second["Path"].find(name) != std::string::npos; }))
+                     << trace << name;
+                 belief.leaving.clear();
+                 belief.open(found);
+             }},
             {"save", [&] { save(), belief.saveTo(belief.held); }},
             {"pick",
              [&] {
@@ -210,8 +291,9 @@ class KeepingByChance : public KeepingTest {
              [&] {
                  cImpulse other;
                  other.SetIniPath(path("palette.ini").string());
-                 other.PutSection("Theirs", {{"Path_0", "Audio_Sample\\C0.wav"}, {"Volm_0", "5"}}, false);
-                 belief.saved["theirs"][0] = {"C0", 5};
+                 const std::string path = pathOf(*files.begin());
+                 other.PutSection("Theirs", {{"Path_0", path}, {"Volm_0", "5"}}, false);
+                 belief.saved["theirs"][0] = {{"Path", path}, {"Volm", "5"}};
                  lstPalRefresh();
                  SelectPalette(paletteSettings.PaletteIndex);
              }},
@@ -256,48 +338,48 @@ class KeepingByChance : public KeepingTest {
     static Slots inFile(cImpulse& store, const std::string& section, int offset) {
         Slots out;
         for (const auto& [key, value] : store.GetSectionLines(section)) {
-            if (!key.starts_with("Path_")) continue;
-            const std::string number = key.substr(5), volume = store.GetValue("Volm_" + number, 0, section);
-            const std::size_t slash = value.rfind('\\');
-            out[std::stoi(number) + offset] = {value.substr(slash + 1, value.size() - slash - 5),
-                                               volume.empty() ? 100 : std::stoi(volume)};
+            const std::size_t at = key.rfind('_') + 1;
+            if (at < key.size() && std::isdigit(static_cast<unsigned char>(key[at])) != 0)
+                out[std::stoi(key.substr(at)) + offset][key.substr(0, at - 1)] = value;
         }
         return out;
     }
     static std::string text(const Slots& slots) {
         std::string out;
-        for (const auto& [slot, jing] : slots)
-            out += std::to_string(slot) + ":" + jing.file + "/" + std::to_string(jing.volume) + " ";
+        for (const auto& [slot, fields] : slots) {
+            out += " " + std::to_string(slot) + ":";
+            for (const auto& [key, value] : plain(fields)) out += key + "=" + value + ";";
+        }
         return out;
     }
     void compare() {
-        std::map<std::string, Slots> files;
+        std::map<std::string, Slots> sections;
         PaletteStore.ListSections();
         for (int i = 0; i < PaletteStore.SectionCount(); ++i)
-            files[LowerCase(PaletteStore.SectionName(i))] =
+            sections[LowerCase(PaletteStore.SectionName(i))] =
                 inFile(PaletteStore, PaletteStore.SectionName(i), 0);
         std::string expected, found;
-        for (const auto& [name, slots] : belief.saved) expected += "[" + name + "] " + text(slots) + "\n";
-        for (const auto& [name, slots] : files) found += "[" + name + "] " + text(slots) + "\n";
+        for (const auto& [name, slots] : belief.saved) expected += "[" + name + "]" + text(slots) + "\n";
+        for (const auto& [name, slots] : sections) found += "[" + name + "]" + text(slots) + "\n";
         Slots buttons;
         for (int i = 0; i < kJingles; ++i)
-            if (!rec(i).Path.empty())
-                buttons[i] = {rec(i).Path.substr(13, rec(i).Path.size() - 17), rec(i).Volm};
-        expected += "hot " + text(belief.savedHot) + "\nbuttons of " + belief.held + " " + text(belief.work);
-        found += "hot " + text(inFile(HotStore, kHotSection, kPaletteSlots)) + "\nbuttons of " +
-                 LowerCase(HeldPalette()) + " " + text(buttons);
+            if (rec(i).persisted() != PersistedJingle()) buttons[i] = fieldsOf(rec(i));
+        expected += "hot" + text(belief.savedHot) + "\nbuttons of " + belief.held + text(belief.work);
+        found += "hot" + text(inFile(HotStore, kHotSection, kPaletteSlots)) + "\nbuttons of " +
+                 LowerCase(HeldPalette()) + text(buttons);
         ASSERT_EQ(found, expected) << trace;
         // Every jingle stands in a file, on a button, or in the history.
         std::set<std::string> kept;
-        for (const auto& [name, slots] : files)
-            for (const auto& [slot, jing] : slots) kept.insert(jing.file);
-        for (const auto& [slot, jing] : belief.work) kept.insert(jing.file);
-        for (const auto& [slot, jing] : belief.savedHot) kept.insert(jing.file);
-        if (kept.size() == 9) return;
+        const auto keep = [&](const Slots& slots) {
+            for (const auto& [slot, fields] : slots) kept.insert(fields.at("Path"));
+        };
+        for (const auto& [name, slots] : sections) keep(slots);
+        keep(belief.work), keep(belief.savedHot);
         for (const HistoryEntry& entry : HistoryEntries())
             for (const auto& [key, value] : entry.lines)
-                if (key.starts_with("Path_")) kept.insert(value.substr(13, value.size() - 17));
-        ASSERT_EQ(kept.size(), 9U) << trace;
+                if (key.starts_with("Path_")) kept.insert(value);
+        for (const std::string& file : files)
+            ASSERT_TRUE(kept.contains(pathOf(file))) << file << " " << trace;
     }
 
     void begin(int sequence);
@@ -305,6 +387,7 @@ class KeepingByChance : public KeepingTest {
     std::mt19937 chance;
     Belief belief;
     std::string trace;
+    std::set<std::string> files;  ///< names of the sound files
     const std::string palettes = read("palette.ini") + line("40", "C2");
 };
 
@@ -323,10 +406,17 @@ void KeepingByChance::begin(int sequence) {
     belief = {};
     belief.autoSave = sequence % 2 == 1;
     belief.belowGrid = JExists[40] == 1;
-    for (const std::string name : {"a", "b", "c"})
-        for (int i = 0; i < 3; ++i)
-            belief.saved[name][i].file = std::string(1, static_cast<char>(name[0] - 32)) + std::to_string(i);
-    belief.saved["c"][40].file = "C2";
+    std::filesystem::remove_all(path("Audio_Sample"));
+    files.clear();
+    for (const std::string name : {"A", "B", "C"})
+        for (int i = 0; i < 3; ++i) {
+            const std::string file = *files.insert(name + std::to_string(i)).first;
+            writeWav(path("Audio_Sample/" + file + ".wav"), sine(2000, 440));
+            belief.saved[LowerCase(name)][i]["Path"] = pathOf(file);
+        }
+    belief.saved["c"][40]["Path"] = pathOf("C2");
+    searchSettings.ResultsInSearch = searchSettings.AutoClJSearchSec = 0;
+    ForgetUndo();
     OpenFile("A");
     OpenFile();
     lstPalRefresh();
