@@ -7,6 +7,7 @@
 #include "startup/errors.h"
 #include "startup/settings/automix_settings.h"
 #include "tests/midi/surface.h"
+#include "tests/support/approved.h"
 #include "ui/windows/form_window.h"
 #include "ui/windows/midi_button_window.h"
 #include "ui/windows/midi_learn.h"
@@ -19,9 +20,12 @@ constexpr const char* kFile =
     "[Pad]\r\nPaletteUp=9001,900100\r\nPaletteDown=9002,900200\r\nPaletteScroll=B01041,B0103F\r\n"
     "AutoRepeat=9003,900300\r\nTouchPlay=9004,900400\r\nAutoMix=9005,900500\r\nAutoMixTime=B008,1\r\n"
     "MainVolume=B007,0\r\nStopAll=9006,900600\r\nTalkOver=9007,900700\r\nMicON=9008,900800\r\n"
-    "Jingle0=9010,901000,255\r\nJingle96=9020,902000,64\r\nOutReset=B00000\r\nOutStopAll=A00601,A00600\r\n"
-    "OutTalkOver=A00701,,A00702\r\nOutMicON=A00801,A00800,,\r\nOutAutoMix=A00501,A00500,A00502,A00503\r\n"
-    "OutJingle0=A01001,A01002,A01003,A01004\r\nOutJingle7=,,A00703,\r\n";
+    "Jingle0=9010,901000,255\r\nJingle96=9020,902000,64\r\nJingle105=9021,902100,128\r\nOutReset="
+    "B00000\r\nOutStopAll=A00601,A00600\r\n"
+    "OutPaletteUp=A00101,A00100\r\nOutPaletteDown=A00201,\r\nOutTalkOver=A00701,,A00702\r\n"
+    "OutMicON=A00801,A00800,,\r\nOutAutoRepeat=A00301,A00300,A00302\r\nOutTouchPlay=,,A00402\r\n"
+    "OutAutoMix=A00501,A00500,A00502,A00503\r\nOutJingle0=A01001,A01002,A01003,A01004\r\n"
+    "OutJingle7=,,A00703,\r\nOutJingle105=A06901,,,\r\n";
 
 TEST_F(SurfaceTest, WhatIsReadIsWrittenAgain) {
     write("MIDI.ini", std::string(kFile) + "Jingle119=907F,907F00,255\r\n");
@@ -105,54 +109,103 @@ TEST_F(SurfaceTest, TextsOfMessages) {
     EXPECT_THROW(PackCode("90 17F"), ProgramError);
 }
 
-// ---- learning: what a control is taught, by the messages that came ----
+// ---- learning: what a control is taught, by the messages that came
 
-struct Lesson {
-    const char* ctrl;
-    int index;
-    const char* messages;
-    const char* key;
-    const char* value;
-    const char* former;  ///< named in a box
-};
+/// All codes and messages in memory, by their keys in MIDI.ini; those that are not empty.
+std::map<std::string, std::string> taught() {
+    std::map<std::string, std::string> all{{"OutReset", midiOut.OutReset}};
+    for (const ControlCodes& c : controlCodes()) all[c.key] = midiIn.*c.first + "," + midiIn.*c.second;
+    for (const FaderCodes& f : faderCodes())
+        all[f.key] = midiIn.*f.code + "," + std::to_string(midiIn.*f.reverse);
+    for (const ControlMessages& c : controlMessages())
+        for (const auto message : c.messages)
+            if (message != nullptr) all[c.key] += midiOut.*message + ",";
+    for (int i = 0; i <= LastLiveIdx(); ++i) {
+        const auto at = static_cast<std::size_t>(i);
+        all["Jingle" + std::to_string(i)] = midiIn.MIDIJinglePress[at] + "," + midiIn.MIDIJingleRelease[at] +
+                                            "," + std::to_string(midiIn.MIDIJingleVelocity[at]);
+        for (const std::string* message : jingleMessages(i))
+            all["OutJingle" + std::to_string(i)] += *message + ",";
+    }
+    std::erase_if(all, [](const auto& one) {
+        return one.second.find_first_not_of(',') == std::string::npos || one.second == ",0" ||
+               one.second == ",,255";
+    });
+    return all;
+}
 
-TEST_F(SurfaceTest, AControlIsTaughtByPressingIt) {
-    const Lesson lessons[] = {
-        {"b_Jingle", 7, "903C64 903C00", "Jingle7", "903C,903C00,255", ""},
-        {"b_Jingle", 97, "913C01 813C40", "Jingle97", "913C,813C40,192", ""},
-        {"b_Jingle", 8, "903C64 903C00 904000", "Jingle8", "903C,903C00,255", "Jingle 7"},  // taken from 7
-        {"b_Jingle", 8, "", "Jingle8", "903C,903C00,255", ""},
-        {"btUp", -1, "900164 900100", "PaletteUp", "9001,900100", ""},
-        {"btStop", -1, "900164 900100", "StopAll", "9001,900100", "Previous palette (Page up)"},
-        {"ckAutoRep", -1, "900364 900300", "AutoRepeat", "9003,900300", ""},
-        {"ckTouch", -1, "900464 900400", "TouchPlay", "9004,900400", ""},
-        {"ckAutoMix", -1, "900564 900500", "AutoMix", "9005,900500", ""},
-        {"btMicTO", -1, "900764 900700", "TalkOver", "9007,900700", ""},
-        {"btMicPush", -1, "900864 900800", "MicON", "9008,900800", ""},
-        {"lstPal", -1, "B01041 B01041 B0103F B01000", "PaletteScroll", "B0103F,B01041", ""},
-        {"Vol", -1, "B00710 B00811 B00712", "MainVolume", "B007,0", ""},
-        {"Amix", -1, "B00710", "AutoMixTime", "B007,0", "Volume"},
-        {"btDn", -1, "900164", "PaletteDown", "", ""},  // one message is no pair yet
-    };
-    start({"PaletteUp=9011,901100"});
-    for (const Lesson& lesson : lessons) {
+class LearnTest : public SurfaceTest {
+  protected:
+    /// Teaches a control; what it was, what changed in memory and in the file, who had the code before.
+    std::string learn(const std::string& ctrl, int index, const std::string& messages, bool reverse = false) {
+        auto before = taught();
         desktop().boxes.clear();
-        clMIDI(lesson.ctrl, lesson.index);
-        ASSERT_TRUE(MIDILearnActive);
-        send(lesson.messages);
+        clMIDI(ctrl, index);
+        EXPECT_TRUE(MIDILearnActive);
+        send(messages);
+        MIDILearn.ckReverse = reverse;
         AcceptLearn();
         EXPECT_FALSE(MIDILearnActive);
-        EXPECT_EQ(MIDIStore.GetValue(lesson.key, 0, "Pad"), lesson.value) << lesson.ctrl << lesson.index;
-        const std::string former = lesson.former;
-        ASSERT_EQ(desktop().boxes.size(), former.empty() ? 0U : 1U) << lesson.ctrl;
-        if (!former.empty()) {
-            EXPECT_NE(desktop().boxes[0].find("'" + former + "'"), std::string::npos) << desktop().boxes[0];
+        const auto now = taught();
+        std::string text = ctrl + (index < 0 ? "" : std::to_string(index)) + " " + messages + ":";
+        for (const auto& [key, value] : now)
+            if (before[key] != value) text += " " + key + "=" + value;
+        for (const auto& [key, value] : before)
+            if (!value.empty() && !now.contains(key)) text += " -" + key;
+        for (const std::string& box : desktop().boxes) text += " \"" + box.substr(0, box.find('\n')) + "\"";
+        LoadMIDIdatas(kPad);
+        EXPECT_EQ(taught(), now) << text << ": the file holds something else\n" << section(kPad);
+        return text + "\n";
+    }
+};
+
+TEST_F(LearnTest, AControlIsTaughtByPressingIt) {
+    start({"PaletteUp=9011,901100"});
+    std::string text;
+    text += learn("b_Jingle", 7, "903C64 903C00");
+    text += learn("b_Jingle", 97, "913C01 813C40");
+    text += learn("b_Jingle", 105, "923C01 823C40");
+    text += learn("b_Jingle", 8, "903C64 903C00 904000");  // taken from 7
+    text += learn("b_Jingle", 8, "");
+    text += learn("btDn", -1, "900164");  // one message is no pair yet
+    // Each takes the code of the one before.
+    for (const char* ctrl :
+         {"btUp", "btDn", "btStop", "ckAutoRep", "ckTouch", "ckAutoMix", "btMicTO", "btMicPush", "lstPal"})
+        text += learn(ctrl, -1, "900164 900100");
+    text += learn("b_Jingle", 0, "900164 900100");
+    text += learn("lstPal", -1, "B01041 B01041 B0103F B01000");
+    text += learn("Vol", -1, "B00710 B00811 B00712");
+    text += learn("Amix", -1, "B00710");
+    text += learn("Amix", -1, "", true);
+    text += learn("Vol", -1, "B00710", true);
+    text += learn("Amix", -1, "B00710", true);
+    expectApproved("midi/lessons.approved", text);
+    EXPECT_FALSE(frmMIDIButton().form.isOpen() || frmMIDIScroll().form.isOpen() ||
+                 frmMIDIFader().form.isOpen());
+}
+
+TEST_F(LearnTest, ByChanceNoTwoControlsShareACode) {
+    start({});
+    std::mt19937 chance(5);
+    const char* const buttons[] = {"btUp",      "btDn",    "btStop",    "ckAutoRep", "ckTouch",
+                                   "ckAutoMix", "btMicTO", "btMicPush", "lstPal"};
+    for (int i = 0; i < 150; ++i) {
+        const std::string note = HexByte(static_cast<int>(chance() % 6));
+        if (const auto which = chance() % 4; which == 0)
+            learn(chance() % 2 == 0 ? "Vol" : "Amix", -1, "B0" + note + "10", chance() % 2 == 0);
+        else if (which == 1)
+            learn(buttons[chance() % std::size(buttons)], -1, "90" + note + "64 90" + note + "00");
+        else
+            learn("b_Jingle", static_cast<int>(chance() % 2 == 0 ? chance() % 4 : 96 + chance() % 4),
+                  "90" + note + "64 90" + note + "00");
+        std::map<std::string, std::string> owners;
+        for (const auto& [key, value] : taught()) {
+            const bool jingle = key.starts_with("Jingle");
+            const std::string code = jingle ? value.substr(0, value.rfind(',')) : value;
+            EXPECT_TRUE(owners.emplace(code, key).second)
+                << key << " and " << owners[code] << " have " << code;
         }
     }
-    EXPECT_TRUE(MIDIStore.GetValue("Jingle7", 0, "Pad").empty());
-    EXPECT_TRUE(MIDIStore.GetValue("PaletteUp", 0, "Pad").empty());
-    EXPECT_EQ(frmMIDIButton().form.isOpen() || frmMIDIScroll().form.isOpen() || frmMIDIFader().form.isOpen(),
-              false);
 }
 
 TEST_F(SurfaceTest, WhileAWindowLearnsNothingPlays) {

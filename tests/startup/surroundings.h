@@ -24,6 +24,13 @@
 
 namespace zv::test {
 
+namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::Pair;
+
 /// The answers; reset for each test.
 struct Surroundings {
     std::int64_t nowMs = 1000;

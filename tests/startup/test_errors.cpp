@@ -4,13 +4,11 @@
 #include "startup/settings/palette_settings.h"
 #include "startup/settings/program_settings.h"
 #include "tests/startup/surroundings.h"
+#include "tests/support/approved.h"
+#include "tests/support/places.h"
 
 namespace zv::test {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::Not;
 
 class Errors : public ProgramFolderTest {
   protected:
@@ -58,6 +56,7 @@ TEST_F(Errors, MarkShowsEachMode) {
         EXPECT_EQ(marks.back().visible, row.visible) << row.mode;
         EXPECT_EQ(marks.back().toolTip, "tip");
         EXPECT_TRUE(marks.back().blink);
+        EXPECT_EQ(marks.back().usesPlayingColor, row.mode == std::string("wait"));
         EXPECT_EQ(ErrBlinkCount, 0);
     }
     EXPECT_EQ(saves, 0);
@@ -69,12 +68,17 @@ TEST_F(Errors, MarkShowsEachMode) {
 
 TEST_F(Errors, EngineErrors) {
     ErrorLogOn = true;
+    std::string shownMark;
+    startupUpcalls.showErrorMark = [&](const ErrorMark& mark) {
+        shownMark = mark.mode + (mark.blink ? " 1 " : " 0 ") + mark.toolTip;
+    };
     around.engineError = 2;
     Error_("gone.wav");
     EXPECT_EQ(read("Error.log"), "2026-01-31 14:05:09 : gone.wav\r\n");
     around.engineError = 41;
     Error_("bad.wav");
     EXPECT_THAT(read("Error.log"), HasSubstr(" : Bass, code: 41 : bad.wav \r\n"));
+    EXPECT_EQ(shownMark, "no 0 bad.wav");
 
     std::string shown;
     int stops = 0;
@@ -93,6 +97,14 @@ TEST_F(Errors, EngineErrors) {
     EXPECT_EQ(BassErrMessage(47), "no\xC3\xA9");  // its key ends with a blank
     EXPECT_EQ(BassErrMessage(40), "");
     EXPECT_EQ(BassErrMessage(1000), "");
+    // Each code has a key of its own.
+    std::string told;
+    fs::copy_file(sourceDir() + "/data/language_original.ini", path("language.ini"),
+                  fs::copy_options::overwrite_existing);
+    for (int code = -1; code < 60; ++code)
+        if (const std::string text = BassErrMessage(code); !text.empty())
+            told += std::to_string(code) + " " + text + "; ";
+    expectApproved("startup/engine_errors.approved", told + "\n");
 }
 
 TEST_F(Errors, ReportTellsWhatHappened) {
@@ -114,6 +126,11 @@ TEST_F(Errors, ReportTellsWhatHappened) {
 
 TEST_F(Errors, FuseStopsALoopOfReports) {
     const auto fail = [] { guarded(".Timer", [] { throw std::runtime_error("x"); }); };
+    int unloaded = 0;
+    startupUpcalls.unloadOtherWindows = [&] {
+        ++unloaded;
+        fail();  // a window that fails while it goes asks nothing more
+    };
     fail();
     reportOpen = true;
     fail();  // dropped: a report is open
@@ -127,9 +144,27 @@ TEST_F(Errors, FuseStopsALoopOfReports) {
     EXPECT_EQ(reports.size(), 3U);
     EXPECT_THAT(around.boxes, ElementsAre("Again.\r\nStop?"));
     EXPECT_FALSE(ended);
+    EXPECT_EQ(unloaded, 1);
     around.answer = BoxAnswer::yes;
     fail();
     EXPECT_TRUE(ended);
+}
+
+TEST_F(Errors, WhatIsCaughtHasItsNumber) {
+    const std::pair<int, std::function<void()>> rows[] = {
+        {7, [] { throw std::bad_alloc(); }},
+        {75, [] { std::ignore = fs::file_size("/nowhere/at/all"); }},
+        {9, [] { throw std::out_of_range("x"); }},
+        {5, [] { throw std::runtime_error("x"); }},
+        {5, [] { throw 42; }},
+        {6, [] { throw ProgramError(6, "Overflow"); }},
+    };
+    for (const auto& [number, fail] : rows) {
+        ErrCount = 0;
+        EXPECT_FALSE(guarded("x", fail));
+        EXPECT_THAT(ReportText, HasSubstr("Error Number: " + std::to_string(number) + "\r\n"));
+    }
+    EXPECT_TRUE(guarded("x", [] {}));
 }
 
 TEST_F(Errors, ReportNeverThrows) {

@@ -7,11 +7,6 @@
 namespace zv::test {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-
-namespace fs = std::filesystem;
-
 class Files : public ProgramFolderTest {
   protected:
     std::vector<std::string> generations(const std::string& stem) const {
@@ -29,32 +24,39 @@ class Files : public ProgramFolderTest {
 
 TEST_F(Files, AllComeIntoBeingAndStay) {
     write("shipped/language_original.ini", "[English]\n" + std::string(25000, ';'));
-    for (int start = 0; start < 2; ++start) {
+    const auto open = [] {
         OpenIniFile();
         OpenLanguageFile();
         OpenAccountFile();
         OpenPaletteFile();
+        OpenPlaylistFile();
         EXPECT_EQ(OpenUrlsFile(), false);
         OpenDispPresets();
         OpenVUPresets();
         OpenFXPresets();
         OpenHotFile();
         OpenMIDIFile();
-        for (const char* name :
-             {"zv.ini", "language.ini", "account.ini", "palette.ini", "palette_pre100.ini", "urls.txt",
-              "DISPpresets.ini", "VUpresets.ini", "FXpresets.ini", "HotJingles.ini", "MIDI.ini"}) {
-            EXPECT_TRUE(there(name)) << name;
-        }
-        EXPECT_FALSE(there("HotJingles_pre100.ini"));
-        if (start == 1) break;
-        write("urls.txt", "http://mine\r\n");
-        write("MIDI.ini", "[mine]\r\n");
+    };
+    open();
+    std::set<std::string> sums;  // of what each holds
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        if (!entry.is_regular_file()) continue;
+        const std::string name = entry.path().filename().string(), bytes = read(name);
+        sums.insert(bytes.empty() ? name
+                                  : name + " " + std::to_string(bytes.size()) + " " +
+                                        std::to_string(FileChecksum(bytes)));
     }
+    EXPECT_EQ(sums, (std::set<std::string>{"DISPpresets.ini 315 23639", "FXpresets.ini 151 8691",
+                                           "HotJingles.ini", "HotJingles_backup1.ini", "MIDI.ini",
+                                           "VUpresets.ini 592 42522", "account.ini 59 5522",
+                                           "language.ini 25010 1475898", "palette.ini", "palette_backup1.ini",
+                                           "palette_pre100.ini", "playlist.ini", "playlist_backup1.ini",
+                                           "playlist_pre100.ini", "urls.txt 28 2306", "zv.ini 32 2609"}));
+    write("urls.txt", "http://mine\r\n");
+    write("MIDI.ini", "[mine]\r\n");
+    open();
     EXPECT_EQ(read("urls.txt"), "http://mine\r\n");
     EXPECT_EQ(read("MIDI.ini"), "[mine]\r\n");
-    EXPECT_EQ(DispPresetsStore.GetValue("PalColor", 0, "Negative LCD"), std::to_string(0xB3B3));
-    EXPECT_EQ(VUPresetsStore.GetValue("HiColor", 0, "LCD"), std::to_string(0x3C3C));
-    EXPECT_EQ(FXPresetsStore.GetValue("Tempo +10%", 0, kFXPresetsSection), "0,0,0,0,0,0,0,0,10,0,0");
     setAge("urls.txt", 60 * 24 * 365 * 20);
     EXPECT_TRUE(OpenUrlsFile());  // the program file is newer
 }
@@ -133,14 +135,18 @@ TEST_F(Files, CommandLine) {
         {{"--home", "-t"}, true, "-t", ""},
         {{"--home", "/my-Tests"}, true, "/my-Tests", ""},
         {{"--home"}, false, "", "--home needs a folder; usage: zentrova [-t] [--home FOLDER]"},
-        {{"-t", "--fast"}, true, "", "unknown option --fast; usage: zentrova [-t] [--home FOLDER]"},
+        {{"--home", ""}, false, "", "--home needs a folder; usage: zentrova [-t] [--home FOLDER]"},
+        {{"--home="}, false, "", "unknown option --home=; usage: zentrova [-t] [--home FOLDER]"},
+        {{"-t", "--fast", "-h"}, true, "", "unknown option --fast; usage: zentrova [-t] [--home FOLDER]"},
     };
     for (const auto& row : table) {
         const CommandLine got = ParseCommandLine(row.arguments);
         EXPECT_EQ(got.trace, row.trace);
         EXPECT_EQ(got.home, row.home);
         EXPECT_EQ(got.error, row.error);
+        EXPECT_FALSE(got.help);
     }
+    EXPECT_TRUE(ParseCommandLine({"-h"}).help && ParseCommandLine({"-t", "--help"}).help);
 }
 
 TEST_F(Files, ChoosesAndSeedsTheProgramFolder) {
@@ -212,7 +218,8 @@ TEST_F(Files, TraceAndProgress) {
     AddProgress(40.0 / 30);
     EXPECT_EQ(bar, 140);
     EXPECT_THAT(UnloadReasonText(2), HasSubstr("session is ending"));
-    EXPECT_EQ(UnloadReasonText(9), "");
+    EXPECT_EQ(UnloadReasonText(0).substr(0, 3) + UnloadReasonText(5).substr(0, 3), "0 :5 :");
+    EXPECT_EQ(UnloadReasonText(6) + UnloadReasonText(-1), "");
 }
 
 }  // namespace

@@ -1,14 +1,11 @@
 // The helpers on paths, files, texts, numbers and colours, over both kinds of path.
 
+#include "startup/folder_walk.h"
 #include "startup/settings/program_settings.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {
 namespace {
-
-using ::testing::ElementsAre;
-
-namespace fs = std::filesystem;
 
 class Helpers : public ProgramFolderTest {};
 
@@ -79,6 +76,21 @@ TEST_F(Helpers, FindsAndMakesFiles) {
     ListFolder("sounds2", false, list);
     EXPECT_EQ(list.count, 3);
     EXPECT_EQ(list.text, text("New/1.wav\r\n") + text("New/Folder/2.wav\r\n") + text("sounds2/x.wav\r\n"));
+    write("New/Zoo/3.wav", "");
+    std::string walked;
+    const auto walk = [&](const char* until) {
+        return WalkFiles(
+            "New",
+            [&](const std::string& file) {
+                walked += GetFileName(file) + " ";
+                return GetFileName(file) != until;
+            },
+            [&](const std::string& entered, double share) {
+                walked += GetFileName(entered) + "@" + NumberText(std::round(share * 100)) + " ";
+            });
+    };
+    EXPECT_TRUE(walk("none") && !walk("2.wav") && WalkFiles("Gone", {}) && WalkFiles("", {}));
+    EXPECT_EQ(walked, "New@0 1.wav Folder@33 2.wav Here@50 Zoo@67 3.wav New@0 1.wav Folder@33 2.wav ");
     fs::create_directories(path("New/Empty/Deep"));
     ClearEmptySubFolder("New");
     EXPECT_FALSE(there("New/Empty"));
@@ -110,6 +122,7 @@ TEST_F(Helpers, SizesInUnits) {
     EXPECT_EQ(BytesToUnits(1023, 0), "1023 bytes");
     EXPECT_EQ(BytesToUnits(1024, 1), "1.0 KB");
     EXPECT_EQ(BytesToUnits(1572864, 2), "1.50 MB");
+    EXPECT_EQ(BytesToUnits(-2048, -1), "-2 KB");
     EXPECT_EQ(BytesToUnits(5e15, 0), "4547 TB");
     write("language.ini",
           "[Fran\xC3\xA7"
@@ -124,6 +137,11 @@ TEST_F(Helpers, LegalFileNames) {
         bool shortName;
         const char* name;
     } const table[] = {
+        {"nul", "", false, "_nul"},
+        {"lpt0", "", false, "lpt0"},
+        {"aux.b.wav", "", false, "_aux.b.wav"},
+        {"a\x1F\x7F b", "-", false, "a-- b"},
+        {"a+b,c;d=e[f]g", "", true, "abcdefg"},
         {" News: 9/10 \"live\"? ", "_", false, "News_ 9_10 ''live''_"},
         {"a<b>c|d*e\\f", "", false, "abcdef"},
         {"name. . .", "", false, "name"},
@@ -182,10 +200,14 @@ TEST_F(Helpers, Numbers) {
     EXPECT_EQ(GetMultipleOf(17, 5), 15);
     EXPECT_EQ(GetMultipleOf(-1, 5), -5);
     EXPECT_EQ(GetMultipleOf(3, 0), 3);
-    EXPECT_EQ(KeepDigit('5'), '5');
-    EXPECT_EQ(KeepDigit('-'), 0);
-    EXPECT_EQ(KeepNumeric('-'), '-');
-    EXPECT_EQ(KeepNumeric('x'), 0);
+    std::string digits, numeric;
+    for (int key = 1; key < 128; ++key) {
+        if (KeepDigit(key) == key) digits += static_cast<char>(key);
+        if (KeepNumeric(key) == key) numeric += static_cast<char>(key);
+    }
+    EXPECT_EQ(digits, "\b0123456789");
+    EXPECT_EQ(numeric, "\b+,-.0123456789");
+    EXPECT_EQ(KeepDigit('x') + KeepNumeric('x'), 0);
 }
 
 TEST_F(Helpers, Colours) {
@@ -194,7 +216,7 @@ TEST_F(Helpers, Colours) {
     EXPECT_EQ(HexToRGB(ColorToHex(0x123456)), 0x123456);
     for (const char* bad : {"", "FF80", "FF80000", "GG0000", "vbButtonFace"})
         EXPECT_EQ(HexToRGB(bad), 0) << bad;
-    EXPECT_EQ(Hex2Digits(10), "0A");
+    EXPECT_EQ(Hex2Digits(10) + Hex2Digits(-5) + Hex2Digits(255) + Hex2Digits(300), "0A00FFFF");
 }
 
 }  // namespace

@@ -6,11 +6,6 @@
 namespace zv::test {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::Pair;
-
-namespace fs = std::filesystem;
-
 class Impulse : public ProgramFolderTest {
   protected:
     void SetUp() override {
@@ -56,7 +51,32 @@ TEST_F(Impulse, WritesThrough) {
     store.DeleteSection("P");
     store.ListSections();
     ASSERT_EQ(store.SectionCount(), 2);
-    EXPECT_EQ(store.SectionName(0) + store.SectionName(1) + store.SectionName(2), "SQ");
+    EXPECT_EQ(store.SectionName(0) + store.SectionName(1) + store.SectionName(2) + store.SectionName(-1),
+              "SQ");
+    // Moved, merged and rewritten in one go each.
+    const auto file = [&](const char* text) {
+        write("test.ini", text);
+        return &store;
+    };
+    EXPECT_TRUE(file("[A]\na=1\n[B]\nb=2\n")->MoveSection("A", "b", {{"a", "3"}}, false));
+    EXPECT_EQ(read("test.ini"), "[B]\nb=2\na=3\n");
+    EXPECT_TRUE(file("[A]\na=1\n[B]\nb=2\n")->MoveSection("A", "C", {{"a", "3"}}, true));
+    EXPECT_EQ(read("test.ini"), "[B]\nb=2\n[C]\na=3\n");
+    EXPECT_TRUE(file("[A]\na=1\n[B]\nb=2\n")->MoveSection("A", "a", {{"b", "3"}}, false));
+    EXPECT_EQ(read("test.ini"), "[B]\nb=2\n[a]\nb=3\n");
+    EXPECT_TRUE(file("[A]\nP1=x\nQ1=x\n[B]\nP2=y\nP3=x\n")
+                    ->ReplaceValues(
+                        "P", [](const std::string& value) { return value == "x"; }, "z"));
+    EXPECT_EQ(read("test.ini"), "[A]\nP1=z\nQ1=x\n[B]\nP2=y\nP3=z\n");
+    EXPECT_EQ(store.Bytes(), read("test.ini"));
+    // A store without a file holds nothing and takes nothing.
+    cImpulse none;
+    none.ListSections();
+    EXPECT_EQ(
+        none.GetValue("k", 0, "S", "d") + std::string(none.Bytes()) + std::to_string(none.SectionCount()),
+        "d0");
+    EXPECT_FALSE(none.PutSection("S", {{"a", "1"}}) || none.MoveSection("S", "T", {{"a", "1"}}, true) ||
+                 none.RewriteValues("a", {}) || none.Away() || !none.GetSectionLines("S").empty());
 }
 
 TEST_F(Impulse, SeesWhatOthersWrite) {

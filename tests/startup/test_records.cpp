@@ -8,11 +8,6 @@
 namespace zv::test {
 namespace {
 
-namespace fs = std::filesystem;
-
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
 class Timers : public ::testing::Test {
   protected:
     void SetUp() override { around = {}; }

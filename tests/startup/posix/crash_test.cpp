@@ -1,5 +1,5 @@
-// Nothing is ever half there: the disk fills up, and what a killed program left goes. The whole program is killed
-// in tests/rehearsal/kill_test.cpp.
+// Nothing is ever half there: the disk fills up, and what a killed program left goes. A presenter's steps are killed in
+// tests/ui/keeping_chance_test.cpp.
 #include <sys/resource.h>
 #include <csignal>
 
@@ -11,8 +11,6 @@
 
 namespace zv::test {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr int kJingles = 60;
 

@@ -4,8 +4,6 @@
 namespace zv::test {
 namespace {
 
-namespace fs = std::filesystem;
-
 class PosixPaths : public ProgramFolderTest {};
 
 TEST_F(PosixPaths, RewritingKeepsLinksAndPermissions) {
