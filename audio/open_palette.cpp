@@ -17,7 +17,7 @@ namespace zv {
 
 void OpenFile(const std::string& name) {
     // Events run between the slots. One of them may open another palette: the last call wins.
-    const int mine = BeginPaletteLoad();
+    const int mine = BeginPaletteLoad(name);
     const auto eachSlot = [&](const std::function<void(int)>& step) {
         for (int i = 0; i < kPaletteSlots && IsNewestLoad(mine); ++i) {
             if (JExists[static_cast<std::size_t>(i)] != 1) continue;

@@ -72,7 +72,7 @@ void PlayEnded(int index) {
         return;
     }
     const bool hot = index >= kPaletteSlots;
-    openNames(index, hot ? kHotSection : HeldPalette(), hot);
+    openNames(index, hot ? kHotSection : ComingPalette(), hot);
     openStreams(index);
 }
 

@@ -248,6 +248,7 @@ void openNames(int index, const SlotKeys& keys) {
         }
         FreeJingle(index);
         DropAfterSound(index);
+        j.PlayingOtherPal = j.Playing = j.Leaving = false;
         if (const std::string playlist = PlaylistsEnabled ? keys.text("Playlist_") : ""; !playlist.empty()) {
             BindSlot(index, playlist, keys.text("BTNCol_", kFaceColourText));
             return;

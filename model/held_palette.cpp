@@ -6,7 +6,7 @@
 namespace zv {
 namespace {
 
-std::string held;
+std::string held, coming;
 bool loading = false;
 int newest = 0;
 
@@ -14,11 +14,14 @@ int newest = 0;
 
 const std::string& HeldPalette() { return held; }
 
+const std::string& ComingPalette() { return loading ? coming : held; }
+
 bool PaletteLoading() { return loading; }
 
-int BeginPaletteLoad() {
+int BeginPaletteLoad(const std::string& name) {
     if (!loading) callUp(modelUpcalls.paletteLeaves);
     loading = true;
+    coming = name;
     return ++newest;
 }
 

@@ -8,12 +8,14 @@ namespace zv {
 
 /// Empty: a palette without a name, or none yet.
 const std::string& HeldPalette();
+/// The palette that a slot opened now belongs to: the one that is being loaded, else the held one.
+const std::string& ComingPalette();
 /// Slots of two palettes may stand side by side: nothing may be saved.
 bool PaletteLoading();
 
-/// The records are about to be overwritten by those of another palette. While they are still whole the upcall
+/// The records are about to be overwritten by those of palette `name`. While they are still whole the upcall
 /// `paletteLeaves` runs first. Returns the load's number.
-int BeginPaletteLoad();
+int BeginPaletteLoad(const std::string& name);
 /// False once another load has begun, or the records were given to another name.
 bool IsNewestLoad(int load);
 /// All slots of `name` are in the records; nothing when the load is not the newest one.

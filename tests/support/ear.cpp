@@ -23,22 +23,6 @@ constexpr double kCut = 0.15;       // a fade that ends above this was cut
 /// Far apart, so that a fade of one step does not sound like its neighbour.
 constexpr double frequency(int tone) { return 1500.0 + 2000.0 * tone; }
 
-/// Level of a tone in each step, 1 as in its file.
-std::vector<double> levels(const Heard& sound, int tone) {
-    std::array<std::complex<double>, kStep> turn;
-    for (std::size_t i = 0; i < kStep; ++i)
-        turn[i] = std::polar(2 / kAmplitude / kStep,
-                             -2 * std::numbers::pi * frequency(tone) * static_cast<double>(i) / kRate);
-    std::vector<double> out(sound.frames() / kStep);
-    for (std::size_t step = 0; step < out.size(); ++step) {
-        std::complex<double> sum;
-        for (std::size_t i = 0; i < kStep; ++i)
-            sum += turn[i] * static_cast<double>(sound.at(step * kStep + i));
-        out[step] = std::abs(sum);
-    }
-    return out;
-}
-
 /// One stretch, steps [from, to).
 std::string told(char letter, const std::vector<double>& level, std::size_t from, std::size_t to) {
     const auto ms = [](std::size_t step) { return std::to_string(step * kStepMs); };
@@ -73,15 +57,31 @@ std::vector<std::int16_t> tones(const std::string& score) {
     return samples;
 }
 
+std::vector<double> toneLevels(const Heard& sound, char tone) {
+    std::array<std::complex<double>, kStep> turn;
+    for (std::size_t i = 0; i < kStep; ++i)
+        turn[i] = std::polar(2 / kAmplitude / kStep,
+                             -2 * std::numbers::pi * frequency(tone - 'a') * static_cast<double>(i) / kRate);
+    std::vector<double> out(sound.frames() / kStep);
+    for (std::size_t step = 0; step < out.size(); ++step) {
+        std::complex<double> sum;
+        for (std::size_t i = 0; i < kStep; ++i)
+            sum += turn[i] * static_cast<double>(sound.at(step * kStep + i));
+        out[step] = std::abs(sum);
+    }
+    return out;
+}
+
 std::string whatIsHeard(const Heard& sound) {
     std::vector<std::pair<std::size_t, std::string>> stretches;
     for (int tone = 0; tone < kTones; ++tone) {
-        const std::vector<double> level = levels(sound, tone);
+        const auto letter = static_cast<char>('a' + tone);
+        const std::vector<double> level = toneLevels(sound, letter);
         for (std::size_t from = 0; from < level.size(); ++from) {
             if (level[from] < kGone) continue;
             std::size_t to = from;
             while (to < level.size() && level[to] >= kGone) ++to;
-            stretches.emplace_back(from, told(static_cast<char>('a' + tone), level, from, to));
+            stretches.emplace_back(from, told(letter, level, from, to));
             from = to;
         }
     }
@@ -93,7 +93,7 @@ std::string whatIsHeard(const Heard& sound) {
 }
 
 std::string levelsOf(const Heard& sound, char tone, const std::vector<int>& ms) {
-    const std::vector<double> level = levels(sound, tone - 'a');
+    const std::vector<double> level = toneLevels(sound, tone);
     std::string text;
     for (const int at : ms) {
         const double now = level.at(static_cast<std::size_t>(at / kStepMs));

@@ -22,6 +22,8 @@ std::vector<std::int16_t> tones(const std::string& score);
 ///     a0-100@-6.0    in its middle, dB against the file, where it is not the file's own level
 /// What is 38 dB below the file's own level counts as gone.
 std::string whatIsHeard(const Heard& sound);
+/// Level of one tone in each step of 10 ms, 1 as in its file.
+std::vector<double> toneLevels(const Heard& sound, char tone);
 /// Level of one tone at some moments, dB against its file: "0.0 -16.5 -"; "-" is gone.
 std::string levelsOf(const Heard& sound, char tone, const std::vector<int>& ms);
 

@@ -51,7 +51,7 @@ void TimerLoadPalTick() {
             }
         }
         const std::string opening = paletteSettings.PaletteIndex;
-        const int load = BeginPaletteLoad();
+        const int load = BeginPaletteLoad(opening);
         // Every slot that has a button, out of the grid too: a save walks them all.
         while (PalLoadIdx < kPaletteSlots) {
             const int i = PalLoadIdx++;
