@@ -57,6 +57,14 @@ std::vector<std::int16_t> tones(const std::string& score) {
     return samples;
 }
 
+std::vector<std::int16_t> tone(char letter, int ms, int rate) {
+    std::vector<std::int16_t> samples;
+    for (int i = 0; i < ms * rate / 1000; ++i)
+        samples.push_back(static_cast<std::int16_t>(std::lround(
+            32767 * kAmplitude * std::sin(2 * std::numbers::pi * frequency(letter - 'a') * i / rate))));
+    return samples;
+}
+
 std::vector<double> toneLevels(const Heard& sound, char tone) {
     std::array<std::complex<double>, kStep> turn;
     for (std::size_t i = 0; i < kStep; ++i)

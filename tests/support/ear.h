@@ -12,6 +12,8 @@ namespace zv::test {
 
 /// "a100 b2400": 100 ms of tone a, then 2,400 ms of b, 16-bit stereo.
 std::vector<std::int16_t> tones(const std::string& score);
+/// One channel of one tone, for a file of any rate.
+std::vector<std::int16_t> tone(char letter, int ms, int rate);
 
 /// Every stretch of every tone in the order of their beginning, ms in steps of 10:
 ///     a0-100         from 0 to 100 ms
