@@ -107,6 +107,7 @@ struct AudioState {
     bool inSlides = false;
     Channel* nextSlide = nullptr;
     std::uint64_t mixBlock = 0;    ///< the last block in which its volume slide went on in the mixer
+    std::uint32_t mixDone = 0;     ///< frames of it
     std::uint64_t chainBlock = 0;  ///< the last block in which its VOLDSP slide went on in the chain
     std::uint32_t chainDone = 0;   ///< frames of it
     double voldspRest = 0, volumeRest = 0, tempoRest = 0;

@@ -90,6 +90,12 @@ void noteHeard(Channel& channel, std::uint64_t from) {
     }
 }
 
+/// The volume slide of a channel went on for `frames` frames of a block.
+void wentOn(AudioState& a, std::uint32_t frames, std::uint64_t block) {
+    a.mixDone = frames + (a.mixBlock == block ? a.mixDone : 0);
+    a.mixBlock = block;
+}
+
 }  // namespace
 
 /// Frames up to which the same channels are converted together: a slide, or a sound, ends behind them.
@@ -141,7 +147,7 @@ bool Mixer::joinGroup(Channel& channel, std::uint32_t frames, ConversionGroups& 
     const std::uint64_t from = channel.root().shared.heard.load(std::memory_order_relaxed);
     Conversion::take(channel, frames, false);
     groups.add(*a.plug->resampler, a.volume.value());
-    a.mixBlock = time_.block;
+    wentOn(a, frames, time_.block);
     if (a.dry) playback_.setDry(channel, false);
     positions_.publish(channel);
     noteHeard(channel, from);
@@ -163,14 +169,13 @@ void Mixer::mixPart(Channel* first, float* out, std::uint32_t frames, Conversion
                 batch.add(view, a.volume);
                 if (a.volume.active()) {
                     a.volume.advance(frames);
-                    a.mixBlock = time_.block;
+                    wentOn(a, frames, time_.block);
                 }
                 if (a.dry) playback_.setDry(*channel, false);
                 positions_.publish(*channel);
                 channel = next;
                 continue;
             }
-            view = pull_.finished(view);
         }
         if (a.plug->resampler && joinGroup(*channel, frames, groups)) {
             channel = next;
@@ -193,19 +198,20 @@ void Mixer::mixInput(Channel& channel, float* out, std::uint32_t frames, View vi
             std::uint32_t want = frames - done;
             if (a.volume.active())
                 want = static_cast<std::uint32_t>(std::min<std::uint64_t>(want, a.volume.left()));
-            view = a.plug->resampler ? conversion_.pull(channel, want) : pull_.stereo(channel, want);
+            view = a.plug->resampler ? conversion_.pull(channel, want) : pull_.plain(channel, want);
             if (view.frames == 0) {
                 over = view.ended;
                 break;
             }
         }
-        if (!noted) measure(channel, view);
-        a.volume.mix(out + std::size_t{done} * 2, view.data, view.frames);
+        const View heard = pull_.finished(view);
+        if (!noted) measure(channel, view.source != View::kNoSource ? view : heard);
+        a.volume.mix(out + std::size_t{done} * 2, heard.data, view.frames);
         done += view.frames;
         over = a.volume.active() && a.volume.advance(view.frames) && a.volume.stopsAtEnd();
         view.frames = 0;
     }
-    a.mixBlock = time_.block;
+    wentOn(a, frames, time_.block);
     if (done < frames) {
         a.plug->meter->meter.feedSilence(frames - done);
         // Time goes on where its sound does not.

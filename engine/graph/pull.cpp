@@ -287,7 +287,7 @@ View Pull::finished(View view) {
     dsp::scale(stereo_.data(), view.data, samples, view.gain);
     view.data = stereo_.data();
     view.own = true;
-    if (view.gain != 1.0F) view.source = View::kNoSource;
+    view.source = View::kNoSource;
     view.gain = 1;
     view.mono = false;
     return view;

@@ -77,10 +77,17 @@ void Slides::passTime(std::uint32_t frames) {
     Channel** at = &first_;
     while (Channel* channel = *at) {
         AudioState& a = channel->audio;
-        if (a.volume.active() && a.mixBlock != time_.block &&
-            a.volume.advance(share(frames, a.plug ? a.plug->rate : channel->rate, rate, a.volumeRest)) &&
-            a.volume.stopsAtEnd())
-            playback_.finish(*channel);
+        const std::uint32_t mixed = a.mixBlock == time_.block ? a.mixDone : 0;
+        const std::uint32_t mixRate = a.plug ? a.plug->rate : channel->rate;
+        if (a.volume.active()) {
+            std::uint64_t left = 0;
+            if (mixed == 0) {
+                left = share(frames, mixRate, rate, a.volumeRest);
+            } else if (!a.playing && mixRate == rate && mixed < frames) {
+                left = frames - mixed;  // it ended in this block
+            }
+            if (a.volume.advance(left) && a.volume.stopsAtEnd()) playback_.finish(*channel);
+        }
         // A block may be so short that a conversion needs nothing new for it.
         const bool enough = a.mixBlock == time_.block && !a.dry && a.plug && a.plug->resampler;
         if (a.voldsp.active()) {
