@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "app/rehearsed_files.h"
+#include "app/rehearsed_screen.h"
 #include "audio/devices.h"
 #include "audio/open_palette.h"
 #include "audio/talk_over.h"
@@ -21,22 +22,17 @@
 #include "platform/rehearsal/json.h"
 #include "platform/rehearsal/rehearsed.h"
 #include "platform/rehearsal/stage.h"
-#include "startup/settings/automix_settings.h"
 #include "startup/settings/devices_settings.h"
 #include "startup/settings/duck_settings.h"
 #include "startup/settings/grid_settings.h"
 #include "startup/settings/marks_settings.h"
 #include "startup/settings/palette_settings.h"
-#include "startup/settings/playing_settings.h"
 #include "startup/settings/volumes_settings.h"
 #include "startup/settings_file.h"
 #include "startup/upcalls.h"
-#include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
-#include "ui/screen/button_faces.h"
 #include "ui/screen/layout.h"
-#include "ui/screen/shaded.h"
 
 namespace zv {
 namespace {
@@ -132,17 +128,6 @@ std::string faultOf(int index) {
         if (j.State == PlayState::idle) return tell("sounds, but its State is 0");
         if (j.State == PlayState::playing && !j.Playing) return tell("sounds, but Playing is not set");
     }
-    const JingleButton* button = Button(index);
-    if (button == nullptr || SelectorsOn || IsSearchHit(index) || !button->b_Jingle.visible()) return {};
-    const Colour back = button->b_Jingle.backColor();
-    const Colour playing =
-        j.PlayingOtherPal ? playingSettings.PlayingColorAnotherPal : playingSettings.PlayingColor;
-    Colour restBack = 0, restFore = 0;
-    RestColours(index, restBack, restFore);
-    if (active == BASS_ACTIVE_PLAYING && back != playing)
-        return tell("sounds, but its button does not show it");
-    if (active == BASS_ACTIVE_STOPPED && back != restBack)
-        return tell("silent, but its button does not show it");
     return {};
 }
 
@@ -205,10 +190,6 @@ std::string mixFault() {
         return "the microphone's key shows the wrong state";
     if ((k.btMicTO.backColor() == markSettings.toColor) != TalkOverOn)
         return "the talk-over key shows the wrong state";
-    const Colour automix = automixSettings.AutoMix == 1   ? Shaded.am
-                           : automixSettings.AutoMix == 2 ? Shaded.am2
-                                                          : BtnFaceColor;
-    if (k.ckAutoMix.backColor() != automix) return "the automix key shows the wrong state";
     // An input that was turned off is heard no more; its bus follows after the release time.
     if (volumeSettings.InputEnabled == 0 || timers().TimerTOrelease.enabled()) return {};
     for (std::size_t i = 0; i < MainSplit.size(); ++i) {
@@ -240,7 +221,7 @@ std::string programFault() {
         if (JExists[static_cast<std::size_t>(i)] == 0) continue;
         if (std::string fault = faultOf(i); !fault.empty()) return fault;
     }
-    return {};
+    return screenFault();
 }
 
 void listenToProgram() {
