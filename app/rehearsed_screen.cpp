@@ -15,7 +15,6 @@
 #include "audio/time_jingle.h"
 #include "engine/bass.h"
 #include "model/colours.h"
-#include "model/held_palette.h"
 #include "model/jingle.h"
 #include "model/palette_lines.h"
 #include "model/state.h"
@@ -30,6 +29,7 @@
 #include "startup/settings/labels_settings.h"
 #include "startup/settings/marks_settings.h"
 #include "startup/settings/minimal_settings.h"
+#include "startup/settings/palette_settings.h"
 #include "startup/settings/playing_settings.h"
 #include "startup/settings/volumes_settings.h"
 #include "startup/settings/warning_settings.h"
@@ -122,7 +122,11 @@ void checkArmed(Faults& f, const JingleButton& b, const JingleRecord& j, const A
         return;
     f.expect(c, "backColor", c.backColor, back);
     f.expect(c, "foreColor", c.foreColor, j.MissingFile ? kRed : GetForeColor(back, "jingle"));
-    f.expect(c, "borderColor", c.borderColor, !fits ? kNoColour : has ? ShadeColor(back, -60) : back);
+    f.expectOneOf(c, "borderColor", c.borderColor,
+                  {!fits ? kNoColour
+                   : has ? ShadeColor(back, -60)
+                         : back,
+                   kCarriedBorder});
 }
 
 void checkFace(Faults& f, int index, const JingleButton& b, DWORD active) {
@@ -324,7 +328,7 @@ void checkDisplay(Faults& f) {
     const std::string volume = " " + std::to_string(volumeSettings.Volume) + " %";
     if (volumeSettings.Volume < 100 && d.lblQuiet.caption().find(volume) == std::string::npos)
         return f.note(d.lblQuiet, "caption", d.lblQuiet.caption(), volume);
-    if (!PaletteLoading()) f.expect(d.txtDisPal, "caption", d.txtDisPal.caption, HeldPalette());
+    f.expect(d.txtDisPal, "caption", d.txtDisPal.caption, paletteSettings.PaletteIndex);
     checkCounter(f);
 }
 
@@ -337,7 +341,7 @@ void checkKeys(Faults& f) {
     }
     const auto options = armedOptions();
     for (const ArmedOption& option : options) {
-        if (option.key == nullptr) continue;
+        if (option.key == nullptr || ColorPickerOpen) continue;  // the picker is opened by a menu too
         Colour wanted = BtnFaceColor;
         for (const ArmedOption& other : options)
             if (other.code == OptionCode && other.key == option.key) wanted = other.colour;

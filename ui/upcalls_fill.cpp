@@ -49,6 +49,7 @@
 #include "ui/screen/captions.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/error_mark.h"
+#include "ui/screen/highlight.h"
 #include "ui/screen/quiet_line.h"
 #include "ui/screen/shaded.h"
 #include "ui/windows/console_window.h"
@@ -82,23 +83,19 @@ void showEmpty(int index) {
     b->b_Jingle.toolTip = std::string();
     b->picPlaylist.visible = false;
     HideMarks(index);
-    PaintButton(index, BtnFaceColor, JingleForeColor);
+    PaintAtRest(index);
 }
 
 void paintAtRest(int index) {
-    if (SelectorsOn) {
-        return;
+    if (!SelectorsOn) {
+        ShowState(index, Jingle(index).PlayingOtherPal);
+        if (Jingle(index).PlayingOtherPal) {
+            PaintButton(index, playingSettings.PlayingColorAnotherPal,
+                        GetForeColor(playingSettings.PlayingColorAnotherPal));
+            return;
+        }
     }
-    ShowState(index, Jingle(index).PlayingOtherPal);
-    if (Jingle(index).PlayingOtherPal) {
-        PaintButton(index, playingSettings.PlayingColorAnotherPal,
-                    GetForeColor(playingSettings.PlayingColorAnotherPal));
-        return;
-    }
-    Colour back = 0;
-    Colour fore = 0;
-    RestColours(index, back, fore);
-    PaintButton(index, back, fore);
+    PaintAtRest(index);
 }
 
 void showNames(int index) {
@@ -155,6 +152,9 @@ void showStarted(int index) {
     if (JingleButton* b = Button(index)) {
         b->JRemLev.visible = barSettings.JRemLevPos > 0;
         b->JremBG.visible = barSettings.JRemLevPos > 0;
+        // A fade that the start took back may have left them flashing.
+        b->lp_Jingle.foreColor = Shaded.lp;
+        b->sq_Jingle.foreColor = Shaded.sq;
         b->fx_Jingle.foreColor = Shaded.fx;
     }
 }

@@ -74,7 +74,6 @@ void b_tmAnJinTog() {
             return;
         }
         DisarmOptions();
-        Disarm(frmMain().palettes.ckAssign);
         OptionCode.clear();
         OptionControl.clear();
         ChoosingTimeJingle = true;

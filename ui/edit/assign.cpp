@@ -50,7 +50,7 @@ void clAssign(int index) {
             return;
         }
         MainWindow& w = frmMain();
-        Disarm(w.palettes.ckAssign);
+        DisarmOptions();
         ResetOption();
         ResetJingles();
         OptionCode.clear();

@@ -138,7 +138,7 @@ void clColorSet(int index) {
 void PickColour(int field) {
     guarded("frmColPick.Color_Click", [&] {
         const UndoStep step("unColour");
-        Disarm(frmMain().options.ckColorI);
+        DisarmOptions();
         for (const int i : SelJ) {
             JingleRecord& j = Jingle(i);
             if (field < kNoColourField) {
@@ -164,7 +164,7 @@ void CloseColorPicker() {
         }
         ColorPickerOpen = false;
         timers().TimerCloseColorPicker.stop();
-        Disarm(frmMain().options.ckColorI);
+        DisarmOptions();
         OptionControl.clear();
         OptionCode.clear();
         ResetJingles();

@@ -22,6 +22,7 @@
 #include "ui/records/main_window.h"
 #include "ui/screen/button_faces.h"
 #include "ui/screen/display_message.h"
+#include "ui/screen/highlight.h"
 
 namespace zv {
 
@@ -75,10 +76,7 @@ void paste(int index) {
         openStreams(index);
         Jingle(index).BackRGB = ButtonColour(Jingle(index).BTNCol);
         Jingle(index).ForeRGB = GetForeColor(Jingle(index).BackRGB, "jingle");
-        Colour back = 0;
-        Colour fore = 0;
-        RestColours(index, back, fore);
-        PaintButton(index, back, fore);
+        PaintAtRest(index);
         if (b != nullptr) {
             b->ckJingSel.value = MoveBuffer.tick;
             b->ckJingSel.visible = SelectorsShown;

@@ -59,22 +59,21 @@ void pressOption(std::size_t which) {
         ResetJingles();
         return;
     }
-    Disarm(frmMain().palettes.ckAssign);
     Arm(*option.toggle, option.base);
     SelectorsOn = true;
     OptionCode = option.code;
     HighlightArmed();
 }
 
-/// An option applies once: afterwards none is armed.
-void optionSpent(Control& toggle) {
+/// An option applies once: afterwards none is armed, also one that was not applied (a menu sets options too).
+void optionSpent() {
     ResetJingles();
     noOption();
-    Disarm(toggle);
+    DisarmOptions();
     MarkPalToSave();
 }
 
-void setPlayMode(PlayMode mode, Control& toggle) {
+void setPlayMode(PlayMode mode) {
     const UndoStep step("unOption");
     for (const int i : SelJ) {
         JingleRecord& j = Jingle(i);
@@ -84,7 +83,7 @@ void setPlayMode(PlayMode mode, Control& toggle) {
         j.PlayMod = j.PlayMod == mode ? PlayMode::global : mode;
         ShowPlayModeMark(i);
     }
-    optionSpent(toggle);
+    optionSpent();
 }
 
 void showLoopMarks(int index) {
@@ -158,7 +157,6 @@ void CkAssignTog() {
         DisarmOptions();
         noOption();
         if (!arm) {
-            Disarm(assign);
             ResetJingles();
             return;
         }
@@ -184,16 +182,16 @@ void ckTab_MouseDown(int tab) {
 }
 
 void clAutoRepSet(int) {
-    guarded("modClick.clAutoRepSet", [] { setPlayMode(PlayMode::autoRepeat, frmMain().options.ckAutoRepI); });
+    guarded("modClick.clAutoRepSet", [] { setPlayMode(PlayMode::autoRepeat); });
 }
 void clTouchSet(int) {
-    guarded("modClick.clTouchSet", [] { setPlayMode(PlayMode::touch, frmMain().options.ckTouchI); });
+    guarded("modClick.clTouchSet", [] { setPlayMode(PlayMode::touch); });
 }
 void clPlayStopSet(int) {
-    guarded("modClick.clPlayStopSet", [] { setPlayMode(PlayMode::playStop, frmMain().options.ckPlayStopI); });
+    guarded("modClick.clPlayStopSet", [] { setPlayMode(PlayMode::playStop); });
 }
 void clNoStopSet(int) {
-    guarded("modClick.clNoStopSet", [] { setPlayMode(PlayMode::noStop, frmMain().options.ckNoStopI); });
+    guarded("modClick.clNoStopSet", [] { setPlayMode(PlayMode::noStop); });
 }
 
 void clLoopSet(int) {
@@ -205,8 +203,7 @@ void clLoopSet(int) {
             j.Loop = j.Loop == 0 ? 1 : 0;
             showLoopMarks(i);
         }
-        LoopToggleAtRest();
-        optionSpent(frmMain().options.ckLoopI);
+        optionSpent();
     });
 }
 
@@ -223,8 +220,7 @@ void clSeqSet(int) {
             ShowPlayModeMark(i);
             showLoopMarks(i);
         }
-        LoopToggleAtRest();
-        optionSpent(frmMain().options.ckLoopI);
+        optionSpent();
     });
 }
 

@@ -20,6 +20,7 @@
 #include "ui/records/main_window.h"
 #include "ui/screen/button_faces.h"
 #include "ui/screen/captions.h"
+#include "ui/screen/highlight.h"
 
 namespace zv {
 
@@ -43,7 +44,7 @@ void ClearButton(int index) {
     FreeJingle(index);
     ClearRecord(index);
     HideMarks(index);
-    PaintButton(index, BtnFaceColor, JingleForeColor);
+    PaintAtRest(index);
 }
 
 void DelJing(int index, bool withFile) {

@@ -50,6 +50,9 @@ void outlineCarried() {
     for (const auto& [index, colour] : {std::pair{outlined, kNoColour}, std::pair{MoveSrcJ, kCarried}}) {
         if (JingleButton* b = Button(index)) {
             b->b_Jingle.borderColor = colour;
+            if (colour == kNoColour && SelectorsOn && !ColorPickerOpen) {
+                HighlightArmed(index);  // its own border
+            }
         }
     }
     outlined = MoveSrcJ;

@@ -49,6 +49,7 @@ void DisarmOptions() {
          {&t.ckAutoRepI, &t.ckTouchI, &t.ckPlayStopI, &t.ckNoStopI, &t.ckColorI, &t.ckFXI}) {
         Disarm(*toggle);
     }
+    Disarm(frmMain().palettes.ckAssign);
     LoopToggleAtRest();
 }
 
@@ -58,10 +59,8 @@ void ResetOption() {
             return;
         }
         DisarmOptions();
-        MainWindow& w = frmMain();
-        Disarm(w.palettes.ckAssign);
         LastCtrl.clear();
-        const Control& key = w.announcer.b_tmAnJin;
+        const Control& key = frmMain().announcer.b_tmAnJin;
         if (key.caption() == Ln("mb_tmAnJin") && key.backColor == markSettings.taColor) {
             SelectorsOn = false;
         }

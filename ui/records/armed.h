@@ -21,7 +21,7 @@ void Disarm(Control& toggle);
 
 /// ckLoopI shows neither loop nor sequence.
 void LoopToggleAtRest();
-/// All toggles of the options tab off; what they had highlighted is left as it is.
+/// All toggles of the options tab and ckAssign off; what they had highlighted is left as it is.
 void DisarmOptions();
 /// Disarms all toggles when a control was in use (LastCtrl).
 void ResetOption();

@@ -52,30 +52,48 @@ std::array<Armable, 10> armables() {
              {"ta", "mTabCt1", Shaded.ta, filledAndThere, hasNone}}};
 }
 
-/// Paints every live button but those that sound: where the option can go in its colour, the others as faces.
+/// Paints a button that does not sound: in the colour of the option where it can go, else as a face.
 /// The border tells the shell to show the colour as a frame; a button that has the option already shows it filled.
-void highlight(const Armable& option) {
-    for (const int i : LiveJingles()) {
-        JingleButton* b = Button(i);
-        const JingleRecord& j = Jingle(i);
-        if (b == nullptr || j.Playing) {
-            continue;
-        }
-        const bool fits = option.fits(j);
-        const Colour back = fits ? option.shaded : BtnFaceColor;
-        PaintButton(i, back, j.MissingFile ? kMissingColour : GetForeColor(back, "jingle"));
-        constexpr int kDeeper = -60;
-        b->b_Jingle.borderColor = !fits ? kNoColour : option.has(j) ? ShadeColor(back, kDeeper) : back;
+void highlight(int index, const Armable& option) {
+    JingleButton* b = Button(index);
+    const JingleRecord& j = Jingle(index);
+    if (b == nullptr || j.Playing) {
+        return;
     }
+    const bool fits = option.fits(j);
+    const Colour back = fits ? option.shaded : BtnFaceColor;
+    PaintButton(index, back, j.MissingFile ? kMissingColour : GetForeColor(back, "jingle"));
+    constexpr int kDeeper = -60;
+    b->b_Jingle.borderColor = !fits ? kNoColour : option.has(j) ? ShadeColor(back, kDeeper) : back;
 }
 
 }  // namespace
 
 void HighlightArmed() {
+    for (const int i : LiveJingles()) {
+        HighlightArmed(i);
+    }
+}
+
+void HighlightArmed(int index) {
     for (const Armable& option : armables()) {
         if (OptionCode == option.code) {
-            highlight(option);
+            highlight(index, option);
         }
+    }
+}
+
+void PaintAtRest(int index) {
+    const JingleRecord& j = Jingle(index);
+    if (ColorPickerOpen || j.Playing || j.PlayingOtherPal) {
+        return;
+    }
+    Colour back = 0;
+    Colour fore = 0;
+    RestColours(index, back, fore);
+    PaintButton(index, back, fore);
+    if (SelectorsOn) {
+        HighlightArmed(index);
     }
 }
 
@@ -94,7 +112,7 @@ std::string ArmedText() {
 void ResetJingles(int except) {
     guarded("modClick.ResetJingles", [&] {
         SelectorsOn = false;
-        for (const int i : LiveJingles()) {
+        for (int i = 0; i < kJingles; ++i) {  // a hidden one may come back with a larger grid
             if (i == except || Button(i) == nullptr || Jingle(i).Playing) {
                 continue;
             }

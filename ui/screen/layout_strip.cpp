@@ -12,6 +12,7 @@
 #include "startup/settings/minimal_settings.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
+#include "ui/screen/highlight.h"
 #include "ui/screen/meters.h"
 #include "ui/screen/midi_status.h"
 
@@ -214,6 +215,16 @@ void optionsTab(const TabArea& a) {
             kDrawnText * textScale());
 }
 
+/// The keys of the options are at rest: buttons do not go on showing where an option can go.
+void giveUpOption() {
+    const bool option = !OptionCode.empty() && OptionCode != "sp" && OptionCode != "ta";
+    if (option && !ColorPickerOpen) {
+        OptionCode.clear();
+        OptionControl.clear();
+        ResetJingles();
+    }
+}
+
 }  // namespace
 
 void TabDraw(int tab) {
@@ -252,6 +263,7 @@ void ChangeTab(int tab) {
             return;
         }
         ResetOption();
+        giveUpOption();
         ActiveTab = tab;
         TabDraw(tab);
         MainWindow& w = frmMain();
