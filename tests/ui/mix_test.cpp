@@ -11,6 +11,7 @@
 #include "startup/settings/live_settings.h"
 #include "startup/settings/marks_settings.h"
 #include "startup/settings/meters_settings.h"
+#include "startup/settings/palette_settings.h"
 #include "startup/settings/volumes_settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/press/global_keys.h"
@@ -162,14 +163,14 @@ TEST_F(MixTest, whatLeavesIsNotHeldByTheDuck) {
         start(kTrigger);
         pass(2900);
         EXPECT_EQ(levelsOf(heard(), 'h', {400, 1400, 2400}), "0.0 - -") << mode;
-        automixSettings.AutoMix = 1;
+        CkAutoMixTog();
         automixSettings.AutoMixTime = 800;
         start(kBed);
         pass(500);
         start(kTrigger);
         pass(3000);
         EXPECT_EQ(levelsOf(heard(), 'h', {400, 1400, 2400}), "0.0 - -") << mode;
-        automixSettings.AutoMix = 0;
+        CkAutoMixTog(), CkAutoMixTog();
     }
 }
 
@@ -188,7 +189,7 @@ TEST_F(MixTest, aDuckThatIsTurnedOffLetsGo) {
 TEST_F(MixTest, theLockCountsWhatWasStartedAMomentAgo) {
     load(1, tones("a500"));
     load(2, tones("b500"));
-    automixSettings.AutoMix = 2;
+    CkAutoMixTog(), CkAutoMixTog();
     heard();
     start(1);
     pass(20);
@@ -204,7 +205,7 @@ TEST_F(MixTest, theLockCountsWhatWasStartedAMomentAgo) {
 TEST_F(MixTest, aCrossfadeOfEqualMaterialHasNoStep) {
     load(1, level(kRate * 3, 8192));
     load(2, level(kRate * 3, 8192));
-    automixSettings.AutoMix = 1;
+    CkAutoMixTog();
     automixSettings.AutoMixTime = 400;
     start(1);
     pass(500);
@@ -333,7 +334,7 @@ TEST_F(MixTest, whyIsItQuiet) {
     EXPECT_TRUE(frmMain().display.lblQuiet.visible);
     EXPECT_EQ(frmMain().display.lblQuiet.toolTip(), foot());
     volumeSettings.Volume = 60;
-    automixSettings.AutoMix = 1;
+    CkAutoMixTog();
     load(2, tones("b2000"), "NoTrigDuck=1");
     start(2);
     pass(200);
@@ -343,7 +344,7 @@ TEST_F(MixTest, whyIsItQuiet) {
     pass(300);
     EXPECT_EQ(foot(), "");
     // The palette's name gives it room and takes it back.
-    frmMain().display.txtDisPal.caption = "Morning";
+    frmMain().display.txtDisPal.caption = paletteSettings.PaletteIndex = "Morning";
     FormDraw();
     const DisplayControls& d = frmMain().display;
     const int whole = d.txtDisPal.width;

@@ -414,6 +414,7 @@ TEST_F(PaletteTest, colours) {
 }
 
 TEST_F(PaletteTest, theMenuOffersWhatFitsTheButton) {
+    ticksChecked = false;
     const auto offered = [&](int index) {
         desktop().menu.clear();
         button(index).onMouseUp({MouseButton::right});

@@ -178,7 +178,7 @@ class PressTest : public WindowTest {
         if (slot == "missing") {
             std::filesystem::remove(path("Audio_Sample/sound_4.wav"));
             FreeJingle(kSlot);
-            rec(kSlot).MissingFile = true;
+            openStreams(kSlot);
         } else if (slot == "broken") {
             write("Audio_Sample/sound_4.wav", "no sound");
             FreeJingle(kSlot);
@@ -226,7 +226,7 @@ class PressTest : public WindowTest {
             {"tab", [] { frmMain().ckTab[1].onMouseDown({}); }},
             {"announcer", b_tmAnJinTog},
             {"noreloc", [] { folderSettings.OpenReloc = 0; }},
-            {"lock", [] { automixSettings.AutoMix = 2; }},
+            {"lock", [] { CkAutoMixTog(), CkAutoMixTog(); }},
             {"inhibit", [] { keySettings.InhibSpBar = 1; }},
             {"yes", [] { desktop().answers = {BoxAnswer::yes}; }},
             {"file", [&] { desktop().paths = {path("Audio_Sample/sound_5.wav").string()}; }},
@@ -321,6 +321,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, Meaning, ::testing::ValuesIn(kRows), rowName);
 
 TEST_F(PressTest, aLostFileActsOnRelease) {
     load(kSlot, 500);
+    ticksChecked = false;
     rec(kSlot).MissingFile = true;
     desktop().paths = {(folder / "Audio_Sample").string()};
     press(kSlot);
@@ -466,7 +467,7 @@ TEST_F(PressTest, automixFadesWhatElseSounds) {
     heard();
     perform("0 p1 p2 200 mix p3 600 p3 700", [&](const std::string& word) {
         if (word == "mix") {
-            automixSettings.AutoMix = 1;
+            CkAutoMixTog();
         } else {
             press(word[1] - '0');
         }

@@ -1,5 +1,6 @@
 #include "tests/ui/window_test.h"
 
+#include "app/rehearsed_screen.h"
 #include "audio/streams.h"
 #include "startup/language.h"
 #include "startup/settings/program_settings.h"
@@ -50,6 +51,11 @@ WindowTest::WindowTest() {
     PalToSave = false;
     resize(1280, 800);
     StartTimers();
+    UiTimer& tick = timers().TimerDispAndJButtons;
+    tick.handler = [this, handler = tick.handler] {
+        handler();
+        EXPECT_EQ(ticksChecked ? screenFault() : "", "") << monotonicMs();
+    };
 }
 
 WindowTest::~WindowTest() {

@@ -38,6 +38,9 @@ class WindowTest : public StudioTest {
     void writePalette(const std::string& name, int slots);
     void press(int index);
     void release(int index);
+    /// After each tick of the display all that is shown is held against records, settings and sound, unless a test takes
+    /// a record or a control in its own hands.
+    bool ticksChecked = true;
     Control& button(int index) { return Button(index)->b_Jingle; }
 };
 

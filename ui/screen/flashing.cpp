@@ -25,10 +25,11 @@ constexpr int kMostFlashes = 20;
 
 }  // namespace
 
+bool FadePhase = false, FlashPhase = false;
+
 void TimerFadeOutLEDTick() {
     guarded("frmMain.TimerFadeOutLED_Timer", [] {
-        static bool phase = false;
-        phase = !phase;
+        FadePhase = !FadePhase;
         for (const int i : LiveJingles()) {
             JingleButton* b = Button(i);
             const JingleRecord& j = Jingle(i);
@@ -36,7 +37,7 @@ void TimerFadeOutLEDTick() {
                 continue;
             }
             Colour lp = Shaded.lp, sq = Shaded.sq, fx = Shaded.fx;
-            if (!phase) {
+            if (!FadePhase) {
                 if (j.LoopFadeOut != 0) {
                     std::swap(lp, sq);
                 } else {
@@ -55,21 +56,20 @@ void TimerFadeOutLEDTick() {
 
 void TimerControlFlashTick() {
     guarded("frmMain.TimerControlFlash_Timer", [] {
-        static bool phase = false;
-        phase = !phase;
+        FlashPhase = !FlashPhase;
         for (const int i : LiveJingles()) {
             JingleButton* b = Button(i);
             const JingleRecord& j = Jingle(i);
             if (b == nullptr || j.hSrc == 0 || j.Seq == 0 || j.State == PlayState::stopping || !Plays(i)) {
                 continue;
             }
-            b->sq_Jingle.foreColor = InLoop(i) && phase ? Shaded.lp : Shaded.sq;
+            b->sq_Jingle.foreColor = InLoop(i) && FlashPhase ? Shaded.lp : Shaded.sq;
         }
         Control& mark = frmMain().display.lblErr;
         if (ErrOneShot == 0) {
             return;
         }
-        mark.foreColor = phase ? displaySettings.DispBackCol : clockSettings.DateTimeColor;
+        mark.foreColor = FlashPhase ? displaySettings.DispBackCol : clockSettings.DateTimeColor;
         if (++ErrBlinkCount > kMostFlashes) {
             ErrOneShot = 0;
             mark.foreColor = clockSettings.DateTimeColor;

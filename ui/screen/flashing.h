@@ -3,6 +3,9 @@
 
 namespace zv {
 
+extern bool FadePhase;   ///< of TimerFadeOutLED; the marks are steady in it
+extern bool FlashPhase;  ///< of TimerControlFlash
+
 void TimerFadeOutLEDTick();
 void TimerControlFlashTick();
 
