@@ -38,8 +38,6 @@ struct Waveform {
     std::size_t finest() const { return length > longSound ? 1 : 0; }
     /// The coarsest level whose bins are no longer than `framesPerColumn`; the finest when all are.
     std::size_t levelFor(double framesPerColumn) const;
-    /// The largest sample of both sides, without its sign.
-    double peak() const;
 };
 
 /// Puts a waveform together from sound handed over in pieces. Used by one thread at a time. [any]

@@ -18,15 +18,6 @@ std::size_t Waveform::levelFor(double framesPerColumn) const {
     return level;
 }
 
-double Waveform::peak() const {
-    double most = 0;
-    for (const auto& side : bins[finest()])
-        for (const WaveBin& bin : side)
-            most = std::max(
-                {most, std::abs(static_cast<double>(bin.low)), std::abs(static_cast<double>(bin.high))});
-    return most;
-}
-
 WaveformBuilder::WaveformBuilder(std::uint32_t rate, std::uint32_t channels, std::uint64_t length)
     : channels_(channels) {
     waveform_.rate = rate;

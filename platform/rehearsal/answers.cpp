@@ -12,9 +12,6 @@
 namespace zv {
 namespace {
 
-constexpr int kVirtualShift = 16;
-constexpr int kVirtualControl = 17;
-constexpr int kVirtualAlt = 18;
 constexpr Monitor kScreen{0, 0, 1280, 800};
 
 std::optional<std::string> preparedAnswer() {
@@ -148,25 +145,11 @@ void waitUntil(const std::function<bool()>& over) {
     if (stage.playUntil) stage.playUntil(over);
 }
 
-int runEventLoop() { return 0; }  // the script is the loop
-
 void quit(int) { Stage::instance().quitAsked = true; }
 
 int modifierKeys() { return Stage::instance().mods; }
 
-bool keyHeld(int virtualKey) {
-    const Stage& stage = Stage::instance();
-    switch (virtualKey) {
-        case kVirtualShift:
-            return (stage.mods & kShiftMask) != 0;
-        case kVirtualControl:
-            return (stage.mods & kCtrlMask) != 0;
-        case kVirtualAlt:
-            return (stage.mods & kAltMask) != 0;
-        default:
-            return stage.heldKeys.contains(virtualKey);
-    }
-}
+bool keyHeld(int virtualKey) { return Stage::instance().heldKeys.contains(virtualKey); }
 
 bool mouseOver(const Control& window) { return window.name == Stage::instance().mouseWindow; }
 
@@ -178,8 +161,6 @@ void setClipboard(const std::string& contents) {
 std::string clipboard() { return Stage::instance().clipboard; }
 
 std::vector<Monitor> monitors() { return {kScreen}; }
-
-bool screenAvailable() { return true; }
 
 void openDocument(const std::string& target) { noteEvent("open", target); }
 

@@ -8,65 +8,131 @@
 #include "platform/common/midi_queue.h"
 #include "startup/settings/midi_settings.h"
 #include "tests/midi/surface.h"
+#include "tests/support/approved.h"
 
 namespace zv::test {
 namespace {
 
 constexpr int kRescan = 2000;
-bool pumping() { return midiTimers().TimerMIDI.enabled(); }
 
-TEST_F(SurfaceTest, ADeviceIsTakenUpByNameWheneverItComes) {
-    struct Row {
-        const char *plugged, *unplugged;  ///< names; "in:" for the input alone
-        const char* label;
-        bool open;
-        const char* sent;
-    };
-    const Row rows[] = {
-        {"", "", "No MIDI device", false, ""},
-        {"Other", "", "The chosen MIDI device is not there", false, ""},
-        {"Pad", "", "Pad", true, "B00000 A00600"},
-        {"Third", "", "Pad", true, ""},  // the input is opened again, the output stays
-        {"", "Pad", "The chosen MIDI device is not there", false, ""},
-        {"", "Other", "The chosen MIDI device is not there", false, ""},
-        {"Pad", "", "Pad", true, "B00000 A00600"},
-        {"", "Third", "Pad", true, "B00000 A00600"},  // the output has another place now
-        {"", "Pad", "No MIDI device", false, ""},
-        {"in:Pad", "", "Pad", true, ""},  // no output of its name
-    };
+/// A surface's devices after each act of a script: what is open, what is shown, picked and sent.
+class DevicesTest : public SurfaceTest {
+  protected:
+    static std::string shown(const ShownList& list) {
+        std::string text = list.selected < 0 ? "-" : std::to_string(list.selected);
+        for (const std::string& row : list.rows) text += (&row == &list.rows[0] ? " of " : "/") + row;
+        return text;
+    }
+    void note(const std::string& what) {
+        std::string ins, outs;
+        for (const auto& [handle, input] : devices_.openInputs) ins += " " + input->device;
+        for (const auto& [handle, device] : devices_.openOutputs)
+            outs += " " + device +
+                    (handle == hMidiOut        ? "(control)"
+                     : handle == hMidiOutFixed ? "(fixed)"
+                                               : "(?)");
+        const Control& label = frmMain().display.lblMIDIDevice;
+        text += what + ":" + (hMidiIn == 0 ? " -" : " in") + ins + "," + outs + "; \"" + label.caption() +
+                (label.visible() ? "\"" : "\" hidden") + (MIDIInOpen ? " open" : "") +
+                (midiTimers().TimerMIDI.enabled() ? " pumps" : "") +
+                (midiTimers().TimerMIDIDevices.enabled() ? " looks" : "") + "; " + shown(cmbInDevsGUI) +
+                "; " + shown(cmbMIDIOutFixedDevsGUI) + "; " + midiSettings.MIDIDevice + " " +
+                std::to_string(midiSettings.MIDIEnabled) + std::to_string(midiSettings.MIDIAutoHide) + " " +
+                midiSettings.MIDIOutFixedDevice + " " + std::to_string(midiSettings.MIDIOutFixedEnabled) +
+                " " + std::to_string(midiSettings.MIDIOutFixedChan) + "/" +
+                std::to_string(midiSettings.MIDIOutFixedVel) + "; " + sent() + "\n";
+        for (const std::string& box : desktop().boxes) text += "    box: " + box + "\n";
+        desktop().boxes.clear();
+    }
+    void act(const std::string& what, const std::function<void()>& does) {
+        does();
+        pass(kRescan + 50);
+        note(what);
+        // Once more: nothing goes on changing.
+        const std::string before = std::exchange(text, {});
+        pass(2 * kRescan);
+        note(what);
+        EXPECT_EQ(text.substr(0, text.rfind(';')), before.substr(before.rfind(what + ":"), text.rfind(';')))
+            << "it does not come to rest";
+        text = before;
+    }
+    void pick(const ShownList& list, void (*click)(int), const std::string& name) {
+        ShownList copy = list;
+        copy.select(name);
+        click(copy.selected);
+    }
+    std::string text;
+};
+
+TEST_F(DevicesTest, AreTakenUpByNamePickedAndSwitchedOff) {
     write("MIDI.ini", "[Pad]\r\nJingle0=9010,901000,255\r\nOutReset=B00000\r\nOutStopAll=A00601,A00600\r\n");
     midiSettings.MIDIDevice = kPad;
-    StartMIDI();
-    int number = 0;
-    for (const Row& row : rows) {
-        const std::string comes = row.plugged, goes = row.unplugged;
-        if (comes.starts_with("in:"))
-            devices_.plug(comes.substr(3), {true, false});
-        else if (!comes.empty())
-            devices_.plug(comes);
-        if (!goes.empty()) devices_.unplug(goes);
-        sent();
-        pass(kRescan + 50);
-        ++number;
-        EXPECT_EQ(frmMain().display.lblMIDIDevice.caption(), row.label) << number;
-        EXPECT_EQ(hMidiIn != 0, row.open) << number;
-        EXPECT_EQ(pumping(), row.open) << number;
-        EXPECT_EQ(MIDIInOpen, row.open) << number;
-        EXPECT_EQ(frmMain().display.lblMIDIDevice.visible(), row.open) << number;
-        EXPECT_EQ(sent(), row.sent) << number;
-        EXPECT_EQ(devices_.hear("901064"), row.open) << number;
-    }
-    EXPECT_EQ(midiSettings.MIDIDevice, "Pad");
-    // A cable pulled and put back at once: the number of devices is the same.
-    devices_.plug(kPad);
-    pass(kRescan + 50);
-    sent();
-    devices_.unplug(kPad);
-    EXPECT_FALSE(devices_.hear("901064"));
-    devices_.plug(kPad);
-    pass(kRescan + 50);
-    EXPECT_TRUE(devices_.hear("901064"));
-    EXPECT_TRUE(sent().starts_with("B00000 A00600"));
+    act("start", [] { StartMIDI(); });
+    AllowMIDIFeedback();
+    act("+Other", [&] { devices_.plug("Other"); });
+    act("+Pad, in use", [&] { devices_.refuse = true, devices_.plug(kPad); });
+    act("-Pad", [&] { devices_.refuse = false, devices_.unplug(kPad); });
+    act("+Pad", [&] { devices_.plug(kPad); });
+    act("+Third", [&] { devices_.plug("Third"); });
+    act("-Pad", [&] { devices_.unplug(kPad); });
+    act("-Other", [&] { devices_.unplug("Other"); });
+    act("+Pad", [&] { devices_.plug(kPad); });
+    act("-Third", [&] { devices_.unplug("Third"); });
+    act("-Pad+Pad", [&] { devices_.unplug(kPad), devices_.plug(kPad); });
+    act("-Pad", [&] { devices_.unplug(kPad); });
+    act("+Pad's input", [&] { devices_.plug(kPad, {true, false}); });
+    act("+Pad's output", [&] { devices_.plug(kPad, {false, true}); });
+    act("+Second", [&] { devices_.plug("Second"); });
+    const auto input = [&](const std::string& name) { pick(cmbInDevsGUI, cmbInDevsGUI_Click, name); };
+    const auto fixed = [&](const std::string& name) {
+        pick(cmbMIDIOutFixedDevsGUI, cmbMIDIOutFixedDevsGUI_Click, name);
+    };
+    act("fixed output on", [] { ckMIDIEnable_Click(MidiSwitch::fixedOutput, true); });
+    act("+Fixed", [&] { devices_.plug(kFixed, {false, true}); });
+    act("the surface is the fixed output too", [&] { fixed(kPad); });
+    act("Fixed picked", [&] { fixed(kFixed); });
+    act("stop's note", [] { MIDIOutFixed(FixedNote::stop, true); });
+    act("channel, velocity", [] {
+        cmbMIDIOutFixedChan_Click(16), txtMIDIOutVel_Change(16), MIDIOutFixed(FixedNote::stop, false);
+    });
+    act("no such channel, velocity", [] {
+        cmbMIDIOutFixedChan_Click(17), txtMIDIOutVel_Change(128), MIDIOutFixed(FixedNote::stop, true);
+        cmbMIDIOutFixedChan_Click(0), txtMIDIOutVel_Change(-1), MIDIOutFixed(FixedNote::stop, true);
+    });
+    act("too soft", [] { txtMIDIOutVel_Change(15), MIDIOutFixed(FixedNote::stop, true); });
+    act("-Fixed", [&] { devices_.unplug(kFixed); });
+    act("+Fixed", [&] { devices_.plug(kFixed, {false, true}); });
+    act("none picked", [] { cmbMIDIOutFixedDevsGUI_Click(0); });
+    act("Fixed picked", [&] { fixed(kFixed); });
+    act("Second picked", [&] { input("Second"); });
+    act("its fixed one picked", [&] { fixed("Second"); });
+    act("no input picked", [] { cmbInDevsGUI_Click(0); });
+    act("Second fixed", [&] { fixed("Second"); });
+    act("and picked", [&] { input("Second"); });
+    act("Pad picked", [&] { input(kPad); });
+    act("input off", [] { ckMIDIEnable_Click(MidiSwitch::input, false); });
+    act("label stays", [] { ckMIDIEnable_Click(MidiSwitch::autoHide, false); });
+    act("input on", [] { ckMIDIEnable_Click(MidiSwitch::input, true); });
+    act("hidden before", [] { MIDIHidden = true; });
+    act("label hides", [] { ckMIDIEnable_Click(MidiSwitch::autoHide, true); });
+    act("-Pad", [&] { devices_.unplug(kPad); });
+    act("fixed output off", [] { ckMIDIEnable_Click(MidiSwitch::fixedOutput, false); });
+    act("both off", [] {
+        ckMIDIEnable_Click(MidiSwitch::input, false), ckMIDIEnable_Click(MidiSwitch::autoHide, false);
+    });
+    act("input on, Pad", [&] { ckMIDIEnable_Click(MidiSwitch::input, true), devices_.plug(kPad); });
+    act("a message that is none",
+        [] { midiOut.OutReset = "B08000", MIDIOutRefresh(-1), MIDIOutRefresh(-1); });
+    EXPECT_LE(reports.size(), 1U);
+    midiOut.OutReset = "B00000";
+    act("the end", [] { EndMIDI(); });
+    expectApproved("midi/devices.approved", text);
+    devices_.refuse = true;
+    lstInDevs = {kPad};
+    MidiHandle handle = 0;
+    OpenMidiOutDevice(0, handle);
+    EXPECT_EQ(handle, 0U);
+    EXPECT_EQ(desktop().boxes, (std::vector<std::string>{"OpenMidiOutDevice:  0  : The device is in use."}));
 }
 
 TEST_F(SurfaceTest, TheLampsAreRightWithinASecondOfACable) {
@@ -100,92 +166,6 @@ TEST_F(SurfaceTest, TheLampsAreRightWithinASecondOfACable) {
     }
 }
 
-TEST_F(SurfaceTest, WithoutAnInputNothingRunsEveryTenMs) {
-    midiSettings.MIDIDevice = kPad;
-    StartMIDI();
-    pass(3 * kRescan);
-    EXPECT_FALSE(pumping());
-    EXPECT_TRUE(midiTimers().TimerMIDIDevices.enabled());
-    devices_.refuse = true;
-    devices_.plug(kPad);
-    pass(kRescan);
-    EXPECT_FALSE(pumping());
-    EXPECT_TRUE(desktop().boxes.empty());  // an input that is in use is told by the label alone
-    midiSettings.MIDIEnabled = 0;
-}
-
-TEST_F(SurfaceTest, TheSurfaceGoesDarkAtTheEnd) {
-    start({"OutReset=B00000"});
-    sent();
-    EndMIDI();
-    EXPECT_EQ(sent(), "B00000");
-    EXPECT_TRUE(devices_.openInputs.empty());
-    EXPECT_TRUE(devices_.openOutputs.empty());
-    pass(3 * kRescan);
-    EXPECT_TRUE(devices_.openInputs.empty());
-}
-
-TEST_F(SurfaceTest, PickingInTheSettings) {
-    start({"OutReset=B00000", "Jingle0=9010,901000,255"});
-    devices_.plug("Second");
-    pass(kRescan + 50);
-    const auto row = [](const ShownList& list, const char* name) {
-        ShownList copy = list;
-        copy.select(name);
-        return copy.selected;
-    };
-    // The fixed output may not be the surface itself.
-    cmbMIDIOutFixedDevsGUI_Click(row(cmbMIDIOutFixedDevsGUI, kPad));
-    ASSERT_EQ(desktop().boxes.size(), 1U);
-    EXPECT_EQ(cmbMIDIOutFixedDevsGUI.selected, 0);
-    EXPECT_EQ(midiSettings.MIDIOutFixedDevice, kFixed);
-    cmbMIDIOutFixedDevsGUI_Click(row(cmbMIDIOutFixedDevsGUI, kFixed));
-    sent();
-    cmbInDevsGUI_Click(row(cmbInDevsGUI, "Second"));
-    EXPECT_EQ(midiSettings.MIDIDevice, "Second");
-    EXPECT_EQ(devices_.openInputs.begin()->second->device, "Second");
-    EXPECT_EQ(devices_.openOutputs.at(hMidiOut), "Second");
-    EXPECT_TRUE(sent().starts_with("B00000"));  // the one that is left goes dark
-    // No device: everything rests until another is picked; the same output is opened again.
-    cmbInDevsGUI_Click(0);
-    EXPECT_TRUE(midiSettings.MIDIDevice.empty());
-    EXPECT_EQ(hMidiIn, 0U);
-    EXPECT_FALSE(pumping());
-    cmbInDevsGUI_Click(row(cmbInDevsGUI, "Second"));
-    EXPECT_NE(hMidiIn, 0U);
-    EXPECT_NE(hMidiOut, 0U);
-    ckMIDIEnable_Click(MidiSwitch::input, false);
-    EXPECT_EQ(hMidiIn, 0U);
-    EXPECT_FALSE(pumping());
-    EXPECT_EQ(midiSettings.MIDIEnabled, 0);
-    ckMIDIEnable_Click(MidiSwitch::input, true);
-    EXPECT_NE(hMidiIn, 0U);
-    EXPECT_TRUE(pumping());
-    // A velocity below 16 makes texts of five characters: the fixed output is silent.
-    sent();
-    MIDIOutFixed(FixedNote::stop, true);
-    EXPECT_EQ(sent(), "f907F7F");
-    cmbMIDIOutFixedChan_Click(16);
-    txtMIDIOutVel_Change(16);
-    MIDIOutFixed(FixedNote::stop, false);
-    EXPECT_EQ(sent(), "f8F7F10");
-    txtMIDIOutVel_Change(15);
-    MIDIOutFixed(FixedNote::stop, true);
-    EXPECT_EQ(sent(), "");
-}
-
-TEST_F(SurfaceTest, AnOutputThatCannotBeOpenedIsTold) {
-    devices_.plug(kPad);
-    midiSettings.MIDIDevice = kPad;
-    lstInDevs = {kPad};
-    devices_.refuse = true;
-    MidiHandle handle = 0;
-    OpenMidiOutDevice(0, handle);
-    EXPECT_EQ(handle, 0U);
-    ASSERT_EQ(desktop().boxes.size(), 1U);
-    EXPECT_EQ(desktop().boxes[0], "OpenMidiOutDevice:  0  : The device is in use.");
-}
-
 TEST(MidiRing, HoldsTwentyNineAndDropsTheClock) {
     ResetRing();
     for (std::uint32_t i = 0; i < 29; ++i) {
@@ -200,6 +180,17 @@ TEST(MidiRing, HoldsTwentyNineAndDropsTheClock) {
     ResetRing();
     MidiInProc(kMidiData, 0xFE, 7);
     EXPECT_EQ(MidiInQueue[0].second, 7U);
+}
+
+TEST(MidiQueue, KnowsHowLongAMessageIs) {
+    std::string lengths;
+    for (int status = 0x80; status < 0x100; ++status)
+        if (status % 16 == 0 || status > 0xF0)
+            lengths += std::to_string(midiLength(static_cast<unsigned char>(status)));
+    EXPECT_EQ(lengths, "33332231232111111111111");
+    const unsigned char bytes[] = {0x91, 0x32, 0x43, 0x54};
+    EXPECT_EQ(packMidi(bytes), 0x433291U);
+    EXPECT_EQ(packMidi(std::span(bytes).first(2)), 0x3291U);
 }
 
 std::vector<std::uint32_t> taken;

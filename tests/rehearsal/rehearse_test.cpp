@@ -26,7 +26,27 @@ TEST(Rehearse, DoesNothingWhereScriptOrArgumentsAreBad) {
         EXPECT_EQ(show.perform("at 0 end\n", bad), 2) << bad;
         EXPECT_EQ(show.messages().find("usage: rehearse"), 0U) << bad;
     }
+    EXPECT_EQ(show.perform("at 0 end\n", "--out /proc/nowhere"), 2);
+    EXPECT_EQ(show.messages(), "/proc/nowhere: cannot be written\n");
     EXPECT_EQ(show.contentsOf("zv.ini"), before);
+    EXPECT_EQ(
+        std::system((binDir() + "/rehearse /nowhere.txt --home /tmp --out /tmp 2> /dev/null").c_str()) >> 8,
+        2);
+}
+
+TEST(Rehearse, WithoutItsLibraryTheProgramSaysSoAndDoesNotStart) {
+    Show show;
+    const std::filesystem::path bin = show.home().parent_path() / "bin";
+    std::filesystem::create_directories(bin);
+    std::filesystem::copy_file(binDir() + "/rehearse", bin / "rehearse");
+    for (const char* told : {" does not exist!", "BASS version 2.4 was not loaded"}) {
+        EXPECT_EQ(show.perform("at 0 end\n", {}, (bin / "rehearse").string()), 1);
+        const std::string events = show.result("events.log");
+        EXPECT_NE(events.find(told), std::string::npos) << events;
+        // Then one that is no library.
+        const std::size_t name = events.find("The file ") + 9;
+        std::ofstream(bin / events.substr(name, events.find(" does not") - name)) << "no library";
+    }
 }
 
 TEST(Rehearse, WritesWhatAnyProgramReads) {

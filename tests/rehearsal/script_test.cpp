@@ -42,10 +42,26 @@ TEST(RehearsalScript, TellsWhatIsWrongAndWhere) {
         {"at 0 web http://a/ b 99\nat 9 end", 1, "status"},
         {"at 9 press 1\nat 5 press 2\nat 9 end", 2, "comes before the 9 of line 1"},
         {"at 9 end\nat 9 press 1", 2, "nothing may follow"},
+        {"at 172800001 end", 1, "is not in 0 to 172800000"},
+        {"at 0 resize 0 1\nat 9 end", 1, "width 0 is not in 1 to 8192"},
+        {"at 0 resize 8192 8193\nat 9 end", 1, "height 8193 is not in 1 to 8192"},
+        {"at 0 grid 3 4\nat 9 end", 1, "rows 3 is not in 4 to 8"},
+        {"at 0 grid 8 13\nat 9 end", 1, "columns 13 is not in 4 to 12"},
+        {"at 0 random 0 1\nat 9 end", 1, "count 0 is not in 1 to 10000000"},
+        {"at 0 chaos 1 -1\nat 9 end", 1, "seed -1 is not in 0"},
+        {"at 0 web http://a/ b 600\nat 9 end", 1, "status 600 is not in 100 to 599"},
+        {"at 0 click ckTab(1001)\nat 9 end", 1, "index 1001 is not in 0 to 1000"},
+        {"at 0 key F0\nat 9 end", 1, "\"F0\" is no key"},
+        {"at 0 key f\nat 9 end", 0, ""},
+        {"at 0 key !\nat 9 end", 1, "no key"},
+        {"at 0 set txtSave \"a\" b\nat 9 end", 1, "\"b\" is too much"},
+        {"at 0 mods ctrl meta\nat 9 end", 1, "\"meta\" is no modifier key (ctrl, shift, alt)"},
+        {"\xEF\xBB\xBF# a mark\r\nat 0 grid 4 4\r\nat 0 resize 1 1\r\nat 172800000 end\r\n", 0, ""},
     };
     for (const Row& row : rows) {
         const Script script = parseScript(row.text);
-        ASSERT_FALSE(script.faults.empty()) << row.text;
+        EXPECT_EQ(script.faults.empty(), *row.part == 0) << row.text;
+        if (script.faults.empty()) continue;
         EXPECT_EQ(script.faults.front().line, row.line) << row.text;
         EXPECT_NE(script.faults.front().text.find(row.part), std::string::npos) << script.faults.front().text;
     }
@@ -68,6 +84,11 @@ TEST(RehearsalScript, SaysWhatItHasRead) {
         {"expect lblDate.visible 1", ""},
         {"expect J(0).State <= 2", ""},
         {"expect txtDisPal = A  # the first", "expect txtDisPal A"},
+        {"set txtSave \"a # b\"\t# c", "set txtSave a # b"},
+        {"set txtSave a#b", ""},
+        {"expect txtDisPal =A", ""},
+        {"down h5", "down 101"},
+        {"down Help", ""},
         {"expect DispText", ""},
         {"shot a.png", "shot frmMain a.png"},
         {"shot frmFX a.png", ""},
@@ -83,6 +104,12 @@ TEST(RehearsalScript, SaysWhatItHasRead) {
         EXPECT_EQ(actionText(script.actions[0]), *said == 0 ? line : said);
         EXPECT_EQ(script.actions[0].at, 70);
     }
+    std::string keys;
+    for (const char* name : {"backspace", "Tab",  "enter", "escape", "ESC",   "space", "PageUp", "pagedown",
+                             "end",       "home", "left",  "up",     "right", "down",  "insert", "delete",
+                             "a",         "Z",    "0",     "f",      "F1",    "f12"})
+        keys += std::to_string(static_cast<int>(keyByName(name))) + " ";
+    EXPECT_EQ(keys, "8 9 13 27 27 32 33 34 35 36 37 38 39 40 45 46 65 90 48 70 112 123 ");
     const auto first = [](const char* text) { return parseScript(text).actions.at(0); };
     const Action web = first("at 0 web http://a/ b 404 audio/mpeg;live\nat 1 end");
     EXPECT_EQ(web.number, 404);

@@ -53,12 +53,12 @@ void Show::palette(const std::vector<std::string>& sounds, const std::string& ke
     write("palette.ini", text + keys);
 }
 
-int Show::perform(const std::string& script, const std::string& arguments) {
+int Show::perform(const std::string& script, const std::string& arguments, const std::string& program) {
     const fs::path file = folder_ / "script.txt";
     std::ofstream(file, std::ios::binary) << script;
-    const std::string command = "timeout 300 \"" + test::binDir() + "/rehearse\" \"" + file.string() +
-                                "\" --home \"" + home().string() + "\" --out \"" + out().string() + "\" " +
-                                arguments + " 2> \"" + (folder_ / "messages").string() + "\"";
+    const std::string command = "timeout 300 \"" + program + "\" \"" + file.string() + "\" --home \"" +
+                                home().string() + "\" --out \"" + out().string() + "\" " + arguments +
+                                " 2> \"" + (folder_ / "messages").string() + "\"";
     const int status = std::system(command.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }

@@ -32,7 +32,8 @@ class Show {
     /// Lines behind those of zv.ini.
     void set(const std::string& lines) { write("zv.ini", contentsOf("zv.ini") + lines); }
     /// Performs the script; returns the exit status. `arguments` are added to the command.
-    int perform(const std::string& script, const std::string& arguments = {});
+    int perform(const std::string& script, const std::string& arguments = {},
+                const std::string& program = binDir() + "/rehearse");
     /// Performs it and expects that all goes as the script expects.
     void passes(const std::string& script, const std::string& arguments = {});
 

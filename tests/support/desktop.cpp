@@ -51,7 +51,6 @@ void processEvents() {}
 void waitUntil(const std::function<bool()>&) {
     if (desktop().whileWaiting) desktop().whileWaiting();
 }
-int runEventLoop() { return 0; }
 void quit(int) { desktop().quitAsked = true; }
 void setFocus(Control& control) { desktop().focus = &control; }
 Control* focusedControl() { return desktop().focus; }
@@ -77,9 +76,6 @@ std::string openFileDialog(const std::string&, const std::string&, const std::st
     desktop().kinds = kinds;
     return test::chosenPath();
 }
-std::string saveFileDialog(const std::string&, const std::string&, const std::string&) {
-    return test::chosenPath();
-}
 std::string folderDialog(const std::string&, const std::string&) { return test::chosenPath(); }
 void popupMenu(Control&, const std::vector<MenuItem>& items) {
     desktop().menu = items;
@@ -100,7 +96,6 @@ bool registerFont(const std::string&) { return true; }
 bool fontInstalled(const std::string&) { return true; }
 std::vector<std::string> installedFonts() { return {"MS Sans Serif"}; }
 std::vector<Monitor> monitors() { return desktop().screens; }
-bool screenAvailable() { return true; }
 void openDocument(const std::string& target) { desktop().documents.push_back(target); }
 void showInFolder(const std::string& file) { desktop().shown.push_back(file); }
 void runMinimised(const std::string& command) { desktop().commands.push_back(command); }
