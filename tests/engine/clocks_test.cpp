@@ -166,6 +166,15 @@ TEST_F(Clocks, TheOutputThatFollowedGoesOnWithoutACorner) {
     EXPECT_GT(aux.size() / 2, 8U * 88200 - 100);
     EXPECT_EQ(Tone::corner(aux), aux.size() / 2);
     EXPECT_EQ(engineControl()->statistics(kAux).sourceUnderruns, 0U);
+    // Both hang, as on a server that stands still: after half a second the no-sound device goes on.
+    for (const bool on : {true, false}) {
+        for (const std::string& name : {kMainName, kAuxName}) devices->hang(name, on);
+        const QWORD before = BASS_ChannelGetPosition(jingle, BASS_POS_BYTE);
+        pull(4410);
+        EXPECT_EQ(BASS_ChannelGetPosition(jingle, BASS_POS_BYTE) != before, !on);
+        pull(44100);
+        EXPECT_NE(BASS_ChannelGetPosition(jingle, BASS_POS_BYTE), before);
+    }
 }
 
 TEST_F(Clocks, APressInARestSoundsAtOnceAndWhole) {

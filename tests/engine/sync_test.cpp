@@ -1,5 +1,7 @@
 // Syncs: on the right frame, once, never late; what they command acts a period later at most.
 
+#include <future>
+
 #include "tests/engine/show.h"
 
 namespace zv::engine::test {
@@ -173,6 +175,34 @@ TEST_F(Syncs, ThoseThatWereNotReachedWaitUntilTheyAreRemoved) {
         BASS_ChannelPlay(jingle, false);
         pull(441);
         EXPECT_EQ(fired.count, 1) << turn;
+    }
+}
+
+/// Who frees or removes may throw away what the procedure uses.
+TEST_F(Syncs, FreeingAndRemovingWaitForAProcedureThatRuns) {
+    struct Gate {
+        std::atomic<bool> inside{false}, open{false};
+    };
+    const auto wait = [](HSYNC, DWORD, DWORD, void* user) {
+        auto& gate = *static_cast<Gate*>(user);
+        gate.inside = true;
+        while (!gate.open) std::this_thread::yield();
+    };
+    for (const bool frees : {false, true}) {
+        Gate gate;
+        const DWORD other = studio.jingle(file("one"));
+        const HSYNC sync = BASS_ChannelSetSync(other, BASS_SYNC_POS, 100 * 4, wait, &gate);
+        BASS_ChannelPlay(other, false);
+        auto pulling = std::async(std::launch::async, [&] { pull(882); });
+        while (!gate.inside) std::this_thread::yield();
+        EXPECT_EQ(BASS_ChannelIsActive(other), BASS_ACTIVE_PLAYING) << "nobody else waits";
+        auto gone = std::async(std::launch::async, [&] {
+            return frees ? BASS_StreamFree(other) : BASS_ChannelRemoveSync(other, sync);
+        });
+        EXPECT_EQ(gone.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout) << frees;
+        gate.open = true;
+        EXPECT_TRUE(gone.get());
+        pulling.get();
     }
 }
 

@@ -76,6 +76,15 @@ TEST(AudioLibrary, FailsSoftlyUntilItIsLoaded) {
         EXPECT_EQ(0U, BASS_GetVersion()) << path;
     }
 
+    int symbols = 0;
+    for (int lacking = 0, asked = 0; lacking == 0 || lacking < symbols; ++lacking, symbols = asked) {
+        asked = 0;
+        EXPECT_FALSE(zv::engine::bindAudioLibrary(
+            [&](const char*) { return asked++ == lacking ? nullptr : static_cast<void*>(&symbols); }));
+    }
+    EXPECT_GT(symbols, 45);
+    EXPECT_EQ(0U, BASS_GetVersion());
+
     const std::string path = bin + "/" + zv::audioLibraryName();
     ASSERT_TRUE(zv::loadAudioLibrary(path)) << path;
     EXPECT_EQ(516U, BASS_GetVersion() >> 16);
