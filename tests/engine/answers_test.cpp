@@ -1,12 +1,10 @@
-// What operations answer, with the code that they leave: compared as a whole with the texts beside this file. Where an
-// answer is meant to change, copy the text that the test names over the old one and read the difference.
-#include <fstream>
+// What operations answer, with the code that they leave.
 #include <future>
 #include <limits>
 #include <sstream>
 
 #include "tests/engine/show.h"
-#include "tests/support/places.h"
+#include "tests/support/approved.h"
 
 namespace zv::engine::test {
 namespace {
@@ -125,14 +123,6 @@ class Answers : public Show {
     std::vector<std::pair<const char*, DWORD>> channels;
 };
 
-/// Compares with the text beside this test, and leaves what is true now where the message says.
-void expectText(const std::string& text, const std::string& name) {
-    std::ifstream file(zv::test::sourceDir() + "/tests/engine/" + name);
-    const std::string wanted{std::istreambuf_iterator<char>(file), {}}, path = testing::TempDir() + name;
-    std::ofstream(path) << text;
-    EXPECT_TRUE(text == wanted) << "diff " << path << " tests/engine/" << name;
-}
-
 TEST_F(Answers, OfEveryKindOfChannel) {
     std::ostringstream all;
     const auto state = [](DWORD h) { return std::to_string(BASS_ChannelIsActive(h)); };
@@ -250,7 +240,7 @@ TEST_F(Answers, OfEveryKindOfChannel) {
             return said(BASS_Mixer_StreamAddChannel(h, split, 0));
         });
     ask("freed as a module, as a stream", asks(BASS_MusicFree), asks(BASS_StreamFree));
-    expectText(all.str(), "answers.txt");
+    zv::test::expectApproved("engine/answers.txt", all.str());
 }
 
 /// The answers to calls in their order, a line for each few.
@@ -334,7 +324,7 @@ TEST_F(Answers, InTheOrderOfAShow) {
     BASS_ChannelPlay(playing, false);
     pull(44100);
     story.tell("played into no sound", [&] { return said(BASS_ChannelGetPosition(playing, BASS_POS_BYTE)); });
-    expectText(story.all.str(), "answers_devices.txt");
+    zv::test::expectApproved("engine/answers_devices.txt", story.all.str());
 }
 
 TEST_F(Answers, OfSourcesOptionsAndEffects) {
@@ -418,7 +408,7 @@ TEST_F(Answers, OfSourcesOptionsAndEffects) {
                does(BASS_FXReset, volume), gain(1));
     story.tell("freed with its channel", does(BASS_FXReset, eq), does(BASS_StreamFree, jingle),
                does(BASS_FXReset, eq));
-    expectText(story.all.str(), "answers_sources.txt");
+    zv::test::expectApproved("engine/answers_sources.txt", story.all.str());
 }
 
 }  // namespace
