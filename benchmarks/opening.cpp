@@ -129,6 +129,7 @@ struct Kind {
     const char* name;
     const char* arguments;  ///< to ffmpeg
     bool joins = true;      ///< the long file may be made of copies of the short one
+    bool picture = false;   ///< one of 5 MB and more in front of the sound
 };
 constexpr Kind kinds[] = {{"tag.mp3", "-b:a 128k"},         {"untagged.mp3", "-b:a 128k -write_xing 0"},
                           {"vorbis.ogg", "-q:a 5"},         {"opus.ogg", "-c:a libopus"},
@@ -136,10 +137,12 @@ constexpr Kind kinds[] = {{"tag.mp3", "-b:a 128k"},         {"untagged.mp3", "-b
                           {"windows.wma", "-q:a 5"},        {"opus.webm", "-c:a libopus"},
                           {"vorbis.mkv", "-c:a libvorbis"}, {"broadcast.mp2", "-b:a 384k"},
                           {"film.avi", "-b:a 128k"},        {"film.flv", "-b:a 128k"},
-                          {"film.ts", "-c:a aac"},          {"film.mpg", "-b:a 256k"}};
+                          {"film.ts", "-c:a aac"},          {"film.mpg", "-b:a 256k"},
+                          {"cover.mp3", "", true, true},    {"cover.flac", "", false, true},
+                          {"cover.m4a", "", true, true}};
 
 double openingWork(engine::DecoderSource& decoders, const std::string& path) {
-    const bool module = path.ends_with(".mod");
+    const bool module = path.ends_with(".mod") || path.ends_with(".xm");
     std::vector<double> works;
     for (int run = 0; run < 5; ++run) {
         int error = 0;
@@ -151,10 +154,24 @@ double openingWork(engine::DecoderSource& decoders, const std::string& path) {
     return median(works);
 }
 
+constexpr std::size_t kRows = 64, kWave = 8192;  // of a module's pattern, of its only sample in bytes
+
+std::string littleEndian(std::initializer_list<std::size_t> words) {
+    std::string bytes;
+    for (const std::size_t word : words) bytes += {static_cast<char>(word), static_cast<char>(word >> 8)};
+    return bytes;
+}
+
+std::string wave() {
+    std::string bytes;
+    for (std::size_t i = 0; i < kWave; ++i) bytes += static_cast<char>(i * i);
+    return bytes;
+}
+
 /// A tracker module of `positions` patterns of 7.68 s each: four channels, a note with an effect in every second row.
-void writeModule(const std::string& path, int positions) {
-    constexpr std::size_t kHeader = 1084, kCells = 64 * 4, kWave = 8192;
-    std::string bytes(kHeader + 4 * kCells + kWave, '\0');
+std::string fourChannels(std::size_t positions) {
+    constexpr std::size_t kHeader = 1084, kCells = kRows * 4;
+    std::string bytes(kHeader + 4 * kCells, '\0');
     bytes[42] = kWave / 2 >> 8, bytes[45] = 64;  // one sample: its length in words, its volume
     bytes[46] = 0, bytes[48] = kWave / 2 >> 8;   // looped
     bytes[950] = static_cast<char>(positions);
@@ -165,22 +182,63 @@ void writeModule(const std::string& path, int positions) {
         at[2] = static_cast<char>(at[2] | (cell % 4 == 0 ? 0x4 : 0xA));  // vibrato, volume slide
         at[3] = 0x12;
     }
-    for (std::size_t i = 0; i < kWave; ++i) bytes[bytes.size() - kWave + i] = static_cast<char>(i * i);
-    std::ofstream(path, std::ios::binary) << bytes;
+    return bytes + wave();
+}
+
+/// The same in the format of 32 channels, with a change of tempo in each pattern and no two patterns of one table.
+std::string manyChannels(std::size_t positions) {
+    constexpr std::size_t kChannels = 32;
+    std::string bytes = "Extended Module: " + std::string(20, ' ') + '\x1A' + std::string(20, ' ') +
+                        littleEndian({0x104, 276, 0, positions, 0, kChannels, positions, 1, 1, 6, 125});
+    for (std::size_t k = 0; k < 256; ++k) bytes += static_cast<char>(k % positions);
+    for (std::size_t pattern = 0; pattern < positions; ++pattern) {
+        bytes += littleEndian({9, 0}) + '\0' + littleEndian({kRows, kRows * kChannels * 5});
+        for (std::size_t cell = 0; cell < kRows * kChannels; ++cell) {
+            const char note = cell / kChannels % 2 == 0 ? 49 : 0;
+            const char effect = cell == 0       ? 0xF
+                                : cell % 4 == 0 ? 0x4
+                                                : 0xA,
+                       parameter = cell == 0 ? 125 : 0x12;
+            bytes += {note, note ? '\1' : '\0', '\0', effect, parameter};
+        }
+    }
+    constexpr std::size_t kInstrument = 263;
+    std::string instrument =
+        littleEndian({kInstrument, 0}) + std::string(23, '\0') + littleEndian({1, 40, 0});
+    instrument.resize(kInstrument);
+    bytes += instrument + littleEndian({kWave, 0, 0, 0, kWave, 0}) + std::string{64, 0, 1, '\x80', 0, 0};
+    return bytes + std::string(22, '\0') + wave();
 }
 
 void openingKinds() {
     const Folder folder;
     const auto decoders = makeFileDecoders();
-    writeModule(folder / "brief.mod", 24);
-    atMost("open-3min-module.mod", openingWork(*decoders, folder / "brief.mod"), "ms", 15);
-    writeModule(folder / "lasting.mod", 127);  // the most there can be: 16 minutes
-    atMost("open-16min-module.mod", openingWork(*decoders, folder / "lasting.mod"), "ms", 100);
-    const std::string noise = "ffmpeg -v error -y -f lavfi -i anoisesrc=c=pink:a=0.1:r=44100:d=";
+    const struct {
+        const char* name;
+        std::string bytes;
+        double limit;  // ms
+    } modules[] = {{"3min-module.mod", fourChannels(24), 15},
+                   {"16min-module.mod", fourChannels(127), 100},  // the most there can be
+                   {"3min-module.xm", manyChannels(24), 15},
+                   {"30min-module.xm", manyChannels(234), 100}};
+    for (const auto& [name, bytes, limit] : modules) {
+        std::ofstream(folder / name, std::ios::binary) << bytes;
+        atMost("open-" + std::string(name), openingWork(*decoders, folder / name), "ms", limit);
+    }
+    const std::string noise = "ffmpeg -v error -y -f lavfi -i anoisesrc=c=pink:a=0.1:r=44100:d=",
+                      picture = folder / "picture.png",
+                      cover = " -i " + picture + " -map 0:a -map 1 -c:v copy -disposition:v attached_pic";
+    const std::string paint =
+        "ffmpeg -v error -f lavfi -i nullsrc=s=1400x1400,geq=r='random(1)*255':g='random(2)*255'"
+        ":b='random(3)*255' -frames:v 1 ";
+    if (std::system((paint + picture).c_str()) != 0)
+        throw std::runtime_error("ffmpeg could not make a picture");
     for (const Kind& kind : kinds) {
         const std::string name = kind.name, brief = folder / name, lasting = folder / ("30-" + name);
-        const std::string arguments = std::string(" -ac 2 ") + kind.arguments + " ";
-        const std::string copies = "ffmpeg -v error -y -stream_loop 9 -i " + brief + " -c copy " + lasting;
+        const std::string front = kind.picture ? cover : "",
+                          arguments = front + " -ac 2 " + kind.arguments + " ",
+                          copies =
+                              "ffmpeg -v error -y -stream_loop 9 -i " + brief + front + " -c copy " + lasting;
         if (std::system((noise + "180" + arguments + brief).c_str()) != 0 ||
             std::system((kind.joins ? copies : noise + "1800" + arguments + lasting).c_str()) != 0) {
             missing("open-3min-" + name, "ffmpeg could not make it");

@@ -1,6 +1,8 @@
 #include "platform/openmpt/openmpt_decoder.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -25,7 +27,8 @@ constexpr std::uint32_t walkRate = 1'260;
 constexpr std::size_t renderedAtOnce = 4096;                           // frames
 constexpr std::size_t longestModule = std::size_t{3600} * moduleRate;  // frames; an endless one is cut there
 constexpr std::uintmax_t largestFile = 64U << 20;
-constexpr int sincInterpolation = 8;  // taps
+constexpr int sincInterpolation = 8;       // taps
+constexpr std::uint8_t leastTempo = 0x20;  // smaller parameters of a tempo command are a slide, or a speed
 
 /// Without the library's own passes over all that a file holds: only its own seeks need them.
 const std::pair<const std::string, std::string> noSubsongs{"load.skip_subsongs_init", "1"};
@@ -42,6 +45,46 @@ class SilentSong {
     explicit SilentSong(std::istream& file)
         : song_(fromStart(file), log_, {noSubsongs, {"load.skip_samples", "1"}}) {
         endWithLastRow(song_);
+    }
+
+    /// Whether each row has one tempo from its first tick to its last: a MOD sets it with the second tick, S3M and IT can
+    /// slide it from tick to tick. OpenMPT's own songs may have ticks of fractions of a frame.
+    bool tempoChangesWithRows() const {
+        if (song_.get_metadata("tracker").find("OpenMPT") != std::string::npos) return false;
+        const std::string type = song_.get_metadata("type");
+        if (type == "xm") return true;
+        const bool letters = type == "s3m" || type == "it";
+        if (!letters && type != "mod") return false;
+        std::array<char, 256> letterOf{};  // of each number that the library gives a command
+        using Cell = openmpt::module::command_index;
+        const auto at = [&](std::int32_t pattern, std::int32_t row, std::int32_t channel, Cell part) {
+            return song_.get_pattern_row_channel_command(pattern, row, channel, part);
+        };
+        for (std::int32_t pattern = 0; pattern < song_.get_num_patterns(); ++pattern)
+            for (std::int32_t row = song_.get_pattern_num_rows(pattern); row-- > 0;)
+                for (std::int32_t channel = song_.get_num_channels(); channel-- > 0;) {
+                    const std::uint8_t command = at(pattern, row, channel, Cell::command_effect);
+                    if (command == 0) continue;
+                    char& letter = letterOf[command];
+                    if (letter == 0)
+                        letter = song_
+                                     .format_pattern_row_channel_command(pattern, row, channel,
+                                                                         Cell::command_effect)
+                                     .front();
+                    if (letter != (letters ? 'T' : 'F')) continue;
+                    const bool sets = at(pattern, row, channel, Cell::command_parameter) >= leastTempo;
+                    if (sets != letters) return false;
+                }
+        return true;
+    }
+
+    /// Frames by the library's own sum over the rows, in ticks of `moduleRate`: a fraction of what playing costs. Nothing
+    /// where the sum is none of whole frames. To be asked of a song that tempoChangesWithRows().
+    std::optional<std::size_t> sumOfRows() {
+        if (play(moduleRate, 1) != 1) return 0;  // from now on the library counts in frames of this rate
+        const double frames = song_.get_duration_seconds() * moduleRate;
+        if (!(frames > 0) || std::abs(frames - std::round(frames)) > 0.01) return std::nullopt;
+        return static_cast<std::size_t>(std::min(std::round(frames), static_cast<double>(longestModule)));
     }
 
     /// Frames at `moduleRate`, counted tick by tick at a low rate: a tick has 2.5 x rate / tempo frames, the rest cut
@@ -86,7 +129,11 @@ class SilentSong {
 
 /// Exact frames of the song, of which the library has an estimate only.
 std::size_t framesOfSong(std::istream& file) {
-    if (const auto counted = SilentSong(file).countTicks()) return *counted;
+    {
+        SilentSong song(file);
+        const auto frames = song.tempoChangesWithRows() ? song.sumOfRows() : song.countTicks();
+        if (frames) return *frames;
+    }
     return SilentSong(file).countFrames();
 }
 
