@@ -151,9 +151,15 @@ int MediaInput::open(std::int64_t probeBytes) {
         return result;
     context_.reset(context);
 
-    for (unsigned i = 0; i < context->nb_streams; ++i)
-        if (context->streams[i]->codecpar->codec_type != AVMEDIA_TYPE_AUDIO)
-            context->streams[i]->discard = AVDISCARD_ALL;
+    for (unsigned i = 0; i < context->nb_streams; ++i) {
+        AVStream& stream = *context->streams[i];
+        if (stream.codecpar->codec_type == AVMEDIA_TYPE_AUDIO) continue;
+        stream.discard = AVDISCARD_ALL;
+        if ((stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0) continue;
+        // A cover is no picture to the library: it would decode it to learn its colours.
+        stream.codecpar->codec_type = AVMEDIA_TYPE_DATA;
+        stream.codecpar->codec_id = AV_CODEC_ID_NONE;
+    }
     if (const int result = avformat_find_stream_info(context, nullptr); result < 0)
         return hasPicture(*context) ? AVERROR_STREAM_NOT_FOUND : result;
     const int best = av_find_best_stream(context, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
