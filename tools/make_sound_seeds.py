@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Seeds of decoder_fuzz: a blink of sound in every format, with the byte in front that chooses its name.
 
-    make_sound_seeds.py FOLDER
+    make_sound_seeds.py FOLDER [modules]
 """
 import pathlib
 import struct
@@ -56,7 +56,7 @@ def s3m():
     instrument = (b"\1" + bytes(12) + bytes([0]) + struct.pack("<H", wave // 16)
                   + struct.pack("<III", len(WAVE), 0, len(WAVE)) + bytes([64, 0, 0, 1]) + struct.pack("<I", 8363)
                   + bytes(12) + bytes(28) + b"SCRS")
-    rows = bytes([0x20, 0x40, 1, 0]) + bytes(63)
+    rows = bytes([0xA0, 0x40, 1, 20, 0x13, 0]) + bytes(63)  # the tempo slides up
     pattern = struct.pack("<H", len(rows) + 2) + rows
     return (head + instrument).ljust(256, b"\0") + pattern.ljust(256, b"\0") + WAVE
 
@@ -68,7 +68,7 @@ def it():
     head = head.ljust(256, b"\0")
     sample = (b"IMPS" + bytes(12) + bytes([0, 64, 0x11, 64]) + bytes(26) + bytes([1, 0])
               + struct.pack("<IIIIIIII", len(WAVE), 0, len(WAVE), 8363, 0, 0, 512, 0))
-    rows = bytes([0x81, 3, 60, 1, 0]) + bytes(63)
+    rows = bytes([0x81, 11, 60, 1, 20, 0x05, 0]) + bytes(63)  # the tempo slides down
     return (head + sample).ljust(384, b"\0") + (struct.pack("<HH", len(rows), 64) + bytes(4) + rows).ljust(128, b"\0") + WAVE
 
 
@@ -87,6 +87,8 @@ def main():
 
     for make in (mod, xm, s3m, it, mtm):
         keep(make.__name__, make.__name__, make())
+    if sys.argv[2:] == ["modules"]:
+        return
     with tempfile.TemporaryDirectory() as work:
         for name, extension, arguments in SOUNDS:
             path = f"{work}/a.{extension}"

@@ -1,0 +1,335 @@
+// Files of every kind, as encoders, recorders and accidents leave them, each against an independent decoder or against
+// what it was made from: length, every frame, seeks late and far, loops as the engine plays them, the end.
+
+#include <array>
+#include <cstring>
+
+#include "platform/offline/offline_devices.h"
+#include "tests/sound/workshop.h"
+#include "tests/support/places.h"
+
+namespace zv::test {
+namespace {
+
+constexpr const char* decoded = "ffmpeg -v quiet -i $f -f s16le -";
+constexpr const char* layerTwo = "ffmpeg -v quiet -c:a mp2float -i $f -f s16le -";
+constexpr const char* source = "sox $s -t raw -";
+constexpr const char* exact = "sox -D $f -t raw -b 16 -e signed -";
+constexpr const char* song = "ffmpeg -v quiet -f libopenmpt -sample_rate 44100 -i $f -f s16le -";
+constexpr std::size_t fade = 44'100 * 60;  // frames that the reference adds to a song
+
+struct Kind {
+    const char* name;  ///< its extension chooses the container
+    /// Makes "$f" of "$s"; what begins with "-", or is nothing, are arguments to ffmpeg. "$v" adds a moving picture, "$p"
+    /// one of 6 MB in front.
+    const char* make = "";
+    const char* reference = decoded;  ///< prints the sound as 16 bits
+    std::uint32_t rate = 44'100, channels = 2;
+    bool told = true;     ///< it tells where its sound begins and ends: not a frame is before or behind it
+    std::size_t cut = 0;  ///< frames that the reference may have more: padding that it does not take off
+    /// Part of the sound that damage took, in hundredths.
+    std::array<std::size_t, 2> damaged{100, 100};
+};
+
+const Kind kinds[] = {
+    {.name = "u8.wav", .make = "-c:a pcm_u8", .reference = exact},
+    {.name = "s16.wav", .reference = source},
+    {.name = "s24.wav", .make = "-c:a pcm_s24le", .reference = source},
+    {.name = "s32.wav", .make = "-c:a pcm_s32le", .reference = source},
+    {.name = "f32.wav", .make = "-c:a pcm_f32le", .reference = source},
+    {.name = "low.wav", .reference = source, .rate = 8'000, .channels = 1},
+    {.name = "high.wav", .make = "-c:a pcm_s24le", .reference = source, .rate = 192'000},
+    {.name = "six.wav", .reference = source, .channels = 6},
+    {.name = "rf64.wav", .make = "-rf64 always", .reference = source},
+    {.name = "chunks.wav", .make = "cp chunks.made $f", .reference = source},
+    {.name = "behind.wav",
+     .make = "{ cat $s; printf 'LIST\\211\\023\\000\\000'; head -c 5002 /dev/zero; } >$f",
+     .reference = source},
+    {.name = "odd.wav",
+     .make = "ffmpeg -v error -i $s -c:a pcm_u8 8.wav && { cat 8.wav; printf 'LIST\\004\\000\\000\\000abcd'; "
+             "} >$f",
+     .reference = exact,
+     .channels = 1},
+    {.name = "adpcm.wav", .make = "-c:a adpcm_ima_wav", .told = false},
+    {.name = "ms.wav", .make = "-c:a adpcm_ms", .told = false},
+    {.name = "mp3.wav", .make = "-c:a libmp3lame", .told = false},
+    {.name = "big.aiff", .reference = source},
+    {.name = "whole.flac", .reference = source},
+    {.name = "deep.flac", .make = "-sample_fmt s32", .reference = source, .rate = 96'000},
+    {.name = "picture.flac",
+     .make = "flac -s --picture='3|image/bmp||1400x1400x24|picture.bmp' $s -o $f 2>/dev/null",
+     .reference = source},
+    {.name = "whole.m4a", .make = "-c:a alac", .reference = source},
+    {.name = "picture.m4a", .make = "$p -c:a alac", .reference = source},
+    {.name = "mono.ogg", .make = "-c:a libvorbis", .rate = 22'050, .channels = 1},
+    {.name = "vorbis.ogg", .make = "cp a.ogg $f", .reference = "oggdec -Q -R -o - $f"},
+    {.name = "joined.ogg",
+     .make = "cat a.ogg b.ogg a.ogg >$f",
+     .reference = "for k in a b a; do oggdec -Q -R -o - $k.ogg; done",
+     .told = false},
+    {.name = "joined.oga",
+     .make = "flac -s --ogg $s -o one.oga 2>/dev/null; cat one.oga b.ogg >$f",
+     .reference = "sox $s -t raw -; oggdec -Q -R -o - b.ogg",
+     .told = false},
+    {.name = "long.oga", .make = "flac -s --ogg $s -o $f 2>/dev/null", .reference = source},
+    {.name = "zeros_between.ogg",
+     .make = "(head -c 30000 a.ogg; head -c 137000 /dev/zero; tail -c +30001 a.ogg) >$f",
+     .reference = "oggdec -Q -R -o - a.ogg",
+     .damaged = {25, 50}},
+    {.name = "zeros_over.ogg",
+     .make = "cp a.ogg $f; dd if=/dev/zero of=$f bs=1 seek=30000 count=10000 conv=notrunc status=none",
+     .reference = "oggdec -Q -R -o - a.ogg",
+     .damaged = {25, 60}},
+    {.name = "music.opus", .make = "-c:a libopus", .rate = 48'000},
+    {.name = "speech.opus", .make = "-c:a libopus -application voip -b:a 14k", .rate = 48'000, .told = false},
+    {.name = "tag.mp3", .make = "-b:a 128k"},
+    {.name = "variable.mp3", .make = "-q:a 3"},
+    {.name = "low.mp3", .make = "-b:a 32k", .rate = 22'050, .channels = 1},
+    {.name = "picture.mp3", .make = "$p"},
+    {.name = "untagged.mp3", .make = "-b:a 128k -write_xing 0 -id3v2_version 0", .told = false},
+    // The tag's last 12 bits: 2,300 frames of padding.
+    {.name = "padding.mp3",
+     .make = "ffmpeg -v error -i $s -b:a 128k $f && at=$(grep -abo -m1 Lavc $f | head -1 | cut -d: -f1) && "
+             "printf '\\010\\374' | dd of=$f bs=1 seek=$((at+22)) conv=notrunc status=none",
+     .told = false},
+    {.name = "old.mp2", .make = "-c:a mp2", .reference = layerTwo, .told = false},
+    {.name = "broadcast.mp2",
+     .make = "ffmpeg -v error -i $s -b:a 256k $f && { printf TAG; head -c 125 /dev/zero; } >>$f",
+     .reference = layerTwo,
+     .told = false},
+    {.name = "lossy.m4a", .make = "cp even.m4a $f", .cut = 1023},
+    {.name = "jitter.m4a",
+     .make = "ffmpeg -v error -i even.m4a -c copy -bsf:a 'setts=pts=PTS+448*gt(N\\,300)-mod(N\\,3):"
+             "dts=DTS+448*gt(N\\,300)-mod(N\\,3)' -use_editlist 0 $f",
+     .reference = "ffmpeg -v quiet -i undated.m4a -f s16le -",
+     .told = false,
+     .cut = 1023},
+    {.name = "cut.m4a", .make = "ffmpeg -v error -ss 3 -i even.m4a -c copy $f", .told = false, .cut = 1023},
+    {.name = "late.mov",
+     .make = "ffmpeg -v error -i even.m4a -c copy -bsf:a setts=pts=PTS+2048:dts=DTS+2048 $f",
+     .told = false},
+    {.name = "parts.mp4",
+     .make =
+         "ffmpeg -v error -i even.m4a -c copy -movflags frag_keyframe+empty_moov -frag_duration 2000000 $f",
+     .told = false,
+     .cut = 1023},
+    {.name = "phone.3gp", .make = "-c:a aac -aac_pns 0", .channels = 1, .cut = 1023},
+    {.name = "stream.aac", .make = "cp plain.aac $f", .told = false},
+    // Whose upper bands the codec makes of what it holds: nothing of the end may sound at the start.
+    {.name = "bands.aac", .make = "cp bands.made $f", .told = false},
+    {.name = "bands.m4a", .make = "ffmpeg -v quiet -f aac -i bands.made -c copy $f", .told = false},
+    {.name = "two.wma", .make = "-c:a wmav2", .told = false},
+    {.name = "one.asf", .make = "-c:a wmav1", .told = false},
+    {.name = "film.mpg", .make = "-c:a mp2", .reference = layerTwo, .told = false},
+    {.name = "film.avi", .make = "-c:a libmp3lame", .told = false},
+    {.name = "plain.avi", .make = "-c:a pcm_s16le", .reference = source},
+    {.name = "flac.mkv", .make = "-c:a flac", .reference = source},
+    {.name = "vorbis.mkv", .make = "ffmpeg -v error -i a.ogg -c copy $f", .told = false, .cut = 4096},
+    {.name = "opus.webm", .make = "-c:a libopus", .rate = 48'000, .told = false},
+    {.name = "seen.mkv",
+     .make = "ffmpeg -v error $v -i a.ogg -map 0 -map 1 -c:v mjpeg -c:a copy $f",
+     .told = false,
+     .cut = 4096},
+    {.name = "seen.mp4", .make = "$v -map 0 -map 1 -c:a aac -aac_pns 0", .cut = 1023},
+    {.name = "seen.mpg", .make = "$v -map 0 -map 1 -c:a mp2", .reference = layerTwo, .told = false},
+    {.name = "seen.avi", .make = "$v -map 0 -map 1 -c:a libmp3lame", .told = false},
+    {.name = "seen.wmv", .make = "$v -map 0 -map 1", .told = false},
+    {.name = "seen.3gp",
+     .make = "$v -map 0 -map 1 -c:v mpeg4 -c:a aac -aac_pns 0",
+     .channels = 1,
+     .cut = 1023},
+    {.name = "tiny.mod", .make = "cp tiny.made $f", .reference = song, .told = false, .cut = fade},
+    {.name = "intro.xm",
+     .make = "cp /usr/share/games/heroes/mod/intro.xm $f",
+     .reference = song,
+     .told = false,
+     .cut = fade},
+};
+
+constexpr float sixteenBit = 1.01F / 32768;
+
+bool isSong(const Kind& kind) { return kind.reference == song; }
+
+/// Not a multiple of any codec's frame, but of a millisecond, to which some containers round; longer than what is decoded
+/// whole at opening.
+std::size_t sourceFrames(const Kind& kind) { return kind.rate / 100 * 1'203; }
+
+std::vector<float> tonesOf(const Kind& kind) {
+    return wanderingTones(kind.rate, kind.channels, sourceFrames(kind));
+}
+
+/// What the files are made from, once for all of them.
+const Folder& corpus() {
+    static const Folder folder;
+    static const bool made = [] {
+        const auto tones = wanderingTones(44'100, 2, 44'100 / 100 * 1'203);
+        writeWav(folder / "44100-2.wav", tones, 44'100, 2);
+        // Data behind a chunk of an odd size that is larger than what is probed.
+        auto bytes = readBytes(folder / "44100-2.wav");
+        std::vector<char> chunk(8 + 70'001 + 1, 'x');
+        const std::uint32_t size = 70'001;
+        std::memcpy(chunk.data(), "junk", 4);
+        std::memcpy(chunk.data() + 4, &size, 4);
+        bytes.insert(bytes.begin() + 36, chunk.begin(), chunk.end());
+        writeBytes(folder / "chunks.made", bytes);
+        writeBytes(folder / "tiny.made", tinyModule(60));
+        // A picture of 1,400 x 1,400 points, three bytes each.
+        std::vector<char> picture(54 + 3 * 1'400 * 1'400);
+        std::mt19937 random(5);
+        for (char& byte : picture) byte = static_cast<char>(random());
+        const std::uint32_t head[] = {static_cast<std::uint32_t>(picture.size()),
+                                      0,
+                                      54,
+                                      40,
+                                      1'400,
+                                      1'400,
+                                      24 << 16 | 1,
+                                      0,
+                                      0,
+                                      0,
+                                      0,
+                                      0,
+                                      0};
+        picture[0] = 'B', picture[1] = 'M';
+        std::memcpy(picture.data() + 2, head, sizeof head);
+        writeBytes(folder / "picture.bmp", picture);
+        return run("cd " + folder.path().string() +
+                   " && s=44100-2.wav"
+                   " && ffmpeg -v error -i $s -c:a aac -aac_pns 0 even.m4a"
+                   " && ffmpeg -v error -i even.m4a -c copy -use_editlist 0 undated.m4a"
+                   " && ffmpeg -v error -i $s -c:a aac -aac_pns 0 plain.aac"
+                   " && ffmpeg -v error -i $s -ar 22050 -ac 1 -c:a aac -aac_pns 0 half.aac"
+                   " && python3 " +
+                   sourceDir() +
+                   "/tests/sound/add_spectral_bands.py half.aac bands.made"
+                   " && oggenc -Q -q 5 $s -o a.ogg && sox $s part.wav trim 3 5 && oggenc -Q part.wav -o "
+                   "b.ogg") == 0;
+    }();
+    EXPECT_TRUE(made);
+    return folder;
+}
+
+std::string inCorpus(std::string command, const Kind& kind) {
+    const std::string name = std::to_string(kind.rate) + "-" + std::to_string(kind.channels) + ".wav";
+    if (command.empty() || command[0] == '-' || command.starts_with("$p") || command.starts_with("$v"))
+        command = "ffmpeg -v error -i $s " + command + " $f";
+    if (!std::filesystem::exists(corpus() / name))
+        writeWav(corpus() / name, tonesOf(kind), kind.rate, kind.channels);
+    return "cd " + corpus().path().string() + " && f=" + kind.name + " s=" + name +
+           " v='-f lavfi -i testsrc=s=176x144:d=12:r=25' p='-i picture.bmp -map 0 -map 1 -c:v copy "
+           "-disposition:v "
+           "attached_pic' && { " +
+           command + "; }";
+}
+
+/// Sound of a file from the reference, to be compared with any stretch of it.
+class Reference {
+  public:
+    explicit Reference(const Kind& kind) : kind_(kind) {
+        const auto bytes = outputOf(inCorpus(kind.reference, kind));
+        samples_.resize(bytes.size() / 2);
+        std::memcpy(samples_.data(), bytes.data(), samples_.size() * 2);
+    }
+    std::size_t frames() const { return samples_.size() / kind_.channels; }
+    /// Frame of the file that is heard as frame `k`, and of how many channels.
+    template <class Place>
+    void expectSame(std::span<const float> sound, std::size_t channels, Place place, const char* what) const {
+        for (std::size_t i = 0; i < sound.size(); ++i) {
+            const std::size_t at = place(i / channels);
+            if (at >= frames() * kind_.damaged[0] / 100 && at < frames() * kind_.damaged[1] / 100) continue;
+            const std::size_t channel = kind_.channels == 1 ? 0 : i % channels;
+            const float wanted = samples_[at * kind_.channels + channel] / 32768.0F;
+            if (!(std::abs(sound[i] - wanted) <= sixteenBit)) {
+                ADD_FAILURE() << what << ": frame " << at << " is " << sound[i] << ", not " << wanted;
+                return;
+            }
+        }
+    }
+
+  private:
+    const Kind& kind_;
+    std::vector<std::int16_t> samples_;
+};
+
+/// The loop from `from` to `to` as the engine plays it, from a little before its first wrap on.
+void expectLoop(const Kind& kind, const Reference& reference, OfflineDevices& devices, std::size_t length,
+                std::size_t from, std::size_t to) {
+    constexpr std::size_t lead = 900, periods = 12, period = 441;
+    const std::string path = corpus() / kind.name;
+    const DWORD channel = isSong(kind) ? BASS_MusicLoad(false, path.c_str(), 0, 0, BASS_SAMPLE_LOOP, 0)
+                                       : BASS_StreamCreateFile(false, path.c_str(), 0, 0, BASS_SAMPLE_LOOP);
+    const std::size_t frameBytes = kind.channels * 2;
+    EXPECT_EQ(length * frameBytes, BASS_ChannelGetLength(channel, BASS_POS_BYTE));
+    EXPECT_TRUE(BASS_ChannelSetPosition(channel, from * frameBytes, BASS_POS_LOOP));
+    EXPECT_TRUE(BASS_ChannelSetPosition(channel, to * frameBytes, BASS_POS_END));
+    EXPECT_TRUE(BASS_ChannelSetPosition(channel, (to - lead) * frameBytes, BASS_POS_BYTE));
+    EXPECT_TRUE(BASS_ChannelPlay(channel, false));
+    devices.pull(periods * period, kind.rate);
+    const auto heard = devices.takeSound("Main output");
+    ASSERT_EQ(heard.size(), 2 * periods * period);
+    const auto place = [&](std::size_t k) {
+        return k < lead ? to - lead + k : from + (k - lead) % (to - from);
+    };
+    reference.expectSame(heard, 2, place, "loop");
+    EXPECT_EQ(place(periods * period) * frameBytes, BASS_ChannelGetPosition(channel, BASS_POS_BYTE));
+    EXPECT_TRUE(isSong(kind) ? BASS_MusicFree(channel) : BASS_StreamFree(channel));
+}
+
+class FileKinds : public testing::TestWithParam<Kind> {};
+
+TEST_P(FileKinds, SoundAsTheReferenceHasThem) {
+    const Kind& kind = GetParam();
+    ASSERT_EQ(0, run(inCorpus(kind.make, kind)));
+    const Reference reference(kind);
+    int error = -1;
+    const auto decoders = makeFileDecoders();
+    const std::string path = corpus() / kind.name;
+    const auto decoder = isSong(kind) ? decoders->openModule(path, error) : decoders->openFile(path, error);
+    ASSERT_TRUE(decoder) << error;
+    EXPECT_EQ(0, error);
+    EXPECT_EQ(kind.rate, decoder->format().rate);
+    ASSERT_EQ(kind.channels, decoder->format().channels);
+    const std::size_t length = *decoder->length();
+    ASSERT_LE(length, reference.frames());
+    EXPECT_GE(length + kind.cut, reference.frames());
+    EXPECT_EQ(kind.told ? sourceFrames(kind) : length, length);
+
+    std::vector<float> part(700 * kind.channels);
+    // First of all a seek ahead. Then the ends, late, far, back, near, and the start once more.
+    for (const std::size_t to : {length / 2, length - 700, std::size_t{0}, length - 1, length * 9 / 10,
+                                 std::size_t{44'101}, length * 2 / 3, length * 2 / 3 + 9000, length / 7,
+                                 length - 5000, std::size_t{1}, length, std::size_t{0}}) {
+        ASSERT_TRUE(decoder->seek(to));
+        const std::size_t got = decoder->read(part);
+        ASSERT_EQ(std::min<std::size_t>(700, length - to), got);
+        EXPECT_EQ(to + got == length, decoder->ended());
+        reference.expectSame(
+            std::span(part).first(got * kind.channels), kind.channels, [&](std::size_t k) { return to + k; },
+            "after a seek");
+    }
+    EXPECT_FALSE(decoder->seek(length + 1));
+    ASSERT_TRUE(decoder->seek(0));
+    const auto whole = readWhole(*decoder);
+    ASSERT_EQ(length * kind.channels, whole.size());
+    EXPECT_TRUE(decoder->ended());
+    reference.expectSame(
+        whole, kind.channels, [](std::size_t k) { return k; }, "whole");
+    EXPECT_EQ(0, kind.told ? lagOf(whole, tonesOf(kind), kind.channels, 64) : 0);
+    if (kind.channels > 2) return;
+    const auto devices = makeOfflineDevices({});
+    engine::engineControl()->install({decoders, nullptr, devices});
+    ASSERT_TRUE(BASS_Init(1, kind.rate, 0, nullptr, nullptr));
+    expectLoop(kind, reference, *devices, length, 0, length);
+    expectLoop(kind, reference, *devices, length, length - 1'500, length);
+    expectLoop(kind, reference, *devices, length, length / 3, length / 3 + 1'777);
+    engine::engineControl()->install({});
+}
+
+INSTANTIATE_TEST_SUITE_P(All, FileKinds, testing::ValuesIn(kinds), [](const auto& info) {
+    std::string name = info.param.name;
+    std::replace(name.begin(), name.end(), '.', '_');
+    return name;
+});
+
+}  // namespace
+}  // namespace zv::test
