@@ -13,6 +13,7 @@
 #include "startup/settings/automix_settings.h"
 #include "startup/settings/duck_settings.h"
 #include "startup/settings/grid_settings.h"
+#include "startup/settings/minimal_settings.h"
 #include "startup/settings/volumes_settings.h"
 #include "tests/show/plain_model.h"
 #include "tests/support/ear.h"
@@ -36,9 +37,15 @@ class Chance : public ShowTest {
         volumeSettings.Volume = 80;
         volumeSettings.VolumeAux = 50;
         Ducked = DuckWanted = false;
-        audioUpcalls.playStarting = [this](int i) { told += " starting" + std::to_string(i); };
-        audioUpcalls.playStarted = [this](int i) { told += " started" + std::to_string(i); };
-        audioUpcalls.loopLeft = [this](int i) { told += " left" + std::to_string(i); };
+        for (const auto& [upcall, word] : {std::pair(&AudioUpcalls::startIgnored, " ignored"),
+                                           {&AudioUpcalls::playStarting, " starting"},
+                                           {&AudioUpcalls::playStarted, " started"},
+                                           {&AudioUpcalls::loopLeft, " left"}})
+            audioUpcalls.*upcall = [this, word](int i) { told += word + std::to_string(i); };
+        for (const auto& [upcall, word] : {std::pair(&AudioUpcalls::hideClock, " clock"),
+                                           {&AudioUpcalls::stopAnnouncer, " announcer"},
+                                           {&AudioUpcalls::stopStream, " stream"}})
+            audioUpcalls.*upcall = [this, word] { told += word; };
         audioUpcalls.feedback = [this](int i, Feedback what) {
             if (what == Feedback::stopping) told += " stopping" + std::to_string(i);
         };
@@ -78,7 +85,7 @@ class Chance : public ShowTest {
         j.LogFadeOut = any(3) == 0 ? 1 : 0;
         j.LoopFadeOut = any(2) == 0 ? 1 : 0;
         j.PlayMod = static_cast<PlayMode>(oneOf({0, 0, 1, 2, 3, 4}));
-        j.CueStart = bytes({0, 0, 100});
+        j.CueStart = bytes({0, 0, 100, 9000});
         j.StopPos = bytes({0, 0, 443, 703});
         j.BTNCol = any(2) == 0 ? kFaceColourText : "102030";
         j.Loop = any(5) == 0 ? 1 : 0;
@@ -100,7 +107,7 @@ class Chance : public ShowTest {
     void begin(unsigned seed) {
         done = "seed " + std::to_string(seed);
         chance.seed(seed);
-        MIDILearnActive = CtrlDown = SelectorsOn = false;
+        MIDILearnActive = CtrlDown = ShiftDown = AltDown = SelectorsOn = ClockShown = false;
         automixSettings.AutoMix = ToggleAutoRep = ToggleTouch = 0;
         evStop();
         look(0);
@@ -265,9 +272,11 @@ class Chance : public ShowTest {
                 break;
             case 9:
                 MIDILearnActive = any(8) == 0;
-                CtrlDown = any(6) == 0;
+                CtrlDown = any(12) == 0, ShiftDown = any(12) == 0, AltDown = any(12) == 0;
                 SelectorsOn = any(6) == 0;
-                what = "learns " + std::to_string(MIDILearnActive) + " ctrl " + std::to_string(CtrlDown);
+                minimalSettings.MinimalView = oneOf({0, 1}), ClockShown = any(2) == 0;
+                what = "learns " + std::to_string(MIDILearnActive) + " held " +
+                       std::to_string(CtrlDown || ShiftDown || AltDown);
                 break;
             default: {
                 const int velocity = oneOf({-1, -1, 127, 64, 200});

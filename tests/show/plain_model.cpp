@@ -8,6 +8,7 @@
 #include "model/state.h"
 #include "startup/settings/automix_settings.h"
 #include "startup/settings/duck_settings.h"
+#include "startup/settings/minimal_settings.h"
 #include "tests/support/ear.h"
 
 namespace zv::test {
@@ -37,6 +38,11 @@ std::vector<std::int16_t> Tones::samples() const {
         for (const std::int16_t sample : tone(letter, ms, rate))
             for (int channel = 0; channel < channels; ++channel) all.push_back(sample);
     return all;
+}
+
+int Slot::cue() const {
+    const int ms = sound.ms(is.CueStart);
+    return ms < sound.lengthMs ? ms : 0;
 }
 
 double Slot::endOffset() const {
@@ -80,7 +86,8 @@ void Slot::derive() {
     is.BackRGB = ButtonColour(is.BTNCol);
     is.ForeRGB = GetForeColor(is.BackRGB, "jingle");
     is.EndOffset = endOffset();
-    is.Duration = std::max(0.0, sound.bytes(sound.lengthMs) - is.CueStart - endOffset()) / sound.bytes(1000);
+    is.Duration =
+        std::max(0.0, sound.bytes(sound.lengthMs) - sound.bytes(cue()) - endOffset()) / sound.bytes(1000);
 }
 
 void Model::open(int index, const PersistedJingle& content) {
@@ -89,9 +96,10 @@ void Model::open(int index, const PersistedJingle& content) {
     s.is.persisted() = content;
     s.is.Freq = s.sound.rate;
     s.is.Kind = SlotKind::stream;
+    s.is.hPlay = s.is.hSrc = 1;
     s.derive();
     s.own.start(content.Volm / 100.0, 0);
-    s.at = s.sound.ms(content.CueStart);
+    s.at = s.cue();
 }
 
 void Model::openPalette() {
@@ -118,7 +126,7 @@ void Model::bring(int index, const PersistedJingle& content) {
     s.own.start(content.Volm / 100.0, s.sounds ? 10 : 0);
     s.own.waits = s.sounds && s.heard ? s.sound.heldMs() : 0;
     if (s.sounds) return s.arm();
-    s.at = s.sound.ms(content.CueStart);
+    s.at = s.cue();
     s.vol.start(1, 0);
 }
 
@@ -133,13 +141,14 @@ void Model::start(int index, int velocity) {
     s.loops = s.is.Loop != 0 || sequence;
     s.loopIn = sequence ? s.sound.ms(s.is.LoopIn) : 0;
     s.loopOut = sequence ? s.sound.ms(s.is.LoopOut) : s.sound.lengthMs;
-    s.at = s.sound.ms(s.is.CueStart);
+    s.at = s.cue();
     s.vol.start(velocity / 127.0, 10);
     s.dsp.start(1, 0);
     s.sounds = true, s.heard = false;
     s.arm();
     s.is.Playing = true, s.is.Leaving = false;
     s.is.State = PlayState::playing;
+    if (s.is.CueStart > 0 && s.at == 0) told += " ignored" + std::to_string(index);
     told += " starting" + std::to_string(index) + " started" + std::to_string(index);
 }
 
@@ -180,6 +189,7 @@ void Model::press(int index, int velocity) {
             other.fade(automixSettings.AutoMixTime, automixSettings.LogFadeOut == 1);
             other.is.Leaving = true;
         }
+    if (minimalSettings.MinimalView == 1 && ClockShown) told += " clock";
     if (!s.sounds) return start(index, velocity);
     if (CtrlDown || ShiftDown || AltDown) return;
     if (s.is.Seq != 0) return pressSequence(index);
@@ -201,6 +211,7 @@ void Model::press(int index, int velocity) {
 void Model::stopAll() {
     if (MIDILearnActive) return;
     for (auto& [i, s] : slots) s.sounds = false;
+    told += " announcer stream";
 }
 
 void Model::duck(bool down) {

@@ -4,6 +4,7 @@
 #include <sstream>
 #include <utility>
 
+#include "model/colours.h"
 #include "model/upcalls.h"
 #include "startup/settings/devices_settings.h"
 #include "startup/settings/palette_settings.h"
@@ -35,21 +36,67 @@ bool ShowTest::sounds(int index) { return BASS_ChannelIsActive(jingle(index).hPl
 std::string iniLine(const std::string& key, const std::string& value) { return key + "=" + value + "\r\n"; }
 
 std::string wholeRecord(const JingleRecord& j) {
-    std::ostringstream out;
-    out << j.Path << " Volm " << j.Volm << " AutoDuck " << int{j.AutoDuck} << "=" << j.AutoDuckKey
-        << " NoAutomix " << int{j.NoAutomix} << " NoTrigDuck " << int{j.NoTrigDuck} << " Loop " << int{j.Loop}
-        << " Seq " << int{j.Seq} << " " << j.LoopIn << "-" << j.LoopOut << " FadeOut " << j.FadeOut << " Log "
-        << int{j.LogFadeOut} << " LoopFadeOut " << int{j.LoopFadeOut} << " " << j.BTNCol << " PlayMod "
-        << static_cast<int>(j.PlayMod) << " CueStart " << j.CueStart << " StopPos " << j.StopPos << " FXV "
-        << j.FXV << " " << j.Playlist << " Stored " << j.KeepsStored << " " << j.StoredVolm << " "
-        << int{j.StoredLoop} << " " << int{j.StoredSeq} << " Unplayable " << j.Unplayable << " Missing "
-        << j.MissingFile << " BassErr " << j.BassErr << " colours " << j.BackRGB << " " << j.ForeRGB
-        << " Duration " << j.Duration << " EndOffset " << j.EndOffset << " FadeAttrib " << j.FadeAttrib
-        << " Freq " << j.Freq << " PlayingOtherPal " << j.PlayingOtherPal << " LoopLen " << j.LoopLen
-        << " Playing " << j.Playing << " Leaving " << j.Leaving << " State " << static_cast<int>(j.State)
-        << " Kind " << static_cast<int>(j.Kind) << " ReverbMs " << j.ReverbMs << " FadeSync " << j.FadeSync
-        << " SeqBefore " << int{j.SeqBefore} << " Pressed " << int{j.Pressed};
-    return out.str();
+    const auto fields = [](const JingleRecord& j) {
+        const auto text = [](const auto& value) {
+            std::ostringstream out;
+            out << value;
+            return out.str();
+        };
+        return std::vector<std::pair<const char*, std::string>>{
+            {"Path", j.Path},
+            {"Volm", text(j.Volm)},
+            {"AutoDuck", text(int{j.AutoDuck})},
+            {"AutoDuckKey", j.AutoDuckKey},
+            {"NoAutomix", text(int{j.NoAutomix})},
+            {"NoTrigDuck", text(int{j.NoTrigDuck})},
+            {"Loop", text(int{j.Loop})},
+            {"Seq", text(int{j.Seq})},
+            {"LoopIn", text(j.LoopIn)},
+            {"LoopOut", text(j.LoopOut)},
+            {"FadeOut", text(j.FadeOut)},
+            {"LogFadeOut", text(int{j.LogFadeOut})},
+            {"LoopFadeOut", text(int{j.LoopFadeOut})},
+            {"BTNCol", j.BTNCol},
+            {"PlayMod", text(static_cast<int>(j.PlayMod))},
+            {"CueStart", text(j.CueStart)},
+            {"StopPos", text(j.StopPos)},
+            {"FXV", j.FXV},
+            {"Playlist", j.Playlist},
+            {"KeepsStored", text(j.KeepsStored)},
+            {"StoredVolm", text(j.StoredVolm)},
+            {"StoredLoop", text(int{j.StoredLoop})},
+            {"StoredSeq", text(int{j.StoredSeq})},
+            {"Unplayable", text(j.Unplayable)},
+            {"MissingFile", text(j.MissingFile)},
+            {"BassErr", text(j.BassErr)},
+            {"BackRGB", text(j.BackRGB)},
+            {"ForeRGB", text(j.ForeRGB)},
+            {"Duration", text(j.Duration)},
+            {"EndOffset", text(j.EndOffset)},
+            {"FadeAttrib", text(j.FadeAttrib)},
+            {"Freq", text(j.Freq)},
+            {"PlayingOtherPal", text(j.PlayingOtherPal)},
+            {"LoopLen", text(j.LoopLen)},
+            {"Playing", text(j.Playing)},
+            {"Leaving", text(j.Leaving)},
+            {"State", text(static_cast<int>(j.State))},
+            {"Kind", text(static_cast<int>(j.Kind))},
+            {"ReverbMs", text(j.ReverbMs)},
+            {"FadeSync", text(j.FadeSync)},
+            {"SeqBefore", text(int{j.SeqBefore})},
+            {"Pressed", text(int{j.Pressed})},
+            {"hPlay", j.hPlay != 0 ? "open" : ""},
+            {"hSrc", j.hSrc != 0 ? "open" : ""}};
+    };
+    JingleRecord empty;
+    empty.BackRGB = BtnFaceColor;
+    empty.ForeRGB = JingleForeColor;
+    const auto is = fields(j), standard = fields(empty);
+    std::string changed;
+    for (std::size_t i = 0; i < is.size(); ++i)
+        if (is[i] != standard[i])
+            changed += (changed.empty() ? "" : " ") + std::string(is[i].first) + "=" + is[i].second;
+    return changed;
 }
 
 int rampFrame(const Heard& sound, std::size_t frame) {

@@ -37,7 +37,7 @@ std::string iniLine(const std::string& key, const std::string& value);
 /// Milliseconds as frames, and as bytes of a stereo file.
 constexpr std::size_t framesOf(double ms) { return static_cast<std::size_t>(ms * kRate / 1000); }
 constexpr int bytesOf(double ms) { return static_cast<int>(framesOf(ms)) * kBytesPerFrame; }
-/// All fields of a record but its handles, as text.
+/// All fields of a record that differ from the empty one's: "Volm=50 State=1".
 std::string wholeRecord(const JingleRecord& jingle);
 /// The frame of a ramp() that sounds at `frame`, -1 in silence.
 int rampFrame(const Heard& sound, std::size_t frame);
