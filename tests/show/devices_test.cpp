@@ -159,21 +159,6 @@ TEST_F(Devices, OutputsThatGoAwayAreToldWithinASecondAndSoIsTheirReturn) {
     evStop();
 }
 
-TEST_F(Devices, BothOutputsOnOneDevicePlayOnce) {
-    deviceSettings.SavDevBy = "Name";
-    deviceSettings.DeviceName = "Two";
-    deviceSettings.DeviceAuxName = "left at home";
-    ListOutDev();
-    Device[0] = 1;  // both mean the first one now
-    SetupMixers();
-    openJingle(level(framesOf(60000)));
-    clPlay(0, -1);
-    pass(200);
-    heard(0);
-    pass(200);
-    EXPECT_NEAR(loudest(0), 0.5, 1e-6);
-}
-
 TEST_F(Devices, TheMicrophoneIsSilentUntilItIsPushed) {
     deviceSettings.DeviceIn = 1;
     OpenMic();

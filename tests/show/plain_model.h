@@ -48,7 +48,7 @@ struct Slot {
     Slide vol, dsp, own;                   ///< `own`: Volm, which takes 10 ms
     std::optional<PersistedJingle> waits;  ///< comes when the sound has ended
 
-    int cue() const;  ///< 0 where its start position lies behind its end
+    int cue() const;           ///< 0 where its start position lies behind its end
     double endOffset() const;  ///< bytes
     int left() const;          ///< what is less than a tenth of a second is nothing
     void fade(int ms, bool log);

@@ -39,6 +39,7 @@ std::string wholeRecord(const JingleRecord& j) {
     const auto fields = [](const JingleRecord& j) {
         const auto text = [](const auto& value) {
             std::ostringstream out;
+            out.precision(10);
             out << value;
             return out.str();
         };
