@@ -89,25 +89,6 @@ def question(window, asks, stop, jingle):
     check(until(lambda: not shown(key)), "the answer did not end the question")
 
 
-def search(window):
-    """The window that finds a jingle: its fields and keys have names, also those that bear a sign."""
-    opener = [n for n in below(window) if n.name == "Find a jingle (F3)"]
-    check(opener and press(opener[0]), "the search cannot be opened")
-    wanted = ["Part of the name; accents and capitals do not count", "Palettes that hold a match",
-              "Matches in the chosen palette", "Previous palette", "Next match (Page Down)", "Keyboard", "Go", "Close"]
-    found = {}
-
-    def named():
-        for top in window.parent:
-            for n in below(top):
-                if shown(n):
-                    found[n.name] = n
-        return all(name in found for name in wanted)
-
-    check(until(named), f"the search lacks {[name for name in wanted if name not in found]}")
-    check("Close" in found and press(found["Close"]), "the search cannot be closed")
-
-
 def main():
     window = until(program)
     if window is None:
@@ -180,7 +161,6 @@ def main():
         check(stop is not None and press(stop), "STOP was refused")
         check(until(lambda: bed.description.startswith("ready")), f"after STOP: \"{bed.description}\"")
 
-    search(window)
     question(window, by_name["Exit"][0], by_name["STOP"][0], bed)
 
     for text in faults:

@@ -31,13 +31,18 @@ def amplitude(left, start, count):
     return 2 * math.hypot(a, b) / count
 
 
-def levels_from(path, start):
-    """Levels of the tone in blocks of 20 ms, from byte `start` of a recording on."""
+def left_from(path, start):
+    """The left side of a recording from its byte `start` on."""
     samples = array.array("f")
     with open(path, "rb") as file:
         raw = file.read()[start // 8 * 8:]
     samples.frombytes(raw[:len(raw) // 8 * 8])
-    left = samples[0::2]
+    return samples[0::2]
+
+
+def levels_from(path, start):
+    """Levels of the tone in blocks of 20 ms, from byte `start` of a recording on."""
+    left = left_from(path, start)
     block = RATE // 100 * 2  # whole periods of the tone
     return [amplitude(left, i, block) for i in range(0, len(left) - block, block)]
 
@@ -52,11 +57,7 @@ def measure(path, start):
 def ends(path, start):
     """Milliseconds from byte `start` to the end of the tone there; -1 when it goes on to the end."""
     block = RATE // 100
-    samples = array.array("f")
-    with open(path, "rb") as file:
-        raw = file.read()[start // 8 * 8:]
-    samples.frombytes(raw[:len(raw) // 8 * 8])
-    left = samples[0::2]
+    left = left_from(path, start)
     loud = [i for i in range(0, len(left) - block, block) if max(left[i:i + block]) > 0.1 * LEVEL]
     last = loud[-1] + block if loud else 0
     print(-1 if last > len(left) - 3 * block else last * 1000 // RATE)

@@ -53,20 +53,5 @@ TEST(VirtualClock, AWaitHoldsTimersBackButNotTheSound) {
     clock.drive(nullptr);
 }
 
-TEST(VirtualClock, WallTimeRunsOverMidnightAndMonths) {
-    VirtualClock& clock = VirtualClock::instance();
-    ASSERT_TRUE(clock.setWallTime("2028-02-28 23:59:58"));
-    clock.advanceTo(monotonicMs() + 2500);
-    WallTime t = wallTime();
-    EXPECT_EQ(t.day, 29);
-    EXPECT_EQ(t.weekday, 2);
-    EXPECT_EQ(t.hour * 3600 + t.minute * 60 + t.second, 0);
-    EXPECT_EQ(t.millisecond, 500);
-    ASSERT_TRUE(clock.setWallTime("10:59:50"));
-    t = wallTime();
-    EXPECT_EQ(t.day, 29) << "a time without a date is one of today";
-    EXPECT_EQ(t.minute, 59);
-}
-
 }  // namespace
 }  // namespace zv

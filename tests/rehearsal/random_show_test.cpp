@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <map>
 #include <numeric>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,7 @@ TEST(RandomShow, ActsInItsSharesAndBounds) {
     std::iota(there.buttons.begin(), there.buttons.end(), 0);
     there.palettes = {"A", "B"};
     std::string text;
+    std::set<std::string> told;  ///< all kinds do what a show does
     for (const auto& [name, kind] : {std::pair("show", Chance::show), std::pair("edits", Chance::edits),
                                      std::pair("mix", Chance::mix)}) {
         RandomShow chance(1, kind);
@@ -73,6 +75,8 @@ TEST(RandomShow, ActsInItsSharesAndBounds) {
         }
         text += std::string("[") + name + "]\n";
         for (const auto& [steps, seen] : all) {
+            if (kind != Chance::show && told.contains(steps)) continue;
+            told.insert(steps);
             std::size_t next = 0;
             text += std::to_string(seen.times) + " x ";
             for (const char c : steps) text += c == '%' ? seen.ranges[next++].text() : std::string(1, c);

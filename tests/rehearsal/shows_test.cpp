@@ -106,7 +106,8 @@ TEST_P(Shows, LeaveWhatWasApproved) {
     const int status = show.perform(script, arguments);
     std::string text = "status " + std::to_string(status) + "\n";
     text += replaced(show.messages(), show.home().parent_path().string() + "/", "");
-    text += section("events.log", linesWith(show.result("events.log"), "\tmark\thide|\tmark\twait", false));
+    text += section("events.log", linesWith(show.result("events.log"),
+                                            "\tmark\thide|\tmark\twait|\tfailed\texpect ", false));
     for (const char* log : {"midi.log", "web.log"}) text += section(log, show.result(log));
     const std::string main = whatIsHeard(show.heard()), aux = whatIsHeard(show.heard("aux.wav"));
     text += section(main == aux ? "main.wav, aux.wav" : "main.wav", main);

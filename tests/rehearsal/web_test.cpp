@@ -1,10 +1,8 @@
-// The network of a rehearsal, for requests and for streams.
+// The network of a rehearsal, for requests; for streams: tests/rehearsal/shows/live.txt.
 #include "platform/rehearsal/web.h"
 
-#include "engine/bass.h"
 #include "platform/clock.h"
 #include "platform/http.h"
-#include "platform/paths.h"
 #include "platform/rehearsal/virtual_clock.h"
 #include "show.h"
 
@@ -78,47 +76,6 @@ TEST(RehearsedWeb, AnswersRequestsAsTheLongestRuleSays) {
     clock.advanceTo(clock.now() + 10'000);
     EXPECT_FALSE(told);
     web.onRequest = nullptr;
-}
-
-TEST(RehearsedWeb, StreamsEndOrLiveOnAndTellWhyTheyDoNotOpen) {
-    Show show;
-    show.tone("tone.wav", 0.5);
-    const std::string tone = show.sound("tone.wav");
-    RehearsedWeb& web = RehearsedWeb::instance();
-    web.answer("http://s/", {Kind::file, tone, 200, "audio/wav"});
-    web.answer("http://s/live", {Kind::file, tone, 200, "audio/wav;live"});
-    web.answer("http://s/text", {Kind::file, (show.home() / "zv.ini").string(), 200, ""});
-    web.answer("http://s/403", {Kind::file, tone, 403, ""});
-    web.answer("http://s/hang", {Kind::hang, "", 200, ""});
-    const auto decoders = makeRehearsedDecoders();
-    const struct {
-        const char* url;
-        int error;
-        std::size_t halfSeconds;  ///< that it gives of three that are asked for
-    } rows[] = {{"http://s/once", BASS_OK, 1},
-                {"http://s/live", BASS_OK, 3},
-                {"http://s/text", BASS_ERROR_FILEFORM, 0},
-                {"http://s/403", BASS_ERROR_FILEOPEN, 0},
-                {"http://s/hang", BASS_ERROR_TIMEOUT, 0},
-                {"http://nobody/", BASS_ERROR_FILEOPEN, 0}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.url);
-        int error = BASS_OK;
-        const std::int64_t start = monotonicMs();
-        const auto stream = decoders->openUrl(row.url, 5000, error);
-        EXPECT_EQ(monotonicMs() - start >= 5000, row.error == BASS_ERROR_TIMEOUT);
-        ASSERT_EQ(stream != nullptr, row.error == BASS_OK);
-        if (stream == nullptr) {
-            EXPECT_EQ(error, row.error);
-            continue;
-        }
-        EXPECT_FALSE(stream->length().has_value());
-        const std::size_t half = kRate / 2;
-        std::size_t frames = 0;
-        std::vector<float> block(half / 5 * 2);
-        while (frames < 3 * half && !stream->ended()) frames += stream->read(block);
-        EXPECT_EQ(frames, row.halfSeconds * half);
-    }
 }
 
 }  // namespace

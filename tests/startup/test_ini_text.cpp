@@ -1,7 +1,8 @@
-// The INI text: random operations on random text against a model that is slow and simple; tables of what the model does
-// not know, which is everything but ASCII, and whole sections at once. The characters behind it.
+// The INI text: tables of readings and changes; random changes of random text that touch nothing else. The characters
+// behind it.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <optional>
 #include <random>
 #include <sstream>
@@ -30,6 +31,16 @@ TEST(IniText, Reads) {
         {"[\xC3\x89t\xC3\xA9]/Cl\xC3\xA9=v/", "\xC3\xA9T\xC3\x89", "cl\xC3\x89", "v"},
         {"[\xC9t\xE9]/Cl\xE9=\x80\xE9/", "\xC3\xA9T\xC3\x89", "CL\xC3\x89", "\xE2\x82\xAC\xC3\xA9"},
         {"[S]/k=v/", " S ", "k ", "v"},
+        {"  [ S ]  /\t k \t=\t v w \t/", "S", "k", "v w"},
+        {"[S]/k=\" v \"/", "S", "k", " v "},
+        {"[S]/k=' v '/", "S", "k", " v "},
+        {"[S]/k=\"v'/", "S", "k", "\"v'"},
+        {"[S]/k=\"/", "S", "k", "\""},
+        {"[S]/k=a=b/", "S", "k", "a=b"},
+        {"[S]/k/;k=v/k=1/K=2/[s]/k=3/j=3/", "S", "k", "1"},
+        {"[S]/k=1/[s]/j=3/", "S", "j", std::nullopt},
+        {"k=v/[S]/", "", "k", std::nullopt},
+        {"[S]/k=v/[T/j=w", "S", "j", "w"},
         {"[S]/k=' v '/", "S", "k", " v "},
         {"[S [a]]/k=v/", "S [a]", "k", "v"},
         {"\xEF\xBB\xBF[S]/k=v/", "S", "k", "v"},
@@ -69,6 +80,17 @@ TEST(IniText, ChangesOnlyWhatIsMeant) {
     const struct {
         const char *what, *before, *call, *after;  ///< `after` null: as before
     } table[] = {
+        {"a new file", "", "put S k v", "[S]|k=v|"},
+        {"the file's line ends", "[A]/x=1/", "put S k v", "[A]/x=1/[S]/k=v/"},
+        {"no last line end", "[A]/x=1", "put A y 2", "[A]/x=1/y=2/"},
+        {"a header without one", "[A]", "put A y 2", "[A]|y=2|"},
+        {"its place and blanks", "[S]|; c| k = old |z=1|", "put S K new", "[S]|; c| k = new |z=1|"},
+        {"quotes go", "[S]/k=\"old\"/", "put S k new", "[S]/k=new/"},
+        {"behind the last key", "[S]/a=1//; of T/[T]/b=2/", "put S c 3", "[S]/a=1/c=3//; of T/[T]/b=2/"},
+        {"all of the name", "[S]/a=1/b=2/A=3/", "put S a ", "[S]/b=2/"},
+        {"malformed lines", "]/x/=/[S/[S]/=v/!?/k=1/", "put S k 2", "]/x/=/[S/[S]/=v/!?/k=2/"},
+        {"a section goes whole", "; top/[S]/k=1/; c//[T]/a=1/", "erase S", "; top/[T]/a=1/"},
+        {"the first of a name", "[S]/k=1/[T]/a=1/[s]/k=2/", "erase s", "[T]/a=1/[s]/k=2/"},
         {"no second line", "[S]/", "put S k a|[T]", "[S]/k=a  [T]/"},
         {"blanks do not grow", "[S]/k=  a/", "put S k _b", "[S]/k= b/"},
         {"a key that reads as a header", "[S]/a=1/", "put S [k] v", nullptr},
@@ -167,132 +189,45 @@ TEST(TextCodec, KnowsTheCharactersOfWindows1252) {
         EXPECT_EQ(firstCharacters("aé日𝄞", static_cast<std::size_t>(count)), first);
 }
 
-/// The same rules, line by line and without any index. ASCII names only.
-class Model {
-  public:
-    explicit Model(const std::string& text) {
-        std::string line;
-        for (const char c : text) {
-            line += c;
-            if (c == '\n') {
-                lines_.push_back(line);
-                line.clear();
-            }
-        }
-        if (!line.empty()) lines_.push_back(line);
-        eol_ = lines_.empty() || lines_[0].find('\n') == std::string::npos || lines_[0].ends_with("\r\n")
-                   ? "\r\n"
-                   : "\n";
-    }
-
-    std::string text() const {
-        std::string out;
-        for (const std::string& line : lines_) out += line;
-        return out;
-    }
-
-    std::optional<std::string> value(const std::string& section, const std::string& key) const {
-        const auto [begin, end] = range(section);
-        for (std::size_t i = begin; i < end; ++i) {
-            const auto [k, v] = split(lines_[i]);
-            if (!k || *k != lower(key)) continue;
-            std::string out = v;
-            if (out.size() >= 2 && out.front() == out.back() && (out[0] == '"' || out[0] == '\'')) {
-                out = out.substr(1, out.size() - 2);
-            }
-            return out.substr(0, out.find('\0')).substr(0, 1023);
-        }
-        return std::nullopt;
-    }
-
-    void put(const std::string& section, const std::string& key, const std::string& value) {
-        const auto [begin, end] = range(section);
-        if (value.empty()) {
-            for (std::size_t i = end; i-- > begin;) {
-                if (split(lines_[i]).first == lower(key)) lines_.erase(lines_.begin() + static_cast<long>(i));
-            }
-            return;
-        }
-        std::size_t last = begin;
-        for (std::size_t i = begin; i < end; ++i) {
-            if (split(lines_[i]).first == lower(key)) {
-                const std::size_t at = lines_[i].find('=') + 1;
-                const std::string old = trim(lines_[i].substr(at));
-                const std::string rest = lines_[i].substr(at);
-                const std::size_t first = old.empty() ? 0 : rest.find(old);
-                lines_[i] =
-                    lines_[i].substr(0, at) + rest.substr(0, first) + value + rest.substr(first + old.size());
-                return;
-            }
-            const std::string t = trim(lines_[i]);
-            if (!t.empty() && t[0] != ';') last = i + 1;
-        }
-        const std::size_t at = begin > 0 ? last : lines_.size();
-        if (at > 0 && lines_[at - 1].back() != '\n') lines_[at - 1] += eol_;
-        const std::string line = key + "=" + value + eol_;
-        if (begin > 0) {
-            lines_.insert(lines_.begin() + static_cast<long>(last), line);
-        } else {
-            lines_.push_back("[" + section + "]" + eol_);
-            lines_.push_back(line);
-        }
-    }
-
-    void erase(const std::string& section) {
-        const auto [begin, end] = range(section);
-        if (begin == 0) return;
-        lines_.erase(lines_.begin() + static_cast<long>(begin) - 1, lines_.begin() + static_cast<long>(end));
-    }
-
-  private:
-    static bool blank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-    static std::string trim(std::string s) {
-        while (!s.empty() && blank(s.back())) s.pop_back();
-        while (!s.empty() && blank(s.front())) s.erase(0, 1);
-        return s;
-    }
-    static std::string lower(std::string s) {
-        for (char& c : s) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-        return s;
-    }
-    static std::optional<std::string> header(const std::string& line) {
-        const std::string t = trim(line);
-        const std::size_t close = t.rfind(']');
-        if (t.empty() || t[0] != '[' || close == std::string::npos) return std::nullopt;
-        return lower(trim(t.substr(1, close - 1)));
-    }
-    static std::pair<std::optional<std::string>, std::string> split(const std::string& line) {
-        const std::string t = trim(line);
-        const std::size_t equals = t.find('=');
-        if (t.empty() || t[0] == ';' || equals == std::string::npos || equals == 0) return {std::nullopt, {}};
-        return {lower(trim(t.substr(0, equals))), trim(t.substr(equals + 1))};
-    }
-    /// Lines of the first section of that name; begin 0 when there is none.
-    std::pair<std::size_t, std::size_t> range(const std::string& section) const {
-        std::size_t i = 0;
-        while (i < lines_.size() && header(lines_[i]) != lower(trim(section))) ++i;
-        if (i == lines_.size()) return {0, 0};
-        std::size_t end = ++i;
-        while (end < lines_.size() && !header(lines_[end])) ++end;
-        return {i, end};
-    }
-
-    std::vector<std::string> lines_;
-    std::string eol_;
-};
-
 template <class T>
 const T& oneOf(const std::vector<T>& from, std::mt19937& random) {
     return from[random() % from.size()];
 }
 
-TEST(IniText, RandomOperationsAgreeWithTheModel) {
+/// The lines that do not speak of `key`, without their ends and without headers.
+std::string withoutKey(const std::string& bytes, const std::string& key) {
+    std::string out;
+    std::istringstream all(bytes);
+    for (std::string line; std::getline(all, line);) {
+        std::string name(trimmedBlanks(line.substr(0, line.find('='))));
+        foldCase(name);
+        const bool header = trimmedBlanks(line).starts_with('[') && line.find(']') != std::string::npos;
+        if (!header && (name != key || line.find('=') == std::string::npos))
+            out += std::string(trimmedBlanks(line)) + "\n";
+    }
+    return out;
+}
+
+/// What an INI text holds: the lines of each section, by lower-case names.
+std::map<std::string, std::map<std::string, std::string>> heldBy(IniText& text) {
+    std::map<std::string, std::map<std::string, std::string>> all;
+    for (std::string name : text.sectionNames()) {
+        std::vector<IniText::Line> keys = text.lines(name);
+        foldCase(name);
+        for (auto& [key, value] : keys) {
+            foldCase(key);
+            EXPECT_TRUE(all[name].emplace(key, value).second) << "twice: " << key;
+        }
+    }
+    return all;
+}
+
+TEST(IniText, RandomChangesTouchNothingElse) {
     const std::vector<std::string> pieces{"[",  "]", "[S]", "[a]", "[ B ]",   "=",  ";",
                                           "\"", "'", " ",   "\t",  "\n",      "\n", "\r\n",
                                           "a",  "b", "S",   "a=1", "b = x y", "A=", std::string(1, '\0'),
                                           "\v"};
-    const std::vector<std::string> sections{"S", "s", "A", "b", "new"};
-    const std::vector<std::string> keys{"a", "B", "ab", "S"};
+    const std::vector<std::string> sections{"S", "s", "A", "b", "new"}, keys{"a", "B", "ab", "S"};
     const std::vector<std::string> values{
         "", "", "1", "x y", "\"q\"", "=", "[S]", "a=b;c", std::string(1100, 'v')};
     std::mt19937 random(20260131);
@@ -300,34 +235,34 @@ TEST(IniText, RandomOperationsAgreeWithTheModel) {
         std::string start;
         for (auto i = random() % 40; i > 0; --i) start += oneOf(pieces, random);
         IniText text(start);
-        Model model(start);
         for (int step = 0; step < 8; ++step) {
-            const std::string& section = oneOf(sections, random);
-            const std::string& key = oneOf(keys, random);
-            ASSERT_EQ(text.value(section, key), model.value(section, key)) << start;
             const std::string before = text.bytes();
-            bool changed = false, merged = false;
-            if (random() % 8 == 0) {
-                changed = text.eraseSection(section);
-                model.erase(section);
-            } else if (random() % 4 == 0) {
-                const std::string& other = oneOf(keys, random);
-                const std::string& first = oneOf(values, random);
-                const std::string& second = oneOf(values, random);
-                merged = true;
-                changed = text.mergeSection(section, {{key, first}, {other, second}});
-                model.put(section, key, first);
-                model.put(section, other, second);
-            } else {
-                const std::string& value = oneOf(values, random);
-                changed = text.put(section, key, value);
-                model.put(section, key, value);
-            }
-            ASSERT_EQ(text.bytes(), model.text()) << start;
-            ASSERT_TRUE(changed == (text.bytes() != before) || (merged && changed)) << start;
+            std::string section = oneOf(sections, random), key = oneOf(keys, random),
+                        value = oneOf(values, random);
+            auto expected = heldBy(text);
+            const bool erases = random() % 8 == 0;
+            const bool changed = erases ? text.eraseSection(section) : text.put(section, key, value);
+            ASSERT_EQ(changed, text.bytes() != before) << start;
+            if (erases && !changed) continue;
             IniText again(text.bytes());  // what is kept beside the bytes is what they would give anew
-            ASSERT_EQ(text.sectionNames(), again.sectionNames());
-            ASSERT_EQ(text.lines(section), again.lines(section));
+            ASSERT_EQ(text.sectionNames(), again.sectionNames()) << start;
+            ASSERT_EQ(text.lines(section), again.lines(section)) << start;
+            foldCase(section), foldCase(key);
+            auto now = heldBy(text);
+            if (erases) {
+                now.erase(section);  // a second one of the name may have come to light
+                expected.erase(section);
+            } else if (value.empty()) {
+                expected[section].erase(key);
+            } else {
+                const bool quoted = value.front() == '"';
+                expected[section][key] = quoted ? "q" : value.substr(0, 1023);
+            }
+            if (expected[section].empty()) expected.erase(section);
+            if (now[section].empty()) now.erase(section);
+            ASSERT_EQ(now, expected) << start;
+            // All other lines are there to the byte, in their order.
+            ASSERT_TRUE(erases || withoutKey(text.bytes(), key) == withoutKey(before, key)) << start;
         }
     }
 }

@@ -1,9 +1,9 @@
 // The texts: applied in their order, in the language there is; and the shipped file has every key in every
 // language.
 
-#include <cctype>
 #include <fstream>
 #include <iterator>
+#include <regex>
 
 #include "startup/language.h"
 #include "startup/settings/program_settings.h"
@@ -49,27 +49,10 @@ std::string contentsOf(const fs::path& file) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-/// The string literals of `text` that follow `call` ("Ln(") where it is a word of its own and end the
-/// argument.
-void literalsBehind(const std::string& text, std::string_view call, std::set<std::string>& found) {
-    constexpr const char* kBlank = " \t\r\n";
-    for (std::size_t at = text.find(call); at != std::string::npos; at = text.find(call, at + 1)) {
-        if (at > 0 && (std::isalnum(static_cast<unsigned char>(text[at - 1])) || text[at - 1] == '_'))
-            continue;
-        const std::size_t open = text.find_first_not_of(kBlank, at + call.size());
-        if (open == std::string::npos || text[open] != '"') continue;
-        const std::size_t close = text.find('"', open + 1);
-        const std::size_t next =
-            close == std::string::npos ? close : text.find_first_not_of(kBlank, close + 1);
-        if (next != std::string::npos && (text[next] == ')' || text[next] == ',' || text[next] == '}')) {
-            found.insert(text.substr(open + 1, close - open - 1));
-        }
-    }
-}
-
 /// Every key that the sources ask for by name, but for the tests.
 std::set<std::string> keysInTheCode() {
     std::set<std::string> keys;
+    const std::regex call("\\bLn(?:Box)?\\(\\s*\"([^\"]*)\"\\s*[),}]");
     for (const char* room :
          {"app", "ui", "audio", "model", "midi", "backup", "online", "startup", "platform"}) {
         const fs::path folder = fs::path(test::sourceDir()) / room;
@@ -77,7 +60,9 @@ std::set<std::string> keysInTheCode() {
         for (const auto& entry : fs::recursive_directory_iterator(folder)) {
             const std::string extension = entry.path().extension().string();
             if (extension != ".cpp" && extension != ".h") continue;
-            for (const char* call : {"Ln(", "LnBox("}) literalsBehind(contentsOf(entry.path()), call, keys);
+            const std::string text = contentsOf(entry.path());
+            for (std::sregex_iterator it(text.begin(), text.end(), call), end; it != end; ++it)
+                keys.insert((*it)[1]);
         }
     }
     return keys;
