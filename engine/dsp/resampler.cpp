@@ -126,8 +126,6 @@ Resampler::Resampler(std::uint32_t inRate, std::uint32_t outRate, std::uint32_t 
 }
 
 Resampler::~Resampler() = default;
-Resampler::Resampler(Resampler&&) noexcept = default;
-Resampler& Resampler::operator=(Resampler&&) noexcept = default;
 
 void Resampler::setCorrection(double ppm) {
     constexpr double kMost = 2000, kOne = 18446744073709551616.0;  // 2^64

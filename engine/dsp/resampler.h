@@ -29,8 +29,6 @@ class Resampler {
     /// [worker]
     Resampler(std::uint32_t inRate, std::uint32_t outRate, std::uint32_t channels);
     ~Resampler();
-    Resampler(Resampler&&) noexcept;
-    Resampler& operator=(Resampler&&) noexcept;
 
     /// Source frames that must be handed to process() to make the next `outFrames`. [audio]
     std::size_t inputNeeded(std::size_t outFrames) const;

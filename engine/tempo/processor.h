@@ -11,11 +11,11 @@
 /// the lane at that frame by itself, cross-fades into the source and is stretched again a moment later.
 ///
 /// Frames are counted at the source's rate. Use by one channel:
-///   [control]  setParameters(), slide(); after a seek prime(); all may be called at any time
+///   [control]  slide(); after a seek prime(); all may be called at any time
 ///   [audio]    render loop, while frames are wanted: if neutral(), up to neutralRun() frames from the source,
 ///              then passed() and fade(); else view() or read(). restart() when the channel is moved; idle()
 ///              while it is not pulled and a slide runs
-///   [worker]   work() every 10 to 20 ms, and at once after setParameters(), restart() and a change of the
+///   [worker]   work() every 10 to 20 ms, and at once after slide(), restart() and a change of the
 ///              source's range; offline before every rendered block, on the rendering thread itself
 #pragma once
 
@@ -37,11 +37,9 @@ class TempoProcessor {
                    FrameReader& reader);
 
     // ---- [control]
-    /// Cut to the ranges of TempoParameters. Heard within about 50 ms (at once on a channel that does not
-    /// sound, when work() has run before it starts). Ends all slides.
-    void setParameters(const TempoParameters& parameters) { wishes_.set(parameters); }
-    /// One of them, from the value it has reached to `value`, in `frames` of the clock; 0: at once. See
-    /// TempoCurve::move.
+    /// One of tempo, pitch and rate, from the value it has reached to `value`, cut to its range in TempoParameters,
+    /// in `frames` of the clock; 0: at once, which is heard within about 50 ms (at once on a channel that does not
+    /// sound, when work() has run before it starts). See TempoCurve::move.
     void slide(TempoPart part, double value, std::uint64_t frames, bool ratios);
     /// Their present values, also in the middle of a slide. [any]
     TempoParameters parameters() const { return wishes_.now(); }

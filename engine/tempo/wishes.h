@@ -17,9 +17,8 @@ class TempoWishes {
         std::uint32_t changes;
     };
 
-    /// Ends all slides; cut to the ranges of TempoParameters. [control]
-    void set(const TempoParameters& parameters);
-    /// From the value reached to `value` in `frames` of the clock, 0: at once. See TempoCurve::move. [control]
+    /// From the value reached to `value`, cut to its range in TempoParameters, in `frames` of the clock; 0: at
+    /// once. See TempoCurve::move. [control]
     void slide(TempoPart part, double value, std::uint64_t frames, bool ratios);
     TempoParameters now() const;         ///< in the middle of a slide too [any]
     bool sliding(TempoPart part) const;  ///< [any]
@@ -42,9 +41,6 @@ class TempoWishes {
     std::uint32_t changes() const { return changes_.load(std::memory_order_acquire); }
 
   private:
-    template <typename Change>
-    void change(Change change);
-
     mutable std::mutex mutex_;  // of curve_: control and worker
     TempoCurve curve_;
     std::atomic<bool> wanted_{false};

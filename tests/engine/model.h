@@ -121,11 +121,13 @@ class Model {
     /// and begin anew in the block in which sound from the file and computed sound follow each other.
     std::array<double, 2> level(std::size_t side) const {
         std::array<double, 2> out{};
+        const double more =
+            converted() && voldsp.value() * effect.value() != 1 ? 1.9 : 1.000001;  // measured behind it
         for (std::size_t k = heardLately.size(), age = 0; playing && k > 0; ++age) {
             const double size = std::abs(double{heardLately[--k][side]});
             if (age > 64 && age < rate() / 55 && k > levelsBegan + kMostBlock)
-                out[0] = std::max(out[0], 0.7 * size);
-            out[1] = std::max(out[1], 1.3 * size);
+                out[0] = std::max(out[0], size / more);
+            out[1] = std::max(out[1], size * more);
         }
         return out;
     }
@@ -165,8 +167,9 @@ class Model {
     }
     /// Frame `k` of what was taken has been heard, and with it the end where the next one lies elsewhere.
     void pass(std::uint64_t k) {
+        const auto gain = static_cast<float>(voldsp.value() * effect.value());
+        if (!taken[k].tail || gain != 1) note({taken[k].frame[0] * gain, taken[k].frame[1] * gain});
         if (taken[k].tail) return;
-        note(taken[k].frame);
         fire(taken[k].place);
         const bool ends = k + 1 == taken.size() || taken[k + 1].tail;
         if (ends || taken[k + 1].place != taken[k].place + 1) fire(taken[k].place + 1);
@@ -248,12 +251,11 @@ class Model {
         return std::array{out_[2 * made], out_[2 * made + 1]};
     }
     void publish() {
+        const std::uint64_t over = loop ? loopStart : last();
         if (!converted()) {
-            heard = next < last() ? next : loop ? loopStart : last();
-        } else if (index() < taken.size()) {
-            heard = taken[index()].place;
+            heard = next < last() ? next : over;
         } else {
-            heard = last();
+            heard = index() < taken.size() && !taken[index()].tail ? taken[index()].place : over;
         }
     }
     /// A slide that is tied to a sync begins with the very frame.

@@ -10,53 +10,10 @@ namespace {
 
 using Rendering = Show;
 
-/// Sounds of one rate share one conversion. Each must be heard as if it were alone, whatever the others do.
-TEST_F(Rendering, SoundsConvertedTogetherAreThoseConvertedAlone) {
+TEST_F(Rendering, SoundsConvertedTogetherAreClean) {
     const auto tone = [](double hz) {
-        return [hz](std::uint64_t f, std::uint32_t c) { return sine(f, c == 0 ? hz : hz / 2, 48000, 0.2); };
+        return [hz](std::uint64_t f, std::uint32_t) { return sine(f, hz, 48000, 0.2); };
     };
-    const auto play = [&](std::uint32_t period, int which) {
-        begin({.period = period});
-        decoders->sounds["a"] = {.format = {48000, 2, 16}, .length = 30000, .sample = tone(440)};
-        decoders->sounds["b"] = {.format = {48000, 2, 16}, .length = 9111, .sample = tone(997)};
-        decoders->sounds["c"] = {.format = {48000, 1, 16}, .length = 70000, .sample = tone(3000)};
-        decoders->sounds["d"] = {.format = {32000, 2, 16}, .length = 70000, .sample = tone(700)};
-        const Topology studio;
-        std::vector<DWORD> jingles;
-        for (const char* name : {"a", "b", "c", "d"}) jingles.push_back(studio.jingle(file(name)));
-        const auto plays = [&](int k) { return which < 0 || which == k; };
-        const auto press = [&](std::size_t k, DWORD ms) {
-            if (!plays(static_cast<int>(k))) return;
-            BASS_ChannelSetAttribute(jingles[k], BASS_ATTRIB_VOL, 0.1F);
-            BASS_ChannelSlideAttribute(jingles[k], BASS_ATTRIB_VOL, 0.8F, ms);
-            BASS_ChannelPlay(jingles[k], false);
-        };
-        press(0, 7);
-        press(1, 100);
-        pull(997 * 64);  // whole periods of each
-        press(2, 3);
-        press(3, 0);
-        if (plays(2)) BASS_ChannelSetPosition(jingles[2], 1001 * 2, BASS_POS_BYTE);
-        pull(997 * 64 / 4);
-        if (plays(2)) BASS_ChannelSlideAttribute(jingles[2], BASS_ATTRIB_VOL | BASS_SLIDE_LOG, -1, 31);
-        if (plays(3)) BASS_ChannelStop(jingles[3]);
-        pull(997 * 16);
-        return take();
-    };
-    const std::vector<float> together = play(997, -1);
-    for (const std::uint32_t period : {1U, 16U, 997U * 4}) {
-        const std::vector<float> again = play(period, -1);
-        EXPECT_EQ(std::ranges::mismatch(again, together).in1 - again.begin(), std::ssize(together)) << period;
-    }
-    std::vector<float> sum(together.size());
-    for (int which = 0; which < 4; ++which) {
-        const std::vector<float> alone = play(997, which);
-        EXPECT_GT(*std::ranges::max_element(alone), 0.1F);
-        for (std::size_t i = 0; i < sum.size(); ++i) sum[i] += alone[i];
-    }
-    for (std::size_t i = 0; i < sum.size(); ++i) ASSERT_NEAR(together[i], sum[i], 3e-7) << i / 2;
-    // Clean: what is no part of the tone lies under -130 dB.
-    begin({});
     decoders->sounds["pure"] = {.format = {48000, 2, 24}, .length = 96000, .sample = tone(1000)};
     decoders->sounds["none"] = {
         .format = {48000, 2, 24}, .length = 96000, .sample = [](auto, auto) { return 0.0F; }};
@@ -197,6 +154,22 @@ TEST_F(Rendering, OneOutputGoesAndTheOtherDoesNotNotice) {
     pull(44100);
     EXPECT_NEAR(static_cast<double>(BASS_ChannelGetPosition(jingle, BASS_POS_BYTE) - before), 44100.0 * 4,
                 4000);
+}
+
+TEST_F(Rendering, ThePlainTopologyPlaysStraightOnTheOutput) {
+    openMain();
+    const DWORD play = BASS_FX_TempoCreate(file("ramp"), BASS_FX_FREESOURCE);
+    ASSERT_NE(play, 0U);
+    EXPECT_EQ(BASS_ChannelIsActive(play), BASS_ACTIVE_STOPPED);
+    BASS_ChannelSetPosition(play, 4000, BASS_POS_BYTE);
+    BASS_ChannelPlay(play, false);
+    EXPECT_EQ(frameOf(pullAndTake(441)[0]), 1000);
+    BASS_SetConfig(BASS_CONFIG_GVOL_STREAM, 5000);
+    pull(4410);
+    take();
+    EXPECT_NEAR(frameOf(pullAndTake(441)[0]), (1000 + 441 * 11) / 2.0, 1);
+    BASS_StreamFree(play);
+    for (const float sample : pullAndTake(441)) ASSERT_EQ(sample, 0);
 }
 
 TEST_F(Rendering, WithoutAnAuxiliaryDeviceItsBranchStaysInStep) {
