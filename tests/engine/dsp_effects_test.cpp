@@ -103,46 +103,6 @@ TEST(DspPeakEq, LiveChangesDoNotClickAndEndInBypass) {
     for (std::size_t i = 2 * 80000; i < 2 * frames; ++i) ASSERT_EQ(out[i], sound[i]);
 }
 
-TEST(DspPeakEq, ABandHasItsGainAtItsCentreWhateverTheRate) {
-    for (const double rate : {22050.0, 44100.0, 48000.0, 96000.0}) {
-        for (const double hz : {60.0, 150.0, 400.0, 1000.0, 2400.0, 6000.0, 15000.0}) {
-            if (hz >= rate / 2) continue;
-            for (const double gain : {-10.0, -1.0, 10.0}) {
-                PeakEq eq(rate);
-                eq.setBand(3, {hz, gain, 2.5, 0});
-                const auto frames = static_cast<std::size_t>(rate / 2);
-                auto sound = sine(hz, rate, frames, 0.1);
-                eq.process(sound.data(), frames);
-                EXPECT_NEAR(decibels(test::tone(sound, hz, rate, frames / 2, frames, 0).size / 0.1), gain,
-                            0.1)
-                    << hz << " at " << rate;
-            }
-        }
-    }
-}
-
-TEST(DspPeakEq, ASliderThatIsDraggedMakesNoStep) {
-    constexpr std::size_t kEach = 735, kMoves = 600;  // 60 a second, for ten seconds
-    constexpr double kHz = 400, kSize = 0.1;
-    auto sound = sine(kHz, kRate, kEach * kMoves, kSize);
-    PeakEq eq(kRate);
-    double before = 0, now = 0;
-    const auto own = [&](double gain) {  // the sine's own largest step at a gain
-        return 2 * std::numbers::pi * kHz / kRate * kSize * std::pow(10, gain / 20);
-    };
-    for (std::size_t move = 0; move < kMoves; ++move) {
-        const int turn = static_cast<int>(move % 40);
-        before = std::exchange(now, turn < 20 ? turn - 10 : 30 - turn);
-        eq.setBand(2, {kHz, now, 2.5, 0});
-        float* const block = sound.data() + 2 * kEach * move;
-        eq.process(block, kEach);
-        for (std::size_t i = move == 0 ? 1 : 0; i < kEach; ++i)
-            ASSERT_LT(std::abs(static_cast<double>(block[2 * i]) - block[2 * i - 2]),
-                      1.05 * own(std::max(before, now)))
-                << move << ", " << i;
-    }
-}
-
 // ---- reverb
 
 /// T60 by backward integration and a line through -5..-35 dB.
@@ -252,6 +212,41 @@ TEST(DspReverb, TailIsDenseStereoAndHasNoRing) {
         sum += power, most = std::max(most, power);
     }
     EXPECT_LT(10 * std::log10(most / (sum / kLines)), 14);
+}
+
+/// Off and on again, or reset, while it rings: silence in, silence out.
+template <typename Unit, typename On, typename Off>
+void bringsNothingOld(Unit unit, On on, Off off) {
+    for (const bool reset : {true, false}) {
+        on(unit);
+        auto burst = sine(300, kRate, 4410);
+        unit.process(burst.data(), 4410);
+        reset ? unit.reset() : off(unit);
+        std::vector<float> silence(2 * 22050), after(2 * 4410);
+        if (!reset) unit.process(silence.data(), 22050);
+        on(unit);
+        unit.process(after.data(), 4410);
+        EXPECT_EQ(after, std::vector<float>(2 * 4410)) << reset;
+    }
+}
+
+TEST(DspEffects, ThatGoAndComeBackBringNothingOld) {
+    bringsNothingOld(
+        Reverb(kRate),
+        [](Reverb& r) {
+            r.set({0, 0, 3000, 0.5});
+        },
+        [](Reverb& r) {
+            r.set({0, -96, 3000, 0.5});
+        });
+    bringsNothingOld(
+        PeakEq(kRate),
+        [](PeakEq& e) {
+            e.setBand(0, {300, 15, 0.3, 0});
+        },
+        [](PeakEq& e) {
+            e.setBand(0, {300, 0, 0.3, 0});
+        });
 }
 
 TEST(DspReverb, NoMixIsABypassToTheBit) {

@@ -39,24 +39,6 @@ TEST(DspMix, AddsEverySourceInTurn) {
             }
 }
 
-TEST(DspMix, RampHitsEveryValueWhereverBlocksEnd) {
-    const std::size_t frames = 1009;
-    const std::vector<float> ones(2 * frames, 1.0f);
-    const double step = -1.0 / static_cast<double>(frames - 1);
-    for (const auto& sizes : test::kBlockings) {
-        std::uint64_t at = 0;
-        const auto out = test::inBlocks(ones, sizes, [&](float* block, std::size_t n) {
-            scaleStereo(block, block, n, GainRamp{1, step, at});
-            at += n;
-        });
-        for (std::size_t i = 0; i < frames; ++i) {
-            ASSERT_EQ(out[2 * i], static_cast<float>(1 + step * static_cast<double>(i))) << i;
-            ASSERT_EQ(out[2 * i], out[2 * i + 1]);
-        }
-        EXPECT_NEAR(out[2 * frames - 1], 0, 1e-12);
-    }
-}
-
 TEST_F(WidePath, GivesTheSameBitsAsThePlainOne) {
     if (!usesWidePath()) GTEST_SKIP() << "this machine has no wide path";
     const std::size_t frames = 1003;

@@ -333,19 +333,6 @@ TEST_F(TempoProcessor, AKnobThatTurnsWithoutAPauseIsHeardMeanwhile) {
     EXPECT_NEAR(pitchBetween(player.heard, end - 3 * kPiece, end), 440 * std::exp2(5.0 / 12), 12);
 }
 
-TEST_F(TempoProcessor, WholeSoundHasItsLengthOverTheSpeed) {
-    for (const Change& change : kChanges) {
-        Player player(*this, noise(2 * 3 * kRate, 5));
-        player.setParameters(change.to);
-        player.moveTo(0);
-        player.play(10 * kRate);
-        EXPECT_TRUE(player.over);
-        EXPECT_NEAR(static_cast<double>(player.heard.size() / 2), 3 * kRate / change.to.speed(),
-                    0.010 * kRate)
-            << change.name;
-    }
-}
-
 TEST_F(TempoProcessor, LengthIsRightWithinATenthOfAPercentAndPitchWithinTwoCents) {
     const struct {
         double tempo, pitch, rate;
@@ -380,78 +367,6 @@ TEST_F(TempoProcessor, MovingDropsWhatIsHeld) {
     EXPECT_TRUE(player.stretched());
 }
 
-TEST_F(TempoProcessor, SenselessParametersAreCut) {
-    Player player(*this, noise(2 * kRate, 6));
-    player.setParameters({-1e9, 1e9, 0.001});
-    const TempoParameters p = player.parameters();
-    EXPECT_EQ(p.tempo, -95);
-    EXPECT_EQ(p.pitch, 60);
-    EXPECT_EQ(p.rate, 0.05);
-    for (const TempoParameters& extreme : {TempoParameters{-95, 0, 1}, TempoParameters{5000, 0, 1},
-                                           TempoParameters{0, 60, 20}, TempoParameters{-95, -60, 0.05}}) {
-        player.setParameters(extreme);
-        player.moveTo(0);
-        player.play(2000);
-    }
-}
-
-// ---- through the mixers, as the program plays it
-
-/// Each sound of a mixer is heard as if it were alone, also while it goes in and out of being stretched.
-TEST_F(TempoProcessor, SoundsTogetherAreThoseAlone) {
-    const auto play = [&](int which) {
-        begin({.period = 64});
-        engineControl()->install({decoders, soundTouchStretchers(), devices});
-        const Topology studio;
-        std::vector<DWORD> jingles;
-        for (int k = 0; k < 2; ++k) {
-            decoders->sounds["t"] = {.length = 441000, .sample = [k](std::uint64_t f, std::uint32_t) {
-                                         return test::sine(f, k == 0 ? 300 : 700, 44100, 0.2);
-                                     }};
-            jingles.push_back(studio.jingle(file("t")));
-            if (which < 0 || which == k) BASS_ChannelPlay(jingles.back(), false);
-        }
-        for (const float tempo : {0.0F, 10.0F, 0.0F}) {
-            for (const DWORD jingle : jingles) BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO, tempo);
-            pull(6400);
-        }
-        return take();
-    };
-    const std::vector<float> together = play(-1), one = play(0), other = play(1);
-    for (std::size_t i = 0; i < together.size(); ++i)
-        ASSERT_NEAR(together[i], one[i] + other[i], 1e-6) << i / 2;
-}
-
-TEST_F(TempoProcessor, TempoPitchAndRateDoWhatTheySay) {
-    const struct {
-        float tempo, pitch, freq;
-        double speed, hz;
-    } cases[] = {{10, 0, 0, 1.1, 150},        {-20, 0, 0, 0.8, 150},   {0, 12, 0, 1, 300},
-                 {0, -5, 0, 1, 112.37},       {0, 0, 48510, 1.1, 165}, {0, 0, 44100, 1, 150},
-                 {5, 2, 39690, 0.945, 151.53}};
-    const Topology studio;
-    for (const auto& c : cases) {
-        const DWORD jingle = studio.jingle(tone());
-        EXPECT_TRUE(BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO, c.tempo));
-        EXPECT_TRUE(BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO_PITCH, c.pitch));
-        EXPECT_TRUE(BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO_FREQ, c.freq));
-        float read = -1;
-        EXPECT_TRUE(BASS_ChannelGetAttribute(jingle, BASS_ATTRIB_TEMPO_FREQ, &read));
-        EXPECT_EQ(read, c.freq == 0 ? 44100 : c.freq);
-        press(jingle, 44100 * 4);
-        take();
-        const std::vector<float> sound = pullAndTake(4 * 44100);
-        EXPECT_NEAR(seconds(jingle), 1 + 4 * c.speed, 0.010) << c.tempo << ' ' << c.pitch << ' ' << c.freq;
-        EXPECT_NEAR(pitchBetween(sound, 4410, 4 * 44100), c.hz, 0.01 * c.hz)
-            << c.tempo << ' ' << c.pitch << ' ' << c.freq;
-        EXPECT_GT(std::fabs(sound[2 * 500]) + std::fabs(sound[2 * 573]), 0.2F) << "silent at the start";
-        // Length and sync stay in the source's terms.
-        EXPECT_EQ(BASS_ChannelGetLength(jingle, BASS_POS_BYTE), QWORD{20} * 44100 * 4);
-        BASS_StreamFree(jingle);
-        pull(441);
-    }
-}
-
 TEST_F(TempoProcessor, LoopsAndSyncsHoldWhileStretched) {
     const Topology studio;
     const DWORD jingle = studio.jingle(tone());
@@ -478,35 +393,6 @@ TEST_F(TempoProcessor, LoopsAndSyncsHoldWhileStretched) {
     BASS_ChannelFlags(jingle, 0, BASS_SAMPLE_LOOP);
     pull(44100);
     EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
-}
-
-TEST_F(TempoProcessor, SlidesOfTempoPitchAndRate) {
-    const Topology studio;
-    const DWORD jingle = studio.jingle(tone());
-    const auto value = [&](DWORD attribute) {
-        float v = -1;
-        EXPECT_TRUE(BASS_ChannelGetAttribute(jingle, attribute, &v));
-        return v;
-    };
-    press(jingle);
-    pull(4410);
-    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_TEMPO, 50, 1000);
-    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_TEMPO_PITCH, -6, 500);
-    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_TEMPO_FREQ | BASS_SLIDE_LOG, 88200, 2000);
-    EXPECT_TRUE(BASS_ChannelIsSliding(jingle, BASS_ATTRIB_TEMPO));
-    EXPECT_EQ(value(BASS_ATTRIB_TEMPO), 0);
-    pull(22050);
-    EXPECT_NEAR(value(BASS_ATTRIB_TEMPO), 25, 0.01);
-    EXPECT_EQ(value(BASS_ATTRIB_TEMPO_PITCH), -6);
-    EXPECT_NEAR(value(BASS_ATTRIB_TEMPO_FREQ), 44100 * std::exp2(0.25), 1);
-    EXPECT_FALSE(BASS_ChannelIsSliding(jingle, BASS_ATTRIB_TEMPO_PITCH));
-    // A set ends a slide.
-    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO_FREQ, 40000);
-    EXPECT_FALSE(BASS_ChannelIsSliding(jingle, BASS_ATTRIB_TEMPO_FREQ));
-    pull(22050);
-    EXPECT_EQ(value(BASS_ATTRIB_TEMPO), 50);
-    EXPECT_FALSE(BASS_ChannelIsSliding(jingle, BASS_ATTRIB_TEMPO));
-    EXPECT_EQ(value(BASS_ATTRIB_TEMPO_FREQ), 40000);
 }
 
 }  // namespace
