@@ -25,39 +25,22 @@ int indexOf(const std::vector<std::string>& names, const std::string& name) {
 }
 
 /// `standard`: the row of the output that the system calls its default.
-void settleByName(OutputLists& lists, int standard) {
-    lists.byName = true;
-    const int last = static_cast<int>(lists.aux.size()) - 1;
-
-    lists.mainSelected = 0;
-    if (deviceSettings.DeviceName.empty()) {
-        if (!lists.main.empty()) {
-            deviceSettings.DeviceName = lists.main[static_cast<std::size_t>(standard)];
-            lists.mainSelected = standard;
-            Device[0] = standard + 1;
-        }
-    } else {
-        const int found = indexOf(lists.main, deviceSettings.DeviceName);
-        lists.mainSelected = std::max(0, found);
-        Device[0] = lists.mainSelected + 1;
+void settleByName(int standard) {
+    if (!deviceSettings.DeviceName.empty()) {
+        Device[0] = std::max(0, indexOf(OutputNames, deviceSettings.DeviceName)) + 1;
+    } else if (!OutputNames.empty()) {
+        deviceSettings.DeviceName = OutputNames[static_cast<std::size_t>(standard)];
+        Device[0] = standard + 1;
     }
-
-    if (deviceSettings.DeviceAuxName.empty()) {
-        lists.auxSelected = last;
-        Device[1] = 0;
-    } else {
-        lists.auxSelected = std::max(0, indexOf(lists.aux, deviceSettings.DeviceAuxName));
-        Device[1] = lists.auxSelected + 1;
-    }
-    if (Device[1] == last + 1) Device[1] = 0;
+    const std::string& aux = deviceSettings.DeviceAuxName;
+    const bool none = aux.empty() || aux == Ln("sNoDevice") || OutputNames.empty();
+    Device[1] = none ? 0 : std::max(0, indexOf(OutputNames, aux)) + 1;
 }
 
-void settleById(OutputLists& lists) {
-    const int size = static_cast<int>(lists.main.size());
+void settleById() {
+    const int size = static_cast<int>(OutputNames.size());
     Device[0] = DeviceId[0] > size ? 1 : DeviceId[0];
     Device[1] = DeviceId[1] > size ? 0 : DeviceId[1];
-    lists.mainSelected = Device[0] == 0 ? size - 1 : Device[0] - 1;
-    lists.auxSelected = Device[1] == 0 ? static_cast<int>(lists.aux.size()) - 1 : Device[1] - 1;
 }
 
 }  // namespace
@@ -88,24 +71,18 @@ InputLists CurrentInputs() {
 void ListOutDev() {
     guarded("modDevices.ListOutDev", [] {
         DeviceId = {deviceSettings.Device, deviceSettings.DeviceAux};
-        OutputLists lists;
+        OutputNames.clear();
         BASS_DEVICEINFO info{};
         int standard = 0;  // of the list
         for (DWORD n = 1; BASS_GetDeviceInfo(n, &info); ++n) {
-            lists.main.emplace_back(info.name);
+            OutputNames.emplace_back(info.name);
             if ((info.flags & BASS_DEVICE_DEFAULT) != 0) standard = static_cast<int>(n) - 1;
         }
-        lists.aux = OutputNames = lists.main;
-        lists.aux.push_back(Ln("sNoDevice"));
-        if (Device[0] == Device[1]) {
-            Device[1] = 0;
-            lists.auxSelected = static_cast<int>(lists.aux.size()) - 1;
-        }
+        if (Device[0] == Device[1]) Device[1] = 0;
         if (deviceSettings.SavDevBy == kByName)
-            settleByName(lists, standard);
+            settleByName(standard);
         else
-            settleById(lists);
-        callUp(audioUpcalls.outputsListed, lists);
+            settleById();
     });
 }
 

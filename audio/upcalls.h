@@ -55,7 +55,6 @@ struct AudioUpcalls {
     std::function<void()> noOutputDevice;      ///< the program plays into the no-sound device
 
     // ---- the mixer window ----
-    std::function<void(const OutputLists&)> outputsListed;
     std::function<void(const InputLists&)> inputsListed;
 };
 

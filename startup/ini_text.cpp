@@ -229,8 +229,6 @@ std::vector<std::string> IniText::sectionNames() const {
     return out;
 }
 
-bool IniText::hasSection(std::string_view section) const { return find(askedName(section)) != nullptr; }
-
 // ---- changing
 // ----------------------------------------------------------------------------------------------
 

@@ -38,7 +38,6 @@ class IniText {
     std::vector<Line> lines(std::string_view section);
     /// The names of the sections in file order, each once.
     std::vector<std::string> sectionNames() const;
-    bool hasSection(std::string_view section) const;
 
     // The changes return whether they changed a byte.
     /// Sets a key, at its place or behind the last line of its section, or takes it out when `value` is

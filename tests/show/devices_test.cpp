@@ -40,8 +40,6 @@ TEST_F(Devices, SavedOutputsAreFoundAgain) {
         {"both gone are both the first", "Name", "Four", "Five", 1, 1, 0, 0},
     };
     write("language.ini", "[English]\r\nsNoDevice=none\r\n");
-    OutputLists lists;
-    audioUpcalls.outputsListed = [&](const OutputLists& given) { lists = given; };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         deviceSettings.SavDevBy = row.by;
@@ -57,6 +55,7 @@ TEST_F(Devices, SavedOutputsAreFoundAgain) {
         ListOutDev();
         EXPECT_EQ(Device[0], row.device0);
         EXPECT_EQ(Device[1], row.device1);
+        const OutputLists lists = CurrentOutputs();
         EXPECT_EQ(lists.main, (std::vector<std::string>{"One", "Two", "Three"}));
         EXPECT_EQ(lists.aux, (std::vector<std::string>{"One", "Two", "Three", "none"}));
         EXPECT_EQ(lists.mainSelected, row.selected0);

@@ -13,7 +13,6 @@ extern std::string MoveSourcePalette;  ///< palette that MoveSrcJ was taken from
 /// What moves with a button.
 struct MovedJingle {
     PersistedJingle fields;
-    bool fxMark = false;
     int tick = 0;  ///< of its box
 };
 extern MovedJingle MoveBuffer;

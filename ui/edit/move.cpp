@@ -49,7 +49,6 @@ void cutOrCopy(int index, const std::string& mode) {
     MoveMode = mode;
     MoveSourcePalette = HeldPalette();
     MoveBuffer.fields = j;
-    MoveBuffer.fxMark = b != nullptr && b->fx_Jingle.visible;
     ClipPath = j.Path;
 }
 

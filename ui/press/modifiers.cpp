@@ -1,7 +1,6 @@
 #include "ui/press/modifiers.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -23,7 +22,6 @@ namespace zv {
 bool SelectorsSuppressed = false;
 bool PrevCtrlDown = false, PrevShiftDown = false;
 bool DeletePromptOn = true;
-std::string FocusedName;
 
 namespace {
 
@@ -144,11 +142,6 @@ void TimerKeyModifiersTick() {
         outlineCarried();
         PrevCtrlDown = CtrlDown;
         PrevShiftDown = ShiftDown;
-        static constexpr std::array<std::string_view, 3> fields{"DTDelay", "DTSecond", "DTMinute"};
-        const Control* focus = focusedControl();
-        if (focus != nullptr && std::find(fields.begin(), fields.end(), focus->name) == fields.end()) {
-            FocusedName = focus->name;
-        }
     });
 }
 

@@ -1,14 +1,11 @@
 /// The poll of Ctrl, Shift and Alt, and what the display says while they are held. [control]
 #pragma once
 
-#include <string>
-
 namespace zv {
 
 extern bool SelectorsSuppressed;
 extern bool PrevCtrlDown, PrevShiftDown;
-extern bool DeletePromptOn;      ///< Alt shows the delete prompt
-extern std::string FocusedName;  ///< control that had the focus at the last poll
+extern bool DeletePromptOn;  ///< Alt shows the delete prompt
 
 /// What the display says while modifier keys are held.
 enum class ModifierMessage { none, move, copy, rename, remove, removeFile };

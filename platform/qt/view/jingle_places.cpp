@@ -46,7 +46,6 @@ JinglePart partOf(const Control& record) {
 
 void JinglePlaces::settle(const QSize& size, double captionPixels, const Shown& shown) {
     size_ = size;
-    captionPixels_ = captionPixels;
     shown_ = shown;
     const double height = size.height();
     durationFont_ = textFont(std::clamp(std::min(captionPixels * kDurationShare, height * 0.66), kDurationMin,

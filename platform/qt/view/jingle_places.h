@@ -62,7 +62,6 @@ class JinglePlaces {
 
     const Control& button_;
     QSize size_;
-    double captionPixels_ = 0;
     Shown shown_;
     std::vector<Placed> parts_;
     QFont durationFont_, numberFont_;
