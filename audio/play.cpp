@@ -272,7 +272,8 @@ void StopSync(HSYNC, DWORD channel, DWORD, void*) {
     Jingle(index).Playing = false;
 }
 
-void FadeOutSynctmJn(HSYNC, DWORD, DWORD, void*) {
+void FadeOutSynctmJn(HSYNC, DWORD, DWORD begun, void*) {
+    if (begun != 0) return;
     BASS_ChannelSlideAttribute(hTmAn, static_cast<DWORD>(TmAnFadeAttrib), kStopAtEnd, ms(TmAnFadeOut));
 }
 

@@ -15,6 +15,7 @@
 #include "model/jingle.h"
 #include "model/palette_lines.h"
 #include "platform/jobs.h"
+#include "platform/sound.h"
 #include "startup/errors.h"
 #include "startup/guard.h"
 #include "startup/language.h"
@@ -31,6 +32,7 @@ namespace {
 constexpr double kEqBandwidth = 2.5;  // octaves
 constexpr int kEffectPriority = 10;
 constexpr double kMsPerSecond = 1000;
+constexpr float kStopAtEnd = -1;  // of a slide: to silence, then stop
 
 /// What was copied from the record when the jingle was chosen.
 PersistedJingle chosen;
@@ -70,6 +72,15 @@ void attachEffects(int freq) {
     SetVolFx(BASS_ChannelSetFX(hTmAn, BASS_FX_BFX_VOLUME, kEffectPriority), chosen.Volm);
 }
 
+/// The fade begins with the frame of the stop position; the procedure serves an engine that cannot do that.
+void armStop() {
+    const HSYNC stop =
+        BASS_ChannelSetSync(hTmAn, BASS_SYNC_POS, BytePosition(chosen.StopPos), &FadeOutSynctmJn, nullptr);
+    if (const auto* engine = engine::audioLibraryControl(); engine != nullptr)
+        engine->slideAtSync(hTmAn, stop, kStopAtEnd, static_cast<DWORD>(std::max(0, int{TmAnFadeOut})),
+                            chosen.LogFadeOut == 1);
+}
+
 void build(SourceFile& found) {
     hTmAnSrc = found.take();
     if (hTmAnSrc == 0) {
@@ -94,8 +105,7 @@ void build(SourceFile& found) {
     TmJingleDuration = std::max(0.0, BASS_ChannelBytes2Seconds(hTmAnSrc, BytePosition(playable)));
     attachEffects(static_cast<int>(info.freq));
     BASS_ChannelSetPosition(hTmAn, BytePosition(startPosition()), BASS_POS_BYTE);
-    if (chosen.StopPos != 0)
-        BASS_ChannelSetSync(hTmAn, BASS_SYNC_POS, BytePosition(chosen.StopPos), &FadeOutSynctmJn, nullptr);
+    if (chosen.StopPos != 0) armStop();
     if (mix()) {
         BASS_Mixer_ChannelRemove(hTmAn);
         // Stopped before it is in the mixer, so that no period can catch it sounding.

@@ -8,17 +8,6 @@ namespace {
 const auto press = [] { clPlay(0, -1); };
 class Play : public ShowTest {};
 
-/// The same at every run; a reverb does to it what it does to music, not what it does to a lone sine.
-std::vector<std::int16_t> noise(std::size_t frames) {
-    std::vector<std::int16_t> samples(frames * 2);
-    std::uint32_t state = 1;
-    for (std::int16_t& sample : samples) {
-        state = state * 1664525 + 1013904223;
-        sample = static_cast<std::int16_t>(static_cast<int>(state >> 18) - 8192);
-    }
-    return samples;
-}
-
 TEST_F(Play, TailsRingOnAndEnd) {
     // A jingle of 3 s with 600 ms of reverb: when it falls silent, and how loud it is 50 ms before the end of the acts
     // and 50 ms after it.

@@ -35,6 +35,16 @@ bool ShowTest::sounds(int index) { return BASS_ChannelIsActive(jingle(index).hPl
 
 std::string iniLine(const std::string& key, const std::string& value) { return key + "=" + value + "\r\n"; }
 
+std::vector<std::int16_t> noise(std::size_t frames) {
+    std::vector<std::int16_t> samples(frames * 2);
+    std::uint32_t state = 1;
+    for (std::int16_t& sample : samples) {
+        state = state * 1664525 + 1013904223;
+        sample = static_cast<std::int16_t>(static_cast<int>(state >> 18) - 8192);
+    }
+    return samples;
+}
+
 std::string wholeRecord(const JingleRecord& j) {
     const auto fields = [](const JingleRecord& j) {
         const auto text = [](const auto& value) {

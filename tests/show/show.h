@@ -37,6 +37,8 @@ std::string iniLine(const std::string& key, const std::string& value);
 /// Milliseconds as frames, and as bytes of a stereo file.
 constexpr std::size_t framesOf(double ms) { return static_cast<std::size_t>(ms * kRate / 1000); }
 constexpr int bytesOf(double ms) { return static_cast<int>(framesOf(ms)) * kBytesPerFrame; }
+/// The same at every run; a reverb does to it what it does to music, not what it does to a lone sine.
+std::vector<std::int16_t> noise(std::size_t frames);
 /// All fields of a record that differ from the empty one's: "Volm=50 State=1".
 std::string wholeRecord(const JingleRecord& jingle);
 /// The frame of a ramp() that sounds at `frame`, -1 in silence.
