@@ -172,7 +172,7 @@ class Chance : public ShowTest {
         ASSERT_EQ(told, model.told);
         ASSERT_EQ(LastPlayedJ, model.last);
         ASSERT_EQ(Ducked, model.ducked);
-        ASSERT_NEAR(DispRemain, model.remain / 1000.0, 1e-9);
+        ASSERT_NEAR(DispRemain, model.remain / 1000.0, 0.011);  // half a hundredth is rounded either way
         ASSERT_FLOAT_EQ(BusLevel, static_cast<float>(std::min(model.bus[0].to, model.bus[1].to)));
     }
     void compareSound() {
@@ -194,7 +194,7 @@ class Chance : public ShowTest {
         const int i = kSlots[any(4)];
         Slot& s = model.slots[i];
         std::string what = " " + std::to_string(i);
-        switch (any(24)) {
+        switch (any(26)) {
             case 0:
                 what = "stop all";
                 evStop();
@@ -271,12 +271,24 @@ class Chance : public ShowTest {
                 model.release(i);
                 break;
             case 9:
-                MIDILearnActive = any(8) == 0;
+                MIDILearnActive = any(5) == 0;
                 CtrlDown = any(12) == 0, ShiftDown = any(12) == 0, AltDown = any(12) == 0;
                 SelectorsOn = any(6) == 0;
                 minimalSettings.MinimalView = oneOf({0, 1}), ClockShown = any(2) == 0;
                 what = "learns " + std::to_string(MIDILearnActive) + " held " +
                        std::to_string(CtrlDown || ShiftDown || AltDown);
+                break;
+            case 10:
+                what = "mark" + what;  // as the batch marking does, whether it sounds or not
+                for (JingleRecord* j : {&jingle(i), &s.is}) {
+                    const bool loop = j->Loop == 0;
+                    j->Seq = loop ? 0 : 1;
+                    j->Loop = loop ? 1 : 0;
+                }
+                break;
+            case 11:
+                what = "unmark" + what;
+                for (JingleRecord* j : {&jingle(i), &s.is}) j->Seq = j->Loop = 0;
                 break;
             default: {
                 const int velocity = oneOf({-1, -1, 127, 64, 200});

@@ -1,10 +1,13 @@
 // Outputs, inputs and what stands between them.
 
+#include "audio/device_levels.h"
 #include "audio/effects.h"
+#include "audio/levels.h"
 #include "audio/output_watch.h"
 #include "model/colours.h"
 #include "startup/settings/dark_settings.h"
 #include "startup/settings/devices_settings.h"
+#include "startup/settings/live_settings.h"
 #include "startup/settings/marks_settings.h"
 #include "startup/settings/volumes_settings.h"
 #include "tests/show/show.h"
@@ -61,6 +64,10 @@ TEST_F(Devices, SavedOutputsAreFoundAgain) {
         EXPECT_EQ(lists.mainSelected, row.selected0);
         EXPECT_EQ(lists.auxSelected, row.selected1);
         EXPECT_EQ(lists.byName, row.by == "Name");
+        const OutputLists now = CurrentOutputs();
+        EXPECT_TRUE(now.main == lists.main && now.aux == lists.aux &&
+                    now.mainSelected == lists.mainSelected && now.auxSelected == lists.auxSelected &&
+                    now.byName == lists.byName);
     }
 }
 
@@ -85,6 +92,8 @@ TEST_F(Devices, SavedInputsAreFoundAgain) {
         EXPECT_EQ(lists.inputs, (std::vector<std::string>{"Line", "Mic"}));
         EXPECT_EQ(lists.selected, row.selected);
         EXPECT_EQ(deviceSettings.DeviceIn, row.selected);
+        EXPECT_EQ(CurrentInputs().inputs, lists.inputs);
+        EXPECT_EQ(CurrentInputs().selected, row.selected);
     }
 }
 
@@ -97,6 +106,7 @@ TEST_F(Devices, AJingleIsOnTheChosenOutputsAtTheirLevels) {
         for (int i = 0; i < 3; ++i) heard(i);
         pass(100);
         for (int i = 0; i < 3; ++i) EXPECT_NEAR(loudest(i), expected[static_cast<std::size_t>(i)], 1e-6) << i;
+        EXPECT_EQ(OutputLevel(0), 50);
     };
     levels("main and second", {0.5, 0.5, 0});
     SetOutputVolume(1, 20);
@@ -162,6 +172,7 @@ TEST_F(Devices, TheMicrophoneIsSilentUntilItIsPushed) {
     deviceSettings.DeviceIn = 1;
     OpenMic();
     ASSERT_NE(hMic, 0U);
+    EXPECT_EQ(InputLevel(), 0);
     std::vector<float> voice(framesOf(5000) * 2, 0.25F);
     devices->feedInput("Mic", voice, kRate);
     pass(200);
@@ -173,7 +184,9 @@ TEST_F(Devices, TheMicrophoneIsSilentUntilItIsPushed) {
     pass(200);
     EXPECT_NEAR(loudest(0), 0.125, 1e-3);
     EXPECT_NEAR(loudest(1), 0.125, 1e-3);
+    EXPECT_EQ(InputLevel(), 25);
     CloseMic();
+    EXPECT_EQ(InputLevel(), 0);
     pass(100);
     heard();
     pass(100);
@@ -184,6 +197,53 @@ TEST_F(Devices, TheMicrophoneIsSilentUntilItIsPushed) {
     heard();
     pass(100);
     EXPECT_EQ(loudest(0), 0) << "opened anew it is silent again";
+}
+
+TEST_F(Devices, MetersAndTriggersTellTheLoudestOfThoseThatMay) {
+    const auto sound = [&](const char* name, std::int16_t left, std::int16_t right) {
+        std::vector<std::int16_t> samples = level(framesOf(9000), left);
+        for (std::size_t i = 1; i < samples.size(); i += 2) samples[i] = right;
+        writeWav(path(name), samples);
+    };
+    sound("left.wav", 16384, 8192), sound("right.wav", 3277, 19661), sound("voice.wav", 22938, 3277);
+    const auto voice = [&](StreamHandle& handle) {
+        handle = BASS_StreamCreateFile(false, path("voice.wav").string().c_str(), 0, 0, BASS_STREAM_DECODE);
+        BASS_Mixer_StreamAddChannel(MainMixer, handle, BASS_MIXER_CHAN_BUFFER);
+    };
+    struct Row {
+        const char *left, *right;  ///< keys
+        StreamHandle* more;
+        int liveDucks;
+        std::array<int, 6> levels;
+        int trigger;
+    };
+    for (const Row& row : std::vector<Row>{
+             {"", "Volm=0", nullptr, 0, {50, 25, 50, 25, 50, 0}, 0},
+             {"", "", nullptr, 0, {50, 60, 50, 60, 60, 0}, 1},
+             {"", "AutoDuck=1", nullptr, 0, {50, 25, 50, 60, 50, 0}, 0},
+             {"", "AutoDuck=2 NoTrigDuck=1", nullptr, 0, {50, 25, 50, 60, 50, 0}, 0},
+             {"NoTrigDuck=1", "AutoDuck=2", nullptr, 0, {10, 60, 50, 60, 60, 0}, 1},
+             {"NoTrigDuck=1", "NoTrigDuck=1", nullptr, 0, {0, 0, 50, 60, 0, 0}, kNobody},
+             {"", "Volm=400", nullptr, 0, {50, 100, 50, 100, 100, 0}, 1},
+             {"", "", &hTmAnVoice, 0, {70, 60, 70, 60, 70, 0}, kAnnouncer},
+             {"", "", &hLive, 0, {50, 60, 70, 60, 70, 0}, kLiveStream},
+             {"", "", &hLive, 1, {50, 60, 70, 60, 60, 0}, 1},
+         }) {
+        SCOPED_TRACE(std::string(row.left) + " / " + row.right);
+        openPalette(paletteLines(std::string("Path=left.wav ") + row.left, 0) +
+                    paletteLines(std::string("Path=right.wav ") + row.right, 1));
+        liveSettings.LiveAutoDuck = row.liveDucks;
+        clPlay(0, -1), clPlay(1, -1);
+        if (row.more != nullptr) voice(*row.more);
+        pass(200);
+        EXPECT_EQ(GetLevels(), row.levels);
+        EXPECT_EQ(LoudestTrigger, row.trigger);
+        EXPECT_NEAR(LoudestLevel[1], std::string(row.right) == "Volm=400" ? 2.4 : row.levels[3] / 100.0,
+                    0.01);
+        evStop();
+        if (row.more != nullptr) BASS_StreamFree(std::exchange(*row.more, 0));
+        EXPECT_EQ(GetLevels(), (std::array<int, 6>{}));
+    }
 }
 
 TEST_F(Devices, OnlyRatesOfTheListAreUsed) {

@@ -75,6 +75,7 @@ void Slot::move() {
     if (loops && at == loopOut) at = loopIn;
     if (at >= sound.lengthMs) sounds = false;
     if (!sounds || stopAt == 0 || at != stopAt) return;
+    stopAt = 0;
     is.Leaving = true;
     fade(stopMs, stopLog);
 }
