@@ -227,7 +227,7 @@ double Val(std::string_view text) {
     const std::size_t first = number.starts_with('-') ? 1 : 0;
     if (first >= number.size() || (!isDigit(number[first]) && number[first] != '.')) return 0;
     std::from_chars(number.data(), number.data() + number.size(), value);
-    return std::isfinite(value) ? value : 0;
+    return value;
 }
 
 std::string NumberText(double value) {

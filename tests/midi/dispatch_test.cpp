@@ -242,18 +242,6 @@ TEST_F(DispatchTest, APressThatCannotBeYetIsHeldBackAndTheRestWaitsBehindIt) {
     EXPECT_EQ(asked, "up:2 play:0/100");
 }
 
-TEST_F(DispatchTest, ABurstLosesNothing) {
-    start(kAll);
-    note();
-    std::string wanted;
-    for (int i = 0; i < 128; ++i) {
-        devices_.queue(i % 2 == 0 ? "901064" : "901000");
-        wanted += (wanted.empty() ? "" : " ") + std::string(i % 2 == 0 ? "play:0/100" : "release:0");
-    }
-    pass(10);
-    EXPECT_EQ(asked, wanted);
-}
-
 TEST_F(DispatchTest, ARuleOfZeroIsReportedOnceAndPlaysAsBefore) {
     start({"Jingle0=9010,901000,0", "Jingle1=9011,901100,255"});
     note();

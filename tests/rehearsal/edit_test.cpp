@@ -1,4 +1,4 @@
-// Edits of many files at once; those of single buttons: tests/rehearsal/shows/edits.txt.
+// Edits of many files at once.
 
 #include "show.h"
 

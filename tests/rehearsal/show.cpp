@@ -2,18 +2,14 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstring>
 #include <iterator>
-
-#include "platform/file_decoders/file_decoders.h"
 
 namespace zv::test {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr float kSilence = 1e-4F;
 constexpr const char* kSettings =
     "[Settings]\r\nDevice=1\r\nDeviceAux=2\r\nPaletteIndex=Test\r\nConfirmExit=0\r\nLanguage="
     "English\r\nSealed=0\r\nCheckUpdate=0\r\n";
@@ -87,39 +83,8 @@ Heard Show::heard(const std::string& file) const {
     return sound;
 }
 
-Heard decoded(const fs::path& file) {
-    int error = 0;
-    const auto source = makeFileDecoders();
-    auto decoder = source->openFile(file.string(), error);
-    if (!decoder) decoder = source->openModule(file.string(), error);
-    Heard sound;
-    if (!decoder) {
-        ADD_FAILURE() << file << " cannot be decoded";
-        return sound;
-    }
-    EXPECT_EQ(decoder->format().channels, 2U);
-    std::vector<float> block(8192);
-    while (const std::size_t frames = decoder->read(block))
-        sound.stereo.insert(sound.stereo.end(), block.begin(),
-                            block.begin() + static_cast<std::ptrdiff_t>(frames * 2));
-    return sound;
-}
-
-double soundsAt(const Heard& sound, double fromMs) {
-    return static_cast<double>(sound.firstSound(framesOf(fromMs), kSilence)) * 1000 / kRate;
-}
-
 float peak(const Heard& sound, double fromMs, double toMs) {
     return sound.loudest(framesOf(fromMs), framesOf(toMs));
-}
-
-std::size_t sameBits(const Heard& a, std::size_t from, const Heard& b, std::size_t offset,
-                     std::size_t count) {
-    const std::size_t most =
-        std::min({count, a.frames() - std::min(from, a.frames()), b.frames() - std::min(offset, b.frames())});
-    for (std::size_t i = 0; i < 2 * most; ++i)
-        if (a.stereo[2 * from + i] != b.stereo[2 * offset + i]) return i / 2;
-    return most;
 }
 
 }  // namespace zv::test

@@ -54,13 +54,6 @@ class Show {
 
 /// A whole file, empty when it cannot be read.
 std::string contents(const std::filesystem::path& file);
-/// A sound file decoded as the program does; modules too.
-Heard decoded(const std::filesystem::path& file);
-/// The ms of the first sound behind `fromMs`; the length when there is none.
-double soundsAt(const Heard& sound, double fromMs = 0);
 /// Loudest sample in a stretch of ms.
 float peak(const Heard& sound, double fromMs, double toMs);
-/// Frames from `from` on in which both sounds have the same bits, up to `count`.
-std::size_t sameBits(const Heard& a, std::size_t from, const Heard& b, std::size_t offset, std::size_t count);
-
 }  // namespace zv::test

@@ -100,6 +100,8 @@ TEST(Controls, OnlyADifferenceIsAChange) {
         EXPECT_THAT(takeChanged(), ElementsAre(&button, &window));
         EXPECT_THAT(takeChanged(), IsEmpty());
         EXPECT_THAT(window.children(), ElementsAre(&button));
+        { const Control gone("testGone", ControlKind::label, &window); }
+        EXPECT_THAT(window.children(), ElementsAre(&button));
         EXPECT_EQ(findControl("TESTBUTTON", 3), &button);
         EXPECT_EQ(findControl("testButton"), nullptr);
 

@@ -38,28 +38,6 @@ TEST_F(Crash, WhatAKilledProgramLeftIsSweptAndWhatAnotherOneWritesStays) {
     fs::remove(folder / "palette.ini.2.zvtmp");
 }
 
-TEST_F(Crash, LocksEndWithTheProcess) {
-    int ready[2];
-    ASSERT_EQ(::pipe(ready), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        InstanceLock lock;
-        const char result = lock.acquire(programFolder()) == InstanceLock::Result::alone ? 'a' : 's';
-        if (::write(ready[1], &result, 1) == 1) ::pause();
-        ::_exit(1);
-    }
-    char result = 0;
-    ASSERT_EQ(::read(ready[0], &result, 1), 1);
-    EXPECT_EQ(result, 'a');
-    InstanceLock lock;
-    EXPECT_EQ(lock.acquire(programFolder()), InstanceLock::Result::shared);
-    ::kill(child, SIGKILL);
-    ::waitpid(child, nullptr, 0);
-    EXPECT_EQ(lock.acquire(programFolder()), InstanceLock::Result::alone);
-    ::close(ready[0]);
-    ::close(ready[1]);
-}
-
 TEST_F(Crash, FullDisk) {
     PaletteStore.PutSection("Morning", palette(1));
     PaletteStore.PutSection("Evening", palette(1));
