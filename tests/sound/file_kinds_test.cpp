@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstring>
+#include <map>
 
 #include "platform/offline/offline_devices.h"
 #include "tests/sound/workshop.h"
@@ -13,7 +14,7 @@ namespace {
 
 constexpr const char* decoded = "ffmpeg -v quiet -i $f -f s16le -";
 constexpr const char* layerTwo = "ffmpeg -v quiet -c:a mp2float -i $f -f s16le -";
-constexpr const char* source = "sox $s -t raw -";
+constexpr const char* source = "tail -c +45 $s";
 constexpr const char* exact = "sox -D $f -t raw -b 16 -e signed -";
 constexpr const char* song = "ffmpeg -v quiet -f libopenmpt -sample_rate 44100 -i $f -f s16le -";
 constexpr std::size_t fade = 44'100 * 60;  // frames that the reference adds to a song
@@ -69,7 +70,7 @@ const Kind kinds[] = {
      .told = false},
     {.name = "joined.oga",
      .make = "flac -s --ogg $s -o one.oga 2>/dev/null; cat one.oga b.ogg >$f",
-     .reference = "sox $s -t raw -; oggdec -Q -R -o - b.ogg",
+     .reference = "tail -c +45 $s; oggdec -Q -R -o - b.ogg",
      .told = false},
     {.name = "long.oga", .make = "flac -s --ogg $s -o $f 2>/dev/null", .reference = source},
     {.name = "zeros_between.ogg",
@@ -154,16 +155,18 @@ bool isSong(const Kind& kind) { return kind.reference == song; }
 /// whole at opening.
 std::size_t sourceFrames(const Kind& kind) { return kind.rate / 100 * 1'203; }
 
-std::vector<float> tonesOf(const Kind& kind) {
-    return wanderingTones(kind.rate, kind.channels, sourceFrames(kind));
+const std::vector<float>& tonesOf(const Kind& kind) {
+    static std::map<std::uint32_t, std::vector<float>> made;
+    std::vector<float>& tones = made[kind.rate * 8 + kind.channels];
+    if (tones.empty()) tones = wanderingTones(kind.rate, kind.channels, sourceFrames(kind));
+    return tones;
 }
 
 /// What the files are made from, once for all of them.
 const Folder& corpus() {
     static const Folder folder;
     static const bool made = [] {
-        const auto tones = wanderingTones(44'100, 2, 44'100 / 100 * 1'203);
-        writeWav(folder / "44100-2.wav", tones, 44'100, 2);
+        writeWav(folder / "44100-2.wav", tonesOf({}), 44'100, 2);
         // Data behind a chunk of an odd size that is larger than what is probed.
         auto bytes = readBytes(folder / "44100-2.wav");
         std::vector<char> chunk(8 + 70'001 + 1, 'x');

@@ -54,17 +54,19 @@ std::vector<float> wanderingTones(std::uint32_t rate, std::uint32_t channels, st
 
 void writeWav(const std::string& path, std::span<const float> sound, std::uint32_t rate,
               std::uint32_t channels) {
-    std::vector<char> bytes;
-    const auto put = [&](std::uint32_t value, int count) {
-        for (int i = 0; i < count; ++i) bytes.push_back(static_cast<char>(value >> (8 * i) & 0xFF));
-    };
-    const auto text = [&](const char* four) { bytes.insert(bytes.end(), four, four + 4); };
     const auto dataBytes = static_cast<std::uint32_t>(sound.size() * 2);
-    text("RIFF"), put(36 + dataBytes, 4), text("WAVE"), text("fmt "), put(16, 4), put(1, 2), put(channels, 2);
-    put(rate, 4), put(rate * channels * 2, 4), put(channels * 2, 2), put(16, 2), text("data"),
-        put(dataBytes, 4);
-    for (const float sample : sound)
-        put(static_cast<std::uint32_t>(std::lround(std::clamp(sample, -1.0F, 0.9999F) * 32768)), 2);
+    const std::uint32_t head[] = {
+        36 + dataBytes,          0x45564157, 0x20746D66, 16, channels << 16 | 1, rate, rate * channels * 2,
+        16 << 16 | channels * 2, 0x61746164, dataBytes};  // WAVE, "fmt ", data
+    std::vector<char> bytes(4 + sizeof head + dataBytes, 'R');
+    std::memcpy(bytes.data(), "RIFF", 4);
+    std::memcpy(bytes.data() + 4, head, sizeof head);
+    char* to = bytes.data() + 4 + sizeof head;
+    for (const float sample : sound) {
+        const auto value = static_cast<std::int16_t>(std::lround(std::clamp(sample, -1.0F, 0.9999F) * 32768));
+        std::memcpy(to, &value, sizeof value);
+        to += sizeof value;
+    }
     writeBytes(path, bytes);
 }
 
