@@ -1,10 +1,8 @@
 // Devices of a JACK server of the test's own, and the choice between sound systems.
 
 #include <jack/jack.h>
-#include <unistd.h>
 
 #include <atomic>
-#include <cstdlib>
 
 #include "platform/desktop_sound/choosing_devices.h"
 #include "platform/jack/jack_devices.h"
@@ -16,38 +14,13 @@
 namespace zv::test {
 namespace {
 
-class Counter : public engine::SoundClient {
-  public:
-    void render(std::span<float> stereo) override {
-        std::fill(stereo.begin(), stereo.end(), 0.0F);
-        asked += stereo.size() / 2;
-        if (stereo.size() / 2 > most) most = stereo.size() / 2;
-    }
-    void heard(std::span<const float> stereo) override { taken += stereo.size() / 2; }
-    void deviceLost() override { ++lost; }
-    void deviceBack() override { ++back; }
-    void deviceChanged(std::uint32_t hz, std::uint32_t) override { rate = hz; }
-    std::atomic<std::uint64_t> asked{0}, taken{0}, most{0};
-    std::atomic<std::uint32_t> rate{0};
-    std::atomic<int> lost{0}, back{0};
-};
-
 class Jack : public testing::Test {
   protected:
-    Jack() {
-        setenv("JACK_DEFAULT_SERVER", name_.c_str(), 1);
-        setenv("JACK_NO_START_SERVER", "1", 1);
-    }
-    Process serve(int rate, int period) const {
-        return Process({"jackd", "-n", name_, "-r", "-d", "dummy", "-r", std::to_string(rate), "-p",
-                        std::to_string(period), "-C", "2", "-P", "3"},
-                       {{"HOME", folder_.path().string()}});
-    }
+    Process serve(int rate, int period) const { return startJack(folder_, rate, period); }
     static bool listed(engine::DeviceSource& devices) {
         return within(8, [&] { return !devices.outputs().empty(); });
     }
     const Folder folder_;
-    const std::string name_ = "zv" + std::to_string(getpid());
 };
 
 TEST_F(Jack, EveryRateAndBlockSizeOfTheServerIsTaken) {
@@ -64,19 +37,19 @@ TEST_F(Jack, EveryRateAndBlockSizeOfTheServerIsTaken) {
         EXPECT_TRUE(outputs[0].isDefault);
         EXPECT_EQ(rate, outputs[0].rate);
         EXPECT_EQ(1U, devices->inputs().size());
-        Counter counter;
-        auto output = devices->openOutput(outputs[0].id, 44'100, counter);
-        auto input = devices->openInput("", 44'100, counter);
+        Probe probe;
+        auto output = devices->openOutput(outputs[0].id, 44'100, probe);
+        auto input = devices->openInput("", 44'100, probe);
         ASSERT_TRUE(output && input) << rate << " " << period;
         EXPECT_EQ(rate, output->rate());
-        EXPECT_TRUE(within(4, [&] { return counter.asked > rate / 4 && counter.taken > rate / 4; }))
+        EXPECT_TRUE(within(4, [&] { return probe.asked > rate / 4 && probe.taken > rate / 4; }))
             << rate << " " << period;
-        EXPECT_LE(counter.most, output->period());
+        EXPECT_LE(probe.longest, output->period());
         output.reset();
-        const std::uint64_t asked = counter.asked;
+        const std::uint64_t asked = probe.asked;
         std::this_thread::sleep_for(std::chrono::milliseconds(30));
-        EXPECT_EQ(asked, counter.asked);
-        EXPECT_FALSE(devices->openOutput("nowhere", 44'100, counter));
+        EXPECT_EQ(asked, probe.asked);
+        EXPECT_FALSE(devices->openOutput("nowhere", 44'100, probe));
     }
     EXPECT_TRUE(makeJackDevices()->outputs().empty());
 }
@@ -170,8 +143,8 @@ TEST(ChosenDevices, TheFirstSystemWithAnOutputIsTakenWheneverItComes) {
     card->unplug("Card");
     server->plug("Server");  // nothing was opened: whatever comes is taken
     EXPECT_EQ("Server", devices->outputs()[0].name);
-    Counter counter;
-    const auto open = devices->openOutput("Server", 44'100, counter);
+    Probe probe;
+    const auto open = devices->openOutput("Server", 44'100, probe);
     server->unplug("Server");
     card->plug("Card");
     EXPECT_TRUE(devices->outputs().empty());  // it is followed, not left

@@ -1,8 +1,6 @@
 #include "tests/sound/process.h"
 
 #include <fcntl.h>
-#include <grp.h>
-#include <pwd.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,11 +14,10 @@ namespace zv::test {
 
 Process::Process(const std::vector<std::string>& arguments,
                  const std::vector<std::pair<std::string, std::string>>& environment,
-                 const std::string& output, const std::string& user) {
+                 const std::string& output) {
     std::vector<char*> words;
     for (const auto& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
     words.push_back(nullptr);
-    const passwd* account = user.empty() ? nullptr : getpwnam(user.c_str());
     pid_ = fork();
     if (pid_ != 0) return;
     prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -28,9 +25,6 @@ Process::Process(const std::vector<std::string>& arguments,
     dup2(target, STDOUT_FILENO);
     dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);
     for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
-    if (account &&
-        (setgroups(0, nullptr) != 0 || setgid(account->pw_gid) != 0 || setuid(account->pw_uid) != 0))
-        _exit(126);
     execvp(words.front(), words.data());
     _exit(127);
 }

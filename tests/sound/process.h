@@ -16,7 +16,7 @@ class Process {
     /// file) or nowhere.
     Process(const std::vector<std::string>& arguments,
             const std::vector<std::pair<std::string, std::string>>& environment,
-            const std::string& output = "/dev/null", const std::string& user = {});
+            const std::string& output = "/dev/null");
     Process(Process&& other) noexcept : pid_(std::exchange(other.pid_, -1)) {}
     Process& operator=(Process&& other) noexcept {
         std::swap(pid_, other.pid_);

@@ -139,11 +139,7 @@ TEST(RtMidiDevices, MessagesOfAJackServersPorts) {
     if (access("/dev/snd/seq", R_OK) == 0)
         GTEST_SKIP() << "left out: this machine's ALSA sequencer is chosen before JACK";
     const Folder folder;
-    const std::string name = "zvm" + std::to_string(getpid());
-    setenv("JACK_DEFAULT_SERVER", name.c_str(), 1);
-    setenv("JACK_NO_START_SERVER", "1", 1);
-    Process jack({"jackd", "-n", name, "-r", "-d", "dummy", "-r", "44100", "-p", "256"},
-                 {{"HOME", folder.path().string()}});
+    const Process jack = startJack(folder, 44'100, 256);
     ASSERT_TRUE(within(8, [] { return !makeJackDevices()->outputs().empty(); }));
     // Another thread hangs in opening a client: none is opened beside it.
     jack_client_t* looker = openJackClient("looker");

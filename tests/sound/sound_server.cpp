@@ -1,5 +1,7 @@
 #include "tests/sound/sound_server.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <atomic>
 #include <csignal>
@@ -84,6 +86,28 @@ std::vector<float> SoundServer::Recording::stop() {
 
 Process SoundServer::feedMicrophone(const std::string& wav) const {
     return Process({"paplay", "-d", "micfeed", "--latency-msec=20", wav}, environment());
+}
+
+void Probe::render(std::span<float> stereo) {
+    std::ranges::fill(stereo, level);
+    longest = std::max(longest.load(), stereo.size() / 2);
+    asked += stereo.size() / 2;
+}
+
+void Probe::heard(std::span<const float> stereo) {
+    for (const float sample : stereo) loudest = std::max(loudest.load(), std::abs(sample));
+    if (soundAt == 0 && loudest > 0.02F)
+        soundAt = std::chrono::steady_clock::now().time_since_epoch().count();
+    taken += stereo.size() / 2;
+}
+
+Process startJack(const Folder& home, int rate, int period) {
+    const std::string name = "zv" + std::to_string(getpid());
+    setenv("JACK_DEFAULT_SERVER", name.c_str(), 1);
+    setenv("JACK_NO_START_SERVER", "1", 1);
+    return Process({"jackd", "-n", name, "-r", "-d", "dummy", "-r", std::to_string(rate), "-p",
+                    std::to_string(period), "-C", "2", "-P", "3"},
+                   {{"HOME", home.path().string()}});
 }
 
 namespace {

@@ -1,6 +1,7 @@
 /// A PulseAudio server of the test's own: two outputs, and a microphone that hears what is sent to "micfeed".
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,25 @@ class SoundServer {
     Folder folder_;
     Process server_;
 };
+
+/// Sends a steady sound, and counts what it is asked for and what it hears.
+class Probe : public engine::SoundClient {
+  public:
+    static constexpr float level = 0.25F;
+    void render(std::span<float> stereo) override;
+    void heard(std::span<const float> stereo) override;
+    void deviceLost() override { ++lost; }
+    void deviceBack() override { ++back; }
+
+    std::atomic<std::uint64_t> asked{0}, taken{0};  ///< frames
+    std::atomic<std::size_t> longest{0};            ///< frames of one call
+    std::atomic<float> loudest{0};                  ///< that was heard
+    std::atomic<std::int64_t> soundAt{0};  ///< when something was heard first, ns of the steady clock
+    std::atomic<int> lost{0}, back{0};
+};
+
+/// A JACK server with two inputs and three outputs, found by whoever becomes its client in this process.
+Process startJack(const Folder& home, int rate, int period);
 
 /// Sends clicks to output `from` and listens at input `to`: how long each was under way, in ms, in rising
 /// order; nothing when one got lost.
