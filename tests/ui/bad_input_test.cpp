@@ -185,25 +185,6 @@ const Row kRows[] = {
          return std::to_string(quiet) + " holes, " + (rec(kFree).Playing ? "plays on" : "ended");
      },
      "0 holes, ended"},
-    {"pulled out between a deletion and its undo",
-     [](BadInput& t) {
-         b_Jingle_OLEDragDrop(kFree, t.stick());
-         desktop().answers = {BoxAnswer::yes};
-         DelJing(kFree, true);
-         t.pullOut();
-         Undo();
-         return t.slots();
-     },
-     "ooo..o.."},
-    {"a folder to fill from that is gone",
-     [](BadInput& t) {
-         const std::string folder = t.path("stick").string();
-         t.pullOut();
-         FillPalette({folder});
-         t.pass(300);
-         return BadInput::said() + ", " + t.slots();
-     },
-     "No sound file among what was dropped, ooo....."},
     {"read-only: a save",
      [](BadInput& t) {
          t.edit(12);
@@ -241,14 +222,6 @@ const Row kRows[] = {
          return with + " " + (there ? "the file stays " : "gone ") + t.slots();
      },
      "o.o..... the file stays ooo....."},
-    {"read-only: no folder of samples",
-     [](BadInput& t) {
-         folderSettings.SampleDir = t.path("Audio_Sample/new/deep").string();
-         const ReadOnly folder(t.path("Audio_Sample"));
-         b_Jingle_OLEDragDrop(kFree, t.stick());
-         return t.slots();
-     },
-     "ooo..o.."},
     {"read-only: an import",
      [](BadInput& t) {
          folderSettings.ImportFiles = 1;
@@ -260,16 +233,7 @@ const Row kRows[] = {
          return t.stored(t.stick());
      },
      "its own path"},
-    {"read-only: a playlist",
-     [](BadInput& t) {
-         const ReadOnly folder(t.path(""));
-         Playlist playlist{{}, "Night", {{0, "A"}}};
-         return std::string(KeepPlaylist(playlist) ? "kept" : "refused") +
-                (AllPlaylists().empty() ? "" : ", listed");
-     },
-     "refused"},
     {"quotes and brackets", [](BadInput& t) { return t.travel("Say \"hi\" [live].wav"); }, "ok"},
-    {"a bracket and quotes at the ends", [](BadInput& t) { return t.travel("]'q' & 'r'[.wav"); }, "ok"},
     {"signs of the file's own", [](BadInput& t) { return t.travel("; a=b # 100% %1 : c > d|e.wav"); }, "ok"},
     {"a line end",
      [](BadInput& t) {
@@ -294,33 +258,6 @@ const Row kRows[] = {
                 (t.read("palette.ini").find(rec(0).Path + "\r\n") == std::string::npos ? " lost" : "");
      },
      "ooo....."},
-    {"a palette of that name",
-     [](BadInput& t) {
-         t.name("[x] \"y\"\nz", 0);
-         const std::string name = HeldPalette();
-         t.pick("B");
-         t.pick(name);
-         return t.slots() + " " + std::to_string(frmMain().palettes.lstPal.items().size());
-     },
-     "ooo..... 4"},
-    {"they change another palette",
-     [](BadInput& t) {
-         t.theyWrite(t.line("1", "B1"), t.line("1", "B1") + t.line("9", "C0"));
-         t.edit(12);
-         t.save();
-         return t.jingles("B") + ", " + t.volume();
-     },
-     "0:B0 1:B1 9:C0 2:B2, 12"},
-    {"they add a palette and take one away",
-     [](BadInput& t) {
-         t.theyWrite("[C]", "[Dawn]");
-         t.edit(12);
-         t.save();
-         std::string list;
-         for (const std::string& name : frmMain().palettes.lstPal.items()) list += name + " ";
-         return list + t.jingles("Dawn");
-     },
-     "A B Dawn 0:C0 1:C1 2:C2"},
     {"they change the palette that is open",
      [](BadInput& t) {
          t.theyWrite(t.line("1", "A1"), t.line("1", "C1"));
@@ -329,14 +266,6 @@ const Row kRows[] = {
          return t.jingles("A") + ", theirs in the history: " + t.history();
      },
      "0:A0 1:A1 2:A2, theirs in the history: A 1; "},
-    {"they take the open palette away",
-     [](BadInput& t) {
-         t.theyWrite("[A]", "[Former]");
-         t.edit(12);
-         t.save();
-         return t.jingles("A") + ", " + t.jingles("Former");
-     },
-     "0:A0 1:A1 2:A2, 0:A0 1:A1 2:A2"},
     {"they write between an edit and its undo",
      [](BadInput& t) {
          clMove(1, "cut");
@@ -350,22 +279,6 @@ const Row kRows[] = {
          return t.jingles("A") + ", " + t.jingles("B") + ", " + t.jingles("C");
      },
      "0:C2 2:A2 1:A1, 0:B0 1:B1 2:B2, 9:A0 0:C0 1:C1 2:C2"},
-    {"they add a jingle while it is looked for",
-     [](BadInput& t) {
-         searchSettings.ResultsInSearch = 1;
-         searchSettings.AutoClJSearchSec = 0;
-         JingSearch();
-         SearchWindow& s = frmSearchJing();
-         std::string found;
-         for (const bool after : {false, true}) {
-             s.txtJSearch.caption = "b2";
-             SearchJing();
-             for (const std::string& name : s.lstPalRes.items()) found += name + " ";
-             if (!after) t.theyWrite("[C]", "[C]\r\nPath_9=Audio_Sample\\B2.wav");
-         }
-         return found;
-     },
-     "B B C "},
     {"a palette with a twin is deleted",
      [](BadInput& t) {
          t.write("palette.ini", t.read("palette.ini") + "[b]\r\n" + t.line("4", "C0"));

@@ -182,84 +182,6 @@ TEST_F(EditorTest, whatIsListenedToIsHeard) {
     }
 }
 
-TEST_F(EditorTest, aPageGoesBackToItsDefaults) {
-    open(
-        "Seq=1 CueStart=1000 StopPos=6000 FadeOut=2000 LogFadeOut=1 LoopFadeOut=1 LoopIn=2000 LoopOut=4000 "
-        "Volm=250 FXV=-5,0,0,0,0,0,3,700,10,48000,-2");
-    EXPECT_EQ(w.cmbRange.text(), "300 %");
-    w.TabFX.listIndex = 0;
-    w.btReset.onClick();
-    EXPECT_EQ(j.FXV, "0,0,0,0,0,0,0,0,0,44100,0");
-    expectAgreement();
-    EXPECT_EQ(j.CueStart, kSecond);
-    w.TabFX.listIndex = 1;
-    w.btReset.onClick();
-    EXPECT_EQ(j.CueStart + j.StopPos + j.FadeOut + j.LogFadeOut + j.LoopFadeOut, 0);
-    EXPECT_EQ(j.FadeAttrib, BASS_ATTRIB_VOL);
-    EXPECT_EQ(std::pair(j.Volm, w.cmbRange.text()), std::pair(100, std::string("100 %")));
-    EXPECT_EQ(w.StopTxtPos.shown(), FieldsOf(8000.0 * 44 / 44100));
-    EXPECT_FALSE(Button(kSlot)->fx_Jingle.visible);
-    pass(2000);
-    w.btMaxVol.onClick();  // of a sound at half the level
-    EXPECT_NEAR(j.Volm, 200, 1);
-    EXPECT_EQ(w.btMaxVol.backColor(), kButtonFace);
-    set(w.SlideVolCh, j.Volm + 1);
-    EXPECT_EQ(w.btMaxVol.backColor(), 255);
-    w.cmbRange.listIndex = 0;
-    w.cmbRange.onChange();
-    EXPECT_EQ(j.Volm, 100);
-}
-
-TEST_F(EditorTest, presetsAreChosenSavedReplacedAndDeleted) {
-    FXPresetsStore.PutSection(kFXPresetsSection, {{"Bass boost", "7,3,1,0,0,0,0,0,0,0,0"},
-                                                  {"Far", "99,-99,0,0,0,0,0,5000,50,-9999,40"}});
-    open();
-    const auto choose = [&](int row) {
-        w.cmbFXpreset.listIndex = row;
-        w.cmbFXpreset.onChange();
-        expectAgreement();
-    };
-    choose(0);
-    EXPECT_EQ(j.FXV, "-7,-3,-1,0,0,0,0,0,0,44100,0");
-    EXPECT_EQ(w.lblEQV[0]->caption(), "+7 dB");
-    EXPECT_TRUE(PalToSave);
-    choose(1);  // beyond the sliders: at their ends
-    EXPECT_EQ(j.FXV, "-10,10,0,0,0,0,0,3000,30,30870,30");
-    EXPECT_EQ(w.lblTempoVal[1]->caption() + " " + w.lblSamplerateHz.caption(), "-30 % 30870 Hz");
-    const auto stored = [](const char* name) { return FXPresetsStore.GetValue(name, 0, kFXPresetsSection); };
-    const auto save = [&](const char* name, BoxAnswer answer) {
-        w.txtFXpreset.caption = std::string(name);
-        desktop().answers = {answer};
-        w.btAddFXpreset.onClick();
-    };
-    save("Mine", BoxAnswer::no);
-    EXPECT_EQ(stored("Mine"), "10,-10,0,0,0,0,0,3000,30,-300,30") << "a new name asks nothing";
-    EXPECT_EQ(w.cmbFXpreset.text(), "Mine");
-    w.btReset.onClick();
-    save("mine", BoxAnswer::no);
-    EXPECT_EQ(stored("Mine").substr(0, 2), "10");
-    save("mine", BoxAnswer::yes);
-    EXPECT_EQ(stored("Mine"), "0,0,0,0,0,0,0,0,0,0,0");
-    for (const BoxAnswer answer : {BoxAnswer::no, BoxAnswer::yes}) {
-        EXPECT_FALSE(stored("Mine").empty());
-        desktop().answers = {answer};
-        w.btDelFXpreset.onClick();
-    }
-    EXPECT_TRUE(stored("Mine").empty());
-    EXPECT_EQ(desktop().boxes.size(), 4U);
-    EXPECT_FALSE(w.btDelFXpreset.enabled);
-}
-
-TEST_F(EditorTest, openingAndClosingChangesNothing) {
-    const std::string odd = "0.5,0,0,0,0,0,0,33.5,2.25,44123,1.5";
-    open("CueStart=101 StopPos=7003 FXV=" + odd);
-    const PersistedJingle before = j.persisted();
-    OKfx();
-    EXPECT_TRUE(before == j.persisted());
-    EXPECT_FALSE(PalToSave);
-    EXPECT_EQ(j.State, PlayState::idle);
-}
-
 /// The edited jingle is silence, so that what the output sends are the others to the bit. ZV_EDITOR_SECONDS makes it
 /// longer.
 TEST_F(EditorTest, randomMovesReachRecordAndChannelAndNothingElse) {
@@ -365,44 +287,6 @@ TEST_F(EditorTest, keysPlayAndSetStartAndStopUnlessAFieldTakesThem) {
         EXPECT_NEAR(j.StopPos / kSecond, row.stop, 0.45);
         EXPECT_EQ(j.CueStart > 0, row.start > 0);
         EXPECT_EQ(j.StopPos > 0, row.stop > 0);
-    }
-}
-
-TEST_F(EditorTest, eachBoxHasItsFieldAndShowsIt) {
-    open();
-    const std::vector<Control*> boxes{&w.ckAutoDuck, &w.ckNoTrigDuck, &w.ckNoAutomix, &w.ckLogFadeOut,
-                                      &w.ckLoopFadeOut};
-    const struct {
-        std::size_t box;
-        int value;
-        const char *fields, *shown;
-    } steps[] = {{2, 1, "00100", "00100"}, {1, 1, "01100", "01100"}, {1, 0, "00100", "00100"},
-                 {0, 1, "11100", "11100"}, {0, 0, "21100", "01100"}, {3, 1, "21110", "01110"},
-                 {4, 1, "21111", "01111"}, {2, 0, "21011", "01011"}, {3, 0, "21001", "01001"},
-                 {4, 0, "21000", "01000"}};
-    for (const auto& step : steps) {
-        SCOPED_TRACE(step.fields);
-        PalToSave = false;
-        set(*boxes[step.box], step.value);
-        EXPECT_TRUE(PalToSave);
-        OKfx();
-        clFXSet(kSlot);
-        std::string fields, shown;
-        for (const int field : {j.AutoDuck, j.NoTrigDuck, j.NoAutomix, j.LogFadeOut, j.LoopFadeOut})
-            fields += std::to_string(field);
-        for (const Control* box : boxes) shown += std::to_string(box->value());
-        EXPECT_EQ(fields, step.fields);
-        EXPECT_EQ(shown, step.shown);
-        EXPECT_EQ(j.FadeAttrib != BASS_ATTRIB_VOL, j.LogFadeOut == 1)
-            << "an attribute of its own: logarithmic";
-    }
-    // What another hand put into the record meanwhile.
-    for (const std::uint8_t value : {std::uint8_t{1}, std::uint8_t{0}}) {
-        OKfx();
-        j.AutoDuck = j.NoTrigDuck = j.NoAutomix = value;
-        j.LogFadeOut = j.LoopFadeOut = value;
-        clFXSet(kSlot);
-        for (const Control* box : boxes) EXPECT_EQ(box->value(), value) << box->name;
     }
 }
 

@@ -216,6 +216,7 @@ class KeepingByChance : public KeepingTest {
             {"save", [&] { save(), belief.saveTo(belief.held); }},
             {"pick",
              [&] {
+                 if (any(1) == 0) edit(slot());  // saved by itself however soon the palette is left
                  const std::string name = one(names());
                  pick(name);
                  belief.open(name);

@@ -114,18 +114,6 @@ TEST(JingleMenu, TheRulesBehindIt) {
     }
 }
 
-TEST(JingleMenu, OfSeveralButtons) {
-    for (const bool playlist : {false, true}) {
-        std::string all;
-        for (const MenuEntry& entry : SelectionMenuEntries(playlist))
-            all += entry.name + (entry.enabled ? "" : "!") + (entry.ticked ? "*" : "") + " ";
-        EXPECT_EQ(all,
-                  playlist
-                      ? "mnuClr mnuspc2 mnuCol "
-                      : "mnuClr mnuspc2 mnuCol mnuLoop mnuSeq mnuAutoRep mnuTouch mnuPlayStop mnuNoStop ");
-    }
-}
-
 class JingleMenuTest : public WindowTest {
   protected:
     static bool offers(const char* name) {
@@ -133,30 +121,6 @@ class JingleMenuTest : public WindowTest {
         return std::any_of(menu.begin(), menu.end(), [&](const MenuItem& item) { return item.name == name; });
     }
 };
-
-TEST_F(JingleMenuTest, WorksOnTheButtonOrOnTheTickedOnes) {
-    for (const int i : {1, 2, 3}) load(i, 300);
-    CtrlDown = true;
-    ShowSelectors();
-    Button(1)->ckJingSel.value = 1;
-    OpenJingleMenu(2);
-    EXPECT_EQ(SelJ, std::vector<int>{2}) << "one box on another button: the button that was pressed";
-    Button(3)->ckJingSel.value = 1;
-    desktop().menuChoice = "mnuTouch";
-    OpenJingleMenu(2);
-    EXPECT_EQ(SelJ, (std::vector<int>{1, 3}));
-    EXPECT_FALSE(offers("mnuCopy"));
-    EXPECT_FALSE(offers("mnuMIDI"));
-    EXPECT_EQ(rec(1).PlayMod, PlayMode::touch);
-    EXPECT_EQ(rec(2).PlayMod, PlayMode::global);
-    EXPECT_EQ(rec(3).PlayMod, PlayMode::touch);
-    CtrlDown = false;
-    HideSelectors();
-    desktop().menuChoice = "mnuJPath";
-    OpenJingleMenu(2);
-    ASSERT_EQ(desktop().shown.size(), 1U);
-    EXPECT_TRUE(desktop().shown.front().ends_with(rec(2).Path.substr(rec(2).Path.find_last_of("\\/") + 1)));
-}
 
 }  // namespace
 

@@ -159,19 +159,6 @@ TEST_F(SearchTest, TypingPausesThenPalettesThenHitsThenThePaletteOpensWithThemBl
     EXPECT_FALSE(timers().TimerFindJingles.enabled());
 }
 
-TEST_F(SearchTest, WithoutResultsThePaletteOpensAtOnceAndPickingAnotherEndsTheBlinking) {
-    searchSettings.ResultsInSearch = 0;
-    JingSearch();
-    type("genes");
-    s().btKbDnPal.onClick();
-    s().btKbGo.onClick();
-    EXPECT_EQ(paletteSettings.PaletteIndex, "Noon");
-    EXPECT_EQ(SearchHits, (std::vector<int>{1}));
-    SelectPalette("Morning");
-    frmMain().palettes.lstPal.onMouseUp({});
-    EXPECT_TRUE(SearchHits.empty());
-}
-
 TEST_F(SearchTest, AHitThatSoundsKeepsItsFace) {
     searchSettings.BlinksJSearch = 3;
     JingSearch();
@@ -200,33 +187,6 @@ TEST_F(SearchTest, ClosesByTimeUnlessSomebodyTypes) {
     type("nothing has this name");
     pass(1100);
     EXPECT_FALSE(SearchOpen) << "also without a hit";
-}
-
-TEST_F(SearchTest, TheKeysOfItsKeyboardType) {
-    for (const auto& [language, keys] : {std::pair{"Français", "1234567890AZERTYUIOPQSDFGHJKLMWXCVBN"},
-                                         {"Deutsch", "1234567890QWERTZUIOPASDFGHJKLYXCVBNM"},
-                                         {"Español", "1234567890QWERTYUIOPASDFGHJKLÑZXCVBNM"},
-                                         {"English", "1234567890QWERTYUIOPASDFGHJKLZXCVBNM"}}) {
-        programSettings.Language = language;
-        CloseSearchBox();
-        JingSearch();
-        s().showKeys(true);
-        std::string letters;
-        for (Control* key : s().btKb) letters += key->caption();
-        EXPECT_EQ(letters, keys);
-    }
-    for (const char* wanted : {"N", "O"}) {
-        const auto key = std::find_if(s().btKb.begin(), s().btKb.end(),
-                                      [&](Control* k) { return k->caption() == wanted; });
-        (*key)->onClick();
-    }
-    s().btKbSp.onClick();
-    EXPECT_EQ(s().txtJSearch.caption(), "no ");
-    s().btKbBack.onMouseDown({});
-    pass(320);
-    s().btKbBack.onMouseUp({});
-    pass(500);
-    EXPECT_EQ(s().txtJSearch.caption(), "") << "held, it deletes on";
 }
 
 }  // namespace

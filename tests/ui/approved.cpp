@@ -1,0 +1,411 @@
+#include "tests/ui/approved.h"
+
+#include <fstream>
+#include <sstream>
+
+#include "audio/announcer.h"
+#include "audio/effect_vector.h"
+#include "audio/live_stream.h"
+#include "audio/time_jingle.h"
+#include "midi/feedback.h"
+#include "midi/learn.h"
+#include "midi/learn_commands.h"
+#include "midi/lifecycle.h"
+#include "model/playlists.h"
+#include "platform/forms.h"
+#include "platform/rehearsal/midi_devices.h"
+#include "platform/rehearsal/virtual_clock.h"
+#include "startup/settings/folders_settings.h"
+#include "startup/settings/midi_settings.h"
+#include "startup/settings/search_settings.h"
+#include "startup/settings_file.h"
+#include "ui/edit/undo.h"
+#include "ui/screen/announcer_view.h"
+#include "ui/screen/error_mark.h"
+#include "ui/screen/highlight.h"
+#include "ui/screen/layout_strip.h"
+#include "ui/settings/mixer_controls.h"
+#include "ui/windows/console_window.h"
+#include "ui/windows/history_window.h"
+#include "ui/windows/jingle_window.h"
+#include "ui/windows/midi_button_window.h"
+#include "ui/windows/midi_settings_window.h"
+#include "ui/windows/playlist_windows.h"
+#include "ui/windows/question_window.h"
+#include "ui/windows/report_window.h"
+#include "ui/windows/search_window.h"
+#include "ui/windows/select_file_window.h"
+#include "ui/windows/shortcuts_window.h"
+
+namespace zv::test {
+namespace {
+
+constexpr std::size_t kLongest = 90;  ///< bytes of one value
+constexpr const char* kProperties[] = {"visible",   "enabled", "caption",   "toolTip",
+                                       "value",     "minimum", "maximum",   "items",
+                                       "listIndex", "topRow",  "backColor", "foreColor"};
+
+/// The test's own folder, which has another name each time.
+std::string ownFolder;
+std::string sentToSurface;
+
+std::string cut(std::string text) {
+    std::erase(text, '\r');
+    for (std::size_t at = 0; (at = text.find(ownFolder, at)) != std::string::npos;)
+        text.replace(at, ownFolder.size(), "~");
+    for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos;) text.replace(at, 1, "/");
+    if (text.size() > kLongest) text = text.substr(0, kLongest) + "...";
+    return text;
+}
+
+std::string joined(const std::vector<std::string>& parts, const char* between) {
+    std::string all;
+    for (const std::string& part : parts) all += (all.empty() ? "" : between) + part;
+    return all;
+}
+
+/// A control as it stands: name, text, value; hidden ones in brackets.
+std::string standing(const Control& c) {
+    if (!c.visible) return "[" + nameOf(c) + "]";
+    std::string text = nameOf(c);
+    if (!c.caption().empty()) text += " '" + cut(c.caption) + "'";
+    const auto number = [](int n) { return std::to_string(n); };
+    switch (c.kind) {
+        case ControlKind::checkBox:
+        case ControlKind::option:
+            text += "=" + number(c.value);
+            break;
+        case ControlKind::slider:
+        case ControlKind::number:
+        case ControlKind::progress:
+            text += "=" + number(c.value) + " of " + number(c.minimum) + ".." + number(c.maximum);
+            if (c.standard != kNoStandard) text += " std " + number(c.standard);
+            if (c.step != 1) text += " step " + number(c.step);
+            break;
+        case ControlKind::comboBox:
+        case ControlKind::listBox:
+        case ControlKind::tabs:
+            text += " {" + cut(joined(c.items, "|")) + "}" + number(c.listIndex);
+            break;
+        case ControlKind::canvas:
+            if (c.drawing().size() == 1) text += " #" + number(c.drawing().front().colour);
+            break;
+        default:
+            break;
+    }
+    return text + (c.enabled ? "" : " off");
+}
+
+std::string standing(const FormText& text) { return text.record == nullptr ? "" : standing(*text.record); }
+
+std::string standing(const std::vector<FormCell>& cells) {
+    static constexpr const char* kRoles[] = {"", " enter", " escape", " red", " play"};
+    std::vector<std::string> all;
+    for (const FormCell& cell : cells) {
+        if (cell.control == nullptr) continue;
+        all.push_back(standing(*cell.control) + kRoles[static_cast<std::size_t>(cell.role)]);
+        for (const Control* part : cell.joined) all.back() += " + " + standing(*part);
+        if (!cell.unit.empty()) all.back() += " " + standing(cell.unit);
+    }
+    return joined(all, "; ");
+}
+
+std::vector<std::string> properties(const Control& c) {
+    std::vector<std::string> all;
+    bool known = true;
+    for (const char* property : kProperties) all.push_back(propertyText(c, property, known));
+    return all;
+}
+
+}  // namespace
+
+std::string nameOf(const Control& c) {
+    return c.name + (c.index >= 0 ? "(" + std::to_string(c.index) + ")" : "");
+}
+
+std::string whole(const Control& window) {
+    constexpr std::size_t kLine = 300;
+    std::string text, row;
+    const auto flush = [&] {
+        if (!row.empty()) text += "  " + std::exchange(row, {}) + "\n";
+    };
+    const auto add = [&](const std::string& cells) {
+        if (row.size() + cells.size() > kLine) flush();
+        if (cells.find_first_not_of(" :;") != std::string::npos) row += (row.empty() ? "" : " | ") + cells;
+    };
+    const auto blocks = [&](const std::vector<FormBlock>& all) {
+        for (const FormBlock& block : all)
+            for (const FormCard& card : block) {
+                add(standing(card.title));
+                for (const FormRow& r : card.rows)
+                    add((r.label.empty() ? "" : standing(r.label) + ": ") + standing(r.cells));
+                flush();
+            }
+    };
+    const Form& form = *window.form;
+    text = "'" + cut(window.caption) + "'" + (form.modal ? " modal" : "") + ", the keyboard is at " +
+           (desktop().focus == nullptr ? "nothing" : nameOf(*desktop().focus)) + "\n";
+    for (const FormText* head : {&form.header.title, &form.header.line, &form.header.right})
+        add(standing(*head));
+    flush();
+    blocks(form.blocks);
+    if (form.pager != nullptr) add(standing(*form.pager)), flush();
+    for (const FormPage& page : form.pages) blocks(page.blocks);
+    add(standing(form.note)), add(standing(form.keysLeft)), add(standing(form.keys));
+    flush();
+    return text;
+}
+
+Watch::Watch(std::filesystem::path folder) : folder_(std::move(folder)) {
+    ownFolder = folder_.string();
+    if (ownFolder.ends_with('/')) ownFolder.pop_back();
+    for (const Control* c : allControls()) known_[c] = properties(*c);
+    rest_ = rest();
+}
+
+std::string Watch::changes() {
+    std::vector<std::pair<std::string, std::vector<int>>> found;  // "name(#).property=value", its indices
+    for (const Control* c : takeChanged()) {
+        const bool ticks = c->kind == ControlKind::meter || c->name.starts_with("lblPos") ||
+                           c->name == "lblTime" || c->name == "lblDate" || c->name == "JRemLev" ||
+                           c->name.starts_with("pic");
+        const auto before = std::exchange(known_[c], properties(*c));
+        for (std::size_t i = 0; i < std::size(kProperties) && !ticks; ++i) {
+            if (before.empty() || known_[c][i] == before[i]) continue;
+            if (c->name == "lblErr" && kProperties[i] == std::string("foreColor")) continue;  // it blinks
+            const std::string text = c->name + "#." + kProperties[i] + "=" + cut(known_[c][i]);
+            auto at = std::ranges::find(found, text, &std::pair<std::string, std::vector<int>>::first);
+            if (at == found.end()) at = found.insert(found.end(), {text, {}});
+            at->second.push_back(c->index);
+        }
+    }
+    std::vector<std::string> all;
+    for (auto& [text, indices] : found) {
+        const std::string many = "(" + std::to_string(indices.size()) + " of them)";
+        std::string which;
+        for (const int index : indices) which += index < 0 ? "" : "(" + std::to_string(index) + ")";
+        all.push_back(text.replace(text.find('#'), 1, indices.size() > 3 ? many : which));
+    }
+    const auto now = rest();
+    for (const auto& [key, value] : now)
+        if (const auto was = rest_.find(key); was == rest_.end() || was->second != value)
+            all.push_back(key + "=" + cut(value));
+    for (const auto& [key, value] : rest_)
+        if (!now.contains(key)) all.push_back("no " + key);
+    rest_ = now;
+    rest_.erase("to the surface");
+    sentToSurface.clear();
+    return joined(all, "; ");
+}
+
+std::map<std::string, std::string> Watch::rest() const {
+    std::map<std::string, std::string> all;
+    const auto number = [&](const std::string& key, auto value) {
+        if (static_cast<double>(value) != 0) all[key] = std::to_string(static_cast<std::int64_t>(value));
+    };
+    std::istringstream settings(SettingsDump());
+    for (std::string line; std::getline(settings, line);)
+        all["set " + line.substr(0, line.find('='))] = line.substr(line.find('=') + 1);
+    for (int i = 0; i < kJingles; ++i) {
+        const std::string slot = "J" + std::to_string(i) + ".";
+        for (const auto& [key, value] : fieldsOf(rec(i))) all[slot + key] = value;
+        number(slot + "FadeAttrib", rec(i).FadeAttrib);
+        number(slot + "open", rec(i).hPlay != 0);
+        number(slot + "sounds", BASS_ChannelIsActive(rec(i).hPlay) == BASS_ACTIVE_PLAYING);
+    }
+    const std::pair<const char*, double> flags[] = {{"PalToSave", PalToSave},
+                                                    {"MenuJ", MenuJ},
+                                                    {"SelectorsOn", SelectorsOn},
+                                                    {"RenameJ", RenameJ},
+                                                    {"MoveSrcJ", MoveSrcJ},
+                                                    {"FxOpen", FxOpen},
+                                                    {"learning", MIDILearnActive},
+                                                    {"TmAnnOn", TmAnnOn},
+                                                    {"LiveOn", LiveOn},
+                                                    {"ActiveTab", ActiveTab},
+                                                    {"boxes", desktop().boxes.size()},
+                                                    {"dialogs", desktop().dialogs},
+                                                    {"documents", desktop().documents.size()},
+                                                    {"quit", desktop().quitAsked}};
+    for (const auto& [key, value] : flags) number(key, value);
+    const std::pair<const char*, std::string> texts[] = {
+        {"OptionCode", OptionCode},
+        {"OptionControl", OptionControl},
+        {"LastCtrl", LastCtrl},
+        {"SaveMode", SaveMode},
+        {"held", HeldPalette()},
+        {"undo", UndoText()},
+        {"clipboard", desktop().clipboard},
+        {"box", desktop().boxes.empty() ? "" : desktop().boxes.back()},
+        {"keyboard at", desktop().focus == nullptr ? "" : nameOf(*desktop().focus)}};
+    for (const auto& [key, text] : texts)
+        if (!text.empty()) all[key] = text;
+    const Learning& l = MIDILearn;
+    if (!sentToSurface.empty()) all["to the surface"] = sentToSurface;
+    all["learnt"] = l.MIDILearnDown + " " + l.MIDILearnUp + " " + std::to_string(l.SlideVelocity) +
+                    (l.ckVelocityLimit ? " limit" : "") + (l.ckReverse ? " reverse" : "");
+    for (std::size_t row = 0; row < l.rows.size(); ++row)
+        all["sent" + std::to_string(row)] = l.rows[row][0] + " " + l.rows[row][1] + " " + l.rows[row][2];
+    std::string selected;
+    for (const int i : SelJ) selected += std::to_string(i) + " ";
+    all["SelJ"] = selected;
+    for (const char* name : {"palette.ini", "HotJingles.ini", "playlist.ini", "FXpresets.ini", "MIDI.ini"}) {
+        std::ifstream file(folder_ / name);
+        std::string section;
+        for (std::string line; std::getline(file, line);) {
+            if (line.starts_with("[")) section = cut(line);
+            all[name + section + cut(line)] = "";
+        }
+    }
+    return all;
+}
+
+ApprovedTest::ApprovedTest() {
+    ticksChecked = false;  // what its controls do is told, not held together
+    folderSettings.ImportFiles = 0;
+    searchSettings.ResultsInSearch = 1;
+    searchSettings.AutoClJSearchSec = 0;
+    FillQuestions();
+    FillReportUpcalls();
+    FillConsoleUpcalls();
+    ForgetUndo();
+    VirtualClock::instance().setWallTime("2026-01-01 12:00:00");
+    PlaylistsEnabled = true;
+    MidiDevices::instance().onSent = [](const std::string&, std::uint32_t message) {
+        sentToSurface += " " + midiText(message);
+    };
+    MidiDevices::instance().plug("Pad");
+    midiSettings.MIDIDevice = "Pad";
+    midiSettings.MIDIEnabled = 1;
+    begin();
+    // Whichever test came before, their texts are there.
+    for (FormWindow* form :
+         {&frmPlaylist().form, &frmPlaylistSelector().form, &frmSearchJing().form, &frmMIDISettings().form,
+          &frmMIDIButton().form, &frmMixer().form, &frmFX().form, &frmHistory().form, &frmSelFile().form,
+          &frmRenameFile().form, &frmShortcuts().form})
+        form->fillTexts();
+    frmSearchJing().fillKeys();
+    for (Control* text : {&frmPlaylist().txtPL, &frmMain().palettes.PalNameCar, &frmMain().palettes.txtSave,
+                          &frmRenameFile().lblNewFilename, &frmRenameFile().txtFilename})
+        text->caption = std::string();
+    frmHistory().lstHistory.items = std::vector<std::string>();
+    frmHistory().lstHistory.listIndex = -1;
+    frmHistory().lblDifference.caption = std::string();
+    frmFX().picWave.width = 800 * kTwipsPerPixel, frmFX().picWave.height = 120 * kTwipsPerPixel;
+    StartMIDI();
+    AllowMIDIFeedback();
+    watch = std::make_unique<Watch>(path(""));
+}
+
+ApprovedTest::~ApprovedTest() {
+    CloseForms();
+    EndMIDI();
+    MidiDevices::instance() = {};
+    PlaylistsEnabled = false;
+}
+
+void ApprovedTest::begin() {
+    LearnCancel();
+    CloseForms();
+    RenameJ = MoveSrcJ = -1;
+    frmMain().palettes.lstPal.enabled = true;
+    writeWav(path("Audio_Sample/A0.wav"), sine(22'050, 440));
+    writeWav(path("Audio_Sample/A1.wav"), sine(6 * 44'100, 440, 0.3));
+    write("palette.ini",
+          "[A]\r\n" + line("0", "A0") + line("1", "A1") + line("2", "gone") + line("3", "lost") +
+              paletteLines("Volm=80 Seq=1 CueStart=100 LoopIn=500 LoopOut=1500 StopPos=4500 "
+                           "FadeOut=300 LogFadeOut=1 BTNCol=3366FF FXV=-3,0,0,0,0,0,2,0,0,44100,0",
+                           kSlot) +
+              "Playlist_5=AAAAAA\r\n[B]\r\n" + line("0", "B0") + line("1", "B1"));
+    write("HotJingles.ini", "[HotJingles]\r\n" + line("0", "C0"));
+    write("playlist.ini",
+          "[AAAAAA]\r\nName=Night\r\nList=0>A:1>A:0>B\r\n[BBBBBB]\r\nName=Day\r\nList=0>B\r\n");
+    FXPresetsStore.PutSection(kFXPresetsSection,
+                              {{"Bass", "7,3,1,0,0,0,0,0,0,0,0"}, {"Hall", "0,0,0,0,0,0,0,2000,0,0,0"}});
+    write("MIDI.ini",
+          "[Pad]\r\nJingle1=9010,901000,255\r\nOutJingle1=A01001,A01002,A01003,A01004\r\n"
+          "[Old]\r\nJingle5=9035,903500,255\r\n");
+    std::filesystem::remove_all(path("History"));
+    LoadLockedFiles();
+    PalToSave = false;
+    lstPalRefresh();
+    OpenFile("A"), OpenFile();
+    pick("A");
+    NotSavePal();
+    HideErrMark();
+    frmMain().display.lblDispMessage.visible = false;
+    frmMain().display.lblDispMessage.caption = std::string();
+    DisarmOptions();
+    LoopToggleAtRest();
+    Disarm(frmMain().palettes.ckAssign);
+    OptionCode.clear(), OptionControl.clear(), LastCtrl.clear();
+    SelectorsOn = false;
+    EndChoosing();
+    DropTimeJingle();
+    DisarmAnnouncer();
+    ResetJingles();
+    ForgetUndo();
+    desktop().boxes.clear();
+    desktop().focus = nullptr;
+    SelJ = {kSlot};
+}
+
+void ApprovedTest::work(Control& c, MouseButton button) {
+    desktop().answers = {BoxAnswer::yes, BoxAnswer::yes};
+    desktop().paths = {path("Audio_Sample/B0.wav").string()};
+    if (c.onFocus) c.onFocus();
+    watch->changes();
+    switch (c.kind) {
+        case ControlKind::checkBox:
+        case ControlKind::option:
+            c.value = c.kind == ControlKind::option || c.value == 0 ? 1 : 0;
+            break;
+        case ControlKind::slider:
+        case ControlKind::number:
+            c.value = c.value + c.step <= c.maximum ? c.value + c.step : c.minimum();
+            break;
+        case ControlKind::comboBox:
+        case ControlKind::listBox:
+        case ControlKind::tabs:
+            if (!c.items().empty()) {
+                c.listIndex = (c.listIndex + 1) % static_cast<int>(c.items().size());
+                break;
+            }
+            [[fallthrough]];
+        case ControlKind::textBox:
+            c.caption = c.caption() + "7";
+            break;
+        default:
+            break;
+    }
+    const MouseEvent press{button, 0, 300, 150};
+    if (c.onMouseDown) c.onMouseDown(press);
+    if (button == MouseButton::left && c.onChange && c.kind != ControlKind::button) c.onChange();
+    if (c.onMouseUp) c.onMouseUp(press);
+    if (button == MouseButton::left && c.onClick) c.onClick();
+    pass(120);
+    note(nameOf(c) + (button == MouseButton::right ? " right" : ""));
+}
+
+std::string ApprovedTest::lined() const {
+    constexpr std::size_t kLine = 400;
+    std::string all, line;
+    std::istringstream acts(text);
+    for (std::string act; std::getline(acts, act); line += act) {
+        const bool joins = line.starts_with("  ") && act.starts_with("  ") &&
+                           line.size() + act.size() < kLine && line.find(" > ") != std::string::npos &&
+                           act.find(" > ") != std::string::npos;
+        if (joins)
+            act = " |" + act.substr(1);
+        else if (!line.empty())
+            all += std::exchange(line, {}) + "\n";
+    }
+    return all + line + "\n";
+}
+
+void ApprovedTest::note(const std::string& what) {
+    if (const std::string changes = watch->changes(); !changes.empty())
+        text += "  " + what + " > " + changes + "\n";
+}
+
+}  // namespace zv::test

@@ -1,0 +1,52 @@
+// The whole program as text: what stands in a window, and what an act has changed of controls, records, settings and
+// files. A test compares all of it with an approved text (tests/support/approved.h).
+#pragma once
+
+#include "tests/ui/keeping_fixture.h"
+
+namespace zv::test {
+
+/// "sldEQ(3)".
+std::string nameOf(const Control& control);
+/// A window in reading order, rows with bars between them, a card's in lines of their own.
+std::string whole(const Control& window);
+
+/// All that an act can change: controls, records, settings, files, and what the desktop and the surface were told.
+class Watch {
+  public:
+    /// `folder` is the test's own.
+    explicit Watch(std::filesystem::path folder);
+    /// What is other than at the last call, "name.property=value"; equal ones of an array as one.
+    std::string changes();
+
+  private:
+    std::map<std::string, std::string> rest() const;
+
+    std::filesystem::path folder_;
+    std::map<const Control*, std::vector<std::string>> known_;
+    std::map<std::string, std::string> rest_;
+};
+
+inline constexpr int kSlot = 1;  ///< a sequence of six seconds
+
+class ApprovedTest : public KeepingTest {
+  protected:
+    ApprovedTest();
+    ~ApprovedTest() override;
+
+    /// Files, records and what is armed as they are before each scene: slot 1 of palette A is a sequence of six seconds,
+    /// 2 and 3 have lost their files, 5 is a playlist's.
+    void begin();
+    /// What a hand does to the control, and what has changed behind it.
+    void work(Control& c, MouseButton button = MouseButton::left);
+    /// A line of the text: what has changed since the last; none when that is nothing.
+    void note(const std::string& what);
+
+    /// The text with short acts of a scene on one line.
+    std::string lined() const;
+
+    std::string text;
+    std::unique_ptr<Watch> watch;
+};
+
+}  // namespace zv::test

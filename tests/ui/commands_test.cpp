@@ -1,0 +1,327 @@
+// What commands do that no control of a window gives: menus, keys, and what goes wrong. Each begins anew.
+
+#include "audio/open_palette.h"
+#include "model/playlists.h"
+#include "platform/rehearsal/midi_devices.h"
+#include "startup/errors.h"
+#include "startup/settings/devices_settings.h"
+#include "startup/settings/duck_settings.h"
+#include "startup/settings/editor_settings.h"
+#include "startup/settings/labels_settings.h"
+#include "startup/settings/minimal_settings.h"
+#include "startup/settings/palette_settings.h"
+#include "startup/settings/search_settings.h"
+#include "startup/settings_file.h"
+#include "startup/upcalls.h"
+#include "tests/support/approved.h"
+#include "tests/ui/approved.h"
+#include "ui/edit/announcer_tab.h"
+#include "ui/edit/assign.h"
+#include "ui/edit/carried.h"
+#include "ui/edit/fill.h"
+#include "ui/edit/history.h"
+#include "ui/edit/jingle_editor.h"
+#include "ui/edit/jingle_menu.h"
+#include "ui/edit/palette_load.h"
+#include "ui/edit/playlists.h"
+#include "ui/edit/positions_page.h"
+#include "ui/edit/relocate.h"
+#include "ui/edit/search.h"
+#include "ui/edit/selection.h"
+#include "ui/edit/undo.h"
+#include "ui/records/timers.h"
+#include "ui/settings/bound_controls.h"
+#include "ui/settings/mixer_controls.h"
+#include "ui/settings/mixer_window.h"
+#include "ui/windows/console_window.h"
+#include "ui/windows/jingle_window.h"
+#include "ui/windows/midi_button_window.h"
+#include "ui/windows/midi_learn.h"
+#include "ui/windows/playlist_windows.h"
+#include "ui/windows/question_window.h"
+#include "ui/windows/report_window.h"
+#include "ui/windows/search_window.h"
+#include "ui/windows/shortcuts_window.h"
+
+namespace zv::test {
+namespace {
+
+class CommandsTest : public ApprovedTest {
+  protected:
+    void act(const std::string& what, const std::function<void()>& command, int ms = 120) {
+        begin();
+        desktop().answers = {BoxAnswer::yes, BoxAnswer::yes};
+        desktop().paths = {path("Audio_Sample/B0.wav").string()};
+        desktop().menuChoice.clear();
+        watch->changes();
+        command();
+        pass(ms);
+        note(what);
+    }
+    /// The menu as it is offered, then what each of its items does.
+    void menu(const std::string& of, const std::function<void()>& open) {
+        act(of, open);
+        std::vector<std::string> names;
+        std::string offered;
+        for (const MenuItem& item : desktop().menu) {
+            offered += (offered.empty() ? "" : "; ") + item.caption + (item.enabled ? "" : " off") +
+                       (item.ticked ? " ticked" : "");
+            if (item.enabled && item.chosen) names.push_back(item.name);
+        }
+        text += "== menu of " + of + ": " + offered + "\n";
+        for (const std::string& name : names)
+            act(name, [&] {
+                desktop().menuChoice = name;
+                open();
+            });
+        desktop().menuChoice.clear();
+    }
+    static void key(Control& control, Key which, int shift = 0) {
+        KeyEvent event{which, shift};
+        if (control.onKeyDown) control.onKeyDown(event);
+        if (control.onKeyUp) control.onKeyUp(event);
+    }
+    void seek(const std::string& what) {
+        JingSearch();
+        frmSearchJing().txtJSearch.caption = what;
+        frmSearchJing().txtJSearch.onChange();
+        pass(300);
+    }
+};
+
+TEST_F(CommandsTest, EachDoesWhatWasApproved) {
+    PaletteTab& t = frmMain().palettes;
+    menu("a jingle", [] { OpenJingleMenu(96); });
+    menu("a playlist", [] { OpenJingleMenu(5); });
+    menu("a lost file", [] { OpenJingleMenu(2); });
+    menu("an empty button, a jingle carried", [] {
+        clMove(0, "copy");
+        OpenJingleMenu(7);
+    });
+    menu("several", [] {
+        CtrlDown = true;
+        ShowSelectors(), CheckAllSelectors();
+        Button(0)->ckJingSel.onMouseDown({MouseButton::right});
+        CtrlDown = false;
+        HideSelectors();
+    });
+    menu("the palettes", [&] {
+        SelJ = {0}, clTouchSet(0), clNoStopSet(0), Undo();
+        t.lstPal.onMouseUp({MouseButton::right});
+    });
+
+    text += "== keys\n";
+    for (const auto& [name, which] :
+         {std::pair{"page up", Key::pageUp}, {"delete", Key::del}, {"enter", Key::enter}})
+        act(std::string("palettes: ") + name, [&, k = which] { t.lstPal.listIndex = 1, key(t.lstPal, k); });
+    for (const Key which : {Key::enter, Key::escape})
+        act("name: " + std::to_string(static_cast<int>(which)), [&] {
+            t.btSave.onMouseDown({});
+            t.txtSave.caption = std::string("Late");
+            key(t.txtSave, which);
+        });
+    for (const Key which : {Key::f3, Key::pageUp, Key::pageDown, Key::enter, Key::escape})
+        for (const int hits : {0, 1})
+            act("search: " + std::to_string(static_cast<int>(which)) + (hits != 0 ? " hits" : ""), [&, hits] {
+                searchSettings.ResultsInSearch = hits;
+                seek("0");
+                key(frmSearchJing().form.window, which);
+            });
+    for (const Key which : {Key::f1, Key::up, Key::pageDown, Key::enter})
+        act("keys: " + std::to_string(static_cast<int>(which)), [&] {
+            write("shipped/Manual/Zentrova.html", "x");
+            OpenShortcuts(), key(frmShortcuts().form.window, which);
+        });
+    act("test of a lamp", [] { clMIDI("b_Jingle", kSlot), key(*frmMIDIButton().btTest[1], Key::space); });
+
+    text += "== what goes wrong\n";
+    act("nothing to take back", Undo);
+    act("nothing to bring again", Redo);
+    act("nothing was dropped", [] { b_Jingle_OLEDragDrop(7, ""); });
+    act("no sound", [] { ClipPath = "notes.txt", clAssign(7); });
+    act(
+        "more files than buttons",
+        [&] {
+            for (int i = 0; i < 45; ++i)
+                writeWav(path("many/" + std::to_string(100 + i) + ".wav"), sine(500, 440));
+            FillPalette({path("many").string()});
+        },
+        600);
+    act("a time jingle given up",
+        [] { PlayAfterAnnouncement(kSlot), frmMain().announcer.b_tmAnJin.onMouseDown({}); });
+    act("another jingle under the editor", [] { clFXSet(kSlot), clMove(0, "copy"), clMove(kSlot, "paste"); });
+    act(
+        "no file of that name",
+        [&] {
+            write("empty/x.txt", "");
+            desktop().paths = {path("empty").string()}, clReloc(2);
+        },
+        400);
+    act("the name that it has", [] { clRename(kSlot), frmRenameFile().onAccepted(); });
+    act("a name that was taken meanwhile", [&] {
+        clRename(kSlot), frmRenameFile().txtFilename.caption = "X", frmRenameFile().onAccepted();
+        write("Audio_Sample/A1.wav", "another"), Undo();
+    });
+    act("a file that the history has lost",
+        [&] { DelJing(kSlot, true), std::filesystem::remove_all(path("History")), Undo(); });
+    act("a state of the history that is lost", [&] {
+        DelJing(kSlot, true), ShowHistory(), std::filesystem::remove_all(path("History"));
+        findControl("btHistoryBack")->onClick();
+    });
+    act("many jingles in the history", [&] {
+        for (int i = 10; i < 22; ++i)
+            PaletteStore.PutValue("Path_" + std::to_string(i), "x" + std::to_string(i), "B");
+        DeletePalette("B"), ShowHistory();
+    });
+    act("a preset that cannot be written", [&] {
+        std::filesystem::remove(path("FXpresets.ini")),
+            std::filesystem::create_directories(path("FXpresets.ini/x"));
+        clFXSet(kSlot), frmFX().txtFXpreset.caption = "Mine", frmFX().btAddFXpreset.onClick();
+        std::filesystem::remove_all(path("FXpresets.ini"));
+    });
+    act("a playlist too long", [] {
+        clPlaylist(5);
+        frmPlaylist().lstPlaylist.items =
+            std::vector<std::string>(96, "1 (A1 > A palette of a very long name)");
+        frmPlaylist().btOK.onClick();
+    });
+    act("a locked jingle's playlists", [] { EditPlaylist(kSlot); });
+    act("once it is there", [&] {
+        const int load = BeginPaletteLoad();
+        rec(0).Volm = 3, MarkPalToSave(), ErrClick(), pass(100);
+        note("a click on the mark while a palette loads");
+        EndPaletteLoad(load, "A");
+    });
+    act("the program ends from the report", [] {
+        startupUpcalls.showReportWindow("Title", "Text");
+        frmMain().window.onClose = [] { desktop().quitAsked = true; };
+        frmReportError().btKill.onClick();
+        frmMain().window.onClose = {}, desktop().quitAsked = false;
+    });
+
+    text += "== the rest\n";
+    act("a new palette saved", [&] {
+        btNewTog(), b_Jingle_OLEDragDrop(7, path("Audio_Sample/B0.wav").string()), ErrClick();
+        t.txtSave.caption = std::string("Evening"), key(t.txtSave, Key::enter);
+    });
+    act("delete on the list", [] { LastCtrl = "lstpal", lstpaldel(); });
+    act("delete on a jingle", [] { LastCtrl = "b_Jingle", lstpaldel(); });
+    act("kept after all", [] { desktop().answers = {BoxAnswer::no}, DelJing(0, false); });
+    act("a drop", [&] { button(0).onDrop(path("Audio_Sample/B0.wav").string()); });
+    act("a drop on what sounds", [&] {
+        press(kSlot), release(kSlot), pass(100);
+        button(kSlot).onDrop(path("Audio_Sample/B0.wav").string()), evStop();
+    });
+    act("assigned", [&] { CkAssignTog(), press(7), release(7); });
+    act("boxes where the numbers stand", [] {
+        labelSettings.JNumbPos = 2;
+        ShowSelectors();
+    });
+    HideSelectors(), labelSettings.JNumbPos = 0;
+    act("a deleted palette comes back",
+        [] { DeletePalette("B"), lstPalRefresh(), ShowHistory(), findControl("btHistoryBack")->onClick(); });
+    act("names of the chosen jingles",
+        [] { ShowSelectors(), CheckAllSelectors(), CopyAllJings(), HideSelectors(); });
+    act("a loop's end moved",
+        [] { editorSettings.ActiveFXTab = 1, clFXSet(kSlot), MovePoint(CuePoint::loopOut, 3); });
+    act("a loudness of one's own", [] { editorSettings.LoudnessTarget = -20, clFXSet(0); });
+    act("saved in the minimal view", [&] {
+        minimalSettings.MinimalView = 1, rec(0).Volm = 3, MarkPalToSave(), SavePal(),
+        minimalSettings.MinimalView = 0;
+    });
+    act("the mark in the minimal view", [&] {
+        for (Control& mark : frmMain().display.lblPlayMode) mark.visible = false;
+        minimalSettings.MinimalView = 1, rec(0).Volm = 4, MarkPalToSave(), ErrClick(),
+        minimalSettings.MinimalView = 0;
+    });
+    act("a palette in the minimal view", [&] {
+        for (Control& mark : frmMain().display.lblPlayMode) mark.visible = false;
+        minimalSettings.MinimalView = 1, t.btDn.onMouseDown({}), t.btDn.onMouseUp({}), pass(300);
+        minimalSettings.MinimalView = 0;
+    });
+    act("the box of a carried jingle", [] {
+        ShowSelectors(), clMove(kSlot, "copy"), Button(kSlot)->ckJingSel.value = 1;
+        Button(kSlot)->ckJingSel.onChange(), clMove(7, "paste"), HideSelectors();
+    });
+    act("the window's console dragged", [] {
+        Control& w = frmConsole().form.window;
+        OpenConsole(), w.left = 1000, w.top = 1000;
+        w.onMouseDown({MouseButton::left, 0, 10, 20}), w.onMouseMove({MouseButton::left, 0, 110, 170});
+        w.onMouseUp({}), w.onMouseMove({MouseButton::left, 0, 900, 900});
+    });
+    text += "  it stands at " + std::to_string(frmConsole().form.window.left) + " " +
+            std::to_string(frmConsole().form.window.top) + "\n";
+    act("the threshold", [] {
+        OpenMixer(), frmMixer().SlideFadeInAdvance.value = 30, frmMixer().SlideFadeInAdvance.onChange();
+    });
+    act("devices by name",
+        [] { OpenMixer(), frmMixer().optDevBy[1]->onChange(), frmMixer().optDevBy[0]->onChange(); });
+    act("one output only", [] {
+        deviceSettings.DeviceSingle = 1;
+        OpenMixer(), frmMixer().cmbDev[0]->listIndex = 1, frmMixer().cmbDev[0]->onChange();
+        deviceSettings.DeviceSingle = 0;
+    });
+    act("a question over a question", [&] {
+        frmMain().window.visible = true;
+        QuestionWindow& q = frmQuestion();
+        int asked = 0;
+        desktop().whileWaiting = [&] {
+            if (++asked > 1) return q.btOK.onClick();
+            askOnCard({"Second?", "", BoxKind::warning, BoxButtons::ok, {}}, {});
+            text += "  again " + q.lblText.caption() + " " + std::to_string(q.btDecline.visible()) + "\n";
+        };
+        askOnCard({"First?", "", BoxKind::question, BoxButtons::okCancel, {}}, {});
+        desktop().whileWaiting = {};
+        frmMain().window.visible = false;
+    });
+    expectApproved("ui/commands.txt", lined());
+}
+
+/// A control of each kind tied to a setting: shown, taken, written where that is at once, greyed, brought back.
+TEST_F(ApprovedTest, BoundControlsFollowTheirSettings) {
+    Control window("frmBound", ControlKind::window);
+    Control box("box", ControlKind::checkBox, &window), slider("slider", ControlKind::slider, &window),
+        list("list", ControlKind::comboBox, &window), rows("rows", ControlKind::listBox, &window),
+        field("field", ControlKind::textBox, &window), same("same", ControlKind::label, &window),
+        colour("colour", ControlKind::colourField, &window), zero("option", ControlKind::option, &window, 0),
+        one("option", ControlKind::option, &window, 1), said("said", ControlKind::label, &window);
+    list.items = std::vector<std::string>{"ID", "Name"};
+    rows.items = std::vector<std::string>{"level", "time", "off"};
+    int told = 0;
+    BoundControls bound;
+    bound.bind(box, "VolInLink");
+    bound.bind(slider, "FadeOutSpeed",
+               {.step = 10, .shown = &said, .unit = " ms", .changed = [&] { ++told; }});
+    bound.bind(list, "SavDevBy");
+    bound.bind(rows, "AutoDuckMode");
+    bound.bind(zero, "AutoDuckMode"), bound.bind(one, "AutoDuckMode");
+    bound.bind(field, "DeviceName"), bound.bind(same, "DeviceName");
+    bound.bind(colour, "DispBackCol");
+    bound.greyUnless(slider, [&] { return box.value == 1; });
+    EXPECT_THROW(bound.bind(box, "NoSuchSetting"), std::logic_error);
+    const auto shown = [&] {
+        return std::to_string(box.value) + " " + std::to_string(slider.value) +
+               (slider.enabled ? "" : " off") + " " + said.caption() + " " + std::to_string(list.listIndex) +
+               " " + std::to_string(rows.listIndex) + " " + std::to_string(zero.value) +
+               std::to_string(one.value) + " '" + field.caption() + "' '" + same.caption() + "' " +
+               std::to_string(colour.backColor) + " told " + std::to_string(told);
+    };
+    const auto set = [&](Control& control, auto& property, auto value) {
+        property = value;
+        control.onChange();
+    };
+    bound.load();
+    const std::string before = shown();
+    set(box, box.value, 0), set(slider, slider.value, 7), set(list, list.listIndex, 1),
+        set(one, one.value, 1);
+    set(field, field.caption, std::string("Card ")), set(colour, colour.backColor, 0x123456);
+    EXPECT_EQ(shown(), "0 7 off 70 ms 1 1 01 'Card ' 'Card ' 1193046 told 1");
+    set(rows, rows.listIndex, 2);
+    EXPECT_EQ(shown(), "0 7 off 70 ms 1 2 00 'Card ' 'Card ' 1193046 told 1");
+    EXPECT_EQ(deviceSettings.DeviceName + " " + std::to_string(duckSettings.FadeOutSpeed), "Card  70");
+    bound.restore();
+    EXPECT_EQ(shown(), before.substr(0, before.rfind(' ')) + " 2");
+}
+
+}  // namespace
+}  // namespace zv::test
