@@ -19,6 +19,7 @@
 #include "startup/settings/midi_settings.h"
 #include "startup/settings/search_settings.h"
 #include "startup/settings_file.h"
+#include "startup/upcalls.h"
 #include "ui/edit/undo.h"
 #include "ui/screen/announcer_view.h"
 #include "ui/screen/error_mark.h"
@@ -298,6 +299,9 @@ ApprovedTest::ApprovedTest() {
 }
 
 ApprovedTest::~ApprovedTest() {
+    begin();
+    startupUpcalls.consoleLines({}, true);
+    frmConsole().lstConsole.items = std::vector<std::string>();
     CloseForms();
     EndMIDI();
     MidiDevices::instance() = {};
@@ -333,8 +337,10 @@ void ApprovedTest::begin() {
     pick("A");
     NotSavePal();
     HideErrMark();
-    frmMain().display.lblDispMessage.visible = false;
-    frmMain().display.lblDispMessage.caption = std::string();
+    DisplayControls& d = frmMain().display;
+    for (Control* hidden : {&d.lblDispMessage, &d.lblPlayMode[0], &d.lblPlayMode[1]}) hidden->visible = false;
+    for (Control* seen : {&d.lblDate, &d.lblTime}) seen->visible = true;
+    d.lblDispMessage.caption = std::string();
     DisarmOptions();
     LoopToggleAtRest();
     Disarm(frmMain().palettes.ckAssign);

@@ -187,7 +187,7 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
     });
     act("a locked jingle's playlists", [] { EditPlaylist(kSlot); });
     act("once it is there", [&] {
-        const int load = BeginPaletteLoad();
+        const int load = BeginPaletteLoad("A");
         rec(0).Volm = 3, MarkPalToSave(), ErrClick(), pass(100);
         note("a click on the mark while a palette loads");
         EndPaletteLoad(load, "A");

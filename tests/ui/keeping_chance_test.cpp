@@ -354,6 +354,7 @@ class KeepingByChance : public KeepingTest {
         return out;
     }
     void compare() {
+        ASSERT_FALSE(HasFailure()) << trace;
         std::map<std::string, Slots> sections;
         PaletteStore.ListSections();
         for (int i = 0; i < PaletteStore.SectionCount(); ++i)

@@ -58,6 +58,7 @@ void confirm() {
             return;
         }
         paletteSettings.PaletteIndex = CheckSection(name);
+        HoldPalette(paletteSettings.PaletteIndex);  // spelt as in the file
         frmMain().display.txtDisPal.caption = paletteSettings.PaletteIndex;
         PalToSave = false;
     }
