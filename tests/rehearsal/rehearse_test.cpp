@@ -51,38 +51,21 @@ TEST(Rehearse, WithoutItsLibraryTheProgramSaysSoAndDoesNotStart) {
 
 TEST(Rehearse, WritesWhatAnyProgramReads) {
     Show show;
-    show.tone("tone.wav", 4);
-    show.palette({"tone.wav"});
-    show.passes("at 0 press 0\nat 1000 unplug Main output\nat 2000 plug Main output\nat 3000 end\n");
+    show.passes("at 3000 end\n");
     for (const char* file : {"main.wav", "aux.wav"}) {
         // Float, stereo, the rate, and sizes that fit the file.
         const std::string wav = show.result(file);
-        const auto number = [&](std::size_t at, int bytes) {
-            std::uint32_t value = 0;
-            for (int i = bytes - 1; i >= 0; --i)
-                value = value << 8 | static_cast<unsigned char>(wav[at + static_cast<std::size_t>(i)]);
-            return value;
+        const auto bytes = [](std::size_t value, int count) {
+            std::string out;
+            for (int i = 0; i < count; ++i) out += static_cast<char>(value >> (8 * i) & 0xFF);
+            return out;
         };
-        const std::size_t format = wav.find("fmt "), fact = wav.find("fact"), data = wav.find("data");
-        ASSERT_TRUE(wav.starts_with("RIFF") && wav.compare(8, 4, "WAVE") == 0 && data != std::string::npos);
-        EXPECT_EQ(number(4, 4), wav.size() - 8);
-        EXPECT_EQ(number(format + 4, 4), fact - format - 8);
-        EXPECT_EQ(number(format + 8, 2), 3U);
-        EXPECT_EQ(number(format + 10, 2), 2U);
-        EXPECT_EQ(number(format + 12, 4), kRate);
-        EXPECT_EQ(number(format + 16, 4), kRate * 8);
-        EXPECT_EQ(number(format + 20, 2), 8U);
-        EXPECT_EQ(number(format + 22, 2), 32U);
-        EXPECT_EQ(number(fact + 4, 4), 4U);
-        EXPECT_EQ(number(fact + 8, 4), framesOf(3000));
-        EXPECT_EQ(number(data + 4, 4), wav.size() - data - 8);
-        EXPECT_EQ(number(data + 4, 4), framesOf(3000) * 8);
-    }
-    const Heard main = show.heard("main.wav"), aux = show.heard("aux.wav");
-    EXPECT_EQ(peak(main, 1020, 1990), 0);
-    for (double ms = 50; ms < 2900; ms += 100) {
-        EXPECT_GT(peak(aux, ms, ms + 10), 0.49F) << "the other output goes on, at " << ms;
-        EXPECT_TRUE((ms >= 1000 && ms <= 2100) || peak(main, ms, ms + 10) > 0.49F) << ms;
+        const std::size_t frames = framesOf(3000);
+        EXPECT_EQ(wav.size(), 58 + frames * 8);
+        EXPECT_EQ(wav.substr(0, 58), "RIFF" + bytes(wav.size() - 8, 4) + "WAVEfmt " + bytes(18, 4) +
+                                         bytes(3, 2) + bytes(2, 2) + bytes(kRate, 4) + bytes(kRate * 8, 4) +
+                                         bytes(8, 2) + bytes(32, 2) + bytes(0, 2) + "fact" + bytes(4, 4) +
+                                         bytes(frames, 4) + "data" + bytes(frames * 8, 4));
     }
 }
 

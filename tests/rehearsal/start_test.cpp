@@ -117,15 +117,9 @@ class ReadOnly {
         bound_ = ::mount(at_.c_str(), at_.c_str(), nullptr, MS_BIND, nullptr) == 0;
         sealed_ =
             bound_ && ::mount(nullptr, at_.c_str(), nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) == 0;
-        if (sealed_ || ::geteuid() == 0) return;
-        fs::permissions(at_, fs::perms::owner_read | fs::perms::owner_exec);
-        sealed_ = true;
     }
     ~ReadOnly() {
-        if (bound_)
-            ::umount2(at_.c_str(), MNT_DETACH);
-        else
-            fs::permissions(at_, fs::perms::owner_all);
+        if (bound_) ::umount2(at_.c_str(), MNT_DETACH);
     }
     bool sealed() const { return sealed_; }
 
