@@ -45,7 +45,7 @@ int main(int argc, char** argv) {
     const int status = started ? runEventLoop() : 1;
     const bool quiet = endJobs(0);
     shell::endQt();
-    // Work that hangs, as on a disk that does not answer, must not meet what main() takes down.
+    // Skip static destruction while a worker hangs (a disk that does not answer): it may use those objects.
     if (!quiet) {
         std::fflush(nullptr);
         std::_Exit(status);

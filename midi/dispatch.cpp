@@ -186,7 +186,7 @@ bool drainRing() {
     while (MidiInRead.load() != MidiInWrite.load(std::memory_order_acquire)) {
         const std::int16_t slot = MidiInRead.load();
         const MidiInEntry entry = MidiInQueue[static_cast<std::size_t>(slot)];
-        // The message is out before it acts: a box that it opens lets this pump run on behind it.
+        // Advance the read index first: a message box that the action opens runs this pump again.
         MidiInRead.store(NextSlot(slot));
         if (entry.code != kMidiData) continue;
         bool done = true;

@@ -27,7 +27,7 @@ void MidiInProc(std::uint32_t code, std::uint32_t first, std::uint32_t second);
 int MidiInBacklog();
 /// The slot behind `slot`.
 std::int16_t NextSlot(std::int16_t slot);
-/// Empties the ring; nobody may write meanwhile. [control]
+/// Empties the ring. The input must be closed: no other thread may write meanwhile. [control]
 void ResetRing();
 
 }  // namespace zv

@@ -27,7 +27,7 @@ ModelUpcalls modelUpcalls;
 
 namespace {
 
-/// What is to be said once a save is over: nothing hides it any more.
+/// Tells which files could not be imported. Called after the save, whose own messages would hide it.
 void sayLockedFiles() {
     const auto locked = TakeLockedFiles();
     if (locked.empty()) return;

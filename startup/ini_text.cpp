@@ -35,7 +35,7 @@ bool writableKey(std::string_view text) {
 
 bool writableSection(std::string_view text) { return !trimmedBlanks(onOneLine(text)).empty(); }
 
-/// False for a name that nobody can ask for, or that is noise: a file of random bytes has no sections.
+/// False for an empty name and for one with control characters: a file of random bytes has no sections.
 bool askable(std::string_view name) {
     const auto control = [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\t'; };
     return !name.empty() && std::none_of(name.begin(), name.end(), control);

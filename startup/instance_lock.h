@@ -8,7 +8,7 @@
 namespace zv {
 
 /// Held while the program runs. The system lets go of it when the program ends, however it ends, so a crash
-/// blocks nobody.
+/// blocks no other program.
 class InstanceLock {
   public:
     enum class Result {

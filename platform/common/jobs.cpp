@@ -61,7 +61,7 @@ Job::~Job() { cancel(); }
 bool Job::running() const { return state_ != nullptr && !state_->over; }
 
 void Job::cancel() {
-    // The callbacks may own this holder: they go when nothing of it is touched any more.
+    // The callbacks may own this Job: `job`, which holds them, is destroyed after the last use of `this`.
     const std::shared_ptr<JobState> job = std::exchange(state_, nullptr);
     if (job == nullptr || std::exchange(job->over, true)) return;
     job->cancelled = true;

@@ -65,7 +65,7 @@ class FolderNames {
             if (known != folders_.end() && known->second.changed == changed && known->second.settled)
                 return nameIn(known->second);
         }
-        // Read without the lock: a disk that does not answer holds up nobody who asks for another folder.
+        // Read the folder without the lock: a disk that does not answer must not block lookups in other folders.
         Listing listing;
         for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
             std::string name = it->path().filename().native();

@@ -13,7 +13,7 @@ struct Entry {
     std::uint64_t firedIn;  ///< the round in which it fired last
 };
 
-/// Made by the first timer and therefore torn down after the last one.
+/// Made by the first timer and never destroyed: timers in statics may end after any other static.
 struct Registry {
     std::vector<Entry> timers;
     std::function<void()> rearm;
@@ -21,7 +21,7 @@ struct Registry {
 };
 
 Registry& registry() {
-    static Registry& r = *new Registry;  // timers in statics may end after any other static
+    static Registry& r = *new Registry;
     return r;
 }
 

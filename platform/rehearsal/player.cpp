@@ -153,7 +153,7 @@ const Action* Player::reachNext(const std::function<bool()>& over) {
     const Stage& stage = Stage::instance();
     while (!pending_.empty() && !stage.quitAsked && !(over && over())) {
         VirtualClock::instance().advanceTo(stage.startMs + pending_.begin()->first, over);
-        // What opened on the way may have performed the action that was waited for.
+        // A modal window that opened meanwhile may have performed that action already.
         if (!pending_.empty() && stage.startMs + pending_.begin()->first <= monotonicMs())
             return stage.quitAsked || (over && over()) ? nullptr : &pending_.begin()->second;
     }
@@ -171,7 +171,7 @@ void Player::play() {
 
 bool Player::playUntil(const std::function<bool()>& over) {
     while (const Action* next = reachNext(over)) {
-        if (next->verb == Verb::end) break;  // the end is for everybody
+        if (next->verb == Verb::end) break;  // left for the outermost loop
         perform(takeNext());
     }
     return over();

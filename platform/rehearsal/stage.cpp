@@ -42,7 +42,7 @@ std::string onOneLine(std::string_view text, std::string_view lineEnd) {
 void noteEvent(std::string_view kind, std::string_view text) {
     Stage& stage = Stage::instance();
     if (!stage.events.is_open()) return;
-    // Flushed at once: the last line before a crash is the one that is wanted.
+    // Flush each line: after a crash the last one matters.
     stage.events << whenText() << '\t' << kind << '\t' << onOneLine(text, " / ") << std::endl;
 }
 

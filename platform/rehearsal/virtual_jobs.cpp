@@ -52,7 +52,7 @@ class VirtualJob final : public JobWork {
         text_ = std::move(text);
         giveBack();
     }
-    /// The work, on its thread, goes on in so many ms.
+    /// Suspends the job for `ms` of virtual time. Called on the job's thread.
     void sleep(int ms) {
         if (state->cancelled || ms <= 0) return;
         dueMs = monotonicMs() + ms;

@@ -99,7 +99,7 @@ void RehearsedWeb::answer(const std::string& url, WebRule rule) { rules_[url] = 
 
 WebRule RehearsedWeb::ask(const std::string& method, const std::string& url, const std::string& body) {
     if (onRequest) onRequest(method, url, body);
-    // A longer beginning of the address stands behind a shorter one.
+    // In the map's order a longer prefix comes behind a shorter one: search from the end.
     const auto rule = std::find_if(rules_.rbegin(), rules_.rend(),
                                    [&](const auto& known) { return url.starts_with(known.first); });
     return rule == rules_.rend() ? WebRule{} : rule->second;

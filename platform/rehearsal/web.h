@@ -26,7 +26,7 @@ class RehearsedWeb {
 
     /// From now on, for every address that begins with `url`; the longest such beginning holds.
     void answer(const std::string& url, WebRule rule);
-    /// What is answered at `url`: nobody is there unless a rule says otherwise. The request is told to onRequest.
+    /// The rule that holds for `url`; Kind::off without one. onRequest hears of the request.
     WebRule ask(const std::string& method, const std::string& url, const std::string& body);
 
     std::function<void(const std::string& method, const std::string& url, const std::string& body)> onRequest;

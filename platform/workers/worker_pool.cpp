@@ -74,7 +74,7 @@ void WorkerPool::addWorker(Lane& lane) {
     if (workers_.size() >= kMostWorkers) return;
     Worker& worker = workers_.emplace_back();
     try {
-        // The thread keeps the pool: one that hangs at the end of the program may outlive everybody else.
+        // The thread owns a reference to the pool: a worker that hangs at exit may outlive all other owners.
         worker.thread = std::thread([pool = shared_from_this(), &lane, &worker] { pool->run(lane, worker); });
     } catch (const std::system_error&) {
         workers_.pop_back();  // the system gives no more threads: those that are there do the work
@@ -114,7 +114,7 @@ void WorkerPool::runNext(Lane& lane, Lock& lock) {
     std::exception_ptr error;
     {
         Work work(*this, job);
-        // Somebody always waits: it begins the next job when this one's work hangs.
+        // Keep one worker idle: it starts the next job when the work of this one hangs.
         if (lane.idle == 0) addWorker(lane);
         lock.unlock();
         error = runJobWork(*job, work);
@@ -147,7 +147,7 @@ void WorkerPool::deliver() {
             return;
         }
         {
-            // One at a time: a callback may run events, and with them the next delivery.
+            // Take one message at a time: a callback may run events, which deliver the next messages.
             const Message message = std::move(messages_.front());
             messages_.pop_front();
             lock.unlock();
@@ -180,9 +180,9 @@ bool WorkerPool::end(int patienceMs) {
         for (const Message& message : messages) message.job->over = true;
         all = workerEnded_.wait_for(lock, std::chrono::milliseconds(patienceMs),
                                     [&] { return std::ranges::all_of(workers_, &Worker::ended); });
-        // What a worker still holds must not be destroyed by it.
+        // Keep the jobs that a hanging worker references: their callbacks are destroyed on the interface thread.
         if (!all) left_.swap(dropped);
-        // A worker that hangs keeps its entry.
+        // A hanging worker keeps its entry in workers_; its thread is detached.
         for (auto worker = workers_.begin(); worker != workers_.end();) {
             const auto next = std::next(worker);
             if (worker->ended)

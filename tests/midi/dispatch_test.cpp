@@ -32,7 +32,7 @@ const std::vector<std::string> kAll{"PaletteUp=9001,900100",
                                     "Jingle2=9012,801240,192",
                                     "Jingle3=9013,801300,64",
                                     "Jingle4=9001,901400,255",
-                                    "Jingle96=9020,902000,255",
+                                    "Jingle96=9020,902000,128",
                                     "Jingle105=9021,902100,255",
                                     "OutPaletteUp=A00101,A00100",
                                     "OutPaletteDown=A00201,A00200",
@@ -115,7 +115,7 @@ constexpr Row kRows[] = {
     {"90137F", "play:3/252", "f90037F"},
     // Slot 4 has the palette key's press: test 13 comes before the jingles.
     {"901400", "release:4", "f80047F"},
-    {"902064", "play:96/100", "f90607F"},
+    {"902064", "play:96/99", "f90607F"},
     {"902000", "release:96", "f80607F"},
     {"902164", "play:105/100", "f90697F"},  // the last one that the grid has
     {"FE0000", "", ""},
@@ -160,7 +160,7 @@ TEST_F(DispatchTest, SlotsBehindTheLastOneOfTheGridDoNotReactHotOnesDo) {
     LastPalIdx = 2;
     send("901220 901320 901300 902064");
     LastPalIdx = last;
-    EXPECT_EQ(asked, "play:2/64 play:96/100");
+    EXPECT_EQ(asked, "play:2/64 play:96/99");
 }
 
 /// What happens in the program lights the lamps of both outputs.
