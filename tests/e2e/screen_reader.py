@@ -9,7 +9,6 @@ import pyatspi
 
 BUTTONS = 30 + 10  # the grid of the first start and two rows of hot jingles
 WAIT = 10  # seconds for anything to happen
-NAMED = ("STOP", "Restart", "Hold", "Automix", "Exit", "Assign", "Save", "New", "Delete")
 READY = re.compile(r"^(ready|prêt)\b.*\d")
 PLAYING = re.compile(r"^playing, time left (\d+:)?\d+\.\d$")
 
@@ -59,10 +58,6 @@ def press(node):
     return False
 
 
-def checked(node):
-    return node.getState().contains(pyatspi.STATE_CHECKED)
-
-
 def shown(node):
     return node.getState().contains(pyatspi.STATE_SHOWING)
 
@@ -108,30 +103,6 @@ def main():
     for n in filled:
         check(READY.match(n.description), f"{n.name}: \"{n.description}\" lacks its duration")
 
-    for name in NAMED:
-        buttons = [n for n in by_name.get(name, []) if n.getState().contains(pyatspi.STATE_ENABLED)]
-        check(buttons, f"{name} is not reachable by its name")
-        for n in buttons[:1]:
-            check(n.queryAction().nActions > 0, f"{name} cannot be pressed")
-    # Toggles say whether they are on; Restart and Hold exclude each other.
-    toggles = {name: by_name[name][0] for name in ("Restart", "Hold", "Automix") if by_name.get(name)}
-    for name, n in toggles.items():
-        check(n.getRole() == pyatspi.ROLE_CHECK_BOX, f"{name} does not tell that it can be on")
-        check(not checked(n), f"{name} says it is on")
-    if len(toggles) == 3:
-        for on, off in (("Restart", "Hold"), ("Hold", "Restart")):
-            check(press(toggles[on]), f"{on} cannot be pressed")
-            check(until(lambda: checked(toggles[on])), f"{on} does not say that it is on")
-            check(until(lambda: not checked(toggles[off])), f"{off} still says that it is on")
-        press(toggles["Hold"])
-        check(until(lambda: not checked(toggles["Hold"])), "Hold still says that it is on")
-
-    # The list is named, and says which palette is open.
-    lists = [n for n in nodes if n.getRole() == pyatspi.ROLE_LIST]
-    check(len(lists) == 1 and lists[0].name == "Palettes", f"lists: {[n.name for n in lists]}")
-    if lists:
-        rows = [(n.name.strip(), n.getState().contains(pyatspi.STATE_SELECTED)) for n in lists[0]]
-        check(rows == [("Jazz Hour", False), ("Sample Radio", True), ("Sports Saturday", False)], f"rows: {rows}")
     display = [n for n in nodes if re.match(r"^00\.0$", n.name)]
     check(display and "Sample Radio" in display[0].description, "the display does not tell counter and palette")
 
@@ -156,9 +127,8 @@ def main():
     for text in faults:
         print(f"screen_reader: {text}", file=sys.stderr)
     if not faults:
-        print(f"screen_reader: {len(jingles)} jingle buttons, {len(NAMED)} keys, "
-              "toggles, list and display; "
-              "a press was seen to start and STOP to end it, also over a question that told its text")
+        print(f"screen_reader: {len(jingles)} jingle buttons and the display told what they show; a press was seen to "
+              "start and STOP to end it, also over a question that told its text")
     return 1 if faults else 0
 
 

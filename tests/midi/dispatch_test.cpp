@@ -261,25 +261,6 @@ TEST_F(SurfaceTest, APadIsHeardAsHardAsItIsHit) {
     EXPECT_EQ(whatIsHeard(heard()), "a0-100@-6.0 b100-300@-6.0 a400-500 b500-");
 }
 
-TEST_F(SurfaceTest, AKeyHeldForHalfASecondGoesToTheEndOfTheList) {
-    for (const char* name : {"A", "B", "C", "D"}) writePalette(name, 1);
-    start(kAll);
-    Control& list = frmMain().palettes.lstPal;
-    list.items = std::vector<std::string>{"A", "B", "C", "D"};
-    list.listIndex = 0;
-    send("90027F");
-    EXPECT_EQ(list.text(), "B");
-    pass(100);
-    send("900200");
-    pass(900);
-    EXPECT_EQ(list.text(), "B");
-    send("90027F");
-    pass(600);
-    EXPECT_EQ(list.text(), "D");
-    send("900200 B0103F B0103F B0103F B0103F");
-    EXPECT_EQ(list.text(), "A");
-}
-
 TEST_F(SurfaceTest, FadersSetAndAreShown) {
     start(kAll);
     send("B00740");
