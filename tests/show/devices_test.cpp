@@ -4,11 +4,8 @@
 #include "audio/effects.h"
 #include "audio/levels.h"
 #include "audio/output_watch.h"
-#include "model/colours.h"
-#include "startup/settings/dark_settings.h"
 #include "startup/settings/devices_settings.h"
 #include "startup/settings/live_settings.h"
-#include "startup/settings/marks_settings.h"
 #include "startup/settings/volumes_settings.h"
 #include "tests/show/show.h"
 
@@ -364,66 +361,6 @@ TEST(Effects, ReverbLevelFollowsItsTime) {
                                                                        {601, 0},
                                                                        {1004, 0}})
         EXPECT_NEAR(ReverbMix(ms), dB, 1e-9) << ms;
-}
-
-class Colours : public FolderTest {};
-
-TEST_F(Colours, Arithmetic) {
-    for (const auto& [colour, expected] : std::vector<std::pair<int, int>>{
-             {0, 0}, {0xFFFFFF, 240}, {0x0000FF, 120}, {0x808080, 120}, {0x202020, 30}, {0x80C0FF, 180}})
-        EXPECT_EQ(Luminosity(colour), expected) << std::hex << colour;
-    struct Shade {
-        int colour, offset, expected;
-    };
-    for (const Shade& s : std::vector<Shade>{{0xFFFFFF, 0, 0xFFFFFF},
-                                             {0, 0, 0},
-                                             {0x800000, 0, 0x800000 * 0 + 0x800000},
-                                             {0x008000, 0, 0x008000},
-                                             {0x00FF00, 0, 0xFF00},
-                                             {0x00FE00, 0, 0xFE00},
-                                             {0x102030, 16, 0x203040},
-                                             {0x102030, -32, 0x000010},
-                                             {0xF0F0F0, 200, 0xFFFFFF}})
-        EXPECT_EQ(ShadeColor(s.colour, s.offset), s.expected) << std::hex << s.colour << " " << s.offset;
-}
-
-TEST_F(Colours, TextOnABackground) {
-    darkSettings.BrightThresh = 90;
-    darkSettings.ColForeCB = 0x111111;
-    darkSettings.ColForeCBDM = 0x222222;
-    darkSettings.DarkForeColor = 0x333333;
-    BtnForeColor = 0x444444;
-    BtnFaceColor = 0xF0F0F0;
-    JingleForeColor = 0x555555;
-    struct Row {
-        int darkMode, colour;
-        const char* kind;
-        int expected;
-    };
-    const int dark = 0x606060, bright = 0x616161;  // lightness 90, which counts as dark, and 91
-    for (const Row& row : std::vector<Row>{{0, 0xF0F0F0, "", 0},
-                                           {0, 0xF0F0F0, "jingle", 0x555555},
-                                           {1, 0xF0F0F0, "", 0xFFFFFF},
-                                           {1, 0xF0F0F0, "jingle", 0x555555},
-                                           {0, dark, "", 0x111111},
-                                           {0, dark, "jingle", 0x111111},
-                                           {0, bright, "", 0x444444},
-                                           {0, bright, "jingle", 0x555555},
-                                           {1, dark, "", 0x333333},
-                                           {1, dark, "jingle", 0x555555},
-                                           {1, bright, "", 0x222222},
-                                           {1, bright, "jingle", 0x222222}}) {
-        darkSettings.DarkMode = row.darkMode;
-        EXPECT_EQ(GetForeColor(row.colour, row.kind), row.expected)
-            << "dark mode " << row.darkMode << ", colour " << std::hex << row.colour << ", " << row.kind;
-    }
-    darkSettings.ShadeOffsetVal = 16;
-    EXPECT_EQ(ButtonColour("vbButtonFace"), 0xF0F0F0);
-    EXPECT_EQ(ButtonColour("102030"), 0x403020) << "the text is RRGGBB";
-    markSettings.nsColor = 0x102030;
-    EXPECT_TRUE(PlayMod2Color(PlayMode::noStop).visible);
-    EXPECT_EQ(PlayMod2Color(PlayMode::noStop).colour, 0x203040);
-    EXPECT_FALSE(PlayMod2Color(PlayMode::global).visible);
 }
 
 }  // namespace

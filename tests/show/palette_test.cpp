@@ -33,31 +33,16 @@ std::vector<KeyRow> keyRows() {
     };
     return {
         {"nothing", [](JingleRecord&) {}, ""},
-        {"Volm", [](JingleRecord& j) { j.Volm = 55; }, line("Volm", "55")},
         {"Volm 0", [](JingleRecord& j) { j.Volm = 0; }, line("Volm", "0")},
         {"AutoDuck 1", [](JingleRecord& j) { j.AutoDuck = 1; }, line("AutoDuck", "1")},
         {"AutoDuck 2", [](JingleRecord& j) { j.AutoDuck = 2; }, line("AutoDuck", "2")},
-        {"NoAutomix", [](JingleRecord& j) { j.NoAutomix = 1; }, line("NoAutomix", "1")},
         {"NoAutomix other than 1", [](JingleRecord& j) { j.NoAutomix = 2; }, ""},
-        {"NoTrigDuck", [](JingleRecord& j) { j.NoTrigDuck = 1; }, line("NoTrigDuck", "1")},
-        {"Loop", [](JingleRecord& j) { j.Loop = 1; }, line("Loop", "1")},
         {"Loop is made 1", [](JingleRecord& j) { j.Loop = 2; }, line("Loop", "1")},
-        {"Seq", [](JingleRecord& j) { j.Seq = 1; }, line("Seq", "1")},
-        {"LoopIn", [](JingleRecord& j) { j.LoopIn = 4400; }, line("LoopIn", "4400")},
         {"LoopIn, a fraction", [](JingleRecord& j) { j.LoopIn = 4400.25; }, line("LoopIn", "4400.25")},
-        {"LoopOut", [](JingleRecord& j) { j.LoopOut = 8000; }, line("LoopOut", "8000")},
         {"LoopOut is written whole", [](JingleRecord& j) { j.LoopOut = 8000.4; }, line("LoopOut", "8000")},
         {"LoopOut at the end", [](JingleRecord& j) { j.LoopOut = kLength; }, ""},
         {"LoopOut less than a half", [](JingleRecord& j) { j.LoopOut = 0.4; }, ""},
-        {"FadeOut", [](JingleRecord& j) { j.FadeOut = 1500; }, line("FadeOut", "1500")},
-        {"LogFadeOut", [](JingleRecord& j) { j.LogFadeOut = 1; }, line("LogFadeOut", "1")},
-        {"LoopFadeOut", [](JingleRecord& j) { j.LoopFadeOut = 1; }, line("LoopFadeOut", "1")},
-        {"BTNCol", [](JingleRecord& j) { j.BTNCol = "FF9933"; }, line("BTNCol", "FF9933")},
-        {"PlayMod", [](JingleRecord& j) { j.PlayMod = PlayMode::noStop; }, line("PlayMod", "4")},
         {"CueStart", [](JingleRecord& j) { j.CueStart = 3000000000.0; }, line("CueStart", "3000000000")},
-        {"StopPos", [](JingleRecord& j) { j.StopPos = 16000; }, line("StopPos", "16000")},
-        {"FXV", [](JingleRecord& j) { j.FXV = "0,-3,0,0,0,0,0,0,0,44100,0"; },
-         line("FXV", "0,-3,0,0,0,0,0,0,0,44100,0")},
         {"FXV of another rate", [](JingleRecord& j) { j.FXV = "0,0,0,0,0,0,0,0,0,48000,0"; },
          line("FXV", "0,0,0,0,0,0,0,0,0,48000,0")},
         {"all, in their order",
@@ -84,28 +69,19 @@ class Palette : public ShowTest {
     void soundFile(const std::string& name) const { writeWav(path(name), level(kFrames)); }
 };
 
-TEST_F(Palette, KeysAreWrittenUnderTheirConditions) {
+TEST_F(Palette, KeysAreWrittenUnderTheirConditionsAndReadBack) {
     soundFile("a.wav");
     for (const KeyRow& row : keyRows()) {
         SCOPED_TRACE(row.name);
         openPalette(iniLine("Path_7", "a.wav"));
-        ASSERT_EQ(jingle(7).LoopOut, kLength);
         row.change(jingle(7));
         EXPECT_TRUE(save());
         EXPECT_EQ(read("palette.ini"), "[Morning]\r\n" + iniLine("Path_7", "a.wav") + row.lines);
-    }
-}
-
-TEST_F(Palette, WhatIsSavedOpensTheSame) {
-    soundFile("a.wav");
-    for (const KeyRow& row : keyRows()) {
-        SCOPED_TRACE(row.name);
         openPalette(iniLine("Path_7", "a.wav") + row.lines);
         EXPECT_TRUE(save());
-        std::string lines = row.lines;
         // A jingle that ducks never triggers ducking.
-        if (lines == iniLine("AutoDuck_7", "1")) lines += iniLine("NoTrigDuck_7", "1");
-        EXPECT_EQ(read("palette.ini"), "[Morning]\r\n" + iniLine("Path_7", "a.wav") + lines);
+        const std::string more = row.lines == iniLine("AutoDuck_7", "1") ? iniLine("NoTrigDuck_7", "1") : "";
+        EXPECT_EQ(read("palette.ini"), "[Morning]\r\n" + iniLine("Path_7", "a.wav") + row.lines + more);
     }
 }
 
@@ -237,17 +213,6 @@ TEST_F(Palette, AFileThatIsAwayForAWhileKeepsItsValues) {
     EXPECT_EQ(read("palette.ini"), "[Morning]\r\n" + lines);
     openPalette("Path_0=a.wav\r\n");
     EXPECT_EQ(jingle(0).AutoDuck, 0) << "another palette's choice does not stay in the slot";
-
-    // A long jingle's duck is that of this opening, and its own: what follows in the slot, there or away, has none.
-    writeWav(path("long.wav"), std::vector<std::int16_t>(8000 * 121), 8000, 1);
-    for (const std::string next : {"Path_0=a.wav\r\n", "Path_0=gone.wav\r\n"}) {
-        const std::string longOne = "Path_0=long.wav\r\n", ducks = "AutoDuck_0=1\r\nNoTrigDuck_0=1\r\n";
-        for (const auto& [opened, saved] : {std::pair(longOne, longOne + ducks), std::pair(next, next)}) {
-            openPalette(opened);
-            EXPECT_TRUE(save());
-            EXPECT_EQ(read("palette.ini"), "[Morning]\r\n" + saved);
-        }
-    }
 }
 
 TEST_F(Palette, PathsUnderTheProgramFolderAreStoredRelative) {
@@ -328,20 +293,9 @@ TEST_F(Palette, ASlotThatStillSoundsKeepsThePalettesOwnKeys) {
     pass(50);
     paletteSettings.PaletteIndex = "Evening";
     OpenFile("Evening");
-    EXPECT_TRUE(jingle(0).PlayingOtherPal);
-    EXPECT_EQ(jingle(0).Path, "a.wav");
-    pass(50);
-    EXPECT_TRUE(sounds(0)) << "a palette change stops nothing";
     jingle(1).Volm = 30;
     EXPECT_TRUE(save("Evening"));
     EXPECT_EQ(read("palette.ini"), "[Morning]\r\nPath_0=a.wav\r\nLoop_0=1\r\n" + evening + "Volm_1=30\r\n");
-
-    evStop();
-    jingle(0).PlayingOtherPal = false;  // as the display does when it sees the end
-    openNames(0, "Evening", false);
-    openStreams(0);
-    EXPECT_EQ(jingle(0).Path, "b.wav");
-    EXPECT_EQ(jingle(0).Volm, 20);
 }
 
 TEST_F(Palette, APaletteOpenedWhileAnotherLoadsIsTheOneThatStands) {
@@ -428,34 +382,6 @@ TEST_F(Palette, AFileHoldsPalettesWhenItHoldsABracket) {
     PaletteStore.DeleteSection("A");
     EXPECT_FALSE(PalFileTest()) << "what the program took out itself is gone";
     EXPECT_FALSE(PaletteStore.Away());
-}
-
-TEST_F(Palette, NonsenseInAFileOpensAsSomethingThatPlays) {
-    soundFile("a.wav");
-    const char* values[] = {"-1",  "1e999", "nan", "99999999999999999999", "abc", "-99999999999999999999",
-                            "0,5", "%s"};
-    for (const char* value : values) {
-        SCOPED_TRACE(value);
-        std::string lines = "Path_0=a.wav\r\n";
-        for (const char* stem :
-             {"Volm", "AutoDuck", "NoAutomix", "NoTrigDuck", "Loop", "Seq", "LoopIn", "LoopOut", "FadeOut",
-              "LogFadeOut", "LoopFadeOut", "BTNCol", "PlayMod", "CueStart", "StopPos", "FXV"})
-            lines += iniLine(std::string(stem) + "_0", value);
-        openPalette(lines);
-        EXPECT_EQ(jingle().Kind, SlotKind::stream);
-        clPlay(0, -1);
-        pass(100);
-        clPlay(0, -1);
-        clTouchStop(0);
-        pass(100);
-        evStop();
-        pass(20);
-        EXPECT_TRUE(save());
-    }
-    // Effects that are no numbers are told; nothing else fails.
-    EXPECT_FALSE(reports.empty());
-    for (const std::string& report : reports)
-        EXPECT_NE(report.find("modClick.openStreams:Button 1: "), std::string::npos) << report;
 }
 
 }  // namespace
