@@ -10,9 +10,7 @@
 #include "startup/language.h"
 #include "startup/settings/automix_settings.h"
 #include "startup/settings/folders_settings.h"
-#include "startup/settings/grid_settings.h"
 #include "startup/settings/keys_settings.h"
-#include "startup/settings/marks_settings.h"
 #include "startup/settings/program_settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/announcer_tab.h"
@@ -22,7 +20,6 @@
 #include "ui/press/global_keys.h"
 #include "ui/press/keyboard.h"
 #include "ui/screen/announcer_view.h"
-#include "ui/screen/layout_grid.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/screen/shaded.h"
 #include "ui/windows/console_window.h"
@@ -56,7 +53,6 @@ constexpr Row kRows[] = {
     {"assign before all else", "", "0 ckTouch ctrl ckAssign file 100 click", "", "other unsaved"},
     {"assign on an empty one", "empty", "0 ckAssign file 100 click 300 click", "c300-", "other unsaved"},
     {"assign, given up", "", "0 ckAssign 100 click 300 click", "a300-400 b400-", ""},
-    {"assign, disarmed", "", "0 ckAssign ckAssign 100 click", "a100-200 b200-", ""},
     {"assign leaves what sounds alone", "", "0 click 300 ckAssign file 400 click", "a0-100 b100-", "armed:ass mRefPlaying"},
     {"announcer asks for a jingle", "", "0 announcer 100 click", "", ""},
     {"announcer takes no empty one", "empty", "0 announcer 100 click", "", "armed:ta"},
@@ -66,7 +62,6 @@ constexpr Row kRows[] = {
     {"loop again takes it away", "Loop=1", "0 ckLoopI 100 click", "", "unsaved"},
     {"loop of an empty one", "empty", "0 ckLoopI 100 click", "", "armed:lp"},
     {"sequence", "Loop=1 PlayMod=2", "0 ckLoopI ckLoopI 100 click", "", "seq unsaved"},
-    {"the third step is none", "", "0 ckLoopI ckLoopI ckLoopI 100 click", "a100-200 b200-", ""},
     {"repeat", "", "0 ckAutoRepI 100 click 300 click 600 click", "a300-400 b400-610 a620-720 b720-", "repeat unsaved"},
     {"touch", "", "0 ckTouchI 100 click 300 down 600 up", "a300-400 b400-600", "touch unsaved"},
     {"play stop", "", "0 ckPlayStopI 100 click 300 click 600 click", "a300-400 b400-600", "playstop unsaved"},
@@ -80,11 +75,7 @@ constexpr Row kRows[] = {
     {"an empty one leaves it armed", "empty", "0 ckAutoRepI ctrl 100 click", "", "armed:ar"},
     {"the same option again takes it away", "PlayMod=4", "0 ckNoStopI 100 click 300 click 600 click", "a300-400 b400-600", "unsaved"},
     {"another one replaces it", "PlayMod=4", "0 ckTouchI 100 click 300 down 600 up", "a300-400 b400-600", "touch unsaved"},
-    {"arming one disarms the other", "", "0 ckNoStopI ckTouchI 100 click 300 click", "", "touch unsaved"},
-    {"a second press disarms", "", "0 ckTouchI ckTouchI 100 click", "a100-200 b200-", ""},
     {"a change of tab disarms", "", "0 ckTouchI tab 100 click", "a100-200 b200-", ""},
-    {"and assign", "", "0 ckAssign tab 100 click", "a100-200 b200-", ""},
-    {"a change of tab by its key disarms", "", "0 ckTouchI f6 100 click", "a100-200 b200-", ""},
     {"and by a command of another tab", "", "0 ckNoStopI S 100 click", "a100-200 b200-", "armed:sp"},
     {"colour", "", "0 ckTouch ckColorI 100 click", "", "armed:co colours"},
     {"effects", "", "0 ckTouch ckFXI 100 click 300 down 600 up", "a300-400 b400-600", ""},
@@ -127,18 +118,13 @@ constexpr Row kRows[] = {
     {"all three: nothing", "", "0 csa yes 100 click", "", ""},
 
     // And what is left: mouse buttons, fingers, keys.
-    {"lock of the mix", "", "0 lock 100 click", "", "quiet"},
     {"plays, stops", "", "0 down 300 up 600 click", "a0-100 b100-600", ""},
     {"what a playlist holds plays", "locked", "0 click", "a0-100 b100-", ""},
     {"empty: nothing", "empty", "0 click", "", ""},
     {"right and middle button", "", "0 right 100 middle", "", ""},
     {"touch of its own", "PlayMod=2", "0 down 300 up", "a0-100 b100-300", ""},
-    {"touch of its own in touch mode", "PlayMod=2", "0 ckTouch down 300 up", "a0-100 b100-300", ""},
-    {"touch mode: no stop", "PlayMod=4", "0 ckTouch down 300 up", "a0-100 b100-", ""},
     {"touch mode: play stop", "PlayMod=3", "0 ckTouch down 300 up", "a0-100 b100-", ""},
-    {"touch mode: repeat", "PlayMod=1", "0 ckTouch down 300 up", "a0-100 b100-", ""},
     {"touch mode: sequence", kSeq, "0 ckTouch down 200 up", "a0-100 b100-", "seq"},
-    {"several fingers", "", "0 ckTouch down down5 300 up 500 up5", "a0-100 c0-500 b100-300", ""},
     {"space on the focused button", "", "0 space 300 space", "a0-100 b100-300", ""},
     {"space held", "", "0 space 100 held 200 held 300 own 500 own", "a0-100 b100-", ""},
     {"space inhibited", "", "0 inhibit space", "", ""},
@@ -219,14 +205,12 @@ class PressTest : public WindowTest {
                  Form_KeyUp(event);
              }},
             {"q", [&] { key(static_cast<Key>('Q')); }},
-            {"f6", [&] { key(Key::f6); }},
             {"S", [&] { key(static_cast<Key>('S')); }},
             {"own", [&] { repeatOnButton(); }},
             {"pad", [] { zv::perform(Action::play, kSlot, 127); }},
             {"tab", [] { frmMain().ckTab[1].onMouseDown({}); }},
             {"announcer", b_tmAnJinTog},
             {"noreloc", [] { folderSettings.OpenReloc = 0; }},
-            {"lock", [] { CkAutoMixTog(), CkAutoMixTog(); }},
             {"inhibit", [] { keySettings.InhibSpBar = 1; }},
             {"yes", [] { desktop().answers = {BoxAnswer::yes}; }},
             {"file", [&] { desktop().paths = {path("Audio_Sample/sound_5.wav").string()}; }},
@@ -358,160 +342,6 @@ TEST_F(PressTest, coloursComeWhenTheButtonIsUpAndGoWithAPressElsewhere) {
     EXPECT_FALSE(Armed(frmMain().options.ckColorI));
 }
 
-TEST_F(PressTest, armedOptionsShowWhereTheyFit) {
-    load(1, 300);
-    load(2, 300, kSeq);
-    const struct {
-        const char* key;
-        Colour shaded;
-        const char* code;
-        bool sequences, empty;
-    } cases[] = {{"ckAutoRepI", Shaded.ar, "ar", false, false},  {"ckTouchI", Shaded.tc, "tc", false, false},
-                 {"ckPlayStopI", Shaded.ps, "ps", false, false}, {"ckNoStopI", Shaded.ns, "ns", false, false},
-                 {"ckColorI", Shaded.co, "co", true, false},     {"ckFXI", Shaded.fx, "fx", true, false},
-                 {"ckLoopI", Shaded.lp, "lp", true, true},       {"ckLoopI", Shaded.sq, "sq", true, true},
-                 {"ckAssign", Shaded.ass, "ass", true, true}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.code);
-        findControl(c.key)->onMouseDown({});
-        pass(200);  // the tick leaves the highlight alone
-        EXPECT_TRUE(SelectorsOn);
-        EXPECT_EQ(OptionCode, c.code);
-        EXPECT_TRUE(Armed(*findControl(c.key)));
-        EXPECT_EQ(button(1).backColor, c.shaded);
-        EXPECT_EQ(button(2).backColor, c.sequences ? c.shaded : BtnFaceColor);
-        EXPECT_EQ(button(5).backColor, c.empty ? c.shaded : BtnFaceColor);
-        EXPECT_NE(button(1).borderColor, kNoColour);
-        EXPECT_EQ(button(2).borderColor != kNoColour, c.sequences);
-    }
-    ckTab_MouseDown(3);
-    EXPECT_FALSE(SelectorsOn);
-    EXPECT_EQ(button(1).backColor, BtnFaceColor);
-    EXPECT_EQ(button(1).borderColor, kNoColour);
-    EXPECT_EQ(ActiveTab, 3);
-}
-
-TEST_F(PressTest, theLoopToggleSaysItsStep) {
-    load(1, 300);
-    const OptionsTab& t = frmMain().options;
-    const auto shows = [&](int step, const char* text, bool loop, bool sequence) {
-        EXPECT_EQ(LoopToggleStep, step);
-        EXPECT_EQ(t.ckLoopI.caption(), Ln(text));
-        EXPECT_EQ(t.lp_LED.visible, loop);
-        EXPECT_EQ(t.sq_LED.visible, sequence);
-    };
-    ckLoopITog();
-    shows(1, "mmnuLoop", true, false);
-    ckLoopITog();
-    shows(2, "mmnuSeq", false, true);
-    press(1);
-    shows(0, "mckLoopI", true, true);
-    EXPECT_FALSE(Button(1)->lp_Jingle.visible);
-    EXPECT_TRUE(Button(1)->sq_Jingle.visible);
-    EXPECT_FALSE(Button(1)->pm_Jingle.visible);
-    ckLoopITog();
-    ckTouchI_MouseDown();
-    shows(0, "mckLoopI", true, true);
-}
-
-TEST_F(PressTest, globalTogglesExcludeEachOtherAndAreKept) {
-    const KeyControls& k = frmMain().keys;
-    const struct {
-        void (*press)();
-        int touch, repeat, mix;
-        const char* letters;  ///< in the minimal view
-    } rows[] = {{CkTouchTog, 1, 0, 0, "nv"},   {CkAutoRepTog, 0, 1, 0, "nr"}, {CkAutoMixTog, 0, 1, 1, "ar"},
-                {CkAutoMixTog, 0, 1, 2, "nr"}, {CkAutoRepTog, 0, 0, 2, "nw"}, {CkAutoRepTog, 0, 1, 2, "nr"},
-                {CkTouchTog, 1, 0, 2, "nv"},   {CkTouchTog, 0, 0, 2, "nw"},   {CkAutoMixTog, 0, 0, 0, "nw"}};
-    for (const auto& row : rows) {
-        row.press();
-        SCOPED_TRACE(row.letters + std::to_string(row.mix));
-        EXPECT_EQ(ToggleTouch, row.touch);
-        EXPECT_EQ(ToggleAutoRep, row.repeat);
-        EXPECT_EQ(automixSettings.AutoMix, row.mix);
-        EXPECT_EQ(k.ckTouch.backColor, row.touch ? markSettings.tcColor : BtnFaceColor);
-        EXPECT_EQ(k.ckAutoRep.backColor, row.repeat ? markSettings.arColor : BtnFaceColor);
-        EXPECT_EQ(k.ckAutoMix.backColor, row.mix == 1 ? Shaded.am : row.mix == 2 ? Shaded.am2 : BtnFaceColor);
-        EXPECT_EQ(k.ckAutoMix.caption(), LnBox(row.mix == 1   ? "mckAutoMixA"
-                                               : row.mix == 2 ? "mckAutoMixB"
-                                                              : "mckAutoMix"));
-        const auto& letters = frmMain().display.lblPlayMode;
-        EXPECT_EQ(letters[0].caption() + letters[1].caption(), row.letters);
-        EXPECT_EQ(SettingsStore.GetValue("Touch"), std::to_string(row.touch));
-        EXPECT_EQ(SettingsStore.GetValue("Autorepeat"), std::to_string(row.repeat));
-    }
-    // As kept they come back; of two only one can.
-    for (const int kept : {0, 1, 2, 3}) {
-        keySettings.Autorepeat = kept % 2;
-        keySettings.Touch = kept / 2;
-        FormsLoad("frmMain");
-        EXPECT_EQ(ToggleTouch, kept / 2) << kept;
-        EXPECT_EQ(ToggleAutoRep, kept == 1 ? 1 : 0) << kept;
-    }
-    for (const bool held : {true, false}) {
-        programSettings.HoldExitToShutDown = held ? 1 : 0;
-        LnStrings("frmMain");
-        EXPECT_EQ(k.btExit.caption(), LnBox(held ? "mbtExitSD" : "mbtExit"));
-    }
-    MIDILearnActive = true;
-    CkAutoMixTog();
-    EXPECT_EQ(automixSettings.AutoMix, 0);
-    MIDILearnActive = false;
-}
-
-TEST_F(PressTest, automixFadesWhatElseSounds) {
-    load(1, tones("a2000"));
-    load(2, tones("b2000"), "NoAutomix=1");
-    load(3, tones("c2000"));
-    automixSettings.AutoMixTime = 300;
-    heard();
-    perform("0 p1 p2 200 mix p3 600 p3 700", [&](const std::string& word) {
-        if (word == "mix") {
-            CkAutoMixTog();
-        } else {
-            press(word[1] - '0');
-        }
-    });
-    EXPECT_EQ(whatIsHeard(heard()), "a0-200~500 b0- c200-600");
-}
-
-TEST_F(PressTest, messagesOfTheModifierKeys) {
-    load(1, 300);
-    const DisplayControls& d = frmMain().display;
-    const struct {
-        int held;
-        const char* key;  ///< empty: date and time
-    } cases[] = {{kCtrlMask, "mlblSelJtomove"},
-                 {kCtrlMask | kShiftMask, "mlblSelJtocopy"},
-                 {kShiftMask, "mlblSelJtorename"},
-                 {kAltMask, "mlblSelJtodelete"},
-                 {kCtrlMask | kAltMask, "mlblSelJFtodelete"},
-                 {0, ""},
-                 {kShiftMask | kAltMask, ""},
-                 {kCtrlMask | kShiftMask | kAltMask, ""}};
-    for (const auto& c : cases) {
-        hold(c.held);
-        const bool message = c.key[0] != '\0';
-        EXPECT_EQ(d.lblDispMessage.visible, message) << c.held;
-        EXPECT_EQ(d.lblDate.visible, !message);
-        EXPECT_EQ(d.lblTime.visible, !message);
-        if (message) {
-            EXPECT_EQ(d.lblDispMessage.caption(), Ln(c.key));
-        }
-    }
-    hold(kCtrlMask);
-    EXPECT_TRUE(Button(1)->ckJingSel.visible);
-    EXPECT_FALSE(Button(2)->ckJingSel.visible);
-    press(1);  // the source of a move
-    EXPECT_EQ(MoveSrcJ, 1);
-    EXPECT_EQ(desktop().clipboard, "sound 1");
-    hold(kCtrlMask);
-    EXPECT_EQ(d.lblDispMessage.caption(), Ln("mlblSelBtarget"));
-    hold(0);  // letting go abandons it
-    EXPECT_EQ(MoveSrcJ, -1);
-    EXPECT_FALSE(Button(1)->ckJingSel.visible);
-}
-
 TEST_F(PressTest, theConsoleIsFilledWhileItIsOpenAndKeepsTheLastLines) {
     const std::vector<std::string>& shown = frmConsole().lstConsole.items();
     CloseConsole();
@@ -529,48 +359,47 @@ TEST_F(PressTest, theConsoleIsFilledWhileItIsOpenAndKeepsTheLastLines) {
     CloseConsole();
 }
 
-TEST_F(PressTest, keysOfTheWindow) {
-    const auto key = [](int code, int shift = 0) {
-        KeyEvent e{static_cast<Key>(code), shift};
-        Form_KeyDown(e);
-        return e.consumed;
-    };
-    EXPECT_FALSE(key(static_cast<int>(Key::space)));  // nothing was played yet
-    load(2, 1000);
-    press(2);
-    release(2);
-    EXPECT_EQ(LastPlayedJ, 2);
-    EXPECT_TRUE(key(static_cast<int>(Key::space)));
-    EXPECT_EQ(rec(2).State, PlayState::stopping);
-    pass(100);
-    EXPECT_TRUE(key(static_cast<int>(Key::escape)));
-    EXPECT_TRUE(key('T'));
-    EXPECT_EQ(ToggleTouch, 1);
-    EXPECT_TRUE(key('R'));
-    EXPECT_EQ(ToggleAutoRep, 1);
-    EXPECT_FALSE(key(static_cast<int>(Key::f6)));
-    EXPECT_EQ(ActiveTab, 1);
-    EXPECT_TRUE(key('L'));
-    EXPECT_EQ(ActiveTab, 3);
-    EXPECT_EQ(LoopToggleStep, 1);
-    key(static_cast<int>(Key::f9));
-    EXPECT_EQ(gridSettings.JoinedJButtons, 0);
-    key(static_cast<int>(Key::f9), kAltMask);
-    EXPECT_EQ(gridSettings.JoinedJButtons, 1);
-    EXPECT_EQ(JGap, 0);
-    EXPECT_EQ(JOuterGap, 60);
-    for (const int position : {0, 1, 2}) {
-        key(static_cast<int>(Key::f10));
-        EXPECT_EQ(gridSettings.HotJinglesPos, position);
+TEST_F(PressTest, whatTheModifierKeysWouldDoIsSaid) {
+    load(1, 300);
+    const std::pair<int, const char*> said[] = {{kCtrlMask, "mlblSelJtomove"},
+                                                {kCtrlMask | kShiftMask, "mlblSelJtocopy"},
+                                                {kShiftMask, "mlblSelJtorename"},
+                                                {kAltMask, "mlblSelJtodelete"},
+                                                {kCtrlMask | kAltMask, "mlblSelJFtodelete"},
+                                                {0, nullptr},
+                                                {kShiftMask | kAltMask, nullptr},
+                                                {kCtrlMask | kShiftMask | kAltMask, nullptr}};
+    const Control& line = frmMain().display.lblDispMessage;
+    for (const auto& [held, text] : said) {
+        hold(held);
+        EXPECT_EQ(line.visible ? line.caption() : "", text == nullptr ? "" : Ln(text)) << held;
     }
-    // While a text is typed, letters belong to it.
-    desktop().focus = &frmMain().palettes.txtSave;
-    EXPECT_FALSE(key('T'));
-    EXPECT_EQ(ToggleTouch, 0);
-    keySettings.InhibSpBar = 1;
-    desktop().focus = nullptr;
-    EXPECT_TRUE(key(static_cast<int>(Key::space)));
-    EXPECT_EQ(rec(2).State, PlayState::idle);
+    hold(kCtrlMask);
+    EXPECT_EQ(Button(1)->ckJingSel.visible, !Button(2)->ckJingSel.visible);
+    press(1);
+    EXPECT_EQ(desktop().clipboard, "sound 1");
+    hold(0);
+    EXPECT_EQ(MoveSrcJ, -1);
+}
+
+TEST_F(PressTest, keptTogglesComeBackAndTextsFollowTheirState) {
+    for (const int kept : {0, 1, 2, 3}) {
+        keySettings.Autorepeat = kept % 2;
+        keySettings.Touch = kept / 2;
+        FormsLoad("frmMain");
+        EXPECT_EQ(ToggleTouch, kept / 2) << kept;
+        EXPECT_EQ(ToggleAutoRep, kept == 1 ? 1 : 0) << "of two only one can";
+    }
+    for (const bool held : {true, false}) {
+        programSettings.HoldExitToShutDown = held ? 1 : 0;
+        LnStrings("frmMain");
+        EXPECT_EQ(frmMain().keys.btExit.caption(), LnBox(held ? "mbtExitSD" : "mbtExit"));
+    }
+    MIDILearnActive = true;
+    CkAutoMixTog(), CkTouchTog(), CkAutoRepTog();
+    EXPECT_EQ(automixSettings.AutoMix, 0);
+    EXPECT_EQ(ToggleTouch + ToggleAutoRep, 1);
+    MIDILearnActive = false;
 }
 
 }  // namespace zv::test

@@ -1,8 +1,10 @@
 // The main window: where everything stands in a few windows, and what it shows in a few scenes, compared as a whole with
 // the approved text beside this source. ZV_APPROVE=1 test_ui --gtest_filter='ScreenTest.*' writes it anew.
 
+#include <functional>
 #include <map>
 #include <set>
+#include <sstream>
 
 #include "audio/announcer.h"
 #include "audio/play.h"
@@ -11,6 +13,7 @@
 #include "platform/rehearsal/midi_devices.h"
 #include "platform/rehearsal/virtual_clock.h"
 #include "startup/errors.h"
+#include "startup/helpers.h"
 #include "startup/settings/bars_settings.h"
 #include "startup/settings/clock_settings.h"
 #include "startup/settings/display_settings.h"
@@ -21,8 +24,10 @@
 #include "startup/settings/meters_settings.h"
 #include "startup/settings/palette_list_settings.h"
 #include "startup/settings/palette_settings.h"
+#include "startup/settings/program_settings.h"
 #include "startup/settings/volumes_settings.h"
 #include "startup/settings/warning_settings.h"
+#include "startup/settings_file.h"
 #include "tests/support/approved.h"
 #include "tests/support/places.h"
 #include "tests/ui/window_test.h"
@@ -75,17 +80,19 @@ void collect(const Control& c, std::vector<const Control*>& into) {
     for (const Control* child : c.children()) collect(*child, into);
 }
 
+/// A text as a word of a line.
+std::string cut(std::string s) {
+    std::replace(s.begin(), s.end(), '\n', '/');
+    std::erase(s, '\r');
+    return s.substr(0, 44);
+}
+
 /// How a control looks: 'caption' "tip" back/fore[border] =value {rows}selected font.
-std::string look(const Control& c) {
+std::string look(const Control& c, bool tips = true) {
     std::string text;
-    const auto cut = [](std::string s) {
-        std::replace(s.begin(), s.end(), '\n', '/');
-        std::erase(s, '\r');
-        return s.substr(0, 44);
-    };
     const bool apart = c.kind == ControlKind::jingle || c.name == "lblbtnumber";
     if (!c.caption().empty() && !apart) text += " '" + cut(c.caption) + "'";
-    if (!c.toolTip().empty()) text += " \"" + cut(c.toolTip) + "\"";
+    if (tips && !c.toolTip().empty()) text += " \"" + cut(c.toolTip) + "\"";
     if (c.backColor != kNoColour || c.foreColor != kNoColour)
         text += " " + colour(c.backColor) + "/" + colour(c.foreColor);
     if (c.borderColor != kNoColour) text += "[" + colour(c.borderColor) + "]";
@@ -118,12 +125,12 @@ std::string ranges(const std::vector<int>& indices) {
 }  // namespace
 
 /// Joined to lines of some length.
-std::string paragraph(const std::vector<std::string>& parts) {
-    constexpr std::size_t kLine = 170;
+std::string paragraph(const std::vector<std::string>& parts, const std::string& between) {
+    constexpr std::size_t kLine = 240;
     std::string text, line;
     for (const std::string& part : parts) {
         if (!line.empty() && line.size() + part.size() > kLine) text += std::exchange(line, {}) + "\n";
-        line += (line.empty() ? "" : "; ") + part;
+        line += (line.empty() ? "" : between) + part;
     }
     return line.empty() ? text : text + line + "\n";
 }
@@ -132,22 +139,24 @@ class ScreenTest : public WindowTest {
   protected:
     /// The window control by control; parts of buttons that look alike, and the digits, are told as one. Where parts of
     /// buttons stand is told by the other text, that small fields have the button's colours is held at every tick.
-    std::vector<std::string> standing() {
+    std::vector<std::string> standing(bool whole = true) {
         std::vector<const Control*> seen;
         collect(frmMain().window, seen);
         std::vector<std::string> all{"digits "};
         std::map<std::string, std::pair<std::size_t, std::vector<int>>> alike;
         for (const Control* c : seen) {
+            controls_.emplace(nameOf(*c), c);
             if (c->name.starts_with("lblPos") || c->name.starts_with("sep")) {
                 all[0] += c->caption() + (c->name == "lblPosMisC" ? look(*c) : "");
                 continue;
             }
             if (c->name == "picbtnumber" || c->name == "lblPlaylist") continue;
-            std::string text = look(*c);
+            std::string text = look(*c, whole);
             const auto [place, first] = places_.emplace(c, placed(*c));
             if (c->kind != ControlKind::jingle &&
                 (c->parent == nullptr || c->parent->kind != ControlKind::jingle)) {
-                all.push_back(nameOf(*c) + text + (place->second == placed(*c) ? "" : " @" + placed(*c)));
+                all.push_back(nameOf(*c) + text +
+                              (!whole || place->second == placed(*c) ? "" : " @" + placed(*c)));
                 continue;
             }
             if (c->name == "JRemLev") text += " " + pixels(c->width) + " wide";
@@ -159,34 +168,127 @@ class ScreenTest : public WindowTest {
         return all;
     }
 
-    /// What differs from the scene before; what is gone is named.
+    /// What no control of the window shows: slots, settings, other windows, and what the desktop was asked.
+    static std::vector<std::string> facts() {
+        std::vector<std::string> all;
+        for (const int i : LiveJingles()) {
+            const JingleRecord& j = rec(i);
+            if (!j.Path.empty())
+                all.push_back("slot" + std::to_string(i) + " " + GetFileName(j.Path) + " " +
+                              std::to_string(static_cast<int>(j.State)));
+        }
+        std::istringstream settings(SettingsDump());
+        for (std::string line; std::getline(settings, line);) {
+            std::erase(line, '\r');
+            all.push_back(line.insert(std::min(line.find('='), line.size()), " "));
+        }
+        for (const Control* c : allControls())
+            if (c->kind == ControlKind::window && c->visible && c != &frmMain().window)
+                all.push_back(c->name + " open");
+        Desktop& d = desktop();
+        for (const std::string& box : std::exchange(d.boxes, {})) all.push_back("asked '" + cut(box) + "'");
+        for (const std::string& command : std::exchange(d.commands, {}))
+            all.push_back("ran " + GetFileName(command));
+        if (d.focus != nullptr) all.push_back("focus " + d.focus->name);
+        if (const std::string copied = std::exchange(d.clipboard, {}); !copied.empty())
+            all.push_back("copied '" + cut(copied) + "'");
+        std::string menu;
+        for (const MenuItem& item : std::exchange(d.menu, {}))
+            menu += " " + item.name + (item.enabled ? "" : "!");
+        if (!menu.empty()) all.push_back("menu" + menu);
+        return all;
+    }
+
+    /// What differs from the window as it was told before; what is gone is named.
+    std::vector<std::string> news(const std::vector<std::string>& now, bool whole) {
+        const auto namesOf = [](const std::vector<std::string>& of) {
+            std::set<std::string> names;
+            for (const std::string& one : of) names.insert(one.substr(0, one.find(' ')));
+            return names;
+        };
+        const auto names = namesOf(now), namesBefore = namesOf(before_);
+        // What comes or goes with the frame around it is not told one by one.
+        const auto withFrame = [&](const std::string& name, const std::set<std::string>& others) {
+            const auto known = controls_.find(name);
+            return known != controls_.end() && known->second->parent != nullptr &&
+                   !others.contains(nameOf(*known->second->parent));
+        };
+        std::vector<std::string> told;
+        for (const std::string& one : now) {
+            if (std::ranges::find(before_, one) != before_.end()) continue;
+            const std::string name = one.substr(0, one.find(' '));
+            const bool isNew = !whole && !namesBefore.contains(name) && controls_.contains(name);
+            if (isNew && withFrame(name, namesBefore)) continue;
+            told.push_back(isNew ? name : one);
+        }
+        for (const std::string& name : namesBefore)
+            if (!names.contains(name) && !withFrame(name, names)) told.push_back("no " + name);
+        before_ = now;
+        return told;
+    }
+
     void scene(const std::string& title) {
         VirtualClock::instance().setWallTime("2026-11-07 15:04:20");
         DateTimeUpdate();
-        const std::vector<std::string> now = standing();
-        const auto namesOf = [](const std::vector<std::string>& of) {
-            std::set<std::string> names;
-            for (const std::string& line : of) names.insert(line.substr(0, line.find(' ')));
-            return names;
-        };
-        std::vector<std::string> news;
-        std::ranges::copy_if(now, std::back_inserter(news), [&](const std::string& one) {
-            return std::ranges::find(before_, one) == before_.end();
+        text_ += "== " + title + "\n" + paragraph(news(standing(), true), "; ");
+    }
+
+    /// What an act changes of the window and of all facts; nothing is told where it changes nothing. What time and sound
+    /// move by themselves is left out, places and tips too.
+    void step(const std::string& title, const std::function<void()>& act) {
+        taken_ = false;
+        act();
+        pass(160);
+        std::vector<std::string> now = standing(false);
+        std::erase_if(now, [](const std::string& one) {
+            return one.starts_with("digits") || one.starts_with("J") || one.starts_with("Vu") ||
+                   one.starts_with("lblTime");
         });
-        const auto names = namesOf(now);
-        for (const std::string& name : namesOf(before_))
-            if (!names.contains(name)) news.push_back("no " + name);
-        text_ += "== " + title + "\n" + paragraph(news);
-        before_ = now;
+        std::ranges::copy(facts(), std::back_inserter(now));
+        std::string told;
+        for (const std::string& one : news(now, false)) told += (told.empty() ? " " : "; ") + one;
+        if (taken_ || !told.empty()) steps_.push_back("[" + title + (taken_ ? "]!" : "]") + told);
+        desktop().focus = nullptr;
+    }
+    /// "ctrl shift Z", "f5", "space up"
+    void key(const std::string& keys) {
+        KeyEvent e;
+        bool up = false;
+        std::istringstream words(keys);
+        for (std::string word; words >> word;) {
+            e.shift |= word == "ctrl"    ? kCtrlMask
+                       : word == "shift" ? kShiftMask
+                       : word == "alt"   ? kAltMask
+                                         : 0;
+            up = up || word == "up";
+            e.repeat = e.repeat || word == "held";
+            static const std::map<std::string, Key> names{{"space", Key::space},
+                                                          {"escape", Key::escape},
+                                                          {"del", Key::del},
+                                                          {"pgup", Key::pageUp},
+                                                          {"pgdn", Key::pageDown}};
+            if (const auto named = names.find(word); named != names.end()) e.key = named->second;
+            if (word.size() == 1) e.key = static_cast<Key>(word[0]);
+            if (word[0] == 'f' && word.size() > 1)
+                e.key = static_cast<Key>(static_cast<int>(Key::f1) + std::stoi(word.substr(1)) - 1);
+        }
+        desktop().modifiers = e.shift;
+        pass(100);
+        up ? frmMain().window.onKeyUp(e) : frmMain().window.onKeyDown(e);
+        taken_ = e.consumed;
+        desktop().modifiers = 0;
     }
 
     void click(int index) { press(index), release(index); }
 
     std::string text_;
+    std::vector<std::string> steps_;
 
   private:
+    bool taken_ = false;  ///< the key of this step does not reach the control with the focus
     std::vector<std::string> before_;
     std::map<const Control*, std::string> places_;
+    std::map<std::string, const Control*> controls_;
 };
 
 TEST_F(ScreenTest, EverythingStandsWhereItWasApproved) {
@@ -246,7 +348,7 @@ TEST_F(ScreenTest, EverythingStandsWhereItWasApproved) {
     }
     std::vector<std::string> parts;
     for (const auto& [c, row] : rows) parts.push_back(row);
-    text_ += paragraph(parts);
+    text_ += paragraph(parts, "; ");
     expectApproved("ui/places.txt", text_);
 }
 
@@ -365,6 +467,90 @@ TEST_F(ScreenTest, EverythingLooksAsItWasApproved) {
     pass(160);
     scene("dark");
     expectApproved("ui/screen.txt", text_);
+}
+
+TEST_F(ScreenTest, KeysAndMouseDoWhatWasApproved) {
+    VirtualClock::instance().setWallTime("2026-11-07 15:04:19");
+    FadePhase = FlashPhase = false;
+    writePalette("Afternoon", 2);
+    writePalette("Morning", 1);
+    paletteSettings.PaletteIndex = "Morning";
+    lstPalRefresh();
+    SelectPalette("Morning");
+    OpenFile("Morning");
+    load(1, 60'000), load(2, 60'000, "PlayMod=2");
+    write("myscript.sh", "echo 1");
+    std::filesystem::copy_file(sourceDir() + "/data/Time_Announce.wav", path("Time_Announce.wav"));
+    SwitchInput(true);
+    bool closed = false;
+    frmMain().window.onClose = [&] { closed = true; };
+    pass(4000);
+    step("", [] {});
+    steps_.clear();
+    for (const char* keys :
+         {"space",   "space held", "Z",       "f1",     "f2",      "f3",         "f3",      "f4",
+          "f5",      "f6",         "f7",      "f8",     "f9",      "alt f9",     "alt f9",  "f10",
+          "f10",     "f10",        "f11",     "f11",    "R",       "T",          "R",       "R",
+          "M",       "M",          "M",       "E",      "E",       "A",          "A",       "S",
+          "S",       "F",          "F",       "L",      "L",       "L",          "N",       "N",
+          "C",       "C",          "ctrl A",  "ctrl C", "alt C",   "ctrl alt C", "alt X",   "X",
+          "shift C", "shift A",    "shift A", "ctrl R", "ctrl R",  "alt M",      "M",       "M",
+          "pgdn",    "pgdn held",  "pgdn up", "pgup",   "pgup up", "pgdn",       "pgdn up", "ctrl f9",
+          "del"})
+        step(keys, [&] { key(keys); });
+    step("press 1", [&] { click(1); });
+    for (const char* keys : {"space", "space", "space held", "del", "ctrl Z", "ctrl Y", "ctrl Z",
+                             "ctrl shift Z", "ctrl Z", "escape", "del"}) {
+        desktop().answers = {BoxAnswer::yes};
+        step(keys, [&] { key(keys); });
+    }
+    step("press 2", [&] { press(2); });
+    step("let go of 2", [&] { release(2); });
+    for (const char* keys : {"space", "space up", "escape"}) step(keys, [&] { key(keys); });
+    // While a text is typed, letters belong to it; keys of the window do not.
+    for (const char* keys : {"T", "space", "f10", "f10", "f10"})
+        step(std::string("typing ") + keys,
+             [&] { desktop().focus = &frmMain().palettes.txtSave, key(keys); });
+    for (int tab = 0; tab < kTabs; ++tab) {
+        step("tab " + std::to_string(tab),
+             [&] { frmMain().ckTab[static_cast<std::size_t>(tab)].onMouseDown({}); });
+        std::vector<const Control*> seen;
+        collect(frmMain().window, seen);
+        for (const Control* shown : seen) {
+            const bool once = tab > 0 && shown->parent != &frmMain().fraTab[static_cast<std::size_t>(tab)];
+            if (once || !shown->enabled || shown->kind == ControlKind::jingle ||
+                shown->kind == ControlKind::window || shown->name == "ckTab")
+                continue;
+            for (const MouseButton button :
+                 {MouseButton::left, MouseButton::left, MouseButton::right, MouseButton::middle}) {
+                if (shown == &frmMain().keys.btExit && button != MouseButton::right) continue;
+                const auto is = [&](MouseButton b) { return button == b; };
+                const std::string how = is(MouseButton::left)    ? ""
+                                        : is(MouseButton::right) ? " right"
+                                                                 : " middle";
+                const MouseEvent event{button};
+                if (shown->onMouseDown)
+                    step(nameOf(*shown) + how + " down", [&] { shown->onMouseDown(event); });
+                if (shown->onMouseUp) step(nameOf(*shown) + how + " up", [&] { shown->onMouseUp(event); });
+                if (shown->onClick && button == MouseButton::left)
+                    step(nameOf(*shown) + " click", [&] { shown->onClick(); });
+            }
+        }
+    }
+    for (const int hold : {0, 1}) {
+        programSettings.HoldExitToShutDown = hold;
+        step("exit down", [] { frmMain().keys.btExit.onMouseDown({}); });
+        pass(1900);
+        EXPECT_EQ(closed, hold == 1) << "held for two seconds it shuts the machine down";
+        closed = false;
+        step("exit up", [] { frmMain().keys.btExit.onMouseUp({}); });
+        EXPECT_TRUE(closed);
+        closed = false;
+    }
+    step("alt f4", [&] { key("alt f4"); });
+    EXPECT_TRUE(closed);
+    frmMain().window.onClose = nullptr;
+    expectApproved("ui/acts.txt", paragraph(steps_, "  "));
 }
 
 }  // namespace zv::test

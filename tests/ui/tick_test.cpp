@@ -9,12 +9,9 @@
 #include "platform/rehearsal/virtual_clock.h"
 #include "startup/errors.h"
 #include "startup/settings/clock_settings.h"
-#include "startup/settings/dark_settings.h"
 #include "startup/settings/display_settings.h"
-#include "startup/settings/marks_settings.h"
 #include "startup/settings/meters_settings.h"
 #include "startup/settings/minimal_settings.h"
-#include "startup/settings/palette_list_settings.h"
 #include "startup/settings/playing_settings.h"
 #include "startup/settings/warning_settings.h"
 #include "tests/ui/window_test.h"
@@ -83,28 +80,6 @@ TEST_F(TickTest, digits) {
     }
 }
 
-TEST_F(TickTest, theSmallestTimeLeftIsShown) {
-    for (const auto& [brief, other] : {std::pair{1, 2}, std::pair{2, 1}}) {
-        load(brief, 3000);
-        load(other, 5000);
-        press(other);
-        pass(1000);
-        EXPECT_NEAR(DispRemain, 4.0, 0.06);
-        press(brief);
-        pass(1000);
-        EXPECT_NEAR(DispRemain, 2.0, 0.06);
-        EXPECT_NEAR(MinDuration, 3.0, 0.01);
-        EXPECT_EQ(shown().substr(0, 2), "02");
-        pass(1960);  // one is within a tenth of its end: the other counts, whichever comes first
-        EXPECT_NEAR(DispRemain, 1.04, 0.06);
-        pass(2000);
-        EXPECT_EQ(DispRemain, 0);
-        EXPECT_EQ(DispText, "0");
-        EXPECT_EQ(shown(), "00.0");
-        EXPECT_FALSE(timers().TimerWarnBlink.enabled());
-    }
-}
-
 TEST_F(TickTest, theDucksRemainingTime) {
     // The smallest time left of what does not duck itself; what may not trigger still counts.
     load(1, 3000, "AutoDuck=1");
@@ -119,29 +94,6 @@ TEST_F(TickTest, theDucksRemainingTime) {
     evStop();
     pass(100);
     EXPECT_EQ(DuckRemain, 0);
-}
-
-TEST_F(TickTest, aSoundingButtonAndItsEnd) {
-    load(1, 2000);
-    press(1);
-    release(1);
-    pass(1000);
-    EXPECT_NEAR(DuckRemain, 1.0, 0.06);
-    const JingleButton& b = *Button(1);
-    EXPECT_EQ(b.b_Jingle.backColor, playingSettings.PlayingColor);
-    EXPECT_EQ(b.picbtnumber.backColor, playingSettings.PlayingColor);
-    EXPECT_EQ(b.b_Jingle.value, static_cast<int>(JingleState::sounding));
-    EXPECT_TRUE(b.JRemLev.visible);
-    const int full = b.b_Jingle.width - 60;
-    EXPECT_NEAR(b.JRemLev.width, full / 2, full / 40);
-    EXPECT_EQ(b.JRemLev.width % 15, 0);
-    EXPECT_NE(b.b_Jingle.onDescribe().find("1.0"), std::string::npos);
-    pass(1200);
-    EXPECT_EQ(b.b_Jingle.backColor, BtnFaceColor);
-    EXPECT_FALSE(b.JRemLev.visible);
-    EXPECT_EQ(b.b_Jingle.value, static_cast<int>(JingleState::rest));
-    EXPECT_EQ(rec(1).State, PlayState::idle);
-    EXPECT_FALSE(rec(1).Playing);
 }
 
 TEST_F(TickTest, silenceWritesNothing) {
@@ -240,29 +192,13 @@ TEST_F(TickTest, marksFlash) {
     }
 }
 
-TEST_F(TickTest, searchHitsAndArmedOptionsAreLeftAlone) {
+TEST_F(TickTest, searchHitsAreLeftAlone) {
     load(1, 1000);
     SearchHits = {1};
     button(1).backColor = 0x123456;
     pass(100);
     EXPECT_EQ(button(1).backColor, 0x123456);
     SearchHits.clear();
-    SelectorsOn = true;
-    pass(100);
-    EXPECT_EQ(button(1).backColor, 0x123456);
-    SelectorsOn = false;
-    pass(100);
-    EXPECT_EQ(button(1).backColor, BtnFaceColor);
-
-    // New colours reach the armed option and the buttons that it can go to.
-    ckTouchI_MouseDown();
-    markSettings.tcColor = 0x203040;
-    ReColorizeBtn();
-    EXPECT_EQ(frmMain().options.ckTouchI.backColor, 0x203040);
-    EXPECT_EQ(button(1).backColor, ShadeColor(0x203040, darkSettings.ShadeOffsetVal));
-    EXPECT_EQ(button(2).backColor, BtnFaceColor) << "nothing is on it";
-    ckTouchI_MouseDown();
-    EXPECT_EQ(button(1).backColor, BtnFaceColor);
 }
 
 TEST_F(TickTest, metersFollowTheLoudestAndFall) {
@@ -373,16 +309,6 @@ TEST_F(TickTest, theClockOfTheMinimalView) {
     EXPECT_EQ(d.lblTime.caption(), " 22:58:48");
     DateTimeDemo(false);
     EXPECT_NE(d.lblDate.caption(), "2026 September 23 Wed");
-}
-
-TEST_F(TickTest, thePaletteNameComesAndGoes) {
-    const Control& name = frmMain().display.txtDisPal;
-    EXPECT_TRUE(name.visible);
-    switchDisPalName();
-    EXPECT_FALSE(name.visible);
-    paletteListSettings.LockDisPalName = 1;
-    switchDisPalName();
-    EXPECT_FALSE(name.visible);
 }
 
 }  // namespace zv::test
