@@ -8,6 +8,7 @@
 #include "model/held_palette.h"
 #include "platform/rehearsal/virtual_clock.h"
 #include "startup/errors.h"
+#include "startup/settings/bars_settings.h"
 #include "startup/settings/clock_settings.h"
 #include "startup/settings/display_settings.h"
 #include "startup/settings/meters_settings.h"
@@ -16,7 +17,6 @@
 #include "startup/settings/warning_settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/options.h"
-#include "ui/press/display_press.h"
 #include "ui/records/timers.h"
 #include "ui/screen/announcer_view.h"
 #include "ui/screen/clock.h"
@@ -25,6 +25,7 @@
 #include "ui/screen/digits.h"
 #include "ui/screen/display_tick.h"
 #include "ui/screen/error_mark.h"
+#include "ui/screen/flashing.h"
 #include "ui/screen/layout.h"
 #include "ui/screen/shaded.h"
 #include "ui/screen/warning.h"
@@ -132,29 +133,60 @@ TEST_F(TickTest, aJingleOfAnotherPaletteGivesItsSlotBack) {
     EXPECT_EQ(button(1).caption(), "0.1\r\nshort");
 }
 
-TEST_F(TickTest, theBlinkShowsAndHidesDigitsAndBars) {
-    warningSettings.BlinkWarn = 100;  // each 100 ms
-    warningSettings.BlinkTarget = 2;
-    load(1, 6000);
-    press(1);
-    pass(3500);
-    EXPECT_TRUE(timers().TimerWarnBlink.enabled());
-    bool gone = false;
-    bool there = false;
-    for (int i = 0; i < 8; ++i) {
-        pass(50);
-        const Colour digit = frmMain().display.lblPosSecU.foreColor;
-        gone = gone || digit == displaySettings.DispBackCol;
-        there = there || digit == warningSettings.RemainColor;
-    }
-    EXPECT_TRUE(gone);
-    EXPECT_TRUE(there);
-    evStop();
-    pass(100);
-    EXPECT_FALSE(timers().TimerWarnBlink.enabled());
-    EXPECT_EQ(frmMain().display.lblPosSecU.foreColor, displaySettings.CountDownColor);
-    // A sound shorter than the warning's time gives one only when all do.
+TEST_F(TickTest, theWarningBlinksWhatItIsSetTo) {
+    constexpr Colour kBack = 0x112233, kBackOther = 0x445566;
+    barSettings.JRemLevColBg = kBack;
+    barSettings.JRemLevColBgPl = kBackOther;
+    displaySettings.DispBackCol = 0x010203;
+    const Colour steady = displaySettings.CountDownColor, warns = warningSettings.RemainColor,
+                 gone = displaySettings.DispBackCol, bar = barSettings.JRemLevCol;
+    const struct {
+        int rate, target, transparent;
+        bool other;
+        std::set<Colour> digits, bars;
+    } cases[] = {{100, 2, 1, false, {warns, gone}, {bar, playingSettings.PlayingColor}},
+                 {100, 2, 1, true, {warns, gone}, {bar, playingSettings.PlayingColorAnotherPal}},
+                 {100, 1, 0, false, {warns}, {bar, kBack}},
+                 {100, 1, 0, true, {warns}, {bar, kBackOther}},
+                 {100, 0, 1, false, {warns, gone}, {bar}},
+                 {0, 2, 1, false, {warns}, {bar}}};
     load(2, 900);
+    load(3, 60'000);  // its bar does not blink
+    for (const auto& c : cases) {
+        SCOPED_TRACE(&c - cases);
+        warningSettings.BlinkWarn = static_cast<std::uint8_t>(c.rate);
+        warningSettings.BlinkTarget = static_cast<std::uint8_t>(c.target);
+        barSettings.JRemLevTrBg = static_cast<std::uint8_t>(c.transparent);
+        load(1, 6000);
+        press(1), press(3);
+        rec(1).PlayingOtherPal = c.other;
+        pass(3500);
+        std::set<Colour> digits, bars;
+        for (int i = 0; i < 8; ++i) {
+            pass(50);
+            digits.insert(frmMain().display.lblPosSecU.foreColor);
+            bars.insert(Button(1)->JRemLev.backColor);
+        }
+        EXPECT_EQ(digits, c.digits);
+        EXPECT_EQ(bars, c.bars);
+        rec(1).PlayingOtherPal = false;
+        evStop();
+        pass(100);
+        EXPECT_EQ(frmMain().display.lblPosSecU.foreColor, steady);
+    }
+    // The settings window shows how it looks: bars of all buttons, whatever sounds.
+    BlinkTestOn = true;
+    timers().TimerWarnBlink.setInterval(100);
+    warningSettings.BlinkWarn = 100;
+    warningSettings.BlinkTarget = 2;
+    bool shown = false;
+    for (int i = 0; i < 8; ++i) pass(50), shown = shown || Button(4)->JRemLev.visible;
+    EXPECT_TRUE(shown);
+    EXPECT_EQ(Button(4)->JRemLev.width, button(4).width - 60);
+    BlinkTestOn = false;
+    pass(100);
+    EXPECT_FALSE(Button(4)->JRemLev.visible);
+    // A sound shorter than the warning's time gives one only when all do.
     for (const bool all : {false, true}) {
         warningSettings.WarnAllJ = all ? 1 : 0;
         press(2);
@@ -165,29 +197,27 @@ TEST_F(TickTest, theBlinkShowsAndHidesDigitsAndBars) {
     }
 }
 
-TEST_F(TickTest, marksFlash) {
-    // A sequence's mark while its loop runs, the display's mark a few times only.
-    load(1, tones("a300 b300 c1900"), "Seq=1 LoopIn=1000 LoopOut=1600");
-    press(1);
-    const auto colours = [&](int ms) {
-        std::set<Colour> seen;
-        for (int i = 0; i < ms / 100; ++i) {
-            pass(100);
-            seen.insert(Button(1)->sq_Jingle.foreColor);
-        }
-        return seen;
-    };
-    EXPECT_EQ(colours(900), std::set<Colour>{Shaded.sq});
-    EXPECT_EQ(colours(1800), (std::set<Colour>{Shaded.lp, Shaded.sq}));
-    evStop();
+TEST_F(TickTest, theMarkOfTheDisplayFlashesForAWhile) {
     // What failed or waits to be saved stays until it is mended.
     const Control& mark = frmMain().display.lblErr;
     for (const char* mode : {"no", "save", "wait", "notification", "ok"}) {
+        SCOPED_TRACE(mode);
+        FlashPhase = false;
         ErrDisp(mode, 1, "something");
-        pass(9000);
-        EXPECT_TRUE(mark.visible) << mode;
-        pass(2500);
-        EXPECT_EQ(mark.visible, std::string("no save wait").find(mode) != std::string::npos) << mode;
+        std::set<Colour> colours;
+        int changes = 0, ms = 0;
+        for (Colour last = mark.foreColor; ErrOneShot != 0; last = mark.foreColor) {
+            pass(100);
+            ms += 100;
+            changes += last != mark.foreColor ? 1 : 0;
+            colours.insert(mark.foreColor);
+        }
+        colours.erase(playingSettings.PlayingColor);  // a wait begins in it
+        EXPECT_EQ(colours, (std::set<Colour>{displaySettings.DispBackCol, clockSettings.DateTimeColor}));
+        EXPECT_EQ(changes, 20);
+        EXPECT_NEAR(ms, 10'250, 250);
+        EXPECT_EQ(mark.foreColor, clockSettings.DateTimeColor);
+        EXPECT_EQ(mark.visible, std::string("no save wait").find(mode) != std::string::npos);
         HideErrMark();
     }
 }
@@ -266,9 +296,11 @@ TEST_F(TickTest, theClockOfTheMinimalView) {
         for (const Control& mark : d.lblClock) marks += mark.visible ? mark.caption() : "";
         EXPECT_EQ(marks, c.marks);
     }
-    switchDisPalName();
+    d.lblPosSecU.onMouseDown({});
     EXPECT_EQ(figures(), "26.11.07");
-    switchDisPalNameRelease();
+    d.lblPosSecU.onMouseUp({MouseButton::right});
+    EXPECT_EQ(figures(), "26.11.07");
+    d.lblPosSecU.onMouseUp({});
     EXPECT_EQ(figures(), "150444");
     // lblTa held shows the next announcement, once the announcer is armed.
     HoldNextAnnouncement(true);

@@ -89,11 +89,6 @@ PaletteTab::PaletteTab(Control& frame)
     for (Control* key : {&btUp, &btDn, &btSearchJingle}) {
         key->fontName = "ZVR";
     }
-    ckAssign.caption = "Assign";
-    btSave.caption = "Save";
-    btNew.caption = "New";
-    btDelPal.caption = "Delete";
-    PalNameCar.caption = "Palette name";
     lstPal.sorted = true;
     PalNameCar.visible = false;
     txtSave.visible = false;
@@ -112,15 +107,10 @@ AnnouncerTab::AnnouncerTab(Control& frame)
       DTMinute("DTMinute", number, &frame),
       DTSecond("DTSecond", number, &frame),
       DTDelay("DTDelay", number, &frame) {
-    ckTmAnn.caption = "Time announcer";
-    b_tmAnJin.caption = "Time jingle";
     for (Control* mark : {&ckTmAnnAM, &b_tmAnJinAM}) {
         mark->caption = "a";
         mark->fontName = "ZVR";
     }
-    lblMinute.caption = "Minute";
-    lblSecond.caption = "Second";
-    lblDelay.caption = "Delay";
 }
 
 LiveTab::LiveTab(Control& frame)
@@ -132,13 +122,7 @@ LiveTab::LiveTab(Control& frame)
       SlideVolLive("SlideVolLive", slider, &frame),
       btCoefVolLive("btCoefVolLive", button, &frame),
       lblVolLive("lblVolLive", label, &frame),
-      lblStream("lblStream", label, &frame) {
-    ckPlayStream.caption = "Play";
-    btRemUrl.caption = "Remove";
-    ckMixByTa.caption = "Mix by announcer";
-    ckAutoDuckLive.caption = "Auto duck";
-    btCoefVolLive.caption = "x1";
-}
+      lblStream("lblStream", label, &frame) {}
 
 OptionsTab::OptionsTab(Control& frame)
     : ckPlayStopI("ckPlayStopI", toggle, &frame),
@@ -154,15 +138,7 @@ OptionsTab::OptionsTab(Control& frame)
       ns_LED("ns_LED", shape, &frame),
       lp_LED("lp_LED", shape, &frame),
       sq_LED("sq_LED", shape, &frame),
-      fx_LED("fx_LED", shape, &frame) {
-    ckPlayStopI.caption = "Play / Stop";
-    ckAutoRepI.caption = "Repeat";
-    ckTouchI.caption = "Touch";
-    ckNoStopI.caption = "No stop";
-    ckLoopI.caption = "Loop / Sequence";
-    ckFXI.caption = "Effects";
-    ckColorI.caption = "Colour";
-}
+      fx_LED("fx_LED", shape, &frame) {}
 
 KeyControls::KeyControls(Control& window)
     : fraKeys("fraKeys", frame, &window),
@@ -174,15 +150,7 @@ KeyControls::KeyControls(Control& window)
       btSettings("btSettings", button, &fraKeys),
       btStop("btStop", button, &fraKeys),
       btExit("btExit", button, &fraKeys) {
-    ckAutoRep.caption = "Repeat";
-    ckTouch.caption = "Touch";
-    ckAutoMix.caption = "Automix";
-    btMicPush.caption = "Mic";
-    btMicTO.caption = "Talk over";
-    btSettings.caption = "Settings";
-    btStop.caption = "STOP";
     btStop.fontBold = true;
-    btExit.caption = "Exit";
 }
 
 MainWindow::MainWindow()
@@ -211,9 +179,7 @@ MainWindow::MainWindow()
       lblL("lblL", label, &fraVU),
       lblR("lblR", label, &fraVU),
       lblVUSrc("lblVUSrc", symbol, &fraVU) {
-    const char* tabs[kTabs] = {"Palettes", "Time announcer", "Live stream", "Jingle options"};
     for (std::size_t i = 0; i < kTabs; ++i) {
-        ckTab[i].caption = std::string(tabs[i]);
         fraTab[i].visible = i == 0;
     }
     window.caption = "Zentrova";

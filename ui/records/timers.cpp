@@ -38,7 +38,6 @@ UiTimers::UiTimers()
       TimerControlFlash("TimerControlFlash", 500),
       TimerVUFD("TimerVUFD", 10),
       TimerOutputs("TimerOutputs", 200),
-      TimerNotif("TimerNotif", 0),
       TimerPgUpDnPalLst("TimerPgUpDnPalLst", 10),
       Timerlstpalbot("Timerlstpalbot", 500),
       Timerlstpaltop("Timerlstpaltop", 500),

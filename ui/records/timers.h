@@ -17,22 +17,21 @@ class UiTimer : public Timer {
 struct UiTimers {
     UiTimers();
 
-    UiTimer TimerDispAndJButtons;  ///< 110 - DispSpeed ms
-    UiTimer TimerVU;               ///< (11 - VUspeed) x 10 ms
-    UiTimer TimerKeyModifiers;     ///< 80 ms
-    UiTimer TimerTimeAndTA;        ///< 1000 ms
-    UiTimer SaveTimer;             ///< 50 ms
-    UiTimer TimerLoadPal;          ///< 100 ms
-    UiTimer TimerClock;            ///< 1000 ms
-    UiTimer TimerIdleClock;        ///< 2000 ms
-    UiTimer TimerReleaseSep;       ///< 500 ms
-    UiTimer TimerWarnBlink;        ///< 10000 / BlinkWarn ms
-    UiTimer TimerMainPos;          ///< 500 ms
-    UiTimer TimerFadeOutLED;       ///< 100 ms, always on
-    UiTimer TimerControlFlash;     ///< 500 ms, always on
-    UiTimer TimerVUFD;             ///< 10 ms while the bars fall
-    UiTimer TimerOutputs;          ///< 200 ms
-    UiTimer TimerNotif;
+    UiTimer TimerDispAndJButtons;    ///< 110 - DispSpeed ms
+    UiTimer TimerVU;                 ///< (11 - VUspeed) x 10 ms
+    UiTimer TimerKeyModifiers;       ///< 80 ms
+    UiTimer TimerTimeAndTA;          ///< 1000 ms
+    UiTimer SaveTimer;               ///< 50 ms
+    UiTimer TimerLoadPal;            ///< 100 ms
+    UiTimer TimerClock;              ///< 1000 ms
+    UiTimer TimerIdleClock;          ///< 2000 ms
+    UiTimer TimerReleaseSep;         ///< 500 ms
+    UiTimer TimerWarnBlink;          ///< 10000 / BlinkWarn ms
+    UiTimer TimerMainPos;            ///< 500 ms
+    UiTimer TimerFadeOutLED;         ///< 100 ms, always on
+    UiTimer TimerControlFlash;       ///< 500 ms, always on
+    UiTimer TimerVUFD;               ///< 10 ms while the bars fall
+    UiTimer TimerOutputs;            ///< 200 ms
     UiTimer TimerPgUpDnPalLst;       ///< 10 ms while Page Up or Down is held
     UiTimer Timerlstpalbot;          ///< 500 ms: Page Down held at the end
     UiTimer Timerlstpaltop;          ///< 500 ms

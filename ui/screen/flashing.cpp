@@ -13,7 +13,6 @@
 #include "startup/settings/display_settings.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
-#include "ui/records/timers.h"
 #include "ui/screen/error_mark.h"
 #include "ui/screen/shaded.h"
 
@@ -75,7 +74,6 @@ void TimerControlFlashTick() {
             mark.foreColor = clockSettings.DateTimeColor;
             // What failed or waits to be saved stays until it is mended.
             if (mark.visible && !ErrMarkShows("h") && !ErrMarkShows("x") && !ErrMarkShows("f")) {
-                timers().TimerNotif.stop();
                 mark.caption = std::string();
                 mark.visible = false;
             }
