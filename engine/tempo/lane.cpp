@@ -61,8 +61,7 @@ TempoLane::TempoLane(std::uint32_t rate, std::uint32_t channels, std::size_t fra
     grid_.resize(kGrid * channels_);
 }
 
-bool TempoLane::open(StretcherSource& stretchers, const TempoCurve& wanted, std::uint32_t number,
-                     std::uint64_t from) {
+void TempoLane::open(const TempoCurve& wanted, std::uint32_t number, std::uint64_t from) {
     curve = wanted;
     changes = number;
     base = from;
@@ -70,14 +69,12 @@ bool TempoLane::open(StretcherSource& stretchers, const TempoCurve& wanted, std:
     stretches_ = curve.stretches(base);
     transposes_ = curve.transposes(base);
     if (transposes_ && !transposer_) transposer_ = std::make_unique<dsp::Transposer>(channels_);
-    if (!stretches_) return true;
+    if (!stretches_) return;
     if (stretcher_)
         stretcher_->clear();
     else
-        stretcher_ = stretchers.make(rate_, channels_);
-    if (!stretcher_) return false;
+        stretcher_ = std::make_unique<dsp::Stretcher>(rate_, channels_);
     setStretch(curve.at(base).stretch());
-    return true;
 }
 
 void TempoLane::setStretch(double ratio) {
@@ -212,18 +209,17 @@ std::size_t TempoLane::makeStretched(FrameReader& reader, std::span<float> out) 
     while (stretcher_->ready() == 0) {
         if (!steered_) steer();
         steered_ = true;
-        // Not more than one sequence at a time while its tempo moves.
-        const bool moves = curve.moves(base + written_.load(std::memory_order_relaxed));
-        const double most = moves ? std::clamp(stretch_ * 64, 8.0, static_cast<double>(kChunk)) : kChunk;
-        const std::span<float> part(chunk_.data(), static_cast<std::size_t>(most) * channels_);
-        const std::size_t got = fromSource(reader, part);
-        if (got == 0) return 0;
-        stretcher_->put(part.first(got * channels_));
-        if (const std::size_t made = stretcher_->ready(); made > 0) {
-            made_ += made;
-            consumed_ += stretch_ * static_cast<double>(made);
-            steered_ = false;
+        if (const std::size_t lacking = stretcher_->lacking(); lacking > 0) {
+            const std::span<float> part(chunk_.data(), std::min(lacking, kChunk) * channels_);
+            const std::size_t got = fromSource(reader, part);
+            if (got == 0) return 0;
+            stretcher_->put(part.first(got * channels_));
+            continue;
         }
+        const std::size_t made = stretcher_->make();
+        made_ += made;
+        consumed_ += stretch_ * static_cast<double>(made);
+        steered_ = false;
     }
     return stretcher_->take(out);
 }

@@ -12,8 +12,8 @@
 #include <span>
 #include <vector>
 
+#include "engine/dsp/stretcher.h"
 #include "engine/dsp/transposer.h"
-#include "engine/ports.h"
 #include "engine/realtime/frame_reader.h"
 #include "engine/tempo/curve.h"
 
@@ -50,10 +50,8 @@ class TempoLane {
     bool clean = false;             ///< no cross-fade at its beginning: any start at startSource may use it
 
     // ---- [worker]
-    /// Takes the curve, whose frame `from` is the lane's first, before begin(); false when the stretcher
-    /// cannot be had.
-    bool open(StretcherSource& stretchers, const TempoCurve& wanted, std::uint32_t number,
-              std::uint64_t from);
+    /// Takes the curve, whose frame `from` is the lane's first, before begin().
+    void open(const TempoCurve& wanted, std::uint32_t number, std::uint64_t from);
     /// Average delay of the stretcher's sound, in source frames; after open().
     double lag() const { return lagAt(curve.at(base)); }
     /// The first frame is source frame `start`. `settled`: positions begin lag() earlier, as in a lane that
@@ -114,7 +112,7 @@ class TempoLane {
     std::size_t size_;  // frames of the ring, a power of two
     std::vector<float> ring_, chunk_, piece_, grid_;
     std::vector<double> places_;  // source frames from startSource on, one entry a grid step of lane frames
-    std::unique_ptr<Stretcher> stretcher_;
+    std::unique_ptr<dsp::Stretcher> stretcher_;
     std::unique_ptr<dsp::Transposer> transposer_;
     std::atomic<std::uint64_t> written_{0}, read_{0}, endAt_{kNowhere};
     // Separate atomic values suffice: adopt() only changes what has not been rendered yet.

@@ -12,12 +12,11 @@ constexpr double kHoldSeconds = 0.05;  // that a position waits at most after a 
 
 }  // namespace
 
-TempoProcessor::TempoProcessor(std::uint32_t rate, std::uint32_t channels,
-                               std::shared_ptr<StretcherSource> stretchers, FrameReader& reader)
+TempoProcessor::TempoProcessor(std::uint32_t rate, std::uint32_t channels, FrameReader& reader)
     : rate_(std::max(rate, 1u)),
       channels_(std::max(channels, 1u)),
       reader_(reader),
-      work_(rate_, channels_, std::move(stretchers), reader, wishes_, meeting_) {}
+      work_(rate_, channels_, reader, wishes_, meeting_) {}
 
 void TempoProcessor::slide(TempoPart part, double value, std::uint64_t frames, bool ratios) {
     assertNotAudioThread();

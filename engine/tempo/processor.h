@@ -1,8 +1,8 @@
 /// The inside of a tempo channel: tempo, pitch and rate over a source of frames.
 ///
 /// Neutral, the audio thread reads the source itself, bit-exact and without delay, and only reports what it
-/// played. Stretched, it reads a ring that a worker fills ahead: the stretching library allocates, so none of
-/// it runs in a callback. Going from one to the other, and every change of the parameters or of the loop, is
+/// played. Stretched, it reads a ring that a worker fills ahead: sound is stretched by sequences of up to 90 ms, which
+/// no callback has the time for. Going from one to the other, and every change of the parameters or of the loop, is
 /// prepared by the worker as a new ring (a lane) whose first 10 ms are already cross-faded with what sounds
 /// now, together with the exact frame at which the audio thread changes over; a lane that comes too late is
 /// thrown away and made again. A slide is no change: the lane follows it by itself.
@@ -24,7 +24,6 @@
 #include <memory>
 #include <span>
 
-#include "engine/ports.h"
 #include "engine/realtime/frame_reader.h"
 #include "engine/tempo/work.h"
 
@@ -33,8 +32,7 @@ namespace zv::engine {
 class TempoProcessor {
   public:
     /// `rate` and `channels` are the source's. Cheap: buffers come with the first stretch. [control]
-    TempoProcessor(std::uint32_t rate, std::uint32_t channels, std::shared_ptr<StretcherSource> stretchers,
-                   FrameReader& reader);
+    TempoProcessor(std::uint32_t rate, std::uint32_t channels, FrameReader& reader);
 
     // ---- [control]
     /// One of tempo, pitch and rate, from the value it has reached to `value`, cut to its range in TempoParameters,

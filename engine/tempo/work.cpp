@@ -100,7 +100,7 @@ void TempoWork::prime(std::uint64_t frame) {
     if (!lock) return;
     const Wish wish = wishes_.wish();
     const std::uint64_t time = wishes_.time();
-    if ((wish.curve.last().neutral() && !wish.curve.moves(time)) || !stretchers_) return;
+    if (wish.curve.last().neutral() && !wish.curve.moves(time)) return;
     const FlushToZero flush;
     const PlayRange range = reader_.range();
     const auto good = [&](const TempoLane* lane) {
@@ -110,7 +110,8 @@ void TempoWork::prime(std::uint64_t frame) {
     if (good(meeting_.primed.load()) || (!meeting_.published.current.load() && good(pending_))) return;
     if (TempoLane* before = meeting_.primed.exchange(nullptr)) before->retire();
     TempoLane* lane = freeLane();
-    if (!lane || !lane->open(*stretchers_, wish.curve, wish.changes, time)) return;
+    if (!lane) return;
+    lane->open(wish.curve, wish.changes, time);
     lane->begin(frame, range, false);
     lane->after = nullptr;
     lane->fill(reader_, tempoFrames(kReadySeconds, rate_));
@@ -132,7 +133,8 @@ void TempoWork::enter(const TempoSnapshot& now, const Wish& wish) {
     const std::uint64_t source = advance(now.source, lead, now.range);
     if (source == now.range.end && !now.range.loop) return;  // over before it could begin
     TempoLane* lane = freeLane();
-    if (!lane || !lane->open(*stretchers_, wish.curve, wish.changes, base)) return;
+    if (!lane) return;
+    lane->open(wish.curve, wish.changes, base);
     lane->begin(source, now.range, false);
     lane->fill(reader_, tempoFrames(kReadySeconds, rate_));
     if (!fresh) {
@@ -178,7 +180,7 @@ void TempoWork::replace(const TempoSnapshot& now, const Wish& wish, bool follows
         readInOrder(reader_, next, fresh, channels_, now.range);
         lane->openLeaving(fresh, start, next, now.range);
     } else {
-        if (!lane->open(*stretchers_, wish.curve, wish.changes, base)) return;
+        lane->open(wish.curve, wish.changes, base);
         const std::uint64_t start = shifted(place, std::llround(lane->lag()), now.range);
         // Only sound of the same pitch can be laid over itself.
         const double was = current.curve.at(current.base + at).transposition(),
@@ -230,7 +232,7 @@ std::int64_t TempoWork::bestLag(std::span<const float> old, std::uint64_t source
 
 void TempoWork::work() {
     assertNotAudioThread();
-    if (!due() || !stretchers_) return;
+    if (!due()) return;
     std::unique_lock lock(mutex_, std::try_to_lock);
     if (!lock) return;
     const std::uint64_t turn = this->turn();  // before anything is looked at

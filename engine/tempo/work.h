@@ -9,7 +9,6 @@
 #include <span>
 #include <vector>
 
-#include "engine/ports.h"
 #include "engine/tempo/meeting.h"
 #include "engine/tempo/wishes.h"
 
@@ -17,11 +16,9 @@ namespace zv::engine {
 
 class TempoWork {
   public:
-    TempoWork(std::uint32_t rate, std::uint32_t channels, std::shared_ptr<StretcherSource> stretchers,
-              FrameReader& reader, const TempoWishes& wishes, TempoMeeting& meeting)
+    TempoWork(std::uint32_t rate, std::uint32_t channels, FrameReader& reader, const TempoWishes& wishes, TempoMeeting& meeting)
         : rate_(rate),
           channels_(channels),
-          stretchers_(std::move(stretchers)),
           reader_(reader),
           wishes_(wishes),
           meeting_(meeting) {}
@@ -46,7 +43,6 @@ class TempoWork {
     std::int64_t bestLag(std::span<const float> old, std::uint64_t source, const PlayRange& range);
 
     const std::uint32_t rate_, channels_;
-    const std::shared_ptr<StretcherSource> stretchers_;
     FrameReader& reader_;
     const TempoWishes& wishes_;
     TempoMeeting& meeting_;
