@@ -3,6 +3,7 @@
 #include <array>
 #include <chrono>
 #include <functional>
+#include <list>
 #include <thread>
 
 #include "benchmarks/measure.h"
@@ -10,7 +11,7 @@
 #include "benchmarks/studio.h"
 #include "engine/dsp/denormals.h"
 #include "engine/dsp/mix.h"
-#include "platform/soundtouch/soundtouch_stretcher.h"
+#include "platform/soundtouch/stretching_library.h"
 
 namespace zv::bench {
 namespace {
@@ -217,76 +218,114 @@ void effects() {
     tell("effects-120-plain-speed", kSecondsOfSound / median(plainTimes), "x real time");
 }
 
-/// In step with the wall, as on air: the workers must keep ahead.
-double playPaced(Studio& studio, double seconds) {
+/// Calls `period` in step with the wall, as on air: the workers must keep ahead.
+void inStep(double seconds, const std::function<void()>& period) {
     const auto begin = std::chrono::steady_clock::now();
     const auto periods = static_cast<std::size_t>(seconds * kRate / kPeriod);
-    const double before = processSeconds();
     for (std::size_t i = 0; i < periods; ++i) {
         std::this_thread::sleep_until(begin + std::chrono::microseconds(i * kPeriod * 1'000'000ull / kRate));
-        studio.play(1);
+        period();
     }
-    return processSeconds() - before;
 }
 
-/// The stretching library alone over the same sounds, one after the other without a pause: it stretches as much
-/// sound as is heard, and nothing else.
-double bareLibrary(engine::StretcherSource& library, const std::vector<std::vector<float>>& sounds,
-                   double tempo, double seconds) {
-    return secondsOf([&] {
-        std::vector<float> out(2 * kPeriod);
-        for (const auto& sound : sounds) {
-            const auto stretcher = library.make(kRate, 2);
-            stretcher->setTempo(1 + tempo / 100);
-            std::size_t at = 0, made = 0;
-            while (made < static_cast<std::size_t>(seconds * kRate)) {
-                if (const std::size_t got = stretcher->take(out); got > 0) {
-                    made += got;
-                    continue;
-                }
-                if (at + 1024 > sound.size()) at = 0;
-                stretcher->put({sound.data() + at, 1024});
-                at += 1024;
-            }
+constexpr std::size_t kStretched = 32;
+constexpr double kTempo = 10, kStretchedSeconds = 4;
+
+/// The stretching library over one of the sounds, looping.
+class LibraryVoice {
+  public:
+    LibraryVoice(const std::vector<float>& sound, LibraryPart part)
+        : sound_(sound), library_(kRate, 2, 1 + kTempo / 100, part) {}
+    void make(std::size_t frames) {
+        for (std::size_t made = 0; made < frames;) {
+            const std::size_t got =
+                library_.take(std::span(out_).first(2 * std::min<std::size_t>(kPeriod, frames - made)));
+            made += got;
+            if (got > 0) continue;
+            if (at_ + kPiece > sound_.size()) at_ = 0;
+            library_.put({sound_.data() + at_, kPiece});
+            at_ += kPiece;
         }
+    }
+
+  private:
+    static constexpr std::size_t kPiece = 1024;  ///< samples that are put at a time
+    const std::vector<float>& sound_;
+    StretchingLibrary library_;
+    std::vector<float> out_ = std::vector<float>(2 * kPeriod);
+    std::size_t at_ = 0;
+};
+
+/// The library alone over the sounds, one after the other without a pause, so that it never leaves the caches: it
+/// stretches as much sound as is heard, and nothing else.
+double bareLibrary(const std::vector<std::vector<float>>& sounds, LibraryPart part) {
+    return secondsOf([&] {
+        for (const auto& sound : sounds)
+            LibraryVoice(sound, part).make(static_cast<std::size_t>(kStretchedSeconds * kRate));
     });
+}
+
+/// The same as the engine is asked: a period of each sound in turn, in step with the wall. What waking up takes does
+/// not count.
+double libraryInStep(const std::vector<std::vector<float>>& sounds) {
+    std::list<LibraryVoice> voices;
+    for (const auto& sound : sounds) voices.emplace_back(sound, LibraryPart::stretching);
+    double seconds = 0;
+    inStep(kStretchedSeconds, [&] {
+        seconds += secondsOf([&] {
+            for (LibraryVoice& voice : voices) voice.make(kPeriod);
+        });
+    });
+    return seconds;
 }
 
 /// The engine starts all of them in the same period and plays in step with the wall: what it takes over the idle
 /// studio, on all threads, is stretching, being ahead by up to 0.2 s, reading, mixing, metering, and waking up.
 void stretching() {
-    constexpr std::size_t kStretched = 32, kLong = 9 * kRate;
-    constexpr double kSeconds = 6, kTempo = 10;
+    constexpr std::size_t kLong = 9 * kRate;
+    constexpr int kStretchingRuns = 5;
     const auto sounds = makeSounds(kStretched, kLong);
     Studio studio(sounds);
     std::vector<DWORD> jingles;
     for (std::size_t k = 0; k < kStretched; ++k) jingles.push_back(studio.jingle(k));
     start(jingles);
     settle(studio);
-    for (DWORD jingle : jingles) BASS_ChannelStop(jingle);
-    studio.play(2);
-    const double idle = playPaced(studio, 2) / 2;  // what the empty studio costs a second
-
-    std::vector<double> ratios, sameSettings, longest;
-    for (int run = 0; run < 3; ++run) {
-        for (DWORD jingle : jingles) BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO, 0);
-        playPaced(studio, 0.2);
+    const auto stop = [&] {
+        for (DWORD jingle : jingles) BASS_ChannelStop(jingle);
+        studio.play(2);
+    };
+    const auto setTempo = [&](float percent) {
+        for (DWORD jingle : jingles) BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO, percent);
+    };
+    const auto playPaced = [&](double seconds) {
         const double before = processSeconds();
-        for (DWORD jingle : jingles) BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO, kTempo);
+        inStep(seconds, [&] { studio.play(1); });
+        return processSeconds() - before;
+    };
+    stop();
+
+    std::vector<double> ratios, sameSettings, interleaved, costs, longest;
+    for (int run = 0; run < kStretchingRuns; ++run) {
+        setTempo(0);
+        playPaced(0.2);
+        const double idle = playPaced(1) * kStretchedSeconds;  // what the empty studio costs meanwhile
+        const double before = processSeconds();
+        setTempo(kTempo);
         start(jingles);
         studio.devices->takeLongest();
-        playPaced(studio, kSeconds);
-        const double engine = processSeconds() - before - idle * kSeconds;
+        playPaced(kStretchedSeconds);
+        const double engine = processSeconds() - before - idle;
         longest.push_back(studio.devices->takeLongest() * 1000);
-        for (DWORD jingle : jingles) BASS_ChannelStop(jingle);
-
-        // The library as it comes, through all of its stages, and its stretching stage alone, as the engine uses
-        // it.
-        ratios.push_back(engine / bareLibrary(*plainSoundTouchStretchers(), sounds, kTempo, kSeconds));
-        sameSettings.push_back(engine / bareLibrary(*soundTouchStretchers(), sounds, kTempo, kSeconds));
+        stop();
+        ratios.push_back(engine / bareLibrary(sounds, LibraryPart::whole));
+        sameSettings.push_back(engine / bareLibrary(sounds, LibraryPart::stretching));
+        interleaved.push_back(engine / libraryInStep(sounds));
+        costs.push_back(engine / kStretchedSeconds * 1000);
     }
     atMost("stretch-32", median(ratios), "x bare library", 1.15);
     atMost("stretch-32-same-settings", median(sameSettings), "x bare library", 1.3);
+    atMost("stretch-32-in-step", median(interleaved), "x bare library asked in step", 1.3);
+    tell("stretch-32-cost", median(costs), "ms per s of sound");
     atMost("stretch-32-callback", median(longest), "ms", 1000.0 * kPeriod / kRate / 4);
 }
 

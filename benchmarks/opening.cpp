@@ -14,7 +14,6 @@
 #include "benchmarks/measure.h"
 #include "benchmarks/studio.h"
 #include "platform/file_decoders/file_decoders.h"
-#include "platform/soundtouch/soundtouch_stretcher.h"
 
 namespace zv::bench {
 namespace {
@@ -73,7 +72,7 @@ void opening() {
     for (int run = 0; run < 3; ++run) {
         files.cool();
         const auto devices = std::make_shared<HandDevices>();
-        engine::engineControl()->install({makeFileDecoders(), soundTouchStretchers(), devices});
+        engine::engineControl()->install({makeFileDecoders(), devices});
         BASS_Init(1, kRate, 0, nullptr, nullptr);
         constexpr DWORD mixing = BASS_STREAM_DECODE | BASS_MIXER_NONSTOP | BASS_SAMPLE_FLOAT;
         const DWORD mixer = BASS_Mixer_StreamCreate(kRate, 2, mixing);

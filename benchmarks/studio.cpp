@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "benchmarks/measure.h"
-#include "platform/soundtouch/soundtouch_stretcher.h"
 
 namespace zv::bench {
 namespace {
@@ -118,8 +117,7 @@ std::vector<std::vector<float>> makeSounds(std::size_t count, std::size_t frames
 
 Studio::Studio(const std::vector<std::vector<float>>& sounds) {
     constexpr DWORD mixing = BASS_STREAM_DECODE | BASS_MIXER_NONSTOP | BASS_SAMPLE_FLOAT;
-    engine::engineControl()->install(
-        {std::make_shared<MemorySource>(sounds), soundTouchStretchers(), devices});
+    engine::engineControl()->install({std::make_shared<MemorySource>(sounds), devices});
     BASS_Init(0, kRate, 0, nullptr, nullptr);
     mainMixer_ = had(BASS_Mixer_StreamCreate(kRate, 2, mixing), "the main mixer");
     const DWORD micMixer = had(BASS_Mixer_StreamCreate(kRate, 2, mixing), "the microphone mixer");

@@ -1,4 +1,4 @@
-/// What the engine takes from its surroundings: decoders, a time stretcher and devices. The program installs
+/// What the engine takes from its surroundings: decoders and devices. The program installs
 /// them once, before the first BASS_Init; platform/ implements them. The engine knows no library of its own.
 #pragma once
 
@@ -45,31 +45,6 @@ class DecoderSource {
     virtual std::unique_ptr<Decoder> openModule(const std::string& path, int& error) = 0;
     /// Waits for the connection, at most `timeoutMs`.
     virtual std::unique_ptr<Decoder> openUrl(const std::string& url, std::uint32_t timeoutMs, int& error) = 0;
-};
-
-/// Changes the tempo of interleaved sound and nothing else. Called by one thread at a time, never by a device
-/// callback; may allocate. [worker] [control]
-class Stretcher {
-  public:
-    virtual ~Stretcher() = default;
-    /// Source frames a frame of output, above 0. May change while sound is held: what is made from then on
-    /// has the new tempo, without a seam.
-    virtual void setTempo(double ratio) = 0;
-    virtual void put(std::span<const float> in) = 0;     ///< interleaved frames
-    virtual std::size_t take(std::span<float> out) = 0;  ///< frames written
-    virtual std::size_t ready() const = 0;               ///< frames that take() would give
-    /// Frames of output that are made in one go at the present tempo: 1 and up.
-    virtual std::size_t sequence() const = 0;
-    /// Forgets the sound that is held.
-    virtual void clear() = 0;
-};
-
-/// Makes stretchers. [worker] [control]
-class StretcherSource {
-  public:
-    virtual ~StretcherSource() = default;
-    /// Nothing is returned for a format that it cannot stretch.
-    virtual std::unique_ptr<Stretcher> make(std::uint32_t rate, std::uint32_t channels) = 0;
 };
 
 /// Who is called for sound: interleaved stereo frames in float. Never blocks. [audio]
@@ -138,11 +113,9 @@ class DeviceSource {
     virtual bool rests() const { return !offline(); }
 };
 
-/// What the engine is given. Each may be missing: then nothing opens (BASS_ERROR_NOTAVAIL), tempo channels pass
-/// through, there are no devices.
+/// What the engine is given. Each may be missing: then nothing opens (BASS_ERROR_NOTAVAIL), there are no devices.
 struct EnginePorts {
     std::shared_ptr<DecoderSource> decoders;
-    std::shared_ptr<StretcherSource> stretchers;
     std::shared_ptr<DeviceSource> devices;
 };
 

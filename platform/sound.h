@@ -8,7 +8,7 @@
 
 namespace zv {
 
-/// Decoders (FFmpeg, libopenmpt), stretcher (SoundTouch) and devices of the surroundings, offline ones in a rehearsal.
+/// Decoders (FFmpeg, libopenmpt) and devices of the surroundings, offline ones in a rehearsal.
 /// `system`: "Server" (PulseAudio, PipeWire), "JACK" or "ALSA"; anything else: the first of them that has an output.
 /// [control]
 engine::EnginePorts soundPorts(std::string_view system);

@@ -132,8 +132,7 @@ HSTREAM BASS_FX_TempoCreate(DWORD source, DWORD flags) {
         channel->source = of;
         channel->freeSource = (flags & BASS_FX_FREESOURCE) != 0;
         if (of->sound) {
-            channel->tempo =
-                std::make_shared<TempoProcessor>(of->rate, of->channels, *of->sound);
+            channel->tempo = std::make_shared<TempoProcessor>(of->rate, of->channels, *of->sound);
             e.workers.add(channel->tempo, of->sound);
         }
         const DWORD handle = publishChannel(e, channel);

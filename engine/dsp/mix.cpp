@@ -101,9 +101,8 @@ void mixCurved(float* out, std::span<const MixSource> sources, std::size_t frame
     for (const MixSource& source : sources) (w ? wide::addCurved1 : plain::addCurved1)(out, source, frames);
 }
 
-void curveGains(float* out, const double* powers, std::size_t place, std::size_t count, double base,
-                double ratio) {
-    (wideChosen() ? wide::powered : plain::powered)(out, powers, place, count, base, ratio);
+void curveGains(float* out, const GainCurve& curve, double base, std::size_t place, std::size_t count) {
+    (wideChosen() ? wide::powered : plain::powered)(out, curve, base, place, count);
 }
 
 void mixStereo(float* out, const float* in, std::size_t frames, const GainRamp& ramp) {

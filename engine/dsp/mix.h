@@ -3,6 +3,7 @@
 /// sound into blocks. Nothing allocates; buffers need no alignment; `frames` may be 0. [audio]
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -39,11 +40,19 @@ void mixMono(float* out, std::span<const MixSource> sources, std::size_t frames)
 void mixCurved(float* out, std::span<const MixSource> sources, std::size_t frames);
 /// out += in * ramp.
 void mixStereo(float* out, const float* in, std::size_t frames, const GainRamp& ramp);
-/// Gains of a logarithmic slide: float(base * powers[place]) and so on, `powers` being kCurveGrid values; behind the
-/// last of them `base` is multiplied by `ratio`.
-inline constexpr std::size_t kCurveGrid = 16;
-void curveGains(float* out, const double* powers, std::size_t place, std::size_t count, double base,
-                double ratio);
+/// Gains in equal ratios, by tables of their powers: place i of a span has the gain base * coarse[i / kFine] *
+/// fine[i % kFine]; from span to span `base` is multiplied by `ratio`.
+struct GainCurve {
+    static constexpr std::size_t kFine = 16, kSpan = 256;
+    std::array<double, kFine> fine;
+    std::array<double, kSpan / kFine> coarse;
+    double ratio;
+    double value(double base, std::size_t place) const {
+        return base * coarse[place / kFine] * fine[place % kFine];
+    }
+};
+/// Those of `count` frames, the first of which has the place `place`.
+void curveGains(float* out, const GainCurve& curve, double base, std::size_t place, std::size_t count);
 /// out += in * gains[i], one gain a frame (a logarithmic slide).
 void mixStereo(float* out, const float* in, std::size_t frames, const float* gains);
 

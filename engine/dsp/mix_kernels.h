@@ -38,7 +38,11 @@ inline Eight rampGains(const GainRamp& r, double at) {
     return pairs(__builtin_convertvector(r.from + r.step * index, Float4));
 }
 
-inline Eight pairGains(const float* g) { return pairs(Float4{g[0], g[1], g[2], g[3]}); }
+inline Eight pairGains(const float* g) {
+    Float4 v;
+    __builtin_memcpy(&v, g, sizeof v);
+    return pairs(v);
+}
 
 template <bool Add, typename Gains, typename Gain>
 inline void shaped(float* out, const float* in, std::size_t frames, Gains four, Gain one) {
@@ -166,21 +170,28 @@ void addCurved1(float* out, const MixSource& s, std::size_t frames) {
         for (std::size_t side = 0; side < 2; ++side) out[2 * i + side] = out[2 * i + side] + a.one(i, side);
 }
 
-void powered(float* out, const double* powers, std::size_t place, std::size_t count, double base,
-             double ratio) {
-    Double4 p[kCurveGrid / 4];
-    __builtin_memcpy(p, powers, sizeof p);
-    std::size_t i = 0;
-    for (; i < count && place != 0; place = (place + 1) % kCurveGrid) {
-        out[i++] = static_cast<float>(base * powers[place]);
-        if (place + 1 == kCurveGrid) base *= ratio;
-    }
-    for (; i + kCurveGrid <= count; i += kCurveGrid, base *= ratio)
-        for (std::size_t k = 0; k < kCurveGrid / 4; ++k) {
-            const Float4 g = __builtin_convertvector(base * p[k], Float4);
-            __builtin_memcpy(out + i + 4 * k, &g, sizeof g);
+void powered(float* out, const GainCurve& curve, double base, std::size_t place, std::size_t count) {
+    constexpr std::size_t kFine = GainCurve::kFine;
+    Double4 fine[kFine / 4];
+    __builtin_memcpy(fine, curve.fine.data(), sizeof fine);
+    for (std::size_t i = 0; i < count;) {
+        const double step = base * curve.coarse[place / kFine];
+        std::size_t part = 0;
+        if (place % kFine == 0 && count - i >= kFine) {
+            for (; part < kFine; part += 4) {
+                const Float4 g = __builtin_convertvector(step * fine[part / 4], Float4);
+                __builtin_memcpy(out + i + part, &g, sizeof g);
+            }
+        } else {
+            for (; part < count - i && (part == 0 || (place + part) % kFine != 0); ++part)
+                out[i + part] = static_cast<float>(step * curve.fine[(place + part) % kFine]);
         }
-    for (; i < count; ++i) out[i] = static_cast<float>(base * powers[place++]);
+        i += part;
+        place += part;
+        if (place < GainCurve::kSpan) continue;
+        place = 0;
+        base *= curve.ratio;
+    }
 }
 
 void scaled(float* out, const float* in, std::size_t count, float gain) {

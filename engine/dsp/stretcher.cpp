@@ -15,7 +15,8 @@ constexpr double kOverlapSeconds = 0.008;
 // Slow sound needs long sequences, or its tones flutter; fast sound needs short ones, or its beats are doubled.
 constexpr double kSlow = 0.5, kFast = 2;  ///< tempos between which the lengths change
 constexpr double kSlowSequence = 0.09, kFastSequence = 0.04, kSlowSearch = 0.02, kFastSearch = 0.015;
-constexpr double kBias = 0.01, kEdgeLoss = 0.25;  ///< towards the middle of the search, where nothing is alike
+constexpr double kBias = 0.01,
+                 kEdgeLoss = 0.25;  ///< towards the middle of the search, where nothing is alike
 
 std::size_t framesOf(double seconds, std::uint32_t rate) { return static_cast<std::size_t>(seconds * rate); }
 std::size_t eights(std::size_t frames) { return std::max<std::size_t>(1, frames / kLaneCount) * kLaneCount; }
@@ -108,8 +109,7 @@ void Stretcher::pass(std::size_t frames) {
 std::size_t Stretcher::make() {
     if (ready() > 0 || lacking() > 0) return 0;
     const std::size_t fade = begun_ ? overlap_ : 0, frames = sequence_ - (overlap_ - fade);
-    const float* const from =
-        held_.data() + first_ + (begun_ ? bestStart(windowStart()) : 0) * channels_;
+    const float* const from = held_.data() + first_ + (begun_ ? bestStart(windowStart()) : 0) * channels_;
     made_.assign(from, from + frames * channels_);
     taken_ = 0;
     for (std::size_t i = 0; i < fade; ++i) {

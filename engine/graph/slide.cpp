@@ -7,7 +7,7 @@ namespace zv::engine {
 
 float Slide::value() const {
     if (!active()) return target_;
-    if (logarithmic_) return static_cast<float>(base_ * powers_[at_ % kGrid]);
+    if (logarithmic_) return static_cast<float>(curve_.value(base_, at_ % kSpan));
     return static_cast<float>(from_ + step_ * static_cast<double>(at_));
 }
 
@@ -34,11 +34,16 @@ void Slide::start(float target, std::uint64_t frames, bool logarithmic, bool sto
     constexpr double floorRatio = 0.001;  // 60 dB
     from_ = std::max(now, target * floorRatio);
     const double to = std::max(static_cast<double>(target), from_ * floorRatio);
-    // From one point of the grid to the next by one multiplication, whatever the blocks: the same for all of their sizes.
+    // From one span to the next by one multiplication, whatever the blocks: the same for all of their sizes.
     const double ofFrame = std::log(to / from_) / count;
+    const auto power = [ofFrame](std::size_t frame) {
+        return std::exp(ofFrame * static_cast<double>(frame));
+    };
+    constexpr std::size_t kFine = dsp::GainCurve::kFine;
     base_ = from_;
-    ratio_ = std::exp(ofFrame * static_cast<double>(kGrid));
-    for (std::size_t i = 0; i < kGrid; ++i) powers_[i] = std::exp(ofFrame * static_cast<double>(i));
+    curve_.ratio = power(kSpan);
+    for (std::size_t i = 0; i < kFine; ++i) curve_.fine[i] = power(i);
+    for (std::size_t i = 0; i < curve_.coarse.size(); ++i) curve_.coarse[i] = power(i * kFine);
 }
 
 bool Slide::advance(std::uint64_t frames) {
@@ -46,14 +51,14 @@ bool Slide::advance(std::uint64_t frames) {
     const std::uint64_t before = at_;
     at_ += std::min(frames, left());
     if (logarithmic_)
-        for (std::uint64_t point = before / kGrid; point < at_ / kGrid; ++point) base_ *= ratio_;
+        for (std::uint64_t span = before / kSpan; span < at_ / kSpan; ++span) base_ *= curve_.ratio;
     if (at_ < length_) return false;
     length_ = at_ = 0;
     return true;
 }
 
 void Slide::gains(float* out, std::size_t frames) const {
-    dsp::curveGains(out, powers_.data(), at_ % kGrid, frames, base_, ratio_);
+    dsp::curveGains(out, curve_, base_, at_ % kSpan, frames);
 }
 
 void Slide::mix(float* out, const float* in, std::size_t frames) const {

@@ -45,16 +45,15 @@ class Slide {
     void scale(float* stereo, std::size_t frames);
 
   private:
-    static constexpr std::size_t kGrid = dsp::kCurveGrid;
+    static constexpr std::size_t kSpan = dsp::GainCurve::kSpan;
     static constexpr std::size_t kMost = 256;
 
     float target_ = 1;
     bool logarithmic_ = false, stop_ = false;
     std::uint64_t at_ = 0, length_ = 0;
     double from_ = 1, step_ = 0;  // linear: what a frame adds
-    // Of a logarithmic one: the gain at the last multiple of kGrid, the ratio from one to the next, and its powers between.
-    double base_ = 1, ratio_ = 1;
-    std::array<double, kGrid> powers_;
+    double base_ = 1;             // logarithmic: the gain at the last multiple of kSpan
+    dsp::GainCurve curve_;
 };
 
 }  // namespace zv::engine

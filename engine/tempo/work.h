@@ -16,12 +16,9 @@ namespace zv::engine {
 
 class TempoWork {
   public:
-    TempoWork(std::uint32_t rate, std::uint32_t channels, FrameReader& reader, const TempoWishes& wishes, TempoMeeting& meeting)
-        : rate_(rate),
-          channels_(channels),
-          reader_(reader),
-          wishes_(wishes),
-          meeting_(meeting) {}
+    TempoWork(std::uint32_t rate, std::uint32_t channels, FrameReader& reader, const TempoWishes& wishes,
+              TempoMeeting& meeting)
+        : rate_(rate), channels_(channels), reader_(reader), wishes_(wishes), meeting_(meeting) {}
 
     /// See TempoProcessor::prime. [control]
     void prime(std::uint64_t frame);

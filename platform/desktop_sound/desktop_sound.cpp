@@ -12,7 +12,6 @@
 #include "platform/pulse/pulse_devices.h"
 #include "platform/rtaudio/rtaudio_devices.h"
 #include "platform/sound.h"
-#include "platform/soundtouch/soundtouch_stretcher.h"
 
 namespace zv {
 namespace {
@@ -54,7 +53,7 @@ std::shared_ptr<engine::DeviceSource> desktopDevices(std::string_view system) {
 
 engine::EnginePorts soundPorts(std::string_view system) {
     soundDecoders = makeFileDecoders();
-    return {soundDecoders, soundTouchStretchers(), desktopDevices(system)};
+    return {soundDecoders, desktopDevices(system)};
 }
 
 bool soundOutputsThere() {

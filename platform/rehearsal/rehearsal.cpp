@@ -21,7 +21,6 @@
 #include "platform/rehearsal/wav_file.h"
 #include "platform/rehearsal/web.h"
 #include "platform/sound.h"
-#include "platform/soundtouch/soundtouch_stretcher.h"
 
 namespace zv {
 namespace {
@@ -128,7 +127,7 @@ bool writeState(const RehearsalOptions& options, const RehearsedProgram& program
 
 engine::EnginePorts soundPorts(std::string_view) {
     soundDecoders = makeRehearsedDecoders();
-    return {soundDecoders, soundTouchStretchers(), Stage::instance().devices};
+    return {soundDecoders, Stage::instance().devices};
 }
 
 bool soundOutputsThere() { return !Stage::instance().devices->outputs().empty(); }

@@ -5,6 +5,7 @@
 #include "engine/dsp/peak_eq.h"
 #include "engine/dsp/resampler.h"
 #include "engine/dsp/reverb.h"
+#include "engine/dsp/stretcher.h"
 #include "tests/engine/dsp_signals.h"
 
 namespace zv::engine::dsp {
@@ -56,8 +57,10 @@ TEST_F(WidePath, GivesTheSameBitsAsThePlainOne) {
                                  {a.data() + 3, 1, {0.2, 1e-5, 1}}};
         mixStereo(out.data(), set, frames - 3), keep();
         mixMono(out.data(), set, frames), keep();
-        const std::vector<double> powers(a.begin(), a.end());
-        curveGains(out.data(), powers.data(), frames % kCurveGrid, frames, 0.77, 1.01), keep();
+        GainCurve curve{{}, {}, 1.01};
+        std::copy_n(a.begin(), curve.fine.size(), curve.fine.begin());
+        std::copy_n(a.begin(), curve.coarse.size(), curve.coarse.begin());
+        curveGains(out.data(), curve, 0.77, 13, frames), keep();
         scaleStereo(out.data(), out.data(), frames, GainRamp{0.1, 1e-3 / 7, 3}), keep();
         scaleStereo(out.data(), out.data(), frames, gains.data()), keep();
         scale(out.data(), out.data(), 2 * frames, 1.7f), keep();
@@ -76,6 +79,9 @@ TEST_F(WidePath, GivesTheSameBitsAsThePlainOne) {
         std::vector<float> in(2 * rates.inputNeeded(frames));
         std::copy_n(a.begin(), std::min(in.size(), a.size()), in.begin());
         rates.process(in, out), keep();
+        Stretcher stretcher(2000, 2);
+        stretcher.put(a);
+        while (stretcher.make() > 0) stretcher.take(out), keep();
         LevelMeter meter(44100, 0.1);
         meter.feed(out.data(), frames, 0.9f);
         all.push_back(meter.peak(0.1).left);

@@ -1,7 +1,6 @@
 // What is heard at the edges: fades of other rates, tails, effects that come and go, streams that run dry, clocks
 // that step.
 
-#include "platform/soundtouch/soundtouch_stretcher.h"
 #include "tests/engine/show.h"
 
 namespace zv::engine::test {
@@ -93,7 +92,7 @@ struct Faucet final : Decoder, DecoderSource {
 
 TEST_F(Heard, AStreamThatRanDryFillsUpFirstAndFadesOutMeanwhile) {
     const auto web = std::make_shared<Faucet>();
-    engineControl()->install({web, nullptr, devices});
+    engineControl()->install({web, devices});
     const Topology studio;
     const DWORD live = BASS_StreamCreateURL("x", 0, BASS_STREAM_DECODE, nullptr, nullptr);
     BASS_Mixer_StreamAddChannel(studio.mainMixer, live, 0);
@@ -121,7 +120,7 @@ TEST_F(Heard, AStreamThatRanDryFillsUpFirstAndFadesOutMeanwhile) {
 
 TEST_F(Heard, AStreamThatStallsNowAndThenHasNoGapOnceItHasBuffered) {
     const auto web = std::make_shared<Faucet>();
-    engineControl()->install({web, nullptr, devices});
+    engineControl()->install({web, devices});
     const Topology studio;
     BASS_Mixer_StreamAddChannel(studio.mainMixer,
                                 BASS_StreamCreateURL("x", 0, BASS_STREAM_DECODE, nullptr, nullptr), 0);
@@ -173,7 +172,7 @@ TEST_F(Heard, AReaderOfASplitThatLagsGoesOnWithThePresent) {
 }
 
 TEST_F(Heard, AStretchedPressIsStretchedFromItsFirstFrame) {
-    engineControl()->install({decoders, soundTouchStretchers(), devices});
+    engineControl()->install({decoders, devices});
     const Topology studio;
     const DWORD jingle = studio.jingle(file("sine"));
     BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO_PITCH, 12);  // 1 kHz becomes 2

@@ -9,7 +9,6 @@
 #include <limits>
 #include <thread>
 
-#include "platform/soundtouch/soundtouch_stretcher.h"
 #include "tests/engine/made_sounds.h"
 
 namespace zv::engine::test {
@@ -148,7 +147,7 @@ DWORD RandomOperations::any() {
 
 RandomOperations::RandomOperations(Bytes input, std::uint32_t period, bool compared)
     : input_(input), compared_(compared), devices_(makeOfflineDevices({.period = period})) {
-    engineControl()->install({sounds(), soundTouchStretchers(), devices_});
+    engineControl()->install({sounds(), devices_});
     BASS_SetConfig(BASS_CONFIG_GVOL_STREAM, 10'000);
     BASS_Init(1, 44'100, 0, nullptr, nullptr);
 }

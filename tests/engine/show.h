@@ -35,7 +35,7 @@ class Show : public testing::Test {
 
     void begin(OfflineOptions options) {
         devices = makeOfflineDevices(std::move(options));
-        engineControl()->install({decoders, nullptr, devices});
+        engineControl()->install({decoders, devices});
         decoders->sounds["ramp"] = {.length = 441000, .sample = ramp};
         decoders->sounds["sine"] = {.length = 441000, .sample = [](std::uint64_t f, std::uint32_t) {
                                         return sine(f, 1000, 44100, 0.5);

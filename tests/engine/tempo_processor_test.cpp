@@ -1,7 +1,6 @@
 // What a tempo channel plays: played by the engine itself on an offline output, one channel alone.
 
 #include "engine/tempo/curve.h"
-#include "platform/soundtouch/soundtouch_stretcher.h"
 #include "tests/engine/show.h"
 
 namespace zv::engine::test {
@@ -13,7 +12,7 @@ constexpr std::size_t kPiece = 256;  ///< frames from one look at the position t
 class TempoProcessor : public Show {
   protected:
     TempoProcessor() {
-        engineControl()->install({decoders, soundTouchStretchers(), devices});
+        engineControl()->install({decoders, devices});
         openMain();
     }
 

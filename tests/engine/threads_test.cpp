@@ -2,7 +2,6 @@
 #include <condition_variable>
 #include <mutex>
 
-#include "platform/soundtouch/soundtouch_stretcher.h"
 #include "tests/engine/random_operations.h"
 #include "tests/engine/show.h"
 
@@ -64,7 +63,7 @@ class ThreadedDevices final : public DeviceSource {
 class Threads : public Show {
   protected:
     Threads() {
-        engineControl()->install({decoders, soundTouchStretchers(), std::make_shared<ThreadedDevices>()});
+        engineControl()->install({decoders, std::make_shared<ThreadedDevices>()});
         decoders->sounds["long"] = {.length = 44100 * 180, .sample = [](std::uint64_t f, std::uint32_t) {
                                         return f % 100 < 50 ? 0.1F : -0.1F;
                                     }};
@@ -74,7 +73,7 @@ class Threads : public Show {
 TEST_F(Threads, TenThousandRandomOperations) {
     std::mt19937 random(3U + static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed()));
     for (int show = 0; show < 50; ++show) {
-        engineControl()->install({decoders, soundTouchStretchers(), std::make_shared<ThreadedDevices>()});
+        engineControl()->install({decoders, std::make_shared<ThreadedDevices>()});
         Topology studio;
         BASS_RecordInit(-1);
         const DWORD mic = BASS_FX_TempoCreate(BASS_RecordStart(48000, 2, 0, nullptr, nullptr),

@@ -305,7 +305,7 @@ TEST_P(FileKinds, SoundAsTheReferenceHasThem) {
     EXPECT_EQ(0, kind.ends == told ? lagOf(whole, tonesOf(kind), kind.channels, 64) : 0);
     if (kind.channels > 2) return;
     const auto devices = makeOfflineDevices({});
-    engine::engineControl()->install({decoders, nullptr, devices});
+    engine::engineControl()->install({decoders, devices});
     ASSERT_TRUE(BASS_Init(1, kind.rate, 0, nullptr, nullptr));
     expectLoop(kind, reference, *devices, length, 0, length);
     expectLoop(kind, reference, *devices, length, length - 1'500, length);

@@ -8,7 +8,6 @@
 #include "platform/jack/jack_devices.h"
 #include "platform/jack/jack_stream.h"
 #include "platform/offline/offline_devices.h"
-#include "platform/soundtouch/soundtouch_stretcher.h"
 #include "tests/sound/sound_server.h"
 
 namespace zv::test {
@@ -108,7 +107,7 @@ TEST_F(Jack, AToneIsHeardAtItsPitchAndAfterTheServerCameBackAtAnotherRate) {
     Process server = serve(48'000, 441);
     const auto devices = makeJackDevices();
     ASSERT_TRUE(listed(*devices));
-    engine::engineControl()->install({makeFileDecoders(), soundTouchStretchers(), devices});
+    engine::engineControl()->install({makeFileDecoders(), devices});
     ASSERT_TRUE(BASS_Init(1, rate, 0, nullptr, nullptr)) << BASS_ErrorGetCode();
     const DWORD play = BASS_StreamCreateFile(false, (folder_ / "tone.wav").c_str(), 0, 0, BASS_SAMPLE_LOOP);
     ASSERT_TRUE(BASS_ChannelPlay(play, false));

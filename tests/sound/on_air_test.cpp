@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include "platform/pulse/pulse_devices.h"
-#include "platform/soundtouch/soundtouch_stretcher.h"
 #include "tests/sound/sound_server.h"
 
 namespace zv::test {
@@ -18,7 +17,7 @@ class OnAir : public testing::Test {
     void SetUp() override {
         ASSERT_TRUE(server.answers()) << "pulseaudio does not start";
         engine::engineControl()->install(
-            {makeFileDecoders(), soundTouchStretchers(), makePulseDevices({.server = server.address()})});
+            {makeFileDecoders(), makePulseDevices({.server = server.address()})});
         BASS_SetConfig(BASS_CONFIG_DEV_NONSTOP, 1);
         ASSERT_TRUE(BASS_Init(0, rate, 0, nullptr, nullptr));
         mainMixer = BASS_Mixer_StreamCreate(rate, 2, mixing);

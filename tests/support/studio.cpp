@@ -16,7 +16,6 @@
 #include "platform/file_decoders/file_decoders.h"
 #include "platform/paths.h"
 #include "platform/rehearsal/virtual_clock.h"
-#include "platform/soundtouch/soundtouch_stretcher.h"
 #include "startup/errors.h"
 #include "startup/settings/devices_settings.h"
 #include "startup/settings/folders_settings.h"
@@ -113,7 +112,7 @@ std::shared_ptr<OfflineDevices> studioDevices;
 StudioTest::StudioTest(OfflineOptions given) : options(std::move(given)) {
     devices = makeOfflineDevices(options);
     soundDecoders = makeFileDecoders();
-    engine::engineControl()->install({soundDecoders, soundTouchStretchers(), devices});
+    engine::engineControl()->install({soundDecoders, devices});
     VirtualClock::instance().alignToPeriod();
     studioDevices = devices;
     VirtualClock::instance().drive(devices);
