@@ -275,6 +275,7 @@ TEST_F(SurfaceTest, WhileAWindowLearnsNothingPlays) {
     clMIDI("b_Jingle", 0);
     w.btClear.onClick();
     EXPECT_EQ(w.lblPressCode.caption(), kNoCode);
+    EXPECT_TRUE(w.lstMidiInDump.items().empty());
     w.btOK.onClick();
     EXPECT_FALSE(HasMIDIAssignment(0));
     EXPECT_TRUE(MIDIStore.GetValue("Jingle0", 0, "Pad").empty());
@@ -318,7 +319,7 @@ TEST_F(SurfaceTest, MessagesAreCopiedTestedAndKept) {
     EXPECT_EQ(MIDIStore.GetValue("OutJingle2", 0, "Pad"), "A0107F,A01002,A01003,");
     // Four equal messages: the surface is reset as well.
     clMIDI("b_Jingle", 2);
-    MIDILearn.rows.fill({"90", "01", "05"});
+    MIDILearn.rows.fill({"90", "1", "5"});  // still being typed
     sent();
     w.btOK.onClick();
     EXPECT_TRUE(MIDILearn.MIDILearnAllSame);

@@ -51,7 +51,9 @@ TEST(Rehearse, WithoutItsLibraryTheProgramSaysSoAndDoesNotStart) {
 
 TEST(Rehearse, WritesWhatAnyProgramReads) {
     Show show;
+    show.set("MixerFreq=48000\r\n");
     show.passes("at 3000 end\n");
+    constexpr std::size_t kRate = 48000;
     for (const char* file : {"main.wav", "aux.wav"}) {
         // Float, stereo, the rate, and sizes that fit the file.
         const std::string wav = show.result(file);
@@ -60,7 +62,7 @@ TEST(Rehearse, WritesWhatAnyProgramReads) {
             for (int i = 0; i < count; ++i) out += static_cast<char>(value >> (8 * i) & 0xFF);
             return out;
         };
-        const std::size_t frames = framesOf(3000);
+        const std::size_t frames = 3 * kRate;
         EXPECT_EQ(wav.size(), 58 + frames * 8);
         EXPECT_EQ(wav.substr(0, 58), "RIFF" + bytes(wav.size() - 8, 4) + "WAVEfmt " + bytes(18, 4) +
                                          bytes(3, 2) + bytes(2, 2) + bytes(kRate, 4) + bytes(kRate * 8, 4) +
