@@ -184,6 +184,14 @@ TEST_F(LearnTest, AControlIsTaughtByPressingIt) {
     text += learn("Vol", -1, "B00710", true);
     text += learn("Amix", -1, "B00710", true);
     expectApproved("midi/lessons.approved", text);
+    clMIDI("Vol", -1);
+    send("B00710 B00820");
+    EXPECT_EQ(frmMIDIFader().SlideFader.value(), 0x10);
+    LearnPickFader(1);
+    send("B00821 B00733");
+    EXPECT_EQ(frmMIDIFader().SlideFader.value(), 0x21);
+    AcceptLearn();
+    EXPECT_EQ(midiIn.MIDIVolCode, "B008");
     EXPECT_FALSE(frmMIDIButton().form.isOpen() || frmMIDIScroll().form.isOpen() ||
                  frmMIDIFader().form.isOpen());
 }
@@ -329,23 +337,6 @@ TEST_F(SurfaceTest, MessagesAreCopiedTestedAndKept) {
     MIDILearn.rows[0] = {"B1", "", "00"};
     frmMIDIReset().btOK.onClick();
     EXPECT_TRUE(MIDIStore.GetValue("OutReset", 0, "Pad").empty());
-}
-
-TEST_F(SurfaceTest, AFaderIsSeenAndItsCodeMayBeAnother) {
-    start({});
-    clMIDI("Vol", -1);
-    MidiFaderWindow& w = frmMIDIFader();
-    send("B00710 B00820");
-    EXPECT_EQ(w.SlideFader.value(), 0x10);
-    w.lstMidiInDump.listIndex = 1;
-    w.lstMidiInDump.onChange();
-    EXPECT_EQ(w.lblFaderCode.caption(), "B0 08");
-    w.ckReverse.value = 1;
-    w.ckReverse.onChange();
-    send("B00821 B00733");
-    EXPECT_EQ(w.SlideFader.value(), 127 - 0x21);
-    w.btOK.onClick();
-    EXPECT_EQ(section("Pad"), "MainVolume=B008,1");
 }
 
 TEST_F(SurfaceTest, AWheelShowsWhichDirectionIsMissing) {

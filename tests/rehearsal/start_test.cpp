@@ -96,20 +96,6 @@ TEST(Start, WithNonsenseInEveryKeyTheWindowWorks) {
     }
 }
 
-TEST(Start, APaletteFileOfRandomBytesOpensAsAnEmptyListAndIsLeftAlone) {
-    for (const unsigned seed : {1U, 2U, 3U}) {
-        Show show;
-        std::mt19937 chance(seed);
-        std::string bytes(20000, '\0');
-        for (char& c : bytes) c = static_cast<char>(chance());
-        show.write("palette.ini", bytes);
-        show.passes(
-            "at 0 expect lstPal.items \"\"\nat 0 press 0\nat 100 press 5\nat 200 expect J(0).Path \"\"\n"
-            "at 300 end\n");
-        EXPECT_EQ(show.contentsOf("palette.ini"), bytes) << seed;
-    }
-}
-
 /// Nothing can be written below it, not even by the superuser.
 class ReadOnly {
   public:
