@@ -98,38 +98,6 @@ class BadInput : public KeepingTest, public ::testing::WithParamInterface<Row> {
         text.replace(at, at == std::string::npos ? 0 : from.size(), to);
         write("palette.ini", text);
     }
-    /// A file of that name through all that an edit may do with it: "ok", or the first step that lost it.
-    std::string travel(const std::string& name) {
-        writeWav(path("stick/" + name), sine(2000, 440));
-        const auto holds = [&](int slot) {
-            return GetRelPath(rec(slot).Path) == GetRelPath(stick(name)) && rec(slot).hPlay != 0;
-        };
-        b_Jingle_OLEDragDrop(kFree, stick(name));
-        clMove(kFree, "copy"), clMove(97, "paste");
-        MoveSrcJ = -1;
-        save();
-        const std::string before = read("palette.ini");
-        pick("B"), pick("A");
-        if (!holds(kFree) || !holds(97)) return "saved and opened: " + rec(kFree).Path;
-        ListAllJing();
-        const std::string part = name.substr(0, name.size() - 4);
-        const auto hits = HitsIn("A", part);
-        if (PalettesWith(part) != std::vector<std::string>{"A"} || hits.size() != 1) return "found";
-        clMove(kFree, "cut");
-        pick("C");
-        clMove(7, "paste");
-        save();
-        if (!holds(7) || jingles("A") != "0:A0 1:A1 2:A2") return "moved";
-        pick("A");
-        pick("C");
-        clMove(7, "cut"), clMove(8, "paste");
-        desktop().answers = {BoxAnswer::yes};
-        DelJing(8, true);
-        if (fs::exists(stick(name))) return "deleted";
-        Undo(), Undo();
-        return holds(7) ? "ok" : "undone: " + rec(7).Path;
-    }
-
     using FolderTest::path;
     using FolderTest::read;
     using FolderTest::reports;
@@ -222,19 +190,6 @@ const Row kRows[] = {
          return with + " " + (there ? "the file stays " : "gone ") + t.slots();
      },
      "o.o..... the file stays ooo....."},
-    {"read-only: an import",
-     [](BadInput& t) {
-         folderSettings.ImportFiles = 1;
-         b_Jingle_OLEDragDrop(kFree, t.stick());
-         {
-             const ReadOnly folder(t.path("Audio_Sample"));
-             t.save();
-         }
-         return t.stored(t.stick());
-     },
-     "its own path"},
-    {"quotes and brackets", [](BadInput& t) { return t.travel("Say \"hi\" [live].wav"); }, "ok"},
-    {"signs of the file's own", [](BadInput& t) { return t.travel("; a=b # 100% %1 : c > d|e.wav"); }, "ok"},
     {"a line end",
      [](BadInput& t) {
          std::string left;
@@ -279,18 +234,6 @@ const Row kRows[] = {
          return t.jingles("A") + ", " + t.jingles("B") + ", " + t.jingles("C");
      },
      "0:C2 2:A2 1:A1, 0:B0 1:B1 2:B2, 9:A0 0:C0 1:C1 2:C2"},
-    {"a palette with a twin is deleted",
-     [](BadInput& t) {
-         t.write("palette.ini", t.read("palette.ini") + "[b]\r\n" + t.line("4", "C0"));
-         t.pick("B");
-         LastCtrl = "lstpal";
-         desktop().answers = {BoxAnswer::yes};
-         lstpaldel();
-         std::string list;
-         for (const std::string& name : frmMain().palettes.lstPal.items()) list += name + " ";
-         return list + "history " + t.history();
-     },
-     "A C history B 4; B 4; "},
 };
 
 /// The work of a search that is given up after so many reports.

@@ -22,6 +22,7 @@
 #include "ui/edit/history.h"
 #include "ui/edit/jingle_editor.h"
 #include "ui/edit/jingle_menu.h"
+#include "ui/edit/jingle_menu_table.h"
 #include "ui/edit/palette_load.h"
 #include "ui/edit/playlists.h"
 #include "ui/edit/positions_page.h"
@@ -29,6 +30,7 @@
 #include "ui/edit/search.h"
 #include "ui/edit/selection.h"
 #include "ui/edit/undo.h"
+#include "ui/press/press.h"
 #include "ui/records/timers.h"
 #include "ui/settings/bound_controls.h"
 #include "ui/settings/mixer_controls.h"
@@ -199,6 +201,42 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         frmMain().window.onClose = {}, desktop().quitAsked = false;
     });
 
+    text += "== playlists\n";
+    const auto edited = [](std::initializer_list<const char*> lines) {
+        if (frmPlaylistSelector().form.isOpen()) frmPlaylistSelector().btNew.onClick();
+        frmPlaylist().txtPL.caption = std::string("Mine");
+        frmPlaylist().lstPlaylist.items = std::vector<std::string>(lines.begin(), lines.end());
+        frmPlaylist().btOK.onClick();
+    };
+    act("a new one", [&] { clPlaylist(7), edited({"0 (A0 > A)", "1 (B1 > B)"}), ErrClick(); });
+    act("a new one of nothing", [&] { clPlaylist(7), edited({}); });
+    act("emptied", [&] { clPlaylist(5), edited({}), note("before it is taken back"), Undo(); });
+    act("a new one on a jingle",
+        [&] { clPlaylist(96), edited({"1 (B1 > B)"}), note("before it is taken back"), Undo(); });
+    act(
+        "without a name",
+        [this] {
+            clPlaylist(5), frmPlaylist().txtPL.caption = std::string(" "), frmPlaylist().btOK.onClick();
+            pass(200);
+            if (frmPlaylist().txtPL.backColor == kNoColour) ADD_FAILURE() << "it does not ask for the name";
+        },
+        1500);
+    act("a jingle found", [&] {
+        clPlaylist(5), frmPlaylist().btAdd.onClick();
+        frmSearchJing().txtJSearch.caption = std::string("b1"), frmSearchJing().txtJSearch.onChange(),
+        pass(300);
+        frmSearchJing().lstJingRes.listIndex = 0, frmSearchJing().btKbGo.onClick();
+    });
+    act("on a button that sounds",
+        [&] { press(96), release(96), clPlaylist(96), edited({"1 (B1 > B)"}), evStop(); });
+    act("damaged", [&] {
+        write("playlist.ini", "[AAAAAA]\r\nName=One\r\nList=:x>A:0>A:200>B:7\r\n[BBBBBB]\r\nList=0>B\r\n");
+        LoadLockedFiles();
+    });
+    act("switched off", [&] { PlaylistsEnabled = false, OpenFile("A"), pass(500); });
+    PlaylistsEnabled = true;
+    act("delete on a locked jingle", [] { LastCtrl = "b_Jingle", LastPlayedJ = 0, DeleteObj(); });
+
     text += "== the rest\n";
     act("a new palette saved", [&] {
         btNewTog(), b_Jingle_OLEDragDrop(7, path("Audio_Sample/B0.wav").string()), ErrClick();
@@ -262,7 +300,6 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         deviceSettings.DeviceSingle = 0;
     });
     act("a question over a question", [&] {
-        frmMain().window.visible = true;
         QuestionWindow& q = frmQuestion();
         int asked = 0;
         desktop().whileWaiting = [&] {
@@ -272,9 +309,62 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         };
         askOnCard({"First?", "", BoxKind::question, BoxButtons::okCancel, {}}, {});
         desktop().whileWaiting = {};
-        frmMain().window.visible = false;
     });
     expectApproved("ui/commands.txt", lined());
+}
+
+/// The menu of a button for each state, with each other fact alone.
+TEST(JingleMenu, OffersWhatWasApproved) {
+    const std::pair<const char*, std::function<void(MenuFacts&)>> facts[] = {
+        {"", [](MenuFacts&) {}},
+        {"carrying", [](MenuFacts& f) { f.carrying = true; }},
+        {"no folder", [](MenuFacts& f) { f.sampleFolder = false; }},
+        {"sequence", [](MenuFacts& f) { f.seq = true; }},
+        {"loop", [](MenuFacts& f) { f.loop = true; }},
+        {"play/stop", [](MenuFacts& f) { f.playMode = PlayMode::playStop; }},
+        {"effects", [](MenuFacts& f) { f.effects = true; }},
+        {"locked", [](MenuFacts& f) { f.locked = f.carrying = true; }},
+        {"playlist", [](MenuFacts& f) { f.kind = SlotKind::playlist, f.carrying = true; }},
+        {"playlists on", [](MenuFacts& f) { f.playlistsEnabled = true; }},
+        {"on, sequence", [](MenuFacts& f) { f.playlistsEnabled = f.seq = true; }},
+        {"on, playlist", [](MenuFacts& f) { f.playlistsEnabled = true, f.kind = SlotKind::playlist; }},
+        {"on, nothing", [](MenuFacts& f) { f.playlistsEnabled = true, f.kind = SlotKind::nothing; }},
+        {"surface", [](MenuFacts& f) { f.midiOffered = f.midiAssigned = true; }},
+        {"boxes", [](MenuFacts& f) { f.boxes = f.midiOffered = f.playlistsEnabled = f.locked = true; }},
+        {"boxes, a playlist ticked", [](MenuFacts& f) { f.boxes = f.playlistTicked = true; }}};
+    const std::pair<const char*, MenuFacts> states[] = {
+        {"empty", {.state = ButtonState::empty}},
+        {"lost", {.state = ButtonState::missing}},
+        {"unplayable", {.state = ButtonState::missing, .unplayable = true}},
+        {"filled", {.state = ButtonState::filled, .kind = SlotKind::stream}},
+        {"playing", {.state = ButtonState::playing, .kind = SlotKind::stream}}};
+    std::string text;
+    const auto add = [&](const std::string& what, const std::vector<MenuEntry>& menu) {
+        text += what + ":";
+        for (const MenuEntry& entry : menu)
+            text += entry.name == "-" ? " -"
+                                      : " " + entry.name.substr(3) +
+                                            (entry.key == "m" + entry.name ? "" : "'" + entry.key) +
+                                            (entry.enabled ? "" : "!") + (entry.ticked ? "*" : "");
+        text += "\n";
+    };
+    for (const auto& [state, base] : states) {
+        std::string plain;
+        for (const auto& [what, set] : facts) {
+            MenuFacts all = base;
+            all.sampleFolder = true;
+            set(all);
+            const std::string before = std::exchange(text, {});
+            add("", JingleMenuEntries(all));
+            const std::string menu = std::exchange(text, before);
+            if (*what == 0) plain = menu;
+            if (*what == 0 || menu != plain)
+                text += std::string(state) + (*what == 0 ? "" : ", ") + what + menu;
+        }
+    }
+    for (const bool playlist : {false, true})
+        add(playlist ? "several, a playlist" : "several", SelectionMenuEntries(playlist));
+    expectApproved("ui/menus.txt", text);
 }
 
 /// A control of each kind tied to a setting: shown, taken, written where that is at once, greyed, brought back.

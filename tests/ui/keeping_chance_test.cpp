@@ -144,8 +144,8 @@ class KeepingByChance : public KeepingTest {
     void renameSound(int index) {
         if (!belief.work.contains(index) || index == 40) return;
         const std::string old = nameOf(belief.work[index]["Path"]);
-        const std::string to =
-            one(std::vector<std::string>{LowerCase(old), "N" + std::to_string(any(3)), "A0", "B1"});
+        const std::string to = one(std::vector<std::string>{LowerCase(old), "N" + std::to_string(any(3)),
+                                                            "A0", "B1", "]q' & [r]; a=b # 100% c, d_7"});
         const bool taken =
             std::ranges::any_of(files, [&](const auto& f) { return f != old && SameText(f, to); });
         clRename(index);

@@ -101,7 +101,6 @@ class WindowsTest : public ApprovedTest {
     /// Questions on their card, and what each answer is.
     void questions() {
         begin();
-        frmMain().window.visible = true;
         const BoxWords words{"Do it", "Leave it", "Fine", "Cancel"};
         for (const auto& [kind, buttons, destroys] : {std::tuple{BoxKind::question, BoxButtons::yesNo, true},
                                                       {BoxKind::question, BoxButtons::yesNo, false},
@@ -128,7 +127,6 @@ class WindowsTest : public ApprovedTest {
             text += "  answers" + answers + "\n";
         }
         desktop().whileWaiting = {};
-        frmMain().window.visible = false;
     }
 };
 
