@@ -224,30 +224,6 @@ TEST_F(LearnTest, ATestedMessageGivesWayToWhatTheControlShows) {
         "A00503; A00701 A00701; A00801 A00801; ");
 }
 
-TEST_F(LearnTest, ByChanceNoTwoControlsShareACode) {
-    start({});
-    std::mt19937 chance(5);
-    const char* const buttons[] = {"btUp",      "btDn",    "btStop",    "ckAutoRep", "ckTouch",
-                                   "ckAutoMix", "btMicTO", "btMicPush", "lstPal"};
-    for (int i = 0; i < 150; ++i) {
-        const std::string note = HexByte(static_cast<int>(chance() % 6));
-        if (const auto which = chance() % 4; which == 0)
-            learn(chance() % 2 == 0 ? "Vol" : "Amix", -1, "B0" + note + "10", chance() % 2 == 0);
-        else if (which == 1)
-            learn(buttons[chance() % std::size(buttons)], -1, "90" + note + "64 90" + note + "00");
-        else
-            learn("b_Jingle", static_cast<int>(chance() % 2 == 0 ? chance() % 4 : 96 + chance() % 4),
-                  "90" + note + "64 90" + note + "00");
-        std::map<std::string, std::string> owners;
-        for (const auto& [key, value] : taught()) {
-            const bool jingle = key.starts_with("Jingle");
-            const std::string code = jingle ? value.substr(0, value.rfind(',')) : value;
-            EXPECT_TRUE(owners.emplace(code, key).second)
-                << key << " and " << owners[code] << " have " << code;
-        }
-    }
-}
-
 TEST_F(SurfaceTest, WhileAWindowLearnsNothingPlays) {
     load(0, 1000);
     start({"Jingle0=9010,901000,255", "OutJingle0=A01001,A01002,A01003,A01004"});

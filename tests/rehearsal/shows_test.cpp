@@ -42,6 +42,25 @@ std::string linesWith(const std::string& text, const std::string& words, bool wi
     return out;
 }
 
+/// The lines that are new in `now`, each with "+" and the section that it stands in, and those that are gone.
+std::string changedLines(const std::string& before, const std::string& now) {
+    const auto linesOf = [](const std::string& text) {
+        std::vector<std::string> all;
+        std::istringstream lines(text);
+        std::string section;
+        for (std::string line; std::getline(lines, line);)
+            line.starts_with('[')          ? section = line.substr(0, line.find(']') + 1),
+                                    void() : all.push_back(section + line);
+        return all;
+    };
+    std::string text;
+    const std::vector<std::string> is = linesOf(now), was = linesOf(before);
+    for (const auto& [sign, these, those] : {std::tuple("+", &is, &was), {"-", &was, &is}})
+        for (const std::string& line : *these)
+            if (std::ranges::find(*those, line) == those->end()) text += sign + line + "\n";
+    return text;
+}
+
 class Shows : public testing::TestWithParam<std::string> {
   protected:
     /// Does what a line behind "#:" says.
@@ -84,7 +103,7 @@ class Shows : public testing::TestWithParam<std::string> {
             if (name.starts_with("Audio_Sample"))
                 sounds += "new: " + name + "\n";
             else
-                text += section(name, bytes);
+                text += section(name, old == before.end() ? bytes : changedLines(old->second, bytes));
         }
         for (const auto& [name, bytes] : before)
             if (!fs::exists(show.home() / name)) sounds += "gone: " + name + "\n";

@@ -189,19 +189,6 @@ TEST_F(Files, ChoosesAndSeedsTheProgramFolder) {
     fs::current_path(cwd);
 }
 
-TEST_F(Files, SecondProgramIsNoticed) {
-    InstanceLock lock, second;
-    EXPECT_EQ(lock.acquire(programFolder()), InstanceLock::Result::alone);
-    EXPECT_EQ(lock.acquire(programFolder()), InstanceLock::Result::alone);
-    EXPECT_EQ(second.acquire(programFolder()), InstanceLock::Result::shared);
-    EXPECT_EQ(second.other(), "process " + std::to_string(processNumber()) + " since 2026-01-31 14:05:09");
-    EXPECT_FALSE(second.held());
-    lock.release();
-    EXPECT_EQ(second.acquire(programFolder()), InstanceLock::Result::alone);
-    EXPECT_EQ(second.other(), "");
-    EXPECT_EQ(InstanceLock().acquire(programFolder() + "/nowhere/at/all"), InstanceLock::Result::unknown);
-}
-
 TEST_F(Files, TraceAndProgress) {
     int bar = 0;
     startupUpcalls.splashBar = [&](int width) { bar = width; };

@@ -98,15 +98,6 @@ TEST_F(Impulse, SeesWhatOthersWrite) {
     EXPECT_EQ(read("test.ini"), "[S]\r\nk=new\r\n");
 }
 
-TEST_F(Impulse, SwitchesToAnotherFile) {
-    write("a.ini", "[S]\nk=a\n");
-    write("b.ini", "[S]\nk=b\n");
-    store.SetIniPath((folder / "A.INI").string());  // as a file from a case-blind disk is called
-    EXPECT_EQ(store.GetValue("k"), "a");
-    store.SetIniPath("b.ini");  // relative to the program folder
-    EXPECT_EQ(store.GetValue("k"), "b");
-}
-
 TEST_F(Impulse, ListsAsManyNamesAsItsLimitHolds) {
     std::string text;
     for (int i = 0; i < 1000; ++i) text += "[" + std::string(37, 'x') + std::to_string(1000 + i) + "]\n";
@@ -122,23 +113,6 @@ TEST_F(Impulse, ListsAsManyNamesAsItsLimitHolds) {
     write("test.ini", text + "[654321]\n");
     store.ListSections();
     EXPECT_EQ(store.SectionCount(), 780);
-}
-
-TEST_F(Impulse, LeavesAFileAloneThatItCannotReadOrWrite) {
-    write("test.ini", "[S]\nk=v\n");
-    fs::permissions(path("test.ini"), fs::perms::owner_read);
-    store.PutValue("k", "w");
-    EXPECT_FALSE(store.PutSection("T", {{"a", "1"}}));
-    EXPECT_EQ(read("test.ini"), "[S]\nk=v\n");
-    EXPECT_EQ(store.GetValue("k"), "v");
-    fs::create_directory(path("folder.ini"));
-    store.SetIniPath((folder / "folder.ini").string());
-    EXPECT_FALSE(store.PutSection("T", {{"a", "1"}}));
-    store.SetIniPath((folder / "nowhere" / "x.ini").string());
-    EXPECT_FALSE(store.PutSection("T", {{"a", "1"}}));
-    store.SetIniPath("Z:\\palette.ini");  // a drive that is not there
-    EXPECT_FALSE(store.PutSection("T", {{"a", "1"}}));
-    EXPECT_FALSE(there("Z:\\palette.ini"));
 }
 
 }  // namespace

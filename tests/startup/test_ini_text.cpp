@@ -291,30 +291,5 @@ TEST(IniText, ValuesRewrittenAtOnceAreThoseOfManyPuts) {
     }
 }
 
-TEST(IniText, RandomBytesDoNoHarm) {
-    std::mt19937 random(7);
-    for (int round = 0; round < 3000; ++round) {
-        std::string start;
-        for (auto i = random() % 200; i > 0; --i)
-            start +=
-                static_cast<char>(random() % 3 == 0 ? "[]=\n;"[random() % 5] : static_cast<char>(random()));
-        IniText text(start);
-        for (const std::string& name : text.sectionNames()) {
-            for (const auto& [key, value] : text.lines(name)) {
-                ASSERT_TRUE(validUtf8(name) && validUtf8(key) && validUtf8(value));
-                ASSERT_EQ(text.value(name, key), value);
-            }
-        }
-        const std::string value = random() % 2 == 0 ? "\xC3\xA9t\xC3\xA9" : "\xE6\x97\xA5";
-        text.put("Palette \xC3\x89", "Path_1", value);
-        ASSERT_EQ(text.value("palette \xC3\xA9", "path_1"), value);
-        ASSERT_EQ(IniText(text.bytes()).value("palette \xC3\xA9", "path_1"), value);
-        text.replaceSection("palette \xC3\xA9", {{"Path_2", value}});
-        ASSERT_EQ(text.value("palette \xC3\xA9", "path_1"), std::nullopt);
-        text.eraseSection("palette \xC3\xA9");
-        ASSERT_TRUE(text.lines("palette \xC3\xA9").empty());
-    }
-}
-
 }  // namespace
 }  // namespace zv

@@ -321,14 +321,5 @@ TEST_F(SettingsFile, BeforeTheRest) {
     EXPECT_EQ(read("zv.ini"), "[Settings]\r\nMonitor=0\r\nErrorLog=0\r\n");
 }
 
-TEST_F(SettingsFile, CheckSectionFallsBackToTheFirstPalette) {
-    std::vector<std::string> names{"Evening", "Morning"};
-    startupUpcalls.paletteNames = [&] { return names; };
-    EXPECT_EQ(CheckSection("MORNING"), "Morning");
-    EXPECT_EQ(CheckSection("Gone"), "Evening");
-    names.clear();
-    EXPECT_EQ(CheckSection("Morning"), "");
-}
-
 }  // namespace
 }  // namespace zv::test

@@ -18,15 +18,5 @@ TEST_F(PosixPaths, RewritingKeepsLinksAndPermissions) {
     EXPECT_EQ(fs::status(path("real.ini")).permissions(), fs::perms(0640));
 }
 
-TEST_F(PosixPaths, BlindToCaseAndBackslash) {
-    write("Audio_Sample/Jingle.wav", "");
-    write("with\\backslash.wav", "");
-    const std::string here = programFolder();
-    EXPECT_EQ(nativePath("\\audio_sample\\JINGLE.WAV"), path("Audio_Sample/Jingle.wav"));
-    EXPECT_EQ(nativePath("audio_sample\\new.wav"), path("Audio_Sample/new.wav"));
-    EXPECT_EQ(nativePath(here + "\\Audio_Sample\\Jingle.wav"), path("Audio_Sample/Jingle.wav"));
-    EXPECT_EQ(nativePath(here + "/with\\backslash.wav"), here + "/with\\backslash.wav");
-}
-
 }  // namespace
 }  // namespace zv::test
