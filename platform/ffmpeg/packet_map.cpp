@@ -297,27 +297,16 @@ bool PacketMap::takeStamps(const Pass& pass, MediaInput& input) {
     }
     origin_ = toFrames(pass.soundStamp) + pass.skip;
     takeBlocks(input, packets.front().byte);
-    if (blocks_.bytes == 0 && !stampsHoldAfterSeek(pass, input)) return false;
-    exactStamps_ = true;
+    // Codecs for which an Ogg file is read by the library: entered at a page, it takes the first packet for a later one.
     const bool ogg = std::string_view(input.container().name) == "ogg";
-    if (ogg) keepOffLastPage(pass);
+    onlyFromStart_ = ogg;
+    if (!ogg && blocks_.bytes == 0 && !stampsHoldAfterSeek(pass, input)) return false;
+    exactStamps_ = true;
     // Ogg's last stamp is already where the sound ends.
     const std::uint32_t discard = ogg ? 0 : pass.discard;
     const std::int64_t end = toFrames(packets.back().stamp + packets.back().duration);
     length_ = static_cast<std::uint64_t>(std::max<std::int64_t>(0, end - discard - origin_));
     return true;
-}
-
-/// Entered at its last page, an Ogg file gets stamps that are off by what is cut at its end.
-void PacketMap::keepOffLastPage(const Pass& pass) {
-    const auto& packets = pass.packets;
-    std::size_t first = packets.size() - 1;
-    for (int pages = 0; pages < 2 && first > 0; ++pages) {
-        const std::int64_t page = packets[first].byte;
-        while (first > 0 && packets[first - 1].byte == page) --first;
-        if (pages == 0 && first > 0) --first;
-    }
-    lastEntry_ = toFrames(packets[first].stamp) - origin_;
 }
 
 /// A WAV of compressed blocks: after a seek its stamps are estimates, but its blocks are where they are.
@@ -461,9 +450,10 @@ std::optional<std::int64_t> PacketMap::frameOf(std::int64_t stamp) const {
 }
 
 bool PacketMap::enter(MediaInput& input, std::int64_t frame) const {
+    if (onlyFromStart_) return false;
     if (blocks_.bytes > 0) return input.seekByte(blocks_.start + frame / blocks_.frames * blocks_.bytes);
     if (search_ == Search::place) return input.seekByte(marks_[markOf(frame)].byte);
-    return input.seek(stampOf(std::min(frame, lastEntry_)));
+    return input.seek(stampOf(frame));
 }
 
 bool PacketMap::enterStart(MediaInput& input) const {

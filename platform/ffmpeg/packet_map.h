@@ -7,7 +7,6 @@
 #pragma once
 
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <vector>
 
@@ -23,7 +22,7 @@ class PacketMap {
 
     /// Exact frames of the decoded sound.
     std::uint64_t length() const { return length_; }
-    /// Goes to the packet that holds `frame`, or to one before it.
+    /// Goes to the packet that holds `frame`, or to one before it. False where only the start can be entered.
     bool enter(MediaInput& input, std::int64_t frame) const;
     /// Goes to the first packet with a codec as new, and reads it. False where it is not found.
     bool enterStart(MediaInput& input) const;
@@ -79,7 +78,6 @@ class PacketMap {
     void takeBlocks(const MediaInput& input, std::int64_t firstByte);
     std::int64_t stampOf(std::int64_t frame) const;
     std::size_t markOf(std::int64_t frame) const;
-    void keepOffLastPage(const Pass& pass);
     void capAtDurations(const Pass& pass, std::int64_t constant);
     bool measureTail(MediaInput& input, std::int64_t stamp, std::uint32_t discard);
     void chooseSearch(const MediaInput& input);
@@ -91,8 +89,7 @@ class PacketMap {
     std::int64_t framesPerTick_ = 1, ticksPerFrame_ = 1;
     std::int64_t origin_ = 0;  ///< frame 0 in frames of the stamps' own count
     std::int64_t firstStamp_ = 0;
-    std::int64_t lastEntry_ =
-        std::numeric_limits<std::int64_t>::max();  ///< frame beyond which nothing is sought
+    bool onlyFromStart_ = false;  ///< stamps after a seek are wrong
     std::uint64_t length_ = 0;
     Blocks blocks_;
     std::vector<Mark> marks_;  ///< of each packet, where stamps are not exact
