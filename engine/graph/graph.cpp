@@ -88,14 +88,14 @@ void Graph::renderBlock(std::uint32_t frames) {
 /// A bus may go on without a source: its reverb, a conversion. Only what came out tells.
 void Graph::countSilence(std::uint32_t frames) {
     if (!mayRest_) return;
-    bool silent = playback_.sounding() == 0 && syncs_.onBuses() == 0 && !slides_.running();
-    for (const Output& output : outputs_) {
-        if (!silent) break;
-        if (!output.played) continue;
-        silent = !output.gain.active() &&
-                 std::all_of(output.bus.begin(), output.bus.begin() + std::ptrdiff_t{2} * frames,
-                             [](float sample) { return std::abs(sample) < kInaudible; });
-    }
+    const bool silent =
+        playback_.sounding() == 0 && syncs_.onBuses() == 0 && !slides_.running() &&
+        std::ranges::all_of(outputs_, [&](const Output& output) {
+            return !output.played ||
+                   (!output.gain.active() &&
+                    std::all_of(output.bus.begin(), output.bus.begin() + std::ptrdiff_t{2} * frames,
+                                [](float sample) { return std::abs(sample) < kInaudible; }));
+        });
     silentFrames_ = silent ? silentFrames_ + frames : 0;
     quiet_.store(silentFrames_ >= std::uint64_t{kRestAfterSeconds} * rate(), std::memory_order_release);
 }

@@ -37,7 +37,6 @@ void Slides::forget(Channel& channel) {
         *at = channel.audio.nextSlide;
         break;
     }
-    channel.audio.inSlides = false;
 }
 
 void Slides::volume(const Command& command) {
