@@ -223,8 +223,8 @@ class Model {
     void readAhead(std::uint64_t frames) {
         const std::uint64_t unheard = (scaled() + kModelRate - 1) / kModelRate;
         if (unheard < taken.size()) {
-            next = taken[unheard].place;
             const bool inIt = unheard > 0 && taken[unheard - 1].tail;
+            next = unheard == 0 ? taken[0].place : inIt ? last() : taken[unheard - 1].place + 1;
             if (!inIt) inTail = false;
             if (inIt) tailLeft += taken.size() - unheard;
             taken.resize(unheard);

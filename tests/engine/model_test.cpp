@@ -115,7 +115,7 @@ class Stage {
         if (act.kind == Kind::Range) {
             act.a = below(6000);
             act.b = act.b == 0 ? kNone : act.a + 700 + below(3000);
-            if (v.converted() && v.heard + 100 > std::min(v.last(), act.b)) return;
+            if (v.converted() && v.heard + 100 > std::min(kLength, act.b)) return;
         }
         if (act.kind == Kind::Tail) act.value /= 4;
         if (act.kind == Kind::Reverb) act.value = act.b == 0 ? -96 : -6;
@@ -128,6 +128,25 @@ class Stage {
         const bool again = (act.kind == Kind::Voldsp || act.kind == Kind::Gain) && v.converted();
         if (again) perform({clock, Kind::Move, act.voice, 0, below(kLength)});
         if (again || (act.kind == Kind::Move && below(3) != 0)) perform({clock, Kind::Play, act.voice});
+    }
+    /// Frames up to the next look: often to shortly before a converted jingle comes to its end, which is then moved.
+    std::uint64_t untilNextLook() {
+        near = nullptr;
+        for (const auto& v : voices) {
+            const std::uint64_t left = (v->last() - std::min(v->last(), v->heard)) * kModelRate / v->rate();
+            if (!v->converted() || !v->playing || left < 50 || left > 1700 || random() % 3 == 0) continue;
+            near = v.get();
+            return left - random() % 45;
+        }
+        return 1 + random() % 1700;
+    }
+    void moveTheEnd() {
+        if (!near || !near->playing) return;
+        const auto voice = static_cast<std::size_t>(near->seed);
+        const bool later = random() % 3 == 0;
+        if (later)
+            perform({clock, Kind::Range, voice, 1, random() % 2000, near->last() < 5000 ? 7000 : kNone});
+        if (!later) perform({clock, Kind::Loop, voice, 1, 0, near->loop ? 0U : 1U});
     }
     void render(std::uint64_t frames) {
         const auto from = static_cast<std::ptrdiff_t>(scene.aux.size());
@@ -149,9 +168,10 @@ class Stage {
     std::uint64_t clock = 0;
     Fade master;
     Scene scene;
+    const Model* near = nullptr;
 };
 
-class AgainstTheModel : public Show, public testing::WithParamInterface<std::uint32_t> {
+class AgainstTheModel : public Show {
   protected:
     struct Jingle {
         DWORD source = 0, play = 0, frameBytes = 0;
@@ -214,12 +234,44 @@ class AgainstTheModel : public Show, public testing::WithParamInterface<std::uin
             engineControl()->slideAtSync(j.play, j.syncs[act.a], -1, kTimedMs, false);
         if (act.kind == Kind::Master) slide(studio->mainSplit[0], BASS_ATTRIB_VOLDSP);
     }
-    void pullInPeriods(std::uint64_t frames) {
+    void pullInPeriods(std::uint64_t frames, std::uint32_t most) {
         while (frames > 0) {
-            const auto period = static_cast<std::uint32_t>(std::min<std::uint64_t>(frames, GetParam()));
+            const auto period = static_cast<std::uint32_t>(std::min<std::uint64_t>(frames, most));
             devices->setPeriod(period);
             pull(frames / period * period);
             frames %= period;
+        }
+    }
+    void holds(const Scene& scene, std::uint32_t period, const std::string& name, std::vector<float>& sound) {
+        std::size_t act = 0;
+        std::uint64_t clock = 0;
+        for (std::size_t look = 0; look < scene.looks.size(); clock = scene.looks[look++]) {
+            std::string where = name + ", look " + std::to_string(look) + ":";
+            for (; act < scene.acts.size() && scene.acts[act].at == clock; ++act) {
+                const Act& a = scene.acts[act];
+                perform(a);
+                where += " " + std::to_string(static_cast<int>(a.kind)) + "-" + std::to_string(a.voice);
+            }
+            pullInPeriods(scene.looks[look] - clock, period);
+            engineControl()->settleSyncs();
+            const std::vector<float> main = take(), aux = take(kAuxName);
+            ASSERT_EQ(main.size(), 2 * (scene.looks[look] - clock)) << where;
+            for (std::size_t i = 0; i < main.size(); ++i) {
+                ASSERT_NEAR(main[i], scene.main[sound.size() + i], 3e-6) << where << ", frame " << i / 2;
+                ASSERT_NEAR(aux.at(i), scene.aux[sound.size() + i], 3e-6) << where << ", frame " << i / 2;
+            }
+            sound.insert(sound.end(), main.begin(), main.end());
+            for (std::size_t k = 0; k < kVoices; ++k) {
+                ASSERT_EQ(state(jingles[k]), scene.states[look * kVoices + k]) << where << ", jingle " << k;
+                float levels[2]{};
+                BASS_Mixer_ChannelGetLevelEx(jingles[k].play, levels, 0.02F, BASS_LEVEL_STEREO);
+                for (std::size_t c = 0; c < 2; ++c) {
+                    const auto& [least, most] = scene.levels[(look * kVoices + k) * 2 + c];
+                    ASSERT_TRUE(levels[c] >= least && levels[c] <= most + 1e-6)
+                        << where << ", level of " << k << ": " << levels[c] << " not in " << least << " to "
+                        << most;
+                }
+            }
         }
     }
     static std::string state(const Jingle& j) {
@@ -235,51 +287,29 @@ class AgainstTheModel : public Show, public testing::WithParamInterface<std::uin
     std::vector<Jingle> jingles;
 };
 
-TEST_P(AgainstTheModel, AnyShowSoundsAsThePlainSumOfItsJingles) {
-    for (unsigned number = 1; number <= (GetParam() == 1 ? 4 : 28); ++number) {
+TEST_F(AgainstTheModel, AnyShowSoundsAsThePlainSumOfItsJingles) {
+    for (unsigned number = 1; number <= 24; ++number) {
         Stage stage(number);
         for (std::size_t k = 0; k < kVoices; ++k) stage.perform({0, Kind::Play, k});
         for (std::size_t k = 0; k < kVoices && number % 4 == 0; ++k)
             stage.perform({0, Kind::Vol, k, 0.25, 90, 1});
-        for (int part = 0; part < 24; ++part) {
+        for (int part = 0; part < 30; ++part) {
+            stage.moveTheEnd();
             for (auto acts = stage.random() % 8; acts > 0; --acts) stage.performAny();
-            stage.render(1 + stage.random() % 1700);
+            stage.render(stage.untilNextLook());
         }
-        build(stage);
-        const Scene& scene = stage.scene;
-        std::size_t act = 0, heard = 0;
-        std::uint64_t clock = 0;
-        for (std::size_t look = 0; look < scene.looks.size(); clock = scene.looks[look++]) {
-            std::string where = "scene " + std::to_string(number) + ", look " + std::to_string(look) + ":";
-            for (; act < scene.acts.size() && scene.acts[act].at == clock; ++act) {
-                perform(scene.acts[act]);
-                where += " " + std::to_string(static_cast<int>(scene.acts[act].kind)) + "-" +
-                         std::to_string(scene.acts[act].voice);
-            }
-            pullInPeriods(scene.looks[look] - clock);
-            engineControl()->settleSyncs();
-            const std::vector<float> main = take(), aux = take(kAuxName);
-            ASSERT_EQ(main.size(), 2 * (scene.looks[look] - clock)) << where;
-            for (std::size_t i = 0; i < main.size(); ++i, ++heard) {
-                ASSERT_NEAR(main[i], scene.main[heard], 3e-6) << where << ", frame " << i / 2;
-                ASSERT_NEAR(aux.at(i), scene.aux[heard], 3e-6) << where << ", frame " << i / 2;
-            }
-            for (std::size_t k = 0; k < kVoices; ++k) {
-                ASSERT_EQ(state(jingles[k]), scene.states[look * kVoices + k]) << where << ", jingle " << k;
-                float levels[2]{};
-                BASS_Mixer_ChannelGetLevelEx(jingles[k].play, levels, 0.02F, BASS_LEVEL_STEREO);
-                for (std::size_t c = 0; c < 2; ++c) {
-                    const auto& [least, most] = scene.levels[(look * kVoices + k) * 2 + c];
-                    ASSERT_TRUE(levels[c] >= least && levels[c] <= most + 1e-6)
-                        << where << ", level of " << k << ": " << levels[c] << " not in " << least << " to "
-                        << most;
-                }
-            }
+        std::vector<float> first;
+        for (const std::uint32_t period : {997U, 64U, 1U}) {
+            if (period == 1 && number > 4) continue;
+            std::vector<float> sound;
+            build(stage);
+            holds(stage.scene, period, "scene " + std::to_string(number), sound);
+            if (HasFatalFailure()) return;
+            if (first.empty()) first = sound;
+            ASSERT_EQ(sound, first) << number << ": other bits with a period of " << period;
         }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Periods, AgainstTheModel, testing::Values(1, 64, 997));
 
 }  // namespace
 }  // namespace zv::engine::test
