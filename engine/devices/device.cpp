@@ -68,7 +68,7 @@ void OutputSlot::take(std::uint32_t rate, std::uint32_t period) {
     std::unique_ptr<dsp::Resampler> resampler;
     std::vector<float> in;
     if (rate != graphRate) {
-        resampler = std::make_unique<dsp::Resampler>(graphRate, rate, 2U);
+        resampler = std::make_unique<dsp::Resampler>(graphRate, rate);
         in.resize((resampler->inputNeeded(kBlock) + 64) * 2);
     }
     graph.acquire();

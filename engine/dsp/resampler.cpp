@@ -47,6 +47,7 @@ constexpr double kStopEdge = 0.5;
 constexpr double kPhases = 512;           // linear interpolation between them stays under -105 dB
 constexpr std::size_t kMostExact = 1024;  // output frames until the phases repeat that get rows of their own
 constexpr std::size_t kWindowRoom = 1024;
+constexpr std::uint32_t kSides = 2;
 
 /// Modified Bessel function of the first kind, order 0, of 2 sqrt(q): exact for the window's q, up to 35. A
 /// table takes it fifty thousand times, while someone opens a file.
@@ -116,12 +117,12 @@ std::shared_ptr<const ResamplerTable> tableFor(std::uint32_t in, std::uint32_t o
 
 }  // namespace
 
-Resampler::Resampler(std::uint32_t inRate, std::uint32_t outRate, std::uint32_t channels)
-    : inRate_(std::max(inRate, 1u)), outRate_(std::max(outRate, 1u)), channels_(std::max(channels, 1u)) {
+Resampler::Resampler(std::uint32_t inRate, std::uint32_t outRate)
+    : inRate_(std::max(inRate, 1u)), outRate_(std::max(outRate, 1u)) {
     table_ = tableFor(inRate_, outRate_);
     setCorrection(0);
     stride_ = 2 * table_->taps + kWindowRoom + 2 * (static_cast<std::size_t>(step_.whole) + 1);
-    window_.assign(stride_ * channels_, 0.0f);
+    window_.assign(stride_ * kSides, 0.0f);
     reset();
 }
 
@@ -149,7 +150,7 @@ void Resampler::reset() {
     at_ = {};
     fed_ = 0;
     filled_ = table_->taps / 2;
-    for (std::uint32_t c = 0; c < channels_; ++c) std::fill_n(window_.data() + c * stride_, filled_, 0.0f);
+    for (std::uint32_t c = 0; c < kSides; ++c) std::fill_n(window_.data() + c * stride_, filled_, 0.0f);
 }
 
 void Resampler::takeBack(std::size_t frames) {
@@ -200,19 +201,14 @@ void Resampler::push(const float* in, std::size_t frames) {
     if (filled_ + frames > stride_) {
         const auto behind = static_cast<std::size_t>(fed_ - std::min(fed_, at_.whole));  // still to be heard
         const std::size_t keep = std::min(filled_, behind + table_->taps / 2);
-        for (std::uint32_t c = 0; c < channels_; ++c) {
+        for (std::uint32_t c = 0; c < kSides; ++c) {
             float* window = window_.data() + c * stride_;
             std::copy(window + filled_ - keep, window + filled_, window);
         }
         filled_ = keep;
     }
     float* const first = window_.data() + filled_;
-    if (channels_ == 2) {
-        splitSides(in, frames, first, first + stride_);
-    } else {
-        for (std::uint32_t c = 0; c < channels_; ++c)
-            for (std::size_t i = 0; i < frames; ++i) first[c * stride_ + i] = in[i * channels_ + c];
-    }
+    splitSides(in, frames, first, first + stride_);
     filled_ += frames;
     fed_ += frames;
 }
@@ -220,12 +216,12 @@ void Resampler::push(const float* in, std::size_t frames) {
 void Resampler::render(float* out, std::size_t frames) {
     // Frame `whole` of the source is the middle of the window that begins taps / 2 - 1 before it.
     const std::uint64_t first = fed_ - filled_;  // of the window; may lie before 0, the arithmetic wraps
-    Conversion c{table_->rows.data(), table_->taps, table_->phases, window_.data(), stride_, channels_, 0,
+    Conversion c{table_->rows.data(), table_->taps, table_->phases, window_.data(), stride_, kSides, 0,
                  at_.fraction,        step_.whole,  step_.fraction};
     c.whole = at_.whole - first - (table_->taps / 2 - 1);
     if (bypassed()) {
         for (std::size_t i = 0; i < frames; ++i)
-            for (std::uint32_t channel = 0; channel < channels_; ++channel)
+            for (std::uint32_t channel = 0; channel < kSides; ++channel)
                 *out++ = window_[channel * stride_ + static_cast<std::size_t>(at_.whole - first) + i];
     } else {
         (wideChosen() ? wide::convert : plain::convert)(c, out, frames);
@@ -267,15 +263,15 @@ void Resampler::convertWindow(const ResamplerPhase& phase, const float* sum, std
 }
 
 void Resampler::process(std::span<const float> in, std::span<float> out) {
-    std::size_t given = in.size() / channels_, wanted = out.size() / channels_;
+    std::size_t given = in.size() / kSides, wanted = out.size() / kSides;
     const float* from = in.data();
     float* to = out.data();
     if (bypassed() && fed_ == at_.whole) {  // nothing held: only the window's memory has to follow
-        std::copy_n(from, wanted * channels_, to);
+        std::copy_n(from, wanted * kSides, to);
         const std::size_t tail = std::min(wanted, kWindowRoom);
         fed_ += wanted - tail;
         at_.whole += wanted;
-        push(from + (wanted - tail) * channels_, tail);
+        push(from + (wanted - tail) * kSides, tail);
         return;
     }
     const std::size_t room = mostAtOnce();
@@ -283,10 +279,10 @@ void Resampler::process(std::span<const float> in, std::span<float> out) {
         const std::size_t part = std::min(wanted, room);
         const std::size_t need = std::min(inputNeeded(part), given);
         push(from, need);
-        from += need * channels_;
+        from += need * kSides;
         given -= need;
         render(to, part);
-        to += part * channels_;
+        to += part * kSides;
         wanted -= part;
     }
 }

@@ -1,4 +1,4 @@
-/// Sample rate conversion: windowed-sinc polyphase, any ratio, streaming.
+/// Sample rate conversion of stereo: windowed-sinc polyphase, any ratio, streaming.
 ///
 /// Quality: flat within 0.1 dB to 0.45 of the lower rate; images and aliases under -90 dB (the stop band
 /// begins at half the lower rate). Equal rates with a correction of 0: the samples themselves, without delay.
@@ -25,16 +25,15 @@ struct ResamplerPhase {
 
 class Resampler {
   public:
-    /// Rates in Hz, 1 and up; channels 1 and up. Coefficient tables are made once a ratio and kept. [control]
-    /// [worker]
-    Resampler(std::uint32_t inRate, std::uint32_t outRate, std::uint32_t channels);
+    /// Rates in Hz, 1 and up. Coefficient tables are made once a ratio and kept. [control] [worker]
+    Resampler(std::uint32_t inRate, std::uint32_t outRate);
     ~Resampler();
 
     /// Source frames that must be handed to process() to make the next `outFrames`. [audio]
     std::size_t inputNeeded(std::size_t outFrames) const;
     /// Output frames from the next one on that stand before this source frame. [audio]
     std::uint64_t framesBefore(std::uint64_t sourceFrame) const;
-    /// Makes out.size() / channels frames from exactly inputNeeded() frames. At the end of the source hand
+    /// Makes out.size() / 2 frames from exactly inputNeeded() frames. At the end of the source hand
     /// over silence. Any sizes; no allocation. [audio]
     void process(std::span<const float> in, std::span<float> out);
 
@@ -57,7 +56,7 @@ class Resampler {
     /// Output frames whose source can be taken in at once. [audio]
     std::size_t mostAtOnce() const;
     /// Takes exactly inputNeeded(frames) frames in, without making anything of them yet. [audio]
-    void take(std::span<const float> in) { push(in.data(), in.size() / channels_); }
+    void take(std::span<const float> in) { push(in.data(), in.size() / 2); }
     /// Window frames that the next `outFrames` are made of. [audio]
     std::size_t span(std::size_t outFrames) const;
     /// sum += gain * window, left side and then, `stride` on, the right one. [audio]
@@ -96,12 +95,12 @@ class Resampler {
     void render(float* out, std::size_t frames);
 
     std::shared_ptr<const ResamplerTable> table_;
-    std::uint32_t inRate_, outRate_, channels_;
+    std::uint32_t inRate_, outRate_;
     double correctionPpm_ = 0;
     Fixed at_, step_;            // the next output frame, in source frames since reset; what one frame adds
     std::uint64_t fed_ = 0;      // source frames handed over since reset
-    std::vector<float> window_;  // the last of them, one channel after the other; begins with silence
-    std::size_t stride_ = 0;     // frames of room in the window, from one channel to the next
+    std::vector<float> window_;  // the last of them, one side after the other; begins with silence
+    std::size_t stride_ = 0;     // frames of room in the window, from one side to the other
     std::size_t filled_ = 0;     // frames in window_
 };
 

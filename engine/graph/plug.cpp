@@ -8,7 +8,7 @@ constexpr double kMeterSeconds = 1.0;
 Plug::Plug(std::uint32_t from, std::uint32_t to)
     : rate(to), meter(std::make_shared<Metering>(to, kMeterSeconds)) {
     if (from == to) return;
-    resampler = std::make_unique<dsp::Resampler>(from, to, 2U);
+    resampler = std::make_unique<dsp::Resampler>(from, to);
     in.resize((resampler->inputNeeded(kBlock) + 64) * 2);
     out.resize(std::size_t{kBlock} * 2);
 }

@@ -26,7 +26,7 @@ Bridge::Bridge(const BridgeOptions& options)
     : options_(options),
       inStep_(options.oneClock && options.inRate == options.outRate),
       ring_(std::size_t{options.inRate}),  // half a second
-      resampler_(options.inRate, options.outRate, 2) {
+      resampler_(options.inRate, options.outRate) {
     aimAt(options.targetMs);
     if (!inStep_) {
         resampler_.setCorrection(kMostPpm);

@@ -74,7 +74,7 @@ TEST_F(WidePath, GivesTheSameBitsAsThePlainOne) {
         reverb.process(out.data(), frames / 2);
         reverb.set({-2, -9, 300, 0.5});
         reverb.process(out.data() + frames / 2 * 2, frames - frames / 2), keep();
-        Resampler rates(44100, 48000, 2);
+        Resampler rates(44100, 48000);
         rates.setCorrection(100);
         std::vector<float> in(2 * rates.inputNeeded(frames));
         std::copy_n(a.begin(), std::min(in.size(), a.size()), in.begin());

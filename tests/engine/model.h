@@ -237,7 +237,7 @@ class Model {
             drained = !frame;
             if (frame) taken.push_back(*frame);
         }
-        dsp::Resampler resampler(rate(), kModelRate, 2);
+        dsp::Resampler resampler(rate(), kModelRate);
         resampler.align(began);
         std::vector<float> in(2 * resampler.inputNeeded(made + frames));
         for (std::size_t k = 0; k < std::min(taken.size(), in.size() / 2); ++k)

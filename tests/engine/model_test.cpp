@@ -145,7 +145,8 @@ class Stage {
         const auto voice = static_cast<std::size_t>(near->seed);
         const bool later = random() % 3 == 0;
         if (later)
-            perform({clock, Kind::Range, voice, 1, random() % 2000, near->last() < 5000 ? 7000 : kNone});
+            perform({clock, Kind::Range, voice, 1, random() % 2 == 0 ? near->loopStart : 500,
+                     near->last() < 5000 ? 7000 : kNone});
         if (!later) perform({clock, Kind::Loop, voice, 1, 0, near->loop ? 0U : 1U});
     }
     void render(std::uint64_t frames) {
