@@ -69,7 +69,6 @@ void build(SourceFile& found) {
     if (mix()) {
         BASS_ChannelStop(hTmAnVoice);
         BASS_Mixer_StreamAddChannel(MainMixer, hTmAnVoice, BASS_MIXER_CHAN_BUFFER);
-        BASS_ChannelStop(hTmAnVoice);
     }
     TmAnnOn = true;
     TmAnLen = static_cast<int>(TmAnDuration);

@@ -183,12 +183,8 @@ void FreeBASS() {
         FreeOutp(0);
         FreeOutp(1);
         freeStream(AuxKeepAlive);
-        for (std::size_t i = 0; i < 2; ++i) {
-            freeStream(OutSplit[i]);
-            // The second pair is harmless, and closes the device where the first call only selected it.
-            for (int twice = 0; twice < 2; ++twice)
-                if (BASS_SetDevice(static_cast<DWORD>(Device[i]))) BASS_Free();
-        }
+        for (std::size_t i = 0; i < 2; ++i)
+            if (BASS_SetDevice(static_cast<DWORD>(Device[i]))) BASS_Free();
         // What the calls above leave: the default device of a fallback, the decoding streams and their
         // device.
         if (selectDefault()) BASS_Free();

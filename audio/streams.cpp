@@ -128,7 +128,6 @@ void buildChannel(int index) {
         // Stopped before it is in the mixer, so that no period can catch it sounding.
         BASS_ChannelStop(j.hPlay);
         BASS_Mixer_StreamAddChannel(MainMixer, j.hPlay, BASS_MIXER_CHAN_BUFFER);
-        BASS_ChannelStop(j.hPlay);
     }
 }
 

@@ -107,11 +107,9 @@ void build(SourceFile& found) {
     BASS_ChannelSetPosition(hTmAn, BytePosition(startPosition()), BASS_POS_BYTE);
     if (chosen.StopPos != 0) armStop();
     if (mix()) {
-        BASS_Mixer_ChannelRemove(hTmAn);
         // Stopped before it is in the mixer, so that no period can catch it sounding.
         BASS_ChannelStop(hTmAn);
         BASS_Mixer_StreamAddChannel(MainMixer, hTmAn, BASS_MIXER_CHAN_BUFFER);
-        BASS_ChannelStop(hTmAn);
     }
     callUp(audioUpcalls.announcerChanged);
 }
@@ -152,7 +150,6 @@ void OpenTimeJingle() {
 }
 
 void PlayTimeJingle() {
-    BASS_ChannelSetPosition(hTmAn, 0, BASS_POS_BYTE);
     BASS_ChannelSetAttribute(hTmAn, BASS_ATTRIB_VOL, 1);
     BASS_ChannelFlags(hTmAnSrc, chosen.Loop != 0 ? BASS_SAMPLE_LOOP : 0, BASS_SAMPLE_LOOP);
     BASS_ChannelSetPosition(hTmAn, BytePosition(startPosition()), BASS_POS_BYTE);
