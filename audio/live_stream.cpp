@@ -31,9 +31,9 @@ int LiveInputIdx = -1;
 
 namespace {
 
-constexpr int kConnectMs = 10'000;   // without a sound after it: given up
-constexpr int kStalledMs = 10'000;   // dry for so long: broken off, where it is taken up again
-constexpr int kSettledMs = 15'000;   // on air for so long: the next break begins with the shortest wait
+constexpr int kConnectMs = 10'000;   // a connection without sound is given up after it
+constexpr int kStalledMs = 10'000;   // a stream that is dry for so long counts as broken off
+constexpr int kSettledMs = 15'000;   // after so long on air the next break begins with the shortest wait
 constexpr int kReconnectFade = 300;  // ms
 constexpr float kStopAtEnd = -1;     // of a slide: to silence, then stop
 constexpr std::array kWaits{1, 2, 4, 8, 15};  // s
@@ -63,10 +63,10 @@ class Opened {
 };
 
 Job connecting;
-std::int64_t since = 0;    // ms: of what LiveNow says
-std::int64_t dryFrom = 0;  // ms: the stream has stalled since; 0 it flows
-std::size_t breaks = 0;    // in a row
-bool told = false;         // that it has ended
+std::int64_t since = 0;    // ms: when LiveNow last changed, or a connection was begun
+std::int64_t dryFrom = 0;  // ms: when the stream stalled; 0 while it flows
+std::size_t breaks = 0;    // breaks in a row
+bool told = false;         // the status line says that the stream has ended
 
 bool mix() { return deviceSettings.DeviceSingle == 0; }
 DWORD ms(int value) { return static_cast<DWORD>(std::max(0, value)); }
@@ -87,7 +87,7 @@ void say(const std::string& status) {
 
 /// Opens an address; a secure one that fails is tried once more without security. [worker]
 Opened openAddress(const std::string& url, DWORD device, bool decoding, JobWork& work) {
-    // A channel that plays by itself does so on the device of the thread that makes it.
+    // The engine plays a channel that does not decode on the device that its creating thread has selected.
     if (!decoding) BASS_SetDevice(device);
     const DWORD flags = decoding ? BASS_STREAM_DECODE : BASS_STREAM_AUTOFREE;
     const std::int64_t start = monotonicMs();
@@ -119,7 +119,7 @@ void saysOnAir() { say(Ln("mStrPla1") + StreamChoice + Ln("mStrPla2")); }
 void dropChannel() {
     if (hLive == 0) return;
     if (!mix()) {
-        // It frees itself when it has faded.
+        // Opened with BASS_STREAM_AUTOFREE: the engine frees it when it has faded.
         BASS_ChannelSlideAttribute(hLive, BASS_ATTRIB_VOL, kStopAtEnd, ms(duckSettings.FadeOutSpeed));
         return;
     }
@@ -165,7 +165,7 @@ void connect(bool again) {
         [again](Opened opened) { guarded("frmMain.SubPlayStream", [&] { connected(opened, again); }); });
 }
 
-/// The devices of the other inputs stay selected as they were.
+/// Selects the microphone's input again, which the rest of the program expects.
 void selectMicrophone() { BASS_RecordSetDevice(static_cast<DWORD>(inputNumber(deviceSettings.DeviceIn))); }
 
 void openInput(int index) {
@@ -224,7 +224,7 @@ void watchConnection() {
         ErrorLive_(Ln("mError"), BASS_ERROR_TIMEOUT);
 }
 
-/// A wait that is over connects; one that is not is counted down.
+/// Connects when the wait is over; until then the status line counts its seconds.
 void watchWait() {
     if (connecting.running()) return watchConnection();
     const std::int64_t left = waitMs() - (monotonicMs() - since);

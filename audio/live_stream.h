@@ -31,8 +31,8 @@ extern std::string LiveStatus, LiveTitle;
 void SubPlayStream(const std::string& choice);
 /// Ends the stream and a connection that is being made. `quiet`: the status line stays as it is.
 void StopPlayStream(bool quiet = false);
-/// A stream on air goes its way out: `attribute` (BASS_ATTRIB_...) slides to -1 in `ms`, and whoever calls ends it
-/// then. False when there is none.
+/// Fades a stream on air: `attribute` (BASS_ATTRIB_...) slides to -1 in `ms`; the caller ends the stream then. False
+/// when there is none.
 bool FadeLive(std::uint32_t attribute, int ms);
 /// The channel plays, on its way out too.
 bool LivePlays();

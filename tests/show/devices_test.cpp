@@ -333,6 +333,8 @@ class OneDevice : public ShowTest {
 };
 
 TEST_F(OneDevice, JinglesPlayStraightOnIt) {
+    OpenMic();
+    EXPECT_NE(hMic, 0U);  // open, and in no mix
     openJingle(level(framesOf(500)), iniLine("FadeOut_0", "100"));
     pass(100);
     EXPECT_TRUE(heard().silent(0, framesOf(100))) << "an opened channel waits";

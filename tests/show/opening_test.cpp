@@ -2,8 +2,12 @@
 // all.
 
 #include "audio/sounding.h"
+#include "platform/decoders.h"
+#include "platform/rehearsal/virtual_jobs.h"
+#include "platform/soundtouch/soundtouch_stretcher.h"
 #include "startup/settings/editor_settings.h"
 #include "tests/show/show.h"
+#include "tests/support/ear.h"
 
 namespace zv::test {
 namespace {
@@ -152,6 +156,52 @@ TEST_F(Opening, FewerThanSevenBandsAreReportedAndTheRestStillWorks) {
     clPlay(0, -1);
     pass(100);
     EXPECT_NEAR(heard().at(framesOf(50)), 0.25, 1e-4);
+}
+
+/// Files of a disk that takes 300 ms to answer.
+struct SlowDisk : engine::DecoderSource {
+    std::shared_ptr<engine::DecoderSource> disk = soundDecoders;
+    std::unique_ptr<engine::Decoder> openFile(const std::string& path, int& error) override {
+        waitInJob(300);
+        return disk->openFile(path, error);
+    }
+    std::unique_ptr<engine::Decoder> openModule(const std::string& path, int& error) override {
+        return disk->openModule(path, error);
+    }
+    std::unique_ptr<engine::Decoder> openUrl(const std::string&, std::uint32_t, int&) override { return nullptr; }
+};
+
+TEST_F(Opening, APressWaitsForASlowDisk) {
+    FreeBASS();
+    engine::engineControl()->install({std::make_shared<SlowDisk>(), soundTouchStretchers(), devices});
+    SetupMixers();
+    writeWav(path("a.wav"), tones("a500"));
+    write("b.wav", "no sound");
+    std::string told;
+    audioUpcalls.slotWaits = [&](int i) { told += "waits" + std::to_string(i) + " "; };
+    audioUpcalls.pressReady = [&](int i, int velocity) {
+        told += "ready" + std::to_string(i) + ":" + std::to_string(velocity) + " ";
+        clPlay(i, velocity);
+    };
+    const std::string pressed = "waits0 waits0 waits1 ";
+    const std::pair<void (*)(), std::string> ways[] = {{[] {}, pressed + "ready0:64 "},
+                                                       {[] { clTouchStop(0); }, pressed},
+                                                       {[] { evStop(); }, pressed},
+                                                       {[] { FreeJingle(0); }, pressed}};
+    for (const auto& [meanwhile, expected] : ways) {
+        openPalette("Path_0=a.wav\r\nPath_1=b.wav\r\n");
+        EXPECT_TRUE(SlotOpening(0) && SlotOpening(1));
+        clPlay(0, 64), clPlay(0, 100), clPlay(1, -1);
+        pass(100);
+        meanwhile();
+        pass(900);
+        EXPECT_EQ(told, expected);
+        EXPECT_FALSE(SlotOpening(0) || SlotOpening(1));
+        EXPECT_EQ(whatIsHeard(heard()), expected == pressed ? "" : "a300-800@-6.0");
+        told.clear();
+    }
+    const std::string failed = "no: Can't play jingle stream from the main button palette";
+    EXPECT_EQ(marks, (std::vector<std::string>{"hide", failed, "hide", failed, "hide", "hide", failed}));
 }
 
 }  // namespace
