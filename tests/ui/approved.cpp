@@ -91,6 +91,9 @@ std::string standing(const Control& c) {
         case ControlKind::canvas:
             if (c.drawing().size() == 1) text += " #" + number(c.drawing().front().colour);
             break;
+        case ControlKind::colourField:
+            text += " " + c.toolTip();
+            break;
         default:
             break;
     }
@@ -252,6 +255,11 @@ std::map<std::string, std::string> Watch::rest() const {
     std::string selected;
     for (const int i : SelJ) selected += std::to_string(i) + " ";
     all["SelJ"] = selected;
+    for (const HistoryEntry& entry : HistoryEntries())
+        all["history " + entry.name + " " + std::to_string(static_cast<int>(entry.reason)) + " " +
+            std::to_string(entry.lines.size())] = "";
+    for (const auto& file : std::filesystem::directory_iterator(folder_ / "Audio_Sample"))
+        all["sound " + file.path().filename().string()] = "";
     for (const char* name : {"palette.ini", "HotJingles.ini", "playlist.ini", "FXpresets.ini", "MIDI.ini"}) {
         std::ifstream file(folder_ / name);
         std::string section;

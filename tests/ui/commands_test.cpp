@@ -1,4 +1,6 @@
-// What commands do that no control of a window gives: menus, keys, and what goes wrong. Each begins anew.
+// What commands do that no control of a window gives: menus, keys, what goes wrong, and what a studio does to files behind
+// the program's back. Each begins anew.
+#include <unistd.h>
 
 #include "audio/open_palette.h"
 #include "model/playlists.h"
@@ -7,8 +9,10 @@
 #include "startup/settings/devices_settings.h"
 #include "startup/settings/duck_settings.h"
 #include "startup/settings/editor_settings.h"
+#include "startup/settings/folders_settings.h"
 #include "startup/settings/labels_settings.h"
 #include "startup/settings/minimal_settings.h"
+#include "startup/settings/palette_list_settings.h"
 #include "startup/settings/palette_settings.h"
 #include "startup/settings/search_settings.h"
 #include "startup/settings_file.h"
@@ -23,6 +27,7 @@
 #include "ui/edit/jingle_editor.h"
 #include "ui/edit/jingle_menu.h"
 #include "ui/edit/jingle_menu_table.h"
+#include "ui/edit/options.h"
 #include "ui/edit/palette_load.h"
 #include "ui/edit/playlists.h"
 #include "ui/edit/positions_page.h"
@@ -31,11 +36,14 @@
 #include "ui/edit/selection.h"
 #include "ui/edit/undo.h"
 #include "ui/press/press.h"
+#include "ui/records/armed.h"
 #include "ui/records/timers.h"
+#include "ui/screen/colours.h"
 #include "ui/settings/bound_controls.h"
 #include "ui/settings/mixer_controls.h"
 #include "ui/settings/mixer_window.h"
 #include "ui/windows/console_window.h"
+#include "ui/windows/history_window.h"
 #include "ui/windows/jingle_window.h"
 #include "ui/windows/midi_button_window.h"
 #include "ui/windows/midi_learn.h"
@@ -47,6 +55,35 @@
 
 namespace zv::test {
 namespace {
+
+namespace fs = std::filesystem;
+
+constexpr unsigned kNobody = 65534;
+
+/// Nothing can be written below a folder, also not by root.
+class ReadOnly {
+  public:
+    explicit ReadOnly(fs::path folder) : folder_(std::move(folder)) {
+        set(fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+            fs::perm_options::remove);
+        set(fs::perms::group_read | fs::perms::group_exec | fs::perms::others_read | fs::perms::others_exec,
+            fs::perm_options::add);
+        if (geteuid() == 0) root_ = seteuid(kNobody) == 0;
+    }
+    ~ReadOnly() {
+        if (root_ && seteuid(0) != 0) std::abort();
+        set(fs::perms::owner_write, fs::perm_options::add);
+    }
+
+  private:
+    void set(fs::perms perms, fs::perm_options how) {
+        fs::permissions(folder_, perms, how);
+        for (const auto& one : fs::recursive_directory_iterator(folder_))
+            fs::permissions(one.path(), perms, how);
+    }
+    fs::path folder_;
+    bool root_ = false;
+};
 
 class CommandsTest : public ApprovedTest {
   protected:
@@ -165,9 +202,9 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         write("Audio_Sample/A1.wav", "another"), Undo();
     });
     act("a file that the history has lost",
-        [&] { DelJing(kSlot, true), std::filesystem::remove_all(path("History")), Undo(); });
+        [&] { DelJing(kSlot, true), fs::remove_all(path("History")), Undo(); });
     act("a state of the history that is lost", [&] {
-        DelJing(kSlot, true), ShowHistory(), std::filesystem::remove_all(path("History"));
+        DelJing(kSlot, true), ShowHistory(), fs::remove_all(path("History"));
         findControl("btHistoryBack")->onClick();
     });
     act("many jingles in the history", [&] {
@@ -176,10 +213,9 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         DeletePalette("B"), ShowHistory();
     });
     act("a preset that cannot be written", [&] {
-        std::filesystem::remove(path("FXpresets.ini")),
-            std::filesystem::create_directories(path("FXpresets.ini/x"));
+        fs::remove(path("FXpresets.ini")), fs::create_directories(path("FXpresets.ini/x"));
         clFXSet(kSlot), frmFX().txtFXpreset.caption = "Mine", frmFX().btAddFXpreset.onClick();
-        std::filesystem::remove_all(path("FXpresets.ini"));
+        fs::remove_all(path("FXpresets.ini"));
     });
     act("a playlist too long", [] {
         clPlaylist(5);
@@ -200,6 +236,109 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         frmReportError().btKill.onClick();
         frmMain().window.onClose = {}, desktop().quitAsked = false;
     });
+
+    text += "== a studio's disasters\n";
+    const std::string stick = path("stick").string(), live = stick + "/Live.wav";
+    const auto plugged = [&] { writeWav(live, sine(22'050, 440)); };
+    const auto away = [&](const char* file) {
+        fs::rename(path(file), path("away.ini"));
+        fs::create_directory(path(file));
+    };
+    const auto back = [&](const char* file) {
+        fs::remove_all(path(file));
+        fs::rename(path("away.ini"), path(file));
+    };
+    const auto edited12 = [] { rec(0).Volm = 12, MarkPalToSave(), ErrClick(); };
+    fs::permissions(path(""), fs::perms::all);
+    act("pulled out before it is opened, taken back",
+        [&] { b_Jingle_OLEDragDrop(7, live), ErrClick(), note("pulled out before it is opened"), Undo(); });
+    act("pulled out before it is imported", [&] {
+        plugged(), folderSettings.ImportFiles = 1, b_Jingle_OLEDragDrop(7, live);
+        fs::remove_all(stick), ErrClick(), folderSettings.ImportFiles = 0;
+    });
+    act("pulled out while it plays", [&] {
+        plugged(), b_Jingle_OLEDragDrop(7, live), press(7), release(7), pass(100), heard();
+        fs::remove_all(stick), pass(300);
+        const Heard sound = heard();
+        for (std::size_t at = 0; at + 441 <= sound.frames(); at += 441)
+            EXPECT_GT(sound.loudest(at, at + 441), 0.3F);
+        pass(400);
+    });
+    act("read-only no more", [&] {
+        {
+            const ReadOnly folder(path(""));
+            edited12(), note("read-only: a save");
+        }
+        ErrClick();
+    });
+    act("read-only: a name", [&] {
+        const ReadOnly folder(path(""));
+        clRename(kSlot), frmRenameFile().txtFilename.caption = "Other", frmRenameFile().onAccepted();
+    });
+    act("read-only: a sound deleted, taken back", [&] {
+        const ReadOnly folder(path(""));
+        DelJing(kSlot, true), note("read-only: a sound deleted"), Undo();
+    });
+    act(
+        "a line end in the name of a file",
+        [&] {
+            for (const char* name : {"/two\nlines.wav", "/two\r.wav"}) {
+                writeWav(stick + name, sine(2000, 440));
+                b_Jingle_OLEDragDrop(7, stick + name);
+            }
+            FillPalette({stick});
+        },
+        400);
+    act("a line end in a new name", [] {
+        clRename(kSlot), frmRenameFile().txtFilename.caption = "two\nlines [\"x\"]",
+                         frmRenameFile().onAccepted();
+    });
+    act("they change the palette that is open",
+        [&] { write("palette.ini", "[A]\r\n" + line("1", "B1") + "[B]\r\n" + line("0", "B0")), edited12(); });
+    act("they write between an edit and its undo", [&] {
+        clMove(0, "cut"), pick("B"), clMove(7, "paste"), ErrClick();
+        write("palette.ini", read("palette.ini") + "[C]\r\n" + line("9", "A0")), Undo();
+    });
+    for (const char* file : {"HotJingles.ini", "palette.ini"}) {
+        act(std::string("moved to a hot button, then written again: ") + file, [&] {
+            away(file), clMove(kSlot, "cut"), clMove(97, "paste"), ErrClick(),
+                note(std::string("moved without ") + file);
+            back(file), ErrClick();
+        });
+        act(std::string("renamed without ") + file, [&] {
+            away(file), clRename(kSlot), clRename(0), frmRenameFile().txtFilename.caption = "Other";
+            frmRenameFile().btOK.onClick(), back(file);
+        });
+        act(std::string("moved to another palette without ") + file,
+            [&] { clMove(kSlot, "cut"), pick("B"), away(file), clMove(7, "paste"), ErrClick(), back(file); });
+    }
+    act("the palettes' file is gone", [&] { fs::remove(path("palette.ini")), pick("B"), edited12(); });
+    act("the palettes' file is empty", [&] { write("palette.ini", ""), pick("B"), edited12(); });
+    act("the palettes' file cannot be read, and can again", [&] {
+        away("palette.ini"), pick("B"), edited12(), note("the palettes' file cannot be read");
+        back("palette.ini"), ErrClick();
+    });
+    act("an auto save that failed is tried again", [&] {
+        paletteSettings.AutoSave = 1, away("palette.ini"), rec(0).Volm = 71, MarkPalToSave(), pass(100);
+        pick("B"), note("an auto save that failed"), pick("A"), rec(0).Volm = 72, MarkPalToSave(), pass(100);
+        back("palette.ini"), pick("B"), paletteSettings.AutoSave = 0;
+    });
+    act("left unsaved, the file brought back", [&] {
+        DelJing(0, true), pick("B"), note("left unsaved");
+        ShowHistory(), frmHistory().lstHistory.listIndex = 1, frmHistory().btBack.onClick();
+    });
+    act("what was missing is there again", [&] {
+        DelJing(0, true), clMove(kSlot, "copy"), OpenFile("A"), pass(500), note("missing");
+        ShowHistory(), frmHistory().btBack.onClick();
+    });
+    for (const int press : {1, 2, 3, 4}) {
+        LoopToggleAtRest();
+        act("loop pressed " + std::to_string(press), [press] {
+            for (int i = 0; i < press; ++i) ckLoopITog();
+        });
+    }
+    act("dark, the list reversed", [] { paletteListSettings.RevLstPalCol = 1, SwitchDarkMode(1); });
+    paletteListSettings.RevLstPalCol = 0, SwitchDarkMode(0);
 
     text += "== playlists\n";
     const auto edited = [](std::initializer_list<const char*> lines) {

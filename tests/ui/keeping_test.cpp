@@ -1,18 +1,52 @@
-// Nothing that was saved is lost: saves between a choice and its load, names, jingles that change palettes, files that
-// are away, sound files that change their names.
+// What keeping_chance_test.cpp does not reach: spellings of names, the history's limits, the session's end, lost files.
 
-#include "startup/errors.h"
-#include "startup/settings/grid_settings.h"
 #include "startup/settings/meters_settings.h"
 #include "startup/settings/palette_settings.h"
 #include "startup/settings/program_settings.h"
 #include "tests/ui/keeping_fixture.h"
 #include "ui/edit/history.h"
+#include "ui/edit/lost_files.h"
 #include "ui/press/exit_key.h"
-#include "ui/screen/error_mark.h"
-#include "ui/windows/history_window.h"
 
 namespace zv::test {
+
+namespace {
+
+/// The work of a search that is given up after so many reports.
+class GivenUp final : public JobWork {
+  public:
+    explicit GivenUp(int after) : after_(after) {}
+    bool cancelled() override { return static_cast<int>(told.size()) >= after_; }
+    void progress(int percent, std::string text) override { told.emplace_back(percent, std::move(text)); }
+    std::vector<std::pair<int, std::string>> told;
+
+  private:
+    int after_;
+};
+
+}  // namespace
+
+TEST_F(KeepingTest, aSearchForLostFilesTellsHowFarItIsAndStops) {
+    for (int folder = 0; folder < 40; ++folder)
+        for (int file = 0; file < 5; ++file)
+            write("shelves/" + std::to_string(folder) + "/" + std::to_string(file) + ".wav", "");
+    for (const int after : {3, 1000}) {
+        GivenUp work(after);
+        const FoundFiles found =
+            FindLostFiles({.path = "D:\\4.wav", .folder = path("shelves").string()}, work);
+        for (std::size_t i = 1; i < work.told.size(); ++i)
+            EXPECT_GT(work.told[i].first, work.told[i - 1].first) << "percent only grow";
+        EXPECT_NE(work.told.back().second.find("shelves/"), std::string::npos);
+        if (after == 3) {
+            EXPECT_EQ(work.told.size(), 3U);
+            EXPECT_LT(found.seen, 60);
+        } else {
+            EXPECT_EQ(found.seen, 200);
+            EXPECT_EQ(found.own.size(), 40U);
+            EXPECT_GE(work.told.size(), 30U);
+        }
+    }
+}
 
 TEST_F(KeepingTest, namesOfPalettes) {
     struct Row {
@@ -47,118 +81,6 @@ TEST_F(KeepingTest, namesOfPalettes) {
     name("B", 2);  // onto another one: its keys are written over, and stand in the history
     EXPECT_EQ(jingles("B"), "0:A0 1:A1 2:A2");
     EXPECT_EQ(history(), "B 2; a 2; ");
-}
-
-TEST_F(KeepingTest, aCutJingleOutlivesAFileThatCannotBeWritten) {
-    std::filesystem::remove(path("HotJingles.ini"));
-    std::filesystem::create_directory(path("HotJingles.ini"));
-    clMove(1, "cut");
-    clMove(96, "paste");  // within the palette: the button is empty at once
-    save();
-    EXPECT_EQ(jingles("A"), "0:A0 1:A1 2:A2") << "it does not leave before it has arrived";
-    EXPECT_TRUE(PalToSave);
-    std::filesystem::remove(path("HotJingles.ini"));
-    save();
-    EXPECT_EQ(jingles("A"), "0:A0 2:A2");
-    EXPECT_EQ(hot(), "0:A1");
-    pick("B");
-    clMove(0, "cut");
-    pick("C");
-    std::filesystem::rename(path("HotJingles.ini"), path("away"));
-    std::filesystem::create_directory(path("HotJingles.ini"));
-    clMove(5, "paste");
-    save();
-    EXPECT_EQ(jingles("B"), "0:B0 1:B1 2:B2") << "palette and hot jingles are not both on disk";
-}
-
-TEST_F(KeepingTest, aPaletteFileThatIsAwayStandsAsItWasRead) {
-    for (const char* how : {"gone", "empty", "unreadable"}) {
-        SCOPED_TRACE(how);
-        pick("A");
-        std::filesystem::rename(path("palette.ini"), path("away.ini"));
-        if (how == std::string("empty")) write("palette.ini", "");
-        if (how == std::string("unreadable")) std::filesystem::create_directory(path("palette.ini"));
-        pick("B");
-        EXPECT_EQ(rec(0).Path, "Audio_Sample\\B0.wav");
-        EXPECT_TRUE(ErrMarkShows("n") || frmMain().display.lblErr.visible) << "it is told";
-        rec(0).Volm = 12;
-        save();
-        if (how == std::string("unreadable")) {
-            EXPECT_TRUE(PalToSave);
-            std::filesystem::remove(path("palette.ini"));
-            std::filesystem::rename(path("away.ini"), path("palette.ini"));
-            save();
-        }
-        EXPECT_EQ(jingles("A"), "0:A0 1:A1 2:A2");
-        EXPECT_EQ(jingles("C"), "0:C0 1:C1 2:C2");
-        EXPECT_EQ(value("B", "Volm_0"), "12");
-        EXPECT_NE(read("palette.ini").find("[C]"), std::string::npos);
-        rec(0).Volm = 100;
-        save();
-        std::filesystem::remove(path("away.ini"));
-    }
-}
-
-TEST_F(KeepingTest, anAutoSaveThatFailedIsTriedAgainBeforeThePaletteIsLeft) {
-    paletteSettings.AutoSave = 1;
-    std::filesystem::rename(path("palette.ini"), path("away.ini"));
-    std::filesystem::create_directory(path("palette.ini"));
-    rec(0).Volm = 71;
-    MarkPalToSave();
-    pass(100);
-    EXPECT_TRUE(PalToSave);
-    pick("B");  // still not writable: told, and kept
-    EXPECT_TRUE(frmMain().display.lblErr.visible);
-    EXPECT_NE(frmMain().display.lblErr.toolTip().find("palette.ini"), std::string::npos);
-    EXPECT_EQ(history(), "A 0; ");
-    pick("A");
-    rec(0).Volm = 72;
-    MarkPalToSave();
-    pass(100);
-    std::filesystem::remove(path("palette.ini"));
-    std::filesystem::rename(path("away.ini"), path("palette.ini"));
-    pick("B");
-    EXPECT_EQ(value("A", "Volm_0"), "72");
-}
-
-TEST_F(KeepingTest, aSoundKeepsItsNameWhereThePalettesCannotBeWritten) {
-    std::filesystem::rename(path("HotJingles.ini"), path("away.ini"));
-    std::filesystem::create_directory(path("HotJingles.ini"));
-    clRename(1);
-    clRename(2);  // while another one is open
-    EXPECT_EQ(RenameJ, 1);
-    frmRenameFile().txtFilename.caption = "Other";
-    frmRenameFile().btOK.onClick();
-    EXPECT_TRUE(std::filesystem::exists(path("Audio_Sample/A1.wav")));
-    EXPECT_EQ(jingles("A"), "0:A0 1:A1 2:A2");
-    EXPECT_EQ(rec(1).Path, "Audio_Sample\\A1.wav");
-    EXPECT_NE(rec(1).hPlay, 0U);
-}
-
-TEST_F(KeepingTest, whatGoesLeavesACopy) {
-    desktop().answers = {BoxAnswer::yes, BoxAnswer::yes};
-    DelJing(0, true);
-    EXPECT_FALSE(std::filesystem::exists(path("Audio_Sample/A0.wav")));
-    pick("B");  // leaves A unsaved
-    SelectPalette("C");
-    btDelpal_MouseUp();
-    EXPECT_EQ(history(), "C 4; A 0; Audio_Sample\\A0.wav 4; ");
-    const std::vector<HistoryEntry> entries = HistoryEntries();
-    EXPECT_EQ(entries[0].lines.size(), 3U);
-    EXPECT_EQ(entries[1].lines.size(), 2U);
-    EXPECT_TRUE(BringFileBack(entries[2]));
-    EXPECT_TRUE(std::filesystem::exists(path("Audio_Sample/A0.wav")));
-    EXPECT_EQ(history(), "C 4; A 0; ");
-    // A save that takes jingles out; a save of options only leaves no copy.
-    pick("A");
-    rec(0).Volm = 20;
-    save();
-    EXPECT_EQ(HistoryEntries().size(), 2U);
-    desktop().answers = {BoxAnswer::yes};
-    DelJing(1, false);
-    save();
-    EXPECT_EQ(history(), "A 1; C 4; A 0; ");
-    EXPECT_EQ(HistoryEntries()[0].lines.size(), 4U) << "with the options as they were saved";
 }
 
 TEST_F(KeepingTest, theHistoryHoldsSoManyEntriesAndWaitsForRoom) {

@@ -159,21 +159,6 @@ TEST_F(SearchTest, TypingPausesThenPalettesThenHitsThenThePaletteOpensWithThemBl
     EXPECT_FALSE(timers().TimerFindJingles.enabled());
 }
 
-TEST_F(SearchTest, AHitThatSoundsKeepsItsFace) {
-    searchSettings.BlinksJSearch = 3;
-    JingSearch();
-    type("news");
-    s().btKbGo.onClick();
-    load(0, 3000);
-    press(0);
-    const Colour face = button(0).backColor();
-    for (int tick = 0; tick < 5; ++tick) {
-        ASSERT_EQ(SearchHits, (std::vector<int>{0, 9}));
-        TimerFindJinglesTick();
-        EXPECT_EQ(button(0).backColor(), face) << tick;
-    }
-}
-
 TEST_F(SearchTest, ClosesByTimeUnlessSomebodyTypes) {
     searchSettings.AutoClJSearchSec = 1;
     JingSearch();

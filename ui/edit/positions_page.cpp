@@ -289,10 +289,7 @@ void ShowPositions() {
     JingleRecord& j = EditedRecord();
     const SoundLength sound = EditedLength();
     const int ticks = std::max(1, static_cast<int>(std::lround(seconds(sound.length) * kHundredths)));
-    for (Control* slider : {&w.sldPos, &w.sldLI, &w.sldLO, &w.SlidePos}) {
-        slider->minimum = 0;
-        slider->maximum = ticks;
-    }
+    for (Control* slider : {&w.sldPos, &w.sldLI, &w.sldLO, &w.SlidePos}) slider->maximum = ticks;
     HoldPositions();
     j.LoopLen = j.LoopOut - j.LoopIn;
     w.imgLockLoopLength.caption = Ln("fxLocked");
