@@ -23,7 +23,7 @@ bool machineIsWide() {
 
 std::atomic<bool> chosen{machineIsWide()};
 
-constexpr float kLoudest = 1e9F;  ///< nothing that was meant as sound
+constexpr float kLoudest = 1e9F;  ///< sound is never louder; beyond it a sample is broken
 constexpr float kMinus3dB = 0.70710678f;
 
 /// What a channel gives to left and right.

@@ -88,10 +88,10 @@ void PeakEq::setBand(std::size_t index, const PeakBand& band) {
     group.bands[lane] = flat ? PeakBand{} : band;
     group.flat[lane] = flat;
     if (flat) {
-        setFlat(group.target, lane);  // and keeps its poles on the way there
+        setFlat(group.target, lane);  // the poles stay until the gain is there
     } else {
         setLane(group.target, lane, band, rate_);
-        if (wasFlat && group.now[EqGroup::kC1][lane] == 0) {  // from nothing, with the new poles at once
+        if (wasFlat && group.now[EqGroup::kC1][lane] == 0) {  // a flat band takes the new poles at once
             for (const auto c : {EqGroup::kP, EqGroup::kQ, EqGroup::kB})
                 group.now[c][lane] = group.target[c][lane];
             group.left.i1[lane] = group.left.i2[lane] = group.right.i1[lane] = group.right.i2[lane] = 0;
@@ -130,7 +130,7 @@ void PeakEq::run(EqGroup& group, float* stereo, std::size_t frames) {
     }
 }
 
-/// The group changes nothing any more: out of the path with it.
+/// Takes a group that changes nothing any more out of the path.
 void PeakEq::rest(EqGroup& group) {
     group.left = group.right = {};
     group.active = false;

@@ -96,7 +96,7 @@ std::shared_ptr<const ResamplerTable> makeTable(std::uint32_t in, std::uint32_t 
         // The filter is even: what lies as far behind the next frame is the mirror image.
         std::reverse_copy(to, to + table.taps, table.rows.data() + (table.phases - p) * table.taps);
     }
-    if (in == out) {  // exactly the sample: what the sine of a multiple of pi leaves over goes
+    if (in == out) {  // exactly the sample: the rounding of sin(k pi) is removed
         for (std::size_t k = 0; k < table.taps; ++k) {
             table.rows[k] = k == table.taps / 2 - 1 ? 1.0f : 0.0f;
             table.rows[table.phases * table.taps + k] = k == table.taps / 2 ? 1.0f : 0.0f;
@@ -175,7 +175,7 @@ std::size_t Resampler::inputNeeded(std::size_t outFrames) const {
 std::uint64_t Resampler::framesBefore(std::uint64_t sourceFrame) const {
     const auto wide = [](const Fixed& f) { return (static_cast<Wide>(f.whole) << 64) + f.fraction; };
     const Wide to = static_cast<Wide>(sourceFrame) << 64, at = wide(at_), step = wide(step_);
-    // Steps are cut to 2^-64 of a frame: after many of them a whole frame is missed by a trifle.
+    // Steps are rounded down to 2^-64 of a frame: their sum lies slightly below the whole frame that is meant.
     constexpr Wide kTrifle = Wide{1} << 32;
     return at + kTrifle >= to ? 0 : static_cast<std::uint64_t>((to - at - kTrifle + step - 1) / step);
 }

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t kZeros =
     24;  ///< frames that the filter reaches to either side while nothing can fold over
-constexpr double kLeastScale = 0.125;  ///< of the cutoff; beyond that speed some folding is let be
+constexpr double kLeastScale = 0.125;  ///< of the cutoff; at higher speeds some folding is accepted
 constexpr double kAttenuation = 86, kCutoff = 0.47;
 constexpr std::size_t kFine = 512;    ///< points of the filter's shape a frame
 constexpr std::size_t kPhases = 256;  ///< rows of a table at full cutoff; fewer where the filter is wider
@@ -154,7 +154,7 @@ std::size_t Transposer::needed(std::size_t frames, double speed) const {
 void Transposer::push(std::span<const float> in) {
     const std::size_t frames = in.size() / channels_, slack = tapsOf(kLeastScale);
     if (filled_ + frames + slack > stride_) {
-        // What lies so far behind that no filter reaches it goes.
+        // Drop the frames that no filter reaches any more.
         const std::int64_t from = whole_ - static_cast<std::int64_t>(halfOf(kLeastScale));
         const auto gone = static_cast<std::size_t>(
             std::clamp<std::int64_t>(from - first_, 0, static_cast<std::int64_t>(filled_)));

@@ -25,7 +25,7 @@ void CommandQueue::send(const Command& command) {
     const bool hurry = urgent(command);
     if (waiting_.empty() ? ring_.free() > (hurry ? 0 : kReserved) : hurry && ring_.free() > 0) {
         if (hurry && !waiting_.empty()) {
-            // It overtakes: what it would have ended must not come after it.
+            // The command overtakes what waits: starts that it would have ended are dropped.
             std::erase_if(waiting_, [&](const Command& older) {
                 return older.channel == command.channel &&
                        (older.kind == CommandKind::Play || older.kind == command.kind);

@@ -15,8 +15,9 @@ class Conversion {
     enum class Filled : std::uint8_t { all, dry, ended };
 
     /// Whether what is converted is the file itself, in one or two channels: then its levels are those of its
-    /// pages, and it may be converted together with others. Once something is set it is not, until its next
-    /// start, because when exactly that ends depends on how far the conversion has read ahead. [audio]
+    /// pages, and it may be converted together with others. A channel on which
+    /// an effect, VOLDSP or a tempo was set stays alone until its next start: its conversion has read ahead, so the
+    /// frame at which the setting ends is not known. [audio]
     static bool isFile(Channel& channel);
     /// Reads from the channel what its conversion needs for the next `want` frames. [audio]
     Filled fill(Channel& channel, std::uint32_t want);

@@ -16,9 +16,10 @@ class ConversionGroups {
     ConversionGroups();
     /// Begins a stretch of `frames` output frames.
     void begin(std::uint32_t frames);
-    /// Whether a group is there for it. [audio]
+    /// Whether a group has its phase or is free. [audio]
     bool takes(const dsp::Resampler& resampler) const;
-    /// Adds what `resampler`, which holds enough and is taken, will give, times `gain`, and moves it on. [audio]
+    /// Adds the next frames of `resampler` times `gain` to the group of its phase and advances it. Its input must
+    /// have been taken in, and takes() be true. [audio]
     void add(dsp::Resampler& resampler, float gain);
     /// Adds the sounds of all groups to `out`. [audio]
     void finish(float* out);

@@ -85,7 +85,7 @@ void Graph::renderBlock(std::uint32_t frames) {
     time_.clock += frames;
 }
 
-/// A bus may go on without a source: its reverb, a conversion. Only what came out tells.
+/// The reverb or the conversion of a bus sounds on without a source: silence is what went out as silence.
 void Graph::countSilence(std::uint32_t frames) {
     if (!mayRest_) return;
     const bool silent =

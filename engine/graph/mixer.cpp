@@ -53,7 +53,8 @@ class Batch {
     Form form_ = Form::stereo;
 };
 
-/// Sound from pages is only noted; what was computed is gone after this block and is measured now.
+/// Notes the frames of sound that lies in pages: their level is computed on demand. Measures computed sound now,
+/// because its buffer is used again.
 void measure(Channel& channel, const View& view) {
     Metering& meter = *channel.audio.plug->meter;
     const bool trails = view.source != View::kNoSource;
@@ -98,7 +99,7 @@ void wentOn(AudioState& a, std::uint32_t frames, std::uint64_t block) {
 
 }  // namespace
 
-/// Frames up to which the same channels are converted together: a slide, or a sound, ends behind them.
+/// Frames that are mixed in one part: within them no converted channel comes to the end of its sound or of a slide.
 std::uint32_t Mixer::evenPart(Channel* const& first, std::uint32_t frames) {
     std::uint64_t part = frames;
     for (Channel* channel = first; channel;) {
@@ -139,7 +140,7 @@ void Mixer::mixInputs(Channel* const& first, float* out, std::uint32_t frames) {
     --nested_;
 }
 
-/// Puts a channel to those that are converted together; false where it must be converted alone.
+/// Adds a channel to the group that is converted together; false: it must be converted alone.
 bool Mixer::joinGroup(Channel& channel, std::uint32_t frames, ConversionGroups& groups) {
     AudioState& a = channel.audio;
     if (a.volume.active() || !Conversion::isFile(channel) || !groups.takes(*a.plug->resampler)) return false;
@@ -214,7 +215,7 @@ void Mixer::mixInput(Channel& channel, float* out, std::uint32_t frames, View vi
     wentOn(a, frames, time_.block);
     if (done < frames) {
         a.plug->meter->meter.feedSilence(frames - done);
-        // Time goes on where its sound does not.
+        // The slide goes on for the frames without sound.
         if (a.volume.active() && a.volume.advance(frames - done)) over |= a.volume.stopsAtEnd();
     }
     if (over) {

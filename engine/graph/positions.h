@@ -18,7 +18,8 @@ class Positions {
     /// stretches it: tells the syncs of both. A conversion is heard later: publish() tells of it. [audio]
     void delivered(Channel& channel, Channel& source, std::uint64_t from, std::uint64_t to);
     /// The same for a tempo channel whose source went from `from` to `to`: on, or over the end of a loop.
-    /// Small steps back are those of a sound that is laid over itself. [audio]
+    /// A step back of less than 25 ms is no wrap: a new lane may begin a little before the place where the last one
+    /// was left. [audio]
     void stretched(Channel& channel, std::uint64_t from, std::uint64_t to);
     /// The resampler of the channel reads ahead. If loop or end changed since, returns the frames not yet heard
     /// to the source. [audio]

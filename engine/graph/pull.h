@@ -9,8 +9,8 @@
 
 namespace zv::engine {
 
-/// A stretch of sound. `own`: lies in a buffer of the graph, to be used before anything else is pulled and
-/// free to be changed; else in memory that stays as it is until the end of the render.
+/// A stretch of sound. `own`: it lies in a buffer of the graph, which the receiver may change and must use before the
+/// next pull; else in memory that nobody changes until the end of the render.
 struct View {
     static constexpr std::uint64_t kNoSource = ~std::uint64_t{0};
     const float* data = nullptr;

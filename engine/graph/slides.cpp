@@ -98,7 +98,7 @@ void Slides::passTime(std::uint32_t frames) {
             }
         }
         if (a.tempoSlides) {
-            // A conversion does not ask in every block; who is not asked for longer stands still.
+            // A conversion does not pull in every block. A channel that is not pulled for longer stands still.
             a.tempoIdle += share(frames, channel->rate, rate, a.tempoRest);
             if (a.tempoBlock == time_.block) {
                 a.tempoIdle = 0;

@@ -87,8 +87,7 @@ void TempoLane::setStretch(double ratio) {
 double TempoLane::lagAt(const TempoParameters& p) const {
     if (!stretches_) return 0;
     const double lag = (p.stretch() - 1) * static_cast<double>(stretcher_->sequence()) / 2;
-    // Where nothing sounded before, counting stays near to what speed and time say, however far apart the
-    // sequences.
+    // A lane that nothing precedes has a limited lag: its positions stay near to what speed and time give.
     const double most = kMostLagSeconds * rate_;
     return settled_ ? lag : std::clamp(lag, -most, most);
 }

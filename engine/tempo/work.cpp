@@ -83,8 +83,8 @@ bool TempoWork::follows(const TempoLane& lane, const Wish& wish, std::uint64_t b
 bool TempoWork::offerStands(const TempoLane& lane, const TempoSnapshot& now, const Wish& wish) {
     if (lane.epoch != now.epoch || lane.after != now.current) return false;
     if (lane.playsOtherwise(now.range) || lane.switchAt < now.at()) return false;
-    // One that continues what sounds is heard first, though wishes have changed since: while somebody turns a
-    // knob they always have.
+    // A lane that continues what sounds is taken although the wishes have changed since. Else no change would be
+    // heard while somebody turns a knob.
     return !lane.clean || follows(lane, wish, now.zero + lane.switchAt);
 }
 
@@ -119,7 +119,7 @@ void TempoWork::prime(std::uint64_t frame) {
     meeting_.primed.store(lane);
 }
 
-/// From the source itself into a first lane. Both begin with the same frames: the fade is hardly one.
+/// From the source itself into a first lane. Both hold the same frames there, so the cross-fade is hardly heard.
 void TempoWork::enter(const TempoSnapshot& now, const Wish& wish) {
     const bool fresh = now.clock == now.start;  // nothing has sounded from here
     const std::uint64_t lead = fresh ? 0 : tempoFrames(kLeadSeconds, rate_);
@@ -218,7 +218,7 @@ std::int64_t TempoWork::bestLag(std::span<const float> old, std::uint64_t source
     std::size_t place = back;
     for (std::size_t lag = 0; lag + frames <= got && lag <= back + reach; ++lag) {
         float product = 0, power = 1e-9f;
-        for (std::size_t i = 0; i < frames; i += 2) {  // every other frame tells enough
+        for (std::size_t i = 0; i < frames; i += 2) {  // every second frame suffices
             product += here[i] * there[lag + i];
             power += there[lag + i] * there[lag + i];
         }
@@ -245,11 +245,11 @@ void TempoWork::work() {
         now.current && now.current->state.load(std::memory_order_acquire) == TempoLane::State::playing;
     if (sounding) {
         if (!now.current->leaves && !now.current->playsOtherwise(now.range)) now.current->adopt(now.range);
-        // By the stretch, not by the crumb: a stretcher's state has to come into the caches each time.
+        // Fill in long stretches: each call brings the stretcher's state into the caches anew.
         if (now.current->ahead() < tempoFrames(kRefillSeconds, rate_))
             now.current->fill(reader_, tempoFrames(kAheadSeconds, rate_));
     } else if (now.current) {
-        return;  // it has just changed over: next time
+        return;  // the audio thread has just changed over: left for the next call
     }
     if (pending_ && pending_->state.load(std::memory_order_acquire) == TempoLane::State::made &&
         offerStands(*pending_, now, wish)) {
