@@ -218,16 +218,4 @@ void Workers::serveBlock() {
     for (const auto& tempo : work.tempos) tempo->work();
 }
 
-void Workers::serveAll() {
-    assertControlThread();
-    while (serveOnce(collect(), false)) {
-    }
-}
-
-std::size_t Workers::memory() {
-    std::size_t bytes = 0;
-    for (const auto& sound : collect().sounds) bytes += sound->memory();
-    return bytes;
-}
-
 }  // namespace zv::engine

@@ -35,10 +35,6 @@ class Workers {
     void wake();
     /// Offline: everything the next block may read is loaded, on the calling thread.
     void serveBlock();
-    /// Serves until nothing is wanted, on the calling thread. [control]
-    void serveAll();
-    /// Bytes of decoded sound in memory. [any]
-    std::size_t memory();
 
   private:
     struct Thread {

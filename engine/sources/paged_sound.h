@@ -73,10 +73,6 @@ class PagedSound final : public FrameReader {
     /// raised into the four values; pages that are not there count as silence. Never waits. [any but audio]
     void measure(std::uint64_t frame, std::uint64_t count, float gain, float (&peak)[2],
                  double (&power)[2]) const;
-    /// Bytes of decoded sound in memory. [any]
-    std::size_t memory() const {
-        return resident_.load(std::memory_order_relaxed) * pageSamples_ * sizeof(float);
-    }
 
   private:
     struct Wanted {

@@ -70,33 +70,6 @@ TEST_F(Contract, GainsOnGainsStayNumbers) {
     }
 }
 
-TEST_F(Contract, LevelsAreThoseOfTheLastMoment) {
-    const Topology studio;
-    decoders->sounds["sides"] = {.length = 441000, .sample = [](std::uint64_t f, std::uint32_t c) {
-                                     return c == 0 ? sine(f, 1000, 44100, 0.8) : 0.25F;
-                                 }};
-    const DWORD jingle = studio.jingle(file("sides"));
-    float levels[2]{};
-    constexpr DWORD stereo = BASS_LEVEL_STEREO | BASS_LEVEL_VOLPAN;
-    EXPECT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.04F, stereo));
-    EXPECT_EQ(levels[0], 0);
-    BASS_ChannelPlay(jingle, false);
-    pull(4410);
-    EXPECT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.04F, stereo));
-    EXPECT_NEAR(levels[0], 0.8, 0.01);
-    EXPECT_NEAR(levels[1], 0.25, 1e-6);
-    EXPECT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.04F, stereo | BASS_LEVEL_RMS));
-    EXPECT_NEAR(levels[0], 0.8 / std::numbers::sqrt2, 0.01);
-    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_VOL, 0.5F);
-    pull(4410);
-    EXPECT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.04F, stereo));
-    EXPECT_NEAR(levels[0], 0.4, 0.01);
-    EXPECT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.04F, BASS_LEVEL_STEREO));
-    EXPECT_NEAR(levels[0], 0.8, 0.01);
-    EXPECT_FALSE(BASS_Mixer_ChannelGetLevelEx(0, levels, 0.04F, stereo));
-    EXPECT_FALSE(BASS_Mixer_ChannelGetLevelEx(jingle, nullptr, 0.04F, stereo));
-}
-
 TEST_F(Contract, AMixerWithoutSoundStallsUnlessItIsToldNotTo) {
     const Topology studio;
     const DWORD jingle = studio.jingle(file("one"));
@@ -138,10 +111,17 @@ TEST_F(Contract, LevelsAreThoseOfWhatWentOut) {
         }
         const BASS_BFX_VOLUME half{BASS_BFX_CHANALL, 0.5F};
         if (*way == 'e') BASS_FXSetParameters(BASS_ChannelSetFX(jingle, BASS_FX_BFX_VOLUME, 20), &half);
+        BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_VOL, 0.75F);
         pull(640);
         take();
         BASS_ChannelPlay(jingle, false);
         std::vector<float> sound(std::size_t{46000} * 2);
+        const auto level = [&](float seconds, DWORD flags, std::size_t side) {
+            float levels[2]{};
+            EXPECT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, seconds, flags));
+            return levels[side];
+        };
+        constexpr DWORD heard = BASS_LEVEL_STEREO | BASS_LEVEL_VOLPAN;
         std::mt19937 random(3);
         for (int turn = 0; turn < 50; ++turn) {
             if (turn % 10 == 9 && *way != 't')
@@ -153,7 +133,7 @@ TEST_F(Contract, LevelsAreThoseOfWhatWentOut) {
                 if (*way == 't' && (seconds == 1 || turn < 5)) continue;
                 const auto window = static_cast<std::size_t>(std::ceil(seconds * 44100));
                 for (const std::size_t side : {0U, 1U}) {
-                    float levels[2]{}, peak = 0, wider = 0;
+                    float peak = 0, wider = 0;
                     double power = 0;
                     for (std::size_t i = 0; i < window + grain; ++i) {
                         const float sample = std::abs(sound[sound.size() - 2 * (i + 1) + side]);
@@ -162,53 +142,25 @@ TEST_F(Contract, LevelsAreThoseOfWhatWentOut) {
                         peak = std::max(peak, sample);
                         power += sample * sample;
                     }
-                    ASSERT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, seconds, BASS_LEVEL_STEREO));
-                    ASSERT_GE(levels[side], peak - near) << way << ", " << seconds << " s, turn " << turn;
-                    ASSERT_LE(levels[side], wider + near) << way << ", " << seconds << " s, turn " << turn;
-                    BASS_Mixer_ChannelGetLevelEx(jingle, levels, seconds, BASS_LEVEL_STEREO | BASS_LEVEL_RMS);
+                    const std::string where = way + (", turn " + std::to_string(turn));
+                    ASSERT_GE(level(seconds, heard, side), peak - near) << where << ", " << seconds << " s";
+                    ASSERT_LE(level(seconds, heard, side), wider + near) << where << ", " << seconds << " s";
                     const auto rms = std::sqrt(power / static_cast<double>(window));
-                    ASSERT_NEAR(levels[side], rms, 0.01 + grain * 0.9 / static_cast<double>(window))
-                        << way << ", " << seconds << " s, turn " << turn;
+                    ASSERT_NEAR(level(seconds, heard | BASS_LEVEL_RMS, side), rms,
+                                0.01 + grain * 0.9 / static_cast<double>(window))
+                        << where << ", " << seconds << " s";
                 }
             }
         }
-    }
-}
-
-/// Sound straight from pages and computed sound are measured in two places; one forgets when the other begins.
-TEST_F(Contract, LevelsOfTheOtherWayAreForgotten) {
-    for (const std::uint32_t rate : {44100U, 48000U})
-        for (const bool computedFirst : {false, true}) {
-            if (computedFirst && rate != 44100) continue;  // a conversion is computed until its next start
-            begin({.period = 441});
-            decoders->sounds["ends"] = {
-                .format = {rate, 2, 16}, .length = 441000, .sample = [](auto frame, auto) {
-                    return frame < 22050 ? 0.5F : 0.0F;
-                }};
-            const Topology studio;
-            const DWORD jingle = studio.jingle(file("ends"));
-            const HFX effect = BASS_ChannelSetFX(jingle, BASS_FX_BFX_VOLUME, 20);
-            const auto computed = [&](bool on) {
-                const BASS_BFX_VOLUME gain{BASS_BFX_CHANALL, on ? 0.9F : 1};
-                BASS_FXSetParameters(effect, &gain);
-            };
-            const auto level = [&] {
-                float levels[2]{};
-                BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.5F, BASS_LEVEL_STEREO);
-                return levels[1];
-            };
-            computed(computedFirst);
-            BASS_ChannelPlay(jingle, false);
-            pull(4410);
-            EXPECT_GT(level(), 0.4F);
-            BASS_ChannelSetPosition(jingle, 30000 * 4, BASS_POS_BYTE);
-            computed(!computedFirst);
-            pull(882);
-            EXPECT_EQ(level(), 0) << rate << computedFirst;
-            computed(computedFirst);
-            pull(882);
-            EXPECT_EQ(level(), 0) << rate << computedFirst << ": nor when it comes back";
+        // Before VOL, and of both sides in one.
+        for (const DWORD kind : {DWORD{0}, BASS_LEVEL_RMS}) {
+            const float left = level(0.04F, kind | heard, 0), right = level(0.04F, kind | heard, 1);
+            EXPECT_NEAR(level(0.04F, kind | BASS_LEVEL_STEREO, 1), right / 0.75F, 1e-6);
+            EXPECT_NEAR(level(0.04F, kind | BASS_LEVEL_VOLPAN, 0),
+                        kind == 0 ? std::max(left, right) : std::hypot(left, right) / std::numbers::sqrt2,
+                        1e-6);
         }
+    }
 }
 
 TEST_F(Contract, ARecordingIsPulledLikeAFile) {

@@ -95,66 +95,6 @@ TEST_F(Syncs, ASlideThatIsTiedToOneBeginsWithItsVeryFrame) {
     EXPECT_FALSE(engineControl()->slideAtSync(jingle, 12345, -1, 0, false));
 }
 
-TEST_F(Syncs, OnceAlwaysRemovedJumpedOverAndInsideALoop) {
-    BASS_ChannelPlay(jingle, false);
-    at(500);
-    at(600, BASS_SYNC_POS);
-    const HSYNC removed = at(700);
-    EXPECT_TRUE(BASS_ChannelRemoveSync(jingle, removed));
-    EXPECT_FALSE(BASS_ChannelRemoveSync(jingle, removed));
-    EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_HANDLE);
-    pull(882);
-    EXPECT_EQ(fired.count, 2);
-    // The one-time sync is gone, the other fires again.
-    BASS_ChannelSetPosition(jingle, 0, BASS_POS_BYTE);
-    pull(882);
-    EXPECT_EQ(fired.count, 3);
-    // Jumped over: silent.
-    at(2000);
-    BASS_ChannelSetPosition(jingle, 3000 * 4, BASS_POS_BYTE);
-    pull(882);
-    EXPECT_EQ(fired.count, 3);
-    // Inside a loop pass.
-    BASS_ChannelFlags(source, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
-    BASS_ChannelSetPosition(source, 1000 * 4, BASS_POS_LOOP);
-    BASS_ChannelSetPosition(source, 5000 * 4, BASS_POS_END);
-    pull(4410);
-    EXPECT_EQ(fired.count, 4);
-    // A freed channel is silent.
-    at(2500);
-    BASS_StreamFree(jingle);
-    pull(8820);
-    EXPECT_EQ(fired.count, 4);
-}
-
-TEST_F(Syncs, SoundOfAnotherRateIsToldOfWhenItIsHeard) {
-    begin({.period = 32});
-    decoders->sounds["48k"] = {.format = {48000, 2, 16}, .length = 4000, .sample = ramp};
-    const Topology again;
-    source = file("48k");
-    jingle = again.jingle(source);
-    BASS_ChannelFlags(source, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
-    constexpr QWORD period = 32 * 48000 / 44100 + 2;
-    for (const std::uint64_t frame : {1U, 2000U, 3990U, 4000U}) {
-        const HSYNC sync = at(frame, BASS_SYNC_POS);
-        fired = {};
-        BASS_ChannelSetPosition(jingle, 0, BASS_POS_BYTE);
-        BASS_ChannelPlay(jingle, false);
-        for (int passes = 1; passes <= 2; ++passes) {
-            while (fired.count < passes && BASS_ChannelIsActive(jingle) == BASS_ACTIVE_PLAYING) pull(32);
-            ASSERT_EQ(fired.count, passes) << frame;
-            EXPECT_LE((fired.position / 4 + 4000 - frame) % 4000, period)
-                << frame << ", heard " << fired.position / 4;
-            pull(320);
-        }
-        BASS_ChannelFlags(source, 0, BASS_SAMPLE_LOOP);
-        pull(6400);
-        EXPECT_EQ(fired.count, frame > 2400 ? 3 : 2) << frame << ": once more up to the end";
-        BASS_ChannelFlags(source, BASS_SAMPLE_LOOP, BASS_SAMPLE_LOOP);
-        BASS_ChannelRemoveSync(jingle, sync);
-    }
-}
-
 TEST_F(Syncs, ThoseThatWereNotReachedWaitUntilTheyAreRemoved) {
     // A program sets its stop position anew at every press, and removes the old one.
     std::vector<HSYNC> waiting;
