@@ -248,43 +248,21 @@ TEST_F(WebStreams, SongsThatFollowInOneOggStreamGoOnUnderTheirNames) {
     }
 }
 
-TEST_F(WebStreams, HoursOfAStreamTakeNoMoreMemoryThanMinutes) {
-    const char* asked = std::getenv("ZV_HOURS");
-    const double hours = asked ? std::atof(asked) : 0.1;
-    const auto mp3 = encoded("a.mp3"), opus = encoded("a.opus", "-ar 48000 -metadata title=Song");
-    server.answer("/titles", [&](StreamServer::Client& client) {
-        client.say("ICY 200 OK\r\ncontent-type:audio/mpeg\r\nicy-metaint:" + std::to_string(mp3.size()) +
-                   "\r\n\r\n");
-        for (int song = 0; !client.hangsUpWithin(0); ++song) {
-            std::string title = "StreamTitle='Song " + std::to_string(song) + "';";
-            title.resize(48, '\0');
-            client.send(mp3), client.say("\x03" + title);
-        }
-    });
+TEST_F(WebStreams, MinutesOfSongsTakeNoMoreMemoryThanSeconds) {
+    const auto opus = encoded("a.opus", "-ar 48000 -metadata title=Song");
     server.answer("/songs", [&](StreamServer::Client& client) {
         client.say(header("audio/ogg"));
         while (!client.hangsUpWithin(0)) client.send(opus);
     });
-    for (const char* path : {"/titles", "/songs"}) {
-        const auto decoder = open(server.url(path));
-        ASSERT_TRUE(decoder) << path << " " << error;
-        std::vector<std::size_t> held;
-        std::vector<float> some(8192);
-        for (int part = 0; part < 5; ++part) {
-            const double wanted = hours * 3600 / 5 * decoder->format().rate;
-            for (double frames = 0; frames < wanted;) {
-                const std::size_t got = decoder->read(some);
-                if (got == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-                frames += static_cast<double>(got);
-                ASSERT_FALSE(decoder->ended()) << path;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(300));  // its store is full again
-            held.push_back(heapInUse());
-        }
-        if (asked)
-            for (const std::size_t bytes : held) std::printf("%s: %zu kB in use\n", path, bytes / 1024);
-        EXPECT_LT(held[4], held[1] + (std::size_t{2} << 20)) << path;
+    const auto decoder = open(server.url("/songs"));
+    ASSERT_TRUE(decoder) << error;
+    std::size_t held[3];
+    for (std::size_t& bytes : held) {
+        readStream(*decoder, 48'000 * 120);
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));  // its store is full again
+        bytes = heapInUse();
     }
+    EXPECT_LT(held[2], held[1] + (std::size_t{1} << 20));
 }
 
 TEST_F(WebStreams, PlaylistsLeadToTheirStream) {
@@ -296,10 +274,6 @@ TEST_F(WebStreams, PlaylistsLeadToTheirStream) {
     server.answer(
         "/mp3", [mp3](StreamServer::Client& client) { client.say(header("audio/mpeg")), client.send(mp3); });
     server.answer("/a.m3u", text("audio/x-mpegurl", "#EXTM3U\r\n" + server.url("/gone") + "\r\nmp3\r\n"));
-    server.answer("/a.pls", text("text/plain", "[playlist]\nFile1=" + server.url("/a.m3u") + "\n"));
-    server.answer("/a.xspf", text("application/xspf+xml",
-                                  "<?xml version='1.0'?><playlist><trackList><track><location>" +
-                                      server.url("/mp3") + "</location></track></trackList></playlist>"));
     server.answer("/itself", text("text/plain", "#EXTM3U\nitself\n"));
     server.answer("/file", text("text/plain", "#EXTM3U\nfile:///etc/passwd\n"));
     for (const char* name : {"s.m3u8", "s0.ts", "s1.ts", "s2.ts"})
@@ -308,7 +282,7 @@ TEST_F(WebStreams, PlaylistsLeadToTheirStream) {
                 client.say(header("video/mp2t", "Content-Length: " + std::to_string(body.size()) + "\r\n"));
                 client.send(body);
             });
-    for (const char* path : {"/a.m3u", "/a.pls", "/a.xspf", "/s.m3u8"}) {
+    for (const char* path : {"/a.m3u", "/s.m3u8"}) {
         const auto decoder = open(server.url(path));
         ASSERT_TRUE(decoder) << path << " " << error;
         expectTones(readStream(*decoder), path);
@@ -351,81 +325,69 @@ TEST_F(WebStreams, DriesUpAndGoesOn) {
 }
 
 TEST_F(WebStreams, EveryFailureHasItsCode) {
-    const auto status = [](std::string line) {
-        return [=](StreamServer::Client& client) {
-            client.say("HTTP/1.1 " + line + "\r\nContent-Length: 0\r\n\r\n");
-        };
+    using Client = StreamServer::Client;
+    const auto say = [](std::string text) { return [=](Client& client) { client.say(text); }; };
+    const auto hold = [](std::string text) {
+        return [=](Client& client) { client.say(text), client.waitForHangUp(); };
     };
-    server.answer("/forbidden", status("403 Forbidden"));
-    server.answer("/password", status("401 Unauthorized"));
-    server.answer("/full", status("503 Service Unavailable"));
-    server.answer("/hangs-up", [](StreamServer::Client&) {});
-    server.answer("/page", [](StreamServer::Client& client) {
-        client.say(header("text/html") + "<html>" + std::string(20'000, 'x') + "</html>");
-    });
-    server.answer("/empty", [](StreamServer::Client& client) { client.say(header("audio/mpeg")); });
-    server.answer("/silent", [](StreamServer::Client& client) { client.waitForHangUp(); });
-    server.answer("/promises", [](StreamServer::Client& client) {
-        client.say(header("audio/mpeg")), client.waitForHangUp();
-    });
-    server.answer("/circle", [&](StreamServer::Client& client) {
-        client.say("HTTP/1.1 302 Found\r\nLocation: /circle\r\nContent-Length: 0\r\n\r\n");
-    });
-    server.answer("/to-file", [&](StreamServer::Client& client) {
-        client.say("HTTP/1.1 302 Found\r\nLocation: file:///etc/passwd\r\nContent-Length: 0\r\n\r\n");
-    });
     const auto drip = [](std::string first, std::string piece, int ms) {
-        return [=](StreamServer::Client& client) {
+        return [=](Client& client) {
             client.say(first);
             while (!client.hangsUpWithin(ms)) client.say(piece);
         };
     };
-    server.answer("/drops", drip(header("audio/mpeg"), "x", 50));
-    server.answer("/headers", drip("HTTP/1.1 200 OK\r\n", "X-More: and more\r\n", 0));
-    server.answer("/one-header", drip("HTTP/1.1 200 OK\r\nX-Long: ", std::string(100'000, 'x'), 0));
-    server.answer("/garbage", drip(header("audio/mpeg"), std::string(4096, '\x5A'), 1));
-    server.answer("/packed",
-                  drip(header("audio/mpeg", "Content-Encoding: gzip\r\n"), "\x1F\x8B\x08 rubbish", 5));
-    // Headers of sound that promise gigabytes.
-    const std::string zeros(1 << 16, '\0');
-    server.answer("/long-tag",
-                  drip(header("audio/mpeg") + std::string("ID3\4\0\0\x7F\x7F\x7F\x7F", 10), zeros, 0));
-    server.answer("/long-chunk", drip(header("audio/wav", "Content-Length: 4000000000\r\n") +
-                                          std::string("RIFF\xFF\xFF\xFF\x7FWAVELIST\xFF\xFF\xFF\x7F", 20),
-                                      zeros, 0));
-    server.answer("/long-atom", drip(header("audio/mp4") + std::string("\x7F\xFF\xFF\xFFmoov", 8), zeros, 0));
-    server.answer("garbled",
-                  [](StreamServer::Client& client) { client.say("HTTP/1.1 400 Bad Request\r\n\r\n"); });
+    const auto status = [&](std::string line) {
+        return say("HTTP/1.1 " + line + "\r\nContent-Length: 0\r\n\r\n");
+    };
+    const std::string mpeg = header("audio/mpeg"), zeros(1 << 16, '\0');
     const struct {
-        std::string url;
+        std::string path;
+        StreamServer::Answer answer;
         int error;
-    } failures[] = {
-        {server.url("/missing"), BASS_ERROR_FILEOPEN},
-        {server.url("/forbidden"), BASS_ERROR_FILEOPEN},
-        {server.url("/password"), BASS_ERROR_FILEOPEN},
-        {server.url("/full"), BASS_ERROR_FILEOPEN},
-        {server.url("/hangs-up"), BASS_ERROR_FILEOPEN},
-        {server.url("/circle"), BASS_ERROR_FILEOPEN},
+    } answers[] = {
+        {"/missing", {}, BASS_ERROR_FILEOPEN},
+        {"/forbidden", status("403 Forbidden"), BASS_ERROR_FILEOPEN},
+        {"/password", status("401 Unauthorized"), BASS_ERROR_FILEOPEN},
+        {"/full", status("503 Service Unavailable"), BASS_ERROR_FILEOPEN},
+        {"/hangs-up", say(""), BASS_ERROR_FILEOPEN},
+        {"/circle", status("302 Found\r\nLocation: /circle"), BASS_ERROR_FILEOPEN},
+        {"/to-file", status("302 Found\r\nLocation: file:///etc/passwd"), BASS_ERROR_FILEOPEN},
+        {"/page", say(header("text/html") + "<html>" + std::string(20'000, 'x') + "</html>"),
+         BASS_ERROR_FILEFORM},
+        {"/empty", say(mpeg), BASS_ERROR_FILEFORM},
+        {"/silent", hold(""), BASS_ERROR_TIMEOUT},
+        {"/promises", hold(mpeg), BASS_ERROR_TIMEOUT},
+        {"/drops", drip(mpeg, "x", 50), BASS_ERROR_TIMEOUT},
+        {"/headers", drip("HTTP/1.1 200 OK\r\n", "X-More: and more\r\n", 0), BASS_ERROR_TIMEOUT},
+        {"/one-header", drip("HTTP/1.1 200 OK\r\nX-Long: ", std::string(100'000, 'x'), 0),
+         BASS_ERROR_TIMEOUT},
+        {"/garbage", drip(mpeg, std::string(4096, '\x5A'), 1), BASS_ERROR_FILEFORM},
+        {"/packed", drip(header("audio/mpeg", "Content-Encoding: gzip\r\n"), "\x1F\x8B\x08 rubbish", 5),
+         BASS_ERROR_TIMEOUT},
+        // Headers of sound that promise gigabytes.
+        {"/long-tag", drip(mpeg + std::string("ID3\4\0\0\x7F\x7F\x7F\x7F", 10), zeros, 0),
+         BASS_ERROR_TIMEOUT},
+        {"/long-chunk",
+         drip(header("audio/wav", "Content-Length: 4000000000\r\n") +
+                  std::string("RIFF\xFF\xFF\xFF\x7FWAVELIST\xFF\xFF\xFF\x7F", 20),
+              zeros, 0),
+         BASS_ERROR_TIMEOUT},
+        {"/long-atom", drip(header("audio/mp4") + std::string("\x7F\xFF\xFF\xFFmoov", 8), zeros, 0),
+         BASS_ERROR_TIMEOUT},
+    };
+    server.answer("garbled", say("HTTP/1.1 400 Bad Request\r\n\r\n"));
+    std::vector<std::pair<std::string, int>> failures{
         {"http://127.0.0.1:" + std::to_string(freePort()) + "/", BASS_ERROR_FILEOPEN},
-        {server.url("/page"), BASS_ERROR_FILEFORM},
-        {server.url("/empty"), BASS_ERROR_FILEFORM},
-        {server.url("/silent"), BASS_ERROR_TIMEOUT},
-        {server.url("/promises"), BASS_ERROR_TIMEOUT},
-        {server.url("/drops"), BASS_ERROR_TIMEOUT},
-        {server.url("/headers"), BASS_ERROR_TIMEOUT},
-        {server.url("/one-header"), BASS_ERROR_TIMEOUT},
-        {server.url("/garbage"), BASS_ERROR_FILEFORM},
-        {server.url("/packed"), BASS_ERROR_TIMEOUT},
-        {server.url("/long-tag"), BASS_ERROR_TIMEOUT},
-        {server.url("/long-chunk"), BASS_ERROR_TIMEOUT},
-        {server.url("/long-atom"), BASS_ERROR_TIMEOUT},
         {"http://no-such-host.invalid/", BASS_ERROR_NONET},
         {server.url("/", "https"), BASS_ERROR_SSL},
         {"ftp://127.0.0.1/a.mp3", BASS_ERROR_PROTOCOL},
         {"file:///etc/passwd", BASS_ERROR_PROTOCOL},
         {"", BASS_ERROR_PROTOCOL},
-        {server.url("/to-file"), BASS_ERROR_FILEOPEN},
     };
+    for (const auto& [path, answer, code] : answers) {
+        if (answer) server.answer(path, answer);
+        failures.emplace_back(server.url(path), code);
+    }
     std::vector<std::jthread> listeners;
     for (const auto& [url, expected] : failures)
         listeners.emplace_back([url = url, expected = expected] {
