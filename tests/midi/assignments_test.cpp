@@ -315,26 +315,5 @@ TEST_F(SurfaceTest, MessagesAreCopiedTestedAndKept) {
     EXPECT_TRUE(MIDIStore.GetValue("OutReset", 0, "Pad").empty());
 }
 
-TEST_F(SurfaceTest, AWheelShowsWhichDirectionIsMissing) {
-    start({});
-    clMIDI("lstPal", -1);
-    MidiScrollWindow& w = frmMIDIScroll();
-    send("B01041");
-    const auto colour = [](const Control& lamp) { return lamp.drawing().at(0).colour; };
-    EXPECT_EQ(colour(w.picAntiClockw), 0x00FF00);
-    pass(60);
-    EXPECT_EQ(colour(w.picAntiClockw), 0x0000FF);
-    EXPECT_EQ(colour(w.picClockw), 0xFFFF00);
-    pass(500);
-    EXPECT_EQ(colour(w.picClockw), 0x0000FF);
-    pass(500);
-    EXPECT_EQ(colour(w.picClockw), 0xFFFF00);
-    send("B0103F");
-    pass(1100);
-    EXPECT_EQ(colour(w.picClockw), 0x0000FF);
-    w.btCancel.onClick();
-    EXPECT_TRUE(midiIn.MIDIScrollClockwise.empty());
-}
-
 }  // namespace
 }  // namespace zv::test

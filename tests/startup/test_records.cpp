@@ -109,18 +109,12 @@ TEST(Controls, OnlyADifferenceIsAChange) {
         list.items = std::vector<std::string>{"a", "b"};
         SelectListItem(list, "b");
         SelectListItem(list, "c");
-        struct {
-            const char *property, *text;
-        } const table[] = {{"items", "a|b"}, {"TEXT", "b"},       {"listIndex", "1"},
-                           {"visible", "1"}, {"backColor", "-1"}, {"name", "testList"}};
-        for (const auto& row : table) {
-            bool known = false;
-            EXPECT_EQ(propertyText(list, row.property, known), row.text);
-            EXPECT_TRUE(known) << row.property;
-        }
-        bool known = true;
-        propertyText(list, "nonsense", known);
-        EXPECT_FALSE(known);
+        std::string texts;
+        bool known = false;
+        for (const char* property :
+             {"items", "TEXT", "listIndex", "visible", "backColor", "name", "fontSize", "nonsense"})
+            texts += propertyText(list, property, known), texts += known ? "; " : "unknown";
+        EXPECT_EQ(texts, "a|b; b; 1; 1; -1; testList; 0; unknown");
     }
     EXPECT_EQ(findControl("testButton", 3), nullptr);
     EXPECT_THAT(takeChanged(), IsEmpty());  // what is gone is not in the list
