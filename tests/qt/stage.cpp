@@ -98,7 +98,10 @@ void Stage::listen(Control& c) {
     const auto note = [this, who](const char* what) { log_.push_back(who + ":" + what); };
     const auto mouse = [note](const char* what) {
         return [note, what](const MouseEvent& e) {
-            note((std::string(what) + (e.button == MouseButton::right ? "R" : "")).c_str());
+            note((std::string(what) + (e.button == MouseButton::right    ? "R"
+                                       : e.button == MouseButton::middle ? "M"
+                                                                         : ""))
+                     .c_str());
         };
     };
     c.onMouseDown = mouse("down");

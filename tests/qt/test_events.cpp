@@ -31,6 +31,8 @@ TEST(Mouse, PressesReachTheHandlersInOrder) {
          "b_Jingle(0):down b_Jingle(0):up b_Jingle(0):click"},
         {"jingle, right", [](Stage& t) { return click(t.families[0]->button, MouseButton::right); },
          "b_Jingle(0):downR b_Jingle(0):upR"},
+        {"jingle, middle", [](Stage& t) { return click(t.families[0]->button, MouseButton::middle); },
+         "b_Jingle(0):downM b_Jingle(0):upM"},
         {"key", [](Stage& t) { return click(t.key); }, "btKey:down btKey:up btKey:click"},
         {"a label does not pass its press to the window", [](Stage& t) { return click(t.label); },
          "lblText:down lblText:up lblText:click"},
@@ -226,6 +228,35 @@ TEST(Fields, WhatTheLogicSetsIsNoChangeOfTheUser) {
     deliverEvents();
     EXPECT_EQ(s.told(), "");
     EXPECT_EQ(s.list.listIndex(), 1);
+}
+
+TEST(Fields, OneOptionOfSeveralIsOnAndLongTextsHaveLines) {
+    Stage s;
+    Control first("optFirst", ControlKind::option, &s.block, 0),
+        second("optFirst", ControlKind::option, &s.block, 1),
+        lines("txtLines", ControlKind::textBox, &s.window);
+    place(first, 640, 10, 60, 20);
+    place(second, 640, 40, 60, 20);
+    place(lines, 420, 340, 200, kManyLines);
+    s.listen(lines);
+    flushChanged();
+    for (Control* option : {&first, &second, &first}) {
+        EXPECT_TRUE(setTicked(*option, true));
+        EXPECT_EQ(first.value() + second.value(), 1);
+        EXPECT_EQ(option->value(), 1);
+    }
+    EXPECT_TRUE(viewOf(lines)->widget.inherits("QPlainTextEdit"));
+    EXPECT_TRUE(typeText(lines, "two words"));
+    EXPECT_EQ(lines.caption(), "two words");
+    EXPECT_NE(s.told(), "");
+}
+
+TEST(Window, FillsTheScreenAndComesBack) {
+    Stage s;
+    for (const bool full : {true, true, false}) {
+        setFullScreen(s.window, full);
+        EXPECT_EQ(viewOf(s.window)->widget.isFullScreen(), full);
+    }
 }
 
 TEST(Window, AsksBeforeItCloses) {

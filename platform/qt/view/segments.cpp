@@ -23,29 +23,7 @@ constexpr double kSlit = 0.028;       ///< between two segments, likewise
 constexpr double kAspect = 0.47;      ///< width of a figure by its height
 constexpr double kDot = 0.115;        ///< a point's side by the height
 
-int segmentsOf(QChar c) {
-    if (c.isDigit()) return kFigures[static_cast<std::size_t>(c.digitValue())];
-    switch (c.toUpper().unicode()) {
-        case '-':
-            return kG;
-        case 'A':
-            return kA | kB | kC | kE | kF | kG;
-        case 'B':
-            return kC | kD | kE | kF | kG;
-        case 'C':
-            return kA | kD | kE | kF;
-        case 'D':
-            return kB | kC | kD | kE | kG;
-        case 'E':
-            return kA | kD | kE | kF | kG;
-        case 'F':
-            return kA | kE | kF | kG;
-        case 'P':
-            return kA | kB | kE | kF | kG;
-        default:
-            return 0;
-    }
-}
+int segmentsOf(QChar c) { return c.isDigit() ? kFigures[static_cast<std::size_t>(c.digitValue())] : 0; }
 
 QPainterPath outline(int segments, const QRectF& box) {
     const double x0 = box.left(), x1 = box.right(), y0 = box.top(), y1 = box.bottom(), m = box.center().y();

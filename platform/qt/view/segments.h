@@ -6,7 +6,7 @@
 
 namespace zv::shell {
 
-/// Lit segments of a figure ('0'..'9', '-', 'A'..'F', 'P'), a colon or a point; empty for anything else.
+/// Lit segments of a digit, a colon or a point; empty for anything else.
 QPainterPath litSegments(QChar figure, const QRectF& box);
 /// All seven segments, for those that are not lit.
 QPainterPath allSegments(const QRectF& box);
