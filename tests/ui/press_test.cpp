@@ -126,6 +126,7 @@ constexpr Row kRows[] = {
     {"touch mode: play stop", "PlayMod=3", "0 ckTouch down 300 up", "a0-100 b100-", ""},
     {"touch mode: sequence", kSeq, "0 ckTouch down 200 up", "a0-100 b100-", "seq"},
     {"space on the focused button", "", "0 space 300 space", "a0-100 b100-300", ""},
+    {"space with a modifier key", "", "0 modspace", "", ""},
     {"space held", "", "0 space 100 held 200 held 300 own 500 own", "a0-100 b100-", ""},
     {"space inhibited", "", "0 inhibit space", "", ""},
     {"touch mode: any key, once", "", "0 ckTouch q 300 q", "a0-100 b100-", ""},
@@ -203,6 +204,11 @@ class PressTest : public WindowTest {
              [] {
                  KeyEvent event{Key::space};
                  Form_KeyUp(event);
+             }},
+            {"modspace",
+             [&] {
+                 KeyEvent event{Key::space, kCtrlMask};
+                 button(kSlot).onKeyDown(event);
              }},
             {"q", [&] { key(static_cast<Key>('Q')); }},
             {"S", [&] { key(static_cast<Key>('S')); }},

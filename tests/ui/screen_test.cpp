@@ -6,48 +6,36 @@
 #include <set>
 #include <sstream>
 
-#include "audio/announcer.h"
-#include "audio/play.h"
 #include "audio/streams.h"
 #include "model/held_palette.h"
-#include "platform/rehearsal/midi_devices.h"
 #include "platform/rehearsal/virtual_clock.h"
 #include "startup/errors.h"
 #include "startup/helpers.h"
 #include "startup/settings/bars_settings.h"
-#include "startup/settings/clock_settings.h"
 #include "startup/settings/display_settings.h"
-#include "startup/settings/duck_settings.h"
 #include "startup/settings/grid_settings.h"
 #include "startup/settings/labels_settings.h"
 #include "startup/settings/live_settings.h"
 #include "startup/settings/meters_settings.h"
-#include "startup/settings/palette_list_settings.h"
 #include "startup/settings/palette_settings.h"
 #include "startup/settings/program_settings.h"
 #include "startup/settings/volumes_settings.h"
-#include "startup/settings/warning_settings.h"
 #include "startup/settings_file.h"
 #include "tests/support/approved.h"
 #include "tests/support/places.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/announcer_tab.h"
-#include "ui/edit/live_tab.h"
 #include "ui/edit/palette_steps.h"
-#include "ui/edit/save_dialogue.h"
 #include "ui/press/global_keys.h"
 #include "ui/records/timers.h"
 #include "ui/screen/announcer_view.h"
-#include "ui/screen/captions.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/colours.h"
 #include "ui/screen/flashing.h"
 #include "ui/screen/layout.h"
 #include "ui/screen/layout_grid.h"
-#include "ui/screen/layout_strip.h"
 #include "ui/screen/live_view.h"
 #include "ui/screen/mic_keys.h"
-#include "ui/wiring.h"
 
 namespace zv::test {
 
@@ -98,6 +86,13 @@ std::string look(const Control& c, bool tips = true) {
     if (c.borderColor != kNoColour) text += "[" + colour(c.borderColor) + "]";
     if (c.kind == ControlKind::slider || c.kind == ControlKind::number)
         text += " " + std::to_string(c.minimum) + ".." + std::to_string(c.maximum);
+    if (c.kind == ControlKind::meter) {
+        const MeterLook& m = c.meterLook();
+        for (const Colour part : {m.backColor, m.lowColor, m.midColor, m.hiColor}) text += " " + colour(part);
+        for (const int part : {int{m.gradient}, int{m.solid}, int{m.peak}, m.peakDelayMs, m.midLevel,
+                               m.hiLevel, int{m.vertical}, int{m.clipped}})
+            text += " " + std::to_string(part);
+    }
     if (c.value != 0) text += " =" + std::to_string(c.value);
     if (!c.items().empty()) {
         for (const std::string& item : c.items())
@@ -250,28 +245,38 @@ class ScreenTest : public WindowTest {
         if (taken_ || !told.empty()) steps_.push_back("[" + title + (taken_ ? "]!" : "]") + told);
         desktop().focus = nullptr;
     }
-    /// "ctrl shift Z", "f5", "space up"
-    void key(const std::string& keys) {
+
+    /// Steps apart by commas: "ctrl shift Z", "f5", "space up", "space held" (repeated), "press 1", "release 1"; before
+    /// them "yes" answers what is asked, "typing" has the keyboard in a text.
+    void walk(const std::string& acts) {
+        std::istringstream all(acts);
+        for (std::string words; std::getline(all, words, ',');) step(words, [&] { act(words); });
+    }
+    void act(const std::string& acts) {
         KeyEvent e;
-        bool up = false;
-        std::istringstream words(keys);
+        bool up = false, mouse = false;
+        std::istringstream words(acts);
         for (std::string word; words >> word;) {
-            e.shift |= word == "ctrl"    ? kCtrlMask
-                       : word == "shift" ? kShiftMask
-                       : word == "alt"   ? kAltMask
-                                         : 0;
-            up = up || word == "up";
-            e.repeat = e.repeat || word == "held";
+            static const std::map<std::string, int> held{
+                {"ctrl", kCtrlMask}, {"shift", kShiftMask}, {"alt", kAltMask}};
             static const std::map<std::string, Key> names{{"space", Key::space},
                                                           {"escape", Key::escape},
                                                           {"del", Key::del},
                                                           {"pgup", Key::pageUp},
                                                           {"pgdn", Key::pageDown}};
+            if (const auto mask = held.find(word); mask != held.end()) e.shift |= mask->second;
             if (const auto named = names.find(word); named != names.end()) e.key = named->second;
+            if (word == "yes") desktop().answers = {BoxAnswer::yes};
+            if (word == "typing") desktop().focus = &frmMain().palettes.txtSave;
+            mouse = mouse || word == "press" || word == "release";
+            up = up || word == "up" || word == "release";
+            e.repeat = e.repeat || word == "held";
+            if (mouse && std::isdigit(word[0]) != 0) up ? release(word[0] - '0') : press(word[0] - '0');
             if (word.size() == 1) e.key = static_cast<Key>(word[0]);
             if (word[0] == 'f' && word.size() > 1)
                 e.key = static_cast<Key>(static_cast<int>(Key::f1) + std::stoi(word.substr(1)) - 1);
         }
+        if (mouse) return;
         desktop().modifiers = e.shift;
         pass(100);
         up ? frmMain().window.onKeyUp(e) : frmMain().window.onKeyDown(e);
@@ -487,30 +492,16 @@ TEST_F(ScreenTest, KeysAndMouseDoWhatWasApproved) {
     pass(4000);
     step("", [] {});
     steps_.clear();
-    for (const char* keys :
-         {"space",   "space held", "Z",       "f1",     "f2",      "f3",         "f3",      "f4",
-          "f5",      "f6",         "f7",      "f8",     "f9",      "alt f9",     "alt f9",  "f10",
-          "f10",     "f10",        "f11",     "f11",    "R",       "T",          "R",       "R",
-          "M",       "M",          "M",       "E",      "E",       "A",          "A",       "S",
-          "S",       "F",          "F",       "L",      "L",       "L",          "N",       "N",
-          "C",       "C",          "ctrl A",  "ctrl C", "alt C",   "ctrl alt C", "alt X",   "X",
-          "shift C", "shift A",    "shift A", "ctrl R", "ctrl R",  "alt M",      "M",       "M",
-          "pgdn",    "pgdn held",  "pgdn up", "pgup",   "pgup up", "pgdn",       "pgdn up", "ctrl f9",
-          "del"})
-        step(keys, [&] { key(keys); });
-    step("press 1", [&] { click(1); });
-    for (const char* keys : {"space", "space", "space held", "del", "ctrl Z", "ctrl Y", "ctrl Z",
-                             "ctrl shift Z", "ctrl Z", "escape", "del"}) {
-        desktop().answers = {BoxAnswer::yes};
-        step(keys, [&] { key(keys); });
-    }
-    step("press 2", [&] { press(2); });
-    step("let go of 2", [&] { release(2); });
-    for (const char* keys : {"space", "space up", "escape"}) step(keys, [&] { key(keys); });
-    // While a text is typed, letters belong to it; keys of the window do not.
-    for (const char* keys : {"T", "space", "f10", "f10", "f10"})
-        step(std::string("typing ") + keys,
-             [&] { desktop().focus = &frmMain().palettes.txtSave, key(keys); });
+    walk(
+        "space,space held,Z,f1,f2,f3,f3,f4,f5,f6,f7,f8,f9,alt f9,alt "
+        "f9,f10,f10,f10,f11,f11,R,T,R,R,M,M,M,E,E,A,A,S,S,F,F,"
+        "L,L,L,N,N,C,C,ctrl A,ctrl C,alt C,ctrl alt C,alt X,X,shift C,shift A,shift A,ctrl R,ctrl R,alt "
+        "M,M,M,pgdn,"
+        "pgdn held,pgdn up,pgup,pgup up,pgdn,pgdn up,ctrl f9,del,press 1,release 1,space,space,space "
+        "held,yes del,ctrl Z,"
+        "ctrl Y,ctrl Z,ctrl shift Z,ctrl Z,press 2,release 2,space,space up,escape,typing T,typing "
+        "space,typing f10,"
+        "typing f10,typing f10,yes del");
     for (int tab = 0; tab < kTabs; ++tab) {
         step("tab " + std::to_string(tab),
              [&] { frmMain().ckTab[static_cast<std::size_t>(tab)].onMouseDown({}); });
@@ -524,16 +515,13 @@ TEST_F(ScreenTest, KeysAndMouseDoWhatWasApproved) {
             for (const MouseButton button :
                  {MouseButton::left, MouseButton::left, MouseButton::right, MouseButton::middle}) {
                 if (shown == &frmMain().keys.btExit && button != MouseButton::right) continue;
-                const auto is = [&](MouseButton b) { return button == b; };
-                const std::string how = is(MouseButton::left)    ? ""
-                                        : is(MouseButton::right) ? " right"
-                                                                 : " middle";
+                const bool left = button == MouseButton::left;
+                const std::string how = left ? "" : button == MouseButton::right ? " right" : " middle";
                 const MouseEvent event{button};
                 if (shown->onMouseDown)
                     step(nameOf(*shown) + how + " down", [&] { shown->onMouseDown(event); });
                 if (shown->onMouseUp) step(nameOf(*shown) + how + " up", [&] { shown->onMouseUp(event); });
-                if (shown->onClick && button == MouseButton::left)
-                    step(nameOf(*shown) + " click", [&] { shown->onClick(); });
+                if (shown->onClick && left) step(nameOf(*shown) + " click", [&] { shown->onClick(); });
             }
         }
     }
@@ -547,7 +535,7 @@ TEST_F(ScreenTest, KeysAndMouseDoWhatWasApproved) {
         EXPECT_TRUE(closed);
         closed = false;
     }
-    step("alt f4", [&] { key("alt f4"); });
+    walk("alt f4");
     EXPECT_TRUE(closed);
     frmMain().window.onClose = nullptr;
     expectApproved("ui/acts.txt", paragraph(steps_, "  "));
