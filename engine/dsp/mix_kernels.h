@@ -16,14 +16,20 @@ void add2(float* out, const float* a, const float* b, std::size_t samples, float
 /// not foresee it by itself.
 constexpr std::size_t kNextBlock = 512;  // samples
 
+inline void askForNext(const float* a, const float* b, const float* c, const float* d, std::size_t sample) {
+    __builtin_prefetch(a + sample + kNextBlock);
+    __builtin_prefetch(b + sample + kNextBlock);
+    __builtin_prefetch(c + sample + kNextBlock);
+    __builtin_prefetch(d + sample + kNextBlock);
+}
+
 void add4(float* out, const MixSource* s, std::size_t frames) {
     const float *a = s[0].frames, *b = s[1].frames, *c = s[2].frames, *d = s[3].frames;
     const float ga = s[0].fixedGain(), gb = s[1].fixedGain(), gc = s[2].fixedGain(), gd = s[3].fixedGain();
     const std::size_t samples = 2 * frames;
     std::size_t i = 0;
     for (; i + 8 <= samples; i += 8) {
-        if (i % 16 == 0)
-            for (const float* from : {a, b, c, d}) __builtin_prefetch(from + i + kNextBlock);
+        if (i % 16 == 0) askForNext(a, b, c, d, i);
         Eight v = load(out + i) + load(a + i) * ga;
         v = v + load(b + i) * gb;
         v = v + load(c + i) * gc;
@@ -108,9 +114,7 @@ inline void gained4(float* out, const MixSource* s, std::size_t frames) {
     Feed<Mono> a(s[0]), b(s[1]), c(s[2]), d(s[3]);
     std::size_t i = 0;
     for (; i + 4 <= frames; i += 4) {
-        if (i % 8 == 0)
-            for (const float* from : {a.from, b.from, c.from, d.from})
-                __builtin_prefetch(from + (Mono ? i : 2 * i) + kNextBlock);
+        if (i % 8 == 0) askForNext(a.from, b.from, c.from, d.from, Mono ? i : 2 * i);
         Eight v = load(out + 2 * i) + a.four(i);
         v = v + b.four(i);
         v = v + c.four(i);
@@ -150,9 +154,7 @@ void addCurved4(float* out, const MixSource* s, std::size_t frames) {
     const CurvedFeed a(s[0]), b(s[1]), c(s[2]), d(s[3]);
     std::size_t i = 0;
     for (; i + 4 <= frames; i += 4) {
-        if (i % 8 == 0)
-            for (const float* from : {a.from, b.from, c.from, d.from})
-                __builtin_prefetch(from + 2 * i + kNextBlock);
+        if (i % 8 == 0) askForNext(a.from, b.from, c.from, d.from, 2 * i);
         store(out + 2 * i, (((load(out + 2 * i) + a.four(i)) + b.four(i)) + c.four(i)) + d.four(i));
     }
     for (; i < frames; ++i)
@@ -172,16 +174,22 @@ void addCurved1(float* out, const MixSource& s, std::size_t frames) {
 
 void powered(float* out, const GainCurve& curve, double base, std::size_t place, std::size_t count) {
     constexpr std::size_t kFine = GainCurve::kFine;
-    Double4 fine[kFine / 4];
-    __builtin_memcpy(fine, curve.fine.data(), sizeof fine);
+    const auto four = [&curve](std::size_t first) {
+        Double4 v;
+        __builtin_memcpy(&v, curve.fine.data() + first, sizeof v);
+        return v;
+    };
+    const Double4 fine[kFine / 4] = {four(0), four(4), four(8), four(12)};
     for (std::size_t i = 0; i < count;) {
         const double step = base * curve.coarse[place / kFine];
         std::size_t part = 0;
         if (place % kFine == 0 && count - i >= kFine) {
-            for (; part < kFine; part += 4) {
-                const Float4 g = __builtin_convertvector(step * fine[part / 4], Float4);
-                __builtin_memcpy(out + i + part, &g, sizeof g);
+#pragma GCC unroll 4
+            for (std::size_t k = 0; k < kFine / 4; ++k) {
+                const Float4 g = __builtin_convertvector(step * fine[k], Float4);
+                __builtin_memcpy(out + i + 4 * k, &g, sizeof g);
             }
+            part = kFine;
         } else {
             for (; part < count - i && (part == 0 || (place + part) % kFine != 0); ++part)
                 out[i + part] = static_cast<float>(step * curve.fine[(place + part) % kFine]);
