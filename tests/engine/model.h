@@ -137,6 +137,7 @@ class Model {
     bool playing = false, loop = false, effects = false;
     std::uint64_t loopStart = 0, end = ~std::uint64_t{0}, heard = 0;
     double tail = 0;
+    int gainPriority = 0;  ///< of VOLDSP; the effects have 20, 10 and 5, and of equals VOLDSP is first
     Fade vol, voldsp, effect;
     dsp::PeakEq eq;
     dsp::Reverb reverb;
@@ -195,11 +196,16 @@ class Model {
         const bool effective = effect.length > 0 || effect.to != 1 || !reverb.bypassed() || !eq.bypassed();
         const bool computes = effective || voldsp.length > 0 || inTail;
         if (computes != std::exchange(computed, computes)) levelsBegan = heardLately.size();
-        for (float& side : frame) side *= static_cast<float>(effect.value());
+        const int stage = gainPriority >= 20 ? 0 : gainPriority >= 10 ? 1 : gainPriority >= 5 ? 2 : 3;
+        for (int k = 0; k <= 3; ++k) {
+            if (k == stage)
+                for (float& side : frame) side *= static_cast<float>(voldsp.value());
+            if (k == 0)
+                for (float& side : frame) side *= static_cast<float>(effect.value());
+            if (k == 1 && !reverb.bypassed()) reverb.process(frame.data(), 1);
+            if (k == 2 && !eq.bypassed()) eq.process(frame.data(), 1);
+        }
         effect.step();
-        if (!reverb.bypassed()) reverb.process(frame.data(), 1);
-        if (!eq.bypassed()) eq.process(frame.data(), 1);
-        for (float& side : frame) side *= static_cast<float>(voldsp.value());
         note(frame);
     }
     void note(const std::array<float, 2>& frame) {

@@ -71,6 +71,7 @@ class Stage {
     explicit Stage(unsigned seed) : random(seed) {
         for (std::size_t k = 0; k < kVoices; ++k)
             voices.push_back(std::make_unique<Model>(Made{kFormats[k], kLength, {}}, static_cast<int>(k)));
+        for (const auto& v : voices) v->gainPriority = std::array{0, 5, 7, 10, 15, 20, 50}[seed % 7];
     }
     void perform(const Act& act) {
         scene.acts.push_back(act);
@@ -94,7 +95,7 @@ class Stage {
         if (act.kind == Kind::NoSync) v.syncs[act.a].frame = kNone;
         if (act.kind == Kind::NoSync && v.timed == static_cast<int>(act.a)) v.timed = -1;
         if (act.kind == Kind::Timed) v.timed = static_cast<int>(act.a);
-        if (act.kind == Kind::Master) master.start(act.value, frames, log);
+        if (act.kind == Kind::Master) masters[act.voice % 2].start(act.value, frames, log);
     }
     /// What a conversion has read ahead of is its own affair: such acts are left out.
     void performAny() {
@@ -150,11 +151,14 @@ class Stage {
         if (!later) perform({clock, Kind::Loop, voice, 1, 0, near->loop ? 0U : 1U});
     }
     void render(std::uint64_t frames) {
-        const auto from = static_cast<std::ptrdiff_t>(scene.aux.size());
-        scene.aux.resize(scene.aux.size() + 2 * frames);
-        for (const auto& v : voices) v->render(scene.aux.data() + from, frames);
-        for (std::uint64_t i = 0; i < frames; ++i, master.step())
-            for (int c = 0; c < 2; ++c) scene.main.push_back(scene.aux[scene.main.size()] * master.value());
+        std::vector<double> sum(2 * frames);
+        for (const auto& v : voices) v->render(sum.data(), frames);
+        for (std::uint64_t i = 0; i < 2 * frames; ++i) {
+            scene.main.push_back(sum[i] * masters[0].value());
+            scene.aux.push_back(sum[i] * masters[1].value());
+            if (i % 2 == 1)
+                for (Fade& master : masters) master.step();
+        }
         clock += frames;
         scene.looks.push_back(clock);
         for (const auto& v : voices) {
@@ -167,7 +171,7 @@ class Stage {
     std::vector<std::unique_ptr<Model>> voices;
     std::mt19937 random;
     std::uint64_t clock = 0;
-    Fade master;
+    std::array<Fade, 2> masters;  ///< of the main output, and of the auxiliary one
     Scene scene;
     const Model* near = nullptr;
 };
@@ -190,6 +194,8 @@ class AgainstTheModel : public Show {
                 jingles.emplace_back(Jingle{.source = file("sound"), .frameBytes = 2 * kFormats[k].channels});
             j.play = studio->jingle(j.source);
             j.gain = BASS_ChannelSetFX(j.play, BASS_FX_BFX_VOLUME, 20);
+            BASS_ChannelSetAttribute(j.play, BASS_ATTRIB_VOLDSP_PRIORITY,
+                                     static_cast<float>(stage.voices[k]->gainPriority));
             if (k != kWithEffects) continue;
             j.reverb = BASS_ChannelSetFX(j.play, BASS_FX_DX8_REVERB, 10);
             j.eq = BASS_ChannelSetFX(j.play, BASS_FX_BFX_PEAKEQ, 5);
@@ -233,7 +239,8 @@ class AgainstTheModel : public Show {
         if (act.kind == Kind::NoSync) BASS_ChannelRemoveSync(j.play, j.syncs[act.a]);
         if (act.kind == Kind::Timed)
             engineControl()->slideAtSync(j.play, j.syncs[act.a], -1, kTimedMs, false);
-        if (act.kind == Kind::Master) slide(studio->mainSplit[0], BASS_ATTRIB_VOLDSP);
+        if (act.kind == Kind::Master)
+            slide(act.voice % 2 == 0 ? studio->mainSplit[0] : studio->outMixer[1], BASS_ATTRIB_VOLDSP);
     }
     void pullInPeriods(std::uint64_t frames, std::uint32_t most) {
         while (frames > 0) {

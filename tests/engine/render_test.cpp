@@ -1,8 +1,5 @@
 // What goes out does not depend on how it is asked for: periods, outputs, readers.
 
-#include "engine/dsp/denormals.h"
-#include "engine/dsp/peak_eq.h"
-#include "engine/dsp/reverb.h"
 #include "tests/engine/show.h"
 
 namespace zv::engine::test {
@@ -45,82 +42,6 @@ TEST_F(Rendering, EverySplitOfASourceIsItToTheBit) {
         for (std::size_t f = 0; f < n; ++f, ++at) ASSERT_EQ(part[f * 2 + 1], ramp(at, 1));
     }
     EXPECT_EQ(BASS_ChannelGetPosition(a, BASS_POS_BYTE), atA * 8);
-}
-
-TEST_F(Rendering, BusesHaveTheirOwnGainsAndTheSourceIsComputedOnce) {
-    const Topology studio;
-    int reads = 0;
-    decoders->sounds["counted"] = {.length = 441000, .sample = [&reads](std::uint64_t, std::uint32_t) {
-                                       ++reads;
-                                       return 0.5F;
-                                   }};
-    const DWORD jingle = studio.jingle(file("counted"));
-    BASS_ChannelPlay(jingle, false);
-    BASS_ChannelSlideAttribute(studio.outMixer[1], BASS_ATTRIB_VOLDSP, 0.25F, 0);
-    pull(44100);
-    EXPECT_EQ(take().back(), 0.5F);
-    EXPECT_EQ(take(kAuxName).back(), 0.125F);
-    // What stays within reach of a second of sound was decoded once, however many listen.
-    EXPECT_LT(reads, 3 * 88200);
-    EXPECT_EQ(BASS_ChannelGetPosition(jingle, BASS_POS_BYTE), 44100U * 4);
-}
-
-/// The chain by hand: volume, reverb, equaliser, and the VOLDSP gain, which goes to 0 on the way, in front of
-/// stage `gainAt`.
-std::vector<float> byHand(std::vector<float> sound, std::size_t silentFrom, std::size_t gainAt) {
-    const FlushToZero flush;  // as where it is rendered
-    dsp::Reverb reverb(44100);
-    reverb.set({0, -6, 700, 0.5});
-    dsp::PeakEq eq(44100);
-    eq.setBand(0, {1000, 9, 2.5, 0});
-    for (std::size_t stage = 0; stage < 4; ++stage) {
-        if (stage == gainAt)
-            std::fill(sound.begin() + static_cast<std::ptrdiff_t>(silentFrom) * 2, sound.end(), 0.0F);
-        if (stage == 0)
-            for (float& sample : sound) sample *= 0.5F;
-        if (stage == 1) reverb.process(sound.data(), sound.size() / 2);
-        if (stage == 2) eq.process(sound.data(), sound.size() / 2);
-    }
-    return sound;
-}
-
-TEST_F(Rendering, AChannelPassesItsChainInTheOrderOfPriority) {
-    constexpr std::size_t length = 10000, tail = 30870, silentFrom = 4410;
-    const auto noise = [](std::uint64_t f, std::uint32_t c) {
-        return static_cast<float>((f * 2 + c) * 2654435761U % 65536) / 65536 - 0.5F;
-    };
-    decoders->sounds["noise"] = {.length = length, .sample = noise};
-    std::vector<float> dry((length + tail) * 2);
-    for (std::size_t i = 0; i < length * 2; ++i) dry[i] = noise(i / 2, i % 2);
-    const Topology studio;
-    const std::pair<float, std::size_t> gains[] = {{50, 0}, {20, 0}, {15, 1}, {7, 2}, {5, 2}, {0, 3}};
-    for (const auto& [priority, stage] : gains) {
-        SCOPED_TRACE(priority);
-        const DWORD jingle = studio.jingle(file("noise"));
-        const HFX eq = BASS_ChannelSetFX(jingle, BASS_FX_BFX_PEAKEQ, 5);
-        const HFX reverb = BASS_ChannelSetFX(jingle, BASS_FX_DX8_REVERB, 10);
-        const HFX volume = BASS_ChannelSetFX(jingle, BASS_FX_BFX_VOLUME, 20);
-        const BASS_BFX_PEAKEQ band{0, 2.5F, 0, 1000, 9, BASS_BFX_CHANALL};
-        const BASS_DX8_REVERB room{0, -6, 700, 0.5F};
-        const BASS_BFX_VOLUME half{BASS_BFX_CHANALL, 0.5F};
-        BASS_FXSetParameters(eq, &band);
-        BASS_FXSetParameters(reverb, &room);
-        BASS_FXSetParameters(volume, &half);
-        BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TAIL, static_cast<float>(tail) / 44100);
-        BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_VOLDSP_PRIORITY, priority);
-        pull(4410);
-        take();
-        BASS_ChannelPlay(jingle, false);
-        pull(silentFrom);
-        BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_VOLDSP, 0);
-        pull(44100 - silentFrom);
-        const std::vector<float> wet = byHand(dry, silentFrom, stage), sound = take();
-        EXPECT_TRUE(std::equal(wet.begin(), wet.end(), sound.begin()));
-        EXPECT_TRUE(std::all_of(sound.begin() + static_cast<std::ptrdiff_t>(wet.size()), sound.end(),
-                                [](float sample) { return sample == 0; }));
-        EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
-        BASS_StreamFree(jingle);
-    }
 }
 
 TEST_F(Rendering, OneOutputGoesAndTheOtherDoesNotNotice) {
