@@ -30,7 +30,7 @@ bool slideTempo(Engine& engine, Channel& channel, DWORD attribute, float value, 
         const double rate = channel.rate;
         to = value == 0 || to == rate ? 1.0 : to / rate;
     }
-    if (!channel.tempo) return succeed(true);  // a live source sounds as it comes
+    if (!channel.tempo) return succeed(true);  // over a live source a tempo channel passes through
     channel.tempo->slide(tempoPart(attribute), to, (std::uint64_t{ms} * channel.rate + 500) / 1000,
                          logarithmic);
     if (ms > 0) engine.send({.kind = CommandKind::TempoSlides, .channel = &channel});

@@ -36,7 +36,7 @@ bool setLoopPoint(Channel& root, QWORD position, bool end) {
     return succeed(true);
 }
 
-/// What has been read and stretched ahead may be wrong now, and the next wrap near: no worker is waited for.
+/// Loop or end changed: the tempo channel's lane is made anew at once where its source is in memory, else by a worker.
 void rangeChanged(Engine& engine, Channel& channel) {
     const auto& sound = channel.root().sound;
     if (channel.tempo && (engine.offline() || (sound && sound->readyAt(sound->focus()))))

@@ -57,7 +57,7 @@ class Engine {
     std::uint64_t newSerial() { return ++serial_; }
     std::shared_ptr<Channel> find(DWORD handle) const;
     void adopt(const std::shared_ptr<Channel>& channel);
-    /// Sends it. One that makes sound wakes resting outputs at once, for others the dispatcher looks.
+    /// Sends a command. One that makes sound wakes resting outputs at once; for others the dispatcher wakes them later.
     void send(const Command& command);
     /// Forgets its handle, syncs and effects and unplugs it; freed for good once the audio side dropped it.
     void freeChannel(const std::shared_ptr<Channel>& channel, std::unique_lock<std::mutex>& lock);

@@ -20,7 +20,7 @@ dsp::StereoLevel fromPages(Channel& channel, const Trail& trail, double seconds,
     for (std::size_t i = 0; i < count; ++i)
         root.sound->measure(runs[i].from, runs[i].to - runs[i].from, runs[i].gain, peak, power);
     if (!rms) return {peak[0], peak[1]};
-    // Of a loop so short that the trail does not hold the window, the passes that it holds stand for all.
+    // Of a very short loop the trail holds fewer frames than the window: the level is that of the frames held.
     std::uint64_t held = 0;
     for (std::size_t i = 0; i < count; ++i) held += runs[i].to - runs[i].from;
     const auto frames = static_cast<double>(count == Trail::kRuns ? held : window);

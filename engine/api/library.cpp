@@ -49,7 +49,7 @@ DeviceStatistics statistics(int device) {
 void settleSyncs() {
     Engine& engine = Engine::instance();
     {
-        // Nearly always nothing is due: no other thread need be woken to find that.
+        // Mostly no sync is due: then the dispatcher's thread is not woken.
         const std::lock_guard lock(engine.mutex);
         if (engine.offline() && !engine.graph.syncEvents.filled() && engine.graph.commands.settled()) return;
     }

@@ -29,7 +29,7 @@ class HandRead {
 
   private:
     void load() {
-        // What a worker would have brought: at the present position and where the loop returns to.
+        // Loads what workers load on air: the page at the present position and the one at the loop's start.
         for (const auto& [handle, other] : engine_.channels) {
             PagedSound* sound = other->sound.get();
             if (!sound || (!sound->sounding() && &channel_.root() != other.get() && !feedsMe(*other)))

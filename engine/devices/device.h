@@ -62,7 +62,7 @@ class OutputSlot final : public SoundClient {
     bool oneClock_ = false;
     std::atomic<Bridge*> bridge_{nullptr};
     std::unique_ptr<Bridge> present_,
-        former_;  ///< `former_`: before the device changed; statistics() may look at it
+        former_;  ///< `former_`: the one before the device changed, which statistics() may still read
     std::unique_ptr<dsp::Resampler> resampler_;  ///< from the graph's rate, null when equal
     std::vector<float> in_;
     std::atomic<std::uint64_t> callbacks_{0}, underruns_{0}, longestNs_{0};

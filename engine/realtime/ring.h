@@ -22,7 +22,7 @@ class Ring {
         items_.resize(size);
     }
     std::size_t capacity() const { return items_.size(); }
-    /// Items waiting; exact for the reader, at most that for the writer.
+    /// Items waiting: no fewer for the reader, no more for the writer.
     std::size_t filled() const {
         return written_.load(std::memory_order_acquire) - read_.load(std::memory_order_acquire);
     }

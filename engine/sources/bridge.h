@@ -38,19 +38,19 @@ class Bridge {
     /// The reader begins anew with an empty bridge at its next read. [any]
     void restart() { restart_.store(true, std::memory_order_release); }
 
-    /// The same, now: what is written from here on is not lost. [audio] of the reader.
+    /// Empties the bridge now; what is written from here on is kept. [audio] of the reader.
     void clear();
 
-    /// What was written so far was silence, and nothing more comes for a while: no lack. The reader begins
-    /// anew with what is written next, all of it. [audio] of the writer.
+    /// The writer rests: what it wrote last was silence. The reader skips that, counts no underrun, and begins anew with
+    /// all of what is written next. [audio] of the writer.
     void rest() { restedAt_.store(ring_.mark(), std::memory_order_release); }
 
-    // ---- for a reader that must write for itself, because the writer is gone; it keeps its distance
-    /// Whether the reader is on its way through a sound at a distance, and would lose some by a fresh start.
+    // ---- for a reader whose writer is gone: it writes for itself and keeps its distance
+    /// Whether the reader plays behind the writer and would lose sound by a fresh start.
     bool follows() const { return running_ && !inStep_; }
-    /// Frames to be written before the next `frames` are read with readOwn(): those, and what the distance has lost.
+    /// Frames to be written before readOwn() reads the next `frames`: those, and what is missing of the distance.
     std::size_t due(std::size_t frames);
-    /// Whether the next read of `frames` would find too little on its way through a sound.
+    /// Whether the next read of `frames` would be an underrun.
     bool runsDry(std::size_t frames) const;
     void readOwn(std::span<float> stereo);
 

@@ -101,7 +101,7 @@ std::size_t UrlInput::read(std::span<float> out) {
     const bool over = tank_->ended.load(std::memory_order_acquire);
     if (!flowing_) {
         const auto frames = static_cast<std::size_t>(kRefillSeconds[ranDry_] * tank_->format.rate);
-        // A stream with more samples a second than the store was made for goes on with most of a store.
+        // Where a refill does not fit into the store, three quarters of the store are enough.
         const std::size_t enough = std::min(frames * channels, ring.capacity() / 4 * 3);
         if (ring.filled() < enough && !over) return 0;
         flowing_ = true;

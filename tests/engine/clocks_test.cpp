@@ -235,6 +235,9 @@ TEST_F(Clocks, ACallbackThatTakesTooLongIsCounted) {
     EXPECT_GE(after.underruns, before.underruns + 1);
     EXPECT_GE(after.longestCallbackNs, 3'000'000U);
     EXPECT_EQ(engineControl()->statistics(kAux + 1).callbacks, 0U) << "each device has its own";
+    EXPECT_TRUE(after.open && !after.lost && !after.resting && after.asked >= after.callbacks);
+    devices->unplug(kMainName);
+    EXPECT_TRUE(engineControl()->statistics(kMain).lost);
 }
 
 }  // namespace
