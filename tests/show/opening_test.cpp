@@ -4,7 +4,6 @@
 #include "audio/sounding.h"
 #include "platform/decoders.h"
 #include "platform/rehearsal/virtual_jobs.h"
-#include "platform/soundtouch/soundtouch_stretcher.h"
 #include "startup/settings/editor_settings.h"
 #include "tests/show/show.h"
 #include "tests/support/ear.h"
@@ -173,7 +172,7 @@ struct SlowDisk : engine::DecoderSource {
 
 TEST_F(Opening, APressWaitsForASlowDisk) {
     FreeBASS();
-    engine::engineControl()->install({std::make_shared<SlowDisk>(), soundTouchStretchers(), devices});
+    engine::engineControl()->install({std::make_shared<SlowDisk>(), devices});
     SetupMixers();
     writeWav(path("a.wav"), tones("a500"));
     write("b.wav", "no sound");
