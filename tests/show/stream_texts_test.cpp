@@ -29,7 +29,7 @@ TEST(StreamTitle, IsReadAsStationsSendIt) {
 
 TEST(WebPlaylist, NamesAddressesInAllItsFormats) {
     using Addresses = std::vector<std::string>;
-    const std::string base = "http://radio.example/a/list.m3u?session=1/2";
+    const std::string base = "http://radio.example/a/list.m3u?session=http://1/2";
     const struct {
         std::string text;
         Addresses addresses;

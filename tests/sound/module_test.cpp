@@ -76,21 +76,5 @@ TEST(Modules, AtTheEndOfAnHourThereIsNothingToDo) {
     }
 }
 
-TEST(Modules, WhatIsNoneIsRefused) {
-    const Folder folder;
-    const auto decoders = makeFileDecoders();
-    int error = 0;
-    EXPECT_FALSE(decoders->openModule(folder / "missing.mod", error));
-    EXPECT_EQ(BASS_ERROR_FILEOPEN, error);
-    writeWav(folder / "sound.mod", wanderingTones(44'100, 2, 1000), 44'100, 2);
-    writeBytes(folder / "empty.mod", {});
-    const auto whole = tinyModule(32);
-    writeBytes(folder / "cut.mod", std::span(whole).first(500));
-    for (const char* name : {"sound.mod", "empty.mod", "cut.mod"}) {
-        EXPECT_FALSE(decoders->openModule(folder / name, error)) << name;
-        EXPECT_EQ(BASS_ERROR_FILEFORM, error) << name;
-    }
-}
-
 }  // namespace
 }  // namespace zv::test
