@@ -6,6 +6,7 @@
 #include "platform/clock.h"
 #include "startup/settings/announcer_settings.h"
 #include "startup/settings/automix_settings.h"
+#include "startup/settings/clock_settings.h"
 #include "tests/show/show.h"
 #include "tests/support/ear.h"
 
@@ -121,6 +122,20 @@ TEST_F(Announcer, TellsWhatItCannotPlayAndReckonsItsMoments) {
     EXPECT_FALSE(TmAnnOn);
     EXPECT_EQ(marks, (std::vector<std::string>{"hide", "no: no jingle", "no: no voice"}));
     EXPECT_EQ(told, "changed changed changed failed ");
+}
+
+TEST_F(Announcer, TellsItsNextMoment) {
+    for (const auto& [format, hour, second, text] :
+         std::vector<std::tuple<const char*, int, int, std::string>>{{"HH:MM", 10, 55, "10:59:55"},
+                                                                     {"HH:MM", 10, 56, "11:59:55"},
+                                                                     {"HH:MM", 23, 56, "00:59:55"},
+                                                                     {"AM", 0, 54, "12:59:55 AM"},
+                                                                     {"AM", 11, 54, "11:59:55 AM"},
+                                                                     {"PM", 11, 56, "12:59:55 PM"},
+                                                                     {"AM", 12, 56, "01:59:55 PM"}}) {
+        clockSettings.TimeFormat = format;
+        EXPECT_EQ(NextAnnouncement({2026, 1, 1, 4, hour, 59, second, 0}), text) << hour << ':' << second;
+    }
 }
 
 TEST_F(Announcer, TheSameKeysSoundTheSame) {

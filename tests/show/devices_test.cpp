@@ -165,35 +165,21 @@ TEST_F(Devices, OutputsThatGoAwayAreToldWithinASecondAndSoIsTheirReturn) {
     evStop();
 }
 
-TEST_F(Devices, TheMicrophoneIsSilentUntilItIsPushed) {
+TEST_F(Devices, TheMicrophoneIsSilentHoweverOftenItIsOpened) {
     deviceSettings.DeviceIn = 1;
     OpenMic();
-    ASSERT_NE(hMic, 0U);
-    EXPECT_EQ(InputLevel(), 0);
-    std::vector<float> voice(framesOf(5000) * 2, 0.25F);
-    devices->feedInput("Mic", voice, kRate);
-    pass(200);
-    heard();
-    heard(1);
-    pass(200);
-    EXPECT_EQ(loudest(0), 0);
+    devices->feedInput("Mic", std::vector<float>(framesOf(5000) * 2, 0.25F), kRate);
     for (const StreamHandle split : MicSplit) BASS_ChannelSlideAttribute(split, BASS_ATTRIB_VOLDSP, 0.5F, 0);
-    pass(200);
-    EXPECT_NEAR(loudest(0), 0.125, 1e-3);
-    EXPECT_NEAR(loudest(1), 0.125, 1e-3);
+    pass(500);
     EXPECT_EQ(InputLevel(), 25);
-    CloseMic();
-    EXPECT_EQ(InputLevel(), 0);
-    pass(100);
-    heard();
-    pass(100);
-    EXPECT_EQ(loudest(0), 0);
-    OpenMic();
     OpenMic();
     pass(300);
     heard();
     pass(100);
     EXPECT_EQ(loudest(0), 0) << "opened anew it is silent again";
+    EXPECT_EQ(InputLevel(), 25);
+    CloseMic();
+    EXPECT_EQ(InputLevel(), 0);
 }
 
 TEST_F(Devices, MetersAndTriggersTellTheLoudestOfThoseThatMay) {

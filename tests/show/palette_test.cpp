@@ -354,19 +354,6 @@ TEST_F(Palette, OneSlotGoesFromAPaletteThatIsNotOpen) {
     }
 }
 
-TEST_F(Palette, MovedSlotsLeaveTheirPaletteWithTheSave) {
-    soundFile("a.wav");
-    openPalette("Path_0=a.wav\r\n[Evening]\r\nPath_3=a.wav\r\nPath_4=b.wav\r\n");
-    std::vector<std::string> shown;
-    AddRemoval({"Evening", 3, "Morning", "a.wav"});
-    modelUpcalls.paletteListChanged = [&](const std::string& name) { shown.push_back("list " + name); };
-    modelUpcalls.showPaletteName = [&](const std::string& name) { shown.push_back("name " + name); };
-    EXPECT_TRUE(save());
-    EXPECT_TRUE(PendingRemovals().empty());
-    EXPECT_EQ(shown, (std::vector<std::string>{"list Morning", "name Morning"}));
-    EXPECT_EQ(read("palette.ini"), "[Morning]\r\nPath_0=a.wav\r\n[Evening]\r\nPath_4=b.wav\r\n");
-}
-
 TEST_F(Palette, AFileHoldsPalettesWhenItHoldsABracket) {
     for (const auto& [text, expected] : std::vector<std::pair<std::string, bool>>{
              {"", false}, {"no section", false}, {"; [", true}, {"[A]", true}}) {

@@ -110,8 +110,4 @@ std::string wholeRecord(const JingleRecord& j) {
     return changed;
 }
 
-int rampFrame(const Heard& sound, std::size_t frame) {
-    return static_cast<int>(std::lround(sound.at(frame) * 32768)) - 1;
-}
-
 }  // namespace zv::test

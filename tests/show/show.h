@@ -41,7 +41,5 @@ constexpr int bytesOf(double ms) { return static_cast<int>(framesOf(ms)) * kByte
 std::vector<std::int16_t> noise(std::size_t frames);
 /// All fields of a record that differ from the empty one's: "Volm=50 State=1".
 std::string wholeRecord(const JingleRecord& jingle);
-/// The frame of a ramp() that sounds at `frame`, -1 in silence.
-int rampFrame(const Heard& sound, std::size_t frame);
 
 }  // namespace zv::test

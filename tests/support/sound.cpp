@@ -36,13 +36,6 @@ void writeWav(const std::filesystem::path& file, std::span<const std::int16_t> s
     std::ofstream(file, std::ios::binary) << bytes;
 }
 
-std::vector<std::int16_t> ramp(std::size_t frames) {
-    std::vector<std::int16_t> samples(frames * 2);
-    for (std::size_t i = 0; i < frames; ++i)
-        samples[2 * i] = samples[2 * i + 1] = static_cast<std::int16_t>((i + 1) % 32768);
-    return samples;
-}
-
 std::vector<std::int16_t> level(std::size_t frames, std::int16_t value) {
     return std::vector<std::int16_t>(frames * 2, value);
 }

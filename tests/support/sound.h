@@ -15,8 +15,6 @@ inline constexpr double kBytesPerMs = kRate * kBytesPerFrame / 1000.0;
 /// Writes 16-bit PCM; `samples` are interleaved, full scale is 32767.
 void writeWav(const std::filesystem::path& file, std::span<const std::int16_t> samples,
               std::uint32_t rate = kRate, std::uint16_t channels = 2);
-/// Stereo whose samples are their own position: left and right of frame n are n + 1 (wraps at 32767).
-std::vector<std::int16_t> ramp(std::size_t frames);
 /// Stereo of one value: what comes out is the gain.
 std::vector<std::int16_t> level(std::size_t frames, std::int16_t value = 16384);
 std::vector<std::int16_t> sine(std::size_t frames, double hz, double amplitude = 0.5);
