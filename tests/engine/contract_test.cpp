@@ -21,6 +21,9 @@ TEST_F(Contract, HandlesDoNotComeBack) {
         EXPECT_FALSE(BASS_ChannelPlay(play, false));
     }
     for (const float sample : pullAndTake(4410)) ASSERT_EQ(sample, 0);
+    const DWORD kept = file("ramp");
+    EXPECT_TRUE(BASS_StreamFree(BASS_FX_TempoCreate(kept, BASS_STREAM_DECODE)));
+    EXPECT_TRUE(BASS_StreamFree(kept)) << "its own, where nobody said otherwise";
 }
 
 TEST_F(Contract, ConversionsAreExact) {
@@ -39,6 +42,12 @@ TEST_F(Contract, ConversionsAreExact) {
     std::vector<float> rest(100);
     EXPECT_EQ(BASS_ChannelGetData(floats, rest.data(), 400), 80U);
     EXPECT_EQ(frameOf(rest[0]), 440990);
+    const DWORD half = file("ramp"),
+                tempo = BASS_FX_TempoCreate(half, BASS_STREAM_DECODE | BASS_SAMPLE_FLOAT);
+    BASS_ChannelSetPosition(half, 1000 * 4, BASS_POS_BYTE);
+    BASS_ChannelGetData(half, data.data(), 200);
+    EXPECT_EQ(BASS_ChannelGetData(tempo, rest.data(), 8), 8U);
+    EXPECT_EQ(frameOf(rest[0]), 1050) << "where its source was left";
     EXPECT_EQ(BASS_ChannelGetData(floats, rest.data(), 400), ~DWORD{0});
     EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_ENDED);
     EXPECT_EQ(BASS_ChannelIsActive(floats), BASS_ACTIVE_STOPPED);
