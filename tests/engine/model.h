@@ -228,7 +228,9 @@ class Model {
     std::uint64_t index() const { return scaled() / kModelRate; }
     void readAhead(std::uint64_t frames) {
         const std::uint64_t unheard = (scaled() + kModelRate - 1) / kModelRate;
-        if (unheard < taken.size()) {
+        // At the very end it has not ended yet: a loop that is set now is followed.
+        const bool atEnd = playing && drained && !taken.empty() && unheard == taken.size();
+        if (unheard < taken.size() || atEnd) {
             const bool inIt = unheard > 0 && taken[unheard - 1].tail;
             next = unheard == 0 ? taken[0].place : inIt ? last() : taken[unheard - 1].place + 1;
             if (!inIt) inTail = false;

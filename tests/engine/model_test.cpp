@@ -106,9 +106,9 @@ class Stage {
                 static_cast<double>(below(9)) / 8,
                 below(3) == 0 ? 0 : below(60),
                 below(3)};
-        const Model& v = *voices[act.voice];
         const bool effect = act.kind == Kind::Eq || act.kind == Kind::Reverb;
-        if (effect && act.voice != kWithEffects) return;
+        if (effect || (act.kind == Kind::Voldsp && below(2) == 0)) act.voice = kWithEffects;
+        const Model& v = *voices[act.voice];
         if (act.kind == Kind::Play && v.drained) return;
         if ((act.kind == Kind::Voldsp || act.kind == Kind::Gain) && v.converted() && v.playing) return;
         if (act.kind == Kind::Voldsp && v.converted()) act.a = 0;
