@@ -1,17 +1,14 @@
-// Where everything stands, for every size of the grid and the window.
+// Where the windows stand on the screens, and what stands in the main one after another grid; its places are held by
+// screen_test.cpp.
 
 #include "ui/screen/layout.h"
 #include "startup/language.h"
-#include "startup/settings/bars_settings.h"
 #include "startup/settings/grid_settings.h"
-#include "startup/settings/labels_settings.h"
-#include "startup/settings/meters_settings.h"
 #include "startup/settings/minimal_settings.h"
 #include "startup/settings/program_settings.h"
 #include "startup/settings/window_settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/palette_list.h"
-#include "ui/screen/layout_grid.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/screen/window_place.h"
 #include "ui/windows/question_window.h"
@@ -26,116 +23,14 @@ struct Box {
     bool inside(const Box& o) const {
         return left >= o.left && top >= o.top && right <= o.right && bottom <= o.bottom;
     }
-    bool meets(const Box& o) const {
-        return left < o.right && o.left < right && top < o.bottom && o.top < bottom;
-    }
 };
 
 Box boxOf(const Control& c) { return {c.left, c.top, c.left + c.width, c.top + c.height}; }
 Box innerOf(const Control& c) { return {0, 0, c.width, c.height}; }
 
-bool wholePixels(const Control& c) {
-    return c.left % kTwipsPerPixel == 0 && c.top % kTwipsPerPixel == 0 && c.width % kTwipsPerPixel == 0 &&
-           c.height % kTwipsPerPixel == 0;
-}
-
-std::string nameOf(const Control& c) { return c.name + (c.index < 0 ? "" : std::to_string(c.index)); }
-
-std::string shape(int rows, int columns) {
-    return std::to_string(rows) + "x" + std::to_string(columns) + " joined " +
-           std::to_string(gridSettings.JoinedJButtons) + " hot " +
-           std::to_string(gridSettings.HotJinglesPos) + "/" + std::to_string(gridSettings.HotJinglesRows) +
-           " at " + std::to_string(gridSettings.HotJinglesHeight) + " window " +
-           std::to_string(frmMain().window.width / 15) + "x" + std::to_string(frmMain().window.height / 15) +
-           " meters " + meterSettings.VUPos;
-}
-
-/// Visible controls of a frame leave it nowhere, stand on whole pixels and do not overlap; empty, or what does not hold.
-std::string fault(const Control& frame, const std::vector<const Control*>& parts) {
-    for (const Control* a : parts) {
-        // Buttons of the least size may overflow.
-        const bool least =
-            a->kind == ControlKind::jingle && (a->width == kMinButtonWidth || a->height == kMinButtonHeight);
-        if (!least && !boxOf(*a).inside(innerOf(frame))) return nameOf(*a) + " leaves " + frame.name;
-        if (!wholePixels(*a) && frame.name != "picDispBack") return nameOf(*a) + " between pixels";
-        for (const Control* b : parts)
-            if (a != b && boxOf(*a).meets(boxOf(*b))) return nameOf(*a) + " over " + nameOf(*b);
-    }
-    return {};
-}
-
-std::vector<const Control*> seenIn(const Control& frame) {
-    std::vector<const Control*> seen;
-    for (const Control* c : frame.children())
-        if (c->visible && c->width > 0) seen.push_back(c);
-    return seen;
-}
-
-/// What must hold in any layout; empty, or what does not.
-std::string fault(int columns) {
-    MainWindow& w = frmMain();
-    std::vector<const Control*> blocks = seenIn(w.window);
-    std::erase(blocks, &w.linHotJingles);
-    if (std::string found = fault(w.window, blocks); !found.empty()) return found;
-    for (const Control* frame : {&w.fraTab[0], &w.fraTab[1], &w.fraTab[2], &w.fraTab[3], &w.keys.fraKeys,
-                                 &w.fraVU, &w.fraJingles, &w.fraHotJingles})
-        if (std::string found =
-                frame->visible || frame->parent == &w.fraPanel ? fault(*frame, seenIn(*frame)) : "";
-            !found.empty())
-            return found;
-    for (const Control* part : seenIn(w.display.picDispBack))
-        if (!boxOf(*part).inside(innerOf(w.display.picDispBack))) return part->name + " leaves the display";
-    for (const Control* c : w.fraJingles.children())
-        for (const Control* part : seenIn(*c))
-            if (c->visible && part->name != "ckJingSel" && !boxOf(*part).inside(innerOf(*c)))
-                return nameOf(*part) + " outside its button";
-    // Even gaps: the grid stands as far from the strip as its buttons from each other, and ends as far from
-    // meters at its side.
-    const Control& first = Button(0)->b_Jingle;
-    const bool above = gridSettings.HotJinglesPos == 1;
-    const int top =
-        above ? w.fraHotJingles.top + Button(kPaletteSlots)->b_Jingle.top : w.fraJingles.top + first.top;
-    if (first.height > kMinButtonHeight && meterSettings.VUPos != "t" &&
-        top != boxOf(w.fraPanel).bottom + kGap)
-        return "an uneven gap below the strip";
-    const Box last = boxOf(Button(columns - 1)->b_Jingle);
-    if (first.width > kMinButtonWidth && meterSettings.VUPos == "r" &&
-        (w.fraJingles.left + first.left != kGap || w.fraVU.left - w.fraJingles.left - last.right != kGap))
-        return "uneven gaps beside the grid";
-    return {};
-}
-
 class LayoutTest : public WindowTest {};
 
 }  // namespace
-
-TEST_F(LayoutTest, everyGridInEveryWindowIsFreeOfOverlaps) {
-    const struct {
-        int width, height;
-        const char* meters;
-    } windows[] = {{790, 590, "r"},  {1280, 800, "l"}, {1280, 800, "r"}, {1920, 1080, "t"},
-                   {1024, 700, "n"}, {960, 476, "r"},  {512, 236, "r"}};
-    labelSettings.JNumbPos = 1;
-    for (const auto& window : windows) {
-        meterSettings.VUPos = window.meters;
-        for (int rows = 4; rows <= 8; ++rows) {
-            for (int columns = 4; columns <= 12; columns += 2) {
-                for (int variant = 0; variant < 12; ++variant) {
-                    gridSettings.JinglesRows = rows;
-                    gridSettings.JinglesCols = columns;
-                    gridSettings.JoinedJButtons = variant % 2;
-                    gridSettings.HotJinglesPos = variant / 2 % 3;
-                    gridSettings.HotJinglesRows = 1 + variant / 6;
-                    gridSettings.HotJinglesHeight = variant % 2 == 0 ? 2 : 6;
-                    labelSettings.JNumbPos = 1 + rows % 2;
-                    barSettings.JRemLevPos = 1 + columns / 2 % 2;
-                    resize(window.width, window.height);
-                    ASSERT_EQ(fault(columns), "") << shape(rows, columns);
-                }
-            }
-        }
-    }
-}
 
 TEST_F(LayoutTest, theFirstAndTheLastButtonPlayAndKeepTheirRecordsInASmallerGrid) {
     const auto grid = [&](int rows, int columns) {

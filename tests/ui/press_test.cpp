@@ -68,8 +68,6 @@ constexpr Row kRows[] = {
     {"no stop", "", "0 ckNoStopI 100 click 300 click 600 click", "a300-400 b400-", "nostop unsaved"},
     {"no stop of what sounds", "", "0 click 300 ckNoStopI 400 click 600 click", "a0-100 b100-", "nostop unsaved"},
     {"a sequence has no mode to repeat", kSeq, "0 ckTouch ckAutoRepI 100 click", "", "seq armed:ar mRefSequence"},
-    {"nor touch", kSeq, "0 ckTouchI 100 click", "", "seq armed:tc mRefSequence"},
-    {"nor play stop", kSeq, "0 ckPlayStopI 100 click", "", "seq armed:ps mRefSequence"},
     {"nor no stop", kSeq, "0 ckNoStopI 100 click", "", "seq armed:ns mRefSequence"},
     {"a missing file takes no mode", "missing", "0 ckTouchI 100 click", "", "missing unsaved"},
     {"an empty one leaves it armed", "empty", "0 ckAutoRepI ctrl 100 click", "", "armed:ar"},
@@ -118,11 +116,9 @@ constexpr Row kRows[] = {
     {"all three: nothing", "", "0 csa yes 100 click", "", ""},
 
     // And what is left: mouse buttons, fingers, keys.
-    {"plays, stops", "", "0 down 300 up 600 click", "a0-100 b100-600", ""},
     {"what a playlist holds plays", "locked", "0 click", "a0-100 b100-", ""},
     {"empty: nothing", "empty", "0 click", "", ""},
     {"right and middle button", "", "0 right 100 middle", "", ""},
-    {"touch of its own", "PlayMod=2", "0 down 300 up", "a0-100 b100-300", ""},
     {"touch mode: play stop", "PlayMod=3", "0 ckTouch down 300 up", "a0-100 b100-", ""},
     {"touch mode: sequence", kSeq, "0 ckTouch down 200 up", "a0-100 b100-", "seq"},
     {"space on the focused button", "", "0 space 300 space", "a0-100 b100-300", ""},

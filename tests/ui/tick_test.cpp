@@ -44,27 +44,6 @@ class TickTest : public WindowTest {
     }
 };
 
-TEST_F(TickTest, warningTable) {
-    const struct {
-        double remain, shortest, warnAt;
-        bool all, runs;
-        WarnStep step;
-    } cases[] = {
-        {8, 5, 10, false, false, WarnStep::leave},  // a short stinger keeps the warning off
-        {8, 60, 10, false, false, WarnStep::start}, {8, 60, 10, false, true, WarnStep::leave},
-        {8, 5, 10, true, false, WarnStep::start},   {10, 5, 10, true, false, WarnStep::start},
-        {10.1, 5, 10, true, true, WarnStep::stop},  {10.1, 5, 10, true, false, WarnStep::leave},
-        {12, 60, 10, false, true, WarnStep::stop},  {8, 5, 10, false, true, WarnStep::stop},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(static_cast<int>(WarningFor(c.remain, c.shortest, c.warnAt, c.all, c.runs)),
-                  static_cast<int>(c.step))
-            << c.remain << " of " << c.shortest << " all " << c.all << " runs " << c.runs;
-    }
-    EXPECT_EQ(WarnBlinkInterval(0), 0);
-    EXPECT_EQ(WarnBlinkInterval(20), 500);
-}
-
 TEST_F(TickTest, digits) {
     const struct {
         double seconds;
