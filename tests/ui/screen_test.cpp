@@ -361,6 +361,7 @@ TEST_F(ScreenTest, EverythingLooksAsItWasApproved) {
     VirtualClock::instance().setWallTime("2026-11-07 15:04:19");
     pass(4000);  // the meters forget what they saw
     FadePhase = FlashPhase = false;
+    lstPalRefresh();
     scene("nothing yet");
     writePalette("Afternoon", 1);
     writePalette("Morning", 1);
