@@ -6,6 +6,7 @@
 #include <set>
 #include <sstream>
 
+#include "audio/live_stream.h"
 #include "audio/streams.h"
 #include "model/held_palette.h"
 #include "platform/rehearsal/virtual_clock.h"
@@ -362,6 +363,7 @@ TEST_F(ScreenTest, EverythingLooksAsItWasApproved) {
     pass(4000);  // the meters forget what they saw
     FadePhase = FlashPhase = false;
     lstPalRefresh();
+    LiveStatus.clear();
     scene("nothing yet");
     writePalette("Afternoon", 1);
     writePalette("Morning", 1);
