@@ -7,10 +7,15 @@
 #include "audio/effect_vector.h"
 #include "audio/live_stream.h"
 #include "audio/time_jingle.h"
+#include "midi/assignments.h"
+#include "midi/codes.h"
 #include "midi/feedback.h"
 #include "midi/learn.h"
 #include "midi/learn_commands.h"
 #include "midi/lifecycle.h"
+#include "midi/ring.h"
+#include "midi/settings_commands.h"
+#include "midi/state.h"
 #include "model/playlists.h"
 #include "platform/forms.h"
 #include "platform/rehearsal/midi_devices.h"
@@ -20,17 +25,21 @@
 #include "startup/settings/search_settings.h"
 #include "startup/settings_file.h"
 #include "startup/upcalls.h"
+#include "ui/edit/colour_picker.h"
 #include "ui/edit/undo.h"
 #include "ui/screen/announcer_view.h"
 #include "ui/screen/error_mark.h"
 #include "ui/screen/highlight.h"
 #include "ui/screen/layout_strip.h"
 #include "ui/settings/mixer_controls.h"
+#include "ui/windows/announcer_window.h"
 #include "ui/windows/console_window.h"
 #include "ui/windows/history_window.h"
 #include "ui/windows/jingle_window.h"
+#include "ui/windows/level_window.h"
 #include "ui/windows/midi_button_window.h"
 #include "ui/windows/midi_settings_window.h"
+#include "ui/windows/midi_small_windows.h"
 #include "ui/windows/playlist_windows.h"
 #include "ui/windows/question_window.h"
 #include "ui/windows/report_window.h"
@@ -48,7 +57,6 @@ constexpr const char* kProperties[] = {"visible",   "enabled", "caption",   "too
 
 /// The test's own folder, which has another name each time.
 std::string ownFolder;
-std::string sentToSurface;
 
 std::string cut(std::string text) {
     std::erase(text, '\r');
@@ -171,8 +179,8 @@ std::string Watch::changes() {
     std::vector<std::pair<std::string, std::vector<int>>> found;  // "name(#).property=value", its indices
     for (const Control* c : takeChanged()) {
         const bool ticks = c->kind == ControlKind::meter || c->name.starts_with("lblPos") ||
-                           c->name == "lblTime" || c->name == "lblDate" || c->name == "JRemLev" ||
-                           c->name == "picbtnumber";
+                           c->name == "lblTime" || c->name == "lblDate" || c->name.starts_with("lblMIDI") ||
+                           c->name == "JRemLev" || c->name == "picbtnumber";
         const auto before = std::exchange(known_[c], properties(*c));
         for (std::size_t i = 0; i < std::size(kProperties) && !ticks; ++i) {
             if (before.empty() || known_[c][i] == before[i]) continue;
@@ -198,8 +206,6 @@ std::string Watch::changes() {
     for (const auto& [key, value] : rest_)
         if (!now.contains(key)) all.push_back("no " + key);
     rest_ = now;
-    rest_.erase("to the surface");
-    sentToSurface.clear();
     return joined(all, "; ");
 }
 
@@ -247,7 +253,6 @@ std::map<std::string, std::string> Watch::rest() const {
     for (const auto& [key, text] : texts)
         if (!text.empty()) all[key] = text;
     const Learning& l = MIDILearn;
-    if (!sentToSurface.empty()) all["to the surface"] = sentToSurface;
     all["learnt"] = l.MIDILearnDown + " " + l.MIDILearnUp + " " + std::to_string(l.SlideVelocity) +
                     (l.ckVelocityLimit ? " limit" : "") + (l.ckReverse ? " reverse" : "");
     for (std::size_t row = 0; row < l.rows.size(); ++row)
@@ -282,9 +287,20 @@ ApprovedTest::ApprovedTest() {
     ForgetUndo();
     VirtualClock::instance().setWallTime("2026-01-01 12:00:00");
     PlaylistsEnabled = true;
-    MidiDevices::instance().onSent = [](const std::string&, std::uint32_t message) {
-        sentToSurface += " " + midiText(message);
-    };
+    midiIn = {};
+    midiOut = {};
+    MIDILearn = {};
+    for (Control* icon : {&frmMain().display.lblMIDIIcon, &frmMain().display.lblMIDIDevice})
+        icon->visible = false;
+    hMidiIn = hMidiOut = hMidiOutFixed = 0;
+    MIDIInOpen = MIDIDevicePicked = MIDIHidden = MIDILearnActive = false;
+    MIDIOutIndex = kNoMidiIndex;
+    lstInDevs = lstOutDevs = {};
+    cmbInDevsGUI = cmbMIDIOutFixedDevsGUI = cmbMIDIpresets = {};
+    MIDIStore.SetSection("");
+    ResetRing();
+    frmFX().optStartEnd[0]->value = 1, frmFX().optStartEnd[1]->value = 0, frmFX().ckLinkLILO.value = 0;
+    frmFX().imgLockLoopLength.visible = false;
     MidiDevices::instance().plug("Pad");
     midiSettings.MIDIDevice = "Pad";
     midiSettings.MIDIEnabled = 1;
@@ -299,10 +315,26 @@ ApprovedTest::ApprovedTest() {
     for (Control* text : {&frmPlaylist().txtPL, &frmMain().palettes.PalNameCar, &frmMain().palettes.txtSave,
                           &frmRenameFile().lblNewFilename, &frmRenameFile().txtFilename})
         text->caption = std::string();
-    frmHistory().lstHistory.items = std::vector<std::string>();
-    frmHistory().lstHistory.listIndex = -1;
+    for (Control* list : {&frmHistory().lstHistory, &frmPlaylist().lstPlaylist, &frmPlaylistSelector().lstPL,
+                          &frmPlaylistSelector().lstPLRef, &frmSearchJing().lstPalRes,
+                          &frmSearchJing().lstJingRes, &frmSelFile().lstFoundFiles}) {
+        list->items = std::vector<std::string>();
+        list->listIndex = -1;
+    }
+    // All windows are made, so that every change of theirs is told.
+    frmConsole(), frmSettAnnouncer(), frmLoudness(), frmMIDIScroll(), frmMIDIFader(), frmMIDIReset(),
+        frmQuestion();
+    for (Control* typed :
+         {&frmReportError().txtReport, &frmReportError().txtDescription, &frmReportError().txtEmail})
+        typed->caption = std::string();
+    clColorSet(kSlot);
+    for (Control* titled :
+         {&frmPlaylist().form.window, &frmMIDIButton().form.window, &frmSearchJing().txtJSearch})
+        titled->caption = std::string();
     frmHistory().lblDifference.caption = std::string();
     frmFX().picWave.width = 800 * kTwipsPerPixel, frmFX().picWave.height = 120 * kTwipsPerPixel;
+    CloseForms();
+    ForgetUndo();
     StartMIDI();
     AllowMIDIFeedback();
     watch = std::make_unique<Watch>(path(""));

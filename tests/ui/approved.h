@@ -11,7 +11,7 @@ std::string nameOf(const Control& control);
 /// A window in reading order, rows with bars between them, a card's in lines of their own.
 std::string whole(const Control& window);
 
-/// All that an act can change: controls, records, settings, files, and what the desktop and the surface were told.
+/// All that an act can change: controls, records, settings, files, and what the desktop was asked.
 class Watch {
   public:
     /// `folder` is the test's own.

@@ -340,6 +340,44 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
     act("dark, the list reversed", [] { paletteListSettings.RevLstPalCol = 1, SwitchDarkMode(1); });
     paletteListSettings.RevLstPalCol = 0, SwitchDarkMode(0);
 
+    text += "== points of the editor\n";
+    JingleWindow& fx = frmFX();
+    const auto at = [](const TimeFields& field, int seconds, int hundredths) {
+        field.show({0, seconds, hundredths});
+        field.cs->onChange();
+    };
+    const auto points = [&](const char* what, const std::function<void()>& set) {
+        act(what, [&] {
+            editorSettings.ActiveFXTab = 1, fx.ckLinkLILO.value = 0, fx.optStartEnd[0]->onChange();
+            clFXSet(kSlot), fx.optStartEnd[0]->onChange(), pass(1000), watch->changes();
+            set();
+        });
+    };
+    points("a step beyond the hundredths carries", [&] { at(fx.TxtPos, 1, 100); });
+    points("a step below the seconds", [&] { at(fx.TxtPos, -1, 20); });
+    points("a start behind the end", [&] { at(fx.TxtPos, 59, 0); });
+    points("loop in pushes loop out", [&] { at(fx.TxtLI, 5, 0); });
+    points("loop in keeps the length",
+           [&] { fx.ckLinkLILO.value = 1, fx.ckLinkLILO.onChange(), at(fx.TxtLI, 2, 0); });
+    points("the slider's end is the length",
+           [&] { fx.sldLO.value = fx.sldLO.maximum(), fx.sldLO.onChange(); });
+    points("a start copied", [&] { at(fx.TxtPos, 3, 0), fx.btCopyStartPos.onClick(); });
+    const auto hit = [&](Key which, Control* focus = nullptr, int shift = 0) {
+        desktop().focus = focus;
+        key(fx.form.window, which, shift), pass(500);
+    };
+    const Key in = static_cast<Key>('I'), out = static_cast<Key>('O');
+    points("keys that others take", [&] {
+        hit(in), hit(Key::space, fx.TxtPos.sec), hit(Key::space, &fx.btOK);
+        hit(Key::space, nullptr, kCtrlMask), hit(out, fx.TxtPos.sec);
+    });
+    points("the blank plays", [&] { hit(Key::space); });
+    points("once more stops", [&] { hit(Key::space), hit(Key::space); });
+    points("start where it is", [&] { hit(Key::space), hit(in, &fx.btOK); });
+    points("stop where it is", [&] { hit(Key::space), hit(out); });
+    points("a field takes letters",
+           [&] { hit(Key::space), hit(in, fx.TxtPos.sec), hit(out, fx.TxtPos.sec); });
+
     text += "== playlists\n";
     const auto edited = [](std::initializer_list<const char*> lines) {
         if (frmPlaylistSelector().form.isOpen()) frmPlaylistSelector().btNew.onClick();

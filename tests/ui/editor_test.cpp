@@ -66,55 +66,6 @@ class EditorTest : public WindowTest {
     JingleRecord& j = rec(kSlot);
 };
 
-TEST_F(EditorTest, timesGoToTheNearestPlaceThatTheyMayHave) {
-    const double length = 8000.0 * 44 * kBytesPerFrame, gap = 5280;  // of whole frames a ms; 30 ms of stereo
-    const struct {
-        const char* name;
-        bool locked;
-        std::function<void(JingleWindow&)> act;
-        double start, stop, in, out;
-    } cases[] = {
-        {"start", false, [](JingleWindow& x) { setTime(x.TxtPos, 1, 50); }, 1.5 * kSecond, 0, 2 * kSecond,
-         4 * kSecond},
-        {"a step beyond the seconds carries", false, [](JingleWindow& x) { setTime(x.TxtPos, 1, 100); },
-         2 * kSecond, 0, 2 * kSecond, 4 * kSecond},
-        {"stop", false,
-         [](JingleWindow& x) {
-             x.optStartEnd[1]->onChange();
-             setTime(x.TxtPos, 6, 25);
-         },
-         0, 6.25 * kSecond, 2 * kSecond, 4 * kSecond},
-        {"loop in pushes loop out", false, [](JingleWindow& x) { setTime(x.TxtLI, 5, 0); }, 0, 0, 5 * kSecond,
-         5 * kSecond + gap},
-        {"loop in keeps the length", true, [](JingleWindow& x) { setTime(x.TxtLI, 5, 0); }, 0, 0, 5 * kSecond,
-         7 * kSecond},
-        {"the slider's end is the length", false, [](JingleWindow& x) { set(x.sldLO, x.sldLO.maximum()); }, 0,
-         0, 2 * kSecond, length},
-        {"copied", false,
-         [](JingleWindow& x) {
-             setTime(x.TxtPos, 3, 0);
-             x.btCopyStartPos.onClick();
-         },
-         3 * kSecond, 0, 3 * kSecond, 4 * kSecond},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        open("Seq=1 LoopIn=2000 LoopOut=4000");
-        w.optStartEnd[0]->onChange();
-        set(w.ckLinkLILO, c.locked ? 1 : 0);
-        c.act(w);
-        EXPECT_NEAR(j.CueStart, c.start, kBytesPerFrame);
-        EXPECT_NEAR(j.StopPos, c.stop, kBytesPerFrame);
-        EXPECT_NEAR(j.LoopIn, c.in, kBytesPerFrame);
-        EXPECT_NEAR(j.LoopOut, c.out, kBytesPerFrame);
-        const bool moved = c.start != 0 || c.stop != 0 || c.in != 2 * kSecond || c.out != 4 * kSecond;
-        EXPECT_EQ(PalToSave, moved);
-        OKfx();
-        EXPECT_EQ(j.Seq, 1);
-        EXPECT_FALSE(FxOpen);
-    }
-}
-
 TEST_F(EditorTest, whatANumberPushesWhileItIsTypedComesBack) {
     open("Seq=1 LoopIn=2000 LoopOut=4000");
     const auto type = [&](const TimeFields& t, std::initializer_list<int> values) {
@@ -249,45 +200,6 @@ TEST_F(EditorTest, randomMovesReachRecordAndChannelAndNothingElse) {
     OKfx();
     EXPECT_EQ(BASS_ChannelIsActive(j.hPlay), BASS_ACTIVE_STOPPED);
     EXPECT_TRUE(reports.empty());
-}
-
-TEST_F(EditorTest, keysPlayAndSetStartAndStopUnlessAFieldTakesThem) {
-    open();
-    const Key in = static_cast<Key>('I'), out = static_cast<Key>('O');
-    struct Row {
-        const char* name;
-        Control* focus;
-        Key key;
-        int shift;
-        bool repeat, taken, sounds;
-        double start, stop;  ///< seconds, within a tenth
-    };
-    const Row rows[] = {{"silent", nullptr, in, 0, false, false, false, 0, 0},
-                        {"a field takes blanks", w.TxtPos.sec, Key::space, 0, false, false, false, 0, 0},
-                        {"a key takes them", &w.btOK, Key::space, 0, false, false, false, 0, 0},
-                        {"with a modifier", nullptr, Key::space, kCtrlMask, false, false, false, 0, 0},
-                        {"held", nullptr, Key::space, 0, true, true, false, 0, 0},
-                        {"play", nullptr, Key::space, 0, false, true, true, 0, 0},
-                        {"a field takes letters", w.TxtPos.sec, in, 0, false, false, true, 0, 0},
-                        {"start", &w.btOK, in, 0, false, true, true, 1.0, 0},
-                        {"stop: it has got there", nullptr, out, 0, false, true, false, 1.0, 1.5},
-                        {"from its start", nullptr, Key::space, 0, false, true, true, 1.0, 1.5},
-                        {"once more stops", nullptr, Key::space, 0, false, true, false, 1.0, 1.5}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        if (row.key == in && row.taken) pass(500);
-        if (row.key == out) pass(500);
-        desktop().focus = row.focus;
-        KeyEvent event{row.key, row.shift, row.repeat};
-        w.form.window.onKeyDown(event);
-        pass(100);
-        EXPECT_EQ(event.consumed, row.taken);
-        EXPECT_EQ(BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_PLAYING, row.sounds);
-        EXPECT_NEAR(j.CueStart / kSecond, row.start, 0.45);
-        EXPECT_NEAR(j.StopPos / kSecond, row.stop, 0.45);
-        EXPECT_EQ(j.CueStart > 0, row.start > 0);
-        EXPECT_EQ(j.StopPos > 0, row.stop > 0);
-    }
 }
 
 }  // namespace zv::test
