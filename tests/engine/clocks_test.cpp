@@ -211,34 +211,5 @@ TEST_F(Clocks, APressInARestSoundsAtOnceAndWhole) {
     EXPECT_EQ(engineControl()->statistics(kAux).sourceUnderruns, 0U);
 }
 
-TEST_F(Clocks, ACallbackThatTakesTooLongIsCounted) {
-    using Clock = std::chrono::steady_clock;
-    begin({.period = 32});
-    constexpr auto tooLong = std::chrono::milliseconds(3);  // a period is 0.7
-    bool stuck = false;
-    decoders->sounds["slow"] = {.length = 441000, .sample = [&](std::uint64_t f, std::uint32_t) {
-                                    for (const auto until = Clock::now() + tooLong;
-                                         stuck && Clock::now() < until;) {
-                                    }
-                                    stuck = false;
-                                    return sine(f, 100, rate, 0.5);
-                                }};
-    const Topology topology;
-    BASS_ChannelPlay(topology.jingle(file("slow")), false);
-    pull(4096);
-    const DeviceStatistics before = engineControl()->statistics(kMain);
-    stuck = true;
-    pull(44100);
-    const DeviceStatistics after = engineControl()->statistics(kMain);
-    EXPECT_FALSE(stuck);
-    EXPECT_EQ(after.callbacks, before.callbacks + 44100 / 32 + 1);
-    EXPECT_GE(after.underruns, before.underruns + 1);
-    EXPECT_GE(after.longestCallbackNs, 3'000'000U);
-    EXPECT_EQ(engineControl()->statistics(kAux + 1).callbacks, 0U) << "each device has its own";
-    EXPECT_TRUE(after.open && !after.lost && !after.resting && after.asked >= after.callbacks);
-    devices->unplug(kMainName);
-    EXPECT_TRUE(engineControl()->statistics(kMain).lost);
-}
-
 }  // namespace
 }  // namespace zv::engine::test

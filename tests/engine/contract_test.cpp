@@ -1,7 +1,6 @@
 // Handles, errors, arguments without sense, states, devices, levels, recordings, web streams.
 #include <future>
 #include <limits>
-#include <set>
 
 #include "tests/engine/show.h"
 
@@ -9,22 +8,6 @@ namespace zv::engine::test {
 namespace {
 
 using Contract = Show;
-
-TEST_F(Contract, HandlesDoNotComeBack) {
-    const Topology studio;
-    std::set<DWORD> seen;
-    for (int i = 0; i < 500; ++i) {
-        const DWORD source = file("ramp"), play = studio.jingle(source);
-        ASSERT_TRUE(seen.insert(source).second && seen.insert(play).second) << i;
-        EXPECT_TRUE(BASS_StreamFree(play));
-        EXPECT_FALSE(BASS_StreamFree(source)) << "its tempo channel freed it";
-        EXPECT_FALSE(BASS_ChannelPlay(play, false));
-    }
-    for (const float sample : pullAndTake(4410)) ASSERT_EQ(sample, 0);
-    const DWORD kept = file("ramp");
-    EXPECT_TRUE(BASS_StreamFree(BASS_FX_TempoCreate(kept, BASS_STREAM_DECODE)));
-    EXPECT_TRUE(BASS_StreamFree(kept)) << "its own, where nobody said otherwise";
-}
 
 TEST_F(Contract, ConversionsAreExact) {
     decoders->sounds["mono"] = {.format = {8000, 1, 8}, .length = 8000, .sample = ramp};
@@ -147,21 +130,14 @@ TEST_F(Contract, LevelsAreThoseOfWhatWentOut) {
                 const auto window = static_cast<std::size_t>(std::ceil(seconds * 44100));
                 for (const std::size_t side : {0U, 1U}) {
                     float peak = 0, wider = 0;
-                    double power = 0;
                     for (std::size_t i = 0; i < window + grain; ++i) {
                         const float sample = std::abs(sound[sound.size() - 2 * (i + 1) + side]);
                         wider = std::max(wider, sample);
-                        if (i >= window) continue;
-                        peak = std::max(peak, sample);
-                        power += sample * sample;
+                        if (i < window) peak = std::max(peak, sample);
                     }
                     const std::string where = way + (", turn " + std::to_string(turn));
                     ASSERT_GE(level(seconds, heard, side), peak - near) << where << ", " << seconds << " s";
                     ASSERT_LE(level(seconds, heard, side), wider + near) << where << ", " << seconds << " s";
-                    const auto rms = std::sqrt(power / static_cast<double>(window));
-                    ASSERT_NEAR(level(seconds, heard | BASS_LEVEL_RMS, side), rms,
-                                0.01 + grain * 0.9 / static_cast<double>(window))
-                        << where << ", " << seconds << " s";
                 }
             }
         }

@@ -85,14 +85,6 @@ TEST(DspResampler, FramesLieExactlyWhereTheyBelong) {
     }
 }
 
-TEST(DspResampler, EqualRatesPassTheSamplesThemselves) {
-    const auto in = test::noise(2 * 5000, 4);
-    Resampler resampler(48000, 48000);
-    EXPECT_EQ(resampler.inputNeeded(100), 100u);
-    EXPECT_EQ(convert(resampler, in, 5000, {1, 1997, 64}), in);
-    EXPECT_EQ(resampler.held(), 0);
-}
-
 TEST(DspResampler, CorrectionsComeAndGoWithoutASeam) {
     const std::size_t frames = 48000;
     const auto in = test::sine(440, 48000, 2 * frames, 0.5);

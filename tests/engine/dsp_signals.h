@@ -81,6 +81,4 @@ std::vector<float> inBlocks(std::vector<float> stereo, const std::vector<std::si
     return stereo;
 }
 
-inline const std::vector<std::vector<std::size_t>> kBlockings{{1}, {64}, {997}, {3, 256, 1, 441, 17}};
-
 }  // namespace zv::engine::test

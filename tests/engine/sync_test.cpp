@@ -57,32 +57,22 @@ TEST_F(Syncs, AFadeOrderedThereBeginsAPeriodLaterAtMost) {
     EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
 }
 
-TEST_F(Syncs, WhatWasRemovedHasGoneFromTheAudioSideToo) {
-    // A program sets its stop position anew at every press, and removes the old one.
-    for (int press = 0; press < 3; ++press) {
-        const HSYNC old = at(100000 + static_cast<std::uint64_t>(press));
-        pull(441);
-        EXPECT_TRUE(press == 2 || BASS_ChannelRemoveSync(jingle, old));
-    }
-    const SyncNode* kept = Engine::instance().find(jingle)->audio.syncs;
-    ASSERT_TRUE(kept);
-    EXPECT_TRUE(kept->frame == 100002 && !kept->next);
-}
-
-/// Who frees or removes may throw away what the procedure uses.
-TEST_F(Syncs, FreeingAndRemovingWaitForAProcedureThatRuns) {
-    struct Gate {
-        std::atomic<bool> inside{false}, open{false};
-    };
-    const auto wait = [](HSYNC, DWORD, DWORD, void* user) {
+/// A procedure that runs until it is let go.
+struct Gate {
+    std::atomic<bool> inside{false}, open{false};
+    static void wait(HSYNC, DWORD, DWORD, void* user) {
         auto& gate = *static_cast<Gate*>(user);
         gate.inside = true;
         while (!gate.open) std::this_thread::yield();
-    };
+    }
+};
+
+/// Who frees or removes may throw away what the procedure uses.
+TEST_F(Syncs, FreeingAndRemovingWaitForAProcedureThatRuns) {
     for (const bool frees : {false, true}) {
         Gate gate;
         const DWORD other = studio.jingle(file("one"));
-        const HSYNC sync = BASS_ChannelSetSync(other, BASS_SYNC_POS, 100 * 4, wait, &gate);
+        const HSYNC sync = BASS_ChannelSetSync(other, BASS_SYNC_POS, 100 * 4, Gate::wait, &gate);
         BASS_ChannelPlay(other, false);
         auto pulling = std::async(std::launch::async, [&] { pull(882); });
         while (!gate.inside) std::this_thread::yield();
@@ -94,6 +84,29 @@ TEST_F(Syncs, FreeingAndRemovingWaitForAProcedureThatRuns) {
         gate.open = true;
         EXPECT_TRUE(gone.get());
         pulling.get();
+    }
+}
+
+TEST_F(Syncs, AnOldOneWhoseProcedureIsStillDueDoesNotEndTheNewPlay) {
+    for (const bool moved : {true, false}) {
+        Gate gate;  // of a jingle that is rendered before the other one
+        const DWORD first = studio.jingle(file("one")), other = studio.jingle(file("one"));
+        BASS_ChannelSetSync(first, BASS_SYNC_POS, 100 * 4, Gate::wait, &gate);
+        const HSYNC old = BASS_ChannelSetSync(
+            other, BASS_SYNC_POS | BASS_SYNC_ONETIME, 200 * 4,
+            [](HSYNC, DWORD channel, DWORD, void*) { BASS_ChannelStop(channel); }, nullptr);
+        for (const DWORD channel : {first, other}) BASS_ChannelPlay(channel, false);
+        auto pulling = std::async(std::launch::async, [&] { pull(882); });
+        while (!gate.inside) std::this_thread::yield();
+        EXPECT_GE(BASS_ChannelGetPosition(other, BASS_POS_BYTE), 200U * 4) << "it has been passed";
+        BASS_ChannelStop(other);
+        if (moved) BASS_ChannelSetPosition(other, 1000 * 4, BASS_POS_BYTE);
+        if (!moved) BASS_ChannelRemoveSync(other, old);
+        BASS_ChannelPlay(other, false);
+        gate.open = true;
+        pulling.get();
+        pull(4410);
+        EXPECT_EQ(BASS_ChannelIsActive(other), BASS_ACTIVE_PLAYING) << moved;
     }
 }
 

@@ -120,44 +120,6 @@ TEST_F(Threads, WorkersReadAheadOfWhatIsPlayed) {
     EXPECT_GT(loudest, 0.05F);
 }
 
-TEST_F(Threads, AFloodOfCommandsLosesNothing) {
-    // Nothing pulls while the flood comes: more commands than the ring holds.
-    begin({});
-    const Topology studio;
-    const DWORD jingle = studio.jingle(file("one"));
-    BASS_ChannelPlay(jingle, false);
-    pull(441);
-    for (int i = 0; i < 20000; ++i) BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOLDSP, 0.5F, 10);
-    EXPECT_GT(engineControl()->statistics(kMain).commandOverflows, 0U);
-    BASS_ChannelStop(jingle);
-    pull(441);
-    take();
-    for (const float sample : pullAndTake(441))
-        ASSERT_EQ(sample, 0) << "a stop finds room in the fullest ring";
-    for (int i = 0; i < 10; ++i) {
-        BASS_ChannelIsActive(jingle);
-        pull(441);
-    }
-    float gain = 0;
-    BASS_ChannelGetAttribute(jingle, BASS_ATTRIB_VOLDSP, &gain);
-    EXPECT_EQ(gain, 0.5F);
-}
-
-TEST_F(Threads, ALongFileStaysSmall) {
-    begin({});
-    decoders->sounds["long"] = {.length = 44100 * 180, .sample = [](auto, auto) { return 0.1F; }};
-    const Topology studio;
-    const DWORD source = file("long"), jingle = studio.jingle(source);
-    BASS_ChannelPlay(jingle, false);
-    pull(60 * 44100);
-    const PagedSound& sound = *Engine::instance().find(source)->sound;
-    int held = 0;
-    for (std::uint64_t page = 0; page * PagedSound::kPage < sound.length(); ++page)
-        held += sound.page(page) != nullptr;
-    EXPECT_LT(held, 30) << "pages, of 646 played";
-    EXPECT_EQ(engineControl()->statistics(kMain).sourceUnderruns, 0U);
-}
-
 #ifndef NDEBUG
 /// A call from the wrong thread ends a debug build; the guard would find it later, or never.
 using ThreadTags = Show;

@@ -196,34 +196,6 @@ TEST_F(LearnTest, AControlIsTaughtByPressingIt) {
                  frmMIDIFader().form.isOpen());
 }
 
-TEST_F(LearnTest, ATestedMessageGivesWayToWhatTheControlShows) {
-    start({"OutPaletteUp=A00101,A00100", "OutPaletteDown=A00201,A00200", "OutStopAll=A00601,A00600",
-           "OutAutoRepeat=A00301,A00300,A00302", "OutTouchPlay=A00401,A00400,A00402",
-           "OutAutoMix=A00501,A00500,A00502,A00503", "OutTalkOver=A00701,A00700,A00702",
-           "OutMicON=A00801,A00800,A00802,A00803"});
-    std::string text;
-    for (const bool on : {false, true}) {
-        MicPushed = TalkOverOn = on;
-        ToggleAutoRep = ToggleTouch = on ? 1 : 0;
-        automixSettings.AutoMix = on ? 2 : 0;
-        for (const char* ctrl :
-             {"btUp", "btDn", "btStop", "ckAutoRep", "ckTouch", "ckAutoMix", "btMicTO", "btMicPush"}) {
-            clMIDI(ctrl, -1);
-            sent();
-            btTestDown(0);
-            btTestUp();
-            text += sent() + (on ? "; " : " ");
-            frmMIDIButton().btCancel.onClick();
-        }
-    }
-    MicPushed = TalkOverOn = false;
-    EXPECT_EQ(
-        text,
-        "A00101 A00100 A00201 A00200 A00601 A00600 A00301 A00300 A00401 A00400 A00501 A00500 A00701 A00700 "
-        "A00801 A00800 A00101 A00100; A00201 A00200; A00601 A00600; A00301 A00302; A00401 A00402; A00501 "
-        "A00503; A00701 A00701; A00801 A00801; ");
-}
-
 TEST_F(SurfaceTest, WhileAWindowLearnsNothingPlays) {
     load(0, 1000);
     start({"Jingle0=9010,901000,255", "OutJingle0=A01001,A01002,A01003,A01004"});

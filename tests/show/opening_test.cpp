@@ -116,37 +116,6 @@ TEST_F(Opening, ATrackerModuleOpensAsOne) {
     EXPECT_LT(heard().firstSound(), framesOf(100));
 }
 
-TEST_F(Opening, EffectsAreOnFromTheStart) {
-    const std::vector<std::int16_t> file = sine(framesOf(3000), 1000, 0.25);
-    struct Row {
-        const char* name;
-        std::string lines;
-        double dB;       ///< of the 1000 Hz band against the file
-        double seconds;  ///< how long it sounds
-    };
-    const std::vector<Row> rows{
-        {"neutral", "", 0, 3},
-        {"short vector", "FXV_0=0,0\r\n", 0, 3},
-        {"the slider's sign is turned", "FXV_0=0,0,0,-6,0,0,0,0,0,44100,0\r\n", 6, 3},
-        {"two and a half octaves wide", "FXV_0=0,0,0,0,-6,0,0,0,0,44100,0\r\n", 3, 3},
-        {"cut", "FXV_0=0,0,0,6,0,0,0,0,0,44100,0\r\n", -6, 3},
-        {"tempo", "FXV_0=0,0,0,0,0,0,0,0,25,44100,0\r\n", 0, 2.4},
-        {"rate", "FXV_0=0,0,0,0,0,0,0,0,0,66150,0\r\n", 0, 2},
-        {"pitch keeps the length", "FXV_0=0,0,0,0,0,0,0,0,0,44100,5\r\n", 0, 3},
-        {"volume", "Volm_0=25\r\n", -12.04, 3},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        openJingle(file, row.lines);
-        clPlay(0, -1);
-        pass(4000);
-        const Heard sound = heard();
-        const double loudest = sound.loudest(framesOf(500), framesOf(1500));
-        EXPECT_NEAR(20 * std::log10(loudest / 0.25), row.dB, 0.3);
-        EXPECT_NEAR(static_cast<double>(sound.end(1e-4F)) / kRate, row.seconds, 0.03);
-    }
-}
-
 TEST_F(Opening, FewerThanSevenBandsAreReportedAndTheRestStillWorks) {
     editorSettings.EQBands = "60,150,400";
     openJingle(level(framesOf(500)), iniLine("Volm_0", "50"));

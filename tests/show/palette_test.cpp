@@ -7,7 +7,6 @@
 #include "audio/open_palette.h"
 #include "model/history.h"
 #include "model/palette_lines.h"
-#include "model/pending_removals.h"
 #include "model/upcalls.h"
 #include "startup/settings/folders_settings.h"
 #include "startup/settings/grid_settings.h"
@@ -139,35 +138,6 @@ TEST_F(Palette, ButtonsOutOfTheGridKeepTheirRecords) {
     EXPECT_EQ(read("palette.ini"), "[Morning]\r\nPath_2=a.wav\r\n");
 }
 
-TEST_F(Palette, SaveModesTellWhatHappensToTheSection) {
-    soundFile("a.wav");
-    const std::string others = "[Evening]\r\nPath_1=b.wav\r\nNote=kept\r\n";
-    struct Mode {
-        const char* name;
-        std::string mode, saveAs, file;
-    };
-    const std::vector<Mode> modes{
-        {"save replaces it", "save", "Morning", "[Morning]\r\nPath_2=a.wav\r\n" + others},
-        {"without a mode it is written over", "", "Morning",
-         "[Morning]\r\nPath_2=a.wav\r\nVolm_2=100\r\nOld=line\r\n" + others},
-        {"rename moves it", "rename", "Noon", others + "[Noon]\r\nPath_2=a.wav\r\n"},
-        {"rename onto another merges nothing", "rename", "Evening",
-         "[Evening]\r\nPath_1=b.wav\r\nNote=kept\r\nPath_2=a.wav\r\n"},
-        {"save under a new name leaves the old", "save", "Noon",
-         "[Morning]\r\nPath_2=a.wav\r\nVolm_2=100\r\nNoAutomix_2=1\r\nOld=line\r\n" + others +
-             "[Noon]\r\nPath_2=a.wav\r\n"},
-    };
-    for (const Mode& mode : modes) {
-        SCOPED_TRACE(mode.name);
-        openPalette("Path_2=a.wav\r\nVolm_2=100\r\nNoAutomix_2=1\r\nOld=line\r\n" + others);
-        jingle(2).NoAutomix = 0;
-        SaveMode = mode.mode;
-        EXPECT_TRUE(CloseFile(mode.saveAs));
-        EXPECT_EQ(SaveMode, "");
-        EXPECT_EQ(read("palette.ini"), mode.file);
-    }
-}
-
 TEST_F(Palette, AWindowsUsersFileGoesBackUnharmed) {
     std::filesystem::create_directories(path("Audio_Sample"));
     soundFile("Audio_Sample/Été.WAV");
@@ -262,28 +232,6 @@ TEST_F(Palette, FilesFromElsewhereAreImported) {
     EXPECT_EQ(marks.back(), "no: Locked: far.wav. In use.");
 }
 
-TEST_F(Palette, AFailedSaveLosesNothing) {
-    soundFile("a.wav");
-    openPalette("Path_0=a.wav\r\nVolm_0=10\r\n");
-    const std::string before = read("palette.ini");
-    jingle().Volm = 77;
-    AddRemoval({"Evening", 1, "Morning", "b.wav"});
-    // A folder in the file's place: neither read nor written, whoever the user is.
-    std::filesystem::rename(path("palette.ini"), path("away.ini"));
-    std::filesystem::create_directory(path("palette.ini"));
-    EXPECT_FALSE(save());
-    EXPECT_EQ(SaveMode, "save") << "the next try knows what to do";
-    EXPECT_EQ(PendingRemovals().size(), 1U);
-    EXPECT_EQ(jingle().Volm, 77);
-    EXPECT_EQ(marks.back().substr(0, 2), "no");
-    std::filesystem::remove(path("palette.ini"));
-    std::filesystem::rename(path("away.ini"), path("palette.ini"));
-    EXPECT_EQ(read("palette.ini"), before);
-    EXPECT_TRUE(save());
-    EXPECT_TRUE(PendingRemovals().empty());
-    EXPECT_EQ(read("palette.ini"), "[Morning]\r\nPath_0=a.wav\r\nVolm_0=77\r\n");
-}
-
 TEST_F(Palette, ASlotThatStillSoundsKeepsThePalettesOwnKeys) {
     soundFile("a.wav");
     soundFile("b.wav");
@@ -315,43 +263,6 @@ TEST_F(Palette, APaletteOpenedWhileAnotherLoadsIsTheOneThatStands) {
         EXPECT_EQ(jingle(i).Kind, SlotKind::stream) << i;
     }
     EXPECT_EQ(events, 110 + 2 * kPaletteSlots) << "the earlier one stopped there";
-}
-
-TEST_F(Palette, OneSlotGoesFromAPaletteThatIsNotOpen) {
-    const std::string rest = "[Z]\r\nPath_0=z.wav\r\n";
-    struct Removal {
-        const char* name;
-        std::string before;
-        int slot;
-        std::string after;
-    };
-    const std::vector<Removal> removals{
-        {"others keep their keys",
-         "Path_0=a.wav\r\nVolm_0=5\r\nPath_1=b.wav\r\nLoop_1=7\r\nSeq_1=0\r\n"
-         "LoopOut_1=9\r\nFXV_1=0,0,0,0,0,0,0,0,0,48000,0\r\nBTNCol_1=00FF00\r\nPlayMod_1=2\r\n",
-         0,
-         "Path_1=b.wav\r\nLoop_1=1\r\nSeq_1=1\r\nLoopOut_1=9\r\nBTNCol_1=00FF00\r\nPlayMod_1=2\r\n"
-         "FXV_1=0,0,0,0,0,0,0,0,0,48000,0\r\n"},
-        {"the duck's and the automix's keys are lost",
-         "Path_0=a.wav\r\nAutoDuck_0=1\r\nNoAutomix_0=1\r\n"
-         "NoTrigDuck_0=1\r\nPath_1=b.wav\r\n",
-         1, "Path_0=a.wav\r\n"},
-        {"slots above the grid are lost", "Path_0=a.wav\r\nPath_1=b.wav\r\nPath_60=c.wav\r\n", 1,
-         "Path_0=a.wav\r\n"},
-        {"the last one leaves an empty palette", "Path_0=a.wav\r\n", 0, "This_palette_is_empty=Yes\r\n"},
-        {"a slot below 0 is none", "Path_0=a.wav\r\nPath_60=c.wav\r\n", -1,
-         "Path_0=a.wav\r\nPath_60=c.wav\r\n"},
-    };
-    LastPalIdx = 29;
-    for (const Removal& removal : removals) {
-        SCOPED_TRACE(removal.name);
-        write("palette.ini", "[Evening]\r\n" + removal.before + rest);
-        EXPECT_TRUE(RemJing("Evening", removal.slot));
-        EXPECT_EQ(read("palette.ini"), "[Evening]\r\n" + removal.after + rest);
-        EXPECT_TRUE(RemJing("", 0));
-        EXPECT_TRUE(RemJing("Nowhere", 0));
-        EXPECT_EQ(read("palette.ini"), "[Evening]\r\n" + removal.after + rest);
-    }
 }
 
 TEST_F(Palette, AFileHoldsPalettesWhenItHoldsABracket) {

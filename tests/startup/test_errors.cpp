@@ -170,23 +170,5 @@ TEST_F(Errors, WhatIsCaughtHasItsNumberAndTheReportNeverThrows) {
     EXPECT_FALSE(guarded("x", [] { throw 42; }));
 }
 
-TEST_F(Errors, ConsoleSplitsLinesUnlessPaused) {
-    std::vector<std::string> lines;
-    bool paused = false;
-    startupUpcalls.consolePaused = [&] { return paused; };
-    startupUpcalls.consoleLines = [&](const std::vector<std::string>& more, bool clear) {
-        if (clear) lines.clear();
-        lines.insert(lines.end(), more.begin(), more.end());
-    };
-    ConsoleAdd("one");
-    ConsoleAdd("two\r\nthree\nfour");
-    EXPECT_THAT(lines, ElementsAre("one", "two", "three", "four"));
-    paused = true;
-    ConsoleAdd("not seen", true);
-    paused = false;
-    ConsoleAdd("five", true);
-    EXPECT_THAT(lines, ElementsAre("five"));
-}
-
 }  // namespace
 }  // namespace zv::test

@@ -94,17 +94,6 @@ TEST_F(Files, LanguageRepairsItself) {
     EXPECT_FALSE(there("language.ini"));
 }
 
-TEST_F(Files, ChecksumIsBlindToOrderAndLineEnds) {
-    EXPECT_EQ(FileChecksum("ab\r\ncd\r\n"), 'a' + 'b' + 'c' + 'd');
-    EXPECT_EQ(FileChecksum("cd\nab"), FileChecksum("ab\r\ncd\r\n"));
-    EXPECT_EQ(FileChecksum("\xE9"), 0xE9);
-    EXPECT_EQ(FileChecksum("\xC3\xA9"), 0xE9);
-    EXPECT_EQ(FileChecksum("\xE9\xA3\x9F"), static_cast<std::int16_t>(0x98DF));
-    EXPECT_EQ(FileChecksum("\U0001D11E"),
-              static_cast<std::int16_t>(0xD834) + static_cast<std::int16_t>(0xDD1E));
-    EXPECT_EQ(FileChecksum(""), 0);
-}
-
 TEST_F(Files, BackupsRotateThroughDistinctStates) {
     for (int start = 1; start <= 7; ++start) {
         write("palette.ini", "[state " + std::to_string(start) + "]");

@@ -68,24 +68,6 @@ std::set<std::string> keysInTheCode() {
     return keys;
 }
 
-TEST_F(Language, EachWindowHasItsKeysOnce) {
-    std::map<std::string, int> keys, titles;
-    std::set<std::string> names;
-    for (const LanguageKey& key : LanguageKeys()) {
-        ++keys[key.window];
-        if (key.title) ++titles[key.window];
-        EXPECT_TRUE(names.insert(std::string(key.window) + key.key).second) << key.key;
-    }
-    std::string text;
-    for (const auto& [window, count] : keys)
-        text += window + " " + std::to_string(count) + (titles[window] == 1 ? " titled; " : "; ");
-    EXPECT_EQ(
-        text,
-        "frmColPick 2 titled; frmFX 31 titled; frmMIDI 15; frmMain 88; frmMixer 25; frmRenameFile 4 titled; "
-        "frmReportError 1; frmSelFile 3 titled; frmSett 76 titled; frmShortcuts 7 titled; frmUpdateNews 4 "
-        "titled; ");
-}
-
 TEST_F(Language, ShippedFileHasEveryKeyInEveryLanguage) {
     const fs::path original = fs::path(test::sourceDir()) / "data/language_original.ini";
     ASSERT_TRUE(fs::exists(original));
