@@ -85,30 +85,6 @@ TEST(DspResampler, FramesLieExactlyWhereTheyBelong) {
     }
 }
 
-TEST(DspResampler, CorrectionsComeAndGoWithoutASeam) {
-    const std::size_t frames = 48000;
-    const auto in = test::sine(440, 48000, 2 * frames, 0.5);
-    Resampler resampler(48000, 48000);
-    std::vector<float> out, part;
-    std::size_t fed = 0, turn = 0;
-    const double corrections[] = {0, 200, -200, 0, 500, 0};
-    double consumed = 0;
-    while (out.size() < 2 * frames) {
-        const double ppm = corrections[turn++ / 20 % 6];
-        resampler.setCorrection(ppm);
-        const std::size_t need = resampler.inputNeeded(441);
-        part.resize(2 * 441);
-        const double before = resampler.position();
-        resampler.process({in.data() + 2 * fed, 2 * need}, part);
-        EXPECT_NEAR(resampler.position() - before, 441 * (1 + ppm * 1e-6), 1e-9);
-        consumed += 441 * (1 + ppm * 1e-6);
-        fed += need;
-        out.insert(out.end(), part.begin(), part.end());
-    }
-    EXPECT_NEAR(resampler.position(), consumed, 1e-6);
-    EXPECT_LT(test::roughness(out, 100, frames), test::roughness(in, 0, frames) * 1.01);
-}
-
 // ---- the transposer, whose speed may change with every piece
 
 /// Pieces of 64 frames at the speed that `speed` has for each; the right side lies a quarter of a wave behind.

@@ -57,6 +57,7 @@ TEST_F(Heard, AStopOvertakesItsOwnPlay) {
     BASS_Mixer_ChannelRemove(jingle);
     for (std::size_t i = 0; i < CommandQueue::kCapacity; ++i)
         BASS_ChannelSlideAttribute(other, BASS_ATTRIB_VOLDSP, 0.5F, 10);
+    BASS_ChannelSlideAttribute(other, BASS_ATTRIB_VOLDSP, 0.25F, 10);
     BASS_Mixer_StreamAddChannel(studio.mainMixer, jingle, 0);
     BASS_ChannelPlay(jingle, false);
     BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOL, -1, 0);
@@ -66,6 +67,9 @@ TEST_F(Heard, AStopOvertakesItsOwnPlay) {
     }
     take();
     EXPECT_EQ(loudest(pullAndTake(4410)), 0);
+    float gain = 0;
+    BASS_ChannelGetAttribute(other, BASS_ATTRIB_VOLDSP, &gain);
+    EXPECT_EQ(gain, 0.25F) << "what waited outside was obeyed";
 }
 
 /// A stream that gives as much as it is allowed to.

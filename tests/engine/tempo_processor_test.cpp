@@ -217,29 +217,6 @@ TEST_F(TempoProcessor, SlidesGoTheirWayWithoutAStepAndKeepThePlace) {
     }
 }
 
-TEST_F(TempoProcessor, ASlideThatIsReplacedGoesOnFromTheValueReachedAndRunsOnInSilence) {
-    Player player(*this, sine(440, kRate, 12 * kRate));
-    player.slide(TempoPart::Pitch, 12, kRate, false);
-    player.play(kRate / 4);
-    EXPECT_NEAR(player.parameters().pitch, 3, 1e-9);
-    player.slide(TempoPart::Pitch, -3, kRate / 2, false);
-    player.play(kRate / 4);
-    EXPECT_NEAR(player.parameters().pitch, 0, 1e-9);
-    EXPECT_TRUE(player.stretched());
-    BASS_ChannelStop(player.channel);
-    devices->setPeriod(1);
-    pull(kRate / 8);
-    take();
-    EXPECT_NEAR(player.parameters().pitch, -1.5, 1e-3);
-    const std::size_t at = player.heard.size() / 2;
-    player.play(kRate / 2);  // a lane that stood meanwhile is made anew
-    EXPECT_NEAR(pitchBetween(player.heard, at + kRate / 4, at + kRate / 2), 440 * std::exp2(-3 / 12.0), 4);
-    player.setParameters({});
-    player.play(kRate / 4);
-    EXPECT_FALSE(player.stretched());
-    EXPECT_LT(roughness(player.heard, 0, player.heard.size() / 2), 4 * roughness(player.sound, 0, kRate));
-}
-
 TEST_F(TempoProcessor, AKnobThatTurnsWithoutAPauseIsHeardMeanwhile) {
     Player player(*this, sine(440, kRate, 12 * kRate));
     for (int i = 1; i <= 60; ++i) {  // a command every six milliseconds

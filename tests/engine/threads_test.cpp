@@ -120,24 +120,5 @@ TEST_F(Threads, WorkersReadAheadOfWhatIsPlayed) {
     EXPECT_GT(loudest, 0.05F);
 }
 
-#ifndef NDEBUG
-/// A call from the wrong thread ends a debug build; the guard would find it later, or never.
-using ThreadTags = Show;
-
-TEST_F(ThreadTags, CallsFromTheWrongThreadAreNoticed) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    const auto sound = file("ramp");
-    const auto as = [](ThreadKind kind, auto&& call) {
-        const ThreadSection section(kind);
-        call();
-    };
-    Graph& graph = Engine::instance().graph;
-    EXPECT_DEATH(as(ThreadKind::Audio, [&] { BASS_ChannelStop(sound); }), "assertNotAudioThread");
-    EXPECT_DEATH(as(ThreadKind::Sync, [&] { file("ramp"); }), "assertControlThread");
-    EXPECT_DEATH(as(ThreadKind::Worker, [&] { graph.renderBlock(1); }), "assertAudioThread");
-    EXPECT_DEATH(graph.trash.add(nullptr), "assertAudioThread");
-}
-#endif
-
 }  // namespace
 }  // namespace zv::engine::test

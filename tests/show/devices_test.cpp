@@ -229,19 +229,6 @@ TEST_F(Devices, MetersAndTriggersTellTheLoudestOfThoseThatMay) {
     }
 }
 
-TEST_F(Devices, OnlyRatesOfTheListAreUsed) {
-    for (const auto& [saved, used] : std::vector<std::pair<int, int>>{
-             {11025, 11025}, {48000, 48000}, {96000, 96000}, {32000, 44100}, {0, 44100}, {-5, 44100}}) {
-        deviceSettings.MixerFreq = saved;
-        SetupMixers();
-        EXPECT_EQ(MixerFreqAtStart, used);
-        BASS_CHANNELINFO info{};
-        ASSERT_TRUE(BASS_ChannelGetInfo(MainMixer, &info));
-        EXPECT_EQ(info.freq, static_cast<DWORD>(used));
-        EXPECT_EQ(deviceSettings.MixerFreq, used);
-    }
-}
-
 class NoDevices : public Devices {
   protected:
     NoDevices() : Devices({.outputs = {}, .inputs = {}}) {}

@@ -1,7 +1,6 @@
 // The effects text of a jingle and the presets.
 #include "audio/effect_vector.h"
 
-#include "startup/settings/editor_settings.h"
 #include "startup/stores.h"
 #include "tests/support/studio.h"
 
@@ -41,16 +40,6 @@ TEST(EffectVector, TheSliderOfTheRateComesBackWhateverTheRate) {
             ASSERT_NEAR(SliderOfRate(RateOfSlider(slider, freq), freq), slider, 0.0626) << freq;
     EXPECT_EQ(RateOfSlider(100, 44'100), 48'510);
     EXPECT_EQ(SliderOfRate(0, 44'100), 0);
-}
-
-TEST(EffectVector, OnlyTheWayDownIsLimited) {
-    const int before = editorSettings.TempoMax;
-    editorSettings.TempoMax = 120;
-    EXPECT_EQ(MostTempo(), 94);
-    EXPECT_EQ(MostRateDown(), 940);
-    EXPECT_EQ(MostRateUp(), 1'200);
-    EXPECT_EQ(MostPitch(), 120);
-    editorSettings.TempoMax = before;
 }
 
 class EffectPresetFiles : public FolderTest {};

@@ -7,6 +7,7 @@
 #include "audio/open_palette.h"
 #include "model/history.h"
 #include "model/palette_lines.h"
+#include "model/pending_removals.h"
 #include "model/upcalls.h"
 #include "startup/settings/folders_settings.h"
 #include "startup/settings/grid_settings.h"
@@ -114,30 +115,6 @@ TEST_F(Palette, HotJinglesAreSavedWithIt) {
     EXPECT_EQ(read("HotJingles.ini"), "") << "an empty section disappears";
 }
 
-TEST_F(Palette, EmptySlotsAndEmptyPalettes) {
-    openPalette("Volm_3=50\r\nPath_4=notes.txt\r\nPath_5=\r\nPlaylist_6=Night\r\nPath_96=a.wav\r\n");
-    for (int i = 0; i < kPaletteSlots; ++i) {
-        EXPECT_EQ(jingle(i).Path, "") << i;
-        EXPECT_EQ(jingle(i).Kind, SlotKind::nothing) << i;
-        EXPECT_EQ(jingle(i).Volm, 100) << i;
-    }
-    EXPECT_TRUE(save());
-    EXPECT_EQ(read("palette.ini"), "[Morning]\r\nThis_palette_is_empty=Yes\r\n");
-    EXPECT_FALSE(CloseFile("")) << "without a name nothing is written";
-    EXPECT_EQ(read("palette.ini"), "[Morning]\r\nThis_palette_is_empty=Yes\r\n");
-}
-
-TEST_F(Palette, ButtonsOutOfTheGridKeepTheirRecords) {
-    soundFile("a.wav");
-    JExists.fill(0);
-    for (int i = 0; i < 16; ++i) JExists[static_cast<std::size_t>(i)] = 1;
-    openPalette("Path_2=a.wav\r\nPath_40=a.wav\r\n");
-    EXPECT_EQ(jingle(40).Path, "") << "its button was never there";
-    LastPalIdx = 0;  // a smaller grid within the run
-    EXPECT_TRUE(save());
-    EXPECT_EQ(read("palette.ini"), "[Morning]\r\nPath_2=a.wav\r\n");
-}
-
 TEST_F(Palette, AWindowsUsersFileGoesBackUnharmed) {
     std::filesystem::create_directories(path("Audio_Sample"));
     soundFile("Audio_Sample/Été.WAV");
@@ -232,6 +209,28 @@ TEST_F(Palette, FilesFromElsewhereAreImported) {
     EXPECT_EQ(marks.back(), "no: Locked: far.wav. In use.");
 }
 
+TEST_F(Palette, AFailedSaveLosesNothing) {
+    soundFile("a.wav");
+    openPalette("Path_0=a.wav\r\nVolm_0=10\r\n");
+    const std::string before = read("palette.ini");
+    jingle().Volm = 77;
+    AddRemoval({"Evening", 1, "Morning", "b.wav"});
+    // A folder in the file's place: neither read nor written, whoever the user is.
+    std::filesystem::rename(path("palette.ini"), path("away.ini"));
+    std::filesystem::create_directory(path("palette.ini"));
+    EXPECT_FALSE(save());
+    EXPECT_EQ(SaveMode, "save") << "the next try knows what to do";
+    EXPECT_EQ(PendingRemovals().size(), 1U);
+    EXPECT_EQ(jingle().Volm, 77);
+    EXPECT_EQ(marks.back().substr(0, 2), "no");
+    std::filesystem::remove(path("palette.ini"));
+    std::filesystem::rename(path("away.ini"), path("palette.ini"));
+    EXPECT_EQ(read("palette.ini"), before);
+    EXPECT_TRUE(save());
+    EXPECT_TRUE(PendingRemovals().empty());
+    EXPECT_EQ(read("palette.ini"), "[Morning]\r\nPath_0=a.wav\r\nVolm_0=77\r\n");
+}
+
 TEST_F(Palette, ASlotThatStillSoundsKeepsThePalettesOwnKeys) {
     soundFile("a.wav");
     soundFile("b.wav");
@@ -263,6 +262,22 @@ TEST_F(Palette, APaletteOpenedWhileAnotherLoadsIsTheOneThatStands) {
         EXPECT_EQ(jingle(i).Kind, SlotKind::stream) << i;
     }
     EXPECT_EQ(events, 110 + 2 * kPaletteSlots) << "the earlier one stopped there";
+}
+
+TEST_F(Palette, OneSlotGoesFromAPaletteThatIsNotOpen) {
+    const std::string rest = "[Z]\r\nPath_0=z.wav\r\n", keys = "Path_1=b.wav\r\nLoop_1=1\r\nSeq_1=1\r\nLoopOut_1=9\r\n";
+    const std::pair<std::pair<int, std::string>, std::string> removals[] = {
+        {{0, "Path_0=a.wav\r\nVolm_0=5\r\nAutoDuck_1=1\r\n" + keys + "Path_60=c.wav\r\n"}, keys},
+        {{1, "Path_0=a.wav\r\n" + keys}, "Path_0=a.wav\r\n"},
+        {{0, "Path_0=a.wav\r\n"}, "This_palette_is_empty=Yes\r\n"},
+        {{-1, "Path_60=c.wav\r\n"}, "Path_60=c.wav\r\n"},
+    };
+    LastPalIdx = 29;
+    for (const auto& [removal, after] : removals) {
+        write("palette.ini", "[Evening]\r\n" + removal.second + rest);
+        EXPECT_TRUE(RemJing("Evening", removal.first) && RemJing("", 0) && RemJing("Nowhere", 0));
+        EXPECT_EQ(read("palette.ini"), "[Evening]\r\n" + after + rest);
+    }
 }
 
 TEST_F(Palette, AFileHoldsPalettesWhenItHoldsABracket) {

@@ -1,7 +1,6 @@
-// The files that come into being at the start, their backups, the folder they lie in, the lock and the trace.
+// The files that come into being at the start, their backups, the folder they lie in.
 
 #include "startup/command_line.h"
-#include "startup/trace.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {
@@ -176,28 +175,6 @@ TEST_F(Files, ChoosesAndSeedsTheProgramFolder) {
     setVariable("ZENTROVA_HOME", "");
     setVariable(kDataVariable, "");
     fs::current_path(cwd);
-}
-
-TEST_F(Files, TraceAndProgress) {
-    int bar = 0;
-    startupUpcalls.splashBar = [&](int width) { bar = width; };
-    write("Trace_start.log", "older");
-    StartTrace();
-    around.nowMs += 12;
-    FillTraceLog("Start");
-    around.nowMs += 1300;
-    FillTraceLog("BASS");
-    WriteTraceStart();
-    EXPECT_EQ(read("Trace_start.log"),
-              "0.012 : Start\r\n1.300 : BASS\r\nSoftware loaded in 1.312 seconds\r\n");
-    SetProgress(80);
-    EXPECT_EQ(bar, 3372);
-    SetProgress(2);
-    AddProgress(40.0 / 30);
-    EXPECT_EQ(bar, 140);
-    EXPECT_THAT(UnloadReasonText(2), HasSubstr("session is ending"));
-    EXPECT_EQ(UnloadReasonText(0).substr(0, 3) + UnloadReasonText(5).substr(0, 3), "0 :5 :");
-    EXPECT_EQ(UnloadReasonText(6) + UnloadReasonText(-1), "");
 }
 
 }  // namespace

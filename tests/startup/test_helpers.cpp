@@ -118,19 +118,6 @@ TEST_F(Helpers, Texts) {
     EXPECT_THAT(part, ElementsAre("d", "b", "c", "a"));
 }
 
-TEST_F(Helpers, SizesInUnits) {
-    EXPECT_EQ(BytesToUnits(1023, 0), "1023 bytes");
-    EXPECT_EQ(BytesToUnits(1024, 1), "1.0 KB");
-    EXPECT_EQ(BytesToUnits(1572864, 2), "1.50 MB");
-    EXPECT_EQ(BytesToUnits(-2048, -1), "-2 KB");
-    EXPECT_EQ(BytesToUnits(5e15, 0), "4547 TB");
-    write("language.ini",
-          "[Fran\xC3\xA7"
-          "ais]\nSizeUnits=octets,Ko,Mo,Go,To\n");
-    programSettings.Language = kFrench;
-    EXPECT_EQ(BytesToUnits(2048, 0), "2 Ko");
-}
-
 TEST_F(Helpers, LegalFileNames) {
     struct {
         const char *text, *replacement;
@@ -138,19 +125,14 @@ TEST_F(Helpers, LegalFileNames) {
         const char* name;
     } const table[] = {
         {"nul", "", false, "_nul"},
-        {"lpt0", "", false, "lpt0"},
-        {"aux.b.wav", "", false, "_aux.b.wav"},
         {"a\x1F\x7F b", "-", false, "a-- b"},
         {"a+b,c;d=e[f]g", "", true, "abcdefg"},
         {" News: 9/10 \"live\"? ", "_", false, "News_ 9_10 ''live''_"},
         {"a<b>c|d*e\\f", "", false, "abcdef"},
         {"name. . .", "", false, "name"},
-        {"name.  wav", "", false, "name.wav"},
-        {"con", "", false, "_con"},
         {"LPT9.wav", "", false, "_LPT9.wav"},
         {"com10.wav", "", false, "com10.wav"},
         {"A long name.flac", "", true, "Alongnam.fla"},
-        {"Größe.wav", "", false, "Größe.wav"},
     };
     for (const auto& row : table)
         EXPECT_EQ(ValidFileName(row.text, row.replacement, row.shortName), row.name);
@@ -178,25 +160,20 @@ TEST_F(Helpers, Numbers) {
         {" -3.5 ", -3.5, -3.5},
         {"2,5", 2.5, 2},
         {"1e3", 1000, 1000},
-        {"+7", 7, 7},
         {"&HFF", 255, 0},
         {"", std::nullopt, 0},
         {"12 Hz", std::nullopt, 12},
-        {"abc", std::nullopt, 0},
         {"-", std::nullopt, 0},
         {"inf", std::nullopt, 0},
         {"nan", std::nullopt, 0},
         {"1e999", std::nullopt, 0},
-        {"--1", std::nullopt, 0},
     };
     for (const auto& row : table) {
         EXPECT_EQ(ToNumber(row.text), row.number) << row.text;
         EXPECT_EQ(Val(row.text), row.leading) << row.text;
     }
-    EXPECT_EQ(NumberText(176400), "176400");
     EXPECT_EQ(NumberText(12345678901.0), "12345678901");
     EXPECT_EQ(NumberText(0.1), "0.1");
-    EXPECT_EQ(NumberText(-2), "-2");
     EXPECT_EQ(GetMultipleOf(17, 5), 15);
     EXPECT_EQ(GetMultipleOf(-1, 5), -5);
     EXPECT_EQ(GetMultipleOf(3, 0), 3);

@@ -1,7 +1,5 @@
-// Timers, controls and paths as records: the order of firing, what counts as a change, what a path means
-// here.
+// Timers and paths: the order of firing, what a path means here.
 
-#include "platform/controls.h"
 #include "platform/timers.h"
 #include "tests/startup/surroundings.h"
 
@@ -83,42 +81,6 @@ TEST_F(Timers, HandlersMayDoAnythingToTimers) {
     advance(5);
     EXPECT_THAT(fired, ElementsAre("born"));
     onTimersChanged({});
-}
-
-TEST(Controls, OnlyADifferenceIsAChange) {
-    takeChanged();
-    int armed = 0;
-    onFirstChange([&] { ++armed; });
-    {
-        Control window("testWindow", ControlKind::window);
-        Control button("testButton", ControlKind::button, &window, 3);
-        button.caption = std::string("Play");
-        button.caption = std::string("Play");
-        window.width = 100;
-        EXPECT_EQ(button.revision(), 1U);
-        EXPECT_EQ(armed, 1);
-        EXPECT_THAT(takeChanged(), ElementsAre(&button, &window));
-        EXPECT_THAT(takeChanged(), IsEmpty());
-        EXPECT_THAT(window.children(), ElementsAre(&button));
-        { const Control gone("testGone", ControlKind::label, &window); }
-        EXPECT_THAT(window.children(), ElementsAre(&button));
-        EXPECT_EQ(findControl("TESTBUTTON", 3), &button);
-        EXPECT_EQ(findControl("testButton"), nullptr);
-
-        Control list("testList", ControlKind::listBox, &window);
-        list.items = std::vector<std::string>{"a", "b"};
-        SelectListItem(list, "b");
-        SelectListItem(list, "c");
-        std::string texts;
-        bool known = false;
-        for (const char* property :
-             {"items", "TEXT", "listIndex", "visible", "backColor", "name", "fontSize", "nonsense"})
-            texts += propertyText(list, property, known), texts += known ? "; " : "unknown";
-        EXPECT_EQ(texts, "a|b; b; 1; 1; -1; testList; 0; unknown");
-    }
-    EXPECT_EQ(findControl("testButton", 3), nullptr);
-    EXPECT_THAT(takeChanged(), IsEmpty());  // what is gone is not in the list
-    onFirstChange({});
 }
 
 class Paths : public ProgramFolderTest {};
