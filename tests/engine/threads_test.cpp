@@ -1,7 +1,4 @@
 // The engine under devices with threads of their own: for the sanitizers, and for what must never wait.
-#include <condition_variable>
-#include <mutex>
-
 #include "tests/engine/random_operations.h"
 #include "tests/engine/show.h"
 

@@ -157,17 +157,6 @@ TEST(MidiRing, HoldsTwentyNineAndDropsTheClock) {
     EXPECT_EQ(MidiInQueue[0].second, 7U);
 }
 
-TEST(MidiQueue, KnowsHowLongAMessageIs) {
-    std::string lengths;
-    for (int status = 0x80; status < 0x100; ++status)
-        if (status % 16 == 0 || status > 0xF0)
-            lengths += std::to_string(midiLength(static_cast<unsigned char>(status)));
-    EXPECT_EQ(lengths, "33332231232111111111111");
-    const unsigned char bytes[] = {0x91, 0x32, 0x43, 0x54};
-    EXPECT_EQ(packMidi(bytes), 0x433291U);
-    EXPECT_EQ(packMidi(std::span(bytes).first(2)), 0x3291U);
-}
-
 std::vector<std::uint32_t> taken;
 
 TEST(MidiQueue, KeepsOrderBetweenThreadsAndCountsWhatItCannotHold) {

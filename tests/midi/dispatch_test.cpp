@@ -4,7 +4,6 @@
 #include "midi/dispatch.h"
 #include "audio/streams.h"
 #include "model/actions.h"
-#include "startup/settings/automix_settings.h"
 #include "startup/settings/devices_settings.h"
 #include "startup/settings/marks_settings.h"
 #include "startup/settings/midi_settings.h"
@@ -99,7 +98,7 @@ constexpr Row kRows[] = {
     // A release before a press: 901000 is slot 0's release; its press is every other velocity.
     {"901000", "release:0", "f80007F A01003"},
     {"901064", "play:0/100", "A01001 f90007F"},
-    {"901101", "", ""},                  // slot 1's press is slot 0's: the lower index has it
+    {"901101", "", ""},  // slot 1's press is slot 0's: the lower index has it
     // Velocity rules: limit at 64, scale by 64.
     {"901220", "play:2/64", "A01201 f90027F"},
     {"90127F", "play:2/127", "A01201 f90027F"},

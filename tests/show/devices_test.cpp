@@ -61,10 +61,6 @@ TEST_F(Devices, SavedOutputsAreFoundAgain) {
         EXPECT_EQ(lists.mainSelected, row.selected0);
         EXPECT_EQ(lists.auxSelected, row.selected1);
         EXPECT_EQ(lists.byName, row.by == "Name");
-        const OutputLists now = CurrentOutputs();
-        EXPECT_TRUE(now.main == lists.main && now.aux == lists.aux &&
-                    now.mainSelected == lists.mainSelected && now.auxSelected == lists.auxSelected &&
-                    now.byName == lists.byName);
     }
 }
 

@@ -1,7 +1,6 @@
-// The helpers on paths, files, texts, numbers and colours, over both kinds of path.
+// The helpers on paths, files, texts and numbers, over both kinds of path.
 
 #include "startup/folder_walk.h"
-#include "startup/settings/program_settings.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {
@@ -185,15 +184,6 @@ TEST_F(Helpers, Numbers) {
     EXPECT_EQ(digits, "\b0123456789");
     EXPECT_EQ(numeric, "\b+,-.0123456789");
     EXPECT_EQ(KeepDigit('x') + KeepNumeric('x'), 0);
-}
-
-TEST_F(Helpers, Colours) {
-    EXPECT_EQ(ColorToHex(0x0000FF), "FF0000");  // red has the low byte
-    EXPECT_EQ(HexToRGB("FF8000"), 0x0080FF);
-    EXPECT_EQ(HexToRGB(ColorToHex(0x123456)), 0x123456);
-    for (const char* bad : {"", "FF80", "FF80000", "GG0000", "vbButtonFace"})
-        EXPECT_EQ(HexToRGB(bad), 0) << bad;
-    EXPECT_EQ(Hex2Digits(10) + Hex2Digits(-5) + Hex2Digits(255) + Hex2Digits(300), "0A00FFFF");
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Nothing is ever half there: the disk fills up, and what a killed program left goes. A presenter's steps are killed in
-// tests/ui/keeping_chance_test.cpp.
+// Nothing is ever half there: the disk fills up, what a killed program left goes, links and permissions stay. A
+// presenter's steps are killed in tests/ui/keeping_chance_test.cpp.
 #include <sys/resource.h>
 #include <csignal>
 
@@ -62,6 +62,18 @@ TEST_F(Crash, FullDisk) {
     EXPECT_EQ(gridSettings.JinglesRows, 6);  // the defaults hold although they could not be written
     for (const auto& entry : fs::directory_iterator(folder)) EXPECT_NE(entry.path().extension(), ".zvtmp");
     EXPECT_TRUE(PaletteStore.PutSection("Morning", palette(2)));
+}
+
+TEST_F(Crash, RewritingKeepsLinksAndPermissions) {
+    cImpulse store;
+    store.SetIniPath(text("test.ini"));
+    write("real.ini", "[S]\nk=v\n");
+    fs::permissions(path("real.ini"), fs::perms(0640));
+    fs::create_symlink("real.ini", path("test.ini"));
+    store.PutValue("k", "w", "S");
+    EXPECT_TRUE(fs::is_symlink(path("test.ini")));
+    EXPECT_EQ(read("real.ini"), "[S]\nk=w\n");
+    EXPECT_EQ(fs::status(path("real.ini")).permissions(), fs::perms(0640));
 }
 
 }  // namespace
