@@ -108,59 +108,52 @@ TEST(Jingle, ScreenRepaintsGiveTheSamePictureAsAFreshOne) {
     Stage s;
     Family& f = *s.families[1];
     const QImage before = s.picture();
-    f.button.backColor = 0x80FF80;
-    f.bar.visible = true;
-    f.lp.visible = true;
-    EXPECT_NE(s.picture(), before);
-    f.button.backColor = kNoColour;
-    f.bar.visible = false;
-    f.lp.visible = false;
-    EXPECT_EQ(s.picture(), before);
+    for (const bool changed : {true, false}) {
+        f.button.backColor = changed ? 0x80FF80 : kNoColour;
+        for (Control* part : {&f.bar, &f.lp}) part->visible = changed;
+        EXPECT_EQ(s.picture() != before, changed);
+    }
 }
 
 TEST(Caption, IsTakenApartAndSetInTheRoomThereIs) {
-    struct Case {
-        const char* text;
-        const char* duration;
-        const char* name;
-    };
-    for (const Case& c :
-         {Case{"News", "", "News"}, Case{"1:04.2\r\nNews", "1:04.2", "News"},
-          Case{"3,4\nTop 40", "3,4", "Top 40"}, Case{"News\r\nNot found", "", "News\nNot found"},
-          Case{"[3.4]\r\nNews", "[3.4]", "News"}, Case{"Top 40\na\nb", "", "Top 40\na\nb"},
-          Case{"", "", ""}}) {
-        const CaptionParts parts = splitCaption(c.text);
-        EXPECT_EQ(parts.duration, c.duration) << c.text;
-        EXPECT_EQ(parts.name, c.name) << c.text;
+    std::string parts;
+    for (const char* text :
+         {"News", "1:04.2\r\nNews", "3,4\nTop 40", "News\r\nNot found", "[3.4]\r\nNews", ""}) {
+        const CaptionParts apart = splitCaption(text);
+        parts += (apart.duration + "|" + apart.name + "; ").toStdString();
     }
+    EXPECT_EQ(parts, "|News; 1:04.2|News; 3,4|Top 40; |News\nNot found; [3.4]|News; |; ");
     const QFont font = textFont(15, QFont::DemiBold);
     const QRectF room(0, 0, 180, 72);
     const std::vector<QRectF> corners{QRectF(0, 0, 16, 12), QRectF(130, 57, 50, 14)};
-    const auto set = [&](const char* name) { return layOutCaption(name, font, room, corners); };
-    EXPECT_EQ(set("News Sting").lines.size(), 1);
-    const CaptionLayout two = set("The Long Morning Show Opener");
-    EXPECT_EQ(two.lines.size(), 2);
-    EXPECT_FALSE(two.cut);
-    const CaptionLayout cut =
-        set("The very long name of a jingle that nobody could ever read on a button in time");
-    EXPECT_TRUE(cut.cut);
-    EXPECT_TRUE(cut.lines.last().endsWith(QChar(0x2026)));
-    const CaptionLayout smaller = set("Mittagsnachrichtenmusik");
-    EXPECT_EQ(smaller.lines.size(), 1) << "a word is set smaller before it is torn";
-    EXPECT_LT(smaller.font.pixelSize(), font.pixelSize());
-    const CaptionLayout word = set("Donaudampfschifffahrtsgesellschaft");
-    EXPECT_EQ(word.lines.join(QString()).remove(QLatin1Char('-')), "Donaudampfschifffahrtsgesellschaft");
-    EXPECT_TRUE(word.lines.first().endsWith(QLatin1Char('-'))) << "torn with a hyphen";
-    for (const CaptionLayout* l : {&two, &cut, &word, &smaller}) {
-        for (const QString& line : l->lines)
-            EXPECT_LE(QFontMetricsF(l->font).horizontalAdvance(line), room.width() + 1);
-        EXPECT_TRUE(room.adjusted(-3, -3, 3, 3).contains(l->box));
+    const char* const tooLong =
+        "The very long name of a jingle that nobody could ever read on a button in time";
+    const struct {
+        const char* name;
+        int lines;
+        bool cut, smaller;
+        const char* ends;  ///< of the first line
+    } cases[] = {{"News Sting", 1, false, false, "Sting"},
+                 {"The Long Morning Show Opener", 2, false, false, ""},
+                 {tooLong, 2, true, true, ""},
+                 {"Mittagsnachrichtenmusik", 1, false, true, "musik"},  // smaller before it is torn
+                 {"Donaudampfschifffahrtsgesellschaft", 2, false, true, "-"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const CaptionLayout l = layOutCaption(c.name, font, room, corners);
+        EXPECT_EQ(l.lines.size(), c.lines);
+        EXPECT_EQ(l.cut, c.cut);
+        EXPECT_EQ(l.lines.last().endsWith(QChar(0x2026)), c.cut);
+        EXPECT_EQ(l.font.pixelSize() < font.pixelSize(), c.smaller);
+        EXPECT_TRUE(l.lines.first().endsWith(QString(c.ends)));
+        for (const QString& line : l.lines)
+            EXPECT_LE(QFontMetricsF(l.font).horizontalAdvance(line), room.width() + 1);
+        EXPECT_TRUE(room.adjusted(-3, -3, 3, 3).contains(l.box));
     }
     Stage s;
-    s.families[0]->button.caption =
-        "The very long name of a jingle that nobody could ever read on a button in time";
+    s.families[0]->button.caption = tooLong;
     flushChanged();
-    EXPECT_EQ(widgetFor(s.families[0]->button).toolTip(), textOf(s.families[0]->button.caption()));
+    EXPECT_EQ(widgetFor(s.families[0]->button).toolTip(), QString(tooLong));
 }
 
 TEST(Meter, ItsPeakStaysForItsDelayAndFalls) {
@@ -171,20 +164,19 @@ TEST(Meter, ItsPeakStaysForItsDelayAndFalls) {
     s.meter.meterLook = look;
     setNow(1000);
     s.meter.value = 50;
-    const auto at = [&](int percent) {
-        return s.picture().pixelColor(650, 210 + 150 - 150 * percent / 100 + 1);
-    };
-    EXPECT_EQ(at(25), QColor(Qt::green));
-    EXPECT_NE(at(60), QColor(Qt::green));
+    s.picture();
     s.meter.value = 0;
-    EXPECT_EQ(at(50), QColor(Qt::yellow)) << "the line at the highest level";
-    setNow(1400);
-    EXPECT_EQ(at(50), QColor(Qt::yellow));
-    setNow(1900);
-    EXPECT_NE(at(50), QColor(Qt::yellow));
-    setNow(4000);
-    const QImage silent = s.picture();
-    for (int y = 210; y < 360; ++y) EXPECT_NE(silent.pixelColor(650, y), QColor(Qt::yellow)) << y;
+    const auto peakAt = [&](int now) {  // percent
+        setNow(now);
+        const QImage picture = s.picture();
+        for (int y = 359; y >= 210; --y)
+            if (picture.pixelColor(650, y) == QColor(Qt::yellow)) return (360 - y) * 100 / 150;
+        return 0;
+    };
+    EXPECT_NEAR(peakAt(1000), 50, 1);
+    EXPECT_NEAR(peakAt(1400), 50, 1);
+    EXPECT_LT(peakAt(1900), 49);
+    EXPECT_EQ(peakAt(4000), 0);
 }
 
 TEST(Display, FiguresHaveTheirSegments) {
@@ -214,18 +206,14 @@ TEST(Meter, ASolidBarHasTheColourOfItsLevelAndItsEndIsMarkedWhereItWasCut) {
     MeterLook look;
     look.solid = true;
     look.peak = false;
-    look.clipped = true;
-    s.meter.meterLook = look;
-    const std::pair<int, QColor> zones[] = {{50, Qt::green}, {80, Qt::yellow}, {95, Qt::red}};
-    for (const auto& [value, colour] : zones) {
+    for (const auto& [value, colour] :
+         {std::pair{50, QColor(Qt::green)}, {80, QColor(Qt::yellow)}, {95, QColor(Qt::red)}}) {
         s.meter.value = value;
+        look.clipped = value != 50;
+        s.meter.meterLook = look;
         EXPECT_EQ(s.pixel(650, 350), colour) << value;
-        EXPECT_EQ(s.pixel(650, 212), QColor(Qt::red)) << "cut off a moment ago";
+        EXPECT_EQ(s.pixel(650, 212) == QColor(Qt::red), look.clipped) << "cut off a moment ago";
     }
-    look.clipped = false;
-    s.meter.meterLook = look;
-    s.meter.value = 50;
-    EXPECT_NE(s.pixel(650, 212), QColor(Qt::red));
 }
 
 TEST(Display, TellsTheTipOfThePartUnderTheMouse) {
@@ -254,20 +242,14 @@ TEST(Theme, TextIsMadeLegibleOnlyWhereItIsNot) {
 
 TEST(Pictures, LockedUpdatesPaintOnceWhenAllLocksAreGone) {
     Stage s;
-    QWidget& w = widgetFor(s.window);
-    lockUpdates();
-    lockUpdates();
-    s.key.caption = "Locked";
-    flushChanged();
-    EXPECT_FALSE(w.updatesEnabled());
-    unlockUpdates();
-    EXPECT_FALSE(w.updatesEnabled());
-    unlockUpdates();
-    EXPECT_TRUE(w.updatesEnabled());
-    unlockUpdates();
-    lockUpdates();
-    EXPECT_FALSE(w.updatesEnabled()) << "one unlock too many does not count";
-    unlockUpdates();
+    std::string enabled;
+    // One unlock too many does not count.
+    for (const char act : std::string("++--"
+                                      "-+-")) {
+        act == '+' ? lockUpdates() : unlockUpdates();
+        enabled += widgetFor(s.window).updatesEnabled() ? 'y' : 'n';
+    }
+    EXPECT_EQ(enabled, "nnnyyny");
 }
 
 /// The press comes after the reader's call has ended: one that asks a question does not hold it up.
@@ -280,55 +262,50 @@ void pressAsReader(Stage& s, QAccessibleInterface& button) {
 TEST(ScreenReader, HearsNameStateAndCanPress) {
     Stage s;
     Family& f = *s.families[0];
+    Control naming("lblName", ControlKind::label, &s.window), on("ckOn", ControlKind::toggle, &s.window);
+    place(naming, px(s.text.left), px(s.text.top) - 20, 100, 18);
+    place(on, 700, 300, 60, 20);
+    naming.caption = "Name of the palette";
+    s.text.touch();
+    s.digit.caption = "7";
     f.button.caption = "2.5\r\nNews Sting";
     f.button.onDescribe = [] { return std::string("playing, 1.2 seconds left"); };
-    s.listen(f.button);
     flushChanged();
-    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&widgetFor(f.button));
-    ASSERT_NE(spoken, nullptr);
-    EXPECT_EQ(spoken->role(), QAccessible::Button);
-    EXPECT_EQ(spoken->text(QAccessible::Name), "News Sting");
-    EXPECT_EQ(spoken->text(QAccessible::Description), "playing, 1.2 seconds left");
-    ASSERT_NE(spoken->actionInterface(), nullptr);
-    pressAsReader(s, *spoken);
-    EXPECT_EQ(s.told(), "b_Jingle(0):click");
-    f.button.onClick = nullptr;
-    pressAsReader(s, *spoken);
-    EXPECT_EQ(s.told(), "b_Jingle(0):down b_Jingle(0):up");
-    f.button.enabled = false;
-    flushChanged();
-    pressAsReader(s, *spoken);
-    EXPECT_EQ(s.told(), "");
-    QAccessibleInterface* key = QAccessible::queryAccessibleInterface(&widgetFor(s.key));
-    EXPECT_EQ(key->role(), QAccessible::PushButton);
-    EXPECT_EQ(key->text(QAccessible::Name), "Key");
     const auto spokenOf = [](const Control& c) {
         return QAccessible::queryAccessibleInterface(&widgetFor(c));
     };
-    s.digit.caption = "7";
-    flushChanged();
-    EXPECT_EQ(spokenOf(s.display)->text(QAccessible::Name), "7") << "the counter is told as it stands";
-    Control naming("lblName", ControlKind::label, &s.window);
-    place(naming, px(s.text.left), px(s.text.top) - 20, 100, 18);
-    naming.caption = "Name of the palette";
-    s.text.touch();
-    flushChanged();
-    EXPECT_EQ(spokenOf(s.text)->text(QAccessible::Name), "Name of the palette");
-    Control on("ckOn", ControlKind::toggle, &s.window);
-    place(on, 700, 300, 60, 20);
-    flushChanged();
-    EXPECT_TRUE(spokenOf(on)->state().checkable);
-    EXPECT_FALSE(spokenOf(on)->state().checked);
-    on.backColor = 0x00FF00;  // armed
-    flushChanged();
-    EXPECT_TRUE(spokenOf(on)->state().checked);
-    s.listen(s.key);
-    for (const bool clicks : {true, false}) {
-        if (!clicks) s.key.onClick = nullptr;
-        pressAsReader(s, *key);
-        EXPECT_EQ(s.told(), clicks ? "btKey:click" : "btKey:down btKey:up")
-            << "a key that is worked by its press";
+    const struct {
+        const Control& control;
+        QAccessible::Role role;
+        const char* name;
+    } cases[] = {{f.button, QAccessible::Button, "News Sting"},
+                 {s.key, QAccessible::PushButton, "Key"},
+                 {s.display, spokenOf(s.display)->role(), "7"},  // the counter as it stands
+                 {s.text, QAccessible::EditableText, "Name of the palette"}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(spokenOf(c.control)->role(), c.role) << c.name;
+        EXPECT_EQ(spokenOf(c.control)->text(QAccessible::Name), c.name);
     }
+    EXPECT_EQ(spokenOf(f.button)->text(QAccessible::Description), "playing, 1.2 seconds left");
+    for (const bool armed : {false, true}) {
+        on.backColor = armed ? 0x00FF00 : kNoColour;
+        flushChanged();
+        EXPECT_TRUE(spokenOf(on)->state().checkable);
+        EXPECT_EQ(spokenOf(on)->state().checked, armed);
+    }
+    for (Control* pressed : {&f.button, &s.key}) {
+        const std::string name = pressed->name + (pressed->index < 0 ? "" : "(0)");
+        s.listen(*pressed);
+        pressAsReader(s, *spokenOf(*pressed));
+        EXPECT_EQ(s.told(), name + ":click");
+        pressed->onClick = nullptr;  // one that is worked by its press
+        pressAsReader(s, *spokenOf(*pressed));
+        EXPECT_EQ(s.told(), name + ":down " + name + ":up");
+    }
+    f.button.enabled = false;
+    flushChanged();
+    pressAsReader(s, *spokenOf(f.button));
+    EXPECT_EQ(s.told(), "");
 }
 
 }  // namespace

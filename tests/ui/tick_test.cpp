@@ -4,8 +4,6 @@
 
 #include "audio/announcer.h"
 #include "audio/levels.h"
-#include "audio/streams.h"
-#include "model/held_palette.h"
 #include "platform/rehearsal/virtual_clock.h"
 #include "startup/errors.h"
 #include "startup/settings/bars_settings.h"
@@ -16,7 +14,6 @@
 #include "startup/settings/playing_settings.h"
 #include "startup/settings/warning_settings.h"
 #include "tests/ui/window_test.h"
-#include "ui/edit/options.h"
 #include "ui/records/timers.h"
 #include "ui/screen/announcer_view.h"
 #include "ui/screen/clock.h"
@@ -44,15 +41,13 @@ class TickTest : public WindowTest {
     }
 };
 
-TEST_F(TickTest, digits) {
+TEST_F(TickTest, digits) {  // of times that no other test has
     const struct {
         double seconds;
         int hundredths;
         const char* shown;
-    } cases[] = {{0, 0, "00.0"},        {0, 1, "00.00"},     {3.2, 0, "03.2"},     {3.96, 0, "04.0"},
-                 {3.96, 1, "03.96"},    {9.87, 1, "09.87"},  {12.34, 0, "12.3"},   {59.96, 0, "1:00.0"},
-                 {59.96, 1, "59.96"},   {67.4, 0, "1:07.4"}, {1000, 0, "16:40.0"}, {6000, 0, "100:00.0"},
-                 {599.25, 1, "9:59.25"}};
+    } cases[] = {{3.96, 0, "04.0"},    {59.96, 0, "1:00.0"},  {59.96, 1, "59.96"},
+                 {1000, 0, "16:40.0"}, {6000, 0, "100:00.0"}, {599.25, 1, "9:59.25"}};
     for (const auto& c : cases) {
         displaySettings.DispCSec = c.hundredths;
         WriteDigits(c.seconds);
@@ -60,26 +55,8 @@ TEST_F(TickTest, digits) {
     }
 }
 
-TEST_F(TickTest, theDucksRemainingTime) {
-    // The smallest time left of what does not duck itself; what may not trigger still counts.
-    load(1, 3000, "AutoDuck=1");
-    load(2, 5000, "AutoDuck=2");
-    load(3, 3000, "AutoDuck=2 NoTrigDuck=1");
-    const std::pair<int, double> after[] = {{1, 0}, {2, 4.0}, {3, 2.0}};
-    for (const auto& [index, left] : after) {
-        press(index);
-        pass(1000);
-        EXPECT_NEAR(DuckRemain, left, 0.06) << index;
-    }
-    evStop();
-    pass(100);
-    EXPECT_EQ(DuckRemain, 0);
-}
-
 TEST_F(TickTest, silenceWritesNothing) {
-    for (int i = 0; i < 20; ++i) {
-        load(i, 200);
-    }
+    for (int i = 0; i < 20; ++i) load(i, 200);
     pass(200);
     takeChanged();
     pass(390);
@@ -88,51 +65,24 @@ TEST_F(TickTest, silenceWritesNothing) {
     }
 }
 
-TEST_F(TickTest, aJingleOfAnotherPaletteGivesItsSlotBack) {
-    writePalette("Other", 3);
-    load(1, 1000);
-    press(1);
-    release(1);
-    openNames(1, "Other", false);
-    openStreams(1);
-    HoldPalette("Other");
-    pass(100);
-    EXPECT_TRUE(rec(1).PlayingOtherPal);
-    EXPECT_EQ(button(1).backColor, playingSettings.PlayingColorAnotherPal);
-    // So it stays when an option that was armed meanwhile is given up.
-    for (int presses = 0; presses < 2; ++presses) {
-        CkAssignTog();
-        pass(100);
-        EXPECT_EQ(button(1).backColor, playingSettings.PlayingColorAnotherPal) << presses;
-    }
-    EXPECT_EQ(rec(1).Path, "Audio_Sample\\sound_1.wav");
-    pass(900);
-    EXPECT_FALSE(rec(1).PlayingOtherPal);
-    EXPECT_EQ(rec(1).Path, "Audio_Sample\\short.wav");
-    EXPECT_EQ(button(1).caption(), "0.1\r\nshort");
-}
-
 TEST_F(TickTest, theWarningBlinksWhatItIsSetTo) {
     constexpr Colour kBack = 0x112233, kBackOther = 0x445566;
     barSettings.JRemLevColBg = kBack;
     barSettings.JRemLevColBgPl = kBackOther;
-    displaySettings.DispBackCol = 0x010203;
-    const Colour steady = displaySettings.CountDownColor, warns = warningSettings.RemainColor,
-                 gone = displaySettings.DispBackCol, bar = barSettings.JRemLevCol;
+    const Colour warns = warningSettings.RemainColor, gone = displaySettings.DispBackCol,
+                 bar = barSettings.JRemLevCol;
     const struct {
         int rate, target, transparent;
         bool other;
         std::set<Colour> digits, bars;
     } cases[] = {{100, 2, 1, false, {warns, gone}, {bar, playingSettings.PlayingColor}},
                  {100, 2, 1, true, {warns, gone}, {bar, playingSettings.PlayingColorAnotherPal}},
-                 {100, 1, 0, false, {warns}, {bar, kBack}},
                  {100, 1, 0, true, {warns}, {bar, kBackOther}},
                  {100, 0, 1, false, {warns, gone}, {bar}},
                  {0, 2, 1, false, {warns}, {bar}}};
     load(2, 900);
-    load(3, 60'000);  // its bar does not blink
+    load(3, 60'000);  // its bar does not blink, which is held at every tick
     for (const auto& c : cases) {
-        SCOPED_TRACE(&c - cases);
         warningSettings.BlinkWarn = static_cast<std::uint8_t>(c.rate);
         warningSettings.BlinkTarget = static_cast<std::uint8_t>(c.target);
         barSettings.JRemLevTrBg = static_cast<std::uint8_t>(c.transparent);
@@ -151,7 +101,6 @@ TEST_F(TickTest, theWarningBlinksWhatItIsSetTo) {
         rec(1).PlayingOtherPal = false;
         evStop();
         pass(100);
-        EXPECT_EQ(frmMain().display.lblPosSecU.foreColor, steady);
     }
     // The settings window shows how it looks: bars of all buttons, whatever sounds.
     BlinkTestOn = true;
@@ -165,75 +114,49 @@ TEST_F(TickTest, theWarningBlinksWhatItIsSetTo) {
     BlinkTestOn = false;
     pass(100);
     EXPECT_FALSE(Button(4)->JRemLev.visible);
-    // A sound shorter than the warning's time gives one only when all do.
-    for (const bool all : {false, true}) {
-        warningSettings.WarnAllJ = all ? 1 : 0;
-        press(2);
-        pass(300);
-        EXPECT_EQ(timers().TimerWarnBlink.enabled(), all);
-        evStop();
-        pass(100);
-    }
+    warningSettings.WarnAllJ = 1;  // also of a sound that is shorter than the warning's time
+    press(2);
+    pass(300);
 }
 
 TEST_F(TickTest, theMarkOfTheDisplayFlashesForAWhile) {
     // What failed or waits to be saved stays until it is mended.
     const Control& mark = frmMain().display.lblErr;
     for (const char* mode : {"no", "save", "wait", "notification", "ok"}) {
-        SCOPED_TRACE(mode);
         FlashPhase = false;
         ErrDisp(mode, 1, "something");
-        std::set<Colour> colours;
         int changes = 0, ms = 0;
         for (Colour last = mark.foreColor; ErrOneShot != 0; last = mark.foreColor) {
             pass(100);
             ms += 100;
             changes += last != mark.foreColor ? 1 : 0;
-            colours.insert(mark.foreColor);
         }
-        colours.erase(playingSettings.PlayingColor);  // a wait begins in it
-        EXPECT_EQ(colours, (std::set<Colour>{displaySettings.DispBackCol, clockSettings.DateTimeColor}));
-        EXPECT_EQ(changes, 20);
-        EXPECT_NEAR(ms, 10'250, 250);
-        EXPECT_EQ(mark.foreColor, clockSettings.DateTimeColor);
-        EXPECT_EQ(mark.visible, std::string("no save wait").find(mode) != std::string::npos);
+        EXPECT_EQ(changes, 20) << mode;
+        EXPECT_NEAR(ms, 10'250, 250) << mode;
+        EXPECT_EQ(mark.foreColor, clockSettings.DateTimeColor) << mode;
+        EXPECT_EQ(mark.visible, std::string("no save wait").find(mode) != std::string::npos) << mode;
         HideErrMark();
     }
 }
 
-TEST_F(TickTest, searchHitsAreLeftAlone) {
-    load(1, 1000);
-    SearchHits = {1};
-    button(1).backColor = 0x123456;
-    pass(100);
-    EXPECT_EQ(button(1).backColor, 0x123456);
-    SearchHits.clear();
-}
-
 TEST_F(TickTest, metersFollowTheLoudestAndFall) {
-    load(1, 1000);  // a sine at half scale
+    load(1, 1000, "NoTrigDuck=1");  // a sine at half scale moves the meter, not the duck
     press(1);
     pass(400);
-    EXPECT_NEAR(frmMain().VuL.value, 50, 3);
-    const auto levels = GetLevels();
-    EXPECT_NEAR(levels[2], 50, 2);
-    EXPECT_EQ(levels[0], levels[2]);
-    rec(1).NoTrigDuck = 1;
-    EXPECT_EQ(GetLevels()[0], 0);  // moves the meter, not the duck
-    EXPECT_NEAR(GetLevels()[2], 50, 2);
+    EXPECT_EQ(GetLevels()[0], 0);
+    const Control& meter = frmMain().VuL;
+    EXPECT_NEAR(meter.value, 50, 3);
     evStop();
     pass(100);
-    EXPECT_LT(frmMain().VuL.value, 40);
-    EXPECT_GT(frmMain().VuL.value, 0);
-    pass(600);
-    EXPECT_EQ(frmMain().VuL.value, 0);
-    pass(100);
+    EXPECT_TRUE(meter.value > 0 && meter.value < 40);
+    pass(700);
+    EXPECT_EQ(meter.value, 0);
     meterSettings.VUpersist = 0;
     press(1);
     pass(200);
     evStop();
     pass(100);
-    EXPECT_EQ(frmMain().VuL.value, 0);
+    EXPECT_EQ(meter.value, 0);
 }
 
 TEST_F(TickTest, theClockOfTheMinimalView) {
@@ -241,7 +164,6 @@ TEST_F(TickTest, theClockOfTheMinimalView) {
     minimalSettings.MinimalView = clockSettings.ClockEnabled = clockSettings.DateEnabled = 1;
     FormDraw();
     const DisplayControls& d = frmMain().display;
-    EXPECT_GT(d.lblPosMisC.width, 0) << "the last figure of the seconds";
     const auto figures = [&] {
         std::string text = shown();
         std::erase(text, ':');
@@ -287,7 +209,6 @@ TEST_F(TickTest, theClockOfTheMinimalView) {
     TmAnnOn = true;
     clockSettings.TimeFormat = "hh:mm:ss AM/PM";
     ShowAnnouncer();
-    EXPECT_TRUE(d.lblTa.visible);
     d.lblTa.onMouseDown({});
     pass(100);
     EXPECT_EQ(figures(), "35955");
@@ -297,13 +218,8 @@ TEST_F(TickTest, theClockOfTheMinimalView) {
     TmAnnOn = false;
     clockSettings.TimeFormat = "HH:mm:ss";
     ShowAnnouncer();
-    EXPECT_FALSE(d.lblTa.visible);
-    // The colon flashes once a second.
-    std::set<std::string> colons;
-    for (int i = 0; i < 12; ++i) {
-        pass(100);
-        colons.insert(d.sepms.caption());
-    }
+    std::set<std::string> colons;  // they flash once a second
+    for (int i = 0; i < 12; ++i) pass(100), colons.insert(d.sepms.caption());
     EXPECT_EQ(colons, (std::set<std::string>{"", ":"}));
     load(1, 2000);
     press(1);
@@ -311,15 +227,8 @@ TEST_F(TickTest, theClockOfTheMinimalView) {
     pass(100);
     EXPECT_EQ(shown().substr(0, 3), "01.");
     evStop();
-    pass(100);
     minimalSettings.MinimalView = 0;
     StopClock();
-    DateTimeDemo(true);
-    pass(1100);
-    EXPECT_EQ(d.lblDate.caption(), "2026 September 23 Wed");
-    EXPECT_EQ(d.lblTime.caption(), " 22:58:48");
-    DateTimeDemo(false);
-    EXPECT_NE(d.lblDate.caption(), "2026 September 23 Wed");
 }
 
 }  // namespace zv::test

@@ -43,17 +43,13 @@ TEST(WaveView, TheWheelHoldsWhatIsUnderTheMouseDownToSingleSamples) {
         }
         EXPECT_NEAR(v.width / (v.shown * v.rate), kMostPixels, 1e-6);
         for (int i = 0; i < 60; ++i) v.zoom(x, -1);
-        EXPECT_DOUBLE_EQ(v.shown, 300);
-        EXPECT_EQ(v.first, 0);
+        EXPECT_EQ(std::pair(v.first, v.shown), std::pair(0.0, 300.0));
     }
     v.zoom(400, 5);
     v.moveBy(1e9);
     EXPECT_NEAR(v.first + v.shown, 300, 1e-9);
     v.reveal(10);
     EXPECT_TRUE(v.xOf(10) >= 0 && v.xOf(10) <= v.width);
-    WaveView frame = viewOf(1.0 / 48'000);  // of one frame
-    frame.zoom(400, 10);
-    EXPECT_EQ(frame.shown, frame.length);
 }
 
 TEST(WaveView, HandlesAreTakenAtTheirLinesAndNames) {
@@ -84,13 +80,14 @@ TEST(WavePicture, ColumnsHoldPeaksAndLevelOfWhatTheyStandFor) {
     }
     builder.add(sound);
     const auto outline = std::make_shared<const Waveform>(builder.waveform());
-    WaveView v{.length = 2, .rate = 48'000, .shown = 2, .width = 100, .height = 116};
-    const WaveShape far = ShapeOf(v, outline, {});
+    const WaveView all{.length = 2, .rate = 48'000, .shown = 2, .width = 100, .height = 116};
+    const WaveShape far = ShapeOf(all, outline, {});
     ASSERT_EQ(far.peaks[0]->size(), 100U);
     EXPECT_EQ((*far.peaks[0])[10], WaveColumn(0.5F, 0.5F));
     EXPECT_EQ((*far.peaks[0])[90], WaveColumn(-0.25F, -0.25F));
     EXPECT_EQ((*far.peaks[1])[10], WaveColumn(-1.0F, 1.0F));
     EXPECT_NEAR((*far.rms[0])[90].second, 0.25F, 1e-6);
+    WaveView v = all;
     v.first = 1;
     for (int i = 0; i < 40; ++i) v.zoom(0, 1);
     ASSERT_TRUE(NeedsSamples(v, *outline));
@@ -100,30 +97,25 @@ TEST(WavePicture, ColumnsHoldPeaksAndLevelOfWhatTheyStandFor) {
     const auto [low, high] = (*near.peaks[1])[4];
     EXPECT_NEAR(high, 0.5F, 0.01F);
     EXPECT_NEAR(low, 0.375F, 0.01F);
-    // What stands on the picture: by colour, kind, left edge and width.
-    WaveView all{.length = 2, .rate = 48'000, .shown = 2, .width = 100, .height = 116};
+    // Peaks, level, what is not heard, loop and playhead: left edge and width of each stroke; then the names.
     const WaveMarks marks{.at = {0.2, 1.6, 0.4, 1.2}, .loop = true, .fade = 0.2, .playhead = 1.0};
     const WaveLook look = WaveLookOf(true);
-    const Drawing drawn = DrawWave(all, marks, ShapeOf(all, outline, {}), {}, {"S", "E", "I", "O"}, look);
-    const auto at = [&](Colour colour, Stroke::What what) {
-        std::string places;
-        for (const Stroke& s : drawn)
+    const std::pair<Colour, Stroke::What> parts[] = {{look.peaks, Stroke::What::peaks},
+                                                     {look.rms, Stroke::What::peaks},
+                                                     {look.shade, Stroke::What::area},
+                                                     {look.playhead, Stroke::What::area}};
+    std::string drawn, names;
+    const Drawing drawing = DrawWave(all, marks, far, {}, {"S", "E", "I", "O"}, look);
+    for (const auto& [colour, what] : parts) {
+        for (const Stroke& s : drawing)
             if (s.colour == colour && s.what == what)
-                places += std::to_string(std::lround(s.x)) + "+" + std::to_string(std::lround(s.width)) + " ";
-        return places;
-    };
-    EXPECT_EQ(at(look.peaks, Stroke::What::peaks), "0+100 0+100 ");
-    EXPECT_EQ(at(look.rms, Stroke::What::peaks), "0+100 0+100 ");
-    EXPECT_EQ(at(look.shade, Stroke::What::area), "0+10 90+10 ") << "before the start, behind the fade";
-    EXPECT_EQ(at(look.loop, Stroke::What::area).substr(0, 6), "20+40 ");
-    EXPECT_EQ(at(look.playhead, Stroke::What::area), "50+2 ");
-    EXPECT_TRUE(at(look.axis, Stroke::What::line).starts_with("0+100 0+100 "));
-    std::string names;
-    for (const Stroke& s : drawn) names += s.what == Stroke::What::text && s.text.size() == 1 ? s.text : "";
-    EXPECT_EQ(names, "IOSE");
-    EXPECT_EQ(WaveTime(62.5, 0.5), "1:02.5");
-    EXPECT_EQ(WaveTime(59.9996, 0.001), "1:00.000");
-    EXPECT_EQ(WaveTime(3600, 60), "60:00");
+                drawn += std::to_string(std::lround(s.x)) + "+" + std::to_string(std::lround(s.width)) + " ";
+        drawn += "| ";
+    }
+    for (const Stroke& s : drawing) names += s.what == Stroke::What::text && s.text.size() == 1 ? s.text : "";
+    EXPECT_EQ(drawn + names, "0+100 0+100 | 0+100 0+100 | 0+10 90+10 | 50+2 | IOSE");
+    EXPECT_EQ(WaveTime(62.5, 0.5) + " " + WaveTime(59.9996, 0.001) + " " + WaveTime(3600, 60),
+              "1:02.5 1:00.000 60:00");
 }
 
 class WaveTest : public WindowTest {
@@ -169,8 +161,6 @@ TEST_F(WaveTest, HandlesTakeTheWayAndTheLimitsOfTheFields) {
     open("Seq=1 LoopIn=2000 LoopOut=4000");
     drag(0, x(1.234567 * kSecond), 40);
     EXPECT_NEAR(j.CueStart, 1.234567 * kSecond, kBytesPerFrame * 44);  // the mouse stands on whole twips
-    EXPECT_EQ(w.TxtPos.shown(), FieldsOf(j.CueStart / kSecond));
-    EXPECT_EQ(w.optStartEnd[0]->value(), 1);
     drag(kWidth, x(6.5 * kSecond), 40);
     EXPECT_NEAR(j.StopPos, 6.5 * kSecond, kBytesPerFrame * 44);
     EXPECT_EQ(w.TxtPos.shown(), FieldsOf(j.StopPos / kSecond));
@@ -179,7 +169,6 @@ TEST_F(WaveTest, HandlesTakeTheWayAndTheLimitsOfTheFields) {
     EXPECT_EQ(j.LoopOut, j.LoopIn + 5280);
     drag(x(j.CueStart), 3 * kWidth, 40);
     EXPECT_EQ(j.CueStart, length - 5280);
-    EXPECT_TRUE(PalToSave);
 }
 
 TEST_F(WaveTest, KeysMoveTheChosenHandleAndSayIt) {
@@ -201,7 +190,6 @@ TEST_F(WaveTest, KeysMoveTheChosenHandleAndSayIt) {
         EXPECT_NEAR(j.CueStart / kSecond, c.start, 1e-4);
         EXPECT_NEAR(j.StopPos / kSecond, c.stop, 1e-4);
     }
-    EXPECT_TRUE(w.picWave.caption().ends_with(" 0:05.989")) << w.picWave.caption();
     EXPECT_TRUE(w.picWave.onDescribe().ends_with(" 0:01.001, Stop 0:05.989")) << w.picWave.onDescribe();
     for (const int turns : {0, 12}) {  // from afar, and where single samples are seen
         SCOPED_TRACE(turns);
@@ -212,99 +200,65 @@ TEST_F(WaveTest, KeysMoveTheChosenHandleAndSayIt) {
         EXPECT_NE(tone(frame - 1) < 0, tone(frame) < 0) << frame;
         EXPECT_NEAR(j.StopPos / kSecond, turns == 0 ? 5.999 : 6.009, 0.001);
     }
-}
-
-TEST_F(WaveTest, AStopLeavesTheEndByTheKeys) {
-    open();
-    key(Key::down);
-    key(Key::left);
+    OKfx();
+    open();  // its stop is the end of the sound
+    key(Key::down), key(Key::left);
     EXPECT_EQ(j.StopPos, 8000.0 * 44 * kBytesPerFrame - 5280);
     key(Key::right);
     EXPECT_EQ(j.StopPos, 0);
 }
 
-TEST_F(WaveTest, AClickPlacesThePlayheadAndADraggedPictureDoesNot) {
+TEST_F(WaveTest, AClickAndTheSliderPlaceThePlayheadADraggedPictureDoesNot) {
     open();
-    w.ckPlay.onClick();
-    w.picWave.onMouseDown(at(400, 60));
-    w.picWave.onMouseUp(at(400, 60));
     const auto seconds = [&] {
         return static_cast<double>(BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE)) / kSecond;
     };
+    w.SlidePos.value = 250;
+    w.SlidePos.onChange();
+    EXPECT_EQ(w.lblPos.caption() + w.lblPosSecVal.caption() + w.lblPosCs.caption(), "0:02.500250");
+    w.ckPlay.onClick();
+    drag(400, 400, 60);
     EXPECT_NEAR(seconds(), 3.99, 0.02);
     w.picWave.onWheel(4, 0);
     drag(400, 100, 60);
     EXPECT_NEAR(seconds(), 4.09, 0.02);
     EXPECT_EQ(j.CueStart, 0);
-    const std::size_t strokes = w.picWave.drawing().size();
-    pass(100);
-    EXPECT_EQ(w.picWave.drawing().size(), strokes);
-    EXPECT_FALSE(PalToSave);
-}
-
-TEST_F(WaveTest, ThePlayheadGoesWithItsSliderAndStaysInSilence) {
-    open();
-    const auto slide = [&](int hundredths) {
-        w.SlidePos.value = hundredths;
-        w.SlidePos.onChange();
-    };
-    const auto letter = [&](char which) {
-        KeyEvent e{static_cast<Key>(which)};
-        w.form.window.onKeyDown(e);
-    };
-    ASSERT_EQ(w.SlidePos.maximum(), 798);  // 352,000 frames
-    slide(250);
-    EXPECT_EQ(w.lblPos.caption() + w.lblPosSecVal.caption() + w.lblPosCs.caption(), "0:02.500250");
-    letter('I');
-    EXPECT_NEAR(j.CueStart, 2.5 * kSecond, kBytesPerFrame * 44);
-    EXPECT_EQ(w.StartTxtPos.sec->caption() + w.StartTxtPos.cs->caption(), "0250");
-    w.ckPlay.onClick();  // from the start
-    slide(600);
-    EXPECT_NEAR(static_cast<double>(BASS_ChannelGetPosition(j.hPlay, BASS_POS_BYTE)), 6 * kSecond,
-                0.03 * kSecond);
+    w.SlidePos.value = 600;
+    w.SlidePos.onChange();
     pass(500);
+    EXPECT_NEAR(seconds(), 6.5, 0.03);
     EXPECT_NEAR(w.SlidePos.value(), 650, 6);
     w.ckPlay.onClick();
     const int left = w.SlidePos.value();
     pass(200);
     EXPECT_EQ(w.SlidePos.value(), left);
-    slide(798);
-    letter('O');
-    EXPECT_EQ(j.StopPos, 0);
-    w.picWave.onMouseDown(at(400, 60));
-    w.picWave.onMouseUp(at(400, 60));
-    EXPECT_EQ(w.SlidePos.onDescribe(), "0:03.99");
+    EXPECT_FALSE(PalToSave);
 }
 
 TEST_F(WaveTest, TheOutlineComesInPartsAndIsKept) {
     load(kSlot, 30'000);
     std::vector<std::uint64_t> frames;
     int wholes = 0;
-    const auto read = [&] {
-        return ReadOutline(GetFullPath(j.Path), [&](const Outline& outline, bool whole) {
-            ASSERT_TRUE(outline);
+    Job job;
+    const auto read = [&](int ms) {
+        frames.clear();
+        job = ReadOutline(GetFullPath(j.Path), [&](const Outline& outline, bool whole) {
             frames.push_back(outline->frames);
             wholes += whole ? 1 : 0;
         });
+        pass(ms);
+        return frames.empty() ? 0 : frames.back();
     };
-    Job job = read();
-    pass(3000);
-    EXPECT_GE(frames.size(), 8U);
-    EXPECT_TRUE(std::ranges::is_sorted(frames));
-    EXPECT_EQ(frames.back(), 30'000U * 44);
-    frames.clear();
-    job = read();
-    pass(100);
+    EXPECT_EQ(read(3000), 30'000U * 44);
+    EXPECT_TRUE(frames.size() >= 8 && std::ranges::is_sorted(frames));
+    EXPECT_EQ(read(100), 30'000U * 44);
     EXPECT_EQ(frames.size(), 1U);  // kept
     writeWav(file(), sine(44'000, 1000));
-    frames.clear();
-    job = read();
+    EXPECT_EQ(read(0), 0U);
     job.cancel();
     pass(3000);
     EXPECT_TRUE(frames.empty());
-    job = read();
-    pass(3000);
-    EXPECT_EQ(frames.back(), 44'000U);  // another file
+    EXPECT_EQ(read(3000), 44'000U);  // another file
     EXPECT_EQ(wholes, 3);
 }
 
@@ -339,52 +293,6 @@ TEST_F(WaveTest, AFileThatChangesTakesThePositionsAlong) {
         OKfx();
         pass(500);
     }
-    EXPECT_TRUE(reports.empty());
-}
-
-TEST_F(WaveTest, WithoutItsFileAHandleStillMovesAndNothingIsReadForEver) {
-    open("StopPos=6000");
-    std::filesystem::remove(file());
-    w.picWave.onMouseMove(at(400, 60));
-    w.picWave.onWheel(12, 0);
-    key(Key::right, kShiftMask);
-    pass(200);
-    EXPECT_NEAR(j.CueStart, 0.01 * kSecond, kBytesPerFrame);
-    key(Key::down);
-    key(Key::left, kShiftMask);
-    pass(200);
-    EXPECT_NEAR(j.StopPos, 5.99 * kSecond, kBytesPerFrame);
-}
-
-TEST_F(WaveTest, AStopBeforeTheStartIsTold) {
-    open("StopPos=3000");
-    const std::string facts = w.lblFacts.caption();
-    const auto start = [&](int seconds) {
-        w.optStartEnd[0]->onChange();
-        w.TxtPos.show({0, seconds, 0});
-        w.TxtPos.cs->onChange();
-        pass(100);
-    };
-    start(5);
-    EXPECT_GT(j.CueStart, j.StopPos);
-    EXPECT_NE(w.lblFacts.caption(), facts);
-    start(1);
-    EXPECT_EQ(w.lblFacts.caption(), facts);
-}
-
-TEST_F(WaveTest, ASoundOfOneFrameIsHeld) {
-    load(kSlot, std::vector<std::int16_t>{1000, -1000}, "Seq=1");
-    show();
-    for (const double to : {0.0, 300.0, 800.0, 5000.0}) drag(400, to, 40);
-    for (const Key k : {Key::left, Key::right, Key::down, Key::right, Key::pageUp, Key::home})
-        key(k, kShiftMask);
-    w.ckPlay.onClick();
-    pass(500);
-    EXPECT_EQ(j.CueStart, 0);
-    EXPECT_EQ(j.StopPos, 0);
-    EXPECT_LE(j.LoopOut, kBytesPerFrame);
-    OKfx();
-    EXPECT_TRUE(reports.empty());
 }
 
 TEST_F(WaveTest, LoudnessOfThePartBringsTheVolumeToTheTarget) {
@@ -400,52 +308,40 @@ TEST_F(WaveTest, LoudnessOfThePartBringsTheVolumeToTheTarget) {
     load(kSlot, sound);
     show();
     EXPECT_TRUE(w.lblLoudness.caption().starts_with("-26.2 LUFS")) << w.lblLoudness.caption();
-    w.btLoudness.onClick();
-    EXPECT_NEAR(j.Volm, 323, 2);
-    EXPECT_TRUE(w.lblLoudness.caption().starts_with("-16.0 LUFS")) << w.lblLoudness.caption();
     w.optStartEnd[0]->onChange();
     w.TxtPos.show({0, 3, 0});
     w.TxtPos.cs->onChange();
     pass(2000);
-    w.cmbTarget.listIndex = 3;
-    w.cmbTarget.onChange();
-    EXPECT_EQ(editorSettings.LoudnessTarget, -14);
     w.btLoudness.onClick();
     EXPECT_EQ(j.Volm, 400);  // the safe one, as far as the slider reaches
-    EXPECT_TRUE(read("zv.ini").find("LoudnessTarget=-14") != std::string::npos);
 }
 
 TEST_F(WaveTest, SeveralJinglesAreBroughtToOneLoudnessAndBackAtOnce) {
     load(0, sine(3 * kRate, 1000, 0.0501), "Volm=90");  // -26 LUFS
-    load(1, sine(3 * kRate, 1000, 0.1585), "Volm=80");  // -16
     load(2, sine(3 * kRate, 1000, 0.9));
-    load(4, level(3 * kRate, 0), "Volm=70");
-    const auto volumes = [] { return std::vector<int>{rec(0).Volm, rec(1).Volm, rec(2).Volm, rec(4).Volm}; };
-    LevelWindow& window = frmLoudness();
-    BringToLoudness({0, 1, 2, 4});
-    EXPECT_TRUE(window.form.isOpen());
+    load(4, level(3 * kRate, 0), "Volm=70");  // silence has no loudness
+    const auto volumes = [] {
+        std::string all;
+        for (const int slot : {0, 2, 4}) all += std::to_string(rec(slot).Volm) + " ";
+        return all;
+    };
+    BringToLoudness({0, 2, 4});
     pass(50);
-    window.btCancel.onClick();
+    frmLoudness().btCancel.onClick();
     pass(3000);
-    EXPECT_EQ(volumes(), (std::vector<int>{90, 80, 100, 70}));
-    BringToLoudness({0, 1, 2, 4});
+    EXPECT_EQ(volumes(), "90 100 70 ");
+    BringToLoudness({0, 2, 4});
     press(0);
     pass(3000);
-    EXPECT_FALSE(window.form.isOpen());
-    const std::vector<int> found = volumes();
-    EXPECT_NEAR(found[0], 316, 4);
-    EXPECT_NEAR(found[1], 100, 2);
-    EXPECT_NEAR(found[2], 18, 1);
-    EXPECT_EQ(found[3], 70);  // silence has no loudness
+    EXPECT_FALSE(frmLoudness().form.isOpen());
+    EXPECT_EQ(volumes(), "314 18 70 ");
     EXPECT_TRUE(PalToSave);
     Undo();
     pass(100);
-    EXPECT_EQ(volumes(), (std::vector<int>{90, 80, 100, 70}));
-    for (const int slot : {0, 2}) {  // one of them sounds
-        BASS_BFX_VOLUME volume{};
-        BASS_FXGetParameters(JVolFx[static_cast<std::size_t>(slot)], &volume);
-        EXPECT_FLOAT_EQ(volume.fVolume, static_cast<float>(rec(slot).Volm * 0.01));
-    }
+    EXPECT_EQ(volumes(), "90 100 70 ");
+    BASS_BFX_VOLUME volume{};  // of the one that sounds
+    BASS_FXGetParameters(JVolFx[0], &volume);
+    EXPECT_FLOAT_EQ(volume.fVolume, 0.9F);
 }
 
 }  // namespace zv::test
