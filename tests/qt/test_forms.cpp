@@ -40,13 +40,8 @@ struct TestForm {
 
     explicit TestForm(bool dark = false) {
         window.backColor = dark ? 0x202020 : 0xF0F0F0;
-        window.caption = "Form";
         tabs.items = std::vector<std::string>{"Positions and loop", "Effects"};
         tabs.listIndex = 0;
-        lblCard.caption = "Start and stop";
-        lblName.caption = "Name";
-        lblVol.caption = "Volume of the jingle, which is heard at once";
-        lblVolVal.caption = "80 %";
         place.items = std::vector<std::string>{"None", "Above", "Below"};
         place.segmented = true;
         place.listIndex = 2;
@@ -58,14 +53,19 @@ struct TestForm {
         rows.minimum = 4;
         rows.maximum = 12;
         rows.value = 6;
-        tick.caption = "Ducks under talk";
         swatch.backColor = 0x80FFFF;
         swatch.caption = "FFFF80";
         list.items = std::vector<std::string>{"One", "Two", "Three"};
-        note.caption = "Changes are heard at once. Space: hear, I / O: set start / stop";
-        btReset.caption = "Reset tab";
-        btCancel.caption = "Cancel";
-        btOK.caption = "OK";
+        for (const auto& [control, text] : {std::pair{&lblCard, "Start and stop"},
+                                            {&lblVol, "Volume of the jingle, which is heard at once"},
+                                            {&lblName, "Name"},
+                                            {&lblVolVal, "80 %"},
+                                            {&tick, "Ducks under talk"},
+                                            {&note, "Changes are heard at once. Space: hear"},
+                                            {&btReset, "Reset tab"},
+                                            {&btCancel, "Cancel"},
+                                            {&btOK, "OK"}})
+            control->caption = text;
         window.form = std::make_shared<const Form>(Form{
             .blocks = {{{.rows = {{.cells = {{&canvas, {}, kRestOfRow}}, .height = 120}}, .bare = true}}},
             .pager = &tabs,
@@ -145,14 +145,12 @@ TEST(Forms, TheKeyboardsPlaceIsSeenOnEveryControl) {
         setFocus(form.btReset);
         for (int i = 0; i < 12; ++i) {
             keyDown(Key::tab);
-            keyUp(Key::tab);
             const Control& at = *focusedControl();
             QWidget& w = viewOf(at)->widget;
             const QImage with = w.grab().toImage();
             w.clearFocus();
-            const QImage without = w.grab().toImage();
+            EXPECT_NE(with, w.grab().toImage()) << at.name << (dark ? ", dark" : "");
             setFocus(const_cast<Control&>(at));
-            EXPECT_NE(with, without) << at.name << (dark ? ", dark" : "");
         }
     }
 }

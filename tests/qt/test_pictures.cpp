@@ -68,7 +68,6 @@ TEST(Jingle, OnlyWhatChangedIsPaintedAgain) {
     f.bar.backColor = 0x00FF00;
     flushChanged();
     EXPECT_GE(w.takeAsked().boundingRect().width(), 150) << "all of a bar of another colour";
-    f.bar.width = twips(150);
     f.button.backColor = f.button.backColor();
     flushChanged();
     EXPECT_TRUE(w.takeAsked().isEmpty()) << "the same value asks for nothing";
@@ -221,11 +220,10 @@ TEST(Display, TellsTheTipOfThePartUnderTheMouse) {
     s.digit.toolTip = "seconds";
     s.display.toolTip = "display";
     QWidget& w = widgetFor(s.display);
-    for (const auto& [at, tip] :
-         {std::pair{QPoint(110, 40), "seconds"}, std::pair{QPoint(10, 10), "display"}}) {
+    for (const QPoint at : {QPoint(110, 40), QPoint(10, 10)}) {
         QHelpEvent help(QEvent::ToolTip, at, w.mapToGlobal(at));
         QCoreApplication::sendEvent(&w, &help);
-        EXPECT_EQ(w.toolTip(), tip);
+        EXPECT_EQ(w.toolTip(), at.x() > 100 ? "seconds" : "display");
     }
 }
 

@@ -50,7 +50,6 @@ constexpr const char* kSeq = "Seq=1 LoopIn=300 LoopOut=600";
 constexpr Row kRows[] = {
     // Armed options come first, whatever is held and set.
     {"assign", "", "0 ckAssign file 100 click 300 click", "c300-", "other unsaved"},
-    {"assign before all else", "", "0 ckTouch ctrl ckAssign file 100 click", "", "other unsaved"},
     {"assign on an empty one", "empty", "0 ckAssign file 100 click 300 click", "c300-", "other unsaved"},
     {"assign leaves what sounds alone", "", "0 click 300 ckAssign file 400 click", "a0-100 b100-", "armed:ass mRefPlaying"},
     {"announcer takes no empty one", "empty", "0 announcer 100 click", "", "armed:ta"},
@@ -76,8 +75,6 @@ constexpr Row kRows[] = {
     {"missing: not looked for", "missing", "0 noreloc 100 click", "", "missing errMissFile"},
     {"broken, by its key", "broken", "0 100 space", "", "why"},
     {"broken, by a surface's pad", "broken", "0 100 pad", "", "why"},
-    {"broken: not moved", "broken", "0 ctrl 100 click", "", "why"},
-    {"missing: renamed", "missing", "0 shift 100 click", "", "missing renames"},
 
     // Modifier keys.
     {"move", "", "0 ctrl 100 click5 200 click 300 none 400 click", "c400-", "other gone5 unsaved"},
@@ -88,19 +85,14 @@ constexpr Row kRows[] = {
     {"move: shift makes it a new copy", "", "0 ctrl 100 click 200 cs 300 click5", "", "copy5"},
     {"copy", "", "0 cs 100 click5 200 click 300 none 400 click", "c400-", "other unsaved"},
     {"copy: goes on to the next", "", "0 cs 100 click5 200 click", "", "other copy5 unsaved"},
-    {"copy: of what a playlist holds", "locked", "0 cs 100 click", "", "copy4"},
     {"copy: nothing over what a playlist holds", "locked", "0 cs 100 click5 200 click", "", "copy5 mRefLocked"},
     {"delete", "", "0 alt yes 100 click", "", "gone asked unsaved"},
     {"delete: not what a playlist holds", "locked", "0 alt yes 100 click", "", "mRefLocked"},
     {"delete with the file", "", "0 ca yes 100 click", "", "gone nofile asked unsaved"},
-    {"delete with the file: no playlist's", "locked", "0 ca yes 100 click", "", "mRefLocked"},
-    {"all three: nothing", "", "0 csa yes 100 click", "", ""},
 
     // And what is left: mouse buttons, fingers, keys.
-    {"what a playlist holds plays", "locked", "0 click", "a0-100 b100-", ""},
     {"right and middle button", "", "0 right 100 middle", "", ""},
     {"touch mode: play stop", "PlayMod=3", "0 ckTouch down 300 up", "a0-100 b100-", ""},
-    {"touch mode: sequence", kSeq, "0 ckTouch down 200 up", "a0-100 b100-", "seq"},
     {"space on the focused button", "", "0 space 300 space", "a0-100 b100-300", ""},
     {"space with a modifier key", "", "0 modspace", "", ""},
     {"space held", "", "0 space 100 held 200 held 300 own 500 own", "a0-100 b100-", ""},
