@@ -56,31 +56,25 @@ TEST(Jingle, OnlyWhatChangedIsPaintedAgain) {
     PaintedWidget& neighbour = paintedFor(s.families[1]->button);
     w.takeAsked();
     neighbour.takeAsked();
-
+    const auto asked = [&] {
+        flushChanged();
+        return w.takeAsked().boundingRect();
+    };
     f.bar.width = twips(150);
-    flushChanged();
-    EXPECT_TRUE(QRect(0, 0, 200, 10).contains(w.takeAsked().boundingRect())) << "the bar's rows only";
+    EXPECT_TRUE(QRect(0, 0, 200, 10).contains(asked())) << "the bar's rows only";
     f.bar.width = twips(140);
-    flushChanged();
-    const int end = w.takeAsked().boundingRect().width();
+    const int end = asked().width();
     EXPECT_TRUE(end >= 10 && end < 20) << "the end of a bar that is shorter, all of it: " << end;
     f.bar.width = twips(150);
     f.bar.backColor = 0x00FF00;
-    flushChanged();
-    EXPECT_GE(w.takeAsked().boundingRect().width(), 150) << "all of a bar of another colour";
+    EXPECT_GE(asked().width(), 150) << "all of a bar of another colour";
     f.button.backColor = f.button.backColor();
-    flushChanged();
-    EXPECT_TRUE(w.takeAsked().isEmpty()) << "the same value asks for nothing";
     f.lp.foreColor = 0x123456;
-    flushChanged();
-    EXPECT_TRUE(w.takeAsked().isEmpty()) << "a hidden mark asks for nothing";
+    EXPECT_TRUE(asked().isEmpty()) << "the same value and a hidden mark ask for nothing";
     f.lp.visible = true;
-    flushChanged();
-    EXPECT_TRUE(QRect(172, 4, 26, 26).contains(w.takeAsked().boundingRect()))
-        << "its place and what is around it";
+    EXPECT_TRUE(QRect(172, 4, 26, 26).contains(asked())) << "its place and what is around it";
     f.button.backColor = 0xFFFFFF;
-    flushChanged();
-    EXPECT_EQ(w.takeAsked().boundingRect(), w.rect());
+    EXPECT_EQ(asked(), w.rect());
     EXPECT_TRUE(neighbour.takeAsked().isEmpty());
 }
 

@@ -3,7 +3,6 @@
 #include <random>
 
 #include "startup/settings/palette_settings.h"
-#include "startup/settings/program_settings.h"
 #include "startup/settings/search_settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/search.h"

@@ -10,7 +10,6 @@
 #include "audio/file_level.h"
 #include "audio/outline.h"
 #include "startup/helpers.h"
-#include "startup/settings/editor_settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/jingle_editor.h"
 #include "ui/edit/level_many.h"
