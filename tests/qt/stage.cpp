@@ -40,26 +40,17 @@ const auto* const environment = ::testing::AddGlobalTestEnvironment(new QtEnviro
 
 Family::Family(Control& block, int index, int x, int y, int w, int h)
     : button("b_Jingle", ControlKind::jingle, &block, index),
-      track("JremBG", ControlKind::shape, &button, index),
       bar("JRemLev", ControlKind::shape, &button, index),
       lp("lp_Jingle", ControlKind::symbol, &button, index),
-      sq("sq_Jingle", ControlKind::symbol, &button, index),
-      number("lblbtnumber", ControlKind::label, &button, index),
       box("ckJingSel", ControlKind::checkBox, &button, index) {
     place(button, x, y, w, h);
-    place(track, 2, 2, w - 4, 6);
     place(bar, 2, 2, w - 4, 6);
     place(lp, w - 20, 10, 10, 10);
-    place(sq, w - 32, 10, 10, 10);
-    place(number, 6, 6, 20, 12);
     place(box, 20, 20, 16, 16);
     button.caption = "Jingle " + std::to_string(index);
     bar.backColor = 0x0000FF;
-    track.backColor = 0x404040;
     lp.foreColor = 0x00FF00;
-    sq.foreColor = 0x00FFFF;
-    number.caption = std::to_string(index);
-    for (Control* c : {&track, &bar, &lp, &sq, &box}) c->visible = false;
+    for (Control* c : {&bar, &lp, &box}) c->visible = false;
 }
 
 Stage::Stage(Colour back) {

@@ -29,7 +29,7 @@ inline void place(Control& c, int x, int y, int w, int h) {
 /// One jingle button with the parts that the logic gives it.
 struct Family {
     Family(Control& block, int index, int x, int y, int w = 200, int h = 76);
-    Control button, track, bar, lp, sq, number, box;
+    Control button, bar, lp, box;
 };
 
 /// A window with a button family, a display, a list and some keys; told down in `log` what reached the
