@@ -18,6 +18,28 @@ class WidePath : public testing::Test {
     void TearDown() override { setWidePath(true); }
 };
 
+TEST(DspMix, AddsEverySourceInTurn) {
+    for (std::size_t count : {0u, 1u, 2u, 3u, 4u, 5u, 11u, 120u})
+        for (const bool mono : {false, true})
+            for (const bool plain : {false, true}) {
+                const std::size_t frames = 131;
+                std::vector<std::vector<float>> sounds;
+                std::vector<MixSource> sources;
+                for (unsigned k = 0; k < count; ++k) sounds.push_back(noise(2 * frames, k));
+                for (unsigned k = 0; k < count; ++k) {
+                    sources.push_back({sounds[k].data(), 1, {k % 3 == 0 ? 1.0 : 0.1 * (k % 5), 0, 0}});
+                    if (!plain && k % 4 != 1) sources[k].gain.step = 1e-3 * k, sources[k].gain.at = 7 * k;
+                    if (!plain && k % 4 == 2) sources[k].before = 0.3f;
+                }
+                std::vector<float> out = noise(2 * frames, 99), expected = out;
+                for (const MixSource& s : sources)
+                    for (std::size_t i = 0; i < expected.size(); ++i)
+                        expected[i] += s.frames[mono ? i / 2 : i] * s.before * s.gain.value(i / 2);
+                mono ? mixMono(out.data(), sources, frames) : mixStereo(out.data(), sources, frames);
+                EXPECT_EQ(out, expected) << count << (mono ? " mono" : "") << (plain ? " plain" : "");
+            }
+}
+
 TEST_F(WidePath, GivesTheSameBitsAsThePlainOne) {
     if (!usesWidePath()) GTEST_SKIP() << "this machine has no wide path";
     const std::size_t frames = 1003;
