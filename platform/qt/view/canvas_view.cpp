@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/qt/view/figures.h"
 #include "platform/qt/view/keys.h"
 #include "platform/qt/view/style.h"
 #include "platform/qt/view/theme.h"

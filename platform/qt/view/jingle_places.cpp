@@ -5,7 +5,7 @@
 #include <array>
 #include <string_view>
 
-#include "platform/qt/view/style.h"
+#include "platform/qt/view/figures.h"
 #include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"
 

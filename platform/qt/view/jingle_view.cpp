@@ -7,6 +7,7 @@
 #include <tuple>
 #include <vector>
 
+#include "platform/qt/view/figures.h"
 #include "platform/qt/view/jingle_face.h"
 #include "platform/qt/view/jingle_marks.h"
 #include "platform/qt/view/jingle_places.h"

@@ -6,6 +6,7 @@
 #include <array>
 #include <unordered_map>
 
+#include "platform/qt/view/figures.h"
 #include "platform/qt/view/painted.h"
 #include "platform/qt/view/segments.h"
 #include "platform/qt/view/style.h"

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/qt/view/figures.h"
 #include "platform/qt/view/style.h"
 #include "platform/qt/view/theme.h"
 #include "platform/qt/view/view.h"

@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QComboBox>
-#include <QFontMetricsF>
 #include <QPainter>
 #include <QPainterPath>
 #include <QProxyStyle>
@@ -441,42 +440,6 @@ void drawSegment(QPainter& p, const QRectF& rect, const QString& text, const The
     p.setPen(enabled ? ink : mixed(ink, face, 0.6));
     p.setFont(textFont(13, on ? QFont::DemiBold : QFont::Medium));
     p.drawText(rect, Qt::AlignCenter, text);
-}
-
-double figuresWidth(const QFont& font, const QString& text) {
-    const QFontMetricsF m(font);
-    const double figure = m.horizontalAdvance(QLatin1Char('0'));
-    double width = 0;
-    for (const QChar c : text) width += c.isDigit() ? figure : m.horizontalAdvance(c);
-    return width;
-}
-
-void drawFigures(QPainter& p, const QRectF& rect, int alignment, const QString& text) {
-    const QFontMetricsF m(p.font());
-    const double figure = m.horizontalAdvance(QLatin1Char('0'));
-    const double width = figuresWidth(p.font(), text);
-    double x = rect.left();
-    if (alignment & Qt::AlignRight) x = rect.right() - width;
-    if (alignment & Qt::AlignHCenter) x = rect.center().x() - width / 2;
-    double y = rect.top() + m.ascent();
-    if (alignment & Qt::AlignBottom) y = rect.bottom() - m.descent();
-    if (alignment & Qt::AlignVCenter) y = rect.center().y() + (m.ascent() - m.descent()) / 2;
-    // Runs without figures are drawn whole, so that letters keep their kerning.
-    for (qsizetype i = 0; i < text.size();) {
-        if (text[i].isDigit()) {
-            const double own = m.horizontalAdvance(text[i]);
-            p.drawText(QPointF(x + (figure - own) / 2, y), QString(text[i]));
-            x += figure;
-            ++i;
-            continue;
-        }
-        qsizetype end = i;
-        while (end < text.size() && !text[end].isDigit()) ++end;
-        const QString run = text.mid(i, end - i);
-        p.drawText(QPointF(x, y), run);
-        x += m.horizontalAdvance(run);
-        i = end;
-    }
 }
 
 void installStyle() {

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QColor>
-#include <QFont>
 #include <QRectF>
 
 class QPainter;
@@ -27,8 +26,5 @@ void drawTickBox(QPainter& p, const QRectF& rect, bool on, const QColor& face, c
 /// A key of a segmented choice.
 void drawSegment(QPainter& p, const QRectF& rect, const QString& text, const Theme& theme, bool on,
                  bool enabled, bool hovered);
-/// Text with figures of one width, so that times do not shiver. Alignment as the toolkit's.
-void drawFigures(QPainter& p, const QRectF& rect, int alignment, const QString& text);
-double figuresWidth(const QFont& font, const QString& text);
 
 }  // namespace zv::shell
