@@ -226,15 +226,19 @@ class Setter {
 
 constexpr qsizetype kMostKnown = 1000;  // several palettes of buttons
 
-QString placeKey(const QString& name, const QFont& font, const QRectF& room,
-                 const std::vector<QRectF>& corners) {
-    QString key = name + QLatin1Char('\n') + font.key();
-    const auto add = [&](const QRectF& r) {
-        key += QStringLiteral("|%1,%2,%3,%4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height());
-    };
-    add(room);
-    for (const QRectF& corner : corners) add(corner);
-    return key;
+/// All that a layout follows from. A palette that opens looks up hundreds: no text is made of it.
+struct Given {
+    QString name;
+    QFont font;
+    QRectF room;
+    std::vector<QRectF> corners;
+    bool operator==(const Given&) const = default;
+};
+
+std::size_t qHash(const Given& given, std::size_t seed) {
+    const QRectF& room = given.room;
+    return qHashMulti(seed, given.name, given.font.pixelSize(), room.width(), room.height(),
+                      given.corners.size());
 }
 
 }  // namespace
@@ -248,8 +252,8 @@ CaptionLayout layOutCaption(const QString& name, const QFont& font, const QRectF
     }
     // A name that does not fit goes through all ways, and a palette that opens shows the same ones again and
     // again.
-    static QHash<QString, CaptionLayout> known;
-    const QString key = placeKey(name, font, room, corners);
+    static QHash<Given, CaptionLayout> known;
+    const Given key{name, font, room, corners};
     if (const auto found = known.constFind(key); found != known.constEnd()) return *found;
     if (known.size() >= kMostKnown) known.clear();
     return *known.insert(key, Setter(name, font, room, corners).set());
