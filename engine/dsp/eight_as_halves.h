@@ -83,8 +83,8 @@ inline void storeSides(float* frame, Eight v) {
     frame[0] = v.low[3];
     frame[1] = v.high[3];
 }
-inline Mask foursOf(std::int32_t first, std::int32_t end) {
-    const Int4 lane{0, 1, 2, 3}, valid = (lane >= first) & (lane < end);
+inline Mask foursOf(std::int32_t apart, std::int32_t first, std::int32_t end) {
+    const Int4 lane = Int4{0, 1, 2, 3} * apart, valid = (lane >= first) & (lane < end);
     return {valid, valid};
 }
 

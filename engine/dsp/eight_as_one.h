@@ -73,9 +73,9 @@ inline void storeSides(float* frame, Eight v) {
     frame[0] = v[3];
     frame[1] = v[7];
 }
-/// In each half the lanes from `first` to `end`, without `end`.
-inline Mask foursOf(std::int32_t first, std::int32_t end) {
-    const Int8 lane{0, 1, 2, 3, 0, 1, 2, 3};
+/// In each half the lanes whose number times `apart` lies from `first` to `end`, without `end`.
+inline Mask foursOf(std::int32_t apart, std::int32_t first, std::int32_t end) {
+    const Int8 lane = Int8{0, 1, 2, 3, 0, 1, 2, 3} * apart;
     return (lane >= first) & (lane < end);
 }
 

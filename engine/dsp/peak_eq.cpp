@@ -31,6 +31,9 @@ double amplitudeOf(const PeakBand& band) {
     return std::pow(10.0, std::clamp(band.gainDb, -120.0, 120.0) / 40);
 }
 
+/// Four bands with even numbers, then four with odd ones.
+std::size_t laneOf(std::size_t band) { return band % 2 * (kLaneCount / 2) + band % kLaneCount / 2; }
+
 void setFlat(EqGroup::Table& table, std::size_t lane) {
     table[EqGroup::kG][lane] = 1;
     table[EqGroup::kC1][lane] = table[EqGroup::kC2][lane] = 0;
@@ -82,7 +85,7 @@ PeakEq::PeakEq(double rate, std::size_t bands)
 void PeakEq::setBand(std::size_t index, const PeakBand& band) {
     if (index >= capacity()) return;
     EqGroup& group = groups_[index / kLaneCount];
-    const std::size_t lane = index % kLaneCount;
+    const std::size_t lane = laneOf(index);
     const bool flat = isFlat(band, rate_), wasFlat = group.flat[lane];
     if (band == group.bands[lane] || (flat && wasFlat)) return;
     group.bands[lane] = flat ? PeakBand{} : band;

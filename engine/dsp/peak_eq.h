@@ -1,6 +1,6 @@
 /// Peaking equaliser: any number of bands in one effect, stereo. Biquads after Robert Bristow-Johnson,
 /// "Cookbook formulae for audio equalizer biquad filter coefficients" (peakingEQ), eight bands computed at
-/// once: lane k works on the frame that lane k-1 worked on a step before.
+/// once: each works on a frame that the band before it is through with.
 #pragma once
 
 #include <array>
@@ -32,7 +32,7 @@ bool isFlat(const PeakBand& band, double rate);
 
 /// Eight bands of the equaliser and what they remember. Each is the cookbook's filter as a pair of
 /// trapezoidal integrators, because the direct form is too coarse in 32 bits for bands of some 100 Hz:
-///   d = x - i2;  i1' = p i1 + q d;  i2' = i2 + q i1 + b d;  y = g x + (c1 i1 - c2 i2)
+///   d = x - i2;  i1' = p i1 + q d;  i2' = i2 + q i1 + b d;  y = (g x + c1 i1) - c2 i2
 /// A flat band has g = 1 and c1 = c2 = 0: the very samples, whatever the integrators hold.
 struct alignas(32) EqGroup {
     using Lanes = std::array<float, 8>;

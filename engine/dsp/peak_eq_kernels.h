@@ -1,8 +1,9 @@
 // Included by two_paths.h for peak_eq.cpp, once a path; no include guard for that reason.
 
-/// Four bands, of the left side in the lower half and of the right one in the upper.
+/// Four bands, of the left side in the lower half and of the right one in the upper. `before` is y of the step
+/// before.
 struct Four {
-    Eight i1, i2, y;
+    Eight i1, i2, y, before;
 };
 
 struct Coefficients {
@@ -26,7 +27,8 @@ inline void putAll(EqGroup::Table& t, std::size_t first, const Coefficients& c) 
 }
 
 inline void step(Four& s, Eight in, const Coefficients& c) {
-    s.y = c.g * in + (c.c1 * s.i1 - c.c2 * s.i2);
+    s.before = s.y;
+    s.y = (c.g * in + c.c1 * s.i1) - c.c2 * s.i2;
     const Eight d = in - s.i2;
     s.i2 = (s.i2 + c.q * s.i1) + c.b * d;
     s.i1 = c.p * s.i1 + c.q * d;
@@ -56,43 +58,48 @@ inline void advance(Coefficients& c, const Coefficients& d, Mask valid) {
          chosen(valid, n.g, c.g), chosen(valid, n.c1, c.c1), chosen(valid, n.c2, c.c2)};
 }
 
-/// Every band hands on to the next, a frame later.
+/// Every band hands on to the next, two frames later: after one frame the processor would wait for each sum. The
+/// bands with even numbers and those with odd ones take turns.
 template <bool Ramp>
 void filter(EqGroup& group, float* stereo, std::size_t frames) {
-    constexpr std::int32_t kLast = 7, kHalf = 4;
+    constexpr std::int32_t kLate = 2, kLast = 7 * kLate, kHalf = 4;
     const auto count = static_cast<std::int32_t>(frames);
-    Coefficients lowC = getAll(group.now, 0), highC = getAll(group.now, kHalf);
-    const Coefficients lowD = Ramp ? getAll(group.step, 0) : Coefficients{};
-    const Coefficients highD = Ramp ? getAll(group.step, kHalf) : Coefficients{};
-    Four low{get(group.left.i1, group.right.i1, 0), get(group.left.i2, group.right.i2, 0), Eight{}};
-    Four high{get(group.left.i1, group.right.i1, kHalf), get(group.left.i2, group.right.i2, kHalf), Eight{}};
+    Coefficients evenC = getAll(group.now, 0), oddC = getAll(group.now, kHalf);
+    const Coefficients evenD = Ramp ? getAll(group.step, 0) : Coefficients{};
+    const Coefficients oddD = Ramp ? getAll(group.step, kHalf) : Coefficients{};
+    const auto remembered = [&group](std::size_t first) {
+        return Four{get(group.left.i1, group.right.i1, first), get(group.left.i2, group.right.i2, first),
+                    Eight{}, Eight{}};
+    };
+    Four even = remembered(0), odd = remembered(kHalf);
 
-    const auto partial = [&](std::int32_t t) {
-        const Mask lowValid = foursOf(t - count + 1, t + 1);
-        const Mask highValid = foursOf(t - count + 1 - kHalf, t + 1 - kHalf);
-        const Eight in = t < count ? sidesOf(stereo + 2 * t) : Eight{};
-        step(high, handedOn(low.y, high.y), highC, highValid);
-        step(low, handedOn(in, low.y), lowC, lowValid);
-        if (Ramp) advance(lowC, lowD, lowValid), advance(highC, highD, highValid);
-        if (t >= kLast) storeSides(stereo + 2 * (t - kLast), high.y);
+    // Inlined: called, it would keep what it changes in memory, and the loop between its calls with it.
+    const auto partial = [&](std::int32_t t) __attribute__((always_inline)) {
+        const Mask evenValid = foursOf(2 * kLate, t - count + 1, t + 1);
+        const Mask oddValid = foursOf(2 * kLate, t - count + 1 - kLate, t + 1 - kLate);
+        const Eight in = t < count ? sidesOf(stereo + 2 * t) : Eight{}, on = even.before;
+        step(even, handedOn(in, odd.before), evenC, evenValid);
+        step(odd, on, oddC, oddValid);
+        if (Ramp) advance(evenC, evenD, evenValid), advance(oddC, oddD, oddValid);
+        if (t >= kLast) storeSides(stereo + 2 * (t - kLast), odd.y);
     };
     std::int32_t t = 0;
     for (; t < kLast; ++t) partial(t);
     for (; t < count; ++t) {
-        const Eight in = sidesOf(stereo + 2 * t);
-        step(high, handedOn(low.y, high.y), highC);
-        step(low, handedOn(in, low.y), lowC);
-        if (Ramp) advance(lowC, lowD), advance(highC, highD);
-        storeSides(stereo + 2 * (t - kLast), high.y);
+        const Eight in = sidesOf(stereo + 2 * t), on = even.before;
+        step(even, handedOn(in, odd.before), evenC);
+        step(odd, on, oddC);
+        if (Ramp) advance(evenC, evenD), advance(oddC, oddD);
+        storeSides(stereo + 2 * (t - kLast), odd.y);
     }
     for (; t < count + kLast; ++t) partial(t);
 
-    storeHalves(group.left.i1.data(), group.right.i1.data(), low.i1);
-    storeHalves(group.left.i2.data(), group.right.i2.data(), low.i2);
-    storeHalves(group.left.i1.data() + kHalf, group.right.i1.data() + kHalf, high.i1);
-    storeHalves(group.left.i2.data() + kHalf, group.right.i2.data() + kHalf, high.i2);
+    storeHalves(group.left.i1.data(), group.right.i1.data(), even.i1);
+    storeHalves(group.left.i2.data(), group.right.i2.data(), even.i2);
+    storeHalves(group.left.i1.data() + kHalf, group.right.i1.data() + kHalf, odd.i1);
+    storeHalves(group.left.i2.data() + kHalf, group.right.i2.data() + kHalf, odd.i2);
     if (Ramp) {
-        putAll(group.now, 0, lowC);
-        putAll(group.now, kHalf, highC);
+        putAll(group.now, 0, evenC);
+        putAll(group.now, kHalf, oddC);
     }
 }
