@@ -2,6 +2,8 @@
 #include <iomanip>
 #include <sstream>
 
+#include <gtest/gtest.h>
+
 #include "engine/realtime/thread_tags.h"
 #include "engine/sources/bridge.h"
 #include "tests/engine/made_sounds.h"

@@ -1,6 +1,8 @@
 // Which pages of a decoded file are in memory, in which order they come, and what is read from them.
 #include <sstream>
 
+#include <gtest/gtest.h>
+
 #include "engine/sources/paged_sound.h"
 #include "tests/engine/made_sounds.h"
 

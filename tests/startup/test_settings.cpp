@@ -1,6 +1,7 @@
 // zv.ini: its keys, what they load as, and the ways of loading, saving and sorting.
 
 #include <map>
+#include <random>
 
 #include "startup/settings/devices_settings.h"
 #include "startup/settings/display_settings.h"
