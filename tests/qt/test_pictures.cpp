@@ -4,8 +4,10 @@
 #include <QAccessible>
 #include <QFontMetricsF>
 #include <QHelpEvent>
+#include <QPainter>
 #include <QSlider>
 
+#include "platform/qt/view/figures.h"
 #include "platform/qt/view/jingle_places.h"
 #include "platform/qt/view/jingle_text.h"
 #include "platform/qt/view/painted.h"
@@ -298,6 +300,30 @@ TEST(ScreenReader, HearsNameStateAndCanPress) {
     flushChanged();
     pressAsReader(s, *spokenOf(f.button));
     EXPECT_EQ(s.told(), "");
+}
+
+TEST(Figures, StandOneBehindAnother) {
+    QFont font;
+    font.setPixelSize(40);
+    const auto inked = [&](const QString& text) {  // columns from the first to the last that is painted
+        QImage image(400, 60, QImage::Format_ARGB32);
+        image.fill(Qt::white);
+        QPainter p(&image);
+        p.setFont(font);
+        drawFigures(p, QRectF(10, 0, 380, 60), Qt::AlignLeft | Qt::AlignVCenter, text);
+        p.end();
+        int first = 400, last = -1;
+        for (int x = 0; x < 400; ++x)
+            for (int y = 0; y < 60; ++y)
+                if (image.pixel(x, y) != qRgb(255, 255, 255)) first = std::min(first, x), last = x;
+        return std::pair(first, last);
+    };
+    for (const char* text : {"88", "08:08", "8.8", "8:08 h8"}) {
+        const auto [first, last] = inked(text);
+        const auto [alone, end] = inked("8");
+        EXPECT_NEAR(first, alone, 2) << text;
+        EXPECT_NEAR(last - end, figuresWidth(font, text) - figuresWidth(font, "8"), 1.5) << text;
+    }
 }
 
 }  // namespace
