@@ -31,9 +31,7 @@ constexpr std::uint32_t kUsualRate = 44100;
 
 void makeDevices(int outputs, bool sound) {
     OfflineOptions options;
-    options.outputs = {kMainOutput, kAuxOutput};
-    options.outputs.resize(static_cast<std::size_t>(std::clamp(outputs, 0, 2)));
-    options.inputs = {kMicrophone};
+    options.outputs.resize(static_cast<std::size_t>(outputs));
     // Nobody looks at what goes out: silence need not be computed.
     options.keepSound = sound;
     options.rests = !sound;
@@ -50,26 +48,27 @@ class Recording {
         return file_.open(path, rate);
     }
 
-    /// Writes what was sent up to `ms` of the script; an output that is closed has sent silence.
+    /// Writes what was sent up to `ms` of the script. Before it was opened for the first time the output sent silence.
     void collect(std::int64_t ms) {
-        const auto wanted = static_cast<std::uint64_t>(ms) * rate_ / 1000;
-        std::vector<float> sound = Stage::instance().devices->takeSound(device_);
-        if (wanted <= file_.frames()) return;
-        const std::uint64_t room = wanted - file_.frames();
-        if (sound.size() / 2 > room) sound.resize(static_cast<std::size_t>(room) * 2);
-        // An output that was opened since the last call sent nothing before.
-        if (!opened_ && !sound.empty()) file_.writeSilence(room - sound.size() / 2);
-        opened_ = opened_ || !sound.empty();
+        const std::vector<float> sound = Stage::instance().devices->takeSound(device_);
+        if (file_.frames() == 0 && !sound.empty()) fillTo(ms, sound.size() / 2);
         file_.write(sound);
-        if (wanted > file_.frames()) file_.writeSilence(wanted - file_.frames());
     }
 
-    bool close() { return file_.close(); }
+    bool close(std::int64_t ms) {
+        fillTo(ms, 0);
+        return file_.close();
+    }
 
   private:
+    /// Silence up to `frames` before `ms`.
+    void fillTo(std::int64_t ms, std::uint64_t frames) {
+        const auto wanted = static_cast<std::uint64_t>(ms) * rate_ / 1000;
+        if (wanted > file_.frames() + frames) file_.writeSilence(wanted - file_.frames() - frames);
+    }
+
     const char* device_;
     std::uint32_t rate_ = kUsualRate;
-    bool opened_ = false;
     WavFile file_;
 };
 
@@ -159,14 +158,11 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     VirtualClock& clock = VirtualClock::instance();
     makeDevices(options.outputs, options.keepSound);
     clock.drive(Stage::instance().devices);
-    clock.onPeriod([] {
+    std::function<void()> collect;
+    clock.onPeriod([&] {
         if (const engine::EngineControl* engine = engine::audioLibraryControl()) engine->settleSyncs();
+        if (collect && (clock.now() - stage.startMs) % kCollectMs == 0) collect();
     });
-    // What the network answers at the head of the script it answers while the program starts too.
-    for (const Action& action : script.actions) {
-        if (action.verb != Verb::web || action.at > 0) break;
-        answerWeb(action);
-    }
     stage.answers.assign(options.answers.begin(), options.answers.end());
     stage.onFirstEvents = program.listen;
     if (!program.start()) {
@@ -182,25 +178,18 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
             rate = static_cast<std::uint32_t>(std::stoul(*text));
     }
     Recording recordings[] = {Recording(kMainOutput), Recording(kAuxOutput)};
-    // What was sent while the program started is not part of the show.
-    for (const char* device : {kMainOutput, kAuxOutput}) Stage::instance().devices->takeSound(device);
-    if (options.keepSound && (!recordings[0].open((out / "main.wav").string(), rate) ||
-                              !recordings[1].open((out / "aux.wav").string(), rate))) {
-        std::fprintf(stderr, "%s: cannot be written\n", options.out.c_str());
-        return kRehearsalBad;
+    if (options.keepSound) {
+        // What was sent while the program started is not part of the show.
+        for (const char* device : {kMainOutput, kAuxOutput}) stage.devices->takeSound(device);
+        if (!recordings[0].open((out / "main.wav").string(), rate) ||
+            !recordings[1].open((out / "aux.wav").string(), rate)) {
+            std::fprintf(stderr, "%s: cannot be written\n", options.out.c_str());
+            return kRehearsalBad;
+        }
+        collect = [&] {
+            for (Recording& recording : recordings) recording.collect(clock.now() - stage.startMs);
+        };
     }
-    const auto collect = [&] {
-        for (Recording& recording : recordings) {
-            if (options.keepSound) recording.collect(clock.now() - stage.startMs);
-        }
-        if (!options.keepSound) {
-            for (const char* device : {kMainOutput, kAuxOutput}) Stage::instance().devices->takeSound(device);
-        }
-    };
-    clock.onPeriod([&] {
-        if (const engine::EngineControl* engine = engine::audioLibraryControl()) engine->settleSyncs();
-        if ((clock.now() - stage.startMs) % kCollectMs == 0) collect();
-    });
 
     Player player(options, program, std::move(script.actions));
     stage.fail = [&player](const std::string& text) { player.fail(text); };
@@ -213,23 +202,16 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
     player.play();
 
     processEvents();
-    collect();
-    clock.onPeriod([] {
-        if (const engine::EngineControl* engine = engine::audioLibraryControl()) engine->settleSyncs();
-    });
-    for (const std::string& answer : stage.answers) noteEvent("unused", "answer " + answer);
-    stage.answers.clear();
+    for (; !stage.answers.empty(); stage.answers.pop_front())
+        noteEvent("unused", "answer " + stage.answers.front());
     bool written = writeState(options, program);
-    if (options.keepSound) {
-        for (Recording& recording : recordings) written = recording.close() && written;
+    if (const auto record = std::exchange(collect, nullptr)) {
+        record();
+        for (Recording& recording : recordings)
+            written = recording.close(clock.now() - stage.startMs) && written;
     }
-    stage.chooseFromMenu = nullptr;
-    stage.playUntil = nullptr;
-    stage.answerComes = nullptr;
     stage.closing = true;
     if (program.close) program.close();
-    MidiDevices::instance().onSent = nullptr;
-    RehearsedWeb::instance().onRequest = nullptr;
     if (!written) {
         std::fprintf(stderr, "%s: not everything could be written\n", options.out.c_str());
         return kRehearsalFailed;

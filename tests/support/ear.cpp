@@ -72,10 +72,14 @@ std::vector<double> toneLevels(const Heard& sound, char tone) {
                              -2 * std::numbers::pi * frequency(tone - 'a') * static_cast<double>(i) / kRate);
     std::vector<double> out(sound.frames() / kStep);
     for (std::size_t step = 0; step < out.size(); ++step) {
-        std::complex<double> sum;
-        for (std::size_t i = 0; i < kStep; ++i)
-            sum += turn[i] * static_cast<double>(sound.at(step * kStep + i));
-        out[step] = std::abs(sum);
+        const float* frames = &sound.stereo[2 * step * kStep];
+        if (std::all_of(frames, frames + 2 * kStep, [](float sample) { return sample == 0; })) continue;
+        double cosine = 0, sine = 0;
+        for (std::size_t i = 0; i < kStep; ++i) {
+            cosine += turn[i].real() * static_cast<double>(frames[2 * i]);
+            sine += turn[i].imag() * static_cast<double>(frames[2 * i]);
+        }
+        out[step] = std::hypot(cosine, sine);
     }
     return out;
 }
