@@ -94,7 +94,8 @@ BoxAnswer messageBox(const std::string& message, const std::string& title, BoxKi
         return answer ? std::optional(understood(*answer)) : std::nullopt;
     };
     std::optional<BoxAnswer> answer = prepared();
-    if (!answer && !stage.closing && askOnCard && stage.answerComes && stage.answerComes(buttons == BoxButtons::ok)) {
+    if (!answer && !stage.closing && askOnCard && stage.answerComes &&
+        stage.answerComes(buttons == BoxButtons::ok)) {
         const BoxWords words{own.ok.empty() ? "OK" : own.ok, own.cancel.empty() ? "Cancel" : own.cancel,
                              own.yes.empty() ? "Yes" : own.yes, own.no.empty() ? "No" : own.no, own.destroys};
         answer = askOnCard({message, title, kind, buttons, words}, prepared);
