@@ -14,7 +14,7 @@ int MenuJ = 0;
 std::vector<int> SelJ;
 bool SelectorsOn = false;
 int LastPlayedJ = -1;
-int MoveSrcJ = -1, MoveDstJ = -1;
+int MoveSrcJ = -1;
 int RenameJ = -1;
 std::string ClipPath;
 bool CtrlDown = false, ShiftDown = false, AltDown = false;

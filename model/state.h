@@ -21,7 +21,7 @@ extern int MenuJ;                          ///< jingle that the open menu, picke
 extern std::vector<int> SelJ;              ///< jingles that the next command works on
 extern bool SelectorsOn;                   ///< an edit option is armed: colours of buttons are left alone
 extern int LastPlayedJ;                    ///< jingle last started, -1 none
-extern int MoveSrcJ, MoveDstJ;             ///< of cut, copy and paste, -1 none
+extern int MoveSrcJ;                       ///< jingle that was cut or copied, -1 none
 extern int RenameJ;                        ///< jingle whose file is being renamed, -1 none
 extern std::string ClipPath;               ///< file chosen for assignment
 extern bool CtrlDown, ShiftDown, AltDown;  ///< modifier keys as last polled

@@ -152,7 +152,7 @@ using Drawing = std::vector<Stroke>;
 struct Form;
 class Control;
 
-/// A value of a control: assigning compares and, only when it differs, raises the control's revision.
+/// A value of a control: assigning compares and, only when it differs, remembers the control as changed.
 template <class T>
 class Property {
   public:
@@ -232,13 +232,11 @@ class Control {
     /// Text of the selected row, empty without a selection.
     std::string text() const;
     const std::vector<Control*>& children() const { return children_; }
-    std::uint64_t revision() const { return revision_; }
-    void touch();  ///< raises the revision and remembers the control as changed
+    void touch();  ///< remembers the control as changed
 
   private:
     friend std::vector<Control*> takeChanged();
     std::vector<Control*> children_;
-    std::uint64_t revision_ = 0;
     bool changed_ = false;
 };
 

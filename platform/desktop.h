@@ -74,7 +74,6 @@ inline std::function<std::optional<BoxAnswer>(const Question&,
     askOnCard;
 /// Empty when the user gave up. `filter` is "*.wav;*.mp3".
 std::string openFileDialog(const std::string& title, const std::string& folder, const std::string& filter);
-std::string saveFileDialog(const std::string& title, const std::string& folder, const std::string& name);
 std::string folderDialog(const std::string& title, const std::string& folder);
 
 struct MenuItem {

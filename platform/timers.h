@@ -24,7 +24,6 @@ class Timer {
     std::function<void()> handler;
 
     bool enabled() const { return enabled_; }
-    int interval() const { return interval_; }  ///< ms
     void start();                               ///< enables; a timer that runs goes on as it is
     void restart();                             ///< enables and counts from now
     void stop();

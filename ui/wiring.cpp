@@ -405,7 +405,6 @@ bool Form_QueryUnload(int reason) {
 void frmMainUnload() {
     guarded("frmMain.Form_Unload", [] {
         MoveSrcJ = -1;
-        MoveDstJ = -1;
         LoadingUI = true;
         StopTimers();
         hideWindow(frmMain().window);

@@ -107,7 +107,6 @@ std::string Control::text() const {
 }
 
 void Control::touch() {
-    ++revision_;
     if (changed_) return;
     changed_ = true;
     Registry& r = registry();

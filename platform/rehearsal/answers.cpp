@@ -113,10 +113,6 @@ std::string openFileDialog(const std::string& title, const std::string&, const s
     return dialog("file", title);
 }
 
-std::string saveFileDialog(const std::string& title, const std::string&, const std::string&) {
-    return dialog("save", title);
-}
-
 std::string folderDialog(const std::string& title, const std::string&) { return dialog("folder", title); }
 
 void popupMenu(Control&, const std::vector<MenuItem>& items) {

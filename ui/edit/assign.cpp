@@ -66,9 +66,6 @@ void clAssign(int index) {
             }
             folderSettings.LastcmDlgDir = GetPath(path);
         }
-        if (path.empty()) {
-            return;
-        }
         if (const std::string why = WhyNotAssigned(path); !why.empty()) {
             ShowDisplayMessage(Ln(why));
             return;

@@ -138,7 +138,6 @@ void clColorSet(int index) {
 void PickColour(int field) {
     guarded("frmColPick.Color_Click", [&] {
         const UndoStep step("unColour");
-        DisarmOptions();
         for (const int i : SelJ) {
             JingleRecord& j = Jingle(i);
             if (field < kNoColourField) {
@@ -150,9 +149,7 @@ void PickColour(int field) {
             }
             j.ForeRGB = GetForeColor(j.BackRGB, "jingle");
         }
-        ResetJingles();
         CloseColorPicker();
-        OptionCode.clear();
         MarkPalToSave();
     });
 }

@@ -24,6 +24,7 @@
 #include "ui/edit/leave_palette.h"
 #include "ui/edit/palette_list.h"
 #include "ui/edit/undo.h"
+#include "ui/edit/undo_files.h"
 #include "ui/edit/unsaved.h"
 #include "ui/records/main_window.h"
 #include "ui/windows/history_window.h"
@@ -190,12 +191,7 @@ void bringBack() {
         ErrDisp("no", 1, Ln("hsFailed") + ": " + entry.name);
         return;
     }
-    // Buttons that missed the file have it again.
-    for (int i = 0; i < kJingles; ++i) {
-        if (Jingle(i).MissingFile) {
-            openStreams(i);
-        }
-    }
+    OpenMissing();
     fill();
 }
 

@@ -31,6 +31,7 @@
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
 #include "ui/screen/captions.h"
+#include "ui/screen/error_mark.h"
 #include "ui/screen/highlight.h"
 #include "ui/windows/jingle_window.h"
 
@@ -180,29 +181,6 @@ void showAll() {
     ShowLevel();
 }
 
-/// A mark on the display gives way to the hour-glass while the window is filled, and comes back.
-class MarkOnDisplay {
-  public:
-    MarkOnDisplay() : mark_(frmMain().display.lblErr) {
-        if (shown_) ErrDisp("wait");
-    }
-    ~MarkOnDisplay() {
-        if (!shown_) return;
-        mark_.caption = caption_;
-        mark_.toolTip = toolTip_;
-        mark_.foreColor = colour_;
-        mark_.visible = true;
-    }
-    MarkOnDisplay(const MarkOnDisplay&) = delete;
-    MarkOnDisplay& operator=(const MarkOnDisplay&) = delete;
-
-  private:
-    Control& mark_;
-    const bool shown_ = mark_.visible;
-    const std::string caption_ = mark_.caption, toolTip_ = mark_.toolTip;
-    const Colour colour_ = mark_.foreColor;
-};
-
 void open(int index) {
     JingleWindow& w = frmFX();
     const JingleRecord& j = Jingle(index);
@@ -212,7 +190,8 @@ void open(int index) {
     }
     MenuJ = index;
     ResetJingles();
-    const MarkOnDisplay mark;
+    const bool marked = frmMain().display.lblErr.visible && !ErrMarkShows("h");
+    if (marked) ErrDisp("wait");
     Edited.index = index;
     Edited.entry = j.persisted();
     Edited.channel = j.hPlay;
@@ -242,6 +221,7 @@ void open(int index) {
     OpenEditorStep(index);
     putSeqAside();
     follow();
+    if (marked) ErrDisp("hide");  // the mark that was there comes back
 }
 
 }  // namespace
@@ -321,7 +301,6 @@ void OKfx() {
     guarded("frmFX.OKfx", [] {
         okBusy = true;
         JingleWindow& w = frmFX();
-        w.ckPlay.enabled = false;
         JingleRecord& j = EditedRecord();
         const bool there = EditedIsThere();
         if (there) {
@@ -352,7 +331,6 @@ void OKfx() {
     });
     okBusy = false;
     FxOpen = false;
-    frmFX().ckPlay.enabled = true;
 }
 
 }  // namespace zv

@@ -131,7 +131,7 @@ MenuFacts factsOf(int index) {
             .midiAssigned = HasMIDIAssignment(index),
             .playlistsEnabled = PlaylistsEnabled,
             .boxes = SelectorsShown,
-            .playlistTicked = SelHasPlaylist};
+            .playlistTicked = HasPlaylistMark(index, 'P')};
 }
 
 }  // namespace
@@ -142,8 +142,6 @@ void OpenJingleMenu(int index) {
             ckJingleMenu();
             return;
         }
-        SelHasPlaylist = SelectorsShown &&
-                         std::any_of(SelJ.begin(), SelJ.end(), [](int i) { return HasPlaylistMark(i, 'P'); });
         MenuJ = index;
         popupMenu(frmMain().window, itemsOf(JingleMenuEntries(factsOf(index))));
     });

@@ -62,7 +62,6 @@ void paste(int index) {
         ShowDisplayMessage(Ln("mRefPlaying"));
         return;
     }
-    MoveDstJ = index;
     const int source = MoveSrcJ;
     const bool cut = MoveMode == "cut";
     const UndoStep step(cut ? "unMove" : "unCopy");
@@ -94,7 +93,6 @@ void paste(int index) {
     }
     if (cut) {
         MoveSrcJ = -1;
-        MoveDstJ = -1;
     }
     ClipPath.clear();
     MarkPalToSave();

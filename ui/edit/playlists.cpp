@@ -219,7 +219,7 @@ void btOK_Click() {
     w.form.close();
     frmPlaylistSelector().form.close();
     LoadLockedFiles();
-    const int index = std::exchange(lblJID, kNone);
+    const int index = lblJID;
     const SlotKind kind = lblJIDplaylist;
     forgetButton();
     for (const int i : LiveJingles()) PLicon(i);

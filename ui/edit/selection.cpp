@@ -15,8 +15,6 @@
 
 namespace zv {
 
-bool SelHasPlaylist = false;
-
 void ShowSelectors() {
     guarded("frmMain.ShowSelectors", [] {
         if (Unloading || SelectorsShown) {

@@ -3,8 +3,6 @@
 
 namespace zv {
 
-extern bool SelHasPlaylist;
-
 void ShowSelectors();
 void HideSelectors();
 /// Ticks every box that is shown.

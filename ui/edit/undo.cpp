@@ -259,7 +259,6 @@ void take(std::vector<Step>& from, std::vector<Step>& to, bool back) {
     }
     // What was cut or copied may be about to change.
     MoveSrcJ = -1;
-    MoveDstJ = -1;
     ClipPath.clear();
     Step& step = from.back();
     if (const std::string why = bringName(step, back); !why.empty()) {

@@ -137,7 +137,6 @@ void TimerKeyModifiersTick() {
         }
         if (CtrlDown != PrevCtrlDown || ShiftDown != PrevShiftDown) {
             MoveSrcJ = -1;
-            MoveDstJ = -1;
         }
         outlineCarried();
         PrevCtrlDown = CtrlDown;

@@ -50,16 +50,6 @@ void BoundControls::bind(Control& control, std::string_view key, BindOptions opt
     };
 }
 
-void BoundControls::greyUnless(Control& control, std::function<bool()> condition) {
-    conditions_.emplace_back(&control, std::move(condition));
-}
-
-void BoundControls::grey() const {
-    for (const auto& [control, condition] : conditions_) {
-        control->enabled = condition();
-    }
-}
-
 void BoundControls::show(const Bound& bound) const {
     Control& c = *bound.control;
     const SettingKey& key = *bound.key;
@@ -132,10 +122,8 @@ void BoundControls::set(const Bound& bound, const std::string& text) {
             show(other);
         }
     }
-    const auto changed = bound.options.changed;
-    grey();
-    if (changed) {
-        changed();
+    if (bound.options.changed) {
+        bound.options.changed();
     }
 }
 
@@ -143,7 +131,6 @@ void BoundControls::load() {
     for (const Bound& bound : bound_) {
         show(bound);
     }
-    grey();
 }
 
 void BoundControls::restore() {

@@ -235,14 +235,6 @@ std::string openFileDialog(const std::string& title, const std::string& folder, 
     return chosenIn(dialog);
 }
 
-std::string saveFileDialog(const std::string& title, const std::string& folder, const std::string& name) {
-    const ToolkitWords words;
-    QFileDialog dialog(front(), textOf(title), textOf(folder));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.selectFile(textOf(name));
-    return chosenIn(dialog);
-}
-
 std::string folderDialog(const std::string& title, const std::string& folder) {
     const ToolkitWords words;
     QFileDialog dialog(front(), textOf(title), textOf(folder));
