@@ -24,8 +24,8 @@ class Timer {
     std::function<void()> handler;
 
     bool enabled() const { return enabled_; }
-    void start();                               ///< enables; a timer that runs goes on as it is
-    void restart();                             ///< enables and counts from now
+    void start();    ///< enables; a timer that runs goes on as it is
+    void restart();  ///< enables and counts from now
     void stop();
     void setInterval(int ms);  ///< counts from now when it changes
 

@@ -27,6 +27,8 @@ std::string chosenPath() {
     return next(desktop().paths, std::string());
 }
 
+void ask(const std::string& what, const Control& of) { desktop().asked.push_back(what + " " + of.name); }
+
 constexpr int kListRows = 10;
 
 }  // namespace
@@ -42,8 +44,8 @@ void layOutForm(Control& window, int mostWidth, int mostHeight) {
     window.width = std::min(600, mostWidth) * kTwipsPerPixel;
     window.height = std::min(400, mostHeight) * kTwipsPerPixel;
 }
-void scrollForm(Control&, int) {}
-void embedForm(Control&, Control&) {}
+void scrollForm(Control& window, int by) { test::ask("scroll " + std::to_string(by), window); }
+void embedForm(Control&, Control& host) { test::ask("embed in", host); }
 void hideWindow(Control& window) { window.visible = false; }
 void lockUpdates() {}
 void unlockUpdates() {}
@@ -54,8 +56,10 @@ void waitUntil(const std::function<bool()>&) {
 void quit(int) { desktop().quitAsked = true; }
 void setFocus(Control& control) { desktop().focus = &control; }
 Control* focusedControl() { return desktop().focus; }
-void setAlwaysOnTop(Control&, bool) {}
-void selectAllText(Control&) {}
+void setAlwaysOnTop(Control& window, bool on) {
+    if (on) test::ask("on top", window);
+}
+void selectAllText(Control& field) { test::ask("select", field); }
 void setFullScreen(Control&, bool) {}
 void setMinimumSize(Control&, int width, int height) {
     desktop().leastWidth = width;

@@ -21,6 +21,7 @@ struct Desktop {
     std::vector<std::string> documents;  ///< opened with the user's program
     std::vector<std::string> shown;      ///< in the file manager
     std::vector<std::string> commands;   ///< started
+    std::vector<std::string> asked;  ///< of the window system, what no other field tells: "on top frmColPick"
     std::string clipboard;
     int modifiers = 0;                   ///< kShiftMask | kCtrlMask | kAltMask
     std::set<int> keys;                  ///< key numbers held down; 1 is the left mouse button

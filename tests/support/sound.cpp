@@ -1,10 +1,13 @@
 #include "tests/support/sound.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <fstream>
+#include <map>
 #include <numbers>
 #include <string>
+#include <utility>
 
 namespace zv::test {
 namespace {
@@ -31,8 +34,10 @@ void writeWav(const std::filesystem::path& file, std::span<const std::int16_t> s
     put(bytes, 8 * bytesPerSample, 2);
     bytes += "data";
     put(bytes, size, 4);
-    for (const std::int16_t sample : samples) put(bytes, static_cast<std::uint16_t>(sample), 2);
+    static_assert(std::endian::native == std::endian::little);
+    bytes.append(reinterpret_cast<const char*>(samples.data()), size);
     std::filesystem::create_directories(file.parent_path());
+    std::filesystem::remove(file);  // what is linked to it stays
     std::ofstream(file, std::ios::binary) << bytes;
 }
 
@@ -41,11 +46,14 @@ std::vector<std::int16_t> level(std::size_t frames, std::int16_t value) {
 }
 
 std::vector<std::int16_t> sine(std::size_t frames, double hz, double amplitude) {
-    std::vector<std::int16_t> samples(frames * 2);
-    for (std::size_t i = 0; i < frames; ++i)
-        samples[2 * i] = samples[2 * i + 1] = static_cast<std::int16_t>(std::lround(
-            32767 * amplitude * std::sin(2 * std::numbers::pi * hz * static_cast<double>(i) / kRate)));
-    return samples;
+    static std::map<std::pair<double, double>, std::vector<std::int16_t>> made;  // the longest of each so far
+    std::vector<std::int16_t>& samples = made[{hz, amplitude}];
+    for (std::size_t i = samples.size() / 2; i < frames; ++i)
+        samples.insert(
+            samples.end(), 2,
+            static_cast<std::int16_t>(std::lround(
+                32767 * amplitude * std::sin(2 * std::numbers::pi * hz * static_cast<double>(i) / kRate))));
+    return {samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(2 * frames)};
 }
 
 std::size_t Heard::firstSound(std::size_t from, float floor) const {

@@ -98,6 +98,8 @@ FolderTest::~FolderTest() { beginRun(); }
 
 void FolderTest::write(const std::string& name, const std::string& bytes) const {
     std::filesystem::create_directories(path(name).parent_path());
+    std::error_code none;
+    std::filesystem::remove(path(name), none);  // what is linked to it stays
     std::ofstream(path(name), std::ios::binary) << bytes;
 }
 

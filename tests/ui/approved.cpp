@@ -20,11 +20,13 @@
 #include "platform/forms.h"
 #include "platform/rehearsal/midi_devices.h"
 #include "platform/rehearsal/virtual_clock.h"
+#include "platform/timers.h"
 #include "startup/settings/folders_settings.h"
 #include "startup/settings/midi_settings.h"
 #include "startup/settings/search_settings.h"
 #include "startup/settings_file.h"
 #include "startup/upcalls.h"
+#include "ui/edit/carried.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/undo.h"
 #include "ui/screen/announcer_view.h"
@@ -51,6 +53,27 @@ namespace zv::test {
 namespace {
 
 constexpr std::size_t kLongest = 90;  ///< bytes of one value
+/// Those that an act starts and ends.
+constexpr const char* kTimers[] = {"SaveTimer",
+                                   "TimerLoadPal",
+                                   "TimerPgUpDnPalLst",
+                                   "Timerlstpalbot",
+                                   "Timerlstpaltop",
+                                   "TimerTrigColSel",
+                                   "TimerCloseColorPicker",
+                                   "TimerFindJingles",
+                                   "TimerSearch",
+                                   "TimerAutoClJSearch",
+                                   "TimerClear",
+                                   "TimerShutDown",
+                                   "TimerFadOutLive",
+                                   "TimerLive",
+                                   "TimerPos",
+                                   "TimerFX",
+                                   "TimerBlink",
+                                   "TimerBlinkLearn",
+                                   "TimerFlashLearn",
+                                   "Timer1"};
 constexpr const char* kProperties[] = {"visible",   "enabled", "caption",   "toolTip",
                                        "value",     "minimum", "maximum",   "items",
                                        "listIndex", "topRow",  "backColor", "foreColor"};
@@ -120,6 +143,15 @@ std::string standing(const std::vector<FormCell>& cells) {
         if (!cell.unit.empty()) all.back() += " " + standing(cell.unit);
     }
     return joined(all, "; ");
+}
+
+/// The sound is there as it was at first: made once in a process, linked for each scene.
+void link(const std::filesystem::path& file, std::size_t frames, double amplitude) {
+    static const FolderGuard made;
+    const std::filesystem::path one = made.path / file.filename();
+    if (!exists(one)) writeWav(one, sine(frames, 440, amplitude));
+    remove(file);
+    create_hard_link(one, file);
 }
 
 std::vector<std::string> properties(const Control& c) {
@@ -239,7 +271,15 @@ std::map<std::string, std::string> Watch::rest() const {
                                                     {"documents", desktop().documents.size()},
                                                     {"quit", desktop().quitAsked}};
     for (const auto& [key, value] : flags) number(key, value);
+    std::string running;
+    for (const char* name : kTimers)
+        if (const Timer* timer = findTimer(name); timer != nullptr && timer->enabled())
+            running += std::string(running.empty() ? "" : " ") + name;
     const std::pair<const char*, std::string> texts[] = {
+        {"timers", running},
+        {"carried", MoveMode + " " + MoveSourcePalette + std::to_string(MoveBuffer.tick)},
+        {"clip", ClipPath},
+        {"asked", joined(desktop().asked, ", ")},
         {"OptionCode", OptionCode},
         {"OptionControl", OptionControl},
         {"LastCtrl", LastCtrl},
@@ -285,6 +325,8 @@ ApprovedTest::ApprovedTest() {
     FillReportUpcalls();
     FillConsoleUpcalls();
     ForgetUndo();
+    MoveMode.clear(), MoveSourcePalette.clear(), MoveBuffer = {};
+    frmSearchJing().VUSearchDelay.value = 0;
     VirtualClock::instance().setWallTime("2026-01-01 12:00:00");
     PlaylistsEnabled = true;
     midiIn = {};
@@ -355,8 +397,8 @@ void ApprovedTest::begin() {
     CloseForms();
     RenameJ = MoveSrcJ = -1;
     frmMain().palettes.lstPal.enabled = true;
-    writeWav(path("Audio_Sample/A0.wav"), sine(22'050, 440));
-    writeWav(path("Audio_Sample/A1.wav"), sine(6 * 44'100, 440, 0.3));
+    link(path("Audio_Sample/A0.wav"), 22'050, 0.5);
+    link(path("Audio_Sample/A1.wav"), 6 * 44'100, 0.3);
     write("palette.ini",
           "[A]\r\n" + line("0", "A0") + line("1", "A1") + line("2", "gone") + line("3", "lost") +
               paletteLines("Volm=80 Seq=1 CueStart=100 LoopIn=500 LoopOut=1500 StopPos=4500 "
@@ -393,7 +435,7 @@ void ApprovedTest::begin() {
     DisarmAnnouncer();
     ResetJingles();
     ForgetUndo();
-    desktop().boxes.clear();
+    desktop().boxes.clear(), desktop().asked.clear();
     desktop().focus = nullptr;
     SelJ = {kSlot};
 }

@@ -320,7 +320,7 @@ class KeepingByChance : public KeepingTest {
                  HoldPalette("");
                  for (int i = 0; i < kJingles; ++i) ClearButton(i);
                  ForgetRemovals();
-                 MoveSrcJ = MoveDstJ = -1;
+                 MoveSrcJ = -1;
                  belief.clip.reset();
                  belief.leaving.clear();
                  belief.edited = false;
@@ -397,7 +397,7 @@ void KeepingByChance::begin(int sequence) {
     chance.seed(static_cast<unsigned>(sequence));
     HoldPalette("");
     ForgetRemovals();
-    MoveSrcJ = MoveDstJ = -1;
+    MoveSrcJ = -1;
     for (int i = 0; i < kJingles; ++i) ClearButton(i);
     write("palette.ini", palettes);
     HotStore.DeleteSection(kHotSection);

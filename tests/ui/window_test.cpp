@@ -28,7 +28,7 @@ WindowTest::WindowTest() {
     programSettings.ConfirmExit = 0;
     LoadingUI = false;
     Unloading = false;
-    MoveSrcJ = MoveDstJ = RenameJ = -1;
+    MoveSrcJ = RenameJ = -1;
     ClipPath.clear();
     OptionCode.clear();
     OptionControl.clear();
