@@ -34,7 +34,6 @@ namespace {
 constexpr int kSixty = 60;
 constexpr float kStopAtEnd = -1;  // of a slide: to silence, then stop
 
-DWORD hTmAnVoiceSrc = 0;
 Job opening;
 bool voiceSounded = false;  // at the last look
 
@@ -43,14 +42,11 @@ DWORD mixMs() { return static_cast<DWORD>(std::max(0, automixSettings.AutoMixTim
 
 void freeVoice() {
     opening.cancel();
-    FreeSource(hTmAnVoice);
-    FreeSource(hTmAnVoiceSrc);
+    FreeSource(hTmAnVoice);  // and its source
     hTmAnVoice = 0;
-    hTmAnVoiceSrc = 0;
 }
 
 void refuse() {
-    freeVoice();
     TmAnnOn = false;
     Error_(Ln("mLoadTAError"));
     callUp(audioUpcalls.announcerChanged);
@@ -58,14 +54,15 @@ void refuse() {
 }
 
 void build(SourceFile& found) {
-    hTmAnVoiceSrc = found.take();
-    if (hTmAnVoiceSrc == 0) return refuse();
-    TmAnDuration =
-        BASS_ChannelBytes2Seconds(hTmAnVoiceSrc, BASS_ChannelGetLength(hTmAnVoiceSrc, BASS_POS_BYTE));
-    hTmAnVoice = BASS_FX_TempoCreate(hTmAnVoiceSrc, BASS_FX_FREESOURCE | (mix() ? BASS_STREAM_DECODE : 0));
-    if (hTmAnVoice == 0) return refuse();
+    const DWORD source = found.take();
+    if (source == 0) return refuse();
+    TmAnDuration = BASS_ChannelBytes2Seconds(source, BASS_ChannelGetLength(source, BASS_POS_BYTE));
+    hTmAnVoice = BASS_FX_TempoCreate(source, BASS_FX_FREESOURCE | (mix() ? BASS_STREAM_DECODE : 0));
+    if (hTmAnVoice == 0) {
+        FreeSource(source);
+        return refuse();
+    }
     BASS_ChannelSetAttribute(hTmAnVoice, BASS_ATTRIB_BUFFER, 0);
-    BASS_ChannelSetAttribute(hTmAnVoice, BASS_ATTRIB_VOL, 1);
     if (mix()) {
         BASS_ChannelStop(hTmAnVoice);
         BASS_Mixer_StreamAddChannel(MainMixer, hTmAnVoice, BASS_MIXER_CHAN_BUFFER);

@@ -78,7 +78,6 @@ void ListOutDev() {
             OutputNames.emplace_back(info.name);
             if ((info.flags & BASS_DEVICE_DEFAULT) != 0) standard = static_cast<int>(n) - 1;
         }
-        if (Device[0] == Device[1]) Device[1] = 0;
         if (deviceSettings.SavDevBy == kByName)
             settleByName(standard);
         else

@@ -130,7 +130,6 @@ void SetupMixers() {
     guarded("modDevices.SetupMixers", [] {
         settleRate();
         FreeBASS();
-        BASS_SetConfig(BASS_CONFIG_DEV_NONSTOP, 1);
         BASS_Init(static_cast<int>(kNoSound), rate(), 0, nullptr, nullptr);
         MainMixer = newMixer();
         MicMixer = newMixer();

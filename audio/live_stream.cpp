@@ -106,10 +106,7 @@ void putOnAir(int fadeMs) {
     BASS_ChannelUpdate(hLive, 0);
     BASS_ChannelSlideAttribute(hLive, BASS_ATTRIB_VOLDSP, 0, 0);
     BASS_ChannelUpdate(hLive, 0);
-    if (mix()) {
-        BASS_Mixer_ChannelRemove(hLive);
-        BASS_Mixer_StreamAddChannel(MainMixer, hLive, BASS_MIXER_CHAN_BUFFER);
-    }
+    if (mix()) BASS_Mixer_StreamAddChannel(MainMixer, hLive, BASS_MIXER_CHAN_BUFFER);
     BASS_ChannelSlideAttribute(hLive, BASS_ATTRIB_VOLDSP, LiveLevel(), ms(fadeMs));
 }
 
@@ -180,8 +177,7 @@ void openInput(int index) {
     }
     const int error = BASS_ErrorGetCode();
     selectMicrophone();
-    if (!known || hLive == 0) {
-        hLive = 0;
+    if (hLive == 0) {
         ErrorLive_(Ln("mError"), error);
         return;
     }
@@ -201,7 +197,6 @@ void begin(const std::string& choice) {
     StreamChoice = choice;
     LiveOn = true;
     LiveInputIdx = -1;
-    LiveTitle.clear();
     breaks = 0;
     const auto input = std::find(InputNames.begin(), InputNames.end(), choice);
     if (IsWebAddress(choice)) {

@@ -79,8 +79,6 @@ void setLoops(const JingleRecord& j) {
 void start(int index, int velocity) {
     JingleRecord& j = Jingle(index);
     if (LockRefuses(index)) return;
-    const QWORD length = BASS_ChannelGetLength(j.hSrc, BASS_POS_BYTE);
-    if (length == 0 || length == BASS_NO_POSITION) return;
     j.Playing = true;
     j.Leaving = false;
     setLoops(j);
@@ -104,7 +102,6 @@ void start(int index, int velocity) {
         return;
     }
     callUp(audioUpcalls.playStarted, index);
-    j.Playing = true;
     j.State = PlayState::playing;
 }
 

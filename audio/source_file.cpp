@@ -16,7 +16,6 @@ bool hasSound(DWORD source) {
 }  // namespace
 
 void FreeSource(std::uint32_t handle) {
-    if (handle == 0) return;
     BASS_StreamFree(handle);
     BASS_MusicFree(handle);
 }

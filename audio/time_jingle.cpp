@@ -83,14 +83,10 @@ void armStop() {
 
 void build(SourceFile& found) {
     hTmAnSrc = found.take();
-    if (hTmAnSrc == 0) {
-        DropTimeJingle();
-        Error_(Ln("mLoadJingError"));
-        return;
-    }
-    hTmAn = BASS_FX_TempoCreate(hTmAnSrc, BASS_FX_FREESOURCE | (mix() ? BASS_STREAM_DECODE : 0));
+    if (hTmAnSrc != 0)
+        hTmAn = BASS_FX_TempoCreate(hTmAnSrc, BASS_FX_FREESOURCE | (mix() ? BASS_STREAM_DECODE : 0));
     if (hTmAn == 0) {
-        FreeTimeJingle();
+        FreeSource(hTmAnSrc);
         DropTimeJingle();
         Error_(Ln("mLoadJingError"));
         return;
@@ -136,8 +132,7 @@ void DropTimeJingle() {
 
 void FreeTimeJingle() {
     opening.cancel();
-    FreeSource(hTmAn);
-    FreeSource(hTmAnSrc);
+    FreeSource(hTmAn);  // and its source
     hTmAn = 0;
     hTmAnSrc = 0;
 }

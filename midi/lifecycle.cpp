@@ -25,17 +25,12 @@ void StartMIDI() {
     LoadMIDIOutFixeddatas();
     const bool in = midiSettings.MIDIEnabled == 1, out = midiSettings.MIDIOutFixedEnabled == 1;
     callUp(midiUpcalls.enableGroup, MidiGroup::in, in);
-    if (in) {
-        timers.TimerMIDIDevices.start();
-        TimerMIDIDevices_Timer();
-        LoadMIDIPresets();
-    }
     callUp(midiUpcalls.enableGroup, MidiGroup::out, out);
-    if (out) {
+    if (in || out) {
         timers.TimerMIDIDevices.start();
-        TimerMIDIDevices_Timer();
-        SetMIDIOutFixedDevice();
+        TimerMIDIDevices_Timer();  // both devices
     }
+    if (in) LoadMIDIPresets();
 }
 
 void AllowMIDIFeedback() { MIDIReady = true; }

@@ -384,10 +384,9 @@ bool IniText::replaceSection(std::string_view section, const std::vector<Line>& 
     const std::size_t newline = end > s->body ? bytes_.find('\n', end) : std::string::npos;
     if (newline != std::string::npos) end = newline + 1;
     const std::string_view old = view(s->body, end);
-    const bool cutShort = !old.empty() && old.back() != '\n';
     if (s->body > 0 && bytes_[s->body - 1] != '\n') {  // a header that ends the file
         text.insert(0, lineEnd_);
-    } else if (cutShort && text.starts_with(old) && text.size() == old.size() + lineEnd_.size()) {
+    } else if (text == std::string(old) + lineEnd_) {
         return false;  // all there but for the last line's end
     }
     if (old == text) return false;

@@ -7,6 +7,7 @@
 #include "startup/settings/announcer_settings.h"
 #include "startup/settings/automix_settings.h"
 #include "startup/settings/clock_settings.h"
+#include "startup/settings/devices_settings.h"
 #include "tests/show/show.h"
 #include "tests/support/ear.h"
 
@@ -40,7 +41,7 @@ TEST_F(Announcer, IsHeardWithItsJingle) {
         std::string keys;
         const char* heard;
         double left;
-        bool voiceMixes = false, jingleMixes = false;
+        bool voiceMixes = false, jingleMixes = false, oneDevice = false;
     };
     const Row rows[] = {
         {"plain", "", "g0- a500-3000 c1500-1800 d1800-2700", 1.1},
@@ -53,12 +54,21 @@ TEST_F(Announcer, IsHeardWithItsJingle) {
         {"the announcement takes the bed down", "", "g0-500~990 a500-3000 c1500-1800 d1800-2700", 1.1, true},
         {"the jingle takes both down", "", "g0-1500~1990 a500-1500~1990 c1500-1800 d1800-2700", 1.1, false,
          true},
+        {"straight on one device", "Volm=50 CueStart=100 StopPos=600 FadeOut=200",
+         "g0-1500~1990 a500-1500~1990 c1500-1700@-6.0 d1700-2000~2190@-6.0", 0.2, false, true, true},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
+        FreeBASS();
+        deviceSettings.DeviceSingle = row.oneDevice ? 1 : 0;
+        row.oneDevice ? bassini(0) : SetupMixers();
         openPalette("Path_1=bed.wav\r\n" + paletteLines("Path=jingle.wav " + row.keys, 0));
         ArmAnnouncer();
         ChooseTimeJingle(0);
+        for (const StreamHandle channel : {hTmAnVoice, StreamHandle{hTmAn}, StreamHandle{jingle(1).hPlay}}) {
+            float buffer = 1;
+            EXPECT_TRUE(BASS_ChannelGetAttribute(channel, BASS_ATTRIB_BUFFER, &buffer) && buffer == 0);
+        }
         TmAnnAM = row.voiceMixes, TmJingleAM = row.jingleMixes;
         heard();
         clPlay(1, -1);
@@ -85,12 +95,25 @@ TEST_F(Announcer, IsHeardWithItsJingle) {
         EXPECT_EQ(states,
                   row.keys == "Loop=1" ? "000000 111010 101111 101101 " : "000000 111010 101111 100000 ");
         EXPECT_EQ(whatIsHeard(heard()), row.heard);
-        EXPECT_TRUE(TimeJingleSounds() || BASS_ChannelGetPosition(hTmAnVoice, BASS_POS_BYTE) == 0);
+        for (const StreamHandle channel : {hTmAnVoice, StreamHandle{hTmAn}})
+            EXPECT_TRUE(TimeJingleSounds() || BASS_ChannelGetPosition(channel, BASS_POS_BYTE) == 0);
+        // An hour later, and once more within the second: from its beginning, at full level.
+        AnnounceAt(59, 55);
+        pass(700);
+        AnnounceAt(59, 55);
+        pass(2600);
+        EXPECT_EQ(levelsOf(heard(), 'a', {100, 600, 3100, 3250}), "0.0 0.0 0.0 -");
         evStop();
+        TmAnVoicePlaying = TmAnJinglePlaying = true;
         DisarmAnnouncer();
         EXPECT_TRUE(hTmAn == 0 && hTmAnSrc == 0 && hTmAnVoice == 0 && TmAnPath.empty() &&
-                    TmJingleDuration == 0);
+                    TmJingleDuration == 0 && TmAnLen == 0);
+        EXPECT_FALSE(TmAnnOn || TmAnVoicePlaying || TmAnJinglePlaying || TmAnRunning || TmAnnAM ||
+                     TmJingleAM);
     }
+    FreeBASS();
+    deviceSettings.DeviceSingle = 0;
+    SetupMixers();
 }
 
 TEST_F(Announcer, TellsWhatItCannotPlayAndReckonsItsMoments) {

@@ -6,8 +6,10 @@
 #include "audio/output_watch.h"
 #include "startup/settings/devices_settings.h"
 #include "startup/settings/live_settings.h"
+#include "startup/settings/meters_settings.h"
 #include "startup/settings/volumes_settings.h"
 #include "tests/show/show.h"
+#include "tests/support/ear.h"
 
 namespace zv::test {
 namespace {
@@ -61,6 +63,8 @@ TEST_F(Devices, SavedOutputsAreFoundAgain) {
         EXPECT_EQ(lists.mainSelected, row.selected0);
         EXPECT_EQ(lists.auxSelected, row.selected1);
         EXPECT_EQ(lists.byName, row.by == "Name");
+        EXPECT_EQ(deviceSettings.DeviceName,
+                  row.by == "Name" ? row.main.empty() ? "One" : row.main : std::string());
     }
 }
 
@@ -81,6 +85,7 @@ TEST_F(Devices, SavedInputsAreFoundAgain) {
         deviceSettings.SavDevBy = row.by;
         deviceSettings.DeviceInName = row.saved;
         deviceSettings.DeviceIn = row.deviceIn;
+        EXPECT_EQ(CurrentInputs().selected, row.deviceIn < 2 ? row.deviceIn : -1);
         ListInDev();
         EXPECT_EQ(lists.inputs, (std::vector<std::string>{"Line", "Mic"}));
         EXPECT_EQ(lists.selected, row.selected);
@@ -121,6 +126,56 @@ TEST_F(Devices, AJingleIsOnTheChosenOutputsAtTheirLevels) {
     bassini(1);
     levels("auxiliary gone", {0, 0.5, 0});
     EXPECT_TRUE(sounds());
+}
+
+TEST_F(Devices, AnAuxiliaryOutputThatComesLaterIsInStep) {
+    for (const bool reopened : {false, true}) {
+        SCOPED_TRACE(reopened);
+        Device[1] = 0;
+        SetupMixers();
+        openJingle(tones("a300 b300 c300 d300 e2000"));
+        clPlay(0, -1);
+        pass(350);
+        if (reopened) ReopenOutputs();
+        pass(300);
+        MoveOutput(1, 2);
+        heard(0), heard(1);
+        pass(500);
+        EXPECT_EQ(whatIsHeard(heard(0)), "c0-250 d250-");
+        EXPECT_EQ(whatIsHeard(heard(1)), "c10-260 d260-") << "more than a period behind";
+        evStop();
+    }
+}
+
+TEST_F(Devices, ClosingLeavesNothingOpen) {
+    for (const int single : {0, 1}) {
+        SCOPED_TRACE(single);
+        deviceSettings.DeviceSingle = static_cast<std::uint8_t>(single);
+        deviceSettings.DeviceIn = 1;
+        single == 1 ? bassini(0) : SetupMixers();
+        OpenMic();
+        const auto open = [] {
+            std::string numbers;
+            BASS_DEVICEINFO info{};
+            for (DWORD n = 0; BASS_GetDeviceInfo(n, &info); ++n)
+                if ((info.flags & BASS_DEVICE_INIT) != 0) numbers += std::to_string(n);
+            for (DWORD n = 0; BASS_RecordGetDeviceInfo(n, &info); ++n)
+                if ((info.flags & BASS_DEVICE_INIT) != 0) numbers += " " + std::to_string(n);
+            return numbers;
+        };
+        EXPECT_EQ(open(), single == 1 ? "1 1" : "012 1");
+        EXPECT_EQ(BASS_GetConfig(BASS_CONFIG_DEV_NONSTOP), 1U);
+        if (single == 0)
+            for (const StreamHandle output : {OutSplit[0], OutSplit[1], AuxKeepAlive}) {
+                float buffer = 1;
+                EXPECT_TRUE(BASS_ChannelGetAttribute(output, BASS_ATTRIB_BUFFER, &buffer) && buffer == 0);
+            }
+        FreeBASS();
+        EXPECT_EQ(open(), "");
+        for (const StreamHandle handle : {MainMixer, MicMixer, AuxKeepAlive, OutSplit[0], OutSplit[1],
+                                          MainSplit[0], MicSplit[1], OutMixer[0], OutMixer[1]})
+            EXPECT_EQ(handle, 0U);
+    }
 }
 
 TEST_F(Devices, OutputsThatGoAwayAreToldWithinASecondAndSoIsTheirReturn) {
