@@ -3,6 +3,7 @@
 
 #include "midi/dispatch.h"
 #include "audio/streams.h"
+#include "midi/ring.h"
 #include "model/actions.h"
 #include "startup/settings/devices_settings.h"
 #include "startup/settings/marks_settings.h"
@@ -141,6 +142,10 @@ TEST_F(DispatchTest, EachMessageAsksForOneThing) {
         EXPECT_EQ(sent(), row.sent) << row.message << " " << set;
     }
     deviceSettings.DeviceSingle = 0;
+    asked.clear();
+    MidiInProc(kMidiLongData, 0x641090, 0);  // a long message, whatever it begins with
+    pass(20);
+    EXPECT_EQ(asked, "");
 }
 
 TEST_F(DispatchTest, SlotsBehindTheLastOneOfTheGridDoNotReactHotOnesDo) {

@@ -278,6 +278,18 @@ TEST_F(Devices, MetersAndTriggersTellTheLoudestOfThoseThatMay) {
         if (row.more != nullptr) BASS_StreamFree(std::exchange(*row.more, 0));
         EXPECT_EQ(GetLevels(), (std::array<int, 6>{}));
     }
+    writeWav(path("voice.wav"), sine(framesOf(9000), 1000, 0.51));
+    StreamHandle jingle = 0;
+    voice(jingle);
+    hTmAn = jingle;
+    pass(200);
+    for (const int rms : {0, 1}) {
+        meterSettings.VuRMS = rms;
+        EXPECT_EQ(GetLevels()[0], rms == 1 ? 36 : 50);
+        EXPECT_EQ(LoudestTrigger, kAnnouncer);
+    }
+    BASS_StreamFree(jingle);
+    hTmAn = 0;
 }
 
 class NoDevices : public Devices {
@@ -373,7 +385,9 @@ TEST_F(OneDevice, JinglesPlayStraightOnIt) {
     SetOutputVolume(0, 100);
     clPlay(0, -1);
     pass(100);
+    EXPECT_EQ(GetLevels()[2], 50);
     EXPECT_NEAR(heard().at(framesOf(90)), 0.5, 1e-6);
+    EXPECT_EQ(BASS_GetConfig(BASS_CONFIG_BUFFER), 1000U);
 }
 
 TEST(Effects, ReverbLevelFollowsItsTime) {

@@ -30,6 +30,7 @@ TEST_F(Opening, FilesBecomeRecordsAndDisturbNothing) {
     write("text.mp3", std::string(5000, 'x'));
     write("broken.it", "IMPM" + std::string(300, '\xFF'));
     write("notes.txt", good);
+    JingleForeColor = 0x123456;
     std::string told;
     for (const auto& [upcall, word] : {std::pair(&AudioUpcalls::slotFailed, "failed "),
                                        {&AudioUpcalls::slotLoaded, "loaded "},
@@ -87,6 +88,7 @@ TEST_F(Opening, FilesBecomeRecordsAndDisturbNothing) {
     }
     const Heard sound = heard();
     for (std::size_t frame = 0; frame < sound.frames(); ++frame) ASSERT_GE(sound.at(frame), 0.49F) << frame;
+    JingleForeColor = 0;
     EXPECT_EQ(reports, std::vector<std::string>());
 }
 
@@ -114,6 +116,35 @@ TEST_F(Opening, ATrackerModuleOpensAsOne) {
     clPlay(0, -1);
     pass(100);
     EXPECT_LT(heard().firstSound(), framesOf(100));
+}
+
+TEST_F(Opening, EffectsAreHeardAsTheyAreWritten) {
+    // 600 ms of one tone: how loud each of three tones is after 100 ms, and when it ends. 7/3 of a's frequency is b.
+    struct Row {
+        std::string sound, keys;
+        const char* levels;
+        int ends;
+    };
+    const Row rows[] = {
+        {"a600", "Volm=50", "-6.0 - -", 600},
+        {"a600", "Volm=200", "6.0 - -", 600},
+        {"h600", "FXV=0,0,0,0,0,0,-6,0,0,44100,0", "- - 6.0", 600},
+        {"h600", "FXV=0,0,0,0,0,0,6,0,0,44100,0", "- - -6.0", 600},
+        {"a600", "FXV=0,0,0,0,0,0,0,0,0,102900,0", "- 0.0 -", 257},
+        {"a600", "FXV=0,0,0,0,0,0,0,0,100,44100,0", "0.0 - -", 300},
+        {"a600", "FXV=0,0,0,0,0,0,0,0,0,44100,14.66887", "- 0.0 -", 600},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.keys);
+        openJingle(tones(row.sound), paletteLines(row.keys, 0));
+        clPlay(0, -1);
+        pass(1200);
+        const Heard sound = heard();
+        EXPECT_EQ(levelsOf(sound, 'a', {100}) + " " + levelsOf(sound, 'b', {100}) + " " +
+                      levelsOf(sound, 'h', {100}),
+                  row.levels);
+        EXPECT_NEAR(static_cast<double>(sound.end(1e-3F)) / framesOf(1), row.ends, 10);
+    }
 }
 
 TEST_F(Opening, FewerThanSevenBandsAreReportedAndTheRestStillWorks) {

@@ -5,12 +5,16 @@
 #include <utility>
 
 #include "audio/open_palette.h"
+#include "model/colours.h"
 #include "model/history.h"
 #include "model/palette_lines.h"
 #include "model/pending_removals.h"
 #include "model/upcalls.h"
+#include "platform/controls.h"
+#include "startup/settings/dark_settings.h"
 #include "startup/settings/folders_settings.h"
 #include "startup/settings/grid_settings.h"
+#include "startup/settings/marks_settings.h"
 #include "startup/settings/palette_settings.h"
 #include "tests/show/show.h"
 
@@ -279,6 +283,43 @@ TEST_F(Palette, OneSlotGoesFromAPaletteThatIsNotOpen) {
         EXPECT_TRUE(RemJing("Evening", removal.first) && RemJing("", 0) && RemJing("Nowhere", 0));
         EXPECT_EQ(read("palette.ini"), "[Evening]\r\n" + after + rest);
     }
+}
+
+TEST_F(Palette, ColoursFollowTheirArithmetic) {
+    for (const auto& [colour, lightness] : {std::pair(0, 0),
+                                            {0xFFFFFF, 240},
+                                            {0x0000FF, 120},
+                                            {0x00FE00, 120},
+                                            {0x8040C0, 120},
+                                            {0x101010, 15}})
+        EXPECT_EQ(Luminosity(colour), lightness) << colour;
+    const std::int32_t shades[][3] = {{0xFFFFFF, 0, 0xFFFFFF},   {0xFFFFFF, -1, 0xFFFFFE},
+                                      {0x102030, 0, 0x102030},   {0x102030, 16, 0x203040},
+                                      {0x102030, -40, 0x000008}, {0xF0E0D0, 40, 0xFFFFF8}};
+    for (const auto& [colour, offset, shaded] : shades) EXPECT_EQ(ShadeColor(colour, offset), shaded);
+    BtnFaceColor = 0x112233, BtnForeColor = 1, JingleForeColor = 2;
+    darkSettings.ColForeCB = 3, darkSettings.ColForeCBDM = 4, darkSettings.DarkForeColor = 5;
+    darkSettings.BrightThresh = 120;
+    // On the face, a dark colour, one at the threshold, a bright one; of a jingle and of any other.
+    std::string fore;
+    for (const int dark : {0, 1})
+        for (const char* kind : {"jingle", ""})
+            for (const std::int32_t colour : {BtnFaceColor, 0x000080, 0x0000FF, 0xC0FFC0}) {
+                darkSettings.DarkMode = dark;
+                fore += std::to_string(GetForeColor(colour, kind)) + " ";
+            }
+    EXPECT_EQ(fore, "2 3 3 2 0 3 3 1 2 2 2 4 16777215 5 5 4 ");
+    darkSettings.ShadeOffsetVal = 16;
+    markSettings.arColor = 0x10, markSettings.tcColor = 0x20, markSettings.psColor = 0x30,
+    markSettings.nsColor = 0x40;
+    EXPECT_FALSE(PlayMod2Color(PlayMode::global).visible);
+    for (const int mode : {1, 2, 3, 4}) {
+        const ModeColour mark = PlayMod2Color(static_cast<PlayMode>(mode));
+        EXPECT_TRUE(mark.visible && mark.colour == 0x101010 + mode * 0x10) << mode;
+    }
+    EXPECT_EQ(ButtonColour(""), BtnFaceColor);
+    EXPECT_EQ(ButtonColour("302010"), 0x203040);
+    BtnFaceColor = kButtonFace, BtnForeColor = JingleForeColor = 0;
 }
 
 TEST_F(Palette, AFileHoldsPalettesWhenItHoldsABracket) {

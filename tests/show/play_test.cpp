@@ -1,6 +1,8 @@
 // What presses do to reverb tails, and to what cannot play; the rest is chance_test.cpp.
+#include "audio/time_jingle.h"
 #include "platform/clock.h"
 #include "tests/show/show.h"
+#include "tests/support/ear.h"
 
 namespace zv::test {
 namespace {
@@ -70,6 +72,30 @@ TEST_F(Play, TouchDuringAFadeSilencesTheTailThatTheDisplayWalkedLast) {
     EXPECT_LT(heard().loudest(framesOf(20), framesOf(100)), 1e-6F);
 }
 
+TEST_F(Play, AnEngineThatOnlyTellsOfAPositionIsFadedByHand) {
+    openJingle(tones("a3000"), paletteLines("FadeOut=200", 0));
+    press();
+    pass(500);
+    FadeOutSync(0, jingle().hPlay, 1, nullptr);
+    EXPECT_TRUE(jingle().Leaving) << "it has begun the fade itself";
+    pass(500);
+    FadeOutSync(0, jingle().hPlay + 1000, 0, nullptr), StopSync(0, jingle().hPlay + 1000, 0, nullptr);
+    jingle().Leaving = false;
+    FadeOutSync(0, jingle().hPlay, 0, nullptr);
+    EXPECT_TRUE(jingle().Leaving);
+    pass(500);
+    EXPECT_EQ(whatIsHeard(heard()), "a0-1000~1200");
+    ChooseTimeJingle(0);
+    PlayTimeJingle();
+    pass(500);
+    FadeOutSynctmJn(0, hTmAn, 1, nullptr);
+    pass(500);
+    FadeOutSynctmJn(0, hTmAn, 0, nullptr);
+    pass(500);
+    EXPECT_EQ(whatIsHeard(heard()), "a0-1000~1200");
+    DropTimeJingle();
+}
+
 TEST_F(Play, PressesOnWhatCannotPlayDoNothing) {
     openJingle(level(1000));
     for (const int index : {-1, 1, 95, 119, 120, 100000}) {
@@ -83,6 +109,12 @@ TEST_F(Play, PressesOnWhatCannotPlayDoNothing) {
     JExists[0] = 1;
     pass(50);
     EXPECT_TRUE(heard().silent(0, framesOf(50)));
+    for (const char* keys : {"Seq=1 LoopOut=500", "Seq=1 LoopOut=500 LoopFadeOut=1"}) {
+        openJingle(level(framesOf(600)), paletteLines(keys, 0));
+        press(), press();
+        EXPECT_EQ(jingle().State, PlayState::playing) << "exactly where its loop begins";
+        evStop();
+    }
     EXPECT_EQ(reports, std::vector<std::string>());
 }
 

@@ -1,6 +1,7 @@
 // The files that come into being at the start, their backups, the folder they lie in.
 
 #include "startup/command_line.h"
+#include "startup/trace.h"
 #include "tests/startup/surroundings.h"
 
 namespace zv::test {
@@ -110,6 +111,27 @@ TEST_F(Files, BackupsRotateThroughDistinctStates) {
     EXPECT_EQ(read("palette_backup2.ini"), "[state 7]");
     EXPECT_EQ(read("palette_backup3.ini"), "[state 6]");
     EXPECT_EQ(read("palette_backup5.ini"), "[state 4]");
+}
+
+TEST_F(Files, TheStartIsTraced) {
+    write("Trace_start.log", "of the last start");
+    FillTraceLog("before");
+    StartTrace();
+    around.nowMs += 1234;
+    FillTraceLog("zv.ini");
+    around.nowMs += 66;
+    FillTraceLog("Load frmMain");
+    WriteTraceStart();
+    EXPECT_EQ(read("Trace_start.log"),
+              "1.234 : zv.ini\r\n0.066 : Load frmMain\r\nSoftware loaded in 1.300 seconds\r\n");
+    std::string bar;
+    startupUpcalls.splashBar = [&](int width) { bar += std::to_string(width) + " "; };
+    SetProgress(10);
+    AddProgress(2.5);
+    EXPECT_EQ(bar, "422 527 ");
+    EXPECT_EQ(UnloadReasonText(0)[0], '0');
+    EXPECT_EQ(UnloadReasonText(5)[0], '5');
+    EXPECT_EQ(UnloadReasonText(-1) + UnloadReasonText(6), "");
 }
 
 TEST_F(Files, CommandLine) {

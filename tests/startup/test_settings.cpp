@@ -245,6 +245,11 @@ TEST_F(SettingsFile, SpecialKeys) {
     SaveZVini();
     EXPECT_THAT(read("zv.ini"), Not(HasSubstr("DeviceSingle")));
     EXPECT_THAT(read("zv.ini"), Not(HasSubstr("MixerFreq")));
+    std::vector<std::string> palettes;
+    startupUpcalls.paletteNames = [&] { return palettes; };
+    EXPECT_EQ(CheckSection("A"), "");
+    palettes = {"B", "A", "C"};
+    EXPECT_EQ(CheckSection("a") + CheckSection("gone"), "AB");
     // For this run only.
     load("");
     programSettings.ConfirmExit = 0;

@@ -53,6 +53,7 @@ TEST_F(Crash, FullDisk) {
     PaletteStore.PutValue("Path_0", "other.wav", "Evening");
     RotatingBackup("palette");
     LoadZVini();
+    SaveZVini();
     ::setrlimit(RLIMIT_FSIZE, &old);
     std::signal(SIGXFSZ, oldHandler);
     EXPECT_EQ(read("palette.ini"), before);
