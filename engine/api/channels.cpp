@@ -206,9 +206,7 @@ bool BASS_ChannelStop(DWORD handle) {
 
 bool BASS_ChannelUpdate(DWORD handle, DWORD) {
     const Call call;
-    if (!call.engine.find(handle)) return fail(BASS_ERROR_HANDLE, false);
-    call.engine.workers.wake();
-    return succeed(true);
+    return call.engine.find(handle) ? succeed(true) : fail(BASS_ERROR_HANDLE, false);
 }
 
 }  // extern "C"

@@ -53,7 +53,6 @@ bool BASS_Init(int device, DWORD freq, DWORD, void*, const void*) {
     int code = BASS_OK;
     try {
         if (first) {
-            e.settleCommands();
             e.graph.setRate(freq);
             // Stands in for outputs that get lost, also when nobody asked for it.
             e.outputs.open(0, {}, freq, *e.ports.devices);

@@ -68,22 +68,20 @@ void Engine::freeEverything() {
     std::fill(outputInitialised.begin(), outputInitialised.end(), false);
     std::unique_lock<std::mutex> none;
     while (!channels.empty()) freeChannel(channels.begin()->second, none);
-    syncs.clear();
     settleCommands();
     inputs.clear();
-    urls.clear();
-    freedWhenStopped.clear();
     outputRegister.clear();
     inputRegister.clear();
     graph.restart();
-    selectedOutput() = selectedInput() = -1;
     config[BASS_CONFIG_GVOL_STREAM] = 10000;
     config[BASS_CONFIG_BUFFER] = 500;
 }
 
 void Engine::send(const Command& command) {
     graph.commands.send(command);
-    if (command.kind == CommandKind::Play || (command.flags & kBegins) != 0) {
+    const bool sounds = command.kind == CommandKind::Play || (command.flags & kBegins) != 0;
+    if (sounds || command.kind == CommandKind::Move) workers.wake();
+    if (sounds) {
         outputs.wake();
     } else if (graph.quiet()) {
         dispatcher.watch();
@@ -120,17 +118,10 @@ void Engine::rebuildChain(Channel& channel) {
           .object = Chain::build(channel.control.effects, channel.control.voldspPriority).release()});
 }
 
-bool Engine::removeSync(HSYNC sync, std::unique_lock<std::mutex>& lock) {
-    const auto at = syncs.find(sync);
-    const bool known = at != syncs.end();
-    if (known) {
-        if (const auto channel = find(at->second.channel))
-            send({.kind = CommandKind::RemoveSync, .channel = channel.get(), .a = sync});
-        syncs.erase(at);
-    }
-    if (lock.owns_lock() && !dispatcher.isThisThread())
-        finished_.wait(lock, [&] { return running_ != sync || sync == 0; });
-    return known;
+void Engine::removeSync(Channel& channel, HSYNC sync, std::unique_lock<std::mutex>& lock) {
+    send({.kind = CommandKind::RemoveSync, .channel = &channel, .a = sync});
+    syncs.erase(sync);
+    if (!dispatcher.isThisThread()) finished_.wait(lock, [&] { return running_ != sync; });
 }
 
 void Engine::freeChannel(const std::shared_ptr<Channel>& held, std::unique_lock<std::mutex>& lock) {
@@ -184,23 +175,21 @@ void Engine::reap() {
 
 void Engine::settleCommands() {
     graph.commands.flush();
-    if (!outputs.anyOpen()) {
-        graph.acquire();
-        do {
-            graph.obeyCommands();
-            graph.commands.flush();
-        } while (!graph.commands.empty());
-        graph.release();
-    }
+    if (!outputs.anyOpen()) obeyHere();
     graph.trash.empty();
 }
 
-void Engine::waitForCommands(std::unique_lock<std::mutex>& lock) {
-    if (offline()) {
-        graph.acquire();
+void Engine::obeyHere() {
+    graph.acquire();
+    do {
         graph.obeyCommands();
-        graph.release();
-    }
+        graph.commands.flush();
+    } while (!graph.commands.empty());
+    graph.release();
+}
+
+void Engine::waitForCommands(std::unique_lock<std::mutex>& lock) {
+    if (offline() || !outputs.anyOpen()) obeyHere();
     outputs.wake();
     const auto until = std::chrono::steady_clock::now() + kCommandsWait;
     while (!graph.commands.empty() && std::chrono::steady_clock::now() < until) {
@@ -219,7 +208,7 @@ bool Engine::runSyncs() {
         // Freed, removed or moved since: it never fires late.
         if (at == syncs.end() || !channel || channel->root().control.moves != event.moves) continue;
         const SyncRecord record = at->second;
-        if (record.once) removeSync(event.sync, lock);
+        if (record.once) removeSync(*channel, event.sync, lock);
         running_ = event.sync;
         runningChannel_ = event.channel;
         lock.unlock();
@@ -231,7 +220,6 @@ bool Engine::runSyncs() {
         lock.lock();
         running_ = 0;
         runningChannel_ = 0;
-        settleCommands();
         finished_.notify_all();
     }
     const std::unique_lock lock(mutex, std::try_to_lock);

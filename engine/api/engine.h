@@ -58,11 +58,13 @@ class Engine {
     std::shared_ptr<Channel> find(DWORD handle) const;
     void adopt(const std::shared_ptr<Channel>& channel);
     /// Sends a command. One that makes sound wakes resting outputs at once; for others the dispatcher wakes them later.
+    /// A start and a move wake the workers: another page is wanted.
     void send(const Command& command);
     /// Forgets its handle, syncs and effects and unplugs it; freed for good once the audio side dropped it.
     void freeChannel(const std::shared_ptr<Channel>& channel, std::unique_lock<std::mutex>& lock);
     void rebuildChain(Channel& channel);
-    bool removeSync(HSYNC sync, std::unique_lock<std::mutex>& lock);
+    /// Waits for its procedure where that runs on another thread.
+    void removeSync(Channel& channel, HSYNC sync, std::unique_lock<std::mutex>& lock);
     /// Gives every output its place in the order of drivers.
     void rankOutputs();
     bool active(Channel& channel) const;
@@ -82,6 +84,8 @@ class Engine {
 
   private:
     void freeEverything();
+    /// Applies all commands on this thread.
+    void obeyHere();
     DWORD lastHandle_ = 0x10000;
     std::uint64_t serial_ = 0;
     HSYNC running_ = 0;

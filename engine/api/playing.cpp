@@ -20,7 +20,6 @@ void sendMove(Engine& engine, Channel& channel, std::uint64_t frame) {
         primeTempo(engine, channel, frame);
     }
     engine.send({.kind = CommandKind::Move, .channel = &root, .a = frame, .b = c.moves});
-    engine.workers.wake();
 }
 
 void sendPlay(Engine& engine, Channel& channel) {
@@ -28,7 +27,6 @@ void sendPlay(Engine& engine, Channel& channel) {
     c.playing = true;
     c.paused = false;
     engine.send({.kind = CommandKind::Play, .channel = &channel, .a = ++c.generation});
-    engine.workers.wake();
     engine.dispatcher.watch();
 }
 

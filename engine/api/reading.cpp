@@ -167,7 +167,6 @@ DWORD BASS_ChannelGetData(DWORD handle, void* buffer, DWORD bytes) {
         } else {
             settleRead(e, *channel);
             e.waitForCommands(call.lock);
-            e.settleCommands();
             HandRead reader(e, *channel);
             done = readInto(reader, *channel, buffer, frames);
             ended = done == 0 && reader.ended();

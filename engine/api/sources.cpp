@@ -58,9 +58,7 @@ DWORD openSource(Kind kind, DWORD flags, Open open) {
             std::erase_if(engine.urls, [](const auto& url) { return url.expired(); });
             engine.urls.push_back(live);
         }
-        const DWORD handle = publishChannel(engine, channel);
-        engine.workers.wake();
-        return handle;
+        return publishChannel(engine, channel);
     } catch (const std::bad_alloc&) {
         return fail<DWORD>(BASS_ERROR_MEM, 0);
     } catch (...) {
@@ -170,7 +168,6 @@ bool BASS_Mixer_StreamAddChannel(HSTREAM mixer, DWORD handle, DWORD) {
             .other = into.get(),
             .object = plug,
             .b = channel->control.generation});
-    e.workers.wake();
     return succeed(true);
 }
 

@@ -30,10 +30,11 @@ HSYNC BASS_ChannelSetSync(DWORD handle, DWORD type, QWORD position, SYNCPROC* pr
 bool BASS_ChannelRemoveSync(DWORD handle, HSYNC sync) {
     Call call;
     Engine& e = call.engine;
-    if (!e.find(handle)) return fail(BASS_ERROR_HANDLE, false);
+    const auto channel = e.find(handle);
+    if (!channel) return fail(BASS_ERROR_HANDLE, false);
     const auto at = e.syncs.find(sync);
     if (at == e.syncs.end() || at->second.channel != handle) return fail(BASS_ERROR_HANDLE, false);
-    e.removeSync(sync, call.lock);
+    e.removeSync(*channel, sync, call.lock);
     return succeed(true);
 }
 

@@ -31,7 +31,6 @@ std::int64_t steadyMs() {
 void Workers::start() {
     assertControlThread();
     const std::lock_guard lock(mutex_);
-    if (leader_ != nullptr) return;
     stopping_ = false;
     addThread();
     leader_ = &threads_.back();

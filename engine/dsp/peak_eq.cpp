@@ -143,7 +143,6 @@ void PeakEq::rest(EqGroup& group) {
 void PeakEq::process(float* stereo, std::size_t frames) {
     if (frames == 0) return;
     passed_ = true;
-    if (active_ == 0) return;
     for (EqGroup& group : groups_)
         if (group.active) run(group, stereo, frames);
 }
@@ -159,7 +158,6 @@ void PeakEq::prefetch() const {
 }
 
 void PeakEq::reset() {
-    if (!passed_) return;
     passed_ = false;
     for (EqGroup& group : groups_) {
         if (!group.active) continue;

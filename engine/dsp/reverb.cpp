@@ -103,7 +103,7 @@ void Reverb::set(const ReverbSettings& wish) {
         power += gain * gain / kLines;
     }
     const double wet = std::pow(10.0, settings_.mixDb / 20);
-    const double norm = std::min<double>(kMostNormalisation, std::sqrt((1 - power) / (4 * power + 1e-30)));
+    const double norm = std::min<double>(kMostNormalisation, std::sqrt((1 - power) / (4 * power)));
     goal.wet = static_cast<float>(wet * norm);
     const double in = std::pow(10.0, settings_.inGainDb / 20);
     goal.dry = static_cast<float>(in);
@@ -254,7 +254,6 @@ void Reverb::clear() {
 }
 
 void Reverb::reset() {
-    if (!passed_) return;
     passed_ = false;
     clear();
     rampAt_ = rampFrames_;

@@ -139,7 +139,6 @@ void Transposer::reset(std::size_t lead) {
     first_ = -static_cast<std::int64_t>(filled_);
     whole_ = static_cast<std::int64_t>(lead);
     fraction_ = 0;
-    steady_ = 0;
 }
 
 std::size_t Transposer::needed(std::size_t frames, double speed) const {

@@ -43,7 +43,6 @@ void ConversionGroups::finish(float* out) {
         dsp::Resampler::convertWindow(group.phase, group.sum.data(), kSpan, made);
         dsp::mixStereo(out, made.data(), frames_, 1);
     }
-    count_ = 0;
 }
 
 }  // namespace zv::engine

@@ -44,9 +44,6 @@ void Graph::restart() {
     sourceUnderruns.store(0, std::memory_order_relaxed);
     silentFrames_ = time_.clock = 0;
     quiet_.store(false, std::memory_order_release);
-    SyncEvent event;
-    while (syncEvents.pop(event)) {
-    }
 }
 
 void Graph::obeyCommands() {
@@ -126,7 +123,6 @@ void Graph::plugIn(const Command& command) {
     Channel& channel = *command.channel;
     AudioState& a = channel.audio;
     const bool began = a.playing;
-    playback_.stop(channel);
     playback_.unplug(channel, trash);
     a.plug = static_cast<Plug*>(command.object);
     if (command.kind == CommandKind::AddToMixer) {
@@ -140,7 +136,6 @@ void Graph::plugIn(const Command& command) {
 
 void Graph::free(const Command& command) {
     Channel& channel = *command.channel;
-    playback_.stop(channel);
     playback_.unplug(channel, trash);
     slides_.forget(channel);
     syncs_.forget(channel);
@@ -182,7 +177,6 @@ void Graph::apply(const Command& command) {
             plugIn(command);
             break;
         case CommandKind::Unplug:
-            playback_.stop(channel);
             playback_.unplug(channel, trash);
             break;
         case CommandKind::Free:

@@ -79,7 +79,7 @@ void Playback::finish(Channel& channel) {
 
 void Playback::unplug(Channel& channel, Trash& trash) {
     AudioState& a = channel.audio;
-    if (a.playing) unlink(channel);
+    stop(channel);
     a.parent = nullptr;
     a.device = -1;
     trash.add(a.plug);

@@ -176,13 +176,11 @@ View Pull::readMixer(Channel& channel, std::uint32_t want) {
     std::fill_n(a.bus.begin(), std::size_t{view.frames} * 2, 0.0F);
     mixing_->mixInputs(a.first, a.bus.data(), view.frames);
     view.data = a.bus.data();
-    view.own = true;
     advance(channel, view.frames);
     return view;
 }
 
 View Pull::native(Channel& channel, std::uint32_t want) {
-    assertAudioThread();
     want = std::min(want, kBlock);
     switch (channel.kind) {
         case Kind::File:
@@ -253,7 +251,6 @@ View Pull::throughChain(Channel& channel, View view) {
 }
 
 View Pull::stereo(Channel& channel, std::uint32_t want) {
-    assertAudioThread();
     AudioState& a = channel.audio;
     want = std::min(want, kBlock);
     if (!a.inTail) {

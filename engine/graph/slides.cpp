@@ -31,7 +31,6 @@ void Slides::keep(Channel& channel) {
 }
 
 void Slides::forget(Channel& channel) {
-    if (!channel.audio.inSlides) return;
     for (Channel** at = &first_; *at; at = &(*at)->audio.nextSlide) {
         if (*at != &channel) continue;
         *at = channel.audio.nextSlide;

@@ -69,15 +69,11 @@ UrlInput::UrlInput(std::unique_ptr<Decoder> decoder, bool offline) {
     // A read may hang in the network as long as the time-out. No one joins this thread; it shares the tank.
     std::thread([tank = tank_] {
         const ThreadSection worker(ThreadKind::Worker);
-        try {
-            while (!tank->closed.load(std::memory_order_acquire) &&
-                   !tank->ended.load(std::memory_order_acquire)) {
-                if (tank->fill()) continue;
-                const bool full = tank->ring.free() < tank->piece.size();
-                std::this_thread::sleep_for(full ? kFullWait : kDryWait);
-            }
-        } catch (...) {
-            tank->ended.store(true, std::memory_order_release);
+        while (!tank->closed.load(std::memory_order_acquire) &&
+               !tank->ended.load(std::memory_order_acquire)) {
+            if (tank->fill()) continue;
+            const bool full = tank->ring.free() < tank->piece.size();
+            std::this_thread::sleep_for(full ? kFullWait : kDryWait);
         }
     }).detach();
 }
@@ -107,7 +103,7 @@ std::size_t UrlInput::read(std::span<float> out) {
         flowing_ = true;
     }
     const std::size_t got = ring.read(out.data(), out.size() / channels * channels);
-    if (got == 0 && flowing_) {
+    if (got == 0) {
         flowing_ = false;
         ranDry_ = std::min(ranDry_ + 1, kRefillSeconds.size() - 1);
     }

@@ -77,7 +77,6 @@ bool PagedSound::eachMissing(F found) const {
 }
 
 int PagedSound::urgency() const {
-    if (resident_.load(std::memory_order_relaxed) == pages_.size()) return -1;
     int result = -1;
     eachMissing([&](std::uint64_t, std::uint64_t distance) {
         result = static_cast<int>(distance) + (sounding() ? 0 : 100);
@@ -98,12 +97,9 @@ bool PagedSound::service() {
     assertNotAudioThread();
     std::unique_lock lock(mutex_, std::try_to_lock);
     if (!lock) return false;
-    freeRetired();
-    if (crowded()) dropUnwanted();
+    clean();
     if (eachMissing([&](std::uint64_t index, std::uint64_t) { return load(index); })) return true;
-    if (!keepWhole_) return false;
-    while (firstMissing_ < pages_.size() && page(firstMissing_)) ++firstMissing_;
-    return firstMissing_ < pages_.size() && load(firstMissing_);
+    return keepWhole_ && load(resident_.load(std::memory_order_relaxed));
 }
 
 void PagedSound::ensure(std::uint64_t frame, std::uint64_t frames) {
@@ -111,7 +107,6 @@ void PagedSound::ensure(std::uint64_t frame, std::uint64_t frames) {
     if (frames == 0 || frame >= length_) return;
     const std::uint64_t last = (std::min(frame + frames, length_) - 1) / kPage;
     for (std::uint64_t index = frame / kPage; index <= last; ++index) {
-        if (page(index)) continue;
         const std::lock_guard lock(mutex_);
         load(index);
     }
@@ -119,11 +114,8 @@ void PagedSound::ensure(std::uint64_t frame, std::uint64_t frames) {
 
 void PagedSound::tidy() {
     assertNotAudioThread();
-    if (!crowded() && !hasRetired_.load(std::memory_order_relaxed)) return;
     const std::unique_lock lock(mutex_, std::try_to_lock);
-    if (!lock) return;
-    if (crowded()) dropUnwanted();
-    freeRetired();
+    if (lock) clean();
 }
 
 bool PagedSound::crowded() const {
@@ -161,7 +153,7 @@ std::size_t PagedSound::readAt(std::uint64_t frame, std::span<float> out) {
     const std::lock_guard lock(mutex_);
     while (done < frames && frame < length_) {
         const std::uint64_t index = frame / kPage;
-        if (!page(index)) load(index);
+        load(index);
         const std::uint64_t offset = frame % kPage;
         const std::size_t n = static_cast<std::size_t>(
             std::min<std::uint64_t>({frames - done, kPage - offset, length_ - frame}));
@@ -175,13 +167,8 @@ std::size_t PagedSound::readAt(std::uint64_t frame, std::span<float> out) {
 bool PagedSound::load(std::uint64_t index) {
     if (index >= pages_.size() || page(index)) return false;
     // A sound that is kept whole is decoded in one go from its beginning: no seek, so nothing depends on one.
-    std::uint64_t from = index;
-    if (keepWhole_) {
-        while (firstMissing_ < pages_.size() && page(firstMissing_)) ++firstMissing_;
-        from = std::min(firstMissing_, index);
-    }
-    for (; from <= index; ++from) {
-        if (page(from)) continue;
+    for (std::uint64_t from = keepWhole_ ? resident_.load(std::memory_order_relaxed) : index; from <= index;
+         ++from) {
         auto memory = std::make_unique<float[]>(pageSamples_);
         decodeInto(memory.get(), from);
         owned_[from] = std::move(memory);
@@ -193,7 +180,6 @@ bool PagedSound::load(std::uint64_t index) {
 
 void PagedSound::decodeInto(float* to, std::uint64_t index) {
     const std::uint64_t start = index * kPage;
-    if (!decoder_) return;
     try {
         if (decoderAt_ != start && !decoder_->seek(start)) return;
         decoderAt_ = start;
@@ -208,7 +194,6 @@ void PagedSound::decodeInto(float* to, std::uint64_t index) {
             decoderAt_ += frames;
         }
         dsp::makeHarmless({to, got});
-        if (got < samples) decoderAt_ = ~std::uint64_t{0};
     } catch (...) {
         decoderAt_ = ~std::uint64_t{0};
     }
@@ -225,16 +210,14 @@ void PagedSound::dropUnwanted() {
         retired_.push_back({std::move(owned_[index]), renders_.load(std::memory_order_seq_cst)});
         resident_.fetch_sub(1, std::memory_order_relaxed);
     }
-    hasRetired_.store(!retired_.empty(), std::memory_order_relaxed);
-    freeRetired();
 }
 
-void PagedSound::freeRetired() {
+void PagedSound::clean() {
+    if (crowded()) dropUnwanted();
     if (retired_.empty() || readers_.load(std::memory_order_seq_cst) != 0) return;
     const std::uint64_t now = renders_.load(std::memory_order_seq_cst);
     // Even epoch: no render ran when the page was removed, and a later one cannot find it.
     std::erase_if(retired_, [&](const Retired& r) { return r.render % 2 == 0 || r.render != now; });
-    hasRetired_.store(!retired_.empty(), std::memory_order_relaxed);
 }
 
 }  // namespace zv::engine

@@ -98,7 +98,8 @@ class PagedSound final : public FrameReader {
     bool load(std::uint64_t index);
     void decodeInto(float* to, std::uint64_t index);
     void dropUnwanted();
-    void freeRetired();
+    /// Takes pages away where there are many, and frees those that no render sees any more.
+    void clean();
 
     const SoundFormat format_;
     const std::uint64_t length_;
@@ -110,7 +111,6 @@ class PagedSound final : public FrameReader {
     std::atomic<bool> loop_{false}, sounding_{false};
     std::atomic<std::uint64_t> loopStart_{0}, end_{~std::uint64_t{0}}, head_{0}, focus_{0};
     std::atomic<std::size_t> resident_{0};
-    std::atomic<bool> hasRetired_{false};
     mutable std::atomic<int> readers_{
         0};  ///< threads that measure peaks: removed pages are kept until none does
     std::vector<std::atomic<float*>> pages_;
@@ -120,7 +120,6 @@ class PagedSound final : public FrameReader {
     std::uint64_t decoderAt_ = 0;
     std::vector<std::unique_ptr<float[]>> owned_;  // by page
     std::vector<Retired> retired_;
-    std::uint64_t firstMissing_ = 0;  // of a sound kept whole: the page at which decoding goes on
 };
 
 }  // namespace zv::engine

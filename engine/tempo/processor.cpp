@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "engine/realtime/thread_tags.h"
-
 namespace zv::engine {
 namespace {
 
@@ -19,7 +17,6 @@ TempoProcessor::TempoProcessor(std::uint32_t rate, std::uint32_t channels, Frame
       work_(rate_, channels_, reader, wishes_, meeting_) {}
 
 void TempoProcessor::slide(TempoPart part, double value, std::uint64_t frames, bool ratios) {
-    assertNotAudioThread();
     wishes_.slide(part, value, frames, ratios);
 }
 
@@ -29,7 +26,6 @@ void TempoProcessor::publish() {
 }
 
 void TempoProcessor::restart(std::uint64_t frame) {
-    assertAudioThread();
     ++epoch_;
     ended_ = false;
     if (current_) current_->retire();
@@ -99,7 +95,6 @@ void TempoProcessor::leaveAt(std::uint64_t source, std::size_t fade) {
 }
 
 void TempoProcessor::fade(std::span<float> fromSource) {
-    assertAudioThread();
     const std::size_t frames = fadeFrames_, wanted = fromSource.size() / channels_;
     std::array<float, 256> old;
     for (std::size_t done = 0; done < wanted && fading_;) {
@@ -121,7 +116,6 @@ void TempoProcessor::fade(std::span<float> fromSource) {
 }
 
 bool TempoProcessor::neutral() {
-    assertAudioThread();
     if (current_) return false;
     const TempoLane* lane = next();
     if (!lane || lane->switchAt > clock_) return true;
@@ -135,7 +129,6 @@ std::size_t TempoProcessor::neutralRun() const {
 }
 
 void TempoProcessor::passed(std::size_t frames, std::uint64_t frame) {
-    assertAudioThread();
     clock_ += frames;
     wishes_.pass(frames);
     source_ = frame;
@@ -144,7 +137,6 @@ void TempoProcessor::passed(std::size_t frames, std::uint64_t frame) {
 }
 
 void TempoProcessor::idle(std::uint64_t frames) {
-    assertAudioThread();
     wishes_.pass(frames);
     publish();
 }
@@ -190,7 +182,6 @@ bool TempoProcessor::diverges(std::uint64_t& limit) {
 }
 
 std::span<const float> TempoProcessor::view(std::size_t frames) {
-    assertAudioThread();
     if (!current_ || ended_ || current_->leaves) return {};
     if (const TempoLane* lane = next(); lane && lane->switchAt < current_->readAt() + frames) return {};
     if (reader_.range() != current_->range()) return {};
@@ -202,7 +193,6 @@ std::span<const float> TempoProcessor::view(std::size_t frames) {
 }
 
 std::size_t TempoProcessor::read(std::span<float> out) {
-    assertAudioThread();
     const std::size_t wanted = out.size() / channels_;
     std::size_t done = 0;
     while (done < wanted && current_ && !ended_) {

@@ -50,7 +50,6 @@ class Model {
         std::uint64_t frame;
         bool once;
         int fired = 0;
-        bool slides = false;  ///< VOL falls to 0 with its frame and stops the jingle there
     };
 
     Model(Made made, int number) : sound(std::move(made)), seed(number), eq(rate()), reverb(rate()) {
@@ -143,7 +142,8 @@ class Model {
     dsp::PeakEq eq;
     dsp::Reverb reverb;
     std::vector<Sync> syncs;
-    int timed = -1;        ///< the sync whose slide has not begun
+    int timed = -1;        ///< the sync whose slide of 882 frames has not begun
+    Fade timedTo;          ///< its target, curve and stop
     bool drained = false;  ///< everything up to the end was taken for the conversion
 
   private:
@@ -283,7 +283,7 @@ class Model {
         }
         if (!due) return;
         timed = -1;
-        volume(0, 882, false, true);
+        volume(timedTo.to, 882, timedTo.logarithmic, timedTo.stops);
     }
 
     bool inTail = false;

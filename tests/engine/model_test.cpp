@@ -94,7 +94,8 @@ class Stage {
         if (act.kind == Kind::Sync) v.syncs.push_back({act.a, act.b == 1});
         if (act.kind == Kind::NoSync) v.syncs[act.a].frame = kNone;
         if (act.kind == Kind::NoSync && v.timed == static_cast<int>(act.a)) v.timed = -1;
-        if (act.kind == Kind::Timed) v.timed = static_cast<int>(act.a);
+        if (act.kind == Kind::Timed)
+            v.timed = static_cast<int>(act.a), v.timedTo = {1, stops ? 0 : act.value, 0, 0, log, stops};
         if (act.kind == Kind::Master) masters[act.voice % 2].start(act.value, frames, log);
     }
     /// What a conversion has read ahead of is its own affair: such acts are left out.
@@ -238,7 +239,8 @@ class AgainstTheModel : public Show {
         }
         if (act.kind == Kind::NoSync) BASS_ChannelRemoveSync(j.play, j.syncs[act.a]);
         if (act.kind == Kind::Timed)
-            engineControl()->slideAtSync(j.play, j.syncs[act.a], -1, kTimedMs, false);
+            engineControl()->slideAtSync(j.play, j.syncs[act.a], act.b == 2 ? -1 : value, kTimedMs,
+                                         act.b == 1);
         if (act.kind == Kind::Master)
             slide(act.voice % 2 == 0 ? studio->mainSplit[0] : studio->outMixer[1], BASS_ATTRIB_VOLDSP);
     }
