@@ -15,7 +15,7 @@ namespace {
 
 using namespace shell;
 
-constexpr Colour kPlaying = 0xC0FFC0, kForeign = 0xFFFFFF, kDark = 0x312D2B, kLight = -1;
+constexpr Colour kPlaying = 0xC0FFC0, kDark = 0x312D2B, kLight = -1;
 constexpr int kPlayingHue = 120;  // degrees: green
 
 /// The colours of the sample set, and none.
@@ -40,6 +40,9 @@ TEST(OnAir, FramesAndTextsHaveTheirContrastOnEveryFace) {
         EXPECT_TRUE(face == kNoColour || std::abs(idle.hue() - kPlayingHue) >= 45)
             << idle.name().toStdString();
     }
+    std::set<Colour> any = faces;  // a presenter's own
+    for (int i = 0; i < 125; ++i)
+        any.insert(i % 5 * 255 / 4 | (i / 5 % 5 * 255 / 4) << 8 | (i / 25 * 255 / 4) << 16);
     for (const Colour back : {kLight, kDark}) {
         Stage s(back);
         const Theme theme = themeFor(s.window);
@@ -48,28 +51,34 @@ TEST(OnAir, FramesAndTextsHaveTheirContrastOnEveryFace) {
             button.backColor = face;
             button.foreColor = fore;
             button.value = static_cast<int>(state);
-            return tonesOf(button, theme, false, othersSound);
-        };
-        const auto readable = [](const JingleTones& t) {
+            const JingleTones t = tonesOf(button, theme, false, othersSound);
             for (const QColor& text : {t.ink, t.duration, t.number}) {
                 EXPECT_GE(contrast(text, t.face), 4.5)
                     << text.name().toStdString() << " on " << t.face.name().toStdString();
             }
+            return t.face;
         };
-        for (const Colour playing : {kPlaying, kForeign}) {
-            const auto state = playing == kPlaying ? JingleState::sounding : JingleState::otherPalette;
-            const JingleTones loud = tones(playing, 0, state, true);
-            readable(loud);
-            const QColor frame = frameColour(loud.face, theme.dark);
-            EXPECT_GE(contrast(frame, loud.face), 3);
-            for (const Colour face : faces) {
-                for (const Colour fore : {Colour{0}, Colour{0xFFFFFF}, Colour{0xFF}}) {
-                    readable(tones(face, fore, JingleState::rest, false));
-                    const JingleTones idle = tones(face, fore, JingleState::rest, true);
-                    readable(idle);
-                    EXPECT_GE(contrast(frame, idle.face), 3) << idle.face.name().toStdString();
-                }
+        std::set<double> idle;  // luminances
+        for (const Colour face : any) {
+            for (const Colour fore : {Colour{0}, Colour{0xFFFFFF}, Colour{0xFF}}) {
+                const QColor plain = tones(face, fore, JingleState::rest, false),
+                             dimmed = tones(face, fore, JingleState::rest, true);
+                EXPECT_EQ(dimmed, mixed(plain, theme.dark ? theme.ground : QColor(Qt::black), 0.1));
+                idle.insert({luminance(plain), luminance(dimmed)});
             }
+        }
+        for (const Colour playing : any) {
+            if (playing == kNoColour) continue;
+            const QColor loud = tones(playing, 0, JingleState::sounding, true);
+            const FrameColours on = frameColours(loud, theme.dark);
+            EXPECT_GE(contrast(on.frame, loud), 3) << loud.name().toStdString();
+            const auto stands = [](const QColor& line, double beside) {
+                const double own = luminance(line);
+                return (std::max(own, beside) + 0.05) / (std::min(own, beside) + 0.05) >= 3;
+            };
+            for (const double face : idle)
+                EXPECT_TRUE(stands(on.frame, face) || stands(on.edge, face))
+                    << loud.name().toStdString() << " " << face;
         }
     }
 }
@@ -86,6 +95,7 @@ TEST(OnAir, WhatSoundsHasAFrameAndALineAroundIt) {
         };
         EXPECT_EQ(edge(JingleState::rest), s.pixel(place.left() + 30, place.top() + 10));
         EXPECT_GE(contrast(edge(JingleState::sounding), s.pixel(place.left() + 30, place.top() + 10)), 2.5);
+        EXPECT_EQ(s.pixel(place.left(), place.center().y()), QColor(Qt::white)) << "the line around it";
     }
 }
 

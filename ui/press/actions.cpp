@@ -106,14 +106,6 @@ bool paletteStep(PaletteKey how, bool up) {
     return false;
 }
 
-/// The end of a press on a jingle, wherever it came from.
-void releaseJingle(int index) {
-    const JingleRecord& j = Jingle(index);
-    if (j.Seq == 0 && (j.PlayMod == PlayMode::touch || (ToggleTouch == 1 && j.PlayMod == PlayMode::global))) {
-        clTouchStop(index);
-    }
-}
-
 bool onJingle(Action action, int index, int velocity) {
     if (!known(index)) {
         return false;
@@ -122,7 +114,7 @@ bool onJingle(Action action, int index, int velocity) {
         clPlay(index, velocity);
         SayWhyBroken(index);
     } else if (action == Action::release) {
-        releaseJingle(index);
+        ReleaseJingle(index);
     } else {
         btClic(index);
     }
@@ -140,7 +132,7 @@ bool onLast(Action action) {
     if (keySettings.InhibSpBar != 0) {
         return false;
     }
-    releaseJingle(LastPlayedJ);
+    ReleaseJingle(LastPlayedJ);
     return true;
 }
 

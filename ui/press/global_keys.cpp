@@ -1,5 +1,6 @@
 #include "ui/press/global_keys.h"
 
+#include <cstdint>
 #include <string>
 #include <utility>
 
@@ -25,52 +26,38 @@ namespace {
 /// The talk-over key has the colour of a pushed microphone: the microphone stays open when it is let go, its lamp lit.
 bool micHeldOpen = false;
 
-void keepToggles() {
+/// Turns a toggle on or off; turned on it takes the place of the other.
+void turn(const char* control, std::uint8_t& own, Toggle ownToggle, std::uint8_t& other, Toggle otherToggle) {
+    if (MIDILearnActive) {
+        return;
+    }
+    LastCtrl = control;
+    own = own == 1 ? 0 : 1;
+    const bool replaces = own == 1 && other == 1;
+    if (replaces) {
+        other = 0;
+    }
     keySettings.Touch = ToggleTouch;
     keySettings.Autorepeat = ToggleAutoRep;
     WriteSetting("Touch", std::to_string(ToggleTouch));
     WriteSetting("Autorepeat", std::to_string(ToggleAutoRep));
     ShowGlobalToggles();
+    ToggleSwitched(ownToggle);
+    if (replaces) {
+        ToggleSwitched(otherToggle);
+    }
 }
 
 }  // namespace
 
 void CkAutoRepTog() {
-    guarded("frmMain.CkAutoRepTog", [] {
-        if (MIDILearnActive) {
-            return;
-        }
-        LastCtrl = "CkAutoRep";
-        ToggleAutoRep = ToggleAutoRep == 1 ? 0 : 1;
-        const bool other = ToggleAutoRep == 1 && ToggleTouch == 1;
-        if (other) {
-            ToggleTouch = 0;
-        }
-        keepToggles();
-        ToggleSwitched(Toggle::autoRepeat);
-        if (other) {
-            ToggleSwitched(Toggle::touch);
-        }
-    });
+    guarded("frmMain.CkAutoRepTog",
+            [] { turn("CkAutoRep", ToggleAutoRep, Toggle::autoRepeat, ToggleTouch, Toggle::touch); });
 }
 
 void CkTouchTog() {
-    guarded("frmMain.CkTouchTog", [] {
-        if (MIDILearnActive) {
-            return;
-        }
-        LastCtrl = "CkTouch";
-        ToggleTouch = ToggleTouch == 1 ? 0 : 1;
-        const bool other = ToggleTouch == 1 && ToggleAutoRep == 1;
-        if (other) {
-            ToggleAutoRep = 0;
-        }
-        keepToggles();
-        ToggleSwitched(Toggle::touch);
-        if (other) {
-            ToggleSwitched(Toggle::autoRepeat);
-        }
-    });
+    guarded("frmMain.CkTouchTog",
+            [] { turn("CkTouch", ToggleTouch, Toggle::touch, ToggleAutoRep, Toggle::autoRepeat); });
 }
 
 void CkAutoMixTog() {

@@ -98,8 +98,7 @@ void ChangeWindowMode() {
     guarded("frmMain.ChangeWindowMode", [] {
         windowSettings.FullScreen = windowSettings.FullScreen == 1 ? 0 : 1;
         windowSettings.WindowMode = windowSettings.FullScreen == 1 ? kWindowModes : 0;
-        setFullScreen(frmMain().window, windowSettings.FullScreen == 1);
-        FormDraw();
+        FormDraw("init");
     });
 }
 

@@ -19,18 +19,10 @@
 
 namespace zv {
 
-bool SelectorsSuppressed = false;
 bool PrevCtrlDown = false, PrevShiftDown = false;
 bool DeletePromptOn = true;
 
 namespace {
-
-void showMessageLine(bool on) {
-    DisplayControls& d = frmMain().display;
-    d.lblDate.visible = !on;
-    d.lblTime.visible = !on;
-    d.lblDispMessage.visible = on;
-}
 
 void say(std::string_view key) {
     if (!DisplayMessageShown()) {
@@ -62,12 +54,9 @@ void nothingHeld() {
         if (!armed.empty()) {
             frmMain().display.lblDispMessage.caption = armed;
         }
-        showMessageLine(!armed.empty());
+        ShowMessageLine(!armed.empty());
     }
-    SelectorsSuppressed = false;
-    if (SelectorsShown) {
-        HideSelectors();
-    }
+    HideSelectors();
     ClipPath.clear();
 }
 
@@ -101,16 +90,14 @@ void TimerKeyModifiersTick() {
         if (message == ModifierMessage::none) {
             nothingHeld();
         } else {
-            showMessageLine(true);
+            ShowMessageLine(true);
         }
         switch (message) {
             case ModifierMessage::move:
                 if (MoveSrcJ == -1) {
                     say("mlblSelJtomove");
                 }
-                if (!SelectorsSuppressed && !SelectorsShown) {
-                    ShowSelectors();
-                }
+                ShowSelectors();
                 break;
             case ModifierMessage::copy:
                 if (MoveSrcJ == -1) {

@@ -3,7 +3,6 @@
 
 namespace zv {
 
-extern bool SelectorsSuppressed;
 extern bool PrevCtrlDown, PrevShiftDown;
 extern bool DeletePromptOn;  ///< Alt shows the delete prompt
 

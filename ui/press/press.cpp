@@ -62,8 +62,6 @@ enum class PressMeaning {
     play,
 };
 
-bool inRange(int index) { return index >= 0 && index < kJingles; }
-
 void showMessage(std::string_view key) { frmMain().display.lblDispMessage.caption = Ln(key); }
 
 /// The announcer's key waits for a jingle.
@@ -195,9 +193,6 @@ void askAndRemove(int index, std::string_view message, bool withFile) {
 
 void btClic(int index) {
     guarded("modClick.btClic", [&] {
-        if (!inRange(index)) {
-            return;
-        }
         switch (meaningOf(index)) {
             case PressMeaning::play:
                 clPlay(index, -1);
@@ -269,9 +264,16 @@ void btClic(int index) {
     });
 }
 
+void ReleaseJingle(int index) {
+    const JingleRecord& j = Jingle(index);
+    if (j.Seq == 0 && (j.PlayMod == PlayMode::touch || (ToggleTouch == 1 && j.PlayMod == PlayMode::global))) {
+        clTouchStop(index);
+    }
+}
+
 void b_Jingle_MouseDown(int index, const MouseEvent& event) {
     guarded(".b_Jingle_MouseDown", [&] {
-        if (!inRange(index) || event.button != MouseButton::left || Jingle(index).MissingFile) {
+        if (event.button != MouseButton::left || Jingle(index).MissingFile) {
             return;
         }
         Jingle(index).Pressed = 1;
@@ -284,9 +286,6 @@ void b_Jingle_MouseDown(int index, const MouseEvent& event) {
 
 void b_Jingle_MouseUp(int index, const MouseEvent& event) {
     guarded(".b_Jingle_MouseUp", [&] {
-        if (!inRange(index)) {
-            return;
-        }
         JingleRecord& j = Jingle(index);
         LastCtrl = "b_Jingle";
         j.Pressed = 0;
@@ -302,14 +301,7 @@ void b_Jingle_MouseUp(int index, const MouseEvent& event) {
             btClic(index);
             return;
         }
-        if (j.Seq != 0) {
-            return;
-        }
-        const bool touch =
-            j.PlayMod == PlayMode::touch || (ToggleTouch == 1 && j.PlayMod == PlayMode::global);
-        if (touch) {
-            clTouchStop(index);
-        }
+        ReleaseJingle(index);
     });
 }
 
@@ -317,8 +309,7 @@ void b_Jingle_KeyDown(int index, KeyEvent& event) {
     guarded(".b_Jingle_KeyDown", [&] {
         const bool oneModifier =
             event.shift == kShiftMask || event.shift == kCtrlMask || event.shift == kAltMask;
-        if (!inRange(index) || oneModifier || keySettings.InhibSpBar != 0 || event.repeat ||
-            event.key == Key::tab) {
+        if (oneModifier || keySettings.InhibSpBar != 0 || event.repeat || event.key == Key::tab) {
             return;
         }
         if (ToggleTouch == 0 ? event.key == Key::space : !Jingle(index).Playing) {
@@ -330,7 +321,7 @@ void b_Jingle_KeyDown(int index, KeyEvent& event) {
 
 void PlayJing(int index) {
     guarded("modClick.PlayJing", [&] {
-        if (!inRange(index) || keySettings.InhibSpBar != 0) {
+        if (keySettings.InhibSpBar != 0) {
             return;
         }
         if (ToggleTouch == 0 || !Jingle(index).Playing) {

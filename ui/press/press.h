@@ -9,6 +9,9 @@ namespace zv {
 /// keyboard and control surfaces.
 void btClic(int index);
 
+/// The end of a press on a jingle, wherever it came from: one that plays while it is held stops.
+void ReleaseJingle(int index);
+
 // Events of the button array. Each button is independent: several fingers press and release at once.
 void b_Jingle_MouseDown(int index, const MouseEvent& event);
 void b_Jingle_MouseUp(int index, const MouseEvent& event);

@@ -38,31 +38,20 @@ DisplayControls::DisplayControls(Control& window)
       lblTa("lblTa", symbol, &picDispBack),
       lblMIDIIcon("lblMIDIIcon", label, &picDispBack),
       lblMIDIDevice("lblMIDIDevice", label, &picDispBack) {
-    for (Control* digit : {&lblPosMinC, &lblPosMinD, &lblPosMin}) {
-        digit->visible = false;
-    }
-    lblPosSecD.caption = "0";
-    lblPosSecU.caption = "0";
     sepsd.caption = ".";
-    lblPosMisD.caption = "0";
     lblErr.visible = false;
     lblQuiet.visible = false;
-    lblQuiet.alignment = 1;
     lblDispMessage.visible = false;
     for (Control& mark : lblClock) {
         mark.visible = false;
     }
-    lblClock[0].caption = "t";
     lblClock[1].caption = "A";
     lblClock[2].caption = "N";
     for (Control& mark : lblPlayMode) {
         mark.visible = false;
     }
     lblTa.caption = "d";
-    lblTa.visible = false;
     lblMIDIIcon.caption = "MIDI";
-    lblMIDIIcon.visible = false;
-    lblMIDIDevice.visible = false;
 }
 
 std::array<Control*, 9> DisplayControls::digits() {
@@ -183,11 +172,8 @@ MainWindow::MainWindow()
         fraTab[i].visible = i == 0;
     }
     window.caption = "Zentrova";
-    lblL.caption = "L";
-    lblR.caption = "R";
-    lblVUSrc.caption = "p";
-    lblVUSrc.visible = false;
-    linHotJingles.visible = false;
+    lblL.visible = false;  // the meters' tool tips name the sides
+    lblR.visible = false;
 }
 
 MainWindow& frmMain() {

@@ -83,6 +83,14 @@ void PaintButton(int index, Colour back, Colour fore) {
     }
 }
 
+void PaintMarks(int index, Colour lp, Colour sq, Colour fx) {
+    if (JingleButton* b = Button(index)) {
+        b->lp_Jingle.foreColor = lp;
+        b->sq_Jingle.foreColor = sq;
+        b->fx_Jingle.foreColor = fx;
+    }
+}
+
 void ShowState(int index, bool sounds) {
     if (JingleButton* b = Button(index)) {
         const JingleRecord& j = Jingle(index);
@@ -144,9 +152,7 @@ void DressButton(int index) {
     JingleButton& b = *Button(index);
     b.JremBG.backColor = barSettings.JRemLevTrBg == 1 ? kNoColour : barSettings.JRemLevColBg;
     b.JRemLev.backColor = barSettings.JRemLevCol;
-    b.lp_Jingle.foreColor = Shaded.lp;
-    b.sq_Jingle.foreColor = Shaded.sq;
-    b.fx_Jingle.foreColor = Shaded.fx;
+    PaintMarks(index, Shaded.lp, Shaded.sq, Shaded.fx);
     PaintButton(index, BtnFaceColor, JingleForeColor);
 }
 

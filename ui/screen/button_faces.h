@@ -22,6 +22,8 @@ void ShowMarks(int index);
 void ShowPlayModeMark(int index);
 /// Back and text colour at once.
 void PaintButton(int index, Colour back, Colour fore);
+/// The colours of the loop, sequence and effects marks.
+void PaintMarks(int index, Colour lp, Colour sq, Colour fx);
 /// What the button tells beside its colours: whether it sounds, and for whom, or why it cannot.
 void ShowState(int index, bool sounds);
 /// The colours that a silent button wants: red text when its file is missing.

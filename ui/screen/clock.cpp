@@ -33,8 +33,6 @@ bool DateTimeDemoOn = false;
 
 namespace {
 
-constexpr int kNarrowPanel = 4000, kNarrowTime = 2220, kWideTime = 2800;  // twips
-
 bool ColonPhase = false;
 
 /// Element `i` of a comma list of the language, `fallback` without one.
@@ -71,21 +69,29 @@ std::string lowerAscii(std::string_view text) {
     return out;
 }
 
+/// Fills all digits but the first, the hundreds of minutes, and shows those of two figures in front.
 void writeDigits(const std::array<std::string, 9>& texts) {
+    frmMain().display.lblPosMinD.visible = true;
+    frmMain().display.lblPosMin.visible = true;
     const auto digits = frmMain().display.digits();
     for (std::size_t i = 0; i < digits.size(); ++i) {
         digits[i]->caption = texts[i];
     }
 }
 
+/// The clock's sign ("j" the date, "t" the time) and the half of the day.
+void showSigns(const char* sign, bool am, bool pm) {
+    DisplayControls& d = frmMain().display;
+    d.lblClock[0].visible = true;
+    d.lblClock[0].caption = std::string(sign);
+    d.lblClock[1].visible = am;
+    d.lblClock[2].visible = pm;
+}
+
 /// Day, month and year in the order of the date format.
 void showDate(const WallTime& t) {
-    DisplayControls& d = frmMain().display;
-    d.lblClock[1].visible = false;
-    d.lblClock[2].visible = false;
-    d.lblClock[0].visible = true;
-    d.lblClock[0].caption = "j";
-    std::string day = padded(t.day, 2), month = padded(t.month, 2), year = padded(t.year % 100, 2);
+    showSigns("j", false, false);
+    const std::string day = padded(t.day, 2), month = padded(t.month, 2), year = padded(t.year % 100, 2);
     std::string first = day, second = month, third = year;
     if (clockSettings.DateFormat == "mmmm dd ddd yyyy") {
         first = month;
@@ -94,24 +100,16 @@ void showDate(const WallTime& t) {
         first = year;
         third = day;
     }
-    d.lblPosMinD.visible = true;
-    d.lblPosMin.visible = true;
     writeDigits({"", first.substr(0, 1), first.substr(1), ".", second.substr(0, 1), second.substr(1), ".",
                  third.substr(0, 1), third.substr(1)});
 }
 
 void showTime(const WallTime& t) {
-    DisplayControls& d = frmMain().display;
-    d.lblClock[0].visible = true;
-    d.lblClock[0].caption = "t";
     const bool halfDays = clockSettings.TimeFormat.find("AM") != std::string::npos;
-    d.lblClock[1].visible = halfDays && t.hour < 12;
-    d.lblClock[2].visible = halfDays && t.hour >= 12;
+    showSigns("t", halfDays && t.hour < 12, halfDays && t.hour >= 12);
     const int hour = halfDays ? (t.hour % 12 == 0 ? 12 : t.hour % 12) : t.hour;
     const std::string h = padded(hour, 2), m = padded(t.minute, 2), s = padded(t.second, 2);
     const std::string colon = ColonPhase ? ":" : "";
-    d.lblPosMinD.visible = true;
-    d.lblPosMin.visible = true;
     writeDigits({"", h.substr(0, 1), h.substr(1), colon, m.substr(0, 1), m.substr(1), colon, s.substr(0, 1),
                  s.substr(1)});
 }
@@ -122,8 +120,6 @@ void showNextAnnouncement(const WallTime& now) {
     SetDigitsColour(warningSettings.RemainColor);
     d.lblClock[1].visible = next.find("AM") != std::string::npos;
     d.lblClock[2].visible = next.find("PM") != std::string::npos;
-    d.lblPosMinD.visible = true;
-    d.lblPosMin.visible = true;
     const std::string tens = next.substr(0, 1) == "0" ? std::string() : next.substr(0, 1);
     writeDigits({"", tens, next.substr(1, 1), ":", next.substr(3, 1), next.substr(4, 1), ":",
                  next.substr(6, 1), next.substr(7, 1)});
@@ -201,8 +197,6 @@ void DateTimeUpdate() {
         }
         DisplayControls& d = frmMain().display;
         const WallTime now = wallTime();
-        d.lblTime.width = d.picDispBack.width() < kNarrowPanel ? kNarrowTime : kWideTime;
-        d.lblTime.left = d.lblDate.left() + d.lblDispMessage.width() - d.lblTime.width();
         // What is wrong with the outputs stands in the place of the date.
         const std::string trouble = NoOutputDevice ? Ln("mNoOutDev") : OutputTrouble();
         d.lblDate.caption = trouble.empty() ? FormatDate(clockSettings.DateFormat, now) : trouble;

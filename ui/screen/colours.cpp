@@ -75,11 +75,8 @@ void paintToggles() {
 }
 
 void paintRecord(int i) {
-    JingleButton& b = *Button(i);
     JingleRecord& j = Jingle(i);
-    b.lp_Jingle.foreColor = Shaded.lp;
-    b.sq_Jingle.foreColor = Shaded.sq;
-    b.fx_Jingle.foreColor = Shaded.fx;
+    PaintMarks(i, Shaded.lp, Shaded.sq, Shaded.fx);
     if (!j.Path.empty() && j.BTNCol != kFaceColourText && !j.BTNCol.empty()) {
         j.BackRGB = ShadeColor(HexToRGB(j.BTNCol), darkSettings.ShadeOffsetVal);
         j.ForeRGB = GetForeColor(j.BackRGB, "jingle");

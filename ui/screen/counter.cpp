@@ -23,10 +23,6 @@ namespace {
 void minimalClock() {
     UiTimers& t = timers();
     if (DispRemain <= 0) {
-        if (t.TimerWarnBlink.enabled()) {
-            t.TimerWarnBlink.stop();
-            SetDigitsColour(displaySettings.CountDownColor);
-        }
         if (clockSettings.ClockEnabled == 1) {
             if (!ClockShown) {
                 t.TimerIdleClock.start();
@@ -42,6 +38,11 @@ void minimalClock() {
 }  // namespace
 
 void ShowRemain() {
+    Timer& blink = timers().TimerWarnBlink;
+    if (DispRemain <= 0 && blink.enabled()) {
+        blink.stop();
+        SetDigitsColour(displaySettings.CountDownColor);
+    }
     if (minimalSettings.MinimalView == 1) {
         minimalClock();
     }
@@ -49,17 +50,6 @@ void ShowRemain() {
         return;
     }
     WriteDigits(Val(DispText));
-    Timer& blink = timers().TimerWarnBlink;
-    if (DispRemain <= 0 && blink.enabled()) {
-        blink.stop();
-        HideMinutes();
-        DisplayControls& d = frmMain().display;
-        d.lblPosSecD.caption = "0";
-        d.lblPosSecU.caption = "0";
-        d.lblPosMisD.caption = "0";
-        d.lblPosMisC.caption = std::string(displaySettings.DispCSec == 1 ? "0" : "");
-        SetDigitsColour(displaySettings.CountDownColor);
-    }
 }
 
 }  // namespace zv

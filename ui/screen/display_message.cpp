@@ -15,13 +15,6 @@ namespace {
 
 constexpr int kMessageMs = 3000;
 
-void showLine(bool on) {
-    DisplayControls& d = frmMain().display;
-    d.lblDate.visible = !on;
-    d.lblTime.visible = !on;
-    d.lblDispMessage.visible = on;
-}
-
 UiTimer& timerMessage() {
     static UiTimer timer("TimerDispMessage", kMessageMs);
     return timer;
@@ -29,13 +22,20 @@ UiTimer& timerMessage() {
 
 }  // namespace
 
+void ShowMessageLine(bool on) {
+    DisplayControls& d = frmMain().display;
+    d.lblDate.visible = !on;
+    d.lblTime.visible = !on;
+    d.lblDispMessage.visible = on;
+}
+
 void ShowDisplayMessage(const std::string& text) {
     frmMain().display.lblDispMessage.caption = text;
-    showLine(true);
+    ShowMessageLine(true);
     timerMessage().handler = [] {
         guarded("frmMain.TimerDispMessage_Timer", [] {
             timerMessage().stop();
-            showLine(false);
+            ShowMessageLine(false);
         });
     };
     timerMessage().restart();

@@ -53,16 +53,6 @@ void takeSmaller(double& least, double left) {
     }
 }
 
-/// Number field and small field follow the button's colours.
-void followColours(JingleButton& b) {
-    const Colour back = b.b_Jingle.backColor;
-    const Colour fore = b.b_Jingle.foreColor;
-    b.picPlaylist.backColor = back;
-    b.picbtnumber.backColor = back;
-    b.lblPlaylist.foreColor = fore;
-    b.lblbtnumber.foreColor = fore;
-}
-
 void silentButton(int i, JingleButton& b) {
     if (BlinkTestOn) {
         b.JRemLev.width = b.b_Jingle.width() - kBarMargin;
@@ -74,18 +64,14 @@ void silentButton(int i, JingleButton& b) {
     Colour fore = 0;
     RestColours(i, back, fore);
     if (!SelectorsOn && (b.b_Jingle.backColor != back || b.b_Jingle.foreColor != fore)) {
-        b.b_Jingle.backColor = back;
-        b.b_Jingle.foreColor = fore;
+        PaintButton(i, back, fore);
         if (Jingle(i).Pressed == 0 && !Jingle(i).MissingFile) {
             SlotEnded(i);
         }
     } else if (!SelectorsOn && Jingle(i).Pressed == 0) {
         SlotSilent(i);
     }
-    b.lp_Jingle.foreColor = Shaded.lp;
-    b.sq_Jingle.foreColor = Shaded.sq;
-    b.fx_Jingle.foreColor = Shaded.fx;
-    followColours(b);
+    PaintMarks(i, Shaded.lp, Shaded.sq, Shaded.fx);
     ShowState(i, false);
 }
 
@@ -102,11 +88,10 @@ double soundingButton(int i, JingleButton& b) {
     const Colour playing =
         j.PlayingOtherPal ? playingSettings.PlayingColorAnotherPal : playingSettings.PlayingColor;
     if (b.b_Jingle.backColor != playing && Plays(i)) {
-        b.b_Jingle.backColor = playing;
-        b.b_Jingle.foreColor = j.PlayingOtherPal ? GetForeColor(playing, "") : playingSettings.PlayingFColor;
+        PaintButton(i, playing,
+                    j.PlayingOtherPal ? GetForeColor(playing, "") : playingSettings.PlayingFColor);
         b.b_Jingle.borderColor = kNoColour;
     }
-    followColours(b);
     ShowState(i, true);
 
     const PlayTime time = PlayTimeOf(i);

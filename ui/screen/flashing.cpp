@@ -13,6 +13,7 @@
 #include "startup/settings/display_settings.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
+#include "ui/screen/button_faces.h"
 #include "ui/screen/error_mark.h"
 #include "ui/screen/shaded.h"
 
@@ -30,9 +31,8 @@ void TimerFadeOutLEDTick() {
     guarded("frmMain.TimerFadeOutLED_Timer", [] {
         FadePhase = !FadePhase;
         for (const int i : LiveJingles()) {
-            JingleButton* b = Button(i);
             const JingleRecord& j = Jingle(i);
-            if (b == nullptr || j.State != PlayState::stopping || j.hSrc == 0) {
+            if (j.State != PlayState::stopping || j.hSrc == 0) {
                 continue;
             }
             Colour lp = Shaded.lp, sq = Shaded.sq, fx = Shaded.fx;
@@ -46,9 +46,7 @@ void TimerFadeOutLEDTick() {
                     }
                 }
             }
-            b->lp_Jingle.foreColor = lp;
-            b->sq_Jingle.foreColor = sq;
-            b->fx_Jingle.foreColor = fx;
+            PaintMarks(i, lp, sq, fx);
         }
     });
 }

@@ -233,9 +233,7 @@ void DrawJButtons(int load) {
 
 void SetJoinedJButtons(bool joined) {
     gridSettings.JoinedJButtons = joined ? 1 : 0;
-    JOuterGap = joined ? kJoinedOuterGap : 0;
-    JGap = joined ? 0 : kGap;
-    FormDraw();
+    FormDraw("init");
 }
 
 }  // namespace zv

@@ -265,11 +265,9 @@ void ChangeTab(int tab) {
         ResetOption();
         giveUpOption();
         ActiveTab = tab;
-        TabDraw(tab);
-        MainWindow& w = frmMain();
         for (int i = 0; i < kTabs; ++i) {
-            w.ckTab[static_cast<std::size_t>(i)].value = i == tab ? 1 : 0;
-            w.fraTab[static_cast<std::size_t>(i)].visible = i == tab;
+            TabDraw(i);
+            frmMain().fraTab[static_cast<std::size_t>(i)].visible = i == tab;
         }
     });
 }
@@ -287,7 +285,7 @@ void DrawDisplay() {
         text->fontSize = 10.5 * grow;
     }
     const int inner = width - 2 * margin;
-    const int timeWidth = std::min(width < 4000 ? 2220 : 2800, inner / 2 / kTwipsPerPixel * kTwipsPerPixel);
+    const int timeWidth = width < 4000 ? 2220 : 2800;
     const int top = px(8);
     // The time is right-aligned in its field: the date may use the left part of it.
     place(d.lblDate, margin, top, std::max(inner - timeWidth, inner - px(78 * grow)), line);
@@ -382,8 +380,6 @@ void DrawMeters() {
         place(w.VuL, columns.at(0), inset, columns.size(0), height - 2 * inset);
         place(w.VuR, columns.at(1), inset, columns.size(1), height - 2 * inset);
     }
-    w.lblL.visible = false;
-    w.lblR.visible = false;
     ApplyMeterLook();
 }
 

@@ -24,9 +24,6 @@ void ComputeShaded() {
     Shaded.am = shade(markSettings.amColor);
     Shaded.am2 = shade(0xFFFFFF - markSettings.amColor);
     Shaded.ass = shade(markSettings.assColor);
-    Shaded.sp = shade(markSettings.spColor);
-    Shaded.to = shade(markSettings.toColor);
-    Shaded.mo = shade(markSettings.moColor);
 }
 
 }  // namespace zv

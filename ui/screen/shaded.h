@@ -6,8 +6,7 @@
 namespace zv {
 
 struct ShadedColours {
-    Colour lp = 0, sq = 0, fx = 0, co = 0, ar = 0, tc = 0, ps = 0, ns = 0, ta = 0, am = 0, am2 = 0, ass = 0,
-           sp = 0, to = 0, mo = 0;
+    Colour lp = 0, sq = 0, fx = 0, co = 0, ar = 0, tc = 0, ps = 0, ns = 0, ta = 0, am = 0, am2 = 0, ass = 0;
 };
 extern ShadedColours Shaded;
 

@@ -18,6 +18,12 @@ constexpr int kTitleBar = 64;  // pixels that a desktop may take from a window t
 constexpr int kBars = 96;      // what its title and the bars of a desktop take at most
 constexpr int kMaximised = 2;  // of WinState
 
+/// The screen that the settings name, or the first.
+Monitor namedScreen(const std::vector<Monitor>& screens) {
+    const auto wanted = static_cast<std::size_t>(windowSettings.Monitor);
+    return screens[wanted < screens.size() ? wanted : 0];
+}
+
 /// The screen that holds the middle of the window's title, as far as a screen is wide; else the one that the
 /// settings name.
 Monitor screenFor(const Control& window, const std::vector<Monitor>& screens) {
@@ -30,8 +36,7 @@ Monitor screenFor(const Control& window, const std::vector<Monitor>& screens) {
             return m;
         }
     }
-    const auto wanted = static_cast<std::size_t>(windowSettings.Monitor);
-    return screens[wanted < screens.size() ? wanted : 0];
+    return namedScreen(screens);
 }
 
 /// A size and a place inside the screen, whatever the file says.
@@ -63,8 +68,7 @@ void PlaceWindow(Control& window) {
     window.top = windowSettings.PosTop;
     const std::vector<Monitor> screens = monitors();
     if (windowSettings.WinState == kMaximised && !screens.empty()) {
-        const auto wanted = static_cast<std::size_t>(windowSettings.Monitor);
-        const Monitor& screen = screens[wanted < screens.size() ? wanted : 0];
+        const Monitor screen = namedScreen(screens);
         window.width = screen.width * kTwipsPerPixel;
         window.height = screen.height * kTwipsPerPixel;
         window.left = screen.left * kTwipsPerPixel;

@@ -16,8 +16,8 @@ namespace zv::shell {
 namespace {
 
 constexpr double kFrameShare = 0.07, kFrameMin = 3, kFrameMax = 4;  ///< of the shorter side, and pixels
-constexpr double kRing = 3;             ///< pixels of a border that an option or a carried jingle has
-constexpr double kFrameContrast = 3.1;  ///< of a frame to its own face, in a dark window no more than that
+constexpr double kEdge = 1;                                         ///< pixels of the line around a frame
+constexpr double kRing = 3;  ///< pixels of a border that an option or a carried jingle has
 constexpr double kSignShare = 0.2, kSignMin = 9, kSignMax = 24;
 constexpr int kLowest = 40;     ///< pixels of height below which there is no room for a sign
 constexpr int kNarrowest = 76;  ///< and of width
@@ -35,9 +35,11 @@ void paintWhole(QPainter& p, const QSize& size, const JingleFace& face) {
         return;
     }
     const double line = std::clamp(std::min(rect.width(), rect.height()) * kFrameShare, kFrameMin, kFrameMax);
-    const QColor frame = frameColour(face.colour, face.dark);
-    drawFace(p, rect, face.colour, face.state == JingleState::sounding ? frame : face.border);
-    QPen pen(frame, line);
+    const FrameColours on = frameColours(face.colour, face.dark);
+    drawFace(p, rect, on.edge, on.edge);
+    drawFace(p, rect.adjusted(kEdge, kEdge, -kEdge, -kEdge), face.colour,
+             face.state == JingleState::sounding ? on.frame : face.border, kRadius - kEdge);
+    QPen pen(on.frame, line);
     if (face.state == JingleState::otherPalette) {
         pen.setDashPattern({3, 1.6});
         pen.setCapStyle(Qt::FlatCap);
@@ -45,7 +47,7 @@ void paintWhole(QPainter& p, const QSize& size, const JingleFace& face) {
     p.setRenderHint(QPainter::Antialiasing);
     p.setPen(pen);
     p.setBrush(Qt::NoBrush);
-    const double in = line / 2;
+    const double in = kEdge + line / 2;
     p.drawRoundedRect(rect.adjusted(in, in, -in, -in), kRadius - 1, kRadius - 1);
 }
 
@@ -77,17 +79,25 @@ JingleTones tonesOf(const Control& record, const Theme& theme, bool empty, bool 
     return tones;
 }
 
-QColor frameColour(const QColor& face, bool dark) {
-    constexpr int kBlue = 200, kVivid = 230;  // the hue of a face that has none
-    constexpr double kDeepContrast = 8;
-    const bool plain = face.hsvSaturation() < 20;
-    const int hue = plain ? kBlue : face.hsvHue();
-    QColor frame;
-    for (int value = 255; value > 0; --value) {
-        frame = QColor::fromHsv(hue, kVivid, value);
-        if (contrast(frame, face) >= (dark ? kFrameContrast : kDeepContrast)) break;
+FrameColours frameColours(const QColor& face, bool dark) {
+    constexpr int kBlue = 200, kVivid = 230, kFull = 255;  // blue: the hue of a face that has none
+    // Beside black or white a contrast of 9 leaves no third colour within 3 of both. A dark window's idle faces are
+    // deep, so that its frames may be bright.
+    constexpr double kDeepContrast = 9.2, kBrightContrast = 3.1, kEdgeContrast = 3;
+    const int hue = face.hsvSaturation() < 20 ? kBlue : face.hsvHue();
+    const QColor white(Qt::white), black(Qt::black);
+    FrameColours on;
+    on.frame = contrast(white, face) > contrast(black, face) ? white : black;
+    for (int tone = 0; tone < kFull + kVivid; ++tone) {  // from the vivid one down to black, then up to white
+        const int paler = std::max(0, tone - kFull + 1);
+        const QColor tried = QColor::fromHsv(hue, kVivid - paler, paler > 0 ? kFull : kFull - tone);
+        if (contrast(tried, face) >= (dark ? kBrightContrast : kDeepContrast)) {
+            on.frame = tried;
+            break;
+        }
     }
-    return frame;
+    on.edge = contrast(white, on.frame) >= kEdgeContrast ? white : black;
+    return on;
 }
 
 void paintJingleFace(QPainter& p, const QSize& size, double ratio, const JingleFace& face) {

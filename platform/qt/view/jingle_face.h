@@ -33,9 +33,12 @@ struct JingleFace {
         {};  ///< of a wide border: the armed option can go here, or the jingle is carried; else invalid
 };
 
-/// The frame of a sounding face: its hue, with a contrast of at least 3 to the face and, from there, as far from
-/// the other faces of the window as can be.
-QColor frameColour(const QColor& face, bool dark);
+/// The frame of a sounding face, in its hue where that can be, and the thin line around the frame. The frame has a
+/// contrast of at least 3 to its own face; one of the two has it to every idle face of the window.
+struct FrameColours {
+    QColor frame, edge;
+};
+FrameColours frameColours(const QColor& face, bool dark);
 
 /// Paints the face over the whole of a button. Faces of one size and look are painted once and copied from
 /// then on.

@@ -14,7 +14,7 @@
 namespace zv::shell {
 
 inline constexpr int kMargin = 8;      ///< pixels between the face's edge and its text
-inline constexpr int kFrameLine = 4;   ///< pixels of the frame around what sounds
+inline constexpr int kFrameLine = 5;   ///< pixels of the frame around what sounds, with its edge
 inline constexpr int kLowButton = 40;  ///< pixels of height below which duration and caption share one line
 
 enum class JinglePart : std::uint8_t { bar, mark, number, letter, tickBox, ground };
