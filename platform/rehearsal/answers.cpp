@@ -61,7 +61,6 @@ BoxAnswer worded(BoxButtons buttons, bool agree) {
 }
 
 std::string dialog(const std::string& kind, const std::string& title) {
-    shell::noteOpened();
     const std::optional<std::string> answer = nextAnswer();
     const bool given = answer && *answer != "cancel" && *answer != "no";
     std::string path = given ? Stage::instance().file(*answer) : std::string{};
@@ -79,7 +78,6 @@ std::string dialog(const std::string& kind, const std::string& title) {
 
 BoxAnswer messageBox(const std::string& message, const std::string& title, BoxKind kind, BoxButtons buttons,
                      const BoxWords& own) {
-    shell::noteOpened();
     const Stage& stage = Stage::instance();
     BoxAnswer given = worded(buttons, stage.closing);
     std::string remark;
@@ -116,7 +114,6 @@ std::string openFileDialog(const std::string& title, const std::string&, const s
 std::string folderDialog(const std::string& title, const std::string&) { return dialog("folder", title); }
 
 void popupMenu(Control&, const std::vector<MenuItem>& items) {
-    shell::noteOpened();
     const Stage& stage = Stage::instance();
     if (!stage.chooseFromMenu) return;
     const std::string name = stage.chooseFromMenu(items);

@@ -169,12 +169,11 @@ void Player::play() {
         fail("the program has ended before");
 }
 
-bool Player::playUntil(const std::function<bool()>& over) {
+void Player::playUntil(const std::function<bool()>& over) {
     while (const Action* next = reachNext(over)) {
-        if (next->verb == Verb::end) break;  // left for the outermost loop
+        if (next->verb == Verb::end) return;  // left for the outermost loop
         perform(takeNext());
     }
-    return over();
 }
 
 bool Player::answerComes(bool cardOnly) const {
@@ -185,7 +184,7 @@ bool Player::answerComes(bool cardOnly) const {
 }
 
 void Player::perform(const Action& action) {
-    const int outer = std::exchange(line_, action.line);
+    line_ = action.line;
     processEvents();
     switch (action.verb) {
         case Verb::press:
@@ -273,8 +272,6 @@ void Player::perform(const Action& action) {
         case Verb::end:
             break;
     }
-    processEvents();
-    line_ = outer;
 }
 
 Control* Player::find(const Action& action) const {
@@ -293,10 +290,7 @@ Control* Player::find(const Action& action) const {
 Control* Player::control(const Action& action) {
     Action named = action;
     if (action.verb == Verb::resize) named.name = "frmMain";
-    if (action.name.empty() && action.index >= 0) {
-        named.window = "frmMain";
-        named.name = "b_Jingle";
-    }
+    if (action.name.empty() && action.index >= 0) named.name = "b_Jingle";
     Control* found = find(named);
     // Chance may ask for what was never opened.
     if (found == nullptr && line_ == 0) ignored(action);
@@ -328,7 +322,6 @@ void Player::pressButton(const Action& action) {
     stage.heldKeys.erase(kLeftMouse);
     if (action.verb == Verb::down) stage.heldKeys.insert(kLeftMouse);
     if (action.verb != Verb::up) reached = shell::mouseDown(*button, MouseButton::left, mods);
-    if (action.verb == Verb::press) shell::deliverEvents();
     if (action.verb != Verb::down) reached = shell::mouseUp(*button, MouseButton::left, mods) && reached;
     if (!reached) ignored(action);
 }
@@ -404,15 +397,9 @@ void Player::setControl(const Action& action) {
 }
 
 void Player::pickPalette(const Action& action) {
-    Control* list = findControl("lstPal");
-    if (list != nullptr && !takesNow(*list, nullptr)) return ignored(action);
-    if (list == nullptr) {
-        fail("there is no list of palettes");
-    } else if (std::ranges::find(list->items(), action.text) == list->items().end()) {
-        fail("there is no palette \"" + action.text + "\"");
-    } else {
-        selectRow(*list, action.text);
-    }
+    Action set = action;
+    set.name = "lstPal";
+    setControl(set);
 }
 
 void Player::expectValue(const Action& action) {
@@ -516,14 +503,13 @@ std::string Player::chooseFromMenu(const std::vector<MenuItem>& items) {
             continue;
         }
         const auto item = std::ranges::find(items, action.name, &MenuItem::name);
-        const int outer = std::exchange(line_, action.line);
+        line_ = action.line;
         if (item == items.end() && action.line == 0)
             ignored(action);
         else if (item == items.end())
             fail("the open menu has no " + action.name + "; it has " + names);
         else if (!item->enabled)
             noteEvent("ignored", actionText(action) + " (disabled)");
-        line_ = outer;
         return item != items.end() && item->enabled ? action.name : std::string{};
     }
     return {};

@@ -20,8 +20,8 @@ class Player {
 
     /// Performs all of it, beginning at the present moment.
     void play();
-    /// Goes on performing until `over` says so, as while a modal window waits. False when the script ended before.
-    bool playUntil(const std::function<bool()>& over);
+    /// Goes on performing until `over` says so, as while a modal window waits, or the script has ended.
+    void playUntil(const std::function<bool()>& over);
     /// True when what is left of the script answers a question: by its card, or by `answer` unless only the card counts.
     bool answerComes(bool cardOnly) const;
     /// Tells what went wrong, with the place in the script; the rehearsal has failed then.

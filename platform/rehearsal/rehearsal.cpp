@@ -193,7 +193,7 @@ int rehearse(const RehearsalOptions& options, const RehearsedProgram& program) {
 
     Player player(options, program, std::move(script.actions));
     stage.fail = [&player](const std::string& text) { player.fail(text); };
-    stage.playUntil = [&player](const std::function<bool()>& over) { return player.playUntil(over); };
+    stage.playUntil = [&player](const std::function<bool()>& over) { player.playUntil(over); };
     stage.answerComes = [&player](bool cardOnly) { return player.answerComes(cardOnly); };
     stage.chooseFromMenu = [&player](const std::vector<MenuItem>& items) {
         return player.chooseFromMenu(items);

@@ -37,8 +37,8 @@ struct Stage {
 
     /// Waits, performing the script, until an item of the open menu is chosen; its name, or nothing.
     std::function<std::string(const std::vector<MenuItem>&)> chooseFromMenu;
-    /// Waits, performing the script, until `over` says so; false when the script ended before.
-    std::function<bool(const std::function<bool()>& over)> playUntil;
+    /// Waits, performing the script, until `over` says so or the script has ended.
+    std::function<void(const std::function<bool()>& over)> playUntil;
     /// True when the script still answers a question: by its card, or by an `answer` unless only the card counts.
     std::function<bool(bool cardOnly)> answerComes;
     /// Called once, when the program lets waiting events run for the first time: it has filled its tables by

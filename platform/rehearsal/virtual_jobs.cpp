@@ -124,8 +124,7 @@ class VirtualJobs final : public JobRunner {
 
     void endAll() {
         ended_ = true;
-        const auto ended = std::exchange(jobs_, {});
-        for (const auto& job : ended) job->state->over = job->state->cancelled = true;
+        const auto ended = std::exchange(jobs_, {});  // what they hold may cancel others
     }
 
   private:
