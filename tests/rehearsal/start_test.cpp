@@ -1,8 +1,12 @@
 // What the program finds in its folder when it starts: another program, settings without sense, no right to
 // write.
 #include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
 #include <sys/file.h>
+#include <sys/inotify.h>
 #include <sys/mount.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -94,6 +98,55 @@ TEST(Start, WithNonsenseInEveryKeyTheWindowWorks) {
         EXPECT_EQ(std::max(peak(main, 150, 350), peak(aux, 150, 350)) > 0.1F, kind.audible);
         EXPECT_EQ(show.contentsOf("palette.ini"), kPalette);
     }
+}
+
+/// Starts the program and kills it at the `last` thing that happens to a file of its folder; false when it ended before.
+bool killedAt(const Show& show, int last) {
+    const int watch = ::inotify_init1(IN_CLOEXEC);
+    ::inotify_add_watch(watch, show.home().c_str(), IN_CREATE | IN_MODIFY | IN_MOVED_TO | IN_DELETE);
+    const fs::path script = show.home().parent_path() / "script.txt";
+    const pid_t program = ::fork();
+    if (program == 0) {
+        ::execl((binDir() + "/rehearse").c_str(), "rehearse", script.c_str(), "--home", show.home().c_str(),
+                "--out", show.out().c_str(), "--no-sound", nullptr);
+        ::_exit(127);
+    }
+    int status = 0;
+    pollfd waits{watch, POLLIN, 0};
+    for (int seen = 0; ::waitpid(program, &status, WNOHANG) == 0;) {
+        alignas(inotify_event) char events[4096];
+        if (::poll(&waits, 1, 5) <= 0) continue;
+        const auto bytes = ::read(watch, events, sizeof events);
+        for (std::ptrdiff_t at = 0; at < bytes; ++seen)
+            at += static_cast<std::ptrdiff_t>(sizeof(inotify_event) +
+                                              reinterpret_cast<const inotify_event*>(events + at)->len);
+        if (seen >= last) ::kill(program, SIGKILL);
+    }
+    ::close(watch);
+    EXPECT_TRUE(WIFSIGNALED(status) || WEXITSTATUS(status) == 0) << status;
+    return WIFSIGNALED(status);
+}
+
+TEST(Start, KilledAtAnyFileItWritesItLosesNothingAndStartsAgain) {
+    Show show;
+    show.tone("tone.wav", 1);
+    show.palette({"tone.wav"});
+    show.set("VolumeAux=37\r\nVolume=40\r\n");
+    const std::string settings = show.contentsOf("zv.ini");
+    std::ofstream(show.home().parent_path() / "script.txt")
+        << "at 0 key F2\nat 10 set frmMixer.SlideVolDevice(0) 41\nat 20 click frmMixer.btOk\nat 30 end\n";
+    int last = 1;
+    for (; killedAt(show, last); last += 1 + last / 2) {
+        EXPECT_EQ(show.contentsOf("palette.ini"), kPalette) << last;
+        const std::string now = show.contentsOf("zv.ini");
+        for (const char* key : {"VolumeAux=37\r\n", "\nVolume=4", "PaletteIndex=Test\r\n"})
+            EXPECT_NE(now.find(key), std::string::npos) << last << "\n" << now;
+        show.write("zv.ini", settings);
+    }
+    EXPECT_GT(last, 10);
+    EXPECT_NE(show.contentsOf("zv.ini").find("Volume=41\r\n"), std::string::npos);
+    show.passes(kPressSounds);
+    expectSound(show);
 }
 
 /// Nothing can be written below it, not even by the superuser.
