@@ -1,7 +1,6 @@
 // The graph from the buses to the sound cards.
 #include "audio/devices.h"
 
-#include <algorithm>
 #include <array>
 
 #include "audio/upcalls.h"
@@ -24,8 +23,6 @@ bool NoOutputDevice = false;
 
 namespace {
 
-constexpr std::array kRates{11025, 22050, 44100, 48000, 96000};
-constexpr std::size_t kUsualRate = 2;
 constexpr DWORD kFallbackRate = 44100;
 constexpr int kDefaultDevice = -1;
 constexpr DWORD kNoSound = 0;
@@ -37,13 +34,6 @@ bool single() { return deviceSettings.DeviceSingle != 0; }
 DWORD rate() { return static_cast<DWORD>(MixerFreqAtStart); }
 
 std::size_t at(int output) { return static_cast<std::size_t>(output); }
-
-/// The rate of this run: one of the list's, whatever the file says.
-void settleRate() {
-    const bool known = std::find(kRates.begin(), kRates.end(), deviceSettings.MixerFreq) != kRates.end();
-    if (!known) deviceSettings.MixerFreq = kRates[kUsualRate];
-    MixerFreqAtStart = deviceSettings.MixerFreq;
-}
 
 /// Selects the output that the system calls its default, if it is open.
 bool selectDefault() {
@@ -88,7 +78,7 @@ void reportNoDevice() {
 }
 
 void openSingle() {
-    settleRate();
+    MixerFreqAtStart = deviceSettings.MixerFreq;
     NoOutputDevice = false;
     if (!initDevice(Device[0])) {
         BASS_Init(static_cast<int>(kNoSound), rate(), 0, nullptr, nullptr);
@@ -128,7 +118,7 @@ void bassini(int output) {
 
 void SetupMixers() {
     guarded("modDevices.SetupMixers", [] {
-        settleRate();
+        MixerFreqAtStart = deviceSettings.MixerFreq;
         FreeBASS();
         BASS_Init(static_cast<int>(kNoSound), rate(), 0, nullptr, nullptr);
         MainMixer = newMixer();
@@ -222,7 +212,6 @@ void OpenMic() {
 
 void CloseMic() {
     guarded("modDevices.CloseMic", [] {
-        BASS_Mixer_ChannelRemove(hMic);
         BASS_StreamFree(hMic);
         BASS_RecordFree();
         hMic = 0;

@@ -92,7 +92,7 @@ Opened openAddress(const std::string& url, DWORD device, bool decoding, JobWork&
     const DWORD flags = decoding ? BASS_STREAM_DECODE : BASS_STREAM_AUTOFREE;
     const std::int64_t start = monotonicMs();
     DWORD handle = BASS_StreamCreateURL(url.c_str(), 0, flags, nullptr, nullptr);
-    const bool secure = url.size() > kHttps && (url[4] == 's' || url[4] == 'S');
+    const bool secure = SameText(std::string_view(url).substr(0, kHttps), "https://");
     if (handle == 0 && secure && !work.cancelled() && monotonicMs() - start < kConnectMs) {
         const std::string plain = "http" + url.substr(kHttps - 3);
         handle = BASS_StreamCreateURL(plain.c_str(), 0, flags, nullptr, nullptr);
@@ -120,7 +120,6 @@ void dropChannel() {
         BASS_ChannelSlideAttribute(hLive, BASS_ATTRIB_VOL, kStopAtEnd, ms(duckSettings.FadeOutSpeed));
         return;
     }
-    BASS_Mixer_ChannelRemove(hLive);
     BASS_StreamFree(hLive);
     hLive = 0;
 }

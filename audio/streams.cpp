@@ -180,10 +180,7 @@ void servePress(int index) {
 
 void openSlot(int index) {
     JingleRecord& j = Jingle(index);
-    if (j.Path.empty()) {
-        FreeJingle(index);
-        callUp(audioUpcalls.slotReset, index);
-    }
+    if (j.Path.empty()) callUp(audioUpcalls.slotReset, index);
     if (j.Path.empty() || j.PlayingOtherPal) {
         callUp(audioUpcalls.slotOpened, index);
         return;
@@ -261,7 +258,6 @@ void openNames(int index, const SlotKeys& keys) {
         }
         j.Path = path;
         j.MissingFile = j.Unplayable = false;
-        j.BassErr = 0;
         j.State = PlayState::idle;
         ReadSlot(j, keys);
         callUp(audioUpcalls.namesRead, index);

@@ -22,14 +22,12 @@ float share(int percent) { return static_cast<float>(percent) / 100.0F; }
 void slideJingles(float main, float aux, int ms) {
     BusLevel = std::min(main, Device[1] != 0 ? aux : main);
     for (std::size_t i = 0; i < MainSplit.size(); ++i)
-        if (MainSplit[i] != 0)
-            BASS_ChannelSlideAttribute(MainSplit[i], BASS_ATTRIB_VOLDSP, i == 0 ? main : aux,
-                                       static_cast<DWORD>(std::max(0, ms)));
+        BASS_ChannelSlideAttribute(MainSplit[i], BASS_ATTRIB_VOLDSP, i == 0 ? main : aux,
+                                   static_cast<DWORD>(std::max(0, ms)));
 }
 
 /// The microphone on one output, at `mic` times its own level there.
 void slideMic(std::size_t output, float mic, DWORD ms) {
-    if (MicSplit[output] == 0) return;
     const float level = mic * share(output == 0 ? volumeSettings.VolumeInMain : volumeSettings.VolumeInAux);
     BASS_ChannelSlideAttribute(MicSplit[output], BASS_ATTRIB_VOLDSP, level, ms);
 }

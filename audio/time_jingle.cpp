@@ -100,7 +100,6 @@ void build(SourceFile& found) {
     const double playable = lengthOf(hTmAnSrc) - startPosition() - endOffset;
     TmJingleDuration = std::max(0.0, BASS_ChannelBytes2Seconds(hTmAnSrc, BytePosition(playable)));
     attachEffects(static_cast<int>(info.freq));
-    BASS_ChannelSetPosition(hTmAn, BytePosition(startPosition()), BASS_POS_BYTE);
     if (chosen.StopPos != 0) armStop();
     if (mix()) {
         // Stopped before it is in the mixer, so that no period can catch it sounding.

@@ -18,7 +18,7 @@ namespace {
 std::string LastUrl;  // not added twice in a row
 
 bool beginsWith(std::string_view text, std::string_view scheme) {
-    return text.size() >= scheme.size() && SameText(text.substr(0, scheme.size()), scheme);
+    return SameText(text.substr(0, scheme.size()), scheme);
 }
 
 /// What an address is sorted by.

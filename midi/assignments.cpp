@@ -295,34 +295,29 @@ void LoadMIDIPresets() {
 
 std::string MIDIassignedTo(const std::string& section, const std::string& down, const std::string& up) {
     return guardedOr("modMidiFunctions.MIDIassignedTo", std::string(), [&]() -> std::string {
-        MIDIStore.SetSection(section);
         const Section keys(MIDIStore.GetSectionLines(section));
         const std::string wanted = down + "," + up;
         const auto holds = [&](const std::string& key) {
             return keys.value(key).find(wanted) != std::string::npos;
         };
-        const auto free = [](const std::string& key) { MIDIStore.PutValue(key, ""); };
         for (int i = 0; i <= LastLiveIdx(); ++i) {
             if (!holds(jingleKey(i))) continue;
             const auto at = static_cast<std::size_t>(i);
             midiIn.MIDIJinglePress[at].clear();
             midiIn.MIDIJingleRelease[at].clear();
             midiIn.MIDIJingleVelocity[at] = kFreeVelocity;
-            free(jingleKey(i));
             return jingleName(i);
         }
         const auto control = [&](const ControlCodes& c) -> std::optional<std::string> {
             if (!holds(c.key)) return std::nullopt;
             (midiIn.*c.first).clear();
             (midiIn.*c.second).clear();
-            free(c.key);
             return controlName(c.caption);
         };
         const auto fader = [&](const FaderCodes& f) -> std::optional<std::string> {
             if (!holds(f.key)) return std::nullopt;
             (midiIn.*f.code).clear();
             midiIn.*f.reverse = 0;
-            free(f.key);
             return controlName(f.caption);
         };
         // The palette's three first, then the faders, the volume before the automix time.

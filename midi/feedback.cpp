@@ -29,8 +29,6 @@ std::string hexDigits(int value) { return value < kHexDigits ? HexByte(value).su
 /// Slots whose lamp shows the down message.
 PerJingle<bool> pressedLamp{};
 
-bool known(int index) { return index >= 0 && index < kJingles; }
-
 void sendFixed(std::size_t note, bool on) { MIDIOut(on ? fixedOn[note] : fixedOff[note], hMidiOutFixed); }
 
 /// The message of a slot's state: unavailable, available or playing.
@@ -100,7 +98,7 @@ void MIDIOut(const std::string& text, MidiHandle handle) {
 void MIDIOutFixed(FixedNote note, bool on) { sendFixed(static_cast<std::size_t>(note), on); }
 
 void MIDIOutFixedJingle(int index, bool on) {
-    if (known(index)) sendFixed(static_cast<std::size_t>(index), on);
+    sendFixed(static_cast<std::size_t>(index), on);
 }
 
 void LoadMIDIOutFixeddatas() {
@@ -165,20 +163,17 @@ void LampOfTalkOver(bool on, bool fixed) {
 }
 
 void SlotOpened(int index, bool loaded) {
-    if (!known(index)) return;
     const auto at = static_cast<std::size_t>(index);
     sendState(index, loaded ? midiOut.OutJingleAvail[at] : midiOut.OutJingleUnavail[at]);
 }
 
 void SlotPressed(int index) {
-    if (!known(index)) return;
     MIDIOut(midiOut.OutJingleDown[static_cast<std::size_t>(index)], hMidiOut);
     MIDIOutFixedJingle(index, true);
     pressedLamp[static_cast<std::size_t>(index)] = true;
 }
 
 void SlotReleased(int index) {
-    if (!known(index)) return;
     const std::string& message = stateMessage(index);
     if (Jingle(index).hPlay == 0)
         MIDIOut(message, hMidiOut);
@@ -187,16 +182,16 @@ void SlotReleased(int index) {
 }
 
 void SlotSilent(int index) {
-    if (known(index) && pressedLamp[static_cast<std::size_t>(index)] && Jingle(index).hPlay != 0)
+    if (pressedLamp[static_cast<std::size_t>(index)] && Jingle(index).hPlay != 0)
         SlotEnded(index);
 }
 
 void SlotEnded(int index) {
-    if (known(index) && MIDIReady) sendState(index, midiOut.OutJingleAvail[static_cast<std::size_t>(index)]);
+    if (MIDIReady) sendState(index, midiOut.OutJingleAvail[static_cast<std::size_t>(index)]);
 }
 
 void SlotStopping(int index) {
-    if (known(index)) MIDIOut(midiOut.OutJingleUp[static_cast<std::size_t>(index)], hMidiOut);
+    MIDIOut(midiOut.OutJingleUp[static_cast<std::size_t>(index)], hMidiOut);
 }
 
 }  // namespace zv

@@ -292,7 +292,6 @@ void SetLearnBox(int row, int box, std::string_view text) {
 }
 
 void imgDelete(int row) {
-    if (!validRow(row)) return;
     rowAt(row) = {};
     shown();
 }

@@ -11,6 +11,12 @@ constexpr std::string_view kMissing = "EntryNotFoundFlag";  // a key that holds 
 constexpr int kMustBeNumber = 5;
 constexpr std::size_t kNamesBuffer = 32767;  // characters, each name with the zero that ends it
 
+/// A store without a file takes nothing.
+template <class Change>
+bool update(StoredIni& file, const std::string& path, Change change) {
+    return !path.empty() && file.update(change);
+}
+
 }  // namespace
 
 cImpulse::cImpulse() = default;
@@ -47,8 +53,7 @@ std::string_view cImpulse::sectionOr(std::string_view section) const {
 
 std::string cImpulse::GetValue(std::string_view key, int valueType, std::string_view section,
                                std::string_view def) {
-    std::optional<std::string> found;
-    if (!IniPath_.empty()) found = file().text().value(sectionOr(section), key);
+    std::optional<std::string> found = file().text().value(sectionOr(section), key);
     Failed_ = !found || *found == kMissing;
     if (Failed_) return std::string(def);
     if (valueType == kMustBeNumber && !ToNumber(*found)) {
@@ -59,19 +64,16 @@ std::string cImpulse::GetValue(std::string_view key, int valueType, std::string_
 }
 
 void cImpulse::PutValue(std::string_view key, int, std::string_view section, int, std::string_view value) {
-    if (IniPath_.empty()) return;
-    file().update([&](IniText& text) { return text.put(sectionOr(section), key, value); });
+    update(file(), IniPath_, [&](IniText& text) { return text.put(sectionOr(section), key, value); });
 }
 
 void cImpulse::DeleteSection(std::string_view name) {
-    if (IniPath_.empty()) return;
-    file().update([&](IniText& text) { return text.eraseSection(name); });
+    update(file(), IniPath_, [&](IniText& text) { return text.eraseSection(name); });
 }
 
 void cImpulse::ListSections() {
     SectionNames_.clear();
     HiddenSections_ = 0;
-    if (IniPath_.empty()) return;
     std::vector<std::string> names = file().text().sectionNames();
     std::size_t total = 0;
     for (const std::string& name : names) total += characterCount(name) + 1;
@@ -89,8 +91,7 @@ void cImpulse::ListSections() {
 }
 
 bool cImpulse::PutSection(std::string_view section, const std::vector<Line>& lines, bool replace) {
-    if (IniPath_.empty()) return false;
-    return file().update([&](IniText& text) {
+    return update(file(), IniPath_, [&](IniText& text) {
         const std::string_view name = sectionOr(section);
         return replace ? text.replaceSection(name, lines) : text.mergeSection(name, lines);
     });
@@ -98,8 +99,7 @@ bool cImpulse::PutSection(std::string_view section, const std::vector<Line>& lin
 
 bool cImpulse::MoveSection(std::string_view from, std::string_view to, const std::vector<Line>& lines,
                            bool replace) {
-    if (IniPath_.empty()) return false;
-    return file().update([&](IniText& text) {
+    return update(file(), IniPath_, [&](IniText& text) {
         // A name that differs in case only is the same section to the store.
         const bool erased = SameText(from, to) && text.eraseSection(from);
         const bool put = replace ? text.replaceSection(to, lines) : text.mergeSection(to, lines);
@@ -115,11 +115,10 @@ bool cImpulse::ReplaceValues(std::string_view stem, const std::function<bool(con
 }
 
 bool cImpulse::RewriteValues(std::string_view stem, const Become& become) {
-    if (IniPath_.empty()) return false;
-    return file().update([&](IniText& text) { return text.rewriteValues(stem, become); });
+    return update(file(), IniPath_, [&](IniText& text) { return text.rewriteValues(stem, become); });
 }
 
-std::string_view cImpulse::Bytes() { return IniPath_.empty() ? std::string_view() : file().text().bytes(); }
+std::string_view cImpulse::Bytes() { return file().text().bytes(); }
 
 void cImpulse::KeepWhenAway() {
     keepWhenAway_ = true;
@@ -129,7 +128,6 @@ void cImpulse::KeepWhenAway() {
 bool cImpulse::Away() const { return file_ && file_->away(); }
 
 std::vector<cImpulse::Line> cImpulse::GetSectionLines(std::string_view section) {
-    if (IniPath_.empty()) return {};
     return file().text().lines(sectionOr(section));
 }
 

@@ -314,7 +314,7 @@ bool IniText::putPlain(std::string_view section, std::string_view key, std::stri
         // All lines of that name: a second one would come to light otherwise.
         std::vector<std::pair<std::size_t, std::size_t>> gone;
         for (const Key& line : s->keys) {
-            if (line.hash == k->hash && isNamed(*s, line, key)) {
+            if (isNamed(*s, line, key)) {
                 gone.emplace_back(s->begin + line.begin, s->begin + line.end);
             }
         }

@@ -49,7 +49,11 @@ TEST_F(SurfaceTest, DamageCostsWhatItHit) {
     write("MIDI.ini",
           "[Pad]\r\nPaletteUp=9001\r\nMainVolume=B007,x\r\nJingle0=9010,901000\r\n"
           "Jingle1=9011,901100,999\r\njingle2=9012,901200,100\r\nOutStopAll=A0\r\nOutJingle3=,\r\n=\r\n");
+    ErrorLogOn = true;
     LoadMIDIdatas("Pad");
+    EXPECT_NE((ReportText + read("Error.log"))
+                  .find("Damaged in MIDI.ini: Jingle0; Jingle1; OutJingle3; PaletteUp; MainVolume; OutStopAll;"),
+              std::string::npos);
     EXPECT_EQ(midiIn.MIDIUpDown, "9001");
     EXPECT_TRUE(midiIn.MIDIUpUp.empty());
     EXPECT_EQ(midiIn.MIDIVolReverse, 0);
@@ -85,6 +89,12 @@ TEST_F(SurfaceTest, PresetsAreCopiedAndDeleted) {
     EXPECT_EQ(section("Pad"), "Jingle0=9030,903000,255; Jingle5=9035,903500,255");
     EXPECT_EQ(midiIn.MIDIJinglePress[5], "9035");
     EXPECT_NE(hMidiIn, 0U);
+    for (const bool refused : {true, false}) {
+        devices_.refuse = refused;
+        cmbMIDIpresets_Click(2);
+        btMIDICopy_Click();
+        EXPECT_EQ(MIDIInOpen, !refused);
+    }
     cmbMIDIpresets_Click(2);
     desktop().answers = {BoxAnswer::no, BoxAnswer::yes};
     btMIDIDelete_Click();
@@ -146,11 +156,17 @@ class LearnTest : public SurfaceTest {
         clMIDI(ctrl, index);
         EXPECT_TRUE(MIDILearnActive);
         send(messages);
+        const Learning& l = MIDILearn;
+        const std::string lights = std::to_string(static_cast<int>(l.Picture1)) +
+                                   std::to_string(static_cast<int>(l.picAntiClockw)) +
+                                   std::to_string(static_cast<int>(l.picClockw)) + "/" +
+                                   std::to_string(l.flashing) + " " + l.lblVelocityCode + " " +
+                                   std::to_string(l.SlideVelocity) + " " + std::to_string(l.SlideFader);
         MIDILearn.ckReverse = reverse;
         AcceptLearn();
         EXPECT_FALSE(MIDILearnActive);
         const auto now = taught();
-        std::string text = ctrl + (index < 0 ? "" : std::to_string(index)) + " " + messages + ":";
+        std::string text = ctrl + (index < 0 ? "" : std::to_string(index)) + " " + messages + " (" + lights + "):";
         for (const auto& [key, value] : now)
             if (before[key] != value) text += " " + key + "=" + value;
         for (const auto& [key, value] : before)
@@ -177,6 +193,7 @@ TEST_F(LearnTest, AControlIsTaughtByPressingIt) {
          {"btUp", "btDn", "btStop", "ckAutoRep", "ckTouch", "ckAutoMix", "btMicTO", "btMicPush", "lstPal"})
         text += learn(ctrl, -1, "900164 900100");
     text += learn("b_Jingle", 0, "900164 900100");
+    text += learn("lstPal", -1, "B01042");
     text += learn("lstPal", -1, "B01041 B01041 B0103F B01000");
     text += learn("Vol", -1, "B00710 B00811 B00712");
     text += learn("Amix", -1, "B00710");
@@ -229,7 +246,9 @@ TEST_F(SurfaceTest, WhileAWindowLearnsNothingPlays) {
     EXPECT_EQ(midiOut.OutJingleDown[0], "A01001");
     // Clear and OK: the control is free.
     clMIDI("b_Jingle", 0);
+    send("901064");
     w.btClear.onClick();
+    EXPECT_EQ(MIDILearn.Picture1, LearnLight::dark);
     EXPECT_EQ(w.lblPressCode.caption(), kNoCode);
     EXPECT_TRUE(w.lstMidiInDump.items().empty());
     w.btOK.onClick();

@@ -4,6 +4,7 @@
 #include "audio/effects.h"
 #include "audio/levels.h"
 #include "audio/output_watch.h"
+#include "audio/talk_over.h"
 #include "startup/settings/devices_settings.h"
 #include "startup/settings/live_settings.h"
 #include "startup/settings/meters_settings.h"
@@ -152,7 +153,11 @@ TEST_F(Devices, ClosingLeavesNothingOpen) {
         SCOPED_TRACE(single);
         deviceSettings.DeviceSingle = static_cast<std::uint8_t>(single);
         deviceSettings.DeviceIn = 1;
+        deviceSettings.MixerFreq = single == 1 ? 44100 : 48000;
         single == 1 ? bassini(0) : SetupMixers();
+        EXPECT_EQ(MixerFreqAtStart, deviceSettings.MixerFreq);
+        BASS_CHANNELINFO mixer{};
+        EXPECT_TRUE(single == 1 || (BASS_ChannelGetInfo(MainMixer, &mixer) && mixer.freq == 48000));
         OpenMic();
         const auto open = [] {
             std::string numbers;
@@ -181,7 +186,7 @@ TEST_F(Devices, ClosingLeavesNothingOpen) {
 TEST_F(Devices, OutputsThatGoAwayAreToldWithinASecondAndSoIsTheirReturn) {
     write("language.ini", "[English]\r\nsNoDevice=none\r\nmOutLost=lost\r\nmOutStands=plays\r\n");
     deviceSettings.SavDevBy = "Name";
-    deviceSettings.DeviceName = "Two";
+    deviceSettings.DeviceName = "One";
     deviceSettings.DeviceAuxName = "Three";
     ListOutDev();
     SetupMixers();
@@ -200,9 +205,9 @@ TEST_F(Devices, OutputsThatGoAwayAreToldWithinASecondAndSoIsTheirReturn) {
     EXPECT_EQ(told, 0);
     const struct {
         const char *gone, *back, *text;
-    } rows[] = {{"Two", "", "lost Two - plays Three"},
-                {"Three", "", "lost Two, lost Three"},
-                {"", "Two", "lost Three - plays Two"},
+    } rows[] = {{"One", "", "lost One - plays Three"},
+                {"Three", "", "lost One, lost Three"},
+                {"", "One", "lost Three - plays One"},
                 {"", "Three", ""}};
     int changes = 0;
     for (const auto& row : rows) {
@@ -212,6 +217,11 @@ TEST_F(Devices, OutputsThatGoAwayAreToldWithinASecondAndSoIsTheirReturn) {
         EXPECT_EQ(OutputTrouble(), row.text);
         EXPECT_EQ(told, ++changes);
         EXPECT_TRUE(sounds());
+    }
+    for (const bool hangs : {true, false}) {
+        devices->hang("One", hangs);
+        watch(1000);
+        EXPECT_EQ(OutputTrouble(), hangs ? "lost One - plays Three" : "");
     }
     evStop();
 }
@@ -229,6 +239,14 @@ TEST_F(Devices, TheMicrophoneIsSilentHoweverOftenItIsOpened) {
     pass(100);
     EXPECT_EQ(loudest(0), 0) << "opened anew it is silent again";
     EXPECT_EQ(InputLevel(), 25);
+    volumeSettings.VolumeInMain = 80, volumeSettings.VolumeInAux = 20;
+    RaiseMic();
+    pass(300);
+    heard(0), heard(1);
+    pass(100);
+    EXPECT_NEAR(loudest(0), 0.2, 1e-4);
+    EXPECT_NEAR(loudest(1), 0.05, 1e-4);
+    LowerMic();
     CloseMic();
     EXPECT_EQ(InputLevel(), 0);
 }
@@ -319,13 +337,13 @@ TEST_F(NoDevices, TheShowGoesOnWithoutSound) {
 
 class LateDevice : public Devices {
   protected:
-    LateDevice() : Devices({.outputs = {"Late"}, .inputs = {}}) {}
+    LateDevice() : Devices({.outputs = {"Late", "Other"}, .inputs = {}}) {}
 };
 
 TEST_F(LateDevice, TheFirstOutputThatComesIsTakenWithinTwoSeconds) {
     write("language.ini", "[English]\r\nmNoOutDev=silent\r\n");
     FreeBASS();
-    devices->unplug("Late");
+    devices->unplug("Late"), devices->unplug("Other");
     for (const int single : {0, 1}) {
         SCOPED_TRACE(single);
         deviceSettings.DeviceSingle = static_cast<std::uint8_t>(single);
@@ -337,20 +355,19 @@ TEST_F(LateDevice, TheFirstOutputThatComesIsTakenWithinTwoSeconds) {
         clPlay(0, -1);
         pass(1000);
         heard();
-        devices->plug("Late");
+        devices->plug("Late"), devices->plug("Other");
         for (int look = 0; look < 10; ++look) {
             pass(kOutputWatchMs);
             WatchOutputs();
         }
         EXPECT_EQ(OutputTrouble(), "");
-        heard();
+        heard(0), heard(1);
         pass(200);
-        if (single == 0) {
-            EXPECT_NEAR(loudest(0), 0.5, 1e-6) << "what sounds goes on";
-        }
+        for (const int output : single == 0 ? std::vector{0, 1} : std::vector<int>{})
+            EXPECT_NEAR(loudest(output), 0.5, 1e-6) << output << ": what sounds goes on";
         evStop();
         FreeBASS();
-        devices->unplug("Late");
+        devices->unplug("Late"), devices->unplug("Other");
     }
 }
 

@@ -77,7 +77,9 @@ TEST_F(Opening, FilesBecomeRecordsAndDisturbNothing) {
     heard();
     for (const File& file : files) {
         SCOPED_TRACE(file.name + " " + file.keys);
+        const DWORD former = jingle().hPlay;
         openPalette("");
+        EXPECT_EQ(BASS_ChannelGetLength(former, BASS_POS_BYTE), BASS_NO_POSITION) << "it is not freed";
         told.clear();
         openPalette(paletteLines("Path=" + file.name + " " + file.keys, 0));
         EXPECT_EQ(wholeRecord(jingle()) + " | " + told, file.becomes);

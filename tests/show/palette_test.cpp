@@ -268,11 +268,30 @@ TEST_F(Palette, APaletteOpenedWhileAnotherLoadsIsTheOneThatStands) {
     EXPECT_EQ(events, 110 + 2 * kPaletteSlots) << "the earlier one stopped there";
 }
 
+TEST_F(Palette, AHistoryThatCannotBeWrittenWaits) {
+    const auto names = [] {
+        std::string all;
+        for (const HistoryEntry& entry : HistoryEntries())
+            all += std::to_string(entry.number) + entry.name + entry.lines.at(0).second + " ";
+        return all;
+    };
+    write("History", "a file where a folder is needed");
+    for (const char* name : {"A", "a", "B"}) KeepSection(HistoryReason::deleted, name, {{"Path_0", "a.wav"}});
+    EXPECT_EQ(names(), "2Ba.wav 1Aa.wav ");
+    std::filesystem::remove(path("History"));
+    KeepSection(HistoryReason::deleted, "C", {{"Path_0", "c.wav"}});
+    KeepSection(HistoryReason::deleted, "c", {{"Path_0", "c.wav"}});
+    EXPECT_EQ(names(), "3Cc.wav 2Ba.wav 1Aa.wav ");
+    EXPECT_TRUE(std::filesystem::exists(path("History/00000003.ini")));
+}
+
 TEST_F(Palette, OneSlotGoesFromAPaletteThatIsNotOpen) {
     const std::string rest = "[Z]\r\nPath_0=z.wav\r\n",
                       keys = "Path_1=b.wav\r\nLoop_1=1\r\nSeq_1=1\r\nLoopOut_1=9\r\n";
     const std::pair<std::pair<int, std::string>, std::string> removals[] = {
-        {{0, "Path_0=a.wav\r\nVolm_0=5\r\nAutoDuck_1=1\r\n" + keys + "Path_60=c.wav\r\n"}, keys},
+        {{0, "Path_0=a.wav\r\nVolm_0=5\r\nAutoDuck_1=1\r\nPath_1=b.wav\r\nLoop_1=0\r\nSeq_1=2\r\n"
+             "LoopOut_1=9\r\nPath_60=c.wav\r\n"},
+         keys},
         {{1, "Path_0=a.wav\r\n" + keys}, "Path_0=a.wav\r\n"},
         {{0, "Path_0=a.wav\r\n"}, "This_palette_is_empty=Yes\r\n"},
         {{-1, "Path_60=c.wav\r\n"}, "Path_60=c.wav\r\n"},

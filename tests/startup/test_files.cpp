@@ -115,6 +115,7 @@ TEST_F(Files, BackupsRotateThroughDistinctStates) {
 
 TEST_F(Files, TheStartIsTraced) {
     write("Trace_start.log", "of the last start");
+    around.nowMs += 77;
     FillTraceLog("before");
     StartTrace();
     around.nowMs += 1234;

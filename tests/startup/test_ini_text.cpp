@@ -182,7 +182,7 @@ TEST(TextCodec, KnowsTheCharactersOfWindows1252) {
          {"", "\u0080", "\u07FF", "\u0800", "\uD7FF", "\uE000", "\uFFFF", "\U00010000", "\U0010FFFF"})
         EXPECT_TRUE(validUtf8(good) && validUtf8(std::string("12345678") + good)) << good;
     EXPECT_EQ(sanitized("a\x80\xC3\xA9\xFF"), "a€éÿ");
-    EXPECT_EQ(textOf("\xC3\xA9\n\xE9\n\x80"), "é\né\n€");
+    EXPECT_EQ(textOf("\xC3\xA9\n\xE9\n\xC3\xA9\n\x80"), "é\né\né\n€");
     EXPECT_EQ(characterCount("aé日𝄞"), 4U);
     for (const auto& [count, first] :
          {std::pair(0, ""), {1, "a"}, {2, "aé"}, {3, "aé日"}, {4, "aé日𝄞"}, {9, "aé日𝄞"}})
