@@ -97,9 +97,7 @@ void MIDIOut(const std::string& text, MidiHandle handle) {
 
 void MIDIOutFixed(FixedNote note, bool on) { sendFixed(static_cast<std::size_t>(note), on); }
 
-void MIDIOutFixedJingle(int index, bool on) {
-    sendFixed(static_cast<std::size_t>(index), on);
-}
+void MIDIOutFixedJingle(int index, bool on) { sendFixed(static_cast<std::size_t>(index), on); }
 
 void LoadMIDIOutFixeddatas() {
     const std::string channel = hexDigits(midiSettings.MIDIOutFixedChan - 1);
@@ -182,16 +180,13 @@ void SlotReleased(int index) {
 }
 
 void SlotSilent(int index) {
-    if (pressedLamp[static_cast<std::size_t>(index)] && Jingle(index).hPlay != 0)
-        SlotEnded(index);
+    if (pressedLamp[static_cast<std::size_t>(index)] && Jingle(index).hPlay != 0) SlotEnded(index);
 }
 
 void SlotEnded(int index) {
     if (MIDIReady) sendState(index, midiOut.OutJingleAvail[static_cast<std::size_t>(index)]);
 }
 
-void SlotStopping(int index) {
-    MIDIOut(midiOut.OutJingleUp[static_cast<std::size_t>(index)], hMidiOut);
-}
+void SlotStopping(int index) { MIDIOut(midiOut.OutJingleUp[static_cast<std::size_t>(index)], hMidiOut); }
 
 }  // namespace zv

@@ -51,9 +51,10 @@ TEST_F(SurfaceTest, DamageCostsWhatItHit) {
           "Jingle1=9011,901100,999\r\njingle2=9012,901200,100\r\nOutStopAll=A0\r\nOutJingle3=,\r\n=\r\n");
     ErrorLogOn = true;
     LoadMIDIdatas("Pad");
-    EXPECT_NE((ReportText + read("Error.log"))
-                  .find("Damaged in MIDI.ini: Jingle0; Jingle1; OutJingle3; PaletteUp; MainVolume; OutStopAll;"),
-              std::string::npos);
+    EXPECT_NE(
+        (ReportText + read("Error.log"))
+            .find("Damaged in MIDI.ini: Jingle0; Jingle1; OutJingle3; PaletteUp; MainVolume; OutStopAll;"),
+        std::string::npos);
     EXPECT_EQ(midiIn.MIDIUpDown, "9001");
     EXPECT_TRUE(midiIn.MIDIUpUp.empty());
     EXPECT_EQ(midiIn.MIDIVolReverse, 0);
@@ -157,16 +158,16 @@ class LearnTest : public SurfaceTest {
         EXPECT_TRUE(MIDILearnActive);
         send(messages);
         const Learning& l = MIDILearn;
-        const std::string lights = std::to_string(static_cast<int>(l.Picture1)) +
-                                   std::to_string(static_cast<int>(l.picAntiClockw)) +
-                                   std::to_string(static_cast<int>(l.picClockw)) + "/" +
-                                   std::to_string(l.flashing) + " " + l.lblVelocityCode + " " +
-                                   std::to_string(l.SlideVelocity) + " " + std::to_string(l.SlideFader);
+        const std::string lights =
+            std::to_string(static_cast<int>(l.Picture1)) + std::to_string(static_cast<int>(l.picAntiClockw)) +
+            std::to_string(static_cast<int>(l.picClockw)) + "/" + std::to_string(l.flashing) + " " +
+            l.lblVelocityCode + " " + std::to_string(l.SlideVelocity) + " " + std::to_string(l.SlideFader);
         MIDILearn.ckReverse = reverse;
         AcceptLearn();
         EXPECT_FALSE(MIDILearnActive);
         const auto now = taught();
-        std::string text = ctrl + (index < 0 ? "" : std::to_string(index)) + " " + messages + " (" + lights + "):";
+        std::string text =
+            ctrl + (index < 0 ? "" : std::to_string(index)) + " " + messages + " (" + lights + "):";
         for (const auto& [key, value] : now)
             if (before[key] != value) text += " " + key + "=" + value;
         for (const auto& [key, value] : before)

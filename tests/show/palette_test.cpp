@@ -289,8 +289,9 @@ TEST_F(Palette, OneSlotGoesFromAPaletteThatIsNotOpen) {
     const std::string rest = "[Z]\r\nPath_0=z.wav\r\n",
                       keys = "Path_1=b.wav\r\nLoop_1=1\r\nSeq_1=1\r\nLoopOut_1=9\r\n";
     const std::pair<std::pair<int, std::string>, std::string> removals[] = {
-        {{0, "Path_0=a.wav\r\nVolm_0=5\r\nAutoDuck_1=1\r\nPath_1=b.wav\r\nLoop_1=0\r\nSeq_1=2\r\n"
-             "LoopOut_1=9\r\nPath_60=c.wav\r\n"},
+        {{0,
+          "Path_0=a.wav\r\nVolm_0=5\r\nAutoDuck_1=1\r\nPath_1=b.wav\r\nLoop_1=0\r\nSeq_1=2\r\n"
+          "LoopOut_1=9\r\nPath_60=c.wav\r\n"},
          keys},
         {{1, "Path_0=a.wav\r\n" + keys}, "Path_0=a.wav\r\n"},
         {{0, "Path_0=a.wav\r\n"}, "This_palette_is_empty=Yes\r\n"},
