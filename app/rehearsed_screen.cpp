@@ -203,12 +203,14 @@ void checkMarks(Faults& f, const JingleButton& b, const JingleRecord& j, bool so
     if (j.hSrc == 0 && !j.Path.empty()) return;  // being opened, or broken
     const bool filled = !j.Path.empty();
     f.expect(b.lp_Jingle, "visible", b.lp_Jingle.visible, filled && j.Loop != 0);
-    f.expect(b.sq_Jingle, "visible", b.sq_Jingle.visible, filled && j.Seq != 0);
     constexpr const char* letters[] = {"m", "r", "v", "m", "w"};
     const Colour colours[] = {0, markSettings.arColor, markSettings.tcColor, markSettings.psColor,
                               markSettings.nsColor};
     const auto mode = static_cast<std::size_t>(j.PlayMod);
-    f.expect(b.pm_Jingle, "visible", b.pm_Jingle.visible, filled && mode != 0 && j.Seq == 0);
+    if (!FxOpen) {  // the editor puts the sequence aside
+        f.expect(b.sq_Jingle, "visible", b.sq_Jingle.visible, filled && j.Seq != 0);
+        f.expect(b.pm_Jingle, "visible", b.pm_Jingle.visible, filled && mode != 0 && j.Seq == 0);
+    }
     if (b.pm_Jingle.visible) {
         f.expect(b.pm_Jingle, "caption", b.pm_Jingle.caption, letters[mode]);
         f.expect(b.pm_Jingle, "foreColor", b.pm_Jingle.foreColor, shaded(colours[mode]));

@@ -61,12 +61,17 @@ perform() {
     mv "$work"/out/*.png "$pictures/"
 }
 
+# scene NAME SETTINGS SIZE SCALE [OPTION...]: the script on standard input in a window of that size, at half a minute to
+# eleven, on the folder of that name, which is made unless it is there.
+scene() {
+    [ -d "$work/$1" ] || home "$1" "$2"
+    { printf 'at 0 resize %s\nat 0 time 2026-11-21 10:59:30\n' "${3/x/ }"; cat; } > "$work/$1.txt"
+    perform "$1" "$4" "${@:5}"
+}
+
 # face NAME SETTINGS SIZE SCALE: the window with jingles sounding.
 face() {
-    home "$1" "$2"
-    cat > "$work/$1.txt" <<EOF
-at 0 resize ${3/x/ }
-at 0 time 2026-11-21 10:59:30
+    scene "$@" <<EOF
 at 500 press 2
 at 700 press 10
 at 900 press H4
@@ -74,7 +79,6 @@ at 1200 press 14
 at 2000 shot $1.png
 at 2100 end
 EOF
-    perform "$1" "$4"
 }
 
 # states NAME SETTINGS SIZE SCALE: sounding, sounding from another palette, at rest with and without marks, empty,
@@ -82,9 +86,7 @@ EOF
 states() {
     home "$1" "$2"
     all_kinds "$work/$1"
-    cat > "$work/$1.txt" <<EOF
-at 0 resize ${3/x/ }
-at 0 time 2026-11-21 10:59:30
+    scene "$@" <<EOF
 at 300 press 24
 at 500 pick Long names
 at 1500 press 5
@@ -93,15 +95,11 @@ at 1800 press H0
 at 2600 shot $1.png
 at 2700 end
 EOF
-    perform "$1" "$4"
 }
 
 # carried NAME SETTINGS SIZE SCALE: two sound, and a jingle waits to be put down.
 carried() {
-    home "$1" "$2"
-    cat > "$work/$1.txt" <<EOF
-at 0 resize ${3/x/ }
-at 0 time 2026-11-21 10:59:30
+    scene "$@" <<EOF
 at 500 press 2
 at 700 press 10
 at 1000 mods ctrl
@@ -109,15 +107,11 @@ at 1200 press 1
 at 1600 shot $1.png
 at 1700 end
 EOF
-    perform "$1" "$4"
 }
 
 # question NAME SETTINGS SIZE SCALE: two sound, and a question waits over the grid.
 question() {
-    home "$1" "$2"
-    cat > "$work/$1.txt" <<EOF
-at 0 resize ${3/x/ }
-at 0 time 2026-11-21 10:59:30
+    scene "$@" <<EOF
 at 500 press 2
 at 700 press 10
 at 1000 mods alt
@@ -127,7 +121,6 @@ at 1700 shot $1.png
 at 1800 answer no
 at 1900 end
 EOF
-    perform "$1" "$4"
 }
 
 # empty NAME SETTINGS SIZE: the first start of a program without a palette.
@@ -165,10 +158,7 @@ states states "JNumbPos=1" 1280x800 1
 states states-dark "JNumbPos=1 DarkMode=1" 1280x800 1
 
 # The scenes of the manual.
-home manual ""
-cat > "$work/manual.txt" <<EOF
-at 0 resize 1280 800
-at 0 time 2026-11-21 10:59:30
+scene manual "" 1280x800 1 <<EOF
 at 300 press 18
 at 900 press 1
 at 1500 press 3
@@ -201,14 +191,10 @@ at 16500 shot frmMixer mixer.png
 at 16600 key Escape
 at 16700 end
 EOF
-perform manual
 
 # editor NAME SETTINGS SIZE SCALE: both pages of the jingle editor, a sequence that sounds; no text may be clipped.
 editor() {
-    home "$1" "$2"
-    cat > "$work/$1.txt" <<EOF
-at 0 resize ${3/x/ }
-at 0 time 2026-11-21 10:59:30
+    scene "$@" <<EOF
 at 300 rclick b_Jingle(2)
 at 400 menu mnuSeq
 at 500 rclick b_Jingle(2)
@@ -233,7 +219,6 @@ at 5000 expect frmFX.clipped
 at 5100 shot frmFX $1.png
 at 5200 end
 EOF
-    perform "$1" "$4"
 }
 editor editor "" 1280x800 1
 editor editor-dark "DarkMode=1" 1280x800 1
@@ -262,9 +247,7 @@ for i in 1 2 3 4 5 6; do
     printf 'Path_%s=D:\\Studio\\News\\Opener %s.wav\r\n' "$i" "$i" >> "$work/edits/palette.ini"
 done
 cp "$work/edits/Audio_Sample/Beep.wav" "$work/edits/Moved/Sport/Opener 3.wav"
-cat > "$work/edits.txt" <<EOF
-at 0 resize 1280 800
-at 0 time 2026-11-21 10:59:30
+scene edits "" 1280x800 1 <<EOF
 at 300 press 2
 at 400 mods alt
 at 500 answer yes
@@ -285,24 +268,18 @@ at 3500 shot filling.png
 at 3600 answer no
 at 3700 end
 EOF
-perform edits
 
-home duck ""
-cat > "$work/duck.txt" <<EOF
-at 0 resize 1280 800
-at 0 time 2026-11-21 10:59:30
+scene duck "" 1280x800 1 <<EOF
 at 0 pick Jazz Hour
 at 500 press 0
 at 2500 press 1
 at 3300 shot duck.png
 at 3400 end
 EOF
-perform duck
 
 home air "VolLive=80 StreamPoint=http://radio.example/live"
-cat > "$work/air.txt" <<EOF
+scene air "" 1280x800 1 <<EOF
 at 0 web http://radio.example/live "$work/air/Time_Announce.wav" 200 audio/wav;live
-at 0 resize 1280 800
 at 0 time 2026-11-21 10:59:48
 at 300 click ckTab(2)
 at 500 click ckPlayStream
@@ -315,7 +292,6 @@ at 4700 press 1
 at 9000 shot announcer.png
 at 9100 end
 EOF
-perform air
 
 home surface ""
 printf 'MIDIDevice=Pad Controller\r\n' >> "$work/surface/zv.ini"
@@ -324,8 +300,7 @@ cat > "$work/surface/MIDI.ini" <<'INI'
 Jingle1=9024,802440,255
 OutJingle1=902405,90241C,902400,902415
 INI
-cat > "$work/surface.txt" <<EOF
-at 0 resize 1280 800
+scene surface "" 1280x800 1 --midi "Pad Controller" <<EOF
 at 0 key F2
 at 100 click frmMixer.btMIDI
 at 200 shot frmMIDISettings midi-settings.png
@@ -339,5 +314,4 @@ at 800 midi 902464
 at 900 shot frmMIDIButton midi-learn.png
 at 1000 end
 EOF
-perform surface 1 --midi "Pad Controller"
 ls docs/pictures
