@@ -1,11 +1,15 @@
 #!/bin/bash
 # From a mouse press in the real program to the recording of a real sound server: starts an X server, a window
-# manager and a sound server of its own, presses a button, listens to the output, stops again.
+# manager and a sound server of its own, presses a button, listens to the output, stops again. Then a stand-in for the
+# desktop's opener tells what it is asked for: the manual, a jingle's folder.
 #   press_is_heard.sh BIN_FOLDER
 . "$(dirname "$0")/window.sh"
 own_servers 2
 own_home DeviceAux=2
-start_program
+mkdir "$work/bin"
+printf '#!/bin/sh\nprintf "%%s\\n" "$@" >>"%s/opened"\n' "$work" >"$work/bin/xdg-open"
+chmod +x "$work/bin/xdg-open"
+start_program PATH="$work/bin:$PATH"
 await plays
 find_window
 
@@ -33,6 +37,21 @@ for _ in 1 2 3 4 5 6; do
     heard_on_both && heard=yes && break
 done
 [ $heard = yes ] || fail "the press was not heard on both outputs"
+
+# opened ENDING: what was asked for last ends so and is there.
+opened() {
+    await grep -q "$1\$" "$work/opened"
+    [ -e "$(sed -n '$s|^file://||p' "$work/opened")" ] || fail "$(tail -n 1 "$work/opened") is not there"
+}
+xdotool key F1
+sleep 0.5
+xdotool key F1
+opened /Manual/Zentrova.html
+sleep 0.5
+xdotool mousemove --window "$window" "$x" "$y" click 3
+sleep 0.5
+xdotool key Up Return
+opened /Audio_Sample
 
 close_program 10
 wait $program
