@@ -54,26 +54,6 @@ namespace {
 
 constexpr std::size_t kLongest = 90;  ///< bytes of one value
 /// Those that an act starts and ends.
-constexpr const char* kTimers[] = {"SaveTimer",
-                                   "TimerLoadPal",
-                                   "TimerPgUpDnPalLst",
-                                   "Timerlstpalbot",
-                                   "Timerlstpaltop",
-                                   "TimerTrigColSel",
-                                   "TimerCloseColorPicker",
-                                   "TimerFindJingles",
-                                   "TimerSearch",
-                                   "TimerAutoClJSearch",
-                                   "TimerClear",
-                                   "TimerShutDown",
-                                   "TimerFadOutLive",
-                                   "TimerLive",
-                                   "TimerPos",
-                                   "TimerFX",
-                                   "TimerBlink",
-                                   "TimerBlinkLearn",
-                                   "TimerFlashLearn",
-                                   "Timer1"};
 constexpr const char* kProperties[] = {"visible",   "enabled", "caption",   "toolTip",
                                        "value",     "minimum", "maximum",   "items",
                                        "listIndex", "topRow",  "backColor", "foreColor"};
@@ -271,12 +251,8 @@ std::map<std::string, std::string> Watch::rest() const {
                                                     {"documents", desktop().documents.size()},
                                                     {"quit", desktop().quitAsked}};
     for (const auto& [key, value] : flags) number(key, value);
-    std::string running;
-    for (const char* name : kTimers)
-        if (const Timer* timer = findTimer(name); timer != nullptr && timer->enabled())
-            running += std::string(running.empty() ? "" : " ") + name;
     const std::pair<const char*, std::string> texts[] = {
-        {"timers", running},
+        {"timers", runningTimers()},
         {"carried", MoveMode + " " + MoveSourcePalette + std::to_string(MoveBuffer.tick)},
         {"clip", ClipPath},
         {"asked", joined(desktop().asked, ", ")},

@@ -60,6 +60,7 @@ TEST_F(CaptionTest, datesAndTimes) {
     EXPECT_EQ(
         FormatTime("HH:mm:ss", t) + "|" + FormatTime("h:mm AM/PM", t) + "|" + FormatTime("hh:mm:ss AM/PM", t),
         "15:04:09|3:04 PM|03:04:09 PM");
+    EXPECT_EQ(FormatDate("dd / mmm yyyy", t), "07 / Nov 2026");
     EXPECT_EQ(FormatTime("h AM/PM", WallTime{2026, 1, 1, 0, 0, 5, 0, 0}), "12 AM");
 }
 

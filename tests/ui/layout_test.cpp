@@ -7,6 +7,7 @@
 #include "startup/settings/window_settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/edit/palette_list.h"
+#include "ui/screen/layout_grid.h"
 #include "ui/screen/window_place.h"
 #include "ui/windows/question_window.h"
 #include "ui/windows/rename_window.h"
@@ -56,6 +57,18 @@ const std::vector<Monitor> kUsual{{0, 0, 1280, 800}}, kLowAtTwo{{0, 0, 512, 300}
     kWideAtTwo{{0, 0, 960, 540}}, kTwo{{0, 0, 1280, 800}, {1280, 0, 1920, 1080}},
     kTwoLeft{{0, 0, 1280, 800}, {-1920, -200, 1920, 1080}};
 constexpr int kGone = 5'000'000 / kTwipsPerPixel;
+
+TEST_F(LayoutTest, buttonsOfAJoinedGridStandAtTheHotOnesAndNewOnesShowNoMark) {
+    std::string tops;  // of a grid with 45 twips to spare
+    for (const char* hotOnes : {"", "top", "bottom"})
+        tops += std::to_string(GridFor(9000, 3105, 4, 3, 0, hotOnes).top(0)) + " ";
+    EXPECT_EQ(tops, "15 0 45 ");
+    const JingleButton made(frmMain().fraJingles, 7);
+    std::string seen;
+    for (const Control* part : made.b_Jingle.children())
+        if (part->visible) seen += part->name + part->caption() + " ";
+    EXPECT_EQ(seen, "lblPlaylist picbtnumber lblbtnumber7 ");
+}
 
 TEST_F(LayoutTest, theWindowIsHeldToTheScreensWhateverTheFileSays) {
     const struct {

@@ -136,10 +136,10 @@ TEST_F(PaletteTest, aHeldPageKeyRunsAfterAMoment) {
     desktop().keys = {pageDown};
     send(false);
     EXPECT_EQ(name(), "Morning");
-    pass(300);
+    pass(390);
     send(true);  // the keyboard's own repeats step nothing
     EXPECT_EQ(name(), "Morning");
-    pass(150);
+    pass(20);
     EXPECT_EQ(name(), "Zulu") << "held for 0.4 s it runs";
     SelectPalette("afternoon");
     send(true);

@@ -49,6 +49,9 @@ constexpr Row kRows[] = {
     {"assign leaves what sounds alone", "", "0 click 300 ckAssign file 400 click", "a0-100 b100-", "armed:ass mRefPlaying"},
     {"announcer takes no empty one", "empty", "0 announcer 100 click", "", "armed:ta"},
     {"loop", "", "0 ckLoopI 100 click 300 click", "a300-400 b400-", "loop unsaved"},
+    {"sequence", "", "0 ckLoopI ckLoopI 100 click", "", "seq unsaved"},
+    {"an empty one takes nothing away", "empty", "0 ckAutoMix click", "", ""},
+    {"nor does a missing one", "missing", "0 ckAutoMix noreloc click", "", "missing errMissFile"},
     {"loop again takes it away", "Loop=1", "0 ckLoopI 100 click", "", "unsaved"},
     {"repeat", "", "0 ckAutoRepI 100 click 300 click 600 click", "a300-400 b400-610 a620-720 b720-", "repeat unsaved"},
     {"touch", "", "0 ckTouchI 100 click 300 down 600 up", "a300-400 b400-600", "touch unsaved"},
@@ -129,7 +132,9 @@ class PressTest : public WindowTest {
     void key(Key which, bool repeat = false) {
         KeyEvent event{which, 0, repeat};
         Form_KeyDown(event);
-        if (!event.consumed) button(kSlot).onKeyDown(event);
+        if (event.consumed) return;
+        button(kSlot).onKeyDown(event);
+        EXPECT_EQ(event.consumed, which == Key::space && !repeat && keySettings.InhibSpBar == 0);
     }
 
     /// A key as the button with the focus gets it.

@@ -13,6 +13,7 @@
 #include "startup/errors.h"
 #include "startup/helpers.h"
 #include "startup/settings/bars_settings.h"
+#include "startup/settings/dark_settings.h"
 #include "startup/settings/display_settings.h"
 #include "startup/settings/grid_settings.h"
 #include "startup/settings/labels_settings.h"
@@ -185,6 +186,8 @@ class ScreenTest : public WindowTest {
         for (const std::string& box : std::exchange(d.boxes, {})) all.push_back("asked '" + cut(box) + "'");
         for (const std::string& command : std::exchange(d.commands, {}))
             all.push_back("ran " + GetFileName(command));
+        all.push_back("armed " + OptionCode + " by " + LastCtrl);
+        all.push_back("timers " + runningTimers());
         if (d.focus != nullptr) all.push_back("focus " + d.focus->name);
         if (const std::string copied = std::exchange(d.clipboard, {}); !copied.empty())
             all.push_back("copied '" + cut(copied) + "'");
@@ -471,6 +474,7 @@ TEST_F(ScreenTest, EverythingLooksAsItWasApproved) {
     ErrDisp("no", 0, "It failed");
     pass(160);
     scene("a palette is named, something failed");
+    darkSettings.ShadeOffsetVal = -100;
     SwitchDarkMode(1);
     pass(160);
     scene("dark");
@@ -528,6 +532,14 @@ TEST_F(ScreenTest, KeysAndMouseDoWhatWasApproved) {
             }
         }
     }
+    programSettings.HoldExitToShutDown = 1;
+    frmMain().keys.btExit.onMouseDown({});
+    pass(500);
+    frmMain().keys.btExit.onMouseUp({});
+    EXPECT_TRUE(closed);
+    closed = false;
+    pass(2500);
+    EXPECT_FALSE(closed) << "let go in time it only closes";
     for (const int hold : {0, 1}) {
         programSettings.HoldExitToShutDown = hold;
         step("exit down", [] { frmMain().keys.btExit.onMouseDown({}); });
@@ -538,6 +550,8 @@ TEST_F(ScreenTest, KeysAndMouseDoWhatWasApproved) {
         EXPECT_TRUE(closed);
         closed = false;
     }
+    SaveZVini();
+    EXPECT_EQ(read("zv.ini").find("ShutdownOnQuit=1"), std::string::npos) << "it holds for this once";
     walk("alt f4");
     EXPECT_TRUE(closed);
     frmMain().window.onClose = nullptr;

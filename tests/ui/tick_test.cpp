@@ -3,8 +3,10 @@
 #include <utility>
 
 #include "audio/announcer.h"
+#include "audio/devices.h"
 #include "platform/rehearsal/virtual_clock.h"
 #include "startup/errors.h"
+#include "startup/language.h"
 #include "startup/settings/bars_settings.h"
 #include "startup/settings/clock_settings.h"
 #include "startup/settings/display_settings.h"
@@ -47,6 +49,16 @@ TEST_F(TickTest, digits) {  // of times that no other test has
         displaySettings.DispCSec = c.hundredths;
         WriteDigits(c.seconds);
         EXPECT_EQ(shown(), c.shown) << c.seconds;
+    }
+}
+
+TEST_F(TickTest, whatIsWrongWithTheOutputsStandsInThePlaceOfTheDate) {
+    const Control& date = frmMain().display.lblDate;
+    for (const bool none : {true, false}) {
+        NoOutputDevice = none;
+        DateTimeUpdate();
+        EXPECT_EQ(date.toolTip(), none ? Ln("mNoOutDev") : "");
+        EXPECT_EQ(date.caption() == date.toolTip(), none);
     }
 }
 
@@ -93,6 +105,12 @@ TEST_F(TickTest, theWarningBlinksWhatItIsSetTo) {
         }
         EXPECT_EQ(digits, c.digits);
         EXPECT_EQ(bars, c.bars);
+        if (c.rate > 0) {  // one that is shorter than the warning's time ends it, in whatever phase
+            press(2);
+            pass(50);
+            EXPECT_EQ(Button(1)->JRemLev.backColor, bar);
+            EXPECT_EQ(frmMain().display.lblPosSecU.foreColor, displaySettings.CountDownColor);
+        }
         rec(1).PlayingOtherPal = false;
         evStop();
         pass(100);
@@ -210,12 +228,12 @@ TEST_F(TickTest, theClockOfTheMinimalView) {
     TmAnnOn = false;
     clockSettings.TimeFormat = "HH:mm:ss";
     ShowAnnouncer();
-    std::set<std::string> colons;  // they flash once a second
-    for (int i = 0; i < 12; ++i) pass(100), colons.insert(d.sepms.caption());
-    EXPECT_EQ(colons, (std::set<std::string>{"", ":"}));
+    std::string colons;  // they flash once a second
+    for (int i = 0; i < 20; ++i) pass(100), colons += d.sepms.caption() + d.sepsd.caption();
+    EXPECT_EQ(colons.size(), 20U);
     load(1, 2000);
     press(1);
-    EXPECT_FALSE(ClockShown);
+    EXPECT_FALSE(ClockShown || timers().TimerReleaseSep.enabled() || timers().TimerClock.enabled());
     pass(100);
     EXPECT_EQ(shown().substr(0, 3), "01.");
     evStop();

@@ -1,7 +1,10 @@
 #include "tests/ui/window_test.h"
 
+#include <sstream>
+
 #include "app/rehearsed_screen.h"
 #include "audio/streams.h"
+#include "platform/timers.h"
 #include "startup/language.h"
 #include "startup/settings/program_settings.h"
 #include "tests/support/places.h"
@@ -21,6 +24,21 @@ namespace {
 constexpr int kFramesPerMs = static_cast<int>(kRate) / 1000;
 
 }  // namespace
+
+std::string runningTimers() {
+    std::string running;
+    std::istringstream names(
+        "SaveTimer TimerLoadPal TimerPgUpDnPalLst Timerlstpalbot Timerlstpaltop TimerTrigColSel "
+        "TimerCloseColorPicker "
+        "TimerFindJingles TimerSearch TimerAutoClJSearch TimerClear TimerShutDown TimerFadOutLive TimerLive "
+        "TimerPos TimerFX "
+        "TimerBlink TimerBlinkLearn TimerFlashLearn Timer1 TimerSoon TimerDispMessage TimerTOrelease "
+        "tmrResize");
+    for (std::string name; names >> name;)
+        if (const Timer* timer = findTimer(name); timer != nullptr && timer->enabled())
+            running += (running.empty() ? "" : " ") + name;
+    return running;
+}
 
 WindowTest::WindowTest() {
     std::filesystem::copy_file(test::sourceDir() + "/data/language_original.ini", path("language.ini"));

@@ -44,6 +44,9 @@ class WindowTest : public StudioTest {
     Control& button(int index) { return Button(index)->b_Jingle; }
 };
 
+/// Names of the timers that run for a while and stop, those that run now.
+std::string runningTimers();
+
 inline JingleRecord& rec(int index) { return J[static_cast<std::size_t>(index)]; }
 
 }  // namespace zv::test

@@ -78,7 +78,6 @@ void MicPush() {
         if (deviceSettings.DeviceSingle != 0) {
             return;
         }
-        micHeldOpen = false;
         RaiseMic();
         Arm(frmMain().keys.btMicPush, markSettings.moColor);
         LampOfMic(true);

@@ -7,7 +7,6 @@
 #include "platform/jobs.h"
 #include "startup/guard.h"
 #include "startup/settings/window_settings.h"
-#include "ui/edit/palette_steps.h"
 #include "ui/records/key_table.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/layout.h"
@@ -85,9 +84,6 @@ void Form_KeyDown(KeyEvent& event) {
 
 void Form_KeyUp(KeyEvent& event) {
     guarded(".Form_KeyUp", [&] {
-        if (event.key == Key::pageUp || event.key == Key::pageDown) {
-            StopPageKey();
-        }
         if (event.key == Key::space && !typing() && !event.repeat) {
             event.consumed = perform(Action::releaseLast, 0, -1);
         }

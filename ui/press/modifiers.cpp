@@ -20,7 +20,6 @@
 namespace zv {
 
 bool PrevCtrlDown = false, PrevShiftDown = false;
-bool DeletePromptOn = true;
 
 namespace {
 
@@ -110,14 +109,10 @@ void TimerKeyModifiersTick() {
                 }
                 break;
             case ModifierMessage::remove:
-                if (DeletePromptOn) {
-                    say("mlblSelJtodelete");
-                }
+                say("mlblSelJtodelete");
                 break;
             case ModifierMessage::removeFile:
-                if (DeletePromptOn) {
-                    say("mlblSelJFtodelete");
-                }
+                say("mlblSelJFtodelete");
                 break;
             case ModifierMessage::none:
                 break;

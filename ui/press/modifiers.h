@@ -4,7 +4,6 @@
 namespace zv {
 
 extern bool PrevCtrlDown, PrevShiftDown;
-extern bool DeletePromptOn;  ///< Alt shows the delete prompt
 
 /// What the display says while modifier keys are held.
 enum class ModifierMessage { none, move, copy, rename, remove, removeFile };

@@ -62,8 +62,6 @@ enum class PressMeaning {
     play,
 };
 
-void showMessage(std::string_view key) { frmMain().display.lblDispMessage.caption = Ln(key); }
-
 /// The announcer's key waits for a jingle.
 bool announcerAsks() {
     const Control& key = frmMain().announcer.b_tmAnJin;
@@ -110,8 +108,9 @@ PressMeaning meaningOf(int index) {
     const MainWindow& w = frmMain();
     const bool filled = !j.Path.empty();
     const bool noModifier = !CtrlDown && !ShiftDown && !AltDown;
+    const PressMeaning plain = filled && !j.MissingFile ? PressMeaning::play : PressMeaning::nothing;
     if (onlyPlays()) {
-        return filled && !j.MissingFile ? PressMeaning::play : PressMeaning::nothing;
+        return plain;
     }
     if (Armed(w.palettes.ckAssign)) {
         return PressMeaning::assign;
@@ -149,7 +148,7 @@ PressMeaning meaningOf(int index) {
         }
     }
     if (ToggleTouch == 1 && noModifier) {
-        return filled && !j.MissingFile ? PressMeaning::play : PressMeaning::nothing;
+        return plain;
     }
     if (folderSettings.OpenReloc == 1 && j.MissingFile && noModifier) {
         return PressMeaning::relocate;
@@ -157,7 +156,7 @@ PressMeaning meaningOf(int index) {
     if (!noModifier) {
         return withModifiers(index);
     }
-    return filled && !j.MissingFile ? PressMeaning::play : PressMeaning::nothing;
+    return plain;
 }
 
 /// Says why a press does nothing. An empty button means nothing and says nothing.
@@ -180,8 +179,7 @@ void sayWhyNot(int index) {
 }
 
 /// Removes the jingle after a question, unless a playlist holds it.
-void askAndRemove(int index, std::string_view message, bool withFile) {
-    showMessage(message);
+void askAndRemove(int index, bool withFile) {
     if (HasPlaylistMark(index, 'K')) {
         sayWhyNot(index);
     } else {
@@ -255,10 +253,10 @@ void btClic(int index) {
                 clRename(index);
                 break;
             case PressMeaning::remove:
-                askAndRemove(index, "mlblSelJtodelete", false);
+                askAndRemove(index, false);
                 break;
             case PressMeaning::removeWithFile:
-                askAndRemove(index, "mlblSelJFtodelete", true);
+                askAndRemove(index, true);
                 break;
         }
     });

@@ -192,9 +192,8 @@ void FormDraw(const std::string& mode) {
 void DrawJButtons(int load) {
     guarded("frmMain.DrawJButtons", [&] {
         for (int i = 0; i < kJingles; ++i) {
-            JExists[static_cast<std::size_t>(i)] = i == 0 || Button(i) != nullptr ? 1 : 0;
+            JExists[static_cast<std::size_t>(i)] = Button(i) != nullptr ? 1 : 0;
         }
-        MakeButton(0);
         LastPalIdx = gridSettings.JinglesRows * gridSettings.JinglesCols - 1;
         if (Unloading) {
             return;
