@@ -80,7 +80,7 @@ void Engine::freeEverything() {
 void Engine::send(const Command& command) {
     graph.commands.send(command);
     const bool sounds = command.kind == CommandKind::Play || (command.flags & kBegins) != 0;
-    if (sounds || command.kind == CommandKind::Move) workers.wake();
+    if (command.kind == CommandKind::Move) workers.wake();
     if (sounds) {
         outputs.wake();
     } else if (graph.quiet()) {

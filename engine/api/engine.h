@@ -58,7 +58,7 @@ class Engine {
     std::shared_ptr<Channel> find(DWORD handle) const;
     void adopt(const std::shared_ptr<Channel>& channel);
     /// Sends a command. One that makes sound wakes resting outputs at once; for others the dispatcher wakes them later.
-    /// A start and a move wake the workers: another page is wanted.
+    /// A move wakes the workers: other pages are wanted.
     void send(const Command& command);
     /// Forgets its handle, syncs and effects and unplugs it; freed for good once the audio side dropped it.
     void freeChannel(const std::shared_ptr<Channel>& channel, std::unique_lock<std::mutex>& lock);

@@ -12,8 +12,6 @@ constexpr auto kIdlePoll = std::chrono::milliseconds(100);
 }  // namespace
 
 void SyncDispatcher::start(bool (*drain)(), bool polls) {
-    assertControlThread();
-    stop();
     drain_ = drain;
     polls_ = polls;
     stopping_ = false;

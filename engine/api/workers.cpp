@@ -11,12 +11,12 @@ namespace zv::engine {
 namespace {
 
 constexpr std::size_t kMostThreads = 24;  ///< those that hang included
-constexpr std::int64_t kHangsMs = 60;     ///< a leader that reads for so long is taken over from
+constexpr std::int64_t kHangsMs = 60;     ///< a thread that reads for so long is taken over from
 constexpr auto kStopPatience = std::chrono::milliseconds(500);
 constexpr auto kTick = std::chrono::milliseconds(32);      ///< while something sounds
 constexpr auto kSoonTick = std::chrono::milliseconds(16);  ///< while a tempo channel is about to change
 constexpr auto kWatchTick =
-    std::chrono::milliseconds(25);  ///< while something sounds: how often a helper looks
+    std::chrono::milliseconds(25);  ///< while something sounds or was asked for: how often the watcher looks
 constexpr std::size_t kMany = 16;   ///< stretched channels due at once: for more than one
 constexpr auto kIdleTick = std::chrono::milliseconds(250);
 constexpr int kSoon = 100;  ///< urgencies below belong to sounding channels
@@ -29,11 +29,12 @@ std::int64_t steadyMs() {
 }  // namespace
 
 void Workers::start() {
-    assertControlThread();
     const std::lock_guard lock(mutex_);
     stopping_ = false;
-    addThread();
-    leader_ = &threads_.back();
+    for (const Thread** place : {&leader_, &helper_}) {
+        addThread();
+        *place = &threads_.back();
+    }
     addThread();
 }
 
@@ -58,7 +59,7 @@ void Workers::stop() {
                 thread->thread.detach();
             thread = next;
         }
-        leader_ = nullptr;
+        leader_ = helper_ = nullptr;
     }
     for (Thread& thread : ended)
         if (thread.thread.joinable()) thread.thread.join();
@@ -77,7 +78,7 @@ void Workers::add(const std::shared_ptr<TempoProcessor>& tempo, const std::share
 void Workers::wake() {
     {
         const std::lock_guard lock(mutex_);
-        woken_ = helpWanted_ = true;
+        woken_ = helpWanted_ = watchWanted_ = true;
     }
     wanted_.notify_all();
 }
@@ -92,7 +93,6 @@ void Workers::callHelper() {
 }
 
 Workers::Work Workers::collect() {
-    assertNotAudioThread();
     Work work;
     const std::lock_guard lock(mutex_);
     std::erase_if(sounds_, [&](const auto& known) {
@@ -146,40 +146,47 @@ bool Workers::serveOnce(const Work& work, bool leader) {
     return done;
 }
 
-bool Workers::leads(const Thread& self) {
+Workers::Role Workers::roleOf(const Thread& self) {
     const std::lock_guard lock(mutex_);
-    if (leader_ == &self) return true;
-    const std::int64_t since = leaderReadsSince_.load(std::memory_order_relaxed);
-    if (stopping_ || since == 0 || steadyMs() - since < kHangsMs) return false;
-    leader_ = &self;
-    leaderReadsSince_.store(0, std::memory_order_relaxed);
-    addThread();
-    return true;
+    if (leader_ == &self) return Role::leads;
+    if (helper_ == &self) return Role::helps;
+    if (stopping_) return Role::watches;
+    for (const Thread** place : {&leader_, &helper_}) {
+        const std::int64_t since = (*place)->readsSince.load(std::memory_order_relaxed);
+        if (since == 0 || steadyMs() - since < kHangsMs) continue;
+        *place = &self;
+        addThread();
+        return place == &leader_ ? Role::leads : Role::helps;
+    }
+    return Role::watches;
 }
 
 /// How long a thread that found nothing to do may sleep when nobody calls it.
-std::chrono::milliseconds Workers::rest(bool leader) const {
-    if (leader) return std::chrono::milliseconds(leaderTick_.load(std::memory_order_relaxed));
-    // Whoever helps takes over from a leader at the very moment at which it counts as hanging.
-    if (const std::int64_t since = leaderReadsSince_.load(std::memory_order_relaxed))
-        return std::chrono::milliseconds(std::max<std::int64_t>(1, since + kHangsMs - steadyMs()));
-    return leaderTick_.load(std::memory_order_relaxed) < kIdleTick.count() ? kWatchTick : kIdleTick;
+std::chrono::milliseconds Workers::rest(const Thread& self, bool wasCalled) const {
+    const std::chrono::milliseconds tick(leaderTick_.load(std::memory_order_relaxed));
+    if (leader_ == &self) return tick;
+    if (helper_ == &self) return kIdleTick;
+    // The watcher takes over at the very moment at which a thread counts as hanging.
+    std::chrono::milliseconds soonest = wasCalled || tick < kIdleTick ? kWatchTick : kIdleTick;
+    for (const Thread* reader : {leader_, helper_})
+        if (const std::int64_t since = reader ? reader->readsSince.load(std::memory_order_relaxed) : 0)
+            soonest = std::clamp(std::chrono::milliseconds(since + kHangsMs - steadyMs()),
+                                 std::chrono::milliseconds(1), soonest);
+    return soonest;
 }
 
 void Workers::run(Thread& self) {
     const FlushToZero flush;
     const ThreadSection worker(ThreadKind::Worker);
     for (bool wasCalled = true;;) {
-        bool leader = leads(self);
+        const Role role = roleOf(self);
         try {
-            // Whoever helps and was not called only looks whether the leader hangs.
-            if (leader || wasCalled) {
+            if (role == Role::leads || (role == Role::helps && wasCalled)) {
+                self.readsSince.store(steadyMs(), std::memory_order_relaxed);
                 const Work work = collect();
-                if (leader) leaderReadsSince_.store(steadyMs(), std::memory_order_relaxed);
-                const bool served = serveOnce(work, leader);
-                leader = leads(self);
-                if (leader) {
-                    leaderReadsSince_.store(0, std::memory_order_relaxed);
+                const bool served = serveOnce(work, role == Role::leads);
+                self.readsSince.store(0, std::memory_order_relaxed);
+                if (role == Role::leads) {
                     const auto tick = !work.busy() ? kIdleTick : work.changes() ? kSoonTick : kTick;
                     leaderTick_.store(tick.count(), std::memory_order_relaxed);
                 }
@@ -191,10 +198,11 @@ void Workers::run(Thread& self) {
             }
         } catch (...) {
             // Out of memory at worst: what is missing stays silent, the next round tries again.
+            self.readsSince.store(0, std::memory_order_relaxed);
         }
         std::unique_lock lock(mutex_);
-        bool& called = leader_ == &self ? woken_ : helpWanted_;
-        wanted_.wait_for(lock, rest(leader_ == &self), [&] { return called || stopping_; });
+        bool& called = leader_ == &self ? woken_ : helper_ == &self ? helpWanted_ : watchWanted_;
+        wanted_.wait_for(lock, rest(self, wasCalled), [&] { return called || stopping_; });
         wasCalled = std::exchange(called, false);
         if (stopping_) break;
     }

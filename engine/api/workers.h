@@ -1,7 +1,7 @@
 /// Threads that read sounds ahead and stretch: one leads and looks after everything in time, one helps when there
-/// is more than one can do. When the leader hangs in a file, as on a disk that does not answer, the helper leads and
-/// another one helps. Offline there are none: the render does their work itself,
-/// so that every run gives the same bits.
+/// is more than one can do, one watches. When leader or helper hangs in a file, as on a disk that does not answer, the
+/// watcher takes its place and another one watches. Offline there are none: the render does their work itself, so that
+/// every run gives the same bits.
 #pragma once
 
 #include <atomic>
@@ -40,13 +40,15 @@ class Workers {
     struct Thread {
         std::thread thread;
         bool ended = false;
+        std::atomic<std::int64_t> readsSince{0};  ///< steady ms; 0 while it reads nothing
     };
+    enum class Role : std::uint8_t { leads, helps, watches };
     void run(Thread& self);
     void addThread();
-    /// Whether the calling thread leads, or takes over from one that hangs.
-    bool leads(const Thread& self);
+    /// What the calling thread is to do; a watcher takes over from a thread that hangs.
+    Role roleOf(const Thread& self);
     void callHelper();
-    std::chrono::milliseconds rest(bool leader) const;
+    std::chrono::milliseconds rest(const Thread& self, bool wasCalled) const;
     struct Work {
         std::vector<std::shared_ptr<PagedSound>> sounds;
         std::vector<std::shared_ptr<PagedSound>> read;  ///< by the tempo processors, one each
@@ -64,14 +66,13 @@ class Workers {
 
     std::mutex mutex_;
     std::condition_variable wanted_, ended_;
-    bool woken_ = false, helpWanted_ = false;  // of the first thread, and of the other
+    bool woken_ = false, helpWanted_ = false, watchWanted_ = false;  // of leader, helper and watcher
     std::vector<std::weak_ptr<PagedSound>> sounds_;
     std::vector<Stretching> tempos_;
     std::list<Thread> threads_;
-    const Thread* leader_ = nullptr;
+    const Thread *leader_ = nullptr, *helper_ = nullptr;
     bool stopping_ = false;
-    std::atomic<std::int64_t> leaderTick_{0};        ///< ms that the leader sleeps until it looks anew
-    std::atomic<std::int64_t> leaderReadsSince_{0};  ///< steady ms; 0 while the leader reads nothing
+    std::atomic<std::int64_t> leaderTick_{0};  ///< ms that the leader sleeps until it looks anew
 };
 
 }  // namespace zv::engine

@@ -246,7 +246,6 @@ bool Outputs::anyOpen() const {
 }
 
 int Outputs::open(int number, const std::string& id, std::uint32_t rate, DeviceSource& source) {
-    assertControlThread();
     if (number < 0 || number >= kMostDevices) return BASS_ERROR_DEVICE;
     const auto place = static_cast<std::size_t>(number);
     if (!owned_[place]) {
@@ -260,7 +259,6 @@ int Outputs::open(int number, const std::string& id, std::uint32_t rate, DeviceS
 }
 
 void Outputs::close(int number) {
-    assertControlThread();
     if (OutputSlot* slot = this->slot(number)) slot->close();
 }
 
@@ -313,7 +311,6 @@ void InputSlot::heard(std::span<const float> stereo) {
 }
 
 bool InputSlot::add(const std::shared_ptr<RecordInput>& input) {
-    assertControlThread();
     for (std::size_t i = 0; i < kMostRecordings; ++i) {
         if (held_[i]) continue;
         held_[i] = input;

@@ -105,6 +105,7 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
         c.bridge.rest();
         c.run("a rest: what was written is silence", 3, 0);
         c.run("what comes then is heard whole", 7, kStep);
+        c.run("a period late", 1, 0);
     }
     for (const double ppm : {200.0, -200.0, 1000.0}) {
         for (const std::uint32_t rate : {44100U, 48000U}) {

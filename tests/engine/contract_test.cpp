@@ -240,5 +240,57 @@ TEST_F(Contract, AStreamTakesLittleMemoryWhateverItSaysOfItself) {
     EXPECT_LE(url.filled() * 32 * sizeof(float), 16U << 20);
 }
 
+#if !defined(NDEBUG) && !defined(_WIN32) && !defined(__SANITIZE_THREAD__)
+TEST_F(Contract, EveryEntryKnowsItsThread) {
+    const auto dies = [](const char* what, ThreadKind kind, auto call) {
+        const auto onIt = [&] {
+            const ThreadSection section(kind);
+            call();
+        };
+        EXPECT_DEATH(onIt(), "ThreadKind") << what;
+    };
+    Engine& e = Engine::instance();
+    RenderCount renders{0};
+    PagedSound sound(std::make_unique<MadeDecoder>(Made{.sample = ramp}), 44100, renders);
+    UrlInput url(std::make_unique<MadeDecoder>(Made{.sample = ramp}), true);
+    Bridge bridge({});
+    Trash trash;
+    std::vector<float> some(8);
+    BASS_DEVICEINFO info{};
+    struct Something : Garbage {};
+    // What may take long is asked by the program only.
+    dies("init", ThreadKind::Sync, [] { BASS_Init(0, 44100, 0, nullptr, nullptr); });
+    dies("free", ThreadKind::Sync, [] { BASS_Free(); });
+    dies("output", ThreadKind::Worker, [&] { BASS_GetDeviceInfo(1, &info); });
+    dies("use", ThreadKind::Worker, [] { BASS_RecordInit(0); });
+    dies("input", ThreadKind::Worker, [&] { BASS_RecordGetDeviceInfo(0, &info); });
+    dies("record", ThreadKind::Worker, [] { BASS_RecordStart(44100, 2, 0, nullptr, nullptr); });
+    dies("let go", ThreadKind::Worker, [] { BASS_RecordFree(); });
+    dies("file", ThreadKind::Worker, [] { file("ramp"); });
+    dies("install", ThreadKind::Worker, [] { engineControl()->install({}); });
+    // What waits or frees is not for a callback.
+    dies("any operation", ThreadKind::Audio, [] { BASS_ChannelIsActive(1); });
+    dies("graph", ThreadKind::Audio, [&] { e.graph.acquire(); });
+    dies("block", ThreadKind::Audio, [&] { e.workers.serveBlock(); });
+    dies("trash", ThreadKind::Audio, [&] { trash.empty(); });
+    dies("garbage", ThreadKind::Audio, [] { Something(); });
+    dies("pages", ThreadKind::Audio, [&] { sound.service(); });
+    dies("page", ThreadKind::Audio, [&] { sound.ensure(0, 1); });
+    dies("frames", ThreadKind::Audio, [&] { sound.readAt(0, some); });
+    dies("tidied", ThreadKind::Audio, [&] { sound.tidy(); });
+    dies("network", ThreadKind::Audio, [&] { url.fillNow(); });
+    const auto tempo = e.find(BASS_FX_TempoCreate(file("ramp"), BASS_STREAM_DECODE))->tempo;
+    dies("stretched", ThreadKind::Audio, [&] { tempo->work(); });
+    dies("primed", ThreadKind::Audio, [&] { tempo->prime(0); });
+    // What belongs to the callback is for nobody else.
+    dies("rendered", ThreadKind::Caller, [&] { e.graph.renderBlock(1); });
+    dies("heard", ThreadKind::Caller, [&] { e.graph.applyCommands(); });
+    dies("thrown away", ThreadKind::Caller, [&] { trash.add(nullptr); });
+    dies("bridge", ThreadKind::Worker, [&] { bridge.read(some); });
+    dies("its other side", ThreadKind::Worker, [&] { bridge.write(some); });
+    dies("stream", ThreadKind::Worker, [&] { url.read(some); });
+}
+#endif
+
 }  // namespace
 }  // namespace zv::engine::test

@@ -175,26 +175,6 @@ TEST_F(Heard, AReaderOfASplitThatLagsGoesOnWithThePresent) {
     pull(441);
 }
 
-TEST_F(Heard, AStretchedPressIsStretchedFromItsFirstFrame) {
-    engineControl()->install({decoders, devices});
-    const Topology studio;
-    const DWORD jingle = studio.jingle(file("sine"));
-    BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_TEMPO_PITCH, 12);  // 1 kHz becomes 2
-    for (const QWORD from : {QWORD{0}, QWORD{44100} * 4}) {
-        BASS_ChannelSetPosition(jingle, from, BASS_POS_BYTE);
-        BASS_ChannelPlay(jingle, false);
-        take();
-        const std::vector<float> sound =
-            pullAndTake(882);  // 20 ms: a change while it sounds would take longer
-        int turns = 0;
-        for (std::size_t f = 1; f < 882; ++f) turns += (sound[2 * f] < 0) != (sound[2 * f - 2] < 0);
-        EXPECT_NEAR(turns, 80, 4);
-        EXPECT_TRUE(Engine::instance().find(jingle)->audio.stretched);
-        BASS_ChannelStop(jingle);
-        pull(441);
-    }
-}
-
 TEST_F(Heard, WithoutAnAuxiliaryDeviceItsBranchStaysInStep) {
     const Topology studio(44100, false);
     const DWORD jingle = studio.jingle(file("sine"));

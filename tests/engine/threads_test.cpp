@@ -100,22 +100,5 @@ TEST_F(Threads, RecordingsAreFreedWhileTheirInputComesBack) {
     ASSERT_TRUE(BASS_RecordFree());
 }
 
-TEST_F(Threads, WorkersReadAheadOfWhatIsPlayed) {
-    const Topology studio;
-    const DWORD jingle = studio.jingle(file("long"));
-    BASS_ChannelSetPosition(jingle, 60 * 176400, BASS_POS_BYTE);
-    BASS_ChannelPlay(jingle, false);
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    float loudest = 0;  // once what was there at the press has been played
-    for (QWORD at = 0; at < 90 * 176400 && std::chrono::steady_clock::now() < limit;) {
-        float levels[2]{};
-        at = BASS_ChannelGetPosition(jingle, BASS_POS_BYTE);
-        BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.02F, BASS_LEVEL_STEREO);
-        if (at > 75 * 176400) loudest = std::max(loudest, levels[0]);
-        std::this_thread::yield();
-    }
-    EXPECT_GT(loudest, 0.05F);
-}
-
 }  // namespace
 }  // namespace zv::engine::test

@@ -1,0 +1,145 @@
+// Workers beside outputs that the test asks by hand: what calls them at once, a disk that hangs, and their rest.
+#include <condition_variable>
+#include <ctime>
+#include <mutex>
+
+#include "tests/engine/show.h"
+
+namespace zv::engine::test {
+namespace {
+
+using std::chrono::milliseconds;
+
+/// An output without a thread: it is asked when the test does so, and counts how often it is woken.
+class StillDevices final : public DeviceSource {
+  public:
+    std::vector<DeviceDescription> outputs() override { return {{"one", "one", true, 44100}}; }
+    std::vector<DeviceDescription> inputs() override { return {}; }
+    std::unique_ptr<SoundDevice> openOutput(const std::string&, std::uint32_t, SoundClient& client) override {
+        asked = &client;
+        return std::make_unique<Line>(wakes);
+    }
+    std::unique_ptr<SoundDevice> openInput(const std::string&, std::uint32_t, SoundClient&) override {
+        return nullptr;
+    }
+    std::unique_ptr<SoundDevice> openNoSound(std::uint32_t, SoundClient&) override {
+        return std::make_unique<Line>(others);
+    }
+    bool offline() const override { return false; }
+    void ask(int periods) {
+        std::vector<float> sound(882);
+        for (; periods > 0; --periods) asked->render(sound);
+    }
+    std::atomic<int> wakes{0}, others{0};
+
+  private:
+    struct Line final : SoundDevice {
+        explicit Line(std::atomic<int>& count) : woken(count) {}
+        std::uint32_t rate() const override { return 44100; }
+        std::uint32_t period() const override { return 441; }
+        void wake() override { ++woken; }
+        std::atomic<int>& woken;
+    };
+    SoundClient* asked = nullptr;
+};
+
+class WorkersTest : public Show {
+  protected:
+    WorkersTest() {
+        engineControl()->install({decoders, still});
+        openMain();
+        decoders->sounds["long"] = {.length = 44100 * 180, .sample = ramp};
+        decoders->sounds["hangs"] = {.length = 44100 * 180, .sample = [this](auto f, auto c) {
+                                         std::unique_lock lock(mutex);
+                                         gone.wait(lock, [this] { return !hangs; });
+                                         return ramp(f, c);
+                                     }};
+    }
+    ~WorkersTest() override {
+        {
+            const std::lock_guard lock(mutex);
+            hangs = false;
+        }
+        gone.notify_all();
+        engineControl()->install({});
+    }
+    static bool there(DWORD channel, std::uint64_t frame, milliseconds within) {
+        const auto& sound = *Engine::instance().find(channel)->sound;
+        for (const auto until = std::chrono::steady_clock::now() + within;
+             !sound.page(frame / PagedSound::kPage);) {
+            if (std::chrono::steady_clock::now() > until) return false;
+            std::this_thread::sleep_for(milliseconds(1));
+        }
+        return true;
+    }
+    std::shared_ptr<StillDevices> still = std::make_shared<StillDevices>();
+    std::mutex mutex;
+    std::condition_variable gone;
+    bool hangs = false;
+};
+
+TEST_F(WorkersTest, ComeAtOnceAndOtherwiseRest) {
+    const DWORD channel = file("long", BASS_SAMPLE_LOOP);
+    for (const DWORD mode : {BASS_POS_BYTE, BASS_POS_LOOP}) {
+        bool atOnce = false;  // they would look by themselves a quarter of a second later
+        for (std::uint64_t k = 1; k <= 3 && !atOnce; ++k) {
+            BASS_ChannelSetPosition(channel, (k + mode) * 441'000 * 4, mode);
+            atOnce = there(channel, (k + mode) * 441'000, milliseconds(100));
+        }
+        EXPECT_TRUE(atOnce) << mode;
+    }
+    std::this_thread::sleep_for(milliseconds(20));
+    const std::clock_t before = std::clock();
+    std::this_thread::sleep_for(milliseconds(60));
+    EXPECT_LT(static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC, 0.03) << "busy with nothing";
+}
+
+TEST_F(WorkersTest, ADiskThatHangsTakesNothingFromTheOthers) {
+    std::vector<DWORD> hanging, others;
+    for (int i = 0; i < 3; ++i) hanging.push_back(file("hangs", 0)), others.push_back(file("long", 0));
+    hangs = true;
+    for (std::size_t i = 0; i < 3; ++i) {
+        BASS_ChannelSetPosition(hanging[i], 4'410'000 * 4, BASS_POS_BYTE);
+        std::this_thread::sleep_for(milliseconds(20));
+        BASS_ChannelSetPosition(others[i], 4'410'000 * 4, BASS_POS_BYTE);
+        EXPECT_TRUE(there(others[i], 4'410'000, milliseconds(2000))) << i;
+    }
+    EXPECT_FALSE(there(hanging[0], 4'410'000, milliseconds(0)));
+}
+
+TEST_F(WorkersTest, AnOutputAtRestIsWokenByWhatSoundsAndByWhatWaits) {
+    const DWORD mixer = BASS_Mixer_StreamCreate(44100, 2, BASS_STREAM_DECODE | BASS_MIXER_NONSTOP);
+    const DWORD split = BASS_Split_StreamCreate(mixer, 0, nullptr), channel = file("long");
+    BASS_ChannelPlay(split, false);
+    const auto rested = [&] {
+        still->ask(250);
+        still->wakes = 0;
+        return engineControl()->statistics(kMain).resting;
+    };
+    const auto woken = [&](milliseconds within) {
+        for (const auto until = std::chrono::steady_clock::now() + within; still->wakes == 0;) {
+            if (std::chrono::steady_clock::now() > until) return false;
+            std::this_thread::sleep_for(milliseconds(1));
+        }
+        return true;
+    };
+    ASSERT_TRUE(rested());
+    BASS_ChannelPlay(split, false);
+    EXPECT_TRUE(woken(milliseconds(0))) << "a start";
+    ASSERT_TRUE(rested());
+    BASS_Mixer_StreamAddChannel(mixer, channel, 0);
+    EXPECT_TRUE(woken(milliseconds(0))) << "what plays when it is added";
+    BASS_ChannelStop(channel);
+    ASSERT_TRUE(rested());
+    BASS_ChannelSetAttribute(split, BASS_ATTRIB_VOLDSP, 0.5F);
+    EXPECT_TRUE(woken(milliseconds(1000))) << "a command that waits";
+    ASSERT_TRUE(rested());
+    // A read by hand waits for the commands before it.
+    float some[8];
+    const DWORD lone = BASS_FX_TempoCreate(file("long"), BASS_STREAM_DECODE);
+    BASS_ChannelGetData(lone, some, sizeof some);
+    EXPECT_TRUE(woken(milliseconds(0))) << "a read";
+}
+
+}  // namespace
+}  // namespace zv::engine::test
