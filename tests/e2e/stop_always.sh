@@ -46,7 +46,6 @@ silenced "STOP" stop
 key alt+F4
 sleep 0.5
 heard "over a question"
-[ -n "${PICTURES:-}" ] && import -window "$window" "$PICTURES/question.png"
 silenced "STOP over a question" stop
 heard "over a question again"
 silenced "Escape in a question" key Escape
@@ -62,7 +61,6 @@ menu
 sleep 0.3
 key Down Return
 sleep 1
-[ -n "${PICTURES:-}" ] && import -window root "$PICTURES/dialog.png"
 silenced "STOP beside a file dialog" stop
 heard "beside a file dialog"
 silenced "Escape in a file dialog" key Escape

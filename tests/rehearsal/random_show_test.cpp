@@ -8,6 +8,7 @@
 #include <numeric>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/rehearsal/player.h"
@@ -73,21 +74,19 @@ TEST(RandomShow, ActsInItsSharesAndBounds) {
             seen.ranges.resize(numbers.size());
             for (std::size_t n = 0; n < numbers.size(); ++n) seen.ranges[n].add(numbers[n]);
         }
-        text += std::string("[") + name + "]\n";
+        text += std::string("[") + name + "]";
+        std::string verb;  ///< kinds of one first word share a line
         for (const auto& [steps, seen] : all) {
             if (kind != Chance::show && told.contains(steps)) continue;
             told.insert(steps);
             std::size_t next = 0;
-            text += std::to_string(seen.times) + " x ";
+            const std::string first = steps.substr(0, steps.find(' '));
+            text += (first == std::exchange(verb, first) ? "; " : "\n") + std::to_string(seen.times) + " x ";
             for (const char c : steps) text += c == '%' ? seen.ranges[next++].text() : std::string(1, c);
-            text += "\n";
         }
-        const bool shared = kind == Chance::show;
-        if (shared) {
-            const std::vector<Action> nothing = RandomShow(3, kind).next({});
-            text += "nothing there: " + actionText(nothing.front()) + "\n";
-        }
+        text += "\n";
     }
+    text += "nothing there: " + actionText(RandomShow(3, Chance::show).next({}).front()) + "\n";
     RandomShow numbers(1);
     for (int i = 0; i < 8; ++i) text += std::to_string(numbers.number(1000)) + (i < 7 ? " " : "\n");
     expectApproved("rehearsal/random_show.approved", text);

@@ -71,14 +71,11 @@ TEST(RehearsalScript, SaysWhatItHasRead) {
     // A line, and the event log's words for it where they differ.
     const std::pair<const char*, const char*> rows[] = {
         {"press 3", ""},
-        {"press H0", "press 96"},
         {"press H23", "press 119"},
         {"down frmFX.btOK", ""},
-        {"up 119", ""},
         {"click ckTab(1)", ""},
         {"set frmFX.lblGain(2) \" 1.5 \"", "set frmFX.lblGain(2)  1.5 "},
         {"midi 903C7F Pad", "midi Pad 903C7F"},
-        {"plug Sound card", ""},
         {"unplug midi-in \"My Pad\"", "unplug midi-in My Pad"},
         {"web http://a/ b.mp3 404 audio/mpeg;live", "web http://a/ b.mp3"},
         {"expect lblDate.visible 1", ""},
@@ -89,13 +86,10 @@ TEST(RehearsalScript, SaysWhatItHasRead) {
         {"expect txtDisPal =A", ""},
         {"down h5", "down 101"},
         {"down Help", ""},
-        {"expect DispText", ""},
         {"shot a.png", "shot frmMain a.png"},
         {"shot frmFX a.png", ""},
         {"resize 1280 800", ""},
         {"grid 8 12", ""},
-        {"key F9", ""},
-        {"time 2026-02-28 10:59:59", ""},
         {"drop 7 a.wav", "drop a.wav"},
     };
     for (const auto& [line, said] : rows) {

@@ -102,28 +102,22 @@ TEST(Start, WithNonsenseInEveryKeyTheWindowWorks) {
 
 /// Starts the program and kills it at the `last` thing that happens to a file of its folder; false when it ended before.
 bool killedAt(const Show& show, int last) {
+    const std::string home = show.home().string(),
+                      script = (show.home().parent_path() / "script.txt").string();
     const int watch = ::inotify_init1(IN_CLOEXEC);
-    ::inotify_add_watch(watch, show.home().c_str(), IN_CREATE | IN_MODIFY | IN_MOVED_TO | IN_DELETE);
-    const fs::path script = show.home().parent_path() / "script.txt";
+    ::inotify_add_watch(watch, home.c_str(), IN_CREATE | IN_MODIFY | IN_MOVED_TO | IN_DELETE);
     const pid_t program = ::fork();
-    if (program == 0) {
-        ::execl((binDir() + "/rehearse").c_str(), "rehearse", script.c_str(), "--home", show.home().c_str(),
-                "--out", show.out().c_str(), "--no-sound", nullptr);
-        ::_exit(127);
-    }
+    if (program == 0)
+        ::_exit(::execl((binDir() + "/rehearse").c_str(), "rehearse", script.c_str(), "--home", home.c_str(),
+                        "--out", show.out().c_str(), "--no-sound", nullptr));
     int status = 0;
     pollfd waits{watch, POLLIN, 0};
     for (int seen = 0; ::waitpid(program, &status, WNOHANG) == 0;) {
-        alignas(inotify_event) char events[4096];
-        if (::poll(&waits, 1, 5) <= 0) continue;
-        const auto bytes = ::read(watch, events, sizeof events);
-        for (std::ptrdiff_t at = 0; at < bytes; ++seen)
-            at += static_cast<std::ptrdiff_t>(sizeof(inotify_event) +
-                                              reinterpret_cast<const inotify_event*>(events + at)->len);
-        if (seen >= last) ::kill(program, SIGKILL);
+        alignas(inotify_event) char event[sizeof(inotify_event) + 256];  // what comes at once counts once
+        if (::poll(&waits, 1, 5) <= 0 || ::read(watch, event, sizeof event) <= 0) continue;
+        if (++seen >= last) ::kill(program, SIGKILL);
     }
     ::close(watch);
-    EXPECT_TRUE(WIFSIGNALED(status) || WEXITSTATUS(status) == 0) << status;
     return WIFSIGNALED(status);
 }
 
@@ -138,9 +132,8 @@ TEST(Start, KilledAtAnyFileItWritesItLosesNothingAndStartsAgain) {
     int last = 1;
     for (; killedAt(show, last); last += 1 + last / 2) {
         EXPECT_EQ(show.contentsOf("palette.ini"), kPalette) << last;
-        const std::string now = show.contentsOf("zv.ini");
         for (const char* key : {"VolumeAux=37\r\n", "\nVolume=4", "PaletteIndex=Test\r\n"})
-            EXPECT_NE(now.find(key), std::string::npos) << last << "\n" << now;
+            EXPECT_NE(show.contentsOf("zv.ini").find(key), std::string::npos) << last << key;
         show.write("zv.ini", settings);
     }
     EXPECT_GT(last, 10);
