@@ -2,11 +2,8 @@
 // screen_test.cpp.
 
 #include "ui/screen/layout.h"
-#include "startup/language.h"
-#include "startup/settings/program_settings.h"
 #include "startup/settings/window_settings.h"
 #include "tests/ui/window_test.h"
-#include "ui/edit/palette_list.h"
 #include "ui/screen/layout_grid.h"
 #include "ui/screen/window_place.h"
 #include "ui/windows/question_window.h"
@@ -19,19 +16,6 @@ namespace {
 class LayoutTest : public WindowTest {};
 
 }  // namespace
-
-TEST_F(LayoutTest, keysSayInEachLanguageWhatTheyDo) {
-    const MainWindow& w = frmMain();
-    std::set<std::string> told;
-    for (const char* language : {"Fran\u00E7ais", "Deutsch", "Espa\u00F1ol", "English"}) {
-        programSettings.Language = language;
-        LnStrings("frmMain");
-        lstPalRefresh();
-        told.insert(w.keys.btStop.toolTip());
-        told.insert(w.fraJingles.toolTip());  // the hint of a program without a palette
-    }
-    EXPECT_EQ(told.size(), 8U);
-}
 
 /// Sizes and places of a window in pixels.
 struct Place {

@@ -54,14 +54,6 @@ class PaletteTest : public WindowTest {
     bool inFile(const std::string& text) { return read("palette.ini").find(text) != std::string::npos; }
 };
 
-TEST_F(PaletteTest, theListIsSortedAndShowsTheCurrentOne) {
-    EXPECT_EQ(list().items(), (std::vector<std::string>{"afternoon", "Morning", "Zulu"}));
-    EXPECT_EQ(list().text(), "Morning");
-    EXPECT_EQ(CheckSection("Zulu"), "Zulu");
-    EXPECT_EQ(CheckSection("gone"), "afternoon");
-    EXPECT_EQ(filled(), 3);
-}
-
 TEST_F(PaletteTest, namesBeyondTheListAreToldUntilSomethingElseIs) {
     std::string many;
     for (int i = 0; i < 2000; ++i) many += "[A palette of many " + std::to_string(i) + "]\r\nVolm_0=1\r\n";

@@ -15,6 +15,7 @@
 #include "startup/settings/playing_settings.h"
 #include "startup/settings/warning_settings.h"
 #include "tests/ui/window_test.h"
+#include "ui/records/soon.h"
 #include "ui/records/timers.h"
 #include "ui/screen/announcer_view.h"
 #include "ui/screen/clock.h"
@@ -50,6 +51,14 @@ TEST_F(TickTest, digits) {  // of times that no other test has
         WriteDigits(c.seconds);
         EXPECT_EQ(shown(), c.shown) << c.seconds;
     }
+}
+
+TEST_F(TickTest, whatComesSoonComesInItsOrder) {
+    std::string ran;
+    for (const char task : {'a', 'b', 'c'}) Soon("test", [&ran, task] { ran += task; });
+    EXPECT_EQ(ran, "");
+    pass(50);
+    EXPECT_EQ(ran, "abc");
 }
 
 TEST_F(TickTest, whatIsWrongWithTheOutputsStandsInThePlaceOfTheDate) {

@@ -96,7 +96,7 @@ TEST(WavePicture, ColumnsHoldPeaksAndLevelOfWhatTheyStandFor) {
             std::snprintf(line, sizeof line, " %.3g,%.3g %.3gx%.3g %06X %d%% %g/%g%s %s", s.x, s.y, s.width,
                           s.height, static_cast<unsigned>(s.colour), s.opacity, s.thickness, s.points,
                           s.bold ? "b" : "", s.text.c_str());
-            drawn += std::to_string(static_cast<int>(s.what)) + line + (++n % 5 == 0 ? "\n" : ";");
+            drawn += std::to_string(static_cast<int>(s.what)) + line + (++n % 9 == 0 ? "\n" : ";");
         }
         drawn += "\n";
     };

@@ -55,7 +55,6 @@ void showMark(Control& mark, bool visible, bool on, const char* tip) {
 }
 
 void showField(Control& field, int value, int highest, const char* tip) {
-    field.minimum = 0;
     field.maximum = highest;
     field.value = value;
     field.enabled = TmAnnOn;
