@@ -6,6 +6,8 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QPointingDevice>
+#include <QTouchEvent>
 #include <QWheelEvent>
 
 #include "platform/qt/view/keys.h"
@@ -97,6 +99,12 @@ TEST(Touch, FingersPressAndLeaveEachForItself) {
     EXPECT_EQ(s.told(), "b_Jingle(0):up b_Jingle(0):click b_Jingle(0):down");
     touchUp(b, 1), touchUp(a, 2);
     EXPECT_EQ(s.told(), "b_Jingle(4):up b_Jingle(4):click b_Jingle(0):up b_Jingle(0):click");
+    touchDown(a, 0), touchDown(a, 1);
+    s.told();
+    QTouchEvent cancelled(QEvent::TouchCancel, QPointingDevice::primaryPointingDevice());
+    QCoreApplication::sendEvent(&viewOf(a)->widget, &cancelled);
+    EXPECT_EQ(s.told(), "b_Jingle(0):up b_Jingle(0):up") << "the desktop took the fingers away: no click";
+    EXPECT_FALSE(isHeld(a));
 }
 
 TEST(Keys, TheWindowSeesThemOnceAndFirst) {
@@ -154,6 +162,15 @@ TEST(Keys, EveryControlCanBeReachedAndPressed) {
     for (int i = 0; i < 16; ++i) keyDown(Key::tab), reached.insert(focusedControl());
     for (const Control* c : {&s.key, &s.list, &s.text, &s.slide, &s.tick})
         EXPECT_TRUE(reached.contains(c)) << c->name;
+    Control red("Red", ControlKind::colourField, &s.window),
+        blue("Blue", ControlKind::colourField, &s.window);
+    place(red, 420, 340, 20, 20), place(blue, 450, 340, 20, 20);
+    flushChanged();
+    setFocus(red);
+    for (const auto& [key, to] : {std::pair{Key::right, &blue}, {Key::left, &red}, {Key::up, &red}}) {
+        keyDown(key);
+        EXPECT_EQ(focusedControl(), to) << "arrows go among colours";
+    }
     setFocus(s.key);
     keyDown(Key::enter);
     keyDown(Key::space);
