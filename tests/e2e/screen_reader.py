@@ -101,6 +101,21 @@ def main():
     for n in filled:
         check(READY.match(n.description), f"{n.name}: \"{n.description}\" lacks its duration")
 
+    # The keys have their names, the list its rows; tabs and toggles tell whether they are on.
+    named = {role: [n.name for n in nodes if n.getRole() == role and n.name and n not in jingles]
+             for role in (pyatspi.ROLE_PAGE_TAB, pyatspi.ROLE_PUSH_BUTTON, pyatspi.ROLE_CHECK_BOX, pyatspi.ROLE_LIST_ITEM)}
+    tabs, keys, toggles, rows = named.values()
+    check(tabs == ["Palettes", "Time announcer", "Live stream", "Jingle options"], f"tabs {tabs}")
+    check(keys[3:] == ["New", "Delete", "Settings", "STOP", "Exit"] and "Find" in keys[1], f"keys {keys}")
+    check(toggles == ["Assign", "Save", "Restart", "Hold", "Automix", "Mic", "Talkover"], f"toggles {toggles}")
+    check(rows[:3] == ["Jazz Hour", "Sample Radio", "Sports Saturday"], f"rows {rows}")
+    for name, other, on in (("Time announcer", "Palettes", pyatspi.STATE_SELECTED), ("Hold", "Restart", pyatspi.STATE_CHECKED)):
+        one, two = by_name[name][0], next(n for n in by_name[other] if n.getRole() == by_name[name][0].getRole())
+        for now, before in ((one, two), (two, one)):
+            check(press(now) and until(lambda: shown(now, on)), f"{now.name} is not told to be on")
+            check(not shown(before, on), f"{before.name} is told to be on still")
+    check(press(by_name["Restart"][0]), "Restart was refused")
+
     display = [n for n in nodes if n.name == "00.0"]
     check(display and "Sample Radio" in display[0].description, "the display does not tell counter and palette")
 
