@@ -78,5 +78,12 @@ record() {
     await test -s "$work/$1.raw"
 }
 
-# heard BYTES: how many seconds of tone the recording of out1 holds from there on, and gaps in it.
-heard() { python3 "$here/tone.py" measure "$work/out1.raw" "$1"; }
+# heard BYTES WHAT LEAST [GAPS]: the recording of out1 holds so many seconds of tone from there on, with no more gaps.
+heard() {
+    local seconds gaps
+    read -r seconds gaps < <(python3 "$here/tone.py" measure "$work/out1.raw" "$1")
+    echo "$2: $seconds s of tone, $gaps gaps"
+    awk -v s="$seconds" -v g="$gaps" -v l="$3" -v m="${4:-99}" 'BEGIN { exit !(s > l && g <= m) }' || fail "$2: not heard"
+}
+length() { stat -c %s "$work/out1.raw"; }
+ms() { echo $(($(date +%s%N) / 1000000)); }

@@ -38,15 +38,9 @@ void Show::write(const std::string& name, const std::string& text) {
     std::ofstream(home() / name, std::ios::binary | std::ios::trunc) << text;
 }
 
-void Show::tone(const std::string& name, double seconds, double hertz, double level) {
-    writeWav(sound(name), sine(framesOf(seconds * 1000), hertz, level));
-}
-
-void Show::palette(const std::vector<std::string>& sounds, const std::string& keys) {
-    std::string text = "[Test]\r\n";
-    for (std::size_t i = 0; i < sounds.size(); ++i)
-        text += "Path_" + std::to_string(i) + "=Audio_Sample\\" + sounds[i] + "\r\n";
-    write("palette.ini", text + keys);
+void Show::tone() {
+    writeWav(home() / "Audio_Sample/tone.wav", sine(kRate, 1000));
+    write("palette.ini", kPalette);
 }
 
 int Show::perform(const std::string& script, const std::string& arguments, const std::string& program) {

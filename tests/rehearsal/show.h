@@ -25,10 +25,8 @@ class Show {
 
     /// A file in the program folder.
     void write(const std::string& name, const std::string& contents);
-    /// A tone of `hertz` at `level` from its first frame to its last, 16 bit, in Audio_Sample.
-    void tone(const std::string& name, double seconds, double hertz = 1000, double level = 0.5);
-    /// A palette "Test" of sounds in Audio_Sample, on the buttons from 0 on; `keys` stand behind them.
-    void palette(const std::vector<std::string>& sounds, const std::string& keys = {});
+    /// A palette "Test" with a second of tone on button 0.
+    void tone();
     /// Lines behind those of zv.ini.
     void set(const std::string& lines) { write("zv.ini", contentsOf("zv.ini") + lines); }
     /// Performs the script; returns the exit status. `arguments` are added to the command.
@@ -39,8 +37,6 @@ class Show {
 
     std::filesystem::path home() const { return folder_ / "home"; }
     std::filesystem::path out() const { return folder_ / "out"; }
-    /// A sound's whole path.
-    std::string sound(const std::string& name) const { return (home() / "Audio_Sample" / name).string(); }
     /// A file of the program folder.
     std::string contentsOf(const std::string& name) const;
     /// What was told on standard error.
@@ -52,6 +48,7 @@ class Show {
     std::filesystem::path folder_;
 };
 
+inline constexpr const char* kPalette = "[Test]\r\nPath_0=Audio_Sample\\tone.wav\r\n";
 /// A whole file, empty when it cannot be read.
 std::string contents(const std::filesystem::path& file);
 /// Loudest sample in a stretch of ms.

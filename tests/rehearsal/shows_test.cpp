@@ -125,8 +125,9 @@ TEST_P(Shows, LeaveWhatWasApproved) {
     const int status = show.perform(script, arguments);
     std::string text = "status " + std::to_string(status) + "\n";
     text += replaced(show.messages(), show.home().parent_path().string() + "/", "");
-    text += section("events.log", linesWith(show.result("events.log"),
-                                            "\tmark\thide|\tmark\twait|\tfailed\texpect ", false));
+    text += section("events.log",
+                    linesWith(show.result("events.log"),
+                              "\tmark\thide|\tmark\twait|\tfailed\texpect |\tmenu\tmnuAss mnuClr ", false));
     for (const char* log : {"midi.log", "web.log"}) text += section(log, show.result(log));
     const bool same = show.result("main.wav") == show.result("aux.wav");
     text += section(same ? "main.wav, aux.wav" : "main.wav", whatIsHeard(show.heard()));

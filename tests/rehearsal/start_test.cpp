@@ -18,7 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kPalette = "[Test]\r\nPath_0=Audio_Sample\\tone.wav\r\n";
 constexpr const char* kPressSounds =
     "at 0 expect PaletteIndex Test\n"
     "at 100 down 0\n"
@@ -43,8 +42,7 @@ void expectSound(const Show& show) {
 
 TEST(Start, ASecondProgramOnTheFolderAsksAndIsRefusedOrAllowed) {
     Show show;
-    show.tone("tone.wav", 1);
-    show.palette({"tone.wav"});
+    show.tone();
     show.passes(kPressSounds);
     const auto before = filesOf(show.home());
     ASSERT_TRUE(before.contains(".zentrova.lock"));
@@ -84,8 +82,7 @@ TEST(Start, WithNonsenseInEveryKeyTheWindowWorks) {
     for (const auto& kind : kinds) {
         SCOPED_TRACE(kind.value);
         Show show;
-        show.tone("tone.wav", 1);
-        show.palette({"tone.wav"});
+        show.tone();
         std::string text = "[Settings]\r\n";
         for (const char* key : kSettingKeys) text += std::string(key) + "=" + kind.value + "\r\n";
         show.write("zv.ini", text);
@@ -123,8 +120,7 @@ bool killedAt(const Show& show, int last) {
 
 TEST(Start, KilledAtAnyFileItWritesItLosesNothingAndStartsAgain) {
     Show show;
-    show.tone("tone.wav", 1);
-    show.palette({"tone.wav"});
+    show.tone();
     show.set("VolumeAux=37\r\nVolume=40\r\n");
     const std::string settings = show.contentsOf("zv.ini");
     std::ofstream(show.home().parent_path() / "script.txt")
@@ -164,8 +160,7 @@ TEST(Start, AFolderThatCannotBeWrittenIsToldAndPlays) {
     for (const bool startedBefore : {true, false}) {
         SCOPED_TRACE(startedBefore ? "with all its files" : "with the user's files only");
         Show show;
-        show.tone("tone.wav", 1);
-        show.palette({"tone.wav"});
+        show.tone();
         if (startedBefore) show.passes(kPressSounds);
         const auto before = filesOf(show.home());
         const ReadOnly folder(show.home());

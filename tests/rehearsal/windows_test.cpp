@@ -32,8 +32,7 @@ TEST(Windows, ClipNoTextInAnyLanguageAtAnyScale) {
                  {"Español", "1"}, {"Deutsch", "2"},  {"Français", "1.5"}};
     for (const auto& c : cases) {
         Show show;
-        show.tone("tone.wav", 1);
-        show.palette({"tone.wav"});
+        show.tone();
         show.set("Sealed=1\r\nLanguage=" + std::string(c.language) + "\r\n");
         setenv("ZENTROVA_SCALE", c.scale, 1);
         SCOPED_TRACE(std::string(c.language) + " " + c.scale);
