@@ -131,6 +131,8 @@ StudioTest::~StudioTest() {
     FreeBASS();
     VirtualClock::instance().drive(nullptr);
     VirtualClock::instance().onPeriod({});
+    constexpr int kForgotten = 10'000;  // ms: peaks, messages and marks that are held for a while
+    pass(kForgotten);
 }
 
 void StudioTest::pass(int ms) { VirtualClock::instance().advanceTo(monotonicMs() + ms); }

@@ -15,6 +15,7 @@
 #include "startup/settings/palette_list_settings.h"
 #include "startup/settings/palette_settings.h"
 #include "startup/settings/search_settings.h"
+#include "startup/settings/window_settings.h"
 #include "startup/settings_file.h"
 #include "startup/upcalls.h"
 #include "tests/support/approved.h"
@@ -51,6 +52,7 @@
 #include "ui/windows/question_window.h"
 #include "ui/windows/report_window.h"
 #include "ui/windows/search_window.h"
+#include "ui/windows/select_file_window.h"
 #include "ui/windows/shortcuts_window.h"
 
 namespace zv::test {
@@ -119,6 +121,7 @@ class CommandsTest : public ApprovedTest {
         KeyEvent event{which, shift};
         if (control.onKeyDown) control.onKeyDown(event);
         if (control.onKeyUp) control.onKeyUp(event);
+        if (event.consumed) desktop().asked.push_back("key taken");
     }
     void seek(const std::string& what) {
         JingSearch();
@@ -145,7 +148,7 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         HideSelectors();
     });
     menu("the palettes", [&] {
-        SelJ = {0}, clTouchSet(0), clNoStopSet(0), Undo();
+        DelJing(96, false), SelJ = {0}, clTouchSet(0), DelJing(kSlot, false), clNoStopSet(0), Undo(), Undo();
         t.lstPal.onMouseUp({MouseButton::right});
     });
 
@@ -176,6 +179,14 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
     text += "== what goes wrong\n";
     act("nothing to take back", Undo);
     act("nothing to bring again", Redo);
+    act("a search given up", [&] {
+        for (int i = 0; i < 30; ++i) write("shelf/" + std::to_string(i) + "/x.wav", "");
+        desktop().paths = {path("shelf").string()}, clReloc(2), pass(200);
+        EXPECT_TRUE(frmSelFile().lblFolder.caption().starts_with("Searching in " + path("shelf/").string()));
+        frmSelFile().lblFolder.caption = std::string();  // a folder has an order of its own
+        note("a search goes on");
+        frmSelFile().btCancel.onClick();
+    });
     act("nothing was dropped", [] { b_Jingle_OLEDragDrop(7, ""); });
     act("no sound", [] { ClipPath = "notes.txt", clAssign(7); });
     act(
@@ -340,6 +351,9 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
     act("dark, the list reversed", [] { paletteListSettings.RevLstPalCol = 1, SwitchDarkMode(1); });
     paletteListSettings.RevLstPalCol = 0, SwitchDarkMode(0);
 
+    act("loop behind another option", [] { ckTouchI_MouseDown(), ckLoopITog(); });
+    LoopToggleAtRest();
+
     text += "== points of the editor\n";
     JingleWindow& fx = frmFX();
     const auto at = [](const TimeFields& field, int seconds, int hundredths) {
@@ -361,6 +375,10 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
            [&] { fx.ckLinkLILO.value = 1, fx.ckLinkLILO.onChange(), at(fx.TxtLI, 2, 0); });
     points("the slider's end is the length",
            [&] { fx.sldLO.value = fx.sldLO.maximum(), fx.sldLO.onChange(); });
+    points("its fade otherwise", [&] {
+        for (const int on : {0, 1})
+            fx.ckLogFadeOut.value = on, fx.ckLogFadeOut.onChange(), note("fade " + std::to_string(on));
+    });
     points("a start copied", [&] { at(fx.TxtPos, 3, 0), fx.btCopyStartPos.onClick(); });
     const auto hit = [&](Key which, Control* focus = nullptr, int shift = 0) {
         desktop().focus = focus;
@@ -406,6 +424,10 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
     });
     act("on a button that sounds",
         [&] { press(96), release(96), clPlaylist(96), edited({"1 (B1 > B)"}), evStop(); });
+    act("opened by its key", [] {
+        clPlaylist(kSlot), frmPlaylistSelector().lstPL.listIndex = 1, frmPlaylistSelector().lstPL.onChange();
+        frmPlaylistSelector().btOpen.onClick();
+    });
     act("damaged", [&] {
         write("playlist.ini", "[AAAAAA]\r\nName=One\r\nList=:x>A:0>A:200>B:7\r\n[BBBBBB]\r\nList=0>B\r\n");
         LoadLockedFiles();
@@ -466,6 +488,44 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
     });
     text += "  it stands at " + std::to_string(frmConsole().form.window.left) + " " +
             std::to_string(frmConsole().form.window.top) + "\n";
+    act("saved once the editor was closed",
+        [&] { rec(0).Volm = 5, MarkPalToSave(), clFXSet(0), note("open"), OKfx(), ErrClick(); });
+    act("windows on top",
+        [] { windowSettings.AlwaysOnTop = 1, OpenMixer(), windowSettings.AlwaysOnTop = 0; });
+    act("deleted where no history can be", [&] { write("History", "x"), DelJing(kSlot, true); });
+    act("two lost files that are not saved", [&] {
+        for (const int slot : {2, 3}) rec(slot).Path = "Audio_Sample\\new" + std::to_string(slot) + ".wav";
+        for (const char* name : {"new2.wav", "new3.wav"})
+            writeWav(path(std::string("found/") + name), sine(2000, 440));
+        desktop().paths = {path("found").string()}, clReloc(2), pass(300), frmSelFile().btSelect.onClick();
+    });
+    act(
+        "a jingle of another palette found",
+        [&] {
+            searchSettings.BlinksJSearch = 2, seek("b1"), key(frmSearchJing().form.window, Key::enter);
+            pass(200), note("it blinks");
+        },
+        1000);
+    act(
+        "the search closes by itself",
+        [&] {
+            searchSettings.AutoClJSearchSec = 1, seek("a"), pass(500), note("half of it");
+            searchSettings.AutoClJSearchSec = 0;
+        },
+        700);
+    act(
+        "a backspace held",
+        [&] {
+            seek("Łżźć"), frmSearchJing().btKbBack.onMouseDown({}), pass(310), note("held");
+            frmSearchJing().btKbBack.onMouseUp({});
+        },
+        300);
+    act("a page key held", [&] {
+        write("palette.ini", read("palette.ini") + "[C]\r\n[D]\r\n[E]\r\n[F]\r\n"), lstPalRefresh();
+        desktop().keys = {static_cast<int>(Key::pageDown)}, StartPageKey(Key::pageDown);
+        for (const int ms : {395, 10, 10}) pass(ms), note("after " + std::to_string(ms));
+        desktop().keys.clear(), pass(20);
+    });
     act("the threshold", [] {
         OpenMixer(), frmMixer().SlideFadeInAdvance.value = 30, frmMixer().SlideFadeInAdvance.onChange();
     });

@@ -73,7 +73,7 @@ TEST_F(TickTest, whatIsWrongWithTheOutputsStandsInThePlaceOfTheDate) {
 
 TEST_F(TickTest, silenceWritesNothing) {
     for (int i = 0; i < 20; ++i) load(i, 200);
-    pass(200);
+    pass(600);
     takeChanged();
     pass(390);
     for (const Control* c : takeChanged()) {

@@ -174,7 +174,8 @@ TEST_F(WaveTest, HandlesTakeTheWayAndTheLimitsOfTheFields) {
     open("Seq=1 LoopIn=2000 LoopOut=4000");
     drag(0, x(1.234567 * kSecond), 40);
     EXPECT_NEAR(j.CueStart, 1.234567 * kSecond, kBytesPerFrame * 44);  // the mouse stands on whole twips
-    drag(kWidth, x(6.5 * kSecond), 40);
+    constexpr double kInName = 15;                                     // pixels from the line
+    drag(kWidth - kInName, x(6.5 * kSecond) - kInName, 5);
     EXPECT_NEAR(j.StopPos, 6.5 * kSecond, kBytesPerFrame * 44);
     EXPECT_EQ(w.TxtPos.shown(), FieldsOf(j.StopPos / kSecond));
     drag(x(2 * kSecond), x(5 * kSecond), 80);
@@ -213,6 +214,13 @@ TEST_F(WaveTest, KeysMoveTheChosenHandleAndSayIt) {
         EXPECT_NE(tone(frame - 1) < 0, tone(frame) < 0) << frame;
         EXPECT_NEAR(j.StopPos / kSecond, turns == 0 ? 5.999 : 6.009, 0.001);
     }
+    // The nearest crossing is not among the samples that are shown.
+    OKfx();
+    load(kSlot, sine(8 * kRate, 12), "StopPos=6026"), show();
+    key(Key::down);
+    for (int i = 0; i < 30; ++i) key(Key::pageUp);
+    key(Key::right, kShiftMask);
+    EXPECT_NEAR(j.StopPos / kSecond, 145.0 / 24, 1e-4);
     OKfx();
     open();  // its stop is the end of the sound
     key(Key::down), key(Key::left);
@@ -246,6 +254,14 @@ TEST_F(WaveTest, AClickAndTheSliderPlaceThePlayheadADraggedPictureDoesNot) {
     pass(200);
     EXPECT_EQ(w.SlidePos.value(), left);
     EXPECT_FALSE(PalToSave);
+    // A picture of another width shows the same stretch.
+    open({}, 900);
+    drag(0, 0, 60), w.picWave.onWheel(4, 0), drag(400, 400, 60);
+    const int middle = w.SlidePos.value();
+    w.picWave.width = kWidth / 2 * kTwipsPerPixel, pass(100);
+    drag(200, 200, 60);
+    EXPECT_TRUE(middle > 4 && middle < 40 && std::abs(w.SlidePos.value() - middle) < 2)
+        << middle << " " << w.SlidePos.value();
 }
 
 TEST_F(WaveTest, TheOutlineComesInPartsAndIsKept) {

@@ -1,20 +1,42 @@
 #include "tests/ui/window_test.h"
 
 #include <sstream>
+#include <map>
+#include <tuple>
 
 #include "app/rehearsed_screen.h"
 #include "audio/streams.h"
 #include "platform/timers.h"
 #include "startup/language.h"
 #include "startup/settings/program_settings.h"
+#include "startup/upcalls.h"
 #include "tests/support/places.h"
+#include "ui/edit/carried.h"
+#include "ui/edit/colour_picker.h"
 #include "ui/edit/jingle_editor.h"
 #include "ui/edit/remove.h"
 #include "ui/edit/save_dialogue.h"
 #include "ui/edit/selection.h"
 #include "ui/records/timers.h"
+#include "ui/screen/error_mark.h"
 #include "ui/screen/layout.h"
+#include "ui/settings/mixer_controls.h"
 #include "ui/upcalls_fill.h"
+#include "ui/windows/announcer_window.h"
+#include "ui/windows/console_window.h"
+#include "ui/windows/history_window.h"
+#include "ui/windows/jingle_window.h"
+#include "ui/windows/level_window.h"
+#include "ui/windows/midi_button_window.h"
+#include "ui/windows/midi_settings_window.h"
+#include "ui/windows/midi_small_windows.h"
+#include "ui/windows/playlist_windows.h"
+#include "ui/windows/question_window.h"
+#include "ui/windows/rename_window.h"
+#include "ui/windows/report_window.h"
+#include "ui/windows/search_window.h"
+#include "ui/windows/select_file_window.h"
+#include "ui/windows/shortcuts_window.h"
 #include "ui/wiring.h"
 
 namespace zv::test {
@@ -22,6 +44,44 @@ namespace zv::test {
 namespace {
 
 constexpr int kFramesPerMs = static_cast<int>(kRate) / 1000;
+
+/// What one test may leave in a record for the next.
+constexpr std::tuple kKept{
+    &Control::visible, &Control::enabled,   &Control::left,      &Control::top,     &Control::width,
+    &Control::height,  &Control::backColor, &Control::foreColor, &Control::caption, &Control::borderColor,
+    &Control::toolTip, &Control::value,     &Control::minimum,   &Control::maximum, &Control::listIndex,
+    &Control::items,   &Control::alignment, &Control::topRow,    &Control::drawing};
+
+auto valuesOf(const Control& c) {
+    return std::apply([&](auto... member) { return std::tuple((c.*member)()...); }, kKept);
+}
+
+/// Every window is made and stands as it was made.
+void beginWindows() {
+    static const auto first = [] {
+        frmMain(), frmFX(), frmMixer(), frmConsole(), frmSettAnnouncer(), frmLoudness(), frmMIDIScroll(),
+            frmMIDIFader(), frmMIDIReset(), frmMIDIButton(), frmMIDISettings(), frmQuestion(), frmHistory(),
+            frmPlaylist(), frmPlaylistSelector(), frmRenameFile(), frmReportError(), frmSearchJing(),
+            frmSelFile(), frmShortcuts();
+        std::map<Control*, decltype(valuesOf(frmMain().window))> all;
+        for (Control* c : allControls()) all.emplace(c, valuesOf(*c));
+        return all;
+    }();
+    CloseForms();
+    for (const auto& [control, values] : first)
+        std::apply(
+            [&, &c = *control](auto... member) {
+                std::apply([&](const auto&... value) { ((c.*member = value), ...); }, values);
+            },
+            kKept);
+    for (int i = 0; i < kJingles; ++i)
+        if (JingleButton* b = Button(i)) b->JremBG.visible = false, b->JRemLev.visible = false;
+    HideErrMark();
+    FillConsoleUpcalls();
+    startupUpcalls.consoleLines({}, true);
+    startupUpcalls.consoleLines = {}, startupUpcalls.consolePaused = {};
+    MoveMode.clear(), MoveSourcePalette.clear(), MoveBuffer = {};
+}
 
 }  // namespace
 
@@ -52,15 +112,11 @@ WindowTest::WindowTest() {
     OptionControl.clear();
     LoopToggleStep = 0;
     JExists.fill(0);
+    beginWindows();
     FillUpcalls();
     Form_Load();
     FormsLoad("frmMain");
     LnStrings("frmMain");
-    MainWindow& w = frmMain();
-    w.palettes.lstPal.items = std::vector<std::string>();
-    w.palettes.lstPal.listIndex = -1;
-    w.display.lblErr.visible = false;
-    w.display.txtDisPal.caption = "";
     NotSavePal();
     HideSelectors();
     for (int i = 0; i < kJingles; ++i) {

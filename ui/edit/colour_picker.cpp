@@ -93,10 +93,6 @@ void TimerTrigColSelTick() {
             ResetJingles();
         }
         SelectorsOn = true;
-        Colour back = 0;
-        Colour fore = 0;
-        RestColours(MenuJ, back, fore);
-        PaintButton(MenuJ, back, fore);
         clColorSet(MenuJ);
     });
 }

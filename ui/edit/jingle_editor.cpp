@@ -317,7 +317,6 @@ void OKfx() {
         CloseFileWatch();
         FxOpen = false;
         CloseEditorStep();
-        SelectorsOn = false;
         if (there) {
             j.EndOffset = EndOffsetCalc(Edited.index);
             j.Duration = JDurationCalc(Edited.index);

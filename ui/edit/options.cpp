@@ -44,7 +44,6 @@ std::array<Option, 6> options() {
 void noOption() {
     OptionControl.clear();
     OptionCode.clear();
-    SelectorsOn = false;
 }
 
 void pressOption(std::size_t which) {
@@ -173,9 +172,7 @@ void ckTab_MouseDown(int tab) {
             CkAssignTog();
         }
         DisarmOptions();
-        OptionCode.clear();
-        OptionControl.clear();
-        SelectorsOn = false;
+        noOption();
         ResetJingles();
         ChangeTab(tab);
     });

@@ -273,7 +273,6 @@ void btNewTog() {
             return;
         }
         LeavePalette();
-        timers().TimerLoadPal.stop();
         frmMain().display.txtDisPal.caption = std::string();
         tab().txtSave.caption = std::string();
         paletteSettings.PaletteIndex.clear();

@@ -68,7 +68,6 @@ void showProgress(int percent, const std::string& text) {
 void move(int index, const std::string& path) {
     JingleRecord& j = Jingle(index);
     FreeJingle(index);
-    j.Kind = SlotKind::nothing;
     j.Path = path;
     openStreams(index);
 }

@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kMeterWidth = 72, kRateWidth = 112, kSystemWidth = 128;  // pixels
 constexpr int kFull = 100, kPercentStep = 5;
+constexpr int kLongestTime = 500;  // of a slider, in steps of 10 ms
 
 FormRow levelRow(Control& label, Control& slider, Control& value, const char* tip) {
     return {.label = label, .cells = {{.control = &slider, .tip = tip, .unit = value}}};
@@ -55,6 +56,8 @@ MixerWindow::MixerWindow() {
         percent->maximum = kFull;
         percent->step = kPercentStep;
     }
+    for (Control* time : {&SlideFadeOutSpeed, &SlideFadeInSpeed, &SlideTORelease})
+        time->maximum = kLongestTime;
     cmbAutoDuckMode.segmented = true;
     cmbAutoDuckMode.items = std::vector<std::string>(3);
 

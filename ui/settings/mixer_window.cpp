@@ -22,8 +22,8 @@ namespace zv {
 
 namespace {
 
-constexpr int kSliderStep = 10;                             // ms of one step of a slider of times
-constexpr int kLongestFade = 5000, kLongestAdvance = 3000;  // ms
+constexpr int kSliderStep = 10;        // ms of one step of a slider of times
+constexpr int kLongestAdvance = 3000;  // ms
 constexpr int kFull = 100;
 constexpr int kByLevel = 0;
 
@@ -139,8 +139,6 @@ void wire(MixerWindow& m) {
             guarded("frmMixer.SlideVolIn_Change", [&] { setInputLevel(i, m.SlideVolIn[at]->value); });
         };
     }
-    for (Control* ms : {&m.SlideFadeOutSpeed, &m.SlideFadeInSpeed, &m.SlideTORelease})
-        ms->maximum = kLongestFade / kSliderStep;
     const auto times = [](Control& shown) {
         return BindOptions{.step = kSliderStep, .shown = &shown, .unit = " ms"};
     };
