@@ -1,7 +1,7 @@
 #include "tests/ui/window_test.h"
 
-#include <sstream>
 #include <map>
+#include <sstream>
 #include <tuple>
 
 #include "app/rehearsed_screen.h"
