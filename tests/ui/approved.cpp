@@ -432,7 +432,7 @@ void ApprovedTest::work(Control& c, MouseButton button) {
 }
 
 std::string ApprovedTest::lined() const {
-    constexpr std::size_t kLine = 400;
+    constexpr std::size_t kLine = 600;
     std::string all, line;
     std::istringstream acts(text);
     for (std::string act; std::getline(acts, act); line += act) {
