@@ -127,7 +127,7 @@ Control* findControl(std::string_view name, int index, const Control& window) {
     const auto found = registry().byName.find(lowered(name));
     if (found == registry().byName.end()) return nullptr;
     for (Control* c : found->second) {
-        if (c->index == index && c != &window && &windowOf(*c) == &window) return c;
+        if (c->index == index && &windowOf(*c) == &window) return c;
     }
     return nullptr;
 }

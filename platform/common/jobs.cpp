@@ -49,10 +49,8 @@ Job::Job(std::shared_ptr<JobState> state) : state_(std::move(state)) {}
 Job::Job(Job&& other) noexcept : state_(std::exchange(other.state_, nullptr)) {}
 
 Job& Job::operator=(Job&& other) noexcept {
-    if (this != &other) {
-        cancel();
-        state_ = std::exchange(other.state_, nullptr);
-    }
+    cancel();
+    state_ = std::exchange(other.state_, nullptr);
     return *this;
 }
 

@@ -251,9 +251,8 @@ void Player::perform(const Action& action) {
             shoot(action);
             break;
         case Verb::resize:
-            if (Control* window = control(action)) {
-                shell::resizeWindow(*window, static_cast<int>(action.count), static_cast<int>(action.number));
-            }
+            shell::resizeWindow(*findControl("frmMain"), static_cast<int>(action.count),
+                                static_cast<int>(action.number));
             break;
         case Verb::expect:
             expectValue(action);
@@ -289,13 +288,12 @@ Control* Player::find(const Action& action) const {
 
 Control* Player::control(const Action& action) {
     Action named = action;
-    if (action.verb == Verb::resize) named.name = "frmMain";
     if (action.name.empty() && action.index >= 0) named.name = "b_Jingle";
     Control* found = find(named);
+    if (found != nullptr) return found;
     // Chance may ask for what was never opened.
-    if (found == nullptr && line_ == 0) ignored(action);
-    if (found == nullptr && line_ > 0) fail("there is no control " + nameOf(named));
-    return found;
+    line_ == 0 ? ignored(action) : fail("there is no control " + nameOf(named));
+    return nullptr;
 }
 
 void Player::ignored(const Action& action) { noteEvent("ignored", actionText(action)); }
@@ -454,7 +452,6 @@ void Player::hear(const Action& action) {
 }
 
 void Player::scatterRandom(const Action& action) {
-    if (pending_.empty()) return;
     const std::int64_t length = pending_.begin()->first - action.at;
     random_.emplace_back(action.number != 0 ? static_cast<std::uint64_t>(action.number) : options_.seed,
                          action.verb == Verb::chaos    ? Chance::edits
@@ -477,7 +474,7 @@ void Player::performRandom() {
         const Control* button = findControl("b_Jingle", i);
         if (button != nullptr && button->visible()) there.buttons.push_back(i);
     }
-    if (const Control* list = findControl("lstPal")) there.palettes = list->items();
+    there.palettes = findControl("lstPal")->items();
     std::vector<Action> steps = random_.back().next(there);
     noteEvent("random", actionText(steps.front()));
     for (std::size_t i = 1; i < steps.size(); ++i) {
@@ -516,10 +513,10 @@ std::string Player::chooseFromMenu(const std::vector<MenuItem>& items) {
 }
 
 void Player::checkAfterTick() {
+    if (!program_.fault) return;
     Timer* tick = findTimer(kDisplayTick);
-    if (tick == nullptr || !program_.fault) return;
     tick->handler = [this, handler = tick->handler] {
-        if (handler) handler();
+        handler();
         if (const std::string fault = program_.fault(); !fault.empty()) fail(fault);
     };
 }

@@ -41,7 +41,6 @@ std::string onOneLine(std::string_view text, std::string_view lineEnd) {
 
 void noteEvent(std::string_view kind, std::string_view text) {
     Stage& stage = Stage::instance();
-    if (!stage.events.is_open()) return;
     // Flush each line: after a crash the last one matters.
     stage.events << whenText() << '\t' << kind << '\t' << onOneLine(text, " / ") << std::endl;
 }

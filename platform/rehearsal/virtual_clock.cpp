@@ -100,7 +100,7 @@ bool VirtualClock::fireDue(std::int64_t& next) {
 
 void VirtualClock::advanceTo(std::int64_t until, const std::function<bool()>& enough) {
     for (;;) {
-        std::int64_t next = std::max(until, now_);
+        std::int64_t next = until;
         if (fireDue(next)) {
             if (enough && enough()) return;
             continue;
@@ -144,8 +144,6 @@ WallTime wallTime() {
     return t;
 }
 
-void sleepMs(int ms) {
-    if (ms > 0) VirtualClock::instance().waitUntil(monotonicMs() + ms);
-}
+void sleepMs(int ms) { VirtualClock::instance().waitUntil(monotonicMs() + ms); }
 
 }  // namespace zv

@@ -47,14 +47,12 @@ class VirtualJob final : public JobWork {
 
     bool cancelled() override { return state->cancelled; }
     void progress(int percent, std::string text) override {
-        if (state->cancelled) return;
         percent_ = percent;
         text_ = std::move(text);
         giveBack();
     }
     /// Suspends the job for `ms` of virtual time. Called on the job's thread.
     void sleep(int ms) {
-        if (state->cancelled || ms <= 0) return;
         dueMs = monotonicMs() + ms;
         asleep_ = true;
         giveBack();
