@@ -227,9 +227,8 @@ void ClearRecord(int index) {
 }
 
 void openNames(int index, const std::string& section, bool isHot) {
-    cImpulse& store = isHot ? HotStore : PaletteStore;
-    store.SetIniPath(isHot ? HotFile : PalFile);
-    openNames(index, SlotKeys(store, section, isHot ? index - kPaletteSlots : index));
+    openNames(index, isHot ? SlotKeys(HotStore, section, index - kPaletteSlots)
+                           : SlotKeys(PaletteStore, section, index));
 }
 
 void openNames(int index, const SlotKeys& keys) {

@@ -149,7 +149,6 @@ void loadJingle(Reader& reader, int index) {
         reader.texts(key, codes);
         midiIn.MIDIJingleVelocity[at] = reader.byte(key, 2, kFreeVelocity);
     }
-    midiOut.OutJingleUp[at].clear();
     if (!reader.value(outKey(index)).empty()) reader.texts(outKey(index), jingleMessages(index));
 }
 

@@ -44,20 +44,20 @@ bool sayWhetherWritten(bool written, const std::string& file) {
     return written;
 }
 
-std::vector<cImpulse::Line> storedSection(cImpulse& store, const std::string& file, const char* section) {
-    store.SetIniPath(file);
-    return store.GetSectionLines(section);
+std::vector<cImpulse::Line> storedPalette(const std::string& name) {
+    return PaletteStore.GetSectionLines(name);
 }
+std::vector<cImpulse::Line> storedHotJingles() { return HotStore.GetSectionLines(kHotSection); }
 
 std::vector<cImpulse::Line> paletteLines(Purpose purpose) {
     auto lines =
-        SlotLines(0, kPaletteSlots - 1, storedSection(PaletteStore, PalFile, HeldPalette().c_str()), purpose);
+        SlotLines(0, kPaletteSlots - 1, storedPalette(HeldPalette()), purpose);
     if (lines.empty()) lines.emplace_back(kEmptyPaletteKey, "Yes");
     return lines;
 }
 
 std::vector<cImpulse::Line> hotLines(Purpose purpose) {
-    return SlotLines(kPaletteSlots, kJingles - 1, storedSection(HotStore, HotFile, kHotSection), purpose);
+    return SlotLines(kPaletteSlots, kJingles - 1, storedHotJingles(), purpose);
 }
 
 /// The sound files that `lines` name, without their folders: an import changes these.
@@ -82,8 +82,8 @@ bool share(const std::multiset<std::string>& a, const std::multiset<std::string>
 
 /// A jingle that goes from the palette to the hot jingles must stand there before it leaves its section.
 bool hotJinglesFirst(const std::vector<cImpulse::Line>& palette, const std::vector<cImpulse::Line>& hot) {
-    const auto paletteBefore = filesOf(storedSection(PaletteStore, PalFile, HeldPalette().c_str()));
-    const auto hotBefore = filesOf(storedSection(HotStore, HotFile, kHotSection));
+    const auto paletteBefore = filesOf(storedPalette(HeldPalette()));
+    const auto hotBefore = filesOf(storedHotJingles());
     return share(without(paletteBefore, filesOf(palette)), without(filesOf(hot), hotBefore));
 }
 
@@ -110,7 +110,7 @@ bool workOffRemovals() {
 
 /// A copy of what the section holds, when the save takes files out of it or puts another palette in its place.
 void keepFormerSection(const std::string& name, const std::vector<cImpulse::Line>& lines) {
-    const auto former = storedSection(PaletteStore, PalFile, name.c_str());
+    const auto former = storedPalette(name);
     const bool another = !SameText(name, HeldPalette());
     if (another ? !former.empty() : !without(filesOf(former), filesOf(lines)).empty())
         KeepSection(another ? HistoryReason::replaced : HistoryReason::saved, name, former);
@@ -118,7 +118,7 @@ void keepFormerSection(const std::string& name, const std::vector<cImpulse::Line
 
 /// Slots 96 to 119 into the section "HotJingles", as part of every save of a palette.
 bool CloseFileHotJingles(const std::vector<cImpulse::Line>& lines) {
-    const auto former = storedSection(HotStore, HotFile, kHotSection);
+    const auto former = storedHotJingles();
     if (!without(filesOf(former), filesOf(lines)).empty())
         KeepSection(HistoryReason::saved, kHotSection, former, true);
     return sayWhetherWritten(HotStore.PutSection(kHotSection, lines, true), HotFile);
@@ -172,7 +172,7 @@ bool CloseFile(const std::string& name) {
 
 void KeepUnsavedPalette() {
     guarded("modMain.KeepUnsavedPalette", [] {
-        const auto stored = storedSection(PaletteStore, PalFile, HeldPalette().c_str());
+        const auto stored = storedPalette(HeldPalette());
         const auto lines = LinesOfRecords(false);
         const bool stillEmpty = stored.empty() && lines.front().first == kEmptyPaletteKey;
         if (lines != stored && !stillEmpty) KeepSection(HistoryReason::unsaved, HeldPalette(), lines);
@@ -182,7 +182,7 @@ void KeepUnsavedPalette() {
 void KeepUnsavedHotJingles() {
     guarded("modMain.KeepUnsavedHotJingles", [] {
         const auto lines = LinesOfRecords(true);
-        if (lines != storedSection(HotStore, HotFile, kHotSection))
+        if (lines != storedHotJingles())
             KeepSection(HistoryReason::unsaved, kHotSection, lines, true);
     });
 }
@@ -198,14 +198,13 @@ void DeletePalette(const std::string& name) {
         // Several sections of that name are one palette: none of them comes to light when the first is gone.
         for (std::size_t before = 0; PaletteStore.Bytes().size() != before;) {
             before = PaletteStore.Bytes().size();
-            KeepSection(HistoryReason::deleted, name, storedSection(PaletteStore, PalFile, name.c_str()));
+            KeepSection(HistoryReason::deleted, name, storedPalette(name));
             PaletteStore.DeleteSection(name);
         }
     });
 }
 
 bool PalFileTest() {
-    PaletteStore.SetIniPath(PalFile);
     return PaletteStore.Bytes().find('[') != std::string_view::npos;
 }
 

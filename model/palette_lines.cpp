@@ -55,7 +55,6 @@ std::string importFile(const std::string& path) {
     const auto to = nativePath(target);
     std::error_code error;
     if (std::filesystem::equivalent(from, to, error)) return target;
-    error.clear();
     bool copied = MkDirs(folder);
     if (copied) {
         // Through a file of its own name, so that a failed copy never leaves half a sound in the target's
@@ -63,8 +62,7 @@ std::string importFile(const std::string& path) {
         auto part = to;
         part += kPartEnd;
         copied = std::filesystem::copy_file(from, part, std::filesystem::copy_options::overwrite_existing,
-                                            error) &&
-                 !error;
+                                            error);
         if (copied) {
             KeepReplacedFile(target);
             std::filesystem::rename(part, to, error);

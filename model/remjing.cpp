@@ -36,7 +36,6 @@ bool RemJing(const std::string& section, int slot, const std::string& path) {
     bool written = section.empty() || slot < 0;
     guarded("modMain.RemJing", [&] {
         if (written) return;
-        PaletteStore.SetIniPath(PalFile);
         const auto former = PaletteStore.GetSectionLines(section);
         const std::string there = SlotKeys(PaletteStore, section, slot).text("Path_");
         const bool another = !path.empty() && !SameText(GetRelPath(there), GetRelPath(path));

@@ -12,9 +12,7 @@
 namespace zv {
 namespace {
 
-bool renameIn(cImpulse& store, const std::string& file, const std::function<bool(const std::string&)>& meant,
-              const std::string& to) {
-    store.SetIniPath(file);
+bool renameIn(cImpulse& store, const std::function<bool(const std::string&)>& meant, const std::string& to) {
     return store.ReplaceValues("Path_", meant, to);
 }
 
@@ -34,19 +32,19 @@ std::string RenameSound(const std::string& from, const std::string& to) {
     const auto nativeTo = nativePath(GetPath(fullTo)) / pathFromUtf8(GetFileName(fullTo));
     const auto meansOld = [&](const std::string& stored) { return IsFileOf(stored, full); };
     const bool there = FileExists(full);
-    if (!renameIn(PaletteStore, PalFile, meansOld, to)) return Ln("mSaveFailed");
+    if (!renameIn(PaletteStore, meansOld, to)) return Ln("mSaveFailed");
     const auto meansNew = [&](const std::string& stored) { return stored == to; };
     std::error_code error;
     std::string why;
-    if (!renameIn(HotStore, HotFile, meansOld, to)) {
+    if (!renameIn(HotStore, meansOld, to)) {
         why = Ln("mSaveFailed");
     } else if (there) {
         std::filesystem::rename(native, nativeTo, error);
         if (error) why = error.message();
     }
     if (!why.empty()) {
-        renameIn(PaletteStore, PalFile, meansNew, from);
-        renameIn(HotStore, HotFile, meansNew, from);
+        renameIn(PaletteStore, meansNew, from);
+        renameIn(HotStore, meansNew, from);
     }
     return why;
 }

@@ -235,7 +235,6 @@ std::vector<std::string> IniText::sectionNames() const {
 void IniText::closeLastLine() {
     if (bytes_.empty() || bytes_.back() == '\n' || bytes_ == kUtf8Mark) return;
     bytes_ += lineEnd_;
-    findSections();
 }
 
 /// Replaces bytes inside the body of one section.

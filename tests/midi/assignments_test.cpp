@@ -33,6 +33,7 @@ TEST_F(SurfaceTest, WhatIsReadIsWrittenAgain) {
     MIDIStore.DeleteSection("Pad");
     CloseFileMIDI("Pad");
     CloseFileMIDIOut("");
+    EXPECT_EQ(cmbMIDIpresets.rows, (std::vector<std::string>{"", "Pad"}));
     EXPECT_EQ(file(), kFile);  // no such hot jingle in this grid: it was not read
     write("MIDI.ini", std::string(kFile) + "Jingle119=907F,907F00,255\r\n; mine\r\n");
     LoadMIDIdatas("Pad");
@@ -83,6 +84,8 @@ TEST_F(SurfaceTest, PresetsAreCopiedAndDeleted) {
     ASSERT_EQ(cmbMIDIpresets.rows, (std::vector<std::string>{"", "Pad", "Old"}));
     cmbMIDIpresets_Click(1);
     EXPECT_FALSE(MIDICopyEnabled()) << "a device's own assignments";
+    btMIDICopy_Click();
+    EXPECT_EQ(cmbMIDIpresets.selected, 1);
     EXPECT_TRUE(MIDIDeleteEnabled());
     cmbMIDIpresets_Click(2);
     ASSERT_TRUE(MIDICopyEnabled());
@@ -243,6 +246,7 @@ TEST_F(SurfaceTest, WhileAWindowLearnsNothingPlays) {
     send("904000");
     MIDILearn.rows[0] = {"90", "00", "00"};
     w.btCancel.onClick();
+    EXPECT_EQ(LearnOK(), "");
     EXPECT_EQ(midiIn.MIDIJinglePress[0], "9010");
     EXPECT_EQ(midiOut.OutJingleDown[0], "A01001");
     // Clear and OK: the control is free.

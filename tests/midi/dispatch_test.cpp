@@ -3,6 +3,7 @@
 
 #include "midi/dispatch.h"
 #include "audio/streams.h"
+#include "midi/learn_commands.h"
 #include "midi/ring.h"
 #include "model/actions.h"
 #include "startup/settings/devices_settings.h"
@@ -146,6 +147,14 @@ TEST_F(DispatchTest, EachMessageAsksForOneThing) {
     MidiInProc(kMidiLongData, 0x641090, 0);  // a long message, whatever it begins with
     pass(20);
     EXPECT_EQ(asked, "");
+    for (int i = 0; i < 60; ++i) devices_.queue("901064");
+    TimerMIDI_Timer();
+    EXPECT_EQ(std::ranges::count(asked, 'y'), 60) << "more than the ring holds, at once";
+    // What a lesson's test key gives back when it is let go.
+    sent();
+    for (const char* ctrl : {"btUp", "btDn", "btStop", "ckAutoRep", "ckTouch", "ckAutoMix", "btMicTO", "btMicPush"})
+        OpenLearn(ctrl, -1), btTestUp(), LearnCancel();
+    EXPECT_EQ(sent(), "A00100 A00200 A00600 A00300 A00400 A00500 A00700 A00800");
 }
 
 TEST_F(DispatchTest, SlotsBehindTheLastOneOfTheGridDoNotReactHotOnesDo) {

@@ -39,6 +39,7 @@ TEST_F(Devices, SavedOutputsAreFoundAgain) {
         {"by name, nothing saved", "Name", "", "", 1, 0, 0, 3},
         {"by name", "Name", "Three", "Two", 3, 2, 2, 1},
         {"main name gone", "Name", "Four", "Two", 1, 2, 0, 1},
+        {"no auxiliary by name", "Name", "Two", "none", 2, 0, 1, 3},
         {"auxiliary name gone falls to the first", "Name", "Two", "Four", 2, 1, 1, 0},
         {"both gone are both the first", "Name", "Four", "Five", 1, 1, 0, 0},
     };

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "audio/open_palette.h"
+#include "model/after_sound.h"
 #include "model/colours.h"
 #include "model/history.h"
 #include "model/palette_lines.h"
@@ -204,13 +205,17 @@ TEST_F(Palette, FilesFromElsewhereAreImported) {
     EXPECT_EQ(HistoryEntries().size(), 1U) << "the older file of that name";
 
     // What cannot be copied keeps its path, and the user is told when the save is over.
-    write("language.ini", "[English]\r\nmMslockedFile1=Locked:\r\nmMslockedFile2=In use.\r\n");
+    write("language.ini", "[English]\r\nmMslockedFile1=Locked:\r\nmMslockedFile2=In use.\r\n"
+          "mMslockedFiles1=All locked:\r\nmMslockedFiles2=All in use.\r\n");
     write("Blocked", "a file where a folder is needed");
     folderSettings.SampleDir = path("Blocked").string();
     openPalette(iniLine("Path_0", far));
     EXPECT_TRUE(save());
     EXPECT_EQ(jingle(0).Path, far);
     EXPECT_EQ(marks.back(), "no: Locked: far.wav. In use.");
+    openPalette(iniLine("Path_0", far) + iniLine("Path_1", far));
+    EXPECT_TRUE(save());
+    EXPECT_EQ(marks.back(), "no: All locked: far.wav, far.wav. All in use.");
 }
 
 TEST_F(Palette, AFailedSaveLosesNothing) {
@@ -247,6 +252,10 @@ TEST_F(Palette, ASlotThatStillSoundsKeepsThePalettesOwnKeys) {
     jingle(1).Volm = 30;
     EXPECT_TRUE(save("Evening"));
     EXPECT_EQ(read("palette.ini"), "[Morning]\r\nPath_0=a.wav\r\nLoop_0=1\r\n" + evening + "Volm_1=30\r\n");
+    PersistedJingle next;
+    next.Path = "a.wav", next.Volm = 33;
+    HoldAfterSound(0, next);
+    EXPECT_EQ(LinesOfRecords(false).at(1).second, "33") << "what comes after the sound";
 }
 
 TEST_F(Palette, APaletteOpenedWhileAnotherLoadsIsTheOneThatStands) {

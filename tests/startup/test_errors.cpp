@@ -104,6 +104,19 @@ TEST_F(Errors, EngineErrors) {
     expectApproved("startup/engine_errors.approved", told + "\n");
 }
 
+TEST_F(Errors, TheConsoleTakesLinesUnlessItIsPaused) {
+    std::string told;
+    bool paused = false;
+    startupUpcalls.consolePaused = [&] { return paused; };
+    startupUpcalls.consoleLines = [&](const std::vector<std::string>& lines, bool clear) {
+        for (const std::string& line : lines) told += line + (clear ? "! " : " ");
+    };
+    ConsoleAdd("a\r\nb\nc", true), ConsoleAdd("d");
+    paused = true;
+    ConsoleAdd("e");
+    EXPECT_EQ(told, "a! b! c! d ");
+}
+
 TEST_F(Errors, ReportTellsWhatHappened) {
     EXPECT_FALSE(guarded("modMain.CloseFile", [] { throw ProgramError(13, "Type mismatch", 120); }));
     EXPECT_EQ(ReportTitle, "1.0.0:modMain.CloseFile:Type mismatch at line 120");

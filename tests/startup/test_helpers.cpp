@@ -132,6 +132,7 @@ TEST_F(Helpers, LegalFileNames) {
         {"LPT9.wav", "", false, "_LPT9.wav"},
         {"com10.wav", "", false, "com10.wav"},
         {"A long name.flac", "", true, "Alongnam.fla"},
+        {"a.long name.flac", "", true, "a.longna.fla"},
     };
     for (const auto& row : table)
         EXPECT_EQ(ValidFileName(row.text, row.replacement, row.shortName), row.name);
