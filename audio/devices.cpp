@@ -82,7 +82,6 @@ void openSingle() {
     NoOutputDevice = false;
     if (!initDevice(Device[0])) {
         BASS_Init(static_cast<int>(kNoSound), rate(), 0, nullptr, nullptr);
-        BASS_SetDevice(kNoSound);
         reportNoDevice();
     }
     BASS_SetConfig(BASS_CONFIG_BUFFER, 2 * BASS_GetConfig(BASS_CONFIG_BUFFER));

@@ -41,7 +41,8 @@ TEST_F(SurfaceTest, WhatIsReadIsWrittenAgain) {
     EXPECT_EQ(file(), std::string(kFile) + "Jingle119=907F,907F00,255\r\n; mine\r\n");
     // A device never taught has no section, and none is made.
     LoadMIDIdatas("Other");
-    EXPECT_TRUE(midiIn.MIDIJinglePress[0].empty());
+    EXPECT_TRUE(midiIn.MIDIJinglePress[0].empty() && midiIn.MIDIUpDown.empty() && midiIn.MIDIUpUp.empty());
+    EXPECT_TRUE(midiIn.MIDIAmixCode.empty() && midiIn.MIDIAmixReverse == 0);
     EXPECT_EQ(midiOut.OutStopIdle, "A00600") << "an empty key leaves the message as it was";
     EXPECT_TRUE(midiOut.OutReset.empty());
 }
@@ -159,12 +160,13 @@ class LearnTest : public SurfaceTest {
         desktop().boxes.clear();
         clMIDI(ctrl, index);
         EXPECT_TRUE(MIDILearnActive);
-        send(messages);
         const Learning& l = MIDILearn;
-        const std::string lights =
-            std::to_string(static_cast<int>(l.Picture1)) + std::to_string(static_cast<int>(l.picAntiClockw)) +
-            std::to_string(static_cast<int>(l.picClockw)) + "/" + std::to_string(l.flashing) + " " +
-            l.lblVelocityCode + " " + std::to_string(l.SlideVelocity) + " " + std::to_string(l.SlideFader);
+        std::string lights = l.MIDILearnDown + " " + l.MIDILearnUp;
+        send(messages);
+        for (const LearnLight light : {l.Picture1, l.picAntiClockw, l.picClockw})
+            lights += " " + std::to_string(static_cast<int>(light));
+        lights += " " + l.lblVelocityCode;
+        for (const int number : {l.flashing, l.SlideVelocity, l.SlideFader}) lights += " " + std::to_string(number);
         MIDILearn.ckReverse = reverse;
         AcceptLearn();
         EXPECT_FALSE(MIDILearnActive);

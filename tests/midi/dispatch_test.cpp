@@ -154,7 +154,9 @@ TEST_F(DispatchTest, EachMessageAsksForOneThing) {
     sent();
     for (const char* ctrl : {"btUp", "btDn", "btStop", "ckAutoRep", "ckTouch", "ckAutoMix", "btMicTO", "btMicPush"})
         OpenLearn(ctrl, -1), btTestUp(), LearnCancel();
-    EXPECT_EQ(sent(), "A00100 A00200 A00600 A00300 A00400 A00500 A00700 A00800");
+    JMidiState[2] = "A01202";
+    OpenLearn("b_Jingle", 2), btTestUp(), LearnCancel();
+    EXPECT_EQ(sent(), "A00100 A00200 A00600 A00300 A00400 A00500 A00700 A00800 A01202");
 }
 
 TEST_F(DispatchTest, SlotsBehindTheLastOneOfTheGridDoNotReactHotOnesDo) {

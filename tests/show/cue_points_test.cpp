@@ -94,6 +94,7 @@ TEST(CuePoints, ASoundThatBecameShorterTakesItsPointsAlong) {
         {{500'000, 400'000, 0, 1'000'000}, {500'000, 0, 0, 1'000'000}, true},
         {{0, 0, 5'000'000, 6'000'000}, {0, 0, 994'000, 1'000'000}, true},
         {{0, 0, 0, 0}, {0, 0, 0, 1'000'000}, true},
+        {{0, 0, 500'000, 400'000}, {0, 0, 394'000, 400'000}, true},
     };
     for (const auto& c : cases) {
         CuePoints p = c.before;

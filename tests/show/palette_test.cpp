@@ -269,7 +269,10 @@ TEST_F(Palette, APaletteOpenedWhileAnotherLoadsIsTheOneThatStands) {
     modelUpcalls.pumpEvents = [&] {
         if (++events == 110) OpenFile("Evening");  // the names are there, the sounds are being opened
     };
+    int ends = 0;
+    modelUpcalls.endLoad = [&] { ++ends; };
     openPalette(morning + "[Evening]\r\n" + evening);
+    EXPECT_EQ(ends, 1);
     for (int i = 0; i < 30; ++i) {
         EXPECT_EQ(jingle(i).Volm, 22) << i;
         EXPECT_EQ(jingle(i).Kind, SlotKind::stream) << i;

@@ -30,6 +30,7 @@ TEST_F(Play, TailsRingOnAndEnd) {
         {"a press stops the tail of an end", "", "0 press 3200 press 3300 press", 3300, false},
         {"and another starts anew in it", "PlayMod=2", "0 press 3200 press", 6800, false},
         {"the tail of a loop ends too", "Loop=1", "0 press 2700 release", 3600, true},
+        {"and that of a sequence", "Seq=1 LoopIn=100 LoopOut=2400", "0 press 2000 release", 3000, true},
         {"a sequence has none", "Seq=1 LoopIn=100 LoopOut=500", "0 press 300 press 400 press", 400, false},
     };
     const std::string reverb = "FXV_0=0,0,0,0,0,0,0,600,0,44100,0\r\n";
@@ -43,6 +44,9 @@ TEST_F(Play, TailsRingOnAndEnd) {
         while (monotonicMs() - began < 8000 && BASS_ChannelIsActive(jingle().hPlay) != BASS_ACTIVE_STOPPED)
             pass(10);
         EXPECT_NEAR(static_cast<double>(monotonicMs() - began), row.ends, 20);
+        if (row.ends == 3900) {
+            EXPECT_EQ(jingle().FadeSync, 0U);
+        }
         const Heard sound = heard();
         if (row.tail) {
             const float before = sound.loudest(framesOf(acted - 100), framesOf(acted));
