@@ -50,8 +50,7 @@ std::vector<cImpulse::Line> storedPalette(const std::string& name) {
 std::vector<cImpulse::Line> storedHotJingles() { return HotStore.GetSectionLines(kHotSection); }
 
 std::vector<cImpulse::Line> paletteLines(Purpose purpose) {
-    auto lines =
-        SlotLines(0, kPaletteSlots - 1, storedPalette(HeldPalette()), purpose);
+    auto lines = SlotLines(0, kPaletteSlots - 1, storedPalette(HeldPalette()), purpose);
     if (lines.empty()) lines.emplace_back(kEmptyPaletteKey, "Yes");
     return lines;
 }
@@ -182,8 +181,7 @@ void KeepUnsavedPalette() {
 void KeepUnsavedHotJingles() {
     guarded("modMain.KeepUnsavedHotJingles", [] {
         const auto lines = LinesOfRecords(true);
-        if (lines != storedHotJingles())
-            KeepSection(HistoryReason::unsaved, kHotSection, lines, true);
+        if (lines != storedHotJingles()) KeepSection(HistoryReason::unsaved, kHotSection, lines, true);
     });
 }
 
@@ -204,8 +202,6 @@ void DeletePalette(const std::string& name) {
     });
 }
 
-bool PalFileTest() {
-    return PaletteStore.Bytes().find('[') != std::string_view::npos;
-}
+bool PalFileTest() { return PaletteStore.Bytes().find('[') != std::string_view::npos; }
 
 }  // namespace zv

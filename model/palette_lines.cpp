@@ -61,8 +61,8 @@ std::string importFile(const std::string& path) {
         // place.
         auto part = to;
         part += kPartEnd;
-        copied = std::filesystem::copy_file(from, part, std::filesystem::copy_options::overwrite_existing,
-                                            error);
+        copied =
+            std::filesystem::copy_file(from, part, std::filesystem::copy_options::overwrite_existing, error);
         if (copied) {
             KeepReplacedFile(target);
             std::filesystem::rename(part, to, error);

@@ -112,21 +112,6 @@ TEST_F(SurfaceTest, PresetsAreCopiedAndDeleted) {
     EXPECT_TRUE(cmbMIDIpresets.rows.empty());
 }
 
-TEST_F(SurfaceTest, TextsOfMessages) {
-    const struct {
-        int isData;
-        const char *typed, *is;
-    } rows[] = {{0, "7", "80"},  {1, "FF", "7F"}, {1, "A3C", "3C"}, {0, "abc", "BC"}, {1, "", ""},
-                {0, "90", "90"}, {1, "5", "05"},  {2, "80", "7F"},  {0, "zz", "80"},  {1, "1g", "01"}};
-    for (const auto& row : rows) EXPECT_EQ(MIDIHex(row.isData, row.typed), row.is) << row.typed;
-    EXPECT_EQ(MIDIDecomp("903C7F"), (std::array<std::string, 3>{"90", "3C", "7F"}));
-    EXPECT_EQ(MIDIDecomp("903C"), (std::array<std::string, 3>{}));
-    EXPECT_EQ(TypedHex("x9f0 a"), "0A");
-    EXPECT_EQ(PackCode("903C7F"), 0x7F3C90U);
-    EXPECT_THROW(PackCode("90807F"), ProgramError);
-    EXPECT_THROW(PackCode("90 17F"), ProgramError);
-}
-
 // ---- learning: what a control is taught, by the messages that came
 
 /// All codes and messages in memory, by their keys in MIDI.ini; those that are not empty.
@@ -166,7 +151,8 @@ class LearnTest : public SurfaceTest {
         for (const LearnLight light : {l.Picture1, l.picAntiClockw, l.picClockw})
             lights += " " + std::to_string(static_cast<int>(light));
         lights += " " + l.lblVelocityCode;
-        for (const int number : {l.flashing, l.SlideVelocity, l.SlideFader}) lights += " " + std::to_string(number);
+        for (const int number : {l.flashing, l.SlideVelocity, l.SlideFader})
+            lights += " " + std::to_string(number);
         MIDILearn.ckReverse = reverse;
         AcceptLearn();
         EXPECT_FALSE(MIDILearnActive);

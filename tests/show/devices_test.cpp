@@ -390,8 +390,6 @@ TEST_F(OneDevice, JinglesPlayStraightOnIt) {
     OpenMic();
     EXPECT_NE(hMic, 0U);  // open, and in no mix
     openJingle(level(framesOf(500)), iniLine("FadeOut_0", "100"));
-    pass(100);
-    EXPECT_TRUE(heard().silent(0, framesOf(100))) << "an opened channel waits";
     clPlay(0, -1);
     pass(200);
     clPlay(0, -1);
@@ -399,7 +397,6 @@ TEST_F(OneDevice, JinglesPlayStraightOnIt) {
     const Heard sound = heard();
     EXPECT_NEAR(sound.at(framesOf(100)), 0.25, 1e-6) << "half the volume";
     EXPECT_NEAR(sound.at(framesOf(250)), 0.125, 1e-3);
-    EXPECT_NEAR(static_cast<double>(sound.end()), static_cast<double>(framesOf(300)), 2);
     SetOutputVolume(0, 100);
     clPlay(0, -1);
     pass(100);

@@ -80,20 +80,18 @@ TEST_F(Play, AnEngineThatOnlyTellsOfAPositionIsFadedByHand) {
     openJingle(tones("a3000"), paletteLines("FadeOut=200", 0));
     press();
     pass(500);
-    FadeOutSync(0, jingle().hPlay, 1, nullptr);
-    EXPECT_TRUE(jingle().Leaving) << "it has begun the fade itself";
-    pass(500);
     FadeOutSync(0, jingle().hPlay + 1000, 0, nullptr), StopSync(0, jingle().hPlay + 1000, 0, nullptr);
-    jingle().Leaving = false;
-    FadeOutSync(0, jingle().hPlay, 0, nullptr);
-    EXPECT_TRUE(jingle().Leaving);
+    for (const DWORD begun : {1U, 0U}) {
+        FadeOutSync(0, jingle().hPlay, begun, nullptr);
+        EXPECT_TRUE(std::exchange(jingle().Leaving, false));
+        pass(begun == 1 ? 500 : 0);
+    }
     pass(500);
     EXPECT_EQ(whatIsHeard(heard()), "a0-1000~1200");
     ChooseTimeJingle(0);
     PlayTimeJingle();
     pass(500);
-    FadeOutSynctmJn(0, hTmAn, 1, nullptr);
-    pass(500);
+    FadeOutSynctmJn(0, hTmAn, 1, nullptr), pass(500);
     FadeOutSynctmJn(0, hTmAn, 0, nullptr);
     pass(500);
     EXPECT_EQ(whatIsHeard(heard()), "a0-1000~1200");

@@ -43,7 +43,8 @@ TEST_F(Helpers, PathsUnderTheProgramFolderAreRelative) {
     EXPECT_EQ(GetRelPath(here + "2/x.wav"), here + "2/x.wav");
     if (here.starts_with('/')) {
         write("back\\slash.wav", "");
-        EXPECT_EQ(GetRelPath(text("back\\slash.wav")), text("back\\slash.wav")) << "it would come back as two";
+        EXPECT_EQ(GetRelPath(text("back\\slash.wav")), text("back\\slash.wav"))
+            << "it would come back as two";
         const std::string shouted = "/TMP" + here.substr(here.find('/', 1));
         EXPECT_EQ(GetRelPath(shouted + "/x.wav"), shouted + "/x.wav") << "another folder to the system";
     }

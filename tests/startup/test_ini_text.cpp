@@ -1,10 +1,7 @@
-// The INI text: tables of readings and changes; random changes of random text that touch nothing else. The characters
-// behind it.
+// The INI text: tables of readings and changes. The characters behind it.
 #include <gtest/gtest.h>
 
-#include <map>
 #include <optional>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -187,108 +184,6 @@ TEST(TextCodec, KnowsTheCharactersOfWindows1252) {
     for (const auto& [count, first] :
          {std::pair(0, ""), {1, "a"}, {2, "aé"}, {3, "aé日"}, {4, "aé日𝄞"}, {9, "aé日𝄞"}})
         EXPECT_EQ(firstCharacters("aé日𝄞", static_cast<std::size_t>(count)), first);
-}
-
-template <class T>
-const T& oneOf(const std::vector<T>& from, std::mt19937& random) {
-    return from[random() % from.size()];
-}
-
-/// The lines that do not speak of `key`, without their ends and without headers.
-std::string withoutKey(const std::string& bytes, const std::string& key) {
-    std::string out;
-    std::istringstream all(bytes);
-    for (std::string line; std::getline(all, line);) {
-        std::string name(trimmedBlanks(line.substr(0, line.find('='))));
-        foldCase(name);
-        const bool header = trimmedBlanks(line).starts_with('[') && line.find(']') != std::string::npos;
-        if (!header && (name != key || line.find('=') == std::string::npos))
-            out += std::string(trimmedBlanks(line)) + "\n";
-    }
-    return out;
-}
-
-/// What an INI text holds: the lines of each section, by lower-case names.
-std::map<std::string, std::map<std::string, std::string>> heldBy(IniText& text) {
-    std::map<std::string, std::map<std::string, std::string>> all;
-    for (std::string name : text.sectionNames()) {
-        std::vector<IniText::Line> keys = text.lines(name);
-        foldCase(name);
-        for (auto& [key, value] : keys) {
-            foldCase(key);
-            EXPECT_TRUE(all[name].emplace(key, value).second) << "twice: " << key;
-        }
-    }
-    return all;
-}
-
-TEST(IniText, RandomChangesTouchNothingElse) {
-    const std::vector<std::string> pieces{"[",  "]", "[S]", "[a]", "[ B ]",   "=",  ";",
-                                          "\"", "'", " ",   "\t",  "\n",      "\n", "\r\n",
-                                          "a",  "b", "S",   "a=1", "b = x y", "A=", std::string(1, '\0'),
-                                          "\v"};
-    const std::vector<std::string> sections{"S", "s", "A", "b", "new"}, keys{"a", "B", "ab", "S"};
-    const std::vector<std::string> values{
-        "", "", "1", "x y", "\"q\"", "=", "[S]", "a=b;c", std::string(1100, 'v')};
-    std::mt19937 random(20260131);
-    for (int round = 0; round < 4000; ++round) {
-        std::string start;
-        for (auto i = random() % 40; i > 0; --i) start += oneOf(pieces, random);
-        IniText text(start);
-        for (int step = 0; step < 8; ++step) {
-            const std::string before = text.bytes();
-            std::string section = oneOf(sections, random), key = oneOf(keys, random),
-                        value = oneOf(values, random);
-            auto expected = heldBy(text);
-            const bool erases = random() % 8 == 0;
-            const bool changed = erases ? text.eraseSection(section) : text.put(section, key, value);
-            ASSERT_EQ(changed, text.bytes() != before) << start;
-            if (erases && !changed) continue;
-            IniText again(text.bytes());  // what is kept beside the bytes is what they would give anew
-            ASSERT_EQ(text.sectionNames(), again.sectionNames()) << start;
-            ASSERT_EQ(text.lines(section), again.lines(section)) << start;
-            foldCase(section), foldCase(key);
-            auto now = heldBy(text);
-            if (erases) {
-                now.erase(section);  // a second one of the name may have come to light
-                expected.erase(section);
-            } else if (value.empty()) {
-                expected[section].erase(key);
-            } else {
-                const bool quoted = value.front() == '"';
-                expected[section][key] = quoted ? "q" : value.substr(0, 1023);
-            }
-            if (expected[section].empty()) expected.erase(section);
-            if (now[section].empty()) now.erase(section);
-            ASSERT_EQ(now, expected) << start;
-            // All other lines are there to the byte, in their order.
-            ASSERT_TRUE(erases || withoutKey(text.bytes(), key) == withoutKey(before, key)) << start;
-        }
-    }
-}
-
-TEST(IniText, ValuesRewrittenAtOnceAreThoseOfManyPuts) {
-    const std::vector<std::string> pieces{"[S]\n", "[s]\n", "[T]\r\n",   "a=1\n",   " ab = \"q\" \r\n",
-                                          "A=2\n", "b=3\n", "a1=\xE9\n", "; a=4\n", "\n",
-                                          "[\n",   "a2=",   "=",         "x"};
-    std::mt19937 random(7);
-    for (int round = 0; round < 2000; ++round) {
-        std::string start;
-        for (auto i = random() % 20; i > 0; --i) start += oneOf(pieces, random);
-        IniText once(start), each(start);
-        const auto become = [&](const std::string& section, const IniText::Line& line) {
-            return line.second == "1" ? std::nullopt : std::optional(line.second + " \u2126" + section);
-        };
-        bool changed = false;
-        for (const std::string& section : each.sectionNames())
-            for (const IniText::Line& line : each.lines(section))
-                if (const auto value = become(section, line); value && line.first.starts_with("a"))
-                    changed = each.put(section, line.first, *value) || changed;
-        ASSERT_EQ(once.rewriteValues("a", become), changed) << start;
-        ASSERT_EQ(once.bytes(), each.bytes()) << start;
-        for (const std::string& section : each.sectionNames())
-            ASSERT_EQ(once.lines(section), each.lines(section)) << start;
-    }
 }
 
 }  // namespace
