@@ -97,7 +97,9 @@ TEST_F(LayoutTest, theWindowIsHeldToTheScreensWhateverTheFileSays) {
         }
         TimerMainPosTick();
         EXPECT_EQ(windowSettings.WinState, c.fills ? 2 : 0);
-        EXPECT_EQ(windowSettings.WinWidth, (c.fills ? c.saved : c.opens).width * kTwipsPerPixel);
+        const Place& kept = c.fills ? c.saved : c.opens;
+        EXPECT_EQ(windowSettings.WinWidth, kept.width * kTwipsPerPixel);
+        EXPECT_EQ(windowSettings.PosTop, kept.top * kTwipsPerPixel);
     }
 }
 

@@ -483,7 +483,13 @@ TEST_F(ScreenTest, EverythingLooksAsItWasApproved) {
     darkSettings.ShadeOffsetVal = -100;
     SwitchDarkMode(1);
     pass(160);
+    DisplayControls& d = frmMain().display;
+    Control* const seldom[] = {&d.lblMIDIIcon, &d.lblMIDIDevice,  &d.lblQuiet,       &d.lblDispMessage,
+                               &d.lblTa,       &d.lblPlayMode[0], &d.lblPlayMode[1], &d.lblClock[1]};
+    for (Control* c : seldom) c->visible = true;
+    d.lblMIDIDevice.caption = std::string();
     scene("dark");
+    for (Control* c : seldom) c->visible = false;
     for (std::size_t tab = 1; tab < kTabs; ++tab) {
         frmMain().ckTab[tab].onMouseDown({});
         pass(160);

@@ -234,6 +234,13 @@ TEST_F(TickTest, theClockOfTheMinimalView) {
     EXPECT_TRUE(d.lblClock[2].visible);
     d.lblTa.onMouseUp({});
     EXPECT_EQ(figures().substr(0, 4), "0304");
+    StopClock();  // before it comes only the halves of the day go with the next announcement
+    HoldNextAnnouncement(true);
+    EXPECT_TRUE(d.lblClock[2].visible);
+    HoldNextAnnouncement(false);
+    EXPECT_FALSE(d.lblClock[1].visible || d.lblClock[2].visible);
+    EXPECT_EQ(d.lblPosSecU.foreColor, displaySettings.CountDownColor);
+    pass(2500);
     TmAnnOn = false;
     clockSettings.TimeFormat = "HH:mm:ss";
     ShowAnnouncer();

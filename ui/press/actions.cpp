@@ -263,7 +263,7 @@ bool act(Action action, int argument, int velocity) {
     return false;
 }
 
-/// What sounds goes on being steered while a question or a modal window waits.
+/// Actions that act while a question or a modal window waits.
 bool steersSound(Action action) {
     switch (action) {
         case Action::play:
@@ -291,7 +291,7 @@ void FillActions() {
     perform = [](Action action, int argument, int velocity) {
         if (onlyPlays() && !steersSound(action)) {
             if (action != Action::none && refusedMeanwhile) refusedMeanwhile();
-            return true;  // done with: it is not made up for later
+            return true;  // handled: the key goes no further
         }
         return guardedOr("frmMain.Perform", false, [&] { return act(action, argument, velocity); });
     };

@@ -23,7 +23,8 @@ namespace zv {
 
 namespace {
 
-/// The talk-over key has the colour of a pushed microphone: the microphone stays open when it is let go, its lamp lit.
+/// True while the bus stays down, and the lamp lit, though the microphone key was let go: the talk-over key has the
+/// colour of a pushed microphone.
 bool micHeldOpen = false;
 
 /// Turns a toggle on or off; turned on it takes the place of the other.

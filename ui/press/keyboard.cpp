@@ -73,7 +73,7 @@ void Form_KeyDown(KeyEvent& event) {
             return;
         }
         if (event.repeat && row->repeat == KeyRepeat::swallowed) {
-            // Before anything was played the button with the focus has the space bar.
+            // Until something was played, Space goes to the button with the focus.
             event.consumed = row->action != Action::pressLast || LastPlayedJ >= 0;
             return;
         }

@@ -29,7 +29,7 @@ void say(std::string_view key) {
     }
 }
 
-/// What is carried is outlined until it is put down.
+/// Outlines the jingle that is cut or copied until it is pasted.
 void outlineCarried() {
     constexpr Colour kCarried = 0x0060FF;  // the orange of a held card
     static int outlined = -1;

@@ -16,7 +16,7 @@ namespace {
 
 ErrorMark shown, covered;
 
-/// A wait covers what was told before it; when the wait ends, that comes back.
+/// A mark that tells of a wait hides the mark before it, which comes back when the wait ends.
 bool wait(const ErrorMark& mark) { return mark.visible && mark.mode == "wait"; }
 
 }  // namespace

@@ -69,7 +69,7 @@ HttpReply performHttp(const HttpRequest& request, JobWork& work) {
     if (!reply->isFinished()) loop.exec();
     take();
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    // An answer of 404 is an answer; one that breaks off is none.
+    // A whole reply counts whatever its status; one that breaks off does not.
     const bool broken =
         reply->error() != QNetworkReply::NoError && reply->error() < QNetworkReply::ContentAccessDenied;
     if (!broken && result.error.empty()) result.status = status;

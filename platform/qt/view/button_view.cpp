@@ -53,9 +53,9 @@ class KeyWidget final : public QPushButton, public RecordView {
     }
 
     void apply() override {
-        // The text is also what a screen reader says; ampersands are no key letters here.
+        // Screen readers say this text: ampersands stay as they are.
         setText(captionOf(record.caption).replace(QLatin1Char('&'), QLatin1String("&&")));
-        // Signs say nothing to a screen reader; their tool tip does.
+        // A screen reader says the tool tip of a key whose caption is a symbol.
         const QString spoken = isSpoken() ? QString() : textOf(record.toolTip);
         if (accessibleName() != spoken) setAccessibleName(spoken);
         QPalette p = paletteOf(themeOf(record));

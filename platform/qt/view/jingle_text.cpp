@@ -143,7 +143,7 @@ class Setter {
         for (const QString& text : lines) {
             const double w = m.horizontalAdvance(text);
             const QPointF start(std::round(room.center().x() - w / 2), std::round(top + m.ascent()));
-            // What is really inked: a line's height has air above and below.
+            // Measure the ink, not the line's height.
             const QRectF tight = m.tightBoundingRect(text);
             const QRectF ink(start.x() - 2, start.y() + tight.top() - 1, w + 4, tight.height() + 2);
             if (ink.top() < room_.top() - 1 || ink.bottom() > room_.bottom() + 1) return false;

@@ -1,4 +1,4 @@
-// What only shows: frames, labels, symbols, filled rectangles, progress bars, colour fields.
+// Controls that only show: frames, labels, symbols, filled rectangles, progress bars, colour fields.
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPainterPath>

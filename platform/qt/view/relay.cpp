@@ -23,7 +23,7 @@
 namespace zv::shell {
 namespace {
 
-/// Who holds what down: a press and its release go to the same record, wherever it ends.
+/// The records that are held down: a release goes to the record of its press, wherever it happens.
 struct Held {
     Control* part = nullptr;
     int buttons = 0;
@@ -72,7 +72,7 @@ class Relay final : public QObject {
             case QEvent::MouseMove:
                 return mouseMoved(*static_cast<QMouseEvent*>(e));
             case QEvent::ContextMenu:
-                // The right button's press and release have said it; the menu key says it here.
+                // Of the mouse the right button's press and release are told; the menu key tells both here.
                 if (static_cast<QContextMenuEvent*>(e)->reason() == QContextMenuEvent::Keyboard) menuAsked();
                 return true;
             case QEvent::TouchBegin:
@@ -387,8 +387,8 @@ std::set<Key>& keysDown() {
     return *keys;
 }
 
-/// Sees each key of a window once, before the focused control: it stands at the door by which the system's
-/// keys come in, not at the widgets that pass them on among themselves.
+/// Gives the window each key once, before the focused control: filters the events of the native window, which the
+/// toolkit has not yet passed from widget to widget.
 class WindowKeys final : public QObject {
   public:
     explicit WindowKeys(RecordView& view)
@@ -402,7 +402,7 @@ class WindowKeys final : public QObject {
             if (e->type() == QEvent::WinIdChange || e->type() == QEvent::Show) watchDoor();
             return false;
         }
-        // What is let go while another program has the keyboard is told to nobody here.
+        // Releases while another program has the keyboard never arrive.
         if (e->type() == QEvent::FocusOut) keysDown().clear();
         if (e->type() != QEvent::KeyPress && e->type() != QEvent::KeyRelease) return false;
         auto& key = *static_cast<QKeyEvent*>(e);

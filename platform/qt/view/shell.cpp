@@ -41,7 +41,7 @@ QPointer<FlushTarget>& flushTarget() {
 
 QtMessageHandler nextHandler = nullptr;
 
-/// What the off-screen platform says at each start and nobody can mend is not worth a line; all else goes on.
+/// Drops the off-screen platform's own messages at the start; all others are passed on.
 void tellAllButTheUsual(QtMsgType type, const QMessageLogContext& context, const QString& text) {
     const bool usual = text.startsWith(QLatin1String("This plugin does not support")) ||
                        text.contains(QLatin1String("XDG_RUNTIME_DIR not set"));
