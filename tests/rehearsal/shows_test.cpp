@@ -128,7 +128,8 @@ TEST_P(Shows, LeaveWhatWasApproved) {
     text += section("events.log",
                     linesWith(show.result("events.log"),
                               "\tmark\thide|\tmark\twait|\tfailed\texpect |\tmenu\tmnuAss mnuClr ", false));
-    for (const char* log : {"midi.log", "web.log"}) text += section(log, show.result(log));
+    for (const char* log : {"midi.log", "web.log"})
+        text += section(log, replaced(replaced(show.result(log), "\n", "; "), "\t", " "));
     const bool same = show.result("main.wav") == show.result("aux.wav");
     text += section(same ? "main.wav, aux.wav" : "main.wav", whatIsHeard(show.heard()));
     if (!same) text += section("aux.wav", whatIsHeard(show.heard("aux.wav")));
