@@ -149,7 +149,7 @@ std::string nameOf(const Control& c) {
 }
 
 std::string whole(const Control& window) {
-    constexpr std::size_t kLine = 300;
+    constexpr std::size_t kLine = 800;
     std::string text, row;
     const auto flush = [&] {
         if (!row.empty()) text += "  " + std::exchange(row, {}) + "\n";
@@ -432,7 +432,7 @@ void ApprovedTest::work(Control& c, MouseButton button) {
 }
 
 std::string ApprovedTest::lined() const {
-    constexpr std::size_t kLine = 600;
+    constexpr std::size_t kLine = 1000;
     std::string all, line;
     std::istringstream acts(text);
     for (std::string act; std::getline(acts, act); line += act) {

@@ -205,6 +205,8 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         },
         400);
     act("the name that it has", [] { clRename(kSlot), frmRenameFile().onAccepted(); });
+    act("a name that is there",
+        [] { clRename(kSlot), frmRenameFile().txtFilename.caption = "A0", frmRenameFile().onAccepted(); });
     act("a name that was taken meanwhile", [&] {
         clRename(kSlot), frmRenameFile().txtFilename.caption = "X", frmRenameFile().onAccepted();
         write("Audio_Sample/A1.wav", "another"), Undo();
@@ -522,6 +524,12 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         desktop().keys = {static_cast<int>(Key::pageDown)}, StartPageKey(Key::pageDown);
         for (const int ms : {395, 10, 10}) pass(ms), note("after " + std::to_string(ms));
         desktop().keys.clear(), pass(20);
+    });
+    act("the end of a long list", [&] {
+        for (int i = 10; i < 40; ++i)
+            write("palette.ini", read("palette.ini") + "[L" + std::to_string(i) + "]\r\n");
+        paletteListSettings.CenterLstPal = 1, lstPalRefresh(), TimerlstpalbotTick();
+        paletteListSettings.CenterLstPal = 0;
     });
     act("the threshold", [] {
         OpenMixer(), frmMixer().SlideFadeInAdvance.value = 30, frmMixer().SlideFadeInAdvance.onChange();

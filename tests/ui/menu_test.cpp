@@ -6,6 +6,7 @@
 #include "tests/ui/approved.h"
 #include "ui/edit/jingle_menu_table.h"
 #include "ui/settings/bound_controls.h"
+#include "ui/windows/splash.h"
 
 namespace zv::test {
 namespace {
@@ -106,6 +107,20 @@ TEST_F(ApprovedTest, BoundControlsFollowTheirSettings) {
     EXPECT_EQ(deviceSettings.DeviceName + " " + std::to_string(duckSettings.FadeOutSpeed), "Card  70");
     bound.restore();
     EXPECT_EQ(shown(), before.substr(0, before.rfind(' ')) + " 2");
+}
+
+/// Where the parts of the first window stand, in twips.
+TEST(Splash, StandsAsItWasApproved) {
+    std::string text;
+    const Splash splash;
+    for (const Control* c : splash.window.children())
+        text += c->name + " " + std::to_string(c->left) + "," + std::to_string(c->top) + " " +
+                std::to_string(c->width) + "x" + std::to_string(c->height) + " " +
+                std::to_string(c->backColor) + "; ";
+    EXPECT_EQ(
+        text + splash.window.caption() + " " + std::to_string(splash.window.height),
+        "lblTitle 300,300 4215x720 -1; lblStep 300,1020 4215x360 -1; picLoadBack 300,1680 4215x90 4209722; "
+        "picLoad 300,1680 0x90 16777088; Zentrova 2070");
 }
 
 }  // namespace
