@@ -33,21 +33,10 @@
 #include "ui/screen/error_mark.h"
 #include "ui/screen/highlight.h"
 #include "ui/screen/layout_strip.h"
-#include "ui/settings/mixer_controls.h"
-#include "ui/windows/announcer_window.h"
 #include "ui/windows/console_window.h"
-#include "ui/windows/history_window.h"
 #include "ui/windows/jingle_window.h"
-#include "ui/windows/level_window.h"
-#include "ui/windows/midi_button_window.h"
-#include "ui/windows/midi_settings_window.h"
-#include "ui/windows/midi_small_windows.h"
-#include "ui/windows/playlist_windows.h"
 #include "ui/windows/question_window.h"
 #include "ui/windows/report_window.h"
-#include "ui/windows/search_window.h"
-#include "ui/windows/select_file_window.h"
-#include "ui/windows/shortcuts_window.h"
 
 namespace zv::test {
 namespace {

@@ -134,16 +134,5 @@ TEST_F(SearchTest, TypingPausesThenPalettesThenHitsThenThePaletteOpensWithThemBl
     EXPECT_FALSE(timers().TimerFindJingles.enabled());
 }
 
-TEST_F(SearchTest, ClosesByTimeUnlessSomebodyTypes) {
-    searchSettings.AutoClJSearchSec = 1;
-    JingSearch();
-    pass(900);
-    type("nothing has this name");
-    pass(600);
-    EXPECT_TRUE(SearchOpen) << "the time began anew";
-    pass(600);
-    EXPECT_FALSE(SearchOpen);
-}
-
 }  // namespace
 }  // namespace zv::test
