@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <sstream>
 
 #include "tests/support/places.h"
 
@@ -20,17 +20,14 @@ void expectApproved(const std::string& file, const std::string& text) {
     std::ifstream in(path, std::ios::binary);
     const std::string approved{std::istreambuf_iterator<char>(in), {}};
     if (text == approved) return;
-    std::istringstream now(text), then(approved);
-    std::string is, was;
-    for (int line = 1; now || then; ++line) {
-        if (!std::getline(now, is)) is = "(the end)";
-        if (!std::getline(then, was)) was = "(the end)";
-        if (is == was) continue;
-        ADD_FAILURE() << file << ":" << line << ": " << was << "\nbut now: " << is << "\nthe whole:\n"
-                      << text;
-        return;
-    }
-    ADD_FAILURE() << file << " differs in its last line end";
+    const auto at = std::ranges::mismatch(text, approved).in1 - text.begin();
+    const std::size_t line = at == 0 ? 0 : text.rfind('\n', static_cast<std::size_t>(at) - 1) + 1;
+    const auto lineOf = [line](const std::string& whole) {
+        return whole.substr(line, whole.find('\n', line) - line);
+    };
+    ADD_FAILURE() << file << ":" << 1 + std::count(text.begin(), text.begin() + at, '\n') << ": "
+                  << lineOf(approved) << "\nbut now: " << lineOf(text) << "\nthe whole:\n"
+                  << text;
 }
 
 }  // namespace zv::test

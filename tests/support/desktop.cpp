@@ -38,7 +38,6 @@ namespace zv {
 
 using test::desktop;
 
-// ---- windows
 void showWindow(Control& window) { window.visible = true; }
 void layOutForm(Control& window, int mostWidth, int mostHeight) {
     window.width = std::min(600, mostWidth) * kTwipsPerPixel;
@@ -62,35 +61,28 @@ void setAlwaysOnTop(Control& window, bool on) {
 void selectAllText(Control& field) { test::ask("select", field); }
 void setFullScreen(Control&, bool) {}
 void setMinimumSize(Control&, int width, int height) {
-    desktop().leastWidth = width;
-    desktop().leastHeight = height;
+    desktop().leastWidth = width, desktop().leastHeight = height;
 }
 bool isMinimised(const Control&) { return false; }
 bool grabWindow(Control&, const std::string&) { return false; }
 void centreListRow(Control& list, int row) { list.topRow = std::max(0, row - test::kListRows / 2); }
 int visibleListRows(const Control&) { return test::kListRows; }
 
-// ---- dialogs
 BoxAnswer messageBox(const std::string& text, const std::string&, BoxKind, BoxButtons buttons,
                      const BoxWords&) {
     desktop().boxes.push_back(text);
     return test::next(desktop().answers, buttons == BoxButtons::ok ? BoxAnswer::ok : BoxAnswer::no);
 }
-std::string openFileDialog(const std::string&, const std::string&, const std::string& kinds) {
-    desktop().kinds = kinds;
+std::string openFileDialog(const std::string&, const std::string&, const std::string&) {
     return test::chosenPath();
 }
 std::string folderDialog(const std::string&, const std::string&) { return test::chosenPath(); }
 void popupMenu(Control&, const std::vector<MenuItem>& items) {
     desktop().menu = items;
     for (const MenuItem& item : items)
-        if (item.name == desktop().menuChoice && item.chosen) {
-            item.chosen();
-            return;
-        }
+        if (item.name == desktop().menuChoice && item.chosen) return item.chosen();
 }
 
-// ---- the rest
 int modifierKeys() { return desktop().modifiers; }
 bool keyHeld(int virtualKey) { return desktop().keys.contains(virtualKey); }
 bool mouseOver(const Control& window) { return desktop().mouseOver == &window; }

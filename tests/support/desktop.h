@@ -15,7 +15,6 @@ namespace zv::test {
 struct Desktop {
     std::deque<BoxAnswer> answers;       ///< of the next message boxes; then "no", or "ok" where that is all
     std::deque<std::string> paths;       ///< of the next file and folder dialogs; then cancelled
-    std::string kinds;                   ///< of files that the last one was to show
     int dialogs = 0;                     ///< file and folder dialogs shown
     std::vector<std::string> boxes;      ///< texts of the message boxes shown
     std::vector<std::string> documents;  ///< opened with the user's program

@@ -10,31 +10,17 @@
 #include <utility>
 
 namespace zv::test {
-namespace {
-
-void put(std::string& bytes, std::uint32_t value, int count) {
-    for (int i = 0; i < count; ++i) bytes += static_cast<char>(value >> (8 * i) & 0xFF);
-}
-
-}  // namespace
-
 void writeWav(const std::filesystem::path& file, std::span<const std::int16_t> samples, std::uint32_t rate,
               std::uint16_t channels) {
-    constexpr std::uint32_t bytesPerSample = 2;
-    const auto size = static_cast<std::uint32_t>(samples.size() * bytesPerSample);
-    std::string bytes = "RIFF";
-    put(bytes, 36 + size, 4);
-    bytes += "WAVEfmt ";
-    put(bytes, 16, 4);
-    put(bytes, 1, 2);  // PCM
-    put(bytes, channels, 2);
-    put(bytes, rate, 4);
-    put(bytes, rate * channels * bytesPerSample, 4);
-    put(bytes, channels * bytesPerSample, 2);
-    put(bytes, 8 * bytesPerSample, 2);
-    bytes += "data";
-    put(bytes, size, 4);
     static_assert(std::endian::native == std::endian::little);
+    const auto size = static_cast<std::uint32_t>(samples.size_bytes());
+    const std::uint32_t frame = 2U * channels;
+    const std::uint32_t head[] = {
+        36 + size, 0x45564157,   0x20746D66,       16, std::uint32_t{channels} << 16 | 1,  // PCM
+        rate,      rate * frame, 16U << 16 | frame};
+    std::string bytes = "RIFF";
+    bytes.append(reinterpret_cast<const char*>(head), sizeof head);
+    bytes.append("data").append(reinterpret_cast<const char*>(&size), sizeof size);
     bytes.append(reinterpret_cast<const char*>(samples.data()), size);
     std::filesystem::create_directories(file.parent_path());
     std::filesystem::remove(file);  // what is linked to it stays

@@ -120,10 +120,7 @@ StudioTest::StudioTest(OfflineOptions given) : options(std::move(given)) {
     VirtualClock::instance().drive(devices);
     VirtualClock::instance().onPeriod([] { engine::engineControl()->settleSyncs(); });
     ListOutDev();
-    if (deviceSettings.DeviceSingle == 1)
-        bassini(0);
-    else
-        SetupMixers();
+    deviceSettings.DeviceSingle == 1 ? bassini(0) : SetupMixers();
 }
 
 StudioTest::~StudioTest() {
