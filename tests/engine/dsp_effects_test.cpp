@@ -223,6 +223,8 @@ TEST(DspReverb, LiveChangesDoNotClick) {
         {0, -96, 1000, 0.5}, {0, -3, 1000, 0.5}, {0, 0, 3000, 0.5}, {-6, -10, 200, 0.9}, {0, -96, 200, 0.9}};
     std::size_t turn = 0;
     const auto out = inBlocks(sound, {16000}, [&](float* block, std::size_t n) {
+        if (turn == 2) reverb.set(steps[0]);  // off, and on again at once
+        EXPECT_EQ(reverb.bypassed(), turn < 2 || turn > 4) << turn;
         if (turn < 5) reverb.set(steps[turn]);
         ++turn;
         reverb.process(block, n);

@@ -1,4 +1,4 @@
-// Syncs: on the right frame, once, never late; what they command acts a period later at most.
+// Syncs whose procedures still run, or are still due, when their channel is changed.
 
 #include <future>
 
@@ -7,55 +7,10 @@
 namespace zv::engine::test {
 namespace {
 
-struct Fired {
-    int count = 0;
-    QWORD position = 0;
-    DWORD channel = 0;
-    std::thread::id thread;
-    float slideMs = -1;
-};
-
-void note(HSYNC, DWORD channel, DWORD, void* user) {
-    auto& fired = *static_cast<Fired*>(user);
-    ++fired.count;
-    fired.channel = channel;
-    fired.position = BASS_ChannelGetPosition(channel, BASS_POS_BYTE);
-    fired.thread = std::this_thread::get_id();
-    if (fired.slideMs >= 0)
-        BASS_ChannelSlideAttribute(channel, BASS_ATTRIB_VOL, -1, static_cast<DWORD>(fired.slideMs));
-}
-
 class Syncs : public Show {
   protected:
     Topology studio;
-    DWORD source = file("one");
-    DWORD jingle = studio.jingle(source);
-    Fired fired;
-
-    HSYNC at(std::uint64_t frame, DWORD type = BASS_SYNC_POS | BASS_SYNC_ONETIME) {
-        return BASS_ChannelSetSync(jingle, type, frame * 4, note, &fired);
-    }
 };
-
-TEST_F(Syncs, AFadeOrderedThereBeginsAPeriodLaterAtMost) {
-    fired.slideMs = 100;
-    pull(4410);
-    take();
-    BASS_ChannelPlay(jingle, false);
-    at(1000);
-    const std::vector<float> sound = pullAndTake(44100);
-    EXPECT_EQ(fired.count, 1);
-    EXPECT_EQ(fired.channel, jingle);
-    EXPECT_NE(fired.thread, std::this_thread::get_id());
-    std::size_t fade = 0;
-    while (sound[fade * 2] == 1) ++fade;
-    EXPECT_GE(fade, 1000U);
-    EXPECT_LE(fade, 1000U + 441);
-    std::size_t end = fade;
-    while (sound[end * 2] > 0) ++end;
-    EXPECT_NEAR(static_cast<double>(end - fade), 4410, 1);
-    EXPECT_EQ(BASS_ChannelIsActive(jingle), BASS_ACTIVE_STOPPED);
-}
 
 /// A procedure that runs until it is let go.
 struct Gate {

@@ -16,21 +16,21 @@ class StillDevices final : public DeviceSource {
     std::vector<DeviceDescription> outputs() override { return {{"one", "one", true, 44100}}; }
     std::vector<DeviceDescription> inputs() override { return {}; }
     std::unique_ptr<SoundDevice> openOutput(const std::string&, std::uint32_t, SoundClient& client) override {
-        asked = &client;
+        asked_ = &client;
         return std::make_unique<Line>(wakes);
     }
     std::unique_ptr<SoundDevice> openInput(const std::string&, std::uint32_t, SoundClient&) override {
         return nullptr;
     }
     std::unique_ptr<SoundDevice> openNoSound(std::uint32_t, SoundClient&) override {
-        return std::make_unique<Line>(others);
+        return std::make_unique<Line>(others_);
     }
     bool offline() const override { return false; }
     void ask(int periods) {
         std::vector<float> sound(882);
-        for (; periods > 0; --periods) asked->render(sound);
+        for (; periods > 0; --periods) asked_->render(sound);
     }
-    std::atomic<int> wakes{0}, others{0};
+    std::atomic<int> wakes{0};
 
   private:
     struct Line final : SoundDevice {
@@ -40,7 +40,8 @@ class StillDevices final : public DeviceSource {
         void wake() override { ++woken; }
         std::atomic<int>& woken;
     };
-    SoundClient* asked = nullptr;
+    SoundClient* asked_ = nullptr;
+    std::atomic<int> others_{0};
 };
 
 class WorkersTest : public Show {
@@ -63,14 +64,18 @@ class WorkersTest : public Show {
         gone.notify_all();
         engineControl()->install({});
     }
-    static bool there(DWORD channel, std::uint64_t frame, milliseconds within) {
-        const auto& sound = *Engine::instance().find(channel)->sound;
-        for (const auto until = std::chrono::steady_clock::now() + within;
-             !sound.page(frame / PagedSound::kPage);) {
+    template <typename Holds>
+    static bool soon(int ms, Holds holds) {
+        for (const auto until = std::chrono::steady_clock::now() + milliseconds(ms); !holds();) {
             if (std::chrono::steady_clock::now() > until) return false;
             std::this_thread::sleep_for(milliseconds(1));
         }
         return true;
+    }
+    static bool there(DWORD channel, std::uint64_t frame, int ms) {
+        return soon(ms, [&] {
+            return Engine::instance().find(channel)->sound->page(frame / PagedSound::kPage) != nullptr;
+        });
     }
     std::shared_ptr<StillDevices> still = std::make_shared<StillDevices>();
     std::mutex mutex;
@@ -84,7 +89,7 @@ TEST_F(WorkersTest, ComeAtOnceAndOtherwiseRest) {
         bool atOnce = false;  // they would look by themselves a quarter of a second later
         for (std::uint64_t k = 1; k <= 3 && !atOnce; ++k) {
             BASS_ChannelSetPosition(channel, (k + mode) * 441'000 * 4, mode);
-            atOnce = there(channel, (k + mode) * 441'000, milliseconds(100));
+            atOnce = there(channel, (k + mode) * 441'000, 100);
         }
         EXPECT_TRUE(atOnce) << mode;
     }
@@ -102,9 +107,9 @@ TEST_F(WorkersTest, ADiskThatHangsTakesNothingFromTheOthers) {
         BASS_ChannelSetPosition(hanging[i], 4'410'000 * 4, BASS_POS_BYTE);
         std::this_thread::sleep_for(milliseconds(20));
         BASS_ChannelSetPosition(others[i], 4'410'000 * 4, BASS_POS_BYTE);
-        EXPECT_TRUE(there(others[i], 4'410'000, milliseconds(2000))) << i;
+        EXPECT_TRUE(there(others[i], 4'410'000, 2000)) << i;
     }
-    EXPECT_FALSE(there(hanging[0], 4'410'000, milliseconds(0)));
+    EXPECT_FALSE(there(hanging[0], 4'410'000, 0));
 }
 
 TEST_F(WorkersTest, AnOutputAtRestIsWokenByWhatSoundsAndByWhatWaits) {
@@ -116,29 +121,27 @@ TEST_F(WorkersTest, AnOutputAtRestIsWokenByWhatSoundsAndByWhatWaits) {
         still->wakes = 0;
         return engineControl()->statistics(kMain).resting;
     };
-    const auto woken = [&](milliseconds within) {
-        for (const auto until = std::chrono::steady_clock::now() + within; still->wakes == 0;) {
-            if (std::chrono::steady_clock::now() > until) return false;
-            std::this_thread::sleep_for(milliseconds(1));
-        }
-        return true;
-    };
-    ASSERT_TRUE(rested());
+    const auto woken = [&](int ms) { return soon(ms, [&] { return still->wakes > 0; }); };
+    const auto sync = [&](DWORD of) { BASS_ChannelSetSync(of, BASS_SYNC_POS, 1 << 30, [](auto...) {}, nullptr); };
+    sync(channel);
+    ASSERT_TRUE(rested()) << "whatever waits for a jingle";
     BASS_ChannelPlay(split, false);
-    EXPECT_TRUE(woken(milliseconds(0))) << "a start";
+    EXPECT_TRUE(woken(0)) << "a start";
     ASSERT_TRUE(rested());
     BASS_Mixer_StreamAddChannel(mixer, channel, 0);
-    EXPECT_TRUE(woken(milliseconds(0))) << "what plays when it is added";
+    EXPECT_TRUE(woken(0)) << "what plays when it is added";
     BASS_ChannelStop(channel);
     ASSERT_TRUE(rested());
     BASS_ChannelSetAttribute(split, BASS_ATTRIB_VOLDSP, 0.5F);
-    EXPECT_TRUE(woken(milliseconds(1000))) << "a command that waits";
+    EXPECT_TRUE(woken(1000)) << "a command that waits";
     ASSERT_TRUE(rested());
     // A read by hand waits for the commands before it.
     float some[8];
     const DWORD lone = BASS_FX_TempoCreate(file("long"), BASS_STREAM_DECODE);
     BASS_ChannelGetData(lone, some, sizeof some);
-    EXPECT_TRUE(woken(milliseconds(0))) << "a read";
+    EXPECT_TRUE(woken(0)) << "a read";
+    sync(mixer);
+    EXPECT_FALSE(rested()) << "somebody waits for a time of the mixer";
 }
 
 }  // namespace

@@ -39,11 +39,13 @@ std::vector<char> outputOf(const std::string& command) {
 std::vector<float> wanderingTones(std::uint32_t rate, std::uint32_t channels, std::size_t frames) {
     std::vector<float> sound(frames * channels);
     for (std::uint32_t channel = 0; channel < channels; ++channel) {
-        double low = 0, high = 0;
+        double low = 0, high = 0, lowStep = 0, highStep = 0;
         for (std::size_t i = 0; i < frames; ++i) {
             const double seconds = static_cast<double>(i) / rate;
-            low += (300 + 170 * std::sin(1.7 * seconds + channel) + 90 * seconds) / rate;
-            high += (1900 + 900 * std::sin(5.3 * seconds + 2 * channel)) / rate;
+            if (i % 64 == 0) lowStep = (300 + 170 * std::sin(1.7 * seconds + channel) + 90 * seconds) / rate;
+            if (i % 64 == 0) highStep = (1900 + 900 * std::sin(5.3 * seconds + 2 * channel)) / rate;
+            low += lowStep;
+            high += highStep;
             const double tones =
                 0.35 * std::sin(2 * std::numbers::pi * low) + 0.2 * std::sin(2 * std::numbers::pi * high);
             sound[i * channels + channel] = static_cast<float>(tones);
