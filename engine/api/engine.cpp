@@ -190,7 +190,6 @@ void Engine::obeyHere() {
 
 void Engine::waitForCommands(std::unique_lock<std::mutex>& lock) {
     if (offline() || !outputs.anyOpen()) obeyHere();
-    outputs.wake();
     const auto until = std::chrono::steady_clock::now() + kCommandsWait;
     while (!graph.commands.empty() && std::chrono::steady_clock::now() < until) {
         lock.unlock();

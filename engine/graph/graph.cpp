@@ -111,7 +111,6 @@ void Graph::move(Channel& channel, std::uint64_t frame, std::uint32_t moves) {
             upper.plug->align(time_.clock);
         }
         if (level->tempo) level->tempo->restart(frame);
-        upper.stretched = false;
         level = upper.user;
     }
     if (channel.sound) channel.sound->setFocus(frame);

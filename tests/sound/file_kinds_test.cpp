@@ -239,7 +239,8 @@ void makeTogether(const Kind& like) {
     for (const Kind& kind : kinds) {
         const std::string name = kind.name;
         if (!isPlain(kind) || sourceName(kind) != sourceName(like)) continue;
-        make += (isSeen(kind) ? std::string(kind.make).substr(2) : std::string(" -map 0 ") + kind.make) + ' ' + name;
+        make += (isSeen(kind) ? std::string(kind.make).substr(2) : std::string(" -map 0 ") + kind.make) +
+                ' ' + name;
         if (kind.reference != decoded && kind.reference != layerTwo) continue;
         in += std::string(kind.reference == layerTwo ? " -c:a mp2float" : "") + " -i " + name;
         out += " -map " + std::to_string(inputs++) + ":a -f s16le " + name + ".raw";

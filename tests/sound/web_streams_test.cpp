@@ -49,8 +49,8 @@ class WebStreams : public testing::Test {
         writeWav(folder / "source.wav", tones, 44'100, 2);
     }
     std::vector<char> encoded(const std::string& name, const std::string& arguments = {}) {
-        EXPECT_EQ(0, run("cd " + folder.path().string() + " && ffmpeg -v error -y -i source.wav " + arguments +
-                         " " + name));
+        EXPECT_EQ(0, run("cd " + folder.path().string() + " && ffmpeg -v error -y -i source.wav " +
+                         arguments + " " + name));
         return readBytes(folder / name);
     }
     std::unique_ptr<engine::Decoder> open(const std::string& url) {
