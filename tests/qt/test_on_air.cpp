@@ -2,13 +2,11 @@
 // a face can be read.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <set>
 
 #include "platform/qt/view/jingle_face.h"
 #include "platform/qt/view/theme.h"
 #include "tests/qt/stage.h"
-#include "tests/support/places.h"
 
 namespace zv::test {
 namespace {
@@ -16,31 +14,9 @@ namespace {
 using namespace shell;
 
 constexpr Colour kPlaying = 0xC0FFC0, kDark = 0x312D2B, kLight = -1;
-constexpr int kPlayingHue = 120;  // degrees: green
-
-/// The colours of the sample set, and none.
-std::set<Colour> sampleFaces() {
-    std::set<Colour> all{kNoColour};
-    for (const char* file : {"/data/palette.ini", "/data/HotJingles.ini"}) {
-        std::ifstream in(sourceDir() + file);
-        for (std::string line; std::getline(in, line);) {
-            if (!line.starts_with("BTNCol_")) continue;
-            const int rgb = std::stoi(line.substr(line.find('=') + 1, 6), nullptr, 16);
-            all.insert(((rgb & 0xFF) << 16) | (rgb & 0xFF00) | (rgb >> 16));
-        }
-    }
-    return all;
-}
 
 TEST(OnAir, FramesAndTextsHaveTheirContrastOnEveryFace) {
-    const std::set<Colour> faces = sampleFaces();
-    EXPECT_GE(faces.size(), 6U);
-    for (const Colour face : faces) {
-        const QColor idle(face & 0xFF, face >> 8 & 0xFF, face >> 16 & 0xFF);
-        EXPECT_TRUE(face == kNoColour || std::abs(idle.hue() - kPlayingHue) >= 45)
-            << idle.name().toStdString();
-    }
-    std::set<Colour> any = faces;  // a presenter's own
+    std::set<Colour> any{kNoColour};  // a presenter's own
     for (int i = 0; i < 125; ++i)
         any.insert(i % 5 * 255 / 4 | (i / 5 % 5 * 255 / 4) << 8 | (i / 25 * 255 / 4) << 16);
     for (const Colour back : {kLight, kDark}) {
@@ -52,6 +28,9 @@ TEST(OnAir, FramesAndTextsHaveTheirContrastOnEveryFace) {
             button.foreColor = fore;
             button.value = static_cast<int>(state);
             const JingleTones t = tonesOf(button, theme, false, othersSound);
+            const QColor own = colourOf(fore, theme.text);
+            EXPECT_TRUE(contrast(own, t.face) < 4.5 || t.ink == own)
+                << "changed only where it cannot be read";
             for (const QColor& text : {t.ink, t.duration, t.number}) {
                 EXPECT_GE(contrast(text, t.face), 4.5)
                     << text.name().toStdString() << " on " << t.face.name().toStdString();

@@ -99,17 +99,6 @@ TEST(Jingle, MarksAreToldByTheirSignsAndShrinkBeforeTheNameMoves) {
     }
 }
 
-TEST(Jingle, ScreenRepaintsGiveTheSamePictureAsAFreshOne) {
-    Stage s;
-    Family& f = *s.families[1];
-    const QImage before = s.picture();
-    for (const bool changed : {true, false}) {
-        f.button.backColor = changed ? 0x80FF80 : kNoColour;
-        for (Control* part : {&f.bar, &f.lp}) part->visible = changed;
-        EXPECT_EQ(s.picture() != before, changed);
-    }
-}
-
 TEST(Caption, IsTakenApartAndSetInTheRoomThereIs) {
     std::string parts;
     for (const char* text :
@@ -221,17 +210,6 @@ TEST(Display, TellsTheTipOfThePartUnderTheMouse) {
         QCoreApplication::sendEvent(&w, &help);
         EXPECT_EQ(w.toolTip(), at.x() > 100 ? "seconds" : "display");
     }
-}
-
-TEST(Theme, TextIsMadeLegibleOnlyWhereItIsNot) {
-    const QColor dark(0x2B, 0x2D, 0x31);
-    EXPECT_EQ(legible(Qt::white, dark), QColor(Qt::white));
-    EXPECT_EQ(legible(QColor(0xC0, 0, 0), Qt::white), QColor(0xC0, 0, 0));
-    const QColor red = legible(Qt::red, dark);
-    EXPECT_GT(lightness(red), lightness(Qt::red));
-    EXPECT_EQ(red.red(), 255) << "still red";
-    EXPECT_LT(red.green(), 128);
-    EXPECT_LT(lightness(legible(Qt::white, QColor(0xFF, 0xFF, 0xA0))), 0.7);
 }
 
 TEST(Pictures, LockedUpdatesPaintOnceWhenAllLocksAreGone) {

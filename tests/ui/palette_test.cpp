@@ -54,22 +54,6 @@ class PaletteTest : public WindowTest {
     bool inFile(const std::string& text) { return read("palette.ini").find(text) != std::string::npos; }
 };
 
-TEST_F(PaletteTest, namesBeyondTheListAreToldUntilSomethingElseIs) {
-    std::string many;
-    for (int i = 0; i < 2000; ++i) many += "[A palette of many " + std::to_string(i) + "]\r\nVolm_0=1\r\n";
-    write("palette.ini", read("palette.ini") + many);
-    lstPalRefresh();
-    const auto told = [] {
-        return ErrMarkShows("b") && frmMain().display.lblErr.toolTip().find(Ln("mPalHidden")) == 0;
-    };
-    EXPECT_TRUE(told());
-    OpenFile("Morning");  // as the start does
-    pass(15000);
-    EXPECT_TRUE(told());
-    pick("afternoon");
-    EXPECT_FALSE(told());
-}
-
 TEST_F(PaletteTest, steppingLoadsOnlyWhereItStops) {
     evBtDn();
     EXPECT_EQ(name(), "Zulu");
@@ -152,19 +136,6 @@ TEST_F(PaletteTest, aHeldArrowJumpsToTheEnd) {
     pass(700);
     EXPECT_EQ(name(), "afternoon");
     up.onMouseUp({});
-}
-
-TEST_F(PaletteTest, autoSaveFollowsAnEditAndWaitsForTheEditor) {
-    paletteSettings.AutoSave = 1;
-    SelJ = {1};
-    FxOpen = true;
-    clLoopSet(1);
-    pass(200);
-    EXPECT_FALSE(inFile("Loop_1=1"));
-    FxOpen = false;
-    pass(100);
-    EXPECT_TRUE(inFile("Loop_1=1"));
-    EXPECT_FALSE(frmMain().display.lblErr.visible);
 }
 
 }  // namespace zv::test

@@ -275,38 +275,6 @@ TEST_F(PressTest, coloursComeWhenTheButtonIsUpAndGoWithAPressElsewhere) {
     EXPECT_FALSE(SelectorsOn);
 }
 
-TEST_F(PressTest, theConsoleIsFilledWhileItIsOpenAndKeepsTheLastLines) {
-    const std::vector<std::string>& shown = frmConsole().lstConsole.items();
-    CloseConsole();
-    ConsoleAdd("", true);
-    for (int i = 0; i < 5000; ++i) ConsoleAdd("line " + std::to_string(i));
-    EXPECT_TRUE(shown.empty());
-    OpenConsole();
-    EXPECT_EQ(shown.size(), 2000U);
-    ConsoleAdd("one more");
-    EXPECT_EQ(shown.front() + ", " + shown.back(), "line 3001, one more");
-    CloseConsole();
-}
-
-TEST_F(PressTest, whatTheModifierKeysWouldDoIsSaid) {
-    load(1, 300);
-    const std::map<int, std::string> said{{kCtrlMask, "mlblSelJtomove"},
-                                          {kCtrlMask | kShiftMask, "mlblSelJtocopy"},
-                                          {kShiftMask, "mlblSelJtorename"},
-                                          {kAltMask, "mlblSelJtodelete"},
-                                          {kCtrlMask | kAltMask, "mlblSelJFtodelete"}};
-    const Control& line = frmMain().display.lblDispMessage;
-    for (int held = 0; held <= (kCtrlMask | kShiftMask | kAltMask); ++held) {
-        desktop().modifiers = held;
-        pass(100);
-        EXPECT_EQ(line.visible ? line.caption() : "", said.contains(held) ? Ln(said.at(held)) : "") << held;
-        const bool several = held == kCtrlMask || held == (kCtrlMask | kShiftMask) || held == kAltMask;
-        EXPECT_EQ(Button(1)->ckJingSel.visible, several) << held;
-        EXPECT_FALSE(Button(2)->ckJingSel.visible);
-    }
-    desktop().modifiers = 0;
-}
-
 TEST_F(PressTest, keptTogglesComeBack) {
     for (const int kept : {0, 1, 2, 3}) {
         keySettings.Autorepeat = kept % 2;

@@ -535,6 +535,9 @@ TEST_F(ScreenTest, KeysAndMouseDoWhatWasApproved) {
         "ctrl Y,ctrl Z,ctrl shift Z,ctrl Z,press 2,release 2,space,space up,escape,typing T,typing "
         "space,typing f10,"
         "typing f10,typing f10,yes del");
+    for (const int held : {0, 1, 2, 3, 4, 6, 5, 7})
+        step("held " + std::to_string(held), [&] { desktop().modifiers = held; });
+    desktop().modifiers = 0;
     for (int tab = 0; tab < kTabs; ++tab) {
         step("tab " + std::to_string(tab),
              [&] { frmMain().ckTab[static_cast<std::size_t>(tab)].onMouseDown({}); });
