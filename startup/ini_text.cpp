@@ -379,7 +379,8 @@ bool IniText::replaceSection(std::string_view section, const std::vector<Line>& 
         return true;
     }
     // Blank lines in front of the next section stay where they are.
-    std::size_t end = trimmedRange(bytes_, s->body, s->end).second;
+    std::size_t end = s->end;
+    while (end > s->body && isBlank(bytes_[end - 1])) --end;
     const std::size_t newline = end > s->body ? bytes_.find('\n', end) : std::string::npos;
     if (newline != std::string::npos) end = newline + 1;
     const std::string_view old = view(s->body, end);

@@ -4,11 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 namespace zv {
 namespace {
 
 constexpr SoundLength kSound{1'000'000, 6'000};
+
+std::tuple<double, double, double, double> places(const CuePoints& p) {
+    return {p.start, p.stop, p.loopIn, p.loopOut};
+}
 
 struct Move {
     const char* what;
@@ -47,10 +52,7 @@ TEST(CuePoints, EachMoveEndsAtTheNearestPlaceThatItMayHave) {
     for (const Move& m : moves) {
         CuePoints p = m.before;
         m.move(p, kSound, m.to);
-        EXPECT_EQ(p.start, m.after.start) << m.what;
-        EXPECT_EQ(p.stop, m.after.stop) << m.what;
-        EXPECT_EQ(p.loopIn, m.after.loopIn) << m.what;
-        EXPECT_EQ(p.loopOut, m.after.loopOut) << m.what;
+        EXPECT_EQ(places(p), places(m.after)) << m.what;
         EXPECT_EQ(p.loopLen, m.after.loopLen) << m.what;
     }
 }
@@ -71,10 +73,7 @@ TEST(CuePoints, ASoundThatBecameShorterTakesItsPointsAlong) {
     for (const auto& c : cases) {
         CuePoints p = c.before;
         EXPECT_EQ(BringInto(p, kSound), c.moved) << c.before.start << ' ' << c.before.stop;
-        EXPECT_EQ(p.start, c.after.start);
-        EXPECT_EQ(p.stop, c.after.stop);
-        EXPECT_EQ(p.loopIn, c.after.loopIn);
-        EXPECT_EQ(p.loopOut, c.after.loopOut);
+        EXPECT_EQ(places(p), places(c.after));
     }
 }
 

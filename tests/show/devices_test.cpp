@@ -111,21 +111,13 @@ TEST_F(Devices, AJingleIsOnTheChosenOutputsAtTheirLevels) {
     levels("main and second", {0.5, 0.5, 0});
     SetOutputVolume(1, 20);
     levels("auxiliary down", {0.5, 0.1, 0});
-    FreeOutp(1);
-    Device[1] = 3;
-    bassini(1);
+    MoveOutput(1, 3);
     levels("auxiliary on the third", {0.5, 0, 0.1});
-    FreeOutp(1);
-    Device[1] = 0;
-    bassini(1);
+    MoveOutput(1, 0);
     levels("no auxiliary", {0.5, 0, 0});
-    FreeOutp(0);
-    Device[0] = 2;
-    bassini(0);
+    MoveOutput(0, 2);
     levels("main on the second", {0, 0.5, 0});
-    FreeOutp(1);
-    Device[1] = 9;  // not there: the main output must not get it twice
-    bassini(1);
+    MoveOutput(1, 9);  // not there: the main output must not get it twice
     levels("auxiliary gone", {0, 0.5, 0});
     EXPECT_TRUE(sounds());
 }
@@ -407,15 +399,9 @@ TEST_F(OneDevice, JinglesPlayStraightOnIt) {
 
 TEST(Effects, ReverbLevelFollowsItsTime) {
     // a = log(1800) - log(3x), b = log(1800) - log(10) = 5.19, both to two decimals.
-    for (const auto& [ms, dB] : std::vector<std::pair<double, double>>{{0, -96},
-                                                                       {1, -96 * 6.40 / 5.19},
-                                                                       {10, -96 * 4.09 / 5.19},
-                                                                       {200, -96 * 1.10 / 5.19},
-                                                                       {599, 0},
-                                                                       {600, 0},
-                                                                       {601, 0},
-                                                                       {1004, 0}})
-        EXPECT_NEAR(ReverbMix(ms), dB, 1e-9) << ms;
+    for (const auto& [ms, a] :
+         {std::pair(0.0, 5.19), {1, 6.40}, {10, 4.09}, {200, 1.10}, {599, 0}, {600, 0}, {601, 0}, {1004, 0}})
+        EXPECT_NEAR(ReverbMix(ms), -96 * a / 5.19, 1e-9) << ms;
 }
 
 }  // namespace

@@ -96,20 +96,12 @@ TEST_F(Opening, FilesBecomeRecordsAndDisturbNothing) {
 
 TEST_F(Opening, ATrackerModuleOpensAsOne) {
     // The smallest of its kind: four channels, one pattern, one sample.
-    std::string module(20, '\0');
-    module.replace(0, 4, "tune");
-    for (int i = 0; i < 31; ++i) {
-        std::string sample(30, '\0');
-        if (i == 0) sample[23] = 32, sample[25] = 64;  // 64 bytes, full volume
-        module += sample;
-    }
-    module += '\1';
-    module += '\x7F';
-    module += std::string(128, '\0') + "M.K.";
-    std::string pattern(1024, '\0');
-    pattern[0] = 0x01, pattern[1] = static_cast<char>(0xAC), pattern[2] = 0x10;
-    module += pattern;
-    for (int i = 0; i < 64; ++i) module += static_cast<char>(i < 32 ? 100 : -100);
+    std::string module(1084 + 1024, '\0');
+    module.replace(0, 4, "tune").replace(1080, 4, "M.K.");
+    module[20 + 23] = 32, module[20 + 25] = 64;  // 64 bytes, full volume
+    module[950] = 1, module[951] = 0x7F;
+    module[1084] = 0x01, module[1085] = static_cast<char>(0xAC), module[1086] = 0x10;
+    module += std::string(32, 100) + std::string(32, -100);
     write("tune.mod", module);
     openFile("tune.mod");
     EXPECT_EQ(jingle().Kind, SlotKind::stream);

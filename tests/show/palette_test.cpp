@@ -79,16 +79,15 @@ TEST_F(Palette, HotJinglesAreSavedWithIt) {
     jingle(96).PlayMod = PlayMode::autoRepeat;
     openPalette("This_palette_is_empty=Yes\r\n");
     EXPECT_TRUE(save());
-    EXPECT_EQ(read("HotJingles.ini"),
-              "[HotJingles]\r\nPath_0=a.wav\r\nPlayMod_0=1\r\nPath_23=a.wav\r\nVolm_23=40\r\n");
+    const std::string kept = "[HotJingles]\r\nPath_0=a.wav\r\nPlayMod_0=1\r\nPath_23=a.wav\r\nVolm_23=40\r\n";
+    EXPECT_EQ(read("HotJingles.ini"), kept);
     EXPECT_EQ(marks.back(), "hide");
 
     // Beyond the columns no button was ever made: the file's lines stay as they are.
     JExists[119] = 0;
     ClearRecord(119);
     EXPECT_TRUE(save());
-    EXPECT_EQ(read("HotJingles.ini"),
-              "[HotJingles]\r\nPath_0=a.wav\r\nPlayMod_0=1\r\nPath_23=a.wav\r\nVolm_23=40\r\n");
+    EXPECT_EQ(read("HotJingles.ini"), kept);
     JExists[119] = 1;
 
     for (int i = kPaletteSlots; i < kJingles; ++i) {

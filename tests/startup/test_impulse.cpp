@@ -69,6 +69,9 @@ TEST_F(Impulse, WritesThrough) {
                         "P", [](const std::string& value) { return value == "x"; }, "z"));
     EXPECT_EQ(read("test.ini"), "[A]\nP1=z\nQ1=x\n[B]\nP2=y\nP3=z\n");
     EXPECT_EQ(store.Bytes(), read("test.ini"));
+    write("second.ini", "[S]\nk=2\n");
+    store.SetIniPath((folder / "second.ini").string());
+    EXPECT_EQ(store.GetValue("k"), "2");
     // A store without a file holds nothing and takes nothing.
     cImpulse none;
     none.ListSections();

@@ -3,7 +3,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <regex>
 
 #include "startup/language.h"
 #include "startup/settings/program_settings.h"
@@ -52,7 +51,6 @@ std::string contentsOf(const fs::path& file) {
 /// Every key that the sources ask for by name, but for the tests.
 std::set<std::string> keysInTheCode() {
     std::set<std::string> keys;
-    const std::regex call("\\bLn(?:Box)?\\(\\s*\"([^\"]*)\"\\s*[),}]");
     for (const char* room :
          {"app", "ui", "audio", "model", "midi", "backup", "online", "startup", "platform"}) {
         const fs::path folder = fs::path(test::sourceDir()) / room;
@@ -61,8 +59,15 @@ std::set<std::string> keysInTheCode() {
             const std::string extension = entry.path().extension().string();
             if (extension != ".cpp" && extension != ".h") continue;
             const std::string text = contentsOf(entry.path());
-            for (std::sregex_iterator it(text.begin(), text.end(), call), end; it != end; ++it)
-                keys.insert((*it)[1]);
+            for (const std::string_view call : {"Ln(", "LnBox("})
+                for (std::size_t at = 0; (at = text.find(call, at)) != std::string::npos;) {
+                    const bool whole = at > 0 && std::isalnum(static_cast<unsigned char>(text[at - 1])) == 0;
+                    const std::size_t key = text.find_first_not_of(" \n", at += call.size());
+                    if (!whole || text[key] != '"') continue;
+                    const std::size_t end = text.find('"', key + 1);
+                    if (std::string_view("),}").find(text[end + 1]) != std::string_view::npos)
+                        keys.insert(text.substr(key + 1, end - key - 1));
+                }
         }
     }
     return keys;
