@@ -153,7 +153,7 @@ std::string whole(const Control& window) {
                 add(standing(card.title));
                 for (const FormRow& r : card.rows)
                     add((r.label.empty() ? "" : standing(r.label) + ": ") + standing(r.cells));
-                flush();
+                if (!row.empty()) row += " |";
             }
     };
     const Form& form = *window.form;
@@ -161,9 +161,8 @@ std::string whole(const Control& window) {
            (desktop().focus == nullptr ? "nothing" : nameOf(*desktop().focus)) + "\n";
     for (const FormText* head : {&form.header.title, &form.header.line, &form.header.right})
         add(standing(*head));
-    flush();
     blocks(form.blocks);
-    if (form.pager != nullptr) add(standing(*form.pager)), flush();
+    if (form.pager != nullptr) add(standing(*form.pager));
     for (const FormPage& page : form.pages) blocks(page.blocks);
     add(standing(form.note)), add(standing(form.keysLeft)), add(standing(form.keys));
     flush();

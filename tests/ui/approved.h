@@ -8,7 +8,7 @@ namespace zv::test {
 
 /// "sldEQ(3)".
 std::string nameOf(const Control& control);
-/// A window in reading order, rows with bars between them, a card's in lines of their own.
+/// A window in reading order, a bar between two rows, two between two cards.
 std::string whole(const Control& window);
 
 /// All that an act can change: controls, records, settings, files, and what the desktop was asked.

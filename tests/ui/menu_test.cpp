@@ -44,7 +44,6 @@ TEST(JingleMenu, OffersWhatWasApproved) {
                                       : " " + entry.name.substr(3) +
                                             (entry.key == "m" + entry.name ? "" : "'" + entry.key) +
                                             (entry.enabled ? "" : "!") + (entry.ticked ? "*" : "");
-        text += "\n";
     };
     for (const auto& [state, base] : states) {
         std::string plain;
@@ -56,12 +55,13 @@ TEST(JingleMenu, OffersWhatWasApproved) {
             add("", JingleMenuEntries(all));
             const std::string menu = std::exchange(text, before);
             if (*what == 0) plain = menu;
-            if (*what == 0 || menu != plain)
-                text += std::string(state) + (*what == 0 ? "" : ", ") + what + menu;
+            if (*what == 0 || menu != plain) text += (*what == 0 ? state : std::string(" | ") + what) + menu;
         }
+        text += "\n";
     }
     for (const bool playlist : {false, true})
-        add(playlist ? "several, a playlist" : "several", SelectionMenuEntries(playlist));
+        add(playlist ? " | a playlist" : "several", SelectionMenuEntries(playlist));
+    text += "\n";
     expectApproved("ui/menus.txt", text);
 }
 

@@ -1,14 +1,9 @@
-// Finding a jingle: names without accents and case, the palettes and hits, the palette opened with its hits blinking.
+// Finding a jingle: names without accents and case, the palettes and hits.
 
 #include <random>
 
-#include "startup/settings/palette_settings.h"
-#include "startup/settings/search_settings.h"
 #include "tests/ui/window_test.h"
-#include "ui/edit/search.h"
 #include "ui/edit/search_index.h"
-#include "ui/records/timers.h"
-#include "ui/windows/search_window.h"
 
 namespace zv::test {
 namespace {
@@ -22,26 +17,12 @@ class SearchTest : public WindowTest {
             {{0, "News Sting.wav"}, {5, "Été à Gênes.wav"}, {7, "gone_news.wav"}, {9, "News Sting.wav"}});
         put("Noon", {{1, "Été à Gênes.wav"}});
         put("Night", {});
-        lstPalRefresh();
-        searchSettings.ResultsInSearch = 1;
-        searchSettings.AutoClJSearchSec = 0;
-        WireSearch();
-    }
-    ~SearchTest() override {
-        StopSearchBlinking();
-        CloseSearchBox();
     }
 
     void put(const std::string& palette, const std::vector<std::pair<int, std::string>>& files) {
         std::vector<cImpulse::Line> lines{{"Author", "x"}};
         for (const auto& [slot, file] : files) lines.emplace_back("Path_" + std::to_string(slot), file);
         PaletteStore.PutSection(palette, lines);
-    }
-    SearchWindow& s() { return frmSearchJing(); }
-    void type(const std::string& text) {
-        s().txtJSearch.caption = text;
-        s().txtJSearch.onChange();
-        pass(300);
     }
 };
 
@@ -104,34 +85,6 @@ TEST_F(SearchTest, FindsWhatAPlainLoopFinds) {
         for (const SearchHit& hit : HitsIn("P130", text)) hits.push_back(hit.slot);
         EXPECT_EQ(hits, slots) << text;
     }
-}
-
-TEST_F(SearchTest, TypingPausesThenPalettesThenHitsThenThePaletteOpensWithThemBlinking) {
-    JingSearch();
-    s().txtJSearch.caption = "Étè";
-    s().txtJSearch.onChange();
-    EXPECT_EQ(s().txtJSearch.caption(), "Ete");
-    pass(200);
-    EXPECT_TRUE(s().lstPalRes.items().empty()) << "the typing has not paused yet";
-    type("n");
-    EXPECT_EQ(s().lstPalRes.items(), (std::vector<std::string>{"Morning", "Noon"}));
-    EXPECT_EQ(s().lstJingRes.items(), (std::vector<std::string>{"News Sting", "Été à Gênes"}))
-        << "each caption once";
-    s().lstJingRes.listIndex = 0;
-    searchSettings.BlinksJSearch = 2;
-    s().btKbGo.onClick();
-    EXPECT_FALSE(SearchOpen);
-    EXPECT_EQ(paletteSettings.PaletteIndex, "Morning");
-    EXPECT_EQ(SearchHits, (std::vector<int>{0, 9}));
-    const Colour rest = button(0).backColor();
-    std::string blinks;
-    for (int tick = 0; tick < 7; ++tick) {
-        pass(200);
-        blinks += button(0).backColor() == rest ? '-' : '*';
-    }
-    EXPECT_EQ(blinks, "*-*----");
-    EXPECT_TRUE(SearchHits.empty());
-    EXPECT_FALSE(timers().TimerFindJingles.enabled());
 }
 
 }  // namespace
