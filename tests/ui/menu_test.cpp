@@ -85,12 +85,14 @@ TEST_F(ApprovedTest, BoundControlsFollowTheirSettings) {
     bound.bind(zero, "AutoDuckMode"), bound.bind(one, "AutoDuckMode");
     bound.bind(field, "DeviceName"), bound.bind(same, "DeviceName");
     bound.bind(colour, "DispBackCol");
+    bound.greyUnless(slider, [&] { return box.value == 1; });
     EXPECT_THROW(bound.bind(box, "NoSuchSetting"), std::logic_error);
     const auto shown = [&] {
-        return std::to_string(box.value) + " " + std::to_string(slider.value) + " " + said.caption() + " " +
-               std::to_string(list.listIndex) + " " + std::to_string(rows.listIndex) + " " +
-               std::to_string(zero.value) + std::to_string(one.value) + " '" + field.caption() + "' '" +
-               same.caption() + "' " + std::to_string(colour.backColor) + " told " + std::to_string(told);
+        return std::to_string(box.value) + " " + std::to_string(slider.value) +
+               (slider.enabled ? " " : " off ") + said.caption() + " " + std::to_string(list.listIndex) +
+               " " + std::to_string(rows.listIndex) + " " + std::to_string(zero.value) +
+               std::to_string(one.value) + " '" + field.caption() + "' '" + same.caption() + "' " +
+               std::to_string(colour.backColor) + " told " + std::to_string(told);
     };
     const auto set = [&](Control& control, auto& property, auto value) {
         property = value;
@@ -101,9 +103,9 @@ TEST_F(ApprovedTest, BoundControlsFollowTheirSettings) {
     set(box, box.value, 0), set(slider, slider.value, 7), set(list, list.listIndex, 1),
         set(one, one.value, 1);
     set(field, field.caption, std::string("Card ")), set(colour, colour.backColor, 0x123456);
-    EXPECT_EQ(shown(), "0 7 70 ms 1 1 01 'Card ' 'Card ' 1193046 told 1");
+    EXPECT_EQ(shown(), "0 7 off 70 ms 1 1 01 'Card ' 'Card ' 1193046 told 1");
     set(rows, rows.listIndex, 2);
-    EXPECT_EQ(shown(), "0 7 70 ms 1 2 00 'Card ' 'Card ' 1193046 told 1");
+    EXPECT_EQ(shown(), "0 7 off 70 ms 1 2 00 'Card ' 'Card ' 1193046 told 1");
     EXPECT_EQ(deviceSettings.DeviceName + " " + std::to_string(duckSettings.FadeOutSpeed), "Card  70");
     bound.restore();
     EXPECT_EQ(shown(), before.substr(0, before.rfind(' ')) + " 2");

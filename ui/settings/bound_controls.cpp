@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdlib>
-#include <limits>
 #include <stdexcept>
 #include <utility>
 
@@ -48,6 +47,16 @@ void BoundControls::bind(Control& control, std::string_view key, BindOptions opt
     control.onChange = [this, at] {
         guarded(bound_[at].control->name + "_Change", [&] { take(bound_[at]); });
     };
+}
+
+void BoundControls::greyUnless(Control& control, std::function<bool()> condition) {
+    conditions_.emplace_back(&control, std::move(condition));
+}
+
+void BoundControls::grey() const {
+    for (const auto& [control, condition] : conditions_) {
+        control->enabled = condition();
+    }
 }
 
 void BoundControls::show(const Bound& bound) const {
@@ -122,6 +131,7 @@ void BoundControls::set(const Bound& bound, const std::string& text) {
             show(other);
         }
     }
+    grey();
     if (bound.options.changed) {
         bound.options.changed();
     }
@@ -131,6 +141,7 @@ void BoundControls::load() {
     for (const Bound& bound : bound_) {
         show(bound);
     }
+    grey();
 }
 
 void BoundControls::restore() {

@@ -1,14 +1,16 @@
-/// Controls tied to keys of the settings: one line a control says which setting it shows, and it loads, saves
+/// Controls tied to keys of the settings: one line a control says which setting it shows, and it loads, saves, greys
 /// and brings back the default by itself. [control]
 ///
 ///     bound.bind(ckVolInLink, "VolInLink");
 ///     bound.bind(SlideFadeInSpeed, "FadeInSpeed", {.step = 10, .shown = &lblFadeInSpeedVal, .unit = " ms"});
 ///     bound.bind(cmbAutoDuckMode, "AutoDuckMode", {.changed = modeChanged});
+///     bound.greyUnless(SlideFadeInAdvance, [] { return duckSettings.AutoDuckMode <= kDuckByTime; });
 #pragma once
 
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/controls.h"
@@ -30,6 +32,8 @@ class BoundControls {
     /// gets the setting's limits, where it has some, and its default for the double click.
     /// Throws std::logic_error for a key that is no setting.
     void bind(Control& control, std::string_view key, BindOptions options = {});
+    /// The control, bound or not, is enabled while the condition holds; asked after each load and change.
+    void greyUnless(Control& control, std::function<bool()> condition);
     /// The controls show what the settings hold. Nothing is told as changed.
     void load();
     /// All settings that are bound take their defaults, as if the user had set them.
@@ -44,8 +48,10 @@ class BoundControls {
     void show(const Bound& bound) const;
     void take(const Bound& bound);
     void set(const Bound& bound, const std::string& text);
+    void grey() const;
 
     std::vector<Bound> bound_;
+    std::vector<std::pair<Control*, std::function<bool()>>> conditions_;
 };
 
 }  // namespace zv

@@ -2,11 +2,11 @@
 
 #include <cstddef>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "audio/device_levels.h"
 #include "audio/devices.h"
+#include "audio/duck.h"
 #include "audio/talk_over.h"
 #include "startup/guard.h"
 #include "startup/helpers.h"
@@ -25,7 +25,6 @@ namespace {
 constexpr int kSliderStep = 10;        // ms of one step of a slider of times
 constexpr int kLongestAdvance = 3000;  // ms
 constexpr int kFull = 100;
-constexpr int kByLevel = 0;
 
 /// The element of a language key whose text is a list.
 std::string element(const std::string& list, int index) {
@@ -74,7 +73,7 @@ void linkChanged() {
 /// One slider stands for the threshold or for the time before the end, as the mode says.
 void showAdvance() {
     MixerWindow& m = frmMixer();
-    const bool level = duckSettings.AutoDuckMode == kByLevel;
+    const bool level = duckSettings.AutoDuckMode == kDuckByLevel;
     Control& slider = m.SlideFadeInAdvance;
     slider.minimum = 0;
     slider.maximum = level ? kFull : kLongestAdvance / kSliderStep;
@@ -83,12 +82,11 @@ void showAdvance() {
     m.lblFadeInAdvanceVal.caption = level ? std::to_string(duckSettings.AutoDuckThreshold) + " %"
                                           : std::to_string(duckSettings.FadeInAdvance) + " ms";
     m.lblFadeInAdvance.caption = element(Ln("mixLblFadeInAdvance"), duckSettings.AutoDuckMode);
-    slider.enabled = duckSettings.AutoDuckMode <= 1;
 }
 
 void advanceChanged() {
     const int value = frmMixer().SlideFadeInAdvance.value;
-    if (duckSettings.AutoDuckMode == kByLevel) {
+    if (duckSettings.AutoDuckMode == kDuckByLevel) {
         duckSettings.AutoDuckThreshold = value;
     } else {
         duckSettings.FadeInAdvance = value * kSliderStep;
@@ -148,6 +146,7 @@ void wire(MixerWindow& m) {
     m.bound.bind(m.SlideTOThresh, "InTOThresh", {.shown = &m.lblThreshVal, .unit = " %"});
     m.bound.bind(m.SlideTORelease, "InTORelease", times(m.lblReleaseVal));
     m.bound.bind(m.cmbAutoDuckMode, "AutoDuckMode", {.changed = showAdvance});
+    m.bound.greyUnless(m.SlideFadeInAdvance, [] { return duckSettings.AutoDuckMode <= kDuckByTime; });
     m.bound.bind(m.ckVolInLink, "VolInLink", {.changed = linkChanged});
     m.SlideFadeInAdvance.onChange = [] { guarded("frmMixer.SlideFadeInAdvance_Change", advanceChanged); };
     m.ckDeviceSingle.onChange = [] { guarded("frmMixer.ckDeviceSingle_Click", TopologyChosen); };
