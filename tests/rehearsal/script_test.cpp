@@ -2,7 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <utility>
+
+#include "platform/http.h"
 #include "platform/rehearsal/player.h"
+#include "platform/rehearsal/virtual_clock.h"
+#include "platform/rehearsal/web.h"
+#include "tests/support/places.h"
 
 namespace zv {
 namespace {
@@ -112,6 +119,37 @@ TEST(RehearsalScript, SaysWhatItHasRead) {
     EXPECT_EQ(first("at 0 mods ctrl Alt\nat 1 end").mods, kCtrlMask | kAltMask);
     EXPECT_EQ(first("at 0 mods shift\nat 1 end").mods, kShiftMask);
     EXPECT_EQ(first("at 0 drop 7 a.wav\nat 1 end").index, 7);
+}
+
+/// Requests of the program's own; streams are in the shows.
+TEST(RehearsedWeb, AnswersRequestsAsTheLongestRuleSays) {
+    const std::string news = test::sourceDir() + "/data/first_start.ini", copy = "rehearsed_web.copy";
+    VirtualClock& clock = VirtualClock::instance();
+    RehearsedWeb& web = RehearsedWeb::instance();
+    std::string asked, told;
+    web.onRequest = [&](auto& method, auto& url, auto& body) { asked = method + " " + url + body; };
+    web.answer("http://a/", {WebRule::Kind::file, news, 200, ""});
+    web.answer("http://a/gone", {WebRule::Kind::file, news, 404, ""});
+    web.answer("http://a/gone/slow", {WebRule::Kind::hang, "", 200, ""});
+    for (const auto& [url, expected] : {std::pair("http://a/x", "100% 200 after 90"),
+                                        {"http://a/gone", "100% 404 after 90"},
+                                        {"http://a/gone/slow/1", "0 timed out after 3020"},
+                                        {"http://b/", "0 connection refused after 20"}}) {
+        const std::int64_t start = clock.now();
+        const Job job = startRequest(
+            {"POST", url, "=1", {}, 3000, false, copy},
+            [&](const HttpReply& r) {
+                told += std::to_string(r.status) + (r.error.empty() ? "" : " " + r.error) + " after " +
+                        std::to_string(clock.now() - start);
+            },
+            [&](int percent) { told += std::to_string(percent) + "% "; });
+        clock.advanceTo(start + 4000);
+        EXPECT_EQ(std::exchange(told, {}), expected) << url;
+        EXPECT_EQ(asked, "POST " + std::string(url) + "=1");
+    }
+    EXPECT_EQ(std::filesystem::file_size(copy), std::filesystem::file_size(news));
+    std::filesystem::remove(copy);
+    web.onRequest = nullptr;
 }
 
 }  // namespace
