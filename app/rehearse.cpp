@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "app/rehearsed_program.h"
@@ -15,6 +14,7 @@
 #include "platform/paths.h"
 #include "platform/qt/view/shell.h"
 #include "platform/rehearsal/rehearsal.h"
+#include "startup/command_line.h"
 #include "ui/records/main_window.h"
 
 namespace {
@@ -59,12 +59,6 @@ bool readArguments(const std::vector<std::string>& arguments, RehearsalOptions& 
     return !options.script.empty() && !options.home.empty() && !options.out.empty();
 }
 
-std::string executableFolder(const char* argv0) {
-    std::filesystem::path self = zv::executableFile();
-    if (self.empty()) self = std::filesystem::absolute(argv0);
-    return zv::utf8FromPath(self.parent_path());
-}
-
 std::string absolutePath(const std::string& path) {
     return std::filesystem::absolute(path).lexically_normal().string();
 }
@@ -83,7 +77,7 @@ int main(int argc, char** argv) {
     options.out = absolutePath(options.out);
     CommandLine commandLine;
     commandLine.home = options.home;
-    const std::string shipped = executableFolder(argv[0]);
+    const std::string shipped = ExecutableFolder(argv[0]);
 
     shell::startQt(argc, argv, true);
     RehearsedProgram program;

@@ -5,7 +5,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
-#include <functional>
 #include <ostream>
 #include <sstream>
 #include <utility>
@@ -18,6 +17,7 @@
 #include "audio/talk_over.h"
 #include "engine/bass.h"
 #include "model/jingle.h"
+#include "model/slot_index.h"
 #include "model/state.h"
 #include "platform/rehearsal/json.h"
 #include "platform/rehearsal/rehearsed.h"
@@ -110,7 +110,7 @@ int indexOf(std::string_view name, std::string_view stem, std::string_view& rest
     const auto [end, error] = std::from_chars(begin, name.data() + name.size(), index);
     if (error != std::errc{} || end == name.data() + name.size() || *end != ')') return -1;
     rest = name.substr(static_cast<std::size_t>(end + 1 - name.data()));
-    return index >= 0 && index < kJingles ? index : -1;
+    return IsSlot(index) ? index : -1;
 }
 
 std::string faultOf(int index) {

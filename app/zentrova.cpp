@@ -12,16 +12,7 @@
 #include "platform/paths.h"
 #include "platform/qt/view/shell.h"
 #include "platform/wake.h"
-
-namespace {
-
-std::string executableFolder(const char* argv0) {
-    std::filesystem::path self = zv::executableFile();
-    if (self.empty()) self = std::filesystem::absolute(argv0);
-    return zv::utf8FromPath(self.parent_path());
-}
-
-}  // namespace
+#include "startup/command_line.h"
 
 int main(int argc, char** argv) {
     using namespace zv;
@@ -39,7 +30,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     shell::startQt(argc, argv, false);
-    EnterProgramFolder(commandLine, executableFolder(argv[0]));
+    EnterProgramFolder(commandLine, ExecutableFolder(argv[0]));
     const bool started = Main(commandLine);
     if (started) onEndAsked(EndAsked);
     const int status = started ? runEventLoop() : 1;

@@ -14,6 +14,7 @@
 #include "audio/waiting_press.h"
 #include "engine/bass.h"
 #include "model/jingle.h"
+#include "model/slot_index.h"
 #include "model/state.h"
 #include "platform/clock.h"
 #include "platform/sound.h"
@@ -37,8 +38,6 @@ constexpr double kMsPerSecond = 1000;
 
 /// The sync at the stop position of each jingle. A new start removes the old one, which may not have fired.
 std::array<HSYNC, kJingles> stopPosSyncs{};
-
-bool inRange(int index) { return index >= 0 && index < kJingles; }
 
 bool plays(const JingleRecord& j) { return BASS_ChannelIsActive(j.hPlay) == BASS_ACTIVE_PLAYING; }
 bool modifierHeld() { return CtrlDown || ShiftDown || AltDown; }
@@ -166,7 +165,7 @@ void pressWhilePlaying(int index, int velocity) {
     } else if (j.PlayMod == PlayMode::touch || (global && ToggleTouch == 1)) {
         // BASS_FXReset goes to the record that the display's tick visited last (DispLoopIdx), not to this one:
         // this jingle's tail rings on into its new start.
-        if (j.State == PlayState::stopping && inRange(DispLoopIdx)) BASS_FXReset(Jingle(DispLoopIdx).hPlay);
+        if (j.State == PlayState::stopping && IsSlot(DispLoopIdx)) BASS_FXReset(Jingle(DispLoopIdx).hPlay);
         start(index, velocity);
     } else if (global || j.PlayMod == PlayMode::playStop) {
         if (j.State == PlayState::stopping) {
@@ -198,7 +197,7 @@ void ArmStopSync(int index) {
 
 void clPlay(int index, int velocity) {
     guarded("modClick.clPlay", [&] {
-        if (!inRange(index)) return;
+        if (!IsSlot(index)) return;
         LastPlayedJ = index;
         if (MIDILearnActive) return;
         if (velocity < 0 || velocity > kFullVelocity) velocity = kFullVelocity;
@@ -220,7 +219,7 @@ void clPlay(int index, int velocity) {
 
 void clTouchStop(int index) {
     guarded("modClick.clTouchStop", [&] {
-        if (!inRange(index) || TakeWaitingPress(index)) return;
+        if (!IsSlot(index) || TakeWaitingPress(index)) return;
         JingleRecord& j = Jingle(index);
         if (!SelectorsOn) callUp(audioUpcalls.feedback, index, Feedback::stopping);
         trace(index, " clTouchStop ");

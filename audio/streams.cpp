@@ -6,7 +6,6 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <utility>
 
 #include "audio/devices.h"
 #include "audio/effects.h"
@@ -17,6 +16,7 @@
 #include "model/after_sound.h"
 #include "model/jingle.h"
 #include "model/palette_lines.h"
+#include "model/slot_index.h"
 #include "model/slot_keys.h"
 #include "model/state.h"
 #include "platform/jobs.h"
@@ -39,13 +39,12 @@ constexpr int kReverbPriority = 10;
 constexpr int kVolumePriority = 20;
 constexpr float kSecondsPerMs = 0.001F;
 
-bool inRange(int index) { return index >= 0 && index < kJingles; }
 /// A channel that must not be taken away: it plays, or waits for data.
 bool sounds(std::uint32_t channel) {
     const DWORD active = BASS_ChannelIsActive(channel);
     return active == BASS_ACTIVE_PLAYING || active == BASS_ACTIVE_STALLED;
 }
-bool exists(int index) { return inRange(index) && JExists[static_cast<std::size_t>(index)] == 1; }
+bool exists(int index) { return IsSlot(index) && JExists[static_cast<std::size_t>(index)] == 1; }
 
 /// What a worker found where a slot's file should be.
 struct Opening {
@@ -201,7 +200,7 @@ void openSlot(int index) {
 }  // namespace
 
 void FreeJingle(int index) {
-    if (!inRange(index)) return;
+    if (!IsSlot(index)) return;
     JingleRecord& j = Jingle(index);
     openings[static_cast<std::size_t>(index)].cancel();
     TakeWaitingPress(index);
@@ -216,7 +215,7 @@ void FreeJingle(int index) {
 }
 
 void ClearRecord(int index) {
-    if (!inRange(index)) return;
+    if (!IsSlot(index)) return;
     openings[static_cast<std::size_t>(index)].cancel();
     TakeWaitingPress(index);
     DropAfterSound(index);
@@ -303,10 +302,10 @@ void openStreams(int index) {
     });
 }
 
-bool SlotOpening(int index) { return inRange(index) && openings[static_cast<std::size_t>(index)].running(); }
+bool SlotOpening(int index) { return IsSlot(index) && openings[static_cast<std::size_t>(index)].running(); }
 
 void HurrySlot(int index) {
-    if (inRange(index)) openings[static_cast<std::size_t>(index)].hurry();
+    if (IsSlot(index)) openings[static_cast<std::size_t>(index)].hurry();
 }
 
 double EndOffsetCalc(int index) {

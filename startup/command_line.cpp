@@ -81,6 +81,12 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
     return out;
 }
 
+std::string ExecutableFolder(const char* argv0) {
+    fs::path self = executableFile();
+    if (self.empty()) self = fs::absolute(argv0);
+    return utf8FromPath(self.parent_path());
+}
+
 std::string ChooseProgramFolder(const CommandLine& commandLine, const std::string& executableFolder) {
     if (!commandLine.home.empty()) return absolute(commandLine.home);
     const std::string fromEnvironment = environmentVariable("ZENTROVA_HOME");

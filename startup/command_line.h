@@ -20,6 +20,9 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments);
 /// "usage: zentrova [-t] [--home FOLDER]"
 std::string UsageLine();
 
+/// The folder of the running program; `argv0`, its name as it was called, where the system does not tell.
+std::string ExecutableFolder(const char* argv0);
+
 /// The program folder: `home` or ZENTROVA_HOME when given; the executable's own folder when it can be written
 /// and holds zv.ini; else the user's data folder. Relative ones become absolute.
 std::string ChooseProgramFolder(const CommandLine& commandLine, const std::string& executableFolder);

@@ -19,6 +19,7 @@
 #include "startup/settings/palette_list_settings.h"
 #include "startup/settings/palette_settings.h"
 #include "startup/settings/search_settings.h"
+#include "startup/text_codec.h"
 #include "ui/edit/palette_list.h"
 #include "ui/edit/save_dialogue.h"
 #include "ui/edit/search_index.h"
@@ -80,11 +81,7 @@ void type(const std::string& letter) {
 void deleteLast() {
     std::string text = search().txtJSearch.caption();
     if (text.empty()) return;
-    do {
-        const bool follows = (static_cast<unsigned char>(text.back()) & 0xC0) == 0x80;
-        text.pop_back();
-        if (!follows) break;
-    } while (!text.empty());
+    text.resize(firstCharacters(text, characterCount(text) - 1).size());
     search().txtJSearch.caption = text;
     typed();
 }

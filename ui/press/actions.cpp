@@ -8,6 +8,7 @@
 #include "audio/play.h"
 #include "model/actions.h"
 #include "model/jingle.h"
+#include "model/slot_index.h"
 #include "model/state.h"
 #include "platform/controls.h"
 #include "platform/desktop.h"
@@ -51,8 +52,6 @@ constexpr int kHotPlaces = 3;       // none, above the grid, below it
 constexpr int kFullPercent = 100;
 constexpr int kLongestAutoMix = 5000;  // ms
 constexpr int kVolumeMs = 5;
-
-bool known(int index) { return index >= 0 && index < kJingles; }
 
 void bring(MainTab tab) {
     const int n = static_cast<int>(tab);
@@ -107,7 +106,7 @@ bool paletteStep(PaletteKey how, bool up) {
 }
 
 bool onJingle(Action action, int index, int velocity) {
-    if (!known(index)) {
+    if (!IsSlot(index)) {
         return false;
     }
     if (action == Action::play) {
@@ -122,7 +121,7 @@ bool onJingle(Action action, int index, int velocity) {
 }
 
 bool onLast(Action action) {
-    if (!known(LastPlayedJ)) {
+    if (!IsSlot(LastPlayedJ)) {
         return false;
     }
     if (action == Action::pressLast) {

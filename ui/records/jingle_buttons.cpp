@@ -7,6 +7,7 @@
 #include <string>
 
 #include "model/jingle.h"
+#include "model/slot_index.h"
 #include "platform/controls.h"
 #include "ui/records/main_window.h"
 
@@ -19,8 +20,6 @@ namespace {
 using enum ControlKind;
 
 std::array<std::unique_ptr<JingleButton>, kJingles> family;
-
-bool inRange(int index) { return index >= 0 && index < kJingles; }
 
 }  // namespace
 
@@ -49,7 +48,7 @@ JingleButton::JingleButton(Control& block, int index)
 }
 
 JingleButton* Button(int index) {
-    return inRange(index) ? family[static_cast<std::size_t>(index)].get() : nullptr;
+    return IsSlot(index) ? family[static_cast<std::size_t>(index)].get() : nullptr;
 }
 
 JingleButton& MakeButton(int index) {

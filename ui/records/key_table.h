@@ -2,7 +2,6 @@
 /// one place to add a key. [control]
 #pragma once
 
-#include <optional>
 #include <vector>
 
 #include "model/actions.h"

@@ -1,7 +1,5 @@
 #include "ui/screen/announcer_view.h"
 
-#include <algorithm>
-
 #include "audio/announcer.h"
 #include "audio/time_jingle.h"
 #include "model/state.h"

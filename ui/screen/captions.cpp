@@ -15,6 +15,7 @@
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/settings/labels_settings.h"
+#include "startup/text_codec.h"
 #include "ui/records/jingle_buttons.h"
 
 namespace zv {
@@ -135,20 +136,12 @@ std::string formatted(const std::string& name) {
     return name;
 }
 
-std::size_t characters(std::string_view text) {
-    std::size_t n = 0;
-    for (const char c : text) {
-        n += (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1U : 0U;
-    }
-    return n;
-}
-
 constexpr int kSecondsPerMinute = 60;
 
 }  // namespace
 
 std::string btCaption(const std::string& path) {
-    if (path.empty() || (path.find(':') != std::string::npos && characters(path) < kShortestDrivePath)) {
+    if (path.empty() || (path.find(':') != std::string::npos && characterCount(path) < kShortestDrivePath)) {
         return {};
     }
     std::string name = GetFileName(path);

@@ -1,6 +1,5 @@
 #include "ui/screen/flashing.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 

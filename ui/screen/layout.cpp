@@ -23,6 +23,7 @@
 #include "startup/trace.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
+#include "ui/records/place.h"
 #include "ui/screen/button_faces.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/layout_grid.h"
@@ -47,13 +48,6 @@ int stripHeight(int windowHeight) {
     return px(std::clamp(pixels, double{kMinStrip}, double{kMaxStrip}));
 }
 
-void place(Control& c, int left, int top, int width, int height) {
-    c.left = left;
-    c.top = top;
-    c.width = std::max(0, width);
-    c.height = std::max(0, height);
-}
-
 struct Area {
     int left, top, right, bottom;
 };
@@ -66,11 +60,11 @@ void drawStrip(int windowWidth, int height) {
     const int keys = GetMultipleOf(static_cast<int>(width * kDrawnKeys / kDrawnStripWidth), kTwipsPerPixel);
     const int panel = GetMultipleOf(width, kTwipsPerPixel) - display - keys;
     int left = kOutside;
-    place(w.display.picDispBack, left, kOutside, display, height);
+    Place(w.display.picDispBack, left, kOutside, display, height);
     left += display + kGap;
-    place(w.fraPanel, left, kOutside, panel, height);
+    Place(w.fraPanel, left, kOutside, panel, height);
     left += panel + kGap;
-    place(w.keys.fraKeys, left, kOutside, keys, height);
+    Place(w.keys.fraKeys, left, kOutside, keys, height);
     DrawDisplay();
     DrawKeys();
     for (int tab = 0; tab < kTabs; ++tab) {
@@ -110,13 +104,13 @@ void drawMeterBlock(Area& area) {
     const int wide = narrow + leftOver(area.right - area.left - kOutside - narrow - 2 * blockInset(),
                                        gridSettings.JinglesCols, kMinButtonWidth);
     if (side == "t") {
-        place(w.fraVU, kOutside, area.top + kGap, area.right - 2 * kOutside, px(kTopMeter));
+        Place(w.fraVU, kOutside, area.top + kGap, area.right - 2 * kOutside, px(kTopMeter));
         area.top += kGap + px(kTopMeter);
     } else if (side == "l") {
-        place(w.fraVU, kOutside, area.top + kGap, wide, area.bottom - area.top - kGap - kOutside);
+        Place(w.fraVU, kOutside, area.top + kGap, wide, area.bottom - area.top - kGap - kOutside);
         area.left += kOutside + wide;
     } else if (side == "r") {
-        place(w.fraVU, area.right - kOutside - wide, area.top + kGap, wide,
+        Place(w.fraVU, area.right - kOutside - wide, area.top + kGap, wide,
               area.bottom - area.top - kGap - kOutside);
         area.right -= kOutside + wide;
     }
@@ -134,16 +128,16 @@ void drawBlocks(const Area& area) {
     const int gap = gapBelowHotBlock();
     int line = 0;  // in the middle of what parts the blocks
     if (gridSettings.HotJinglesPos == 1) {
-        place(w.fraHotJingles, left, top, width, hot);
-        place(w.fraJingles, left, top + hot + gap, width, bottom - top - hot - gap);
+        Place(w.fraHotJingles, left, top, width, hot);
+        Place(w.fraJingles, left, top + hot + gap, width, bottom - top - hot - gap);
         line = top + hot + gap / 2;
     } else {
-        place(w.fraJingles, left, top, width, bottom - top - hot);
-        place(w.fraHotJingles, left, bottom - hot, width, hot);
+        Place(w.fraJingles, left, top, width, bottom - top - hot);
+        Place(w.fraHotJingles, left, bottom - hot, width, hot);
         line = bottom - hot + (joined() ? kGap / 2 : -kTwipsPerPixel);
     }
     const int lineInset = kOutside - inset;
-    place(w.linHotJingles, left + lineInset, line, width - 2 * lineInset, kTwipsPerPixel);
+    Place(w.linHotJingles, left + lineInset, line, width - 2 * lineInset, kTwipsPerPixel);
     DrawGrid();
 }
 

@@ -11,6 +11,7 @@
 #include "startup/settings/labels_settings.h"
 #include "ui/records/jingle_buttons.h"
 #include "ui/records/main_window.h"
+#include "ui/records/place.h"
 
 namespace zv {
 
@@ -43,13 +44,6 @@ int barThickness() {
     return thickness[std::clamp<int>(barSettings.JRemLevThickness, 0, 2)];
 }
 
-void place(Control& c, int left, int top, int width, int height) {
-    c.left = left;
-    c.top = top;
-    c.width = std::max(0, width);
-    c.height = std::max(0, height);
-}
-
 /// The parts of one button for its present size.
 void placeParts(JingleButton& b) {
     const int w = b.b_Jingle.width;
@@ -57,9 +51,9 @@ void placeParts(JingleButton& b) {
     const auto bar = static_cast<BarPlace>(static_cast<int>(barSettings.JRemLevPos));
     const int thickness = std::min(barThickness(), multiple(h / 6));
     const int barTop = bar == BarPlace::bottom ? h - kBarInset - thickness : kBarInset;
-    place(b.JremBG, kBarInset, barTop, w - 2 * kBarInset, thickness);
+    Place(b.JremBG, kBarInset, barTop, w - 2 * kBarInset, thickness);
     // While a bar is shown the display's tick sets its width.
-    place(b.JRemLev, kBarInset, barTop, b.JRemLev.visible ? b.JRemLev.width() : w - 2 * kBarInset, thickness);
+    Place(b.JRemLev, kBarInset, barTop, b.JRemLev.visible ? b.JRemLev.width() : w - 2 * kBarInset, thickness);
     b.JRemLev.width = std::min(b.JRemLev.width(), w - 2 * kBarInset);
 
     const int marksTop = bar == BarPlace::top ? kBarInset + thickness + kBelowBar : 60;
@@ -71,8 +65,8 @@ void placeParts(JingleButton& b) {
     const int numberLeft = numberRight ? w - (kNumberInset + numberWidth) : kNumberInset;
     const int numberHeight = std::min(kNumberHeight, multiple(h / 2));
     const int numberTop = std::min(marksTop, h - numberHeight - kPixel);
-    place(b.picbtnumber, numberLeft, numberTop, numberWidth, numberHeight);
-    place(b.lblbtnumber, numberLeft, numberTop, numberWidth, numberHeight);
+    Place(b.picbtnumber, numberLeft, numberTop, numberWidth, numberHeight);
+    Place(b.lblbtnumber, numberLeft, numberTop, numberWidth, numberHeight);
     b.picbtnumber.visible = labelSettings.JNumbPos != 0 && !(numberRight && b.ckJingSel.visible);
     b.lblbtnumber.visible = b.picbtnumber.visible();
 
@@ -84,15 +78,15 @@ void placeParts(JingleButton& b) {
     const int markTop = std::min(marksTop, h - size - kPixel);
     int left = w - kFxFromRight;
     for (Control* mark : {&b.fx_Jingle, &b.pm_Jingle, &b.sq_Jingle, &b.lp_Jingle}) {
-        place(*mark, left, markTop, size, size);
+        Place(*mark, left, markTop, size, size);
         left -= step;
     }
 
     const int field = std::min(180, multiple(h / 2));
     const int foot = bar == BarPlace::bottom ? thickness + 2 * kBarInset : kSmallFieldInset;
-    place(b.picPlaylist, kSmallFieldInset, std::max(0, h - foot - field), field, field);
-    place(b.lblPlaylist, kSmallFieldInset, std::max(0, h - foot - field), field, field);
-    place(b.ckJingSel, std::min(kSelectorInset, w - kSelectorSize),
+    Place(b.picPlaylist, kSmallFieldInset, std::max(0, h - foot - field), field, field);
+    Place(b.lblPlaylist, kSmallFieldInset, std::max(0, h - foot - field), field, field);
+    Place(b.ckJingSel, std::min(kSelectorInset, w - kSelectorSize),
           std::clamp(multiple((h - kSelectorSize) / 2), 0, kSelectorInset), kSelectorSize, kSelectorSize);
 }
 
@@ -146,7 +140,7 @@ void DrawGrid() {
         GridFor(block.width, block.height, gridSettings.JinglesRows, gridSettings.JinglesCols, JGap, marker);
     for (int i = 0; i <= LastPalIdx; ++i) {
         if (JingleButton* b = Button(i)) {
-            place(b->b_Jingle, g.left(i), g.top(i), g.width, g.height);
+            Place(b->b_Jingle, g.left(i), g.top(i), g.width, g.height);
             placeParts(*b);
         }
     }
@@ -173,7 +167,7 @@ void HotJinglesDraw() {
         }
         const int column = (i - kPaletteSlots) % gridSettings.JinglesCols;
         const bool second = i - kPaletteSlots >= gridSettings.JinglesCols;
-        place(b->b_Jingle, grid.left(column), second ? secondTop : firstTop, grid.width, height);
+        Place(b->b_Jingle, grid.left(column), second ? secondTop : firstTop, grid.width, height);
         placeParts(*b);
         b->b_Jingle.visible = !second || gridSettings.HotJinglesRows > 1;
     }

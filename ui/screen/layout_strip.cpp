@@ -7,11 +7,14 @@
 
 #include "platform/controls.h"
 #include "startup/guard.h"
+#include "startup/helpers.h"
 #include "startup/settings/display_settings.h"
 #include "startup/settings/meters_settings.h"
 #include "startup/settings/minimal_settings.h"
+#include "startup/text_codec.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
+#include "ui/records/place.h"
 #include "ui/screen/highlight.h"
 #include "ui/screen/meters.h"
 #include "ui/screen/midi_status.h"
@@ -23,13 +26,6 @@ int ActiveTab = 0;
 namespace {
 
 constexpr int px(double pixels) { return static_cast<int>(pixels) * kTwipsPerPixel; }
-
-void place(Control& c, int left, int top, int width, int height) {
-    c.left = left;
-    c.top = top;
-    c.width = std::max(0, width);
-    c.height = std::max(0, height);
-}
 
 /// A stretch divided into equal parts with gaps; the pixels that are left over go to the first parts.
 struct Stretch {
@@ -50,7 +46,7 @@ struct Stretch {
 void column(std::initializer_list<Control*> controls, int left, int width, const Stretch& rows) {
     int i = 0;
     for (Control* c : controls) {
-        place(*c, left, rows.at(i), width, rows.size(i));
+        Place(*c, left, rows.at(i), width, rows.size(i));
         ++i;
     }
 }
@@ -68,12 +64,9 @@ double textScale() {
 
 /// Of the longest line.
 double characters(const std::string& text) {
-    int most = 0, line = 0;
-    for (const char c : text) {
-        line = c == '\n' ? 0 : line + ((c & 0xC0) != 0x80 ? 1 : 0);
-        most = std::max(most, line);
-    }
-    return most;
+    std::size_t most = 0;
+    for (const std::string& line : Split(text, "\n")) most = std::max(most, characterCount(line));
+    return static_cast<double>(most);
 }
 
 /// One size of text for keys that stand together: as large as wanted, and so that the longest of their texts
@@ -128,9 +121,9 @@ void paletteTab(const TabArea& a) {
     const bool naming = t.txtSave.visible;
     const int line = px(18 * textScale()), field = px(26 * textScale());
     const int nameHeight = naming ? line + field + px(6) : 0;
-    place(t.lstPal, listLeft, a.top, listWidth, a.height - nameHeight);
-    place(t.PalNameCar, listLeft, a.top + a.height - field - line, listWidth, line);
-    place(t.txtSave, listLeft, a.top + a.height - field, listWidth, field);
+    Place(t.lstPal, listLeft, a.top, listWidth, a.height - nameHeight);
+    Place(t.PalNameCar, listLeft, a.top + a.height - field - line, listWidth, line);
+    Place(t.txtSave, listLeft, a.top + a.height - field, listWidth, field);
 }
 
 void announcerTab(const TabArea& a) {
@@ -140,8 +133,8 @@ void announcerTab(const TabArea& a) {
     const Stretch halves{a.left, a.width, 2, kKeyGap};
     const auto key = [&](Control& wide, Control& narrow, int at) {
         const int rest = narrow.visible ? mark + px(6) : 0;
-        place(wide, halves.at(at), a.top, halves.size(at) - rest, keys);
-        place(narrow, halves.at(at) + halves.size(at) - mark, a.top, mark, keys);
+        Place(wide, halves.at(at), a.top, halves.size(at) - rest, keys);
+        Place(narrow, halves.at(at) + halves.size(at) - mark, a.top, mark, keys);
         narrow.fontSize = kDrawnText * 1.2 * textScale() * kPointsPerPixel;
     };
     key(t.ckTmAnn, t.ckTmAnnAM, 0);
@@ -152,8 +145,8 @@ void announcerTab(const TabArea& a) {
     Control* fields[] = {&t.DTMinute, &t.DTSecond, &t.DTDelay};
     for (int i = 0; i < 3; ++i) {
         labels[i]->fontSize = kDrawnText * textScale() * kPointsPerPixel;
-        place(*labels[i], thirds.at(i), a.top + a.height - field - line, thirds.size(i), line);
-        place(*fields[i], thirds.at(i), a.top + a.height - field, std::min(thirds.size(i), px(132)), field);
+        Place(*labels[i], thirds.at(i), a.top + a.height - field - line, thirds.size(i), line);
+        Place(*fields[i], thirds.at(i), a.top + a.height - field, std::min(thirds.size(i), px(132)), field);
     }
 }
 
@@ -162,15 +155,15 @@ void liveTab(const TabArea& a) {
     const Stretch rows{a.top, a.height, 3, kInnerGap};
     const Stretch wide{a.left, a.width, 4, kKeyGap};
     const int three = wide.at(2) + wide.size(2) - a.left;
-    place(t.cmbStream, a.left, rows.at(0), three, rows.size(0));
-    place(t.btRemUrl, wide.at(3), rows.at(0), wide.size(3), rows.size(0));
-    place(t.ckPlayStream, wide.at(0), rows.at(1), wide.size(0), rows.size(1));
+    Place(t.cmbStream, a.left, rows.at(0), three, rows.size(0));
+    Place(t.btRemUrl, wide.at(3), rows.at(0), wide.size(3), rows.size(0));
+    Place(t.ckPlayStream, wide.at(0), rows.at(1), wide.size(0), rows.size(1));
     // The box has no key around it to shrink its text: it takes what its words need from the key at its side.
     const int right = wide.at(3) + wide.size(3);
     const int box = std::max(wide.size(3), px(kDuckBox * textScale()));
-    place(t.ckMixByTa, wide.at(1), rows.at(1), wide.at(2) + wide.size(2) - wide.at(1) - (box - wide.size(3)),
+    Place(t.ckMixByTa, wide.at(1), rows.at(1), wide.at(2) + wide.size(2) - wide.at(1) - (box - wide.size(3)),
           rows.size(1));
-    place(t.ckAutoDuckLive, right - box, rows.at(1), box, rows.size(1));
+    Place(t.ckAutoDuckLive, right - box, rows.at(1), box, rows.size(1));
     oneSize({&t.btRemUrl, &t.ckPlayStream, &t.ckMixByTa, &t.btCoefVolLive}, kDrawnText * textScale());
     for (Control* text : {&t.cmbStream, &t.ckAutoDuckLive, &t.lblVolLive, &t.lblStream}) {
         text->fontSize = kDrawnText * textScale() * kPointsPerPixel;
@@ -179,11 +172,11 @@ void liveTab(const TabArea& a) {
     const int slider = std::max(wide.size(2) - percent, px(kLeastSlider));
     const int sliderLeft = wide.at(2) + wide.size(2) - percent - slider;
     const int gap = wide.at(1) - wide.at(0) - wide.size(0);
-    place(t.lblStream, wide.at(0), rows.at(2), sliderLeft - gap - wide.at(0), rows.size(2));
-    place(t.SlideVolLive, sliderLeft, rows.at(2), slider, rows.size(2));
-    place(t.lblVolLive, wide.at(2) + wide.size(2) - percent, rows.at(2), percent, rows.size(2));
+    Place(t.lblStream, wide.at(0), rows.at(2), sliderLeft - gap - wide.at(0), rows.size(2));
+    Place(t.SlideVolLive, sliderLeft, rows.at(2), slider, rows.size(2));
+    Place(t.lblVolLive, wide.at(2) + wide.size(2) - percent, rows.at(2), percent, rows.size(2));
     t.lblVolLive.alignment = 1;
-    place(t.btCoefVolLive, wide.at(3), rows.at(2), wide.size(3), rows.size(2));
+    Place(t.btCoefVolLive, wide.at(3), rows.at(2), wide.size(3), rows.size(2));
 }
 
 void optionsTab(const TabArea& a) {
@@ -195,11 +188,11 @@ void optionsTab(const TabArea& a) {
         const int left = wide.at(columnNo);
         const int width = wide.size(columnNo);
         const int foot = leds.size() == 0 ? 0 : led + 2 * kTwipsPerPixel;
-        place(key, left, rows.at(row), width, rows.size(row) - foot);
+        Place(key, left, rows.at(row), width, rows.size(row) - foot);
         const Stretch strip{left, width, std::max(1, static_cast<int>(leds.size())), kInnerGap};
         int i = 0;
         for (Control* lamp : leds) {
-            place(*lamp, strip.at(i), rows.at(row) + rows.size(row) - led, strip.size(i), led);
+            Place(*lamp, strip.at(i), rows.at(row) + rows.size(row) - led, strip.size(i), led);
             ++i;
         }
     };
@@ -234,9 +227,9 @@ void TabDraw(int tab) {
     const Stretch headers{0, width, kTabs, 0};
     const auto i = static_cast<std::size_t>(tab);
     const int header = tabHeader();
-    place(w.ckTab[i], headers.at(tab), 0, headers.size(tab), header);
+    Place(w.ckTab[i], headers.at(tab), 0, headers.size(tab), header);
     w.ckTab[i].value = tab == ActiveTab ? 1 : 0;
-    place(w.fraTab[i], 0, header, width, height - header);
+    Place(w.fraTab[i], 0, header, width, height - header);
     const TabArea area{kKeyGap, kKeyGap, width - 2 * kKeyGap, height - header - 2 * kKeyGap};
     if (tab == kTabs - 1) {
         oneSize({&w.ckTab[0], &w.ckTab[1], &w.ckTab[2], &w.ckTab[3]}, kDrawnText * textScale());
@@ -288,13 +281,13 @@ void DrawDisplay() {
     const int timeWidth = width < 4000 ? 2220 : 2800;
     const int top = px(8);
     // The time is right-aligned in its field: the date may use the left part of it.
-    place(d.lblDate, margin, top, std::max(inner - timeWidth, inner - px(78 * grow)), line);
-    place(d.lblTime, margin + inner - timeWidth, top, timeWidth, line);
+    Place(d.lblDate, margin, top, std::max(inner - timeWidth, inner - px(78 * grow)), line);
+    Place(d.lblTime, margin + inner - timeWidth, top, timeWidth, line);
     d.lblTime.alignment = 1;
-    place(d.lblDispMessage, margin, top, inner, line);
+    Place(d.lblDispMessage, margin, top, inner, line);
     const int foot = height - line - px(8);
-    place(d.lblErr, width - margin - line, foot, line, line);
-    place(d.txtDisPal, margin, foot, inner - line - px(8), line);
+    Place(d.lblErr, width - margin - line, foot, line, line);
+    Place(d.txtDisPal, margin, foot, inner - line - px(8), line);
     ShowMidiStatus(true);
 
     const auto gapOf = [](int height) { return px(std::max(2.0, height / px(1) * 0.08)); };
@@ -322,13 +315,13 @@ void DrawDisplay() {
     int right = width - margin;
     const auto fromRight = [&](Control& c, int w, int h) {
         right -= w;
-        place(c, right, digitsLine + big - h, w, h);
+        Place(c, right, digitsLine + big - h, w, h);
         right -= gap;
     };
     if (twoSmall) {
         fromRight(d.lblPosMisC, smallWidth, small);
     } else {
-        place(d.lblPosMisC, right, digitsLine + big - small, 0, small);
+        Place(d.lblPosMisC, right, digitsLine + big - small, 0, small);
     }
     fromRight(d.lblPosMisD, smallWidth, small);
     fromRight(d.sepsd, separator, big);
@@ -341,7 +334,7 @@ void DrawDisplay() {
     int left = margin;
     for (Control* c :
          {&d.lblClock[0], &d.lblClock[1], &d.lblClock[2], &d.lblPlayMode[0], &d.lblPlayMode[1], &d.lblTa}) {
-        place(*c, left, digitsTop, line, line);
+        Place(*c, left, digitsTop, line, line);
         left += line;
     }
 }
@@ -354,11 +347,11 @@ void DrawKeys() {
                            {&k.btMicPush, &k.btMicTO, &k.btSettings}};
     for (int row = 0; row < 2; ++row) {
         for (int i = 0; i < 3; ++i) {
-            place(*keys[row][i], wide.at(i), rows.at(row), wide.size(i), rows.size(row));
+            Place(*keys[row][i], wide.at(i), rows.at(row), wide.size(i), rows.size(row));
         }
     }
-    place(k.btStop, 0, rows.at(2), wide.at(1) + wide.size(1), rows.size(2));
-    place(k.btExit, wide.at(2), rows.at(2), wide.size(2), rows.size(2));
+    Place(k.btStop, 0, rows.at(2), wide.at(1) + wide.size(1), rows.size(2));
+    Place(k.btExit, wide.at(2), rows.at(2), wide.size(2), rows.size(2));
     const double ofWidth = wide.size(2) / double{kTwipsPerPixel} * 0.15;
     oneSize({&k.ckAutoRep, &k.ckTouch, &k.ckAutoMix, &k.btMicPush, &k.btMicTO, &k.btSettings, &k.btExit},
             std::clamp(ofWidth, 10.5, 20.0));
@@ -373,12 +366,12 @@ void DrawMeters() {
     const int height = w.fraVU.height;
     if (across) {
         const Stretch rows{inset, height - 2 * inset, 2, px(2)};
-        place(w.VuL, inset, rows.at(0), width - 2 * inset, rows.size(0));
-        place(w.VuR, inset, rows.at(1), width - 2 * inset, rows.size(1));
+        Place(w.VuL, inset, rows.at(0), width - 2 * inset, rows.size(0));
+        Place(w.VuR, inset, rows.at(1), width - 2 * inset, rows.size(1));
     } else {
         const Stretch columns{inset, width - 2 * inset, 2, px(4)};
-        place(w.VuL, columns.at(0), inset, columns.size(0), height - 2 * inset);
-        place(w.VuR, columns.at(1), inset, columns.size(1), height - 2 * inset);
+        Place(w.VuL, columns.at(0), inset, columns.size(0), height - 2 * inset);
+        Place(w.VuR, columns.at(1), inset, columns.size(1), height - 2 * inset);
     }
     ApplyMeterLook();
 }

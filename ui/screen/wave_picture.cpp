@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "startup/text_codec.h"
 #include "ui/screen/wave_columns.h"
 
 namespace zv {
@@ -181,8 +182,7 @@ WaveLook WaveLookOf(bool dark) {
 }
 
 double TagWidth(const std::string& name) {
-    const auto letters = std::ranges::count_if(name, [](char c) { return (c & 0xC0) != 0x80; });
-    return kTagLetter * static_cast<double>(letters) + kTagSides;
+    return kTagLetter * static_cast<double>(characterCount(name)) + kTagSides;
 }
 
 std::string WaveTime(double seconds, double step) {

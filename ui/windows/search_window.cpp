@@ -7,6 +7,7 @@
 
 #include "startup/helpers.h"
 #include "startup/language.h"
+#include "startup/text_codec.h"
 
 namespace zv {
 
@@ -25,14 +26,8 @@ constexpr const char* kBack = "⌫";
 /// The letters of a text, each as a text of its own.
 std::vector<std::string> lettersOf(const std::string& text) {
     std::vector<std::string> letters;
-    for (const char c : text) {
-        const bool follows = (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-        if (follows && !letters.empty()) {
-            letters.back() += c;
-        } else {
-            letters.emplace_back(1, c);
-        }
-    }
+    for (std::string_view rest = text; !rest.empty(); rest.remove_prefix(letters.back().size()))
+        letters.emplace_back(firstCharacters(rest, 1));
     return letters;
 }
 

@@ -7,6 +7,7 @@
 #include "platform/desktop.h"
 #include "startup/settings/window_settings.h"
 #include "startup/trace.h"
+#include "ui/records/place.h"
 
 namespace zv {
 
@@ -15,13 +16,6 @@ namespace {
 constexpr Colour kBack = 0x1C1818, kText = 0xFFFFFF, kBar = 0xFFFF80, kTrack = 0x403C3A;
 constexpr int kMargin = 300, kLine = 360, kBarHeight = 90;
 constexpr double kTitlePoints = 22;
-
-void place(Control& c, int left, int top, int width, int height) {
-    c.left = left;
-    c.top = top;
-    c.width = width;
-    c.height = height;
-}
 
 }  // namespace
 
@@ -35,16 +29,16 @@ Splash::Splash()
     window.backColor = kBack;
     window.width = SplashWidth + 2 * kMargin;
     window.height = 3 * kMargin + 3 * kLine + kBarHeight;
-    place(lblTitle, kMargin, kMargin, SplashWidth, 2 * kLine);
+    Place(lblTitle, kMargin, kMargin, SplashWidth, 2 * kLine);
     lblTitle.caption = "Zentrova";
     lblTitle.fontSize = kTitlePoints;
     lblTitle.fontBold = true;
     lblTitle.foreColor = kText;
-    place(lblStep, kMargin, kMargin + 2 * kLine, SplashWidth, kLine);
+    Place(lblStep, kMargin, kMargin + 2 * kLine, SplashWidth, kLine);
     lblStep.foreColor = kBar;
-    place(picLoadBack, kMargin, 2 * kMargin + 3 * kLine, SplashWidth, kBarHeight);
+    Place(picLoadBack, kMargin, 2 * kMargin + 3 * kLine, SplashWidth, kBarHeight);
     picLoadBack.backColor = kTrack;
-    place(picLoad, kMargin, 2 * kMargin + 3 * kLine, 0, kBarHeight);
+    Place(picLoad, kMargin, 2 * kMargin + 3 * kLine, 0, kBarHeight);
     picLoad.backColor = kBar;
 }
 
