@@ -2,7 +2,6 @@
 /// jingle. [control]
 #pragma once
 
-#include <cstdint>
 #include <string>
 
 #include "platform/clock.h"

@@ -13,9 +13,6 @@ namespace zv {
 namespace {
 
 constexpr int kReverbElement = 7;
-constexpr int kTempoElement = 8;
-constexpr int kRateElement = 9;
-constexpr int kPitchElement = 10;
 
 // What a sound can have, whatever the sliders reach.
 constexpr double kMostGain = 60;  // dB

@@ -1,7 +1,6 @@
 #include "audio/effects.h"
 
 #include <cmath>
-#include <stdexcept>
 
 #include "engine/bass.h"
 #include "model/jingle.h"

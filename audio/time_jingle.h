@@ -2,7 +2,6 @@
 /// needs of the record, which may change. [control]
 #pragma once
 
-#include <cstdint>
 #include <string>
 
 namespace zv {

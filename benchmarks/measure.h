@@ -1,7 +1,6 @@
 /// A small harness: what is measured, how it is told, and what counts as short.
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 

@@ -2,7 +2,6 @@
 /// thread only. [control]
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 

@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
-#include <string_view>
 #include <system_error>
 #include <utility>
 

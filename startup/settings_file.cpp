@@ -11,7 +11,6 @@
 #include <iterator>
 #include <map>
 #include <set>
-#include <system_error>
 
 #include "platform/desktop.h"
 #include "platform/paths.h"

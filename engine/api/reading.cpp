@@ -1,6 +1,5 @@
 // Of engine/bass.h, from "channels": data read by hand.
 #include <algorithm>
-#include <optional>
 
 #include "engine/api/playing.h"
 #include "engine/dsp/mix.h"
@@ -145,6 +144,7 @@ std::size_t readInto(Reader& reader, const Channel& channel, void* buffer, std::
 extern "C" {
 
 DWORD BASS_ChannelGetData(DWORD handle, void* buffer, DWORD bytes) {
+    assertControlThread();
     Call call;
     Engine& e = call.engine;
     const auto channel = e.find(handle);

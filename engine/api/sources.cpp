@@ -1,5 +1,4 @@
 // Of engine/bass.h: "sources", "mixers and splits", and tempo channels from "effects".
-#include <string>
 
 #include "engine/api/new_channel.h"
 #include "engine/api/playing.h"

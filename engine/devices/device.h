@@ -9,7 +9,6 @@
 #include <array>
 #include <atomic>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 

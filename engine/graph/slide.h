@@ -2,7 +2,6 @@
 /// alone, never on where blocks end.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 

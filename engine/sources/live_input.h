@@ -1,12 +1,10 @@
 /// Sound that cannot be asked for by position: an input device, a web stream.
 #pragma once
 
-#include <atomic>
 #include <memory>
 #include <span>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "engine/ports.h"
 #include "engine/realtime/ring.h"

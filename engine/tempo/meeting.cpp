@@ -2,7 +2,7 @@
 
 namespace zv::engine {
 
-/// A reader that finds the same even version before and after its reading has read one state.
+/// Seqlock writer: the version is odd while the data is being updated.
 void TempoMeeting::publish(std::uint32_t epoch, std::uint64_t clock, std::uint64_t start,
                            std::uint64_t source, std::uint64_t zero, TempoLane* current) {
     constexpr auto release = std::memory_order_release;

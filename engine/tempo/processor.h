@@ -21,7 +21,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <memory>
 #include <span>
 
 #include "engine/realtime/frame_reader.h"

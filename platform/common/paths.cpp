@@ -1,7 +1,6 @@
 #include "platform/paths.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <map>
 #include <mutex>
 #include <system_error>

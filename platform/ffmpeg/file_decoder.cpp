@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <string_view>
 
 #include "engine/bass.h"
 #include "platform/ffmpeg/chunked_decoder.h"
@@ -16,8 +14,7 @@ using namespace std::chrono_literals;
 constexpr auto surveyLimit = 60s;  // of the pass over a very long file
 constexpr auto stepLimit = 5s;     // of one read or seek
 constexpr int seekAttempts = 4;
-constexpr double searchSeconds = 0.5;  // more to read where it takes a few packets to tell where they are
-constexpr int unplacedPackets = 64;    // that may follow a seek before it counts as failed
+constexpr int unplacedPackets = 64;  // that may follow a seek before it counts as failed
 
 /// Seconds of sound after which a codec that was entered in the middle gives the same as from the start.
 double prerollSeconds(AVCodecID codec) {

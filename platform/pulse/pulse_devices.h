@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <string>
 
 #include "engine/ports.h"
 #include "platform/pulse/pulse_options.h"

@@ -4,10 +4,6 @@
 #include <gtest/gtest.h>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <map>
-#include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 #include "tests/support/places.h"

@@ -5,7 +5,6 @@
 
 #include <map>
 #include <random>
-#include <utility>
 #include "audio/open_palette.h"
 #include "model/held_palette.h"
 #include "model/history.h"

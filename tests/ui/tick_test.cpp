@@ -1,7 +1,5 @@
 // The display's tick: counter, warning, bars, colours, end of play; the meters.
 
-#include <utility>
-
 #include "audio/announcer.h"
 #include "audio/devices.h"
 #include "platform/rehearsal/virtual_clock.h"

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdio>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "audio/edit_sound.h"

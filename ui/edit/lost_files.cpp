@@ -1,7 +1,6 @@
 #include "ui/edit/lost_files.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <optional>
 #include <set>
 #include <utility>

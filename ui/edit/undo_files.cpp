@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <set>
-#include <utility>
 
 #include "audio/streams.h"
 #include "model/held_palette.h"

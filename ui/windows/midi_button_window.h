@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <functional>
 
 #include "ui/windows/form_window.h"
 #include "ui/windows/midi_parts.h"

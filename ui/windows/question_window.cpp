@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <optional>
 #include <string>
-#include <utility>
 
 #include "platform/desktop.h"
 #include "platform/waiting.h"

@@ -1,8 +1,6 @@
 /// The window that shows a report of an unexpected error while the show goes on. [control]
 #pragma once
 
-#include <string>
-
 #include "ui/windows/form_window.h"
 
 namespace zv {

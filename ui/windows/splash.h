@@ -1,8 +1,6 @@
 /// The splash window of the start. [control]
 #pragma once
 
-#include <string>
-
 #include "platform/controls.h"
 
 namespace zv {

@@ -11,7 +11,6 @@
 #include <QStackedWidget>
 #include <QTimer>
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "platform/qt/view/form_cells.h"

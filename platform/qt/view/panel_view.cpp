@@ -3,7 +3,6 @@
 #include <QHelpEvent>
 #include <QPainter>
 #include <algorithm>
-#include <array>
 #include <unordered_map>
 
 #include "platform/qt/view/figures.h"

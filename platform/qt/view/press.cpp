@@ -1,5 +1,5 @@
-// Presses that no hand made: events sent to the door of the window, from where they take the same way as real
-// ones.
+// Synthetic input: events injected at the platform window, from where they take the same way as those of a real
+// mouse, finger or keyboard.
 #include <QApplication>
 #include <QDragEnterEvent>
 #include <QDropEvent>

@@ -4,9 +4,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QPointer>
-#include <algorithm>
 #include <memory>
-#include <vector>
 
 #include "platform/desktop.h"
 #include "platform/qt/view/view.h"

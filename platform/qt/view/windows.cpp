@@ -11,7 +11,6 @@
 #include <QWheelEvent>
 #include <QWindow>
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 #include "platform/desktop.h"
