@@ -5,10 +5,8 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QKeyEvent>
 #include <QPointingDevice>
 #include <QTouchEvent>
-#include <QWheelEvent>
 
 #include "platform/qt/view/keys.h"
 #include "platform/waiting.h"

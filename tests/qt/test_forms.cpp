@@ -3,12 +3,9 @@
 
 #include <QAccessible>
 #include <QApplication>
-#include <QFontMetricsF>
 #include <QWheelEvent>
-#include <algorithm>
 
 #include "platform/forms.h"
-#include "platform/qt/view/theme.h"
 #include "tests/qt/stage.h"
 
 namespace zv::test {

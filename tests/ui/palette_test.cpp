@@ -1,28 +1,11 @@
-// The palette list and the buttons' contents: picking, stepping, naming, deleting, assigning, moving,
-// colouring.
+// The palette list: stepping, holding its keys, centring.
 
-#include "audio/streams.h"
-#include "model/palette_files.h"
-#include "model/pending_removals.h"
-#include "startup/language.h"
-#include "startup/settings/dark_settings.h"
-#include "startup/settings/folders_settings.h"
-#include "startup/settings/labels_settings.h"
-#include "startup/settings/marks_settings.h"
 #include "startup/settings/palette_list_settings.h"
 #include "startup/settings/palette_settings.h"
 #include "startup/settings_file.h"
 #include "tests/ui/window_test.h"
-#include "ui/edit/colour_picker.h"
-#include "ui/edit/move.h"
 #include "ui/edit/palette_load.h"
 #include "ui/edit/palette_steps.h"
-#include "ui/edit/remove.h"
-#include "ui/edit/save_dialogue.h"
-#include "ui/edit/selection.h"
-#include "ui/edit/unsaved.h"
-#include "ui/screen/colours.h"
-#include "ui/screen/error_mark.h"
 
 namespace zv::test {
 
@@ -47,11 +30,6 @@ class PaletteTest : public WindowTest {
         }
         return n;
     }
-    void pick(const std::string& palette) {
-        SelectPalette(palette);
-        list().onMouseUp({});
-    }
-    bool inFile(const std::string& text) { return read("palette.ini").find(text) != std::string::npos; }
 };
 
 TEST_F(PaletteTest, steppingLoadsOnlyWhereItStops) {

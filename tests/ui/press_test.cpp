@@ -19,7 +19,6 @@
 #include "ui/press/keyboard.h"
 #include "ui/screen/announcer_view.h"
 #include "ui/screen/shaded.h"
-#include "ui/windows/console_window.h"
 #include "ui/wiring.h"
 
 namespace zv::test {

@@ -314,8 +314,7 @@ void ShowBound(int index) {
         HideMarks(index);
     }
     ShowState(index, false);
-    Colour back = 0, fore = 0;
-    RestColours(index, back, fore);
+    const auto [back, fore] = RestColours(index);
     PaintButton(index, back, fore);
 }
 

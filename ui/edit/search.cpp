@@ -143,8 +143,7 @@ std::vector<int> slotsOf(const std::string& caption) {
 }
 
 void restColours(int index) {
-    Colour back = kButtonFace, fore = 0;
-    RestColours(index, back, fore);
+    const auto [back, fore] = RestColours(index);
     if (!Sounds(index)) PaintButton(index, back, fore);
 }
 

@@ -104,18 +104,15 @@ void ShowState(int index, bool sounds) {
     }
 }
 
-void RestColours(int index, Colour& back, Colour& fore) {
+ButtonColours RestColours(int index) {
     const JingleRecord& j = Jingle(index);
     if (j.MissingFile || j.Unplayable) {
-        back = BtnFaceColor;
-        fore = kMissingColour;
-    } else if (j.BTNCol.empty() || j.BTNCol == kFaceColourText) {
-        back = BtnFaceColor;
-        fore = JingleForeColor;
-    } else {
-        back = j.BackRGB;
-        fore = j.ForeRGB;
+        return {BtnFaceColor, kMissingColour};
     }
+    if (j.BTNCol.empty() || j.BTNCol == kFaceColourText) {
+        return {BtnFaceColor, JingleForeColor};
+    }
+    return {j.BackRGB, j.ForeRGB};
 }
 
 bool HasPlaylistMark(int index, char letter) {

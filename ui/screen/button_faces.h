@@ -27,7 +27,10 @@ void PaintMarks(int index, Colour lp, Colour sq, Colour fx);
 /// What the button tells beside its colours: whether it sounds, and for whom, or why it cannot.
 void ShowState(int index, bool sounds);
 /// The colours that a silent button wants: red text when its file is missing.
-void RestColours(int index, Colour& back, Colour& fore);
+struct ButtonColours {
+    Colour back, fore;
+};
+ButtonColours RestColours(int index);
 /// True when the small field is shown with this letter ("P" plays a playlist, "K" is held by one).
 bool HasPlaylistMark(int index, char letter);
 /// State, time left and options, for a screen reader.

@@ -85,13 +85,7 @@ void paintRecord(int i) {
         j.ForeRGB = JingleForeColor;
     }
     ShowPlayModeMark(i);
-    if (SelectorsOn || j.Playing) {
-        return;
-    }
-    Colour back = 0;
-    Colour fore = 0;
-    RestColours(i, back, fore);
-    PaintButton(i, back, fore);
+    PaintAtRest(i);
 }
 
 void paintFrames() {
@@ -198,9 +192,6 @@ void ReColorizeBtn() {
             if (Button(i) != nullptr) {
                 paintRecord(i);
             }
-        }
-        if (SelectorsOn && !ColorPickerOpen) {
-            HighlightArmed();
         }
     });
 }

@@ -59,9 +59,7 @@ void silentButton(int i, JingleButton& b) {
         b.JRemLev.visible = false;
         b.JremBG.visible = false;
     }
-    Colour back = 0;
-    Colour fore = 0;
-    RestColours(i, back, fore);
+    const auto [back, fore] = RestColours(i);
     if (!SelectorsOn && (b.b_Jingle.backColor != back || b.b_Jingle.foreColor != fore)) {
         PaintButton(i, back, fore);
         if (Jingle(i).Pressed == 0 && !Jingle(i).MissingFile) {

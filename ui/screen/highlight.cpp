@@ -88,9 +88,7 @@ void PaintAtRest(int index) {
     if (ColorPickerOpen || j.Playing || j.PlayingOtherPal) {
         return;
     }
-    Colour back = 0;
-    Colour fore = 0;
-    RestColours(index, back, fore);
+    const auto [back, fore] = RestColours(index);
     PaintButton(index, back, fore);
     if (SelectorsOn) {
         HighlightArmed(index);
@@ -117,9 +115,7 @@ void ResetJingles(int except) {
                 continue;
             }
             Button(i)->b_Jingle.borderColor = kNoColour;
-            Colour back = 0;
-            Colour fore = 0;
-            RestColours(i, back, fore);
+            const auto [back, fore] = RestColours(i);
             PaintButton(i, back, fore);
         }
     });
