@@ -6,6 +6,7 @@
 #include <QWheelEvent>
 
 #include "platform/forms.h"
+#include "platform/qt/view/theme.h"
 #include "tests/qt/stage.h"
 
 namespace zv::test {
