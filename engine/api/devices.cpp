@@ -35,8 +35,7 @@ int defaultOutput(const Engine& engine) {
 extern "C" {
 
 bool BASS_Init(int device, DWORD freq, DWORD, void*, const void*) {
-    assertControlThread();
-    const Call call;
+    const ControlCall call;
     Engine& e = call.engine;
     if (!e.ports.devices) return fail(BASS_ERROR_DRIVER, false);
     e.refreshDevices();
@@ -90,8 +89,7 @@ DWORD BASS_GetDevice() {
 }
 
 bool BASS_GetDeviceInfo(DWORD device, BASS_DEVICEINFO* info) {
-    assertControlThread();
-    const Call call;
+    const ControlCall call;
     Engine& e = call.engine;
     if (!info) return fail(BASS_ERROR_ILLPARAM, false);
     if (device == 0) {
@@ -106,8 +104,7 @@ bool BASS_GetDeviceInfo(DWORD device, BASS_DEVICEINFO* info) {
 }
 
 bool BASS_Free() {
-    assertControlThread();
-    Call call;
+    ControlCall call;
     Engine& e = call.engine;
     const int selected = selectedOutput();
     if (selected < 0 || !e.outputInitialised[static_cast<std::size_t>(selected)])
@@ -119,8 +116,7 @@ bool BASS_Free() {
 // ---- inputs
 
 bool BASS_RecordInit(int device) {
-    assertControlThread();
-    const Call call;
+    const ControlCall call;
     Engine& e = call.engine;
     if (!e.ports.devices || device < -1) return fail(BASS_ERROR_DEVICE, false);
     e.refreshDevices();
@@ -150,8 +146,7 @@ bool BASS_RecordSetDevice(DWORD device) {
 }
 
 bool BASS_RecordGetDeviceInfo(DWORD device, BASS_DEVICEINFO* info) {
-    assertControlThread();
-    const Call call;
+    const ControlCall call;
     Engine& e = call.engine;
     if (!info) return fail(BASS_ERROR_ILLPARAM, false);
     e.refreshDevices();
@@ -175,8 +170,7 @@ bool BASS_RecordGetInfo(BASS_RECORDINFO* info) {
 }
 
 HRECORD BASS_RecordStart(DWORD freq, DWORD channels, DWORD flags, void* procedure, void*) {
-    assertControlThread();
-    const Call call;
+    const ControlCall call;
     Engine& e = call.engine;
     const auto place = static_cast<std::size_t>(selectedInput());
     if (selectedInput() < 0 || place >= e.inputs.size() || !e.inputs[place]->initialised)
@@ -208,8 +202,7 @@ HRECORD BASS_RecordStart(DWORD freq, DWORD channels, DWORD flags, void* procedur
 }
 
 bool BASS_RecordFree() {
-    assertControlThread();
-    Call call;
+    ControlCall call;
     Engine& e = call.engine;
     const auto place = static_cast<std::size_t>(selectedInput());
     if (selectedInput() < 0 || place >= e.inputs.size() || !e.inputs[place]->initialised)

@@ -116,6 +116,11 @@ class Call {
     }
 };
 
+/// The same in what may take long or waits for devices. [control]
+struct ControlCall : Call {
+    ControlCall() { assertControlThread(); }
+};
+
 /// The output that the calling thread has selected; -1 none.
 int& selectedOutput();
 /// The input likewise.

@@ -60,15 +60,6 @@ bool allFlat(const EqGroup& group) {
 
 bool isFlat(const PeakBand& band, double rate) { return band.gainDb == 0 || !sensible(band, rate); }
 
-Biquad designPeak(const PeakBand& band, double rate) {
-    if (!sensible(band, rate)) return {};
-    const double w0 = 2 * std::numbers::pi * band.centreHz / rate;
-    const double alpha = alphaOf(band, w0), a = amplitudeOf(band), a0 = 1 + alpha / a;
-    const auto cut = [a0](double v) { return static_cast<float>(v / a0); };
-    const float middle = cut(-2 * std::cos(w0));
-    return {cut(1 + alpha * a), middle, cut(1 - alpha * a), middle, cut(1 - alpha / a)};
-}
-
 PeakEq::PeakEq(double rate, std::size_t bands)
     : rate_(rate),
       rampFrames_(static_cast<std::uint32_t>(std::max(1.0, rate * kRampSeconds))),

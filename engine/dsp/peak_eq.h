@@ -19,14 +19,6 @@ struct PeakBand {
     bool operator==(const PeakBand&) const = default;
 };
 
-/// Coefficients of one biquad, a0 divided out.
-struct Biquad {
-    float b0 = 1, b1 = 0, b2 = 0, a1 = 0, a2 = 0;
-};
-
-/// The cookbook formula; with 0 dB b equals a. A band at or above half the rate, or with senseless numbers,
-/// gives the biquad that changes nothing. [any]
-Biquad designPeak(const PeakBand& band, double rate);
 /// Whether `band` leaves sound at `rate` as it is. [any]
 bool isFlat(const PeakBand& band, double rate);
 

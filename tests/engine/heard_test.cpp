@@ -114,35 +114,13 @@ TEST_F(Heard, AStreamThatRanDryFillsUpFirstAndFadesOutMeanwhile) {
     EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_PLAYING);
     // A fade to the stop runs on while it is dry, and ends in its time.
     pull(88200);
+    EXPECT_EQ(hears(101'000, 0.5), 0) << "2.3 s are not enough the second time";
     EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_STALLED);
     BASS_ChannelSlideAttribute(live, BASS_ATTRIB_VOL, -1, 500);
     pull(22050 - 441);
     EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_STALLED);
     pull(882);
     EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_STOPPED);
-}
-
-TEST_F(Heard, AStreamThatStallsNowAndThenHasNoGapOnceItHasBuffered) {
-    const auto web = std::make_shared<Faucet>();
-    engineControl()->install({web, devices});
-    const Topology studio;
-    BASS_Mixer_StreamAddChannel(studio.mainMixer,
-                                BASS_StreamCreateURL("x", 0, BASS_STREAM_DECODE, nullptr, nullptr), 0);
-    std::vector<double> silent;  // seconds, of each 20
-    for (int cycle = 0; cycle < 6; ++cycle) {
-        take();
-        // The station sends in real time, for 2 s nothing, then what it owes.
-        for (int period = 0; period < 2000; ++period) {
-            if (period < 1800) *web->frames += 441;
-            if (period == 1999) *web->frames += std::size_t{200} * 441;
-            pull(441);
-        }
-        const std::vector<float> sound = take();
-        silent.push_back(static_cast<double>(std::ranges::count(sound, 0.0F)) / 2 / 44100);
-    }
-    EXPECT_LT(silent[0], 2.1) << "it begins with 0.4 s";
-    EXPECT_LT(silent[1], 1) << "it keeps more in store";
-    for (std::size_t cycle = 2; cycle < silent.size(); ++cycle) EXPECT_EQ(silent[cycle], 0) << cycle;
 }
 
 TEST_F(Heard, AReaderOfASplitThatLagsGoesOnWithThePresent) {

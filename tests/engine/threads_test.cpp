@@ -90,15 +90,5 @@ TEST_F(Threads, TenThousandRandomOperations) {
     }
 }
 
-TEST_F(Threads, RecordingsAreFreedWhileTheirInputComesBack) {
-    ASSERT_TRUE(BASS_RecordInit(-1));
-    for (int i = 0; i < 500; ++i) {
-        const DWORD mic = BASS_RecordStart(48000, 2, 0, nullptr, nullptr);
-        ASSERT_NE(mic, 0U) << i;
-        ASSERT_TRUE(BASS_StreamFree(mic)) << i;
-    }
-    ASSERT_TRUE(BASS_RecordFree());
-}
-
 }  // namespace
 }  // namespace zv::engine::test
