@@ -37,7 +37,6 @@ void SyncDispatcher::settle() {
 }
 
 void SyncDispatcher::watch() {
-    if (!polls_) return;
     {
         const std::lock_guard lock(mutex_);
         if (watching_) return;

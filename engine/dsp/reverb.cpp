@@ -85,8 +85,7 @@ void Reverb::set(const ReverbSettings& wish) {
         ReverbGains out = target_;
         out.dry = 1;
         out.wet = 0;
-        begin(out);
-        leaving_ = true;
+        begin(out, true);
         return;
     }
     // Damping takes from the tail as a whole too; half of that is given back, so that the sound of all
@@ -115,12 +114,12 @@ void Reverb::set(const ReverbSettings& wish) {
         target_.send = target_.wet = 0;  // sound that is under way enters the lines without an edge
         target_.dry = 1;
     }
-    begin(goal);
-    leaving_ = false;
+    begin(goal, false);
 }
 
-/// Sets out for `goal` from where the gains are now; at once when nothing has passed yet.
-void Reverb::begin(const ReverbGains& goal) {
+/// Sets out for `goal` from where the gains are now; at once when nothing has passed yet. `leaving`: to be silent
+/// there.
+void Reverb::begin(const ReverbGains& goal, bool leaving) {
     if (passed_) {
         const float t = static_cast<float>(rampAt_) / static_cast<float>(rampFrames_);
         const auto now = [t](float a, float b) { return a + (b - a) * t; };
@@ -140,6 +139,7 @@ void Reverb::begin(const ReverbGains& goal) {
         rampAt_ = rampFrames_;
     }
     target_ = goal;
+    leaving_ = leaving;
 }
 
 void Reverb::process(float* stereo, std::size_t frames) {

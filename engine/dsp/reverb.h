@@ -59,7 +59,7 @@ class Reverb {
     };
     static constexpr std::size_t kLines = ReverbGains::kLines, kDiffusers = ReverbGains::kDiffusers;
 
-    void begin(const ReverbGains& goal);
+    void begin(const ReverbGains& goal, bool leaving);
     void block(float* stereo, std::size_t frames);
     void turn(Run& run, std::size_t groups, std::size_t lanes);
     void kernel(Run& run, std::size_t groups, std::size_t lanes);

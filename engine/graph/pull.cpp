@@ -280,14 +280,8 @@ View Pull::finished(View view) {
     } else if (view.gain == 1.0F) {
         return view;
     }
-    const std::size_t samples = std::size_t{view.frames} * 2;
-    dsp::scale(stereo_.data(), view.data, samples, view.gain);
-    view.data = stereo_.data();
-    view.own = true;
-    view.source = View::kNoSource;
-    view.gain = 1;
-    view.mono = false;
-    return view;
+    dsp::scale(stereo_.data(), view.data, std::size_t{view.frames} * 2, view.gain);
+    return {.data = stereo_.data(), .frames = view.frames, .own = true};
 }
 
 /// Behind the end: silence through the chain, for as long as its tail.

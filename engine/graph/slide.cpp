@@ -42,8 +42,8 @@ void Slide::start(float target, std::uint64_t frames, bool logarithmic, bool sto
     constexpr std::size_t kFine = dsp::GainCurve::kFine;
     base_ = from_;
     curve_.ratio = power(kSpan);
-    for (std::size_t i = 0; i < kFine; ++i) curve_.fine[i] = power(i);
-    for (std::size_t i = 0; i < curve_.coarse.size(); ++i) curve_.coarse[i] = power(i * kFine);
+    for (std::size_t i = 0; auto& gain : curve_.fine) gain = power(i++);
+    for (std::size_t i = 0; auto& gain : curve_.coarse) gain = power(kFine * i++);
 }
 
 bool Slide::advance(std::uint64_t frames) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace zv::engine {
 namespace {
@@ -95,15 +96,15 @@ double TempoLane::lagAt(const TempoParameters& p) const {
 void TempoLane::begin(std::uint64_t start, const PlayRange& where, bool settled) {
     adopt(where);
     startSource = start;
-    clean = !settled;
     settled_ = settled;
+    clean = !settled_;
     const TempoParameters p = curve.at(base);
     // A filter that begins in the middle of a sound would take the beginning for an edge.
     lead_ = transposes_ ? std::min<std::uint64_t>(start, dsp::Transposer::reach(p.transposition())) : 0;
     if (transposes_) transposer_->reset(lead_);
     nextSource_ = start - lead_;
     lag_ = lag();
-    least_ = settled ? -std::min(lag_, static_cast<double>(start)) : 0;
+    least_ = settled_ ? -std::min(lag_, static_cast<double>(start)) : 0;
     fed_ = made_ = 0;
     place_ = 0;
     consumed_ = -static_cast<double>(lead_) * stretch_;
@@ -206,8 +207,7 @@ void TempoLane::steer() {
 std::size_t TempoLane::makeStretched(FrameReader& reader, std::span<float> out) {
     if (!stretches_) return fromSource(reader, out);
     while (stretcher_->ready() == 0) {
-        if (!steered_) steer();
-        steered_ = true;
+        if (!std::exchange(steered_, true)) steer();
         if (const std::size_t lacking = stretcher_->lacking(); lacking > 0) {
             const std::span<float> part(chunk_.data(), std::min(lacking, kChunk) * channels_);
             const std::size_t got = fromSource(reader, part);

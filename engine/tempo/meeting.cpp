@@ -19,19 +19,20 @@ void TempoMeeting::publish(std::uint32_t epoch, std::uint64_t clock, std::uint64
 
 TempoSnapshot TempoMeeting::snapshot(const FrameReader& reader) const {
     constexpr auto acquire = std::memory_order_acquire;
-    for (;;) {
-        const std::uint32_t before = published.version.load(acquire);
-        TempoSnapshot s{published.epoch.load(acquire),
-                        published.clock.load(acquire),
-                        published.start.load(acquire),
-                        published.source.load(acquire),
-                        published.zero.load(acquire),
-                        published.current.load(acquire),
-                        {}};
-        if (before % 2 != 0 || published.version.load(std::memory_order_relaxed) != before) continue;
-        s.range = reader.range();
-        return s;
-    }
+    std::uint32_t before = 0;
+    TempoSnapshot s{};
+    do {
+        before = published.version.load(acquire);
+        s = {published.epoch.load(acquire),
+             published.clock.load(acquire),
+             published.start.load(acquire),
+             published.source.load(acquire),
+             published.zero.load(acquire),
+             published.current.load(acquire),
+             {}};
+    } while (before % 2 != 0 || published.version.load(std::memory_order_relaxed) != before);
+    s.range = reader.range();
+    return s;
 }
 
 }  // namespace zv::engine

@@ -201,19 +201,16 @@ std::int64_t TempoWork::bestLag(std::span<const float> old, std::uint64_t source
     const std::size_t reach = tempoFrames(kSearchSeconds, rate_), frames = old.size() / channels_;
     const auto back =
         static_cast<std::size_t>(std::min<std::uint64_t>(reach, source - std::min(source, floor)));
-    std::vector<float> around((back + reach + frames) * channels_), there(back + reach + frames),
-        here(frames);
+    std::vector<float> around((back + reach + frames) * channels_);
     std::uint64_t from = source - back;
     const std::size_t got = readInOrder(reader_, from, around, channels_, range);
     if (from < source || got < frames) return 0;  // the loop's seam, or the end, lies in it
-    const auto mono = [this](std::span<const float> in, std::vector<float>& out) {
-        for (std::size_t i = 0; i < in.size() / channels_; ++i) {
-            out[i] = 0;
-            for (std::uint32_t c = 0; c < channels_; ++c) out[i] += in[i * channels_ + c];
-        }
+    const auto mono = [this](std::span<const float> in) {
+        std::vector<float> out(in.size() / channels_);
+        for (std::size_t i = 0; i < in.size(); ++i) out[i / channels_] += in[i];
+        return out;
     };
-    mono(old, here);
-    mono(std::span<const float>(around).first(got * channels_), there);
+    const std::vector<float> here = mono(old), there = mono(std::span(around).first(got * channels_));
     double best = 0;
     std::size_t place = back;
     for (std::size_t lag = 0; lag + frames <= got && lag <= back + reach; ++lag) {
