@@ -121,6 +121,12 @@ fs::path caseBlind(const fs::path& path) {
 
 #endif
 
+/// Separators in front do not count: "\Fonts\x.ttf".
+fs::path belowProgramFolder(std::string_view path) {
+    const fs::path below = pathFromUtf8(path.substr(std::min(path.find_first_not_of("\\/"), path.size())));
+    return theProgramFolder.empty() ? below : pathFromUtf8(theProgramFolder) / below;
+}
+
 }  // namespace
 
 bool isAbsolutePath(std::string_view path) { return hasDrive(path) || isUnc(path) || path.starts_with('/'); }
@@ -143,22 +149,14 @@ char separatorOf(std::string_view path) { return path.starts_with('/') ? '/' : '
 std::filesystem::path nativePath(std::string_view path) {
     if (path.empty()) return {};
 #ifdef _WIN32
-    if (isAbsolutePath(path)) return pathFromUtf8(path);
-    const std::size_t start = path.find_first_not_of("\\/");  // "\Fonts\x.ttf" is below the program folder
-    const fs::path below = start == std::string_view::npos ? fs::path() : pathFromUtf8(path.substr(start));
-    return theProgramFolder.empty() ? below : pathFromUtf8(theProgramFolder) / below;
+    return isAbsolutePath(path) ? pathFromUtf8(path) : belowProgramFolder(path);
 #else
     if (hasDrive(path) || isUnc(path)) return pathFromUtf8(path);  // another system's: names nothing here
     // A system path may hold a backslash in a name of its own.
     if (path.starts_with('/') && isThere(pathFromUtf8(path))) return pathFromUtf8(path);
     std::string text(path);
     std::replace(text.begin(), text.end(), '\\', '/');
-    fs::path native = pathFromUtf8(text);
-    if (!path.starts_with('/')) {
-        const std::size_t start = text.find_first_not_of('/');  // "\Fonts\x.ttf" is below the program folder
-        native = start == std::string::npos ? fs::path() : pathFromUtf8(std::string_view(text).substr(start));
-        if (!theProgramFolder.empty()) native = pathFromUtf8(theProgramFolder) / native;
-    }
+    const fs::path native = path.starts_with('/') ? pathFromUtf8(text) : belowProgramFolder(text);
     return isThere(native) ? native : caseBlind(native);
 #endif
 }
