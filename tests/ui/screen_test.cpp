@@ -365,6 +365,8 @@ TEST_F(ScreenTest, EverythingStandsWhereItWasApproved) {
     for (const auto& [c, row] : rows) parts.push_back(row);
     text_ += paragraph(parts, "; ");
     expectApproved("ui/places.txt", text_);
+    resize(3840, 2160);
+    EXPECT_NEAR(w.fraPanel.height() / kTwipsPerPixel, 300, 8) << "the strip grows no more";
 }
 
 TEST_F(ScreenTest, EverythingLooksAsItWasApproved) {
