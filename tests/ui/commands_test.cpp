@@ -281,9 +281,9 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         }
         ErrClick();
     });
-    act("read-only: a name", [&] {
-        const ReadOnly folder(path(""));
-        clRename(kSlot), frmRenameFile().txtFilename.caption = "Other", frmRenameFile().onAccepted();
+    act("a folder in the place of a new name", [&] {
+        fs::create_directory(path("Audio_Sample/Other.wav"));
+        clRename(kPaletteSlots), frmRenameFile().txtFilename.caption = "Other", frmRenameFile().onAccepted();
     });
     act("read-only: a sound deleted, taken back", [&] {
         const ReadOnly folder(path(""));

@@ -531,7 +531,7 @@ TEST_F(ScreenTest, KeysAndMouseDoWhatWasApproved) {
         "f9,f10,f10,f10,f11,f11,R,T,R,R,M,M,M,E,E,A,A,S,S,F,F,"
         "L,L,L,N,N,C,C,C,L,L,L,ctrl A,ctrl C,alt C,ctrl alt C,alt X,X,shift C,shift A,shift A,ctrl R,ctrl "
         "R,alt "
-        "M,M,M,pgdn,"
+        "M,M,M,L,pgdn,"
         "pgdn held,pgdn up,pgup,pgup up,pgdn,pgdn up,ctrl f9,del,press 1,release 1,space,space,space "
         "held,yes del,ctrl Z,"
         "ctrl Y,ctrl Z,ctrl shift Z,ctrl Z,press 2,release 2,space,space up,escape,typing T,typing "

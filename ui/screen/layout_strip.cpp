@@ -59,7 +59,7 @@ constexpr double kPointsPerPixel = 0.75;
 /// How much larger than drawn the texts of the strip are: they grow with it, more slowly than it does.
 double textScale() {
     const double drawn = frmMain().fraPanel.height() / double{kTwipsPerPixel} / kDrawnStrip;
-    return std::clamp(1 + (drawn - 1) * 0.75, 1.0, 1.7);
+    return 1 + (drawn - 1) * 0.75;
 }
 
 /// Of the longest line.
