@@ -104,8 +104,10 @@ TEST_F(Helpers, Texts) {
     EXPECT_EQ(Ampersand("R&B && Soul"), "R&&B &&&& Soul");
     EXPECT_EQ(br2chr13("a<br>b<BR>c"), "a\r\nb\r\nc");
     EXPECT_EQ(br2space("a<br>b"), "a b");
-    EXPECT_EQ(ReturnNumbers("a1b22"), "122");
-    EXPECT_EQ(ReturnNonNumbers("a1b22"), "ab");
+    EXPECT_EQ(ReturnNumbers("a1b22") + ReturnNonNumbers("a1b22"), "122ab");
+    EXPECT_EQ(BytesToUnits(1023, 0) + BytesToUnits(1024, 1) + BytesToUnits(1572864, 2),
+              "1023 bytes1.0 KB1.50 MB");
+    EXPECT_EQ(BytesToUnits(5e9, 0) + BytesToUnits(5e12, 0) + BytesToUnits(2e15, 0), "5 GB5 TB1819 TB");
     EXPECT_EQ(NoAccents("ÀÁÂÃÄÅàáâãäåÒÓÔÕÖØòóôõöøÈÉÊËèéêëÌÍÎÏìíîïÙÚÛÜùúûüÿÑñÇç"),
               "AAAAAAaaaaaaOOOOOOooooooEEEEeeeeIIIIiiiiUUUUuuuuyNnCc");
     EXPECT_EQ(NoAccents("ß×日"), "ß×日");

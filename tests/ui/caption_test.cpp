@@ -34,6 +34,10 @@ TEST_F(CaptionTest, captionsOfPaths) {
         labelSettings.JU2Sp = c.blanks;
         EXPECT_EQ(btCaption(c.path), c.caption) << c.path << " as " << c.format;
     }
+    load(1, 500);
+    labelSettings.JLabelFormat = 2;
+    RewriteJingle();
+    EXPECT_EQ(button(1).caption(), "0.5\r\nSOUND 1");
 }
 
 TEST_F(CaptionTest, durations) {
@@ -61,6 +65,11 @@ TEST_F(CaptionTest, datesAndTimes) {
         FormatTime("HH:mm:ss", t) + "|" + FormatTime("h:mm AM/PM", t) + "|" + FormatTime("hh:mm:ss AM/PM", t),
         "15:04:09|3:04 PM|03:04:09 PM");
     EXPECT_EQ(FormatDate("dd / mmm yyyy", t), "07 / Nov 2026");
+    const DisplayControls& d = frmMain().display;
+    DateTimeDemo(true), DateTimeUpdate();
+    EXPECT_EQ(d.lblDate.caption() + d.lblTime.caption(), "Wed 23 September 2026 22:58:48");
+    DateTimeDemo(false);
+    EXPECT_NE(d.lblTime.caption(), " 22:58:48");
     EXPECT_EQ(FormatTime("h AM/PM", WallTime{2026, 1, 1, 0, 0, 5, 0, 0}), "12 AM");
 }
 
