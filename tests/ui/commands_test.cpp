@@ -6,6 +6,7 @@
 #include "model/playlists.h"
 #include "platform/rehearsal/midi_devices.h"
 #include "startup/errors.h"
+#include "startup/settings/announcer_settings.h"
 #include "startup/settings/devices_settings.h"
 #include "startup/settings/editor_settings.h"
 #include "startup/settings/folders_settings.h"
@@ -205,6 +206,7 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         },
         400);
     act("the name that it has", [] { clRename(kSlot), frmRenameFile().onAccepted(); });
+    act("a preset without a name", [] { clFXSet(kSlot), frmFX().btAddFXpreset.onClick(); });
     act("a name that is there",
         [] { clRename(kSlot), frmRenameFile().txtFilename.caption = "A0", frmRenameFile().onAccepted(); });
     act("a name that was taken meanwhile", [&] {
@@ -243,7 +245,9 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
     act("the program ends from the report", [] {
         startupUpcalls.showReportWindow("Title", "Text");
         frmMain().window.onClose = [] { desktop().quitAsked = true; };
+        EXPECT_TRUE(startupUpcalls.reportWindowOpen());
         frmReportError().btKill.onClick();
+        EXPECT_FALSE(startupUpcalls.reportWindowOpen());
         frmMain().window.onClose = {}, desktop().quitAsked = false;
     });
 
@@ -328,6 +332,9 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         away("palette.ini"), pick("B"), edited12(), note("the palettes' file cannot be read");
         back("palette.ini"), ErrClick();
     });
+    act("a jingle cleared before the palette is left", [] {
+        paletteSettings.AutoSave = 1, DelJing(0, false), pick("B"), paletteSettings.AutoSave = 0;
+    });
     act("an auto save that failed is tried again", [&] {
         paletteSettings.AutoSave = 1, away("palette.ini"), rec(0).Volm = 71, MarkPalToSave(), pass(100);
         pick("B"), note("an auto save that failed"), pick("A"), rec(0).Volm = 72, MarkPalToSave(), pass(100);
@@ -374,6 +381,9 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
            [&] { fx.ckLinkLILO.value = 1, fx.ckLinkLILO.onChange(), at(fx.TxtLI, 2, 0); });
     points("the slider's end is the length",
            [&] { fx.sldLO.value = fx.sldLO.maximum(), fx.sldLO.onChange(); });
+    points("loop out leaves the end", [&] {
+        fx.sldLO.value = fx.sldLO.maximum(), fx.sldLO.onChange(), at(fx.TxtLO, 5, 0);
+    });
     points("its fade otherwise", [&] {
         for (const int on : {0, 1})
             fx.ckLogFadeOut.value = on, fx.ckLogFadeOut.onChange(), note("fade " + std::to_string(on));
@@ -530,11 +540,22 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         for (int i = 10; i < 40; ++i)
             write("palette.ini", read("palette.ini") + "[L" + std::to_string(i) + "]\r\n");
         paletteListSettings.CenterLstPal = 1, lstPalRefresh(), TimerlstpalbotTick();
+        t.lstPal.listIndex = 12, note("the end"), lstPal_MouseUp();
         paletteListSettings.CenterLstPal = 0;
     });
     act("the threshold", [] {
         OpenMixer(), frmMixer().SlideFadeInAdvance.value = 30, frmMixer().SlideFadeInAdvance.onChange();
     });
+    act("an input played by its key", [&] {
+        frmMain().live.cmbStream.listIndex = 0, key(frmMain().live.cmbStream, Key::enter);
+        pass(100), note("live"), startupUpcalls.stopPlayStream();
+    });
+    act("minutes of the announcer", [&] {
+        announcerSettings.TimeAnnouncer = "Audio_Sample\\B0.wav", CkTmAnnTog(), pass(100), note("it is armed");
+        frmMain().announcer.DTMinute.value = 7, frmMain().announcer.DTMinute.onChange();
+        note("another minute"), CkTmAnnTog();
+    });
+    act("a copy taken back", [] { DelJing(0, false), clMove(kSlot, "copy"), Undo(); }, 0);
     act("devices by name",
         [] { OpenMixer(), frmMixer().optDevBy[1]->onChange(), frmMixer().optDevBy[0]->onChange(); });
     act("one output only", [] {

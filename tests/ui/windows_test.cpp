@@ -186,7 +186,7 @@ TEST_F(WindowsTest, EachWindowIsAsItWasApproved) {
              learn("b_Jingle", kSlot, {"903C40", "803C00"});
          },
          inARow},
-        {"learn a wheel", "frmMIDIScroll", [&] { learn("lstPal", -1, {"B01041"}); }, inARow},
+        {"learn a wheel", "frmMIDIScroll", [&] { learn("lstPal", -1, {"B01041"}), pass(600); }, inARow},
         {"learn a fader", "frmMIDIFader",
          [&] {
              learn("Vol", -1, {"B00740", "B00741"});

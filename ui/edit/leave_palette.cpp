@@ -15,6 +15,7 @@
 #include "ui/edit/jingle_editor.h"
 #include "ui/edit/palette_list.h"
 #include "ui/edit/undo.h"
+#include "ui/edit/unsaved.h"
 #include "ui/records/timers.h"
 #include "ui/screen/error_mark.h"
 
@@ -32,10 +33,7 @@ void LeavePalette() {
         OKfx();  // what it edits belongs to the palette that is left
         timers().SaveTimer.stop();
         if (PalToSave && paletteSettings.AutoSave == 1 && !HeldPalette().empty()) {
-            SaveMode = "save";
-            if (CloseFile(HeldPalette())) {
-                PalToSave = false;
-            } else {
+            if (!SaveHeldPalette()) {
                 untold = HeldPalette();
             }
         }

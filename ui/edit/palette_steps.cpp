@@ -72,15 +72,19 @@ bool step(int by) {
     return true;
 }
 
+void centreAsSet() {
+    if (paletteListSettings.CenterLstPal == 1) {
+        CentrePaletteList();
+    }
+}
+
 void stepped() {
     StopSearchBlinking();
     LastCtrl = "lstpal";
     NotSavePal();
     paletteSettings.PaletteIndex = tab().lstPal.text();
     frmMain().display.txtDisPal.caption = paletteSettings.PaletteIndex;
-    if (paletteListSettings.CenterLstPal == 1) {
-        CentrePaletteList();
-    }
+    centreAsSet();
     PalLoadIdx = 0;
     timers().TimerLoadPal.restart();
 }
@@ -93,9 +97,7 @@ void jumpTo(int row) {
     tab().lstPal.listIndex = std::clamp(row, 0, rows() - 1);
     NotSavePal();
     openSelected();
-    if (paletteListSettings.CenterLstPal == 1) {
-        CentrePaletteList();
-    }
+    centreAsSet();
 }
 
 bool askDelete(const std::string& name) {
@@ -150,9 +152,7 @@ void lstPal_MouseUp() {
         ErrDisp("wait", 0, Ln("errLoadPal"));
         HideErrMark();
         openSelected();
-        if (paletteListSettings.CenterLstPal == 1) {
-            CentrePaletteList();
-        }
+        centreAsSet();
     });
 }
 

@@ -7,7 +7,6 @@
 #include "audio/streams.h"
 #include "model/held_palette.h"
 #include "model/jingle.h"
-#include "model/palette_files.h"
 #include "model/rename_sound.h"
 #include "model/state.h"
 #include "platform/controls.h"
@@ -19,6 +18,7 @@
 #include "startup/language.h"
 #include "ui/edit/carried.h"
 #include "ui/edit/undo.h"
+#include "ui/edit/unsaved.h"
 #include "ui/records/main_window.h"
 #include "ui/screen/button_faces.h"
 #include "ui/screen/display_message.h"
@@ -91,10 +91,7 @@ void applyRename() {
         ErrDisp("no", 0, why);
         return;
     }
-    SaveMode = "save";
-    if (CloseFile(HeldPalette())) {
-        PalToSave = false;
-    }
+    SaveHeldPalette();
 }
 
 void typed() {

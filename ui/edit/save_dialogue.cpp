@@ -16,6 +16,7 @@
 #include "startup/settings_file.h"
 #include "ui/edit/colour_picker.h"
 #include "ui/edit/palette_list.h"
+#include "ui/edit/unsaved.h"
 #include "ui/records/armed.h"
 #include "ui/records/main_window.h"
 #include "ui/records/timers.h"
@@ -95,8 +96,7 @@ void SavePal(int mode) {
         LastCtrl = "btSave";
         if (minimalSettings.MinimalView == 1) {
             if (frmMain().display.lblErr.visible && !tab().lstPal.text().empty()) {
-                SaveMode = "save";
-                CloseFile(HeldPalette());
+                SaveHeldPalette();
             }
             return;
         }
@@ -144,18 +144,14 @@ void ErrClick() {
             return;
         }
         timers().SaveTimer.stop();
-        SaveMode = "save";
         CloseColorPicker();
         if (HeldPalette().empty()) {
             if (!tab().txtSave.visible) {
                 ChangeTab(static_cast<int>(MainTab::palettes));
                 SavePal();
             }
-        } else {
-            if (!CloseFile(HeldPalette())) {
-                return;
-            }
-            PalToSave = false;
+        } else if (!SaveHeldPalette()) {
+            return;
         }
         // A mark that the save itself has left (a file that was locked) stays.
         if (ErrMarkShows("f")) {

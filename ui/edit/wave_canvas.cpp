@@ -89,7 +89,7 @@ bool asked(std::int64_t from, std::int64_t to) { return wave.asked.first <= from
 /// The handle that waits goes to the nearest zero crossing once the samples around it are there. Where there are none,
 /// as of a file that is gone, it goes where it was drawn to.
 void snapNow() {
-    if (!wave.snap || wave.view.rate <= 0) return;
+    if (!wave.snap) return;
     const auto [point, seconds] = *wave.snap;
     const auto frame = static_cast<std::int64_t>(std::llround(seconds * wave.view.rate));
     const auto reach = static_cast<std::int64_t>(kSnapReach * wave.view.rate);
@@ -117,7 +117,7 @@ void askSamples(std::int64_t from, std::int64_t to) {
     from = std::max<std::int64_t>(0, from);
     to = std::min(to, static_cast<std::int64_t>(wave.outline->length));
     // What was asked for comes, or has come as far as the file has it.
-    if (wave.samples.covers(from, to) || asked(from, to)) return;
+    if (asked(from, to)) return;
     wave.asked = {from, to};
     wave.sampling = ReadSamples(path(), from, to - from, [](SampleStretch read) {
         guarded("frmFX.picWave_Samples", [&] {
@@ -304,7 +304,6 @@ void OpenWave() {
     wave.outlining = ReadOutline(path(), [](const Outline& outline, bool whole) {
         guarded("frmFX.picWave_Outline", [&] {
             if (outline || whole) wave.outline = outline;
-            wave.asked = {};
             if (outline) wave.view.rate = outline->rate;
             wave.shapeStale = true;
             ShowWave();

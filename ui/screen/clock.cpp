@@ -33,8 +33,6 @@ bool DateTimeDemoOn = false;
 
 namespace {
 
-bool ColonPhase = false;
-
 /// Element `i` of a comma list of the language, `fallback` without one.
 std::string nameOf(std::string_view key, int i, std::string_view fallback) {
     const std::vector<std::string> names = Split(Ln(key), ",");
@@ -109,7 +107,7 @@ void showTime(const WallTime& t) {
     showSigns("t", halfDays && t.hour < 12, halfDays && t.hour >= 12);
     const int hour = halfDays ? (t.hour % 12 == 0 ? 12 : t.hour % 12) : t.hour;
     const std::string h = padded(hour, 2), m = padded(t.minute, 2), s = padded(t.second, 2);
-    const std::string colon = ColonPhase ? ":" : "";
+    const std::string colon = timers().TimerReleaseSep.enabled() ? ":" : "";
     writeDigits({"", h.substr(0, 1), h.substr(1), colon, m.substr(0, 1), m.substr(1), colon, s.substr(0, 1),
                  s.substr(1)});
 }
@@ -272,7 +270,6 @@ void StopClock() {
 
 void TimerClockTick() {
     guarded("frmMain.TimerClock_Timer", [] {
-        ColonPhase = true;
         timers().TimerReleaseSep.restart();
         ClockUpdate();
     });
@@ -295,7 +292,6 @@ void TimerReleaseSepTick() {
             return;
         }
         timers().TimerReleaseSep.stop();
-        ColonPhase = false;
         DisplayControls& d = frmMain().display;
         for (Control* separator : {&d.sepms, &d.sepsd}) {
             if (separator->caption() == ":") {

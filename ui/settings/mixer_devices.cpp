@@ -83,6 +83,16 @@ void ShowPending() {
     m.lblNote.caption = pending ? m.lblFreqChg.caption() : Ln("mixNote");
 }
 
+namespace {
+
+/// After a choice that the running mixer does not follow; `other` than what it runs with.
+void chosenForNextStart(bool other) {
+    ShowPending();
+    if (other) tellRestart();
+}
+
+}  // namespace
+
 void FillDeviceLists() {
     MixerWindow& m = frmMixer();
     const OutputLists outputs = CurrentOutputs();
@@ -160,21 +170,18 @@ void RememberBy(int how) {
 
 void TopologyChosen() {
     deviceSettings.DeviceSinglePending = frmMixer().ckDeviceSingle.value;
-    ShowPending();
-    if (deviceSettings.DeviceSinglePending != deviceSettings.DeviceSingle) tellRestart();
+    chosenForNextStart(deviceSettings.DeviceSinglePending != deviceSettings.DeviceSingle);
 }
 
 void SystemChosen() {
     const auto at = static_cast<std::size_t>(std::max(0, frmMixer().cmbSystem.listIndex()));
     deviceSettings.SoundSystem = kSystems[at];
-    ShowPending();
-    if (deviceSettings.SoundSystem != systemAtStart()) tellRestart();
+    chosenForNextStart(deviceSettings.SoundSystem != systemAtStart());
 }
 
 void RateChosen() {
     deviceSettings.MixerFreq = std::atoi(frmMixer().cmbFreq.text().substr(0, kRateDigits).c_str());
-    ShowPending();
-    if (deviceSettings.MixerFreq != MixerFreqAtStart) tellRestart();
+    chosenForNextStart(deviceSettings.MixerFreq != MixerFreqAtStart);
 }
 
 }  // namespace zv

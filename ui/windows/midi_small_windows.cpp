@@ -51,8 +51,8 @@ MidiScrollWindow::MidiScrollWindow()
     OnClick(btClear, "frmMIDIScroll.btClear_Click", LearnClear);
     TimerBlinkLearn.handler = [this] {
         guarded("frmMIDIScroll.TimerBlinkLearn_Timer", [this] {
-            MIDIBlinkPhase = !MIDIBlinkPhase;
-            MIDILearn.picClockw = MIDIBlinkPhase ? LearnLight::red : LearnLight::cyan;
+            MIDILearn.picClockw =
+                MIDILearn.picClockw == LearnLight::red ? LearnLight::cyan : LearnLight::red;
             show();
         });
     };

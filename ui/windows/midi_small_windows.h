@@ -27,7 +27,6 @@ struct MidiScrollWindow {
   private:
     Timer TimerBlinkLearn;  ///< 500 ms while one direction is missing
     Timer TimerFlashLearn;  ///< 50 ms: a direction that was just turned
-    bool MIDIBlinkPhase = false;
 };
 
 struct MidiFaderWindow {

@@ -16,18 +16,12 @@ namespace {
 
 constexpr int kWidth = 640, kReportHeight = 150, kTextHeight = 72;  // pixels
 
-bool reportOpen = false;
-
-void hide() {
-    reportOpen = false;
-    frmReportError().form.close();
-}
+void hide() { frmReportError().form.close(); }
 
 void show(const std::string& title, const std::string& text) {
     ReportWindow& report = frmReportError();
     report.form.window.caption = title;
     report.txtReport.caption = text;
-    reportOpen = true;
     report.form.open(&report.txtDescription);
     SelectAllText(report.txtDescription);
 }
@@ -63,7 +57,6 @@ ReportWindow::ReportWindow() {
          .width = kWidth});
     btCancel.onClick = [] { guarded("frmReportError.btCancel_Click", hide); };
     btKill.onClick = [] { guarded("frmReportError.btKill_Click", endProgram); };
-    form.onClosed = [] { reportOpen = false; };
 }
 
 ReportWindow& frmReportError() {
@@ -72,7 +65,7 @@ ReportWindow& frmReportError() {
 }
 
 void FillReportUpcalls() {
-    startupUpcalls.reportWindowOpen = [] { return reportOpen; };
+    startupUpcalls.reportWindowOpen = [] { return frmReportError().form.isOpen(); };
     startupUpcalls.showReportWindow = show;
     startupUpcalls.unloadOtherWindows = [] {
         hide();
