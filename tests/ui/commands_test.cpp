@@ -540,7 +540,6 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         for (int i = 10; i < 40; ++i)
             write("palette.ini", read("palette.ini") + "[L" + std::to_string(i) + "]\r\n");
         paletteListSettings.CenterLstPal = 1, lstPalRefresh(), TimerlstpalbotTick();
-        t.lstPal.listIndex = 12, note("the end"), lstPal_MouseUp();
         paletteListSettings.CenterLstPal = 0;
     });
     act("the threshold", [] {

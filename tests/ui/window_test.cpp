@@ -18,7 +18,6 @@
 #include "ui/edit/save_dialogue.h"
 #include "ui/edit/selection.h"
 #include "ui/records/timers.h"
-#include "ui/screen/clock.h"
 #include "ui/screen/error_mark.h"
 #include "ui/screen/layout.h"
 #include "ui/settings/mixer_controls.h"
@@ -69,7 +68,6 @@ void beginWindows() {
         return all;
     }();
     CloseForms();
-    TimerReleaseSepTick();  // the colons' phase
     for (const auto& [control, values] : first)
         std::apply(
             [&, &c = *control](auto... member) {

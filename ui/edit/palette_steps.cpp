@@ -50,7 +50,6 @@ void clearSlots() {
 
 void openSelected() {
     paletteSettings.PaletteIndex = tab().lstPal.text();
-    frmMain().display.txtDisPal.caption = paletteSettings.PaletteIndex;
     OpenFile(paletteSettings.PaletteIndex);
 }
 
@@ -72,19 +71,15 @@ bool step(int by) {
     return true;
 }
 
-void centreAsSet() {
-    if (paletteListSettings.CenterLstPal == 1) {
-        CentrePaletteList();
-    }
-}
-
 void stepped() {
     StopSearchBlinking();
     LastCtrl = "lstpal";
     NotSavePal();
     paletteSettings.PaletteIndex = tab().lstPal.text();
     frmMain().display.txtDisPal.caption = paletteSettings.PaletteIndex;
-    centreAsSet();
+    if (paletteListSettings.CenterLstPal == 1) {
+        CentrePaletteList();
+    }
     PalLoadIdx = 0;
     timers().TimerLoadPal.restart();
 }
@@ -97,7 +92,6 @@ void jumpTo(int row) {
     tab().lstPal.listIndex = std::clamp(row, 0, rows() - 1);
     NotSavePal();
     openSelected();
-    centreAsSet();
 }
 
 bool askDelete(const std::string& name) {
@@ -152,7 +146,6 @@ void lstPal_MouseUp() {
         ErrDisp("wait", 0, Ln("errLoadPal"));
         HideErrMark();
         openSelected();
-        centreAsSet();
     });
 }
 

@@ -120,9 +120,7 @@ void openPalette(const std::string& name, std::vector<int> found) {
     StopSearchBlinking();
     SelectPalette(name);
     paletteSettings.PaletteIndex = name;
-    frmMain().display.txtDisPal.caption = name;
     OpenFile(name);
-    if (paletteListSettings.CenterLstPal == 1) CentrePaletteList();
     SearchHits = std::move(found);
     blinksLeft = searchSettings.BlinksJSearch;
     blinkOn = false;
