@@ -332,9 +332,8 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         away("palette.ini"), pick("B"), edited12(), note("the palettes' file cannot be read");
         back("palette.ini"), ErrClick();
     });
-    act("a jingle cleared before the palette is left", [] {
-        paletteSettings.AutoSave = 1, DelJing(0, false), pick("B"), paletteSettings.AutoSave = 0;
-    });
+    act("a jingle cleared before the palette is left",
+        [] { paletteSettings.AutoSave = 1, DelJing(0, false), pick("B"), paletteSettings.AutoSave = 0; });
     act("an auto save that failed is tried again", [&] {
         paletteSettings.AutoSave = 1, away("palette.ini"), rec(0).Volm = 71, MarkPalToSave(), pass(100);
         pick("B"), note("an auto save that failed"), pick("A"), rec(0).Volm = 72, MarkPalToSave(), pass(100);
@@ -381,9 +380,8 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
            [&] { fx.ckLinkLILO.value = 1, fx.ckLinkLILO.onChange(), at(fx.TxtLI, 2, 0); });
     points("the slider's end is the length",
            [&] { fx.sldLO.value = fx.sldLO.maximum(), fx.sldLO.onChange(); });
-    points("loop out leaves the end", [&] {
-        fx.sldLO.value = fx.sldLO.maximum(), fx.sldLO.onChange(), at(fx.TxtLO, 5, 0);
-    });
+    points("loop out leaves the end",
+           [&] { fx.sldLO.value = fx.sldLO.maximum(), fx.sldLO.onChange(), at(fx.TxtLO, 5, 0); });
     points("its fade otherwise", [&] {
         for (const int on : {0, 1})
             fx.ckLogFadeOut.value = on, fx.ckLogFadeOut.onChange(), note("fade " + std::to_string(on));
@@ -550,11 +548,13 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         pass(100), note("live"), startupUpcalls.stopPlayStream();
     });
     act("minutes of the announcer", [&] {
-        announcerSettings.TimeAnnouncer = "Audio_Sample\\B0.wav", CkTmAnnTog(), pass(100), note("it is armed");
+        announcerSettings.TimeAnnouncer = "Audio_Sample\\B0.wav", CkTmAnnTog(), pass(100),
+        note("it is armed");
         frmMain().announcer.DTMinute.value = 7, frmMain().announcer.DTMinute.onChange();
         note("another minute"), CkTmAnnTog();
     });
-    act("a copy taken back", [] { DelJing(0, false), clMove(kSlot, "copy"), Undo(); }, 0);
+    act(
+        "a copy taken back", [] { DelJing(0, false), clMove(kSlot, "copy"), Undo(); }, 0);
     act("devices by name",
         [] { OpenMixer(), frmMixer().optDevBy[1]->onChange(), frmMixer().optDevBy[0]->onChange(); });
     act("one output only", [] {

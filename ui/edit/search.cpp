@@ -16,7 +16,6 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/settings/marks_settings.h"
-#include "startup/settings/palette_list_settings.h"
 #include "startup/settings/palette_settings.h"
 #include "startup/settings/search_settings.h"
 #include "startup/text_codec.h"

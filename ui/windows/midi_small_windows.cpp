@@ -51,8 +51,7 @@ MidiScrollWindow::MidiScrollWindow()
     OnClick(btClear, "frmMIDIScroll.btClear_Click", LearnClear);
     TimerBlinkLearn.handler = [this] {
         guarded("frmMIDIScroll.TimerBlinkLearn_Timer", [this] {
-            MIDILearn.picClockw =
-                MIDILearn.picClockw == LearnLight::red ? LearnLight::cyan : LearnLight::red;
+            MIDILearn.picClockw = MIDILearn.picClockw == LearnLight::red ? LearnLight::cyan : LearnLight::red;
             show();
         });
     };
