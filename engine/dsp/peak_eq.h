@@ -46,8 +46,7 @@ class PeakEq {
     /// Room for `bands` bands, rounded up to the next multiple of 8. [control] [worker]
     explicit PeakEq(double rate, std::size_t bands = 8);
 
-    std::size_t capacity() const { return 8 * groups_.size(); }
-    /// Sets band `index` (ignored from capacity() on). While sound passes, the change is spread over 20 ms;
+    /// Sets band `index`, of those there is room for, to finite values. While sound passes, the change is spread over 20 ms;
     /// before the first frame after construction or reset() it is there at once. Costs a few sines, no
     /// allocation. [audio]
     void setBand(std::size_t index, const PeakBand& band);

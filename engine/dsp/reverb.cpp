@@ -54,8 +54,6 @@ std::size_t primeFrames(double ms, double rate) {
     return n;
 }
 
-double finite(double v, double fallback) { return std::isfinite(v) ? v : fallback; }
-
 }  // namespace
 
 Reverb::Reverb(double rate) : rate_(std::clamp(rate, kLeastRate, kMostRate)) {
@@ -75,10 +73,10 @@ Reverb::Reverb(double rate) : rate_(std::clamp(rate, kLeastRate, kMostRate)) {
 }
 
 void Reverb::set(const ReverbSettings& wish) {
-    settings_.inGainDb = std::clamp(finite(wish.inGainDb, 0), -96.0, 0.0);
-    settings_.mixDb = std::clamp(finite(wish.mixDb, kLowestMix), kLowestMix, 0.0);
-    settings_.timeMs = std::clamp(finite(wish.timeMs, 1000), 1.0, 20000.0);
-    settings_.highRatio = std::clamp(finite(wish.highRatio, 0.001), 0.001, 0.999);
+    settings_.inGainDb = std::clamp(wish.inGainDb, -96.0, 0.0);
+    settings_.mixDb = std::clamp(wish.mixDb, kLowestMix, 0.0);
+    settings_.timeMs = std::clamp(wish.timeMs, 1.0, 20000.0);
+    settings_.highRatio = std::clamp(wish.highRatio, 0.001, 0.999);
 
     if (settings_.mixDb <= kLowestMix) {
         if (!running_) return;

@@ -31,7 +31,8 @@ class Reverb {
     explicit Reverb(double rate);
 
     /// While sound passes, changes are spread over 20 ms; before the first frame after construction or
-    /// reset() they are there at once. Out-of-range values are cut to the range. No allocation. [audio]
+    /// reset() they are there at once. Out-of-range values are cut to the range; all are
+    /// finite. No allocation. [audio]
     void set(const ReverbSettings& settings);
     const ReverbSettings& settings() const { return settings_; }
     /// Stereo frames in place. [audio]

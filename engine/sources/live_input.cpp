@@ -18,8 +18,7 @@ constexpr std::size_t kTankSamples = 2U << 20;  ///< at most: 8 MB, whatever a s
 /// that stalled will stall again.
 constexpr std::array kRefillSeconds{0.4, 1.2, 2.4, 3.0};
 constexpr std::size_t kPieceFrames = 2048;
-constexpr auto kFullWait = std::chrono::milliseconds(20);
-constexpr auto kDryWait = std::chrono::milliseconds(10);
+constexpr auto kWait = std::chrono::milliseconds(10);  ///< for room or for sound
 
 }  // namespace
 
@@ -71,9 +70,7 @@ UrlInput::UrlInput(std::unique_ptr<Decoder> decoder, bool offline) {
         const ThreadSection worker(ThreadKind::Worker);
         while (!tank->closed.load(std::memory_order_acquire) &&
                !tank->ended.load(std::memory_order_acquire)) {
-            if (tank->fill()) continue;
-            const bool full = tank->ring.free() < tank->piece.size();
-            std::this_thread::sleep_for(full ? kFullWait : kDryWait);
+            if (!tank->fill()) std::this_thread::sleep_for(kWait);
         }
     }).detach();
 }

@@ -226,6 +226,23 @@ TEST_F(Contract, AStreamTakesLittleMemoryWhateverItSaysOfItself) {
     EXPECT_LE(url.filled() * 32 * sizeof(float), 16U << 20);
 }
 
+TEST(WebStream, StoresMoreEachTimeItRanDryUpToThreeSeconds) {
+    constexpr std::size_t piece = 2048;  // 0.2 s here; what is there to be had at a time
+    const Made made{.format = {5 * piece, 1, 0}, .length = 53 * piece, .sample = ramp, .dryEvery = 2};
+    UrlInput url(std::make_unique<MadeDecoder>(made), true);
+    std::vector<float> out(64 * piece);
+    const auto read = [&] {
+        const AudioSection audio;
+        return url.read(out) / piece;
+    };
+    std::vector<std::size_t> pieces;
+    while (!url.ended()) {
+        url.fillNow();
+        if (const std::size_t count = read()) pieces.push_back(count), read();
+    }
+    EXPECT_EQ(pieces, (std::vector<std::size_t>{2, 6, 12, 15, 15, 3}));
+}
+
 #if !defined(NDEBUG) && !defined(_WIN32) && !defined(__SANITIZE_THREAD__)
 TEST_F(Contract, EveryEntryKnowsItsThread) {
     const auto dies = [](const char* what, ThreadKind kind, auto call) {

@@ -36,16 +36,18 @@ TEST(DspPeakEq, SevenBandsMeasuredAgainstTheProductOfTheirFormulas) {
     const double gains[] = {9, -6, 3, -10, 10, 5, -7};
     for (double rate : {22050.0, 44100.0, 48000.0, 96000.0}) {
         for (double hz : {40.0, 60.0, 200.0, 400.0, 1000.0, 3000.0, 6000.0, 10000.0}) {
-            PeakEq eq(rate);
+            PeakEq eq(rate, 9);
             double expected = 1;
-            for (std::size_t k = 0; k < 7; ++k) {
-                const PeakBand band{centres[k], gains[k], 2.5, k == 3 ? 2.0 : 0};
-                eq.setBand(k, band);
-                expected *= transfer(band, hz, rate);
-            }
             const auto frames = static_cast<std::size_t>(rate);
             auto sound = sine(hz, rate, frames, 0.1);
-            eq.process(sound.data(), frames);
+            for (std::size_t k = 0; k < 7; ++k) {
+                const PeakBand band{centres[k], gains[k], 2.5, k == 3 ? 2.0 : 0};
+                eq.setBand(2 * k + k % 2, {centres[k] / 2, -gains[k], 1, 0});
+                eq.process(sound.data() + 2 * k, 1);  // on their way the bands move
+                eq.setBand(2 * k + k % 2, band);
+                expected *= transfer(band, hz, rate);
+            }
+            eq.process(sound.data() + 2 * 7, frames - 7);
             const auto left = test::tone(sound, hz, rate, frames / 2, frames, 0);
             const auto right = test::tone(sound, hz, rate, frames / 2, frames, 1);
             EXPECT_NEAR(decibels(left.size / 0.1), decibels(expected), 0.02) << hz << " at " << rate;
@@ -57,19 +59,23 @@ TEST(DspPeakEq, SevenBandsMeasuredAgainstTheProductOfTheirFormulas) {
 
 TEST(DspPeakEq, FlatBandsChangeNoBit) {
     const auto sound = noise(2000, 5);
-    for (const PeakBand& band :
-         {PeakBand{1000, 0, 2.5, 0}, PeakBand{22050, 6, 2.5, 0}, PeakBand{50000, 6, 1, 0},
-          PeakBand{-5, 6, 1, 0}, PeakBand{1000, std::nan(""), 1, 0}}) {
+    for (const PeakBand& band : {PeakBand{1000, 0, 2.5, 0}, PeakBand{22050, 6, 2.5, 0},
+                                 PeakBand{50000, 6, 1, 0}, PeakBand{-5, 6, 1, 0}, PeakBand{1000, 6, 0, 0}}) {
         PeakEq eq(kRate);
         eq.setBand(0, band);
         EXPECT_TRUE(eq.bypassed());
         auto out = sound;
         eq.process(out.data(), 1000);
         EXPECT_EQ(out, sound);
+        eq.setBand(1, band);
+        EXPECT_TRUE(eq.bypassed()) << "while sound passes";
     }
     for (const double centre : {1.0, 22049.0}) {
         PeakEq eq(kRate);
         eq.setBand(0, {centre, 6, 2.5, 0});
+        auto out = sound;
+        eq.process(out.data(), 1000);
+        EXPECT_LT(*std::ranges::max_element(out), 10) << centre;
         EXPECT_FALSE(eq.bypassed()) << centre;
     }
 }
@@ -153,56 +159,70 @@ TEST(DspReverb, TheDrySoundStaysAndTheWetIsAdded) {
     for (double mix : {-20.0, -6.0, 0.0}) {
         for (double ms : {300.0, 600.0, 1000.0, 3000.0}) {
             Reverb reverb(kRate);
-            reverb.set({0, mix, ms, 0.999});
+            const double in = mix / 2, gain = std::pow(10, in / 20);
+            reverb.set({in, mix, ms, 0.999});
             const std::size_t frames = 44100 * 6, untilFirst = 870;  // the shortest line
             const auto dry = noise(2 * frames, 3, 0.3f);
             auto sound = dry;
             reverb.process(sound.data(), frames);
             for (std::size_t i = 0; i < 2 * untilFirst; ++i)
-                ASSERT_EQ(sound[i], dry[i]) << mix << " dB, " << ms << " ms, sample " << i;
+                ASSERT_FLOAT_EQ(sound[i], static_cast<float>(gain) * dry[i])
+                    << mix << " dB, " << ms << " ms, sample " << i;
             double before = 0, after = 0;
             for (std::size_t i = frames; i < 2 * frames; ++i) {
                 before += double(dry[i]) * dry[i];
-                after += (double(sound[i]) - dry[i]) * (double(sound[i]) - dry[i]);
+                after += std::pow(sound[i] - gain * dry[i], 2);
             }
-            EXPECT_NEAR(10 * std::log10(after / before), mix, 1) << mix << " dB, " << ms << " ms";
+            EXPECT_NEAR(10 * std::log10(after / before), mix + in, 1) << mix << " dB, " << ms << " ms";
         }
     }
 }
 
-/// Off and on again, or reset, while it rings: silence in, silence out.
-template <typename Unit, typename On, typename Off>
-void bringsNothingOld(Unit unit, On on, Off off) {
-    for (const bool reset : {true, false}) {
-        on(unit);
-        auto burst = sine(300, kRate, 4410);
+void put(Reverb& unit, const ReverbSettings& wish) { unit.set(wish); }
+void put(PeakEq& unit, const PeakBand& wish) { unit.setBand(3, wish); }
+
+/// While `on` rings: off and on again, then silence in gives silence out; and reset on its way to each wish it sounds as
+/// a new unit that was given the wish's equal.
+template <typename Unit, typename Wish>
+void bringsNothingOld(const Wish& on, const Wish& off, const std::vector<std::pair<Wish, Wish>>& wishes) {
+    Unit unit(kRate);
+    std::vector<float> silence(2 * 22050), after(2 * 4410);
+    auto burst = sine(300, kRate, 4410);
+    put(unit, on);
+    unit.process(burst.data(), 4410);
+    put(unit, off);
+    unit.process(silence.data(), 22050);
+    put(unit, on);
+    unit.process(after.data(), 4410);
+    EXPECT_EQ(after, std::vector<float>(2 * 4410));
+    for (const auto& [wish, equal] : wishes) {
+        put(unit, on);
         unit.process(burst.data(), 4410);
-        reset ? unit.reset() : off(unit);
-        std::vector<float> silence(2 * 22050), after(2 * 4410);
-        if (!reset) unit.process(silence.data(), 22050);
-        on(unit);
-        unit.process(after.data(), 4410);
-        EXPECT_EQ(after, std::vector<float>(2 * 4410)) << reset;
+        put(unit, wish);
+        unit.process(burst.data(), 100);
+        unit.reset();
+        Unit fresh(kRate);
+        put(fresh, equal);
+        auto again = noise(2 * 4410, 4), expected = again;
+        unit.process(again.data(), 4410);
+        fresh.process(expected.data(), 4410);
+        EXPECT_EQ(again, expected) << &wish - &wishes[0].first;
+        EXPECT_EQ(unit.bypassed(), fresh.bypassed());
     }
 }
 
 TEST(DspEffects, ThatGoAndComeBackBringNothingOld) {
-    bringsNothingOld(
-        Reverb(kRate),
-        [](Reverb& r) {
-            r.set({0, 0, 3000, 0.5});
-        },
-        [](Reverb& r) {
-            r.set({0, -96, 3000, 0.5});
-        });
-    bringsNothingOld(
-        PeakEq(kRate),
-        [](PeakEq& e) {
-            e.setBand(0, {300, 15, 0.3, 0});
-        },
-        [](PeakEq& e) {
-            e.setBand(0, {300, 0, 0.3, 0});
-        });
+    bringsNothingOld<Reverb, ReverbSettings>({0, 0, 3000, 0.5}, {0, -96, 3000, 0.5},
+                                             {{{-3, -3, 800, 0.9}, {-3, -3, 800, 0.9}},
+                                              {{1, 1, 20001, 1}, {0, 0, 20000, 0.999}},
+                                              {{-97, -95, 0.5, 0}, {-96, -95, 1, 0.001}},
+                                              {{0, -97, 800, 0.9}, {}}});
+    bringsNothingOld<PeakEq, PeakBand>({300, 15, 0.3, 0}, {300, 0, 0.3, 0},
+                                       {{{900, -6, 1, 0}, {900, -6, 1, 0}},
+                                        {{900, 121, 1, 0}, {900, 120, 1, 0}},
+                                        {{900, -121, 1, 0}, {900, -120, 1, 0}},
+                                        {{900, 6, 5, 2}, {900, 6, 1, 2}},
+                                        {{-900, 6, 1, 0}, {}}});
 }
 
 TEST(DspReverb, LiveChangesDoNotClick) {
