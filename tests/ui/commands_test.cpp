@@ -39,6 +39,7 @@
 #include "ui/records/armed.h"
 #include "ui/records/timers.h"
 #include "ui/screen/colours.h"
+#include "ui/screen/display_message.h"
 #include "ui/settings/mixer_controls.h"
 #include "ui/settings/mixer_window.h"
 #include "ui/windows/console_window.h"
@@ -414,7 +415,7 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
     act("a new one of nothing", [&] { clPlaylist(7), edited({}); });
     act("emptied", [&] { clPlaylist(5), edited({}), note("before it is taken back"), Undo(); });
     act("a new one on a jingle",
-        [&] { clPlaylist(96), edited({"1 (B1 > B)"}), note("before it is taken back"), Undo(); });
+        [&] { clPlaylist(kSlot), edited({"1 (B1 > B)"}), note("before it is taken back"), Undo(); });
     act(
         "without a name",
         [this] {
@@ -450,6 +451,8 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
     });
     act("delete on the list", [] { LastCtrl = "lstpal", lstpaldel(); });
     act("delete on a jingle", [] { LastCtrl = "b_Jingle", lstpaldel(); });
+    act("cleared while boxes and a message show",
+        [&] { ShowSelectors(), ShowDisplayMessage("Hear"), DelJing(0, false), note("cleared"), HideSelectors(); });
     act("kept after all", [] { desktop().answers = {BoxAnswer::no}, DelJing(0, false); });
     act("a drop", [&] { button(0).onDrop(path("Audio_Sample/B0.wav").string()); });
     act("a drop on what sounds", [&] {

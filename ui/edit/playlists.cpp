@@ -98,6 +98,7 @@ void HighlightItems() {
 
 void openEditor(const Playlist& playlist, const std::string& title) {
     PlaylistWindow& w = frmPlaylist();
+    frmPlaylistSelector().form.close();
     section = playlist.section;
     w.form.window.caption = title;
     w.txtPL.caption = playlist.name;
@@ -146,7 +147,6 @@ void lstPL_Click() {
     const int row = s.lstPL.listIndex;
     if (row < 0 || static_cast<std::size_t>(row) >= s.lstPLRef.items().size()) return;
     const Playlist playlist = ReadPlaylist(s.lstPLRef.items()[static_cast<std::size_t>(row)]);
-    s.form.close();
     openEditor(playlist, titleNow());
     if (lblJIDLocked != kNone)
         HighlightItems();
@@ -154,15 +154,7 @@ void lstPL_Click() {
         joinJingle();
 }
 
-void btNew_Click() {
-    frmPlaylistSelector().form.close();
-    openEditor({}, titleNow());
-}
-
-void forgetButton() {
-    lblJID = lblJIDLocked = kNone;
-    lblJIDplaylist = SlotKind::nothing;
-}
+void btNew_Click() { openEditor({}, titleNow()); }
 
 void blinkName() {
     blinksLeft = kBlinks;
@@ -217,11 +209,9 @@ void btOK_Click() {
         return;
     }
     w.form.close();
-    frmPlaylistSelector().form.close();
     LoadLockedFiles();
     const int index = lblJID;
     const SlotKind kind = lblJIDplaylist;
-    forgetButton();
     for (const int i : LiveJingles()) PLicon(i);
     if (index == kNone) return;
     // A jingle that joined stays a jingle: the playlist holds it by its button.
@@ -292,7 +282,8 @@ void EditPlaylist(int index) {
 
 void clLockedBy(int index) {
     guarded("modClick.clLockedBy", [&] {
-        forgetButton();
+        lblJID = kNone;
+        lblJIDplaylist = SlotKind::nothing;
         lblJIDLocked = index;
         const PlaylistItem item = itemOfButton(index);
         openSelector(&item);
@@ -333,17 +324,11 @@ void WirePlaylists() {
     };
     s.btOpen.onClick = on("frmPlaylistSelector.btOpen_Click", lstPL_Click);
     s.btNew.onClick = on("frmPlaylistSelector.btNew_Click", btNew_Click);
-    s.btCancel.onClick = on("frmPlaylistSelector.btCancel_Click", [] {
-        frmPlaylistSelector().form.close();
-        forgetButton();
-    });
+    s.btCancel.onClick = on("frmPlaylistSelector.btCancel_Click", [] { frmPlaylistSelector().form.close(); });
     w.btAdd.onClick = on("frmPlaylist.btAdd_Click", [] { SearchForPlaylist(addFound); });
     w.btRemove.onClick = on("frmPlaylist.btRemove_Click", btRemove_Click);
     w.btOK.onClick = on("frmPlaylist.btOK_Click", btOK_Click);
-    w.btCancel.onClick = on("frmPlaylist.btCancel_Click", [] {
-        frmPlaylist().form.close();
-        forgetButton();
-    });
+    w.btCancel.onClick = on("frmPlaylist.btCancel_Click", [] { frmPlaylist().form.close(); });
     w.form.onClosed = [] {
         if (ForPlaylist) CloseSearchBox();  // there is no list any more that a jingle could join
     };
