@@ -420,7 +420,7 @@ void ApprovedTest::work(Control& c, MouseButton button) {
 }
 
 std::string ApprovedTest::lined() const {
-    constexpr std::size_t kLine = 1300;
+    constexpr std::size_t kLine = 1500;
     std::string all, line;
     std::istringstream acts(text);
     for (std::string act; std::getline(acts, act); line += act) {

@@ -451,8 +451,9 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
     });
     act("delete on the list", [] { LastCtrl = "lstpal", lstpaldel(); });
     act("delete on a jingle", [] { LastCtrl = "b_Jingle", lstpaldel(); });
-    act("cleared while boxes and a message show",
-        [&] { ShowSelectors(), ShowDisplayMessage("Hear"), DelJing(0, false), note("cleared"), HideSelectors(); });
+    act("cleared while boxes and a message show", [&] {
+        ShowSelectors(), ShowDisplayMessage("Hear"), DelJing(0, false), note("cleared"), HideSelectors();
+    });
     act("kept after all", [] { desktop().answers = {BoxAnswer::no}, DelJing(0, false); });
     act("a drop", [&] { button(0).onDrop(path("Audio_Sample/B0.wav").string()); });
     act("a drop on what sounds", [&] {
