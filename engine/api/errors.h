@@ -1,6 +1,8 @@
 /// Result codes of the operations, one a thread.
 #pragma once
 
+#include <concepts>
+
 #include "engine/bass.h"
 
 namespace zv::engine {
@@ -11,7 +13,7 @@ int lastError();
 
 /// Leaves `code` and returns `result`: `return fail(BASS_ERROR_HANDLE, false);`
 template <typename T>
-T fail(int code, T result) {
+T fail(std::same_as<int> auto code, T result) {
     setError(code);
     return result;
 }

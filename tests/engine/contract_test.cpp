@@ -209,6 +209,12 @@ TEST_F(Contract, AFileThatPlaysNowhereIsReadWithoutTheGraphAndWithoutTheLock) {
     EXPECT_TRUE(BASS_Mixer_StreamAddChannel(studio.mainMixer, lone, 0));
     take();
     EXPECT_EQ(pullAndTake(441)[0], ramp(510'000, 0));
+    BASS_ChannelStop(lone);
+    BASS_SetDevice(kMain);
+    const DWORD other = file("ramp");
+    BASS_ChannelGetData(other, data.data(), 1000 * 4);
+    BASS_ChannelPlay(BASS_FX_TempoCreate(other, BASS_FX_FREESOURCE), false);
+    EXPECT_EQ(pullAndTake(441)[0], ramp(1000, 0)) << "and in a tempo channel";
 }
 
 TEST_F(Contract, AStreamTakesLittleMemoryWhateverItSaysOfItself) {

@@ -86,7 +86,7 @@ TEST(DspPeakEq, LiveChangesDoNotClickAndEndInBypass) {
     PeakEq eq(kRate);
     std::size_t turn = 0;
     const double gains[] = {0, 10, -10, 10, 5, 0};
-    const auto out = inBlocks(sound, {11025}, [&](float* block, std::size_t n) {
+    const auto out = inBlocks(sound, 11025, [&](float* block, std::size_t n) {
         if (turn < 6) eq.setBand(0, {110, gains[turn], 2.5, 0});
         if (turn == 2) eq.setBand(1, {3000, 10, 2.5, 0});
         if (turn == 4) eq.setBand(1, {3000, 0, 2.5, 0});
@@ -117,9 +117,14 @@ double decaySeconds(const std::vector<float>& stereo, std::size_t side, double r
     return -60 / ((n * td - t * d) / (n * tt - t * t));
 }
 
-std::vector<float> impulse(double rate, double seconds, float left = 1, float right = 1) {
-    std::vector<float> out(2 * static_cast<std::size_t>(rate * seconds));
-    out[0] = left, out[1] = right;
+/// What follows an impulse.
+std::vector<float> tail(double rate, double ms, double high) {
+    Reverb reverb(rate);
+    reverb.set({0, 0, ms, high});
+    std::vector<float> out(2 * static_cast<std::size_t>(rate * 2.5 * ms / 1000));
+    out[0] = 1, out[1] = 0.5f;
+    reverb.process(out.data(), out.size() / 2);
+    out[0] = out[1] = 0;
     return out;
 }
 
@@ -127,11 +132,7 @@ TEST(DspReverb, FallsBySixtyDecibelsInItsTime) {
     for (double rate : {22050.0, 44100.0, 48000.0, 96000.0}) {
         for (double high : {0.001, 0.5, 0.999}) {
             for (double ms : {200.0, 300.0, 500.0, 1000.0, 2000.0, 3000.0}) {
-                Reverb reverb(rate);
-                reverb.set({0, 0, ms, high});
-                auto sound = impulse(rate, 2.5 * ms / 1000, 1, 0.5f);
-                reverb.process(sound.data(), sound.size() / 2);
-                sound[0] = sound[1] = 0;  // the dry impulse
+                const auto sound = tail(rate, ms, high);
                 for (std::size_t side : {0u, 1u})
                     EXPECT_NEAR(decaySeconds(sound, side, rate) * 1000, ms, 0.1 * ms)
                         << rate << " Hz, " << ms << " ms, " << high << ", side " << side;
@@ -142,11 +143,7 @@ TEST(DspReverb, FallsBySixtyDecibelsInItsTime) {
 
 TEST(DspReverb, HighFrequenciesDieSoonerAsTold) {
     const auto highDecay = [](double ratio) {
-        Reverb reverb(kRate);
-        reverb.set({0, 0, 1500, ratio});
-        auto sound = impulse(kRate, 2.5);
-        reverb.process(sound.data(), sound.size() / 2);
-        sound[0] = sound[1] = 0;              // the dry impulse
+        auto sound = tail(kRate, 1500, ratio);
         for (int pass = 0; pass < 4; ++pass)  // what is left is above 8 kHz
             for (std::size_t i = sound.size(); i-- > 2;) sound[i] = (sound[i] - sound[i - 2]) * 0.5f;
         return decaySeconds(sound, 0, kRate);
@@ -232,7 +229,7 @@ TEST(DspReverb, LiveChangesDoNotClick) {
     const ReverbSettings steps[] = {
         {0, -96, 1000, 0.5}, {0, -3, 1000, 0.5}, {0, 0, 3000, 0.5}, {-6, -10, 200, 0.9}, {0, -96, 200, 0.9}};
     std::size_t turn = 0;
-    const auto out = inBlocks(sound, {16000}, [&](float* block, std::size_t n) {
+    const auto out = inBlocks(sound, 16000, [&](float* block, std::size_t n) {
         if (turn == 2) reverb.set(steps[0]);  // off, and on again at once
         EXPECT_EQ(reverb.bypassed(), turn < 2 || turn > 4) << turn;
         if (turn < 5) reverb.set(steps[turn]);

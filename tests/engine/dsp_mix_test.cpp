@@ -129,12 +129,8 @@ TEST(DspMix, SixteenBitsAreRoundedAndCut) {
 
 TEST(DspLevelMeter, PeakAndRmsOfWhatWasHeardLast) {
     LevelMeter meter(44100, 0.5);
-    EXPECT_EQ(meter.peak(0.04).left, 0);
     const auto loud = test::sine(1000, 44100, 44100, 0.8);
     meter.feed(loud.data(), 44100, 0.5f);
-    EXPECT_NEAR(meter.peak(0.04).left, 0.4, 0.001);
-    EXPECT_NEAR(meter.rms(0.04).left, 0.4 / std::numbers::sqrt2, 0.004);
-    EXPECT_NEAR(meter.rms(0.04).right, 0.4 / std::numbers::sqrt2, 0.004);
     meter.feedSilence(441);  // a quarter of the window
     EXPECT_NEAR(meter.rms(0.04).left, 0.4 / std::numbers::sqrt2 * std::sqrt(0.75), 0.01);
     EXPECT_NEAR(meter.peak(0.04).left, 0.4, 0.001);

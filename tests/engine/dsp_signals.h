@@ -67,17 +67,11 @@ inline double roughness(const std::vector<float>& stereo, std::size_t from, std:
     return most;
 }
 
-/// Runs `process(float*, frames)` over a copy of `stereo` in blocks of the given sizes, in turn.
+/// Runs `process(float*, frames)` over a copy of `stereo` in blocks of `size` frames.
 template <typename Process>
-std::vector<float> inBlocks(std::vector<float> stereo, const std::vector<std::size_t>& sizes,
-                            Process process) {
-    std::size_t done = 0, turn = 0;
-    const std::size_t frames = stereo.size() / 2;
-    while (done < frames) {
-        const std::size_t part = std::min(sizes[turn++ % sizes.size()], frames - done);
-        process(stereo.data() + 2 * done, part);
-        done += part;
-    }
+std::vector<float> inBlocks(std::vector<float> stereo, std::size_t size, Process process) {
+    for (std::size_t at = 0; at < stereo.size() / 2; at += size)
+        process(stereo.data() + 2 * at, std::min(size, stereo.size() / 2 - at));
     return stereo;
 }
 

@@ -21,9 +21,13 @@ TEST_F(Heard, AFadeInFrontOfAConversionTakesItsTime) {
         for (const bool logarithmic : {false, true}) {
             begin({.period = 147});
             decoders->sounds["ones"] = {
-                .format = format, .length = 2 * format.rate, .sample = [](auto, auto) { return 0.5F; }};
+                .format = format, .length = format.rate / 2, .sample = [](auto, auto) { return 0.5F; }};
             const Topology studio;
             const DWORD jingle = studio.jingle(file("ones"));
+            int ends = 0;
+            BASS_ChannelSetSync(
+                jingle, BASS_SYNC_POS, QWORD{format.rate} / 2 * 2 * format.channels,
+                [](HSYNC, DWORD, DWORD, void* user) { ++*static_cast<int*>(user); }, &ends);
             BASS_ChannelPlay(jingle, false);
             pull(4410);
             take();
@@ -35,6 +39,8 @@ TEST_F(Heard, AFadeInFrontOfAConversionTakesItsTime) {
                 const double gain = logarithmic ? std::pow(0.125, part) : 1 - 0.875 * part;
                 EXPECT_NEAR(sound[2 * at], 0.5 * gain, 0.02) << format.rate << " Hz, frame " << at;
             }
+            pull(8820);
+            EXPECT_EQ(ends, 1);
         }
 }
 

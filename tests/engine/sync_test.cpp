@@ -55,7 +55,7 @@ TEST_F(Syncs, AnOldOneWhoseProcedureIsStillDueDoesNotEndTheNewPlay) {
         while (!gate.inside) std::this_thread::yield();
         EXPECT_GE(BASS_ChannelGetPosition(other, BASS_POS_BYTE), 200U * 4) << "it has been passed";
         BASS_ChannelStop(other);
-        if (moved) BASS_ChannelSetPosition(other, 1000 * 4, BASS_POS_BYTE);
+        if (moved) BASS_ChannelSetPosition(other, 100 * 4, BASS_POS_BYTE);
         if (!moved) BASS_ChannelRemoveSync(other, old);
         BASS_ChannelPlay(other, false);
         gate.open = true;
