@@ -69,7 +69,7 @@ void LevelMeter::feedSilence(std::size_t frames) {
 }
 
 void LevelMeter::reset() {
-    for (std::size_t i = 0; i <= ring_.size(); ++i) close();  // the open one, and every one behind it
+    for (std::size_t i = 0; i < ring_.size(); ++i) close();  // the open one lies behind any window then
 }
 
 std::size_t LevelMeter::bucketsOf(double seconds) const {

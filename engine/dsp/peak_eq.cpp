@@ -124,7 +124,6 @@ void PeakEq::run(EqGroup& group, float* stereo, std::size_t frames) {
 
 /// Takes a group that changes nothing any more out of the path.
 void PeakEq::rest(EqGroup& group) {
-    group.left = group.right = {};
     group.active = false;
     --active_;
 }

@@ -28,12 +28,7 @@ Bridge::Bridge(const BridgeOptions& options)
       ring_(std::size_t{options.inRate}),  // half a second
       resampler_(options.inRate, options.outRate) {
     aimAt(options.targetMs);
-    if (!inStep_) {
-        resampler_.setCorrection(kMostPpm);
-        in_.resize((resampler_.inputNeeded(kChunk) + 64) * 2);
-        resampler_.setCorrection(0);
-        resampler_.reset();
-    }
+    if (!inStep_) in_.resize((resampler_.inputNeeded(kChunk) + 64) * 2);
 }
 
 void Bridge::write(std::span<const float> stereo) {

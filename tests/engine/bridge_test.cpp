@@ -96,7 +96,8 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
             c.tell("a second, 35 ms of it at once");
         }
         for (int i = 0; i < 2; ++i) c.run("half a minute of calm", 3000, kStep);
-        c.run("nothing comes", 30, 0);
+        c.run("runs dry", 4, 0);
+        c.run("nothing comes", 26, 0);
         c.run("too little to begin with", 2, kStep);
         c.run("enough", 3, 2 * kStep);
         c.bridge.restart();

@@ -178,17 +178,17 @@ TEST(DspReverb, TheDrySoundStaysAndTheWetIsAdded) {
 void put(Reverb& unit, const ReverbSettings& wish) { unit.set(wish); }
 void put(PeakEq& unit, const PeakBand& wish) { unit.setBand(3, wish); }
 
-/// While `on` rings: off and on again, then silence in gives silence out; and reset on its way to each wish it sounds as
+/// While `on` rings: off and on again, and from then on silence in gives silence out; and reset on its way to each wish it sounds as
 /// a new unit that was given the wish's equal.
 template <typename Unit, typename Wish>
 void bringsNothingOld(const Wish& on, const Wish& off, const std::vector<std::pair<Wish, Wish>>& wishes) {
     Unit unit(kRate);
-    std::vector<float> silence(2 * 22050), after(2 * 4410);
+    std::vector<float> meanwhile = noise(2 * 22050, 6), after(2 * 4410);
     auto burst = sine(300, kRate, 4410);
     put(unit, on);
     unit.process(burst.data(), 4410);
     put(unit, off);
-    unit.process(silence.data(), 22050);
+    unit.process(meanwhile.data(), 22050);
     put(unit, on);
     unit.process(after.data(), 4410);
     EXPECT_EQ(after, std::vector<float>(2 * 4410));

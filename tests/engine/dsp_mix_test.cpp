@@ -137,8 +137,12 @@ TEST(DspLevelMeter, PeakAndRmsOfWhatWasHeardLast) {
     meter.feedSilence(2000);
     EXPECT_EQ(meter.peak(0.04).left, 0);
     EXPECT_GT(meter.peak(0.4).left, 0.39);
+    meter.feed(loud.data(), 99);
     meter.reset();
-    EXPECT_EQ(meter.peak(0.5).left, 0);
+    EXPECT_EQ(meter.peak(9).left, 0);
+    const float mono[] = {0.5F, 0, -1};
+    EXPECT_EQ(measureMono(mono, 3).peakLeft, 1);
+    EXPECT_EQ(measureMono(mono, 3).powerRight, 1.25F);
 }
 
 }  // namespace
