@@ -234,9 +234,7 @@ void wireWindow() {
     w.window.onQueryClose = Form_QueryUnload;
     onSessionEnd = [] { UnloadMain(kSessionEnds); };
     w.window.onResize = [] { timers().tmrResize.restart(); };
-    for (Control* c : {&w.lblVUSrc, &w.lblL, &w.lblR}) {
-        onLeftPress(*c, ChangeVUchan);
-    }
+    onLeftPress(w.lblVUSrc, ChangeVUchan);
 }
 
 /// Handlers and first look of a button that was just made.
@@ -322,8 +320,9 @@ void fillFromSettings() {
 
 void Form_Load() {
     guarded("frmMain.Form_Load", [] {
-        registerFont(ShippedFile("Fonts/ZVR.ttf"));
-        registerFont(ShippedFile("Fonts/MSSSMod.ttf"));
+        for (const char* font : {"ZVR", "MSSSMod"}) {
+            registerFont(ShippedFile("Fonts/" + std::string(font) + ".ttf"));
+        }
         MainWindow& w = frmMain();
         DisplayControls& d = w.display;
         for (Control* c : d.digits()) {

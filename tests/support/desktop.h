@@ -23,6 +23,7 @@ struct Desktop {
     std::vector<std::string> asked;  ///< of the window system, what no other field tells: "on top frmColPick"
     std::string clipboard;
     int modifiers = 0;                   ///< kShiftMask | kCtrlMask | kAltMask
+    std::set<std::string> fonts;         ///< files of those registered
     std::set<int> keys;                  ///< key numbers held down; 1 is the left mouse button
     const Control* mouseOver = nullptr;  ///< window under the mouse
     std::vector<MenuItem> menu;          ///< the context menu opened last

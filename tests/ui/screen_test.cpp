@@ -40,6 +40,7 @@
 #include "ui/screen/layout.h"
 #include "ui/screen/layout_grid.h"
 #include "ui/screen/live_view.h"
+#include "ui/screen/meters.h"
 #include "ui/screen/mic_keys.h"
 
 namespace zv::test {
@@ -375,8 +376,9 @@ TEST_F(ScreenTest, EverythingLooksAsItWasApproved) {
     FadePhase = FlashPhase = false;
     lstPalRefresh();
     LiveStatus.clear();
+    for (const std::string& font : desktop().fonts) text_ += GetFileName(font) + "\n";
     scene("nothing yet");
-    writePalette("Afternoon", 1);
+    writePalette("Afternoon", 2);
     writePalette("Morning", 1);
     paletteSettings.PaletteIndex = "Morning";
     lstPalRefresh();
@@ -397,7 +399,7 @@ TEST_F(ScreenTest, EverythingLooksAsItWasApproved) {
                           "FadeOut=2000"};
     for (int i = 0; i < 12; ++i) load(i, 8000 + 1000 * i, keys[i]);
     load(kPaletteSlots, 2000, "PlayMod=2");
-    load(12, 500), load(13, 500);
+    for (const int broken : {12, 13}) load(broken, 500, "Loop=1");
     std::filesystem::remove(path("Audio_Sample/sound_12.wav"));
     write("Audio_Sample/sound_13.wav", "no sound");
     for (const int broken : {12, 13}) FreeJingle(broken), openStreams(broken);
@@ -454,21 +456,13 @@ TEST_F(ScreenTest, EverythingLooksAsItWasApproved) {
     frmMain().ckTab[0].onMouseDown({});
     volumeSettings.InputEnabled = 1;
     SwitchInput(true);
-    MicPush();
-    TalkOverTog();
-    CkTouchTog();
-    CkAutoMixTog();
+    MicPush(), TalkOverTog(), CkTouchTog(), CkAutoMixTog();
     volumeSettings.Volume = 60;
-    load(14, 4000);
-    press(14);
-    pass(1300);
+    load(14, 4000), press(14), pass(1300);
     scene("keys are armed, the microphone is open, the warning runs");
-    MicRelease();
-    TalkOverTog();
-    SwitchInput(false);
+    MicRelease(), TalkOverTog(), SwitchInput(false);
     volumeSettings.Volume = 100;
-    CkTouchTog(), CkAutoRepTog();
-    CkAutoMixTog();
+    CkTouchTog(), CkAutoRepTog(), CkAutoMixTog();
     evStop();
     labelSettings.JNumbPos = 2;
     FormDraw("init");
@@ -482,7 +476,11 @@ TEST_F(ScreenTest, EverythingLooksAsItWasApproved) {
     ErrDisp("no", 0, "It failed");
     pass(160);
     scene("a palette is named, something failed");
+    openNames(1, "Afternoon", false);
     darkSettings.ShadeOffsetVal = -100;
+    meterSettings.VUBackCol = 1, meterSettings.VULowCol = 2, meterSettings.VUMidCol = 3;
+    meterSettings.VUHiCol = 4, meterSettings.VUMid = 50, meterSettings.VUHi = 60;
+    ApplyMeterLook();
     SwitchDarkMode(1);
     pass(160);
     DisplayControls& d = frmMain().display;
@@ -540,6 +538,9 @@ TEST_F(ScreenTest, KeysAndMouseDoWhatWasApproved) {
     for (const int held : {0, 1, 2, 3, 4, 6, 5, 7})
         step("held " + std::to_string(held), [&] { desktop().modifiers = held; });
     desktop().modifiers = 0;
+    DisplayControls& d = frmMain().display;
+    for (Control* c : {&d.lblMIDIIcon, &d.lblMIDIDevice, &d.lblPlayMode[0], &d.lblPlayMode[1]})
+        c->visible = true;
     for (int tab = 0; tab < kTabs; ++tab) {
         step("tab " + std::to_string(tab),
              [&] { frmMain().ckTab[static_cast<std::size_t>(tab)].onMouseDown({}); });
