@@ -127,7 +127,7 @@ std::string ranges(const std::vector<int>& indices) {
 
 /// Joined to lines of some length.
 std::string paragraph(const std::vector<std::string>& parts, const std::string& between) {
-    constexpr std::size_t kLine = 400;  // as of the other approved texts
+    constexpr std::size_t kLine = 800;  // as of the other approved texts
     std::string text, line;
     for (const std::string& part : parts) {
         if (!line.empty() && line.size() + part.size() > kLine) text += std::exchange(line, {}) + "\n";
