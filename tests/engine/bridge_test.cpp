@@ -17,7 +17,7 @@ constexpr std::size_t kStep = 441;  ///< frames of 10 ms
 /// Writer and reader. Every written frame is its own number.
 class Clockwork {
   public:
-    Clockwork(std::ostringstream& account, const char* title, BridgeOptions options)
+    Clockwork(std::ostringstream& account, const std::string& title, BridgeOptions options)
         : bridge(options), account_(account) {
         account_ << title << '\n';
     }
@@ -112,19 +112,16 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
         for (const std::uint32_t rate : {44100U, 48000U}) {
             BridgeOptions apart = options;
             apart.outRate = rate;
-            Clockwork c(
-                all,
-                (std::to_string(static_cast<int>(ppm)) + " ppm apart, read at " + std::to_string(rate))
-                    .c_str(),
-                apart);
+            const std::string pair = std::to_string(static_cast<int>(ppm)) + " ppm apart, read at ";
+            Clockwork c(all, pair + std::to_string(rate), apart);
             c.go(4, kStep, 0);
             double owed = 0;
             for (int minute = 0; minute < 2; ++minute) {
                 for (int i = 0; i < 6000; ++i) {
                     owed += kStep * ppm * 1e-6;
-                    const double whole = std::trunc(owed);
+                    const int whole = static_cast<int>(owed);
                     owed -= whole;
-                    c.go(1, kStep + static_cast<std::size_t>(static_cast<int>(whole)), rate / 100);
+                    c.go(1, kStep + static_cast<std::size_t>(whole), rate / 100);
                 }
                 c.tell("a minute");
             }
