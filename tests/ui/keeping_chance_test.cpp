@@ -517,7 +517,7 @@ pid_t goThrough(int sequence, const std::string& log, Doom doom) {
 }
 
 TEST_F(KeepingByChance, killedAtAnyMomentEachFileIsOldOrNew) {
-    const int kills = numberFrom("ZENTROVA_KILLS", 3);
+    const int kills = numberFrom("ZENTROVA_KILLS", 10);
     std::mt19937 random(static_cast<unsigned>(numberFrom("ZENTROVA_SEED", 3)));
     int inTheMiddle = 0;
     for (int kill = 0; kill < kills; ++kill) {
