@@ -97,7 +97,7 @@ TEST_F(WorkersTest, ComeAtOnceAndOtherwiseRest) {
     std::this_thread::sleep_for(milliseconds(20));
     const std::clock_t before = std::clock();
     std::this_thread::sleep_for(milliseconds(60));
-    EXPECT_LT(static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC, 0.01) << "busy with nothing";
+    EXPECT_LT(static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC, 0.03) << "busy with nothing";
 }
 
 TEST_F(WorkersTest, ADiskThatHangsTakesNothingFromTheOthers) {
