@@ -314,6 +314,8 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         clMove(0, "cut"), pick("B"), clMove(7, "paste"), ErrClick();
         write("palette.ini", read("palette.ini") + "[C]\r\n" + line("9", "A0")), Undo();
     });
+    act("a hot jingle onto itself, in another palette",
+        [&] { clMove(kPaletteSlots, "cut"), pick("B"), clMove(kPaletteSlots, "paste"); });
     for (const char* file : {"HotJingles.ini", "palette.ini"}) {
         act(std::string("moved to a hot button, then written again: ") + file, [&] {
             away(file), clMove(kSlot, "cut"), clMove(97, "paste"), ErrClick(),
