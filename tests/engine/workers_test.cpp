@@ -94,10 +94,12 @@ TEST_F(WorkersTest, ComeAtOnceAndOtherwiseRest) {
         }
         EXPECT_TRUE(atOnce) << mode;
     }
+#ifndef _WIN32  // where the clock of a process is the wall's
     std::this_thread::sleep_for(milliseconds(20));
     const std::clock_t before = std::clock();
     std::this_thread::sleep_for(milliseconds(60));
     EXPECT_LT(static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC, 0.03) << "busy with nothing";
+#endif
 }
 
 TEST_F(WorkersTest, ADiskThatHangsTakesNothingFromTheOthers) {
