@@ -181,7 +181,7 @@ TEST_F(WebStreams, NeedHalfASecondOfTheirOwnTimeToSound) {
                               ? static_cast<std::size_t>(static_cast<double>(body.size()) * has / seconds)
                               : pagesOf(body, rate, has);
         ASSERT_LT(part, body.size()) << file;
-        server.answer("/part", [&, part](StreamServer::Client& client) {
+        server.answer("/part", [part, &body = body, &type = type](StreamServer::Client& client) {
             client.say(header(type)), client.send(std::span(body).first(part)), client.waitForHangUp();
         });
         const auto decoder = open(server.url("/part"));

@@ -68,9 +68,9 @@ void beginWindows() {
         return all;
     }();
     CloseForms();
-    for (const auto& [control, values] : first)
+    for (const auto& kept : first)
         std::apply(
-            [&, &c = *control](auto... member) {
+            [&c = *kept.first, &values = kept.second](auto... member) {
                 std::apply([&](const auto&... value) { ((c.*member = value), ...); }, values);
             },
             kKept);
