@@ -111,6 +111,7 @@ TEST(IniText, ChangesOnlyWhatIsMeant) {
          "replace S j=\xC3\xAA;k=\xC3\xA9;m=\xC3\xA9", "[S]/j=\xC3\xAA/k=\xE9/m=\xC3\xA9/"},
         {"comments go, blank lines stay", "[A]|x=1||[P]|; gone|old=1||[B]|y=2", "replace p K=a;V=;k=b",
          "[A]|x=1||[P]|K=a||[B]|y=2"},
+        {"line ends of one sign", "[A]/x=1/[B]/y=2/", "replace A x=3", "[A]/x=3/[B]/y=2/"},
         {"nothing in it yet", "[P]||[B]|y=2|", "replace P K=a", "[P]|K=a||[B]|y=2|"},
         {"all there", "[P]|K=a||[B]|y=2", "replace P K=a", nullptr},
         {"all there but the last line end", "[P]|K=a||[B]|y=2", "replace B y=2", nullptr},
