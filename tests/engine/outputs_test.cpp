@@ -104,7 +104,8 @@ class Account : public Show {
         double first = -1, last = -1;
         const auto stretch = [&] {
             // A conversion rings for a few frames where the ramp jumps.
-            if (first >= 0 && last - first > 100) all << ' ' << std::lround(first) << ".." << std::lround(last);
+            if (first >= 0 && last - first > 100)
+                all << ' ' << std::lround(first) << ".." << std::lround(last);
             first = -1;
         };
         for (std::size_t f = 0; f < sound.size() / 2; ++f) {

@@ -240,7 +240,8 @@ class Chance : public ShowTest {
                     to.Loop = s.is.Loop, to.Seq = s.is.Seq;
                     // What is read ahead lies before the end of the loop.
                     const int end = to.LoopOut == 0 ? s.sound.lengthMs : s.sound.ms(to.LoopOut);
-                    if (s.at + 60 > std::min(end, s.loopOut)) to.LoopIn = s.is.LoopIn, to.LoopOut = s.is.LoopOut;
+                    if (s.at + 60 > std::min(end, s.loopOut))
+                        to.LoopIn = s.is.LoopIn, to.LoopOut = s.is.LoopOut;
                 }
                 what = "bring" + what + " " + to.Path;
                 BringSlot(i, to);
