@@ -48,7 +48,7 @@ void Bridge::clear() {
 
 void Bridge::beginAnew() {
     running_ = averaging_ = false;
-    watched_ = debt_ = 0;
+    debt_ = 0;
     glideLeft_ = 0;
     resampler_.setCorrection(0);
     resampler_.reset();

@@ -12,11 +12,8 @@ constexpr std::size_t kGrid =
     64;  // frames through which the parameters stand still; places are noted so often
 constexpr double kMostLagSeconds = 0.008;
 constexpr double kMostSteering = 2;  // times the curve's own tempo, either way
-constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
 
-bool loops(const PlayRange& range) {
-    return range.loop && range.end != kUnknown && range.loopStart < range.end;
-}
+bool loops(const PlayRange& range) { return range.loop && range.loopStart < range.end; }
 
 }  // namespace
 
@@ -26,7 +23,6 @@ float fadeAt(std::size_t frame, std::size_t frames) {
 }
 
 std::uint64_t advance(std::uint64_t frame, std::uint64_t frames, const PlayRange& range) {
-    if (range.end == kUnknown) return frame + frames;
     if (frame < range.end && frames < range.end - frame) return frame + frames;
     if (!loops(range)) return range.end;
     // What lies past the end wraps at once.
@@ -44,10 +40,9 @@ std::size_t readInOrder(FrameReader& reader, std::uint64_t& frame, std::span<flo
             frame = range.loopStart;
         }
         const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(wanted - done, range.end - frame));
-        const std::size_t got = reader.readAt(frame, out.subspan(done * channels, part * channels));
-        frame += got;
-        done += got;
-        if (got < part) break;
+        reader.readAt(frame, out.subspan(done * channels, part * channels));
+        frame += part;
+        done += part;
     }
     return done;
 }
@@ -158,7 +153,7 @@ void TempoLane::store(std::span<const float> frames) {
     written_.store(at + count, std::memory_order_release);
 }
 
-/// The source in the order of play, with silence behind its end; 0 frames: not decoded yet.
+/// The source in the order of play, with silence behind its end.
 std::size_t TempoLane::fromSource(FrameReader& reader, std::span<float> out) {
     if (!flushed_) {
         const PlayRange range = this->range();
@@ -166,7 +161,7 @@ std::size_t TempoLane::fromSource(FrameReader& reader, std::span<float> out) {
         const std::size_t got = readInOrder(reader, nextSource_, out, channels_, range);
         fed_ += got;
         if (nextSource_ != before + got) wrapped_ = true;
-        if (got > 0 || (nextSource_ < range.end && range.end != kUnknown)) return got;
+        if (got > 0) return got;
         flushed_ = true;
     }
     std::ranges::fill(out, 0.0F);
@@ -203,7 +198,7 @@ void TempoLane::steer() {
     setStretch(std::clamp((place - consumed_) / sequence, own / kMostSteering, own * kMostSteering));
 }
 
-/// What the stretcher makes; 0 frames: the source is not decoded yet.
+/// What the stretcher makes.
 std::size_t TempoLane::makeStretched(FrameReader& reader, std::span<float> out) {
     if (!stretches_) return fromSource(reader, out);
     while (stretcher_->ready() == 0) {
@@ -211,7 +206,6 @@ std::size_t TempoLane::makeStretched(FrameReader& reader, std::span<float> out) 
         if (const std::size_t lacking = stretcher_->lacking(); lacking > 0) {
             const std::span<float> part(chunk_.data(), std::min(lacking, kChunk) * channels_);
             const std::size_t got = fromSource(reader, part);
-            if (got == 0) return 0;
             stretcher_->put(part.first(got * channels_));
             continue;
         }
@@ -223,15 +217,13 @@ std::size_t TempoLane::makeStretched(FrameReader& reader, std::span<float> out) 
     return stretcher_->take(out);
 }
 
-/// Fills grid_ through the transposer; false while the source is not decoded.
-bool TempoLane::makeTransposed(FrameReader& reader, std::size_t frames, double speed) {
+/// Fills grid_ through the transposer.
+void TempoLane::makeTransposed(FrameReader& reader, std::size_t frames, double speed) {
     while (const std::size_t needed = transposer_->needed(frames, speed)) {
         const std::size_t got = makeStretched(reader, {piece_.data(), std::min(needed, kChunk) * channels_});
-        if (got == 0) return false;
         transposer_->push({piece_.data(), got * channels_});
     }
     transposer_->make({grid_.data(), frames * channels_}, speed);
-    return true;
 }
 
 /// Frames that the source still has to give at `speed`. Behind its end silence follows: what belongs to the
@@ -239,12 +231,12 @@ bool TempoLane::makeTransposed(FrameReader& reader, std::size_t frames, double s
 std::size_t TempoLane::rest(double speed) const {
     if (!flushed_) return ~std::size_t{0};
     const double behind = lagAt(curve.at(base + written_.load(std::memory_order_relaxed))) - lag_;
-    const double left = static_cast<double>(fed_ - std::min(fed_, lead_)) - place_ - behind;
+    const double left = static_cast<double>(fed_ - lead_) - place_ - behind;
     return static_cast<std::size_t>(std::max(0.0, std::round(left / speed)));
 }
 
-/// Renders the next stretch; false when there is none (yet).
-bool TempoLane::step(FrameReader& reader) {
+/// Renders the next stretch, or notes the end.
+void TempoLane::step(FrameReader& reader) {
     const std::uint64_t at = written_.load(std::memory_order_relaxed);
     const bool moves = curve.moves(base + at);
     const TempoParameters p = moves ? curve.at(base + at + kGrid / 2) : curve.last();
@@ -253,27 +245,24 @@ bool TempoLane::step(FrameReader& reader) {
     const std::size_t start = at & (size_ - 1);
     frames = std::min({frames, rest(speed), size_ - start});
     if (frames > 0 && transposes_) {
-        if (!makeTransposed(reader, frames, p.transposition())) return false;
+        makeTransposed(reader, frames, p.transposition());
         frames = std::min(frames, rest(speed));
         std::copy_n(grid_.data(), frames * channels_, ring_.data() + start * channels_);
     } else if (frames > 0) {
         frames = makeStretched(reader, {ring_.data() + start * channels_, frames * channels_});
-        if (frames == 0) return false;
         frames = std::min(frames, rest(speed));
     }
     if (frames == 0) {
         endAt_.store(at, std::memory_order_release);
-        return false;
+        return;
     }
     chart(frames, speed);
     written_.store(at + frames, std::memory_order_release);
-    return true;
 }
 
 void TempoLane::fill(FrameReader& reader, std::size_t ahead) {
     ahead = std::min(ahead, size_ - kChunk);
-    while (!finished() && this->ahead() < ahead && step(reader)) {
-    }
+    while (!finished() && this->ahead() < ahead) step(reader);
 }
 
 void TempoLane::fadeFrom(std::span<const float> old) {
@@ -358,7 +347,7 @@ std::uint64_t TempoLane::divergesAt(const PlayRange& other, std::uint64_t from, 
     const std::uint64_t here = sourceAt(from), first = std::min(own.end, other.end);
     const bool same = other.end == own.end && loops(other) == loops(own) &&
                       (!loops(own) || other.loopStart == own.loopStart);
-    if (same || first == kUnknown) return kNowhere;
+    if (same) return kNowhere;
     there = other.end > own.end ? own.end : loops(other) ? other.loopStart : kNowhere;
     if (here >= first) return from;
     const std::uint64_t written = written_.load(std::memory_order_acquire);

@@ -30,7 +30,8 @@ float fadeAt(std::size_t frame, std::size_t frames);
 
 class TempoLane {
   public:
-    enum class State : std::uint8_t { free, made, playing, retired };
+    /// withdrawn: offered, but loop or end have changed since, and it may already lie behind them.
+    enum class State : std::uint8_t { free, made, withdrawn, playing, retired };
     static constexpr std::uint64_t kNowhere = ~std::uint64_t{0};
 
     TempoLane(std::uint32_t rate, std::uint32_t channels, std::size_t frames);
@@ -96,8 +97,8 @@ class TempoLane {
     PlayRange range() const;
 
   private:
-    bool step(FrameReader& reader);
-    bool makeTransposed(FrameReader& reader, std::size_t frames, double speed);
+    void step(FrameReader& reader);
+    void makeTransposed(FrameReader& reader, std::size_t frames, double speed);
     std::size_t makeStretched(FrameReader& reader, std::span<float> out);
     std::size_t fromSource(FrameReader& reader, std::span<float> out);
     void steer();

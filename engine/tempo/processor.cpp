@@ -65,7 +65,8 @@ TempoLane* TempoProcessor::next() {
     }
     if (!next_) return nullptr;
     const bool late = next_->switchAt < (current_ ? current_->readAt() : clock_);
-    if (!late && next_->after == current_ && next_->epoch == epoch_) return next_;
+    const bool stands = next_->state.load(std::memory_order_acquire) == TempoLane::State::made;
+    if (!late && stands && next_->after == current_ && next_->epoch == epoch_) return next_;
     next_->retire();
     next_ = nullptr;
     return nullptr;
@@ -143,8 +144,7 @@ void TempoProcessor::idle(std::uint64_t frames) {
 
 void TempoProcessor::end() {
     ended_ = true;
-    if (const std::uint64_t end = reader_.range().end; end != ~std::uint64_t{0})
-        heard_.store(end, std::memory_order_relaxed);
+    heard_.store(reader_.range().end, std::memory_order_relaxed);
 }
 
 /// Loop and end have changed, and the lane plays on otherwise from some frame on: `limit` is brought down to

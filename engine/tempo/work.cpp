@@ -168,7 +168,7 @@ void TempoWork::replace(const TempoSnapshot& now, const Wish& wish, bool follows
     if (leaves) at = std::max(at, wish.curve.restsFrom(now.zero + at) - now.zero);
     current.fill(reader_, lead + fade + lead);
     old_.resize(fade * channels_);
-    if (!current.peek(at, old_)) return;  // later, near its end, or waiting for data
+    if (!current.peek(at, old_)) return;  // near its end
     TempoLane* lane = freeLane();
     if (!lane) return;
     const std::uint64_t place = current.sourceAt(at), base = now.zero + at;
@@ -255,6 +255,10 @@ void TempoWork::work() {
         if (!now.current && follows(*pending_, wish, now.zero + pending_->switchAt))
             settled_.store(turn, std::memory_order_release);
         return;
+    }
+    if (pending_ && pending_->playsOtherwise(now.range)) {
+        auto made = TempoLane::State::made;
+        pending_->state.compare_exchange_strong(made, TempoLane::State::withdrawn);
     }
     pending_ = nullptr;
     if (!now.current) {

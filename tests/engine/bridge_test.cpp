@@ -33,6 +33,7 @@ class Clockwork {
             if (read == 0) continue;
             heard_.assign(2 * read, -1);
             bridge.read(heard_);
+            count();
         }
     }
     void write(std::size_t frames) {
@@ -47,27 +48,38 @@ class Clockwork {
         write(bridge.due(frames));
         heard_.assign(2 * frames, -1);
         bridge.readOwn(heard_);
+        count();
     }
-    /// Distance and target in ms, correction, underruns; of what was read last the silent frames and how far its last
-    /// frame lies behind the writer.
+    /// Distance in frames, target in ms, correction, underruns; of all that was read since the last line the silent
+    /// frames, and how far the others lay behind the writer.
     void tell(const char* what) {
-        const auto silent = std::ranges::count(heard_, 0.0F) / 2;
         account_ << "  " << std::left << std::setw(34) << what << std::right << std::fixed
-                 << std::setprecision(1) << " distance" << std::setw(6)
-                 << static_cast<double>(bridge.filled()) / 44.1 << " target" << std::setw(5)
-                 << bridge.target() << " ppm" << std::setw(7) << bridge.correction() << " underruns "
-                 << bridge.underruns();
-        if (silent > 0) account_ << " silent " << silent;
-        if (!heard_.empty() && heard_.back() != 0)
-            account_ << " behind" << std::setw(6)
-                     << (static_cast<double>(last_) - frameOf(heard_[heard_.size() - 2])) / 44.1;
+                 << std::setprecision(1) << " distance" << std::setw(6) << bridge.filled() << " target"
+                 << std::setw(5) << bridge.target() << " ppm" << std::setw(7) << bridge.correction()
+                 << " underruns " << bridge.underruns();
+        if (silent_ > 0) account_ << " silent " << silent_;
+        if (heardFrames_ > 0)
+            account_ << std::setprecision(3) << " behind " << behind_ / static_cast<double>(heardFrames_);
         account_ << '\n';
+        silent_ = heardFrames_ = 0;
+        behind_ = 0;
     }
     Bridge bridge;
 
   private:
+    void count() {
+        for (std::size_t i = 0; i < heard_.size(); i += 2) {
+            if (heard_[i] == 0 && heard_[i + 1] == 0) {
+                ++silent_;
+                continue;
+            }
+            ++heardFrames_;
+            behind_ += static_cast<double>(last_) - (frameOf(heard_[i]) + frameOf(heard_[i + 1]) - 0.5) / 2;
+        }
+    }
     std::ostringstream& account_;
-    std::size_t last_ = 1;
+    std::size_t last_ = 1, silent_ = 0, heardFrames_ = 0;
+    double behind_ = 0;
     std::vector<float> heard_;
 };
 
@@ -100,6 +112,7 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
         c.run("nothing comes", 26, 0);
         c.run("too little to begin with", 2, kStep);
         c.run("enough", 3, 2 * kStep);
+        c.run("a second and a half", 150, kStep);
         c.bridge.restart();
         c.run("begun anew", 1, kStep);
         c.run("enough", 3, 2 * kStep);
@@ -107,6 +120,13 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
         c.run("a rest: what was written is silence", 3, 0);
         c.run("what comes then is heard whole", 7, kStep);
         c.run("a period late", 1, 0);
+        c.run("a second and a half", 150, kStep);
+        for (const bool rests : {true, false, true}) {
+            c.go(1, 3500, kStep);
+            c.run("half a glide, by a debt", 9, kStep);
+            rests ? c.bridge.rest() : c.bridge.clear();
+            c.run("begun anew", 3, 0);
+        }
     }
     for (const double ppm : {200.0, -200.0, 1000.0}) {
         for (const std::uint32_t rate : {44100U, 48000U}) {
@@ -125,22 +145,37 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
                 }
                 c.tell("a minute");
             }
+            c.bridge.rest();
+            c.go(3, 0, rate / 100);
+            c.bridge.clear();
+            c.run("a rest: what was learnt holds", 5, 2 * kStep, rate / 100);
         }
     }
-    {
-        Clockwork c(all, "The writer is gone: the reader writes for itself", options);
+    for (const std::uint32_t rate : {44100U, 48000U}) {
+        BridgeOptions alone = options;
+        alone.outRate = rate;
+        const std::size_t period = rate / 100;
+        Clockwork c(all, "The writer is gone: the reader writes for itself", alone);
+        const auto account = [&](const char* what) {
+            all << "  " << what << " follows " << c.bridge.follows() << ", due " << c.bridge.due(period)
+                << ", dry " << c.bridge.runsDry(period) << '\n';
+        };
         c.go(4, kStep, 0);
-        c.run("on its way", 500, kStep);
-        all << "  follows " << c.bridge.follows() << ", due " << c.bridge.due(kStep) << ", dry "
-            << c.bridge.runsDry(kStep) << '\n';
-        c.run("the writer is late", 2, 0);
-        all << "  follows " << c.bridge.follows() << ", due " << c.bridge.due(kStep) << ", dry "
-            << c.bridge.runsDry(kStep) << '\n';
-        for (int i = 0; i < 3; ++i) c.readOwn(kStep), c.tell("its own");
-        c.run("the writer is back", 3, kStep);
+        c.run("on its way", 509, kStep, period);
+        account("then it");
+        c.go(3, 0, period);
+        c.run("the writer is late", 1, kStep - 150, period);
+        account("then it");
+        for (int i = 0; i < 3; ++i) c.readOwn(period), c.tell("its own");
+        c.run("a lump from the writer", 20, 2 * kStep, period);
+        c.readOwn(period), c.tell("its own");
+        c.run("the writer is back", 150, kStep, period);
+        c.run("runs dry", 3, 0, 2 * period);
+        c.run("enough", 40, kStep + 50, period);
+        c.bridge.restart();
         c.bridge.clear();
-        c.run("cleared", 1, kStep);
-        all << "  follows " << c.bridge.follows() << ", dry " << c.bridge.runsDry(kStep) << '\n';
+        account("cleared, it");
+        c.run("enough", 40, kStep + 50, period);
     }
     {
         options.oneClock = true;
