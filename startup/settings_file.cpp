@@ -51,7 +51,7 @@ bool isNumber(const SettingKey& key) { return key.type != SettingType::text; }
 
 /// Values in the course of one load: the keys that need a default and those that could not be used.
 struct Load {
-    bool first = true;
+    bool first;
     std::vector<cImpulse::Line> defaults;
     std::string bad;
     int errorNumber = 0;
@@ -195,8 +195,7 @@ void NoteIniFileDate() { iniFileDate = dateOfIniFile(); }
 void KeepOutOfFile(const std::string& key) { keptOut.insert(LowerCase(key)); }
 
 void LoadZVini(bool firstLoad) {
-    Load load;
-    load.first = firstLoad;
+    Load load{.first = firstLoad, .defaults = {}, .bad = {}};
     for (const SettingKey& key : SettingKeys()) loadKey(key, load);
     if (windowSettings.FullScreen == 1) windowSettings.WindowMode = kFullScreenMode;
     for (const char* key : kObsoleteKeys) {

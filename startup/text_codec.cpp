@@ -33,8 +33,10 @@ std::size_t sequenceLength(std::string_view s, std::size_t i) {
         length = 4;
         if (c == 0xF0) low = 0x90;
         if (c == 0xF4) high = 0x8F;
+    } else {
+        return 0;
     }
-    if (length == 0 || s.size() - i < length) return 0;
+    if (s.size() - i < length) return 0;
     if (byteAt(s, i + 1) < low || byteAt(s, i + 1) > high) return 0;
     for (std::size_t k = 2; k < length; ++k) {
         if ((byteAt(s, i + k) & 0xC0) != 0x80) return 0;

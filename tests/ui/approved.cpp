@@ -1,11 +1,16 @@
 #include "tests/ui/approved.h"
 
+#include <cmath>
 #include <fstream>
 #include <sstream>
+#include <tuple>
 
 #include "audio/announcer.h"
+#include "audio/devices.h"
 #include "audio/effect_vector.h"
+#include "audio/effects.h"
 #include "audio/live_stream.h"
+#include "audio/talk_over.h"
 #include "audio/time_jingle.h"
 #include "midi/assignments.h"
 #include "midi/codes.h"
@@ -16,11 +21,14 @@
 #include "midi/ring.h"
 #include "midi/settings_commands.h"
 #include "midi/state.h"
+#include "model/held_palette.h"
+#include "model/pending_removals.h"
 #include "model/playlists.h"
 #include "platform/forms.h"
 #include "platform/rehearsal/midi_devices.h"
 #include "platform/rehearsal/virtual_clock.h"
 #include "platform/timers.h"
+#include "startup/errors.h"
 #include "startup/settings/folders_settings.h"
 #include "startup/settings/midi_settings.h"
 #include "startup/settings/search_settings.h"
@@ -28,6 +36,7 @@
 #include "startup/upcalls.h"
 #include "ui/edit/carried.h"
 #include "ui/edit/colour_picker.h"
+#include "ui/edit/search.h"
 #include "ui/edit/undo.h"
 #include "ui/screen/announcer_view.h"
 #include "ui/screen/error_mark.h"
@@ -42,13 +51,15 @@ namespace zv::test {
 namespace {
 
 constexpr std::size_t kLongest = 90;  ///< bytes of one value
+constexpr const char* kDrawing = "drawing";
 /// Those that an act starts and ends.
-constexpr const char* kProperties[] = {"visible",   "enabled", "caption",   "toolTip",
-                                       "value",     "minimum", "maximum",   "items",
-                                       "listIndex", "topRow",  "backColor", "foreColor"};
+constexpr const char* kProperties[] = {"visible",   "enabled",   "caption",  "toolTip",   "value",
+                                       "minimum",   "maximum",   "items",    "listIndex", "topRow",
+                                       "backColor", "foreColor", "fontName", kDrawing};
 
 /// The test's own folder, which has another name each time.
 std::string ownFolder;
+std::string sent;  ///< to the control surface since the last look
 
 std::string cut(std::string text) {
     std::erase(text, '\r');
@@ -124,11 +135,69 @@ void link(const std::filesystem::path& file, std::size_t frames, double amplitud
     create_hard_link(one, file);
 }
 
+/// How many strokes a canvas has, and a sum of where they stand and what they show.
+std::string drawn(const Control& c) {
+    double sum = 0;
+    for (const Stroke& s : c.drawing()) {
+        sum += std::round(s.x) + 2 * std::round(s.y) + 3 * std::round(s.width) + 5 * std::round(s.height) +
+               s.opacity + s.colour % 1000 + static_cast<double>(s.text.size());
+        if (s.peaks)
+            for (const auto& [lowest, highest] : *s.peaks) sum += std::round(10 * (highest - lowest));
+    }
+    return std::to_string(c.drawing().size()) + " " + std::to_string(std::lround(sum));
+}
+
 std::vector<std::string> properties(const Control& c) {
     std::vector<std::string> all;
     bool known = true;
-    for (const char* property : kProperties) all.push_back(propertyText(c, property, known));
+    for (const char* property : kProperties)
+        all.push_back(property == kDrawing ? drawn(c) : propertyText(c, property, known));
     return all;
+}
+
+/// What the engine has of a slot that is other than a plain file's: effects, loop, and its place while it rests.
+std::string soundOf(const JingleRecord& j, std::size_t slot) {
+    std::string text;
+    const auto add = [&](const char* what, double is, double plain) {
+        char one[40];
+        std::snprintf(one, sizeof one, "%s%s %.5g", text.empty() ? "" : ", ", what, is);
+        if (is != plain) text += one;
+    };
+    const DWORD play = j.hPlay, source = j.hSrc;
+    for (int band = 0; band < kEqBands; ++band) {
+        BASS_BFX_PEAKEQ eq{};
+        eq.lBand = band;
+        BASS_FXGetParameters(JEqFx[slot], &eq);
+        add("eq", eq.fGain, 0);
+    }
+    BASS_DX8_REVERB reverb{};
+    BASS_BFX_VOLUME volume{};
+    BASS_FXGetParameters(JReverbFx[slot], &reverb);
+    BASS_FXGetParameters(JVolFx[slot], &volume);
+    add("reverb", reverb.fReverbMix, static_cast<float>(ReverbMix(0)));
+    add("volume", volume.fVolume, 1);
+    const std::tuple<const char*, DWORD, double> attributes[] = {
+        {"level", BASS_ATTRIB_VOL, 1},
+        {"duck", BASS_ATTRIB_VOLDSP, 1},
+        {"buffer", BASS_ATTRIB_BUFFER, 0},
+        {"tail", BASS_ATTRIB_TAIL, 0},
+        {"tempo", BASS_ATTRIB_TEMPO, 0},
+        {"pitch", BASS_ATTRIB_TEMPO_PITCH, 0},
+        {"rate", BASS_ATTRIB_TEMPO_FREQ, static_cast<double>(j.Freq)}};
+    for (const auto& [what, attribute, plain] : attributes) {
+        float value = 0;
+        BASS_ChannelGetAttribute(play, attribute, &value);
+        add(what, value, plain);
+    }
+    const auto position = [](DWORD channel, DWORD mode) {
+        return static_cast<double>(BASS_ChannelGetPosition(channel, mode));
+    };
+    add("loops", (BASS_ChannelFlags(source, 0, 0) & BASS_SAMPLE_LOOP) != 0, 0);
+    add("from", position(source, BASS_POS_LOOP), 0);
+    add("to", position(source, BASS_POS_END),
+        static_cast<double>(BASS_ChannelGetLength(source, BASS_POS_BYTE)));
+    if (BASS_ChannelIsActive(play) != BASS_ACTIVE_PLAYING) add("at", position(play, BASS_POS_BYTE), 0);
+    return text;
 }
 
 }  // namespace
@@ -209,10 +278,11 @@ std::string Watch::changes() {
     const auto now = rest();
     for (const auto& [key, value] : now)
         if (const auto was = rest_.find(key); was == rest_.end() || was->second != value)
-            all.push_back(key + "=" + cut(value));
+            all.push_back(key + "=" + (key.ends_with(".sound") ? value : cut(value)));
     for (const auto& [key, value] : rest_)
         if (!now.contains(key)) all.push_back("no " + key);
     rest_ = now;
+    if (!sent.empty()) all.push_back("to the surface " + std::exchange(sent, {}));
     return joined(all, "; ");
 }
 
@@ -230,6 +300,17 @@ std::map<std::string, std::string> Watch::rest() const {
         number(slot + "FadeAttrib", rec(i).FadeAttrib);
         number(slot + "open", rec(i).hPlay != 0);
         number(slot + "sounds", BASS_ChannelIsActive(rec(i).hPlay) == BASS_ACTIVE_PLAYING);
+        number(slot + "LoopLen", rec(i).LoopLen);
+        number(slot + "EndOffset", rec(i).EndOffset);
+        number(slot + "ms", std::round(rec(i).Duration * 1000));
+        number(slot + "reverb", rec(i).ReverbMs);
+        number(slot + "state", static_cast<int>(rec(i).State) + (rec(i).Playing ? 10 : 0) +
+                                   (rec(i).PlayingOtherPal ? 100 : 0));
+        number(slot + "bad",
+               (rec(i).Unplayable ? 1 : 0) + (rec(i).MissingFile ? 10 : 0) + (rec(i).KeepsStored ? 100 : 0));
+        if (rec(i).hPlay != 0)
+            if (const std::string sound = soundOf(rec(i), static_cast<std::size_t>(i)); !sound.empty())
+                all[slot + "sound"] = sound;
     }
     const std::pair<const char*, double> flags[] = {{"PalToSave", PalToSave},
                                                     {"MenuJ", MenuJ},
@@ -244,11 +325,32 @@ std::map<std::string, std::string> Watch::rest() const {
                                                     {"boxes", desktop().boxes.size()},
                                                     {"dialogs", desktop().dialogs},
                                                     {"documents", desktop().documents.size()},
-                                                    {"quit", desktop().quitAsked}};
+                                                    {"quit", desktop().quitAsked},
+                                                    {"mark blinks", ErrOneShot},
+                                                    {"choosing", ChoosingTimeJingle},
+                                                    {"TmAnnAM", TmAnnAM},
+                                                    {"TmJingleAM", TmJingleAM},
+                                                    {"LiveMixByTa", LiveMixByTa},
+                                                    {"LiveNow", static_cast<int>(LiveNow)},
+                                                    {"LoopToggleStep", LoopToggleStep},
+                                                    {"SelectorsShown", SelectorsShown},
+                                                    {"ForPlaylist", ForPlaylist},
+                                                    {"SearchOpen", SearchOpen},
+                                                    {"ColorPickerOpen", ColorPickerOpen},
+                                                    {"blinking", SearchHits.size()},
+                                                    {"MicPushed", MicPushed}};
+    for (const Removal& r : PendingRemovals())
+        all["leaves " + r.section + std::to_string(r.slot)] = r.into + " " + r.path;
     for (const auto& [key, value] : flags) number(key, value);
     const std::pair<const char*, std::string> texts[] = {
         {"timers", runningTimers()},
-        {"carried", MoveMode + " " + MoveSourcePalette + std::to_string(MoveBuffer.tick)},
+        {"carried",
+         MoveMode + " " + MoveSourcePalette + std::to_string(MoveBuffer.tick) + MoveBuffer.fields.Path},
+        {"coming", PaletteLoading() ? ComingPalette() : ""},
+        {"time jingle", TmAnPath},
+        {"live", LiveStatus},
+        {"redo", RedoText()},
+        {"shown in its folder", joined(desktop().shown, " ")},
         {"clip", ClipPath},
         {"asked", joined(desktop().asked, ", ")},
         {"OptionCode", OptionCode},
@@ -309,6 +411,7 @@ ApprovedTest::ApprovedTest() {
     MIDIStore.SetSection("");
     ResetRing();
     MidiDevices::instance().plug("Pad");
+    MidiDevices::instance().onSent = [](const std::string&, std::uint32_t m) { sent += midiText(m) + " "; };
     midiSettings.MIDIDevice = "Pad";
     midiSettings.MIDIEnabled = 1;
     begin();
@@ -326,6 +429,8 @@ ApprovedTest::~ApprovedTest() {
     CloseForms();
     EndMIDI();
     MidiDevices::instance() = {};
+    InputNames.clear(), LiveStatus.clear(), StreamChoice.clear();
+    frmMain().live.cmbStream.items = {};
     PlaylistsEnabled = false;
 }
 
@@ -339,7 +444,8 @@ void ApprovedTest::begin() {
     write("palette.ini",
           "[A]\r\n" + line("0", "A0") + line("1", "A1") + line("2", "gone") + line("3", "lost") +
               paletteLines("Volm=80 Seq=1 CueStart=100 LoopIn=500 LoopOut=1500 StopPos=4500 "
-                           "FadeOut=300 LogFadeOut=1 BTNCol=3366FF FXV=-3,0,0,0,0,0,2,0,0,44100,0",
+                           "FadeOut=300 LogFadeOut=1 LoopFadeOut=1 AutoDuck=1 NoTrigDuck=1 NoAutomix=1 "
+                           "BTNCol=3366FF FXV=-3,1,0,0,0,0,2,200,5,43000,-2",
                            kSlot) +
               "Playlist_5=AAAAAA\r\n[B]\r\n" + line("0", "B0") + line("1", "B1"));
     write("HotJingles.ini", "[HotJingles]\r\n" + line("0", "C0"));
@@ -349,6 +455,7 @@ void ApprovedTest::begin() {
                               {{"Bass", "7,3,1,0,0,0,0,0,0,0,0"}, {"Hall", "0,0,0,0,0,0,0,2000,0,0,0"}});
     write("MIDI.ini",
           "[Pad]\r\nJingle1=9010,901000,255\r\nOutJingle1=A01001,A01002,A01003,A01004\r\n"
+          "OutPaletteDown=A02001,A02002\r\nOutPaletteUp=A03001,A03002\r\n"
           "[Old]\r\nJingle5=9035,903500,255\r\n");
     std::filesystem::remove_all(path("History"));
     LoadLockedFiles();
@@ -370,6 +477,7 @@ void ApprovedTest::begin() {
     EndChoosing();
     DropTimeJingle();
     DisarmAnnouncer();
+    ListInDev(), frmMain().live.cmbStream.caption = std::string(), frmMain().live.cmbStream.listIndex = -1;
     ResetJingles();
     ForgetUndo();
     desktop().boxes.clear(), desktop().asked.clear();
@@ -380,8 +488,8 @@ void ApprovedTest::begin() {
 void ApprovedTest::work(Control& c, MouseButton button) {
     desktop().answers = {BoxAnswer::yes, BoxAnswer::yes};
     desktop().paths = {path("Audio_Sample/B0.wav").string()};
-    if (c.onFocus) c.onFocus();
     watch->changes();
+    if (c.onFocus) c.onFocus();
     switch (c.kind) {
         case ControlKind::checkBox:
         case ControlKind::option:

@@ -2,7 +2,9 @@
 // the program's back. Each begins anew.
 #include <unistd.h>
 
+#include "audio/devices.h"
 #include "audio/open_palette.h"
+#include "audio/upcalls.h"
 #include "model/playlists.h"
 #include "platform/rehearsal/midi_devices.h"
 #include "startup/errors.h"
@@ -32,6 +34,7 @@
 #include "ui/edit/playlists.h"
 #include "ui/edit/positions_page.h"
 #include "ui/edit/relocate.h"
+#include "ui/edit/remove.h"
 #include "ui/edit/search.h"
 #include "ui/edit/selection.h"
 #include "ui/edit/undo.h"
@@ -406,6 +409,55 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
     points("a field takes letters",
            [&] { hit(Key::space), hit(in, fx.TxtPos.sec), hit(out, fx.TxtPos.sec); });
 
+    text += "== the picture of the editor\n";
+    const auto place = [](int x, int y, MouseButton button = MouseButton::left, int shift = 0) {
+        return MouseEvent{button, shift, x * kTwipsPerPixel, y * kTwipsPerPixel};
+    };
+    const auto turned = [&](const char* what, std::initializer_list<std::function<void()>> steps) {
+        points(what, [&] {
+            for (const auto& step : steps) step(), note(what);
+        });
+    };
+    Control& pic = fx.picWave;
+    turned("a handle", {[&] { pic.onMouseMove(place(13, 40)); }, [&] { pic.onMouseMove(place(300, 40)); },
+                        [&] { pic.onMouseDown(place(13, 40)); }, [&] { pic.onMouseMove(place(60, 40)); },
+                        [&] { pic.onMouseMove(place(90, 40, MouseButton::left, kShiftMask)); },
+                        [&] { pass(200), pic.onMouseUp(place(90, 40)); }});
+    turned("the playhead", {[&] { pic.onMouseDown(place(200, 60)); }, [&] { pic.onMouseUp(place(201, 60)); },
+                            [&] { fx.ckPlay.onClick(); },
+                            [&] { pic.onMouseDown(place(400, 60)), pic.onMouseUp(place(400, 60)); }});
+    turned("near and far", {[&] { pic.onWheel(3, 0); }, [&] { pic.onWheel(-1, kShiftMask); },
+                            [&] { pic.onMouseDown(place(400, 60, MouseButton::right)); },
+                            [&] { pic.onMouseMove(place(300, 60)); }, [&] { pic.onMouseUp(place(300, 60)); },
+                            [&] { pic.onWheel(30, 0), pass(300); }, [&] { pic.onDoubleClick({}); }});
+    const auto keys = [&](const char* what, std::initializer_list<std::pair<Key, int>> all) {
+        points(what, [&] {
+            desktop().focus = &pic;
+            for (const auto& [one, shift] : all) key(pic, one, shift), note(what);
+        });
+    };
+    keys("by keys", {{Key::right, 0},
+                     {Key::left, kCtrlMask},
+                     {Key::down, 0},
+                     {Key::left, 0},
+                     {Key::down, 0},
+                     {Key::up, 0},
+                     {Key::pageUp, 0},
+                     {Key::right, kShiftMask},
+                     {Key::pageDown, 0},
+                     {Key::pageUp, 0},
+                     {Key::home, 0},
+                     {Key::f5, 0}});
+    points("a range that holds less", [&] {
+        fx.btMaxVol.onClick(), note("the safe volume");
+        fx.cmbRange.listIndex = 0, fx.cmbRange.onChange();
+    });
+    points("another file in its place", [&] {
+        writeWav(path("new.wav"), sine(2 * 44'100, 440)),
+            fs::rename(path("new.wav"), path("Audio_Sample/A1.wav"));
+        pass(1500), note("it is shorter"), fx.btUndoAll.onClick(), note("all undone"), OKfx();
+    });
+
     text += "== playlists\n";
     const auto edited = [](std::initializer_list<const char*> lines) {
         if (frmPlaylistSelector().form.isOpen()) frmPlaylistSelector().btNew.onClick();
@@ -507,11 +559,13 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         [] { windowSettings.AlwaysOnTop = 1, OpenMixer(), windowSettings.AlwaysOnTop = 0; });
     act("deleted where no history can be", [&] { write("History", "x"), DelJing(kSlot, true); });
     act("two lost files that are not saved", [&] {
-        for (const int slot : {2, 3}) rec(slot).Path = "Audio_Sample\\new" + std::to_string(slot) + ".wav";
-        for (const char* name : {"new2.wav", "new3.wav"})
+        for (const int slot : {2, 119}) rec(slot).Path = "Audio_Sample\\new" + std::to_string(slot) + ".wav";
+        rec(119).MissingFile = true;
+        for (const char* name : {"new2.wav", "new119.wav"})
             writeWav(path(std::string("found/") + name), sine(2000, 440));
         desktop().paths = {path("found").string()}, clReloc(2), pass(300), frmSelFile().btSelect.onClick();
     });
+    ClearButton(119);
     act(
         "a jingle of another palette found",
         [&] {
@@ -561,6 +615,54 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
     });
     act(
         "a copy taken back", [] { DelJing(0, false), clMove(kSlot, "copy"), Undo(); }, 0);
+    act("a file deleted again", [&] { DelJing(kSlot, true), Undo(), note("taken back"), Redo(); });
+    act("a file that cannot be deleted again", [&] {
+        DelJing(kSlot, true), Undo(), fs::remove_all(path("History")), write("History", "x"), Redo();
+    });
+    act("its file renamed while it is carried", [] {
+        clMove(0, "copy"), clRename(0), frmRenameFile().txtFilename.caption = "Y",
+                                        frmRenameFile().onAccepted();
+        clMove(7, "paste");
+    });
+    act("options over options", [&] {
+        SelJ = {0}, clTouchSet(0), note("held"), clLoopSet(0), note("loop"), clSeqSet(0), note("sequence");
+        clLoopSet(0), note("loop again"), SelJ = {kSlot}, clLoopSet(kSlot);
+    });
+    act("a time jingle", [&] {
+        b_tmAnJinTog(), note("to be chosen"), press(0), release(0), note("chosen");
+        b_tmAnJinTog(), note("none"), b_tmAnJinTog(), PlayAfterAnnouncement(kSlot);
+    });
+    act("marks of the announcer", [&] {
+        AnnouncerTab& a = frmMain().announcer;
+        announcerSettings.TimeAnnouncer = "Audio_Sample\\B0.wav", CkTmAnnTog(), clTmAn(kSlot), note("armed");
+        for (Control* c : {&a.ckTmAnnAM, &a.b_tmAnJinAM}) c->onMouseDown({}), note("marked");
+        for (Control* c : {&a.ckTmAnnAM, &a.b_tmAnJinAM}) c->onMouseDown({});
+        audioUpcalls.stopAnnouncer(), note("stopped");
+        b_tmAnJinTog(), audioUpcalls.stopAnnouncer();
+    });
+    act("a live input", [&] {
+        LiveTab& live = frmMain().live;
+        ListInDev(), live.cmbStream.caption = InputNames.at(0), live.cmbStream.onChange(), note("named");
+        live.ckPlayStream.onMouseDown({}), pass(100), note("on air");
+        live.ckPlayStream.onMouseDown({}), note("fades"), pass(1500), note("has faded");
+        live.ckPlayStream.onMouseDown({}), pass(100), live.ckPlayStream.onMouseDown({});
+        audioUpcalls.stopStream();
+    });
+    act("the search opened again", [&] { seek("b1"), CloseSearchBox(), note("closed"), JingSearch(); });
+    act("more messages than the monitor shows", [] {
+        clMIDI("b_Jingle", kSlot);
+        for (int i = 0; i < 15; ++i) MidiDevices::instance().hear("90" + std::to_string(10 + i) + "40");
+    });
+    act("a step in a long list", [&] {
+        for (int i = 10; i < 40; ++i)
+            write("palette.ini", read("palette.ini") + "[L" + std::to_string(i) + "]\r\n");
+        paletteListSettings.CenterLstPal = 1, lstPalRefresh(), t.lstPal.listIndex = 20;
+        t.btDn.onMouseDown({}), note("pressed"), t.btDn.onMouseUp({}), note("let go");
+        t.btUp.onMouseDown({MouseButton::right}), t.btUp.onMouseUp({MouseButton::right});
+        paletteListSettings.CenterLstPal = 0;
+    });
+    act("another tab while assigning", [] { CkAssignTog(), ckTab_MouseDown(2); });
+    act("the tab of palettes again", [] { ckTab_MouseDown(0); });
     act("devices by name",
         [] { OpenMixer(), frmMixer().optDevBy[1]->onChange(), frmMixer().optDevBy[0]->onChange(); });
     act("one output only", [] {

@@ -118,11 +118,12 @@ TEST(Splash, StandsAsItWasApproved) {
     for (const Control* c : splash.window.children())
         text += c->name + " " + std::to_string(c->left) + "," + std::to_string(c->top) + " " +
                 std::to_string(c->width) + "x" + std::to_string(c->height) + " " +
-                std::to_string(c->backColor) + "; ";
+                std::to_string(c->backColor) + " " + std::to_string(c->foreColor) + " " +
+                std::to_string(static_cast<int>(c->fontSize())) + "; ";
     EXPECT_EQ(
         text + splash.window.caption() + " " + std::to_string(splash.window.height),
-        "lblTitle 300,300 4215x720 -1; lblStep 300,1020 4215x360 -1; picLoadBack 300,1680 4215x90 4209722; "
-        "picLoad 300,1680 0x90 16777088; Zentrova 2070");
+        "lblTitle 300,300 4215x720 -1 16777215 22; lblStep 300,1020 4215x360 -1 16777088 0; "
+        "picLoadBack 300,1680 4215x90 4209722 -1 0; picLoad 300,1680 0x90 16777088 -1 0; Zentrova 2070");
 }
 
 }  // namespace

@@ -290,7 +290,6 @@ void UndoAll() {
         EditVolume(Edited.index, j.Volm);
         EditLoop(Edited.index);
         ArmStopSync(Edited.index);
-        HoldPositions();
         showAll();
         UpdateJFX();
     });

@@ -168,9 +168,6 @@ void CkAssignTog() {
 
 void ckTab_MouseDown(int tab) {
     guarded(".ckTab_MouseDown", [&] {
-        if (Armed(frmMain().palettes.ckAssign)) {
-            CkAssignTog();
-        }
         DisarmOptions();
         noOption();
         ResetJingles();

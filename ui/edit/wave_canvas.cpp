@@ -4,6 +4,7 @@
 #include <cmath>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "audio/edit_sound.h"
@@ -133,8 +134,8 @@ void fitView() {
     WaveView& v = wave.view;
     const double width = pixels(canvas().width), height = pixels(canvas().height);
     const double length = EditSeconds(Edited.index, EditLength(Edited.index).length);
-    const bool whole = v.shown <= 0 || v.shown >= v.length;
-    if (width == v.width && height == v.height && length == v.length) return;
+    const bool whole = v.shown >= v.length;
+    if (std::tuple(width, height, length) == std::tuple(v.width, v.height, v.length)) return;
     v.width = width;
     v.height = height;
     v.length = length;

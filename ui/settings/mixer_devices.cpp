@@ -124,7 +124,6 @@ void FillDeviceLists() {
 
 void OutputChosen(int output) {
     MixerWindow& m = frmMixer();
-    if (!m.form.isOpen()) return;
     if (deviceSettings.DeviceSingle != 0) {
         deviceSettings.Device = m.cmbDev[0]->listIndex() + 1;
         deviceSettings.DeviceName = m.cmbDev[0]->text();
@@ -140,8 +139,7 @@ void OutputChosen(int output) {
 }
 
 void InputChosen() {
-    MixerWindow& m = frmMixer();
-    if (!m.form.isOpen()) return;
+    const MixerWindow& m = frmMixer();
     deviceSettings.DeviceIn = m.cmbInDev.listIndex();
     deviceSettings.DeviceInName = m.cmbInDev.text();
     CloseMic();
