@@ -527,6 +527,24 @@ void ApprovedTest::work(Control& c, MouseButton button) {
     watch->changes();  // what is seen only while it is set is worked next
 }
 
+void ApprovedTest::act(const std::string& what, const std::function<void()>& command, int ms) {
+    begin();
+    desktop().answers = {BoxAnswer::yes, BoxAnswer::yes};
+    desktop().paths = {path("Audio_Sample/B0.wav").string()};
+    desktop().menuChoice.clear();
+    watch->changes();
+    command();
+    pass(ms);
+    note(what);
+}
+
+void ApprovedTest::key(Control& control, Key which, int shift) {
+    KeyEvent event{which, shift};
+    if (control.onKeyDown) control.onKeyDown(event);
+    if (control.onKeyUp) control.onKeyUp(event);
+    if (event.consumed) desktop().asked.push_back("key taken");
+}
+
 std::string ApprovedTest::lined() const {
     constexpr std::size_t kLine = 1500;
     std::string all, line;

@@ -41,6 +41,9 @@ class ApprovedTest : public KeepingTest {
     void work(Control& c, MouseButton button = MouseButton::left);
     /// A line of the text: what has changed since the last; none when that is nothing.
     void note(const std::string& what);
+    /// A command in the state that begin() makes, and what it has changed after `ms`.
+    void act(const std::string& what, const std::function<void()>& command, int ms = 120);
+    static void key(Control& control, Key which, int shift = 0);
 
     /// The text with short acts of a scene on one line.
     std::string lined() const;

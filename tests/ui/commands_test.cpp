@@ -91,16 +91,6 @@ class ReadOnly {
 
 class CommandsTest : public ApprovedTest {
   protected:
-    void act(const std::string& what, const std::function<void()>& command, int ms = 120) {
-        begin();
-        desktop().answers = {BoxAnswer::yes, BoxAnswer::yes};
-        desktop().paths = {path("Audio_Sample/B0.wav").string()};
-        desktop().menuChoice.clear();
-        watch->changes();
-        command();
-        pass(ms);
-        note(what);
-    }
     /// The menu as it is offered, then what each of its items does.
     void menu(const std::string& of, const std::function<void()>& open) {
         act(of, open);
@@ -118,12 +108,6 @@ class CommandsTest : public ApprovedTest {
                 open();
             });
         desktop().menuChoice.clear();
-    }
-    static void key(Control& control, Key which, int shift = 0) {
-        KeyEvent event{which, shift};
-        if (control.onKeyDown) control.onKeyDown(event);
-        if (control.onKeyUp) control.onKeyUp(event);
-        if (event.consumed) desktop().asked.push_back("key taken");
     }
     void seek(const std::string& what) {
         JingSearch();
@@ -364,99 +348,6 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
 
     act("loop behind another option", [] { ckTouchI_MouseDown(), ckLoopITog(); });
     LoopToggleAtRest();
-
-    text += "== points of the editor\n";
-    JingleWindow& fx = frmFX();
-    const auto at = [](const TimeFields& field, int seconds, int hundredths) {
-        field.show({0, seconds, hundredths});
-        field.cs->onChange();
-    };
-    const auto points = [&](const char* what, const std::function<void()>& set) {
-        act(what, [&] {
-            editorSettings.ActiveFXTab = 1, fx.ckLinkLILO.value = 0, fx.optStartEnd[0]->onChange();
-            clFXSet(kSlot), fx.optStartEnd[0]->onChange(), pass(1000), watch->changes();
-            set();
-        });
-    };
-    points("a step beyond the hundredths carries", [&] { at(fx.TxtPos, 1, 100); });
-    points("a step below the seconds", [&] { at(fx.TxtPos, -1, 20); });
-    points("a start behind the end", [&] { at(fx.TxtPos, 59, 0); });
-    points("loop in pushes loop out", [&] { at(fx.TxtLI, 5, 0); });
-    points("loop in keeps the length",
-           [&] { fx.ckLinkLILO.value = 1, fx.ckLinkLILO.onChange(), at(fx.TxtLI, 2, 0); });
-    points("the slider's end is the length",
-           [&] { fx.sldLO.value = fx.sldLO.maximum(), fx.sldLO.onChange(); });
-    points("loop out leaves the end",
-           [&] { fx.sldLO.value = fx.sldLO.maximum(), fx.sldLO.onChange(), at(fx.TxtLO, 5, 0); });
-    points("its fade otherwise", [&] {
-        for (const int on : {0, 1})
-            fx.ckLogFadeOut.value = on, fx.ckLogFadeOut.onChange(), note("fade " + std::to_string(on));
-    });
-    points("a start copied", [&] { at(fx.TxtPos, 3, 0), fx.btCopyStartPos.onClick(); });
-    const auto hit = [&](Key which, Control* focus = nullptr, int shift = 0) {
-        desktop().focus = focus;
-        key(fx.form.window, which, shift), pass(500);
-    };
-    const Key in = static_cast<Key>('I'), out = static_cast<Key>('O');
-    points("keys that others take", [&] {
-        hit(in), hit(Key::space, fx.TxtPos.sec), hit(Key::space, &fx.btOK);
-        hit(Key::space, nullptr, kCtrlMask), hit(out, fx.TxtPos.sec);
-    });
-    points("the blank plays", [&] { hit(Key::space); });
-    points("once more stops", [&] { hit(Key::space), hit(Key::space); });
-    points("start where it is", [&] { hit(Key::space), hit(in, &fx.btOK); });
-    points("stop where it is", [&] { hit(Key::space), hit(out); });
-    points("a field takes letters",
-           [&] { hit(Key::space), hit(in, fx.TxtPos.sec), hit(out, fx.TxtPos.sec); });
-
-    text += "== the picture of the editor\n";
-    const auto place = [](int x, int y, MouseButton button = MouseButton::left, int shift = 0) {
-        return MouseEvent{button, shift, x * kTwipsPerPixel, y * kTwipsPerPixel};
-    };
-    const auto turned = [&](const char* what, std::initializer_list<std::function<void()>> steps) {
-        points(what, [&] {
-            for (const auto& step : steps) step(), note(what);
-        });
-    };
-    Control& pic = fx.picWave;
-    turned("a handle", {[&] { pic.onMouseMove(place(13, 40)); }, [&] { pic.onMouseMove(place(300, 40)); },
-                        [&] { pic.onMouseDown(place(13, 40)); }, [&] { pic.onMouseMove(place(60, 40)); },
-                        [&] { pic.onMouseMove(place(90, 40, MouseButton::left, kShiftMask)); },
-                        [&] { pass(200), pic.onMouseUp(place(90, 40)); }});
-    turned("the playhead", {[&] { pic.onMouseDown(place(200, 60)); }, [&] { pic.onMouseUp(place(201, 60)); },
-                            [&] { fx.ckPlay.onClick(); },
-                            [&] { pic.onMouseDown(place(400, 60)), pic.onMouseUp(place(400, 60)); }});
-    turned("near and far", {[&] { pic.onWheel(3, 0); }, [&] { pic.onWheel(-1, kShiftMask); },
-                            [&] { pic.onMouseDown(place(400, 60, MouseButton::right)); },
-                            [&] { pic.onMouseMove(place(300, 60)); }, [&] { pic.onMouseUp(place(300, 60)); },
-                            [&] { pic.onWheel(30, 0), pass(300); }, [&] { pic.onDoubleClick({}); }});
-    const auto keys = [&](const char* what, std::initializer_list<std::pair<Key, int>> all) {
-        points(what, [&] {
-            desktop().focus = &pic;
-            for (const auto& [one, shift] : all) key(pic, one, shift), note(what);
-        });
-    };
-    keys("by keys", {{Key::right, 0},
-                     {Key::left, kCtrlMask},
-                     {Key::down, 0},
-                     {Key::left, 0},
-                     {Key::down, 0},
-                     {Key::up, 0},
-                     {Key::pageUp, 0},
-                     {Key::right, kShiftMask},
-                     {Key::pageDown, 0},
-                     {Key::pageUp, 0},
-                     {Key::home, 0},
-                     {Key::f5, 0}});
-    points("a range that holds less", [&] {
-        fx.btMaxVol.onClick(), note("the safe volume");
-        fx.cmbRange.listIndex = 0, fx.cmbRange.onChange();
-    });
-    points("another file in its place", [&] {
-        writeWav(path("new.wav"), sine(2 * 44'100, 440)),
-            fs::rename(path("new.wav"), path("Audio_Sample/A1.wav"));
-        pass(1500), note("it is shorter"), fx.btUndoAll.onClick(), note("all undone"), OKfx();
-    });
 
     text += "== playlists\n";
     const auto edited = [](std::initializer_list<const char*> lines) {

@@ -4,15 +4,18 @@
 #include <random>
 
 #include "audio/effects.h"
-#include "tests/ui/window_test.h"
+#include "startup/settings/editor_settings.h"
+#include "tests/support/approved.h"
+#include "tests/ui/approved.h"
 #include "ui/edit/jingle_editor.h"
+#include "ui/edit/positions_page.h"
 #include "ui/windows/jingle_window.h"
 
 namespace zv::test {
 
 namespace {
 
-constexpr int kSlot = 3;
+constexpr int kEdited = 3;
 constexpr double kSecond = kBytesPerMs * 1000;
 
 void setTime(const TimeFields& t, int seconds, int hundredths) {
@@ -29,18 +32,18 @@ void set(Control& control, int value) {
 
 /// The channel has what the record says.
 void expectAgreement() {
-    const JingleRecord& j = rec(kSlot);
+    const JingleRecord& j = rec(kEdited);
     const EffectVector e = ParseFXV(j.FXV, j.Freq).effects;
     for (int band = 0; band < kEqBands; ++band) {
         BASS_BFX_PEAKEQ eq{};
         eq.lBand = band;
-        ASSERT_TRUE(BASS_FXGetParameters(JEqFx[kSlot], &eq));
+        ASSERT_TRUE(BASS_FXGetParameters(JEqFx[kEdited], &eq));
         EXPECT_FLOAT_EQ(eq.fGain, static_cast<float>(e.gain(band))) << band;
     }
     BASS_DX8_REVERB reverb{};
     BASS_BFX_VOLUME volume{};
-    BASS_FXGetParameters(JReverbFx[kSlot], &reverb);
-    BASS_FXGetParameters(JVolFx[kSlot], &volume);
+    BASS_FXGetParameters(JReverbFx[kEdited], &reverb);
+    BASS_FXGetParameters(JVolFx[kEdited], &volume);
     EXPECT_FLOAT_EQ(reverb.fReverbMix, static_cast<float>(ReverbMix(e.reverbMs)));
     EXPECT_FLOAT_EQ(volume.fVolume, static_cast<float>(j.Volm * 0.01));
     const std::pair<DWORD, double> attributes[] = {
@@ -57,13 +60,13 @@ void expectAgreement() {
 class EditorTest : public WindowTest {
   protected:
     void open(const std::string& keys = {}) {
-        load(kSlot, 8000, keys);
-        clFXSet(kSlot);
+        load(kEdited, 8000, keys);
+        clFXSet(kEdited);
         ASSERT_TRUE(FxOpen);
         PalToSave = false;
     }
     JingleWindow& w = frmFX();
-    JingleRecord& j = rec(kSlot);
+    JingleRecord& j = rec(kEdited);
 };
 
 TEST_F(EditorTest, whatANumberPushesWhileItIsTypedComesBack) {
@@ -107,8 +110,8 @@ TEST_F(EditorTest, whatIsListenedToIsHeard) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        load(kSlot, tones("a1000 b1000 c1000 d1000 e1000"), row.keys);
-        clFXSet(kSlot);
+        load(kEdited, tones("a1000 b1000 c1000 d1000 e1000"), row.keys);
+        clFXSet(kEdited);
         w.TabFX.listIndex = 1;
         w.optStartEnd[0]->onChange();
         heard();
@@ -133,13 +136,108 @@ TEST_F(EditorTest, whatIsListenedToIsHeard) {
     }
 }
 
+TEST_F(ApprovedTest, PositionsAndPictureDoWhatWasApproved) {
+    JingleWindow& fx = frmFX();
+    const auto at = [](const TimeFields& field, int seconds, int hundredths) {
+        field.show({0, seconds, hundredths});
+        field.cs->onChange();
+    };
+    const auto points = [&](const char* what, const std::function<void()>& set) {
+        act(what, [&] {
+            editorSettings.ActiveFXTab = 1, fx.ckLinkLILO.value = 0, fx.optStartEnd[0]->onChange();
+            clFXSet(kSlot), fx.optStartEnd[0]->onChange(), pass(1000), watch->changes();
+            set();
+        });
+    };
+    points("a step beyond the hundredths carries", [&] { at(fx.TxtPos, 1, 100); });
+    points("a step below the seconds", [&] { at(fx.TxtPos, -1, 20); });
+    points("a start behind the end", [&] { at(fx.TxtPos, 59, 0); });
+    points("loop in pushes loop out", [&] { at(fx.TxtLI, 5, 0); });
+    points("loop in keeps the length",
+           [&] { fx.ckLinkLILO.value = 1, fx.ckLinkLILO.onChange(), at(fx.TxtLI, 2, 0); });
+    points("the slider's end is the length",
+           [&] { fx.sldLO.value = fx.sldLO.maximum(), fx.sldLO.onChange(); });
+    points("loop out leaves the end",
+           [&] { fx.sldLO.value = fx.sldLO.maximum(), fx.sldLO.onChange(), at(fx.TxtLO, 5, 0); });
+    points("its fade otherwise", [&] {
+        for (const int on : {0, 1})
+            fx.ckLogFadeOut.value = on, fx.ckLogFadeOut.onChange(), note("fade " + std::to_string(on));
+    });
+    points("a start copied", [&] { at(fx.TxtPos, 3, 0), fx.btCopyStartPos.onClick(); });
+    const auto hit = [&](Key which, Control* focus = nullptr, int shift = 0) {
+        desktop().focus = focus;
+        key(fx.form.window, which, shift), pass(500);
+    };
+    const Key in = static_cast<Key>('I'), out = static_cast<Key>('O');
+    points("keys that others take", [&] {
+        hit(in), hit(Key::space, fx.TxtPos.sec), hit(Key::space, &fx.btOK);
+        hit(Key::space, nullptr, kCtrlMask), hit(out, fx.TxtPos.sec);
+    });
+    points("the blank plays", [&] { hit(Key::space); });
+    points("once more stops", [&] { hit(Key::space), hit(Key::space); });
+    points("start where it is", [&] { hit(Key::space), hit(in, &fx.btOK); });
+    points("stop where it is", [&] { hit(Key::space), hit(out); });
+    points("a field takes letters",
+           [&] { hit(Key::space), hit(in, fx.TxtPos.sec), hit(out, fx.TxtPos.sec); });
+
+    text += "== the picture of the editor\n";
+    const auto place = [](int x, int y, MouseButton button = MouseButton::left, int shift = 0) {
+        return MouseEvent{button, shift, x * kTwipsPerPixel, y * kTwipsPerPixel};
+    };
+    const auto turned = [&](const char* what, std::initializer_list<std::function<void()>> steps) {
+        points(what, [&] {
+            for (const auto& step : steps) step(), note(what);
+        });
+    };
+    Control& pic = fx.picWave;
+    turned("a handle", {[&] { pic.onMouseMove(place(13, 40)); }, [&] { pic.onMouseMove(place(300, 40)); },
+                        [&] { pic.onMouseDown(place(13, 40)); }, [&] { pic.onMouseMove(place(60, 40)); },
+                        [&] { pic.onMouseMove(place(90, 40, MouseButton::left, kShiftMask)); },
+                        [&] { pass(200), pic.onMouseUp(place(90, 40)); }});
+    turned("the playhead", {[&] { pic.onMouseDown(place(200, 60)); }, [&] { pic.onMouseUp(place(201, 60)); },
+                            [&] { fx.ckPlay.onClick(); },
+                            [&] { pic.onMouseDown(place(400, 60)), pic.onMouseUp(place(400, 60)); }});
+    turned("near and far", {[&] { pic.onWheel(3, 0); }, [&] { pic.onWheel(-1, kShiftMask); },
+                            [&] { pic.onMouseDown(place(400, 60, MouseButton::right)); },
+                            [&] { pic.onMouseMove(place(300, 60)); }, [&] { pic.onMouseUp(place(300, 60)); },
+                            [&] { pic.onWheel(30, 0), pass(300); }, [&] { pic.onDoubleClick({}); }});
+    const auto keys = [&](const char* what, std::initializer_list<std::pair<Key, int>> all) {
+        points(what, [&] {
+            desktop().focus = &pic;
+            for (const auto& [one, shift] : all) key(pic, one, shift), note(what);
+        });
+    };
+    keys("by keys", {{Key::right, 0},
+                     {Key::left, kCtrlMask},
+                     {Key::down, 0},
+                     {Key::left, 0},
+                     {Key::down, 0},
+                     {Key::up, 0},
+                     {Key::pageUp, 0},
+                     {Key::right, kShiftMask},
+                     {Key::pageDown, 0},
+                     {Key::pageUp, 0},
+                     {Key::home, 0},
+                     {Key::f5, 0}});
+    points("a range that holds less", [&] {
+        fx.btMaxVol.onClick(), note("the safe volume");
+        fx.cmbRange.listIndex = 0, fx.cmbRange.onChange();
+    });
+    points("another file in its place", [&] {
+        writeWav(path("new.wav"), sine(2 * 44'100, 440)),
+            std::filesystem::rename(path("new.wav"), path("Audio_Sample/A1.wav"));
+        pass(1500), note("it is shorter"), fx.btUndoAll.onClick(), note("all undone"), OKfx();
+    });
+    expectApproved("ui/editor.txt", lined());
+}
+
 /// The edited jingle is silence, so that what the output sends are the others to the bit. ZV_EDITOR_SECONDS makes it
 /// longer.
 TEST_F(EditorTest, randomMovesReachRecordAndChannelAndNothingElse) {
     constexpr int kFirst = 10, kOthers = 20, kEachMs = 40;
     const char* const longer = std::getenv("ZV_EDITOR_SECONDS");
     const int ms = 1000 * (longer != nullptr ? std::atoi(longer) : 15);
-    load(kSlot, level(8000 * 44, 0), "Seq=1 LoopIn=2000 LoopOut=4000");
+    load(kEdited, level(8000 * 44, 0), "Seq=1 LoopIn=2000 LoopOut=4000");
     for (int i = 0; i < kOthers; ++i)
         load(kFirst + i, sine(44 * 2500, 200 + 37 * i, 0.02),
              i % 2 == 0 ? "Loop=1" : "Loop=1 FXV=-3,0,0,5,0,0,0,0,0,44100,0");
@@ -160,7 +258,7 @@ TEST_F(EditorTest, randomMovesReachRecordAndChannelAndNothingElse) {
     };
     const std::vector<float> alone = show([] {});
 
-    clFXSet(kSlot);
+    clFXSet(kEdited);
     w.picWave.width = 800 * kTwipsPerPixel;
     w.picWave.height = 120 * kTwipsPerPixel;
     const PersistedJingle before = j.persisted();
