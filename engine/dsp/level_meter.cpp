@@ -59,7 +59,6 @@ void LevelMeter::feed(const float* stereo, std::size_t frames, float gain) {
 }
 
 void LevelMeter::feedSilence(std::size_t frames) {
-    frames = std::min(frames, (ring_.size() + 1) * kBucket);  // the ring holds no more
     while (frames > 0) {
         const std::size_t part = std::min(frames, kBucket - inBucket_);
         inBucket_ += part;

@@ -130,7 +130,7 @@ Resampler::~Resampler() = default;
 
 void Resampler::setCorrection(double ppm) {
     constexpr double kMost = 2000, kOne = 18446744073709551616.0;  // 2^64
-    correctionPpm_ = std::clamp(std::isfinite(ppm) ? ppm : 0.0, -kMost, kMost);
+    correctionPpm_ = std::clamp(ppm, -kMost, kMost);
     step_.whole = inRate_ / outRate_;
     step_.fraction = static_cast<std::uint64_t>((static_cast<Wide>(inRate_ % outRate_) << 64) / outRate_);
     if (correctionPpm_ == 0) return;
