@@ -16,7 +16,6 @@ constexpr std::uint64_t kDriverGoneMicros = 500'000;  ///< silent so long, the d
 constexpr std::uint64_t kDriverLateMicros = 30'000, kLatePeriods = 4;
 constexpr double kBridgeSlackMs = 12;  ///< over the periods of both sides: scheduling
 constexpr double kBridgeLeastMs = 18, kBridgeMostMs = 60;
-constexpr double kBridgePpmPerMs = 10;
 
 }  // namespace
 
@@ -63,7 +62,6 @@ void OutputSlot::take(std::uint32_t rate, std::uint32_t period) {
     options.leastMs = kBridgeLeastMs;
     options.mostMs = kBridgeMostMs;
     options.targetMs = 2 * period * 1000.0 / rate + kBridgeSlackMs;
-    options.ppmPerMs = kBridgePpmPerMs;
     auto bridge = std::make_unique<Bridge>(options);
     std::unique_ptr<dsp::Resampler> resampler;
     std::vector<float> in;
@@ -240,13 +238,10 @@ bool Outputs::isOpen(int number) const {
 }
 
 bool Outputs::anyOpen() const {
-    for (int i = 0; i < kMostDevices; ++i)
-        if (isOpen(i)) return true;
-    return false;
+    return std::ranges::any_of(owned_, [](const auto& slot) { return slot && slot->ready(); });
 }
 
 int Outputs::open(int number, const std::string& id, std::uint32_t rate, DeviceSource& source) {
-    if (number < 0 || number >= kMostDevices) return BASS_ERROR_DEVICE;
     const auto place = static_cast<std::size_t>(number);
     if (!owned_[place]) {
         owned_[place] = std::make_unique<OutputSlot>(*this, number);
@@ -274,8 +269,8 @@ void Outputs::wake() {
 
 const OutputSlot* Outputs::leader(const OutputSlot* without) const {
     const OutputSlot* best = nullptr;
-    for (int i = 0; i < kMostDevices; ++i) {
-        const OutputSlot* other = this->slot(i);
+    for (const auto& place : slots_) {
+        const OutputSlot* other = place.load(std::memory_order_acquire);
         if (!other || other == without || !other->usable()) continue;
         if (!best || other->rank.load(std::memory_order_relaxed) < best->rank.load(std::memory_order_relaxed))
             best = other;

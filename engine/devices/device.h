@@ -79,7 +79,7 @@ class Outputs {
   public:
     explicit Outputs(Graph& graph) : graph_(graph) {}
 
-    /// Opens output `number` (0: no sound). Returns a BASS_ERROR_ code. [control]
+    /// Opens output `number` (0: no sound; below kMostDevices). Returns a BASS_ERROR_ code. [control]
     int open(int number, const std::string& id, std::uint32_t rate, DeviceSource& source);
     void close(int number);  // [control]
     bool isOpen(int number) const;

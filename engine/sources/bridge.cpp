@@ -161,8 +161,9 @@ void Bridge::follow(double distance, std::size_t frames) {
         // Most of the time equal rates pass the samples themselves; a frame is given or taken now and then.
         debt_ += ppm * 1e-6 * static_cast<double>(frames);
         if (glideLeft_ == 0 && std::abs(debt_) >= 1) {
-            resampler_.glide(debt_ > 0 ? 1 : -1);
-            debt_ -= debt_ > 0 ? 1 : -1;
+            const double frame = std::copysign(1.0, debt_);
+            resampler_.glide(static_cast<int>(frame));
+            debt_ -= frame;
             glideLeft_ = dsp::Resampler::kGlideFrames;
         }
     }

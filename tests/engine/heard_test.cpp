@@ -76,6 +76,7 @@ TEST_F(Heard, AStopOvertakesItsOwnPlay) {
     float gain = 0;
     BASS_ChannelGetAttribute(other, BASS_ATTRIB_VOLDSP, &gain);
     EXPECT_EQ(gain, 0.25F) << "what waited outside was obeyed";
+    EXPECT_GT(engineControl()->statistics(kMain).commandOverflows, 0U);
 }
 
 /// A stream that gives as much as it is allowed to.
