@@ -93,10 +93,8 @@ bool keyHeld(int virtualKey);
 /// True while the mouse stands over that window.
 bool mouseOver(const Control& window);
 void setClipboard(const std::string& text);
-std::string clipboard();
 bool registerFont(const std::string& file);
 bool fontInstalled(const std::string& family);
-std::vector<std::string> installedFonts();
 struct Monitor {
     int left = 0, top = 0, width = 0, height = 0;
 };  ///< pixels

@@ -17,9 +17,8 @@ struct HttpRequest {
     std::string url;
     std::string body;                                          ///< of a POST
     std::vector<std::pair<std::string, std::string>> headers;  ///< "Content-Type", ...
-    int timeoutMs = 5000;         ///< connecting, and then each wait for more, at most
-    bool anyCertificate = false;  ///< https: who answers need not prove who it is
-    std::string file;             ///< where the answer's bytes go; empty: into the reply
+    int timeoutMs = 5000;  ///< connecting, and then each wait for more, at most
+    std::string file;      ///< where the answer's bytes go; empty: into the reply
 };
 
 struct HttpReply {

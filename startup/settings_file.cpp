@@ -203,7 +203,6 @@ void LoadZVini(bool firstLoad) {
     }
     if (!load.defaults.empty()) SettingsStore.PutSection(kSettingsSection, load.defaults, false);
     callUp(startupUpcalls.gridChanged);
-    callUp(startupUpcalls.prepareHotLists);
     if (!load.bad.empty()) {
         const char* what = load.errorNumber == kErrorOverflow ? "Overflow: " : "Type mismatch: ";
         ErrorReport("modMain.LoadZVini", load.errorNumber, what + load.bad);

@@ -43,8 +43,6 @@ struct StartupUpcalls {
     // ---- palettes and settings ----
     std::function<std::vector<std::string>()> paletteNames;  ///< entries of lstPal in their order
     std::function<void()> gridChanged;  ///< LoadZVini knows JinglesRows and JinglesCols: work out LastPalIdx
-    std::function<void()>
-        prepareHotLists;  ///< fill cmbHotJinglesHeight (1 to 10), cmbHotJinglesRows (1 to 2)
 
     // ---- splash (ui) ----
     std::function<void(const std::string& text)> splashStep;  ///< lblStep

@@ -172,9 +172,7 @@ void fillAudio() {
     audioUpcalls.slotLoaded = showLoaded;
     audioUpcalls.slotOpened = [](int index) {
         const JingleRecord& j = Jingle(index);
-        if (j.PlayingOtherPal) {
-            paintAtRest(index);
-        } else if (ChoosingTimeJingle && !j.Path.empty() && !j.MissingFile) {
+        if (!j.PlayingOtherPal && ChoosingTimeJingle && !j.Path.empty() && !j.MissingFile) {
             PaintButton(index, Shaded.ta, GetForeColor(Shaded.ta, "jingle"));
         }
     };

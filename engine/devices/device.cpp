@@ -40,6 +40,7 @@ bool OutputSlot::open(std::unique_ptr<SoundDevice> device, bool oneClock) {
     device_ = std::move(device);
     if (device_->rate() == 0) return false;
     oneClock_ = oneClock;
+    for (auto* counter : {&callbacks_, &asked_, &underruns_, &longestNs_}) *counter = 0;
     take(device_->rate(), device_->period());
     lost_.store(false, std::memory_order_release);
     ready_.store(true, std::memory_order_release);

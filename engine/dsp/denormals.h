@@ -5,8 +5,8 @@
 
 namespace zv::engine {
 
-/// While it lives, the calling thread's denormal results and operands count as zero; the former mode comes
-/// back with its end. Stands at the render root and at the top of workers that compute sound. [any]
+/// While it lives, the calling thread's denormal results and operands count as zero; its destructor restores the
+/// former mode. Stands where a callback begins to render, and in workers that compute sound. [any]
 class FlushToZero {
   public:
     FlushToZero();

@@ -31,7 +31,7 @@ inline Eight sumsOf(const Eight (&v)[8]) {
            __builtin_shufflevector(a, b, 1, 3, 9, 11, 5, 7, 13, 15);
 }
 
-/// Of sixteen in a row those with even, and with odd numbers; and the way back, first and second half.
+/// Of sixteen floats those with even, and those with odd numbers. zipLow() and zipHigh() undo it: first, second eight.
 inline Eight evens(Eight a, Eight b) { return __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14); }
 inline Eight odds(Eight a, Eight b) { return __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15); }
 inline Eight zipLow(Eight a, Eight b) { return __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11); }
@@ -63,8 +63,8 @@ inline void storeHalves(float* low, float* high, Eight v) {
 inline Eight handedOn(Eight first, Eight then) {
     return __builtin_shufflevector(first, then, 3, 8, 9, 10, 7, 12, 13, 14);
 }
-/// A stereo frame, its left sample all over the lower half, its right one all over the upper; and the last of
-/// each half as a frame.
+/// sidesOf(): the left sample in all lanes of the lower half, the right one in all lanes of the upper. storeSides():
+/// the last lane of each half, as a frame.
 inline Eight sidesOf(const float* frame) {
     const float l = frame[0], r = frame[1];
     return Eight{l, l, l, l, r, r, r, r};

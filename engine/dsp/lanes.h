@@ -1,5 +1,5 @@
-/// Floats side by side in the compiler's own vector notation, and which of the two paths through them is in
-/// use. What the kernels compute with, `Eight`, each path brings itself: see two_paths.h.
+/// Vectors of floats in the compiler's own notation, and which of the two paths through them is in use. Each path
+/// defines `Eight`, the type that its kernels compute with: see two_paths.h.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +15,7 @@ using Double4 = double __attribute__((vector_size(32)));
 using Float4 = float __attribute__((vector_size(16)));
 using Int4 = std::int32_t __attribute__((vector_size(16)));
 
-/// What usesWidePath() of mix.h reads.
+/// The same as usesWidePath() of mix.h.
 bool wideChosen();
 
 }  // namespace zv::engine::dsp

@@ -1,8 +1,8 @@
 // Included by level_meter.cpp once a path, inside a namespace of the path's own; no include guard for that
 // reason.
 
-/// Peak and power of `frames` frames. The next block of the same sound is asked for while this one is
-/// measured: with a hundred sounds in turn the processor does not foresee it by itself.
+/// Peak and power of `frames` frames. Prefetches the next block of the same sound: with a hundred sounds in turn the
+/// processor does not foresee it by itself.
 StereoSums measure(const float* stereo, std::size_t frames) {
     constexpr std::size_t kAhead = 512;  // samples
     Eight peak{}, even{}, odd{};

@@ -51,7 +51,7 @@ struct GainCurve {
         return base * coarse[place / kFine] * fine[place % kFine];
     }
 };
-/// Those of `count` frames, the first of which has the place `place`.
+/// Writes the gains of `count` frames, the first of which has the place `place`.
 void curveGains(float* out, const GainCurve& curve, double base, std::size_t place, std::size_t count);
 /// out += in * gains[i], one gain a frame (a logarithmic slide).
 void mixStereo(float* out, const float* in, std::size_t frames, const float* gains);
@@ -74,8 +74,8 @@ void monoToStereo(float* out, const float* in, std::size_t frames);
 /// channels is 2.
 void foldToStereo(float* out, const float* in, std::size_t frames, std::uint32_t channels);
 
-/// Samples that are no numbers, or far beyond any sound (1e9), become silence: a damaged file must not deafen the
-/// filters that it passes. [any]
+/// Samples that are no numbers, or above 1e9, become silence: in the state of a filter they would stay for ever.
+/// [any]
 void makeHarmless(std::span<float> samples);
 
 /// Float to 16-bit: times 32768, rounded to the nearest (halves to even), cut to the range. NaN becomes 0.

@@ -12,8 +12,8 @@ void add2(float* out, const float* a, const float* b, std::size_t samples, float
     for (; i < samples; ++i) out[i] = (out[i] + a[i] * ga) + b[i] * gb;
 }
 
-/// What of the same sounds comes next is asked for meanwhile: with a hundred sounds in turn the processor does
-/// not foresee it by itself.
+/// Frames ahead at which the same sounds are prefetched: with a hundred sounds in turn the processor does not
+/// foresee them by itself.
 constexpr std::size_t kNextBlock = 512;  // samples
 
 inline void askForNext(const float* a, const float* b, const float* c, const float* d, std::size_t sample) {
@@ -81,7 +81,7 @@ void gained(float* out, const float* in, std::size_t frames, const float* gains)
         [&](std::size_t i) { return gains[i]; });
 }
 
-/// One source: what of it comes next, four frames a call, each sample for its side.
+/// One source, times its gains: four frames a call, each sample for its side.
 template <bool Mono>
 struct Feed {
     const float* from;

@@ -30,7 +30,7 @@ double amplitudeOf(const PeakBand& band) {
     return std::pow(10.0, std::clamp(band.gainDb, -120.0, 120.0) / 40);
 }
 
-/// Four bands with even numbers, then four with odd ones.
+/// The lane of a band in its group: four lanes for the even numbers, then four for the odd ones.
 std::size_t laneOf(std::size_t band) { return band % 2 * (kLaneCount / 2) + band % kLaneCount / 2; }
 
 void setFlat(EqGroup::Table& table, std::size_t lane) {

@@ -1,6 +1,6 @@
 /// Peaking equaliser: any number of bands in one effect, stereo. Biquads after Robert Bristow-Johnson,
-/// "Cookbook formulae for audio equalizer biquad filter coefficients" (peakingEQ), eight bands computed at
-/// once: each works on a frame that the band before it is through with.
+/// "Cookbook formulae for audio equalizer biquad filter coefficients" (peakingEQ). Eight bands are computed at
+/// once: each band filters an earlier frame than the band before it.
 #pragma once
 
 #include <array>
@@ -22,7 +22,7 @@ struct PeakBand {
 /// Whether `band` leaves sound at `rate` as it is. [any]
 bool isFlat(const PeakBand& band, double rate);
 
-/// Eight bands of the equaliser and what they remember. Each is the cookbook's filter as a pair of
+/// Eight bands of the equaliser with their state. Each is the cookbook's filter as a pair of
 /// trapezoidal integrators, because the direct form is too coarse in 32 bits for bands of some 100 Hz:
 ///   d = x - i2;  i1' = p i1 + q d;  i2' = i2 + q i1 + b d;  y = (g x + c1 i1) - c2 i2
 /// A flat band has g = 1 and c1 = c2 = 0: the very samples, whatever the integrators hold.
@@ -52,7 +52,7 @@ class PeakEq {
     void setBand(std::size_t index, const PeakBand& band);
     /// Filters stereo frames in place. All bands flat: returns at once, the samples untouched. [audio]
     void process(float* stereo, std::size_t frames);
-    /// Asks the processor for what process() will touch: with a hundred units in turn none finds it near.
+    /// Prefetches the state that process() reads: with a hundred units in turn none is in the cache.
     /// [audio]
     void prefetch() const;
     /// Empties the memory and ends changes under way; no cost when nothing has passed. [audio]

@@ -34,7 +34,7 @@ inline void step(Four& s, Eight in, const Coefficients& c) {
     s.i1 = c.p * s.i1 + c.q * d;
 }
 
-/// Lanes outside `valid` keep their memory: their frame lies before or behind the block.
+/// Lanes outside `valid` keep their state: their frame lies before or behind the block.
 inline void step(Four& s, Eight in, const Coefficients& c, Mask valid) {
     const Eight i1 = s.i1, i2 = s.i2;
     step(s, in, c);
@@ -58,8 +58,8 @@ inline void advance(Coefficients& c, const Coefficients& d, Mask valid) {
          chosen(valid, n.g, c.g), chosen(valid, n.c1, c.c1), chosen(valid, n.c2, c.c2)};
 }
 
-/// Every band hands on to the next, two frames later: after one frame the processor would wait for each sum. The
-/// bands with even numbers and those with odd ones take turns.
+/// Each band takes what the band before it gave two steps ago: with one step the processor would wait for each sum.
+/// In each step first the four bands with even numbers are computed, then the four with odd ones.
 template <bool Ramp>
 void filter(EqGroup& group, float* stereo, std::size_t frames) {
     constexpr std::int32_t kLate = 2, kLast = 7 * kLate, kHalf = 4;

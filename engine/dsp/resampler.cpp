@@ -196,7 +196,7 @@ static void splitSides(const float* in, std::size_t frames, float* left, float* 
     }
 }
 
-/// Takes frames into the window, whose oldest ones go as far as nothing needs them any more.
+/// Appends frames to the window. When it is full, first drops the oldest frames that no filter reaches any more.
 void Resampler::push(const float* in, std::size_t frames) {
     if (filled_ + frames > stride_) {
         const auto behind = static_cast<std::size_t>(fed_ - std::min(fed_, at_.whole));  // still to be heard

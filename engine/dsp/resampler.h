@@ -42,7 +42,7 @@ class Resampler {
     void setCorrection(double ppm);
     double correction() const { return correctionPpm_; }
     /// Equal rates: gives one source frame more (above 0) or less in the next kGlideFrames output frames, spread
-    /// evenly; setCorrection(0) must follow then, and finds the frames themselves again. [audio]
+    /// evenly; setCorrection(0) must follow then, and frames pass through unchanged again. [audio]
     void glide(int direction);
     static constexpr std::size_t kGlideFrames = 2048;  ///< a power of two: 488 parts per million
 
@@ -64,7 +64,7 @@ class Resampler {
     /// Makes stereo frames of such a sum of windows that were in this phase. [audio]
     static void convertWindow(const ResamplerPhase& phase, const float* sum, std::size_t stride,
                               std::span<float> out);
-    /// `outFrames` were made elsewhere. [audio]
+    /// Moves on by `outFrames`, which convertWindow() has made. [audio]
     void advance(std::size_t outFrames);
 
     /// Forgets the sound that is held; the next output frame is source frame 0 again. [audio]
@@ -76,7 +76,7 @@ class Resampler {
     double held() const { return static_cast<double>(fed_) - position(); }
     /// Source frames handed over since the last reset. [audio]
     std::uint64_t fed() const { return fed_; }
-    /// Hands the last `frames` of them back, at most held(): others are asked for in their place. [audio]
+    /// Forgets the last `frames` of them, at most held(): inputNeeded() asks for others in their place. [audio]
     void takeBack(std::size_t frames);
     /// True when frames pass through unchanged now. [audio]
     bool bypassed() const { return step_.whole == 1 && step_.fraction == 0 && at_.fraction == 0; }

@@ -115,8 +115,8 @@ void Reverb::set(const ReverbSettings& wish) {
     begin(goal, false);
 }
 
-/// Sets out for `goal` from where the gains are now; at once when nothing has passed yet. `leaving`: to be silent
-/// there.
+/// Begins the ramp from the present gains to `goal`; when nothing has passed yet, the gains are there at once.
+/// `leaving`: the reverb is bypassed at the end of the ramp.
 void Reverb::begin(const ReverbGains& goal, bool leaving) {
     if (passed_) {
         const float t = static_cast<float>(rampAt_) / static_cast<float>(rampFrames_);
@@ -148,7 +148,7 @@ void Reverb::process(float* stereo, std::size_t frames) {
         if (rampAt_ < rampFrames_) {
             part = std::min<std::size_t>(part, rampFrames_ - rampAt_);
         } else if (leaving_) {
-            running_ = leaving_ = false;
+            running_ = false;
             return;
         }
         part = std::min(part, kBlock);
@@ -255,7 +255,7 @@ void Reverb::reset() {
     passed_ = false;
     clear();
     rampAt_ = rampFrames_;
-    if (leaving_) running_ = leaving_ = false;
+    if (leaving_) running_ = false;
 }
 
 }  // namespace zv::engine::dsp

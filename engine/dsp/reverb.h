@@ -48,13 +48,13 @@ class Reverb {
     struct Run;
 
   private:
-    /// A line takes eight frames at once out of its memory and puts eight in their place. It holds one frame
-    /// more than its length, because its damping asks for the one before. Where eight run over its end, what
-    /// lies behind the end stands for its beginning.
+    /// A ring in memory_. Eight frames at once are read from it and replaced. It holds one frame more than its length,
+    /// because the damping reads the frame before. Behind its end lies room for a copy of its first frames, so that
+    /// eight frames in a row can run over the end.
     struct Line {
-        std::size_t frames = 0, at = 0, offset = 0;  // it holds; where it stands; where it lies in the memory
+        std::size_t frames = 0, at = 0, offset = 0;  // in the ring; the next one; of the ring in memory_
     };
-    /// A diffuser is so short that it is laid out anew for each block: what it holds is in order.
+    /// A delay so short that each block copies it: memory_ holds its frames from the oldest to the newest.
     struct Diffuser {
         std::size_t length = 0, offset = 0;
     };

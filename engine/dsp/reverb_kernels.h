@@ -10,13 +10,13 @@ struct Gain {
     Eight at(Eight t) const { return Ramp ? from + way * t : from; }
 };
 
-/// `groups` times eight frames: out of the delays into which they go again. With Part, the first `lanes` of
-/// one group only; what lies behind them in the delays stays.
+/// Reads `groups` times eight frames from the delays and writes the new ones in their place. With Part, only the first
+/// `lanes` frames of one group; the delays keep what lies behind those.
 template <bool Ramp, bool Part>
 void network(const Run& from, std::size_t groups, std::int32_t lanes) {
     constexpr float kAllpass = 0.5f;          // of a diffuser: flat in level, dense in time
     constexpr float kHadamard = 0.35355339f;  // 1 / sqrt(8)
-    const Run run = from;                     // nothing that is stored here can change it
+    const Run run = from;                     // a copy, which no store below can change
     const Mask valid = lanesOf(0, lanes);
     const ReverbGains &a = *run.from, &b = *run.to;
     const Gain<Ramp> send(a.send, b.send), wet(a.wet, b.wet), dry(a.dry, b.dry);

@@ -95,7 +95,7 @@ std::size_t Stretcher::bestStart(std::size_t window) {
     return window + place;
 }
 
-/// The next sequence belongs `frames` of output behind the last one: what lies before its search is let go.
+/// Moves the place of the next sequence on by `frames` of output, and drops the source frames before its search.
 void Stretcher::pass(std::size_t frames) {
     place_ += tempo_ * static_cast<double>(frames);
     const double widest = std::ceil(kSlowSearch * rate_ / 2);

@@ -147,12 +147,7 @@ bool keyHeld(int virtualKey) { return Stage::instance().heldKeys.contains(virtua
 
 bool mouseOver(const Control& window) { return window.name == Stage::instance().mouseWindow; }
 
-void setClipboard(const std::string& contents) {
-    noteEvent("clipboard", contents);
-    Stage::instance().clipboard = contents;
-}
-
-std::string clipboard() { return Stage::instance().clipboard; }
+void setClipboard(const std::string& contents) { noteEvent("clipboard", contents); }
 
 std::vector<Monitor> monitors() { return {kScreen}; }
 

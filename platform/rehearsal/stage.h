@@ -33,7 +33,6 @@ struct Stage {
     std::deque<std::string> answers;  ///< for the next message boxes and dialogs
     bool closing = false;             ///< the script has ended: questions are answered with yes
     bool quitAsked = false;
-    std::string clipboard;
 
     /// Waits, performing the script, until an item of the open menu is chosen; its name, or nothing.
     std::function<std::string(const std::vector<MenuItem>&)> chooseFromMenu;

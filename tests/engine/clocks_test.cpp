@@ -139,39 +139,6 @@ INSTANTIATE_TEST_SUITE_P(SlowClocks, Drift,
                          testing::Values(std::pair{-200.0, 0.0}, std::pair{100.0, 0.0},
                                          std::pair{-100.0, 0.0}, std::pair{0.0, 0.0}));
 
-TEST_F(Clocks, TheOutputThatFollowedGoesOnWithoutACorner) {
-    playTone(150, -50);
-    pull(88200);
-    take(kAuxName);
-    for (const bool told : {true, false, true, false}) {  // or it just asks for nothing any more
-        told ? devices->unplug(kMainName) : devices->hang(kMainName, true);
-        pull(88200 + 123);
-        take();
-        told ? devices->plug(kMainName) : devices->hang(kMainName, false);
-        pull(88200 + 77);
-        // The main output gives the file itself again, and at once.
-        const std::vector<float> main = take();
-        std::size_t at = 0;
-        while (at < Tone::turn && (tone.wave[at] != main[0] || tone.wave[(at + 1) % Tone::turn] != main[2]))
-            ++at;
-        for (std::size_t f = 0; f < main.size() / 2; ++f)
-            ASSERT_EQ(tone.wave[(at + f) % Tone::turn], main[f * 2]) << f;
-    }
-    const std::vector<float> aux = take(kAuxName);
-    EXPECT_GT(aux.size() / 2, 8U * 88200 - 100);
-    EXPECT_EQ(Tone::corner(aux), aux.size() / 2);
-    EXPECT_EQ(engineControl()->statistics(kAux).sourceUnderruns, 0U);
-    // Both hang, as on a server that stands still: after half a second the no-sound device goes on.
-    for (const bool on : {true, false}) {
-        for (const std::string& name : {kMainName, kAuxName}) devices->hang(name, on);
-        const QWORD before = BASS_ChannelGetPosition(jingle, BASS_POS_BYTE);
-        pull(4410);
-        EXPECT_EQ(BASS_ChannelGetPosition(jingle, BASS_POS_BYTE) != before, !on);
-        pull(44100);
-        EXPECT_NE(BASS_ChannelGetPosition(jingle, BASS_POS_BYTE), before);
-    }
-}
-
 TEST_F(Clocks, APressInARestSoundsAtOnceAndWhole) {
     begin({.rests = true});
     decoders->sounds["count"] = {.length = 60000, .sample = ramp};

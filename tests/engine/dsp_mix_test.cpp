@@ -120,11 +120,10 @@ TEST(DspMix, FoldsChannelsDown) {
 }
 
 TEST(DspMix, SixteenBitsAreRoundedAndCut) {
-    const float hard[] = {1.0f, 2e9f, -1e30f, std::nanf(""), 0.5f / 32768, 1.5f / 32768, -0.5f / 32768};
-    std::int16_t cut[7];
-    toInt16(cut, hard, 7);
-    EXPECT_EQ((std::vector<std::int16_t>(cut, cut + 7)),
-              (std::vector<std::int16_t>{32767, 32767, -32768, 0, 0, 2, 0}));
+    const float hard[] = {1.0f, 2e9f, -1e30f, std::nanf(""), 0.5f / 32768, 1.5f / 32768, -0.5f / 32768, 1};
+    std::vector<std::int16_t> cut(8, 9);
+    toInt16(cut.data(), hard, 7);
+    EXPECT_EQ(cut, (std::vector<std::int16_t>{32767, 32767, -32768, 0, 0, 2, 0, 9}));
 }
 
 TEST(DspLevelMeter, PeakAndRmsOfWhatWasHeardLast) {

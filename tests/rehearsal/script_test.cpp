@@ -131,7 +131,7 @@ TEST(RehearsedWeb, AnswersRequestsAsTheLongestRuleSays) {
                                         {"http://b/", "POST=1 0 connection refused after 20"}}) {
         const std::int64_t start = clock.now();
         const Job job = startRequest(
-            {"POST", url, "=1", {}, 3000, false, copy},
+            {"POST", url, "=1", {}, 3000, copy},
             [&](const HttpReply& r) {
                 told += std::to_string(r.status) + (r.error.empty() ? "" : " " + r.error) + " after " +
                         std::to_string(clock.now() - start);

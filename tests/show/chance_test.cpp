@@ -236,9 +236,13 @@ class Chance : public ShowTest {
                 if (s.is.PlayingOtherPal && !s.waits) return;
                 const bool same = any(3) != 0;
                 PersistedJingle to = content(i, (s.is.Path[0] == 'F') == same ? 0 : 1);
-                if (s.sounds && same)
-                    to.Loop = s.is.Loop, to.Seq = s.is.Seq, to.LoopIn = s.is.LoopIn,
-                    to.LoopOut = s.is.LoopOut;
+                if (s.sounds && same) {
+                    to.Loop = s.is.Loop, to.Seq = s.is.Seq;
+                    // What is read ahead lies before the end of the loop.
+                    const int end = to.LoopOut == 0 ? s.sound.lengthMs : s.sound.ms(to.LoopOut);
+                    if (s.at + 60 > std::min(end, s.loopOut))
+                        to.LoopIn = s.is.LoopIn, to.LoopOut = s.is.LoopOut;
+                }
                 what = "bring" + what + " " + to.Path;
                 BringSlot(i, to);
                 model.bring(i, to);

@@ -126,7 +126,11 @@ void Model::bring(int index, const PersistedJingle& content) {
     s.derive();
     s.own.start(content.Volm / 100.0, s.sounds ? 10 : 0);
     s.own.waits = s.sounds && s.heard ? s.sound.heldMs() : 0;
-    if (s.sounds) return s.arm();
+    if (s.sounds) {
+        if (s.loops && s.is.Loop == 0)
+            s.loopIn = s.sound.ms(s.is.LoopIn), s.loopOut = s.sound.ms(s.is.LoopOut);
+        return s.arm();
+    }
     s.at = s.cue();
     s.vol.start(1, 0);
 }

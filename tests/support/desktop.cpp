@@ -87,10 +87,8 @@ int modifierKeys() { return desktop().modifiers; }
 bool keyHeld(int virtualKey) { return desktop().keys.contains(virtualKey); }
 bool mouseOver(const Control& window) { return desktop().mouseOver == &window; }
 void setClipboard(const std::string& text) { desktop().clipboard = text; }
-std::string clipboard() { return desktop().clipboard; }
 bool registerFont(const std::string& file) { return desktop().fonts.insert(file).second; }
 bool fontInstalled(const std::string&) { return true; }
-std::vector<std::string> installedFonts() { return {"MS Sans Serif"}; }
 std::vector<Monitor> monitors() { return desktop().screens; }
 void openDocument(const std::string& target) { desktop().documents.push_back(target); }
 void showInFolder(const std::string& file) { desktop().shown.push_back(file); }

@@ -248,14 +248,14 @@ Watch::Watch(std::filesystem::path folder) : folder_(std::move(folder)) {
 std::string Watch::changes() {
     std::vector<std::pair<std::string, std::vector<int>>> found;  // "name(#).property=value", its indices
     for (const Control* c : takeChanged()) {
-        const bool ticks = c->kind == ControlKind::meter || c->name.starts_with("lblPos") ||
+        const bool moves = c->kind == ControlKind::meter || c->name.starts_with("lblPos") ||
                            c->name == "lblTime" || c->name == "lblDate" || c->name.starts_with("lblMIDI") ||
                            c->name == "JRemLev" || c->name == "picbtnumber";
         const auto before = std::exchange(known_[c], properties(*c));
         const Control& face =
             c->parent != nullptr && c->parent->kind == ControlKind::jingle ? *c->parent : *c;
         const bool outOfGrid = face.kind == ControlKind::jingle && !face.visible;
-        for (std::size_t i = 0; i < std::size(kProperties) && !ticks; ++i) {
+        for (std::size_t i = 0; i < std::size(kProperties) && (timeStands || !moves); ++i) {
             if (before.empty() || known_[c][i] == before[i]) continue;
             if (outOfGrid && (c != &face || before.front() == known_[c].front())) continue;
             if (c->name == "picPlaylist" && i != 0) continue;  // a part of the button's face

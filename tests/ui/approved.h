@@ -18,6 +18,7 @@ class Watch {
     explicit Watch(std::filesystem::path folder);
     /// What is other than at the last call, "name.property=value"; equal ones of an array as one.
     std::string changes();
+    bool timeStands = false;  ///< what moves with the time is told as well
 
   private:
     std::map<std::string, std::string> rest() const;

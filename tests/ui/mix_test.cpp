@@ -6,7 +6,6 @@
 #include "audio/duck.h"
 #include "audio/levels.h"
 #include "audio/talk_over.h"
-#include "midi/upcalls.h"
 #include "startup/settings/duck_settings.h"
 #include "startup/settings/live_settings.h"
 #include "startup/settings/marks_settings.h"
@@ -15,8 +14,6 @@
 #include "ui/press/global_keys.h"
 #include "ui/screen/meters.h"
 #include "ui/screen/mic_keys.h"
-#include "ui/settings/mixer_controls.h"
-#include "ui/windows/midi_settings_window.h"
 
 namespace zv::test {
 
@@ -157,28 +154,6 @@ TEST_F(MixTest, theMicrophoneMakesRoom) {
     EXPECT_FALSE(Armed(frmMain().keys.btMicPush));
     EXPECT_NEAR(main(400), down, 0.01);
     EXPECT_NEAR(main(500), 0, 0.01);
-}
-
-TEST_F(MixTest, whatASurfaceSetsIsShownWhereverItStands) {
-    frmMixer(), frmMIDISettings();
-    Control window("frmSett", ControlKind::window);
-    Control volume("SlideVol", ControlKind::slider, &window), fade("SlideAmix", ControlKind::slider, &window),
-        value("txtVol", ControlKind::label, &window), time("TxtAmix", ControlKind::textBox, &window);
-    midiUpcalls.showVolume(40);
-    midiUpcalls.showAutoMixTime(700);
-    EXPECT_EQ(std::to_string(volume.value) + value.caption() + time.caption(), "4040 %700");
-    EXPECT_EQ(std::to_string(findControl("SlideVolDevice", 0)->value) +
-                  findControl("lblVolDeviceVal", 0)->caption(),
-              "4040 %");
-    volume.width = 4215;
-    for (const bool learns : {false, true}) {  // the keys that teach the faders stand beside the sliders
-        value.left = learns ? 0 : -1;
-        midiUpcalls.faderLearning(learns);
-        EXPECT_TRUE(volume.width == (learns ? 4215 : 5175) && fade.width == volume.width);
-        EXPECT_EQ(value.left, learns ? 3810 : 4770 - 75'000);
-        for (const char* key : {"MIDIVol", "MIDIAmix"}) EXPECT_EQ(findControl(key)->enabled, learns);
-    }
-    volumeSettings.Volume = 100;
 }
 
 TEST_F(MixTest, whyIsItQuiet) {

@@ -89,10 +89,12 @@ int tabHeader() { return px(30 * (1 + (textScale() - 1) * 0.6)); }
 
 constexpr int kKeyGap = 120;
 constexpr int kInnerGap = 90;
+constexpr int kEdge = kKeyGap;
 constexpr int kLeastKey = 32 * kTwipsPerPixel;  // a key of the strip is never lower
 
+/// What a tab's frame has inside its edge.
 struct TabArea {
-    int left, top, width, height;
+    int width, height;
 };
 
 void paletteTab(const TabArea& a) {
@@ -100,62 +102,62 @@ void paletteTab(const TabArea& a) {
     const int arrows = px(34 * textScale());
     int keys = std::clamp(a.width * 96 / 512 / kTwipsPerPixel * kTwipsPerPixel, px(72), px(150));
     const bool pairs = a.height < 4 * kLeastKey + 3 * kInnerGap;  // two by two where four are too low
-    column({&t.btUp, &t.btSearchJingle, &t.btDn}, a.left, arrows, {a.top, a.height, 3, kInnerGap});
+    column({&t.btUp, &t.btSearchJingle, &t.btDn}, kEdge, arrows, {kEdge, a.height, 3, kInnerGap});
     if (pairs) {
         const int one = std::clamp(a.width * 78 / 512 / kTwipsPerPixel * kTwipsPerPixel, px(66), px(120));
         keys = 2 * one + kInnerGap;
-        const Stretch rows{a.top, a.height, 2, kInnerGap};
-        column({&t.ckAssign, &t.btNew}, a.left + a.width - keys, one, rows);
-        column({&t.btSave, &t.btDelPal}, a.left + a.width - one, one, rows);
+        const Stretch rows{kEdge, a.height, 2, kInnerGap};
+        column({&t.ckAssign, &t.btNew}, kEdge + a.width - keys, one, rows);
+        column({&t.btSave, &t.btDelPal}, kEdge + a.width - one, one, rows);
     } else {
-        column({&t.ckAssign, &t.btSave, &t.btNew, &t.btDelPal}, a.left + a.width - keys, keys,
-               {a.top, a.height, 4, kInnerGap});
+        column({&t.ckAssign, &t.btSave, &t.btNew, &t.btDelPal}, kEdge + a.width - keys, keys,
+               {kEdge, a.height, 4, kInnerGap});
     }
     oneSize({&t.ckAssign, &t.btSave, &t.btNew, &t.btDelPal}, kDrawnText * textScale());
     const double rowText = kDrawnText * textScale() * kPointsPerPixel;
     for (Control* text : {&t.lstPal, &t.PalNameCar, &t.txtSave}) {
         text->fontSize = rowText;
     }
-    const int listLeft = a.left + arrows + kKeyGap;
+    const int listLeft = kEdge + arrows + kKeyGap;
     const int listWidth = a.width - arrows - keys - 2 * kKeyGap;
     const bool naming = t.txtSave.visible;
     const int line = px(18 * textScale()), field = px(26 * textScale());
     const int nameHeight = naming ? line + field + px(6) : 0;
-    Place(t.lstPal, listLeft, a.top, listWidth, a.height - nameHeight);
-    Place(t.PalNameCar, listLeft, a.top + a.height - field - line, listWidth, line);
-    Place(t.txtSave, listLeft, a.top + a.height - field, listWidth, field);
+    Place(t.lstPal, listLeft, kEdge, listWidth, a.height - nameHeight);
+    Place(t.PalNameCar, listLeft, kEdge + a.height - field - line, listWidth, line);
+    Place(t.txtSave, listLeft, kEdge + a.height - field, listWidth, field);
 }
 
 void announcerTab(const TabArea& a) {
     AnnouncerTab& t = frmMain().announcer;
     const int mark = px(34 * textScale()), line = px(16 * textScale()), field = px(30);
     const int keys = a.height - line - field - px(6);
-    const Stretch halves{a.left, a.width, 2, kKeyGap};
+    const Stretch halves{kEdge, a.width, 2, kKeyGap};
     const auto key = [&](Control& wide, Control& narrow, int at) {
         const int rest = narrow.visible ? mark + px(6) : 0;
-        Place(wide, halves.at(at), a.top, halves.size(at) - rest, keys);
-        Place(narrow, halves.at(at) + halves.size(at) - mark, a.top, mark, keys);
+        Place(wide, halves.at(at), kEdge, halves.size(at) - rest, keys);
+        Place(narrow, halves.at(at) + halves.size(at) - mark, kEdge, mark, keys);
         narrow.fontSize = kDrawnText * 1.2 * textScale() * kPointsPerPixel;
     };
     key(t.ckTmAnn, t.ckTmAnnAM, 0);
     key(t.b_tmAnJin, t.b_tmAnJinAM, 1);
     oneSize({&t.ckTmAnn, &t.b_tmAnJin}, kDrawnText * textScale());
-    const Stretch thirds{a.left, a.width, 3, kKeyGap};
+    const Stretch thirds{kEdge, a.width, 3, kKeyGap};
     Control* labels[] = {&t.lblMinute, &t.lblSecond, &t.lblDelay};
     Control* fields[] = {&t.DTMinute, &t.DTSecond, &t.DTDelay};
     for (int i = 0; i < 3; ++i) {
         labels[i]->fontSize = kDrawnText * textScale() * kPointsPerPixel;
-        Place(*labels[i], thirds.at(i), a.top + a.height - field - line, thirds.size(i), line);
-        Place(*fields[i], thirds.at(i), a.top + a.height - field, std::min(thirds.size(i), px(132)), field);
+        Place(*labels[i], thirds.at(i), kEdge + a.height - field - line, thirds.size(i), line);
+        Place(*fields[i], thirds.at(i), kEdge + a.height - field, std::min(thirds.size(i), px(132)), field);
     }
 }
 
 void liveTab(const TabArea& a) {
     LiveTab& t = frmMain().live;
-    const Stretch rows{a.top, a.height, 3, kInnerGap};
-    const Stretch wide{a.left, a.width, 4, kKeyGap};
-    const int three = wide.at(2) + wide.size(2) - a.left;
-    Place(t.cmbStream, a.left, rows.at(0), three, rows.size(0));
+    const Stretch rows{kEdge, a.height, 3, kInnerGap};
+    const Stretch wide{kEdge, a.width, 4, kKeyGap};
+    const int three = wide.at(2) + wide.size(2) - kEdge;
+    Place(t.cmbStream, kEdge, rows.at(0), three, rows.size(0));
     Place(t.btRemUrl, wide.at(3), rows.at(0), wide.size(3), rows.size(0));
     Place(t.ckPlayStream, wide.at(0), rows.at(1), wide.size(0), rows.size(1));
     // The box has no key around it to shrink its text: it takes what its words need from the key at its side.
@@ -181,8 +183,8 @@ void liveTab(const TabArea& a) {
 
 void optionsTab(const TabArea& a) {
     OptionsTab& t = frmMain().options;
-    const Stretch rows{a.top, a.height, 2, kInnerGap};
-    const Stretch wide{a.left, a.width, 4, kKeyGap};
+    const Stretch rows{kEdge, a.height, 2, kInnerGap};
+    const Stretch wide{kEdge, a.width, 4, kKeyGap};
     const int led = px(4);
     const auto cell = [&](Control& key, std::initializer_list<Control*> leds, int columnNo, int row) {
         const int left = wide.at(columnNo);
@@ -230,7 +232,7 @@ void TabDraw(int tab) {
     Place(w.ckTab[i], headers.at(tab), 0, headers.size(tab), header);
     w.ckTab[i].value = tab == ActiveTab ? 1 : 0;
     Place(w.fraTab[i], 0, header, width, height - header);
-    const TabArea area{kKeyGap, kKeyGap, width - 2 * kKeyGap, height - header - 2 * kKeyGap};
+    const TabArea area{width - 2 * kEdge, height - header - 2 * kEdge};
     if (tab == kTabs - 1) {
         oneSize({&w.ckTab[0], &w.ckTab[1], &w.ckTab[2], &w.ckTab[3]}, kDrawnText * textScale());
     }

@@ -4,7 +4,6 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QSslConfiguration>
 #include <QTimer>
 #include <QUrl>
 #include <memory>
@@ -26,11 +25,6 @@ QNetworkRequest networkRequest(const HttpRequest& request) {
     for (const auto& [name, value] : request.headers)
         made.setRawHeader(QByteArray::fromStdString(name), QByteArray::fromStdString(value));
     made.setTransferTimeout(request.timeoutMs);
-    if (request.anyCertificate) {
-        QSslConfiguration security = QSslConfiguration::defaultConfiguration();
-        security.setPeerVerifyMode(QSslSocket::VerifyNone);
-        made.setSslConfiguration(security);
-    }
     return made;
 }
 

@@ -103,8 +103,6 @@ bool mouseOver(const Control& window) {
 
 void setClipboard(const std::string& text) { QGuiApplication::clipboard()->setText(textOf(text)); }
 
-std::string clipboard() { return utf8(QGuiApplication::clipboard()->text()); }
-
 std::vector<Monitor> monitors() {
     std::vector<Monitor> out;
     for (const QScreen* screen : QGuiApplication::screens()) {

@@ -4,7 +4,7 @@
 /// The view answers these functions of platform/desktop.h for both the desktop and the rehearsal:
 ///   showWindow, hideWindow, lockUpdates, unlockUpdates, setFocus, focusedControl, setAlwaysOnTop,
 ///   setFullScreen, setMinimumSize, isMinimised, grabWindow, centreListRow, visibleListRows, registerFont,
-///   fontInstalled, installedFonts.
+///   fontInstalled.
 /// Everything else there (dialogs, menus, the keyboard's state, the clipboard, monitors, events, launching)
 /// and platform/clock.h are answered by platform/qt/desktop or platform/rehearsal, whichever is linked.
 ///
