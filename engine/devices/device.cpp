@@ -307,24 +307,21 @@ void InputSlot::heard(std::span<const float> stereo) {
 }
 
 bool InputSlot::add(const std::shared_ptr<RecordInput>& input) {
-    for (std::size_t i = 0; i < kMostRecordings; ++i) {
-        if (held_[i]) continue;
-        held_[i] = input;
-        inputs_[i].store(input.get(), std::memory_order_seq_cst);
-        return true;
-    }
-    return false;
+    const auto place = std::ranges::find(held_, nullptr);
+    if (place == held_.end()) return false;
+    *place = input;
+    inputs_[static_cast<std::size_t>(place - held_.begin())].store(input.get(), std::memory_order_seq_cst);
+    return true;
 }
 
 void InputSlot::remove(const RecordInput* input) {
-    for (std::size_t i = 0; i < kMostRecordings; ++i) {
-        if (!input || held_[i].get() != input) continue;
-        inputs_[i].store(nullptr, std::memory_order_seq_cst);
-        // A callback that still saw it is let finish.
-        const std::uint64_t call = calls_.load(std::memory_order_seq_cst);
-        while (call % 2 != 0 && calls_.load(std::memory_order_seq_cst) == call) std::this_thread::yield();
-        held_[i].reset();
-    }
+    const auto place = std::ranges::find(held_, input, [](const auto& held) { return held.get(); });
+    if (place == held_.end()) return;
+    inputs_[static_cast<std::size_t>(place - held_.begin())].store(nullptr, std::memory_order_seq_cst);
+    // A callback that still saw it is let finish.
+    const std::uint64_t call = calls_.load(std::memory_order_seq_cst);
+    while (call % 2 != 0 && calls_.load(std::memory_order_seq_cst) == call) std::this_thread::yield();
+    place->reset();
 }
 
 // ---- numbers

@@ -104,9 +104,8 @@ bool PagedSound::service() {
 
 void PagedSound::ensure(std::uint64_t frame, std::uint64_t frames) {
     assertNotAudioThread();
-    if (frames == 0 || frame >= length_) return;
-    const std::uint64_t last = (std::min(frame + frames, length_) - 1) / kPage;
-    for (std::uint64_t index = frame / kPage; index <= last; ++index) {
+    const std::uint64_t end = std::min(frame + frames, length_);
+    for (std::uint64_t index = frame / kPage; index * kPage < end; ++index) {
         const std::lock_guard lock(mutex_);
         load(index);
     }
@@ -190,7 +189,7 @@ void PagedSound::decodeInto(float* to, std::uint64_t index) {
         while (got < samples) {
             const std::size_t frames = decoder_->read({to + got, samples - got});
             if (frames == 0) break;
-            got += std::min(frames * format_.channels, samples - got);
+            got += frames * format_.channels;
             decoderAt_ += frames;
         }
         dsp::makeHarmless({to, got});

@@ -139,39 +139,5 @@ INSTANTIATE_TEST_SUITE_P(SlowClocks, Drift,
                          testing::Values(std::pair{-200.0, 0.0}, std::pair{100.0, 0.0},
                                          std::pair{-100.0, 0.0}, std::pair{0.0, 0.0}));
 
-TEST_F(Clocks, APressInARestSoundsAtOnceAndWhole) {
-    begin({.rests = true});
-    decoders->sounds["count"] = {.length = 60000, .sample = ramp};
-    devices->setClockError(kAuxName, 0);  // by its own clock, which happens to be right
-    const Topology studio;
-    const DWORD jingle = studio.jingle(file("count"));
-    for (int round = 0; round < 3; ++round) {
-        BASS_ChannelSetPosition(jingle, 0, BASS_POS_BYTE);
-        pull(44100 * 4 + 100);
-        take();
-        take(kAuxName);
-        const auto asked = engineControl()->statistics(kMain).callbacks;
-        pull(44100);
-        EXPECT_EQ(engineControl()->statistics(kMain).callbacks, asked) << "the outputs do not rest";
-        BASS_ChannelPlay(jingle, false);
-        pull(66150);
-        const std::vector<float> main = take(), aux = take(kAuxName);
-        ASSERT_EQ(main.size() / 2, 44100U + 66150U);
-        for (std::size_t f = 0; f < main.size() / 2; ++f)
-            ASSERT_EQ(main[f * 2 + 1], f >= 44100 && f < 44100 + 60000 ? ramp(f - 44100, 1) : 0) << f;
-        // The other output gives the same, from the first frame to the last, a little later.
-        std::size_t first = 0;
-        while (first < aux.size() / 2 && aux[first * 2 + 1] == 0) ++first;
-        const auto lag = static_cast<double>(first - 44100);
-        EXPECT_LT(lag / 44.1, 45) << "ms";
-        EXPECT_NEAR(frameOf(aux[first * 2]), 0, 2);
-        std::size_t f = first + 1;
-        for (; f < aux.size() / 2 && frameOf(aux[f * 2]) < 59900; ++f)
-            ASSERT_NEAR(frameOf(aux[f * 2]) - frameOf(aux[f * 2 - 2]), 1, 0.1) << f;
-        EXPECT_NEAR(static_cast<double>(f - first), 59900, 100);
-    }
-    EXPECT_EQ(engineControl()->statistics(kAux).sourceUnderruns, 0U);
-}
-
 }  // namespace
 }  // namespace zv::engine::test

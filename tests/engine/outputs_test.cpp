@@ -16,11 +16,14 @@ struct Hands final : DeviceSource {
         Line(Hands& hands, char which, std::uint32_t at, SoundClient& its)
             : rateNow(at), client(its), hands_(hands), which_(which) {
             hands.lines[which] = this;
+            if (which == 'i') return;
             std::vector<float> early(882, 9);  // asked before it is open
             its.render(early);
             EXPECT_EQ(early, std::vector<float>(882));
         }
-        ~Line() override { hands_.lines.erase(which_); }
+        ~Line() override {
+            if (hands_.lines[which_] == this) hands_.lines.erase(which_);
+        }
         std::uint32_t rate() const override { return rateNow; }
         std::uint32_t period() const override { return rateNow / 100; }
         void wake() override { ++woken; }
@@ -34,13 +37,15 @@ struct Hands final : DeviceSource {
     };
     explicit Hands(bool one) : oneClock_(one) {}
     std::vector<DeviceDescription> outputs() override { return {{"m", "m", true, 0}, {"a", "a", false, 0}}; }
-    std::vector<DeviceDescription> inputs() override { return {}; }
+    std::vector<DeviceDescription> inputs() override { return {{"i", "i", true, 0}}; }
     std::unique_ptr<SoundDevice> openOutput(const std::string& id, std::uint32_t rate,
                                             SoundClient& client) override {
-        return std::make_unique<Line>(*this, id[0], rate, client);
+        if (refuses) return nullptr;
+        return std::make_unique<Line>(*this, id[0], hasRate ? rate : 0, client);
     }
-    std::unique_ptr<SoundDevice> openInput(const std::string&, std::uint32_t, SoundClient&) override {
-        return nullptr;
+    std::unique_ptr<SoundDevice> openInput(const std::string&, std::uint32_t rate,
+                                           SoundClient& client) override {
+        return std::make_unique<Line>(*this, 'i', rate, client);
     }
     std::unique_ptr<SoundDevice> openNoSound(std::uint32_t rate, SoundClient& client) override {
         return std::make_unique<Line>(*this, '0', rate, client);
@@ -50,6 +55,7 @@ struct Hands final : DeviceSource {
     bool rests() const override { return true; }
 
     std::map<char, Line*> lines;
+    bool refuses = false, hasRate = true;  ///< to open an output; with one
 
   private:
     bool oneClock_;
@@ -72,6 +78,7 @@ class Account : public Show {
         }
         all << what << ':';
         for (const auto& [name, line] : hands->lines) {
+            if (name == 'i') continue;
             const DeviceStatistics s = statisticsOf(name);
             all << " | " << name << (s.open ? "" : " closed") << (s.lost ? " lost" : "")
                 << (s.resting ? " rests" : "") << (s.longestCallbackNs > 0 ? "" : " in no time") << ' '
@@ -99,6 +106,10 @@ class Account : public Show {
             return line.client.deviceChanged(rate, rate / 50);
         }
         std::vector<float> some(2 * std::size_t{line.period()}, 9);
+        if (name == 'i') {
+            for (float& sample : some) sample = ramp(spoken_++ / 2, 0);
+            return line.client.heard(some);
+        }
         line.client.render(some);
         heard.insert(heard.end(), some.begin(), some.end());
     }
@@ -127,6 +138,9 @@ class Account : public Show {
     }
     std::shared_ptr<Hands> hands;
     std::ostringstream all;
+
+  private:
+    std::uint64_t spoken_ = 2'000'000;  // samples: what the input hears are other numbers
 };
 
 TEST_F(Account, OfEveryOutputThroughLossSilenceAndReturn) {
@@ -175,8 +189,26 @@ TEST_F(Account, OfEveryOutputThroughLossSilenceAndReturn) {
             BASS_SetDevice(kMain);
             BASS_Free();
             run("the main one is closed", 8, "+a0a");
+            hands->refuses = true;
+            EXPECT_FALSE(BASS_Init(kMain, 44100, 0, nullptr, nullptr));
+            EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_DRIVER);
+            hands->refuses = hands->hasRate = false;
+            EXPECT_FALSE(BASS_Init(kMain, 44100, 0, nullptr, nullptr));
+            EXPECT_EQ(BASS_ErrorGetCode(), BASS_ERROR_FREQ);
+            hands->hasRate = true;
             BASS_Init(kMain, 44100, 0, nullptr, nullptr);
             run("opened anew, it stands behind", 4, "0ma");
+            BASS_RecordInit(0);
+            const DWORD mic = BASS_RecordStart(44100, 2, 0, nullptr, nullptr);
+            BASS_Mixer_StreamAddChannel(studio.micMixer, mic, 0);
+            BASS_ChannelStop(jingle);
+            run("an input", 20, "i0ma");
+            run("it is ahead", 12, "i");
+            run("it is heard on", 4, "i0ma");
+            run("it was lost: what it had said is dropped", 1, "iiiiii-i+ii");
+            run("it is heard again", 12, "i0ma");
+            BASS_RecordFree();
+            run("it is closed", 4, "0ma");
         }
     }
     zv::test::expectApproved("engine/outputs.txt", all.str());

@@ -86,6 +86,7 @@ TEST(Paged, WhatIsWantedComesInTheOrderOfItsNeed) {
     EXPECT_EQ(p.held(), "99-103 150-153");
     p.at(214);
     EXPECT_EQ(p.serve(), "100: 214 215 = 99-103 150-153 214-215") << "no more than there is";
+    EXPECT_EQ(p.seeks, 6) << "none within pages in a row";
 }
 
 TEST(Paged, AShortSoundIsDecodedInOneGo) {
@@ -97,6 +98,12 @@ TEST(Paged, AShortSoundIsDecodedInOneGo) {
     p.at(3);
     p.sound.tidy();
     EXPECT_EQ(p.serve(), "-1: = 0-20");
+    const auto used = std::make_shared<int>();
+    PagedSound whole(std::make_unique<MadeDecoder>(
+                         Made{.length = 2 * kPage, .sample = [used](auto f, auto c) { return ramp(f, c); }}),
+                     2 * kPage, p.renders);
+    whole.ensure(0, 2 * kPage);
+    EXPECT_EQ(used.use_count(), 1) << "its decoder is needed no more";
     // Longer than 10 s, or with more samples than 1.2 millions, it is not short.
     EXPECT_EQ(Pages(107).sound.urgency(), 100);
     EXPECT_EQ(Pages(108).serve(), "100: 0 1 2 3 = 0-3");
