@@ -49,7 +49,6 @@ void switchInput(bool on) {
     midiSettings.MIDIEnabled = 0;
     MIDIInOpen = false;
     midiTimers().TimerMIDI.stop();
-    midiTimers().TimerMIDIDevices.stop();
 }
 
 }  // namespace

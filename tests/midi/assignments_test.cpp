@@ -45,6 +45,8 @@ TEST_F(SurfaceTest, WhatIsReadIsWrittenAgain) {
     EXPECT_TRUE(midiIn.MIDIAmixCode.empty() && midiIn.MIDIAmixReverse == 0);
     EXPECT_EQ(midiOut.OutStopIdle, "A00600") << "an empty key leaves the message as it was";
     EXPECT_TRUE(midiOut.OutReset.empty());
+    CloseFileMIDI("Pad");
+    EXPECT_EQ(file().find("\nJingle0="), std::string::npos) << "it is the section named that is written";
 }
 
 TEST_F(SurfaceTest, DamageCostsWhatItHit) {

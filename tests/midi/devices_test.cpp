@@ -115,7 +115,7 @@ TEST_F(DevicesTest, AreTakenUpByNamePickedAndSwitchedOff) {
     act("no input picked", [] { cmbInDevsGUI_Click(0); });
     act("Second fixed", [&] { fixed("Second"); });
     act("and picked", [&] { input("Second"); });
-    act("Pad picked", [&] { input(kPad); });
+    for (const char* how : {"Pad picked", "and again"}) act(how, [&] { input(kPad); });
     act("input off", [] { ckMIDIEnable_Click(MidiSwitch::input, false); });
     act("label stays", [] { ckMIDIEnable_Click(MidiSwitch::autoHide, false); });
     act("input on", [] { ckMIDIEnable_Click(MidiSwitch::input, true); });

@@ -145,6 +145,8 @@ TEST_F(SurfaceTest, EachEventLightsItsLamps) {
         {"until talk-over ends", TalkOverTog, "A00700 f80787F A00800 f80797F"},
         {"a jingle", [&] { press(0); }, "A01001 f90007F"},
         {"let go while it plays", [&] { release(0); }, "f80007F A01004"},
+        {"in a state of its own", [&] { midiOut.OutJingleUp[0] = "A01005", release(0); }, "f80007F A01005"},
+        {"without", [&] { midiOut.OutJingleUp[0].clear(), release(0); }, "f80007F A01004"},
         {"at its end", [&] { pass(1500); }, "A01002"},
         {"an option takes the press", [&] { SelectorsOn = true, press(0), release(0), SelectorsOn = false; },
          ""},

@@ -252,6 +252,7 @@ std::string Watch::changes() {
                            c->name == "lblTime" || c->name == "lblDate" || c->name.starts_with("lblMIDI") ||
                            c->name == "JRemLev" || c->name == "picbtnumber";
         const auto before = std::exchange(known_[c], properties(*c));
+        if (mainOnly && c->kind != ControlKind::window && &windowOf(*c) != &frmMain().window) continue;
         const Control& face =
             c->parent != nullptr && c->parent->kind == ControlKind::jingle ? *c->parent : *c;
         const bool outOfGrid = face.kind == ControlKind::jingle && !face.visible;
@@ -259,9 +260,10 @@ std::string Watch::changes() {
             if (before.empty() || known_[c][i] == before[i]) continue;
             if (outOfGrid && (c != &face || before.front() == known_[c].front())) continue;
             if (c->name == "picPlaylist" && i != 0) continue;  // a part of the button's face
-            if (c->name.starts_with("sep") && kProperties[i] == std::string("caption"))
-                continue;                                                                     // they blink
-            if (c->name == "lblErr" && kProperties[i] == std::string("foreColor")) continue;  // it blinks
+            const char* blinks = c->name.starts_with("sep") ? "caption"
+                                 : c->name == "lblErr"      ? "foreColor"
+                                                            : "";
+            if (!timeStands && kProperties[i] == std::string(blinks)) continue;
             const std::string text = c->name + "#." + kProperties[i] + "=" + cut(known_[c][i]);
             auto at = std::ranges::find(found, text, &std::pair<std::string, std::vector<int>>::first);
             if (at == found.end()) at = found.insert(found.end(), {text, {}});

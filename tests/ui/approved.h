@@ -19,6 +19,7 @@ class Watch {
     /// What is other than at the last call, "name.property=value"; equal ones of an array as one.
     std::string changes();
     bool timeStands = false;  ///< what moves with the time is told as well
+    bool mainOnly = false;    ///< of other windows is told only which are seen
 
   private:
     std::map<std::string, std::string> rest() const;

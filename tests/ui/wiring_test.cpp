@@ -1,11 +1,16 @@
 // How the window is wired: its handlers, the timers that always run, the effect of each upcall on everything, and how it
 // comes and goes, as approved.
 
-#include "audio/upcalls.h"
+#include "ui/wiring.h"
 #include "audio/announcer.h"
 #include "audio/devices.h"
+#include "audio/live_stream.h"
+#include "audio/talk_over.h"
+#include "audio/upcalls.h"
+#include "midi/assignments.h"
 #include "midi/state.h"
 #include "midi/upcalls.h"
+#include "model/actions.h"
 #include "model/pending_removals.h"
 #include "model/upcalls.h"
 #include "platform/dialog_language.h"
@@ -19,9 +24,13 @@
 #include "startup/settings/grid_settings.h"
 #include "startup/settings/minimal_settings.h"
 #include "startup/settings/palette_list_settings.h"
+#include "startup/settings/palette_settings.h"
+#include "startup/settings/playing_settings.h"
 #include "startup/settings/program_settings.h"
+#include "startup/settings_file.h"
 #include "startup/upcalls.h"
 #include "tests/support/approved.h"
+#include "tests/support/places.h"
 #include "tests/ui/approved.h"
 #include "ui/edit/carried.h"
 #include "ui/edit/palette_load.h"
@@ -30,15 +39,16 @@
 #include "ui/screen/announcer_view.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/error_mark.h"
+#include "ui/screen/mic_keys.h"
+#include "ui/upcalls_fill.h"
 #include "ui/windows/midi_settings_window.h"
 #include "ui/windows/question_window.h"
 #include "ui/windows/splash.h"
-#include "ui/wiring.h"
 
 namespace zv::test {
 namespace {
 
-class UpcallsTest : public ApprovedTest {
+class WiringTest : public ApprovedTest {
   protected:
     /// Everything of a button is as nothing sets it.
     static void spoil(int index, bool seen) {
@@ -64,15 +74,76 @@ class UpcallsTest : public ApprovedTest {
             spoil(index, seen);
             tell(what + " " + std::to_string(index) + (seen ? "" : " hidden"), [&] { upcall(index); });
             const int width = Button(index)->JRemLev.width;
-            if (width != kTwipsPerPixel) text += "  bar of " + std::to_string(width) + "\n";
+            if (width != kTwipsPerPixel) say("bar", width);
         }
     }
+    /// What an act changes, the menu that it opens and the program that it starts; "!" where the key goes no further.
+    void step(const std::string& title, const std::function<void()>& act) {
+        Desktop& d = desktop();
+        taken_ = false, d.focus = nullptr, d.menu.clear(), d.commands.clear();
+        act();
+        pass(160);
+        std::string seen = watch->changes();
+        for (const std::string& command : d.commands)
+            seen += " ran " + command.substr(command.rfind('/') + 1);
+        for (const MenuItem& item : d.menu) seen += " menu " + item.name + (item.enabled ? "" : "!");
+        if (taken_ || !seen.empty()) text += "  " + title + (taken_ ? "! > " : " > ") + seen + "\n";
+    }
+
+    /// Steps apart by commas: "ctrl shift Z", "f5", "space up", "space held" (repeated), "press 1", "release 1"; before
+    /// them "yes" answers what is asked, "typing" has the keyboard in a text.
+    void walk(const std::string& acts) {
+        std::istringstream all(acts);
+        for (std::string words; std::getline(all, words, ',');) step(words, [&] { act(words); });
+    }
+    void act(const std::string& acts) {
+        KeyEvent e;
+        bool up = false, mouse = false;
+        std::istringstream words(acts);
+        for (std::string word; words >> word;) {
+            static const std::map<std::string, int> held{
+                {"ctrl", kCtrlMask}, {"shift", kShiftMask}, {"alt", kAltMask}};
+            static const std::map<std::string, Key> names{{"space", Key::space},
+                                                          {"escape", Key::escape},
+                                                          {"del", Key::del},
+                                                          {"pgup", Key::pageUp},
+                                                          {"pgdn", Key::pageDown}};
+            if (const auto mask = held.find(word); mask != held.end()) e.shift |= mask->second;
+            if (const auto named = names.find(word); named != names.end()) e.key = named->second;
+            if (word == "yes") desktop().answers = {BoxAnswer::yes};
+            if (word == "typing") desktop().focus = &frmMain().palettes.txtSave;
+            mouse = mouse || word == "press" || word == "release";
+            up = up || word == "up" || word == "release";
+            e.repeat = e.repeat || word == "held";
+            if (mouse && std::isdigit(word[0]) != 0) up ? release(word[0] - '0') : press(word[0] - '0');
+            if (word.size() == 1) e.key = static_cast<Key>(word[0]);
+            if (word[0] == 'f' && word.size() > 1)
+                e.key = static_cast<Key>(static_cast<int>(Key::f1) + std::stoi(word.substr(1)) - 1);
+        }
+        if (mouse) return;
+        desktop().modifiers = e.shift;
+        pass(100);
+        up ? frmMain().window.onKeyUp(e) : frmMain().window.onKeyDown(e);
+        taken_ = e.consumed;
+        desktop().modifiers = 0;
+    }
+
     void say(const std::string& what, const auto&... values) {
         text += "  " + what + " >";
         ((text += " " + std::to_string(values)), ...);
         text += "\n";
     }
+
+  private:
+    bool taken_ = false;  ///< the key of this step does not reach the control with the focus
 };
+
+/// The controls that are seen, frames before what stands in them.
+void collect(const Control& c, std::vector<const Control*>& into) {
+    if (!c.visible) return;
+    into.push_back(&c);
+    for (const Control* child : c.children()) collect(*child, into);
+}
 
 /// Which handlers each control of the window has, as letters; in front of them "-" where it is hidden, "!" where it is off.
 std::string handlers() {
@@ -102,7 +173,7 @@ std::string handlers() {
     return all;
 }
 
-TEST_F(UpcallsTest, DoWhatWasApproved) {
+TEST_F(WiringTest, UpcallsDoWhatWasApproved) {
     VirtualClock::instance().setWallTime("2026-11-07 15:04:19");
     std::map<std::string, int> ticks;
     std::istringstream always(
@@ -122,10 +193,19 @@ TEST_F(UpcallsTest, DoWhatWasApproved) {
     text += "at least " + std::to_string(desktop().leastWidth) + "x" + std::to_string(desktop().leastHeight) +
             "\n" + handlers() + "\n";
     watch->timeStands = true;
-    MidiDevices::instance().onSent = [&](const std::string&, std::uint32_t message) {
-        text += "  sent " + midiText(message) + "\n";
-    };
+    startupUpcalls = {}, audioUpcalls = {}, modelUpcalls = {}, midiUpcalls = {};
+    boxWords = {}, dialogLanguage = {}, askOnCard = {}, worksMeanwhile = {}, placeOverGrid = {},
+    refusedMeanwhile = {};
+    zv::perform = {};
+    FillUpcalls();
     const AudioUpcalls& a = audioUpcalls;
+    const StartupUpcalls& s = startupUpcalls;
+    say("filled", bool{a.stopAnnouncer}, bool{a.stopStream}, bool{a.liveChanged}, bool{a.liveFadesOut},
+        bool{a.addressesChanged}, bool{a.announcerChanged}, bool{a.announcementFailed}, bool{a.inputsListed},
+        bool{s.reportWindowOpen}, bool{s.showReportWindow}, bool{s.unloadOtherWindows}, bool{s.endProgram},
+        bool{s.consolePaused}, bool{s.consoleLines}, bool{s.showStreamError}, bool{s.stopPlayStream},
+        bool{midiUpcalls.learnChanged}, bool{askOnCard}, bool{worksMeanwhile}, bool{placeOverGrid},
+        bool{zv::perform}, bool{modelUpcalls.pumpEvents});
     constexpr int kPlain = 0, kMissing = 2, kList = 5, kEmpty = 7, kBroken = 8;
     rec(kBroken).Path = "Audio_Sample\\A0.wav", rec(kBroken).Unplayable = true, rec(kBroken).BassErr = 41;
     for (const int i : {kPlain, kSlot}) tellOf("reset", i, a.slotReset);
@@ -163,10 +243,13 @@ TEST_F(UpcallsTest, DoWhatWasApproved) {
         tellOf("loaded while armed", kSlot, a.slotLoaded);
     }
     SelectorsOn = false;
+    midiOut.OutJingleUp[kSlot] = "A01005";
     for (const int i : {kPlain, kSlot})
         for (const Feedback moment :
              {Feedback::empty, Feedback::loaded, Feedback::failed, Feedback::stopping})
             tell("feedback " + std::to_string(static_cast<int>(moment)), [&] { a.feedback(i, moment); });
+
+    midiOut.OutJingleUp[kSlot].clear();
 
     // The display.
     tell("ignored", [&] { a.startIgnored(0); });
@@ -194,7 +277,6 @@ TEST_F(UpcallsTest, DoWhatWasApproved) {
     tell("clock", [&] { a.hideClock(); });
     say("clock", ClockShown, timers().TimerReleaseSep.enabled(), timers().TimerIdleClock.enabled(),
         timers().TimerClock.enabled());
-    const StartupUpcalls& s = startupUpcalls;
     tell("mark", [&] { s.showErrorMark({"no", 'x', true, false, true, "why"}); });
     tell("mark in the minimal view", [&] {
         for (Control& mode : d.lblPlayMode) mode.visible = true;
@@ -203,7 +285,7 @@ TEST_F(UpcallsTest, DoWhatWasApproved) {
     minimalSettings.MinimalView = 0;
     tell("save timer", [&] { s.startSaveTimer(); });
     tell("text", [&] { s.applyText("frmMain", "mbtExit", "Leave"); });
-    for (const std::string& name : s.paletteNames()) text += "  palette " + name + "\n";
+    for (const std::string& name : s.paletteNames()) text += "  palette > " + name + "\n";
     gridSettings.JinglesRows = 4, gridSettings.JinglesCols = 7;
     s.gridChanged();
     say("grid", LastPalIdx);
@@ -211,6 +293,14 @@ TEST_F(UpcallsTest, DoWhatWasApproved) {
     frmSplash().lblStep.touch();
     tell("step", [&] { s.splashStep("Sounds"), s.splashBar(300); });
     say("splash", int{frmSplash().picLoad.width});
+
+    load(9, 2000);
+    BASS_ChannelPlay(rec(9).hPlay, 0);
+    playingSettings.PlayingFColor = 5;
+    for (const bool sounds : {true, false}) {
+        hTmAnVoice = sounds ? HSTREAM{rec(9).hPlay} : 0;
+        tell("announcement", [&] { a.announcerChanged(); });
+    }
 
     // The palette.
     const ModelUpcalls& m = modelUpcalls;
@@ -270,7 +360,7 @@ TEST_F(UpcallsTest, DoWhatWasApproved) {
     for (const char* language : {kEnglish, kFrench, "Deutsch", "Español"}) {
         programSettings.Language = language;
         const BoxWords words = boxWords();
-        text += "  " + dialogLanguage() + " " + words.ok + " " + words.cancel + " " + words.yes + " " +
+        text += "  " + dialogLanguage() + " > " + words.ok + " " + words.cancel + " " + words.yes + " " +
                 words.no + "\n";
     }
     programSettings.Language = kEnglish;
@@ -295,6 +385,92 @@ TEST_F(UpcallsTest, DoWhatWasApproved) {
     LoadingUI = false;
     text = lined();
     expectApproved("ui/upcalls.txt", text);
+}
+
+TEST_F(WiringTest, KeysAndMouseDoWhatWasApproved) {
+    VirtualClock::instance().setWallTime("2026-11-07 15:04:19");
+    ticksChecked = true;
+    write("palette.ini", "");
+    writePalette("Afternoon", 2);
+    writePalette("Morning", 1);
+    paletteSettings.PaletteIndex = "Morning";
+    lstPalRefresh();
+    SelectPalette("Morning");
+    OpenFile("Morning");
+    load(1, 60'000), load(2, 60'000, "PlayMod=2");
+    write("myscript.sh", "echo 1");
+    std::filesystem::copy_file(sourceDir() + "/data/Time_Announce.wav", path("Time_Announce.wav"));
+    SwitchInput(true);
+    bool closed = false;
+    frmMain().window.onClose = [&] { closed = true; };
+    pass(4000);
+    LastPlayedJ = -1, TalkOverOn = MicPushed = false, LiveStatus.clear();
+    watch->mainOnly = true;
+    watch->changes();
+    walk(
+        "space,space held,Z,f1,f2,f3,f3,f4,f5,f6,f7,f8,f9,alt f9,alt "
+        "f9,f10,f10,f10,f11,f11,R,T,R,R,M,M,M,E,E,A,A,S,S,F,F,"
+        "L,L,L,N,N,C,C,C,L,L,L,ctrl A,ctrl C,alt C,ctrl alt C,alt X,X,shift C,shift A,shift A,ctrl R,ctrl "
+        "R,alt "
+        "M,M,M,L,pgdn,"
+        "pgdn held,pgdn up,pgup,pgup up,pgdn,pgdn up,ctrl f9,del,press 1,release 1,space,space,space "
+        "held,yes del,ctrl Z,"
+        "ctrl Y,ctrl Z,ctrl shift Z,ctrl Z,press 2,release 2,space,space up,escape,typing T,typing "
+        "space,typing f10,"
+        "typing f10,typing f10,yes del");
+    for (const int held : {0, 1, 2, 3, 4, 6, 5, 7})
+        step("held " + std::to_string(held), [&] { desktop().modifiers = held; });
+    desktop().modifiers = 0;
+    DisplayControls& d = frmMain().display;
+    for (Control* c : {&d.lblMIDIIcon, &d.lblMIDIDevice, &d.lblPlayMode[0], &d.lblPlayMode[1]})
+        c->visible = true;
+    for (int tab = 0; tab < kTabs; ++tab) {
+        step("tab " + std::to_string(tab),
+             [&] { frmMain().ckTab[static_cast<std::size_t>(tab)].onMouseDown({}); });
+        std::vector<const Control*> seen;
+        collect(frmMain().window, seen);
+        for (const Control* shown : seen) {
+            const bool once = tab > 0 && shown->parent != &frmMain().fraTab[static_cast<std::size_t>(tab)];
+            if (once || !shown->enabled || shown->kind == ControlKind::jingle ||
+                shown->kind == ControlKind::window || shown->name == "ckTab")
+                continue;
+            for (const MouseButton button :
+                 {MouseButton::left, MouseButton::left, MouseButton::right, MouseButton::middle}) {
+                if (shown == &frmMain().keys.btExit && button != MouseButton::right) continue;
+                const bool left = button == MouseButton::left;
+                const std::string how = left ? "" : button == MouseButton::right ? " right" : " middle";
+                const MouseEvent event{button};
+                if (shown->onMouseDown)
+                    step(nameOf(*shown) + how + " down", [&] { shown->onMouseDown(event); });
+                if (shown->onMouseUp) step(nameOf(*shown) + how + " up", [&] { shown->onMouseUp(event); });
+                if (shown->onClick && left) step(nameOf(*shown) + " click", [&] { shown->onClick(); });
+            }
+        }
+    }
+    programSettings.HoldExitToShutDown = 1;
+    for (const bool letGo : {true, false}) {
+        frmMain().keys.btExit.onMouseDown({});
+        pass(500);
+        letGo ? frmMain().keys.btExit.onMouseUp({}) : walk("alt f4");
+        EXPECT_TRUE(closed);
+        closed = false;
+        pass(2500);
+        EXPECT_FALSE(closed) << "closed before two seconds it shuts nothing down";
+    }
+    for (const int hold : {0, 1}) {
+        programSettings.HoldExitToShutDown = programSettings.ConfirmExit = hold;
+        step("exit down", [] { frmMain().keys.btExit.onMouseDown({}); });
+        pass(1900);
+        EXPECT_EQ(closed, hold == 1) << "held for two seconds it shuts the machine down";
+        closed = false;
+        step("exit up", [] { frmMain().keys.btExit.onMouseUp({}); });
+        EXPECT_TRUE(closed);
+        closed = false;
+    }
+    SaveZVini();
+    EXPECT_EQ(read("zv.ini").find("ShutdownOnQuit=1"), std::string::npos) << "it holds for this once";
+    frmMain().window.onClose = nullptr;
+    expectApproved("ui/acts.txt", lined());
 }
 
 }  // namespace
