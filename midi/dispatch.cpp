@@ -189,9 +189,8 @@ bool drainRing() {
         // Advance the read index first: a message box that the action opens runs this pump again.
         MidiInRead.store(NextSlot(slot));
         if (entry.code != kMidiData) continue;
-        bool done = true;
-        guarded(".TimerMIDI_Timer", [&] { done = take(entry.first); });
-        if (!done) {
+        // One that fails is not taken up again.
+        if (!guardedOr(".TimerMIDI_Timer", true, [&] { return take(entry.first); })) {
             MidiInRead.store(slot);
             return false;
         }

@@ -106,20 +106,18 @@ bool writeState(const RehearsalOptions& options, const RehearsedProgram& program
         json << ",\n";
     }
     json << "\"windows\": [";
-    const char* separator = "";
+    const char* apart = "";
     for (const Control* window : shell::openWindows())
-        json << std::exchange(separator, ", ") << jsonText(window->name);
+        json << std::exchange(apart, ", ") << jsonText(window->name);
     json << "],\n\"controls\": [";
-    separator = "\n";
+    const char* separator = "\n";
     for (const Control* control : allControls()) {
         if (!shell::isShown(*control)) continue;
-        json << separator;
+        json << std::exchange(separator, ",\n");
         writeControl(json, *control);
-        separator = ",\n";
     }
     json << "\n]}\n";
-    json.close();
-    return !json.fail();
+    return json.flush().good();
 }
 
 }  // namespace

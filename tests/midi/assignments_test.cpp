@@ -180,8 +180,9 @@ TEST_F(LearnTest, AControlIsTaughtByPressingIt) {
     text += learn("b_Jingle", 105, "923C01 823C40");
     text += learn("b_Jingle", 8, "903C64 903C00 904000");  // taken from 7
     text += learn("b_Jingle", 8, "");
-    text += learn("b_Jingle", 97, "");    // as it is
-    text += learn("btDn", -1, "900164");  // one message is no pair yet
+    text += learn("b_Jingle", 9, "905064 905000 905032");  // pressed once more
+    text += learn("b_Jingle", 97, "");                     // as it is
+    text += learn("btDn", -1, "900164");                   // one message is no pair yet
     // Each takes the code of the one before.
     for (const char* ctrl :
          {"btUp", "btDn", "btStop", "ckAutoRep", "ckTouch", "ckAutoMix", "btMicTO", "btMicPush", "lstPal"})

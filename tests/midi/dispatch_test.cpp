@@ -6,10 +6,12 @@
 #include "midi/learn_commands.h"
 #include "midi/ring.h"
 #include "model/actions.h"
+#include "platform/common/midi_queue.h"
 #include "startup/helpers.h"
 #include "startup/settings/devices_settings.h"
 #include "startup/settings/marks_settings.h"
 #include "startup/settings/midi_settings.h"
+#include "startup/upcalls.h"
 #include "tests/midi/surface.h"
 #include "ui/press/global_keys.h"
 #include "ui/records/timers.h"
@@ -94,6 +96,17 @@ TEST_F(DispatchTest, EachMessageAsksForOneThing) {
     for (int i = 0; i < 60; ++i) devices_.queue("901064");
     TimerMIDI_Timer();
     EXPECT_EQ(std::ranges::count(asked, 'y'), 60) << "more than the ring holds, at once";
+    std::string told;
+    startupUpcalls.consoleLines = [&](const std::vector<std::string>& lines, bool) { told += lines.back(); };
+    for (int i = 0; i <= kMidiWaiting; ++i) devices_.queue("901064");
+    pass(50);
+    EXPECT_NE(told.find("came too fast and were dropped"), std::string::npos) << told;
+    int failed = 0;
+    zv::perform = [&failed](Action, int, int) -> bool { throw std::runtime_error(std::to_string(++failed)); };
+    devices_.queue("901064");
+    pass(50);
+    EXPECT_EQ(failed, 1) << "what fails is not taken up again";
+    note();
     // What a lesson's test key gives back when it is let go.
     sent();
     for (const char* ctrl :

@@ -30,6 +30,7 @@ TEST(RehearsalScript, TellsWhatIsWrongAndWhere) {
         {"at 0 press 120\nat 9 end", 1, "not in 0 to 119"},
         {"at 0 press H24\nat 9 end", 1, "hot jingle"},
         {"at 0 press\nat 9 end", 1, "button is missing"},
+        {"at 0 press 1 2\nat 9 end", 1, "\"2\" is too much"},
         {"at 0 key F13\nat 9 end", 1, "no key"},
         {"at 0 click ckTab(1\nat 9 end", 1, "lacks"},
         {"at 0 click lblDate.visible\nat 9 end", 1, "no place here"},

@@ -151,7 +151,7 @@ TEST_F(MixTest, theMicrophoneMakesRoom) {
     // The input goes away: its key with it, and the bus comes back after InTORelease.
     MicPush();
     SwitchInput(false);
-    EXPECT_FALSE(Armed(frmMain().keys.btMicPush));
+    EXPECT_TRUE(hMic == 0 && !Armed(frmMain().keys.btMicPush));
     EXPECT_NEAR(main(400), down, 0.01);
     EXPECT_NEAR(main(500), 0, 0.01);
 }

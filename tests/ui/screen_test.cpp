@@ -211,10 +211,10 @@ TEST_F(ScreenTest, EverythingStandsWhereItWasApproved) {
         int width, height, rows, columns;
         const char* meters;
         int joined, hot, hotRows, hotHeight, bar, thickness, number, fontSize;
-    } windows[] = {{1280, 800, 6, 5, "r", 0, 0, 1, 2, 1, 1, 0, 12},
+    } windows[] = {{1280, 800, 6, 5, "r", 0, 2, 1, 2, 1, 1, 0, 12},
                    {512, 236, 6, 5, "n", 1, 1, 1, 6, 0, 0, 1, 20},
                    {790, 590, 8, 12, "l", 1, 2, 2, 2, 2, 2, 1, 2},
-                   {1920, 1080, 5, 8, "t", 1, 1, 2, 5, 1, 0, 2, 12}};
+                   {1920, 1080, 5, 8, "t", 0, 1, 2, 5, 1, 0, 2, 12}};
     MainWindow& w = frmMain();
     Control* const comeAndGo[] = {&w.palettes.txtSave, &w.announcer.ckTmAnnAM, &w.display.lblQuiet,
                                   &w.display.lblMIDIDevice};

@@ -139,14 +139,14 @@ bool act(Action action, int argument, int velocity) {
     switch (action) {
         case Action::none:
         case Action::minimalView:
-            break;
+            return false;
         case Action::search:
             JingSearch();
-            return true;
+            break;
         case Action::settings:
             // The devices, until the window of all settings leads there.
             OpenMixer();
-            return true;
+            break;
         case Action::play:
         case Action::press:
         case Action::release:
@@ -156,30 +156,30 @@ bool act(Action action, int argument, int velocity) {
             return onLast(action);
         case Action::stopAll:
             evStop();
-            return true;
+            break;
         case Action::paletteUp:
         case Action::paletteDown:
             return paletteStep(static_cast<PaletteKey>(argument), action == Action::paletteUp);
         case Action::newPalette:
             bring(MainTab::palettes);
             btNewTog();
-            return true;
+            break;
         case Action::savePalette:
             ChangeTab(static_cast<int>(MainTab::palettes));
             SavePal();
-            return true;
+            break;
         case Action::remove:
             DeleteObj();
-            return true;
+            break;
         case Action::autoRepeat:
             CkAutoRepTog();
-            return true;
+            break;
         case Action::touch:
             CkTouchTog();
-            return true;
+            break;
         case Action::autoMix:
             CkAutoMixTog();
-            return true;
+            break;
         case Action::micDown:
             MicPush();
             return deviceSettings.DeviceSingle == 0;
@@ -192,74 +192,74 @@ bool act(Action action, int argument, int velocity) {
         case Action::volume:
             volumeSettings.Volume = std::clamp(argument, 0, kFullPercent);
             SetOutputVolume(0, volumeSettings.Volume, kVolumeMs);
-            return true;
+            break;
         case Action::autoMixTime:
             automixSettings.AutoMixTime = std::clamp(argument, 1, kLongestAutoMix);
-            return true;
+            break;
         case Action::assign:
             bring(MainTab::palettes);
             CkAssignTog();
-            return true;
+            break;
         case Action::effects:
             bring(MainTab::jingleOptions);
             if (frmMain().options.ckFXI.enabled) {
                 ckFXI_MouseDown();
             }
-            return true;
+            break;
         case Action::loop:
             bring(MainTab::jingleOptions);
             ckLoopITog();
-            return true;
+            break;
         case Action::tickAll:
             CheckAllSelectors();
-            return true;
+            break;
         case Action::copyCaptions:
             CopyAllJings();
-            return true;
+            break;
         case Action::undo:
             OKfx();  // what the editor has changed is the last edit
             Undo();
-            return true;
+            break;
         case Action::redo:
             OKfx();
             Redo();
-            return true;
+            break;
         case Action::announcer:
             bring(MainTab::timeAnnouncer);
             CkTmAnnTog();
-            return true;
+            break;
         case Action::announcerJingle:
             bring(MainTab::timeAnnouncer);
             b_tmAnJinTog();
-            return true;
+            break;
         case Action::tab:
             ckTab_MouseDown(argument);  // as a click on it: an armed option is given up
-            return true;
+            break;
         case Action::joinedButtons:
             SetJoinedJButtons(gridSettings.JoinedJButtons != 1);
-            return true;
+            break;
         case Action::hotJinglesPlace:
             gridSettings.HotJinglesPos = (gridSettings.HotJinglesPos + 1) % kHotPlaces;
             FormDraw("init");
-            return true;
+            break;
         case Action::fullScreen:
             ChangeWindowMode();
-            return true;
+            break;
         case Action::shortcuts:
             OpenShortcuts();
-            return true;
+            break;
         case Action::console:
             OpenConsole();
-            return true;
+            break;
         case Action::userScript:
             runUserScript();
-            return true;
+            break;
         case Action::close:
             timers().TimerShutDown.stop();
             UnloadMain(kClosedByUser);
-            return true;
+            break;
     }
-    return false;
+    return true;
 }
 
 /// Actions that act while a question or a modal window waits.
