@@ -55,13 +55,12 @@ void refuse() {
 
 void build(SourceFile& found) {
     const DWORD source = found.take();
-    if (source == 0) return refuse();
-    TmAnDuration = BASS_ChannelBytes2Seconds(source, BASS_ChannelGetLength(source, BASS_POS_BYTE));
     hTmAnVoice = BASS_FX_TempoCreate(source, BASS_FX_FREESOURCE | (mix() ? BASS_STREAM_DECODE : 0));
     if (hTmAnVoice == 0) {
         FreeSource(source);
         return refuse();
     }
+    TmAnDuration = BASS_ChannelBytes2Seconds(source, BASS_ChannelGetLength(source, BASS_POS_BYTE));
     BASS_ChannelSetAttribute(hTmAnVoice, BASS_ATTRIB_BUFFER, 0);
     if (mix()) {
         BASS_ChannelStop(hTmAnVoice);

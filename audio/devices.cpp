@@ -154,7 +154,6 @@ void FreeOutp(int output) {
 }
 
 void MoveOutput(int output, int device) {
-    FreeOutp(output);
     Device[at(output)] = device;
     bassini(output);
 }

@@ -84,9 +84,7 @@ void lookForOutput(std::int64_t now) {
     look = startJob<bool>(
         "modDevices.WatchOutputs", [](JobWork&) { return soundOutputsThere(); },
         [](bool there) {
-            if (!there || !NoOutputDevice) return;
-            takeOutputs();
-            WatchOutputs();
+            if (there && NoOutputDevice) takeOutputs();
         });
 }
 

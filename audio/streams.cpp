@@ -73,6 +73,7 @@ void openFailed(int index, int error) {
         j.StoredSeq = j.Seq;
     }
     j.Freq = 0;  // a vector in the file must not pass for the neutral one of another sound
+    j.Duration = j.EndOffset = 0;
     j.Volm = 100;
     j.Loop = 0;
     j.Seq = 0;
@@ -327,7 +328,6 @@ bool StartIgnored(int index) { return Jingle(index).CueStart != 0 && StartPositi
 double JDurationCalc(int index) {
     const JingleRecord& j = Jingle(index);
     const double playable = lengthOf(j.hSrc) - StartPosition(index) - j.EndOffset;
-    if (playable <= 0) return 0;
     return std::max(0.0, BASS_ChannelBytes2Seconds(j.hSrc, BytePosition(playable)));
 }
 

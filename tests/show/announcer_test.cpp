@@ -103,6 +103,9 @@ TEST_F(Announcer, IsHeardWithItsJingle) {
         AnnounceAt(59, 55);
         pass(2600);
         EXPECT_EQ(levelsOf(heard(), 'a', {100, 600, 3100, 3250}), "0.0 0.0 0.0 -");
+        PlayTimeJingle();
+        pass(200);
+        EXPECT_EQ(levelsOf(heard(), 'c', {100}), row.keys.find("Volm=50") == 0 ? "-6.0" : "0.0");
         evStop();
         TmAnVoicePlaying = TmAnJinglePlaying = true;
         DisarmAnnouncer();
@@ -127,10 +130,19 @@ TEST_F(Announcer, TellsWhatItCannotPlayAndReckonsItsMoments) {
     EXPECT_EQ(moment(5), "0:0 5");
     EXPECT_EQ(moment(70), "1:5 70");
     openPalette("Path_0=jingle.wav\r\nPath_2=gone.wav\r\n");
+    told.clear();
     ArmAnnouncer();
-    EXPECT_EQ(moment(70), "59:57 2") << "no longer than the announcement";
+    EXPECT_EQ(told, "changed ");
+    EXPECT_EQ(announcerSettings.TimeAnnDel, 2) << "no longer than the announcement";
+    EXPECT_EQ(moment(70), "59:57 2");
     ChooseTimeJingle(0);
+    EXPECT_EQ(told, "changed changed changed ");
     EXPECT_DOUBLE_EQ(TmJingleDuration, 1.2);
+    const StreamHandle voice = hTmAnVoice, sound = hTmAn;
+    ArmAnnouncer();
+    EXPECT_FALSE(BASS_StreamFree(voice) || BASS_StreamFree(sound)) << "those of before are freed";
+    BASS_StreamFree(hTmAnVoice), BASS_StreamFree(hTmAn);
+    AnnounceAt(59, 55), AnnounceAt(59, 57);
     told.clear();
     ChooseTimeJingle(2), ChooseTimeJingle(3);
     EXPECT_EQ(TmAnPath, "jingle.wav") << "neither a missing file nor an empty slot is taken";
@@ -143,7 +155,9 @@ TEST_F(Announcer, TellsWhatItCannotPlayAndReckonsItsMoments) {
     announcerSettings.TimeAnnouncer = "gone.wav";
     ArmAnnouncer();
     EXPECT_FALSE(TmAnnOn);
-    EXPECT_EQ(marks, (std::vector<std::string>{"hide", "no: no jingle", "no: no voice"}));
+    EXPECT_EQ(marks, (std::vector<std::string>{"hide", "no: Can't play time announce stream 1",
+                                              "no: Can't play time announce stream 2", "no: no jingle",
+                                              "no: no voice"}));
     EXPECT_EQ(told, "changed changed changed failed ");
 }
 

@@ -170,8 +170,8 @@ TEST_F(Devices, ClosingLeavesNothingOpen) {
             }
         FreeBASS();
         EXPECT_EQ(open(), "");
-        for (const StreamHandle handle : {MainMixer, MicMixer, AuxKeepAlive, OutSplit[0], OutSplit[1],
-                                          MainSplit[0], MicSplit[1], OutMixer[0], OutMixer[1]})
+        for (const StreamHandle handle : {MainMixer, MicMixer, AuxKeepAlive, OutSplit[0], OutSplit[1], MainSplit[0],
+                                          MicSplit[1], OutMixer[0], OutMixer[1], single == 1 ? 0 : hMic})
             EXPECT_EQ(handle, 0U);
     }
 }
@@ -216,6 +216,10 @@ TEST_F(Devices, OutputsThatGoAwayAreToldWithinASecondAndSoIsTheirReturn) {
         watch(1000);
         EXPECT_EQ(OutputTrouble(), hangs ? "lost One - plays Three" : "");
     }
+    MoveOutput(1, 0);
+    devices->unplug("One");
+    watch(800);
+    EXPECT_EQ(OutputTrouble(), "lost One") << "no other one stands in";
     evStop();
 }
 
@@ -240,8 +244,10 @@ TEST_F(Devices, TheMicrophoneIsSilentHoweverOftenItIsOpened) {
     EXPECT_NEAR(loudest(0), 0.2, 1e-4);
     EXPECT_NEAR(loudest(1), 0.05, 1e-4);
     LowerMic();
+    const StreamHandle open = hMic;
     CloseMic();
     EXPECT_EQ(InputLevel(), 0);
+    EXPECT_FALSE(BASS_StreamFree(open)) << "it is freed";
 }
 
 TEST_F(Devices, MetersAndTriggersTellTheLoudestOfThoseThatMay) {

@@ -77,6 +77,9 @@ TEST_F(Urls, AreSortedByHostWithoutDoubles) {
     EXPECT_EQ(read("urls.txt"), "https://alpha/\r\nhttp://Beta/x\r\nhttp://gamma/\xC3\xA9\r\n");
     RemoveUrl("http://gamma/\xC3\xA9");
     EXPECT_TRUE(UrlAdd("http://gamma/\xC3\xA9")) << "it was taken out";
+    write("urls.txt", "http://b/\xE9\r\n");  // a file of another encoding keeps it
+    EXPECT_TRUE(UrlAdd("http://a/\xC3\xA9"));
+    EXPECT_EQ(read("urls.txt"), "http://a/\xE9\r\nhttp://b/\xE9\r\n");
 }
 
 TEST(WallSeconds, EachOnceAndLateOnesMadeGoodButNotOverAClockThatWasSet) {
