@@ -156,8 +156,8 @@ TEST_F(Announcer, TellsWhatItCannotPlayAndReckonsItsMoments) {
     ArmAnnouncer();
     EXPECT_FALSE(TmAnnOn);
     EXPECT_EQ(marks, (std::vector<std::string>{"hide", "no: Can't play time announce stream 1",
-                                              "no: Can't play time announce stream 2", "no: no jingle",
-                                              "no: no voice"}));
+                                               "no: Can't play time announce stream 2", "no: no jingle",
+                                               "no: no voice"}));
     EXPECT_EQ(told, "changed changed changed failed ");
 }
 

@@ -170,8 +170,9 @@ TEST_F(Devices, ClosingLeavesNothingOpen) {
             }
         FreeBASS();
         EXPECT_EQ(open(), "");
-        for (const StreamHandle handle : {MainMixer, MicMixer, AuxKeepAlive, OutSplit[0], OutSplit[1], MainSplit[0],
-                                          MicSplit[1], OutMixer[0], OutMixer[1], single == 1 ? 0 : hMic})
+        for (const StreamHandle handle :
+             {MainMixer, MicMixer, AuxKeepAlive, OutSplit[0], OutSplit[1], MainSplit[0], MicSplit[1],
+              OutMixer[0], OutMixer[1], single == 1 ? 0 : hMic})
             EXPECT_EQ(handle, 0U);
     }
 }
