@@ -52,15 +52,18 @@ TEST(Rehearse, WithoutItsLibraryTheProgramSaysSoAndDoesNotStart) {
 TEST(Rehearse, WritesWhatAnyProgramReads) {
     Show show;
     show.set("MixerFreq=48000\r\n");
-    show.passes("at 3000 end\n");
-    // Float, stereo, the rate, and sizes that fit the file.
+    // Float, stereo, the rate, and sizes that fit the file, also of an output that the program never opens.
     using namespace std::string_view_literals;
-    for (const char* file : {"main.wav", "aux.wav"}) {
-        const std::string wav = show.result(file);
-        EXPECT_EQ(wav.size(), 58 + 3 * 48000 * 8);
-        EXPECT_EQ(wav.substr(0, 58),
-                  "RIFF\x32\x94\x11\0WAVEfmt \x12\0\0\0\3\0\2\0\x80\xBB\0\0\0\xDC\5\0\x08\0\x20\0\0\0"
-                  "fact\4\0\0\0\x80\x32\2\0data\0\x94\x11\0"sv);
+    for (const char* settings : {"", "DeviceAux=0\r\n"}) {
+        show.set(settings);
+        show.passes("at 3000 end\n");
+        for (const char* file : {"main.wav", "aux.wav"}) {
+            const std::string wav = show.result(file);
+            EXPECT_EQ(wav.size(), 58 + 3 * 48000 * 8);
+            EXPECT_EQ(wav.substr(0, 58),
+                      "RIFF\x32\x94\x11\0WAVEfmt \x12\0\0\0\3\0\2\0\x80\xBB\0\0\0\xDC\5\0\x08\0\x20\0\0\0"
+                      "fact\4\0\0\0\x80\x32\2\0data\0\x94\x11\0"sv);
+        }
     }
 }
 

@@ -1,24 +1,19 @@
 // The display's tick: counter, warning, bars, colours, end of play; the meters.
 
-#include "audio/announcer.h"
 #include "platform/rehearsal/virtual_clock.h"
 #include "startup/errors.h"
 #include "startup/settings/bars_settings.h"
 #include "startup/settings/clock_settings.h"
 #include "startup/settings/display_settings.h"
 #include "startup/settings/meters_settings.h"
-#include "startup/settings/minimal_settings.h"
 #include "startup/settings/playing_settings.h"
 #include "startup/settings/warning_settings.h"
 #include "tests/ui/window_test.h"
 #include "ui/records/soon.h"
 #include "ui/records/timers.h"
-#include "ui/screen/announcer_view.h"
-#include "ui/screen/clock.h"
 #include "ui/screen/digits.h"
 #include "ui/screen/error_mark.h"
 #include "ui/screen/flashing.h"
-#include "ui/screen/layout.h"
 #include "ui/screen/warning.h"
 
 namespace zv::test {
@@ -162,88 +157,6 @@ TEST_F(TickTest, metersFollowTheLoudestAndFallIfTheyShould) {
         EXPECT_TRUE(left[0] >= 47 && left[0] <= 53 && (left[1] > 0) == (falls == 1) && left[1] < 40);
         EXPECT_EQ(left[2], 0);
     }
-}
-
-TEST_F(TickTest, theClockOfTheMinimalView) {
-    // Two seconds of silence, then the time; the date for four seconds twice a minute and while the display is held.
-    minimalSettings.MinimalView = clockSettings.ClockEnabled = clockSettings.DateEnabled = 1;
-    FormDraw();
-    const DisplayControls& d = frmMain().display;
-    const auto figures = [&] {
-        std::string text = shown();
-        std::erase(text, ':');
-        return text;
-    };
-    const struct {
-        const char *time, *date, *at;
-        const char* figures;  ///< after two seconds and a half
-        const char* marks;    ///< "t" time, "j" date, A and N the halves of the day
-    } cases[] = {{"HH:mm:ss", "ddd dd mmmm yyyy", "2026-11-07 15:04:20", "150422", "t"},
-                 {"hh:mm:ss AM/PM", "ddd dd mmmm yyyy", "2026-11-07 15:04:20", "030422", "tN"},
-                 {"hh:mm:ss AM/PM", "ddd dd mmmm yyyy", "2026-11-07 00:04:20", "120422", "tA"},
-                 {"HH:mm:ss", "ddd dd mmmm yyyy", "2026-11-07 15:04:09", "07.11.26", "j"},
-                 {"HH:mm:ss", "mmmm dd ddd yyyy", "2026-11-07 15:04:39", "11.07.26", "j"},
-                 {"HH:mm:ss", "yyyy mmmm dd ddd", "2026-11-07 15:04:42", "150444", "t"}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.at) + " " + c.time + " " + c.date);
-        clockSettings.TimeFormat = c.time;
-        clockSettings.DateFormat = c.date;
-        StopClock();
-        VirtualClock::instance().setWallTime(c.at);
-        pass(1900);
-        EXPECT_FALSE(ClockShown);
-        EXPECT_EQ(shown(), "00.0");
-        pass(600);
-        EXPECT_TRUE(ClockShown);
-        EXPECT_EQ(figures(), c.figures);
-        std::string marks;
-        for (const Control& mark : d.lblClock) marks += mark.visible ? mark.caption() : "";
-        EXPECT_EQ(marks, c.marks);
-    }
-    d.lblPosSecU.onMouseDown({});
-    EXPECT_EQ(figures(), "26.11.07");
-    d.lblPosSecU.onMouseUp({MouseButton::right});
-    EXPECT_EQ(figures(), "26.11.07");
-    d.lblPosSecU.onMouseUp({});
-    EXPECT_EQ(figures(), "150444");
-    // lblTa held shows the next announcement, once the announcer is armed.
-    HoldNextAnnouncement(true);
-    EXPECT_EQ(figures(), "150444");
-    TmAnnOn = true;
-    clockSettings.TimeFormat = "hh:mm:ss AM/PM";
-    ShowAnnouncer();
-    d.lblTa.onMouseDown({});
-    pass(100);
-    EXPECT_EQ(figures(), "35955");
-    EXPECT_TRUE(d.lblClock[2].visible);
-    d.lblTa.onMouseUp({});
-    EXPECT_EQ(figures().substr(0, 4), "0304");
-    StopClock();  // before it comes only the halves of the day go with the next announcement
-    HoldNextAnnouncement(true);
-    EXPECT_TRUE(d.lblClock[2].visible);
-    HoldNextAnnouncement(false);
-    EXPECT_FALSE(d.lblClock[1].visible || d.lblClock[2].visible);
-    EXPECT_EQ(d.lblPosSecU.foreColor, displaySettings.CountDownColor);
-    pass(2500);
-    TmAnnOn = false;
-    clockSettings.TimeFormat = "HH:mm:ss";
-    ShowAnnouncer();
-    std::string colons;  // they flash once a second
-    for (int i = 0; i < 20; ++i) {
-        d.lblTa.onMouseUp({});  // writes them in the phase that they have
-        pass(100), colons += d.sepms.caption() + d.sepsd.caption();
-    }
-    EXPECT_EQ(colons.size(), 20U);
-    load(1, 2000);
-    press(1);
-    EXPECT_FALSE(ClockShown || timers().TimerReleaseSep.enabled() || timers().TimerClock.enabled());
-    pass(100);
-    d.lblPosSecU.onMouseDown({});
-    EXPECT_EQ(shown().substr(0, 3), "01.") << "what counts does not give way to the date";
-    d.lblPosSecU.onMouseUp({});
-    evStop();
-    minimalSettings.MinimalView = 0;
-    StopClock();
 }
 
 }  // namespace zv::test

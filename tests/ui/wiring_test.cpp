@@ -21,7 +21,9 @@
 #include "startup/errors.h"
 #include "startup/language.h"
 #include "startup/settings/bars_settings.h"
+#include "startup/settings/clock_settings.h"
 #include "startup/settings/grid_settings.h"
+#include "startup/settings/keys_settings.h"
 #include "startup/settings/minimal_settings.h"
 #include "startup/settings/palette_list_settings.h"
 #include "startup/settings/palette_settings.h"
@@ -39,6 +41,7 @@
 #include "ui/screen/announcer_view.h"
 #include "ui/screen/clock.h"
 #include "ui/screen/error_mark.h"
+#include "ui/screen/layout.h"
 #include "ui/screen/mic_keys.h"
 #include "ui/upcalls_fill.h"
 #include "ui/windows/midi_settings_window.h"
@@ -370,7 +373,13 @@ TEST_F(WiringTest, UpcallsDoWhatWasApproved) {
         pass(4000);
     }
 
-    // The window is filled, and goes.
+    // The window is filled, and goes. Of two kept toggles only one can be on.
+    for (const int kept : {0, 1, 2, 3}) {
+        keySettings.Autorepeat = kept % 2, keySettings.Touch = kept / 2;
+        FormsLoad("frmMain");
+        say("kept", kept, ToggleTouch, ToggleAutoRep);
+    }
+    ToggleTouch = ToggleAutoRep = 0;
     for (const char* name : {"frmFX", "frmMain"}) {
         CtrlDown = ShiftDown = AltDown = true;
         frmMain().palettes.txtSave.enabled = true;
@@ -471,6 +480,101 @@ TEST_F(WiringTest, KeysAndMouseDoWhatWasApproved) {
     EXPECT_EQ(read("zv.ini").find("ShutdownOnQuit=1"), std::string::npos) << "it holds for this once";
     frmMain().window.onClose = nullptr;
     expectApproved("ui/acts.txt", lined());
+}
+
+/// The list of palettes: steps, held keys, centring; which palette is loaded when.
+TEST_F(WiringTest, TheListOfPalettesStepsAsApproved) {
+    write("palette.ini", "");
+    for (const char* name : {"Morning", "afternoon", "Zulu"}) writePalette(name, 1);
+    for (int i = 0; i < 30; ++i)
+        write("palette.ini", read("palette.ini") + "[P" + std::to_string(10 + i) + "]\r\n");
+    const auto begin = [](const std::string& name) {
+        lstPalRefresh(), SelectPalette(name);
+        paletteSettings.PaletteIndex = name;
+        OpenFile(name);
+    };
+    begin("P39");
+    const auto act = [&](
+                         const std::string& what, int ms, const std::function<void()>& does = [] {}) {
+        tell(what, [&] { does(), pass(ms); });
+    };
+    PaletteTab& tab = frmMain().palettes;
+    act("down", 0, evBtDn), act("again, around", 0, evBtDn), act("loaded", 150);
+    act("while another opens", 250, [] { PaletteOpening = true, evBtDn(); });
+    act("that has opened", 150, [] { PaletteOpening = false; });
+    act("up", 150, evbtUp);
+    for (const int wanted : {1, 0}) {
+        paletteListSettings.CenterLstPal = static_cast<std::uint8_t>(wanted);
+        SelectPalette("P30"), tab.lstPal.topRow = 0;
+        act("picked", 200, [&] { tab.lstPal.onMouseUp({}); });
+        act("stepped", 200, evBtDn);
+        act("jumped", 600, [&] { tab.btUp.onMouseDown({}); });
+        tab.btUp.onMouseUp({});
+    }
+    paletteListSettings.LoopLstPal = 0;
+    act("up at the top", 150, evbtUp);
+    const auto page = [](bool repeat) {
+        KeyEvent event{Key::pageDown, 0, repeat};
+        frmMain().window.onKeyDown(event);
+    };
+    desktop().keys = {static_cast<int>(Key::pageDown)};
+    act("page key", 390, [&] { page(false); });
+    act("its own repeat", 0, [&] { page(true); });
+    act("held for 0.4 s it runs", 20);
+    begin("afternoon");
+    act("let go while another window had the keyboard", 600, [&] { page(true), desktop().keys.clear(); });
+    act("arrow", 700, [&] { tab.btDn.onMouseDown({}), tab.btDn.onMouseUp({}); });
+    act("arrow held", 490, [&] { tab.btDn.onMouseDown({}); });
+    act("to the end", 200), act("let go", 0, [&] { tab.btDn.onMouseUp({}); });
+    expectApproved("ui/palettes.txt", lined());
+}
+
+/// Two seconds of silence, then the time; the date for four seconds twice a minute and while the display is held.
+TEST_F(WiringTest, TheClockOfTheMinimalViewIsAsApproved) {
+    minimalSettings.MinimalView = clockSettings.ClockEnabled = clockSettings.DateEnabled = 1;
+    FormDraw("init"), StopClock(), pass(100);
+    DisplayControls& d = frmMain().display;
+    const auto act = [&](
+                         const std::string& what, int ms, const std::function<void()>& does = [] {}) {
+        tell(what, [&] { does(), pass(ms); });
+        text += "  > ";
+        for (const Control* digit : d.digits()) text += digit->visible ? digit->caption() : "";
+        text += "\n";
+    };
+    const std::pair<const char*, const char*> formats[] = {{"HH:mm:ss", "ddd dd mmmm yyyy"},
+                                                           {"hh:mm:ss AM/PM", "mmmm dd ddd yyyy"},
+                                                           {"HH:mm:ss", "yyyy mmmm dd ddd"}};
+    for (const char* at :
+         {"2026-11-07 15:04:20", "2026-11-07 00:04:09", "2026-11-07 12:04:39", "2026-11-07 15:04:42"})
+        for (const auto& [time, date] : formats) {
+            clockSettings.TimeFormat = time, clockSettings.DateFormat = date;
+            StopClock(), VirtualClock::instance().setWallTime(at);
+            act(std::string(at) + " " + time + " " + date, 1900), act("later", 600);
+        }
+    Control& held = frmMain().display.lblPosSecU;
+    Control& next = frmMain().display.lblTa;
+    act("held", 0, [&] { held.onMouseDown({}); });
+    act("let go at the right", 0, [&] { held.onMouseUp({MouseButton::right}); });
+    act("let go", 0, [&] { held.onMouseUp({}); });
+    act("no next announcement", 0, [&] { next.onMouseDown({}); });
+    TmAnnOn = true;
+    act("the next announcement", 100, [&] { next.onMouseDown({}); });
+    act("in half days", 0, [&] { clockSettings.TimeFormat = "hh:mm:ss AM/PM", next.onMouseDown({}); });
+    act("let go", 0, [&] { next.onMouseUp({}); });
+    act("before the clock", 0, [&] { StopClock(), next.onMouseDown({}); });
+    act("let go", 0, [&] { next.onMouseUp({}); });
+    TmAnnOn = false;
+    clockSettings.TimeFormat = "HH:mm:ss";
+    act("the clock", 2500);
+    for (int i = 0; i < 10; ++i) act("colons", 100);
+    load(1, 2000);
+    act("a press", 100, [&] { press(1); });
+    say("clock", ClockShown, timers().TimerReleaseSep.enabled(), timers().TimerClock.enabled());
+    act("held while it counts", 0, [&] { held.onMouseDown({}); });
+    act("let go", 0, [&] { held.onMouseUp({}); });
+    minimalSettings.MinimalView = 0;
+    StopClock();
+    expectApproved("ui/clock.txt", lined());
 }
 
 }  // namespace
