@@ -34,14 +34,6 @@ TEST(EffectVector, AMalformedTextCostsOnlyWhatIsWrongInIt) {
     EXPECT_EQ(FXVText(whole), "1,-2,0,0,0,0,0,500,10,48000,-3");
 }
 
-TEST(EffectVector, TheSliderOfTheRateComesBackWhateverTheRate) {
-    for (const int freq : {8'000, 22'050, 44'100, 48'000, 192'000})
-        for (int slider = -940; slider <= 1'200; slider += 7)
-            ASSERT_NEAR(SliderOfRate(RateOfSlider(slider, freq), freq), slider, 0.0626) << freq;
-    EXPECT_EQ(RateOfSlider(100, 44'100), 48'510);
-    EXPECT_EQ(SliderOfRate(0, 44'100), 0);
-}
-
 class EffectPresetFiles : public FolderTest {};
 
 TEST_F(EffectPresetFiles, GainsInTheFileHaveTheSignThatIsHeard) {

@@ -122,35 +122,6 @@ TEST_F(Opening, ATrackerModuleOpensAsOne) {
     EXPECT_LT(heard().firstSound(), framesOf(100));
 }
 
-TEST_F(Opening, EffectsAreHeardAsTheyAreWritten) {
-    // 600 ms of one tone: how loud each of three tones is after 100 ms, and when it ends. 7/3 of a's frequency is b.
-    struct Row {
-        std::string sound, keys;
-        const char* levels;
-        int ends;
-    };
-    const Row rows[] = {
-        {"a600", "Volm=50", "-6.0 - -", 600},
-        {"a600", "Volm=200", "6.0 - -", 600},
-        {"h600", "FXV=0,0,0,0,0,0,-6,0,0,44100,0", "- - 6.0", 600},
-        {"h600", "FXV=0,0,0,0,0,0,6,0,0,44100,0", "- - -6.0", 600},
-        {"a600", "FXV=0,0,0,0,0,0,0,0,0,102900,0", "- 0.0 -", 257},
-        {"a600", "FXV=0,0,0,0,0,0,0,0,100,44100,0", "0.0 - -", 300},
-        {"a600", "FXV=0,0,0,0,0,0,0,0,0,44100,14.66887", "- 0.0 -", 600},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.keys);
-        openJingle(tones(row.sound), paletteLines(row.keys, 0));
-        clPlay(0, -1);
-        pass(1200);
-        const Heard sound = heard();
-        EXPECT_EQ(levelsOf(sound, 'a', {100}) + " " + levelsOf(sound, 'b', {100}) + " " +
-                      levelsOf(sound, 'h', {100}),
-                  row.levels);
-        EXPECT_NEAR(static_cast<double>(sound.end(1e-3F)) / framesOf(1), row.ends, 10);
-    }
-}
-
 TEST_F(Opening, FewerThanSevenBandsAreReportedAndTheRestStillWorks) {
     editorSettings.EQBands = "60,150,400";
     openJingle(level(framesOf(500)), iniLine("Volm_0", "50"));

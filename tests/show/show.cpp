@@ -55,26 +55,16 @@ std::string wholeRecord(const JingleRecord& j) {
         };
         return std::vector<std::pair<const char*, std::string>>{
             // clang-format off
-            {"Path", j.Path}, {"Volm", text(j.Volm)}, {"AutoDuck", text(int{j.AutoDuck})},
-            {"AutoDuckKey", j.AutoDuckKey}, {"NoAutomix", text(int{j.NoAutomix})},
-            {"NoTrigDuck", text(int{j.NoTrigDuck})}, {"Loop", text(int{j.Loop})}, {"Seq", text(int{j.Seq})},
-            {"LoopIn", text(j.LoopIn)}, {"LoopOut", text(j.LoopOut)}, {"FadeOut", text(j.FadeOut)},
-            {"LogFadeOut", text(int{j.LogFadeOut})}, {"LoopFadeOut", text(int{j.LoopFadeOut})},
-            {"BTNCol", j.BTNCol}, {"PlayMod", text(static_cast<int>(j.PlayMod))},
-            {"CueStart", text(j.CueStart)}, {"StopPos", text(j.StopPos)}, {"FXV", j.FXV},
-            {"Playlist", j.Playlist}, {"KeepsStored", text(j.KeepsStored)},
-            {"StoredVolm", text(j.StoredVolm)}, {"StoredLoop", text(int{j.StoredLoop})},
-            {"StoredSeq", text(int{j.StoredSeq})}, {"Unplayable", text(j.Unplayable)},
-            {"MissingFile", text(j.MissingFile)}, {"BassErr", text(j.BassErr)}, {"BackRGB", text(j.BackRGB)},
-            {"ForeRGB", text(j.ForeRGB)}, {"Duration", text(j.Duration)}, {"EndOffset", text(j.EndOffset)},
-            {"FadeAttrib", text(j.FadeAttrib)}, {"Freq", text(j.Freq)},
-            {"PlayingOtherPal", text(j.PlayingOtherPal)}, {"LoopLen", text(j.LoopLen)},
-            {"Playing", text(j.Playing)}, {"Leaving", text(j.Leaving)},
-            {"State", text(static_cast<int>(j.State))}, {"Kind", text(static_cast<int>(j.Kind))},
-            {"ReverbMs", text(j.ReverbMs)}, {"FadeSync", text(j.FadeSync)},
-            {"SeqBefore", text(int{j.SeqBefore})}, {"Pressed", text(int{j.Pressed})},
-            {"hPlay", j.hPlay != 0 ? "open" : ""},
-            {"hSrc", j.hSrc != 0 ? "open" : ""}};
+            {"Path", j.Path}, {"Volm", text(j.Volm)}, {"AutoDuck", text(int{j.AutoDuck})}, {"AutoDuckKey", j.AutoDuckKey}, {"NoAutomix", text(int{j.NoAutomix})},
+            {"NoTrigDuck", text(int{j.NoTrigDuck})}, {"Loop", text(int{j.Loop})}, {"Seq", text(int{j.Seq})}, {"LoopIn", text(j.LoopIn)}, {"LoopOut", text(j.LoopOut)},
+            {"FadeOut", text(j.FadeOut)}, {"LogFadeOut", text(int{j.LogFadeOut})}, {"LoopFadeOut", text(int{j.LoopFadeOut})}, {"BTNCol", j.BTNCol},
+            {"PlayMod", text(static_cast<int>(j.PlayMod))}, {"CueStart", text(j.CueStart)}, {"StopPos", text(j.StopPos)}, {"FXV", j.FXV}, {"Playlist", j.Playlist},
+            {"KeepsStored", text(j.KeepsStored)}, {"StoredVolm", text(j.StoredVolm)}, {"StoredLoop", text(int{j.StoredLoop})}, {"StoredSeq", text(int{j.StoredSeq})},
+            {"Unplayable", text(j.Unplayable)}, {"MissingFile", text(j.MissingFile)}, {"BassErr", text(j.BassErr)}, {"BackRGB", text(j.BackRGB)}, {"ForeRGB", text(j.ForeRGB)},
+            {"Duration", text(j.Duration)}, {"EndOffset", text(j.EndOffset)}, {"FadeAttrib", text(j.FadeAttrib)}, {"Freq", text(j.Freq)}, {"PlayingOtherPal", text(j.PlayingOtherPal)},
+            {"LoopLen", text(j.LoopLen)}, {"Playing", text(j.Playing)}, {"Leaving", text(j.Leaving)}, {"State", text(static_cast<int>(j.State))}, {"Kind", text(static_cast<int>(j.Kind))},
+            {"ReverbMs", text(j.ReverbMs)}, {"FadeSync", text(j.FadeSync)}, {"SeqBefore", text(int{j.SeqBefore})}, {"Pressed", text(int{j.Pressed})},
+            {"hPlay", j.hPlay != 0 ? "open" : ""}, {"hSrc", j.hSrc != 0 ? "open" : ""}};
         // clang-format on
     };
     JingleRecord empty;
