@@ -56,7 +56,6 @@ std::string drawSection() {
 Playlist ReadPlaylist(const std::string& section) {
     Playlist playlist;
     playlist.section = section;
-    if (section.empty()) return playlist;
     playlist.name = PlaylistStore.GetValue("Name", 0, section);
     playlist.automix = PlaylistStore.GetValue("Automix", 0, section) == "1";
     for (const std::string& text : Split(PlaylistStore.GetValue("List", 0, section), ":")) {

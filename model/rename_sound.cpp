@@ -20,7 +20,6 @@ bool renameIn(cImpulse& store, const std::function<bool(const std::string&)>& me
 
 bool IsFileOf(const std::string& stored, const std::string& full) {
     const std::string own = GetFullPath(stored);
-    if (own == full) return true;
     // Letters may differ in case where they lead to the same file.
     return SameText(own, full) && nativePath(own) == nativePath(full);
 }

@@ -169,6 +169,7 @@ TEST_F(Helpers, Numbers) {
         {"", std::nullopt, 0},
         {"12 Hz", std::nullopt, 12},
         {"-", std::nullopt, 0},
+        {"+5", 5, 5},
         {"inf", std::nullopt, 0},
         {"nan", std::nullopt, 0},
         {"1e999", std::nullopt, 0},

@@ -55,6 +55,12 @@ TEST(IniText, Reads) {
     }
 }
 
+TEST(IniText, ListsWhatCanBeAskedFor) {
+    IniText text("[]\n[\x01]\nk=1\n[S]\n=v\n\x02=1\nk=2\nK=3\n[s]\nj=1\n");
+    EXPECT_EQ(text.sectionNames(), std::vector<std::string>{"S"});
+    EXPECT_EQ(text.lines("S"), (std::vector<IniText::Line>{{"k", "2"}}));
+}
+
 /// Performs "put S k v", "erase S", "replace S k=v;k=v" or "merge S ..." (blanks in values: "_"); whether it changed.
 bool change(IniText& text, const std::string& call) {
     std::vector<std::string> words(1);

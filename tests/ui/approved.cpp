@@ -53,9 +53,10 @@ namespace {
 constexpr std::size_t kLongest = 90;  ///< bytes of one value
 constexpr const char* kDrawing = "drawing";
 /// Those that an act starts and ends.
-constexpr const char* kProperties[] = {"visible",   "enabled",   "caption",  "toolTip",   "value",
-                                       "minimum",   "maximum",   "items",    "listIndex", "topRow",
-                                       "backColor", "foreColor", "fontName", kDrawing};
+constexpr const char* kProperties[] = {
+    "visible", "enabled",   "caption", "toolTip",   "value",     "minimum",  "maximum",
+    "items",   "listIndex", "topRow",  "backColor", "foreColor", "fontName", kDrawing,
+};
 
 /// The test's own folder, which has another name each time.
 std::string ownFolder;

@@ -1,13 +1,13 @@
 // What commands do that no control of a window gives: menus, keys, what goes wrong, and what a studio does to files behind
 // the program's back. Each begins anew.
-#include <unistd.h>
-
 #include "audio/devices.h"
 #include "audio/open_palette.h"
 #include "audio/upcalls.h"
 #include "model/playlists.h"
 #include "platform/rehearsal/midi_devices.h"
+#include "platform/rehearsal/virtual_clock.h"
 #include "startup/errors.h"
+#include "startup/language.h"
 #include "startup/settings/announcer_settings.h"
 #include "startup/settings/devices_settings.h"
 #include "startup/settings/editor_settings.h"
@@ -16,6 +16,7 @@
 #include "startup/settings/minimal_settings.h"
 #include "startup/settings/palette_list_settings.h"
 #include "startup/settings/palette_settings.h"
+#include "startup/settings/program_settings.h"
 #include "startup/settings/search_settings.h"
 #include "startup/settings/window_settings.h"
 #include "startup/settings_file.h"
@@ -25,6 +26,7 @@
 #include "ui/edit/announcer_tab.h"
 #include "ui/edit/assign.h"
 #include "ui/edit/carried.h"
+#include "ui/edit/colour_picker.h"
 #include "ui/edit/fill.h"
 #include "ui/edit/history.h"
 #include "ui/edit/jingle_editor.h"
@@ -50,6 +52,7 @@
 #include "ui/windows/jingle_window.h"
 #include "ui/windows/midi_button_window.h"
 #include "ui/windows/midi_learn.h"
+#include "ui/windows/midi_settings_window.h"
 #include "ui/windows/playlist_windows.h"
 #include "ui/windows/question_window.h"
 #include "ui/windows/report_window.h"
@@ -61,33 +64,6 @@ namespace zv::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr unsigned kNobody = 65534;
-
-/// Nothing can be written below a folder, also not by root.
-class ReadOnly {
-  public:
-    explicit ReadOnly(fs::path folder) : folder_(std::move(folder)) {
-        set(fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
-            fs::perm_options::remove);
-        set(fs::perms::group_read | fs::perms::group_exec | fs::perms::others_read | fs::perms::others_exec,
-            fs::perm_options::add);
-        if (geteuid() == 0) root_ = seteuid(kNobody) == 0;
-    }
-    ~ReadOnly() {
-        if (root_ && seteuid(0) != 0) std::abort();
-        set(fs::perms::owner_write, fs::perm_options::add);
-    }
-
-  private:
-    void set(fs::perms perms, fs::perm_options how) {
-        fs::permissions(folder_, perms, how);
-        for (const auto& one : fs::recursive_directory_iterator(folder_))
-            fs::permissions(one.path(), perms, how);
-    }
-    fs::path folder_;
-    bool root_ = false;
-};
 
 class CommandsTest : public ApprovedTest {
   protected:
@@ -239,104 +215,6 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         frmMain().window.onClose = {}, desktop().quitAsked = false;
     });
 
-    text += "== a studio's disasters\n";
-    const std::string stick = path("stick").string(), live = stick + "/Live.wav";
-    const auto plugged = [&] { writeWav(live, sine(22'050, 440)); };
-    const auto away = [&](const char* file) {
-        fs::rename(path(file), path("away.ini"));
-        fs::create_directory(path(file));
-    };
-    const auto back = [&](const char* file) {
-        fs::remove_all(path(file));
-        fs::rename(path("away.ini"), path(file));
-    };
-    const auto edited12 = [] { rec(0).Volm = 12, MarkPalToSave(), ErrClick(); };
-    fs::permissions(path(""), fs::perms::all);
-    act("pulled out before it is opened, taken back",
-        [&] { b_Jingle_OLEDragDrop(7, live), ErrClick(), note("pulled out before it is opened"), Undo(); });
-    act("pulled out before it is imported", [&] {
-        plugged(), folderSettings.ImportFiles = 1, b_Jingle_OLEDragDrop(7, live);
-        fs::remove_all(stick), ErrClick(), folderSettings.ImportFiles = 0;
-    });
-    act("pulled out while it plays", [&] {
-        plugged(), b_Jingle_OLEDragDrop(7, live), press(7), release(7), pass(100), heard();
-        fs::remove_all(stick), pass(300);
-        const Heard sound = heard();
-        for (std::size_t at = 0; at + 441 <= sound.frames(); at += 441)
-            EXPECT_GT(sound.loudest(at, at + 441), 0.3F);
-        pass(400);
-    });
-    act("read-only no more", [&] {
-        {
-            const ReadOnly folder(path(""));
-            edited12(), note("read-only: a save");
-        }
-        ErrClick();
-    });
-    act("a folder in the place of a new name", [&] {
-        fs::create_directory(path("Audio_Sample/Other.wav"));
-        clRename(kPaletteSlots), frmRenameFile().txtFilename.caption = "Other", frmRenameFile().onAccepted();
-    });
-    act("read-only: a sound deleted, taken back", [&] {
-        const ReadOnly folder(path(""));
-        DelJing(kSlot, true), note("read-only: a sound deleted"), Undo();
-    });
-    act(
-        "a line end in the name of a file",
-        [&] {
-            for (const char* name : {"/two\nlines.wav", "/two\r.wav"}) {
-                writeWav(stick + name, sine(2000, 440));
-                b_Jingle_OLEDragDrop(7, stick + name);
-            }
-            FillPalette({stick});
-        },
-        400);
-    act("a line end in a new name", [] {
-        clRename(kSlot), frmRenameFile().txtFilename.caption = "two\nlines [\"x\"]",
-                         frmRenameFile().onAccepted();
-    });
-    act("they change the palette that is open",
-        [&] { write("palette.ini", "[A]\r\n" + line("1", "B1") + "[B]\r\n" + line("0", "B0")), edited12(); });
-    act("they write between an edit and its undo", [&] {
-        clMove(0, "cut"), pick("B"), clMove(7, "paste"), ErrClick();
-        write("palette.ini", read("palette.ini") + "[C]\r\n" + line("9", "A0")), Undo();
-    });
-    act("a hot jingle onto itself, in another palette",
-        [&] { clMove(kPaletteSlots, "cut"), pick("B"), clMove(kPaletteSlots, "paste"); });
-    for (const char* file : {"HotJingles.ini", "palette.ini"}) {
-        act(std::string("moved to a hot button, then written again: ") + file, [&] {
-            away(file), clMove(kSlot, "cut"), clMove(97, "paste"), ErrClick(),
-                note(std::string("moved without ") + file);
-            back(file), ErrClick();
-        });
-        act(std::string("renamed without ") + file, [&] {
-            away(file), clRename(kSlot), clRename(0), frmRenameFile().txtFilename.caption = "Other";
-            frmRenameFile().btOK.onClick(), back(file);
-        });
-        act(std::string("moved to another palette without ") + file,
-            [&] { clMove(kSlot, "cut"), pick("B"), away(file), clMove(7, "paste"), ErrClick(), back(file); });
-    }
-    act("the palettes' file is gone", [&] { fs::remove(path("palette.ini")), pick("B"), edited12(); });
-    act("the palettes' file is empty", [&] { write("palette.ini", ""), pick("B"), edited12(); });
-    act("the palettes' file cannot be read, and can again", [&] {
-        away("palette.ini"), pick("B"), edited12(), note("the palettes' file cannot be read");
-        back("palette.ini"), ErrClick();
-    });
-    act("a jingle cleared before the palette is left",
-        [] { paletteSettings.AutoSave = 1, DelJing(0, false), pick("B"), paletteSettings.AutoSave = 0; });
-    act("an auto save that failed is tried again", [&] {
-        paletteSettings.AutoSave = 1, away("palette.ini"), rec(0).Volm = 71, MarkPalToSave(), pass(100);
-        pick("B"), note("an auto save that failed"), pick("A"), rec(0).Volm = 72, MarkPalToSave(), pass(100);
-        back("palette.ini"), pick("B"), paletteSettings.AutoSave = 0;
-    });
-    act("left unsaved, the file brought back", [&] {
-        DelJing(0, true), pick("B"), note("left unsaved");
-        ShowHistory(), frmHistory().lstHistory.listIndex = 1, frmHistory().btBack.onClick();
-    });
-    act("what was missing is there again", [&] {
-        DelJing(0, true), clMove(kSlot, "copy"), OpenFile("A"), pass(500), note("missing");
-        ShowHistory(), frmHistory().btBack.onClick();
-    });
     for (const int press : {1, 2, 3, 4}) {
         LoopToggleAtRest();
         act("loop pressed " + std::to_string(press), [press] {
@@ -364,7 +242,8 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
     act(
         "without a name",
         [this] {
-            clPlaylist(5), frmPlaylist().txtPL.caption = std::string(" "), frmPlaylist().btOK.onClick();
+            clPlaylist(5), frmPlaylist().txtPL.caption = std::string(" ");
+            desktop().focus = &frmPlaylist().btOK, frmPlaylist().btOK.onClick();
             pass(200);
             if (frmPlaylist().txtPL.backColor == kNoColour) ADD_FAILURE() << "it does not ask for the name";
         },
@@ -432,9 +311,9 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         minimalSettings.MinimalView = 1, t.btDn.onMouseDown({}), t.btDn.onMouseUp({}), pass(300);
         minimalSettings.MinimalView = 0;
     });
-    act("the box of a carried jingle", [] {
-        ShowSelectors(), clMove(kSlot, "copy"), Button(kSlot)->ckJingSel.value = 1;
-        Button(kSlot)->ckJingSel.onChange(), clMove(7, "paste"), HideSelectors();
+    act("the box of a carried jingle", [&] {
+        ShowSelectors(), Button(kSlot)->ckJingSel.value = 1, clMove(kSlot, "copy"), clMove(7, "paste");
+        note("pasted"), HideSelectors();
     });
     act("the window's console dragged", [] {
         Control& w = frmConsole().form.window;
@@ -515,6 +394,47 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
                                         frmRenameFile().onAccepted();
         clMove(7, "paste");
     });
+    act("moved to a hot button, and back to its palette", [&] {
+        clMove(0, "cut"), pick("B"), clMove(97, "paste"), pick("A"), note("A again"), ErrClick(),
+            note("saved");
+    });
+    act("another in the place that it leaves", [&] {
+        clMove(0, "cut"), pick("B"), clMove(97, "paste"), pick("A"), clMove(kSlot, "copy"),
+            clMove(0, "paste");
+        note("pasted"), Undo(), note("undone"), Redo();
+    });
+    act("the editor of an empty button", [] { ckFXI_MouseDown(), clFXSet(7); });
+    act("the editor while the mark blinks", [] { ErrDisp("no", 1, "why"), clFXSet(kSlot); });
+    act("other letters", [&] {
+        seek("a"), frmSearchJing().showKeys(true), CloseSearchBox(), programSettings.Language = "Français";
+        JingSearch(), note("in French"), frmSearchJing().showKeys(false), programSettings.Language = kEnglish;
+    });
+    act("a preset of the surface deleted", [&] {
+        MidiSettingsWindow& w = frmMIDISettings();
+        OpenMidiSettings(), w.cmbMIDIpresets.listIndex = 1, w.cmbMIDIpresets.onChange(), note("chosen");
+        w.btMIDIDelete.onClick();
+    });
+    act("a window in the dark", [&] { SwitchDarkMode(1), OpenShortcuts(), note("dark"), SwitchDarkMode(0); });
+    act("an hour later", [&] {
+        announcerSettings.TimeAnnouncer = "Audio_Sample\\B0.wav", CkTmAnnTog(), note("armed");
+        VirtualClock::instance().setWallTime("2026-01-01 13:10:00"), TimerTimeAndTATick();
+    });
+    VirtualClock::instance().setWallTime("2026-01-01 12:30:00");
+    act("colours where they belong", [] {
+        Control& picker = *findControl("frmColPick");
+        clColorSet(kSlot), picker.left = 0, CloseColorPicker(), clColorSet(kSlot);
+        EXPECT_GT(picker.left(), 0);
+    });
+    act("files, one that is none", [&] {
+        FillPalette(
+            {path("Audio_Sample/A0.wav").string(), path("none.wav").string(), path("palette.ini").string()});
+        pass(300);
+    });
+    act("found while another blinks", [&] {
+        seek("b1"), key(frmSearchJing().form.window, Key::enter), pass(200);
+        seek("a0"), key(frmSearchJing().form.window, Key::enter);
+    });
+    act("another size", [&] { resize(1024, 700), resize(1280, 800); });
     act("options over options", [&] {
         SelJ = {0}, clTouchSet(0), note("held"), clLoopSet(0), note("loop"), clSeqSet(0), note("sequence");
         clLoopSet(0), note("loop again"), SelJ = {kSlot}, clLoopSet(kSlot);
@@ -537,7 +457,8 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         live.ckPlayStream.onMouseDown({}), pass(100), note("on air");
         live.ckPlayStream.onMouseDown({}), note("fades"), pass(1500), note("has faded");
         live.ckPlayStream.onMouseDown({}), pass(100), live.ckPlayStream.onMouseDown({});
-        audioUpcalls.stopStream();
+        audioUpcalls.stopStream(), live.ckPlayStream.onMouseDown({}), note("again");
+        live.btRemUrl.onClick();
     });
     act("the search opened again", [&] { seek("b1"), CloseSearchBox(), note("closed"), JingSearch(); });
     act("more messages than the monitor shows", [] {
@@ -553,7 +474,8 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         paletteListSettings.CenterLstPal = 0;
     });
     act("another tab while assigning", [] { CkAssignTog(), ckTab_MouseDown(2); });
-    act("the tab of palettes again", [] { ckTab_MouseDown(0); });
+    act("another tab while a name is asked for", [&] { t.btSave.onMouseDown({}), ckTab_MouseDown(2); });
+    act("another tab while a time jingle is chosen", [] { b_tmAnJinTog(), ckTab_MouseDown(0); });
     act("devices by name",
         [] { OpenMixer(), frmMixer().optDevBy[1]->onChange(), frmMixer().optDevBy[0]->onChange(); });
     act("one output only", [] {

@@ -138,6 +138,7 @@ TEST_F(EditorTest, whatIsListenedToIsHeard) {
 
 TEST_F(ApprovedTest, PositionsAndPictureDoWhatWasApproved) {
     JingleWindow& fx = frmFX();
+    clFXSet(kSlot), OKfx();  // its handlers are there from now on
     const auto at = [](const TimeFields& field, int seconds, int hundredths) {
         field.show({0, seconds, hundredths});
         field.cs->onChange();
@@ -219,8 +220,20 @@ TEST_F(ApprovedTest, PositionsAndPictureDoWhatWasApproved) {
                      {Key::pageUp, 0},
                      {Key::home, 0},
                      {Key::f5, 0}});
+    turned("near, at a crossing",
+           {[&] { pic.onWheel(30, 0), pass(300), key(pic, Key::right, kShiftMask); },
+            [&] { at(fx.TxtPos, 2, 0); }, [&] { pic.onWheel(-20, 0), pic.onWheel(15, 0), pass(300); }});
+    for (const BoxAnswer answer : {BoxAnswer::yes, BoxAnswer::no})
+        points("a preset replaced", [&, answer] {
+            desktop().answers = {answer}, fx.txtFXpreset.caption = "bass", fx.btAddFXpreset.onClick();
+        });
+    points("effects as they come", [&] {
+        fx.TabFX.listIndex = 0, fx.TabFX.onChange(), note("without its sequence"), fx.btReset.onClick();
+    });
+    points("another one's editor",
+           [&] { fx.TabFX.listIndex = 1, fx.TabFX.onChange(), note("their page"), clFXSet(0); });
     points("a range that holds less", [&] {
-        fx.btMaxVol.onClick(), note("the safe volume");
+        fx.btMaxVol.onClick(), note("the safe volume"), OKfx(), clFXSet(kSlot), note("opened again");
         fx.cmbRange.listIndex = 0, fx.cmbRange.onChange();
     });
     points("another file in its place", [&] {

@@ -72,7 +72,8 @@ TEST_F(ApprovedTest, BoundControlsFollowTheirSettings) {
         list("list", ControlKind::comboBox, &window), rows("rows", ControlKind::listBox, &window),
         field("field", ControlKind::textBox, &window), same("same", ControlKind::label, &window),
         colour("colour", ControlKind::colourField, &window), zero("option", ControlKind::option, &window, 0),
-        one("option", ControlKind::option, &window, 1), said("said", ControlKind::label, &window);
+        one("option", ControlKind::option, &window, 1), atOnce("atOnce", ControlKind::number, &window),
+        said("said", ControlKind::label, &window);
     list.items = std::vector<std::string>{"ID", "Name"};
     rows.items = std::vector<std::string>{"level", "time", "off"};
     int told = 0;
@@ -85,6 +86,7 @@ TEST_F(ApprovedTest, BoundControlsFollowTheirSettings) {
     bound.bind(zero, "AutoDuckMode"), bound.bind(one, "AutoDuckMode");
     bound.bind(field, "DeviceName"), bound.bind(same, "DeviceName");
     bound.bind(colour, "DispBackCol");
+    bound.bind(atOnce, "LoudnessTarget");
     bound.greyUnless(slider, [&] { return box.value == 1; });
     EXPECT_THROW(bound.bind(box, "NoSuchSetting"), std::logic_error);
     const auto shown = [&] {
@@ -104,9 +106,11 @@ TEST_F(ApprovedTest, BoundControlsFollowTheirSettings) {
         set(one, one.value, 1);
     set(field, field.caption, std::string("Card ")), set(colour, colour.backColor, 0x123456);
     EXPECT_EQ(shown(), "0 7 off 70 ms 1 1 01 'Card ' 'Card ' 1193046 told 1");
+    set(atOnce, atOnce.value, -20);
     set(rows, rows.listIndex, 2);
     EXPECT_EQ(shown(), "0 7 off 70 ms 1 2 00 'Card ' 'Card ' 1193046 told 1");
     EXPECT_EQ(deviceSettings.DeviceName + " " + std::to_string(duckSettings.FadeOutSpeed), "Card  70");
+    EXPECT_EQ(SettingsStore.GetValue("LoudnessTarget") + SettingsStore.GetValue("FadeOutSpeed"), "-20");
     bound.restore();
     EXPECT_EQ(shown(), before.substr(0, before.rfind(' ')) + " 2");
 }

@@ -359,7 +359,7 @@ TEST_F(WaveTest, SeveralJinglesAreBroughtToOneLoudnessAndBackAtOnce) {
     frmLoudness().btCancel.onClick();
     pass(3000);
     EXPECT_EQ(volumes(), "90 100 70 ");
-    BringToLoudness({0, 2, 4});
+    BringToLoudness({4, 0, 2});
     press(0);
     pass(3000);
     EXPECT_FALSE(frmLoudness().form.isOpen());

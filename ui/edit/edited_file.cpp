@@ -69,10 +69,7 @@ void ask() {
 
 }  // namespace
 
-void OpenFileWatch() {
-    watch = Watch();
-    ask();
-}
+void OpenFileWatch() { ask(); }
 
 void FollowFile() {
     if (++watch.ticks >= kTicksBetween && !watch.job.running()) ask();

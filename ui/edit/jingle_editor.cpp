@@ -44,7 +44,6 @@ constexpr int kEffectsPage = 0;
 constexpr int kFullVolume = 100;  ///< percent
 constexpr double kKilo = 1000;
 
-bool okBusy = false;
 bool wired = false;
 
 UiTimer& timerPos() {
@@ -128,7 +127,7 @@ void TabFX_Click() {
 }
 
 void listen(ListenFrom from) {
-    if (okBusy || !EditedIsThere()) return;
+    if (!EditedIsThere()) return;
     if (!ListenTo(Edited.index, from)) Error_("Can't play jingle stream from the jingle editor");
     follow();
 }
@@ -242,7 +241,7 @@ void clFXSet(int index) {
 
 void Play() {
     guarded("frmFX.ckPlay_Click", [] {
-        if (okBusy || !FxOpen) return;
+        if (!FxOpen) return;
         if (Plays(Edited.index)) {
             ListenEnd(Edited.index);
             follow();
@@ -296,9 +295,8 @@ void UndoAll() {
 }
 
 void OKfx() {
-    if (!FxOpen || okBusy) return;
+    if (!FxOpen) return;
     guarded("frmFX.OKfx", [] {
-        okBusy = true;
         JingleWindow& w = frmFX();
         JingleRecord& j = EditedRecord();
         const bool there = EditedIsThere();
@@ -327,7 +325,6 @@ void OKfx() {
         w.cmbFXpreset.items = std::vector<std::string>();
         if (otherFile) EditReopen(Edited.index);
     });
-    okBusy = false;
     FxOpen = false;
 }
 

@@ -206,10 +206,7 @@ void SetLevel(int percent) {
     UpdateJFX();
 }
 
-void OpenLevel() {
-    measured = Measured();
-    measure();
-}
+void OpenLevel() { measure(); }
 
 void CloseLevel() { measured = Measured(); }
 

@@ -89,7 +89,7 @@ void jumpTo(int row) {
         return;
     }
     StopSearchBlinking();
-    tab().lstPal.listIndex = std::clamp(row, 0, rows() - 1);
+    tab().lstPal.listIndex = row;
     NotSavePal();
     openSelected();
 }

@@ -203,7 +203,6 @@ void JingSearch() {
         s.lstPalRes.listIndex = -1;
         emptyHits();
         s.fillKeys();
-        s.showKeys(s.keysShown());
         s.VUSearchDelay.visible = searchSettings.AutoClJSearchSec > 0;
         s.VUSearchDelay.maximum = searchSettings.AutoClJSearchSec * kTicksPerSecond;
         SearchOpen = true;

@@ -51,6 +51,7 @@ struct Picture {
     struct Snap {
         CuePoint point;
         double seconds;
+        double from;  ///< seconds: where the handle stood
     };
     std::optional<Snap> snap;  ///< waits for samples
 
@@ -91,7 +92,11 @@ bool asked(std::int64_t from, std::int64_t to) { return wave.asked.first <= from
 /// as of a file that is gone, it goes where it was drawn to.
 void snapNow() {
     if (!wave.snap) return;
-    const auto [point, seconds] = *wave.snap;
+    const auto [point, seconds, before] = *wave.snap;
+    if (marks()[point] != before) {  // its time was typed meanwhile
+        wave.snap.reset();
+        return;
+    }
     const auto frame = static_cast<std::int64_t>(std::llround(seconds * wave.view.rate));
     const auto reach = static_cast<std::int64_t>(kSnapReach * wave.view.rate);
     const auto end = static_cast<std::int64_t>(wave.view.length * wave.view.rate);
@@ -152,7 +157,7 @@ void movedView() {
 void moveHandle(double seconds, bool toCrossing) {
     seconds = std::clamp(seconds, 0.0, wave.view.length);
     if (toCrossing && wave.outline) {
-        wave.snap = Picture::Snap{wave.handle, seconds};
+        wave.snap = Picture::Snap{wave.handle, seconds, marks()[wave.handle]};
         snapNow();
     } else {
         wave.snap.reset();
@@ -295,7 +300,6 @@ void WireWave() {
 }
 
 void OpenWave() {
-    CloseWave();
     constexpr std::array kNames{"fxlblStartPos", "fxlblStopPos", "fxlblLI", "fxlblLO"};
     for (std::size_t i = 0; i < kCuePoints; ++i) {
         wave.names[i] = Ln(kNames[i]);

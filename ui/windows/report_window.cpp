@@ -8,7 +8,6 @@
 #include "startup/helpers.h"
 #include "startup/upcalls.h"
 #include "ui/records/main_window.h"
-#include "ui/windows/console_window.h"
 #include "ui/windows/form_window.h"
 
 namespace zv {
@@ -67,11 +66,7 @@ ReportWindow& frmReportError() {
 void FillReportUpcalls() {
     startupUpcalls.reportWindowOpen = [] { return frmReportError().form.isOpen(); };
     startupUpcalls.showReportWindow = show;
-    startupUpcalls.unloadOtherWindows = [] {
-        hide();
-        CloseConsole();
-        CloseForms();
-    };
+    startupUpcalls.unloadOtherWindows = CloseForms;
     startupUpcalls.endProgram = endProgram;
 }
 

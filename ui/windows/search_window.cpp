@@ -87,6 +87,7 @@ void SearchWindow::fillKeys() {
     for (const char* key : {"mKb1", "mKb2", "mKb3"}) add(Ln(key));
     letters.resize(kSearchKeys);
     for (std::size_t i = 0; i < btKb.size(); ++i) btKb[i]->caption = letters[i];
+    showKeys(keysShown_);
 }
 
 void SearchWindow::showKeys(bool shown) {
