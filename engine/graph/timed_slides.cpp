@@ -1,7 +1,6 @@
 #include "engine/graph/timed_slides.h"
 
 #include <cmath>
-#include <utility>
 
 namespace zv::engine {
 namespace {
@@ -20,7 +19,7 @@ void TimedSlides::begin(Channel& channel) {
     slide.ms = node.ms;
     slide.flags = node.flags;
     slide.b = channel.shared.appliedVolume.load(std::memory_order_relaxed);
-    const bool told = std::exchange(a.timedDue, false);
+    const bool told = a.timedDue;
     a.timed = nullptr;
     slides_.volume(slide);
     // A slide that stops at once leaves nothing to be passed: the sync is told here.

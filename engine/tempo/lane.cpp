@@ -10,6 +10,7 @@ namespace {
 constexpr std::size_t kChunk = 512;  // frames handed on at a time
 constexpr std::size_t kGrid =
     64;  // frames through which the parameters stand still; places are noted so often
+constexpr std::size_t kLeastRing = 2048;  // frames: what was read last stays while more is written
 constexpr double kMostLagSeconds = 0.008;
 constexpr double kMostSteering = 2;  // times the curve's own tempo, either way
 
@@ -48,7 +49,7 @@ std::size_t readInOrder(FrameReader& reader, std::uint64_t& frame, std::span<flo
 }
 
 TempoLane::TempoLane(std::uint32_t rate, std::uint32_t channels, std::size_t frames)
-    : rate_(rate), channels_(channels), size_(kGrid) {
+    : rate_(rate), channels_(channels), size_(kLeastRing) {
     while (size_ < frames) size_ *= 2;
     ring_.resize(size_ * channels_);
     places_.resize(2 * size_ / kGrid);
@@ -65,12 +66,13 @@ void TempoLane::open(const TempoCurve& wanted, std::uint32_t number, std::uint64
     stretches_ = curve.stretches(base);
     transposes_ = curve.transposes(base);
     if (transposes_ && !transposer_) transposer_ = std::make_unique<dsp::Transposer>(channels_);
-    if (!stretches_) return;
-    if (stretcher_)
-        stretcher_->clear();
-    else
-        stretcher_ = std::make_unique<dsp::Stretcher>(rate_, channels_);
-    setStretch(curve.at(base).stretch());
+    if (stretches_) {
+        if (stretcher_)
+            stretcher_->clear();
+        else
+            stretcher_ = std::make_unique<dsp::Stretcher>(rate_, channels_);
+        setStretch(curve.at(base).stretch());
+    }
 }
 
 void TempoLane::setStretch(double ratio) {
@@ -92,7 +94,7 @@ void TempoLane::begin(std::uint64_t start, const PlayRange& where, bool settled)
     adopt(where);
     startSource = start;
     settled_ = settled;
-    clean = !settled_;
+    clean = true;
     const TempoParameters p = curve.at(base);
     // A filter that begins in the middle of a sound would take the beginning for an edge.
     lead_ = transposes_ ? std::min<std::uint64_t>(start, dsp::Transposer::reach(p.transposition())) : 0;
@@ -112,21 +114,18 @@ void TempoLane::begin(std::uint64_t start, const PlayRange& where, bool settled)
 
 void TempoLane::openLeaving(std::span<const float> content, std::uint64_t start, std::uint64_t next,
                             const PlayRange& where) {
-    curve = {};
-    stretches_ = transposes_ = false;
     adopt(where);
     leaves = true;
-    clean = settled_ = false;
-    startSource = nextSource_ = start;
+    startSource = start;
     leaveSource = next;
     least_ = place_ = lag_ = 0;
-    wrapped_ = false;
     flushed_ = true;
     charted_ = 0;
     written_ = read_ = 0;
-    chart(content.size() / channels_, 1);
-    store(content);
-    endAt_ = content.size() / channels_;
+    const std::uint64_t frames = content.size() / channels_;
+    chart(frames, 1);
+    std::ranges::copy(content, ring_.begin());
+    written_ = endAt_ = frames;
 }
 
 /// Notes where the next `frames` frames lie, through which the speed stands still, and the grid's next step.
@@ -137,20 +136,9 @@ void TempoLane::chart(std::uint64_t frames, double speed) {
     while (charted_ <= last) {
         const double there =
             place_ + speed * (static_cast<double>(charted_ * kGrid) - static_cast<double>(at));
-        double counted = std::max(least_, there - lag_);
-        if (charted_ > 0) counted = std::max(counted, places_[(charted_ - 1) & mask]);
-        places_[charted_++ & mask] = counted;
+        places_[charted_++ & mask] = std::max(least_, there - lag_);
     }
     place_ += speed * static_cast<double>(frames);
-}
-
-void TempoLane::store(std::span<const float> frames) {
-    const std::uint64_t at = written_.load(std::memory_order_relaxed);
-    const std::size_t count = frames.size() / channels_, start = at & (size_ - 1);
-    const std::size_t first = std::min(count, size_ - start);
-    std::copy_n(frames.data(), first * channels_, ring_.data() + start * channels_);
-    std::copy_n(frames.data() + first * channels_, (count - first) * channels_, ring_.data());
-    written_.store(at + count, std::memory_order_release);
 }
 
 /// The source in the order of play, with silence behind its end.
@@ -238,20 +226,18 @@ std::size_t TempoLane::rest(double speed) const {
 /// Renders the next stretch, or notes the end.
 void TempoLane::step(FrameReader& reader) {
     const std::uint64_t at = written_.load(std::memory_order_relaxed);
-    const bool moves = curve.moves(base + at);
-    const TempoParameters p = moves ? curve.at(base + at + kGrid / 2) : curve.last();
+    const TempoParameters p = curve.at(base + at + kGrid / 2);
     const double speed = p.speed();
-    std::size_t frames = moves || transposes_ ? kGrid - at % kGrid : kChunk;
+    std::size_t frames = curve.moves(base + at) || transposes_ ? kGrid - at % kGrid : kChunk;
     const std::size_t start = at & (size_ - 1);
     frames = std::min({frames, rest(speed), size_ - start});
-    if (frames > 0 && transposes_) {
+    if (transposes_) {
         makeTransposed(reader, frames, p.transposition());
-        frames = std::min(frames, rest(speed));
         std::copy_n(grid_.data(), frames * channels_, ring_.data() + start * channels_);
-    } else if (frames > 0) {
+    } else {
         frames = makeStretched(reader, {ring_.data() + start * channels_, frames * channels_});
-        frames = std::min(frames, rest(speed));
     }
+    frames = std::min(frames, rest(speed));
     if (frames == 0) {
         endAt_.store(at, std::memory_order_release);
         return;
@@ -261,7 +247,6 @@ void TempoLane::step(FrameReader& reader) {
 }
 
 void TempoLane::fill(FrameReader& reader, std::size_t ahead) {
-    ahead = std::min(ahead, size_ - kChunk);
     while (!finished() && this->ahead() < ahead) step(reader);
 }
 
@@ -320,8 +305,6 @@ std::size_t TempoLane::read(std::span<float> out, std::uint64_t limit) {
 std::span<const float> TempoLane::view(std::size_t frames) {
     const std::uint64_t at = read_.load(std::memory_order_relaxed), start = at & (size_ - 1);
     if (start + frames > size_ || at + frames > written_.load(std::memory_order_acquire)) return {};
-    // What is written from now on stays this far away from what was just read.
-    if (frames > size_ / 4) return {};
     read_.store(at + frames, std::memory_order_release);
     return {ring_.data() + start * channels_, frames * channels_};
 }
@@ -330,7 +313,6 @@ double TempoLane::placeAt(std::uint64_t frame) const {
     const std::size_t mask = places_.size() - 1;
     const std::uint64_t entry = frame / kGrid, part = frame % kGrid;
     const double from = places_[entry & mask];
-    if (part == 0) return from;
     return from + (places_[(entry + 1) & mask] - from) * static_cast<double>(part) / kGrid;
 }
 

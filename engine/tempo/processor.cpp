@@ -186,9 +186,7 @@ std::span<const float> TempoProcessor::view(std::size_t frames) {
     if (const TempoLane* lane = next(); lane && lane->switchAt < current_->readAt() + frames) return {};
     if (reader_.range() != current_->range()) return {};
     const std::span<const float> there = current_->view(frames);
-    if (there.empty()) return there;
-    report(frames);
-    if (current_->exhausted()) end();
+    if (!there.empty()) report(frames);
     return there;
 }
 
@@ -221,8 +219,7 @@ std::size_t TempoProcessor::read(std::span<float> out) {
             std::uint64_t none = 0;
             if (!diverges(none)) end();
         } else if (got == 0 && limit != current_->readAt()) {
-            underruns_.fetch_add(1, std::memory_order_relaxed);
-            break;
+            break;  // the worker is late
         }
     }
     return done;

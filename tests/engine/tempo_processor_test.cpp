@@ -58,6 +58,7 @@ class TempoProcessor : public Show {
                 const std::vector<float> piece = show_.pullAndTake(frames);
                 heard.insert(heard.end(), piece.begin(), piece.end());
                 done += frames;
+                places += place();
                 over = BASS_ChannelIsActive(channel) == BASS_ACTIVE_STOPPED;
             }
         }
@@ -68,6 +69,7 @@ class TempoProcessor : public Show {
         DWORD channel = 0;
         std::vector<float> heard;
         bool over = false;
+        std::uint64_t places = 0;
 
       private:
         TempoProcessor& show_;
@@ -75,7 +77,7 @@ class TempoProcessor : public Show {
     };
 };
 
-/// Of each way to play with each parameter, every 2,048 frames: position, mean size in millionths of both sides, the
+/// Of each way to play with each parameter, every 2,048 frames: position, the sum of positions on the way, mean size in millionths of both sides, the
 /// right one counted twice, and crossings of zero of what was heard, "~" while it is stretched; at last the frames that
 /// sounded and how often each sync was told. The left side grows and the right one falls, so their sizes tell the place.
 TEST_F(TempoProcessor, GoesEveryWayAsApproved) {
@@ -106,6 +108,7 @@ TEST_F(TempoProcessor, GoesEveryWayAsApproved) {
         {"slides there and back",
          [](auto& p, auto& to, int k) {
              const bool back = k == 6;
+             if (k == 11) p.moveTo(3000);
              if (k != 1 && !back) return;
              p.slide(TempoPart::Tempo, back ? 0 : to.tempo, 6000, true);
              p.slide(TempoPart::Pitch, back ? 0 : to.pitch, 6000, false);
@@ -161,10 +164,10 @@ TEST_F(TempoProcessor, GoesEveryWayAsApproved) {
          }},
         {"anything",
          [&](auto& p, auto& to, int) {
-             for (int i = 0; i < 12; ++i) {
+             for (int i = 0; i < 16; ++i) {
                  const auto below = [&](unsigned n) { return static_cast<unsigned>(random() % n); };
-                 const std::uint64_t begin = below(30) * 1000, end = begin + 200 + below(9) * 1000;
-                 const unsigned what = below(9);
+                 const std::uint64_t begin = below(41) * 1000, end = begin + 200 + below(9) * 1000;
+                 const unsigned what = below(11);
                  if (what < 2) p.setParameters(what == 0 ? to : TempoParameters{});
                  if (what == 2) p.setParameters({to.tempo / 2, to.pitch - 1, 1});
                  if (what == 3) p.slide(TempoPart::Tempo, below(2) == 0 ? 0 : to.tempo, below(4000), true);
@@ -172,8 +175,11 @@ TEST_F(TempoProcessor, GoesEveryWayAsApproved) {
                  if (what == 5) p.setRange(below(2) == 0 ? whole : PlayRange{end, begin, true});
                  if (what == 6) p.moveTo(begin);
                  if (what == 7) p.moveTo(p.place() + below(400));
-                 if (what == 8 && below(3) == 0) BASS_ChannelStop(p.channel), pull(below(3000));
-                 p.play(below(5) == 0 ? 0 : below(1500));
+                 if (what == 8) p.setRange({p.place() + 50 + below(300), p.place() - p.place() / 4, true});
+                 if (what > 8 && below(3) == 0) BASS_ChannelStop(p.channel);
+                 if (what == 9) p.setParameters(to), pull(below(3000));
+                 if (what == 10) pull(300), p.moveTo(p.place());
+                 p.play(below(5) == 0 ? 0 : below(i % 2 == 0 ? 200 : 1500));
              }
          }},
     };
@@ -206,8 +212,8 @@ TEST_F(TempoProcessor, GoesEveryWayAsApproved) {
                     size += (std::fabs(heard[i]) + 2 * std::fabs(heard[i + 1])) / kLook;
                     turns += i > 0 && (heard[i] < 0) != (heard[i - 2] < 0);
                 }
-                all << ' ' << player.place() << '/' << std::lround(1e6 * size) << '/' << turns
-                    << (player.stretched() ? "~" : "");
+                all << ' ' << player.place() << '/' << std::exchange(player.places, 0) << '/'
+                    << std::lround(1e6 * size) << '/' << turns << (player.stretched() ? "~" : "");
             }
             all << " sounded " << sounded << " syncs";
             for (const int count : told) all << ' ' << count;
