@@ -165,7 +165,8 @@ TEST_F(Contract, ARecordingIsPulledLikeAFile) {
     for (const float sample : main) ASSERT_EQ(sample, 0);
     // What was said is there to the bit, a period later.
     for (std::size_t f = 1000; f < 44100; ++f) ASSERT_EQ(frameOf(aux[f * 2]), static_cast<double>(f) - 441);
-    // Closed and opened again while it sounds.
+    // Closed and opened again while it sounds, by a clock that is too fast.
+    devices->setClockError(kMicName, 300);
     EXPECT_TRUE(BASS_RecordFree());
     pull(882);
     EXPECT_EQ(take(kAuxName).back(), 0);
@@ -175,6 +176,11 @@ TEST_F(Contract, ARecordingIsPulledLikeAFile) {
     pull(4410);
     const std::vector<float> heard = take(kAuxName);
     EXPECT_GT(heard.back(), heard[4410]) << "the voice goes on";
+    // A period and a half and 6 ms behind, answered firmly.
+    pull(44100 * 4);
+    const auto& input = dynamic_cast<RecordInput&>(*Engine::instance().find(again)->live);
+    EXPECT_NEAR(input.bridge.target(), 1.5 * 441 / 48 + 6, 1e-6);
+    EXPECT_NEAR(input.bridge.correction(), 185.6, 0.1);
 }
 
 TEST_F(Contract, AFileThatPlaysNowhereIsReadWithoutTheGraphAndWithoutTheLock) {
