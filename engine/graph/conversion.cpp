@@ -67,7 +67,6 @@ View Conversion::pull(Channel& channel, std::uint32_t want) {
     take(channel, want, true);
     view.data = plug.out.data();
     view.frames = want;
-    view.own = true;
     return view;
 }
 

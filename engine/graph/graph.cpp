@@ -121,16 +121,13 @@ void Graph::move(Channel& channel, std::uint64_t frame, std::uint32_t moves) {
 void Graph::plugIn(const Command& command) {
     Channel& channel = *command.channel;
     AudioState& a = channel.audio;
-    const bool began = a.playing;
-    playback_.unplug(channel, trash);
     a.plug = static_cast<Plug*>(command.object);
     if (command.kind == CommandKind::AddToMixer) {
         a.parent = command.other;
     } else {
         a.device = static_cast<int>(command.a);
     }
-    if (began || (command.flags & kBegins) != 0)
-        playback_.start(channel, static_cast<std::uint32_t>(command.b));
+    if ((command.flags & kBegins) != 0) playback_.start(channel, static_cast<std::uint32_t>(command.b));
 }
 
 void Graph::free(const Command& command) {

@@ -60,8 +60,7 @@ void measure(Channel& channel, const View& view) {
     const bool trails = view.source != View::kNoSource;
     if (meter.trails.load(std::memory_order_relaxed) != trails) {
         meter.trails.store(trails, std::memory_order_relaxed);
-        meter.meter.reset();
-        meter.trail.reset();
+        trails ? meter.trail.reset() : meter.meter.reset();
     }
     if (trails) {
         meter.trail.add(view.source, view.frames, view.gain);
@@ -76,10 +75,7 @@ void noteHeard(Channel& channel, std::uint64_t from) {
     const Channel& root = channel.root();
     const AudioState& a = root.audio;
     const std::uint64_t to = root.shared.heard.load(std::memory_order_relaxed);
-    if (!meter.trails.exchange(true, std::memory_order_relaxed)) {
-        meter.meter.reset();
-        meter.trail.reset();
-    }
+    if (!meter.trails.exchange(true, std::memory_order_relaxed)) meter.trail.reset();
     const auto add = [&](std::uint64_t first, std::uint64_t last) {
         if (first < last) meter.trail.add(first, static_cast<std::uint32_t>(last - first), 1);
     };
@@ -148,7 +144,6 @@ bool Mixer::joinGroup(Channel& channel, std::uint32_t frames, ConversionGroups& 
     const std::uint64_t from = channel.root().shared.heard.load(std::memory_order_relaxed);
     Conversion::take(channel, frames, false);
     groups.add(*a.plug->resampler, a.volume.value());
-    wentOn(a, frames, time_.block);
     if (a.dry) playback_.setDry(channel, false);
     positions_.publish(channel);
     noteHeard(channel, from);

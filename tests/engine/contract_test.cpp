@@ -13,8 +13,29 @@ TEST_F(Contract, ATempoChannelFreesItsSourceWhenItIsTold) {
     for (const DWORD flag : {DWORD{0}, DWORD{BASS_FX_FREESOURCE}}) {
         const DWORD source = file("ramp");
         EXPECT_TRUE(BASS_StreamFree(BASS_FX_TempoCreate(source, BASS_STREAM_DECODE | flag)));
+        EXPECT_TRUE(flag != 0 || !Engine::instance().find(source)->audio.user);
         EXPECT_EQ(BASS_StreamFree(source), flag == 0);
     }
+    // Nothing is left of what was taken away.
+    const Topology studio;
+    const DWORD source = file("ramp"), jingle = studio.jingle(source);
+    const HFX effect = BASS_ChannelSetFX(jingle, BASS_FX_DX8_REVERB, 0);
+    Engine& e = Engine::instance();
+    const std::weak_ptr sound = e.find(source)->sound;
+    const std::weak_ptr play = e.find(jingle);
+    const std::weak_ptr reverb = e.effects[effect];
+    const std::weak_ptr meter = e.find(jingle)->control.meter;
+    pull(441);
+    BASS_ChannelRemoveFX(jingle, effect);
+    BASS_Mixer_ChannelRemove(jingle);
+    BASS_Mixer_StreamAddChannel(studio.mainMixer, jingle, 0);
+    pull(441);
+    BASS_ErrorGetCode(), BASS_ChannelStop(jingle);
+    EXPECT_TRUE(reverb.expired() && meter.expired());
+    BASS_StreamFree(jingle);
+    pull(441);
+    BASS_ChannelStop(jingle);
+    EXPECT_TRUE(play.expired() && sound.expired());
 }
 
 TEST_F(Contract, ConversionsAreExact) {
@@ -51,6 +72,23 @@ TEST_F(Contract, GainsOnGainsStayNumbers) {
         float levels[2]{};
         ASSERT_TRUE(BASS_Mixer_ChannelGetLevelEx(jingle, levels, 0.02F, flags));
         EXPECT_TRUE(std::isfinite(levels[0]) && levels[0] > 1000) << flags;
+    }
+}
+
+TEST_F(Contract, TheGainOfAllOutputsIsThereAtTheStartAndGlides) {
+    for (const float gain : {0.5F, 1.0F}) {
+        begin({});
+        openMain();
+        if (gain < 1) BASS_SetConfig(BASS_CONFIG_GVOL_STREAM, 5000);
+        if (gain < 1) pull(441);
+        const DWORD play = BASS_FX_TempoCreate(file("one"), BASS_FX_FREESOURCE);
+        BASS_ChannelPlay(play, false);
+        take();
+        EXPECT_EQ(pullAndTake(441)[0], gain);
+        BASS_SetConfig(BASS_CONFIG_GVOL_STREAM, 2500);
+        const std::vector<float> sound = pullAndTake(882);
+        EXPECT_NEAR(sound[440], (gain + 0.25F) / 2, 0.01);
+        EXPECT_EQ(sound.back(), 0.25F);
     }
 }
 
@@ -215,6 +253,8 @@ TEST_F(Contract, AFileThatPlaysNowhereIsReadWithoutTheGraphAndWithoutTheLock) {
     EXPECT_TRUE(BASS_Mixer_StreamAddChannel(studio.mainMixer, lone, 0));
     take();
     EXPECT_EQ(pullAndTake(441)[0], ramp(510'000, 0));
+    BASS_ChannelSetPosition(lone, 900'000 * 8, BASS_POS_BYTE);
+    EXPECT_EQ(pullAndTake(441)[0], ramp(900'000, 0)) << "and where it is moved to";
     BASS_ChannelStop(lone);
     BASS_SetDevice(kMain);
     const DWORD other = file("ramp");

@@ -52,10 +52,10 @@ TEST_F(Heard, AStopOvertakesItsOwnPlay) {
     for (std::size_t i = 0; i < CommandQueue::kCapacity; ++i)
         BASS_ChannelSlideAttribute(other, BASS_ATTRIB_VOLDSP, 0.5F, 10);
     BASS_ChannelPlay(jingle, false);
-    BASS_ChannelStop(jingle);
+    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOL, -1, 0);
     for (int i = 0; i < 5; ++i) {
         pull(441);
-        BASS_ChannelIsActive(jingle);
+        BASS_ChannelSetAttribute(jingle, BASS_ATTRIB_VOL, 1);
     }
     take();
     EXPECT_EQ(loudest(pullAndTake(4410)), 0);
@@ -66,7 +66,7 @@ TEST_F(Heard, AStopOvertakesItsOwnPlay) {
     BASS_ChannelSlideAttribute(other, BASS_ATTRIB_VOLDSP, 0.25F, 10);
     BASS_Mixer_StreamAddChannel(studio.mainMixer, jingle, 0);
     BASS_ChannelPlay(jingle, false);
-    BASS_ChannelSlideAttribute(jingle, BASS_ATTRIB_VOL, -1, 0);
+    BASS_ChannelStop(jingle);
     for (int i = 0; i < 5; ++i) {
         pull(441);
         BASS_ChannelIsActive(jingle);
@@ -77,6 +77,14 @@ TEST_F(Heard, AStopOvertakesItsOwnPlay) {
     BASS_ChannelGetAttribute(other, BASS_ATTRIB_VOLDSP, &gain);
     EXPECT_EQ(gain, 0.25F) << "what waited outside was obeyed";
     EXPECT_GT(engineControl()->statistics(kMain).commandOverflows, 0U);
+    // So does the gain of an output's branch.
+    BASS_ChannelPlay(jingle, false);
+    pull(441);
+    for (std::size_t i = 0; i < CommandQueue::kCapacity; ++i)
+        BASS_ChannelSlideAttribute(other, BASS_ATTRIB_VOLDSP, 0.5F, 10);
+    BASS_ChannelSetAttribute(studio.mainSplit[0], BASS_ATTRIB_VOLDSP, 0);
+    take();
+    EXPECT_EQ(loudest(pullAndTake(441)), 0);
 }
 
 /// A stream that gives as much as it is allowed to.
@@ -116,6 +124,9 @@ TEST_F(Heard, AStreamThatRanDryFillsUpFirstAndFadesOutMeanwhile) {
     EXPECT_EQ(hears(13230, 0.5), 0) << "0.3 s are not enough to begin with";
     EXPECT_NEAR(hears(13230, 2), 0.6, 0.01) << "0.6 s are";
     EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_STALLED);
+    float level = 1;
+    EXPECT_TRUE(BASS_Mixer_ChannelGetLevelEx(live, &level, 0.02F, 0));
+    EXPECT_EQ(level, 0);
     EXPECT_EQ(hears(13230, 0.5), 0) << "nor to go on with";
     EXPECT_NEAR(hears(88200, 1), 1, 0.01);
     EXPECT_EQ(BASS_ChannelIsActive(live), BASS_ACTIVE_PLAYING);

@@ -230,7 +230,9 @@ class AgainstTheModel : public Show {
         if (act.kind == Kind::Gain) BASS_FXSetParameters(j.gain, &gain);
         if (act.kind == Kind::Eq) BASS_FXSetParameters(j.eq, &band);
         if (act.kind == Kind::Reverb) BASS_FXSetParameters(j.reverb, &room);
-        if (act.kind == Kind::Reset) BASS_FXReset(j.play);
+        if (act.kind == Kind::Reset)
+            for (const DWORD of : act.b == 0 ? std::vector{j.play} : std::vector{j.gain, j.reverb, j.eq})
+                BASS_FXReset(of);
         if (act.kind == Kind::Sync) {
             j.fired.push_back(std::make_unique<int>(0));
             j.syncs.push_back(BASS_ChannelSetSync(

@@ -143,8 +143,11 @@ TEST_F(WorkersTest, AnOutputAtRestIsWokenByWhatSoundsAndByWhatWaits) {
     ASSERT_TRUE(rested());
     BASS_ChannelSetAttribute(split, BASS_ATTRIB_VOLDSP, 0.5F);
     EXPECT_TRUE(woken(1000)) << "a command that waits";
-    sync(mixer);
-    EXPECT_FALSE(rested()) << "somebody waits for a time of the mixer";
+    const DWORD other = BASS_Mixer_StreamCreate(44100, 2, BASS_STREAM_DECODE);
+    sync(other);
+    EXPECT_FALSE(rested()) << "somebody waits for a time of a mixer";
+    BASS_StreamFree(other);
+    EXPECT_TRUE(rested());
 }
 
 }  // namespace
