@@ -37,6 +37,8 @@ struct Kind {
     std::array<std::size_t, 2> damaged{1000, 1000};
 };
 
+constexpr std::array<std::size_t, 2> kHole{342, 430}, kLongHole{342, 552};
+
 const Kind kinds[] = {
     {"s16.wav", "", source},
     {"u8.wav", "-c:a pcm_u8", exact},
@@ -68,22 +70,11 @@ const Kind kinds[] = {
     {"joined.oga", "flac -s --ogg $s -o one.oga 2>/dev/null; cat one.oga b.ogg >$f",
      "tail -c +45 $s; oggdec -Q -R -o - b.ogg", untold},
     {"long.oga", "flac -s --ogg $s -o $f 2>/dev/null", source},
-    {"zeros_between.ogg",
-     "(head -c 30000 a.ogg; head -c 137000 /dev/zero; tail -c +30001 a.ogg) >$f",
-     "oggdec -Q -R -o - a.ogg",
-     told,
-     0,
-     44'100,
-     2,
-     {342, 430}},
+    {"zeros_between.ogg", "(head -c 30000 a.ogg; head -c 137000 /dev/zero; tail -c +30001 a.ogg) >$f",
+     "oggdec -Q -R -o - a.ogg", told, 0, 44'100, 2, kHole},
     {"zeros_over.ogg",
      "cp a.ogg $f; dd if=/dev/zero of=$f bs=1 seek=30000 count=10000 conv=notrunc status=none",
-     "oggdec -Q -R -o - a.ogg",
-     told,
-     0,
-     44'100,
-     2,
-     {342, 552}},
+     "oggdec -Q -R -o - a.ogg", told, 0, 44'100, 2, kLongHole},
     {"music.opus", "-c:a libopus", decoded, told, 0, 48'000},
     {"speech.opus", "-c:a libopus -application voip -b:a 14k", decoded, untold, 0, 48'000},
     {"tag.mp3", "-b:a 128k"},
@@ -183,19 +174,8 @@ const Folder& corpus() {
         std::vector<char> picture(54 + 3 * 1'400 * 1'400);
         std::mt19937 random(5);
         for (char& byte : picture) byte = static_cast<char>(random());
-        const std::uint32_t head[] = {static_cast<std::uint32_t>(picture.size()),
-                                      0,
-                                      54,
-                                      40,
-                                      1'400,
-                                      1'400,
-                                      24 << 16 | 1,
-                                      0,
-                                      0,
-                                      0,
-                                      0,
-                                      0,
-                                      0};
+        const auto whole = static_cast<std::uint32_t>(picture.size());
+        const std::uint32_t head[13] = {whole, 0, 54, 40, 1'400, 1'400, 24 << 16 | 1};
         picture[0] = 'B', picture[1] = 'M';
         std::memcpy(picture.data() + 2, head, sizeof head);
         writeBytes(folder / "picture.bmp", picture);

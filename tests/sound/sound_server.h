@@ -4,7 +4,9 @@
 #include <sys/types.h>
 
 #include <atomic>
+#include <chrono>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -100,15 +102,7 @@ std::vector<double> clickTravels(engine::DeviceSource& devices, const std::strin
 
 /// Waits until `holds` does, at most `seconds`.
 template <class Condition>
-bool within(double seconds, Condition holds);
-
-}  // namespace zv::test
-
-#include <chrono>
-#include <thread>
-
-template <class Condition>
-bool zv::test::within(double seconds, Condition holds) {
+bool within(double seconds, Condition holds) {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
     while (!holds()) {
         if (std::chrono::steady_clock::now() > limit) return false;
@@ -116,3 +110,5 @@ bool zv::test::within(double seconds, Condition holds) {
     }
     return true;
 }
+
+}  // namespace zv::test
