@@ -21,10 +21,7 @@ Whole held(double value) {
 }  // namespace
 
 SlotKeys::SlotKeys(cImpulse& store, std::string section, int suffix) : suffix_(std::to_string(suffix)) {
-    if (section.empty()) return;
-    value_ = [&store, section = std::move(section)](const std::string& key) {
-        return store.GetValue(key, 0, section);
-    };
+    if (!section.empty()) value_ = store.Values(std::move(section));
 }
 
 SlotKeys::SlotKeys(const std::vector<cImpulse::Line>& lines, int suffix)

@@ -11,6 +11,10 @@ constexpr std::string_view kMissing = "EntryNotFoundFlag";  // a key that holds 
 constexpr int kMustBeNumber = 5;
 constexpr std::size_t kNamesBuffer = 32767;  // characters, each name with the zero that ends it
 
+std::optional<std::string> present(std::optional<std::string> value) {
+    return value == kMissing ? std::nullopt : std::move(value);
+}
+
 /// A store without a file takes nothing.
 template <class Change>
 bool update(StoredIni& file, const std::string& path, Change change) {
@@ -53,14 +57,20 @@ std::string_view cImpulse::sectionOr(std::string_view section) const {
 
 std::string cImpulse::GetValue(std::string_view key, int valueType, std::string_view section,
                                std::string_view def) {
-    std::optional<std::string> found = file().text().value(sectionOr(section), key);
-    Failed_ = !found || *found == kMissing;
+    std::optional<std::string> found = present(file().text().value(sectionOr(section), key));
+    Failed_ = !found;
     if (Failed_) return std::string(def);
     if (valueType == kMustBeNumber && !ToNumber(*found)) {
         Failed_ = true;
         return "0";
     }
     return std::move(*found);
+}
+
+std::function<std::string(const std::string& key)> cImpulse::Values(std::string section) {
+    return [&text = file().text(), of = file_, section = std::move(section)](const std::string& key) {
+        return present(text.value(section, key)).value_or("");
+    };
 }
 
 void cImpulse::PutValue(std::string_view key, int, std::string_view section, int, std::string_view value) {

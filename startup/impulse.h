@@ -32,6 +32,9 @@ class cImpulse {
     /// sets Failed. An empty `section` means the object's own. Never fails otherwise. [control]
     std::string GetValue(std::string_view key, int valueType = 0, std::string_view section = {},
                          std::string_view def = {});
+    /// The values of a section's keys, "" for what is missing, after one look at the file where GetValue looks each
+    /// time whether another program changed it. To be asked at once, not kept. [control]
+    std::function<std::string(const std::string& key)> Values(std::string section);
     /// Writes `value`; an empty one deletes the key. A write that fails leaves the file as it was. [control]
     void PutValue(std::string_view key, int valueType, std::string_view section, int spare,
                   std::string_view value);
