@@ -49,7 +49,6 @@ bool usesWidePath() { return wideChosen(); }
 void setWidePath(bool on) { chosen.store(on && machineIsWide(), std::memory_order_relaxed); }
 
 void mixStereo(float* out, const float* in, std::size_t frames, float gain) {
-    if (gain == 0) return;
     (wideChosen() ? wide::add1 : plain::add1)(out, in, 2 * frames, gain);
 }
 
@@ -113,7 +112,6 @@ void mixStereo(float* out, const float* in, std::size_t frames, const float* gai
 }
 
 void addScaled(float* out, const float* in, std::size_t count, float gain) {
-    if (gain == 0) return;
     (wideChosen() ? wide::add1 : plain::add1)(out, in, count, gain);
 }
 

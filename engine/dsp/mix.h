@@ -30,7 +30,7 @@ struct MixSource {
     float fixedGain() const { return static_cast<float>(gain.from); }
 };
 
-/// out += in * gain. A gain of 1 adds unchanged, a gain of 0 leaves `out` alone.
+/// out += in * gain.
 void mixStereo(float* out, const float* in, std::size_t frames, float gain);
 /// All of `sources` in one call, up to four of them a pass: the result of mixStereo for each in turn.
 void mixStereo(float* out, std::span<const MixSource> sources, std::size_t frames);

@@ -263,7 +263,7 @@ void Resampler::convertWindow(const ResamplerPhase& phase, const float* sum, std
 }
 
 void Resampler::process(std::span<const float> in, std::span<float> out) {
-    std::size_t given = in.size() / kSides, wanted = out.size() / kSides;
+    std::size_t wanted = out.size() / kSides;
     const float* from = in.data();
     float* to = out.data();
     if (bypassed() && fed_ == at_.whole) {  // nothing held: only the window's memory has to follow
@@ -277,10 +277,9 @@ void Resampler::process(std::span<const float> in, std::span<float> out) {
     const std::size_t room = mostAtOnce();
     while (wanted > 0) {
         const std::size_t part = std::min(wanted, room);
-        const std::size_t need = std::min(inputNeeded(part), given);
+        const std::size_t need = inputNeeded(part);
         push(from, need);
         from += need * kSides;
-        given -= need;
         render(to, part);
         to += part * kSides;
         wanted -= part;

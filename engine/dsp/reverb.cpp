@@ -141,7 +141,6 @@ void Reverb::begin(const ReverbGains& goal, bool leaving) {
 }
 
 void Reverb::process(float* stereo, std::size_t frames) {
-    if (frames == 0) return;
     passed_ = true;
     while (running_ && frames > 0) {
         std::size_t part = frames;

@@ -121,8 +121,7 @@ const TransposerRows& stepRows(std::size_t step) {
 Transposer::Transposer(std::uint32_t channels) : channels_(std::max(channels, 1u)) {
     const std::size_t most = tapsOf(kLeastScale);
     stride_ = 2 * most + kRoom;
-    window_.assign(stride_ * channels_, 0.0F);
-    reset(0);
+    window_.resize(stride_ * channels_);
 }
 
 Transposer::~Transposer() = default;

@@ -14,7 +14,7 @@ struct TransposerRows;  // the filter at many places between two frames, for one
 
 class Transposer {
   public:
-    explicit Transposer(std::uint32_t channels);  ///< [worker] [control]
+    explicit Transposer(std::uint32_t channels);  ///< reset() must come next [worker] [control]
     ~Transposer();
 
     /// Frames that the filter reaches to either side at `speed` (source frames a frame of output).

@@ -235,7 +235,11 @@ TEST(DspReverb, LiveChangesDoNotClick) {
         {0, -96, 1000, 0.5}, {0, -3, 1000, 0.5}, {0, 0, 3000, 0.5}, {-6, -10, 200, 0.9}, {0, -96, 200, 0.9}};
     std::size_t turn = 0;
     const auto out = inBlocks(sound, 16000, [&](float* block, std::size_t n) {
-        if (turn == 2) reverb.set(steps[0]);  // off, and on again at once
+        if (turn == 2) {  // off, and on again on the way
+            reverb.set(steps[0]);
+            reverb.process(block, 300);
+            block += 600, n -= 300;
+        }
         EXPECT_EQ(reverb.bypassed(), turn < 2 || turn > 4) << turn;
         if (turn < 5) reverb.set(steps[turn]);
         ++turn;
