@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include "engine/dsp/resampler.h"
-#include "engine/dsp/transposer.h"
 #include "tests/engine/dsp_signals.h"
 
 namespace zv::engine::dsp {
@@ -67,46 +64,6 @@ TEST(DspResampler, WhatDoesNotFitIsGone) {
                 << rates.in << " to " << rates.out << ", " << hz << " Hz";
         }
     }
-}
-
-// ---- the transposer, whose speed may change with every piece
-
-/// Pieces of 64 frames at the speed that `speed` has for each; the right side lies a quarter of a wave behind.
-void transposesCleanly(const char* what, double hz, bool passes,
-                       const std::function<double(std::size_t)>& speed) {
-    constexpr std::size_t kPiece = 64, kLead = 30, kPieces = 300;
-    const auto in = test::sine(hz, 44100, 300'000, 0.5);
-    Transposer transposer(2);
-    transposer.reset(kLead);
-    std::vector<float> out(2 * kPiece);
-    std::size_t fed = 0;
-    double place = kLead;
-    for (std::size_t piece = 0; piece < kPieces; ++piece) {
-        const std::size_t need = transposer.needed(kPiece, speed(piece));
-        transposer.push({in.data() + 2 * fed, 2 * need});
-        fed += need;
-        EXPECT_NEAR(transposer.position(), place, 1e-6) << what;
-        transposer.make(out, speed(piece));
-        for (std::size_t i = 0; i < kPiece; ++i, place += speed(piece)) {
-            const double angle = 2 * std::numbers::pi * hz * place / 44100, size = passes ? 0.5 : 0;
-            if (piece < 10) continue;  // the beginning is cut out of silence
-            ASSERT_NEAR(out[2 * i], size * std::sin(angle), 1e-3) << what << ", piece " << piece;
-            ASSERT_NEAR(out[2 * i + 1], -size * std::cos(angle), 1e-3) << what << ", piece " << piece;
-        }
-    }
-}
-
-TEST(DspTransposer, GivesTheSoundBetweenFramesAndNothingThatFolds) {
-    for (const double speed : {0.05, 0.7, 1.0, 1.0001, 1.9, 3.3, 7.5}) {
-        const double lower = 44100 / std::max(speed, 1.0);
-        const auto steady = [speed](std::size_t) { return speed; };
-        transposesCleanly("steady", 0.35 * lower, true, steady);
-        if (speed > 1.5) transposesCleanly("folds", 0.56 * lower, false, steady);
-    }
-    const auto moves = [](std::size_t piece) { return 0.8 + 0.008 * static_cast<double>(piece); };
-    transposesCleanly("moves", 0.35 * 44100 / 3.2, true, moves);
-    transposesCleanly("moves and folds", 0.56 * 44100 / 2, false,
-                      [&](std::size_t piece) { return 2 + moves(piece) / 4; });
 }
 
 }  // namespace

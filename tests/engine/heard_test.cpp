@@ -171,34 +171,5 @@ TEST_F(Heard, AReaderOfASplitThatLagsGoesOnWithThePresent) {
     pull(441);
 }
 
-TEST_F(Heard, WithoutAnAuxiliaryDeviceItsBranchStaysInStep) {
-    const Topology studio(44100, false);
-    const DWORD jingle = studio.jingle(file("sine"));
-    BASS_ChannelPlay(jingle, false);
-    pull(44100);
-    take();
-    BASS_Init(kAux, 44100, 0, nullptr, nullptr);
-    BASS_SetDevice(kAux);
-    const DWORD late = BASS_Split_StreamCreate(studio.outMixer[1], 0, nullptr);
-    BASS_ChannelStart(late);
-    pull(44100);
-    EXPECT_EQ(take(), take(kAuxName));
-}
-
-TEST_F(Heard, OutputsOfAnotherRateAreConverted) {
-    begin({});
-    ASSERT_TRUE(BASS_Init(0, 96000, 0, nullptr, nullptr));  // the graph runs at this rate
-    ASSERT_TRUE(BASS_Init(kMain, 44100, 0, nullptr, nullptr));
-    const DWORD play = BASS_FX_TempoCreate(file("sine"), BASS_FX_FREESOURCE);
-    BASS_ChannelPlay(play, false);
-    pull(44100);
-    const std::vector<float> sound = take();
-    double worst = 0;
-    for (std::size_t f = 2000; f < 40000; ++f)
-        worst = std::max(worst, std::abs(static_cast<double>(sound[f * 2] - sine(f, 1000, 44100, 0.5))));
-    // Up and down again: both conversions are transparent.
-    EXPECT_LT(worst, 1e-3);
-}
-
 }  // namespace
 }  // namespace zv::engine::test
