@@ -107,7 +107,7 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
             c.go(1, 1543, 0);
             c.tell("a second, 35 ms of it at once");
         }
-        for (int i = 0; i < 2; ++i) c.run("half a minute of calm", 3000, kStep);
+        c.run("a minute of calm", 6000, kStep);
         c.run("runs dry", 4, 0);
         c.run("nothing comes", 26, 0);
         c.run("too little to begin with", 2, kStep);
@@ -119,7 +119,6 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
         c.bridge.rest();
         c.run("a rest: what was written is silence", 3, 0);
         c.run("what comes then is heard whole", 7, kStep);
-        c.run("a period late", 1, 0);
         c.run("a second and a half", 150, kStep);
         for (const bool rests : {true, false, true}) {
             c.go(1, 3500, kStep);
@@ -181,7 +180,6 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
         c.run("nothing yet", 1, 0);
         c.run("the first sound within a read", 1, 200);
         c.run("a gap", 1, 200);
-        c.run("ten steps", 10, kStep);
         c.run("50 ms ahead are let be", 1, 2205 + kStep);
         c.run("more is not", 1, kStep + 1);
         c.bridge.restart();
