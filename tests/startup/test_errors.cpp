@@ -38,34 +38,6 @@ TEST_F(Errors, LogHasTheNewestLineFirst) {
               "2026-01-31 14:05:09 : second\r\n2026-01-31 14:05:09 : bass.dll : forced\r\n");
 }
 
-TEST_F(Errors, MarkShowsEachMode) {
-    std::vector<ErrorMark> marks;
-    int saves = 0;
-    startupUpcalls.showErrorMark = [&](const ErrorMark& mark) { marks.push_back(mark); };
-    startupUpcalls.startSaveTimer = [&] { ++saves; };
-    struct {
-        const char* mode;
-        char character;
-        bool visible;
-    } const table[] = {{"save", 'f', true}, {"wait", 'h', true},         {"ok", '?', true},
-                       {"no", 'x', true},   {"notification", 'b', true}, {"hide", 0, false}};
-    for (const auto& row : table) {
-        ErrBlinkCount = 5;
-        ErrDisp(row.mode, 1, "tip");
-        EXPECT_EQ(marks.back().character, row.character) << row.mode;
-        EXPECT_EQ(marks.back().visible, row.visible) << row.mode;
-        EXPECT_EQ(marks.back().toolTip, "tip");
-        EXPECT_TRUE(marks.back().blink);
-        EXPECT_EQ(marks.back().usesPlayingColor, row.mode == std::string("wait"));
-        EXPECT_EQ(ErrBlinkCount, 0);
-    }
-    EXPECT_EQ(saves, 0);
-    paletteSettings.AutoSave = 1;
-    ErrDisp("save");
-    ErrDisp("no");
-    EXPECT_EQ(saves, 1);
-}
-
 TEST_F(Errors, EngineErrors) {
     ErrorLogOn = true;
     std::string shownMark;

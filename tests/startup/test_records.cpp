@@ -85,15 +85,6 @@ TEST_F(Timers, HandlersMayDoAnythingToTimers) {
 
 class Paths : public ProgramFolderTest {};
 
-TEST_F(Paths, AreAbsoluteInEitherKind) {
-    for (const char* path : {"C:\\x", "c:/x", "\\\\server\\x", "/x"})
-        EXPECT_TRUE(isAbsolutePath(path)) << path;
-    for (const char* path : {"", "x", "\\x", "C:x", "1:\\x"}) EXPECT_FALSE(isAbsolutePath(path)) << path;
-    EXPECT_EQ(nativePath("C:\\x.wav"), pathFromUtf8("C:\\x.wav"));
-    EXPECT_EQ(nativePath("\\Audio_Sample\\new.wav"), path("Audio_Sample/new.wav"));
-    EXPECT_TRUE(nativePath("").empty());
-}
-
 TEST_F(Paths, FilesAreToldApartAndReplacedWhole) {
     const fs::path file = path("caf\xC3\xA9 \xE2\x82\xAC.txt");
     EXPECT_EQ(fileState(file), FileState{});

@@ -460,7 +460,11 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         audioUpcalls.stopStream(), live.ckPlayStream.onMouseDown({}), note("again");
         live.btRemUrl.onClick();
     });
-    act("the search opened again", [&] { seek("b1"), CloseSearchBox(), note("closed"), JingSearch(); });
+    act("the search opened again", [&] {
+        seek("b1"), frmSearchJing().txtJSearch.caption = "zzz", frmSearchJing().txtJSearch.onChange();
+        pass(300), note("nothing found"), seek("x"), seek("b1"), CloseSearchBox(), note("closed"),
+            JingSearch();
+    });
     act("more messages than the monitor shows", [] {
         clMIDI("b_Jingle", kSlot);
         for (int i = 0; i < 15; ++i) MidiDevices::instance().hear("90" + std::to_string(10 + i) + "40");

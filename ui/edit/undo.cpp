@@ -266,8 +266,9 @@ void take(std::vector<Step>& from, std::vector<Step>& to, bool back) {
         ShowDisplayMessage(why);
         return;
     }
+    std::string failed;
     if (!step.deleted.empty()) {
-        back ? FileBack(step.deleted) : FileAway(step.deleted);
+        failed = back ? FileBack(step.deleted) : FileAway(step.deleted);
     }
     bring(step, back);
     BringPaths(step.paths, back);
@@ -276,6 +277,9 @@ void take(std::vector<Step>& from, std::vector<Step>& to, bool back) {
         OpenMissing();
     }
     markChanges();
+    if (!failed.empty()) {
+        ErrDisp("no", 1, failed);
+    }
     ShowDisplayMessage(Ln(back ? "unUndone" : "unRedone") + " " + FilledText(step.text, step.jingle));
     to.push_back(std::move(step));
     from.pop_back();

@@ -10,7 +10,6 @@
 #include "model/palette_files.h"
 #include "model/palette_lines.h"
 #include "model/rename_sound.h"
-#include "startup/errors.h"
 #include "startup/helpers.h"
 #include "startup/language.h"
 #include "startup/stores.h"
@@ -104,24 +103,22 @@ void BringSpellingsBack(const FileRename& renamed) {
     }
 }
 
-void FileBack(const std::string& path) {
+std::string FileBack(const std::string& path) {
     if (FileExists(GetFullPath(path))) {
-        return;  // it could not be deleted, or another one stands there by now
+        return {};  // it could not be deleted, or another one stands there by now
     }
     const auto entries = HistoryEntries();
     const auto entry = std::find_if(entries.begin(), entries.end(), [&](const HistoryEntry& one) {
         return one.isFile() && one.reason == HistoryReason::deleted && one.name == path;
     });
-    if (entry == entries.end() || !BringFileBack(*entry)) {
-        ErrDisp("no", 1, Ln("hsFailed") + ": " + path);
-    }
+    const bool there = entry != entries.end() && BringFileBack(*entry);
+    return there ? std::string() : Ln("hsFailed") + ": " + path;
 }
 
-void FileAway(const std::string& path) {
+std::string FileAway(const std::string& path) {
     const std::string full = GetFullPath(path);
-    if (FileExists(full) && !KeepDeletedFile(full)) {
-        ErrDisp("no", 1, Ln("unFileStays") + " " + path);
-    }
+    const bool stays = FileExists(full) && !KeepDeletedFile(full);
+    return stays ? Ln("unFileStays") + " " + path : std::string();
 }
 
 void OpenMissing() {

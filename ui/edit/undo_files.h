@@ -37,9 +37,10 @@ FileRename RenameBefore(const std::string& from, const std::string& to);
 /// The file has its old name again: what was spelled otherwise is so again.
 void BringSpellingsBack(const FileRename& renamed);
 
-/// Out of the history, and into it; `path` as the history names it. A file that cannot be moved is told on the mark.
-void FileBack(const std::string& path);
-void FileAway(const std::string& path);
+/// Out of the history, and into it; `path` as the history names it. Each returns why the file could not be
+/// moved, empty when it was.
+std::string FileBack(const std::string& path);
+std::string FileAway(const std::string& path);
 /// Buttons that miss their file try again.
 void OpenMissing();
 /// Palette and hot jingles stand in their files as they are in the records.
