@@ -40,9 +40,12 @@ class DevicesTest : public SurfaceTest {
                 std::to_string(midiSettings.MIDIEnabled) + std::to_string(midiSettings.MIDIAutoHide) + " " +
                 midiSettings.MIDIOutFixedDevice + " " + std::to_string(midiSettings.MIDIOutFixedEnabled) +
                 " " + std::to_string(midiSettings.MIDIOutFixedChan) + "/" +
-                std::to_string(midiSettings.MIDIOutFixedVel) + "; " + sent() + "\n";
-        for (const std::string& box : desktop().boxes) text += "    box: " + box + "\n";
-        desktop().boxes.clear();
+                std::to_string(midiSettings.MIDIOutFixedVel);
+        for (std::string& box : std::exchange(desktop().boxes, {})) {
+            std::ranges::replace(box, '\n', '/'), std::erase(box, '\r');
+            text += ", box: " + box;
+        }
+        text += "; " + sent() + "\n";
     }
     void act(const std::string& what, const std::function<void()>& does) {
         does();

@@ -84,8 +84,10 @@ class Shows : public testing::TestWithParam<std::string> {
     std::string section(const std::string& name, const std::string& text) const {
         if (text.empty()) return {};
         const std::string here = replaced(replaced(text, show.home().string(), "HOME"), binDir(), "BIN");
-        const std::string plain = replaced(here, "\r\n", "\n");
-        return "[" + name + "]\n" + plain + (plain.ends_with('\n') ? "" : "\n");
+        std::string plain = replaced(here, "\r\n", "\n");
+        if (plain.ends_with('\n')) plain.pop_back();
+        if (name == "events.log") return "[" + name + "]\n" + plain + "\n";
+        return "[" + name + "] " + replaced(plain, "\n", " | ") + "\n";
     }
     std::map<std::string, std::string> files() const {
         std::map<std::string, std::string> found;
@@ -125,9 +127,12 @@ TEST_P(Shows, LeaveWhatWasApproved) {
     const int status = show.perform(script, arguments);
     std::string text = "status " + std::to_string(status) + "\n";
     text += replaced(show.messages(), show.home().parent_path().string() + "/", "");
-    text += section("events.log",
-                    linesWith(show.result("events.log"),
-                              "\tmark\thide|\tmark\twait|\tfailed\texpect |\tmenu\tmnuAss mnuClr ", false));
+    std::string told = "\tmark\thide|\tmark\twait|\tfailed\texpect |\tmenu\tmnuAss mnuClr ";
+    std::istringstream messages(show.messages());
+    for (std::string line; std::getline(messages, line);)  // "script.txt:4: at 0: text"
+        if (const std::size_t at = line.find(": at "); at != std::string::npos)
+            told += "|\tfailed\t" + line.substr(line.find(": ", at + 1) + 2);
+    text += section("events.log", linesWith(show.result("events.log"), told, false));
     for (const char* log : {"midi.log", "web.log"})
         text += section(log, replaced(replaced(show.result(log), "\n", "; "), "\t", " "));
     const bool same = show.result("main.wav") == show.result("aux.wav");

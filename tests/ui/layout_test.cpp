@@ -98,8 +98,10 @@ TEST_F(LayoutTest, theWindowIsHeldToTheScreensWhateverTheFileSays) {
         TimerMainPosTick();
         EXPECT_EQ(windowSettings.WinState, c.fills ? 2 : 0);
         const Place& kept = c.fills ? c.saved : c.opens;
-        EXPECT_EQ(windowSettings.WinWidth, kept.width * kTwipsPerPixel);
-        EXPECT_EQ(windowSettings.PosTop, kept.top * kTwipsPerPixel);
+        const auto pixels = [](int twips) { return twips / kTwipsPerPixel; };
+        EXPECT_EQ((Place{pixels(windowSettings.PosLeft), pixels(windowSettings.PosTop),
+                         pixels(windowSettings.WinWidth), pixels(windowSettings.WinHeight)}),
+                  kept);
     }
 }
 
