@@ -5,6 +5,7 @@
 #include "midi/learn.h"
 #include "midi/learn_commands.h"
 #include "startup/errors.h"
+#include "startup/helpers.h"
 #include "startup/settings/automix_settings.h"
 #include "tests/midi/surface.h"
 #include "tests/support/approved.h"
@@ -195,7 +196,7 @@ TEST_F(LearnTest, AControlIsTaughtByPressingIt) {
     text += learn("Amix", -1, "", true);
     text += learn("Vol", -1, "B00710", true);
     text += learn("Amix", -1, "B00710", true);
-    expectApproved("midi/lessons.approved", text);
+    expectApproved("midi/lessons.approved", paragraph(Split(text, "\n"), " | "));
     clMIDI("Vol", -1);
     send("B00710 B00820");
     EXPECT_EQ(frmMIDIFader().SlideFader.value(), 0x10);

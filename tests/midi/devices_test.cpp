@@ -6,6 +6,7 @@
 #include "midi/lifecycle.h"
 #include "midi/ring.h"
 #include "platform/common/midi_queue.h"
+#include "startup/helpers.h"
 #include "startup/settings/midi_settings.h"
 #include "tests/midi/surface.h"
 #include "tests/support/approved.h"
@@ -135,7 +136,7 @@ TEST_F(DevicesTest, AreTakenUpByNamePickedAndSwitchedOff) {
     EXPECT_LE(reports.size(), 1U);
     midiOut.OutReset = "B00000";
     act("the end", [] { EndMIDI(); });
-    expectApproved("midi/devices.approved", text);
+    expectApproved("midi/devices.approved", paragraph(Split(text, "\n"), " | "));
     devices_.refuse = true;
     lstInDevs = {kPad};
     MidiHandle handle = 0;

@@ -6,10 +6,21 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <utility>
 
 #include "tests/support/places.h"
 
 namespace zv::test {
+
+std::string paragraph(const std::vector<std::string>& parts, const std::string& between) {
+    constexpr std::size_t kLine = 1500;
+    std::string text, line;
+    for (const std::string& part : parts) {
+        if (!line.empty() && line.size() + part.size() > kLine) text += std::exchange(line, {}) + "\n";
+        line += (line.empty() ? "" : between) + part;
+    }
+    return line.empty() ? text : text + line + "\n";
+}
 
 void expectApproved(const std::string& file, const std::string& text) {
     const std::string path = sourceDir() + "/tests/" + file;

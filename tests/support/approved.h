@@ -3,8 +3,12 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace zv::test {
+
+/// Joined to lines of some length.
+std::string paragraph(const std::vector<std::string>& parts, const std::string& between);
 
 /// The text is that of tests/`file`, to the letter; of a difference the first line is told.
 void expectApproved(const std::string& file, const std::string& text);

@@ -122,17 +122,6 @@ std::string ranges(const std::vector<int>& indices) {
 
 }  // namespace
 
-/// Joined to lines of some length.
-std::string paragraph(const std::vector<std::string>& parts, const std::string& between) {
-    constexpr std::size_t kLine = 1500;  // as of the other approved texts
-    std::string text, line;
-    for (const std::string& part : parts) {
-        if (!line.empty() && line.size() + part.size() > kLine) text += std::exchange(line, {}) + "\n";
-        line += (line.empty() ? "" : between) + part;
-    }
-    return line.empty() ? text : text + line + "\n";
-}
-
 class ScreenTest : public WindowTest {
   protected:
     /// The window control by control; parts of buttons that look alike, and the digits, are told as one. Where parts of
@@ -327,14 +316,7 @@ TEST_F(ScreenTest, EverythingLooksAsItWasApproved) {
     frmMain().options.ckLoopI.onMouseDown({});
     pass(160);
     scene("loop is armed while one sounds");
-    frmMain().options.ckLoopI.onMouseDown({});
-    pass(160);
-    scene("sequence is armed");
-    for (Control* key : {&frmMain().options.ckNoStopI, &frmMain().options.ckFXI}) {
-        key->onMouseDown({});
-        pass(160);
-        scene(key->name + " is armed");
-    }
+    ckLoopITog(), ckLoopITog();
     frmMain().ckTab[1].onMouseDown({});
     std::filesystem::copy_file(sourceDir() + "/data/Time_Announce.wav", path("Time_Announce.wav"));
     CkTmAnnTog();

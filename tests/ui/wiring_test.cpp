@@ -368,7 +368,9 @@ TEST_F(WiringTest, UpcallsDoWhatWasApproved) {
     }
     programSettings.Language = kEnglish;
     for (const Waiting::For what : {Waiting::For::answer, Waiting::For::window}) {
-        const Waiting waits(what, &frmMain().window, {});
+        const Waiting before(Waiting::For::window, nullptr, {}), waits(what, &frmMain().window, {});
+        const Waiting behind(what == Waiting::For::answer ? Waiting::For::window : what, nullptr, {});
+        EXPECT_EQ(waitingNow(), what == Waiting::For::answer ? &waits : &behind);
         tell("refused", [&] { refusedMeanwhile(), pass(40); });
         pass(4000);
     }

@@ -167,9 +167,6 @@ MainWindow::MainWindow()
       lblL("lblL", label, &fraVU),
       lblR("lblR", label, &fraVU),
       lblVUSrc("lblVUSrc", symbol, &fraVU) {
-    for (std::size_t i = 0; i < kTabs; ++i) {
-        fraTab[i].visible = i == 0;
-    }
     window.caption = "Zentrova";
     lblL.visible = false;  // the meters' tool tips name the sides
     lblR.visible = false;
