@@ -201,6 +201,7 @@ TEST_F(WiringTest, UpcallsDoWhatWasApproved) {
     refusedMeanwhile = {};
     zv::perform = {};
     FillUpcalls();
+    tell("the window moves", [&] { frmMain().window.left = 40 * kTwipsPerPixel, pass(600); });
     const AudioUpcalls& a = audioUpcalls;
     const StartupUpcalls& s = startupUpcalls;
     say("filled", bool{a.stopAnnouncer}, bool{a.stopStream}, bool{a.liveChanged}, bool{a.liveFadesOut},

@@ -17,7 +17,6 @@
 #include "startup/guard.h"
 #include "startup/helpers.h"
 #include "startup/settings/automix_settings.h"
-#include "startup/settings/devices_settings.h"
 #include "startup/settings/grid_settings.h"
 #include "startup/settings/keys_settings.h"
 #include "startup/settings/volumes_settings.h"
@@ -182,13 +181,13 @@ bool act(Action action, int argument, int velocity) {
             break;
         case Action::micDown:
             MicPush();
-            return deviceSettings.DeviceSingle == 0;
+            break;
         case Action::micUp:
             MicRelease();
-            return deviceSettings.DeviceSingle == 0;
+            break;
         case Action::talkOver:
             TalkOverTog();
-            return deviceSettings.DeviceSingle == 0;
+            break;
         case Action::volume:
             volumeSettings.Volume = std::clamp(argument, 0, kFullPercent);
             SetOutputVolume(0, volumeSettings.Volume, kVolumeMs);
