@@ -15,7 +15,7 @@ find_window
 
 # One press and one more, recorded from both sinks: whether both hold the tone, whole and with silence around.
 heard_on_both() {
-    local recorders=() sink
+    local recorders=() sink seconds gaps
     for sink in out1 out2; do
         record $sink
         recorders+=($recorder)
@@ -27,7 +27,9 @@ heard_on_both() {
     kill "${recorders[@]}"
     wait "${recorders[@]}" 2>/dev/null
     for sink in out1 out2; do
-        python3 "$here/tone.py" find "$work/$sink.raw" || return 1
+        read -r seconds gaps < <(python3 "$here/tone.py" measure "$work/$sink.raw" 0)
+        echo "$sink: $seconds s of tone, $gaps gaps"
+        awk -v s="$seconds" -v g="$gaps" 'BEGIN { exit !(s > 0.8 && s < 1.8 && g == 0) }' || return 1
     done
 }
 

@@ -63,34 +63,16 @@ def ends(path, start):
     print(-1 if last > len(left) - 3 * block else last * 1000 // RATE)
 
 
-def find(path):
-    """The tone sounds for about 1.2 s at its own level, without a gap, with silence before and after."""
-    levels = levels_from(path, 0)
-    loud = [i for i, level in enumerate(levels) if level > 0.9 * LEVEL]
-    if not loud:
-        print(f"{path}: loudest {max(levels, default=0):.4f}, wanted {LEVEL}", file=sys.stderr)
-        return 1
-    first, last = loud[0], loud[-1]
-    gaps = [i for i in range(first, last) if abs(levels[i] - LEVEL) > 0.01 * LEVEL]
-    seconds = (last - first + 1) * 0.02
-    silent = max(levels[last + 3:], default=0) < 0.001 and first > 0
-    print(f"{os.path.basename(path)}: {seconds:.2f} s of tone, {len(gaps)} gaps, silence around: {silent}")
-    return 0 if not gaps and 0.8 < seconds < 2.5 and silent else 1
-
-
 def button(width, height):
     """A place inside the first button of the grid of 6 x 5: at the left, under the control strip."""
     print(int(width * 0.08), int(height * 0.28))
 
 
 if __name__ == "__main__":
-    if sys.argv[1] == "write":
-        write(sys.argv[2])
-    elif sys.argv[1] == "measure":
-        measure(sys.argv[2], int(sys.argv[3]))
-    elif sys.argv[1] == "ends":
-        ends(sys.argv[2], int(sys.argv[3]))
-    elif sys.argv[1] == "find":
-        sys.exit(find(sys.argv[2]))
+    command, rest = sys.argv[1], sys.argv[2:]
+    if command == "write":
+        write(rest[0])
+    elif command == "button":
+        button(int(rest[0]), int(rest[1]))
     else:
-        button(int(sys.argv[2]), int(sys.argv[3]))
+        (measure if command == "measure" else ends)(rest[0], int(rest[1]))

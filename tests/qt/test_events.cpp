@@ -123,23 +123,6 @@ TEST(Keys, TheWindowSeesThemOnceAndFirst) {
     EXPECT_EQ(s.told(), "txtName:key67 txtName:change");
 }
 
-TEST(Keys, CarryTheirNumberModifiersAndRepeat) {
-    Stage s;
-    KeyEvent seen;
-    s.window.onKeyDown = [&](KeyEvent& e) { seen = e; };
-    for (const KeyEvent& c :
-         {KeyEvent{Key::f9, kAltMask}, KeyEvent{Key::pageDown, 0, true}, KeyEvent{Key::escape},
-          KeyEvent{static_cast<Key>('C'), kCtrlMask | kShiftMask}, KeyEvent{Key::space, 0, true},
-          KeyEvent{Key::del}, KeyEvent{Key::f12, kShiftMask}}) {
-        seen = {};
-        EXPECT_TRUE(keyDown(c.key, c.shift, c.repeat));
-        EXPECT_TRUE(seen.key == c.key && seen.shift == c.shift && seen.repeat == c.repeat);
-        EXPECT_TRUE(isKeyDown(c.key));
-        keyUp(c.key);
-        EXPECT_FALSE(isKeyDown(c.key));
-    }
-}
-
 TEST(Keys, EveryControlCanBeReachedAndPressed) {
     Stage s;
     s.listen(s.key);

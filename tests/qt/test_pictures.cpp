@@ -3,7 +3,6 @@
 
 #include <QAccessible>
 #include <QFontMetricsF>
-#include <QHelpEvent>
 #include <QPainter>
 #include <QSlider>
 
@@ -198,30 +197,6 @@ TEST(Meter, ASolidBarHasTheColourOfItsLevelAndItsEndIsMarkedWhereItWasCut) {
         EXPECT_EQ(s.pixel(650, 350), colour) << value;
         EXPECT_EQ(s.pixel(650, 212) == QColor(Qt::red), look.clipped) << "cut off a moment ago";
     }
-}
-
-TEST(Display, TellsTheTipOfThePartUnderTheMouse) {
-    Stage s;
-    s.digit.toolTip = "seconds";
-    s.display.toolTip = "display";
-    QWidget& w = widgetFor(s.display);
-    for (const QPoint at : {QPoint(110, 40), QPoint(10, 10)}) {
-        QHelpEvent help(QEvent::ToolTip, at, w.mapToGlobal(at));
-        QCoreApplication::sendEvent(&w, &help);
-        EXPECT_EQ(w.toolTip(), at.x() > 100 ? "seconds" : "display");
-    }
-}
-
-TEST(Pictures, LockedUpdatesPaintOnceWhenAllLocksAreGone) {
-    Stage s;
-    std::string enabled;
-    // One unlock too many does not count.
-    for (const char act : std::string("++--"
-                                      "-+-")) {
-        act == '+' ? lockUpdates() : unlockUpdates();
-        enabled += widgetFor(s.window).updatesEnabled() ? 'y' : 'n';
-    }
-    EXPECT_EQ(enabled, "nnnyyny");
 }
 
 /// The press comes after the reader's call has ended: one that asks a question does not hold it up.
