@@ -287,18 +287,7 @@ TEST_F(Palette, OneSlotGoesFromAPaletteThatIsNotOpen) {
     }
 }
 
-TEST_F(Palette, ColoursFollowTheirArithmetic) {
-    for (const auto& [colour, lightness] : {std::pair(0, 0),
-                                            {0xFFFFFF, 240},
-                                            {0x0000FF, 120},
-                                            {0x00FE00, 120},
-                                            {0x8040C0, 120},
-                                            {0x101010, 15}})
-        EXPECT_EQ(Luminosity(colour), lightness) << colour;
-    const std::int32_t shades[][3] = {{0xFFFFFF, 0, 0xFFFFFF},   {0xFFFFFF, -1, 0xFFFFFE},
-                                      {0x102030, 0, 0x102030},   {0x102030, 16, 0x203040},
-                                      {0x102030, -40, 0x000008}, {0xF0E0D0, 40, 0xFFFFF8}};
-    for (const auto& [colour, offset, shaded] : shades) EXPECT_EQ(ShadeColor(colour, offset), shaded);
+TEST_F(Palette, TextsFollowTheirFaces) {
     BtnFaceColor = 0x112233, BtnForeColor = 1, JingleForeColor = 2;
     darkSettings.ColForeCB = 3, darkSettings.ColForeCBDM = 4, darkSettings.DarkForeColor = 5;
     darkSettings.BrightThresh = 120;
@@ -311,9 +300,6 @@ TEST_F(Palette, ColoursFollowTheirArithmetic) {
                 fore += std::to_string(GetForeColor(colour, kind)) + " ";
             }
     EXPECT_EQ(fore, "2 3 3 2 0 3 3 1 2 2 2 4 16777215 5 5 4 ");
-    darkSettings.ShadeOffsetVal = 16;
-    EXPECT_EQ(ButtonColour(""), BtnFaceColor);
-    EXPECT_EQ(ButtonColour("302010"), 0x203040);
     BtnFaceColor = kButtonFace, BtnForeColor = JingleForeColor = 0;
 }
 
