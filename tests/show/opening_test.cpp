@@ -1,5 +1,4 @@
-// From keys to channels: what a file makes of its slot, also one that is missing, empty, cut or no sound at
-// all.
+// From keys to channels: what a file makes of its slot, also one that is missing, empty, cut or no sound.
 
 #include <random>
 

@@ -1,5 +1,4 @@
-/// A show without windows: palettes in a file, jingles opened from them, presses, and the sound that went
-/// out.
+/// A show without windows: palettes in a file, jingles opened from them, presses, and the sound that went out.
 #pragma once
 
 #include <string>
