@@ -1,4 +1,4 @@
-// Texts: captions of paths, durations, dates.
+// Texts: captions of paths, dates.
 
 #include "startup/settings/labels_settings.h"
 #include "startup/settings/program_settings.h"
@@ -38,15 +38,6 @@ TEST_F(CaptionTest, captionsOfPaths) {
     labelSettings.JLabelFormat = 2;
     RewriteJingle();
     EXPECT_EQ(button(1).caption(), "0.5\r\nSOUND 1");
-}
-
-TEST_F(CaptionTest, durations) {
-    std::string all;
-    for (const double seconds : {0.0, 0.04, 0.05, 7.96, 59.94, 59.96, 61.0, 3600.5})
-        all += seconds2msd(seconds) + " ";
-    EXPECT_EQ(all, "0.0 0.0 0.1 8.0 59.9 1:00.0 1:01.0 60:00.5 ");
-    EXPECT_EQ(seconds2msd(""), "");
-    EXPECT_EQ(seconds2msd("12,5"), "12.5");
 }
 
 TEST_F(CaptionTest, datesAndTimes) {

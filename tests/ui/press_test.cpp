@@ -8,7 +8,6 @@
 #include "model/actions.h"
 #include "startup/errors.h"
 #include "startup/language.h"
-#include "startup/settings/automix_settings.h"
 #include "startup/settings/folders_settings.h"
 #include "startup/settings/keys_settings.h"
 #include "tests/ui/window_test.h"
@@ -274,13 +273,6 @@ TEST_F(PressTest, coloursComeWhenTheButtonIsUpAndGoWithAPressElsewhere) {
     EXPECT_TRUE(open({1}, findControl("frmColPick")));
     EXPECT_FALSE(open({1}, &frmMain().window));
     EXPECT_FALSE(SelectorsOn);
-}
-
-TEST_F(PressTest, nothingIsToggledWhileAControlIsTaught) {
-    MIDILearnActive = true;
-    CkAutoMixTog(), CkTouchTog(), CkAutoRepTog();
-    EXPECT_EQ(automixSettings.AutoMix + ToggleTouch + ToggleAutoRep, 0);
-    MIDILearnActive = false;
 }
 
 }  // namespace zv::test

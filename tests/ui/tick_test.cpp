@@ -52,16 +52,6 @@ TEST_F(TickTest, whatComesSoonComesInItsOrder) {
     EXPECT_EQ(ran, "abc");
 }
 
-TEST_F(TickTest, silenceWritesNothing) {
-    for (int i = 0; i < 20; ++i) load(i, 200);
-    pass(600);
-    takeChanged();
-    pass(390);
-    for (const Control* c : takeChanged()) {
-        EXPECT_TRUE(c->name == "lblTime" || c->name == "lblDate") << c->name << " " << c->index;
-    }
-}
-
 TEST_F(TickTest, theWarningBlinksWhatItIsSetTo) {
     constexpr Colour kBack = 0x112233, kBackOther = 0x445566;
     barSettings.JRemLevColBg = kBack;

@@ -220,11 +220,6 @@ TEST_F(WiringTest, UpcallsDoWhatWasApproved) {
         tellOf("failed", i, a.slotFailed);
         tellOf("opened", i, a.slotOpened);
     }
-    rec(kSlot).Loop = 1, rec(kSlot).Seq = 0;
-    for (const int mode : {0, 1, 2, 3, 4}) {
-        rec(kSlot).PlayMod = static_cast<PlayMode>(mode);
-        tellOf("mode " + std::to_string(mode), kSlot, a.slotLoaded);
-    }
     tellOf("missing", kPlain, a.fileMissing);
     for (const bool shown : {true, false}) {
         barSettings.JRemLevPos = shown ? 1 : 0;
