@@ -96,8 +96,7 @@ bool BASS_FXSetParameters(HFX fx, const void* parameters) {
     if (at == e.effects.end()) return fail(BASS_ERROR_HANDLE, false);
     if (!parameters) return fail(BASS_ERROR_ILLPARAM, false);
     Effect& effect = *at->second;
-    const auto channel = e.find(effect.channel);
-    if (!channel) return fail(BASS_ERROR_HANDLE, false);
+    const auto channel = e.find(effect.channel);  // it frees its effects
     switch (effect.kind) {
         case BASS_FX_BFX_PEAKEQ:
             return setEq(e, *channel, effect, *static_cast<const BASS_BFX_PEAKEQ*>(parameters));

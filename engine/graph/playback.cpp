@@ -36,10 +36,9 @@ void Playback::link(Channel& channel) {
 void Playback::unlink(Channel& channel) {
     AudioState& a = channel.audio;
     const auto [first, last] = listOf(a);
-    if (!first || (!a.previous && *first != &channel)) return;
+    if (!first) return;
     (a.previous ? a.previous->audio.next : *first) = a.next;
     (a.next ? a.next->audio.previous : *last) = a.previous;
-    a.previous = a.next = nullptr;
     if (!channel.isBus()) --sounding_;
     soundsOrRests(channel, false);
 }

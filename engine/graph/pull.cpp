@@ -181,7 +181,6 @@ View Pull::readMixer(Channel& channel, std::uint32_t want) {
 }
 
 View Pull::native(Channel& channel, std::uint32_t want) {
-    want = std::min(want, kBlock);
     switch (channel.kind) {
         case Kind::File:
         case Kind::Module:

@@ -14,7 +14,6 @@ float Slide::value() const {
 void Slide::set(float value) {
     target_ = value;
     length_ = at_ = 0;
-    stop_ = false;
 }
 
 void Slide::start(float target, std::uint64_t frames, bool logarithmic, bool stopAtEnd) {
@@ -47,7 +46,6 @@ void Slide::start(float target, std::uint64_t frames, bool logarithmic, bool sto
 }
 
 bool Slide::advance(std::uint64_t frames) {
-    if (!active()) return false;
     const std::uint64_t before = at_;
     at_ += std::min(frames, left());
     if (logarithmic_)

@@ -14,7 +14,6 @@ std::uint64_t framesOf(std::uint32_t ms, std::uint32_t rate) {
 
 /// Whole frames of `rate` in `frames` of `of`; the rest is kept for the next block.
 std::uint64_t share(std::uint32_t frames, std::uint32_t rate, std::uint32_t of, double& rest) {
-    if (rate == of) return frames;
     const double exact = static_cast<double>(frames) * rate / of + rest;
     const double whole = std::floor(exact);
     rest = exact - whole;

@@ -151,7 +151,7 @@ TEST_F(Answers, OfEveryKindOfChannel) {
     const auto slides = [](DWORD which, float to) {
         return [=](DWORD h) {
             const std::string answer = said(BASS_ChannelSlideAttribute(h, which, to, 50));
-            return answer + (BASS_ChannelIsSliding(h, which & ~BASS_SLIDE_LOG) ? "~" : "");
+            return answer + with(BASS_ChannelIsSliding(h, which & ~BASS_SLIDE_LOG) ? "~" : "");
         };
     };
     const auto at = [](DWORD mode) { return asks(BASS_ChannelGetPosition, mode); };
@@ -174,7 +174,7 @@ TEST_F(Answers, OfEveryKindOfChannel) {
     ask(
         "to its length, beyond",
         [](DWORD h) { return said(BASS_ChannelSetPosition(h, BASS_ChannelGetLength(h, 0), 0)); },
-        moves(beyond, BASS_POS_BYTE), at(BASS_POS_BYTE));
+        moves(beyond, BASS_POS_BYTE), at(BASS_POS_BYTE), asks(BASS_ChannelPlay, true), at(BASS_POS_BYTE));
     ask("seconds of 96000, bytes of 0.25, of nan, of 1.1e9", asks(BASS_ChannelBytes2Seconds, 96000),
         asks(BASS_ChannelSeconds2Bytes, 0.25), asks(BASS_ChannelSeconds2Bytes, kNan),
         asks(BASS_ChannelSeconds2Bytes, 1.1e9));
@@ -284,8 +284,8 @@ TEST_F(Answers, InTheOrderOfAShow) {
     };
     story.tell("outputs", name(0), name(1), name(2), name(3), does(BASS_GetDeviceInfo, 1, nullptr));
     story.tell("none open", selected, free, play, select(1));
-    story.tell("no such output", init(3), init(-2), select(3), select(32));
-    story.tell("too slow, too fast", init(1, 999), init(1, 768'001));
+    story.tell("none such, no such rate", init(3), init(-2), select(3), select(32), init(1, 999),
+               init(1, 768'001));
     story.tell("the default, again, again as the default", init(-1), init(1), init(-1), selected, name(1));
     story.tell("the second, the first selected again", select(2), init(2), selected, select(1), selected);
     story.tell(
@@ -296,14 +296,14 @@ TEST_F(Answers, InTheOrderOfAShow) {
                select(1));
     story.tell("on the one that is open", play, state(playing));
     story.tell("another thread selects for itself", [&] { return std::async(selected).get(); });
-    story.tell("the first, not open", unplug(kMainName), init(1));
+    story.tell("the first, not open", unplug(kMainName), init(1), init(-1));
     story.tell("the last one closed", select(2), free, state(playing), name(2));
     story.tell("at the list's end", unplug(kAuxName), name(2), name(1));
     story.tell("no sound by its number", init(0), name(0), init(0));
     story.tell("inputs", inputName(0), inputName(1), inputName(2),
                does(BASS_RecordGetDeviceInfo, 0, nullptr));
-    story.tell("none in use", inputRate, record(48000), letGo, choose(1));
-    story.tell("no such input", choose(2), use(-2), use(2));
+    story.tell("none in use, none such", inputRate, record(48000), letGo, choose(1), choose(2), use(-2),
+               use(2));
     story.tell("the second, again, the default", use(1), inputName(1), use(1), use(-1), inputName(0),
                inputRate);
     story.tell("no place for the rate", does(BASS_RecordGetInfo, nullptr));
@@ -316,7 +316,7 @@ TEST_F(Answers, InTheOrderOfAShow) {
     story.tell("of the other", choose(1), record(8000));
     story.tell("the default let go", choose(~DWORD{0}), letGo, letGo, state(recording));
     story.tell("the other too", choose(1), letGo, state(recording), letGo);
-    story.tell("the default", unplug("Desk"), use(0), use(-1), inputRate);
+    story.tell("the default", unplug("Desk"), inputName(0), use(0), use(-1), inputRate);
     begin({.outputs = {}});
     story.tell("no outputs", init(-1), init(1), init(0));
     // Into the no-sound device everything plays as ever.
@@ -386,8 +386,8 @@ TEST_F(Answers, OfSourcesOptionsAndEffects) {
                created(true, "ramp", 0, 0), created(false, "ramp", 1, 0), created(false, "ramp", 0, 1));
     story.tell("a stream: no address, a procedure, from within", streamed(nullptr, 0, nullptr),
                streamed("live", 0, &recordingOf), streamed("live", 1, nullptr));
-    story.tell("rates", format(0, 2), format(768'000, 2), format(768'001, 2));
-    story.tell("channels", format(44100, 0), format(44100, 32), format(44100, 33));
+    story.tell("formats", format(0, 2), format(768'000, 2), format(768'001, 2), format(44100, 0),
+               format(44100, 32), format(44100, 33));
     story.tell("mixers", mixer(44100, 1), mixer(99, 2), mixer(100, 2), mixer(768'000, 2), mixer(768'001, 2));
     story.tell("buffer", option(BASS_CONFIG_BUFFER, 600'000), option(BASS_CONFIG_BUFFER, 600'001));
     story.tell("gain of all", option(BASS_CONFIG_GVOL_STREAM, 10'000),

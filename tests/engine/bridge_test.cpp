@@ -93,7 +93,6 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
         Clockwork c(all, "Too far ahead", options);
         c.run("nothing read yet", 20, kStep, 0);
         c.run("read: given up at once", 1, 0);
-        c.run("ten seconds", 1000, kStep);
         c.run("the reader stands still", 60, kStep, 0);
         c.run("read again", 1, 0);
     }
@@ -101,7 +100,7 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
         Clockwork c(all, "Lumps", options);
         c.run("too little to begin with", 2, kStep);
         c.run("enough", 2, 2 * kStep);
-        for (int second = 0; second < 3; ++second) {
+        for (int second = 0; second < 2; ++second) {
             c.go(97, kStep, kStep);
             c.go(1, 0, 1543);
             c.go(1, 1543, 0);
@@ -109,7 +108,6 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
         }
         c.run("a minute of calm", 6000, kStep);
         c.run("runs dry", 4, 0);
-        c.run("nothing comes", 26, 0);
         c.run("too little to begin with", 2, kStep);
         c.run("enough", 3, 2 * kStep);
         c.run("a second and a half", 150, kStep);
@@ -159,7 +157,6 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
         };
         c.go(4, kStep, 0);
         c.run("on its way", 509, kStep, period);
-        account("then it");
         c.go(3, 0, period);
         c.run("the writer is late", 1, kStep - 150, period);
         account("then it");
@@ -184,7 +181,6 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
         c.run("more is not", 1, kStep + 1);
         c.bridge.restart();
         c.run("begun anew", 1, 0);
-        all << "  follows " << c.bridge.follows() << ", dry " << c.bridge.runsDry(kStep) << '\n';
     }
     zv::test::expectApproved("engine/bridge.txt", all.str());
 }

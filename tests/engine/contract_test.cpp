@@ -89,6 +89,8 @@ TEST_F(Contract, TheGainOfAllOutputsIsThereAtTheStartAndGlides) {
         const std::vector<float> sound = pullAndTake(882);
         EXPECT_NEAR(sound[440], (gain + 0.25F) / 2, 0.01);
         EXPECT_EQ(sound.back(), 0.25F);
+        BASS_ChannelPause(play);
+        EXPECT_EQ(pullAndTake(441).back(), 0);
     }
 }
 
@@ -114,12 +116,15 @@ TEST_F(Contract, AMixerWithoutSoundStallsUnlessItIsToldNotTo) {
 
 /// Whatever way a sound takes: its level is that of what went out last. It grows in the middle; the sides differ.
 TEST_F(Contract, LevelsAreThoseOfWhatWentOut) {
-    for (const char* way : {"pages", "tiny loop", "effect", "another rate", "mono"}) {
+    for (const char* way : {"pages", "tiny loop", "effect", "another rate", "mono", "six"}) {
         begin({.period = 64});
-        const std::uint32_t rate = *way == 'a' ? 22050 : 44100, channels = *way == 'm' ? 1 : 2;
+        const std::uint32_t rate = *way == 'a' ? 22050 : 44100, channels = *way == 'm'   ? 1
+                                                                           : *way == 's' ? 6
+                                                                                         : 2;
         decoders->sounds["waves"] = {
             .format = {rate, channels, 16}, .length = 20 * rate, .sample = [=](std::uint64_t f, auto side) {
-                return sine(f, 1000, rate, (f < rate / 2 && *way != 't' ? 0.2 : 0.8) / (side + 1));
+                return side > 1 ? 0
+                                : sine(f, 1000, rate, (f < rate / 2 && *way != 't' ? 0.2 : 0.8) / (side + 1));
             }};
         const Topology studio;
         const DWORD source = file("waves"), jingle = studio.jingle(source);

@@ -167,6 +167,7 @@ TEST_F(Heard, AReaderOfASplitThatLagsGoesOnWithThePresent) {
     pull(882);
     take();
     EXPECT_EQ(loudest(pullAndTake(4410)), 0);
+    EXPECT_EQ(BASS_ChannelIsActive(first) + BASS_ChannelIsActive(studio.mainSplit[0]), BASS_ACTIVE_STOPPED);
     EXPECT_TRUE(BASS_StreamFree(first) && BASS_StreamFree(second) && BASS_StreamFree(studio.mainSplit[0]));
     pull(441);
 }

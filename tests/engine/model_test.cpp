@@ -55,12 +55,12 @@ struct Scene {
     std::vector<std::array<double, 2>> levels;  ///< of each jingle's sides
 };
 
-std::string stateOf(bool active, std::uint64_t position, double vol, double voldsp,
-                    const std::vector<int>& fired) {
+std::string stateOf(bool active, std::uint64_t position, double vol, double voldsp, bool volSlides,
+                    bool voldspSlides, const std::vector<int>& fired) {
     std::ostringstream out;
     out.precision(3);
     out << std::fixed << (active ? "plays " : "stands ") << position << ' ' << vol + 1e-9 << ' '
-        << voldsp + 1e-9;
+        << voldsp + 1e-9 << (volSlides ? '~' : ' ') << (voldspSlides ? '~' : ' ');
     for (const int count : fired) out << ' ' << count;
     return out.str();
 }
@@ -165,7 +165,8 @@ class Stage {
         for (const auto& v : voices) {
             std::vector<int> fired;
             for (const auto& sync : v->syncs) fired.push_back(sync.fired);
-            scene.states.push_back(stateOf(v->playing, v->heard, v->vol.value(), v->voldsp.value(), fired));
+            scene.states.push_back(stateOf(v->playing, v->heard, v->vol.value(), v->voldsp.value(),
+                                           v->vol.length > 0, v->voldsp.length > 0, fired));
             for (std::size_t side : {0, 1}) scene.levels.push_back(v->level(side));
         }
     }
@@ -293,7 +294,9 @@ class AgainstTheModel : public Show {
         std::vector<int> fired;
         for (const auto& count : j.fired) fired.push_back(*count);
         return stateOf(BASS_ChannelIsActive(j.play) == BASS_ACTIVE_PLAYING,
-                       BASS_ChannelGetPosition(j.play, BASS_POS_BYTE) / j.frameBytes, vol, voldsp, fired);
+                       BASS_ChannelGetPosition(j.play, BASS_POS_BYTE) / j.frameBytes, vol, voldsp,
+                       BASS_ChannelIsSliding(j.play, BASS_ATTRIB_VOL),
+                       BASS_ChannelIsSliding(j.play, BASS_ATTRIB_VOLDSP), fired);
     }
     std::optional<Topology> studio;
     std::vector<Jingle> jingles;

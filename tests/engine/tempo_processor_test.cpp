@@ -22,7 +22,7 @@ class TempoProcessor : public Show {
                 .format = format, .length = stereo.size() / 2, .sample = [&](auto frame, auto side) {
                     return stereo[2 * frame + side];
                 }};
-            channel = BASS_FX_TempoCreate(file("own"), BASS_FX_FREESOURCE);
+            channel = BASS_FX_TempoCreate(source = file("own"), BASS_FX_FREESOURCE);
             show.take();
         }
         ~Player() { BASS_StreamFree(channel); }
@@ -66,7 +66,7 @@ class TempoProcessor : public Show {
         bool stretched() const { return Engine::instance().find(channel)->audio.stretched; }
         QWORD bytes(std::uint64_t frame) const { return frame * 2 * format_.channels; }
 
-        DWORD channel = 0;
+        DWORD channel = 0, source = 0;
         std::vector<float> heard;
         bool over = false;
         std::uint64_t places = 0;
@@ -167,7 +167,7 @@ TEST_F(TempoProcessor, GoesEveryWayAsApproved) {
             int told[std::size(kSyncs)]{};
             for (std::size_t i = 0; i < std::size(kSyncs); ++i)
                 BASS_ChannelSetSync(
-                    player.channel, BASS_SYNC_POS, player.bytes(kSyncs[i]),
+                    i % 2 == 0 ? player.channel : player.source, BASS_SYNC_POS, player.bytes(kSyncs[i]),
                     [](HSYNC, DWORD, DWORD, void* user) { ++*static_cast<int*>(user); }, &told[i]);
             all << "  " << to.tempo << ' ' << to.pitch << ' ' << to.rate << ':';
             std::size_t sounded = 0;
