@@ -5,7 +5,7 @@
 
 namespace zv {
 
-/// Assigns ClipPath, or a file that the user chooses. A command that its guard refuses says nothing.
+/// Assigns ClipPath, or a file that the user chooses. A jingle that plays keeps its button, and the display says so.
 void clAssign(int index);
 /// The button holds that file from now on, with the defaults of a new jingle but for `effects`. Marks nothing as changed.
 void PutFile(int index, const std::string& path, const std::string& effects = {});

@@ -7,9 +7,9 @@ namespace zv {
 void WireEffectsPage();
 /// Limits from the settings and values of Edited.effects.
 void ShowEffects();
-/// All of it neutral, on the channel and in the record.
+/// Makes all effects neutral, on the channel and in the record.
 void ResetEffects();
-/// What Edited.effects says, on the channel.
+/// Sets the channel to Edited.effects.
 void ApplyEffects();
 
 }  // namespace zv

@@ -7,14 +7,14 @@ namespace zv {
 void clFXSet(int index);
 /// Closes it: the jingle is as a press expects it, and shows its new duration. Nothing while none is open.
 void OKfx();
-/// The page that is shown, neutral.
+/// Resets what stands on the page that is shown.
 void resetfx();
 /// A press of ckPlay: starts, or stops without a click.
 void Play();
 void PlayFromStart_Click();
 void PlayFromLoopIn_Click();
 void TestLoopOut_Click();
-/// Record and sound as they were when the window opened.
+/// Makes record and sound what they were when the window opened.
 void UndoAll();
 
 }  // namespace zv

@@ -3,7 +3,7 @@
 
 namespace zv {
 
-/// The records are about to become another palette's: what AutoSave still owes is saved, unsaved edits leave a
+/// The records are about to become another palette's: a save that AutoSave waits with is made, unsaved edits leave a
 /// copy in the history, and jingles that were cut elsewhere and pasted unsaved stay where they were.
 void LeavePalette();
 /// The program ends: as LeavePalette, for the hot jingles as well.

@@ -8,11 +8,11 @@ namespace zv {
 void WireLevel();
 /// What the record says, in the controls.
 void ShowLevel();
-/// A jingle was opened: its file is measured.
+/// Measures the file of the jingle that was opened.
 void OpenLevel();
-/// What is measured is given up.
+/// Gives up what is being measured.
 void CloseLevel();
-/// The part that plays may have changed: once it rests it is measured anew.
+/// Called at each tick: measures the part that plays anew once it has changed and rests.
 void FollowPart();
 /// Volume of the record and the channel.
 void SetLevel(int percent);

@@ -34,7 +34,7 @@ struct PathChange {
 };
 /// All palettes but `held` that name a missing path get the new one; what was changed.
 std::vector<PathChange> MovePaths(const std::map<std::string, std::string>& moved, const std::string& held);
-/// And back: `after` becomes `before` where it still stands, or the other way round.
+/// Undoes what MovePaths has changed (`back`) or does it again, where the path has not been changed since.
 void BringPaths(const std::vector<PathChange>& changes, bool back);
 
 }  // namespace zv

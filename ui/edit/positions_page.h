@@ -10,7 +10,7 @@ namespace zv {
 void WirePositionsPage();
 /// The record's positions in all fields and sliders.
 void ShowPositions();
-/// Start, stop and fade as they are without any; the loop stays.
+/// Takes start, stop and fade away; the loop stays.
 void ResetPositions();
 /// The texts that depend on what optStartEnd chose, in the language of the settings.
 void ShowPositionTexts();

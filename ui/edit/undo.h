@@ -43,7 +43,7 @@ void Redo();
 /// What Undo and Redo would say, "clear News Sting"; empty when there is nothing.
 std::string UndoText();
 std::string RedoText();
-/// Another palette comes.
+/// Forgets all steps: the palette that they belong to is left.
 void ForgetUndo();
 
 }  // namespace zv

@@ -115,14 +115,14 @@ void snapNow() {
 void askSamples(std::int64_t from, std::int64_t to) {
     if (!wave.outline) return;
     const auto [first, last] = ShownFrames(wave.view);
-    // One stretch serves the picture and a handle inside it; a handle elsewhere comes first.
+    // Read one stretch for the picture and a handle inside it; read a handle elsewhere first.
     if (NeedsSamples(wave.view, *wave.outline) && to >= first && from <= last) {
         from = std::min(from, first - (last - first) / 2);
         to = std::max(to, last + (last - first) / 2);
     }
     from = std::max<std::int64_t>(0, from);
     to = std::min(to, static_cast<std::int64_t>(wave.outline->length));
-    // What was asked for comes, or has come as far as the file has it.
+    // Already asked for: it is being read, or the file ends before it.
     if (asked(from, to)) return;
     wave.asked = {from, to};
     wave.sampling = ReadSamples(path(), from, to - from, [](SampleStretch read) {
