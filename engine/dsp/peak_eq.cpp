@@ -129,14 +129,12 @@ void PeakEq::rest(EqGroup& group) {
 }
 
 void PeakEq::process(float* stereo, std::size_t frames) {
-    if (frames == 0) return;
     passed_ = true;
     for (EqGroup& group : groups_)
         if (group.active) run(group, stereo, frames);
 }
 
 void PeakEq::prefetch() const {
-    if (active_ == 0) return;
     for (const EqGroup& group : groups_) {
         if (!group.active) continue;
         for (const EqGroup::Lanes& lanes : group.now) __builtin_prefetch(lanes.data());
