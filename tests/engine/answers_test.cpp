@@ -318,7 +318,7 @@ TEST_F(Answers, InTheOrderOfAShow) {
     story.tell("the other too", choose(1), letGo, state(recording), letGo);
     story.tell("the default", unplug("Desk"), inputName(0), use(0), use(-1), inputRate);
     begin({.outputs = {}});
-    story.tell("no outputs", init(-1), init(1), init(0));
+    story.tell("no outputs", init(-1), init(1), name(1), inputName(1), use(0), init(0));
     // Into the no-sound device everything plays as ever.
     playing = BASS_FX_TempoCreate(file("ramp"), 0);
     BASS_ChannelPlay(playing, false);

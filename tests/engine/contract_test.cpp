@@ -81,7 +81,7 @@ TEST_F(Contract, TheGainOfAllOutputsIsThereAtTheStartAndGlides) {
         openMain();
         if (gain < 1) BASS_SetConfig(BASS_CONFIG_GVOL_STREAM, 5000);
         if (gain < 1) pull(441);
-        const DWORD play = BASS_FX_TempoCreate(file("one"), BASS_FX_FREESOURCE);
+        const DWORD play = BASS_FX_TempoCreate(file("one"), BASS_FX_FREESOURCE | BASS_STREAM_AUTOFREE);
         BASS_ChannelPlay(play, false);
         take();
         EXPECT_EQ(pullAndTake(441)[0], gain);
@@ -91,6 +91,8 @@ TEST_F(Contract, TheGainOfAllOutputsIsThereAtTheStartAndGlides) {
         EXPECT_EQ(sound.back(), 0.25F);
         BASS_ChannelPause(play);
         EXPECT_EQ(pullAndTake(441).back(), 0);
+        EXPECT_TRUE(BASS_ChannelStop(play));
+        EXPECT_FALSE(BASS_ChannelStop(play)) << "freed by itself";
     }
 }
 
