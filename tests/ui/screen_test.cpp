@@ -20,6 +20,7 @@
 #include "startup/settings/labels_settings.h"
 #include "startup/settings/live_settings.h"
 #include "startup/settings/meters_settings.h"
+#include "startup/settings/midi_settings.h"
 #include "startup/settings/minimal_settings.h"
 #include "startup/settings/palette_settings.h"
 #include "startup/settings/volumes_settings.h"
@@ -205,8 +206,7 @@ TEST_F(ScreenTest, EverythingStandsWhereItWasApproved) {
                    {790, 590, 8, 12, "l", 1, 2, 2, 2, 2, 2, 1, 2},
                    {1920, 1080, 5, 8, "t", 0, 1, 2, 5, 1, 0, 2, 12}};
     MainWindow& w = frmMain();
-    Control* const comeAndGo[] = {&w.palettes.txtSave, &w.announcer.ckTmAnnAM, &w.display.lblQuiet,
-                                  &w.display.lblMIDIDevice};
+    Control* const comeAndGo[] = {&w.palettes.txtSave, &w.announcer.ckTmAnnAM, &w.display.lblQuiet};
     std::vector<std::pair<const Control*, std::string>> rows;
     MakeButton(kPaletteSlots + 1);
     for (const auto& window : windows) {
@@ -225,6 +225,7 @@ TEST_F(ScreenTest, EverythingStandsWhereItWasApproved) {
         const bool more = window.columns % 4 == 0;
         displaySettings.DispCSec = more ? 1 : 0;
         for (Control* c : comeAndGo) c->visible = more;
+        midiSettings.MIDIAutoHide = more ? 0 : 1;
         deviceSettings.DeviceSingle = window.width == 1920 ? 1 : 0;  // one sound output has no microphone
         resize(window.width, window.height);
         text_ += "== " + std::to_string(window.width) + "x" + std::to_string(window.height) + " " +
