@@ -336,6 +336,13 @@ TEST_F(CommandsTest, EachDoesWhatWasApproved) {
         desktop().paths = {path("found").string()}, clReloc(2), pass(300), frmSelFile().btSelect.onClick();
     });
     ClearButton(119);
+    act("a lost file of two palettes", [&] {
+        write("palette.ini", read("palette.ini") + "[C]\r\n" + line("4", "lost"));
+        for (const char* name : {"gone.wav", "lost.wav"})
+            writeWav(path(std::string("aisle/") + name), sine(2000, 440));
+        desktop().paths = {path("aisle").string()}, clReloc(2), pass(300), frmSelFile().btSelect.onClick();
+        note("found"), Undo(), note("taken back"), Redo();
+    });
     act(
         "a jingle of another palette found",
         [&] {

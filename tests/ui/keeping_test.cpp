@@ -148,7 +148,8 @@ TEST_F(ApprovedTest, DisastersLoseNothing) {
             [&] { clMove(kSlot, "cut"), pick("B"), away(file), clMove(7, "paste"), ErrClick(), back(file); });
     }
     act("the palettes' file is gone", [&] { fs::remove(path("palette.ini")), pick("B"), edited12(); });
-    act("the palettes' file is empty", [&] { write("palette.ini", ""), pick("B"), edited12(); });
+    act("the palettes' file is empty",
+        [&] { write("palette.ini", ""), lstPalRefresh(), note("no palettes"), pick("B"), edited12(); });
     act("the palettes' file cannot be read, and can again", [&] {
         away("palette.ini"), pick("B"), edited12(), note("the palettes' file cannot be read");
         back("palette.ini"), ErrClick();

@@ -158,7 +158,6 @@ void clReloc(int index) {
         folderSettings.LastcmDlgDir = folder;
         endSearch();
         lostPath = path;
-        others.clear();
         ErrDisp("wait", 0, Ln("errSearchFile") + " \"" + name + "\" ...");
         search(folder);
     });
