@@ -93,8 +93,6 @@ TEST(Bridging, TheDistanceIsBoundedLearntAndBegunAnew) {
         Clockwork c(all, "Too far ahead", options);
         c.run("nothing read yet", 20, kStep, 0);
         c.run("read: given up at once", 1, 0);
-        c.run("the reader stands still", 60, kStep, 0);
-        c.run("read again", 1, 0);
     }
     {
         Clockwork c(all, "Lumps", options);

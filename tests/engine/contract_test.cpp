@@ -208,7 +208,6 @@ TEST_F(Contract, AFileThatPlaysNowhereIsReadWithoutTheGraphAndWithoutTheLock) {
     Engine::instance().graph.release();
     EXPECT_EQ(reading.get(), data.size() * sizeof(float));
     for (std::uint64_t f = 0; f < 10'000; ++f) ASSERT_EQ(data[f * 2 + 1], ramp(500'000 + f, 1)) << f;
-    // It goes on from there, here and in a mixer.
     EXPECT_EQ(BASS_ChannelGetPosition(lone, BASS_POS_BYTE), 510'000U * 8);
     EXPECT_TRUE(BASS_Mixer_StreamAddChannel(studio.mainMixer, lone, 0));
     take();
@@ -221,6 +220,11 @@ TEST_F(Contract, AFileThatPlaysNowhereIsReadWithoutTheGraphAndWithoutTheLock) {
     BASS_ChannelGetData(other, data.data(), 1000 * 4);
     BASS_ChannelPlay(BASS_FX_TempoCreate(other, BASS_FX_FREESOURCE), false);
     EXPECT_EQ(pullAndTake(441)[0], ramp(1000, 0)) << "and in a tempo channel";
+    const DWORD far = file("slow disk", BASS_STREAM_DECODE | BASS_SAMPLE_FLOAT);
+    BASS_ChannelSetFX(far, BASS_FX_BFX_VOLUME, 0);
+    BASS_ChannelSetPosition(far, 700'000 * 8, BASS_POS_BYTE);
+    EXPECT_EQ(BASS_ChannelGetData(far, data.data(), 8 * 9000), 8U * 9000) << "through the graph";
+    EXPECT_EQ(data[2 * 8999], ramp(708'999, 0));
 }
 
 #if !defined(NDEBUG) && !defined(_WIN32) && !defined(__SANITIZE_THREAD__)
