@@ -1,4 +1,4 @@
-// What keeping_chance_test.cpp does not reach: spellings of names, the history's limits, the session's end, lost files.
+// What keeping_chance_test.cpp does not reach: a studio's disasters, spellings of names, the history's limits, the session's end.
 #include <unistd.h>
 
 #include "startup/settings/folders_settings.h"
@@ -10,7 +10,6 @@
 #include "ui/edit/assign.h"
 #include "ui/edit/fill.h"
 #include "ui/edit/history.h"
-#include "ui/edit/lost_files.h"
 #include "ui/edit/undo.h"
 #include "ui/press/exit_key.h"
 #include "ui/windows/history_window.h"
@@ -20,18 +19,6 @@ namespace zv::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// The work of a search that is given up after so many reports.
-class GivenUp final : public JobWork {
-  public:
-    explicit GivenUp(int after) : after_(after) {}
-    bool cancelled() override { return static_cast<int>(told.size()) >= after_; }
-    void progress(int percent, std::string text) override { told.emplace_back(percent, std::move(text)); }
-    std::vector<std::pair<int, std::string>> told;
-
-  private:
-    int after_;
-};
 
 constexpr unsigned kNobody = 65534;
 
@@ -173,28 +160,6 @@ TEST_F(ApprovedTest, DisastersLoseNothing) {
 }
 
 }  // namespace
-
-TEST_F(KeepingTest, aSearchForLostFilesTellsHowFarItIsAndStops) {
-    for (int folder = 0; folder < 40; ++folder)
-        for (int file = 0; file < 5; ++file)
-            write("shelves/" + std::to_string(folder) + "/" + std::to_string(file) + ".wav", "");
-    for (const int after : {3, 1000}) {
-        GivenUp work(after);
-        const FoundFiles found =
-            FindLostFiles({.path = "D:\\4.wav", .folder = path("shelves").string()}, work);
-        for (std::size_t i = 1; i < work.told.size(); ++i)
-            EXPECT_GT(work.told[i].first, work.told[i - 1].first) << "percent only grow";
-        EXPECT_NE(work.told.back().second.find("shelves/"), std::string::npos);
-        if (after == 3) {
-            EXPECT_EQ(work.told.size(), 3U);
-            EXPECT_LT(found.seen, 60);
-        } else {
-            EXPECT_EQ(found.seen, 200);
-            EXPECT_EQ(found.own.size(), 40U);
-            EXPECT_GE(work.told.size(), 30U);
-        }
-    }
-}
 
 TEST_F(KeepingTest, namesOfPalettes) {
     struct Row {
