@@ -5,6 +5,7 @@
 #include "audio/streams.h"
 #include "midi/learn_commands.h"
 #include "midi/ring.h"
+#include "midi/upcalls.h"
 #include "model/actions.h"
 #include "platform/common/midi_queue.h"
 #include "startup/helpers.h"
@@ -51,9 +52,11 @@ std::string actionName(Action action) {
 constexpr const char* kRows =
     "B0103F|up:4|;B01041|down:4|;B01040||;900100|up:3|A00100 f807A7F;900200|down:3|A00200 f807B7F;"
     "900300||A00300;900400||A00400;900500||A00500;900600||A00600 f807F7F;900700||;900700 single||;"
-    "900800|micUp:0|;900800 single||;B00700|volume:0|;B00740|volume:50|;B0077F reverse|volume:0|;"
-    "B00740 reverse|volume:50|;B00800|mixTime:1|;B00840|mixTime:2500|;B0087F|mixTime:5000|;"
-    "B0087F reverse|mixTime:1|;90017F|up:2|A00101 f907A7F;900201|down:2|A00201 f907B7F;"
+    "900800|micUp:0|;900800 single||;B00700|volume:0 shown:0|;B00740|volume:50 shown:50|;B0077F "
+    "reverse|volume:0 shown:0|;"
+    "B00740 reverse|volume:50 shown:50|;B00800|mixTime:1 shown:1|;B00840|mixTime:2500 "
+    "shown:2500|;B0087F|mixTime:5000 shown:5000|;"
+    "B0087F reverse|mixTime:1 shown:1|;90017F|up:2|A00101 f907A7F;900201|down:2|A00201 f907B7F;"
     "900364|repeat:0|A00301;900464|touch:0|A00401;900564|automix:0|A00501;900664|stop:0|A00601 f907F7F;"
     "900764|talk:0|;900764 single||;900864|micDown:0|;900864 single||;901000|release:0|f80007F A01003;"
     "901064|play:0/100|A01001 f90007F;901101||;901220|play:2/64|A01201 f90027F;"
@@ -78,6 +81,8 @@ class DispatchTest : public SurfaceTest {
 TEST_F(DispatchTest, EachMessageAsksForOneThing) {
     start(kAll);
     note();
+    midiUpcalls.showVolume =
+        midiUpcalls.showAutoMixTime = [this](int value) { asked += " shown:" + std::to_string(value); };
     for (const std::string& row : Split(kRows, ";")) {
         if (row.empty()) continue;
         const auto parts = Split(row, "|"), head = Split(parts[0] + " ", " ");

@@ -238,7 +238,8 @@ TEST_F(Palette, AHistoryThatCannotBeWrittenWaits) {
         return all;
     };
     write("History", "a file where a folder is needed");
-    for (const char* name : {"A", "a", "B"}) KeepSection(HistoryReason::deleted, name, {{"Path_0", "a.wav"}});
+    for (const char* name : {"A", "a", "B", "b"})
+        KeepSection(HistoryReason::deleted, name, {{"Path_0", "a.wav"}});
     EXPECT_EQ(names(), "2Ba.wav 1Aa.wav ");
     std::filesystem::remove(path("History"));
     KeepSection(HistoryReason::deleted, "C", {{"Path_0", "c.wav"}});

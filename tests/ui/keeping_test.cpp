@@ -141,6 +141,12 @@ TEST_F(ApprovedTest, DisastersLoseNothing) {
         away("palette.ini"), pick("B"), edited12(), note("the palettes' file cannot be read");
         back("palette.ini"), ErrClick();
     });
+    act("moved to a palette that gets another name", [&] {
+        clMove(0, "cut"), pick("B"), clMove(7, "paste"), SavePal(2);
+        frmMain().palettes.txtSave.caption = "Dawn", SavePal();
+    });
+    act("moved to a hot button, and its palette opened and saved again",
+        [&] { clMove(0, "cut"), pick("B"), clMove(97, "paste"), pick("A"), edited12(); });
     act("a jingle cleared before the palette is left",
         [] { paletteSettings.AutoSave = 1, DelJing(0, false), pick("B"), paletteSettings.AutoSave = 0; });
     act("an auto save that failed is tried again", [&] {
