@@ -68,7 +68,7 @@ double ReverbMix(double ms) {
 
 void UpdateReverb(std::uint32_t effect, double ms) {
     BASS_DX8_REVERB parameters{};
-    if (!BASS_FXGetParameters(effect, &parameters)) return;
+    BASS_FXGetParameters(effect, &parameters);
     parameters.fReverbTime = static_cast<float>(ms);
     BASS_FXSetParameters(effect, &parameters);
     BASS_FXGetParameters(effect, &parameters);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <string>
+#include <utility>
 
 #include "audio/edit_sound.h"
 #include "audio/play.h"
@@ -183,10 +184,7 @@ void showAll() {
 void open(int index) {
     JingleWindow& w = frmFX();
     const JingleRecord& j = Jingle(index);
-    if (!wired) {
-        wire();
-        wired = true;
-    }
+    if (!std::exchange(wired, true)) wire();
     MenuJ = index;
     ResetJingles();
     const bool marked = frmMain().display.lblErr.visible && !ErrMarkShows("h");

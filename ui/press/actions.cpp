@@ -22,7 +22,6 @@
 #include "startup/settings/volumes_settings.h"
 #include "startup/stores.h"
 #include "ui/edit/announcer_tab.h"
-#include "ui/edit/jingle_editor.h"
 #include "ui/edit/options.h"
 #include "ui/edit/palette_steps.h"
 #include "ui/edit/save_dialogue.h"
@@ -216,11 +215,9 @@ bool act(Action action, int argument, int velocity) {
             CopyAllJings();
             break;
         case Action::undo:
-            OKfx();  // what the editor has changed is the last edit
             Undo();
             break;
         case Action::redo:
-            OKfx();
             Redo();
             break;
         case Action::announcer:
