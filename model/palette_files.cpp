@@ -146,7 +146,7 @@ bool CloseFile(const std::string& name) {
             !paletteSettings.PaletteIndex.empty() && !SameText(paletteSettings.PaletteIndex, HeldPalette());
         const std::string shown = chosenAhead ? paletteSettings.PaletteIndex : name;
         ErrDisp("save");
-        emptyMovedSlots(name);
+        emptyMovedSlots(SaveMode == "rename" ? HeldPalette() : name);
         const auto lines = paletteLines(Purpose::save);
         const auto hot = hotLines(Purpose::save);
         const bool hotFirst = hotJinglesFirst(lines, hot);

@@ -141,8 +141,8 @@ TEST_F(ApprovedTest, DisastersLoseNothing) {
         away("palette.ini"), pick("B"), edited12(), note("the palettes' file cannot be read");
         back("palette.ini"), ErrClick();
     });
-    act("moved to a palette that gets another name", [&] {
-        clMove(0, "cut"), pick("B"), clMove(7, "paste"), SavePal(2);
+    act("moved to a hot button, and its palette opened and renamed", [&] {
+        clMove(0, "cut"), pick("B"), clMove(97, "paste"), pick("A"), SavePal(2);
         frmMain().palettes.txtSave.caption = "Dawn", SavePal();
     });
     act("moved to a hot button, and its palette opened and saved again",
