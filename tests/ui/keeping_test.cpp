@@ -10,6 +10,7 @@
 #include "ui/edit/assign.h"
 #include "ui/edit/fill.h"
 #include "ui/edit/history.h"
+#include "ui/edit/lost_files.h"
 #include "ui/edit/undo.h"
 #include "ui/press/exit_key.h"
 #include "ui/windows/history_window.h"
@@ -219,6 +220,19 @@ TEST_F(KeepingTest, theHistoryHoldsSoManyEntriesAndWaitsForRoom) {
     std::filesystem::remove(path("History"));
     DeletePalette("C");
     EXPECT_EQ(history(), "C 4; B 4; ") << "and is kept once there is room";
+}
+
+TEST_F(KeepingTest, ofFilesOfOneNameTheOneWhoseFoldersAgreeIsFound) {
+    struct Work final : JobWork {
+        bool cancelled() override { return false; }
+        void progress(int, std::string) override {}
+    } work;
+    for (const char* name : {"gone", "a/lost", "b/lost", "d/lost", "a/twin", "e/twin"})
+        writeWav(path("alike/" + std::string(name) + ".wav"), sine(100, 440));
+    const std::string folder = path("alike").string();
+    const FoundFiles found = FindLostFiles(
+        {.path = "gone.wav", .folder = folder, .records = {"b\\lost.wav", "c\\twin.wav"}}, work);
+    EXPECT_EQ(found.others, (std::map<std::string, std::string>{{"b\\lost.wav", folder + "/b/lost.wav"}}));
 }
 
 TEST_F(KeepingTest, theSessionsEndAsksNothingAndSaves) {
