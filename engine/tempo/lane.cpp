@@ -10,11 +10,13 @@ namespace {
 constexpr std::size_t kChunk = 512;  // frames handed on at a time
 constexpr std::size_t kGrid =
     64;  // frames through which the parameters stand still; places are noted so often
-constexpr std::size_t kLeastRing = 2048;  // frames: what was read last stays while more is written
 constexpr double kMostLagSeconds = 0.008;
 constexpr double kMostSteering = 2;  // times the curve's own tempo, either way
+constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
 
-bool loops(const PlayRange& range) { return range.loop && range.loopStart < range.end; }
+bool loops(const PlayRange& range) {
+    return range.loop && range.end != kUnknown && range.loopStart < range.end;
+}
 
 }  // namespace
 
@@ -24,6 +26,7 @@ float fadeAt(std::size_t frame, std::size_t frames) {
 }
 
 std::uint64_t advance(std::uint64_t frame, std::uint64_t frames, const PlayRange& range) {
+    if (range.end == kUnknown) return frame + frames;
     if (frame < range.end && frames < range.end - frame) return frame + frames;
     if (!loops(range)) return range.end;
     // What lies past the end wraps at once.
@@ -41,15 +44,16 @@ std::size_t readInOrder(FrameReader& reader, std::uint64_t& frame, std::span<flo
             frame = range.loopStart;
         }
         const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(wanted - done, range.end - frame));
-        reader.readAt(frame, out.subspan(done * channels, part * channels));
-        frame += part;
-        done += part;
+        const std::size_t got = reader.readAt(frame, out.subspan(done * channels, part * channels));
+        frame += got;
+        done += got;
+        if (got < part) break;
     }
     return done;
 }
 
 TempoLane::TempoLane(std::uint32_t rate, std::uint32_t channels, std::size_t frames)
-    : rate_(rate), channels_(channels), size_(kLeastRing) {
+    : rate_(rate), channels_(channels), size_(kGrid) {
     while (size_ < frames) size_ *= 2;
     ring_.resize(size_ * channels_);
     places_.resize(2 * size_ / kGrid);
@@ -66,13 +70,12 @@ void TempoLane::open(const TempoCurve& wanted, std::uint32_t number, std::uint64
     stretches_ = curve.stretches(base);
     transposes_ = curve.transposes(base);
     if (transposes_ && !transposer_) transposer_ = std::make_unique<dsp::Transposer>(channels_);
-    if (stretches_) {
-        if (stretcher_)
-            stretcher_->clear();
-        else
-            stretcher_ = std::make_unique<dsp::Stretcher>(rate_, channels_);
-        setStretch(curve.at(base).stretch());
-    }
+    if (!stretches_) return;
+    if (stretcher_)
+        stretcher_->clear();
+    else
+        stretcher_ = std::make_unique<dsp::Stretcher>(rate_, channels_);
+    setStretch(curve.at(base).stretch());
 }
 
 void TempoLane::setStretch(double ratio) {
@@ -94,7 +97,7 @@ void TempoLane::begin(std::uint64_t start, const PlayRange& where, bool settled)
     adopt(where);
     startSource = start;
     settled_ = settled;
-    clean = true;
+    clean = !settled_;
     const TempoParameters p = curve.at(base);
     // A filter that begins in the middle of a sound would take the beginning for an edge.
     lead_ = transposes_ ? std::min<std::uint64_t>(start, dsp::Transposer::reach(p.transposition())) : 0;
@@ -114,18 +117,21 @@ void TempoLane::begin(std::uint64_t start, const PlayRange& where, bool settled)
 
 void TempoLane::openLeaving(std::span<const float> content, std::uint64_t start, std::uint64_t next,
                             const PlayRange& where) {
+    curve = {};
+    stretches_ = transposes_ = false;
     adopt(where);
     leaves = true;
-    startSource = start;
+    clean = settled_ = false;
+    startSource = nextSource_ = start;
     leaveSource = next;
     least_ = place_ = lag_ = 0;
+    wrapped_ = false;
     flushed_ = true;
     charted_ = 0;
     written_ = read_ = 0;
-    const std::uint64_t frames = content.size() / channels_;
-    chart(frames, 1);
-    std::ranges::copy(content, ring_.begin());
-    written_ = endAt_ = frames;
+    chart(content.size() / channels_, 1);
+    store(content);
+    endAt_ = content.size() / channels_;
 }
 
 /// Notes where the next `frames` frames lie, through which the speed stands still, and the grid's next step.
@@ -136,12 +142,23 @@ void TempoLane::chart(std::uint64_t frames, double speed) {
     while (charted_ <= last) {
         const double there =
             place_ + speed * (static_cast<double>(charted_ * kGrid) - static_cast<double>(at));
-        places_[charted_++ & mask] = std::max(least_, there - lag_);
+        double counted = std::max(least_, there - lag_);
+        if (charted_ > 0) counted = std::max(counted, places_[(charted_ - 1) & mask]);
+        places_[charted_++ & mask] = counted;
     }
     place_ += speed * static_cast<double>(frames);
 }
 
-/// The source in the order of play, with silence behind its end.
+void TempoLane::store(std::span<const float> frames) {
+    const std::uint64_t at = written_.load(std::memory_order_relaxed);
+    const std::size_t count = frames.size() / channels_, start = at & (size_ - 1);
+    const std::size_t first = std::min(count, size_ - start);
+    std::copy_n(frames.data(), first * channels_, ring_.data() + start * channels_);
+    std::copy_n(frames.data() + first * channels_, (count - first) * channels_, ring_.data());
+    written_.store(at + count, std::memory_order_release);
+}
+
+/// The source in the order of play, with silence behind its end; 0 frames: not decoded yet.
 std::size_t TempoLane::fromSource(FrameReader& reader, std::span<float> out) {
     if (!flushed_) {
         const PlayRange range = this->range();
@@ -149,7 +166,7 @@ std::size_t TempoLane::fromSource(FrameReader& reader, std::span<float> out) {
         const std::size_t got = readInOrder(reader, nextSource_, out, channels_, range);
         fed_ += got;
         if (nextSource_ != before + got) wrapped_ = true;
-        if (got > 0) return got;
+        if (got > 0 || (nextSource_ < range.end && range.end != kUnknown)) return got;
         flushed_ = true;
     }
     std::ranges::fill(out, 0.0F);
@@ -186,7 +203,7 @@ void TempoLane::steer() {
     setStretch(std::clamp((place - consumed_) / sequence, own / kMostSteering, own * kMostSteering));
 }
 
-/// What the stretcher makes.
+/// What the stretcher makes; 0 frames: the source is not decoded yet.
 std::size_t TempoLane::makeStretched(FrameReader& reader, std::span<float> out) {
     if (!stretches_) return fromSource(reader, out);
     while (stretcher_->ready() == 0) {
@@ -194,6 +211,7 @@ std::size_t TempoLane::makeStretched(FrameReader& reader, std::span<float> out) 
         if (const std::size_t lacking = stretcher_->lacking(); lacking > 0) {
             const std::span<float> part(chunk_.data(), std::min(lacking, kChunk) * channels_);
             const std::size_t got = fromSource(reader, part);
+            if (got == 0) return 0;
             stretcher_->put(part.first(got * channels_));
             continue;
         }
@@ -205,13 +223,15 @@ std::size_t TempoLane::makeStretched(FrameReader& reader, std::span<float> out) 
     return stretcher_->take(out);
 }
 
-/// Fills grid_ through the transposer.
-void TempoLane::makeTransposed(FrameReader& reader, std::size_t frames, double speed) {
+/// Fills grid_ through the transposer; false while the source is not decoded.
+bool TempoLane::makeTransposed(FrameReader& reader, std::size_t frames, double speed) {
     while (const std::size_t needed = transposer_->needed(frames, speed)) {
         const std::size_t got = makeStretched(reader, {piece_.data(), std::min(needed, kChunk) * channels_});
+        if (got == 0) return false;
         transposer_->push({piece_.data(), got * channels_});
     }
     transposer_->make({grid_.data(), frames * channels_}, speed);
+    return true;
 }
 
 /// Frames that the source still has to give at `speed`. Behind its end silence follows: what belongs to the
@@ -219,35 +239,41 @@ void TempoLane::makeTransposed(FrameReader& reader, std::size_t frames, double s
 std::size_t TempoLane::rest(double speed) const {
     if (!flushed_) return ~std::size_t{0};
     const double behind = lagAt(curve.at(base + written_.load(std::memory_order_relaxed))) - lag_;
-    const double left = static_cast<double>(fed_ - lead_) - place_ - behind;
+    const double left = static_cast<double>(fed_ - std::min(fed_, lead_)) - place_ - behind;
     return static_cast<std::size_t>(std::max(0.0, std::round(left / speed)));
 }
 
-/// Renders the next stretch, or notes the end.
-void TempoLane::step(FrameReader& reader) {
+/// Renders the next stretch; false when there is none (yet).
+bool TempoLane::step(FrameReader& reader) {
     const std::uint64_t at = written_.load(std::memory_order_relaxed);
-    const TempoParameters p = curve.at(base + at + kGrid / 2);
+    const bool moves = curve.moves(base + at);
+    const TempoParameters p = moves ? curve.at(base + at + kGrid / 2) : curve.last();
     const double speed = p.speed();
-    std::size_t frames = curve.moves(base + at) || transposes_ ? kGrid - at % kGrid : kChunk;
+    std::size_t frames = moves || transposes_ ? kGrid - at % kGrid : kChunk;
     const std::size_t start = at & (size_ - 1);
     frames = std::min({frames, rest(speed), size_ - start});
-    if (transposes_) {
-        makeTransposed(reader, frames, p.transposition());
+    if (frames > 0 && transposes_) {
+        if (!makeTransposed(reader, frames, p.transposition())) return false;
+        frames = std::min(frames, rest(speed));
         std::copy_n(grid_.data(), frames * channels_, ring_.data() + start * channels_);
-    } else {
+    } else if (frames > 0) {
         frames = makeStretched(reader, {ring_.data() + start * channels_, frames * channels_});
+        if (frames == 0) return false;
+        frames = std::min(frames, rest(speed));
     }
-    frames = std::min(frames, rest(speed));
     if (frames == 0) {
         endAt_.store(at, std::memory_order_release);
-        return;
+        return false;
     }
     chart(frames, speed);
     written_.store(at + frames, std::memory_order_release);
+    return true;
 }
 
 void TempoLane::fill(FrameReader& reader, std::size_t ahead) {
-    while (!finished() && this->ahead() < ahead) step(reader);
+    ahead = std::min(ahead, size_ - kChunk);
+    while (!finished() && this->ahead() < ahead && step(reader)) {
+    }
 }
 
 void TempoLane::fadeFrom(std::span<const float> old) {
@@ -305,6 +331,8 @@ std::size_t TempoLane::read(std::span<float> out, std::uint64_t limit) {
 std::span<const float> TempoLane::view(std::size_t frames) {
     const std::uint64_t at = read_.load(std::memory_order_relaxed), start = at & (size_ - 1);
     if (start + frames > size_ || at + frames > written_.load(std::memory_order_acquire)) return {};
+    // What is written from now on stays this far away from what was just read.
+    if (frames > size_ / 4) return {};
     read_.store(at + frames, std::memory_order_release);
     return {ring_.data() + start * channels_, frames * channels_};
 }
@@ -313,6 +341,7 @@ double TempoLane::placeAt(std::uint64_t frame) const {
     const std::size_t mask = places_.size() - 1;
     const std::uint64_t entry = frame / kGrid, part = frame % kGrid;
     const double from = places_[entry & mask];
+    if (part == 0) return from;
     return from + (places_[(entry + 1) & mask] - from) * static_cast<double>(part) / kGrid;
 }
 
@@ -329,7 +358,7 @@ std::uint64_t TempoLane::divergesAt(const PlayRange& other, std::uint64_t from, 
     const std::uint64_t here = sourceAt(from), first = std::min(own.end, other.end);
     const bool same = other.end == own.end && loops(other) == loops(own) &&
                       (!loops(own) || other.loopStart == own.loopStart);
-    if (same) return kNowhere;
+    if (same || first == kUnknown) return kNowhere;
     there = other.end > own.end ? own.end : loops(other) ? other.loopStart : kNowhere;
     if (here >= first) return from;
     const std::uint64_t written = written_.load(std::memory_order_acquire);

@@ -31,12 +31,12 @@ float fadeAt(std::size_t frame, std::size_t frames);
 class TempoLane {
   public:
     /// withdrawn: offered, but loop or end have changed since, and it may already lie behind them.
-    enum class State : std::uint8_t { made, withdrawn, playing, retired };
+    enum class State : std::uint8_t { free, made, withdrawn, playing, retired };
     static constexpr std::uint64_t kNowhere = ~std::uint64_t{0};
 
     TempoLane(std::uint32_t rate, std::uint32_t channels, std::size_t frames);
 
-    std::atomic<State> state{State::retired};
+    std::atomic<State> state{State::free};
 
     // ---- fixed when it is offered
     TempoCurve curve;
@@ -79,7 +79,7 @@ class TempoLane {
     // ---- [audio]
     /// Takes frames up to lane frame `limit`; returns how many.
     std::size_t read(std::span<float> out, std::uint64_t limit);
-    /// Takes the next `frames`, a block, and returns them in place; empty when the ring does not hold them in one piece.
+    /// Takes the next `frames` and returns them in place; empty when the ring does not hold them in one piece.
     /// The worker does not overwrite them before the next call.
     std::span<const float> view(std::size_t frames);
     bool exhausted() const { return readAt() >= endAt_.load(std::memory_order_acquire); }
@@ -97,13 +97,14 @@ class TempoLane {
     PlayRange range() const;
 
   private:
-    void step(FrameReader& reader);
-    void makeTransposed(FrameReader& reader, std::size_t frames, double speed);
+    bool step(FrameReader& reader);
+    bool makeTransposed(FrameReader& reader, std::size_t frames, double speed);
     std::size_t makeStretched(FrameReader& reader, std::span<float> out);
     std::size_t fromSource(FrameReader& reader, std::span<float> out);
     void steer();
     void setStretch(double ratio);
     void chart(std::uint64_t frames, double speed);
+    void store(std::span<const float> frames);
     std::size_t rest(double speed) const;
     double lagAt(const TempoParameters& p) const;
     double placeAt(std::uint64_t frame) const;

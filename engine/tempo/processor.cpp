@@ -144,7 +144,8 @@ void TempoProcessor::idle(std::uint64_t frames) {
 
 void TempoProcessor::end() {
     ended_ = true;
-    heard_.store(reader_.range().end, std::memory_order_relaxed);
+    if (const std::uint64_t end = reader_.range().end; end != ~std::uint64_t{0})
+        heard_.store(end, std::memory_order_relaxed);
 }
 
 /// Loop and end have changed, and the lane plays on otherwise from some frame on: `limit` is brought down to
@@ -186,7 +187,9 @@ std::span<const float> TempoProcessor::view(std::size_t frames) {
     if (const TempoLane* lane = next(); lane && lane->switchAt < current_->readAt() + frames) return {};
     if (reader_.range() != current_->range()) return {};
     const std::span<const float> there = current_->view(frames);
-    if (!there.empty()) report(frames);
+    if (there.empty()) return there;
+    report(frames);
+    if (current_->exhausted()) end();
     return there;
 }
 
@@ -219,7 +222,8 @@ std::size_t TempoProcessor::read(std::span<float> out) {
             std::uint64_t none = 0;
             if (!diverges(none)) end();
         } else if (got == 0 && limit != current_->readAt()) {
-            break;  // the worker is late
+            underruns_.fetch_add(1, std::memory_order_relaxed);
+            break;
         }
     }
     return done;

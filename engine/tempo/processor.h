@@ -65,7 +65,7 @@ class TempoProcessor {
     /// the audio thread. Empty where they do not lie in one piece or something else follows them: use read().
     std::span<const float> view(std::size_t frames);
     /// Stretched frames into `out`; returns the frames written. Fewer than asked: ask neutral() (the sound
-    /// goes on from the source) and ended(), else the worker was late.
+    /// goes on from the source) and ended(), else the worker was late (counted by underruns()).
     std::size_t read(std::span<float> out);
     /// The source has come to its end and everything of it was read.
     bool ended() const { return ended_; }
@@ -79,6 +79,7 @@ class TempoProcessor {
     bool wanted() const { return wishes_.wanted(); }
     /// Heard position in the source's frames; stretched it is exact to 10 ms.
     std::uint64_t sourceFrame() const { return heard_.load(std::memory_order_relaxed); }
+    std::uint64_t underruns() const { return underruns_.load(std::memory_order_relaxed); }
     /// Whether work() would do something now.
     bool workDue() const { return work_.due(); }
 
@@ -116,7 +117,7 @@ class TempoProcessor {
     std::uint64_t clock_ = 0, start_ = 0, source_ = 0;  // see TempoSnapshot
     std::size_t heldLeft_ = 0;
 
-    std::atomic<std::uint64_t> heard_{0};
+    std::atomic<std::uint64_t> heard_{0}, underruns_{0};
 };
 
 }  // namespace zv::engine

@@ -52,7 +52,10 @@ TempoLane* TempoWork::freeLane() {
     constexpr std::size_t kMostLanes = 6;
     for (auto& lane : lanes_) {
         const auto state = lane->state.load(std::memory_order_acquire);
-        if (state == TempoLane::State::retired) return lane.get();
+        if (state == TempoLane::State::free || state == TempoLane::State::retired) {
+            lane->state.store(TempoLane::State::free, std::memory_order_relaxed);
+            return lane.get();
+        }
     }
     if (lanes_.size() == kMostLanes) return nullptr;
     lanes_.push_back(std::make_unique<TempoLane>(rate_, channels_, tempoFrames(kRingSeconds, rate_)));
@@ -70,6 +73,7 @@ void TempoWork::offer(TempoLane* lane, const TempoSnapshot& now, std::uint64_t s
 
 /// Whether a lane that begins (or began) at time `base` plays what is wanted.
 bool TempoWork::follows(const TempoLane& lane, const Wish& wish, std::uint64_t base) {
+    if (lane.leaves) return wish.curve.last().neutral() && !wish.curve.moves(base);
     const bool moves = wish.curve.moves(base) || lane.curve.moves(lane.base);
     if (lane.changes == wish.changes) return !moves || lane.base == base;
     return !moves && lane.curve.last() == wish.curve.last();
@@ -86,6 +90,7 @@ bool TempoWork::offerStands(const TempoLane& lane, const TempoSnapshot& now, con
 
 void TempoWork::prime(std::uint64_t frame) {
     assertNotAudioThread();
+    if (!wishes_.wanted()) return;
     std::unique_lock lock(mutex_, std::try_to_lock);
     // In small steps: the sanitizer of threads does not see a lock that is waited for with a limit.
     for (auto waited = kPrimeStep; !lock && waited <= kPrimeWait; waited += kPrimeStep) {
@@ -108,6 +113,7 @@ void TempoWork::prime(std::uint64_t frame) {
     if (!lane) return;
     lane->open(wish.curve, wish.changes, time);
     lane->begin(frame, range, false);
+    lane->after = nullptr;
     lane->fill(reader_, tempoFrames(kReadySeconds, rate_));
     lane->state.store(TempoLane::State::made, std::memory_order_release);
     meeting_.primed.store(lane);
@@ -160,8 +166,9 @@ void TempoWork::replace(const TempoSnapshot& now, const Wish& wish, bool follows
     }
     const bool leaves = wish.curve.last().neutral() && (follows || !wish.curve.moves(now.zero + at));
     if (leaves) at = std::max(at, wish.curve.restsFrom(now.zero + at) - now.zero);
+    current.fill(reader_, lead + fade + lead);
     old_.resize(fade * channels_);
-    if (!current.peek(at, old_)) return;  // near its end
+    if (!current.peek(at, old_)) return;  // later, near its end, or waiting for data
     TempoLane* lane = freeLane();
     if (!lane) return;
     const std::uint64_t place = current.sourceAt(at), base = now.zero + at;
