@@ -1,6 +1,8 @@
 // The rehearsal itself: what its arguments may be, the sound files it writes, and that it is the same each time. What its
 // verbs do: tests/rehearsal/shows.
 
+#include <fstream>
+
 #include "show.h"
 
 namespace zv::test {

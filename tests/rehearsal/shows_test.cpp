@@ -5,6 +5,7 @@
 //     #: sound tone.wav a200 b300         a sound in Audio_Sample (tests/support/ear.h)
 //     #: palette.ini [Test]|Path_0=...    a file in the program folder, "|" for line ends; zv.ini gets the lines added
 //     #: look zv.ini Volume=|Device=      lines of a file that is too long to be looked at whole
+#include <algorithm>
 #include <set>
 
 #include "show.h"

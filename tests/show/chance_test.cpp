@@ -41,11 +41,11 @@ class Chance : public ShowTest {
                                            {&AudioUpcalls::playStarting, " starting"},
                                            {&AudioUpcalls::playStarted, " started"},
                                            {&AudioUpcalls::loopLeft, " left"}})
-            audioUpcalls.*upcall = [this, word](int i) { told += word + std::to_string(i); };
+            audioUpcalls.*upcall = [this, name = word](int i) { told += name + std::to_string(i); };
         for (const auto& [upcall, word] : {std::pair(&AudioUpcalls::hideClock, " clock"),
                                            {&AudioUpcalls::stopAnnouncer, " announcer"},
                                            {&AudioUpcalls::stopStream, " stream"}})
-            audioUpcalls.*upcall = [this, word] { told += word; };
+            audioUpcalls.*upcall = [this, name = word] { told += name; };
         audioUpcalls.feedback = [this](int i, Feedback what) {
             if (what == Feedback::stopping) told += " stopping" + std::to_string(i);
         };

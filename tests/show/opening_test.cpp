@@ -23,8 +23,8 @@ TEST_F(Opening, FilesBecomeRecordsAndDisturbNothing) {
     writeWav(path("good.wav"), level(88200));
     const std::string good = read("good.wav");
     writeWav(path("mono.wav"), level(24000), 24000, 1);  // 48000 samples of one channel: two seconds
-    writeWav(path("long.wav"), std::vector<std::int16_t>(8000 * 121), 8000, 1);
-    writeWav(path("edge.wav"), std::vector<std::int16_t>(8000 * 120), 8000, 1);
+    writeWav(path("long.wav"), std::vector<std::int16_t>(8000UL * 121), 8000, 1);
+    writeWav(path("edge.wav"), std::vector<std::int16_t>(8000UL * 120), 8000, 1);
     write("named.mp3", good);  // under another name
     write("cut.wav", good.substr(0, 40044));
     write("empty.wav", "");
@@ -40,7 +40,7 @@ TEST_F(Opening, FilesBecomeRecordsAndDisturbNothing) {
                                        {&AudioUpcalls::slotReset, "reset "},
                                        {&AudioUpcalls::namesRead, "names "},
                                        {&AudioUpcalls::slotOpened, "opened "}})
-        audioUpcalls.*upcall = [&told, word](int i) { told += i == 0 ? word : ""; };
+        audioUpcalls.*upcall = [&told, name = word](int i) { told += i == 0 ? name : ""; };
     audioUpcalls.feedback = [&told](int i, Feedback what) {
         if (i != 0) return;
         told += what == Feedback::empty ? "dark " : what == Feedback::loaded ? "lit " : "red ";
