@@ -69,7 +69,10 @@ void ask() {
 
 }  // namespace
 
-void OpenFileWatch() { ask(); }
+void OpenFileWatch() {
+    watch = Watch();
+    ask();
+}
 
 void FollowFile() {
     if (++watch.ticks >= kTicksBetween && !watch.job.running()) ask();

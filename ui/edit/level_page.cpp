@@ -206,7 +206,10 @@ void SetLevel(int percent) {
     UpdateJFX();
 }
 
-void OpenLevel() { measure(); }
+void OpenLevel() {
+    measured = Measured();
+    measure();
+}
 
 void CloseLevel() { measured = Measured(); }
 

@@ -300,6 +300,7 @@ void WireWave() {
 }
 
 void OpenWave() {
+    CloseWave();
     constexpr std::array kNames{"fxlblStartPos", "fxlblStopPos", "fxlblLI", "fxlblLO"};
     for (std::size_t i = 0; i < kCuePoints; ++i) {
         wave.names[i] = Ln(kNames[i]);
